@@ -1,0 +1,33 @@
+# One folder is one target. Its link list states which layers it may use; what is not listed does
+# not link. Sources are globbed so that a new unit needs no list to be edited.
+
+option(INPS_SANITIZE "build with address and undefined-behaviour sanitizers" OFF)
+option(INPS_WERROR "turn warnings into errors" ON)
+
+find_package(Threads REQUIRED)
+
+add_library(inps_options INTERFACE)
+target_include_directories(inps_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_link_libraries(inps_options INTERFACE Threads::Threads)
+if(MSVC)
+  target_compile_options(inps_options INTERFACE /W4 /utf-8 /permissive-)
+else()
+  target_compile_options(inps_options INTERFACE -Wall -Wextra -Wpedantic)
+  if(INPS_WERROR)
+    target_compile_options(inps_options INTERFACE -Werror)
+  endif()
+endif()
+if(INPS_SANITIZE)
+  target_compile_options(inps_options INTERFACE -fsanitize=address,undefined
+                                                -fno-sanitize-recover=undefined
+                                                -fno-omit-frame-pointer)
+  target_link_options(inps_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# inps_library(<target> [SHARED|STATIC] LINKS <targets…>)
+function(inps_library target kind)
+  cmake_parse_arguments(arg "" "" "LINKS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  add_library(${target} ${kind} ${sources})
+  target_link_libraries(${target} PUBLIC inps_options ${arg_LINKS})
+endfunction()
