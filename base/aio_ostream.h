@@ -1,0 +1,5 @@
+#pragma once
+
+#include <iosfwd>
+
+using aio_ostream = std::ostream; // the suite's diagnostic output stream

@@ -1,0 +1,8 @@
+#include "base/utl_Assert.h"
+
+utl_Assertion::utl_Assertion(const char* condition, std::source_location where)
+    : std::logic_error(condition), m_where(where) {}
+
+void utl_assertionFailed(const char* condition, std::source_location where) {
+  throw utl_Assertion(condition, where);
+}
