@@ -1,0 +1,51 @@
+#pragma once
+
+#include "base/utl_Buffer.h"
+#include "parser/inp_DataArray.h"
+
+// Bulk decode of data lines: labels and numbers of a whole block go from text to typed arrays in one
+// loop, in pieces spread over the cores. The result does not depend on the number of threads.
+// Lines that do not fit the regular form are left out of the arrays' fast path and listed, so that the
+// caller can read them by the general road and report them.
+
+// One line the fast loop could not take; the caller decides what it is.
+struct inp_OddRow {
+  long long row;  // data row within the keyword
+  long long slot; // position in the output arrays kept for it
+};
+
+struct inp_NodeRows {
+  utl_Buffer<int> labels;    // one per row with at least one field
+  utl_Buffer<double> coords; // 3 per row, 0 where not given
+  cow_List<inp_OddRow> odd;  // more than 4 fields (normals), texts, labels out of range …
+  long long Count() const { return static_cast<long long>(labels.Size()); }
+};
+
+// label, x, y, z per row. Blank lines are no nodes. Appends to the result.
+void inp_decodeNodes(const inp_DataArray& data, inp_NodeRows& result);
+
+struct inp_ElementRows {
+  utl_Buffer<int> labels;       // one per element
+  utl_Buffer<int> nodes;        // width per element; 0-padded behind an element's last node
+  int width = 0;                // the most nodes per element found
+  utl_Buffer<int> counts;       // nodes per element; empty when all have width nodes
+  utl_Buffer<long long> rows;   // first data row of each element; empty when element n is row n
+  cow_List<inp_OddRow> odd;     // elements with a field that is no integer, or no field at all
+  long long Count() const { return static_cast<long long>(labels.Size()); }
+};
+
+struct inp_ElementForm {
+  int maxNodes = 0;        // a line that would pass it starts a new element
+  int extraFields = 0;     // fields that are no nodes behind the label (kept as the last "nodes")
+  int firstLineNodes = 0;  // 0: no limit; else the most nodes the first line may hold
+};
+
+// label, then nodes; a line that ends in a comma goes on with the next line as long as the nodes read
+// so far plus that line's nodes stay within maxNodes. Appends to the result.
+void inp_decodeElements(const inp_DataArray& data, const inp_ElementForm& form,
+                        inp_ElementRows& result);
+
+// Every integer field of all lines in order (empty fields skipped). False and the first offending
+// row/col when some field is no integer in int's range; the result then holds what came before.
+bool inp_decodeLabels(const inp_DataArray& data, utl_Buffer<int>& labels, long long& badRow,
+                      int& badCol);

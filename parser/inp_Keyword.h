@@ -1,0 +1,90 @@
+#pragma once
+
+#include "base/aio_ostream.h"
+#include "parser/inp_DataArray.h"
+#include "parser/inp_Item.h"
+#include "parser/inp_KeywordEnm.h"
+#include <memory>
+
+// Where a keyword stands: the part, instance, assembly or step that is open around it.
+struct inp_Scope {
+  enum class Kind : unsigned char { Model, Part, Instance, Assembly, Step };
+  Kind kind = Kind::Model;
+  cow_String name;     // part, instance, assembly or step name; empty at model level
+  cow_String partName; // of an instance: its part
+  int ordinal = 0;     // of a step: 1, 2, …
+};
+using inp_ScopePtr = std::shared_ptr<const inp_Scope>;
+
+struct inp_Parameter {
+  cow_String name; // canonical: lower case, blanks removed, abbreviations resolved
+  inp_Item value;
+  const char* at = nullptr; // where it stands in the keyword's text
+  int width = 0;
+  mutable bool referred = false; // some reader looked at it
+};
+
+class inp_Keyword;
+using inp_KeywordList = cow_List<inp_Keyword>;
+
+// What the deck says of one keyword; shared by every copy of it (instances share their part's).
+struct inp_KeywordBody {
+  inp_KeywordEnm kind = inp_NullKeyword;
+  cow_String name;                     // upper case, single blanks, no asterisk
+  cow_List<inp_Parameter> parameters;  // in deck order
+  inp_DataArray data;
+  inp_DeckTextPtr text;                // of the keyword line
+  const char* begin = nullptr;         // the asterisk
+  const char* end = nullptr;           // behind the last (continued) keyword line
+  long long line = 0;
+  inp_KeywordEnm parent = inp_NullKeyword; // the keyword it is a sub-option of
+  std::shared_ptr<inp_KeywordList> suboptions; // attached sub-options in deck order; may be null
+};
+
+// A handle on one keyword of the deck. Copying it is cheap; the body is shared.
+class inp_Keyword {
+public:
+  inp_Keyword() = default;
+  explicit inp_Keyword(cow_String name);
+  inp_Keyword(std::shared_ptr<inp_KeywordBody> body, inp_ScopePtr scope);
+
+  inp_KeywordEnm Kind() const;
+  const cow_String& Name() const;
+
+  // Parameters, by canonical name. Every look-up marks the parameter as referred.
+  const inp_Item* Find(std::string_view name) const;
+  bool HasParameter(std::string_view name) const { return Find(name) != nullptr; }
+  const cow_String& StringOf(std::string_view name, const cow_String& absent) const;
+  const cow_List<inp_Parameter>& Parameters() const;
+  void ReferAll() const; // the whole keyword has been dealt with (kept verbatim)
+
+  const inp_DataArray& Data() const;
+
+  const inp_Scope& Scope() const;
+  const inp_ScopePtr& ScopePtr() const { return m_scope; }
+  bool IsInstanceCopy() const { return m_instanceCopy; } // shared from the instance's part
+  inp_Keyword CopyInto(inp_ScopePtr instance) const;
+  void MakeNull(); // emptied by expansion or reorganisation
+
+  bool hasSuboption(inp_KeywordEnm kind) const;
+  const inp_KeywordList& Suboptions() const;
+  bool IsSuboption() const;
+  inp_KeywordEnm ParentKind() const;
+
+  const cow_String& FileName() const;
+  long long Line() const;
+  wip_Place Place() const;
+  wip_Place PlaceOfParameter(std::string_view name) const; // the keyword's own when absent
+
+  // The keyword as deck text: keyword line (continuations joined as written) and data lines, line
+  // ends \n, comments left out.
+  cow_String Text() const;
+  void Print(aio_ostream& out) const;
+
+  const std::shared_ptr<inp_KeywordBody>& Body() const { return m_body; }
+
+private:
+  std::shared_ptr<inp_KeywordBody> m_body; // null: the null keyword
+  inp_ScopePtr m_scope;
+  bool m_instanceCopy = false;
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "parser/inp_Keyword.h"
+
+// Reads a deck, its include files and the data files it names into the list of its keywords.
+class inp_Parser {
+public:
+  // inputPath: the deck (UTF-8). directory: where relative include paths are looked for after the
+  // including file's own folder. searchPaths: further folders. jobName: shown instead of the path in
+  // messages when not empty. followIncludes, attachSuboptions: true; keepComments: false.
+  inp_Parser(cow_String inputPath, cow_String directory, cow_List<cow_String> searchPaths,
+             cow_String jobName, bool followIncludes, bool attachSuboptions, bool keepComments);
+  ~inp_Parser();
+
+  // The keywords in deck order; expectFile false reads inputPath as the deck's text itself.
+  inp_KeywordList Parse(bool expectFile);
+
+  const cow_List<wip_Message>& FileErrors() const;   // files that cannot be read, include cycles
+  const cow_List<wip_Message>& SyntaxErrors() const; // lines that are no deck language
+  const cow_List<wip_Message>& Warnings() const;
+
+private:
+  struct Impl;
+  std::unique_ptr<Impl> m_impl;
+};
