@@ -1,0 +1,29 @@
+#include "inpS/framework/inpS_Visitor.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+void inpS_Visitor::Visit(const inp_Keyword& keyword) {
+  if (keyword.Kind() == inp_UnknownKeyword) return;
+  inp_Visitor::Visit(keyword);
+}
+
+void inpS_Visitor::ReportUnreferredParameters(const inp_KeywordList& keywords,
+                                              const cow_List<inp_KeywordEnm>& kinds) {
+  for (const inp_Keyword& keyword : keywords) {
+    if (keyword.IsInstanceCopy()) continue; // its original in the part has been judged
+    if (std::find(kinds.begin(), kinds.end(), keyword.Kind()) == kinds.end()) continue;
+    for (const inp_Parameter& parameter : keyword.Parameters()) {
+      if (parameter.referred) continue;
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, parameter.name, "Parameter \"" + parameter.name + "\" is not used; ignored."));
+    }
+  }
+}
+
+void inpS_Visitor::Error(const inp_Keyword& keyword, cow_String text) {
+  AddError(inp_Utils::MessageInKeyword(keyword, std::move(text)));
+}
+
+void inpS_Visitor::Warning(const inp_Keyword& keyword, cow_String text) {
+  AddWarning(inp_Utils::MessageInKeyword(keyword, std::move(text)));
+}
