@@ -14,9 +14,8 @@ private:
   std::source_location m_where;
 };
 
-[[noreturn]] void
-utl_assertionFailed(const char* condition,
-                    std::source_location where = std::source_location::current());
+[[noreturn]] void utl_assertionFailed(const char* condition,
+                                      std::source_location where = std::source_location::current());
 
 // The condition's own spelling is the exception's text.
 #define utl_ASSERT(condition)                                                                      \

@@ -68,8 +68,9 @@ public:
   void Close(); // flushes and closes a file; nothing may be written afterwards
 
 private:
-  explicit utl_Stream(std::unique_ptr<utl_Sink> sink);
+  utl_Stream(std::unique_ptr<utl_Sink> sink, std::size_t bufferSize);
   void MakeRoom(std::size_t size);
+  void Drain();
 
   std::unique_ptr<utl_Sink> m_sink;
   utl_Buffer<char> m_buffer;
