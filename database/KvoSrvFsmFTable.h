@@ -1,0 +1,37 @@
+#pragma once
+
+#include "database/KvoSimPosition.h"
+#include <span>
+
+// A property table: rows of doubles, each holding the data columns, then the temperature when any
+// row depends on it, then the field variables. Held by its property as the one table it has.
+class KvoSrvFsmFTable {
+public:
+  KvoSrvFsmFTable() = default;
+  explicit KvoSrvFsmFTable(const KvoSimPosition& table) : m_position(table) {}
+
+  // `values` is row-major, rows x columns. Dependent columns are what the table gives, independent
+  // ones what it is given for; both lists together name the data columns, and may be empty.
+  static KvoSrvFsmFTable CreateTable(const KvoSimPosition& property, int tableKind, int64_t rows,
+                                     int fieldVariables,
+                                     const std::vector<cow_String>& dependentColumns,
+                                     const std::vector<cow_String>& independentColumns, int rowKind,
+                                     std::span<const double> values, int columns,
+                                     bool temperatureDependent);
+
+  bool IsNull() const { return m_position.IsNull(); }
+  const KvoSimPosition& Position() const { return m_position; }
+  int TableKind() const;
+  int RowKind() const;
+  int64_t Rows() const;
+  int Columns() const;
+  int FieldVariables() const;
+  bool IsTemperatureDependent() const;
+  std::vector<cow_String> DependentColumns() const;
+  std::vector<cow_String> IndependentColumns() const;
+  std::vector<double> Values() const; // row-major
+
+private:
+  std::vector<cow_String> ColumnsOf(int role) const;
+  KvoSimPosition m_position;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "base/cow_Value.h"
+#include <stdexcept>
+
+// What the store throws when it cannot go on. The text is one clear line and names the file.
+class eds_Exception : public std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// The engine refused or failed in a way that none of the others describes.
+class eds_EngineException : public eds_Exception {
+  using eds_Exception::eds_Exception;
+};
+
+// No room left, or the device failed to read or write.
+class eds_DiskException : public eds_Exception {
+  using eds_Exception::eds_Exception;
+};
+
+class eds_MemoryException : public eds_Exception {
+  using eds_Exception::eds_Exception;
+};
+
+// The file cannot be reached: it exists already, does not exist, is a folder, is not permitted, is
+// in use by another process.
+class eds_FileAccessException : public eds_Exception {
+  using eds_Exception::eds_Exception;
+};
+
+// The file is not a database, or a database of another program.
+class eds_NotOurFileException : public eds_Exception {
+  using eds_Exception::eds_Exception;
+};
+
+// A model written by a newer version.
+class eds_NewerFormatException : public eds_Exception {
+  using eds_Exception::eds_Exception;
+};
+
+// Ours, but truncated or damaged.
+class eds_DamagedFileException : public eds_Exception {
+  using eds_Exception::eds_Exception;
+};
