@@ -1,0 +1,298 @@
+// Writes decks to measure with: meshes of any size, and decks of many small keywords.
+
+#include "base/utl_Number.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <numeric>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using Label = std::uint32_t;
+
+constexpr Label largestLabel = 999999999;
+
+// A reproducible stream of random numbers (xorshift64*), the same on every machine.
+class Random {
+public:
+  std::uint64_t Next() {
+    m_state ^= m_state >> 12;
+    m_state ^= m_state << 25;
+    m_state ^= m_state >> 27;
+    return m_state * 0x2545F4914F6CDD1DULL;
+  }
+  std::uint32_t Below(std::uint32_t bound) {
+    return static_cast<std::uint32_t>(((Next() >> 32) * bound) >> 32);
+  }
+
+private:
+  std::uint64_t m_state = 0x9E3779B97F4A7C15ULL;
+};
+
+// Text on its way to a file, through one buffer.
+class DeckFile {
+public:
+  explicit DeckFile(const char* path) : m_file(std::fopen(path, "wb"), &std::fclose) {
+    if (!m_file) throw std::runtime_error(std::string("cannot write ") + path);
+    m_buffer.resize(bufferSize);
+  }
+  ~DeckFile() = default;
+
+  DeckFile& Text(std::string_view text) {
+    char* to = Room(text.size());
+    std::memcpy(to, text.data(), text.size());
+    m_used += text.size();
+    return *this;
+  }
+  DeckFile& Integer(std::uint64_t value) {
+    char* to = Room(utl_intTextRoom);
+    m_used += static_cast<std::size_t>(utl_printUnsigned(to, value) - to);
+    return *this;
+  }
+  DeckFile& Real(double value) {
+    char* to = Room(utl_doubleTextRoom);
+    m_used += static_cast<std::size_t>(utl_printDouble(to, value) - to);
+    return *this;
+  }
+  void Close() {
+    Flush();
+    if (std::fclose(m_file.release()) != 0) throw std::runtime_error("the deck was not written");
+  }
+
+private:
+  static constexpr std::size_t bufferSize = 1 << 20;
+
+  char* Room(std::size_t size) {
+    if (m_used + size > bufferSize) Flush();
+    return m_buffer.data() + m_used;
+  }
+  void Flush() {
+    if (std::fwrite(m_buffer.data(), 1, m_used, m_file.get()) != m_used)
+      throw std::runtime_error("the deck was not written");
+    m_used = 0;
+  }
+
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> m_file;
+  std::vector<char> m_buffer;
+  std::size_t m_used = 0;
+};
+
+enum class Labels { Order, Shuffled, Sparse };
+
+// The labels of `count` things: 1, 2, 3, …; the same shuffled; or rising with wide random gaps up
+// to the largest label a deck may have.
+std::vector<Label> makeLabels(Labels kind, std::size_t count, Random& random) {
+  std::vector<Label> labels(count);
+  std::iota(labels.begin(), labels.end(), Label{1});
+  if (kind == Labels::Shuffled)
+    for (std::size_t i = count; i > 1; --i)
+      std::swap(labels[i - 1], labels[random.Below(static_cast<std::uint32_t>(i))]);
+  if (kind == Labels::Sparse) {
+    const auto gap = static_cast<std::uint32_t>(largestLabel / count);
+    for (std::size_t i = 0; i < count; ++i)
+      labels[i] = static_cast<Label>(i * gap + 1 + random.Below(gap));
+  }
+  return labels;
+}
+
+// A place inside a box of 100 with six decimals, as mesh generators write it: the grid point, moved
+// by a little so that the numbers are not all round.
+class Grid {
+public:
+  Grid(std::size_t cells, Random& random) : m_cells(cells), m_random(random) {}
+
+  double Coordinate(std::size_t i) {
+    const double jitter = i == 0 || i == m_cells ? 0 : (m_random.Below(400001) - 200000.0) * 1e-6;
+    const double cell = 100.0 / static_cast<double>(m_cells);
+    return std::round((static_cast<double>(i) + jitter) * cell * 1e6) / 1e6;
+  }
+
+private:
+  std::size_t m_cells;
+  Random& m_random;
+};
+
+void writeBrick(DeckFile& deck, Label label, std::size_t side, std::size_t first,
+                const std::vector<Label>& nodes) {
+  const std::size_t layer = side * side;
+  deck.Integer(label);
+  for (std::size_t up : {std::size_t{0}, layer})
+    for (std::size_t step : {std::size_t{0}, std::size_t{1}, side + 1, side})
+      deck.Text(", ").Integer(nodes[first + up + step]);
+  deck.Text("\n");
+}
+
+void writeBricks(DeckFile& deck, std::size_t n, Labels kind) {
+  Random random;
+  const std::size_t side = n + 1;
+  const std::vector<Label> nodes = makeLabels(kind, side * side * side, random);
+  const std::vector<Label> elements = makeLabels(kind, n * n * n, random);
+  Grid grid(n, random);
+
+  deck.Text("*HEADING\nA cube of bricks\n*NODE\n");
+  std::size_t next = 0;
+  for (std::size_t k = 0; k < side; ++k)
+    for (std::size_t j = 0; j < side; ++j)
+      for (std::size_t i = 0; i < side; ++i) {
+        deck.Integer(nodes[next++]);
+        for (std::size_t place : {i, j, k}) deck.Text(", ").Real(grid.Coordinate(place));
+        deck.Text("\n");
+      }
+  deck.Text("*ELEMENT, TYPE=C3D8, ELSET=CUBE\n");
+  next = 0;
+  for (std::size_t k = 0; k < n; ++k)
+    for (std::size_t j = 0; j < n; ++j)
+      for (std::size_t i = 0; i < n; ++i)
+        writeBrick(deck, elements[next++], side, i + side * (j + side * k), nodes);
+}
+
+// ---- many copies of one small block: as instances of a part, and as one flat mesh ---------------
+
+constexpr std::size_t blockCells = 9; // 1000 nodes and 729 bricks
+constexpr std::size_t blockSide = blockCells + 1;
+constexpr std::size_t blockNodes = blockSide * blockSide * blockSide;
+constexpr std::size_t blockBricks = blockCells * blockCells * blockCells;
+
+std::vector<double> blockCoordinates() {
+  Random random;
+  Grid grid(blockCells, random);
+  std::vector<double> places;
+  for (std::size_t k = 0; k < blockSide; ++k)
+    for (std::size_t j = 0; j < blockSide; ++j)
+      for (std::size_t i = 0; i < blockSide; ++i)
+        for (std::size_t place : {i, j, k}) places.push_back(grid.Coordinate(place));
+  return places;
+}
+
+void writeBlockNodes(DeckFile& deck, const std::vector<double>& places, std::size_t copy) {
+  for (std::size_t node = 0; node < blockNodes; ++node) {
+    deck.Integer(copy * blockNodes + node + 1);
+    deck.Text(", ").Real(places[3 * node] + 110.0 * static_cast<double>(copy % 100));
+    deck.Text(", ").Real(places[3 * node + 1] + 110.0 * static_cast<double>(copy / 100));
+    deck.Text(", ").Real(places[3 * node + 2]).Text("\n");
+  }
+}
+
+void writeBlockBricks(DeckFile& deck, const std::vector<Label>& nodes, std::size_t copy) {
+  std::size_t next = copy * blockBricks;
+  for (std::size_t k = 0; k < blockCells; ++k)
+    for (std::size_t j = 0; j < blockCells; ++j)
+      for (std::size_t i = 0; i < blockCells; ++i)
+        writeBrick(deck, static_cast<Label>(++next), blockSide,
+                   copy * blockNodes + i + blockSide * (j + blockSide * k), nodes);
+}
+
+void writeBlocks(DeckFile& deck, std::size_t copies) {
+  Random random;
+  const std::vector<double> places = blockCoordinates();
+  const std::vector<Label> nodes = makeLabels(Labels::Order, copies * blockNodes, random);
+  deck.Text("*HEADING\nBlocks as one flat mesh\n*NODE\n");
+  for (std::size_t copy = 0; copy < copies; ++copy) writeBlockNodes(deck, places, copy);
+  deck.Text("*ELEMENT, TYPE=C3D8, ELSET=BLOCK\n");
+  for (std::size_t copy = 0; copy < copies; ++copy) writeBlockBricks(deck, nodes, copy);
+}
+
+void writeInstances(DeckFile& deck, std::size_t copies) {
+  Random random;
+  const std::vector<Label> nodes = makeLabels(Labels::Order, blockNodes, random);
+  deck.Text("*HEADING\nBlocks as instances of a part\n*PART, NAME=BLOCK\n*NODE\n");
+  writeBlockNodes(deck, blockCoordinates(), 0);
+  deck.Text("*ELEMENT, TYPE=C3D8, ELSET=BLOCK\n");
+  writeBlockBricks(deck, nodes, 0);
+  deck.Text("*END PART\n*ASSEMBLY, NAME=YARD\n");
+  for (std::size_t copy = 0; copy < copies; ++copy) {
+    deck.Text("*INSTANCE, NAME=BLOCK-").Integer(copy + 1).Text(", PART=BLOCK\n");
+    deck.Integer(110 * (copy % 100)).Text("., ").Integer(110 * (copy / 100));
+    deck.Text("., 0.\n*END INSTANCE\n");
+  }
+  deck.Text("*END ASSEMBLY\n");
+}
+
+// ---- many small keywords ------------------------------------------------------------------------
+
+constexpr std::size_t keywordCells = 20; // the mesh the keywords are about
+
+void writeLabelsLine(DeckFile& deck, Random& random, std::uint32_t largest) {
+  for (int i = 0; i < 12; ++i) deck.Text(i == 0 ? "" : ", ").Integer(1 + random.Below(largest));
+  deck.Text("\n");
+}
+
+void writeMaterial(DeckFile& deck, std::size_t number) {
+  deck.Text("*MATERIAL, NAME=MATERIAL-").Integer(number);
+  deck.Text("\n*DENSITY\n7.85E-9,\n*ELASTIC\n").Real(200000.0 + static_cast<double>(number));
+  deck.Text(", 0.3\n*EXPANSION\n1.2E-5,\n");
+}
+
+// A cycle of ten keywords: three node sets, two element sets, a material with three behaviours, and
+// a boundary condition.
+void writeTenKeywords(DeckFile& deck, Random& random, std::size_t number) {
+  constexpr std::uint32_t side = keywordCells + 1;
+  constexpr std::uint32_t nodes = side * side * side;
+  constexpr std::uint32_t bricks = keywordCells * keywordCells * keywordCells;
+  deck.Text("*NSET, NSET=NODES-").Integer(number).Text("\n");
+  writeLabelsLine(deck, random, nodes);
+  deck.Text("*NSET, NSET=RANGE-").Integer(number).Text(", GENERATE\n");
+  const std::uint32_t first = 1 + random.Below(nodes / 2);
+  deck.Integer(first).Text(", ").Integer(first + 3 * random.Below(1000)).Text(", 3\n");
+  deck.Text("*ELSET, ELSET=BRICKS-").Integer(number).Text("\n");
+  writeLabelsLine(deck, random, bricks);
+  writeMaterial(deck, number);
+  deck.Text("*NSET, NSET=BOTH-").Integer(number).Text("\nNODES-").Integer(number);
+  deck.Text(", RANGE-").Integer(number).Text("\n");
+  deck.Text("*ELSET, ELSET=PAIR-").Integer(number).Text(", GENERATE\n");
+  deck.Integer(1 + number % bricks).Text(", ").Integer(1 + number % bricks).Text("\n");
+  deck.Text("*BOUNDARY\nNODES-").Integer(number).Text(", 1, 3\n");
+}
+
+void writeKeywords(DeckFile& deck, std::size_t count) {
+  writeBricks(deck, keywordCells, Labels::Order);
+  Random random;
+  for (std::size_t number = 1; number <= count / 10; ++number)
+    writeTenKeywords(deck, random, number);
+}
+
+int run(int argc, char** argv) {
+  const std::string_view kind = argc > 3 ? argv[1] : "";
+  const std::size_t size = argc > 3 ? std::strtoull(argv[2], nullptr, 10) : 0;
+  const std::string_view labels = argc > 4 ? argv[4] : "order";
+  if (size == 0) {
+    std::fputs("mesh_generator bricks N DECK [order|shuffled|sparse]   N cubed bricks\n"
+               "mesh_generator blocks COUNT DECK      blocks of 1000 nodes, one flat mesh\n"
+               "mesh_generator instances COUNT DECK   the same as instances of a part\n"
+               "mesh_generator keywords COUNT DECK    small keywords on a mesh of 8000 bricks\n",
+               stderr);
+    return 2;
+  }
+  DeckFile deck(argv[3]);
+  if (kind == "bricks")
+    writeBricks(deck, size,
+                labels == "shuffled" ? Labels::Shuffled
+                : labels == "sparse" ? Labels::Sparse
+                                     : Labels::Order);
+  else if (kind == "blocks")
+    writeBlocks(deck, size);
+  else if (kind == "instances")
+    writeInstances(deck, size);
+  else if (kind == "keywords")
+    writeKeywords(deck, size);
+  else
+    throw std::runtime_error("no such kind of deck");
+  deck.Close();
+  return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "mesh_generator: %s\n", error.what());
+    return 3;
+  }
+}
