@@ -7,7 +7,6 @@
 #include <memory>
 #include <set>
 
-class KvoObjDocument;
 class KvoObjLabeler;
 class inpS_SurfaceVisitor;
 
@@ -105,7 +104,7 @@ private:
   bool m_featureEnhanced = false;
   inpS_Inventory m_inventory;
   cow_String m_modelString;
-  std::shared_ptr<KvoObjDocument> m_document;
+  KvoObjDocument m_document;
   std::unique_ptr<inpS_SurfaceVisitor> m_surfaceVisitor;
   bool m_unsupportedFeaturesAsWarnings = false;
 };

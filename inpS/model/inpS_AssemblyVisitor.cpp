@@ -1,0 +1,134 @@
+#include "inpS/model/inpS_AssemblyVisitor.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimTransaction.h"
+#include "inpS/framework/inpS_System.h"
+#include "inpS/messages/inpS_Message.h"
+#include "parser/inp_Utils.h"
+
+namespace {
+
+constexpr double kCoincident = 1e-6; // the length below which two points are one
+
+using MsgType = inpS_Message::MsgType;
+
+bool isGiven(const inp_DataArray& data, long long row) {
+  if (row >= data.Rows()) return false;
+  for (int col = 0, cols = data.Cols(row); col < cols; ++col)
+    if (data.HasValue(row, col)) return true;
+  return false;
+}
+
+double valueAt(const inp_DataArray& data, long long row, int col) {
+  return col < data.Cols(row) ? data.AsDouble(row, col) : 0.0;
+}
+
+} // namespace
+
+void inpS_AssemblyVisitor::VisitAssembly(const inp_Keyword& keyword) {
+  const KvoObjDocument& document = m_inventory.GetDocument();
+  const KvoSimPosition model = document.GetModel().Position();
+  if (!model.Follow(eds_Member::Assembly).IsNull()) {
+    Error(keyword, "A model has one assembly; this second one is taken as part of the first.");
+    return;
+  }
+  const inp_Item* name = keyword.Find("name");
+  KvoSimTransaction transaction(document.ContextID());
+  const KvoSimPosition assembly = model.CreateDataRecord(eds_RecordKind::Assembly);
+  if (name) assembly.DataRecord().SetString(eds_Assembly_Name, name->AsString());
+  model.SetPosition(eds_Member::Assembly, assembly);
+  transaction.Commit();
+}
+
+void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
+  const inp_Item* name = keyword.Find("name");
+  if (!name || name->AsString().empty()) {
+    Error(keyword, inpS_messageText(MsgType::Model, 4));
+    return;
+  }
+  const KvoObjDocument& document = m_inventory.GetDocument();
+  const KvoSimPosition model = document.GetModel().Position();
+  if (!model.FollowStringKey(eds_Member::Occurrences, name->AsString()).IsNull()) {
+    Error(keyword, inpS_messageText(MsgType::Model, 5, {name->AsString()}));
+    return;
+  }
+  const inp_Item* partName = keyword.Find("part");
+  const inp_Item* library = keyword.Find("library");
+  const inp_Item* source = keyword.Find("instance");
+  KvoSimPosition part;
+  if (partName) part = model.FollowStringKey(eds_Member::Parts, partName->AsString());
+  if (!partName && !library) {
+    Error(keyword, inpS_messageText(MsgType::Application, 0, {"part"}));
+    return;
+  }
+  if (partName && part.IsNull()) {
+    AddError(inp_Utils::MessageAtParameter(keyword, "part",
+                                           "Part \"" + partName->AsString() +
+                                               "\" is not defined; the instance is left out."));
+    return;
+  }
+  if (library)
+    Warning(keyword, "The mesh of an instance imported from \"" + library->Verbatim() +
+                         "\" is not read: only what this deck gives of it is converted.");
+  if (!CheckPlacement(keyword)) return;
+
+  KvoSimTransaction transaction(document.ContextID());
+  const KvoSimPosition instance = model.CreateDataRecord(eds_RecordKind::Instance);
+  KvoSimDataRecord record = instance.DataRecord();
+  record.SetString(eds_Instance_Name, name->AsString());
+  if (!part.IsNull()) record.SetReference(eds_Instance_Part, part);
+  if (library) record.SetString(eds_Instance_Library, library->Verbatim());
+  if (source) record.SetString(eds_Instance_SourceInstance, source->Verbatim());
+  WritePlacement(keyword, instance);
+  model.AssociateStringKey(eds_Member::Occurrences, name->AsString(), instance);
+  transaction.Commit();
+}
+
+bool inpS_AssemblyVisitor::CheckPlacement(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  constexpr int kFields[] = {3, 7};
+  for (long long row = 0; row < data.Rows(); ++row) {
+    for (int col = 0, cols = data.Cols(row); col < cols; ++col) {
+      if (!data.HasValue(row, col)) continue;
+      if (row < 2 && col < kFields[row] && data.IsNumber(row, col)) continue;
+      AddError(inp_Utils::MessageAtField(
+          keyword, row, col,
+          row < 2 && col < kFields[row]
+              ? "\"" + data.AsStringVerbatim(row, col) + "\" is no number; the instance is left out."
+              : cow_String("An instance takes a translation (3 values) and a rotation (two points "
+                           "and an angle); the instance is left out.")));
+      return false;
+    }
+  }
+  if (!isGiven(data, 1)) return true;
+  double square = 0;
+  for (int i = 0; i < 3; ++i) {
+    const double d = valueAt(data, 1, 3 + i) - valueAt(data, 1, i);
+    square += d * d;
+  }
+  if (square < kCoincident * kCoincident)
+    AddWarning(inp_Utils::MessageAtRow(keyword, 1, inpS_messageText(MsgType::Model, 13)));
+  return true;
+}
+
+// The numbers stay as the deck gives them, so that they can be written back; beside them stands the
+// rotation as a quaternion.
+void inpS_AssemblyVisitor::WritePlacement(const inp_Keyword& keyword,
+                                          const KvoSimPosition& instance) {
+  const inp_DataArray& data = keyword.Data();
+  KvoSimDataRecord record = instance.DataRecord();
+  if (isGiven(data, 0)) {
+    record.SetBool(eds_Instance_TranslationGiven, true);
+    for (int i = 0; i < 3; ++i)
+      record.SetDouble(eds_Instance_TranslationX + i, valueAt(data, 0, i));
+  }
+  if (!isGiven(data, 1)) return;
+  record.SetBool(eds_Instance_RotationGiven, true);
+  for (int i = 0; i < 7; ++i) record.SetDouble(eds_Instance_RotationAX + i, valueAt(data, 1, i));
+  inpS_System rotation;
+  rotation.ReadInstanceRotation(keyword);
+  const cow_List<double> quaternion = rotation.GetRotationQuaternion();
+  for (int i = 0; i < 4; ++i)
+    record.SetDouble(eds_Instance_QuaternionX + i, quaternion[static_cast<std::size_t>(i)]);
+}

@@ -1,0 +1,25 @@
+#include "inpS/model/inpS_ModelVisitor.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimTransaction.h"
+#include "inpS/messages/inpS_Message.h"
+
+void inpS_ModelVisitor::VisitPart(const inp_Keyword& keyword) {
+  const inp_Item* name = keyword.Find("name");
+  if (!name || name->AsString().empty()) {
+    Error(keyword, inpS_messageText(inpS_Message::MsgType::Model, 0));
+    return;
+  }
+  const KvoObjDocument& document = m_inventory.GetDocument();
+  const KvoSimPosition model = document.GetModel().Position();
+  if (!model.FollowStringKey(eds_Member::Parts, name->AsString()).IsNull()) {
+    Error(keyword, inpS_messageText(inpS_Message::MsgType::Model, 2, {name->AsString()}));
+    return;
+  }
+  KvoSimTransaction transaction(document.ContextID());
+  const KvoSimPosition part = model.CreateDataRecord(eds_RecordKind::Part);
+  part.DataRecord().SetString(eds_Part_Name, name->AsString());
+  model.AssociateStringKey(eds_Member::Parts, name->AsString(), part);
+  transaction.Commit();
+}

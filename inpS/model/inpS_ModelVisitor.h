@@ -1,0 +1,15 @@
+#pragma once
+
+#include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_Visitor.h"
+
+// The model phase: the deck's parts become part records of the model.
+class inpS_ModelVisitor : public inpS_Visitor {
+public:
+  explicit inpS_ModelVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
+
+  void VisitPart(const inp_Keyword& keyword) override;
+
+private:
+  const inpS_Inventory& m_inventory;
+};

@@ -1,0 +1,115 @@
+#include "inpS/model/inpS_VerbatimVisitor.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimTransaction.h"
+#include "parser/inp_KeywordTable.h"
+#include "parser/inp_Utils.h"
+
+namespace {
+
+constexpr int kHistoryBlock = 29;
+constexpr int kFirstBlock = 1;
+
+} // namespace
+
+inpS_VerbatimVisitor::inpS_VerbatimVisitor(const inpS_Inventory& inventory,
+                                           const cow_List<inp_KeywordEnm>& modelled)
+    : m_inventory(inventory) {
+  for (const inp_KeywordEnm kind : modelled) {
+    const auto index = static_cast<std::size_t>(kind);
+    if (index >= m_modelled.size()) m_modelled.resize(index + 1);
+    m_modelled[index] = true;
+  }
+}
+
+bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
+  const auto index = static_cast<std::size_t>(keyword.Kind());
+  if (index >= m_modelled.size() || !m_modelled[index]) return false;
+  // Inside a step nothing of the model's own keywords is converted.
+  return keyword.Scope().kind != inp_Scope::Kind::Step;
+}
+
+void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
+  if (keyword.Kind() == inp_NullKeyword || keyword.IsInstanceCopy()) return;
+  if (keyword.ScopePtr().get() != m_scope || m_place.owner.IsNull()) {
+    m_scopeHeld = keyword.ScopePtr();
+    m_scope = m_scopeHeld.get();
+    m_place = PlaceOf(keyword.Scope());
+  }
+  const int block = BlockOf(keyword);
+  if (IsModelled(keyword)) return;
+  keyword.ReferAll();
+  Count(keyword);
+
+  const KvoObjDocument& document = m_inventory.GetDocument();
+  KvoSimTransaction transaction(document.ContextID());
+  const KvoSimPosition kept = m_place.owner.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
+  KvoSimDataRecord record = kept.DataRecord();
+  record.SetString(eds_VerbatimKeyword_Keyword, keyword.Name());
+  record.SetSymb(eds_VerbatimKeyword_Level, m_place.level);
+  record.SetReference(eds_VerbatimKeyword_Owner, m_place.owner);
+  record.SetInt(eds_VerbatimKeyword_Block, block);
+  record.SetInt(eds_VerbatimKeyword_Position, m_positions[{m_place.owner.Object().Packed(), block}]++);
+  record.SetString(eds_VerbatimKeyword_Text, keyword.Text());
+  transaction.Commit();
+}
+
+// A sub-option goes where its keyword goes, an unknown keyword where the one before it went.
+int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
+  if (keyword.Scope().kind == inp_Scope::Kind::Step) return m_block = kHistoryBlock;
+  if (keyword.Kind() == inp_UnknownKeyword || keyword.IsSuboption())
+    return m_block = m_block == 0 ? kFirstBlock : m_block;
+  const int block = inp_KeywordTable::Instance().Row(keyword.Kind())->block;
+  return m_block = block == 0 ? kFirstBlock : block;
+}
+
+inpS_VerbatimVisitor::Place inpS_VerbatimVisitor::PlaceOf(const inp_Scope& scope) {
+  const KvoSimPosition model = m_inventory.GetDocument().GetModel().Position();
+  KvoSimPosition owner;
+  const char* level = "LEVEL_MODEL";
+  switch (scope.kind) {
+  case inp_Scope::Kind::Model:
+    break;
+  case inp_Scope::Kind::Step:
+    level = "LEVEL_STEP";
+    break;
+  case inp_Scope::Kind::Part:
+    owner = model.FollowStringKey(eds_Member::Parts, scope.name);
+    level = "LEVEL_PART";
+    break;
+  case inp_Scope::Kind::Instance:
+    owner = model.FollowStringKey(eds_Member::Occurrences, scope.name);
+    level = "LEVEL_INSTANCE";
+    break;
+  case inp_Scope::Kind::Assembly:
+    owner = model.Follow(eds_Member::Assembly);
+    level = "LEVEL_ASSEMBLY";
+    break;
+  }
+  // The part or instance was refused: its keywords stay with the model rather than being lost.
+  if (owner.IsNull()) return {model, scope.kind == inp_Scope::Kind::Step ? "LEVEL_STEP" : "LEVEL_MODEL"};
+  return {owner, level};
+}
+
+void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword) {
+  const auto [known, isNew] = m_byName.try_emplace(keyword.Name(), m_kept.size());
+  if (isNew) {
+    m_kept.push_back({keyword.Name(), 0, keyword.FileName(), keyword.Line(),
+                      keyword.Kind() != inp_UnknownKeyword});
+    m_firsts.push_back(keyword);
+  }
+  ++m_kept[known->second].count;
+}
+
+void inpS_VerbatimVisitor::Report() {
+  for (std::size_t n = 0; n < m_kept.size(); ++n) {
+    if (!m_kept[n].known) continue; // reported where it was read
+    const long long count = m_kept[n].count;
+    Warning(m_firsts[n], "Keyword *" + m_kept[n].keyword + " is not converted; " +
+                             (count == 1 ? cow_String("it is")
+                                         : "its " + std::to_string(count) + " occurrences are") +
+                             " kept as text.");
+  }
+  inpS_Visitor::Report();
+}

@@ -1,0 +1,142 @@
+#include "inpS/sets/inpS_SetReader.h"
+#include "parser/inp_BulkDecode.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+#include <cstdlib>
+
+namespace {
+
+constexpr long long kMaxLabel = 999999999;
+
+cow_String incrementText(long long increment, long long first, long long last) {
+  return inp_Utils::Format("Increment of %lld cannot be used to step from %lld to %lld.", increment,
+                           first, last);
+}
+
+} // namespace
+
+inpS_SetReader::inpS_SetReader(const inp_Keyword& keyword, inpS_SetDefinition& definition,
+                               inp_Visitor& messages)
+    : m_keyword(keyword), m_data(keyword.Data()), m_definition(definition), m_messages(messages) {
+  m_keywordIndex = static_cast<int>(m_definition.keywords.size());
+  m_definition.keywords.push_back(keyword);
+}
+
+inpS_SetEntry& inpS_SetReader::NewEntry(inpS_SetEntry::Kind kind, long long row, int col) {
+  inpS_SetEntry& entry = m_definition.entries.emplace_back();
+  entry.kind = kind;
+  entry.keyword = m_keywordIndex;
+  entry.row = row;
+  entry.col = col;
+  return entry;
+}
+
+inpS_SetEntry& inpS_SetReader::LabelsOf(const cow_String& instance, long long row, int col) {
+  if (!m_definition.entries.empty()) {
+    inpS_SetEntry& last = m_definition.entries.back();
+    if (last.kind == inpS_SetEntry::Kind::Labels && last.keyword == m_keywordIndex &&
+        last.instance == instance)
+      return last;
+  }
+  inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Labels, row, col);
+  entry.instance = instance;
+  return entry;
+}
+
+void inpS_SetReader::Read() {
+  if (m_data.Rows() == 0) return;
+  utl_Buffer<int> labels;
+  long long badRow = 0;
+  int badCol = 0;
+  if (!inp_decodeLabels(m_data, labels, badRow, badCol)) {
+    ReadMixed();
+    return;
+  }
+  if (labels.IsEmpty()) return;
+  inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Labels, 0, 0);
+  entry.instance = m_instance;
+  entry.labels = std::move(labels);
+}
+
+void inpS_SetReader::ReadMixed() {
+  for (long long row = 0; row < m_data.Rows(); ++row)
+    for (int col = 0, cols = m_data.Cols(row); col < cols; ++col) ReadField(row, col);
+}
+
+void inpS_SetReader::ReadField(long long row, int col) {
+  switch (m_data.Type(row, col)) {
+  case inp_FieldType::None:
+    return;
+  case inp_FieldType::String:
+    ReadName(row, col);
+    return;
+  case inp_FieldType::Integer:
+    if (std::llabs(m_data.AsInt64(row, col)) <= kMaxLabel) {
+      LabelsOf(m_instance, row, col).labels.Append(m_data.AsInt(row, col));
+      return;
+    }
+    break;
+  case inp_FieldType::Double:
+    break;
+  }
+  m_messages.AddError(inp_Utils::MessageAtField(
+      m_keyword, row, col,
+      "\"" + m_data.AsStringVerbatim(row, col) +
+          "\" is neither a label (an integer up to 999999999) nor the name of a set; left out."));
+}
+
+void inpS_SetReader::ReadName(long long row, int col) {
+  const cow_String name = m_data.AsString(row, col);
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(name);
+  if (inp_Utils::IsScopedSetId(parts)) {
+    const long long label = std::atoll(parts.back().c_str());
+    LabelsOf(parts[parts.size() - 2], row, col).labels.Append(static_cast<int>(label));
+    return;
+  }
+  inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Set, row, col);
+  const bool scoped = inp_Utils::IsScopedSetName(parts);
+  entry.instance = scoped ? parts[parts.size() - 2] : m_instance;
+  entry.name = scoped ? parts.back() : name;
+}
+
+void inpS_SetReader::GenerateSetIds() {
+  for (long long row = 0; row < m_data.Rows(); ++row) GenerateRow(row);
+}
+
+void inpS_SetReader::GenerateRow(long long row) {
+  int fields = 0;
+  for (int col = 0, cols = m_data.Cols(row); col < cols; ++col)
+    if (m_data.HasValue(row, col)) fields = col + 1;
+  if (fields == 0) return; // a blank line says nothing
+  if (fields < 2) {
+    m_messages.AddError(inp_Utils::MessageAtRow(
+        m_keyword, row, "Set generation start and end numbers are required."));
+    return;
+  }
+  const Id first = ReadId(row, 0);
+  Id last = ReadId(row, 1);
+  if (!last.valid) last.label = first.label;
+  long long increment = fields > 2 && m_data.IsNumber(row, 2) ? m_data.AsInt64(row, 2) : 1;
+  if (increment == 0) increment = 1;
+
+  const long long d = last.label - first.label;
+  if (d % increment != 0 || (d != 0 && (d < 0) != (increment < 0))) {
+    m_messages.AddError(inp_Utils::MessageAtRow(
+        m_keyword, row, incrementText(increment, first.label, last.label)));
+    return;
+  }
+  inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Range, row, 0);
+  entry.instance = first.instance.empty() ? m_instance : first.instance;
+  entry.first = first.label;
+  entry.increment = increment;
+  entry.count = d / increment + 1;
+}
+
+inpS_SetReader::Id inpS_SetReader::ReadId(long long row, int col) {
+  if (m_data.Type(row, col) == inp_FieldType::Integer) return {m_data.AsInt64(row, col), {}, true};
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(m_data.AsString(row, col));
+  if (m_data.Type(row, col) == inp_FieldType::String && inp_Utils::IsScopedSetId(parts))
+    return {std::atoll(parts.back().c_str()), parts[parts.size() - 2], true};
+  m_messages.AddError(inp_Utils::MessageAtField(m_keyword, row, col, "Id must be an integer"));
+  return {0, {}, false};
+}
