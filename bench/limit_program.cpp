@@ -49,20 +49,23 @@ namespace {
 int run(int argc, char** argv) {
   const std::string_view direction = argc > 3 ? argv[1] : "";
   if (direction != "convert" && direction != "write") {
-    std::fputs("limit_program convert DECK MODEL [--threads N] [--scalar]\n"
+    std::fputs("limit_program convert DECK MODEL [--threads N] [--scalar] [--sync]\n"
                "limit_program write   MODEL DECK [--threads N]\n",
                stderr);
     return 2;
   }
   int threads = static_cast<int>(std::thread::hardware_concurrency());
+  bool sync = false; // a conversion ends with its model on the disk
   for (int i = 4; i < argc; ++i) {
     const std::string_view word = argv[i];
     if (word == "--scalar") limitUseScalarDecoder(true);
+    if (word == "--sync") sync = true;
     if (word == "--threads" && i + 1 < argc) threads = std::atoi(argv[i + 1]);
   }
   const auto start = std::chrono::steady_clock::now();
   const LimitCounts counts = direction == "convert" ? limitConvert(argv[2], argv[3], threads)
                                                     : limitWrite(argv[2], argv[3], threads);
+  if (sync && direction == "convert") utl_syncFile(argv[3]);
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
   std::printf("{\"nodes\": %lld, \"elements\": %lld, \"seconds\": %.4f, \"peak_bytes\": %zu, "
               "\"threads\": %d, \"decoder\": \"%s\"}\n",

@@ -60,7 +60,7 @@ public:
 
   void WriteChunk(LimitArray array, std::size_t position, std::span<const std::byte> bytes);
   void WriteCounts(const LimitCounts& counts);
-  void Finish(); // commits and syncs
+  void Finish();
 
   LimitCounts ReadCounts();
   // The bytes of a chunk, valid until the next call; empty behind the last one.

@@ -1,0 +1,222 @@
+#!/usr/bin/env python3
+"""Measures inps against the bare limit program and prints the table of docs/performance.md.
+
+Both programs run in turn on the same decks, processors and file system; the best of several rounds
+counts, whole process. Fails only when something does not run, never for being slow."""
+import argparse
+import json
+import os
+import pathlib
+import platform
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BEGIN, END = "<!-- bench: begin -->", "<!-- bench: end -->"
+GENERATED_BYTES = {True: 1_000_000_000, False: 3_500_000_000}  # by quick: deck, model and deck again
+
+
+class Failed(Exception):
+    pass
+
+
+class Run:
+    """One process: wall time, processor time and peak resident memory."""
+
+    def __init__(self, command, processors=None):
+        def bind():
+            if processors:
+                os.sched_setaffinity(0, processors)
+
+        environment = dict(os.environ)
+        if processors:
+            environment["INPS_THREADS"] = str(len(processors))
+        with tempfile.TemporaryFile() as out:
+            start = time.perf_counter()
+            process = subprocess.Popen([str(word) for word in command], stdout=out, stderr=out,
+                                       preexec_fn=bind, env=environment)
+            _, status, usage = os.wait4(process.pid, 0)
+            self.seconds = time.perf_counter() - start
+            process.returncode = os.waitstatus_to_exitcode(status)
+            out.seek(0)
+            text = out.read().decode(errors="replace")
+        if process.returncode != 0:
+            raise Failed(f"{' '.join(map(str, command))}\nended with {process.returncode}:\n"
+                         f"{text[-2000:]}")
+        self.output = text
+        self.cpu = usage.ru_utime + usage.ru_stime
+        self.peak = usage.ru_maxrss * 1024
+
+
+class Best:
+    def __init__(self):
+        self.seconds = self.cpu = float("inf")
+        self.peak = 0
+
+    def add(self, run):
+        self.seconds = min(self.seconds, run.seconds)
+        self.cpu = min(self.cpu, run.cpu)
+        self.peak = max(self.peak, run.peak)
+
+
+class Bench:
+    def __init__(self, binaries, folder, rounds):
+        self.inps = binaries / "inps"
+        self.limit = binaries / "limit_program"
+        self.generator = binaries / "mesh_generator"
+        self.folder = folder
+        self.rounds = rounds
+        self.rows = []
+
+    def deck(self, *words):
+        path = self.folder / "deck.inp"
+        say("deck " + " ".join(map(str, words)))
+        Run([self.generator, words[0], words[1], path, *words[2:]])
+        return path
+
+    def convert(self, deck, processors, with_limit=True):
+        """Best of both programs on one deck, in turn: (limit, inps)."""
+        model, bare = self.folder / "model.sim", self.folder / "bare.sim"
+        limit, inps = Best(), Best()
+        for _ in range(self.rounds):
+            if with_limit:
+                bare.unlink(missing_ok=True)
+                limit.add(Run([self.limit, "convert", deck, bare, "--threads", len(processors),
+                               "--sync"], processors))
+            model.unlink(missing_ok=True)
+            inps.add(Run([self.inps, "convert", deck, "-o", model, "--quiet"], processors))
+        return limit, inps
+
+    def write(self, processors):
+        """The way back, of the models that convert left."""
+        out = self.folder / "written.inp"
+        limit, inps = Best(), Best()
+        for _ in range(self.rounds):
+            for best, command in (
+                    (limit, [self.limit, "write", self.folder / "bare.sim", out, "--threads",
+                             len(processors)]),
+                    (inps, [self.inps, "write", self.folder / "model.sim", "-o", out])):
+                out.unlink(missing_ok=True)
+                best.add(Run(command, processors))
+        out.unlink(missing_ok=True)
+        return limit, inps
+
+    def row(self, what, measured, wanted):
+        self.rows.append((what, measured, wanted))
+        say(f"  {what}: {measured}" + (f" (wanted: {wanted})" if wanted else ""))
+
+
+def say(text):
+    print(text, file=sys.stderr, flush=True)
+
+
+def ratio(best, reference):
+    return (f"{best.seconds / reference.seconds:.2f} times "
+            f"({best.seconds:.3f} s to {reference.seconds:.3f} s)")
+
+
+def memory(best, nodes, elements):
+    arrays = 24 * nodes + 4 * (nodes + elements) + 4 * 8 * elements
+    allowed = 1.25 * arrays + 64e6
+    return f"{best.peak / 1e6:.0f} MB, {best.peak / allowed:.2f} of the {allowed / 1e6:.0f} MB allowed"
+
+
+def measure_bricks(bench, sizes, processor_sets):
+    per_node = {}
+    for size in sizes:
+        deck = bench.deck("bricks", size)
+        nodes, elements, name = (size + 1) ** 3, size ** 3, f"{size}³ bricks"
+        for processors in processor_sets:
+            threads = f"{len(processors)} thread{'s' if len(processors) > 1 else ''}"
+            limit, inps = bench.convert(deck, processors)
+            bench.row(f"{name}, convert, {threads}", ratio(inps, limit), "1.5 times")
+            back_limit, back = bench.write(processors)
+            bench.row(f"{name}, write, {threads}", ratio(back, back_limit), "1.5 times")
+            per_node.setdefault(len(processors), {})[size] = (inps.seconds / nodes,
+                                                             back.seconds / nodes)
+        bench.row(f"{name}, convert, peak memory", memory(inps, nodes, elements), "1")
+        bench.row(f"{name}, write, peak memory", memory(back, nodes, elements), "1")
+    least, most = sizes[0], sizes[-1]
+    for count, times in per_node.items():
+        for place, direction in enumerate(("convert", "write")):
+            small, large = times[least][place], times[most][place]
+            bench.row(f"{direction}, time a node, {least}³ to {most}³, {count} threads",
+                      f"{small * 1e9:.0f} ns to {large * 1e9:.0f} ns, "
+                      f"{100 * (large / small - 1):+.0f} %", "within 15 %")
+
+
+def measure_labels(bench, processors):
+    for labels in ("shuffled", "sparse"):
+        limit, inps = bench.convert(bench.deck("bricks", 128, labels), processors)
+        bench.row(f"128³ bricks, {labels} labels, convert", ratio(inps, limit), "2.5 times")
+
+
+def measure_keywords(bench, processors):
+    count = 100_000
+    _, inps = bench.convert(bench.deck("keywords", count), processors, with_limit=False)
+    bench.row("100,000 small keywords, each", f"{inps.seconds / count * 1e6:.1f} µs", "20 µs")
+
+
+def measure_instances(bench, processors, copies):
+    _, flat = bench.convert(bench.deck("blocks", copies), processors, with_limit=False)
+    _, inps = bench.convert(bench.deck("instances", copies), processors, with_limit=False)
+    bench.row(f"{copies} instances of 1000 nodes to the flat mesh", ratio(inps, flat), "1.5 times")
+
+
+def table(rows, quick):
+    processor = next((line.split(":", 1)[1].strip()
+                      for line in pathlib.Path("/proc/cpuinfo").read_text().splitlines()
+                      if line.startswith("model name")), platform.machine())
+    lines = [f"Measured on {processor}, {len(os.sched_getaffinity(0))} processors"
+             f"{', quick run' if quick else ''}; best of several rounds, whole process.", "",
+             "| What | Measured | Wanted, at most |", "|---|---|---|"]
+    return "\n".join(lines + [f"| {a} | {b} | {c} |" for a, b, c in rows])
+
+
+def record(text):
+    path = ROOT / "docs" / "performance.md"
+    page = path.read_text(encoding="utf-8")
+    head, rest = page.split(BEGIN)
+    path.write_text(f"{head}{BEGIN}\n{text}\n{END}{rest.split(END)[1]}", encoding="utf-8")
+    say(f"written into {path.relative_to(ROOT)}")
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="./inps bench", description=__doc__)
+    parser.add_argument("--bin", type=pathlib.Path, default=ROOT / "build/release/bin",
+                        help="folder of the built programs")
+    parser.add_argument("--quick", action="store_true", help="smaller meshes, fewer rounds")
+    parser.add_argument("--rounds", type=int, help="runs of each program (5, quick 3)")
+    parser.add_argument("--folder", type=pathlib.Path,
+                        help="where the decks go (a temporary folder)")
+    parser.add_argument("--record", action="store_true", help="write the table into the docs")
+    parser.add_argument("--json", action="store_true", help="print the rows as JSON")
+    words = parser.parse_args()
+
+    processors = sorted(os.sched_getaffinity(0))
+    sets = [set(processors[:1])] + ([set(processors[:2])] if len(processors) > 1 else [])
+    with tempfile.TemporaryDirectory(prefix="inps-bench-", dir=words.folder) as folder:
+        free = shutil.disk_usage(folder).free
+        if free < GENERATED_BYTES[words.quick]:
+            raise Failed(f"{folder} has {free / 1e9:.1f} GB free; the decks need "
+                         f"{GENERATED_BYTES[words.quick] / 1e9:.1f} GB (--folder names another)")
+        bench = Bench(words.bin, pathlib.Path(folder), words.rounds or (3 if words.quick else 5))
+        measure_bricks(bench, (64, 128) if words.quick else (64, 128, 200), sets)
+        measure_labels(bench, sets[-1])
+        measure_keywords(bench, sets[-1])
+        measure_instances(bench, sets[-1], 1000 if words.quick else 10_000)
+    text = table(bench.rows, words.quick)
+    print(json.dumps(bench.rows, ensure_ascii=False) if words.json else text)
+    if words.record:
+        record(text)
+
+
+if __name__ == "__main__":
+    try:
+        main()
+    except Failed as failure:
+        say(f"bench: {failure}")
+        sys.exit(3)

@@ -1,0 +1,191 @@
+#!/usr/bin/env python3
+"""Kills `inps convert` with SIGKILL at random moments and looks at the file that is left.
+
+The file must be absent, or open, pass the engine's integrity check, be read by the program from
+end to end, and hold whole keywords only: the deck's first ones, in its order, none left out."""
+import argparse
+import contextlib
+import pathlib
+import random
+import signal
+import sqlite3
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+SIDE = 60  # nodes along an edge of the cube
+SETS = 3000  # small keywords that are modelled
+TEXTS = 3000  # small keywords that are kept as they stand
+
+
+def set_members(number):
+    """Twelve labels that tell the set's number."""
+    return [1 + (number * 37 + 1009 * i) % SIDE ** 3 for i in range(12)]
+
+
+def write_deck(path):
+    lines = ["*HEADING", "A cube and many small keywords", "*NODE"]
+    lines += [f"{1 + i + SIDE * (j + SIDE * k)}, {i}.25, {j}.5, {k}.125"
+              for k in range(SIDE) for j in range(SIDE) for i in range(SIDE)]
+    lines.append("*ELEMENT, TYPE=C3D8, ELSET=CUBE")
+    label = 0
+    for k in range(SIDE - 1):
+        for j in range(SIDE - 1):
+            for i in range(SIDE - 1):
+                label += 1
+                a = 1 + i + SIDE * (j + SIDE * k)
+                ring = (a, a + 1, a + 1 + SIDE, a + SIDE)
+                nodes = ring + tuple(n + SIDE * SIDE for n in ring)
+                lines.append(f"{label}, " + ", ".join(map(str, nodes)))
+    for number in range(1, SETS + 1):
+        lines += [f"*NSET, NSET=SET{number}, UNSORTED", ", ".join(map(str, set_members(number)))]
+    for number in range(1, TEXTS + 1):
+        # A keyword that is not of the vocabulary is kept as text whatever the program learns.
+        lines += [f"*KEEP THIS TEXT, NUMBER={number}", f"{number}, {2 * number}"]
+    path.write_text("\n".join(lines) + "\n")
+
+
+def command(program, deck, model):
+    return [program, "convert", deck, "-o", model, "--quiet"]
+
+
+def start(program, deck, model):
+    return subprocess.Popen(command(program, deck, model), stdout=subprocess.DEVNULL,
+                            stderr=subprocess.DEVNULL)
+
+
+def calibrate(program, deck, model):
+    """Seconds of a whole conversion, the model left in place. An unknown keyword is an error of
+    the deck, so the exit code is 1."""
+    times = []
+    for _ in range(3):
+        model.unlink(missing_ok=True)
+        begin = time.perf_counter()
+        code = start(program, deck, model).wait()
+        times.append(time.perf_counter() - begin)
+        if code not in (0, 1) or not model.exists():
+            raise SystemExit(f"a whole conversion failed with {code}")
+    return statistics.median(times)
+
+
+def blocks_of(text, keyword):
+    """(keyword line, data lines) of every such keyword of a written deck."""
+    blocks, data = [], None
+    for line in text.splitlines():
+        if line.startswith("*") and not line.startswith("**"):
+            data = [] if line.upper().startswith(keyword) else None
+            if data is not None:
+                blocks.append((line, data))
+        elif data is not None and not line.startswith("**"):
+            data.append(line)
+    return blocks
+
+
+def sets_kept(text):
+    """How many of the deck's sets the written deck has; complains of any but the first ones."""
+    kept = 0
+    for line, data in blocks_of(text, "*NSET"):
+        name = line.upper().split("NSET=")[1].split(",")[0].strip('" ')
+        members = [int(field) for row in data for field in row.split(",") if field.strip()]
+        kept += 1
+        if name != f"SET{kept}":
+            return f"the set behind SET{kept - 1} is {name}"
+        if members != set_members(kept):
+            return f"{name} does not have its members"
+    return kept
+
+
+def texts_kept(text):
+    kept = 0
+    for line, data in blocks_of(text, "*KEEP THIS TEXT"):
+        kept += 1
+        if line.replace(" ", "").upper() != f"*KEEPTHISTEXT,NUMBER={kept}":
+            return f"the text behind number {kept - 1} is {line}"
+        if [row.replace(" ", "") for row in data] != [f"{kept},{2 * kept}"]:
+            return f"text {kept} is not whole: {data}"
+    return kept
+
+
+def read_by_engine(model):
+    with contextlib.closing(sqlite3.connect(model)) as database:
+        answer = database.execute("PRAGMA integrity_check").fetchall()
+    return None if answer == [("ok",)] else f"integrity check: {answer[:3]}"
+
+
+def read_by_program(program, model, deck):
+    for words in (["info", model], ["dump", model], ["write", model, "-o", deck]):
+        done = subprocess.run([program, *words], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        if done.returncode != 0:
+            return (f"inps {words[0]} ended with {done.returncode}: "
+                    f"{done.stderr.decode(errors='replace')[-500:]}")
+    return None
+
+
+def fault_in(program, model, folder):
+    """What is wrong with the model, or the numbers of keywords that it holds."""
+    deck = folder / "written.inp"
+    deck.unlink(missing_ok=True)
+    fault = read_by_engine(model) or read_by_program(program, model, deck)
+    if fault:
+        return fault, None
+    text = deck.read_text(errors="replace")
+    counts = sets_kept(text), texts_kept(text)
+    wrong = next((count for count in counts if isinstance(count, str)), None)
+    if wrong is None and counts[1] > 0 and counts[0] < SETS:
+        wrong = f"{counts[1]} texts are there before all sets are: {counts[0]}"
+    return wrong, counts
+
+
+def clean(folder, deck):
+    for path in folder.iterdir():
+        if path != deck:
+            path.unlink()
+
+
+def torture(words, folder):
+    deck, model = folder / "deck.inp", folder / "model.sim"
+    write_deck(deck)
+    whole = calibrate(words.program, deck, model)
+    fault, counts = fault_in(words.program, model, folder)
+    if fault or counts != (SETS, TEXTS):
+        return [f"the whole model: {fault or counts}"]
+    print(f"a whole conversion takes {whole:.3f} s; {words.kills} kills, seed {words.seed}")
+    moments = random.Random(words.seed)
+    faults, absent, partial, complete = [], 0, 0, 0
+    for kill in range(words.kills):
+        clean(folder, deck)
+        moment = moments.uniform(0, 1.05 * whole)
+        process = start(words.program, deck, model)
+        time.sleep(moment)
+        process.send_signal(signal.SIGKILL)
+        process.wait()
+        if not model.exists():
+            absent += 1
+            continue
+        fault, counts = fault_in(words.program, model, folder)
+        if fault:
+            faults.append(f"kill {kill} after {moment:.4f} s: {fault}")
+        complete += counts == (SETS, TEXTS)
+        partial += counts != (SETS, TEXTS)
+    print(f"no file {absent} times, a part of the model {partial} times, all of it {complete} times")
+    return faults
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--kills", type=int, default=200)
+    parser.add_argument("--seed", type=int, default=random.randrange(10 ** 6))
+    words = parser.parse_args()
+    with tempfile.TemporaryDirectory(prefix="inps-torture-") as folder:
+        faults = torture(words, pathlib.Path(folder))
+    for fault in faults:
+        print(fault)
+    print(f"{len(faults)} faults" if faults else "every file left behind was sound")
+    sys.exit(1 if faults else 0)
+
+
+if __name__ == "__main__":
+    main()
