@@ -98,7 +98,39 @@ char* utl_printLargeInt(char* p, std::uint64_t magnitude) {
   return p + 8;
 }
 
+namespace {
+
+// The fast path of utl_printDouble once more, with as many decimals as 15 digits leave, at most 16.
+// Null when they are not enough, or not needed.
+char* printUpTo15Digits(char* p, double value) {
+  const double magnitude = std::fabs(value);
+  if (!(magnitude >= 1e-3 && magnitude < 1e6)) return nullptr;
+  int decimals = 16;
+  while (magnitude * utl_powersOf10[decimals] >= 1e15) --decimals;
+  const double scale = utl_powersOf10[decimals];
+  const auto scaled = static_cast<std::uint64_t>(magnitude * scale + 0.5);
+  if (static_cast<double>(scaled) / scale != magnitude) return nullptr;
+
+  const auto unit = static_cast<std::uint64_t>(scale);
+  const std::uint64_t fraction =
+      scaled % unit * static_cast<std::uint64_t>(utl_powersOf10[16 - decimals]);
+  if (fraction == 0) return nullptr;
+  const auto upper = static_cast<std::uint32_t>(fraction / 100000000);
+  const auto lower = static_cast<std::uint32_t>(fraction % 100000000);
+  *p = '-';
+  p += std::signbit(value);
+  p = utl_printSmall(p, static_cast<std::uint32_t>(scaled / unit));
+  *p++ = '.';
+  if (lower == 0) return utl_printFraction(p, upper);
+  const std::uint64_t text = utl_eightDigits(upper) | utl_eightZeros;
+  std::memcpy(p, &text, 8);
+  return utl_printFraction(p + 8, lower);
+}
+
+} // namespace
+
 char* utl_printDoubleShortest(char* p, double value) {
+  if (char* const shortEnd = printUpTo15Digits(p, value)) return shortEnd;
   char* const end = std::to_chars(p, p + utl_doubleTextRoom, value).ptr;
   if (!std::isfinite(value)) return end;
   char* const letter = std::find(p, end, 'e');

@@ -67,6 +67,27 @@ inline const char* utl_readExponent(const char* p, const char* end, std::int64_t
   return q;
 }
 
+inline constexpr std::uint64_t utl_intPowersOf10[] = {1,      10,      100,      1000,     10000,
+                                                      100000, 1000000, 10000000, 100000000};
+
+// Appends the digits that stand at p, eight at most, to the mantissa; eight bytes can be read
+// there. No branch depends on how many they are, which in coordinates changes from field to field.
+inline const char* utl_readUpToEightDigits(const char* p, std::uint64_t& mantissa) {
+  std::uint64_t bytes;
+  std::memcpy(&bytes, p, 8);
+  bytes ^= 0x3030303030303030; // digits become 0 to 9
+  const std::uint64_t others = ((bytes & 0x7F7F7F7F7F7F7F7F) + 0x7676767676767676) | bytes;
+  const int count = std::countr_zero(others & 0x8080808080808080) / 8;
+  bytes = count == 0 ? 0 : bytes << (64 - 8 * count); // zeros before the digits, nothing behind
+  bytes = bytes * 10 + (bytes >> 8);                  // pairs, in every other byte
+  const std::uint64_t upper = (bytes & 0x000000FF000000FF) * (100 + (std::uint64_t{1000000} << 32));
+  const std::uint64_t lower =
+      ((bytes >> 16) & 0x000000FF000000FF) * (1 + (std::uint64_t{10000} << 32));
+  const auto number = static_cast<std::uint32_t>((upper + lower) >> 32);
+  mantissa = mantissa * utl_intPowersOf10[count] + number;
+  return p + count;
+}
+
 // A real as decks write it: "1", "1.", ".5", "+1.5E-3", "1D+5", "1d5". An exponent needs its letter
 // ("1+5" stops at the plus); "inf" and "nan" are not numbers. A number too large for a double gives
 // an infinity of its sign, so std::isinf(value) is the test for out of range; one too small
@@ -86,6 +107,7 @@ inline const char* utl_readDouble(const char* p, const char* end, double& value)
   std::ptrdiff_t digits = p - first;
   if (p != end && *p == '.') {
     const char* const fraction = ++p;
+    if (end - p >= 8) p = utl_readUpToEightDigits(p, mantissa);
     for (; p != end && (digit = static_cast<unsigned>(*p - '0')) < 10; ++p)
       mantissa = mantissa * 10 + digit;
     exponent = fraction - p;
@@ -153,6 +175,14 @@ inline char* utl_printSmall(char* p, std::uint32_t n) {
   return p + 8 - leading / 8;
 }
 
+// Prints the eight decimals of a fraction of 10^8 without trailing zeros.
+inline char* utl_printFraction(char* p, std::uint32_t n) {
+  const std::uint64_t digits = utl_eightDigits(n);
+  const std::uint64_t text = digits | utl_eightZeros;
+  std::memcpy(p, &text, 8);
+  return p + 8 - std::countl_zero(digits) / 8;
+}
+
 char* utl_printLargeInt(char* p, std::uint64_t magnitude);
 
 // These print an integer and return the place after it. No terminating null.
@@ -193,8 +223,5 @@ inline char* utl_printDouble(char* p, double value) {
   p += std::signbit(value);
   p = utl_printSmall(p, whole);
   *p++ = '.';
-  const std::uint64_t digits = utl_eightDigits(fraction);
-  const std::uint64_t text = digits | utl_eightZeros;
-  std::memcpy(p, &text, 8);
-  return p + 8 - std::countl_zero(digits) / 8;
+  return utl_printFraction(p, fraction);
 }
