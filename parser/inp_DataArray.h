@@ -18,6 +18,9 @@ struct inp_DataSegment {
 // The data lines of one keyword as a ragged table of fields: a view of the deck's text. No object
 // per field; copies share everything. Rows and columns count from 0. Reading past Rows() or Cols()
 // is a programming error (utl_Assertion).
+// A line of blanks is a row without fields; "1, 2," has three fields, the last one empty.
+// Reading moves a cursor that all copies share, so one thread at a time reads an array and its
+// copies; Rows() and Segments() may be asked by any number of threads.
 class inp_DataArray {
 public:
   inp_DataArray() = default;
@@ -29,9 +32,9 @@ public:
   bool IsNone(long long row, int col) const;
   bool HasValue(long long row, int col) const;
   bool IsNumber(long long row, int col) const;
-  int AsInt(long long row, int col) const;       // 0 for what is no number; clamped to int
+  int AsInt(long long row, int col) const; // 0 for what is no number; clamped to int
   long long AsInt64(long long row, int col) const;
-  double AsDouble(long long row, int col) const; // 0 for what is no number
+  double AsDouble(long long row, int col) const;     // 0 for what is no number
   cow_String AsString(long long row, int col) const; // upper case, blanks removed unless quoted
   cow_String AsStringVerbatim(long long row, int col) const; // trimmed, quotes kept
   std::string_view FieldText(long long row, int col) const;  // trimmed, as written

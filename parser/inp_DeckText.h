@@ -10,28 +10,34 @@
 class inp_DeckText;
 using inp_DeckTextPtr = std::shared_ptr<const inp_DeckText>;
 
-// The text of one deck file, mapped and never copied, or of a generated buffer. Keywords cut from it
-// share it; lines and columns are counted only when a message asks for them.
+// The text of one deck file, mapped and never copied, or of a generated buffer. Keywords cut from
+// it share it; lines and columns are counted only when a message asks for them.
 class inp_DeckText {
 public:
   // Throws utl_FileException when the file cannot be read.
   static inp_DeckTextPtr Open(const std::filesystem::path& path, inp_DeckTextPtr includedFrom = {},
                               long long includedAtLine = 0);
+  // The same for a deck that messages call by another name than its path.
+  static inp_DeckTextPtr OpenAs(const std::filesystem::path& path, cow_String name);
   static inp_DeckTextPtr FromString(cow_String text, cow_String name);
-  // A rewritten stretch of another text: line n of it is line firstLine + n of the origin.
+  // A rewritten stretch of another text: line n of it (from 0) is line firstLine + n of the file
+  // the origin is or stems from.
   static inp_DeckTextPtr Rewritten(cow_String text, inp_DeckTextPtr origin, long long firstLine);
 
   ~inp_DeckText();
 
-  const char* Begin() const;
+  const char* Begin() const; // behind a UTF-8 byte-order mark
   const char* End() const;
   std::size_t Size() const { return static_cast<std::size_t>(End() - Begin()); }
 
-  const cow_String& FileName() const; // as users know it, UTF-8
+  const cow_String& FileName() const;        // as users know it, UTF-8
+  const std::filesystem::path& Path() const; // empty for text that is no file
   const std::filesystem::path& Folder() const;
 
   // Place of a character for a message: file, line, column, the line itself and the include chain.
   wip_Place PlaceOf(const char* at, int width = 1) const;
+  // The same when the line's start and number (from 1) are known: nothing is counted.
+  wip_Place PlaceInLine(const char* lineBegin, const char* at, int width, long long line) const;
   // The same for a whole line whose number is known already.
   wip_Place PlaceOfLine(long long line) const;
 
@@ -41,5 +47,6 @@ public:
 private:
   struct Impl;
   explicit inp_DeckText(std::unique_ptr<Impl> impl);
+  wip_Place PlaceInOrigin(const char* lineBegin, const char* at, int width, long long line) const;
   std::unique_ptr<Impl> m_impl;
 };

@@ -12,6 +12,7 @@ public:
   explicit inp_Item(bool flag);
   explicit inp_Item(double value);
   explicit inp_Item(cow_String value);
+  explicit inp_Item(const char* value) : inp_Item(cow_String(value)) {} // else it would be a flag
   // As the parser makes it: the kind follows from the text.
   static inp_Item FromText(cow_String folded, cow_String verbatim);
 
@@ -20,8 +21,8 @@ public:
   bool IsNumber() const { return m_kind == Kind::Integer || m_kind == Kind::Double; }
   bool IsString() const { return m_kind == Kind::String; }
 
-  int AsInt() const;               // 0 for what is no number
-  double AsDouble() const;         // 0 for what is no number
+  int AsInt() const;                  // 0 for what is no number
+  double AsDouble() const;            // 0 for what is no number
   const cow_String& AsString() const; // folded text, of numbers too; empty for a flag
   const cow_String& Verbatim() const; // as written, quotes kept
 

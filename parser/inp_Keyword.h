@@ -6,7 +6,9 @@
 #include "parser/inp_KeywordEnm.h"
 #include <memory>
 
-// Where a keyword stands: the part, instance, assembly or step that is open around it.
+// Where a keyword stands: the part, instance, assembly or step that is open around it. The keywords
+// that open and close a scope stand outside of it: *PART and *END PART at model level, *INSTANCE in
+// the assembly.
 struct inp_Scope {
   enum class Kind : unsigned char { Model, Part, Instance, Assembly, Step };
   Kind kind = Kind::Model;
@@ -30,15 +32,17 @@ using inp_KeywordList = cow_List<inp_Keyword>;
 // What the deck says of one keyword; shared by every copy of it (instances share their part's).
 struct inp_KeywordBody {
   inp_KeywordEnm kind = inp_NullKeyword;
-  cow_String name;                     // upper case, single blanks, no asterisk
-  cow_List<inp_Parameter> parameters;  // in deck order
+  cow_String name;                    // upper case, single blanks, no asterisk
+  cow_List<inp_Parameter> parameters; // in deck order
+  int dataFile = -1;                  // the parameter whose file the data lines come from
   inp_DataArray data;
-  inp_DeckTextPtr text;                // of the keyword line
-  const char* begin = nullptr;         // the asterisk
-  const char* end = nullptr;           // behind the last (continued) keyword line
+  inp_DeckTextPtr text;        // of the keyword line
+  const char* begin = nullptr; // the asterisk
+  const char* end = nullptr;   // behind the last (continued) keyword line
   long long line = 0;
-  inp_KeywordEnm parent = inp_NullKeyword; // the keyword it is a sub-option of
+  inp_KeywordEnm parent = inp_NullKeyword;     // the keyword it is a sub-option of
   std::shared_ptr<inp_KeywordList> suboptions; // attached sub-options in deck order; may be null
+  cow_List<cow_String> comments; // comment lines right above, when the parser keeps them
 };
 
 // A handle on one keyword of the deck. Copying it is cheap; the body is shared.
@@ -76,8 +80,9 @@ public:
   wip_Place Place() const;
   wip_Place PlaceOfParameter(std::string_view name) const; // the keyword's own when absent
 
-  // The keyword as deck text: keyword line (continuations joined as written) and data lines, line
-  // ends \n, comments left out.
+  // The keyword as deck text: keyword line (continuations joined to one line, else as written) and
+  // data lines, line ends \n, comments left out. Data lines taken from another file stand in the
+  // text, and the parameter that named the file does not. Read again, it gives the same text.
   cow_String Text() const;
   void Print(aio_ostream& out) const;
 

@@ -1,0 +1,285 @@
+#include "parser/inp_KeywordReader.h"
+#include "parser/inp_TextLines.h"
+#include "parser/inp_Utf8Text.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <utility>
+
+namespace {
+
+// Far beyond any sensible keyword line; what is longer is damage, and must not cost its square.
+constexpr std::ptrdiff_t longestLine = 64 * 1024;
+constexpr std::size_t mostParameters = 1000;
+constexpr std::size_t mostSuggestions = 100; // misspelt keyword names that get a suggestion
+constexpr std::size_t shownName = 80;
+
+char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+char upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+cow_String foldName(std::string_view name) {
+  cow_String out;
+  for (const char c : name)
+    if (!inp_isBlank(c)) out += lower(c);
+  return out;
+}
+
+cow_String singleBlanks(std::string_view name) {
+  cow_String out;
+  for (const char c : name) {
+    if (!inp_isBlank(c))
+      out += upper(c);
+    else if (!out.ends_with(' '))
+      out += ' ';
+  }
+  return out;
+}
+
+// Values that are file names: on some systems case and blanks matter in them.
+bool namesFile(std::string_view parameter) {
+  static constexpr std::string_view names[] = {"file", "filename", "input", "library",
+                                               "outputfile"};
+  return std::find(std::begin(names), std::end(names), parameter) != std::end(names);
+}
+
+cow_String quoted(std::string_view name) {
+  return '"' + inp_printable(name, shownName) + '"';
+}
+
+} // namespace
+
+inp_KeywordReader::inp_KeywordReader(cow_List<wip_Message>& errors, cow_List<wip_Message>& warnings)
+    : m_errors(errors), m_warnings(warnings), m_table(inp_KeywordTable::Instance()) {}
+
+inp_KeywordReader::Result inp_KeywordReader::Read(const inp_DeckTextPtr& text, const char* asterisk,
+                                                  long long number) {
+  m_result = {std::make_shared<inp_KeywordBody>(), nullptr, 0, 0};
+  m_body = m_result.body.get();
+  m_body->text = text;
+  m_body->begin = asterisk;
+  m_body->line = number;
+  m_textEnd = text->End();
+  m_tooLong = false;
+
+  Line line{asterisk + 1, inp_lineFeed(asterisk, m_textEnd), inp_lineBegin(asterisk, text->Begin()),
+            number};
+  const char* const firstEnd = line.end;
+  bool goesOn = false;
+  if (!IsTooLong(line)) {
+    ReadName(line);
+    goesOn = line.begin != line.end && ReadParameters(line);
+  }
+  m_body->end = firstEnd;
+  m_result.lines = 1;
+  m_result.next = firstEnd == m_textEnd ? firstEnd : firstEnd + 1;
+  while (goesOn && FindContinuation(line)) goesOn = !IsTooLong(line) && ReadParameters(line);
+  m_body = nullptr;
+  return std::move(m_result);
+}
+
+// Takes the name off the front of the line.
+void inp_KeywordReader::ReadName(Line& line) {
+  const char* const stop = std::find(line.begin, line.end, ',');
+  const std::string_view spelt = inp_trim(line.begin, stop);
+  line.begin = stop;
+  if (spelt.empty()) {
+    m_errors.push_back(Message("a keyword line without a keyword", {m_body->begin, 1}, line));
+    return;
+  }
+  m_body->kind = m_table.Find(spelt);
+  if (const inp_KeywordRow* row = m_table.Row(m_body->kind)) {
+    m_body->name = row->name;
+    return;
+  }
+  m_body->kind = inp_UnknownKeyword;
+  m_body->name = singleBlanks(spelt);
+  WarnUnknownKeyword(line, spelt);
+}
+
+// An unknown keyword is kept as it stands and reported once per name.
+void inp_KeywordReader::WarnUnknownKeyword(const Line& line, std::string_view spelt) {
+  if (!m_unknown.insert(m_body->name.substr(0, shownName)).second) return;
+  wip_Message message = Message(
+      "unknown keyword *" + inp_printable(m_body->name, shownName) + "; kept as it is",
+      {m_body->begin, static_cast<std::size_t>(spelt.data() + spelt.size() - m_body->begin)}, line);
+  if (m_unknown.size() <= mostSuggestions && spelt.size() <= shownName) {
+    const std::string_view nearest = m_table.NearestKeyword(spelt);
+    if (!nearest.empty())
+      message.notes.push_back({"did you mean *" + cow_String(nearest) + "?", {}});
+  }
+  m_warnings.push_back(std::move(message));
+}
+
+// Reads ", a, b=c" and tells whether the line ends in a comma.
+bool inp_KeywordReader::ReadParameters(const Line& line) {
+  const char* p = *line.begin == ',' ? line.begin + 1 : line.begin;
+  const char* openQuote = nullptr;
+  for (;;) {
+    const char* const stop = TokenEnd(line, p, openQuote);
+    const std::string_view token = inp_trim(p, stop);
+    const bool last = stop == line.end;
+    if (!token.empty())
+      ReadParameter(token, line);
+    else if (!last)
+      m_warnings.push_back(Message("an empty parameter", {stop, 1}, line));
+    if (last) {
+      CheckEnd(line, openQuote);
+      return token.empty();
+    }
+    p = stop + 1;
+  }
+}
+
+// The comma that ends the token at p; commas within quotes do not.
+const char* inp_KeywordReader::TokenEnd(const Line& line, const char* p,
+                                        const char*& openQuote) const {
+  for (; p != line.end && *p != ','; ++p) {
+    if (*p != '"') continue;
+    const char* const close = std::find(p + 1, line.end, '"');
+    if (close == line.end) {
+      openQuote = p;
+      return line.end;
+    }
+    p = close;
+  }
+  return p;
+}
+
+void inp_KeywordReader::CheckEnd(const Line& line, const char* openQuote) {
+  if (openQuote)
+    m_errors.push_back(Message("a quote that is not closed on its line", {openQuote, 1}, line));
+  const std::string_view text = inp_trim(line.lineBegin, line.end);
+  if (text.find('\r') != std::string_view::npos)
+    m_errors.push_back(Message("a carriage return within a keyword line: does the file end its "
+                               "lines by carriage returns alone? They must end by line feeds",
+                               text.substr(text.find('\r'), 1), line));
+}
+
+void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) {
+  if (m_body->parameters.size() == mostParameters) {
+    m_errors.push_back(Message("more than 1000 parameters; the rest is not read", token, line));
+    m_tooLong = true;
+  }
+  if (m_tooLong) return;
+
+  const std::size_t equal = token.find('=');
+  const char* const tokenEnd = token.data() + token.size();
+  const std::string_view spelt =
+      inp_trim(token.data(), equal == token.npos ? tokenEnd : token.data() + equal);
+  if (spelt.empty()) {
+    m_errors.push_back(Message("a value without the name of its parameter", token, line));
+    return;
+  }
+  inp_Parameter parameter;
+  parameter.name = CanonicalName(spelt, line);
+  parameter.at = token.data();
+  parameter.width = static_cast<int>(token.size());
+  if (equal == token.npos) {
+    parameter.value = inp_Item(true);
+  } else {
+    const cow_String value(inp_trim(token.data() + equal + 1, tokenEnd));
+    if (value.empty())
+      m_warnings.push_back(Message(
+          "parameter " + quoted(spelt) + " has no value behind its equal sign", token, line));
+    parameter.value = namesFile(parameter.name)
+                          ? inp_Item::FromText(inp_Utils::RemoveQuotes(value), value)
+                          : inp_Item::FromText(inp_Utils::Fold(value), value);
+  }
+  Add(std::move(parameter), spelt, line);
+}
+
+// The first value of a parameter counts; another one that says something else is an error.
+void inp_KeywordReader::Add(inp_Parameter parameter, std::string_view spelt, const Line& line) {
+  for (const inp_Parameter& other : m_body->parameters) {
+    if (other.name != parameter.name) continue;
+    if (other.value.AsString() == parameter.value.AsString()) return;
+    const std::string_view token(parameter.at, static_cast<std::size_t>(parameter.width));
+    m_errors.push_back(Message(
+        "parameter " + quoted(spelt) + " is given twice with different values", token, line));
+    return;
+  }
+  m_body->parameters.push_back(std::move(parameter));
+}
+
+cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& line) {
+  cow_String name = foldName(spelt);
+  const inp_KeywordRow* row = m_table.Row(m_body->kind);
+  if (!row) return name;
+  const inp_ParameterMatch match = m_table.ResolveParameter(m_body->kind, name);
+  using Kind = inp_ParameterMatch::Kind;
+  if (match.kind == Kind::Exact || match.kind == Kind::Abbreviated) return cow_String(match.name);
+  if (row->openParameters) return name;
+
+  wip_Message message =
+      Message((match.kind == Kind::Ambiguous ? "ambiguous parameter " : "unknown parameter ") +
+                  quoted(spelt) + " of *" + m_body->name,
+              spelt, line);
+  if (match.kind == Kind::Ambiguous) {
+    const cow_List<cow_String> names(match.candidates.begin(), match.candidates.end());
+    message.notes.push_back({inp_Utils::MessageWithItems("it may stand for", names), {}});
+  } else if (spelt.size() <= shownName) {
+    const std::string_view nearest = m_table.NearestParameter(m_body->kind, name);
+    if (!nearest.empty()) message.notes.push_back({"did you mean " + quoted(nearest) + "?", {}});
+  }
+  m_warnings.push_back(std::move(message));
+  return name;
+}
+
+// A keyword line that ends in a comma goes on with the next line that is no comment; where a
+// keyword, a blank line or the end of the file follows, the comma was one too many and does no
+// harm.
+bool inp_KeywordReader::FindContinuation(Line& line) {
+  long long lines = 0, comments = 0;
+  for (const char* p = m_result.next; p != m_textEnd;) {
+    const char* const feed = inp_lineFeed(p, m_textEnd);
+    const inp_LineKind kind = inp_lineKind(p, feed);
+    const char* const next = feed == m_textEnd ? feed : feed + 1;
+    ++lines;
+    if (kind == inp_LineKind::Comment) {
+      ++comments;
+      p = next;
+      continue;
+    }
+    if (kind == inp_LineKind::Keyword || inp_skipBlanks(p, feed) == feed) return false;
+    line = {inp_skipBlanks(p, feed), feed, p, line.number + lines};
+    m_result.lines += lines;
+    m_result.comments += comments;
+    m_result.next = next;
+    m_body->end = feed;
+    return true;
+  }
+  return false;
+}
+
+// Reports a line that is beyond all measure; nothing of it is read but the name, and nothing of its
+// continuation lines.
+bool inp_KeywordReader::IsTooLong(const Line& line) {
+  const std::ptrdiff_t bytes = line.end - m_body->begin;
+  if (bytes <= longestLine) return false;
+  Line name{m_body->begin + 1, std::min(line.end, m_body->begin + shownName), line.lineBegin,
+            line.number};
+  if (m_body->name.empty()) {
+    name.end = std::find(name.begin, name.end, ',');
+    m_body->kind = m_table.Find(inp_trim(name.begin, name.end));
+    const inp_KeywordRow* row = m_table.Row(m_body->kind);
+    m_body->name = row ? cow_String(row->name) : singleBlanks(inp_trim(name.begin, name.end));
+  }
+  m_errors.push_back(Message("a keyword line of " + std::to_string(bytes) +
+                                 " bytes; a keyword line may have " + std::to_string(longestLine),
+                             {m_body->begin, 1}, name));
+  return true;
+}
+
+wip_Message inp_KeywordReader::Message(cow_String text, std::string_view at,
+                                       const Line& line) const {
+  wip_Message message(std::move(text));
+  message.keyword = inp_printable(m_body->name, shownName);
+  const auto width = static_cast<int>(std::min<std::size_t>(at.size(), shownName));
+  message.place = m_body->text->PlaceInLine(line.lineBegin, at.data(), width, line.number);
+  return message;
+}

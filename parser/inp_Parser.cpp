@@ -1,0 +1,337 @@
+#include "parser/inp_Parser.h"
+#include "base/utl_File.h"
+#include "parser/inp_IncludeFinder.h"
+#include "parser/inp_KeywordReader.h"
+#include "parser/inp_ScopeTracker.h"
+#include "parser/inp_Structure.h"
+#include "parser/inp_SuboptionChain.h"
+#include "parser/inp_TextLines.h"
+#include "parser/inp_Utf8Text.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t deepestInclude = 100;
+constexpr int mostIncludes = 100000; // files in all: a few nested includes can name millions
+
+cow_String nameOf(const fs::path& path) {
+  return '"' + inp_printable(utl_pathText(path), 1000) + '"';
+}
+
+fs::path identityOf(const fs::path& path) {
+  std::error_code error;
+  fs::path canonical = fs::weakly_canonical(path, error);
+  return error ? path : canonical;
+}
+
+bool isUtf16(const inp_DeckText& text) {
+  const std::string_view begin(text.Begin(), std::min<std::size_t>(text.Size(), 2));
+  return begin == "\xFF\xFE" || begin == "\xFE\xFF";
+}
+
+// Data lines may stand in a file of their own that INPUT names; on keywords of the mesh FILE says
+// the same. On others FILE is a file of results.
+bool namesDataFile(const inp_KeywordBody& body, const inp_Parameter& parameter) {
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(body.kind);
+  if (!row || row->data == inp_DataKind::None || row->data == inp_DataKind::Verbatim) return false;
+  if (parameter.name == "input") return true;
+  const bool mesh = row->levels == inp_LevelsMesh && row->kind != inp_KwImport;
+  return mesh && parameter.name == "file";
+}
+
+} // namespace
+
+struct inp_Parser::Impl {
+  cow_String inputPath;
+  inp_IncludeFinder finder;
+  cow_String jobName;
+  bool followIncludes;
+  bool attachSuboptions;
+  bool keepComments;
+
+  cow_List<wip_Message> fileErrors{};
+  cow_List<wip_Message> syntaxErrors{};
+  cow_List<wip_Message> warnings{};
+
+  inp_KeywordReader reader{syntaxErrors, warnings};
+  inp_ScopeTracker scopes{syntaxErrors};
+  inp_SuboptionChain chain{};
+  inp_KeywordList keywords{};
+
+  // The keyword whose data lines are being gathered, through all files.
+  std::shared_ptr<inp_KeywordBody> open{};
+  cow_List<inp_DataSegment> segments{};
+
+  cow_List<fs::path> reading{}; // the chain of files being read
+  int includes = 0;
+
+  void ParseText(const inp_DeckTextPtr& text);
+  void ParseKeyword(const inp_DeckTextPtr& text, const inp_Structure& found, std::size_t mark);
+  void AddData(const inp_DeckTextPtr& text, const inp_Structure& found, std::size_t nextMark,
+               const char* begin, long long line, long long commentsBefore);
+  void KeepComments(const inp_DeckText& text, inp_KeywordBody& body) const;
+  void Begin(const std::shared_ptr<inp_KeywordBody>& body);
+  void End();
+  void ReportHeadless(const inp_DataSegment& segment);
+  void Include(const inp_KeywordBody& include);
+  void TakeDataFile(inp_KeywordBody& body);
+  void ReadDataFile(const inp_DeckTextPtr& text);
+  inp_DeckTextPtr OpenNamed(const inp_KeywordBody& body, const inp_Parameter& parameter);
+  bool IsReadable(const inp_DeckText& text, const inp_Structure& found);
+  void FileError(const inp_KeywordBody& body, const inp_Parameter& parameter, cow_String text,
+                 cow_List<wip_Note> notes = {});
+  inp_DeckTextPtr OpenRoot(bool expectFile);
+  bool MayInclude(const fs::path& path, const inp_KeywordBody& body,
+                  const inp_Parameter& parameter);
+};
+
+inp_Parser::inp_Parser(cow_String inputPath, cow_String directory, cow_List<cow_String> searchPaths,
+                       cow_String jobName, bool followIncludes, bool attachSuboptions,
+                       bool keepComments)
+    : m_impl(new Impl{.inputPath = std::move(inputPath),
+                      .finder = inp_IncludeFinder(directory, searchPaths),
+                      .jobName = std::move(jobName),
+                      .followIncludes = followIncludes,
+                      .attachSuboptions = attachSuboptions,
+                      .keepComments = keepComments}) {}
+
+inp_Parser::~inp_Parser() = default;
+
+const cow_List<wip_Message>& inp_Parser::FileErrors() const {
+  return m_impl->fileErrors;
+}
+const cow_List<wip_Message>& inp_Parser::SyntaxErrors() const {
+  return m_impl->syntaxErrors;
+}
+const cow_List<wip_Message>& inp_Parser::Warnings() const {
+  return m_impl->warnings;
+}
+
+inp_KeywordList inp_Parser::Parse(bool expectFile) {
+  const inp_DeckTextPtr root = m_impl->OpenRoot(expectFile);
+  if (!root) return {};
+  m_impl->ParseText(root);
+  m_impl->End();
+  m_impl->scopes.Finish();
+  const bool nothingSaid = m_impl->fileErrors.empty() && m_impl->syntaxErrors.empty();
+  if (m_impl->keywords.empty() && nothingSaid) {
+    wip_Message message("the deck holds no keyword");
+    message.place.file = root->FileName();
+    m_impl->syntaxErrors.push_back(std::move(message));
+  }
+  return std::move(m_impl->keywords);
+}
+
+inp_DeckTextPtr inp_Parser::Impl::OpenRoot(bool expectFile) {
+  if (!expectFile) return inp_DeckText::FromString(inputPath, jobName.empty() ? "deck" : jobName);
+  const fs::path path = utl_pathOf(inputPath);
+  try {
+    inp_DeckTextPtr text = inp_DeckText::OpenAs(path, jobName.empty() ? inputPath : jobName);
+    reading.push_back(identityOf(path));
+    return text;
+  } catch (const utl_FileException& failure) {
+    wip_Message message(failure.what());
+    message.place.file = jobName.empty() ? inputPath : jobName;
+    fileErrors.push_back(std::move(message));
+    return nullptr;
+  }
+}
+
+void inp_Parser::Impl::ParseText(const inp_DeckTextPtr& text) {
+  const inp_Structure found = inp_findStructure(*text);
+  if (!IsReadable(*text, found)) return;
+  AddData(text, found, 0, text->Begin(), 0, 0);
+  for (std::size_t i = 0; i < found.marks.size(); ++i) ParseKeyword(text, found, i);
+}
+
+bool inp_Parser::Impl::IsReadable(const inp_DeckText& text, const inp_Structure& found) {
+  wip_Message message;
+  if (isUtf16(text)) {
+    message.text = "the file is UTF-16 text; decks are read as UTF-8 or plain text: save it so";
+    message.place.file = text.FileName();
+  } else if (found.nul) {
+    message.place = text.PlaceOf(found.nul);
+    message.place.sourceLine.clear();
+    message.text = "this is not a deck: binary data at line " + std::to_string(message.place.line);
+  } else {
+    return true;
+  }
+  fileErrors.push_back(std::move(message));
+  return false;
+}
+
+void inp_Parser::Impl::ParseKeyword(const inp_DeckTextPtr& text, const inp_Structure& found,
+                                    std::size_t mark) {
+  const inp_KeywordMark& at = found.marks[mark];
+  const inp_KeywordReader::Result read = reader.Read(text, at.at, at.line + 1);
+  if (read.body->kind == inp_KwInclude && followIncludes) {
+    Include(*read.body);
+  } else {
+    End();
+    Begin(read.body);
+  }
+  AddData(text, found, mark + 1, read.next, at.line + read.lines,
+          at.commentsBefore + read.comments);
+}
+
+// The lines from begin to the next keyword belong to the keyword that is open, wherever it stands.
+// line counts from 0.
+void inp_Parser::Impl::AddData(const inp_DeckTextPtr& text, const inp_Structure& found,
+                               std::size_t nextMark, const char* begin, long long line,
+                               long long commentsBefore) {
+  const inp_KeywordMark* next = nextMark < found.marks.size() ? &found.marks[nextMark] : nullptr;
+  const long long lines = (next ? next->line : found.lines) - line;
+  const long long comments = (next ? next->commentsBefore : found.comments) - commentsBefore;
+  if (lines <= comments) return;
+  inp_DataSegment segment;
+  segment.text = text;
+  segment.begin = begin;
+  segment.end = next ? inp_lineBegin(next->at, text->Begin()) : text->End();
+  segment.firstLine = line + 1;
+  segment.rows = lines - comments;
+  segment.ascii = nextMark == 0 ? found.ascii : found.marks[nextMark - 1].ascii;
+  if (open)
+    segments.push_back(std::move(segment));
+  else
+    ReportHeadless(segment);
+}
+
+// Blank lines may stand before the first keyword; anything else there belongs to nothing.
+void inp_Parser::Impl::ReportHeadless(const inp_DataSegment& segment) {
+  const inp_DataArray lines({segment});
+  for (long long row = 0; row < lines.Rows(); ++row) {
+    if (lines.Cols(row) == 0) continue;
+    wip_Message message("a data line before the first keyword; it and those behind it up to the "
+                        "next keyword are not read");
+    message.place = lines.PlaceOfRow(row);
+    syntaxErrors.push_back(std::move(message));
+    return;
+  }
+}
+
+void inp_Parser::Impl::Begin(const std::shared_ptr<inp_KeywordBody>& body) {
+  open = body;
+  if (body->name.empty()) return; // reported; its data lines go with it
+  if (keepComments) KeepComments(*body->text, *body);
+  const inp_ScopePtr scope = scopes.Enter(body);
+  keywords.emplace_back(body, scope);
+  if (attachSuboptions) chain.Attach(keywords.back());
+  TakeDataFile(*body);
+}
+
+void inp_Parser::Impl::End() {
+  if (open) open->data = inp_DataArray(std::exchange(segments, {}));
+  open = nullptr;
+}
+
+// The comment lines right above the keyword line.
+void inp_Parser::Impl::KeepComments(const inp_DeckText& text, inp_KeywordBody& body) const {
+  const char* line = inp_lineBegin(body.begin, text.Begin());
+  while (line != text.Begin()) {
+    const char* const feed = line - 1;
+    line = inp_lineBegin(feed, text.Begin());
+    if (inp_lineKind(line, feed) != inp_LineKind::Comment) break;
+    body.comments.insert(body.comments.begin(), cow_String(inp_trim(line, feed)));
+  }
+}
+
+void inp_Parser::Impl::FileError(const inp_KeywordBody& body, const inp_Parameter& parameter,
+                                 cow_String text, cow_List<wip_Note> notes) {
+  wip_Message message(std::move(text));
+  message.keyword = body.name;
+  const long long line = body.line + std::count(body.begin, parameter.at, '\n');
+  message.place = body.text->PlaceInLine(inp_lineBegin(parameter.at, body.text->Begin()),
+                                         parameter.at, parameter.width, line);
+  message.notes = std::move(notes);
+  fileErrors.push_back(std::move(message));
+}
+
+bool inp_Parser::Impl::MayInclude(const fs::path& path, const inp_KeywordBody& body,
+                                  const inp_Parameter& parameter) {
+  if (std::find(reading.begin(), reading.end(), identityOf(path)) != reading.end()) {
+    FileError(body, parameter,
+              "the file " + nameOf(path) + " includes itself; it is not read again");
+    return false;
+  }
+  if (reading.size() > deepestInclude) {
+    FileError(body, parameter,
+              "includes are nested deeper than " + std::to_string(deepestInclude) + " files; " +
+                  nameOf(path) + " is not read");
+    return false;
+  }
+  if (includes++ < mostIncludes) return true;
+  if (includes == mostIncludes + 1)
+    FileError(body, parameter,
+              "more than " + std::to_string(mostIncludes) + " includes; the rest is not read");
+  return false;
+}
+
+// Opens the file a parameter names, or says why not.
+inp_DeckTextPtr inp_Parser::Impl::OpenNamed(const inp_KeywordBody& body,
+                                            const inp_Parameter& parameter) {
+  const cow_String& name = parameter.value.AsString();
+  if (name.empty()) {
+    FileError(body, parameter, "the name of the file is missing");
+    return nullptr;
+  }
+  cow_List<cow_String> tried;
+  const fs::path path = finder.Find(name, body.text->Folder(), tried);
+  if (path.empty()) {
+    const cow_String where = inp_Utils::MessageWithItems("looked for in:", tried);
+    FileError(body, parameter, "there is no file " + nameOf(utl_pathOf(name)), {{where, {}}});
+    return nullptr;
+  }
+  if (!MayInclude(path, body, parameter)) return nullptr;
+  try {
+    const long long line = body.line + std::count(body.begin, parameter.at, '\n');
+    return inp_DeckText::Open(path, body.text, line);
+  } catch (const utl_FileException& failure) {
+    FileError(body, parameter, failure.what());
+    return nullptr;
+  }
+}
+
+// What an include file holds stands in the place of the *INCLUDE: it may begin with data lines of
+// the keyword before, and its last keyword goes on behind it.
+void inp_Parser::Impl::Include(const inp_KeywordBody& include) {
+  for (const inp_Parameter& parameter : include.parameters) {
+    if (parameter.name != "input") continue;
+    const inp_DeckTextPtr text = OpenNamed(include, parameter);
+    if (!text) return;
+    reading.push_back(identityOf(text->Path()));
+    ParseText(text);
+    reading.pop_back();
+    return;
+  }
+  fileErrors.push_back(inp_Utils::MessageInKeyword(
+      inp_Keyword(std::make_shared<inp_KeywordBody>(include), {}), "INPUT is missing: what file?"));
+}
+
+void inp_Parser::Impl::TakeDataFile(inp_KeywordBody& body) {
+  for (std::size_t i = 0; i < body.parameters.size(); ++i) {
+    const inp_Parameter& parameter = body.parameters[i];
+    if (!namesDataFile(body, parameter) || parameter.value.IsFlag()) continue;
+    parameter.referred = true;
+    body.dataFile = static_cast<int>(i);
+    if (const inp_DeckTextPtr text = OpenNamed(body, parameter)) ReadDataFile(text);
+    return;
+  }
+}
+
+// The data lines of a file that holds nothing else.
+void inp_Parser::Impl::ReadDataFile(const inp_DeckTextPtr& text) {
+  const inp_Structure found = inp_findStructure(*text);
+  if (!IsReadable(*text, found)) return;
+  AddData(text, found, 0, text->Begin(), 0, 0);
+  if (found.marks.empty()) return;
+  const inp_KeywordMark& mark = found.marks.front();
+  wip_Message message("a keyword line in a file of data lines; it and all behind it is not read");
+  message.place =
+      text->PlaceInLine(inp_lineBegin(mark.at, text->Begin()), mark.at, 1, mark.line + 1);
+  syntaxErrors.push_back(std::move(message));
+}

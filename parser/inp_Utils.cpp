@@ -1,0 +1,157 @@
+#include "parser/inp_Utils.h"
+#include "base/utl_Number.h"
+#include "parser/inp_Keyword.h"
+#include "parser/inp_TextLines.h"
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+
+namespace {
+
+wip_Message located(const inp_Keyword& keyword, cow_String text, wip_Place place) {
+  wip_Message message(std::move(text));
+  message.keyword = keyword.Name();
+  message.place = std::move(place);
+  return message;
+}
+
+cow_String textOf(const cow_String& item) {
+  return item;
+}
+cow_String textOf(int item) {
+  return std::to_string(item);
+}
+
+// So many items stand in the text itself: enough to be the whole truth nearly always, and little
+// enough for a console, which folds long texts on its own.
+constexpr std::size_t mostItems = 1000;
+
+template <class T> cow_String withItems(const cow_String& text, const cow_List<T>& items) {
+  cow_String out = text;
+  if (!items.empty() && !out.empty() && !inp_isBlank(out.back())) out += ' ';
+  const std::size_t shown = std::min(items.size(), mostItems);
+  for (std::size_t i = 0; i < shown; ++i) {
+    if (i > 0) out += ", ";
+    out += textOf(items[i]);
+  }
+  if (shown < items.size()) out += " … and " + std::to_string(items.size() - shown) + " more";
+  return out;
+}
+
+char upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+bool isInteger(const cow_String& text) {
+  return utl_classifyField(text).kind == utl_FieldKind::Integer;
+}
+
+bool isScoped(const cow_List<cow_String>& parts) {
+  return parts.size() > 1 && std::none_of(parts.begin(), parts.end(),
+                                          [](const cow_String& part) { return part.empty(); });
+}
+
+} // namespace
+
+wip_Message inp_Utils::MessageInKeyword(const inp_Keyword& keyword, cow_String text) {
+  return located(keyword, std::move(text), keyword.Place());
+}
+
+wip_Message inp_Utils::MessageInKeyword(const inp_Keyword& keyword, cow_String text,
+                                        const cow_List<cow_String>& items) {
+  return MessageInKeyword(keyword, MessageWithItems(text, items));
+}
+
+wip_Message inp_Utils::MessageInKeyword(const inp_Keyword& keyword, cow_String text,
+                                        const cow_List<int>& items) {
+  return MessageInKeyword(keyword, MessageWithItems(text, items));
+}
+
+wip_Message inp_Utils::MessageAtParameter(const inp_Keyword& keyword, std::string_view parameter,
+                                          cow_String text) {
+  return located(keyword, std::move(text), keyword.PlaceOfParameter(parameter));
+}
+
+wip_Message inp_Utils::MessageAtRow(const inp_Keyword& keyword, long long row, cow_String text) {
+  if (row < 0 || row >= keyword.Data().Rows()) return MessageInKeyword(keyword, std::move(text));
+  return located(keyword, std::move(text), keyword.Data().PlaceOfRow(row));
+}
+
+wip_Message inp_Utils::MessageAtField(const inp_Keyword& keyword, long long row, int col,
+                                      cow_String text) {
+  const inp_DataArray& data = keyword.Data();
+  const bool there = row >= 0 && row < data.Rows() && col >= 0 && col < data.Cols(row);
+  if (!there) return MessageAtRow(keyword, row, std::move(text));
+  return located(keyword, std::move(text), data.PlaceOf(row, col));
+}
+
+cow_String inp_Utils::MessageWithItems(const cow_String& text, const cow_List<cow_String>& items) {
+  return withItems(text, items);
+}
+
+cow_String inp_Utils::MessageWithItems(const cow_String& text, const cow_List<int>& items) {
+  return withItems(text, items);
+}
+
+// Dots within quotes belong to the name they stand in; the pieces come without their quotes.
+cow_List<cow_String> inp_Utils::SplitScopedSet(const cow_String& name) {
+  cow_List<cow_String> parts(1);
+  bool quoted = false;
+  for (const char c : name) {
+    if (c == '"')
+      quoted = !quoted;
+    else if (c == '.' && !quoted)
+      parts.emplace_back();
+    else
+      parts.back() += c;
+  }
+  return parts;
+}
+
+bool inp_Utils::IsScopedSetName(const cow_List<cow_String>& parts) {
+  return isScoped(parts) && !isInteger(parts.back());
+}
+
+bool inp_Utils::IsScopedSetId(const cow_List<cow_String>& parts) {
+  return isScoped(parts) && isInteger(parts.back());
+}
+
+// An underscore, since a name with a dot would be read as scoped again.
+cow_String inp_Utils::CreateFlattenedName(const cow_String& scope, const cow_String& name) {
+  return scope.empty() ? name : scope + "_" + name;
+}
+
+cow_String inp_Utils::Fold(std::string_view text) {
+  cow_String out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    const std::size_t close = c == '"' ? text.find('"', i + 1) : std::string_view::npos;
+    if (close != std::string_view::npos) {
+      out.append(text.substr(i + 1, close - i - 1));
+      i = close;
+    } else if (!inp_isBlank(c)) {
+      out += upper(c);
+    }
+  }
+  return out;
+}
+
+cow_String inp_Utils::RemoveQuotes(const cow_String& name) {
+  const std::string_view text = inp_trim(name.data(), name.data() + name.size());
+  const bool quoted = text.size() > 1 && text.front() == '"' && text.back() == '"';
+  return cow_String(quoted ? text.substr(1, text.size() - 2) : text);
+}
+
+cow_String inp_Utils::Format(const char* printf, ...) {
+  std::va_list arguments;
+  va_start(arguments, printf);
+  std::va_list again;
+  va_copy(again, arguments);
+  const int size = std::vsnprintf(nullptr, 0, printf, arguments);
+  va_end(arguments);
+  cow_String out(static_cast<std::size_t>(std::max(size, 0)), '\0');
+  std::vsnprintf(out.data(), out.size() + 1, printf, again);
+  va_end(again);
+  return out;
+}

@@ -1,0 +1,61 @@
+#include "parser/inp_Visitor.h"
+#include "base/wip_WIPBase.h"
+#include "parser/inp_Keyword.h"
+#include <iterator>
+#include <utility>
+
+namespace {
+
+using Operation = void (inp_Visitor::*)(const inp_Keyword&);
+
+// By kind; the null keyword has none.
+constexpr Operation operations[] = {
+    nullptr,
+#define INP_KEYWORD(Suffix, ...) &inp_Visitor::Visit##Suffix,
+#include "parser/inp_keywords.def"
+};
+static_assert(std::size(operations) == inp_KeywordEnd);
+
+constexpr int errorLevel = 1;
+
+} // namespace
+
+inp_Visitor::~inp_Visitor() = default;
+
+#define INP_KEYWORD(Suffix, ...)                                                                   \
+  void inp_Visitor::Visit##Suffix(const inp_Keyword&) {}
+#include "parser/inp_keywords.def"
+
+void inp_Visitor::Visit(const inp_Keyword& keyword) {
+  const inp_KeywordEnm kind = keyword.Kind();
+  if (kind > inp_NullKeyword && kind < inp_KeywordEnd) (this->*operations[kind])(keyword);
+}
+
+void inp_Visitor::VisitList(inp_KeywordListRef keywords) {
+  for (const inp_Keyword& keyword : keywords) Visit(keyword);
+}
+
+void inp_Visitor::VisitListAndReport(inp_KeywordListRef keywords) {
+  VisitList(keywords);
+  Report();
+}
+
+void inp_Visitor::Report() {
+  wip_WIPBase& reporter = wip_WIPBase::Instance();
+  if (m_reported < m_errors.size()) {
+    const auto first = m_errors.begin() + static_cast<std::ptrdiff_t>(m_reported);
+    m_reported = m_errors.size();
+    reporter.ErrorList(cow_List<wip_Message>(first, m_errors.end()), errorLevel);
+  }
+  if (m_warnings.empty()) return;
+  const cow_List<wip_Message> warnings = std::exchange(m_warnings, {});
+  reporter.WarningList(warnings);
+}
+
+void inp_Visitor::AddDiagnostics(const cow_List<std::pair<int, cow_String>>& lines) {
+  for (const auto& [line, text] : lines) {
+    wip_Message message(text);
+    message.place.line = line;
+    AddError(std::move(message));
+  }
+}
