@@ -16,23 +16,21 @@ constexpr std::size_t nodesPerBrick = limitNodesPerBrick;
 
 bool useScalar = false;
 
-[[noreturn]] void notALine() {
-  throw std::runtime_error("a data line that the limit program does not know");
-}
-
 // ---- portable: one loop over the text ----------------------------------------------------------
+
+// These return the place behind the separator, and null for what they do not know.
 
 const char* readInteger(const char* p, const char* end, char separator, std::int32_t& value) {
   std::int64_t wide = 0;
-  p = utl_readInt(p, end, wide);
-  if (p == nullptr || p == end || *p != separator) notALine();
+  if (p != nullptr) p = utl_readInt(p, end, wide);
+  if (p == nullptr || p == end || *p != separator) return nullptr;
   value = static_cast<std::int32_t>(wide);
   return p + 1;
 }
 
 const char* readReal(const char* p, const char* end, char separator, double& value) {
-  p = utl_readDouble(p, end, value);
-  if (p == nullptr || p == end || *p != separator) notALine();
+  if (p != nullptr) p = utl_readDouble(p, end, value);
+  if (p == nullptr || p == end || *p != separator) return nullptr;
   return p + 1;
 }
 
@@ -50,9 +48,10 @@ const char* readLine(LimitSection section, const char* p, const char* end, Limit
   return readInteger(p, end, '\n', nodes[nodesPerBrick - 1]);
 }
 
-void decodeScalar(LimitSection section, const char* p, const char* end, LimitRows& rows) {
-  while (p != end && *p != '*') p = readLine(section, p, end, rows);
+bool decodeScalar(LimitSection section, const char* p, const char* end, LimitRows& rows) {
+  while (p != nullptr && p != end && *p != '*') p = readLine(section, p, end, rows);
   rows.stoppedAt = p;
+  return p != nullptr;
 }
 
 #ifdef LIMIT_AVX2
@@ -229,7 +228,7 @@ LIMIT_AVX2 inline bool readIndexedLine(LimitSection section, const char* begin,
 }
 
 template <LimitSection section>
-LIMIT_AVX2 void decodeIndexed(const char* begin, const char* end, LimitRows& rows) {
+LIMIT_AVX2 bool decodeIndexed(const char* begin, const char* end, LimitRows& rows) {
   constexpr std::size_t fields = section == LimitSection::Nodes ? 4 : 1 + nodesPerBrick;
   // The index starts with the line end before the block, so that every field has one before it.
   std::uint32_t* const places = rows.separators.data();
@@ -239,15 +238,16 @@ LIMIT_AVX2 void decodeIndexed(const char* begin, const char* end, LimitRows& row
   const char* p = begin;
   while (p != end && *p != '*') {
     const std::size_t last = next + fields - 1;
-    if (last >= count || origin[places[last]] != '\n') notALine();
+    if (last >= count || origin[places[last]] != '\n') return false;
     if (readIndexedLine(section, origin, places + next, rows))
       ++rows.rows;
-    else
-      readLine(section, p, end, rows);
+    else if (readLine(section, p, end, rows) == nullptr)
+      return false;
     p = origin + places[last] + 1;
     next = last + 1;
   }
   rows.stoppedAt = p;
+  return true;
 }
 
 bool hasAvx2() {
@@ -269,7 +269,7 @@ const char* limitDecoderName() {
   return "scalar";
 }
 
-void limitDecode(LimitSection section, const char* textBegin, const char* begin, const char* end,
+bool limitDecode(LimitSection section, const char* textBegin, const char* begin, const char* end,
                  LimitRows& rows) {
   const auto size = static_cast<std::size_t>(end - begin);
   const std::size_t mostRows = size / 8 + 1; // "1,0,0,0" and a line end
@@ -282,13 +282,10 @@ void limitDecode(LimitSection section, const char* textBegin, const char* begin,
 #ifdef LIMIT_AVX2
   if (!useScalar && hasAvx2() && begin - textBegin >= 32) {
     if (rows.separators.size() < size + 64) rows.separators.resize(size + 64);
-    if (section == LimitSection::Nodes)
-      decodeIndexed<LimitSection::Nodes>(begin, end, rows);
-    else
-      decodeIndexed<LimitSection::Elements>(begin, end, rows);
-    return;
+    return section == LimitSection::Nodes ? decodeIndexed<LimitSection::Nodes>(begin, end, rows)
+                                          : decodeIndexed<LimitSection::Elements>(begin, end, rows);
   }
 #endif
   (void)textBegin;
-  decodeScalar(section, begin, end, rows);
+  return decodeScalar(section, begin, end, rows);
 }

@@ -42,8 +42,9 @@ struct LimitRows {
 enum class LimitSection { Nodes, Elements };
 
 // Decodes the lines of [begin, end), which starts at a line and ends behind a line end. `textBegin`
-// is the start of the whole mapped text: bytes from there on may be looked at.
-void limitDecode(LimitSection section, const char* textBegin, const char* begin, const char* end,
+// is the start of the whole mapped text: bytes from there on may be looked at. False when a line is
+// not one of the section.
+bool limitDecode(LimitSection section, const char* textBegin, const char* begin, const char* end,
                  LimitRows& rows);
 void limitUseScalarDecoder(bool scalar); // the portable loops even where the machine can do better
 const char* limitDecoderName();

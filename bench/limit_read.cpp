@@ -111,7 +111,8 @@ public:
     else
       BuildSparse();
   }
-  void Translate(std::int32_t* labels, std::size_t count) const {
+  // False when a label is no node's.
+  bool Translate(std::int32_t* labels, std::size_t count) const {
     std::int32_t least = 0;
     if (m_dense)
       for (std::size_t i = 0; i < count; ++i) {
@@ -124,7 +125,7 @@ public:
         labels[i] = FindSparse(labels[i]);
         least = std::min(least, labels[i]);
       }
-    if (least < 0) throw std::runtime_error("an element names a node that is not there");
+    return least >= 0;
   }
 
 private:
@@ -223,11 +224,14 @@ private:
                  LimitTurns& turns) {
     const char* const text = m_file.Data();
     const std::size_t to = BlockStart(block + 1);
-    limitDecode(section, text, text + from, text + to, rows);
-    if (section == LimitSection::Elements)
-      m_table.Translate(rows.integers.data(), limitNodesPerBrick * rows.rows);
+    bool known = limitDecode(section, text, text + from, text + to, rows);
+    if (known && section == LimitSection::Elements)
+      known = m_table.Translate(rows.integers.data(), limitNodesPerBrick * rows.rows);
     turns.Wait(block);
     if (!m_ended) {
+      if (!known)
+        throw std::runtime_error(
+            "a data line that the limit program does not know, or no such node");
       Publish(section, rows);
       if (rows.stoppedAt != text + to) {
         m_sectionEnd = static_cast<std::size_t>(rows.stoppedAt - text);

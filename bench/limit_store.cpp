@@ -9,14 +9,14 @@ namespace {
 
 // The settings of a new model file, as the store has them.
 constexpr const char* createSettings = "PRAGMA page_size=16384;"
-                                       "PRAGMA journal_mode=DELETE;"
+                                       "PRAGMA locking_mode=EXCLUSIVE;"
                                        "PRAGMA synchronous=OFF;"
-                                       "PRAGMA locking_mode=EXCLUSIVE;";
+                                       "PRAGMA journal_mode=PERSIST;";
 
 constexpr const char* schema =
     "CREATE TABLE counts (nodes INTEGER NOT NULL, elements INTEGER NOT NULL) STRICT;"
-    "CREATE TABLE chunk (array INTEGER NOT NULL, position INTEGER NOT NULL,"
-    " checksum INTEGER NOT NULL, bytes BLOB NOT NULL, PRIMARY KEY (array, position)) STRICT;"
+    "CREATE TABLE chunk (id INTEGER PRIMARY KEY, array INTEGER, number INTEGER, checksum INTEGER,"
+    " data BLOB) STRICT;"
     "BEGIN;";
 
 void check(sqlite3* database, int code) {
@@ -48,10 +48,9 @@ LimitStore::LimitStore(const std::filesystem::path& path, Mode mode) {
   if (create) {
     execute(m_database, createSettings);
     execute(m_database, schema);
-    m_chunk = prepare(m_database, "INSERT INTO chunk VALUES (?1, ?2, ?3, ?4)");
+    m_chunk = prepare(m_database, "INSERT INTO chunk VALUES (?1 * 16777216 + ?2, ?1, ?2, ?3, ?4)");
   } else {
-    m_chunk =
-        prepare(m_database, "SELECT checksum, bytes FROM chunk WHERE array = ?1 AND position = ?2");
+    m_chunk = prepare(m_database, "SELECT checksum, data FROM chunk WHERE id = ?1 * 16777216 + ?2");
   }
 }
 

@@ -77,15 +77,20 @@ class Bench:
         Run([self.generator, words[0], words[1], path, *words[2:]])
         return path
 
-    def convert(self, deck, processors, with_limit=True):
-        """Best of both programs on one deck, in turn: (limit, inps)."""
+    def convert(self, deck, processors, sizes=None):
+        """Best of both programs on one deck, in turn: (limit, inps). The sizes, nodes and
+        elements, are what the limit program must find; without them it does not run."""
         model, bare = self.folder / "model.sim", self.folder / "bare.sim"
         limit, inps = Best(), Best()
         for _ in range(self.rounds):
-            if with_limit:
+            if sizes:
                 bare.unlink(missing_ok=True)
-                limit.add(Run([self.limit, "convert", deck, bare, "--threads", len(processors),
-                               "--sync"], processors))
+                run = Run([self.limit, "convert", deck, bare, "--threads", len(processors),
+                           "--sync"], processors)
+                counts = json.loads(run.output)
+                if (counts["nodes"], counts["elements"]) != sizes:
+                    raise Failed(f"the limit program read {counts}, not {sizes}")
+                limit.add(run)
             model.unlink(missing_ok=True)
             inps.add(Run([self.inps, "convert", deck, "-o", model, "--quiet"], processors))
         return limit, inps
@@ -131,7 +136,7 @@ def measure_bricks(bench, sizes, processor_sets):
         nodes, elements, name = (size + 1) ** 3, size ** 3, f"{size}³ bricks"
         for processors in processor_sets:
             threads = f"{len(processors)} thread{'s' if len(processors) > 1 else ''}"
-            limit, inps = bench.convert(deck, processors)
+            limit, inps = bench.convert(deck, processors, (nodes, elements))
             bench.row(f"{name}, convert, {threads}", ratio(inps, limit), "1.5 times")
             back_limit, back = bench.write(processors)
             bench.row(f"{name}, write, {threads}", ratio(back, back_limit), "1.5 times")
@@ -150,19 +155,20 @@ def measure_bricks(bench, sizes, processor_sets):
 
 def measure_labels(bench, processors):
     for labels in ("shuffled", "sparse"):
-        limit, inps = bench.convert(bench.deck("bricks", 128, labels), processors)
+        limit, inps = bench.convert(bench.deck("bricks", 128, labels), processors,
+                                    (129 ** 3, 128 ** 3))
         bench.row(f"128³ bricks, {labels} labels, convert", ratio(inps, limit), "2.5 times")
 
 
 def measure_keywords(bench, processors):
     count = 100_000
-    _, inps = bench.convert(bench.deck("keywords", count), processors, with_limit=False)
+    _, inps = bench.convert(bench.deck("keywords", count), processors)
     bench.row("100,000 small keywords, each", f"{inps.seconds / count * 1e6:.1f} µs", "20 µs")
 
 
 def measure_instances(bench, processors, copies):
-    _, flat = bench.convert(bench.deck("blocks", copies), processors, with_limit=False)
-    _, inps = bench.convert(bench.deck("instances", copies), processors, with_limit=False)
+    _, flat = bench.convert(bench.deck("blocks", copies), processors)
+    _, inps = bench.convert(bench.deck("instances", copies), processors)
     bench.row(f"{copies} instances of 1000 nodes to the flat mesh", ratio(inps, flat), "1.5 times")
 
 
