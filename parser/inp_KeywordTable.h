@@ -63,6 +63,8 @@ struct inp_ParameterMatch {
   std::span<const std::string_view> candidates;
 };
 
+class inp_Vocabulary;
+
 // The deck language's vocabulary: keywords, their parameters, and the element types. It never
 // changes; look-ups allocate nothing. Names given may be in any case and hold blanks anywhere.
 class inp_KeywordTable {
@@ -94,5 +96,7 @@ public:
   std::span<const inp_ElementInfo> Elements() const; // in table order
 
 private:
-  inp_KeywordTable() = default;
+  inp_KeywordTable();
+
+  const inp_Vocabulary& m_vocabulary;
 };

@@ -1,0 +1,119 @@
+#include "parser/inp_KeywordTable.h"
+
+#include "parser/inp_NameIndex.h"
+#include "parser/inp_NearestName.h"
+#include "parser/inp_Vocabulary.h"
+#include <algorithm>
+
+namespace {
+
+// Parameters as tables hold them: lower case, without blanks.
+class LowerName {
+public:
+  explicit LowerName(std::string_view text) {
+    for (char c : text) {
+      if (c == ' ' || c == '\t') continue;
+      if (m_length == sizeof m_text) {
+        m_length = 0;
+        return;
+      }
+      m_text[m_length++] = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+  }
+  std::string_view Text() const { return {m_text, m_length}; }
+
+private:
+  char m_text[64];
+  std::size_t m_length = 0;
+};
+
+// Where the list of parameters is open, a short spelling may be a parameter the list lacks.
+constexpr std::size_t leastAbbreviationOfOpenList = 3;
+
+} // namespace
+
+inp_KeywordTable::inp_KeywordTable() : m_vocabulary(inp_Vocabulary::Instance()) {}
+
+const inp_KeywordTable& inp_KeywordTable::Instance() {
+  static thread_local const inp_KeywordTable table;
+  return table;
+}
+
+inp_KeywordEnm inp_KeywordTable::Find(std::string_view name) const {
+  const int found = m_vocabulary.KeywordIndex().Find(inp_FoldedName(name).Text());
+  return found < 0 ? inp_UnknownKeyword : static_cast<inp_KeywordEnm>(found);
+}
+
+std::span<const inp_KeywordRow> inp_KeywordTable::Rows() const {
+  return m_vocabulary.Rows();
+}
+
+const inp_KeywordRow* inp_KeywordTable::Row(inp_KeywordEnm kind) const {
+  if (kind <= inp_NullKeyword || kind >= inp_KeywordEnd) return nullptr;
+  return &Rows()[static_cast<std::size_t>(kind - 1)];
+}
+
+bool inp_KeywordTable::IsSuboptionOf(inp_KeywordEnm child, inp_KeywordEnm parent) const {
+  const inp_KeywordRow* row = Row(child);
+  return row && std::binary_search(row->parents.begin(), row->parents.end(), parent);
+}
+
+bool inp_KeywordTable::MayStandAt(inp_KeywordEnm kind, inp_Levels level) const {
+  const inp_KeywordRow* row = Row(kind);
+  return row && (row->levels & level) != 0;
+}
+
+inp_KeywordEnm inp_KeywordTable::CloserOf(inp_KeywordEnm opener) const {
+  const inp_KeywordRow* row = Row(opener);
+  return row ? m_vocabulary.CloserOf(*row) : inp_NullKeyword;
+}
+
+inp_ParameterMatch inp_KeywordTable::ResolveParameter(inp_KeywordEnm kind,
+                                                      std::string_view text) const {
+  using Kind = inp_ParameterMatch::Kind;
+  inp_ParameterMatch match;
+  const inp_KeywordRow* row = Row(kind);
+  const LowerName lower(text);
+  const std::string_view name = lower.Text();
+  if (!row || name.empty()) return match;
+
+  // Sorted, all that begin with the name stand together, the name itself first.
+  const auto names = row->parameters;
+  const auto first = std::lower_bound(names.begin(), names.end(), name);
+  const auto last = std::find_if(
+      first, names.end(), [name](std::string_view known) { return !known.starts_with(name); });
+  if (first == last) return match;
+  if (*first == name) return {Kind::Exact, *first, {}};
+  if (row->openParameters && name.size() < leastAbbreviationOfOpenList) return match;
+  if (last - first == 1) return {Kind::Abbreviated, *first, {}};
+  return {Kind::Ambiguous, {}, {first, last}};
+}
+
+std::string_view inp_KeywordTable::NearestKeyword(std::string_view name) const {
+  inp_NearestName nearest(name);
+  for (const inp_KeywordRow& row : Rows()) nearest.Offer(row.name);
+  return nearest.Best();
+}
+
+std::string_view inp_KeywordTable::NearestParameter(inp_KeywordEnm kind,
+                                                    std::string_view name) const {
+  inp_NearestName nearest(name);
+  if (const inp_KeywordRow* row = Row(kind))
+    for (std::string_view parameter : row->parameters) nearest.Offer(parameter);
+  return nearest.Best();
+}
+
+std::string_view inp_KeywordTable::NearestElement(std::string_view name) const {
+  inp_NearestName nearest(name);
+  for (const inp_ElementInfo& info : Elements()) nearest.Offer(info.name);
+  return nearest.Best();
+}
+
+const inp_ElementInfo* inp_KeywordTable::FindElement(std::string_view type) const {
+  const int found = m_vocabulary.ElementIndex().Find(inp_FoldedName(type).Text());
+  return found < 0 ? nullptr : &Elements()[static_cast<std::size_t>(found)];
+}
+
+std::span<const inp_ElementInfo> inp_KeywordTable::Elements() const {
+  return inp_elementTable();
+}
