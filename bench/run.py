@@ -118,6 +118,10 @@ def say(text):
     print(text, file=sys.stderr, flush=True)
 
 
+def threads_text(count):
+    return f"{count} thread{'s' if count > 1 else ''}"
+
+
 def ratio(best, reference):
     return (f"{best.seconds / reference.seconds:.2f} times "
             f"({best.seconds:.3f} s to {reference.seconds:.3f} s)")
@@ -135,20 +139,20 @@ def measure_bricks(bench, sizes, processor_sets):
         deck = bench.deck("bricks", size)
         nodes, elements, name = (size + 1) ** 3, size ** 3, f"{size}³ bricks"
         for processors in processor_sets:
-            threads = f"{len(processors)} thread{'s' if len(processors) > 1 else ''}"
+            threads = threads_text(len(processors))
             limit, inps = bench.convert(deck, processors, (nodes, elements))
             bench.row(f"{name}, convert, {threads}", ratio(inps, limit), "1.5 times")
             back_limit, back = bench.write(processors)
             bench.row(f"{name}, write, {threads}", ratio(back, back_limit), "1.5 times")
             per_node.setdefault(len(processors), {})[size] = (inps.seconds / nodes,
                                                              back.seconds / nodes)
-        bench.row(f"{name}, convert, peak memory", memory(inps, nodes, elements), "1")
-        bench.row(f"{name}, write, peak memory", memory(back, nodes, elements), "1")
+        bench.row(f"{name}, convert, peak memory", memory(inps, nodes, elements), "1.00 of it")
+        bench.row(f"{name}, write, peak memory", memory(back, nodes, elements), "1.00 of it")
     least, most = sizes[0], sizes[-1]
     for count, times in per_node.items():
         for place, direction in enumerate(("convert", "write")):
             small, large = times[least][place], times[most][place]
-            bench.row(f"{direction}, time a node, {least}³ to {most}³, {count} threads",
+            bench.row(f"{direction}, time a node, {least}³ to {most}³, {threads_text(count)}",
                       f"{small * 1e9:.0f} ns to {large * 1e9:.0f} ns, "
                       f"{100 * (large / small - 1):+.0f} %", "within 15 %")
 
