@@ -6,7 +6,7 @@
 const KvoSimCSetID& inpS_ComponentSets::Vector(int dimensions) {
   utl_ASSERT(dimensions > 0 && dimensions < 4);
   KvoSimCSetID& set = m_vectors[dimensions - 1];
-  if (set.IsNull()) set = inpS_Collection::VectorComponentsCSet(m_document.Context(), dimensions);
+  if (set.IsNull()) set = inpS_Collection::VectorComponentsCSet(m_document, dimensions);
   return set;
 }
 

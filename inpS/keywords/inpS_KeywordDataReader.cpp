@@ -108,6 +108,14 @@ cow_List<cow_String> inpS_KeywordDataReader::ReadDataAsSequenceOfUniqueStrings()
   return words;
 }
 
+void inpS_KeywordDataReader::ReportTooManyValues(double start, double end, double increment) const {
+  inpS_Message message(m_keyword, "Going from %1$s to %2$s in steps of %3$s gives too many values; "
+                                  "only the first is used.");
+  message.AppendArgList({start, end, increment});
+  message.SetLineOffset(static_cast<int>(m_row + 1));
+  inpS_MessageContainer::Instance().AddMessage(std::move(message));
+}
+
 cow_List<double> inpS_KeywordDataReader::GenerateSequenceFrom3NumberTable() const {
   constexpr double tolerance = std::numeric_limits<double>::epsilon();
   constexpr double mostValuesPerLine = 1e7; // a slip of the pen, not a list
@@ -115,14 +123,11 @@ cow_List<double> inpS_KeywordDataReader::GenerateSequenceFrom3NumberTable() cons
   for (inpS_KeywordDataReader line(m_keyword); !line.IsDone(); line.Next()) {
     double start, end, increment;
     line.GetItemsAsDoubleWithDefault(0, 0.0, start, end, increment);
-    if (values.empty() || !(std::fabs(values.back() - start) <= tolerance))
-      values.push_back(start);
+    if (values.empty() || !(std::fabs(values.back() - start) <= tolerance)) values.push_back(start);
     if (!(increment > 0)) continue; // would never arrive
     const double limit = end + increment / 100;
     if ((limit - start) / increment > mostValuesPerLine) {
-      inpS_Message message(m_keyword, inpS_Message::Mesh, inpS_mesh_IncompleteData);
-      message.SetLineOffset(static_cast<int>(std::min<long long>(line.Row() + 1, INT32_MAX)));
-      inpS_MessageContainer::Instance().AddMessage(std::move(message));
+      line.ReportTooManyValues(start, end, increment);
       continue;
     }
     for (long long step = 1;; ++step) {

@@ -20,8 +20,8 @@ public:
   bool HasItemAsInt(int item) const;
   bool HasItemAsString(int item) const;
 
-  int GetItemAsInt(int item) const;           // 0 for what is no integer
-  cow_String GetItemAsString(int item) const; // empty for what is no string
+  int GetItemAsInt(int item) const;                              // 0 for what is no integer
+  cow_String GetItemAsString(int item) const;                    // empty for what is no string
   int GetItemAsIntWithDefault(int item, int defaultValue) const; // the default: no number
   double GetItemAsDouble(int item) const { return GetItemAsDoubleWithDefault(item, 0.0); }
   double GetItemAsDoubleWithDefault(int item, double defaultValue) const;
@@ -31,19 +31,21 @@ public:
   // All lines in order. A line gives at most so many values; what stands behind is not read.
   static constexpr int mostDoublesPerLine = 8;
   static constexpr int mostWordsPerLine = 16;
-  cow_List<double> ReadDataAsSequenceOfDoubles() const; // what is no number reads as 0.0
-  cow_List<int> ReadDataAsSequenceOfInts() const;       // empty fields skipped
+  // What is no number reads as 0.0, an empty field behind a last comma too.
+  cow_List<double> ReadDataAsSequenceOfDoubles() const;
+  cow_List<int> ReadDataAsSequenceOfInts() const;           // empty fields skipped
   cow_List<cow_String> ReadDataAsSequenceOfStrings() const; // empty last fields skipped
   cow_List<cow_String> ReadDataAsSequenceOfUniqueStrings() const;
 
   // Every line is a start, an end and an increment: start, start + increment … up to the end. A
-  // start equal to the value before it is not repeated. A line whose increment is not positive gives
-  // its start. A line that asks for more than ten million values is reported as incomplete data and
-  // gives its start.
+  // start equal to the value before it is not repeated. A line whose increment is not positive
+  // gives its start. A line that asks for more than ten million values is reported and gives its
+  // start.
   cow_List<double> GenerateSequenceFrom3NumberTable() const;
 
 private:
   bool IsWithinLine(int item) const;
+  void ReportTooManyValues(double start, double end, double increment) const;
   template <class TakeField> void ForEachField(int mostPerLine, TakeField take) const;
 
   inp_Keyword m_keyword;

@@ -34,8 +34,7 @@ bool inpS_KeywordParameterReader::CheckRequiredKeywordParameter(const inp_Keywor
 }
 
 bool inpS_KeywordParameterReader::GetParameterBoolValue(const inp_Keyword& keyword,
-                                                        const cow_String& name,
-                                                        bool defaultValue) {
+                                                        const cow_String& name, bool defaultValue) {
   const inp_Item* item = keyword.Find(name);
   if (!item || !item->IsString()) return defaultValue;
   const cow_String& word = item->AsString();
@@ -44,20 +43,25 @@ bool inpS_KeywordParameterReader::GetParameterBoolValue(const inp_Keyword& keywo
   return defaultValue;
 }
 
-const cow_String& inpS_KeywordParameterReader::KeywordParameterSwitch(
-    const inp_Keyword& keyword, const cow_String& name, const cow_String& ifPresent,
-    const cow_String& ifAbsent) {
+const cow_String& inpS_KeywordParameterReader::KeywordParameterSwitch(const inp_Keyword& keyword,
+                                                                      const cow_String& name,
+                                                                      const cow_String& ifPresent,
+                                                                      const cow_String& ifAbsent) {
   return keyword.HasParameter(name) ? ifPresent : ifAbsent;
 }
 
-cow_String inpS_KeywordParameterReader::CheckMutuallyExclusiveParameters(
-    const inp_Keyword& keyword, const cow_String& a, const cow_String& b, bool required) {
+cow_String inpS_KeywordParameterReader::CheckMutuallyExclusiveParameters(const inp_Keyword& keyword,
+                                                                         const cow_String& a,
+                                                                         const cow_String& b,
+                                                                         bool required) {
   return onlyPresent(keyword, {a, b}, a + "," + b, required);
 }
 
-cow_String inpS_KeywordParameterReader::CheckMutuallyExclusiveParameters(
-    const inp_Keyword& keyword, const cow_String& a, const cow_String& b, const cow_String& c,
-    bool required) {
+cow_String inpS_KeywordParameterReader::CheckMutuallyExclusiveParameters(const inp_Keyword& keyword,
+                                                                         const cow_String& a,
+                                                                         const cow_String& b,
+                                                                         const cow_String& c,
+                                                                         bool required) {
   return onlyPresent(keyword, {a, b, c}, a + "," + b + "," + c, required);
 }
 

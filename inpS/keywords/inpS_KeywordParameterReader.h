@@ -5,8 +5,8 @@
 class inp_Keyword;
 
 // What readers ask of one keyword's parameters. Names are canonical (lower case, no blanks), values
-// in upper case; every comparison is exact. Faults go to the thread's message container as errors at
-// the keyword, and the conversion of the keyword goes on.
+// in upper case; every comparison is exact. Faults go to the thread's message container as errors
+// at the keyword, and the conversion of the keyword goes on.
 class inpS_KeywordParameterReader {
 public:
   // Whether the parameter is present; a missing one is reported.

@@ -5,7 +5,9 @@ inpS_KeywordReader::inpS_KeywordReader(const inp_Keyword& keyword)
 
 inpS_KeywordReader::~inpS_KeywordReader() = default;
 
-bool inpS_KeywordReader::ReadItem() { return false; }
+bool inpS_KeywordReader::ReadItem() {
+  return false;
+}
 
 void inpS_KeywordReader::End() {}
 
@@ -19,6 +21,11 @@ bool inpS_KeywordReader::ReadValidItem() {
   return false;
 }
 
+bool inpS_KeywordReader::IsBlankRow(const inp_DataArray& data, long long row) {
+  const int cols = data.Cols(row);
+  return cols == 0 || (cols == 1 && data.IsNone(row, 0));
+}
+
 void inpS_KeywordReader::SkipTrailingBlankLines() {
-  while (m_rows > 0 && inpS_isBlankRow(Data(), m_rows - 1)) --m_rows;
+  while (m_rows > 0 && IsBlankRow(Data(), m_rows - 1)) --m_rows;
 }

@@ -16,7 +16,9 @@ public:
   // out first, after End().
   bool ReadValidItem();
 
-  // Lines at the end that have no field, or only one empty field, are data no longer.
+  // A line without a field, or with one empty field only.
+  static bool IsBlankRow(const inp_DataArray& data, long long row);
+  // Blank lines at the end are data no longer.
   void SkipTrailingBlankLines();
 
 protected:

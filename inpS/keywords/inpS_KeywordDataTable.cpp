@@ -1,0 +1,198 @@
+#include "inpS/keywords/inpS_KeywordDataTable.h"
+#include "base/utl_Assert.h"
+#include "inpS/keywords/inpS_ArrayDouble.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
+#include "inpS/messages/inpS_MessageContainer.h"
+#include <algorithm>
+
+namespace {
+
+constexpr int mostDependencies = 100000; // beyond, the number is a slip of the pen
+
+int dependenciesOf(const inp_Keyword& keyword) {
+  const inp_Item* item = keyword.Find("dependencies");
+  if (!item) return 0;
+  const int count = item->AsInt();
+  if (count >= 0 && count <= mostDependencies) return count;
+  inpS_Message message(keyword, inpS_Message::Application, inpS_app_InvalidParameterValue);
+  message.AppendArg("dependencies");
+  inpS_MessageContainer::Instance().AddMessage(std::move(message));
+  return 0;
+}
+
+// Until something is missing all of it was given.
+std::optional<inpS_FlatTable<char>> allGivenIn(const inpS_FlatTable<double>& table) {
+  return inpS_FlatTable<char>(table.Rows(), table.Cols(), 1);
+}
+
+std::size_t index(int i) {
+  return static_cast<std::size_t>(i);
+}
+
+} // namespace
+
+inpS_KeywordDataTable::inpS_KeywordDataTable(const inp_Keyword& keyword, int dataColumns,
+                                             long long firstDataLine, bool temperature)
+    : m_keyword(keyword), m_dataColumns(dataColumns), m_dependencies(dependenciesOf(keyword)),
+      m_temperature(temperature), m_firstDataLine(firstDataLine) {
+  m_table.Reset(index(m_dataColumns + m_dependencies + (m_temperature ? 1 : 0)));
+}
+
+void inpS_KeywordDataTable::SetDefaultData(const cow_List<int>& defaultDataCols,
+                                           const cow_List<double>& defaultDataVals) {
+  if (defaultDataCols.size() != defaultDataVals.size())
+    utl_assertionFailed("defaultDataCols.Length() == defaultDataVals.Length()");
+  m_defaultDataCols = defaultDataCols;
+  m_defaultDataVals = defaultDataVals;
+}
+
+int inpS_KeywordDataTable::MinimumPerRecord() const {
+  const bool mayLackTemperature = m_temperature && m_dependencies == 0 && NumCols() >= 1;
+  return mayLackTemperature ? NumCols() - 1 : NumCols();
+}
+
+void inpS_KeywordDataTable::Read(int firstColumn) {
+  if (!m_keyword.Body()) utl_assertionFailed("m_keyword != 0");
+  const inp_DataArray& data = m_keyword.Data();
+  long long rows = data.Rows();
+  while (rows > m_firstDataLine + 1 && inpS_KeywordReader::IsBlankRow(data, rows - 1)) --rows;
+
+  inpS_KeywordDataArrayReader reader(data, rows);
+  reader.SetDefaultData(m_defaultDataCols, m_defaultDataVals);
+  const int cols = NumCols();
+  const int minimum = MinimumPerRecord();
+  const long long linesPerRecord = std::max(1, (cols + 7) / 8);
+  m_table.Reset(index(cols));
+  m_given.reset();
+  if (rows > m_firstDataLine)
+    m_table.Reserve(static_cast<std::size_t>((rows - m_firstDataLine) / linesPerRecord + 1));
+
+  for (long long row = m_firstDataLine; row < rows;) {
+    const long long consumed = reader.RowsConsumed();
+    const cow_List<double>& record =
+        reader.ReadDoubleData(row, row == m_firstDataLine ? firstColumn : 0, minimum, cols);
+    if (reader.RowsConsumed() == consumed) break;
+    row += reader.RowsConsumed() - consumed;
+    AppendRecord(record, reader.Given());
+  }
+  m_unread = reader.Unread();
+  m_tempDependent = m_temperature && IsDependentOnColumn(m_dataColumns);
+}
+
+void inpS_KeywordDataTable::AppendRecord(const cow_List<double>& record,
+                                         const cow_List<char>& given) {
+  const std::size_t count = std::min(record.size(), m_table.Cols());
+  const bool allGiven =
+      count == m_table.Cols() && std::find(given.begin(), given.end(), 0) == given.end();
+  if (!allGiven && !m_given) m_given = allGivenIn(m_table);
+  std::copy_n(record.begin(), count, m_table.AppendRow(0.0).begin());
+  if (m_given) std::copy_n(given.begin(), count, m_given->AppendRow(0).begin());
+}
+
+void inpS_KeywordDataTable::CheckColumn(int colNum) const {
+  if (colNum < 0) utl_assertionFailed("colNum >= 0");
+  if (colNum >= NumCols()) utl_assertionFailed("ncol < m_table.ConstGet(i).Length()");
+}
+
+double inpS_KeywordDataTable::Value(int row, int col) const {
+  utl_ASSERT(row >= 0 && row < NumRows());
+  CheckColumn(col);
+  return m_table.At(index(row), index(col));
+}
+
+inpS_ArrayDouble inpS_KeywordDataTable::Column(int colNum) const {
+  CheckColumn(colNum);
+  inpS_ArrayDouble column(NumRows(), 0.0);
+  for (int row = 0; row < NumRows(); ++row) column[row] = m_table.At(index(row), index(colNum));
+  return column;
+}
+
+cow_List<double> inpS_KeywordDataTable::Columns(int startColumn, int length) const {
+  if (startColumn < 0) utl_assertionFailed("startColumn >= 0");
+  if (length <= 0) utl_assertionFailed("length > 0");
+  CheckColumn(startColumn + length - 1);
+  cow_List<double> values;
+  values.reserve(m_table.Rows() * index(length));
+  for (std::size_t row = 0; row < m_table.Rows(); ++row) {
+    const auto columns = m_table.Row(row).subspan(index(startColumn), index(length));
+    values.insert(values.end(), columns.begin(), columns.end());
+  }
+  return values;
+}
+
+bool inpS_KeywordDataTable::IsDependentOnColumn(int col) const {
+  if (col < 0 || col >= NumCols()) return false;
+  for (std::size_t row = 0; row < m_table.Rows(); ++row)
+    if (m_table.At(row, index(col)) != 0.0) return true; // so is a NaN
+  return false;
+}
+
+bool inpS_KeywordDataTable::IsColumnSpecified(int row, int col) const {
+  if (row < 0 || row >= NumRows() || col < 0 || col >= NumCols()) return false;
+  return !m_given || m_given->At(index(row), index(col)) != 0;
+}
+
+// Columns keep their meaning by position: data, temperature, field variables. Whoever moves them
+// about otherwise than by the temperature operations takes the meaning over.
+void inpS_KeywordDataTable::RemoveColumn(int colNum) {
+  CheckColumn(colNum);
+  m_table.RemoveColumn(index(colNum));
+  if (m_given) m_given->RemoveColumn(index(colNum));
+}
+
+void inpS_KeywordDataTable::RemoveTempColumnIfIndependent() {
+  if (!m_temperature || m_tempDependent) return;
+  RemoveColumn(m_dataColumns);
+  m_temperature = false;
+}
+
+void inpS_KeywordDataTable::ExpandTableNumColsTo(int cols) {
+  if (cols <= NumCols()) return;
+  if (!m_given) m_given = allGivenIn(m_table);
+  const std::size_t present = m_table.Cols();
+  m_table.InsertColumns(present, index(cols) - present, 0.0);
+  m_given->InsertColumns(present, index(cols) - present, 0);
+}
+
+void inpS_KeywordDataTable::SetColumnToValue(int colNum, double value) {
+  CheckColumn(colNum);
+  m_table.FillColumn(index(colNum), value);
+}
+
+void inpS_KeywordDataTable::InsertValueToColumn(double value, int colNum) {
+  if (colNum != NumCols()) CheckColumn(colNum);
+  m_table.InsertColumns(index(colNum), 1, value);
+  if (m_given) m_given->InsertColumns(index(colNum), 1, 1);
+}
+
+void inpS_KeywordDataTable::SwapColumn(int a, int b) {
+  CheckColumn(a);
+  CheckColumn(b);
+  m_table.SwapColumns(index(a), index(b));
+  if (m_given) m_given->SwapColumns(index(a), index(b));
+}
+
+void inpS_KeywordDataTable::Append(const inpS_KeywordDataTable& other) {
+  inpS_KeywordDataTable rows = other; // *this may be the other, and the other may be narrower
+  rows.ExpandTableNumColsTo(NumCols());
+  ExpandTableNumColsTo(rows.NumCols());
+  if (rows.m_given && !m_given) m_given = allGivenIn(m_table);
+  if (m_given && !rows.m_given) rows.m_given = allGivenIn(rows.m_table);
+  m_table.Append(rows.m_table);
+  if (m_given) m_given->Append(*rows.m_given);
+  m_tempDependent = m_temperature && IsDependentOnColumn(m_dataColumns);
+}
+
+void inpS_KeywordDataTable::ClearAll() {
+  m_table.Reset(m_table.Cols());
+  m_given.reset();
+  m_unread.clear();
+  m_tempDependent = false;
+}
+
+cow_List<const double*> inpS_KeywordDataTable::GetDataAsPtr() const {
+  cow_List<const double*> rows;
+  rows.reserve(m_table.Rows());
+  for (std::size_t row = 0; row < m_table.Rows(); ++row) rows.push_back(m_table.Row(row).data());
+  return rows;
+}
