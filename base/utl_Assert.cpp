@@ -1,8 +1,8 @@
 #include "base/utl_Assert.h"
 
-utl_Assertion::utl_Assertion(const char* condition, std::source_location where)
+utl_Assertion::utl_Assertion(const char* condition, utl_SourcePlace where)
     : std::logic_error(condition), m_where(where) {}
 
-void utl_assertionFailed(const char* condition, std::source_location where) {
+void utl_assertionFailed(const char* condition, utl_SourcePlace where) {
   throw utl_Assertion(condition, where);
 }
