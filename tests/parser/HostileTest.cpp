@@ -1,0 +1,139 @@
+#include "parser/inp_Structure.h"
+#include "tests/base/TemporaryFolder.h"
+#include "tests/parser/Parsed.h"
+#include <algorithm>
+#include <chrono>
+#include <gtest/gtest.h>
+
+namespace {
+
+cow_String repeated(const cow_String& piece, std::size_t count) {
+  cow_String out;
+  out.reserve(piece.size() * count);
+  for (std::size_t i = 0; i < count; ++i) out += piece;
+  return out;
+}
+
+} // namespace
+
+TEST(Hostile, HugeKeywordLines) {
+  for (const char* piece : {"a", "a,", ",", "\"", "=", "a=b,", " ", "\"a\","}) {
+    const std::size_t length = cow_String(piece).size();
+    const cow_String line = "*NSET, NSET=A" + repeated(piece, 10'000'000 / length);
+    const Parsed parsed(line + "\n1, 2\n*NODE\n1\n");
+    ASSERT_EQ(parsed.errors.size(), 1u) << piece;
+    EXPECT_NE(parsed.errors[0].text.find("a keyword line of 100000"), cow_String::npos);
+    EXPECT_LT(parsed.errors[0].place.sourceLine.size(), 1000u);
+    ASSERT_EQ(parsed.keywords.size(), 2u) << piece;
+    EXPECT_EQ(parsed.keywords[0].Name(), "NSET");
+    EXPECT_EQ(parsed.keywords[0].Data().Rows(), 1);
+    EXPECT_EQ(shown(parsed.keywords[1]), "NODE");
+  }
+}
+
+TEST(Hostile, EndlessContinuation) {
+  const Parsed parsed("*NSET,\n" + repeated("GENERATE,\n", 100'000) + "*NODE\n1\n");
+  EXPECT_EQ(parsed.errors.size(), 1u);
+  EXPECT_EQ(parsed.keywords.back().Name(), "NODE");
+  cow_String many = "*FOO";
+  for (int i = 0; i < 2000; ++i) many += ", p" + std::to_string(i);
+  const Parsed parameters(many);
+  EXPECT_EQ(parameters.errors.size(), 1u);
+  EXPECT_EQ(parameters.keywords.at(0).Parameters().size(), 1000u);
+}
+
+TEST(Hostile, ManyFieldsOnALine) {
+  constexpr int count = 100'000;
+  const Parsed parsed("*NSET\n" + repeated("12, ", count - 1) + "12\n");
+  const inp_DataArray& data = parsed.keywords.at(0).Data();
+  ASSERT_EQ(data.Cols(0), count);
+  const auto start = std::chrono::steady_clock::now();
+  long long sum = 0;
+  for (int col = 0; col < data.Cols(0); ++col) sum += data.AsInt(0, col);
+  for (int col = count; col-- > 0;) sum += data.PlaceOf(0, col).column > col;
+  EXPECT_EQ(sum, 13LL * count);
+  // Linear is a fraction of a second; were each field to cost its distance, it would be a minute.
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+TEST(Hostile, FilesThatAreNoDecks) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(Parsed(utl_pathText(folder.Path()), true).files.size(), 1u);
+  EXPECT_EQ(Parsed(utl_pathText(folder / "none"), true).files.size(), 1u);
+  const struct {
+    cow_String text;
+    const char* message;
+  } cases[] = {
+      {"", "0:0 the deck holds no keyword\n"},
+      {"** only\n\n", "0:0 the deck holds no keyword\n"},
+      {"\xEF\xBB\xBF", "0:0 the deck holds no keyword\n"},
+      {cow_String("\0", 1), "1:1 this is not a deck: binary data at line 1\n"},
+      {"*NODE\n1, " + cow_String("\0", 1), "2:4 this is not a deck: binary data at line 2\n"},
+      {repeated("*NODE\n1, 2\n", 1000) + cow_String("\0*", 2) + repeated("1\n", 99),
+       "2001:1 this is not a deck: binary data at line 2001\n"},
+      {"\xFE\xFF*",
+       "0:0 the file is UTF-16 text; decks are read as UTF-8 or plain text: save it so\n"},
+      {"1, 2\n3\n*NODE",
+       "1:1 a data line before the first keyword; it and those behind it up to the "
+       "next keyword are not read\n"},
+  };
+  for (const auto& [text, message] : cases) {
+    const Parsed parsed(text);
+    EXPECT_EQ(shown(parsed.files) + shown(parsed.errors), message);
+  }
+}
+
+TEST(Hostile, MessagesAreFitToShow) {
+  const Parsed parsed("*NODE\xFF\x1B[31m\n");
+  EXPECT_EQ(parsed.warnings.at(0).text,
+            "unknown keyword *NODE\xEF\xBF\xBD\xEF\xBF\xBD[31M; kept as it is");
+  EXPECT_EQ(parsed.warnings.at(0).place.sourceLine, "*NODE\xEF\xBF\xBD\xEF\xBF\xBD[31m");
+}
+
+// The fast pass against the plain definition, with marks on every border of blocks and pieces.
+TEST(Structure, AgreesWithItsDefinition) {
+  const cow_String samples[] = {"*a\n", "**b\n",      "1, 2*3\n", " \t*c\n",
+                                "\n",   "\xC3\xA4\n", "  ** \r\n"};
+  std::uint32_t random = 12345;
+  for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{63}, std::size_t{64},
+                                 std::size_t{65}, std::size_t{5000}, std::size_t{17} << 20}) {
+    cow_String text;
+    while (text.size() < size) {
+      random = random * 1664525 + 1013904223;
+      text += samples[(random >> 24) % 7];
+      if (size > 5000 || (random >> 16) % 4 == 0) text += cow_String((random >> 8) % 300, '7');
+    }
+    if (!text.empty()) text.resize(size);
+    const inp_DeckTextPtr deck = inp_DeckText::FromString(text, "deck");
+    const inp_Structure found = inp_findStructure(*deck);
+
+    long long line = 0, comments = 0;
+    std::size_t mark = 0;
+    bool ascii = true;
+    const auto checkAscii = [&] {
+      EXPECT_EQ(mark == 0 ? found.ascii : found.marks.at(mark - 1).ascii, ascii);
+      ascii = true;
+    };
+    for (std::size_t at = 0; at < text.size(); ++line) {
+      const std::size_t end = std::min(text.find('\n', at), text.size());
+      const std::size_t first = std::min(text.find_first_not_of(" \t\r", at), end);
+      const bool star = first < end && text[first] == '*';
+      if (star && text.compare(first, 2, "**") == 0)
+        ++comments;
+      else if (star) {
+        checkAscii();
+        ASSERT_LT(mark, found.marks.size());
+        EXPECT_EQ(found.marks[mark].at - deck->Begin(), static_cast<std::ptrdiff_t>(first));
+        EXPECT_EQ(found.marks[mark].line, line);
+        EXPECT_EQ(found.marks[mark].commentsBefore, comments);
+        ++mark;
+      }
+      for (std::size_t i = first; i < end; ++i) ascii = ascii && !(text[i] & 0x80);
+      at = end + 1;
+    }
+    checkAscii();
+    EXPECT_EQ(mark, found.marks.size());
+    EXPECT_EQ(found.lines, line);
+    EXPECT_EQ(found.comments, comments);
+  }
+}
