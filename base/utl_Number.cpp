@@ -108,6 +108,7 @@ char* printUpTo15Digits(char* p, double value) {
   int decimals = 16;
   while (magnitude * utl_powersOf10[decimals] >= 1e15) --decimals;
   const double scale = utl_powersOf10[decimals];
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): the division below rejects a wrong guess
   const auto scaled = static_cast<std::uint64_t>(magnitude * scale + 0.5);
   if (static_cast<double>(scaled) / scale != magnitude) return nullptr;
 

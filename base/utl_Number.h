@@ -214,6 +214,7 @@ inline char* utl_printDouble(char* p, double value) {
   const double magnitude = std::fabs(value);
   if (!(magnitude < 1e7 && (magnitude >= 1e-3 || magnitude == 0)))
     return utl_printDoubleShortest(p, value);
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): the division below rejects a wrong guess
   const auto scaled = static_cast<std::int64_t>(magnitude * 1e8 + 0.5);
   if (static_cast<double>(scaled) / 1e8 != magnitude) return utl_printDoubleShortest(p, value);
   const auto whole = static_cast<std::uint32_t>(scaled / 100000000);

@@ -10,7 +10,7 @@
 #include <functional>
 
 int utl_threadCount();              // threads a call may use, the calling one included
-void utl_setThreadCount(int count); // 0 or less: as many as the machine has
+void utl_setThreadCount(int count); // 0 or less: as many as the machine has; not during work
 void utl_releaseThreads();          // ends the idle threads; the next call makes new ones
 
 // Calls work(i) for every i in [0, n), in no particular order.
