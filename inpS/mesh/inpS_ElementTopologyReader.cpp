@@ -48,6 +48,7 @@ void inpS_ElementTopologyReader::TakeRegular(const inp_Keyword&, inp_ElementRows
   m_labels = std::move(rows.labels);
   m_nodes = std::move(rows.nodes);
   const bool uniform = rows.counts.IsEmpty();
+  m_ragged = !uniform;
   if (uniform && rows.width >= least && rows.width <= most) return;
   for (std::size_t n = 0; n < m_labels.Size(); ++n) {
     const int count = uniform ? rows.width : rows.counts[n];
@@ -94,6 +95,7 @@ void inpS_ElementTopologyReader::Add(int label, const int* nodes, int count) {
   const int extra = carriesReferenceNode(m_type) ? 1 : 0;
   if (count > m_type.MaxNodesPerElement() + extra) m_tooMany.push_back(label);
   if (count < m_type.MinNodesPerElement() + extra) m_tooFew.push_back(label);
+  if (count < m_width) m_ragged = true;
   m_labels.Append(label);
   const std::size_t first = m_nodes.Size();
   m_nodes.Resize(first + static_cast<std::size_t>(m_width));
@@ -146,6 +148,15 @@ bool inpS_ElementTopologyReader::ReadScoped(const inp_Keyword& keyword, long lon
   m_scopedNodes.push_back({0, static_cast<int>(fields.size()) - 1, parts[parts.size() - 2], label});
   fields.push_back(label);
   return true;
+}
+
+bool inpS_ElementTopologyReader::HasReferenceNodes() const {
+  return HasExtraNodes() && carriesReferenceNode(m_type);
+}
+
+void inpS_ElementTopologyReader::Widen(utl_Buffer<int> nodes, int width) {
+  m_nodes = std::move(nodes);
+  m_width = m_topology = width;
 }
 
 void inpS_ElementTopologyReader::CheckCounts(const inp_Keyword& keyword) const {

@@ -28,6 +28,9 @@ public:
 
   long long Count() const { return static_cast<long long>(m_labels.Size()); }
   int Width() const { return m_width; } // nodes per element; 0 where an element has fewer
+  bool IsRagged() const { return m_ragged; } // some elements have fewer nodes than Width()
+  // Each element's nodes continue with the columns behind its own: width grows to what is given.
+  void Widen(utl_Buffer<int> nodes, int width);
   utl_Buffer<int>& Labels() { return m_labels; }
   utl_Buffer<int>& Nodes() { return m_nodes; }
   const cow_List<inpS_ScopedNode>& ScopedNodes() const { return m_scopedNodes; }
@@ -36,6 +39,7 @@ public:
   // node of an axisymmetric rigid surface or a drag chain. True when some element here does; the node
   // then stands at index TopologyNodes().
   bool HasExtraNodes() const { return m_width > TopologyNodes(); }
+  bool HasReferenceNodes() const;
   int TopologyNodes() const { return m_topology; }
 
 private:
@@ -51,6 +55,7 @@ private:
   inp_Visitor& m_messages;
   int m_width = 0;
   int m_topology = 0;
+  bool m_ragged = false;
   utl_Buffer<int> m_labels;
   utl_Buffer<int> m_nodes;
   cow_List<inpS_ScopedNode> m_scopedNodes;

@@ -1,14 +1,23 @@
 #pragma once
 
+#include "database/KvoObjMesh.h"
 #include "database/KvoSimPosition.h"
+#include "database/eds_Array.h"
 #include "inpS/framework/inpS_System.h"
 #include "inpS/mesh/inpS_ElementConnectivity.h"
 #include "inpS/mesh/inpS_NodeList.h"
 #include "inpS/sets/inpS_SetDefinition.h"
+#include <deque>
 
 // The mesh of one owner as the deck gives it: the flat model or the assembly (the root), a part, or
 // what an instance holds of its own besides its part's.
 struct inpS_MeshScope {
+  // A node that an element implies: where no node of that label is given, it lies where `from` does.
+  struct ImpliedNode {
+    int label;
+    int from;
+  };
+
   enum class Kind : unsigned char { Root, Part, Instance };
   Kind kind = Kind::Root;
   cow_String name;
@@ -21,9 +30,40 @@ struct inpS_MeshScope {
   inpS_NodeList nodes;
   inpS_ElementConnectivity elements;
   inpS_SetTable sets;
+  utl_Buffer<ImpliedNode> impliedNodes;
   long long generatedFrom = -1; // ordinal from which nodes were generated, not given; -1: none
   long long nodeBase = 0;       // flat ordinals of its first node and element
   long long elementBase = 0;
   long long nodeCount = 0;      // with the part's
   long long elementCount = 0;
+  eds_ArrayID coordinates; // once they are stored: what instances share
+  eds_ArrayID normalOrdinals;
+  eds_ArrayID normals;
+  cow_List<KvoMeshElementBlock> stored;
+};
+
+// All owners of a deck's mesh: the root first, then parts and instances in deck order. In the flat
+// mesh the root's nodes and elements come first, then those of each instance.
+class inpS_MeshScopes {
+public:
+  inpS_MeshScopes();
+
+  inpS_MeshScope& Root() { return m_scopes.front(); }
+  inpS_MeshScope& Add(inpS_MeshScope::Kind kind, const cow_String& name);
+  inpS_MeshScope* FindPart(const cow_String& name);
+  inpS_MeshScope* FindInstance(const cow_String& name);
+  std::deque<inpS_MeshScope>& All() { return m_scopes; }
+
+  void AssignFlatOrdinals(); // once everything is read
+  const inpS_MeshScope& ScopeOfFlatElement(long long element) const;
+  long long FlatNodes() const { return m_flatNodes; }
+  long long FlatElements() const { return m_flatElements; }
+
+private:
+  std::deque<inpS_MeshScope> m_scopes;
+  cow_List<const inpS_MeshScope*> m_flat; // with elements, by elementBase
+  cow_Map<cow_String, inpS_MeshScope*> m_parts;
+  cow_Map<cow_String, inpS_MeshScope*> m_instances;
+  long long m_flatNodes = 0;
+  long long m_flatElements = 0;
 };

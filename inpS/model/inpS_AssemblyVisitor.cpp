@@ -4,14 +4,12 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "inpS/framework/inpS_System.h"
-#include "inpS/messages/inpS_Message.h"
+#include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 
 namespace {
 
 constexpr double kCoincident = 1e-6; // the length below which two points are one
-
-using MsgType = inpS_Message::MsgType;
 
 bool isGiven(const inp_DataArray& data, long long row) {
   if (row >= data.Rows()) return false;
@@ -44,13 +42,13 @@ void inpS_AssemblyVisitor::VisitAssembly(const inp_Keyword& keyword) {
 void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
   const inp_Item* name = keyword.Find("name");
   if (!name || name->AsString().empty()) {
-    Error(keyword, inpS_messageText(MsgType::Model, 4));
+    Error(keyword, inpS_messageText(inpS_model_InstanceNameMissing));
     return;
   }
   const KvoObjDocument& document = m_inventory.GetDocument();
   const KvoSimPosition model = document.GetModel().Position();
   if (!model.FollowStringKey(eds_Member::Occurrences, name->AsString()).IsNull()) {
-    Error(keyword, inpS_messageText(MsgType::Model, 5, {name->AsString()}));
+    Error(keyword, inpS_messageText(inpS_model_InstanceNameTaken, {name->AsString()}));
     return;
   }
   const inp_Item* partName = keyword.Find("part");
@@ -59,7 +57,7 @@ void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
   KvoSimPosition part;
   if (partName) part = model.FollowStringKey(eds_Member::Parts, partName->AsString());
   if (!partName && !library) {
-    Error(keyword, inpS_messageText(MsgType::Application, 0, {"part"}));
+    Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {"part"}));
     return;
   }
   if (partName && part.IsNull()) {
@@ -108,7 +106,7 @@ bool inpS_AssemblyVisitor::CheckPlacement(const inp_Keyword& keyword) {
     square += d * d;
   }
   if (square < kCoincident * kCoincident)
-    AddWarning(inp_Utils::MessageAtRow(keyword, 1, inpS_messageText(MsgType::Model, 13)));
+    AddWarning(inp_Utils::MessageAtRow(keyword, 1, inpS_messageText(inpS_model_RotationAxisDegenerate)));
   return true;
 }
 

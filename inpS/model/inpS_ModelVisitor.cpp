@@ -3,18 +3,18 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
-#include "inpS/messages/inpS_Message.h"
+#include "inpS/messages/inpS_LocatedText.h"
 
 void inpS_ModelVisitor::VisitPart(const inp_Keyword& keyword) {
   const inp_Item* name = keyword.Find("name");
   if (!name || name->AsString().empty()) {
-    Error(keyword, inpS_messageText(inpS_Message::MsgType::Model, 0));
+    Error(keyword, inpS_messageText(inpS_model_PartNameMissing));
     return;
   }
   const KvoObjDocument& document = m_inventory.GetDocument();
   const KvoSimPosition model = document.GetModel().Position();
   if (!model.FollowStringKey(eds_Member::Parts, name->AsString()).IsNull()) {
-    Error(keyword, inpS_messageText(inpS_Message::MsgType::Model, 2, {name->AsString()}));
+    Error(keyword, inpS_messageText(inpS_model_PartNameTaken, {name->AsString()}));
     return;
   }
   KvoSimTransaction transaction(document.ContextID());

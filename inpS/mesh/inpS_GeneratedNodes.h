@@ -1,0 +1,24 @@
+#pragma once
+
+#include "inpS/mesh/inpS_MeshScope.h"
+
+class inp_Keyword;
+class inpS_ElementParameters;
+class inpS_ElementTopologyReader;
+class KvoObjLabeler;
+
+// Nodes that elements bring along without the deck listing them.
+class inpS_GeneratedNodes {
+public:
+  // Axisymmetric elements with Fourier modes may give the nodes of their first plane only. The nodes
+  // of plane k are numbered from those by k times the keyword's "offset", 100000 where it is absent,
+  // and lie at the same r and z.
+  static void AddFourierPlanes(const inp_Keyword& keyword, const inpS_ElementParameters& type,
+                               inpS_ElementTopologyReader& reader, inpS_MeshScope& scope);
+
+  // When everything is read: adds the implied nodes that the deck does not define, and the middle
+  // nodes of 18-node gaskets given with 16, which take the labels above the largest of the deck and
+  // lie in the middle of their face (the serendipity interpolation of its eight nodes).
+  static void Complete(inpS_MeshScope& scope, const cow_List<cow_String>& types,
+                       KvoObjLabeler& labeler, int& largestLabel);
+};

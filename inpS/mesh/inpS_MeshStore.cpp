@@ -1,0 +1,296 @@
+#include "inpS/mesh/inpS_MeshStore.h"
+#include "database/KvoObjElementSet.h"
+#include "database/KvoObjLabeler.h"
+#include "database/KvoObjMesh.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoObjNodeSet.h"
+#include "database/KvoSimCSet.h"
+#include "database/KvoSimCollection.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimDistribution.h"
+#include "database/KvoSimGrid.h"
+#include "inpS/mesh/inpS_ElementParameters.h"
+#include "inpS/mesh/inpS_SetResolver.h"
+#include <algorithm>
+
+namespace {
+
+bool isPart(const inpS_MeshScope& scope) { return scope.kind == inpS_MeshScope::Kind::Part; }
+
+template <class T>
+eds_ArrayID writeArray(const KvoSimPosition& anyObject, std::span<const T> values, int width) {
+  eds_ArrayWriter writer(anyObject, eds_valueTypeOf<T>(), width);
+  writer.Append(values);
+  return writer.Finish();
+}
+
+// A node block's normals, turned for an instance; the ordinals are the part's own array.
+void turnVectors(const inpS_System& system, utl_Buffer<double>& vectors) {
+  for (std::size_t n = 0; n + 2 < vectors.Size(); n += 3)
+    system.TransformVector(vectors[n], vectors[n + 1], vectors[n + 2]);
+}
+
+} // namespace
+
+inpS_MeshStore::inpS_MeshStore(const KvoObjDocument& document, KvoObjLabeler& nodes,
+                               KvoObjLabeler& elements, inpS_MeshScopes& scopes)
+    : m_document(document), m_nodes(nodes), m_elements(elements), m_scopes(scopes) {}
+
+KvoSimPosition inpS_MeshStore::SaveElementType(const KvoObjDocument& document,
+                                               const inpS_ElementParameters& type, int dimension) {
+  for (const KvoSimPosition& known :
+       document.Context().GetRecords(eds_RecordKind::ElementSpec)) // a restart meets old ones
+    if (known.DataRecord().GetString(eds_ElementSpec_Name) == type.Name()) return known;
+  const KvoSimPosition spec = document.CreateDataRecord(eds_RecordKind::ElementSpec);
+  KvoSimDataRecord record = spec.DataRecord();
+  record.SetString(eds_ElementSpec_Name, type.Name());
+  record.SetInt(eds_ElementSpec_MinNodes, type.MinNodesPerElement());
+  record.SetInt(eds_ElementSpec_MaxNodes, type.MaxNodesPerElement());
+  record.SetInt(eds_ElementSpec_Dimension, dimension);
+  record.SetBool(eds_ElementSpec_UserElement, type.IsUserElement());
+  record.SetBool(eds_ElementSpec_Substructure, type.IsSubstructure());
+  return spec;
+}
+
+void inpS_MeshStore::SaveExtraNodes() {
+  utl_Buffer<int> beams, references;
+  for (inpS_MeshScope& scope : m_scopes.All()) {
+    if (isPart(scope)) continue;
+    const auto gather = [&](const inpS_MeshScope& from) {
+      for (const inpS_ElementBlock& block : from.elements.Blocks()) {
+        if (block.width == block.topology) continue;
+        utl_Buffer<int>& pairs = block.referenceNode ? references : beams;
+        for (long long n = 0; n < block.Count(); ++n) {
+          const int node = block.nodes[static_cast<std::size_t>(n * block.width + block.topology)];
+          if (node < 0) continue;
+          pairs.Append(static_cast<int>(scope.elementBase + block.first + n));
+          pairs.Append(static_cast<int>(scope.nodeBase + node));
+        }
+      }
+    };
+    if (scope.part) gather(*scope.part);
+    gather(scope);
+  }
+  KvoObjMesh mesh = m_document.GetModel().GetMesh();
+  const auto save = [&](const utl_Buffer<int>& pairs, eds_DataType type) {
+    KvoSimCollection list = m_document.Context().CreateCollection(eds_CollectionKind::Term);
+    const auto count = static_cast<long long>(pairs.Size() / 2);
+    list.ExtendSpace(count);
+    KvoSimDistribution distribution = m_document.CreateTypedDistribution(
+        type, KvoSimGrid{list}, KvoSimRangeType(eds_ValueType::Int32, 2));
+    distribution.AddDrawer(
+        list.CreateCSetStrided(0, count).ID(),
+        writeArray<int>(mesh.Position(), std::span<const int>(pairs), 2));
+    return distribution;
+  };
+  if (!beams.IsEmpty())
+    mesh.SetBeamOrientationExtraNodes(save(beams, eds_DataType::BeamExtraNodes));
+  if (!references.IsEmpty())
+    mesh.SetIrsDragchainRefNodes(save(references, eds_DataType::DragchainRefNodes));
+}
+
+// ---- nodes
+
+void inpS_MeshStore::SaveNodes() {
+  for (inpS_MeshScope& scope : m_scopes.All()) {
+    scope.nodes.SortNormals();
+    if (!isPart(scope)) m_nodes.SetFlatFirst(scope.nodeOccurrence, scope.nodeBase);
+    if (scope.part) SaveCopiedNodes(scope, *scope.part);
+    SaveOwnNodes(scope);
+  }
+  // Instances read their part's coordinates, which therefore went last.
+  for (inpS_MeshScope& scope : m_scopes.All()) scope.nodes.FreeCoordinates();
+  SaveUserSets(true);
+}
+
+void inpS_MeshStore::SaveOwnNodes(inpS_MeshScope& scope) {
+  const inpS_NodeList& nodes = scope.nodes;
+  if (nodes.Count() == 0) return;
+  KvoObjMesh mesh = m_document.GetModel().GetMesh();
+  KvoMeshNodeBlock block;
+  block.owner = scope.owner;
+  block.first = scope.nodeCount - nodes.Count();
+  block.count = nodes.Count();
+  block.flatFirst = isPart(scope) ? -1 : scope.nodeBase + block.first;
+  block.coordinates =
+      writeArray<double>(scope.owner, std::span<const double>(nodes.Coordinates()), 3);
+  if (!nodes.NormalOrdinals().IsEmpty()) {
+    block.normalOrdinals =
+        writeArray<int>(scope.owner, std::span<const int>(nodes.NormalOrdinals()), 1);
+    block.normals = writeArray<double>(scope.owner, std::span<const double>(nodes.Normals()), 3);
+  }
+  mesh.AddNodes(block);
+  scope.coordinates = block.coordinates;
+  scope.normalOrdinals = block.normalOrdinals;
+  scope.normals = block.normals;
+}
+
+void inpS_MeshStore::SaveCopiedNodes(const inpS_MeshScope& scope, const inpS_MeshScope& part) {
+  if (part.nodes.Count() == 0) return;
+  KvoMeshNodeBlock block;
+  block.owner = scope.owner;
+  block.count = part.nodes.Count();
+  block.flatFirst = scope.nodeBase;
+  block.coordinates = part.coordinates;
+  block.normalOrdinals = part.normalOrdinals;
+  block.normals = part.normals;
+  if (!scope.placement.IsIdentity()) {
+    constexpr std::size_t kPiece = 3 * (std::size_t{1} << 14);
+    utl_Buffer<double> piece(kPiece);
+    eds_ArrayWriter writer(scope.owner, eds_ValueType::Double, 3);
+    const std::span<const double> all(part.nodes.Coordinates());
+    for (std::size_t at = 0; at < all.size(); at += kPiece) {
+      const auto from = all.subspan(at, std::min(kPiece, all.size() - at));
+      const auto to = std::span<double>(piece).first(from.size());
+      scope.placement.Transform(from, to);
+      writer.Append(std::span<const double>(to));
+    }
+    block.coordinates = writer.Finish();
+    if (!part.nodes.NormalOrdinals().IsEmpty()) {
+      utl_Buffer<double> normals = part.nodes.Normals().Copy();
+      turnVectors(scope.placement, normals);
+      block.normals = writeArray<double>(scope.owner, std::span<const double>(normals), 3);
+    }
+  }
+  m_document.GetModel().GetMesh().AddNodes(block);
+}
+
+// ---- elements
+
+void inpS_MeshStore::SaveElements(const cow_List<KvoSimPosition>& specs) {
+  for (inpS_MeshScope& scope : m_scopes.All()) {
+    if (!isPart(scope)) m_elements.SetFlatFirst(scope.elementOccurrence, scope.elementBase);
+    if (scope.part) SaveSharedElements(scope, *scope.part);
+    SaveOwnElements(scope, specs);
+    SaveCounts(scope);
+  }
+  SaveUserSets(false);
+}
+
+void inpS_MeshStore::SaveOwnElements(inpS_MeshScope& scope, const cow_List<KvoSimPosition>& specs) {
+  KvoObjMesh mesh = m_document.GetModel().GetMesh();
+  for (inpS_ElementBlock& block : scope.elements.Blocks()) {
+    KvoMeshElementBlock stored;
+    stored.owner = scope.owner;
+    stored.spec = specs[static_cast<std::size_t>(block.spec)];
+    stored.first = block.first;
+    stored.count = block.Count();
+    stored.flatFirst = isPart(scope) ? -1 : scope.elementBase + block.first;
+    stored.nodeBase = scope.nodeBase;
+    stored.width = block.width;
+    stored.source = block.source;
+    stored.connectivity =
+        writeArray<int>(scope.owner, std::span<const int>(block.nodes), block.width);
+    mesh.AddElements(stored);
+    scope.stored.push_back(stored);
+    block.nodes = {};
+  }
+}
+
+void inpS_MeshStore::SaveSharedElements(const inpS_MeshScope& scope, const inpS_MeshScope& part) {
+  KvoObjMesh mesh = m_document.GetModel().GetMesh();
+  for (KvoMeshElementBlock block : part.stored) {
+    block.owner = scope.owner;
+    block.flatFirst = scope.elementBase + block.first;
+    block.nodeBase = scope.nodeBase;
+    mesh.AddElements(block);
+  }
+}
+
+void inpS_MeshStore::SaveCounts(const inpS_MeshScope& scope) {
+  KvoSimDataRecord record = scope.owner.DataRecord();
+  if (isPart(scope)) {
+    record.SetInt(eds_Part_NodeCount, scope.nodeCount);
+    record.SetInt(eds_Part_ElementCount, scope.elementCount);
+  } else if (record.IsA(eds_RecordKind::Instance)) {
+    record.SetInt(eds_Instance_FirstNode, scope.nodeBase);
+    record.SetInt(eds_Instance_NodeCount, scope.nodeCount);
+    record.SetInt(eds_Instance_FirstElement, scope.elementBase);
+    record.SetInt(eds_Instance_ElementCount, scope.elementCount);
+    record.SetBool(eds_Instance_Dependent,
+                   scope.nodes.Count() == 0 && scope.elements.Blocks().empty());
+  } else if (record.IsA(eds_RecordKind::Assembly)) {
+    record.SetInt(eds_Assembly_FirstNode, scope.nodeBase);
+    record.SetInt(eds_Assembly_NodeCount, scope.nodeCount);
+    record.SetInt(eds_Assembly_FirstElement, scope.elementBase);
+    record.SetInt(eds_Assembly_ElementCount, scope.elementCount);
+  }
+}
+
+// ---- sets
+
+// The sets of all nodes and of those the deck itself lists (generated ones are left out); likewise
+// of elements, where the two are the same.
+void inpS_MeshStore::SaveUserSets(bool nodes) {
+  KvoObjMesh mesh = m_document.GetModel().GetMesh();
+  const KvoSimContext context = m_document.Context();
+  if (!nodes) {
+    KvoSimCollection all = mesh.GetElementCollection();
+    KvoObjElementSet elements(context, "");
+    elements.SetMembership(all.BiggestCSetID());
+    mesh.SetElements(elements);
+    mesh.SetUserElements(elements);
+    return;
+  }
+  KvoSimCollection all = mesh.GetNodeCollection();
+  KvoObjNodeSet every(context, "");
+  every.SetMembership(all.BiggestCSetID());
+  mesh.SetNodes(every);
+  const bool anyGenerated =
+      std::any_of(m_scopes.All().begin(), m_scopes.All().end(),
+                  [](const inpS_MeshScope& scope) { return scope.generatedFrom >= 0; });
+  if (!anyGenerated) {
+    mesh.SetUserNodes(every);
+    return;
+  }
+  std::vector<int> given;
+  for (const inpS_MeshScope& scope : m_scopes.All()) {
+    if (isPart(scope)) continue;
+    const long long ofPart = scope.part ? scope.part->nodeCount : 0;
+    const auto isGenerated = [&](long long n) {
+      if (n < ofPart) return scope.part->generatedFrom >= 0 && n >= scope.part->generatedFrom;
+      return scope.generatedFrom >= 0 && n >= scope.generatedFrom;
+    };
+    for (long long n = 0; n < scope.nodeCount; ++n)
+      if (!isGenerated(n)) given.push_back(static_cast<int>(scope.nodeBase + n));
+  }
+  KvoObjNodeSet user(context, "");
+  user.SetMembership(all, given);
+  mesh.SetUserNodes(user);
+}
+
+KvoSimCollection inpS_MeshStore::PartCollection(const inpS_MeshScope& part, inpS_SetKind kind) {
+  const bool nodes = kind == inpS_SetKind::Nodes;
+  const eds_CollectionKind type = nodes ? eds_CollectionKind::Node : eds_CollectionKind::Element;
+  for (const KvoSimPosition& known : part.owner.GetVector(eds_Member::Collections))
+    if (known.AsCollection().Kind() == type) return known.AsCollection();
+  const KvoSimPosition created = m_document.CreateTypedCollection(type, part.name);
+  part.owner.Associate(eds_Member::Collections, created);
+  KvoSimCollection collection = created.AsCollection();
+  collection.ExtendSpace(nodes ? part.nodeCount : part.elementCount);
+  return collection;
+}
+
+void inpS_MeshStore::SaveSets(inpS_SetResolver& resolver) {
+  const KvoObjMesh mesh = m_document.GetModel().GetMesh();
+  const KvoSimContext context = m_document.Context();
+  for (inpS_MeshScope& scope : m_scopes.All()) {
+    for (const inpS_SetDefinition& definition : scope.sets.All()) {
+      const bool nodes = definition.kind == inpS_SetKind::Nodes;
+      KvoSimCollection collection = isPart(scope) ? PartCollection(scope, definition.kind)
+                                    : nodes       ? mesh.GetNodeCollection()
+                                                  : mesh.GetElementCollection();
+      const KvoSimCSetID members =
+          collection.CreateCSet(resolver.Members(scope, definition)).ID();
+      const auto save = [&](auto set) {
+        set.SetUnsorted(definition.unsorted);
+        set.SetMembership(members);
+        set.Bind(scope.owner, definition.internal);
+      };
+      if (nodes)
+        save(KvoObjNodeSet(context, definition.name));
+      else
+        save(KvoObjElementSet(context, definition.name));
+    }
+  }
+}

@@ -1,0 +1,403 @@
+#include "inpS/mesh/inpS_MeshVisitor.h"
+#include "database/KvoObjLabeler.h"
+#include "database/KvoObjModel.h"
+#include "inpS/mesh/inpS_ElementParameters.h"
+#include "inpS/mesh/inpS_GeneratedNodes.h"
+#include "inpS/mesh/inpS_MeshStore.h"
+#include "inpS/mesh/inpS_NodeReader.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "inpS/sets/inpS_SetReader.h"
+#include "parser/inp_KeywordTable.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                                   const inpS_Inventory& inventory)
+    : m_nodes(nodes), m_elements(elements), m_inventory(inventory) {
+  OpenRoot();
+}
+
+inpS_MeshVisitor::~inpS_MeshVisitor() = default;
+
+const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
+  static const cow_List<inp_KeywordEnm> kinds = {
+      inp_KwNode,         inp_KwElement, inp_KwNset,         inp_KwElset,          inp_KwSystem,
+      inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement};
+  return kinds;
+}
+
+void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
+  inpS_Visitor::VisitList(keywords);
+  Finish();
+  ReportUnreferredParameters(keywords, ModelledKinds());
+}
+
+// ---- owners
+
+void inpS_MeshVisitor::OpenRoot() {
+  const KvoObjModel model = m_inventory.GetDocument().GetModel();
+  inpS_MeshScope& root = m_scopes.Root();
+  root.owner = model.GetAssembly();
+  if (root.owner.IsNull()) root.owner = model.Position();
+  root.nodeOccurrence = m_nodes.OpenOccurrence(root.owner);
+  root.elementOccurrence = m_elements.OpenOccurrence(root.owner);
+  root.nodes.SetBase(m_nodes.Size(root.nodeOccurrence));
+}
+
+inpS_MeshScope* inpS_MeshVisitor::OpenPart(const cow_String& name) {
+  if (inpS_MeshScope* known = m_scopes.FindPart(name)) return known;
+  const KvoSimPosition owner = m_inventory.GetDocument().GetModel().GetPart(name);
+  if (owner.IsNull()) return nullptr;
+  inpS_MeshScope& part = m_scopes.Add(inpS_MeshScope::Kind::Part, name);
+  part.owner = owner;
+  part.nodeOccurrence = m_nodes.OpenOccurrence(owner);
+  part.elementOccurrence = m_elements.OpenOccurrence(owner);
+  return &part;
+}
+
+// An instance shares the labels, the connectivity and the sets of its part; it is all there when it
+// opens, so the part's keywords are not looked at again in each of its instances.
+void inpS_MeshVisitor::VisitInstance(const inp_Keyword& keyword) {
+  const inp_Item* name = keyword.Find("name");
+  if (!name || m_scopes.FindInstance(name->AsString())) return; // the assembly phase told
+  const KvoSimPosition owner = m_inventory.GetDocument().GetModel().GetOccurence(name->AsString());
+  if (owner.IsNull()) return;
+  const inp_Item* partName = keyword.Find("part");
+  const inpS_MeshScope* part = partName ? OpenPart(partName->AsString()) : nullptr;
+  inpS_MeshScope& instance = m_scopes.Add(inpS_MeshScope::Kind::Instance, name->AsString());
+  instance.owner = owner;
+  instance.part = part;
+  instance.placement.ReadInstance(keyword);
+  if (part) {
+    instance.nodeOccurrence = m_nodes.OpenSharedOccurrence(owner, part->nodeOccurrence);
+    instance.elementOccurrence = m_elements.OpenSharedOccurrence(owner, part->elementOccurrence);
+  } else {
+    instance.nodeOccurrence = m_nodes.OpenOccurrence(owner);
+    instance.elementOccurrence = m_elements.OpenOccurrence(owner);
+  }
+  instance.nodes.SetBase(m_nodes.Size(instance.nodeOccurrence));
+}
+
+inpS_MeshScope* inpS_MeshVisitor::ScopeOf(const inp_Keyword& keyword) {
+  if (keyword.ScopePtr() == m_lastScope && m_lastScope) return m_current;
+  m_lastScope = keyword.ScopePtr();
+  switch (keyword.Scope().kind) {
+  case inp_Scope::Kind::Part:
+    m_current = OpenPart(keyword.Scope().name);
+    break;
+  case inp_Scope::Kind::Instance:
+    m_current = m_scopes.FindInstance(keyword.Scope().name);
+    break;
+  default:
+    m_current = &m_scopes.Root();
+  }
+  return m_current;
+}
+
+bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
+  return keyword.IsInstanceCopy() || keyword.Scope().kind == inp_Scope::Kind::Step ||
+         !ScopeOf(keyword);
+}
+
+// ---- nodes
+
+void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  scope.system.FillIdentity();
+  if (scope.system.ReadSystem(keyword)) return;
+  scope.system.FillIdentity();
+  Error(keyword, "The points of the system do not define its axes (they coincide or lie on one "
+                 "line); the nodes that follow are read in global coordinates.");
+}
+
+void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  keyword.Find("input"); // the parser has read that file's lines
+  inpS_NodeReader reader(*this);
+  if (const inp_Item* system = keyword.Find("system")) {
+    reader.SetCylindricalSystem(system->AsString() == "C");
+    reader.SetSphericalSystem(system->AsString() == "S");
+  }
+  reader.Read(keyword, scope.system);
+  if (reader.Labels().IsEmpty()) {
+    keyword.Find("nset");
+    return;
+  }
+  m_largestNodeLabel = std::max(
+      m_largestNodeLabel, *std::max_element(reader.Labels().begin(), reader.Labels().end()));
+  const inpS_NodeList::Merged merged = scope.nodes.Merge(reader, m_nodes, scope.nodeOccurrence);
+  if (!scope.nodes.Refused().IsEmpty()) {
+    const auto& refused = scope.nodes.Refused();
+    AddError(inp_Utils::MessageInKeyword(
+        keyword, "These nodes belong to the instance's part and cannot be defined again here: ",
+        cow_List<int>(refused.begin(), refused.end())));
+  }
+  AddNodeSetOf(keyword, scope, reader, merged.first, merged.count, merged.allNew);
+}
+
+void inpS_MeshVisitor::AddNodeSetOf(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                    inpS_NodeReader& reader, long long first, long long count,
+                                    bool allNew) {
+  const inp_Item* name = keyword.Find("nset");
+  if (!name) return;
+  inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Nodes, name->AsString());
+  inpS_SetEntry& entry = set.entries.emplace_back();
+  entry.keyword = static_cast<int>(set.keywords.size());
+  set.keywords.push_back(keyword);
+  if (allNew) {
+    entry.kind = inpS_SetEntry::Kind::Positions;
+    entry.first = first;
+    entry.count = count;
+  } else {
+    entry.labels = std::move(reader.Labels());
+  }
+}
+
+// ---- elements
+
+void inpS_MeshVisitor::VisitUserElement(const inp_Keyword& keyword) {
+  const inp_Item* type = keyword.Find("type");
+  const inp_Item* nodes = keyword.Find("nodes");
+  if (type && nodes && nodes->IsNumber())
+    m_typeData.UpdateUserElemType(type->AsString(), nodes->AsInt());
+}
+
+bool inpS_MeshVisitor::CheckElementType(const inp_Keyword& keyword, const cow_String& type) {
+  const inpS_ElementParameters parameters(m_typeData, type);
+  if (m_typeData.IsSupported(type) || parameters.IsSubstructure() || parameters.IsUserElement())
+    return true;
+  if (m_typeData.IsObsolete(type)) {
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, "type", "Element type \"" + type + "\" is obsolete; its elements are left out."));
+    return false;
+  }
+  wip_Message message = inp_Utils::MessageAtParameter(
+      keyword, "type", "Element type \"" + type + "\" is not known; its elements are left out.");
+  const std::string_view near = inp_KeywordTable::Instance().NearestElement(type);
+  if (!near.empty()) message.notes.push_back({"did you mean " + cow_String(near) + "?", {}});
+  AddError(std::move(message));
+  return false;
+}
+
+int inpS_MeshVisitor::FindElementType(const inpS_ElementParameters& parameters) {
+  const auto [known, isNew] =
+      m_typeIndex.try_emplace(parameters.Name(), static_cast<int>(m_types.size()));
+  if (isNew)
+    m_types.push_back({parameters.Name(), parameters.MinNodesPerElement(),
+                       parameters.MaxNodesPerElement(), {}});
+  return known->second;
+}
+
+void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  for (const char* readElsewhere : {"input", "file"}) keyword.Find(readElsewhere);
+  const inp_Item* elset = keyword.Find("elset");
+  const bool solidNumbering = keyword.HasParameter("solidelementnumbering");
+  const inp_Item* typeItem = keyword.Find("type");
+  if (!typeItem || typeItem->AsString().empty()) {
+    Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {"type"}));
+    return;
+  }
+  const cow_String type = inp_Utils::Fold(typeItem->AsString());
+  if (!CheckElementType(keyword, type)) return;
+  const inpS_ElementParameters parameters(m_typeData, type);
+  inpS_ElementTopologyReader reader(parameters, *this);
+  reader.Read(keyword, scope.kind == inpS_MeshScope::Kind::Root);
+  if (reader.Count() == 0) return;
+  if (parameters.IsOffsetElement())
+    inpS_GeneratedNodes::AddFourierPlanes(keyword, parameters, reader, scope);
+
+  const long long first = m_elements.Size(scope.elementOccurrence);
+  LabelElements(keyword, scope, reader);
+  const long long count = reader.Count();
+  const bool ragged = reader.IsRagged() || parameters.IsConnectorElement();
+  scope.elements.Append(reader, FindElementType(parameters), ragged,
+                        solidNumbering ? "SOLID ELEMENT NUMBERING" : "", first, keyword);
+  if (!elset) return;
+  inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString());
+  inpS_SetEntry& entry = set.entries.emplace_back();
+  entry.kind = inpS_SetEntry::Kind::Positions;
+  entry.first = first;
+  entry.count = count;
+  entry.keyword = static_cast<int>(set.keywords.size());
+  set.keywords.push_back(keyword);
+}
+
+// An element label may be defined once: unlike a node, which is only moved, a second element would
+// silently take the first one's nodes away.
+void inpS_MeshVisitor::LabelElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                     inpS_ElementTopologyReader& reader) {
+  constexpr std::size_t kBlock = 1 << 14;
+  const auto& labels = reader.Labels();
+  int ordinals[kBlock];
+  cow_List<int> repeated, unlabelled;
+  m_elements.Reserve(scope.elementOccurrence,
+                     m_elements.Size(scope.elementOccurrence) + reader.Count());
+  for (std::size_t begin = 0; begin < labels.Size(); begin += kBlock) {
+    const std::size_t size = std::min(kBlock, labels.Size() - begin);
+    const long long before = m_elements.Size(scope.elementOccurrence);
+    const std::span<const int> block(labels.Data() + begin, size);
+    const auto fresh = static_cast<std::size_t>(m_elements.AddInstanceLabels(
+        scope.elementOccurrence, block, std::span<int>(ordinals, size)));
+    int least = 1;
+    for (const int label : block) least = std::min(least, label);
+    for (std::size_t n = 0; least <= 0 && n < size; ++n)
+      if (block[n] <= 0) unlabelled.push_back(block[n]);
+    if (fresh == size) continue;
+    long long next = before;
+    for (std::size_t n = 0; n < size; ++n) {
+      if (ordinals[n] == next)
+        ++next;
+      else
+        repeated.push_back(block[n]);
+    }
+  }
+  if (!unlabelled.empty())
+    AddError(inp_Utils::MessageInKeyword(keyword, "Element labels must be positive integers: ",
+                                         unlabelled));
+  if (!repeated.empty())
+    AddError(inp_Utils::MessageInKeyword(
+        keyword, "Elements are defined more than once; only the first definition counts: ",
+        repeated));
+}
+
+// ---- sets
+
+void inpS_MeshVisitor::VisitNset(const inp_Keyword& keyword) {
+  ReadSet(keyword, inpS_SetKind::Nodes, "nset");
+}
+
+void inpS_MeshVisitor::VisitElset(const inp_Keyword& keyword) {
+  ReadSet(keyword, inpS_SetKind::Elements, "elset");
+}
+
+void inpS_MeshVisitor::ReadSet(const inp_Keyword& keyword, inpS_SetKind kind,
+                               const char* nameParameter) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  const inp_Item* name = keyword.Find(nameParameter);
+  keyword.Find("input");
+  const bool internal = keyword.HasParameter("internal");
+  const bool unsorted = kind == inpS_SetKind::Nodes && keyword.HasParameter("unsorted");
+  const bool generate = keyword.HasParameter("generate");
+  const inp_Item* ofElset = kind == inpS_SetKind::Nodes ? keyword.Find("elset") : nullptr;
+  cow_String instance;
+  const bool instanceKnown = FindSetInstance(keyword, scope, instance);
+  if (!name || name->AsString().empty()) {
+    Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {nameParameter}));
+    return;
+  }
+  if (!instanceKnown) return;
+
+  inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
+  set.internal = set.internal || internal;
+  set.unsorted = set.unsorted || unsorted;
+  inpS_SetReader reader(keyword, set, *this);
+  reader.SetInstance(instance);
+  if (ofElset) {
+    inpS_SetEntry& entry = set.entries.emplace_back();
+    entry.kind = inpS_SetEntry::Kind::NodesOfElset;
+    entry.name = ofElset->AsString();
+    entry.instance = instance;
+    entry.keyword = static_cast<int>(set.keywords.size()) - 1;
+    const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(entry.name);
+    if (inp_Utils::IsScopedSetName(parts)) {
+      entry.instance = parts[parts.size() - 2];
+      entry.name = parts.back();
+    }
+    return;
+  }
+  if (generate)
+    reader.GenerateSetIds();
+  else
+    reader.Read();
+}
+
+bool inpS_MeshVisitor::FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
+                                       cow_String& instance) {
+  const inp_Item* item = keyword.Find("instance");
+  if (!item) return true;
+  if (scope.kind == inpS_MeshScope::Kind::Instance) {
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, "instance", "Instance parameter cannot be used at the part instance level."));
+    return false;
+  }
+  instance = item->AsString();
+  if (m_scopes.FindInstance(instance)) return true;
+  AddError(inp_Utils::MessageAtParameter(
+      keyword, "instance", inp_Utils::Format("Instance %s is not defined.", instance.c_str())));
+  return false;
+}
+
+// ---- the end of the walk
+
+void inpS_MeshVisitor::ResolveScopedNodes(inpS_MeshScope& scope) {
+  for (inpS_ElementBlock& block : scope.elements.Blocks()) {
+    for (const inpS_ScopedNode& node : block.scoped) {
+      const inpS_MeshScope* instance = m_scopes.FindInstance(node.instance);
+      const int ordinal =
+          instance ? m_nodes.ConvertInstanceLabel(instance->nodeOccurrence, node.label) : -1;
+      if (ordinal >= 0) {
+        block.nodes[static_cast<std::size_t>(node.element * block.width + node.index)] =
+            static_cast<int>(instance->nodeBase + ordinal);
+        continue;
+      }
+      const auto from = std::find_if(block.from.rbegin(), block.from.rend(), [&](const auto& f) {
+        return f.firstElement <= node.element;
+      });
+      const inp_Keyword& keyword = from->keyword;
+      if (!instance)
+        Error(keyword, inp_Utils::Format("Instance %s is not defined.", node.instance.c_str()));
+      else
+        Error(keyword, "Elements refer to nodes that do not exist: " + node.instance + "." +
+                           std::to_string(node.label));
+    }
+  }
+}
+
+void inpS_MeshVisitor::Finish() {
+  cow_List<cow_String> types;
+  for (const ElementType& type : m_types) types.push_back(type.name);
+  for (inpS_MeshScope& scope : m_scopes.All())
+    inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
+  m_scopes.AssignFlatOrdinals();
+  for (inpS_MeshScope& scope : m_scopes.All())
+    scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
+                           *this);
+  ResolveScopedNodes(m_scopes.Root());
+  m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, *this);
+  for (const inpS_MeshScope& scope : m_scopes.All())
+    for (const inpS_SetDefinition& set : scope.sets.All()) m_resolver->Members(scope, set);
+}
+
+// ---- writing
+
+void inpS_MeshVisitor::SaveElementTypes(KvoSimTransaction&) {
+  for (ElementType& type : m_types) {
+    const inp_ElementInfo* info = inp_KeywordTable::Instance().FindElement(type.name);
+    const inpS_ElementParameters parameters(m_typeData, type.name);
+    type.spec = inpS_MeshStore::SaveElementType(m_inventory.GetDocument(), parameters,
+                                                info ? info->dimension : 0);
+  }
+}
+
+void inpS_MeshVisitor::SaveBeamExtraNodes(KvoSimTransaction&) {
+  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveExtraNodes();
+}
+
+void inpS_MeshVisitor::SaveMeshAndUserNodes(KvoSimTransaction&) {
+  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveNodes();
+}
+
+void inpS_MeshVisitor::SaveMeshAndUserElements(KvoSimTransaction&) {
+  cow_List<KvoSimPosition> specs;
+  for (const ElementType& type : m_types) specs.push_back(type.spec);
+  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveElements(specs);
+}
+
+void inpS_MeshVisitor::SaveSets(KvoSimTransaction&) {
+  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveSets(*m_resolver);
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_Visitor.h"
+#include "inpS/mesh/inpS_BasicElemTypeData.h"
+#include "inpS/mesh/inpS_MeshScope.h"
+#include "inpS/mesh/inpS_SetResolver.h"
+
+class KvoSimTransaction;
+class inpS_NodeReader;
+
+// Converts the mesh: nodes, elements, node and element sets of the model, of parts, of instances and
+// of the assembly. Everything is gathered while the deck is walked, references are resolved when the
+// walk ends, and the Save operations write it.
+class inpS_MeshVisitor : public inpS_Visitor {
+public:
+  inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
+  ~inpS_MeshVisitor() override;
+
+  static const cow_List<inp_KeywordEnm>& ModelledKinds();
+
+  void VisitList(inp_KeywordListRef keywords) override; // walks, then resolves
+
+  void VisitNode(const inp_Keyword& keyword) override;
+  void VisitElement(const inp_Keyword& keyword) override;
+  void VisitAssemblyElement(const inp_Keyword& keyword) override { VisitElement(keyword); }
+  void VisitUserElement(const inp_Keyword& keyword) override;
+  void VisitNset(const inp_Keyword& keyword) override;
+  void VisitElset(const inp_Keyword& keyword) override;
+  void VisitAssemblyNset(const inp_Keyword& keyword) override { VisitNset(keyword); }
+  void VisitAssemblyElset(const inp_Keyword& keyword) override { VisitElset(keyword); }
+  void VisitSystem(const inp_Keyword& keyword) override;
+  void VisitInstance(const inp_Keyword& keyword) override;
+
+  void SaveBeamExtraNodes(KvoSimTransaction& transaction);
+  void SaveElementTypes(KvoSimTransaction& transaction);
+  void SaveMeshAndUserNodes(KvoSimTransaction& transaction);
+  void SaveMeshAndUserElements(KvoSimTransaction& transaction);
+  void SaveSets(KvoSimTransaction& transaction);
+
+  inpS_MeshScopes& Scopes() { return m_scopes; }
+  int LargestNodeLabel() const { return m_largestNodeLabel; }
+
+private:
+  struct ElementType {
+    cow_String name;
+    int minNodes = 0;
+    int maxNodes = 0;
+    KvoSimPosition spec;
+  };
+
+  inpS_MeshScope* ScopeOf(const inp_Keyword& keyword); // null: it belongs to a refused instance
+  inpS_MeshScope* OpenPart(const cow_String& name);
+  void OpenRoot();
+  bool Skip(const inp_Keyword& keyword);
+
+  void AddNodeSetOf(const inp_Keyword& keyword, inpS_MeshScope& scope, inpS_NodeReader& reader,
+                    long long first, long long count, bool allNew);
+  void ReadSet(const inp_Keyword& keyword, inpS_SetKind kind, const char* nameParameter);
+  bool FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
+                       cow_String& instance);
+  int FindElementType(const inpS_ElementParameters& parameters);
+  bool CheckElementType(const inp_Keyword& keyword, const cow_String& type);
+  void LabelElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                     inpS_ElementTopologyReader& reader);
+  void ResolveScopedNodes(inpS_MeshScope& scope);
+  void Finish();
+
+  KvoObjLabeler& m_nodes;
+  KvoObjLabeler& m_elements;
+  const inpS_Inventory& m_inventory;
+  inpS_BasicElemTypeData m_typeData;
+  cow_List<ElementType> m_types;
+  cow_Map<cow_String, int> m_typeIndex;
+  inpS_MeshScopes m_scopes;
+  inp_ScopePtr m_lastScope;
+  inpS_MeshScope* m_current = nullptr;
+  std::unique_ptr<inpS_SetResolver> m_resolver;
+  int m_largestNodeLabel = 0;
+};

@@ -1,0 +1,295 @@
+#include "inpS/mesh/inpS_SetResolver.h"
+#include "database/KvoObjLabeler.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+using Entry = inpS_SetEntry;
+
+int occurrenceOf(const inpS_MeshScope& scope, inpS_SetKind kind) {
+  return kind == inpS_SetKind::Nodes ? scope.nodeOccurrence : scope.elementOccurrence;
+}
+
+long long baseOf(const inpS_MeshScope& scope, inpS_SetKind kind) {
+  return kind == inpS_SetKind::Nodes ? scope.nodeBase : scope.elementBase;
+}
+
+const char* nounOf(inpS_SetKind kind) {
+  return kind == inpS_SetKind::Nodes ? "nodes" : "elements";
+}
+
+} // namespace
+
+// What the entries gave so far: runs of ordinals in the order read, and the labels nobody has.
+struct inpS_SetResolver::Gathered {
+  struct Run {
+    int first;
+    long long count;
+    int stride;
+  };
+  struct Missing {
+    int keyword;
+    long long first;
+    long long last;
+    long long count;
+  };
+  std::vector<Run> runs;
+  std::vector<Missing> missing;
+
+  void Add(long long ordinal) {
+    const int value = static_cast<int>(ordinal);
+    if (!runs.empty() && runs.back().stride == 1 &&
+        runs.back().first + runs.back().count == value)
+      ++runs.back().count;
+    else
+      runs.push_back({value, 1, 1});
+  }
+  void Add(const eds_MemberSet& members, long long offset) {
+    if (members.IsStrided()) {
+      if (!members.IsEmpty())
+        runs.push_back({static_cast<int>(members.First() + offset), members.Size(),
+                        members.Size() == 1 ? 1 : members.Stride()});
+      return;
+    }
+    for (const int member : members.List()) Add(member + offset);
+  }
+  void Miss(int keyword, long long label) {
+    if (!missing.empty() && missing.back().keyword == keyword && missing.back().last + 1 == label) {
+      ++missing.back().last;
+      ++missing.back().count;
+      return;
+    }
+    missing.push_back({keyword, label, label, 1});
+  }
+
+  eds_MemberSet Members(bool unsorted) const {
+    if (runs.empty()) return {};
+    if (runs.size() == 1 && (unsorted || runs[0].stride > 0))
+      return eds_MemberSet::Strided(runs[0].first, runs[0].count, runs[0].stride);
+    std::size_t total = 0;
+    for (const Run& run : runs) total += static_cast<std::size_t>(run.count);
+    std::vector<int> members;
+    members.reserve(total);
+    for (const Run& run : runs)
+      for (long long n = 0; n < run.count; ++n)
+        members.push_back(static_cast<int>(run.first + n * run.stride));
+    return unsorted ? eds_MemberSet::Ordered(std::move(members))
+                    : eds_MemberSet::Ascending(std::move(members));
+  }
+};
+
+inpS_SetResolver::inpS_SetResolver(const KvoObjLabeler& nodes, const KvoObjLabeler& elements,
+                                   inpS_MeshScopes& scopes, inp_Visitor& messages)
+    : m_nodes(nodes), m_elements(elements), m_scopes(scopes), m_messages(messages) {}
+
+const eds_MemberSet& inpS_SetResolver::Members(const inpS_MeshScope& scope,
+                                               const inpS_SetDefinition& set) {
+  Result& result = m_results[&set];
+  if (result.state == State::New) ResolveFirst(scope, set);
+  return m_results[&set].members;
+}
+
+// Sets of sets may be nested thousands deep: the open ones are kept in a list, not on the stack.
+void inpS_SetResolver::ResolveFirst(const inpS_MeshScope& scope, const inpS_SetDefinition& set) {
+  std::vector<Frame> open{{&scope, &set, 0}};
+  m_results[&set].state = State::Open;
+  while (!open.empty()) {
+    Frame& frame = open.back();
+    if (frame.nextEntry == frame.set->entries.size()) {
+      Finish(*frame.scope, *frame.set);
+      open.pop_back();
+      continue;
+    }
+    const Entry& entry = frame.set->entries[frame.nextEntry++];
+    if (entry.kind != Entry::Kind::Set && entry.kind != Entry::Kind::NodesOfElset) continue;
+    const inpS_SetKind kind =
+        entry.kind == Entry::Kind::Set ? frame.set->kind : inpS_SetKind::Elements;
+    const Target target = Find(*frame.scope, kind, *frame.set, entry, false);
+    if (!target.set) continue; // reported when the entry is added
+    State& state = m_results[target.set].state;
+    if (state == State::Open)
+      ReportEntry(*frame.set, entry,
+                  "Set \"" + target.set->name + "\" holds itself; this entry is left out.");
+    if (state != State::New) continue;
+    state = State::Open;
+    open.push_back({target.scope, target.set, 0});
+  }
+}
+
+void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinition& set) {
+  Gathered gathered;
+  for (const Entry& entry : set.entries) AddEntry(scope, set, entry, gathered);
+  ReportMissing(set, gathered);
+  Result& result = m_results[&set];
+  result.members = gathered.Members(set.unsorted);
+  result.state = State::Done;
+}
+
+inpS_MeshScope* inpS_SetResolver::InstanceOf(const inpS_SetDefinition& set, const Entry& entry,
+                                             bool report) {
+  inpS_MeshScope* instance = m_scopes.FindInstance(entry.instance);
+  if (!instance && report)
+    ReportEntry(set, entry, inp_Utils::Format("Instance %s is not defined.", entry.instance.c_str()));
+  return instance;
+}
+
+inpS_SetResolver::Target inpS_SetResolver::Find(const inpS_MeshScope& scope, inpS_SetKind kind,
+                                                const inpS_SetDefinition& set, const Entry& entry,
+                                                bool report) {
+  const inpS_MeshScope* owner = &scope;
+  if (!entry.instance.empty()) {
+    owner = InstanceOf(set, entry, report);
+    if (!owner) return {};
+  }
+  if (const inpS_SetDefinition* own = owner->sets.Find(kind, entry.name)) return {owner, own, 0};
+  if (owner->part)
+    if (const inpS_SetDefinition* ofPart = owner->part->sets.Find(kind, entry.name))
+      return {owner->part, ofPart, baseOf(*owner, kind)};
+  if (report)
+    ReportEntry(set, entry,
+                inpS_messageText(kind == inpS_SetKind::Nodes ? inpS_mesh_NodeSetUnknown
+                                                             : inpS_mesh_ElementSetUnknown,
+                                 {entry.instance.empty() ? entry.name
+                                                         : entry.instance + "." + entry.name}));
+  return {};
+}
+
+void inpS_SetResolver::AddEntry(const inpS_MeshScope& scope, const inpS_SetDefinition& set,
+                                const Entry& entry, Gathered& gathered) {
+  switch (entry.kind) {
+  case Entry::Kind::Positions:
+    gathered.Add(eds_MemberSet::Strided(static_cast<int>(entry.first), entry.count),
+                 baseOf(scope, set.kind));
+    return;
+  case Entry::Kind::Labels:
+  case Entry::Kind::Range: {
+    const inpS_MeshScope* owner = entry.instance.empty() ? &scope : InstanceOf(set, entry, true);
+    if (!owner) return;
+    if (entry.kind == Entry::Kind::Labels)
+      AddLabels(*owner, set.kind, entry, gathered);
+    else
+      AddRange(*owner, set.kind, entry, gathered);
+    return;
+  }
+  case Entry::Kind::Set: {
+    const Target target = Find(scope, set.kind, set, entry, true);
+    if (target.set && m_results[target.set].state == State::Done)
+      gathered.Add(m_results[target.set].members, target.offset);
+    return;
+  }
+  case Entry::Kind::NodesOfElset: {
+    const Target target = Find(scope, inpS_SetKind::Elements, set, entry, true);
+    if (target.set && m_results[target.set].state == State::Done)
+      AddNodesOf(scope, m_results[target.set].members, target.offset, gathered);
+    return;
+  }
+  }
+}
+
+void inpS_SetResolver::AddLabels(const inpS_MeshScope& owner, inpS_SetKind kind, const Entry& entry,
+                                 Gathered& gathered) const {
+  const KvoObjLabeler& labeler = kind == inpS_SetKind::Nodes ? m_nodes : m_elements;
+  const long long base = baseOf(owner, kind);
+  utl_Buffer<int> ordinals(entry.labels.Size());
+  labeler.ConvertInstanceLabels(occurrenceOf(owner, kind), entry.labels, ordinals);
+  for (std::size_t n = 0; n < ordinals.Size(); ++n) {
+    if (ordinals[n] < 0)
+      gathered.Miss(entry.keyword, entry.labels[n]);
+    else
+      gathered.Add(ordinals[n] + base);
+  }
+}
+
+// A range costs no more than the labels there are, however long it is.
+void inpS_SetResolver::AddRange(const inpS_MeshScope& owner, inpS_SetKind kind, const Entry& entry,
+                                Gathered& gathered) const {
+  const KvoObjLabeler& labeler = kind == inpS_SetKind::Nodes ? m_nodes : m_elements;
+  const int occurrence = occurrenceOf(owner, kind);
+  const long long base = baseOf(owner, kind);
+  const long long last = entry.first + (entry.count - 1) * entry.increment;
+  const long long size = labeler.Size(occurrence);
+  const eds_LabelMap& labels = labeler.Labels(occurrence);
+  if (size > 0 && labels.IsStrided() && labels.Stride() == 1) {
+    const long long low = labels.First(), high = low + size - 1;
+    if (std::min(entry.first, last) >= low && std::max(entry.first, last) <= high) {
+      gathered.Add(eds_MemberSet::Strided(static_cast<int>(entry.first - low), entry.count,
+                                          static_cast<int>(entry.increment)),
+                   base);
+      return;
+    }
+  }
+  if (entry.count <= 4 * size + 1024) {
+    for (long long n = 0, label = entry.first; n < entry.count; ++n, label += entry.increment) {
+      const int ordinal = labeler.ConvertInstanceLabel(occurrence, static_cast<int>(label));
+      if (ordinal < 0)
+        gathered.Miss(entry.keyword, label);
+      else
+        gathered.Add(ordinal + base);
+    }
+    return;
+  }
+  std::vector<std::pair<long long, long long>> found; // step within the range, ordinal
+  for (long long ordinal = 0; ordinal < size; ++ordinal) {
+    const long long d = labels.Label(ordinal) - entry.first;
+    if (d % entry.increment == 0 && d / entry.increment >= 0 && d / entry.increment < entry.count)
+      found.emplace_back(d / entry.increment, ordinal);
+  }
+  std::sort(found.begin(), found.end());
+  for (const auto& [step, ordinal] : found) gathered.Add(ordinal + base);
+  gathered.missing.push_back({entry.keyword, entry.first, last,
+                              entry.count - static_cast<long long>(found.size())});
+}
+
+// The nodes of elements of one part, or of the flat mesh.
+void inpS_SetResolver::AddNodesOf(const inpS_MeshScope& scope, const eds_MemberSet& elements,
+                                  long long offset, Gathered& gathered) const {
+  const bool inPart = scope.kind == inpS_MeshScope::Kind::Part;
+  std::vector<bool> used(static_cast<std::size_t>(inPart ? scope.nodeCount : m_scopes.FlatNodes()));
+  for (long long n = 0; n < elements.Size(); ++n) {
+    const long long flat = elements[n] + offset;
+    const inpS_MeshScope& owner = inPart ? scope : m_scopes.ScopeOfFlatElement(flat);
+    const long long element = inPart ? flat : flat - owner.elementBase;
+    const bool ofPart = owner.part && element < owner.part->elementCount;
+    const inpS_MeshScope& source = ofPart ? *owner.part : owner;
+    const inpS_ElementBlock* block = source.elements.BlockOf(element);
+    if (!block) continue;
+    const int* nodes = block->nodes.Data() + (element - block->first) * block->width;
+    for (int i = 0; i < block->width; ++i)
+      if (nodes[i] >= 0)
+        used[static_cast<std::size_t>(nodes[i] + (inPart ? 0 : owner.nodeBase))] = true;
+  }
+  for (std::size_t node = 0; node < used.size(); ++node)
+    if (used[node]) gathered.Add(static_cast<long long>(node));
+}
+
+void inpS_SetResolver::ReportEntry(const inpS_SetDefinition& set, const Entry& entry,
+                                   cow_String text) {
+  const inp_Keyword& keyword = set.keywords[static_cast<std::size_t>(entry.keyword)];
+  const bool fromData = entry.kind != Entry::Kind::NodesOfElset && keyword.Data().Rows() > 0;
+  m_messages.AddError(fromData
+                          ? inp_Utils::MessageAtField(keyword, entry.row, entry.col, std::move(text))
+                          : inp_Utils::MessageInKeyword(keyword, std::move(text)));
+}
+
+void inpS_SetResolver::ReportMissing(const inpS_SetDefinition& set, Gathered& gathered) {
+  for (std::size_t n = 0; n < gathered.missing.size();) {
+    const int keyword = gathered.missing[n].keyword;
+    long long count = 0;
+    cow_List<cow_String> labels;
+    for (; n < gathered.missing.size() && gathered.missing[n].keyword == keyword; ++n) {
+      const Gathered::Missing& miss = gathered.missing[n];
+      count += miss.count;
+      labels.push_back(std::to_string(miss.first));
+      if (miss.last != miss.first) labels.back() += " to " + std::to_string(miss.last);
+    }
+    m_messages.AddWarning(inp_Utils::MessageInKeyword(
+        set.keywords[static_cast<std::size_t>(keyword)],
+        inp_Utils::Format("Set \"%s\" names %s that do not exist (%lld left out): ",
+                          set.name.c_str(), nounOf(set.kind), count),
+        labels));
+  }
+}

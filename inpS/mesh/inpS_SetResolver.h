@@ -1,0 +1,61 @@
+#pragma once
+
+#include "database/eds_MemberSet.h"
+#include "inpS/mesh/inpS_MeshScope.h"
+#include <unordered_map>
+
+class KvoObjLabeler;
+class inp_Visitor;
+
+// Turns set definitions into members: ordinals of the owner for sets of a part, flat ordinals of the
+// mesh for those of an instance, the assembly or a flat model. Sets may name sets defined later; a set
+// that holds itself, a name that no set has and labels that do not exist are reported.
+class inpS_SetResolver {
+public:
+  inpS_SetResolver(const KvoObjLabeler& nodes, const KvoObjLabeler& elements,
+                   inpS_MeshScopes& scopes, inp_Visitor& messages);
+
+  const eds_MemberSet& Members(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
+
+private:
+  // A set of some scope, and what its ordinals need to become those of the set that asks.
+  struct Target {
+    const inpS_MeshScope* scope = nullptr;
+    const inpS_SetDefinition* set = nullptr;
+    long long offset = 0;
+  };
+  enum class State : unsigned char { New, Open, Done };
+  struct Result {
+    State state = State::New;
+    eds_MemberSet members;
+  };
+  struct Frame {
+    const inpS_MeshScope* scope;
+    const inpS_SetDefinition* set;
+    std::size_t nextEntry = 0;
+  };
+  struct Gathered;
+
+  inpS_MeshScope* InstanceOf(const inpS_SetDefinition& set, const inpS_SetEntry& entry,
+                             bool report);
+  Target Find(const inpS_MeshScope& scope, inpS_SetKind kind, const inpS_SetDefinition& set,
+              const inpS_SetEntry& entry, bool report);
+  void ResolveFirst(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
+  void Finish(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
+  void AddEntry(const inpS_MeshScope& scope, const inpS_SetDefinition& set,
+                const inpS_SetEntry& entry, Gathered& gathered);
+  void AddLabels(const inpS_MeshScope& owner, inpS_SetKind kind, const inpS_SetEntry& entry,
+                 Gathered& gathered) const;
+  void AddRange(const inpS_MeshScope& owner, inpS_SetKind kind, const inpS_SetEntry& entry,
+                Gathered& gathered) const;
+  void AddNodesOf(const inpS_MeshScope& scope, const eds_MemberSet& elements, long long offset,
+                  Gathered& gathered) const;
+  void ReportMissing(const inpS_SetDefinition& set, Gathered& gathered);
+  void ReportEntry(const inpS_SetDefinition& set, const inpS_SetEntry& entry, cow_String text);
+
+  const KvoObjLabeler& m_nodes;
+  const KvoObjLabeler& m_elements;
+  inpS_MeshScopes& m_scopes;
+  inp_Visitor& m_messages;
+  std::unordered_map<const inpS_SetDefinition*, Result> m_results; // a set belongs to one scope
+};
