@@ -1,0 +1,221 @@
+#include "parser/inp_BulkDecode.h"
+#include "parser/inp_BulkPiece.h"
+#include "parser/inp_LineScan.h"
+#include <cmath>
+
+namespace {
+
+// A coordinate that is no plain decimal; false for what is no finite number.
+bool readOtherReal(const char* begin, const char* end, double& value) {
+  const std::string_view text = inp_trim(begin, end);
+  if (text.empty()) return true;
+  const utl_Field field = utl_classifyField(text);
+  const bool good = field.IsNumber() && std::isfinite(field.real);
+  value = good ? field.real : 0;
+  return good;
+}
+
+inline bool readReal(const char* begin, const char* end, double& value) {
+  return inp_fastDecimal(begin, end, value) || readOtherReal(begin, end, value);
+}
+
+// ---- nodes -------------------------------------------------------------------------------------
+
+class NodePiece {
+public:
+  void Decode(const inp_DataPiece& piece) {
+    m_labels.Clear();
+    m_coords.Clear();
+    m_odd.clear();
+    m_rows = 0;
+    m_scan.Run(piece, [this](const char* base, const std::uint32_t* places, std::size_t count) {
+      TakeLines(base, places, count);
+      return true;
+    });
+  }
+
+  // Appends to the result; returns the data rows it held.
+  long long Publish(inp_NodeRows& result, long long firstRow) const {
+    const auto firstSlot = static_cast<long long>(result.labels.Size());
+    result.labels.Append(std::span<const int>(m_labels));
+    result.coords.Append(std::span<const double>(m_coords));
+    for (const inp_OddRow& odd : m_odd)
+      result.odd.push_back({firstRow + odd.row, firstSlot + odd.slot});
+    return m_rows;
+  }
+
+private:
+  void TakeLines(const char* base, const std::uint32_t* places, std::size_t count) {
+    const std::size_t done = m_labels.Size();
+    m_labels.Resize(done + count);
+    m_coords.Resize(3 * (done + count));
+    m_nodes = done;
+    const char* line = base;
+    for (std::size_t i = 0; i < count;) {
+      i = TakeLine(line, base, places, i);
+      line = base + places[i - 1] + 1;
+    }
+    m_labels.Resize(m_nodes);
+    m_coords.Resize(3 * m_nodes);
+  }
+
+  // Takes the line whose first separator is places[i]; returns the index behind its line feed.
+  std::size_t TakeLine(const char* line, const char* base, const std::uint32_t* places,
+                       std::size_t i) {
+    double* const xyz = m_coords.Data() + 3 * m_nodes;
+    const char* end = base + places[i];
+    std::size_t at = i;
+    bool good = *end == ',' && inp_readLabel(line, end, m_labels[m_nodes]);
+    for (int k = 0; good && *end == ','; ++k) {
+      const char* const begin = end + 1;
+      end = base + places[++at];
+      xyz[k] = 0;
+      good = readReal(begin, end, xyz[k]) && (k < 2 || *end == '\n');
+      if (*end == '\n' && good) {
+        for (++k; k < 3; ++k) xyz[k] = 0;
+        ++m_nodes;
+        ++m_rows;
+        return at + 1;
+      }
+    }
+    while (base[places[i]] != '\n') ++i;
+    TakeOtherLine(line, base + places[i]);
+    return i + 1;
+  }
+
+  // Comments, blank lines, labels alone, normals, texts.
+  void TakeOtherLine(const char* line, const char* lineEnd) {
+    if (inp_lineKind(line, lineEnd) != inp_LineKind::Data) return;
+    const long long row = m_rows++;
+    if (inp_trim(line, lineEnd).empty()) return;
+    double* const xyz = m_coords.Data() + 3 * m_nodes;
+    xyz[0] = xyz[1] = xyz[2] = 0;
+    m_labels[m_nodes] = 0;
+    bool plain = std::memchr(line, '"', static_cast<std::size_t>(lineEnd - line)) == nullptr;
+    const char* begin = line;
+    for (int k = 0;; ++k) {
+      const void* const comma = std::memchr(begin, ',', static_cast<std::size_t>(lineEnd - begin));
+      const char* const end = comma ? static_cast<const char*>(comma) : lineEnd;
+      if (k == 0)
+        plain = inp_readLabel(begin, end, m_labels[m_nodes]) && plain;
+      else if (k < 4)
+        plain = readReal(begin, end, xyz[k - 1]) && plain;
+      else
+        plain = inp_trim(begin, end).empty() && plain;
+      if (!comma) break;
+      begin = end + 1;
+    }
+    if (!plain) m_odd.push_back({row, static_cast<long long>(m_nodes)});
+    ++m_nodes;
+  }
+
+  inp_LineScan m_scan;
+  utl_Buffer<int> m_labels;
+  utl_Buffer<double> m_coords;
+  cow_List<inp_OddRow> m_odd; // row and slot within the piece
+  std::size_t m_nodes = 0;
+  long long m_rows = 0;
+};
+
+// ---- labels ------------------------------------------------------------------------------------
+
+class LabelPiece {
+public:
+  void Decode(const inp_DataPiece& piece) {
+    m_labels.Clear();
+    m_rows = 0;
+    m_good =
+        m_scan.Run(piece, [this](const char* base, const std::uint32_t* places, std::size_t count) {
+          return TakeLines(base, places, count);
+        });
+  }
+
+  bool IsGood() const { return m_good; }
+  long long Rows() const { return m_rows; } // the rows before the bad one, when there is one
+  int BadCol() const { return m_col; }
+  void Publish(utl_Buffer<int>& labels) const { labels.Append(std::span<const int>(m_labels)); }
+
+private:
+  bool TakeLines(const char* base, const std::uint32_t* places, std::size_t count) {
+    std::size_t size = m_labels.Size();
+    m_labels.Resize(size + count);
+    bool good = true;
+    const char* begin = base;
+    m_col = 0;
+    for (std::size_t i = 0; i < count && good; ++i) {
+      const char* const end = base + places[i];
+      if (inp_fastSmallInt(begin, end, m_labels[size]))
+        ++size;
+      else if (m_col == 0 && inp_lineKind(begin, end) != inp_LineKind::Data) {
+        while (base[places[i]] != '\n') ++i;
+        begin = base + places[i] + 1;
+        continue;
+      } else if (!inp_trim(begin, end).empty()) {
+        good = inp_readOtherInt(begin, end, m_labels[size]);
+        size += good;
+      }
+      const bool last = *end == '\n';
+      if (good) m_col = last ? 0 : m_col + 1;
+      if (good) m_rows += last;
+      begin = end + 1;
+    }
+    m_labels.Resize(size);
+    return good;
+  }
+
+  inp_LineScan m_scan;
+  utl_Buffer<int> m_labels;
+  long long m_rows = 0;
+  int m_col = 0;
+  bool m_good = true;
+};
+
+} // namespace
+
+bool inp_readOtherInt(const char* begin, const char* end, int& value) {
+  const utl_Field field = utl_classifyField(inp_trim(begin, end));
+  if (field.kind != utl_FieldKind::Integer) return false;
+  value = static_cast<int>(field.integer);
+  return field.integer == value;
+}
+
+bool inp_readOtherLabel(const char* begin, const char* end, int& value) {
+  int label = 0;
+  if (!inp_readOtherInt(begin, end, label)) return false;
+  if (label > inp_largestLabel || label < -inp_largestLabel) return false;
+  value = label;
+  return true;
+}
+
+void inp_decodeNodes(const inp_DataArray& data, inp_NodeRows& result) {
+  const auto rows = static_cast<std::size_t>(data.Rows());
+  inp_reserveMore(result.labels, rows);
+  inp_reserveMore(result.coords, 3 * rows);
+  const inp_PieceBuffers<NodePiece> buffers;
+  long long row = 0;
+  inp_decodePieces(
+      inp_cutData(data),
+      [&](const inp_DataPiece& piece, std::size_t slot) { buffers[slot].Decode(piece); },
+      [&](std::size_t slot) { row += buffers[slot].Publish(result, row); });
+}
+
+bool inp_decodeLabels(const inp_DataArray& data, utl_Buffer<int>& labels, long long& badRow,
+                      int& badCol) {
+  const inp_PieceBuffers<LabelPiece> buffers;
+  long long row = 0;
+  bool good = true;
+  inp_decodePieces(
+      inp_cutData(data),
+      [&](const inp_DataPiece& piece, std::size_t slot) { buffers[slot].Decode(piece); },
+      [&](std::size_t slot) {
+        if (!good) return; // what stands behind the bad field does not count
+        const LabelPiece& piece = buffers[slot];
+        piece.Publish(labels);
+        row += piece.Rows();
+        good = piece.IsGood();
+        if (good) return;
+        badRow = row;
+        badCol = piece.BadCol();
+      });
+  return good;
+}

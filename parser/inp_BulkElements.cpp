@@ -1,0 +1,309 @@
+#include "parser/inp_BulkDecode.h"
+#include "parser/inp_BulkPiece.h"
+#include "parser/inp_ElementCut.h"
+#include "parser/inp_LineScan.h"
+#include <algorithm>
+
+namespace {
+
+// Elements of one piece of text: nodes one after the other, `counts` of them for each element.
+class ElementPiece {
+public:
+  void Decode(const inp_DataPiece& piece, const inp_ElementForm& form) {
+    m_form = form;
+    m_mostKept = std::min(inp_mostFields(form), inp_mostElementNodes);
+    m_labels.Clear();
+    m_counts.Clear();
+    m_rowOf.Clear();
+    m_nodes.Clear();
+    m_odd.clear();
+    m_rows = 0;
+    m_open = false;
+    m_next = 0;
+    m_least = static_cast<int>(inp_mostElementNodes);
+    m_most = 0;
+    m_scan.Run(piece, [this](const char* base, const std::uint32_t* places, std::size_t count) {
+      TakeLines(base, places, count);
+      return true;
+    });
+    if (m_open) Close();
+    m_nodes.Resize(m_next);
+  }
+
+  std::size_t Count() const { return m_labels.Size(); }
+  int Most() const { return m_most; }
+  bool IsUniform() const { return m_least == m_most; }
+  long long Rows() const { return m_rows; }
+  const utl_Buffer<int>& Labels() const { return m_labels; }
+  const utl_Buffer<int>& Counts() const { return m_counts; }
+  const utl_Buffer<int>& Nodes() const { return m_nodes; }
+  const utl_Buffer<long long>& RowOf() const { return m_rowOf; }
+  const cow_List<inp_OddRow>& Odd() const { return m_odd; }
+
+private:
+  void TakeLines(const char* base, const std::uint32_t* places, std::size_t count) {
+    const std::size_t done = m_nodes.Size();
+    m_nodes.Resize(done + count);
+    m_next = done;
+    const char* line = base;
+    for (std::size_t i = 0; i < count;) {
+      i = m_open ? GoOn(line, base, places, i) : Begin(line, base, places, i);
+      line = base + places[i - 1] + 1;
+    }
+    m_nodes.Resize(m_next);
+  }
+
+  // Takes the line whose first separator is places[i] as the first one of an element; returns the
+  // index behind its line feed.
+  std::size_t Begin(const char* line, const char* base, const std::uint32_t* places,
+                    std::size_t i) {
+    const char* const end = base + places[i];
+    int label = 0;
+    m_isOdd = false;
+    if (!inp_readLabel(line, end, label)) {
+      const std::size_t feed = inp_feedIndex(base, places, i);
+      if (inp_lineKind(line, base + places[feed]) != inp_LineKind::Data) return feed + 1;
+      if (inp_trim(line, base + places[feed]).empty()) {
+        ++m_rows;
+        return feed + 1;
+      }
+      m_isOdd = true;
+    }
+    m_labels.Append(label);
+    m_rowOf.Append(m_rows);
+    m_first = m_next;
+    m_fields = 0;
+    if (*end != '\n') i = TakeNodes(base, places, i + 1, end + 1);
+    if (m_form.firstLineNodes > 0 && m_fields > m_form.firstLineNodes) m_isOdd = true;
+    ++m_rows;
+    if (!m_open) Close();
+    return i + 1;
+  }
+
+  // The line behind one that ended in a comma: its fields are nodes as far as they fit.
+  std::size_t GoOn(const char* line, const char* base, const std::uint32_t* places, std::size_t i) {
+    const std::size_t feed = inp_feedIndex(base, places, i);
+    const char* const lineEnd = base + places[feed];
+    if (inp_lineKind(line, lineEnd) != inp_LineKind::Data) return feed + 1;
+    if (inp_trim(line, lineEnd).empty()) {
+      ++m_rows;
+      return feed + 1;
+    }
+    const char* const last = feed == i ? line : base + places[feed - 1] + 1;
+    const bool trailing = feed != i && inp_trim(last, lineEnd).empty();
+    const auto fields = static_cast<long long>(feed - i) + (trailing ? 0 : 1);
+    m_open = false;
+    if (m_fields + fields > inp_mostFields(m_form)) {
+      Close();
+      return Begin(line, base, places, i);
+    }
+    TakeNodes(base, places, i, line);
+    ++m_rows;
+    if (!m_open) Close();
+    return feed + 1;
+  }
+
+  // Node fields up to the line's end, the first one from `begin` to places[i]; returns the index of
+  // the line feed. The element stays open when the line ends in a comma.
+  std::size_t TakeNodes(const char* base, const std::uint32_t* places, std::size_t i,
+                        const char* begin) {
+    int* const start = m_nodes.Data() + m_next;
+    int* next = start;
+    for (;; ++i) {
+      const char* const end = base + places[i];
+      if (inp_fastSmallInt(begin, end, *next) || TakeOtherNode(begin, end, *next)) ++next;
+      if (*end == '\n') break;
+      begin = end + 1;
+    }
+    m_next += static_cast<std::size_t>(next - start);
+    m_fields += next - start;
+    return i;
+  }
+
+  // False when the field is the empty one behind a trailing comma.
+  bool TakeOtherNode(const char* begin, const char* end, int& node) {
+    if (inp_readOtherLabel(begin, end, node)) return true;
+    if (*end == '\n' && inp_trim(begin, end).empty()) {
+      m_open = true;
+      return false;
+    }
+    node = 0;
+    m_isOdd = true;
+    return true;
+  }
+
+  void Close() {
+    m_open = false;
+    if (m_fields > m_mostKept) {
+      m_isOdd = true;
+      m_fields = m_fields > inp_mostElementNodes ? 0 : m_mostKept;
+      m_next = m_first + static_cast<std::size_t>(m_fields);
+    }
+    const int count = static_cast<int>(m_fields);
+    if (m_isOdd) {
+      const auto slot = static_cast<long long>(m_counts.Size());
+      m_odd.push_back({m_rowOf[m_counts.Size()], slot});
+    }
+    m_counts.Append(count);
+    m_least = std::min(m_least, count);
+    m_most = std::max(m_most, count);
+  }
+
+  inp_LineScan m_scan;
+  inp_ElementForm m_form;
+  long long m_mostKept = 0;
+  utl_Buffer<int> m_labels, m_counts, m_nodes;
+  utl_Buffer<long long> m_rowOf; // within the piece
+  cow_List<inp_OddRow> m_odd;
+  std::size_t m_next = 0;  // where the next node goes
+  std::size_t m_first = 0; // of the element that is being read
+  long long m_fields = 0;  // of it, the label not counted
+  bool m_isOdd = false;
+  bool m_open = false; // its last line ended in a comma
+  long long m_rows = 0;
+  int m_least = 0, m_most = 0;
+};
+
+// Puts pieces into the result, all elements with the same room for nodes: as much as the widest one
+// so far asks for, with some to spare once they turn out to differ; spare room goes at the end.
+class Assembler {
+public:
+  Assembler(inp_ElementRows& result, const inp_DataArray& data, int widest)
+      : m_result(result), m_expected(static_cast<std::size_t>(data.Rows())), m_widest(widest),
+        m_stride(result.width) {
+    inp_reserveMore(m_result.labels, m_expected);
+  }
+
+  void Add(const ElementPiece& piece) {
+    const long long firstRow = m_row;
+    m_row += piece.Rows();
+    if (piece.Count() == 0) return;
+    MakeRoom(piece.Most());
+    AddCounts(piece);
+    AddRows(piece, firstRow);
+    for (const inp_OddRow& odd : piece.Odd())
+      m_result.odd.push_back({firstRow + odd.row, m_result.Count() + odd.slot});
+    AddNodes(piece);
+    m_result.labels.Append(std::span<const int>(piece.Labels()));
+  }
+
+  void Finish() {
+    const auto width = static_cast<std::size_t>(m_result.width);
+    if (m_stride == m_result.width) return;
+    int* const nodes = m_result.nodes.Data();
+    const std::size_t count = m_result.labels.Size();
+    for (std::size_t i = 1; i < count; ++i)
+      std::memmove(nodes + i * width, nodes + i * Stride(), width * sizeof(int));
+    m_result.nodes.Resize(count * width);
+  }
+
+private:
+  std::size_t Stride() const { return static_cast<std::size_t>(m_stride); }
+
+  void MakeRoom(int width) {
+    if (m_reserved && width <= m_stride) return;
+    const std::size_t count = m_result.labels.Size();
+    const std::size_t old = Stride();
+    if (width > m_stride)
+      m_stride = count == 0 ? width : std::max(width, std::min(2 * m_stride, m_widest));
+    inp_reserveMore(m_result.nodes, (count + m_expected) * Stride() - m_result.nodes.Size());
+    m_reserved = true;
+    if (Stride() == old || count == 0) return;
+    m_result.nodes.Resize(count * Stride());
+    int* const nodes = m_result.nodes.Data();
+    for (std::size_t i = count; i-- > 0;) {
+      std::memmove(nodes + i * Stride(), nodes + i * old, old * sizeof(int));
+      std::fill(nodes + i * Stride() + old, nodes + (i + 1) * Stride(), 0);
+    }
+  }
+
+  // Counts are kept from the first element on that differs from the others.
+  void AddCounts(const ElementPiece& piece) {
+    const std::size_t before = m_result.labels.Size();
+    const bool differs = !piece.IsUniform() || (before > 0 && piece.Most() != m_result.width);
+    if (m_result.counts.IsEmpty() && differs) {
+      m_result.counts.Reserve(before + m_expected);
+      m_result.counts.Resize(before);
+      std::fill(m_result.counts.begin(), m_result.counts.end(), m_result.width);
+    }
+    if (!m_result.counts.IsEmpty() || differs)
+      m_result.counts.Append(std::span<const int>(piece.Counts()));
+    m_result.width = std::max(m_result.width, piece.Most());
+  }
+
+  void AddRows(const ElementPiece& piece, long long firstRow) {
+    const std::size_t before = m_result.labels.Size();
+    const utl_Buffer<long long>& rows = piece.RowOf();
+    if (m_result.rows.IsEmpty()) {
+      // Rows of a piece rise by at least one: when the last one fits, all do.
+      const auto last = static_cast<long long>(before + rows.Size()) - 1;
+      if (firstRow + rows[rows.Size() - 1] == last && firstRow == static_cast<long long>(before))
+        return;
+      m_result.rows.Reserve(before + m_expected);
+      m_result.rows.Resize(before);
+      for (std::size_t i = 0; i < before; ++i) m_result.rows[i] = static_cast<long long>(i);
+    }
+    long long* to = m_result.rows.AppendSpace(rows.Size());
+    for (const long long row : rows) *to++ = firstRow + row;
+  }
+
+  void AddNodes(const ElementPiece& piece) {
+    if (piece.IsUniform() && piece.Most() == m_stride)
+      return m_result.nodes.Append(std::span<const int>(piece.Nodes()));
+    const int* from = piece.Nodes().Data();
+    int* to = m_result.nodes.AppendSpace(piece.Count() * Stride());
+    for (const int count : piece.Counts()) {
+      std::copy(from, from + count, to);
+      std::fill(to + count, to + m_stride, 0);
+      from += count;
+      to += m_stride;
+    }
+  }
+
+  inp_ElementRows& m_result;
+  const std::size_t m_expected; // elements this keyword has at most
+  const int m_widest;
+  int m_stride;
+  bool m_reserved = false;
+  long long m_row = 0;
+};
+
+} // namespace
+
+void inp_decodeElements(const inp_DataArray& data, const inp_ElementForm& form,
+                        inp_ElementRows& result) {
+  const inp_PieceBuffers<ElementPiece> buffers;
+  const int widest = static_cast<int>(std::min(inp_mostFields(form), inp_mostElementNodes));
+  Assembler assembler(result, data, widest);
+  const inp_ElementCut cut(form);
+  inp_decodePieces(
+      inp_cutData(data, &cut),
+      [&](const inp_DataPiece& piece, std::size_t slot) { buffers[slot].Decode(piece, form); },
+      [&](std::size_t slot) { assembler.Add(buffers[slot]); });
+  assembler.Finish();
+}
+
+cow_List<std::string_view> inp_elementFields(const inp_DataArray& data, const inp_ElementForm& form,
+                                             long long row, long long& nextRow) {
+  cow_List<std::string_view> fields;
+  nextRow = row;
+  for (bool open = true; open && nextRow < data.Rows(); ++nextRow) {
+    const std::string_view text = data.RowText(nextRow);
+    const std::string_view line = inp_trim(text.data(), text.data() + text.size());
+    if (line.empty()) continue;
+    cow_List<std::string_view> found;
+    for (const char* p = line.data();;) {
+      const char* const lineEnd = line.data() + line.size();
+      const char* const comma = std::find(p, lineEnd, ',');
+      found.push_back(inp_trim(p, comma));
+      if (comma == lineEnd) break;
+      p = comma + 1;
+    }
+    open = found.size() > 1 && found.back().empty();
+    if (open) found.pop_back();
+    const auto behindLabel = static_cast<long long>(fields.size() + found.size()) - 1;
+    if (!fields.empty() && behindLabel > inp_mostFields(form)) break;
+    fields.insert(fields.end(), found.begin(), found.end());
+  }
+  return fields;
+}
