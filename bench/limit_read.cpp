@@ -103,6 +103,8 @@ public:
   }
   void Build() {
     if (m_labels.empty()) return;
+    if (*std::min_element(m_labels.begin(), m_labels.end()) < 0)
+      throw std::runtime_error("a label that the limit program does not know");
     const auto largest =
         static_cast<std::size_t>(*std::max_element(m_labels.begin(), m_labels.end()));
     m_dense = largest < 8 * m_labels.size();
@@ -122,6 +124,7 @@ public:
       }
     else
       for (std::size_t i = 0; i < count; ++i) {
+        if (i + ahead < count) Prefetch(labels[i + ahead]);
         labels[i] = FindSparse(labels[i]);
         least = std::min(least, labels[i]);
       }
@@ -129,6 +132,8 @@ public:
   }
 
 private:
+  static constexpr std::size_t ahead = 16; // labels whose slots are on their way from memory
+
   struct Slot {
     std::int32_t label = 0;
     std::int32_t position = -1;
@@ -149,6 +154,11 @@ private:
       m_slots[at] = {m_labels[i], static_cast<std::int32_t>(i)};
     }
     m_labels = {};
+  }
+  void Prefetch([[maybe_unused]] std::int32_t label) const {
+#ifdef __GNUC__
+    __builtin_prefetch(m_slots.data() + Hash(label));
+#endif
   }
   std::size_t Hash(std::int32_t label) const {
     return (static_cast<std::uint32_t>(label) * 0x9E3779B1U) >> m_shift;

@@ -124,7 +124,8 @@ def threads_text(count):
 
 def ratio(best, reference):
     return (f"{best.seconds / reference.seconds:.2f} times "
-            f"({best.seconds:.3f} s to {reference.seconds:.3f} s)")
+            f"({best.seconds:.3f} s to {reference.seconds:.3f} s; "
+            f"processor time {best.cpu / reference.cpu:.2f} times)")
 
 
 def memory(best, nodes, elements):
