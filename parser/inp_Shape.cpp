@@ -1,8 +1,8 @@
 #include "parser/inp_Shape.h"
 
 #include "base/utl_Assert.h"
-#include <array>
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <iterator>
 
