@@ -64,20 +64,24 @@ inp_KeywordReader::Result inp_KeywordReader::Read(const inp_DeckTextPtr& text, c
   m_body->begin = asterisk;
   m_body->line = number;
   m_textEnd = text->End();
-  m_tooLong = false;
+  m_tooMany = false;
 
   Line line{asterisk + 1, inp_lineFeed(asterisk, m_textEnd), inp_lineBegin(asterisk, text->Begin()),
             number};
   const char* const firstEnd = line.end;
-  bool goesOn = false;
-  if (!IsTooLong(line)) {
-    ReadName(line);
-    goesOn = line.begin != line.end && ReadParameters(line);
-  }
+  Line name = line;
+  name.end = std::min(line.end, line.begin + longestLine);
+  ReadName(name);
+  line.begin = name.begin;
+  CheckReturns(line);
+  bool goesOn = line.begin != line.end && !IsTooLong(line) && ReadParameters(line);
   m_body->end = firstEnd;
   m_result.lines = 1;
   m_result.next = firstEnd == m_textEnd ? firstEnd : firstEnd + 1;
-  while (goesOn && FindContinuation(line)) goesOn = !IsTooLong(line) && ReadParameters(line);
+  while (goesOn && FindContinuation(line)) {
+    CheckReturns(line);
+    goesOn = !IsTooLong(line) && ReadParameters(line);
+  }
   m_body = nullptr;
   return std::move(m_result);
 }
@@ -98,15 +102,24 @@ void inp_KeywordReader::ReadName(Line& line) {
   }
   m_body->kind = inp_UnknownKeyword;
   m_body->name = singleBlanks(spelt);
-  WarnUnknownKeyword(line, spelt);
+  if (spelt.find('=') != spelt.npos)
+    m_errors.push_back(Message("a comma is missing between the keyword and its first parameter",
+                               Spelt(spelt), line));
+  else
+    WarnUnknownKeyword(line, spelt);
+}
+
+// The asterisk and the name behind it.
+std::string_view inp_KeywordReader::Spelt(std::string_view name) const {
+  return {m_body->begin, static_cast<std::size_t>(name.data() + name.size() - m_body->begin)};
 }
 
 // An unknown keyword is kept as it stands and reported once per name.
 void inp_KeywordReader::WarnUnknownKeyword(const Line& line, std::string_view spelt) {
   if (!m_unknown.insert(m_body->name.substr(0, shownName)).second) return;
-  wip_Message message = Message(
-      "unknown keyword *" + inp_printable(m_body->name, shownName) + "; kept as it is",
-      {m_body->begin, static_cast<std::size_t>(spelt.data() + spelt.size() - m_body->begin)}, line);
+  wip_Message message =
+      Message("unknown keyword *" + inp_printable(m_body->name, shownName) + "; kept as it is",
+              Spelt(spelt), line);
   if (m_unknown.size() <= mostSuggestions && spelt.size() <= shownName) {
     const std::string_view nearest = m_table.NearestKeyword(spelt);
     if (!nearest.empty())
@@ -127,10 +140,9 @@ bool inp_KeywordReader::ReadParameters(const Line& line) {
       ReadParameter(token, line);
     else if (!last)
       m_warnings.push_back(Message("an empty parameter", {stop, 1}, line));
-    if (last) {
-      CheckEnd(line, openQuote);
-      return token.empty();
-    }
+    if (openQuote)
+      m_errors.push_back(Message("a quote that is not closed on its line", {openQuote, 1}, line));
+    if (last) return token.empty();
     p = stop + 1;
   }
 }
@@ -150,22 +162,22 @@ const char* inp_KeywordReader::TokenEnd(const Line& line, const char* p,
   return p;
 }
 
-void inp_KeywordReader::CheckEnd(const Line& line, const char* openQuote) {
-  if (openQuote)
-    m_errors.push_back(Message("a quote that is not closed on its line", {openQuote, 1}, line));
+void inp_KeywordReader::CheckReturns(const Line& line) {
   const std::string_view text = inp_trim(line.lineBegin, line.end);
-  if (text.find('\r') != std::string_view::npos)
-    m_errors.push_back(Message("a carriage return within a keyword line: does the file end its "
-                               "lines by carriage returns alone? They must end by line feeds",
-                               text.substr(text.find('\r'), 1), line));
+  const std::size_t at = text.find('\r');
+  if (at == text.npos) return;
+  m_errors.push_back(Message("a carriage return within a keyword line: does the file end its lines "
+                             "by carriage returns alone? They must end by line feeds",
+                             text.substr(at, 1), line));
 }
 
 void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) {
+  if (m_tooMany) return;
   if (m_body->parameters.size() == mostParameters) {
     m_errors.push_back(Message("more than 1000 parameters; the rest is not read", token, line));
-    m_tooLong = true;
+    m_tooMany = true;
+    return;
   }
-  if (m_tooLong) return;
 
   const std::size_t equal = token.find('=');
   const char* const tokenEnd = token.data() + token.size();
@@ -256,22 +268,15 @@ bool inp_KeywordReader::FindContinuation(Line& line) {
   return false;
 }
 
-// Reports a line that is beyond all measure; nothing of it is read but the name, and nothing of its
-// continuation lines.
+// Reports a line that is beyond all measure; no more of it is read, nor of its continuation lines.
 bool inp_KeywordReader::IsTooLong(const Line& line) {
   const std::ptrdiff_t bytes = line.end - m_body->begin;
   if (bytes <= longestLine) return false;
-  Line name{m_body->begin + 1, std::min(line.end, m_body->begin + shownName), line.lineBegin,
-            line.number};
-  if (m_body->name.empty()) {
-    name.end = std::find(name.begin, name.end, ',');
-    m_body->kind = m_table.Find(inp_trim(name.begin, name.end));
-    const inp_KeywordRow* row = m_table.Row(m_body->kind);
-    m_body->name = row ? cow_String(row->name) : singleBlanks(inp_trim(name.begin, name.end));
-  }
+  const Line first{m_body->begin, line.end, inp_lineBegin(m_body->begin, m_body->text->Begin()),
+                   m_body->line};
   m_errors.push_back(Message("a keyword line of " + std::to_string(bytes) +
                                  " bytes; a keyword line may have " + std::to_string(longestLine),
-                             {m_body->begin, 1}, name));
+                             {m_body->begin, 1}, first));
   return true;
 }
 

@@ -31,7 +31,8 @@ private:
   void ReadParameter(std::string_view token, const Line& line);
   void Add(inp_Parameter parameter, std::string_view spelt, const Line& line);
   cow_String CanonicalName(std::string_view spelt, const Line& line);
-  void CheckEnd(const Line& line, const char* quote);
+  void CheckReturns(const Line& line);
+  std::string_view Spelt(std::string_view name) const;
   bool FindContinuation(Line& line);
   bool IsTooLong(const Line& line);
   const char* TokenEnd(const Line& line, const char* p, const char*& openQuote) const;
@@ -46,5 +47,5 @@ private:
   Result m_result; // of the line being read
   inp_KeywordBody* m_body = nullptr;
   const char* m_textEnd = nullptr;
-  bool m_tooLong = false;
+  bool m_tooMany = false;
 };

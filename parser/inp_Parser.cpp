@@ -17,6 +17,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t deepestInclude = 100;
+constexpr std::ptrdiff_t releaseStep = 8 * 1024 * 1024;
 constexpr int mostIncludes = 100000; // files in all: a few nested includes can name millions
 
 cow_String nameOf(const fs::path& path) {
@@ -146,7 +147,13 @@ void inp_Parser::Impl::ParseText(const inp_DeckTextPtr& text) {
   const inp_Structure found = inp_findStructure(*text);
   if (!IsReadable(*text, found)) return;
   AddData(text, found, 0, text->Begin(), 0, 0);
-  for (std::size_t i = 0; i < found.marks.size(); ++i) ParseKeyword(text, found, i);
+  const char* kept = text->Begin();
+  for (std::size_t i = 0; i < found.marks.size(); ++i) {
+    ParseKeyword(text, found, i);
+    if (found.marks[i].at - kept < releaseStep) continue;
+    text->Release(kept, found.marks[i].at);
+    kept = found.marks[i].at;
+  }
 }
 
 bool inp_Parser::Impl::IsReadable(const inp_DeckText& text, const inp_Structure& found) {

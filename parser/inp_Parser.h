@@ -7,7 +7,8 @@ class inp_Parser {
 public:
   // inputPath: the deck (UTF-8). directory: where relative include paths are looked for after the
   // including file's own folder. searchPaths: further folders. jobName: shown instead of the path
-  // in messages when not empty. followIncludes, attachSuboptions: true; keepComments: false.
+  // in messages when not empty. Without followIncludes *INCLUDE stays in the list as a keyword;
+  // with keepComments the comment lines right above a keyword are kept in its body.
   inp_Parser(cow_String inputPath, cow_String directory, cow_List<cow_String> searchPaths,
              cow_String jobName, bool followIncludes, bool attachSuboptions, bool keepComments);
   ~inp_Parser();
