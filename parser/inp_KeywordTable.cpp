@@ -7,26 +7,6 @@
 
 namespace {
 
-// Parameters as tables hold them: lower case, without blanks.
-class LowerName {
-public:
-  explicit LowerName(std::string_view text) {
-    for (char c : text) {
-      if (c == ' ' || c == '\t') continue;
-      if (m_length == sizeof m_text) {
-        m_length = 0;
-        return;
-      }
-      m_text[m_length++] = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-  }
-  std::string_view Text() const { return {m_text, m_length}; }
-
-private:
-  char m_text[64];
-  std::size_t m_length = 0;
-};
-
 // Where the list of parameters is open, a short spelling may be a parameter the list lacks.
 constexpr std::size_t leastAbbreviationOfOpenList = 3;
 
@@ -73,7 +53,7 @@ inp_ParameterMatch inp_KeywordTable::ResolveParameter(inp_KeywordEnm kind,
   using Kind = inp_ParameterMatch::Kind;
   inp_ParameterMatch match;
   const inp_KeywordRow* row = Row(kind);
-  const LowerName lower(text);
+  const inp_FoldedName lower(text, inp_FoldedName::Case::Lower);
   const std::string_view name = lower.Text();
   if (!row || name.empty()) return match;
 

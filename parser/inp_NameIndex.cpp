@@ -14,17 +14,20 @@ std::uint64_t hashOf(std::string_view text) {
 char upper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
+char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 } // namespace
 
-inp_FoldedName::inp_FoldedName(std::string_view text) {
+inp_FoldedName::inp_FoldedName(std::string_view text, Case fold) {
   for (char c : text) {
     if (c == ' ' || c == '\t') continue;
     if (m_length == limit) {
       m_length = 0;
       return;
     }
-    m_text[m_length++] = upper(c);
+    m_text[m_length++] = fold == Case::Upper ? upper(c) : lower(c);
   }
 }
 

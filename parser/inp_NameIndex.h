@@ -4,11 +4,12 @@
 #include <string_view>
 #include <vector>
 
-// A name as tables compare it: upper case, without blanks and tabs. Held in place, so that folding
+// A name as tables compare it: in one case, without blanks and tabs. Held in place, so that folding
 // allocates nothing; a name longer than any in a table folds to nothing.
 class inp_FoldedName {
 public:
-  explicit inp_FoldedName(std::string_view text);
+  enum class Case : unsigned char { Upper, Lower };
+  explicit inp_FoldedName(std::string_view text, Case fold = Case::Upper);
   std::string_view Text() const { return {m_text, m_length}; }
 
 private:
