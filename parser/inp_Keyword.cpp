@@ -1,5 +1,6 @@
 #include "parser/inp_Keyword.h"
 #include "base/utl_Assert.h"
+#include "parser/inp_KeywordTable.h"
 #include "parser/inp_TextLines.h"
 #include <algorithm>
 #include <ostream>
@@ -82,7 +83,7 @@ void appendGenerated(const inp_KeywordBody& body, cow_String& out) {
 
 inp_Keyword::inp_Keyword(cow_String name) : m_body(std::make_shared<inp_KeywordBody>()) {
   m_body->name = std::move(name);
-  m_body->kind = inp_UnknownKeyword;
+  m_body->kind = inp_KeywordTable::Instance().Find(m_body->name);
 }
 
 inp_Keyword::inp_Keyword(std::shared_ptr<inp_KeywordBody> body, inp_ScopePtr scope)

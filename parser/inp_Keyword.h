@@ -49,7 +49,7 @@ struct inp_KeywordBody {
 class inp_Keyword {
 public:
   inp_Keyword() = default;
-  explicit inp_Keyword(cow_String name);
+  explicit inp_Keyword(cow_String name); // one that no deck holds: no data, no place
   inp_Keyword(std::shared_ptr<inp_KeywordBody> body, inp_ScopePtr scope);
 
   inp_KeywordEnm Kind() const;

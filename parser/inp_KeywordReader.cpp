@@ -86,6 +86,18 @@ inp_KeywordReader::Result inp_KeywordReader::Read(const inp_DeckTextPtr& text, c
   return std::move(m_result);
 }
 
+bool inp_KeywordReader::NamesDataFile(inp_KeywordEnm kind, std::string_view parameter) {
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(kind);
+  if (!row || row->data == inp_DataKind::None || row->data == inp_DataKind::Verbatim) return false;
+  // Matrices may come in binary form and are no lines of the deck.
+  if (kind == inp_KwMatrixInput) return false;
+  const bool mesh = row->levels == inp_LevelsMesh && kind != inp_KwUserElement;
+  if (parameter == "file") return mesh;
+  const auto& names = row->parameters;
+  return parameter == "input" &&
+         (mesh || std::find(names.begin(), names.end(), parameter) != names.end());
+}
+
 // Takes the name off the front of the line.
 void inp_KeywordReader::ReadName(Line& line) {
   const char* const stop = std::find(line.begin, line.end, ',');
@@ -225,7 +237,7 @@ cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& 
   const inp_ParameterMatch match = m_table.ResolveParameter(m_body->kind, name);
   using Kind = inp_ParameterMatch::Kind;
   if (match.kind == Kind::Exact || match.kind == Kind::Abbreviated) return cow_String(match.name);
-  if (row->openParameters) return name;
+  if (row->openParameters || NamesDataFile(m_body->kind, name)) return name;
 
   wip_Message message =
       Message((match.kind == Kind::Ambiguous ? "ambiguous parameter " : "unknown parameter ") +

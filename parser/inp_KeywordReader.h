@@ -19,6 +19,10 @@ public:
   // asterisk: of a keyword line; line: its number from 1.
   Result Read(const inp_DeckTextPtr& text, const char* asterisk, long long line);
 
+  // Data lines may stand in a file of their own that INPUT names; on keywords of the mesh FILE says
+  // the same. On others FILE is a file of results, and so it is on *USER ELEMENT.
+  static bool NamesDataFile(inp_KeywordEnm kind, std::string_view parameter);
+
 private:
   struct Line { // a piece of a physical line and where that line is
     const char* begin;

@@ -35,16 +35,6 @@ bool isUtf16(const inp_DeckText& text) {
   return begin == "\xFF\xFE" || begin == "\xFE\xFF";
 }
 
-// Data lines may stand in a file of their own that INPUT names; on keywords of the mesh FILE says
-// the same. On others FILE is a file of results.
-bool namesDataFile(const inp_KeywordBody& body, const inp_Parameter& parameter) {
-  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(body.kind);
-  if (!row || row->data == inp_DataKind::None || row->data == inp_DataKind::Verbatim) return false;
-  if (parameter.name == "input") return true;
-  const bool mesh = row->levels == inp_LevelsMesh && row->kind != inp_KwImport;
-  return mesh && parameter.name == "file";
-}
-
 } // namespace
 
 struct inp_Parser::Impl {
@@ -322,7 +312,8 @@ void inp_Parser::Impl::Include(const inp_KeywordBody& include) {
 void inp_Parser::Impl::TakeDataFile(inp_KeywordBody& body) {
   for (std::size_t i = 0; i < body.parameters.size(); ++i) {
     const inp_Parameter& parameter = body.parameters[i];
-    if (!namesDataFile(body, parameter) || parameter.value.IsFlag()) continue;
+    if (!inp_KeywordReader::NamesDataFile(body.kind, parameter.name)) continue;
+    if (parameter.value.IsFlag()) continue;
     parameter.referred = true;
     body.dataFile = static_cast<int>(i);
     if (const inp_DeckTextPtr text = OpenNamed(body, parameter)) ReadDataFile(text);

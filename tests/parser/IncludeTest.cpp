@@ -145,6 +145,17 @@ TEST_F(Include, MeshDataMayStandInAFile) {
   EXPECT_EQ(parsed.errors[0].place.line, 2);
 }
 
+TEST_F(Include, OtherFilesAreNoDataLines) {
+  const Parsed parsed =
+      Parse({{"a.inp", "*USER ELEMENT, TYPE=Z1, NODES=2, FILE=els.dat\n"
+                       "*TEMPERATURE, FILE=els.dat\n*NSET, NSET=A, INPUT=els.dat\n"
+                       "*TEMPERATURE, INPUT=els.dat\n"},
+             {"els.dat", "1, 1, 2\n"}});
+  const long long rows[] = {0, 0, 1, 1};
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(parsed.keywords.at(i).Data().Rows(), rows[i]) << i;
+  EXPECT_EQ(shown(parsed.warnings), "");
+}
+
 TEST_F(Include, AJobNameStandsForThePath) {
   writeFile(folder / "a.inp", "*NODE");
   inp_Parser parser(PathOf("a.inp"), "", {}, "Job-1", true, true, false);

@@ -115,6 +115,18 @@ TEST(KeywordLine, TextReadsBackToItself) {
   }
 }
 
+TEST(KeywordLine, MadeByName) {
+  const inp_Keyword made("SOLID SECTION");
+  EXPECT_EQ(made.Kind(), inp_KwSolidSection);
+  EXPECT_EQ(made.Data().Rows(), 0);
+  made.Body()->parameters.push_back({"elset", inp_Item("A")});
+  made.Body()->parameters.push_back({"symmetric", inp_Item(true)});
+  EXPECT_EQ(made.Text(), "*SOLID SECTION, elset=A, symmetric\n");
+  EXPECT_EQ(inp_Keyword("NO SUCH").Kind(), inp_UnknownKeyword);
+  EXPECT_EQ(inp_Keyword().Kind(), inp_NullKeyword);
+  EXPECT_EQ(inp_Keyword().Text(), "");
+}
+
 TEST(KeywordLine, KeepsCommentsAboveItWhenAsked) {
   const Parsed parsed("** far\n\n** near\n **nearer\n*NODE\n** in the data\n1\n*ELEMENT", false,
                       true);
