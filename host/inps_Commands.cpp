@@ -1,0 +1,89 @@
+#include "host/inps_Commands.h"
+
+#include "base/utl_Assert.h"
+#include "host/inps_Arguments.h"
+#include <algorithm>
+
+namespace {
+
+using Text = std::string_view;
+using Opt = inps_Opt;
+
+constexpr inps_Option options[] = {
+    {Opt::Output, 'o', "--output", "FILE", "the file to make"},
+    {Opt::Force, 0, "--force", "", "replace an existing file, once the new one is finished"},
+    {Opt::Strict, 0, "--strict", "", "exit with 4 when something was not modelled"},
+    {Opt::Restart, 0, "--restart", "BASE.sim",
+     "go on from this model; it stays as it is and a copy is changed"},
+    {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
+    {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
+    {Opt::Markdown, 0, "--markdown", "", "as a table for documents"},
+    {Opt::Quiet, 'q', "--quiet", "", "errors only"},
+    {Opt::Help, 'h', "--help", "", "this help"},
+};
+
+constexpr Opt convertOptions[] = {Opt::Output,  Opt::Force, Opt::Strict, Opt::Restart,
+                                  Opt::Timings, Opt::Json,  Opt::Quiet};
+constexpr Text convertExamples[] = {
+    "inps convert bracket.inp", "inps convert bracket.inp -o models/bracket.sim --force",
+    "inps convert next_steps.inp --restart bracket.sim -o bracket2.sim"};
+constexpr Opt writeOptions[] = {Opt::Output, Opt::Force, Opt::Timings};
+constexpr Text writeExamples[] = {"inps write bracket.sim -o written.inp",
+                                  "inps write bracket.sim | less"};
+constexpr Opt checkOptions[] = {Opt::Strict, Opt::Timings, Opt::Json, Opt::Quiet};
+constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check bracket.sim"};
+constexpr Opt infoOptions[] = {Opt::Json};
+constexpr Text infoExamples[] = {"inps info bracket.sim", "inps info bracket.sim --json"};
+constexpr Opt diffOptions[] = {Opt::Quiet};
+constexpr Text diffExamples[] = {"inps diff old.sim new.sim", "inps diff bracket.inp bracket.sim"};
+constexpr Text dumpExamples[] = {"inps dump bracket.sim | less"};
+constexpr Opt keywordsOptions[] = {Opt::Json, Opt::Markdown};
+constexpr Text keywordsExamples[] = {"inps keywords", "inps keywords --json"};
+constexpr Text helpExamples[] = {"inps help convert"};
+
+constexpr inps_Command commands[] = {
+    {"convert", "DECK", 1, 1, "fill a simulation database from a keyword deck",
+     "Without -o the model is named as the deck, with .sim, in the current folder. A deck with\n"
+     "errors still gives a model of what could be converted. With --restart, give -o too, or\n"
+     "--force to have BASE.sim itself replaced.",
+     convertOptions, convertExamples, inps_convert},
+    {"write", "MODEL.sim", 1, 1, "write a keyword deck from a model",
+     "Without -o the deck goes to standard output.", writeOptions, writeExamples, inps_write},
+    {"check", "DECK|MODEL.sim", 1, 1, "report every problem, make no file",
+     "A deck is converted in memory. Of a model, every checksum and reference is verified.",
+     checkOptions, checkExamples, inps_check},
+    {"info", "MODEL.sim", 1, 1, "what a model holds", "", infoOptions, infoExamples, inps_info},
+    {"diff", "A B", 2, 2, "compare two models or decks record by record",
+     "Exits with 0 when they are the same, 1 when they differ. Where a keyword stood in its deck\n"
+     "does not count.",
+     diffOptions, diffExamples, inps_diff},
+    {"dump",
+     "MODEL.sim",
+     1,
+     1,
+     "a whole model (or deck) as stable text",
+     "",
+     {},
+     dumpExamples,
+     inps_dump},
+    {"keywords", "", 0, 0, "which keywords are modelled, which are kept as text", "",
+     keywordsOptions, keywordsExamples, inps_keywords},
+    {"help", "[COMMAND]", 0, 1, "this help, or that of a command", "", {}, helpExamples, inps_help},
+};
+
+} // namespace
+
+std::span<const inps_Command> inps_commands() {
+  return commands;
+}
+
+const inps_Command* inps_findCommand(std::string_view name) {
+  const auto found = std::ranges::find(commands, name, &inps_Command::name);
+  return found == std::end(commands) ? nullptr : &*found;
+}
+
+const inps_Option& inps_option(inps_Opt id) {
+  const auto found = std::ranges::find(options, id, &inps_Option::id);
+  utl_ASSERT(found != std::end(options));
+  return *found;
+}

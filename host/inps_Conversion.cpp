@@ -1,0 +1,103 @@
+#include "host/inps_Conversion.h"
+
+#include "base/bcu_ResourceMonitor.h"
+#include "base/utl_File.h"
+#include "inpS/driver/inpS_Module.h"
+#include <algorithm>
+#include <fstream>
+
+namespace {
+
+// The module in use: giving it back hands its last gathered messages to the reporter.
+class ModuleUse {
+public:
+  ModuleUse() { KvoI2sInpS_initialize(m_uses); }
+  ~ModuleUse() { KvoI2sInpS_finalize(m_uses); }
+  ModuleUse(const ModuleUse&) = delete;
+  ModuleUse& operator=(const ModuleUse&) = delete;
+
+private:
+  int m_uses = 0;
+};
+
+// The system's own words for a deck that is not there, is a folder or may not be read. What is no
+// regular file (a pipe) can be read only once and is left to the parser.
+void requireReadable(const std::filesystem::path& deck) {
+  std::error_code ignored;
+  const std::filesystem::file_status status = std::filesystem::status(deck, ignored);
+  const bool readOnce = std::filesystem::exists(status) &&
+                        !std::filesystem::is_regular_file(status) &&
+                        !std::filesystem::is_directory(status);
+  if (!readOnce) utl_MappedFile opened(deck);
+}
+
+bool phase(const char* tag, inpS_Inp2Sim& driver, bool (inpS_Inp2Sim::*step)()) {
+  const bcu_MarkScope mark("inps-", tag);
+  return (driver.*step)();
+}
+
+} // namespace
+
+inps_Conversion::inps_Conversion(std::filesystem::path deck) : m_deck(std::move(deck)) {
+  requireReadable(m_deck);
+}
+
+inps_Conversion::~inps_Conversion() = default;
+
+bool inps_Conversion::Prepare() {
+  const ModuleUse use;
+  // Include files are looked for beside the deck whatever folder the program runs in.
+  m_driver =
+      std::make_unique<inpS_Inp2Sim>(utl_pathText(m_deck), utl_pathText(m_deck.parent_path()));
+  return phase("parse", *m_driver, &inpS_Inp2Sim::Parse) &&
+         phase("utf8", *m_driver, &inpS_Inp2Sim::CheckUtf8Compliance) &&
+         phase("expand", *m_driver, &inpS_Inp2Sim::Expand) &&
+         phase("reorganize", *m_driver, &inpS_Inp2Sim::Reorganize) &&
+         phase("inventory", *m_driver, &inpS_Inp2Sim::BuildInventory);
+}
+
+template <class Work> bool inps_Conversion::Run(const KvoObjDocument& document, Work work) {
+  bool done = false;
+  {
+    const ModuleUse use;
+    inpS_Inp2Sim::DescribeSource(document, utl_pathText(m_deck));
+    done = work();
+  }
+  m_notModelled = m_driver->NotModelled();
+  return done;
+}
+
+bool inps_Conversion::Convert(const KvoObjDocument& document) {
+  return Run(document, [&] { return m_driver->Convert(document); });
+}
+
+bool inps_Conversion::ConvertRestart(const KvoObjDocument& document) {
+  return Run(document, [&] { return m_driver->ConvertRestart(document); });
+}
+
+bool inps_Conversion::ReadsRestart() const {
+  return m_driver && m_driver->Inventory().RestartKind() != inpS_RestartKind::None;
+}
+
+bool inps_isModelFile(const std::filesystem::path& path) {
+  constexpr std::string_view signature = "SQLite format 3";
+  cow_String extension = utl_pathText(path.extension());
+  std::ranges::transform(extension, extension.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+  });
+  if (extension == ".sim") return true;
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return false;
+  char begin[signature.size()] = {};
+  std::ifstream(path, std::ios::binary).read(begin, sizeof begin);
+  return std::string_view(begin, sizeof begin) == signature;
+}
+
+KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path) {
+  if (inps_isModelFile(path)) return KvoObjDocument::Open(path, KvoAccess::ReadOnly);
+  inps_Conversion conversion(path);
+  if (!conversion.Prepare()) return {};
+  KvoObjDocument document = KvoObjDocument::InMemory();
+  conversion.Convert(document);
+  return document;
+}

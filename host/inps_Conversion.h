@@ -1,0 +1,38 @@
+#pragma once
+
+#include "base/cow_Value.h"
+#include "database/KvoObjDocument.h"
+#include "inpS/driver/inpS_Inp2Sim.h"
+#include <filesystem>
+#include <memory>
+
+// One deck on its way into a model. Messages go to the reporter of this thread.
+class inps_Conversion {
+public:
+  // Throws utl_FileException when the deck cannot be read at all.
+  explicit inps_Conversion(std::filesystem::path deck);
+  ~inps_Conversion();
+
+  // Reads the deck up to where it can be converted; false: it cannot, and the messages say why.
+  bool Prepare();
+  bool Convert(const KvoObjDocument& document);
+  bool ConvertRestart(const KvoObjDocument& document); // into a model that exists
+
+  bool ReadsRestart() const; // the deck itself says that it goes on from another model
+  // What was kept as text; empty before a conversion.
+  const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
+
+private:
+  template <class Work> bool Run(const KvoObjDocument& document, Work work);
+
+  std::filesystem::path m_deck;
+  std::unique_ptr<inpS_Inp2Sim> m_driver;
+  cow_List<inpS_NotModelled> m_notModelled;
+};
+
+// Whether the file is to be taken for a model: it begins like one or is named like one.
+bool inps_isModelFile(const std::filesystem::path& path);
+
+// A model, or a deck converted in memory; messages as above. Null when the deck has faults that
+// keep it from being converted at all.
+KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path);

@@ -1,0 +1,167 @@
+#include "host/inps_Commands.h"
+
+#include "base/utl_File.h"
+#include "database/eds_Exception.h"
+#include "host/inps_Arguments.h"
+#include "host/inps_Conversion.h"
+#include "host/inps_Run.h"
+#include "host/inps_Session.h"
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+namespace {
+
+using Path = std::filesystem::path;
+
+// The base is never changed: a copy beside the target is, and takes the target's name at the end.
+class RestartCopy {
+public:
+  RestartCopy(const Path& base, const Path& target) : m_path(utl_temporaryBeside(target)) {
+    // Held open while it is copied, so that nobody writes it meanwhile.
+    const KvoObjDocument held = KvoObjDocument::Open(base, KvoAccess::ReadOnly);
+    std::error_code failure;
+    std::filesystem::copy_file(base, m_path, failure);
+    if (failure) {
+      utl_removeFile(m_path);
+      throw utl_FileException("cannot copy", base, failure.message());
+    }
+  }
+  ~RestartCopy() { utl_removeFile(m_path); } // gone already once it has taken the target's name
+  RestartCopy(const RestartCopy&) = delete;
+  RestartCopy& operator=(const RestartCopy&) = delete;
+
+  const Path& File() const { return m_path; }
+  void BecomeTarget(const Path& target, bool force) const {
+    utl_renameFile(m_path, target, force ? utl_IfExists::Replace : utl_IfExists::Refuse);
+    utl_syncFolderOf(target);
+  }
+
+private:
+  Path m_path;
+};
+
+struct Job {
+  Path deck;
+  Path target;
+  Path base; // empty: no restart
+  bool force = false;
+};
+
+// A usage fault in words, empty when the job is clear.
+cow_String describeJob(const inps_Arguments& arguments, Job& job) {
+  job.deck = arguments.Path(0);
+  job.force = arguments.Has(inps_Opt::Force);
+  if (arguments.Has(inps_Opt::Restart)) job.base = arguments.PathOf(inps_Opt::Restart);
+  if (arguments.Has(inps_Opt::Output)) {
+    job.target = arguments.PathOf(inps_Opt::Output);
+  } else if (job.base.empty()) {
+    job.target = job.deck.filename().replace_extension(".sim");
+  } else if (job.force) {
+    job.target = job.base;
+  } else {
+    return "\"--restart\" needs \"-o FILE\" for the new model, or \"--force\" to replace " +
+           utl_pathText(job.base);
+  }
+  std::error_code ignored;
+  if (std::filesystem::equivalent(job.deck, job.target, ignored))
+    return "the model would replace its own deck " + utl_pathText(job.deck);
+  return {};
+}
+
+void requireFree(const Job& job) {
+  if (utl_isDirectory(job.target))
+    throw utl_FileException("cannot write", job.target, "it is a folder");
+  if (!job.force && utl_exists(job.target))
+    throw utl_FileException("cannot write", job.target, "it exists; --force replaces it");
+}
+
+KvoObjDocument makeModel(const Job& job) {
+  const bool replace = job.force && utl_exists(job.target);
+  return replace ? KvoObjDocument::CreateReplacing(job.target) : KvoObjDocument::Create(job.target);
+}
+
+void finish(KvoObjDocument& document) {
+  const bcu_MarkScope mark("inps-", "finish");
+  document.Finish();
+}
+
+class Convert {
+public:
+  Convert(inps_Session& session, inps_Run& run, Job job)
+      : m_session(session), m_run(run), m_job(std::move(job)) {}
+
+  int operator()() {
+    Note("command", "convert");
+    Note("deck", utl_pathText(m_job.deck));
+    requireFree(m_job);
+    inps_Conversion conversion(m_job.deck);
+    if (!conversion.Prepare()) {
+      Say("the deck cannot be converted; " + utl_pathText(m_job.target) + " was not written");
+      return inps_ExitFaults;
+    }
+    if (conversion.ReadsRestart() && m_job.base.empty())
+      m_run.Reporter().Warning(wip_Message(
+          "this deck goes on from another model (*RESTART, READ); --restart names that model"));
+    const bool clean = m_job.base.empty() ? Fresh(conversion) : Restart(conversion);
+    const int notModelled = m_run.NotModelled(conversion.NotModelled());
+    if (clean && m_run.Reporter().Errors() == 0) return notModelled;
+    Say("the deck has errors; " + utl_pathText(m_job.target) + " holds what could be converted");
+    return inps_ExitFaults;
+  }
+
+private:
+  bool Fresh(inps_Conversion& conversion) {
+    KvoObjDocument document = makeModel(m_job);
+    const bool clean = conversion.Convert(document);
+    finish(document);
+    Summarize(document);
+    document.Close();
+    return clean;
+  }
+
+  bool Restart(inps_Conversion& conversion) {
+    const RestartCopy copy(m_job.base, m_job.target);
+    KvoObjDocument document = KvoObjDocument::Open(copy.File(), KvoAccess::ReadWrite);
+    const bool clean = conversion.ConvertRestart(document);
+    finish(document);
+    Summarize(document);
+    document.Close();
+    copy.BecomeTarget(m_job.target, m_job.force);
+    return clean;
+  }
+
+  void Summarize(const KvoObjDocument& document) {
+    Note("model", utl_pathText(m_job.target));
+    if (m_run.IsQuiet() && !m_run.IsJson()) return;
+    const inps_ModelSummary summary = inps_summarize(document);
+    if (m_run.IsJson())
+      m_run.Json()["summary"] = inps_jsonOf(summary);
+    else
+      m_session.out << utl_pathText(m_job.target) << ": " << inps_summaryLine(summary) << "; "
+                    << m_run.Reporter().CountsText() << "; "
+                    << inps_secondsText(m_run.Timings().Seconds()) << '\n';
+  }
+
+  void Note(const char* name, const cow_String& value) {
+    if (m_run.IsJson()) m_run.Json()[name] = value;
+  }
+  void Say(const cow_String& text) {
+    if (!m_run.IsJson()) m_session.err << "inps: " << text << '\n';
+  }
+
+  inps_Session& m_session;
+  inps_Run& m_run;
+  Job m_job;
+};
+
+} // namespace
+
+int inps_convert(inps_Session& session, const inps_Arguments& arguments) {
+  Job job;
+  if (const cow_String fault = describeJob(arguments, job); !fault.empty()) {
+    session.err << "inps: " << fault << '\n';
+    return inps_ExitUsage;
+  }
+  inps_Run run(session, arguments);
+  return run.Do(Convert(session, run, std::move(job)));
+}

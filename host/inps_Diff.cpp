@@ -1,0 +1,23 @@
+#include "host/inps_Commands.h"
+
+#include "host/inps_Arguments.h"
+#include "host/inps_Conversion.h"
+#include "host/inps_ModelDiff.h"
+#include "host/inps_Run.h"
+#include "host/inps_Session.h"
+#include <ostream>
+
+int inps_diff(inps_Session& session, const inps_Arguments& arguments) {
+  inps_Run run(session, arguments);
+  return run.Do([&]() -> int {
+    const KvoObjDocument a = inps_openModelOrDeck(arguments.Path(0));
+    const KvoObjDocument b = inps_openModelOrDeck(arguments.Path(1));
+    if (a.IsNull() || b.IsNull()) return inps_ExitFaults;
+    const long long differences = inps_diffModels(a, b, session.out);
+    if (!run.IsQuiet())
+      session.out << (differences ? inps_counted(differences, "difference")
+                                  : cow_String("the models are the same"))
+                  << '\n';
+    return differences ? inps_ExitFaults : inps_ExitDone;
+  });
+}

@@ -1,0 +1,77 @@
+#include "host/inps_Commands.h"
+
+#include "base/utl_File.h"
+#include "database/eds_ModelReader.h"
+#include "host/inps_Arguments.h"
+#include "host/inps_Json.h"
+#include "host/inps_Session.h"
+#include "host/inps_Timings.h"
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+namespace {
+
+constexpr std::size_t mostListed = 20; // parts or instances
+
+void printCounts(aio_ostream& out, const char* title, const inps_ModelSummary::Counts& counts,
+                 const char* prefix) {
+  if (counts.empty()) return;
+  out << title << '\n';
+  std::size_t widest = 0;
+  for (const auto& entry : counts) widest = std::max(widest, entry.first.size());
+  for (const auto& [name, count] : counts)
+    out << "  " << prefix << name << cow_String(widest - name.size() + 2, ' ') << count << '\n';
+}
+
+void printParts(aio_ostream& out, const char* title,
+                const cow_List<inps_ModelSummary::Part>& parts) {
+  if (parts.empty()) return;
+  out << title << '\n';
+  for (std::size_t i = 0; i < std::min(parts.size(), mostListed); ++i) {
+    const inps_ModelSummary::Part& part = parts[i];
+    out << "  " << part.name;
+    if (!part.part.empty()) out << " of " << part.part;
+    out << ": " << inps_counted(part.nodes, "node") << ", "
+        << inps_counted(part.elements, "element") << '\n';
+  }
+  if (parts.size() > mostListed) out << "  … and " << parts.size() - mostListed << " more\n";
+}
+
+void printInfo(aio_ostream& out, const inps_ModelSummary& summary) {
+  if (!summary.heading.empty()) out << "heading: " << summary.heading << '\n';
+  out << inps_summaryLine(summary) << '\n';
+  out << "dimensions: " << summary.dimensions << '\n';
+  printParts(out, "parts:", summary.parts);
+  printParts(out, "instances:", summary.instances);
+  printCounts(out, "kept as text:", summary.keptAsText, "*");
+  printCounts(out, "records:", summary.records, "");
+}
+
+} // namespace
+
+int inps_info(inps_Session& session, const inps_Arguments& arguments) {
+  const std::filesystem::path file = arguments.Path(0);
+  const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+  const inps_ModelSummary summary = inps_summarize(document);
+  const auto meta = eds_ModelReader(document).Meta();
+  std::error_code ignored;
+  const auto size = std::filesystem::file_size(file, ignored);
+
+  if (arguments.Has(inps_Opt::Json)) {
+    inps_Json json{{"command", "info"},
+                   {"model", arguments.Operands()[0]},
+                   {"bytes", size},
+                   {"finished", document.IsFinished()}};
+    for (const auto& [name, value] : meta) json["meta"][name] = value;
+    json["summary"] = inps_jsonOf(summary);
+    inps_printJson(session.out, json);
+    return inps_ExitDone;
+  }
+  session.out << arguments.Operands()[0] << ": " << inps_bytesText(size) << ", "
+              << (document.IsFinished() ? "finished" : "not finished: its conversion was cut short")
+              << '\n';
+  for (const auto& [name, value] : meta) session.out << name << ": " << value << '\n';
+  printInfo(session.out, summary);
+  return inps_ExitDone;
+}

@@ -1,0 +1,110 @@
+#include "host/inps_Session.h"
+
+#include "base/utl_Assert.h"
+#include "base/utl_Exception.h"
+#include "base/utl_File.h"
+#include "base/utl_Threads.h"
+#include "host/inps_Arguments.h"
+#include "host/inps_Help.h"
+#include "host/inps_MessageView.h"
+#include "host/inps_Terminal.h"
+#include <cstdlib>
+#include <new>
+#include <ostream>
+
+namespace {
+
+void say(const inps_Session& session, const cow_String& text) {
+  session.err << "inps: " << text << '\n' << std::flush;
+}
+
+// INPS_THREADS: how many threads bulk work may use; a number from 1 on.
+bool readThreadCount(const inps_Session& session) {
+  const char* text = std::getenv("INPS_THREADS");
+  if (!text || !*text) return true;
+  char* end = nullptr;
+  const long count = std::strtol(text, &end, 10);
+  if (*end || count < 1 || count > 1024) {
+    say(session,
+        "INPS_THREADS is \"" + cow_String(text) + "\", but must be a number from 1 to 1024");
+    return false;
+  }
+  utl_setThreadCount(static_cast<int>(count));
+  return true;
+}
+
+int runCommand(const cow_List<cow_String>& words, inps_Session& session) {
+  const cow_String& word = words.front();
+  if (word == "--version") {
+    session.out << "inps " << inps_version << '\n';
+    return inps_ExitDone;
+  }
+  const bool wantsHelp = word == "--help" || word == "-h";
+  const inps_Command* command = inps_findCommand(wantsHelp ? "help" : word);
+  if (!command) return inps_reportUnknownCommand(session, word);
+
+  inps_Arguments arguments;
+  const cow_String fault = arguments.Read(*command, std::span(words).subspan(1));
+  if (!fault.empty()) {
+    say(session, fault);
+    inps_printUsage(session.err, *command);
+    return inps_ExitUsage;
+  }
+  if (arguments.Has(inps_Opt::Help)) {
+    inps_printHelp(session.out, *command);
+    return inps_ExitDone;
+  }
+  return command->run(session, arguments);
+}
+
+int internalError(const inps_Session& session, const utl_Assertion& fault) {
+  cow_String file = fault.Where().file_name();
+  if (const std::size_t slash = file.find_last_of("/\\"); slash != cow_String::npos)
+    file.erase(0, slash + 1);
+  say(session, "internal error: " + cow_String(fault.what()) + " (" + file + ":" +
+                   std::to_string(fault.Where().line()) +
+                   "); what was converted before it is kept. This is a fault of the program.");
+  return inps_ExitFailure;
+}
+
+// Nobody left to read our output is no news to anybody; everything else is said.
+int outputFailed(const inps_Session& session) {
+  const auto* buffer = dynamic_cast<const inps_StandardBuffer*>(session.out.rdbuf());
+  if (!buffer || !buffer->ReaderIsGone())
+    say(session,
+        "cannot write standard output" +
+            (buffer && !buffer->Failure().empty() ? ": " + buffer->Failure() : cow_String()));
+  return inps_ExitFailure;
+}
+
+int runGuarded(const cow_List<cow_String>& words, inps_Session& session) {
+  try {
+    return runCommand(words, session);
+  } catch (const utl_Assertion& fault) {
+    return internalError(session, fault);
+  } catch (const std::bad_alloc&) {
+    say(session, "out of memory");
+  } catch (const std::exception& failure) {
+    if (session.out) say(session, failure.what()); // else outputFailed has the better words
+  }
+  return inps_ExitFailure;
+}
+
+} // namespace
+
+int inps_main(const cow_List<cow_String>& words, inps_Session& session) {
+  if (words.empty()) {
+    inps_printHelp(session.err);
+    return inps_ExitUsage;
+  }
+  if (!readThreadCount(session)) return inps_ExitUsage;
+  const int exitCode = runGuarded(words, session);
+  session.out.flush();
+  session.err.flush();
+  return session.out ? exitCode : outputFailed(session);
+}
+
+int inps_main(const cow_List<cow_String>& words, aio_ostream& out, aio_ostream& err) {
+  inps_Session session{out, err};
+  return inps_main(words, session);
+}

@@ -1,0 +1,123 @@
+#include "host/inps_MessageView.h"
+
+#include "parser/inp_Utf8Text.h"
+#include <algorithm>
+#include <ostream>
+
+namespace {
+
+constexpr int widthWithoutTerminal = 160;
+constexpr std::size_t longestText = 4000; // bytes of one line of a message
+
+struct Look {
+  std::string_view name;
+  std::string_view colour;
+};
+
+constexpr Look looks[] = {
+    {"error", "\x1b[1;31m"}, {"warning", "\x1b[1;35m"}, {"note", "\x1b[1;36m"}};
+constexpr std::string_view bold = "\x1b[1m";
+constexpr std::string_view green = "\x1b[1;32m";
+constexpr std::string_view plain = "\x1b[0m";
+
+const Look& lookOf(inps_Severity severity) {
+  return looks[static_cast<std::size_t>(severity)];
+}
+
+// The characters of a text, a byte that belongs to none counted as one, as the parser counts.
+cow_List<std::string_view> charactersOf(std::string_view text) {
+  cow_List<std::string_view> characters;
+  const char* const end = text.data() + text.size();
+  for (const char* p = text.data(); p != end;) {
+    const std::size_t length = std::max<std::size_t>(1, inp_utf8CharLength(p, end));
+    characters.emplace_back(p, length);
+    p += length;
+  }
+  return characters;
+}
+
+} // namespace
+
+inps_MessageView::inps_MessageView(aio_ostream& out, bool colour, int width)
+    : m_out(out), m_colour(colour), m_width(width > 0 ? width : widthWithoutTerminal) {}
+
+std::string_view inps_MessageView::Name(inps_Severity severity) {
+  return lookOf(severity).name;
+}
+
+// Texts may quote anything a deck holds, so nothing in them may steer a terminal.
+void inps_MessageView::ShowText(std::string_view text) const {
+  while (!text.empty() && text.back() == '\n') text.remove_suffix(1);
+  for (std::size_t at = 0; at != std::string_view::npos;) {
+    const std::size_t lineEnd = text.find('\n', at);
+    const std::size_t length = lineEnd == std::string_view::npos ? lineEnd : lineEnd - at;
+    if (at > 0) m_out << '\n';
+    m_out << inp_printable(text.substr(at, length), longestText);
+    at = lineEnd == std::string_view::npos ? lineEnd : lineEnd + 1;
+  }
+}
+
+void inps_MessageView::ShowHead(inps_Severity severity, const wip_Place& place,
+                                std::string_view text) const {
+  const Look& look = lookOf(severity);
+  if (m_colour) m_out << bold;
+  m_out << (place.file.empty() ? cow_String("inps") : inp_printable(place.file, longestText));
+  if (!place.file.empty() && place.line > 0) {
+    m_out << ':' << place.line;
+    if (place.column > 0) m_out << ':' << place.column;
+  }
+  m_out << ": ";
+  if (m_colour) m_out << look.colour;
+  m_out << look.name << ": ";
+  if (m_colour) m_out << plain;
+  ShowText(text);
+}
+
+// The stretch of the line around the column that fits, and the caret under the column.
+void inps_MessageView::ShowSource(const wip_Place& place) const {
+  if (place.sourceLine.empty()) return;
+  const cow_List<std::string_view> line = charactersOf(place.sourceLine);
+  const auto room = static_cast<std::size_t>(std::max(20, m_width - 1));
+  const auto column = static_cast<std::size_t>(std::max(1, place.column)) - 1;
+  if (column > line.size()) return; // the line itself was cut before the place
+  std::size_t first = 0;
+  if (line.size() > room && column > room * 2 / 3) first = column - room * 2 / 3 + 1;
+  const std::size_t last = std::min(line.size(), first + room - (first > 0 ? 1 : 0));
+
+  if (first > 0) m_out << "…";
+  for (std::size_t i = first; i < last; ++i) m_out << line[i];
+  m_out << '\n';
+  if (place.column <= 0) return;
+  if (first > 0) m_out << ' ';
+  for (std::size_t i = first; i < column; ++i) m_out << (line[i] == "\t" ? '\t' : ' ');
+  const auto asked = static_cast<std::size_t>(std::max(1, place.width));
+  const std::size_t width =
+      std::min(asked, std::max<std::size_t>(1, last - std::min(last, column)));
+  if (m_colour) m_out << green;
+  m_out << '^' << cow_String(width - 1, '~');
+  if (m_colour) m_out << plain;
+  m_out << '\n';
+}
+
+void inps_MessageView::Show(inps_Severity severity, const wip_Message& message) const {
+  const wip_Place& place = message.place;
+  ShowHead(severity, place, message.text);
+  // On a data line nobody sees whose data it is.
+  const bool ownLine = place.sourceLine.find('*') != cow_String::npos;
+  const bool named = message.text.find('*' + message.keyword) != cow_String::npos;
+  if (!message.keyword.empty() && !ownLine && !named) m_out << " [*" << message.keyword << ']';
+  m_out << '\n';
+  ShowSource(place);
+  for (const wip_Note& note : message.notes) {
+    ShowHead(inps_Severity::Note, note.place, note.text);
+    m_out << '\n';
+    ShowSource(note.place);
+  }
+  for (const cow_String& from : place.includedFrom)
+    m_out << "  included from " << inp_printable(from, longestText) << '\n';
+}
+
+void inps_MessageView::ShowLine(inps_Severity severity, std::string_view text) const {
+  ShowHead(severity, {}, text);
+  m_out << '\n';
+}

@@ -1,0 +1,306 @@
+#include "host/inps_ModelDiff.h"
+
+#include "base/utl_Number.h"
+#include "host/inps_Fields.h"
+#include "host/inps_Matching.h"
+#include "host/inps_ModelWalk.h"
+#include "host/inps_Reporter.h"
+#include <algorithm>
+#include <cstring>
+#include <ostream>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace {
+
+// One of the two models, and the keys by which its records are found again in the other.
+class Side {
+public:
+  explicit Side(const KvoObjDocument& document) : m_model(document) {}
+  const eds_ModelReader& Model() const { return m_model; }
+
+  // Names of what a record is and whose it is, without numbers.
+  const cow_String& KeyOf(eds_ObjectID object, int depth = 0) {
+    const auto [entry, isNew] = m_keys.try_emplace(object.Packed());
+    if (!isNew) return entry->second;
+    cow_String key = MakeKey(object, depth);
+    return m_keys[object.Packed()] = std::move(key);
+  }
+
+private:
+  static bool IsPartOfKey(const eds_FieldInfo& field) {
+    static constexpr std::string_view names[] = {"Name",         "Owner",   "Keyword",  "Spec",
+                                                 "Distribution", "Section", "Property", "Table"};
+    return std::ranges::find(names, field.name) != std::end(names);
+  }
+
+  cow_String MakeKey(eds_ObjectID object, int depth) {
+    constexpr int deepest = 5; // owners of owners; a damaged file may have circles
+    const eds_RecordInfo* info = eds_ModelReader::Info(object.RecordKind());
+    if (!info || depth > deepest) return m_model.Describe(object);
+    cow_String key(info->name);
+    for (std::size_t i = 0; i < info->fields.size(); ++i) {
+      if (!IsPartOfKey(info->fields[i])) continue;
+      const eds_FieldValue value = m_model.Value(info->kind, object.id, static_cast<int>(i));
+      if (const auto* text = std::get_if<std::string_view>(&value)) key.append("/").append(*text);
+      const auto* owner = std::get_if<eds_ObjectID>(&value);
+      if (owner && !owner->IsNull()) key += "(" + KeyOf(*owner, depth + 1) + ")";
+    }
+    return key;
+  }
+
+  eds_ModelReader m_model;
+  std::unordered_map<uint64_t, cow_String> m_keys;
+};
+
+class Diff {
+public:
+  Diff(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out)
+      : m_a(a), m_b(b), m_out(out) {}
+
+  long long Run() {
+    const cow_List<const eds_RecordInfo*> kinds = Kinds();
+    cow_List<inps_Matching> matchings;
+    for (const eds_RecordInfo* kind : kinds) matchings.push_back(Match(*kind));
+    for (std::size_t i = 0; i < kinds.size(); ++i) Compare(*kinds[i], matchings[i]);
+    return m_differences;
+  }
+
+private:
+  using IDs = std::vector<int64_t>;
+
+  cow_List<const eds_RecordInfo*> Kinds() const {
+    cow_Map<int, const eds_RecordInfo*> byNumber;
+    for (const Side* side : {&m_a, &m_b})
+      for (const eds_RecordInfo* kind : inps_walkedKinds(side->Model()))
+        byNumber[static_cast<int>(kind->kind)] = kind;
+    cow_List<const eds_RecordInfo*> kinds;
+    for (const auto& entry : byNumber) kinds.push_back(entry.second);
+    return kinds;
+  }
+
+  static cow_List<cow_String> KeysOf(Side& side, const eds_RecordInfo& kind, const IDs& ids) {
+    cow_List<cow_String> keys;
+    for (const int64_t id : ids) keys.push_back(side.KeyOf({kind.kind, id}));
+    return keys;
+  }
+
+  inps_Matching Match(const eds_RecordInfo& kind) {
+    const IDs a = m_a.Model().RecordIDs(kind.kind);
+    const IDs b = m_b.Model().RecordIDs(kind.kind);
+    inps_Matching matching(KeysOf(m_a, kind, a), KeysOf(m_b, kind, b));
+    for (const auto& [inA, inB] : matching.both)
+      m_partner[eds_ObjectID(kind.kind, a[inA]).Packed()] = b[inB];
+    return matching;
+  }
+
+  void Compare(const eds_RecordInfo& kind, const inps_Matching& matching) {
+    const IDs a = m_a.Model().RecordIDs(kind.kind);
+    const IDs b = m_b.Model().RecordIDs(kind.kind);
+    for (const auto& [inA, inB] : matching.both) CompareRecord(kind, a[inA], b[inB]);
+    for (const std::size_t i : matching.onlyA) Only("A", m_a, {kind.kind, a[i]});
+    for (const std::size_t i : matching.onlyB) Only("B", m_b, {kind.kind, b[i]});
+    if (matching.firstMoved == matching.both.size()) return;
+    ++m_differences;
+    m_out << kind.table << ": in another order in B, first "
+          << m_a.Model().Describe({kind.kind, a[matching.both[matching.firstMoved].first]}) << '\n';
+  }
+
+  void Only(const char* where, const Side& side, eds_ObjectID object) {
+    ++m_differences;
+    m_out << "only in " << where << ": " << side.Model().Describe(object) << '\n';
+  }
+
+  void CompareRecord(const eds_RecordInfo& kind, int64_t a, int64_t b) {
+    m_record = m_a.Model().Describe({kind.kind, a});
+    for (std::size_t i = 0; i < kind.fields.size(); ++i) {
+      if (inps_isProvenance(kind.kind, i)) continue;
+      const int field = static_cast<int>(i);
+      CompareField(kind.fields[i], m_a.Model().Value(kind.kind, a, field),
+                   m_b.Model().Value(kind.kind, b, field));
+    }
+    const std::string_view textA = m_a.Model().Annotation(kind.kind, a);
+    const std::string_view textB = m_b.Model().Annotation(kind.kind, b);
+    if (textA != textB) Differ("annotation", inps_quoted(textA), inps_quoted(textB));
+    CompareLinks(m_a.Model().Links(kind.kind, a), m_b.Model().Links(kind.kind, b));
+  }
+
+  // The head of a record stands above its first difference.
+  void Differ(std::string_view what, const cow_String& a, const cow_String& b) {
+    ++m_differences;
+    if (!m_record.empty()) m_out << m_record << '\n';
+    m_record.clear();
+    m_out << "  " << what << ": " << a << " | " << b << '\n';
+  }
+
+  bool SameObject(eds_ObjectID a, eds_ObjectID b) const {
+    if (a == b && (a.IsNull() || a.kind == eds_ObjectID::SymbolKind)) return true;
+    if (a.kind != b.kind) return false;
+    const auto partner = m_partner.find(a.Packed());
+    return partner != m_partner.end() && partner->second == b.id;
+  }
+
+  void CompareField(const eds_FieldInfo& info, const eds_FieldValue& a, const eds_FieldValue& b) {
+    const auto* objectA = std::get_if<eds_ObjectID>(&a);
+    const auto* objectB = std::get_if<eds_ObjectID>(&b);
+    if (objectA && objectB && objectA->kind == objectB->kind && !objectA->IsNull()) {
+      if (objectA->RecordKind() == eds_RecordKind::Array)
+        return CompareArrays(info.column, objectA->id, objectB->id);
+      if (objectA->RecordKind() == eds_RecordKind::CSet)
+        return CompareCSets(info.column, objectA->id, objectB->id);
+      if (SameObject(*objectA, *objectB)) return;
+    } else if (a == b || (inps_isDefault(info, a) && inps_isDefault(info, b))) {
+      return;
+    }
+    if (info.name == "Grid" && SameGrid(a, b)) return;
+    Differ(info.column, inps_valueText(m_a.Model(), info, a), inps_valueText(m_b.Model(), info, b));
+  }
+
+  // A grid names its collections by number, and those differ between files.
+  bool SameGrid(const eds_FieldValue& a, const eds_FieldValue& b) const {
+    const auto* textA = std::get_if<std::string_view>(&a);
+    const auto* textB = std::get_if<std::string_view>(&b);
+    if (!textA || !textB) return false;
+    const IDs idsA = Numbers(*textA);
+    const IDs idsB = Numbers(*textB);
+    return std::ranges::equal(idsA, idsB, [this](int64_t x, int64_t y) {
+      return SameObject({eds_RecordKind::Collection, x}, {eds_RecordKind::Collection, y});
+    });
+  }
+
+  static IDs Numbers(std::string_view text) {
+    IDs numbers;
+    int64_t value = 0;
+    const char* const end = text.data() + text.size();
+    const char* p = text.data();
+    while ((p = utl_readInt(p, end, value))) numbers.push_back(value);
+    return numbers;
+  }
+
+  void CompareCSets(std::string_view what, int64_t a, int64_t b) {
+    const eds_MemberSet membersA = m_a.Model().CSet(a);
+    const eds_MemberSet membersB = m_b.Model().CSet(b);
+    const eds_ObjectID overA = inps_refOf(m_a.Model(), eds_CSet_Collection, a);
+    const eds_ObjectID overB = inps_refOf(m_b.Model(), eds_CSet_Collection, b);
+    if (!SameObject(overA, overB))
+      Differ(what, "members of " + m_a.Model().Describe(overA),
+             "members of " + m_b.Model().Describe(overB));
+    if (membersA.SameSet(membersB)) return;
+    const int64_t common = std::min(membersA.Size(), membersB.Size());
+    int64_t first = 0;
+    while (first < common && membersA[first] == membersB[first]) ++first;
+    const auto text = [first](const eds_MemberSet& members) {
+      cow_String line = inps_counted(members.Size(), "member");
+      if (first < members.Size())
+        line += ", at " + std::to_string(first) + " " + std::to_string(members[first]);
+      return line;
+    };
+    Differ(what, text(membersA), text(membersB));
+  }
+
+  void CompareArrays(std::string_view what, int64_t a, int64_t b);
+  void CompareLinks(const std::vector<eds_LinkInfo>& a, const std::vector<eds_LinkInfo>& b);
+
+  Side m_a;
+  Side m_b;
+  aio_ostream& m_out;
+  std::unordered_map<uint64_t, int64_t> m_partner; // of A's records in B
+  std::unordered_set<uint64_t> m_sameArrays;       // those found equal before, by both numbers
+  cow_String m_record;                             // its head is still to be printed
+  long long m_differences = 0;
+};
+
+cow_String shapeText(const eds_ArrayReader& array) {
+  return std::to_string(array.Count()) + " x " + std::to_string(array.Width()) + " " +
+         cow_String(inps_valueTypeName(array.ValueType()));
+}
+
+// The items of two arrays of one type and width that are not the same bit by bit.
+struct ItemDifferences {
+  int64_t count = 0;
+  int64_t first = -1;
+  cow_String inA;
+  cow_String inB;
+
+  ItemDifferences(eds_ArrayReader& a, eds_ArrayReader& b)
+      : m_type(a.ValueType()),
+        m_itemSize(static_cast<std::size_t>(eds_sizeOf(m_type) * a.Width())) {
+    const int64_t common = std::min(a.Count(), b.Count());
+    cow_List<std::byte> other;
+    inps_forPieces(a, [&](int64_t firstItem, std::span<const std::byte> bytes) {
+      const auto rest = static_cast<std::size_t>(std::max<int64_t>(0, common - firstItem));
+      bytes = bytes.first(std::min(bytes.size(), rest * m_itemSize));
+      if (bytes.empty()) return false;
+      other.resize(bytes.size());
+      b.ReadItems(firstItem, other);
+      if (std::memcmp(other.data(), bytes.data(), bytes.size()) != 0)
+        ComparePiece(firstItem, bytes, other);
+      return true;
+    });
+  }
+
+private:
+  void ComparePiece(int64_t firstItem, std::span<const std::byte> a, std::span<const std::byte> b) {
+    for (std::size_t at = 0; at < a.size(); at += m_itemSize) {
+      if (std::memcmp(&a[at], &b[at], m_itemSize) == 0 || count++ > 0) continue;
+      first = firstItem + static_cast<int64_t>(at / m_itemSize);
+      inA = Text(&a[at]);
+      inB = Text(&b[at]);
+    }
+  }
+
+  cow_String Text(const std::byte* item) const {
+    cow_String values;
+    for (std::size_t at = 0; at < m_itemSize; at += static_cast<std::size_t>(eds_sizeOf(m_type)))
+      values += (at ? " " : "") + inps_itemValueText(m_type, item + at);
+    return values;
+  }
+
+  eds_ValueType m_type;
+  std::size_t m_itemSize;
+};
+
+void Diff::CompareArrays(std::string_view what, int64_t a, int64_t b) {
+  const uint64_t pair = (static_cast<uint64_t>(a) << 32) ^ static_cast<uint64_t>(b);
+  if (m_sameArrays.contains(pair)) return; // instances share the arrays of their parts
+  eds_ArrayReader arrayA = m_a.Model().Array(a);
+  eds_ArrayReader arrayB = m_b.Model().Array(b);
+  const bool sameItems =
+      arrayA.ValueType() == arrayB.ValueType() && arrayA.Width() == arrayB.Width();
+  const bool sameShape = sameItems && arrayA.Count() == arrayB.Count();
+  if (!sameShape) Differ(what, shapeText(arrayA), shapeText(arrayB));
+  if (!sameItems) return;
+  const ItemDifferences items(arrayA, arrayB);
+  if (items.count > 0)
+    Differ(cow_String(what) + ", " + inps_counted(items.count, "item differs", "items differ") +
+               ", first item " + std::to_string(items.first),
+           items.inA, items.inB);
+  else if (sameShape)
+    m_sameArrays.insert(pair);
+}
+
+void Diff::CompareLinks(const std::vector<eds_LinkInfo>& a, const std::vector<eds_LinkInfo>& b) {
+  const auto keys = [](const std::vector<eds_LinkInfo>& links) {
+    cow_List<cow_String> texts;
+    for (const eds_LinkInfo& link : links) texts.push_back(inps_linkText(link));
+    return texts;
+  };
+  const cow_List<cow_String> keysA = keys(a);
+  const inps_Matching matching(keysA, keys(b));
+  for (const auto& [inA, inB] : matching.both)
+    if (!SameObject(a[inA].target, b[inB].target))
+      Differ(keysA[inA], m_a.Model().Describe(a[inA].target), m_b.Model().Describe(b[inB].target));
+  for (const std::size_t i : matching.onlyA)
+    Differ(keysA[i], m_a.Model().Describe(a[i].target), "none");
+  for (const std::size_t i : matching.onlyB)
+    Differ(inps_linkText(b[i]), "none", m_b.Model().Describe(b[i].target));
+  if (matching.firstMoved < matching.both.size())
+    Differ("order of members", "first " + keysA[matching.both[matching.firstMoved].first],
+           "another");
+}
+
+} // namespace
+
+long long inps_diffModels(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out) {
+  return Diff(a, b, out).Run();
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "base/aio_ostream.h"
+
+class KvoObjDocument;
+
+// Compares two models record by record and prints what differs, arrays by their first difference
+// and the number of items that differ. Records belong together when their owners and names are the
+// same, nameless ones in their order. Returns the number of differences printed.
+long long inps_diffModels(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out);

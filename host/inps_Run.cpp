@@ -1,0 +1,75 @@
+#include "host/inps_Run.h"
+
+#include "host/inps_Arguments.h"
+#include "host/inps_Session.h"
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+namespace {
+
+inps_Reporter::Mode modeOf(const inps_Arguments& arguments) {
+  if (arguments.Has(inps_Opt::Json)) return inps_Reporter::Mode::Keep;
+  return arguments.Has(inps_Opt::Quiet) ? inps_Reporter::Mode::ErrorsOnly
+                                        : inps_Reporter::Mode::Show;
+}
+
+} // namespace
+
+inps_Run::inps_Run(inps_Session& session, const inps_Arguments& arguments)
+    : m_session(session), m_quiet(arguments.Has(inps_Opt::Quiet)),
+      m_strict(arguments.Has(inps_Opt::Strict)), m_showTimings(arguments.Has(inps_Opt::Timings)),
+      m_progress(session), m_reporter(session, modeOf(arguments), &m_progress),
+      m_installed(m_reporter),
+      m_timings([this](const cow_String& label) { m_progress.Show(label); }),
+      m_json(arguments.Has(inps_Opt::Json) ? std::make_unique<inps_Json>() : nullptr) {}
+
+inps_Run::~inps_Run() = default;
+
+void inps_Run::ShowCounts() {
+  m_progress.Clear();
+  if (IsJson()) return;
+  m_reporter.ShowFolded();
+  if (!m_quiet && m_reporter.Errors() + m_reporter.Warnings() > 0)
+    m_session.err << m_reporter.CountsText() << '\n';
+}
+
+int inps_Run::End(int exitCode) {
+  ShowCounts();
+  if (IsJson()) {
+    inps_addMessages(*m_json, m_reporter);
+    if (m_showTimings) (*m_json)["timings"] = inps_jsonOf(m_timings);
+    (*m_json)["seconds"] = m_timings.Seconds();
+    (*m_json)["exit"] = exitCode;
+    inps_printJson(m_session.out, *m_json);
+  } else if (m_showTimings) {
+    m_timings.Print(m_session.err);
+  }
+  return exitCode;
+}
+
+void inps_Run::Fail(const std::exception& failure) {
+  ShowCounts();
+  if (!IsJson()) return;
+  (*m_json)["failure"] = failure.what();
+  inps_addMessages(*m_json, m_reporter);
+  (*m_json)["exit"] = static_cast<int>(inps_ExitFailure);
+  inps_printJson(m_session.out, *m_json);
+}
+
+int inps_Run::NotModelled(const cow_List<inpS_NotModelled>& kinds) {
+  if (IsJson()) Json()["notModelled"] = inps_jsonOf(kinds);
+  if (kinds.empty()) return inps_ExitDone;
+  const bool show = !IsJson() && !m_quiet;
+  if (show) m_session.out << "not modelled, kept as text:\n";
+  std::size_t widest = 0;
+  for (const inpS_NotModelled& kind : kinds) widest = std::max(widest, kind.keyword.size());
+  for (const inpS_NotModelled& kind : kinds) {
+    if (!show) break;
+    m_session.out << "  *" << kind.keyword << cow_String(widest - kind.keyword.size() + 2, ' ')
+                  << inps_counted(kind.count, "time") << (kind.count == 1 ? ", at " : ", first at ")
+                  << kind.file << ':' << kind.line
+                  << (kind.known ? "" : "  (no keyword of the language)") << '\n';
+  }
+  return m_strict ? inps_ExitNotModelled : inps_ExitDone;
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/aio_ostream.h"
+#include "base/cow_Value.h"
+
+// How a run of the program ended, as the shell sees it.
+enum inps_Exit : int {
+  inps_ExitDone = 0,
+  inps_ExitFaults = 1,  // the deck has errors, the model has faults, or two models differ
+  inps_ExitUsage = 2,   // the words on the command line
+  inps_ExitFailure = 3, // files, disk, memory, or a fault of ours
+  inps_ExitNotModelled = 4,
+};
+
+// The streams of one run and what they are fit for. Data goes to `out`, messages to `err`.
+struct inps_Session {
+  aio_ostream& out;
+  aio_ostream& err;
+  bool colour = false;
+  bool progress = false;
+  int width = 0; // columns for source lines; 0: no terminal
+};
+
+// The whole program but the process around it. The words do not include the program's name.
+int inps_main(const cow_List<cow_String>& words, inps_Session& session);
+int inps_main(const cow_List<cow_String>& words, aio_ostream& out, aio_ostream& err);

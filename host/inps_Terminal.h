@@ -1,0 +1,42 @@
+#pragma once
+
+#include "base/cow_Value.h"
+#include <streambuf>
+
+// What the system says of the streams a program was started with.
+struct inps_TerminalFacts {
+  bool isTerminal = false; // messages go to a terminal
+  int width = 0;           // its columns, 0 when unknown
+};
+
+inps_TerminalFacts inps_messageTerminal();
+
+// A reader of our output that goes away must be a failing write and not the end of the program;
+// output is UTF-8 and has the line ends we write.
+void inps_prepareStreams();
+
+// A standard stream of the process as a stream buffer that remembers why it failed.
+class inps_StandardBuffer final : public std::streambuf {
+public:
+  enum class Stream : int { Out = 1, Err = 2 };
+
+  explicit inps_StandardBuffer(Stream stream);
+  ~inps_StandardBuffer() override;
+
+  bool ReaderIsGone() const { return m_readerIsGone; }    // of a pipe
+  const cow_String& Failure() const { return m_failure; } // the system's words, empty when none
+
+protected:
+  int_type overflow(int_type c) override;
+  std::streamsize xsputn(const char* data, std::streamsize size) override;
+  int sync() override;
+
+private:
+  bool Drain();
+  bool WriteAll(const char* data, std::size_t size);
+
+  int m_handle;
+  cow_List<char> m_room;
+  cow_String m_failure;
+  bool m_readerIsGone = false;
+};
