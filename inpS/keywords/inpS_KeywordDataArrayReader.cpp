@@ -32,7 +32,7 @@ void inpS_KeywordDataArrayReader::ReadFields(long long rowNum, int begin, int en
     const bool empty = field.kind == utl_FieldKind::None;
     if (field.kind == utl_FieldKind::String) m_unread.push_back({rowNum, col});
     m_record.push_back(empty ? DefaultOf(m_record.size()) : field.IsNumber() ? field.real : 0.0);
-    m_given.push_back(!empty);
+    m_given.push_back(empty ? 0 : 1);
   }
 }
 

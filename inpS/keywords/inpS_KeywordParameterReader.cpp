@@ -5,7 +5,7 @@
 
 namespace {
 
-void report(const inp_Keyword& keyword, inpS_AppMessage id, cow_List<inpS_MsgArg> args) {
+void report(const inp_Keyword& keyword, inpS_AppMessage id, const cow_List<inpS_MsgArg>& args) {
   inpS_Message message(keyword, inpS_Message::Application, id);
   message.AppendArgList(args);
   inpS_MessageContainer::Instance().AddMessage(std::move(message));

@@ -14,7 +14,7 @@ cow_String fileNameWithoutFolder(const cow_String& name) {
   return backslash == cow_String::npos ? name : name.substr(backslash + 1);
 }
 
-void send(const inpS_Message& message, cow_String text) {
+void send(const inpS_Message& message, const cow_String& text) {
   wip_Message out(inpS_toUtf8(text));
   out.place = message.Place(); // the keyword's name stands in the header already
   if (message.GetSeverity() == inpS_Message::Error)
