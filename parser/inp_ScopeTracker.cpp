@@ -9,21 +9,6 @@ namespace {
 
 using Kind = inp_Scope::Kind;
 
-Kind kindOpenedBy(inp_KeywordEnm keyword) {
-  switch (keyword) {
-  case inp_KwPart:
-    return Kind::Part;
-  case inp_KwInstance:
-    return Kind::Instance;
-  case inp_KwAssembly:
-    return Kind::Assembly;
-  case inp_KwStep:
-    return Kind::Step;
-  default:
-    return Kind::Model;
-  }
-}
-
 bool isCloser(inp_KeywordEnm keyword) {
   return keyword == inp_KwEndPart || keyword == inp_KwEndInstance || keyword == inp_KwEndAssembly ||
          keyword == inp_KwEndStep;
@@ -43,8 +28,23 @@ cow_String valueOf(const inp_KeywordBody& keyword, std::string_view name) {
 
 } // namespace
 
+inp_Scope::Kind inp_ScopeTracker::KindOpenedBy(inp_KeywordEnm keyword) {
+  switch (keyword) {
+  case inp_KwPart:
+    return Kind::Part;
+  case inp_KwInstance:
+    return Kind::Instance;
+  case inp_KwAssembly:
+    return Kind::Assembly;
+  case inp_KwStep:
+    return Kind::Step;
+  default:
+    return Kind::Model;
+  }
+}
+
 inp_ScopePtr inp_ScopeTracker::Enter(const std::shared_ptr<inp_KeywordBody>& keyword) {
-  const Kind opened = kindOpenedBy(keyword->kind);
+  const Kind opened = KindOpenedBy(keyword->kind);
   if (opened == Kind::Model && !isCloser(keyword->kind)) return Current();
   if (opened == Kind::Model) {
     CloseScope(keyword);

@@ -8,6 +8,9 @@ class inp_ScopeTracker {
 public:
   explicit inp_ScopeTracker(cow_List<wip_Message>& errors) : m_errors(errors) {}
 
+  // The kind of scope a keyword opens; Model when it opens none.
+  static inp_Scope::Kind KindOpenedBy(inp_KeywordEnm keyword);
+
   // The scope the keyword stands in; null at model level. Opens and closes scopes as it says.
   inp_ScopePtr Enter(const std::shared_ptr<inp_KeywordBody>& keyword);
   // At the end of the deck.
