@@ -2,22 +2,12 @@
 
 #include "base/aio_ostream.h"
 #include "inpS/framework/inpS_Inventory.h"
+#include "inpS/model/inpS_NotModelled.h"
 #include "inpS/inpS_Export.h"
 #include "parser/inp_Keyword.h"
 #include <memory>
-#include <set>
 
-class KvoObjLabeler;
 class inpS_SurfaceVisitor;
-
-// What a conversion did not model, one row per kind of keyword.
-struct inpS_NotModelled {
-  cow_String keyword;
-  long long count = 0;
-  cow_String file; // first place
-  long long line = 0;
-  bool known = true; // kept verbatim; false: a word the vocabulary does not know, kept as text too
-};
 
 // The one object through which a host turns a keyword deck into a filled simulation database.
 //
@@ -52,7 +42,7 @@ public:
   const inp_KeywordList& Keywords() const { return m_keywords; }
   const inpS_Inventory& Inventory() const { return m_inventory; }
   // After a conversion: what was kept verbatim instead of modelled, in deck order of first places.
-  cow_List<inpS_NotModelled> NotModelled() const;
+  const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
   // The keyword kinds that some phase converts.
   static cow_List<inp_KeywordEnm> ModelledKinds();
   // Lays the deck's digest and name into the database's own description.
@@ -60,41 +50,40 @@ public:
 
 private:
   struct Labelers;
+  struct Phase;
+  static const Phase* Phases();
+  static const Phase* RestartPhases();
+  bool RunPhases(const Phase* phases, const char* prefix, Labelers& labelers);
 
   bool InitializeSIM(const KvoObjDocument& document, const cow_String& modelString);
   bool ProcessModel();
   bool ProcessAssembly();
+  void KeepVerbatim(bool restart); // the keywords that no phase converts
+  bool ReadNodeLabeler(Labelers& labelers);
+  bool ReadElementLabeler(Labelers& labelers);
   bool ProcessAmplitudes();
   bool ProcessMaterials();
   bool ProcessConnectorBehaviors();
-  bool ProcessMesh(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
-  bool ProcessRestartMesh(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                          const inpS_Inventory& inventory);
-  bool ProcessSurfaces(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                       const inpS_Inventory& inventory);
-  bool ProcessRigidBodies(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                          const inpS_Inventory& inventory);
-  bool ProcessDistributions(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                            const inpS_Inventory& inventory);
-  bool ProcessOrientations(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                           const inpS_Inventory& inventory);
-  bool ProcessSections(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                       const inpS_Inventory& inventory);
-  bool ProcessConstraints(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                          const inpS_Inventory& inventory);
-  bool ProcessSteps(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
-  bool ProcessInteractions(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                           const inpS_Inventory& inventory);
-  bool ProcessInitialConditions(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                                const inpS_Inventory& inventory);
-  bool ProcessBoundaryConditions(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                                 const inpS_Inventory& inventory);
-  bool ProcessLoads(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
-  bool ProcessOutput(const cow_String& output);
-  bool ProcessSubstructureOutput(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                                 const inpS_Inventory& inventory);
-  bool ProcessCosimulation(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                           const inpS_Inventory& inventory);
+  bool ProcessMesh(Labelers& labelers);
+  bool ProcessRestartMesh(Labelers& labelers);
+  bool ProcessSurfaces(Labelers& labelers);
+  bool ProcessRigidBodies(Labelers& labelers);
+  bool ProcessDistributions(Labelers& labelers);
+  bool ProcessOrientations(Labelers& labelers);
+  bool ProcessSections(Labelers& labelers);
+  bool ProcessConstraints(Labelers& labelers);
+  bool ProcessSteps(Labelers& labelers);
+  bool ProcessInteractions(Labelers& labelers);
+  bool ProcessInitialConditions(Labelers& labelers);
+  bool ProcessBoundaryConditions(Labelers& labelers);
+  bool ProcessLoads(Labelers& labelers);
+  bool ProcessOutput(Labelers& labelers);
+  bool ProcessSubstructureOutput(Labelers& labelers);
+  bool ProcessCosimulation(Labelers& labelers);
+  bool ProcessSurfaceNodalAreas();
+  bool SaveNodeLabels(Labelers& labelers);
+  bool SaveElementLabels(Labelers& labelers);
+  template <class Visitor> bool Run(Labelers& labelers);
   static void DiscardEmptyKeywords(inp_KeywordList& keywords);
 
   cow_String m_stepString;
@@ -107,4 +96,5 @@ private:
   KvoObjDocument m_document;
   std::unique_ptr<inpS_SurfaceVisitor> m_surfaceVisitor;
   bool m_unsupportedFeaturesAsWarnings = false;
+  cow_List<inpS_NotModelled> m_notModelled;
 };

@@ -48,7 +48,8 @@ Missing translate(utl_Buffer<int>& nodes, const KvoObjLabeler& labeler, int occu
 } // namespace
 
 void inpS_ElementConnectivity::Append(inpS_ElementTopologyReader& reader, int spec, bool ragged,
-                                      long long first, const inp_Keyword& keyword) {
+                                      const cow_String& source, long long first,
+                                      const inp_Keyword& keyword) {
   if (reader.Count() == 0) return;
   const bool fits = !m_blocks.empty() && m_blocks.back().spec == spec &&
                     m_blocks.back().width == reader.Width() && m_blocks.back().source == source;

@@ -271,26 +271,30 @@ KvoSimCollection inpS_MeshStore::PartCollection(const inpS_MeshScope& part, inpS
   return collection;
 }
 
+// Node sets before element sets, as a deck written back has them.
 void inpS_MeshStore::SaveSets(inpS_SetResolver& resolver) {
+  for (inpS_MeshScope& scope : m_scopes.All())
+    for (const inpS_SetKind kind : {inpS_SetKind::Nodes, inpS_SetKind::Elements})
+      for (const inpS_SetDefinition& definition : scope.sets.All())
+        if (definition.kind == kind) SaveSet(scope, definition, resolver);
+}
+
+void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& definition,
+                             inpS_SetResolver& resolver) {
   const KvoObjMesh mesh = m_document.GetModel().GetMesh();
   const KvoSimContext context = m_document.Context();
-  for (inpS_MeshScope& scope : m_scopes.All()) {
-    for (const inpS_SetDefinition& definition : scope.sets.All()) {
-      const bool nodes = definition.kind == inpS_SetKind::Nodes;
-      KvoSimCollection collection = isPart(scope) ? PartCollection(scope, definition.kind)
-                                    : nodes       ? mesh.GetNodeCollection()
-                                                  : mesh.GetElementCollection();
-      const KvoSimCSetID members =
-          collection.CreateCSet(resolver.Members(scope, definition)).ID();
-      const auto save = [&](auto set) {
-        set.SetUnsorted(definition.unsorted);
-        set.SetMembership(members);
-        set.Bind(scope.owner, definition.internal);
-      };
-      if (nodes)
-        save(KvoObjNodeSet(context, definition.name));
-      else
-        save(KvoObjElementSet(context, definition.name));
-    }
-  }
+  const bool nodes = definition.kind == inpS_SetKind::Nodes;
+  KvoSimCollection collection = isPart(scope) ? PartCollection(scope, definition.kind)
+                                : nodes       ? mesh.GetNodeCollection()
+                                              : mesh.GetElementCollection();
+  const KvoSimCSetID members = collection.CreateCSet(resolver.Members(scope, definition)).ID();
+  const auto save = [&](auto set) {
+    set.SetUnsorted(definition.unsorted);
+    set.SetMembership(members);
+    set.Bind(scope.owner, definition.internal);
+  };
+  if (nodes)
+    save(KvoObjNodeSet(context, definition.name));
+  else
+    save(KvoObjElementSet(context, definition.name));
 }

@@ -7,6 +7,7 @@ class KvoObjLabeler;
 class KvoSimCollection;
 class inpS_ElementParameters;
 class inpS_SetResolver;
+struct inpS_SetDefinition;
 
 // Writes a gathered mesh into the database, inside the caller's transaction. A part is a pattern
 // with ordinals of its own; root and instances are laid into the flat mesh. An instance costs its
@@ -24,6 +25,8 @@ public:
   void SaveSets(inpS_SetResolver& resolver);
 
 private:
+  void SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& definition,
+               inpS_SetResolver& resolver);
   void SaveOwnNodes(inpS_MeshScope& scope);
   void SaveCopiedNodes(const inpS_MeshScope& scope, const inpS_MeshScope& part);
   void SaveOwnElements(inpS_MeshScope& scope, const cow_List<KvoSimPosition>& specs);

@@ -375,12 +375,17 @@ void inpS_MeshVisitor::Finish() {
 
 // ---- writing
 
+// In the order in which the mesh holds them, which is that of a deck written back.
 void inpS_MeshVisitor::SaveElementTypes(KvoSimTransaction&) {
-  for (ElementType& type : m_types) {
-    const inp_ElementInfo* info = inp_KeywordTable::Instance().FindElement(type.name);
-    const inpS_ElementParameters parameters(m_typeData, type.name);
-    type.spec = inpS_MeshStore::SaveElementType(m_inventory.GetDocument(), parameters,
-                                                info ? info->dimension : 0);
+  for (const inpS_MeshScope& scope : m_scopes.All()) {
+    for (const inpS_ElementBlock& block : scope.elements.Blocks()) {
+      ElementType& type = m_types[static_cast<std::size_t>(block.spec)];
+      if (!type.spec.IsNull()) continue;
+      const inp_ElementInfo* info = inp_KeywordTable::Instance().FindElement(type.name);
+      const inpS_ElementParameters parameters(m_typeData, type.name);
+      type.spec = inpS_MeshStore::SaveElementType(m_inventory.GetDocument(), parameters,
+                                                  info ? info->dimension : 0);
+    }
   }
 }
 

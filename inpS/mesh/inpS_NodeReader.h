@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/cow_Value.h"
 #include "inpS/mesh/inpS_NodeGenerator.h"
 
 class inp_Keyword;

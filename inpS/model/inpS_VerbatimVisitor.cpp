@@ -5,6 +5,7 @@
 #include "database/KvoSimTransaction.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
+#include <algorithm>
 
 namespace {
 
@@ -20,6 +21,16 @@ inpS_VerbatimVisitor::inpS_VerbatimVisitor(const inpS_Inventory& inventory,
     const auto index = static_cast<std::size_t>(kind);
     if (index >= m_modelled.size()) m_modelled.resize(index + 1);
     m_modelled[index] = true;
+  }
+}
+
+void inpS_VerbatimVisitor::ContinuePositions() {
+  const KvoSimContext context = m_inventory.GetDocument().Context();
+  for (const KvoSimPosition& kept : context.GetRecords(eds_RecordKind::VerbatimKeyword)) {
+    const KvoSimDataRecord record = kept.DataRecord();
+    const auto owner = record.GetReference(eds_VerbatimKeyword_Owner).Object().Packed();
+    int& next = m_positions[{owner, record.GetInt(eds_VerbatimKeyword_Block)}];
+    next = std::max(next, record.GetInt(eds_VerbatimKeyword_Position) + 1);
   }
 }
 

@@ -3,26 +3,20 @@
 #include "database/KvoSimPosition.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
+#include "inpS/model/inpS_NotModelled.h"
 
 // Keeps as text, at its level, every keyword that no phase converts, so that nothing of a deck is
 // lost: the writer puts it back in its place. One warning per kind of keyword, at its first place.
 class inpS_VerbatimVisitor : public inpS_Visitor {
 public:
-  // One row per kind of keyword kept.
-  struct Kept {
-    cow_String keyword;
-    long long count = 0;
-    cow_String file;
-    long long line = 0;
-    bool known = true;
-  };
-
   // modelled: the keyword kinds that some phase converts.
   inpS_VerbatimVisitor(const inpS_Inventory& inventory, const cow_List<inp_KeywordEnm>& modelled);
 
   void Visit(const inp_Keyword& keyword) override;
   void Report() override;
-  const cow_List<Kept>& AllKept() const { return m_kept; }
+  const cow_List<inpS_NotModelled>& AllKept() const { return m_kept; }
+  // Goes on behind what the database keeps already (restart).
+  void ContinuePositions();
 
 private:
   struct Place {
@@ -41,7 +35,7 @@ private:
   Place m_place{};
   int m_block = 0;
   cow_Map<std::pair<unsigned long long, int>, int> m_positions; // by owner and block
-  cow_List<Kept> m_kept;
+  cow_List<inpS_NotModelled> m_kept;
   cow_List<inp_Keyword> m_firsts;
   cow_Map<cow_String, std::size_t> m_byName;
 };

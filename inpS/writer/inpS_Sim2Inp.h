@@ -20,7 +20,8 @@ public:
 
   void Print(utl_Stream& out);
 
-private:
   struct Impl;
+
+private:
   std::unique_ptr<Impl> m_impl;
 };

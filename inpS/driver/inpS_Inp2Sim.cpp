@@ -1,0 +1,147 @@
+#include "inpS/driver/inpS_Inp2Sim.h"
+#include "base/bcu_ResourceMonitor.h"
+#include "base/wip_WIPBase.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "inpS/driver/inpS_Phases.h"
+#include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
+#include "inpS/mesh/inpS_MeshVisitor.h"
+#include "inpS/sets/inpS_SurfaceVisitor.h"
+#include "parser/inp_KeywordExpansionVisitor.h"
+#include "parser/inp_OrganizerVisitor.h"
+#include "parser/inp_Parser.h"
+#include "parser/inp_Utf8ValidityVisitor.h"
+
+inpS_Inp2Sim::inpS_Inp2Sim(const cow_String& deckPath, const cow_String& directory)
+    : m_deckPath(deckPath), m_directory(directory) {
+  m_inventory.SetInputDir(directory);
+}
+
+inpS_Inp2Sim::~inpS_Inp2Sim() = default;
+
+// ---- preparation
+
+bool inpS_Inp2Sim::Parse() {
+  // Flags: follow *INCLUDE, attach sub-options, keep no comments.
+  inp_Parser parser(m_deckPath, m_directory, {}, "", true, true, false);
+  m_keywords = parser.Parse(true);
+  wip_WIPBase& host = wip_WIPBase::Instance();
+  for (const auto* errors : {&parser.FileErrors(), &parser.SyntaxErrors()}) {
+    if (errors->empty()) continue;
+    host.ErrorList(*errors, 1);
+    return false;
+  }
+  if (!parser.Warnings().empty()) host.WarningList(parser.Warnings());
+  return true;
+}
+
+bool inpS_Inp2Sim::CheckUtf8Compliance() {
+  inp_Utf8ValidityVisitor visitor;
+  visitor.VisitListAndReport(m_keywords);
+  m_keywords = visitor.Keywords();
+  return !visitor.IsError();
+}
+
+bool inpS_Inp2Sim::Expand() {
+  inp_KeywordExpansionVisitor visitor;
+  visitor.SetDirectory(m_directory);
+  visitor.SetFlag(false);
+  visitor.VisitListAndReport(m_keywords);
+  m_keywords = visitor.Keywords();
+  m_featureEnhanced = visitor.IsFeatureEnhanced();
+  DiscardEmptyKeywords(m_keywords);
+  return !visitor.IsError();
+}
+
+bool inpS_Inp2Sim::Reorganize() {
+  inp_OrganizerVisitor visitor(m_featureEnhanced);
+  visitor.VisitListAndReport(m_keywords);
+  m_keywords = visitor.Keywords();
+  DiscardEmptyKeywords(m_keywords);
+  return !visitor.IsError();
+}
+
+void inpS_Inp2Sim::DiscardEmptyKeywords(inp_KeywordList& keywords) {
+  std::erase_if(keywords,
+                [](const inp_Keyword& keyword) { return keyword.Kind() == inp_NullKeyword; });
+}
+
+bool inpS_Inp2Sim::BuildInventory() {
+  m_inventory.VisitListAndReport(m_keywords);
+  return !m_inventory.IsError();
+}
+
+bool inpS_Inp2Sim::ReportUnsupportedFeatures(const KvoObjDocument& document) {
+  inpS_UnSupportedFeatureVisitor visitor(document);
+  if (m_unsupportedFeaturesAsWarnings) visitor.SetErrorsAsWarnings(true);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
+}
+
+bool inpS_Inp2Sim::IsSimDatabaseFeatureEnhanced(const KvoObjDocument& document) {
+  return document.GetModel().RetrieveOccurences().size() >= 1;
+}
+
+void inpS_Inp2Sim::SetFeatureEnhanced(bool enhanced) { m_featureEnhanced = enhanced; }
+
+void inpS_Inp2Sim::SetUnsupportedFeaturesAsWarnings(bool warnings) {
+  m_unsupportedFeaturesAsWarnings = warnings;
+}
+
+void inpS_Inp2Sim::Print(aio_ostream& out) const {
+  for (const inp_Keyword& keyword : m_keywords) keyword.Print(out);
+}
+
+cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds() {
+  cow_List<inp_KeywordEnm> kinds = {inp_KwHeading,     inp_KwPart,     inp_KwEndPart,
+                                    inp_KwAssembly,    inp_KwEndAssembly, inp_KwInstance,
+                                    inp_KwEndInstance, inp_KwParameter, inp_KwInclude};
+  const cow_List<inp_KeywordEnm>& mesh = inpS_MeshVisitor::ModelledKinds();
+  kinds.insert(kinds.end(), mesh.begin(), mesh.end());
+  return kinds;
+}
+
+// ---- the three conversions
+
+bool inpS_Inp2Sim::RunPhases(const Phase* phases, const char* prefix, Labelers& labelers) {
+  bool good = true;
+  for (const Phase* phase = phases; phase->tag; ++phase) {
+    const bcu_MarkScope mark(prefix, phase->tag);
+    const bool result = phase->run(*this, labelers);
+    if (phase->counted) good = result && good;
+  }
+  return good;
+}
+
+bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) {
+  m_document = document;
+  m_inventory.SetDocument(document);
+  Labelers labelers;
+  const bcu_MarkScope mark("inp2sim-", "convert");
+  return RunPhases(Phases(), "inp2sim-", labelers);
+}
+
+bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) {
+  m_document = document;
+  m_inventory.SetDocument(document);
+  if (IsSimDatabaseFeatureEnhanced(document)) {
+    m_inventory.SetFeatureEnhanced(true);
+    m_modelString = document.GetModel().DataRecord().ReturnString(eds_Model_ModelString);
+    m_featureEnhanced = true;
+  }
+  KeepVerbatim(true);
+  Labelers labelers;
+  return RunPhases(RestartPhases(), "inp2sim-", labelers);
+}
+
+bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
+                                               const cow_String&) {
+  m_document = document;
+  m_inventory.SetDocument(document);
+  Labelers labelers;
+  labelers.nodes.emplace(document, 0); // not read: recovery refers to no label of the mesh
+  labelers.elements.emplace(document, 1);
+  ProcessSteps(labelers);
+  ProcessOutput(labelers);
+  return true;
+}

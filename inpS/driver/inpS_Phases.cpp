@@ -1,0 +1,322 @@
+#include "inpS/driver/inpS_Phases.h"
+#include "database/KvoObjMesh.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimCollection.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimDistribution.h"
+#include "database/KvoSimGrid.h"
+#include "database/KvoSimTransaction.h"
+#include "inpS/history/inpS_AmplitudeVisitor.h"
+#include "inpS/history/inpS_BoundaryVisitor.h"
+#include "inpS/history/inpS_InitialConditionVisitor.h"
+#include "inpS/history/inpS_LoadVisitor.h"
+#include "inpS/history/inpS_OutputVisitor.h"
+#include "inpS/history/inpS_StepVisitor.h"
+#include "inpS/history/inpS_SubstructureOutputVisitor.h"
+#include "inpS/history/inpS_TimePointsVisitor.h"
+#include "inpS/interactions/inpS_ConnectorBehaviorVisitor.h"
+#include "inpS/interactions/inpS_ConstraintVisitor.h"
+#include "inpS/interactions/inpS_CosimulationVisitor.h"
+#include "inpS/interactions/inpS_InteractionPropertyVisitor.h"
+#include "inpS/interactions/inpS_InteractionVisitor.h"
+#include "inpS/interactions/inpS_RigidBodyVisitor.h"
+#include "inpS/materials/inpS_MaterialVisitor.h"
+#include "inpS/mesh/inpS_MeshVisitor.h"
+#include "inpS/mesh/inpS_UserNodeVisitor.h"
+#include "inpS/model/inpS_AssemblyVisitor.h"
+#include "inpS/model/inpS_ModelVisitor.h"
+#include "inpS/model/inpS_VerbatimVisitor.h"
+#include "inpS/properties/inpS_DistributionTableVisitor.h"
+#include "inpS/properties/inpS_DistributionVisitor.h"
+#include "inpS/properties/inpS_NodalThicknessVisitor.h"
+#include "inpS/properties/inpS_OrientationVisitor.h"
+#include "inpS/properties/inpS_SectionInventory.h"
+#include "inpS/properties/inpS_SectionVisitor.h"
+#include "inpS/sets/inpS_SurfaceVisitor.h"
+
+using Driver = inpS_Inp2Sim;
+
+const Driver::Phase* Driver::Phases() {
+  using L = Labelers;
+  static constexpr Phase phases[] = {
+      {"initializesim", [](Driver& d, L&) { return d.InitializeSIM(d.m_document, d.m_modelString); }, true},
+      {"model", [](Driver& d, L&) { return d.ProcessModel(); }, true},
+      {"assembly", [](Driver& d, L&) { return d.ProcessAssembly(); }, true},
+      {"nodelabeler", [](Driver& d, L& l) { return d.ReadNodeLabeler(l); }, false},
+      {"elemlabeler", [](Driver& d, L& l) { return d.ReadElementLabeler(l); }, false},
+      {"amplitudes", [](Driver& d, L&) { return d.ProcessAmplitudes(); }, true},
+      {"materials", [](Driver& d, L&) { return d.ProcessMaterials(); }, true},
+      {"conbehav", [](Driver& d, L&) { return d.ProcessConnectorBehaviors(); }, true},
+      {"mesh", [](Driver& d, L& l) { return d.ProcessMesh(l); }, true},
+      {"surfaces", [](Driver& d, L& l) { return d.ProcessSurfaces(l); }, true},
+      {"rigidbodies", [](Driver& d, L& l) { return d.ProcessRigidBodies(l); }, true},
+      {"distributions", [](Driver& d, L& l) { return d.ProcessDistributions(l); }, true},
+      {"orientations", [](Driver& d, L& l) { return d.ProcessOrientations(l); }, true},
+      {"sections", [](Driver& d, L& l) { return d.ProcessSections(l); }, true},
+      {"constraints", [](Driver& d, L& l) { return d.ProcessConstraints(l); }, true},
+      {"steps", [](Driver& d, L& l) { return d.ProcessSteps(l); }, true},
+      {"interactions", [](Driver& d, L& l) { return d.ProcessInteractions(l); }, true},
+      {"ics", [](Driver& d, L& l) { return d.ProcessInitialConditions(l); }, true},
+      {"bcs", [](Driver& d, L& l) { return d.ProcessBoundaryConditions(l); }, true},
+      {"loads", [](Driver& d, L& l) { return d.ProcessLoads(l); }, true},
+      {"output", [](Driver& d, L& l) { return d.ProcessOutput(l); }, true},
+      {"cosim", [](Driver& d, L& l) { return d.ProcessCosimulation(l); }, true},
+      {"surfnodearea", [](Driver& d, L&) { return d.ProcessSurfaceNodalAreas(); }, false},
+      {nullptr, nullptr, false}};
+  return phases;
+}
+
+const Driver::Phase* Driver::RestartPhases() {
+  using L = Labelers;
+  static constexpr Phase phases[] = {
+      {"res-nodelabeler", [](Driver& d, L& l) { return d.ReadNodeLabeler(l); }, false},
+      {"res-elemlabeler", [](Driver& d, L& l) { return d.ReadElementLabeler(l); }, false},
+      {"res-amplitudes", [](Driver& d, L&) { return d.ProcessAmplitudes(); }, true},
+      {"res-mesh", [](Driver& d, L& l) { return d.ProcessRestartMesh(l); }, true},
+      {"res-substructout", [](Driver& d, L& l) { return d.ProcessSubstructureOutput(l); }, true},
+      {"res-surf", [](Driver& d, L& l) { return d.ProcessSurfaces(l); }, false},
+      {"res-steps", [](Driver& d, L& l) { return d.ProcessSteps(l); }, true},
+      {"res-interactions", [](Driver& d, L& l) { return d.ProcessInteractions(l); }, true},
+      {"res-bcs", [](Driver& d, L& l) { return d.ProcessBoundaryConditions(l); }, true},
+      {"res-loads", [](Driver& d, L& l) { return d.ProcessLoads(l); }, true},
+      {"res-output", [](Driver& d, L& l) { return d.ProcessOutput(l); }, true},
+      {"res-cosim", [](Driver& d, L& l) { return d.ProcessCosimulation(l); }, true},
+      {"res-surfnodearea", [](Driver& d, L&) { return d.ProcessSurfaceNodalAreas(); }, false},
+      {"res-savenodes", [](Driver& d, L& l) { return d.SaveNodeLabels(l); }, false},
+      {"res-saveelems", [](Driver& d, L& l) { return d.SaveElementLabels(l); }, false},
+      {nullptr, nullptr, false}};
+  return phases;
+}
+
+template <class Visitor> bool Driver::Run(Labelers& labelers) {
+  Visitor visitor(*labelers.nodes, *labelers.elements, m_inventory);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
+}
+
+// ---- skeleton, parts, assembly
+
+bool Driver::InitializeSIM(const KvoObjDocument& document, const cow_String& modelString) {
+  KvoSimTransaction transaction(document.ContextID());
+  const KvoObjModel owner = document.GetModel();
+  const KvoSimPosition model(document.Context());
+  if (!m_inventory.Heading().empty()) model.SetAnnotation(m_inventory.Heading());
+  KvoSimDataRecord record = owner.DataRecord();
+  if (!modelString.empty()) record.SetString(eds_Model_ModelString, modelString);
+  record.SetInt(eds_Model_Dimensions, m_inventory.NumberSpatialDimensions());
+  record.SetBool(eds_Model_FeatureEnhanced, m_inventory.IsFeatureEnhanced());
+
+  const auto attach = [&](const KvoSimPosition& to, eds_CollectionKind kind) {
+    const KvoSimPosition collection = to.CreateTypedCollection(kind);
+    to.Associate(eds_Member::Collections, collection);
+    return collection.AsCollection();
+  };
+  attach(model, eds_CollectionKind::NodeSet);
+  KvoObjMesh mesh;
+  mesh.Register(document);
+  KvoObjModel(owner).SetMesh(mesh);
+  const KvoSimPosition at = mesh.Position();
+  const KvoSimCollection nodes = at.CreateTypedCollection(eds_CollectionKind::Node).AsCollection();
+  const KvoSimCollection elements =
+      at.CreateTypedCollection(eds_CollectionKind::Element).AsCollection();
+  mesh.SetNodeCollection(nodes);
+  mesh.SetElementCollection(elements);
+  attach(model, eds_CollectionKind::ElementSet);
+  const KvoSimCollection points = document.GetPointCollection();
+  const KvoSimDSet connectivity = document.CreateTypedDSet(
+      eds_DataType::Connectivity, KvoSimGrid{elements, points, nodes});
+  mesh.SetConnectivity(connectivity);
+  attach(model, eds_CollectionKind::Occurrence);
+  attach(at, eds_CollectionKind::Region);
+  const KvoSimGrid byNode{nodes, document.GetComponentCollection()};
+  const KvoSimRangeType vectors(eds_ValueType::Double, 3);
+  mesh.SetCoordinates(document.CreateTypedDistribution(eds_DataType::Coordinates, byNode, vectors));
+  mesh.SetNodeNormals(document.CreateTypedDistribution(eds_DataType::NodeNormals, byNode, vectors));
+
+  const KvoSimPosition defaults = at.CreateDataRecord(eds_RecordKind::MeshDefaults);
+  at.SetPosition(eds_Member::MeshDefaults, defaults);
+  attach(defaults, eds_CollectionKind::UserNode);
+  attach(defaults, eds_CollectionKind::UserElement);
+  transaction.Commit();
+  return true;
+}
+
+bool Driver::ProcessModel() {
+  inpS_ModelVisitor visitor(m_inventory);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
+}
+
+// Once parts and instances stand, the keywords that no phase converts are kept with their owners.
+bool Driver::ProcessAssembly() {
+  inpS_AssemblyVisitor visitor(m_inventory);
+  visitor.VisitList(m_keywords);
+  visitor.ReportUnreferredParameters(
+      m_keywords, {inp_KwPart, inp_KwAssembly, inp_KwInstance, inp_KwHeading});
+  visitor.Report();
+
+  KeepVerbatim(false);
+  return !visitor.IsError();
+}
+
+void Driver::KeepVerbatim(bool restart) {
+  inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds());
+  if (restart) visitor.ContinuePositions();
+  visitor.VisitListAndReport(m_keywords);
+  m_notModelled = visitor.AllKept();
+}
+
+bool Driver::ReadNodeLabeler(Labelers& labelers) {
+  labelers.nodes.emplace(m_document, 0);
+  labelers.nodes->Read();
+  return true;
+}
+
+bool Driver::ReadElementLabeler(Labelers& labelers) {
+  labelers.elements.emplace(m_document, 1);
+  labelers.elements->Read();
+  m_surfaceVisitor.reset();
+  m_surfaceVisitor =
+      std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements, m_inventory);
+  return true;
+}
+
+// ---- model data
+
+bool Driver::ProcessAmplitudes() {
+  inpS_AmplitudeVisitor visitor(m_inventory);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
+}
+
+bool Driver::ProcessMaterials() {
+  inpS_MaterialVisitor visitor(m_inventory);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
+}
+
+bool Driver::ProcessConnectorBehaviors() {
+  inpS_ConnectorBehaviorVisitor visitor(m_inventory);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
+}
+
+// A failed mesh is committed as far as it got: element types and beams' extra nodes stay, nodes and
+// elements are not written.
+bool Driver::ProcessMesh(Labelers& labelers) {
+  inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
+  mesh.VisitListAndReport(m_keywords);
+  KvoSimTransaction transaction(m_document.ContextID());
+  mesh.SaveBeamExtraNodes(transaction);
+  mesh.SaveElementTypes(transaction);
+  bool good = !mesh.IsError();
+  if (good) {
+    mesh.SaveMeshAndUserNodes(transaction);
+    mesh.SaveMeshAndUserElements(transaction);
+    mesh.SaveSets(transaction);
+    good = Run<inpS_UserNodeVisitor>(labelers);
+  }
+  if (good) {
+    labelers.nodes->Save(transaction);
+    labelers.elements->Save(transaction);
+  }
+  transaction.Commit();
+  return good;
+}
+
+bool Driver::ProcessSurfaces(Labelers& labelers) {
+  if (!m_surfaceVisitor)
+    m_surfaceVisitor =
+        std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements, m_inventory);
+  m_surfaceVisitor->VisitListAndReport(m_keywords);
+  return !m_surfaceVisitor->IsError();
+}
+
+bool Driver::ProcessRigidBodies(Labelers& labelers) { return Run<inpS_RigidBodyVisitor>(labelers); }
+
+bool Driver::ProcessDistributions(Labelers& labelers) {
+  return Run<inpS_DistributionTableVisitor>(labelers) && Run<inpS_DistributionVisitor>(labelers);
+}
+
+bool Driver::ProcessOrientations(Labelers& labelers) {
+  return Run<inpS_OrientationVisitor>(labelers);
+}
+
+bool Driver::ProcessSections(Labelers& labelers) {
+  if (!Run<inpS_SectionInventory>(labelers)) return false;
+  Run<inpS_NodalThicknessVisitor>(labelers);
+  return Run<inpS_SectionVisitor>(labelers);
+}
+
+bool Driver::ProcessConstraints(Labelers& labelers) { return Run<inpS_ConstraintVisitor>(labelers); }
+
+// ---- history
+
+bool Driver::ProcessSteps(Labelers& labelers) {
+  return Run<inpS_TimePointsVisitor>(labelers) && Run<inpS_StepVisitor>(labelers);
+}
+
+bool Driver::ProcessInteractions(Labelers& labelers) {
+  return Run<inpS_InteractionPropertyVisitor>(labelers) && Run<inpS_InteractionVisitor>(labelers);
+}
+
+bool Driver::ProcessInitialConditions(Labelers& labelers) {
+  return Run<inpS_InitialConditionVisitor>(labelers);
+}
+
+bool Driver::ProcessBoundaryConditions(Labelers& labelers) {
+  return Run<inpS_BoundaryVisitor>(labelers);
+}
+
+bool Driver::ProcessLoads(Labelers& labelers) { return Run<inpS_LoadVisitor>(labelers); }
+
+bool Driver::ProcessOutput(Labelers&) {
+  inpS_OutputVisitor visitor(m_inventory);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
+}
+
+bool Driver::ProcessCosimulation(Labelers& labelers) {
+  return Run<inpS_CosimulationVisitor>(labelers);
+}
+
+bool Driver::ProcessSurfaceNodalAreas() {
+  m_surfaceVisitor.reset();
+  return true;
+}
+
+// ---- restart
+
+bool Driver::ProcessRestartMesh(Labelers& labelers) {
+  inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
+  mesh.VisitListAndReport(m_keywords);
+  bool good = !mesh.IsError();
+  KvoSimTransaction transaction(m_document.ContextID());
+  mesh.SaveElementTypes(transaction);
+  if (good) {
+    mesh.SaveMeshAndUserNodes(transaction);
+    mesh.SaveMeshAndUserElements(transaction);
+    mesh.SaveSets(transaction);
+  }
+  transaction.Commit();
+  good = Run<inpS_UserNodeVisitor>(labelers) && good;
+  return Run<inpS_SurfaceVisitor>(labelers) && good;
+}
+
+bool Driver::ProcessSubstructureOutput(Labelers& labelers) {
+  return Run<inpS_SubstructureOutputVisitor>(labelers);
+}
+
+bool Driver::SaveNodeLabels(Labelers& labelers) {
+  KvoSimTransaction transaction(m_document.ContextID());
+  labelers.nodes->Save(transaction);
+  transaction.Commit();
+  return true;
+}
+
+bool Driver::SaveElementLabels(Labelers& labelers) {
+  KvoSimTransaction transaction(m_document.ContextID());
+  labelers.elements->Save(transaction);
+  transaction.Commit();
+  return true;
+}

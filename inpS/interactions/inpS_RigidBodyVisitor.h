@@ -1,0 +1,9 @@
+#pragma once
+
+#include "inpS/sets/inpS_SetVisitor.h"
+
+// The rigid bodies phase. It converts no keyword yet: they are kept as text.
+class inpS_RigidBodyVisitor : public inpS_SetVisitor {
+public:
+  using inpS_SetVisitor::inpS_SetVisitor;
+};

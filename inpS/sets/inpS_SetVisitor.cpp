@@ -1,0 +1,255 @@
+#include "inpS/sets/inpS_SetVisitor.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimCSet.h"
+#include "database/KvoSimDataRecord.h"
+#include "parser/inp_Utils.h"
+#include <cstdlib>
+
+namespace {
+
+KvoSimCSet membershipOf(const KvoSimPosition& set) {
+  return set.DataRecord().GetSet(set.IsA(eds_RecordKind::NodeSet) ? eds_NodeSet_Membership
+                                                                  : eds_ElementSet_Membership);
+}
+
+} // namespace
+
+inpS_SetVisitor::inpS_SetVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                                 const inpS_Inventory& inventory)
+    : m_nodes(nodes), m_elements(elements), m_inventory(inventory) {}
+
+// ---- where the walk stands
+
+KvoSimPosition inpS_SetVisitor::OwnerOf(const inp_Scope& scope) const {
+  const KvoObjModel model = m_inventory.GetDocument().GetModel();
+  if (scope.kind == inp_Scope::Kind::Part) return model.GetPart(scope.name);
+  if (scope.kind == inp_Scope::Kind::Instance) return model.GetOccurence(scope.name);
+  const KvoSimPosition assembly = model.GetAssembly();
+  return assembly.IsNull() ? model.Position() : assembly;
+}
+
+void inpS_SetVisitor::Visit(const inp_Keyword& keyword) {
+  if (keyword.ScopePtr() != m_scope || m_owner.IsNull()) {
+    m_scope = keyword.ScopePtr();
+    const inp_Scope& scope = keyword.Scope();
+    m_owner = OwnerOf(scope);
+    m_part = scope.kind == inp_Scope::Kind::Part       ? scope.name
+             : scope.kind == inp_Scope::Kind::Instance ? scope.partName
+                                                       : cow_String();
+    m_instance = scope.kind == inp_Scope::Kind::Instance ? scope.name : cow_String();
+    m_step = scope.kind == inp_Scope::Kind::Step ? scope.name : cow_String();
+    m_system.FillIdentity();
+    if (m_instance.empty()) m_instanceSystem.FillIdentity();
+  }
+  inpS_Visitor::Visit(keyword);
+}
+
+void inpS_SetVisitor::VisitSystem(const inp_Keyword& keyword) { m_system.ReadSystem(keyword); }
+
+void inpS_SetVisitor::VisitInstance(const inp_Keyword& keyword) {
+  m_instanceSystem.ReadInstance(keyword);
+}
+
+// ---- sets by name
+
+inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) {
+  const KvoObjModel model = m_inventory.GetDocument().GetModel();
+  const bool nodes = kind == Kind::Nodes;
+  const eds_Member named = nodes ? eds_Member::NodeSets : eds_Member::ElementSets;
+  const eds_Member internal = nodes ? eds_Member::InternalNodeSets : eds_Member::InternalElementSets;
+  const auto in = [&](const KvoSimPosition& owner, const cow_String& key) {
+    const KvoSimPosition set = owner.FollowStringKey(named, key);
+    return set.IsNull() ? owner.FollowStringKey(internal, key) : set;
+  };
+  KvoSimPosition owner = m_owner;
+  cow_String key = RemoveQuotes(name);
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(key);
+  if (inp_Utils::IsScopedSetName(parts)) {
+    owner = model.GetOccurence(parts[parts.size() - 2]);
+    key = parts.back();
+  }
+  if (owner.IsNull()) return {};
+  if (const KvoSimPosition own = in(owner, key); !own.IsNull()) return {own, 0};
+  if (!owner.IsA(eds_RecordKind::Instance)) return {};
+  const KvoSimDataRecord instance = owner.DataRecord();
+  const KvoSimPosition part = instance.GetReference(eds_Instance_Part);
+  if (part.IsNull()) return {};
+  const KvoSimPosition ofPart = in(part, key);
+  if (ofPart.IsNull()) return {};
+  return {ofPart,
+          instance.GetInt64(nodes ? eds_Instance_FirstNode : eds_Instance_FirstElement)};
+}
+
+KvoSimPosition inpS_SetVisitor::GetNodeSet(const cow_String& name) {
+  return Find(Kind::Nodes, name).set;
+}
+
+KvoSimPosition inpS_SetVisitor::GetElementSet(const cow_String& name) {
+  return Find(Kind::Elements, name).set;
+}
+
+// No phase writes surfaces yet, so none has a name.
+KvoSimPosition inpS_SetVisitor::GetSurface(const cow_String&) { return {}; }
+
+bool inpS_SetVisitor::MembersOf(Kind kind, const cow_String& name, eds_MemberSet& ordinals) {
+  const Found found = Find(kind, name);
+  if (found.set.IsNull()) return false;
+  const KvoSimCSet members = membershipOf(found.set);
+  if (members.IsNull()) {
+    ordinals = {};
+    return true;
+  }
+  ordinals = members.Set();
+  if (found.offset == 0) return true;
+  if (ordinals.IsStrided()) {
+    ordinals = eds_MemberSet::Strided(static_cast<int>(ordinals.First() + found.offset),
+                                      ordinals.Size(), ordinals.Stride());
+    return true;
+  }
+  std::vector<int> moved = ordinals.Members();
+  for (int& member : moved) member += static_cast<int>(found.offset);
+  ordinals = eds_MemberSet::Ordered(std::move(moved));
+  return true;
+}
+
+bool inpS_SetVisitor::GetNodeSetMembers(const cow_String& name, eds_MemberSet& ordinals) {
+  return MembersOf(Kind::Nodes, name, ordinals);
+}
+
+bool inpS_SetVisitor::GetElementSetMembers(const cow_String& name, eds_MemberSet& ordinals) {
+  return MembersOf(Kind::Elements, name, ordinals);
+}
+
+void inpS_SetVisitor::LabelsOf(Kind kind, const KvoSimPosition& set, cow_List<int>& labels) const {
+  labels.clear();
+  const KvoSimCSet members = membershipOf(set);
+  if (members.IsNull()) return;
+  const KvoObjLabeler& labeler = LabelerOf(kind);
+  const KvoSimPosition owner = set.DataRecord().GetReference(kind == Kind::Nodes
+                                                                 ? eds_NodeSet_Owner
+                                                                 : eds_ElementSet_Owner);
+  if (owner.IsA(eds_RecordKind::Part)) {
+    labels = labeler.GetInstanceSetLabels(labeler.FindOccurrence(owner), members.Set());
+    return;
+  }
+  labels.reserve(static_cast<std::size_t>(members.Size()));
+  for (long long n = 0; n < members.Size(); ++n) {
+    int64_t ordinal = 0;
+    const int occurrence = labeler.OccurrenceOfFlat(members.Set()[n], ordinal);
+    labels.push_back(labeler.GetInstanceLabel(occurrence, ordinal));
+  }
+}
+
+void inpS_SetVisitor::GetNodeLabels(const KvoSimPosition& set, cow_List<int>& labels) const {
+  LabelsOf(Kind::Nodes, set, labels);
+}
+
+void inpS_SetVisitor::GetElementLabels(const KvoSimPosition& set, cow_List<int>& labels) const {
+  LabelsOf(Kind::Elements, set, labels);
+}
+
+// ---- labels
+
+int inpS_SetVisitor::GetNodeLabel(long long ordinal) const {
+  int64_t local = ordinal;
+  const int occurrence = m_owner.IsA(eds_RecordKind::Part)
+                             ? m_nodes.FindOccurrence(m_owner)
+                             : m_nodes.OccurrenceOfFlat(ordinal, local);
+  return m_nodes.GetInstanceLabel(occurrence, local);
+}
+
+int inpS_SetVisitor::GetElementLabel(long long ordinal) const {
+  int64_t local = ordinal;
+  const int occurrence = m_owner.IsA(eds_RecordKind::Part)
+                             ? m_elements.FindOccurrence(m_owner)
+                             : m_elements.OccurrenceOfFlat(ordinal, local);
+  return m_elements.GetInstanceLabel(occurrence, local);
+}
+
+bool inpS_SetVisitor::OrdinalOf(Kind kind, const KvoSimPosition& owner, int label,
+                                long long& ordinal) const {
+  const KvoObjLabeler& labeler = LabelerOf(kind);
+  const int occurrence = owner.IsNull() ? -1 : labeler.FindOccurrence(owner);
+  if (occurrence < 0) return false;
+  const int local = labeler.ConvertInstanceLabel(occurrence, label);
+  if (local < 0) return false;
+  const bool flat = !owner.IsA(eds_RecordKind::Part) && labeler.FlatFirst(occurrence) > 0;
+  ordinal = local + (flat ? labeler.FlatFirst(occurrence) : 0);
+  return true;
+}
+
+bool inpS_SetVisitor::GetNodeOrdinal(int label, long long& ordinal) const {
+  return OrdinalOf(Kind::Nodes, m_owner, label, ordinal);
+}
+
+bool inpS_SetVisitor::GetElementOrdinal(int label, long long& ordinal) const {
+  return OrdinalOf(Kind::Elements, m_owner, label, ordinal);
+}
+
+// ---- fields and parameters that are labels or names of sets
+
+bool inpS_SetVisitor::AddField(Kind kind, const cow_String& text, bool isLabel,
+                               cow_List<int>& ordinals) {
+  long long ordinal = 0;
+  if (isLabel) {
+    if (!OrdinalOf(kind, m_owner, std::atoi(text.c_str()), ordinal)) return false;
+    ordinals.push_back(static_cast<int>(ordinal));
+    return true;
+  }
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(text);
+  if (inp_Utils::IsScopedSetId(parts)) {
+    const KvoSimPosition instance =
+        m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]);
+    if (!OrdinalOf(kind, instance, std::atoi(parts.back().c_str()), ordinal)) return false;
+    ordinals.push_back(static_cast<int>(ordinal));
+    return true;
+  }
+  eds_MemberSet members;
+  if (!MembersOf(kind, text, members)) return false;
+  for (long long n = 0; n < members.Size(); ++n) ordinals.push_back(members[n]);
+  return true;
+}
+
+void inpS_SetVisitor::ReadData(Kind kind, const inp_Keyword& keyword, long long row, int col,
+                               cow_List<int>& ordinals, cow_List<cow_String>& unknown) {
+  const inp_DataArray& data = keyword.Data();
+  for (int cols = data.Cols(row); col < cols; ++col) {
+    if (!data.HasValue(row, col)) continue;
+    const cow_String text = data.AsString(row, col);
+    if (!AddField(kind, text, data.Type(row, col) == inp_FieldType::Integer, ordinals))
+      unknown.push_back(text);
+  }
+}
+
+void inpS_SetVisitor::ReadParameter(Kind kind, const inp_Keyword& keyword,
+                                    std::string_view parameter, cow_List<int>& ordinals,
+                                    cow_List<cow_String>& unknown) {
+  const inp_Item* item = keyword.Find(parameter);
+  if (!item || item->IsFlag()) return;
+  if (!AddField(kind, item->AsString(), item->GetKind() == inp_Item::Kind::Integer, ordinals))
+    unknown.push_back(item->AsString());
+}
+
+void inpS_SetVisitor::ReadNodeData(const inp_Keyword& keyword, long long row, int col,
+                                   cow_List<int>& ordinals, cow_List<cow_String>& unknown) {
+  ReadData(Kind::Nodes, keyword, row, col, ordinals, unknown);
+}
+
+void inpS_SetVisitor::ReadElementData(const inp_Keyword& keyword, long long row, int col,
+                                      cow_List<int>& ordinals, cow_List<cow_String>& unknown) {
+  ReadData(Kind::Elements, keyword, row, col, ordinals, unknown);
+}
+
+void inpS_SetVisitor::ReadNodeParameter(const inp_Keyword& keyword, std::string_view parameter,
+                                        cow_List<int>& ordinals, cow_List<cow_String>& unknown) {
+  ReadParameter(Kind::Nodes, keyword, parameter, ordinals, unknown);
+}
+
+void inpS_SetVisitor::ReadElementParameter(const inp_Keyword& keyword, std::string_view parameter,
+                                           cow_List<int>& ordinals, cow_List<cow_String>& unknown) {
+  ReadParameter(Kind::Elements, keyword, parameter, ordinals, unknown);
+}
+
+cow_String inpS_SetVisitor::RemoveQuotes(const cow_String& name) {
+  return inp_Utils::RemoveQuotes(name);
+}

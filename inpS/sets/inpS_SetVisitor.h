@@ -1,0 +1,93 @@
+#pragma once
+
+#include "database/KvoObjLabeler.h"
+#include "database/KvoSimPosition.h"
+#include "database/eds_MemberSet.h"
+#include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_System.h"
+#include "inpS/framework/inpS_Visitor.h"
+
+// Base of the visitors that refer to nodes, elements and sets: it knows where in the deck the walk
+// stands (part, instance, step, coordinate system) and looks labels and sets up from there.
+//
+// A name without a scope is looked for in the owner that is open (model, assembly, part or instance)
+// and, inside an instance, then in its part; "instance.name" and "instance.label" name an instance of
+// the assembly. Ordinals are flat ordinals of the mesh, inside a part those of the part.
+class inpS_SetVisitor : public inpS_Visitor {
+public:
+  inpS_SetVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
+
+  void Visit(const inp_Keyword& keyword) override;
+  void VisitSystem(const inp_Keyword& keyword) override;
+  void VisitInstance(const inp_Keyword& keyword) override;
+
+  const cow_String& CurrentPart() const { return m_part; }
+  const cow_String& CurrentInstance() const { return m_instance; }
+  const cow_String& CurrentStep() const { return m_step; }
+  const inpS_System& System() const { return m_system; }
+  const inpS_System& InstanceSystem() const { return m_instanceSystem; }
+
+  KvoSimPosition GetNodeSet(const cow_String& name);
+  KvoSimPosition GetElementSet(const cow_String& name);
+  KvoSimPosition GetSurface(const cow_String& name);
+  // The members of a named set as ordinals; false when there is no such set.
+  bool GetNodeSetMembers(const cow_String& name, eds_MemberSet& ordinals);
+  bool GetElementSetMembers(const cow_String& name, eds_MemberSet& ordinals);
+
+  // Labels of a set's members within their owners.
+  void GetNodeLabels(const KvoSimPosition& set, cow_List<int>& labels) const;
+  void GetElementLabels(const KvoSimPosition& set, cow_List<int>& labels) const;
+
+  int GetNodeLabel(long long ordinal) const;
+  int GetElementLabel(long long ordinal) const;
+  bool GetNodeOrdinal(int label, long long& ordinal) const; // false when the label is unknown
+  bool GetElementOrdinal(int label, long long& ordinal) const;
+
+  // The fields of a data line, from one column on, taken as labels or set names; what cannot be found
+  // goes to `unknown`.
+  void ReadNodeData(const inp_Keyword& keyword, long long row, int col, cow_List<int>& ordinals,
+                    cow_List<cow_String>& unknown);
+  void ReadElementData(const inp_Keyword& keyword, long long row, int col, cow_List<int>& ordinals,
+                       cow_List<cow_String>& unknown);
+  void ReadNodeParameter(const inp_Keyword& keyword, std::string_view parameter,
+                         cow_List<int>& ordinals, cow_List<cow_String>& unknown);
+  void ReadElementParameter(const inp_Keyword& keyword, std::string_view parameter,
+                            cow_List<int>& ordinals, cow_List<cow_String>& unknown);
+  static cow_String RemoveQuotes(const cow_String& name);
+
+protected:
+  const inpS_Inventory& Inventory() const { return m_inventory; }
+  KvoObjLabeler& NodeLabeler() { return m_nodes; }
+  KvoObjLabeler& ElementLabeler() { return m_elements; }
+
+private:
+  enum class Kind { Nodes, Elements };
+  struct Found {
+    KvoSimPosition set;
+    long long offset = 0; // from the set's ordinals to those of the owner that is open
+  };
+  KvoSimPosition OwnerOf(const inp_Scope& scope) const;
+  Found Find(Kind kind, const cow_String& name);
+  bool MembersOf(Kind kind, const cow_String& name, eds_MemberSet& ordinals);
+  bool OrdinalOf(Kind kind, const KvoSimPosition& owner, int label, long long& ordinal) const;
+  void LabelsOf(Kind kind, const KvoSimPosition& set, cow_List<int>& labels) const;
+  bool AddField(Kind kind, const cow_String& text, bool isLabel, cow_List<int>& ordinals);
+  void ReadData(Kind kind, const inp_Keyword& keyword, long long row, int col,
+                cow_List<int>& ordinals, cow_List<cow_String>& unknown);
+  void ReadParameter(Kind kind, const inp_Keyword& keyword, std::string_view parameter,
+                     cow_List<int>& ordinals, cow_List<cow_String>& unknown);
+  const KvoObjLabeler& LabelerOf(Kind kind) const {
+    return kind == Kind::Nodes ? m_nodes : m_elements;
+  }
+
+  KvoObjLabeler& m_nodes;
+  KvoObjLabeler& m_elements;
+  const inpS_Inventory& m_inventory;
+  inp_ScopePtr m_scope;
+  KvoSimPosition m_owner;
+  cow_String m_part;
+  cow_String m_instance;
+  cow_String m_step;
+  inpS_System m_system;
+  inpS_System m_instanceSystem;
+};

@@ -1,0 +1,194 @@
+#include "inpS/writer/inpS_MeshPrinter.h"
+#include "base/utl_Assert.h"
+#include "base/utl_Buffer.h"
+#include "base/utl_Stream.h"
+#include "database/KvoSimCSet.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/eds_LabelMap.h"
+#include "inpS/writer/inpS_PrintPrimitives.h"
+#include <algorithm>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+constexpr long long kNodesPerPiece = 8 << 10;
+constexpr long long kEntriesPerPiece = 32 << 10;
+constexpr int kFieldsPerLine = 16;
+constexpr int kGasketFirstLine = 10; // label and nine nodes
+constexpr std::size_t kSeparatorRoom = 2;
+
+char* separate(char* p) {
+  p[0] = ',';
+  p[1] = ' ';
+  return p + 2;
+}
+
+// An array read by the piece from several threads: the engine serves one at a time.
+template <class T> class SharedReader {
+public:
+  explicit SharedReader(const eds_ArrayID& array) : m_reader(array) {}
+  void Read(long long first, std::span<T> out) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_reader.ReadPiece(first, out);
+  }
+
+private:
+  std::mutex m_guard;
+  eds_ArrayReader m_reader;
+};
+
+// The normals of a node block, few and sparse, looked up by ordinal.
+struct Normals {
+  std::vector<int> ordinals;
+  std::vector<double> values;
+
+  explicit Normals(const KvoMeshNodeBlock& block) {
+    if (block.normalOrdinals.IsNull()) return;
+    eds_ArrayReader reader(block.normalOrdinals);
+    ordinals.resize(static_cast<std::size_t>(reader.Count()));
+    reader.ReadPiece(0, std::span<int>(ordinals));
+    values.resize(3 * ordinals.size());
+    eds_ArrayReader(block.normals).ReadPiece(0, std::span<double>(values));
+  }
+  std::size_t From(long long ordinal) const {
+    return static_cast<std::size_t>(std::lower_bound(ordinals.begin(), ordinals.end(), ordinal) -
+                                    ordinals.begin());
+  }
+};
+
+} // namespace
+
+// ---- nodes
+
+void inpS_MeshPrinter::PrintNodes(const inpS_DeckScope& scope) {
+  bool first = true;
+  for (const KvoMeshNodeBlock& block : m_labels.mesh.NodeBlocks(scope.owner)) {
+    if (block.first < scope.partNodes) continue; // stands in the part
+    if (first) m_out << "*NODE\n";
+    first = false;
+    PrintNodeBlock(scope, block);
+  }
+}
+
+void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMeshNodeBlock& block) {
+  SharedReader<double> coordinates(block.coordinates);
+  const Normals normals(block);
+  const eds_LabelMap& labels = m_labels.nodes.Labels(scope.nodes);
+  constexpr std::size_t kLine =
+      utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;
+  const long long pieces = (block.count + kNodesPerPiece - 1) / kNodesPerPiece;
+  utl_printBlocks(
+      m_out, static_cast<std::size_t>(pieces), kLine * kNodesPerPiece,
+      [&](std::size_t piece, char* out) {
+        const long long begin = static_cast<long long>(piece) * kNodesPerPiece;
+        const long long count = std::min(kNodesPerPiece, block.count - begin);
+        thread_local std::vector<double> points(3 * kNodesPerPiece);
+        coordinates.Read(begin, std::span<double>(points).first(static_cast<std::size_t>(3 * count)));
+        std::size_t normal = normals.From(begin);
+        for (long long n = 0; n < count; ++n) {
+          out = utl_printInt(out, labels.Label(block.first + begin + n));
+          const double* point = points.data() + 3 * n;
+          for (int i = 0; i < 3; ++i) out = utl_printDouble(separate(out), point[i]);
+          if (normal < normals.ordinals.size() && normals.ordinals[normal] == begin + n) {
+            const double* direction = normals.values.data() + 3 * normal++;
+            for (int i = 0; i < 3; ++i) out = utl_printDouble(separate(out), direction[i]);
+          }
+          *out++ = '\n';
+        }
+        return out;
+      });
+}
+
+// ---- elements
+
+namespace {
+
+// Prints the elements of one block; entries are ordinals, -1 where an element has no node.
+class ElementLines {
+public:
+  ElementLines(const inpS_DeckLabels& labels, const inpS_DeckScope& scope,
+               const KvoMeshElementBlock& block, bool gasket)
+      : m_labels(labels), m_block(block), m_nodes(labels.nodes.Labels(scope.nodes)),
+        m_elements(labels.elements.Labels(scope.elements)), m_own(m_nodes.Size()),
+        m_firstLine(gasket ? kGasketFirstLine : kFieldsPerLine) {
+    for (const cow_String& name : labels.instanceNames)
+      m_longestName = std::max(m_longestName, inpS_quoted(name).size());
+  }
+
+  std::size_t Room() const {
+    return utl_intTextRoom + 2 +
+           static_cast<std::size_t>(m_block.width) *
+               (utl_intTextRoom + kSeparatorRoom + 1 + m_longestName + 1);
+  }
+
+  char* Print(char* out, long long element, const int* nodes) const {
+    int count = m_block.width;
+    while (count > 0 && nodes[count - 1] < 0) --count;
+    out = utl_printInt(out, m_elements.Label(m_block.first + element));
+    int room = m_firstLine - 1;
+    for (int n = 0; n < count; ++n) {
+      out = separate(out);
+      if (room-- == 0) {
+        out[-1] = '\n'; // the comma before it tells that the line goes on
+        room = kFieldsPerLine - 1;
+      }
+      if (nodes[n] >= 0) out = PrintNode(out, nodes[n]);
+    }
+    *out++ = '\n';
+    return out;
+  }
+
+private:
+  char* PrintNode(char* out, int ordinal) const {
+    if (ordinal < m_own) return utl_printInt(out, m_nodes.Label(ordinal));
+    int64_t local = 0; // an element of the assembly may join nodes of its instances
+    const int occurrence = m_labels.nodes.OccurrenceOfFlat(ordinal, local);
+    utl_ASSERT(occurrence >= 0);
+    const cow_String name = inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);
+    out = std::copy(name.begin(), name.end(), out);
+    *out++ = '.';
+    return utl_printInt(out, m_labels.nodes.GetInstanceLabel(occurrence, local));
+  }
+
+  const inpS_DeckLabels& m_labels;
+  const KvoMeshElementBlock& m_block;
+  const eds_LabelMap& m_nodes;
+  const eds_LabelMap& m_elements;
+  long long m_own;
+  int m_firstLine;
+  std::size_t m_longestName = 0;
+};
+
+} // namespace
+
+void inpS_MeshPrinter::PrintElements(const inpS_DeckScope& scope) {
+  for (const KvoMeshElementBlock& block : m_labels.mesh.ElementBlocks(scope.owner))
+    if (block.first >= scope.partElements) PrintElementBlock(scope, block);
+}
+
+void inpS_MeshPrinter::PrintElementBlock(const inpS_DeckScope& scope,
+                                         const KvoMeshElementBlock& block) {
+  const cow_String type = block.spec.DataRecord().ReturnString(eds_ElementSpec_Name);
+  m_out << "*ELEMENT, TYPE=" << type;
+  if (!block.source.empty()) m_out << ", " << block.source;
+  m_out << '\n';
+  const bool gasket = type == "GK3D18" || type == "GK3D18N";
+  const ElementLines lines(m_labels, scope, block, gasket);
+  SharedReader<int> connectivity(block.connectivity);
+  const long long perPiece = std::max(1LL, kEntriesPerPiece / std::max(1, block.width));
+  const long long pieces = (block.count + perPiece - 1) / perPiece;
+  utl_printBlocks(
+      m_out, static_cast<std::size_t>(pieces), lines.Room() * static_cast<std::size_t>(perPiece),
+      [&](std::size_t piece, char* out) {
+        const long long begin = static_cast<long long>(piece) * perPiece;
+        const long long count = std::min(perPiece, block.count - begin);
+        thread_local std::vector<int> nodes;
+        nodes.resize(static_cast<std::size_t>(count * block.width));
+        connectivity.Read(begin, std::span<int>(nodes));
+        for (long long n = 0; n < count; ++n)
+          out = lines.Print(out, begin + n, nodes.data() + n * block.width);
+        return out;
+      });
+}

@@ -1,0 +1,75 @@
+#include "inpS/writer/inpS_SetPrinter.h"
+#include "base/utl_Stream.h"
+#include "database/KvoSimCSet.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/eds_LabelMap.h"
+#include "inpS/writer/inpS_PrintPrimitives.h"
+#include <algorithm>
+
+namespace {
+
+constexpr long long kPiece = 16 * 4096; // whole data lines
+
+} // namespace
+
+void inpS_SetPrinter::Print(const inpS_DeckScope& scope, bool nodes) {
+  cow_List<KvoSimPosition> sets;
+  for (const bool internal : {false, true}) {
+    const auto some = nodes ? m_labels.mesh.NodeSets(scope.owner, internal)
+                            : m_labels.mesh.ElementSets(scope.owner, internal);
+    sets.insert(sets.end(), some.begin(), some.end());
+  }
+  std::sort(sets.begin(), sets.end(),
+            [](const KvoSimPosition& a, const KvoSimPosition& b) { return a.ID() < b.ID(); });
+  for (const KvoSimPosition& set : sets) PrintSet(scope, set, nodes);
+}
+
+void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition& set, bool nodes) {
+  const KvoSimDataRecord record = set.DataRecord();
+  const KvoSimCSet membership =
+      record.GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
+  const eds_MemberSet members = membership.IsNull() ? eds_MemberSet() : membership.Set();
+  cow_String start = nodes ? "*NSET, NSET=" : "*ELSET, ELSET=";
+  start += inpS_quoted(record.ReturnString(nodes ? eds_NodeSet_Name : eds_ElementSet_Name));
+  if (record.GetBool(nodes ? eds_NodeSet_Internal : eds_ElementSet_Internal)) start += ", INTERNAL";
+  if (record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted)) start += ", UNSORTED";
+
+  const KvoObjLabeler& labeler = nodes ? m_labels.nodes : m_labels.elements;
+  const int own = nodes ? scope.nodes : scope.elements;
+  if (scope.isPart || members.IsEmpty()) {
+    m_out << start << '\n';
+    PrintMembers(members, 0, members.Size(), nodes, own, 0);
+    return;
+  }
+  for (long long begin = 0; begin < members.Size();) {
+    int64_t local = 0;
+    const int occurrence = labeler.OccurrenceOfFlat(members[begin], local);
+    const long long low = members[begin] - local, high = low + labeler.Size(occurrence);
+    long long end = begin + 1;
+    if (members.IsStrided() && members[members.Size() - 1] >= low &&
+        members[members.Size() - 1] < high)
+      end = members.Size();
+    while (end < members.Size() && members[end] >= low && members[end] < high) ++end;
+    m_out << start;
+    if (occurrence != own)
+      m_out << ", INSTANCE="
+            << inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);
+    m_out << '\n';
+    PrintMembers(members, begin, end - begin, nodes, occurrence, low);
+    begin = end;
+  }
+}
+
+void inpS_SetPrinter::PrintMembers(const eds_MemberSet& members, long long first, long long count,
+                                   bool nodes, int occurrence, long long flatFirst) {
+  if (count == 0) return;
+  const eds_LabelMap& labels =
+      nodes ? m_labels.nodes.Labels(occurrence) : m_labels.elements.Labels(occurrence);
+  cow_List<int> piece(static_cast<std::size_t>(std::min(count, kPiece)));
+  for (long long done = 0; done < count; done += kPiece) {
+    const long long size = std::min(kPiece, count - done);
+    for (long long n = 0; n < size; ++n)
+      piece[static_cast<std::size_t>(n)] = labels.Label(members[first + done + n] - flatFirst);
+    inpS_printSet(m_out, size, piece.data());
+  }
+}

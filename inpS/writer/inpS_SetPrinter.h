@@ -1,0 +1,25 @@
+#pragma once
+
+#include "database/eds_MemberSet.h"
+#include "inpS/writer/inpS_DeckScope.h"
+
+class utl_Stream;
+
+// The node or element sets of one owner, in the order in which they were made. A set of the assembly
+// that reaches into instances is written as one keyword for each instance.
+class inpS_SetPrinter {
+public:
+  inpS_SetPrinter(const inpS_DeckLabels& labels, utl_Stream& out) : m_labels(labels), m_out(out) {}
+
+  void PrintNsets(const inpS_DeckScope& scope) { Print(scope, true); }
+  void PrintElsets(const inpS_DeckScope& scope) { Print(scope, false); }
+
+private:
+  void Print(const inpS_DeckScope& scope, bool nodes);
+  void PrintSet(const inpS_DeckScope& scope, const KvoSimPosition& set, bool nodes);
+  void PrintMembers(const eds_MemberSet& members, long long first, long long count, bool nodes,
+                    int occurrence, long long flatFirst);
+
+  const inpS_DeckLabels& m_labels;
+  utl_Stream& m_out;
+};

@@ -1,0 +1,261 @@
+#include "inpS/writer/inpS_Sim2Inp.h"
+#include "base/bcu_ResourceMonitor.h"
+#include "base/utl_Stream.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "inpS/writer/inpS_MeshPrinter.h"
+#include "inpS/writer/inpS_PrintPrimitives.h"
+#include "inpS/writer/inpS_SetPrinter.h"
+#include <algorithm>
+#include <ostream>
+
+namespace {
+
+constexpr const char* kMarks = "Sim2Inp-";
+constexpr int kStepsBlock = 29;
+
+// A keyword kept as text, ready to be put back.
+struct Kept {
+  int block;
+  int position;
+  KvoSimPosition record;
+};
+
+} // namespace
+
+struct inpS_Sim2Inp::Impl {
+  using Printer = void (Impl::*)(const inpS_DeckScope&);
+  struct Block {
+    int number;
+    const char* name;
+    const char* mark; // null: printed without marks
+    Printer print;
+  };
+  static const Block blocks[29];
+
+  Impl(const KvoObjDocument& document, int threadCount, bool verboseFlag, const cow_String& title,
+       const char* comment, aio_ostream& stream)
+      : doc(document), threads(threadCount), verbose(verboseFlag), name(title),
+        remark(comment ? comment : ""), diagnostics(stream) {}
+
+  void LoadTables();
+  void LoadNodeLabels() { labels->nodes.Read(); }
+  void LoadElementLabels() { labels->elements.Read(); }
+  void LoadKept();
+  inpS_DeckScope ScopeOf(const KvoSimPosition& owner) const;
+  void PrintScope(const inpS_DeckScope& scope, int from, int to);
+  void PrintKept(const inpS_DeckScope& scope, int block);
+  void PrintParts();
+  void PrintAssembly();
+  void PrintInstance(const KvoSimPosition& instance);
+
+  void PrintHeading(const inpS_DeckScope& scope);
+  void PrintNodes(const inpS_DeckScope& scope) { inpS_MeshPrinter(*labels, *out).PrintNodes(scope); }
+  void PrintNsets(const inpS_DeckScope& scope) { inpS_SetPrinter(*labels, *out).PrintNsets(scope); }
+  void PrintElements(const inpS_DeckScope& scope) {
+    inpS_MeshPrinter(*labels, *out).PrintElements(scope);
+  }
+  void PrintElsets(const inpS_DeckScope& scope) {
+    inpS_SetPrinter(*labels, *out).PrintElsets(scope);
+  }
+  // A block whose keywords no phase converts: it holds what was kept as text, and nothing else.
+  void PrintKeptOnly(const inpS_DeckScope&) {}
+
+  KvoObjDocument doc;
+  int threads;
+  bool verbose;
+  cow_String name;
+  cow_String remark;
+  aio_ostream& diagnostics;
+  utl_Stream* out = nullptr;
+  std::unique_ptr<inpS_DeckLabels> labels;
+  cow_Map<unsigned long long, cow_List<Kept>> kept; // by owner, sorted by block and position
+};
+
+using Impl = inpS_Sim2Inp::Impl;
+
+const Impl::Block Impl::blocks[29] = {
+    {1, "PrintHeading", nullptr, &Impl::PrintHeading},
+    {2, "PrintCyclicSymmetryModel", "CycSym", &Impl::PrintKeptOnly},
+    {3, "PrintNodes", "Nodes", &Impl::PrintNodes},
+    {4, "PrintNsets", "Nsets", &Impl::PrintNsets},
+    {5, "PrintElements", "Elems", &Impl::PrintElements},
+    {6, "PrintElsets", "Elsets", &Impl::PrintElsets},
+    {7, "PrintDistributions", "Distribs", &Impl::PrintKeptOnly},
+    {8, "PrintOrientations", "Orients", &Impl::PrintKeptOnly},
+    {9, "PrintTransforms", "Xforms", &Impl::PrintKeptOnly},
+    {10, "PrintSurfaces", "Surfs", &Impl::PrintKeptOnly},
+    {11, "PrintConstraints", "Constrs", &Impl::PrintKeptOnly},
+    {12, "PrintRigidBodies", "RigBods", &Impl::PrintKeptOnly},
+    {13, "PrintAmplitudes", "Amps", &Impl::PrintKeptOnly},
+    {14, "PrintPhysicalConstants", "PhyConsts", &Impl::PrintKeptOnly},
+    {15, "PrintContactInitializationData", "ContactInit", &Impl::PrintKeptOnly},
+    {16, "PrintMaterials", "Mats", &Impl::PrintKeptOnly},
+    {17, "PrintGasketBehaviors", "GaskBeh", &Impl::PrintKeptOnly},
+    {18, "PrintConnectorBehaviors", "ConnBeh", &Impl::PrintKeptOnly},
+    {19, "PrintSections", "Sects", &Impl::PrintKeptOnly},
+    {20, "PrintPretensionSections", "Preten", &Impl::PrintKeptOnly},
+    {21, "PrintNonstructuralMasses", "NonStrMass", &Impl::PrintKeptOnly},
+    {22, "PrintFilters", "Filts", &Impl::PrintKeptOnly},
+    {23, "PrintTimePoints", "TimePts", &Impl::PrintKeptOnly},
+    {24, "PrintInteractionProperties", "IntProps", &Impl::PrintKeptOnly},
+    {25, "PrintInteractions", "Inters", &Impl::PrintKeptOnly},
+    {26, "PrintFluidCavities", "FluidCav", &Impl::PrintKeptOnly},
+    {27, "PrintInitialConditions", "ICs", &Impl::PrintKeptOnly},
+    {28, "PrintIntegratedOutputSection", "IntOutSecs", &Impl::PrintKeptOnly},
+    {29, "PrintSteps", "Steps", &Impl::PrintKeptOnly}};
+
+inpS_Sim2Inp::inpS_Sim2Inp(const KvoObjDocument& document, int threads, bool verbose,
+                           const cow_String& name, const char* comment, aio_ostream& diagnostics)
+    : m_impl(std::make_unique<Impl>(document, threads, verbose, name, comment, diagnostics)) {}
+
+inpS_Sim2Inp::~inpS_Sim2Inp() = default;
+
+void inpS_Sim2Inp::Print(utl_Stream& out) {
+  Impl& deck = *m_impl;
+  if (deck.verbose) deck.diagnostics << "inpS_Sim2Inp::Print\n";
+  const bcu_MarkScope whole(kMarks, "Print");
+  deck.out = &out;
+  deck.LoadTables();
+  if (!deck.name.empty()) out << "** " << deck.name << '\n';
+  if (!deck.remark.empty()) out << "** " << deck.remark << '\n';
+
+  const KvoObjModel model = deck.doc.GetModel();
+  const bool hasAssembly = !model.GetAssembly().IsNull();
+  inpS_DeckScope root = deck.ScopeOf(model.Position());
+  deck.PrintScope(root, 1, 1);
+  if (!model.Parts().empty()) deck.PrintParts();
+  if (hasAssembly) deck.PrintAssembly();
+  deck.PrintScope(root, 2, kStepsBlock);
+}
+
+// ---- what is loaded before any block
+
+void Impl::LoadTables() {
+  {
+    const bcu_MarkScope mark(kMarks, "LoadElemSpec");
+    labels = std::make_unique<inpS_DeckLabels>(
+        inpS_DeckLabels{doc.GetMesh(), KvoObjLabeler(doc, 0), KvoObjLabeler(doc, 1), {}});
+    LoadKept();
+  }
+  {
+    const bcu_MarkScope mark(kMarks, "LoadNodesMap");
+    LoadNodeLabels();
+  }
+  {
+    const bcu_MarkScope mark(kMarks, "LoadElemsMap");
+    LoadElementLabels();
+  }
+  for (const KvoSimPosition& owner : labels->nodes.Occurrences())
+    labels->instanceNames.push_back(owner.IsA(eds_RecordKind::Instance)
+                                        ? owner.DataRecord().ReturnString(eds_Instance_Name)
+                                        : cow_String());
+}
+
+void Impl::LoadKept() {
+  for (const KvoSimPosition& position :
+       doc.Context().GetRecords(eds_RecordKind::VerbatimKeyword)) {
+    const KvoSimDataRecord record = position.DataRecord();
+    const auto owner = record.GetReference(eds_VerbatimKeyword_Owner).Object().Packed();
+    kept[owner].push_back({record.GetInt(eds_VerbatimKeyword_Block),
+                           record.GetInt(eds_VerbatimKeyword_Position), position});
+  }
+  for (auto& [owner, list] : kept)
+    std::stable_sort(list.begin(), list.end(), [](const Kept& a, const Kept& b) {
+      return a.block != b.block ? a.block < b.block : a.position < b.position;
+    });
+}
+
+inpS_DeckScope Impl::ScopeOf(const KvoSimPosition& owner) const {
+  inpS_DeckScope scope;
+  scope.owner = owner;
+  scope.nodes = labels->nodes.FindOccurrence(owner);
+  scope.elements = labels->elements.FindOccurrence(owner);
+  scope.isPart = owner.IsA(eds_RecordKind::Part);
+  if (!owner.IsA(eds_RecordKind::Instance)) return scope;
+  const KvoSimDataRecord record = owner.DataRecord();
+  scope.flatNode = record.GetInt64(eds_Instance_FirstNode);
+  scope.flatElement = record.GetInt64(eds_Instance_FirstElement);
+  const KvoSimPosition part = record.GetReference(eds_Instance_Part);
+  if (part.IsNull()) return scope;
+  scope.partNodes = part.DataRecord().GetInt64(eds_Part_NodeCount);
+  scope.partElements = part.DataRecord().GetInt64(eds_Part_ElementCount);
+  return scope;
+}
+
+// ---- blocks
+
+void Impl::PrintScope(const inpS_DeckScope& scope, int from, int to) {
+  for (const Block& block : blocks) {
+    if (block.number < from || block.number > to) continue;
+    std::unique_ptr<bcu_MarkScope> mark;
+    if (block.mark) mark = std::make_unique<bcu_MarkScope>(kMarks, block.mark);
+    if (verbose) diagnostics << "inpS_Sim2Inp::" << block.name << '\n';
+    (this->*block.print)(scope);
+    PrintKept(scope, block.number);
+  }
+}
+
+void Impl::PrintKept(const inpS_DeckScope& scope, int block) {
+  const auto known = kept.find(scope.owner.Object().Packed());
+  if (known == kept.end()) return;
+  const auto& list = known->second;
+  auto at = std::lower_bound(list.begin(), list.end(), block,
+                             [](const Kept& keyword, int n) { return keyword.block < n; });
+  for (; at != list.end() && at->block == block; ++at)
+    *out << at->record.DataRecord().GetString(eds_VerbatimKeyword_Text);
+}
+
+void Impl::PrintHeading(const inpS_DeckScope& scope) {
+  if (!scope.owner.HasAnnotation()) return;
+  const cow_String heading = scope.owner.GetAnnotation();
+  *out << "*HEADING\n" << heading;
+  if (!heading.empty() && heading.back() != '\n') *out << '\n';
+}
+
+void Impl::PrintParts() {
+  for (const KvoSimPosition& part : doc.GetModel().Parts()) {
+    *out << "*PART, NAME=" << inpS_quoted(part.DataRecord().ReturnString(eds_Part_Name)) << '\n';
+    PrintScope(ScopeOf(part), 2, kStepsBlock - 1);
+    *out << "*END PART\n";
+  }
+}
+
+void Impl::PrintAssembly() {
+  const KvoSimPosition assembly = doc.GetModel().GetAssembly();
+  const cow_String title = assembly.DataRecord().ReturnString(eds_Assembly_Name);
+  *out << "*ASSEMBLY";
+  if (!title.empty()) *out << ", NAME=" << inpS_quoted(title);
+  *out << '\n';
+  for (const KvoSimPosition& instance : doc.GetModel().Occurences()) PrintInstance(instance);
+  PrintScope(ScopeOf(assembly), 2, kStepsBlock - 1);
+  *out << "*END ASSEMBLY\n";
+}
+
+void Impl::PrintInstance(const KvoSimPosition& instance) {
+  const KvoSimDataRecord record = instance.DataRecord();
+  *out << "*INSTANCE, NAME=" << inpS_quoted(record.ReturnString(eds_Instance_Name));
+  const KvoSimPosition part = record.GetReference(eds_Instance_Part);
+  if (!part.IsNull())
+    *out << ", PART=" << inpS_quoted(part.DataRecord().ReturnString(eds_Part_Name));
+  const cow_String library = record.ReturnString(eds_Instance_Library);
+  const cow_String source = record.ReturnString(eds_Instance_SourceInstance);
+  if (!library.empty()) *out << ", LIBRARY=" << library;
+  if (!source.empty()) *out << ", INSTANCE=" << source;
+  *out << '\n';
+  const bool rotated = record.GetBool(eds_Instance_RotationGiven);
+  if (record.GetBool(eds_Instance_TranslationGiven) || rotated) {
+    double values[7];
+    for (int i = 0; i < 3; ++i) values[i] = record.GetDouble(eds_Instance_TranslationX + i);
+    if (record.GetBool(eds_Instance_TranslationGiven)) inpS_printArray(*out, values, 3);
+    *out << '\n';
+    for (int i = 0; i < 7; ++i) values[i] = record.GetDouble(eds_Instance_RotationAX + i);
+    if (rotated) {
+      inpS_printArray(*out, values, 7);
+      *out << '\n';
+    }
+  }
+  PrintScope(ScopeOf(instance), 2, kStepsBlock - 1);
+  *out << "*END INSTANCE\n";
+}
