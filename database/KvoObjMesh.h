@@ -98,5 +98,7 @@ public:
   std::vector<KvoSimPosition> ElementSets(const KvoSimPosition& owner, bool internal = false) const;
 
 private:
+  KvoSimDistribution WidthDistribution(KvoSimDSet connectivity, int width);
+
   KvoSimPosition m_position;
 };

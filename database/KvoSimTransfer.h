@@ -54,6 +54,8 @@ private:
   void Gather(const Window& window, int64_t item, int64_t count, std::byte* out) const;
   void Scatter(const Window& window, int64_t item, int64_t count, const std::byte* in) const;
   bool IsPlain(const Window& window) const;
+  void AppendBuffer(eds_ArrayWriter& writer, const Window& window, int64_t items);
+  void AppendInitial(eds_ArrayWriter& writer, int64_t items);
 
   KvoSimDistribution m_distribution;
   KvoSimRangeType m_range;

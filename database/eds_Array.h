@@ -48,6 +48,7 @@ public:
   template <class T> void Append(std::span<const T> values) {
     AppendBytes(std::as_bytes(values), eds_valueTypeOf<T>());
   }
+  void AppendItems(std::span<const std::byte> bytes); // of the array's type
   // Replaces items already appended, whether buffered or written.
   template <class T> void Overwrite(int64_t firstItem, std::span<const T> values) {
     OverwriteBytes(firstItem, std::as_bytes(values), eds_valueTypeOf<T>());
@@ -80,6 +81,7 @@ public:
   template <class T> void ReadPiece(int64_t firstItem, std::span<T> out) {
     ReadBytes(firstItem, std::as_writable_bytes(out), eds_valueTypeOf<T>());
   }
+  void ReadItems(int64_t firstItem, std::span<std::byte> out); // of the array's type
   // One chunk in the reader's own memory, valid until the next call.
   template <class T> std::span<const T> Chunk(int64_t number) {
     std::span<const std::byte> bytes = ChunkBytes(number, eds_valueTypeOf<T>());

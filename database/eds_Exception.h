@@ -1,11 +1,10 @@
 #pragma once
 
-#include "base/cow_Value.h"
-#include <stdexcept>
+#include "base/utl_Exception.h"
 
 // What the store throws when it cannot go on. The text is one clear line and names the file.
-class eds_Exception : public std::runtime_error {
-  using std::runtime_error::runtime_error;
+class eds_Exception : public utl_Exception {
+  using utl_Exception::utl_Exception;
 };
 
 // The engine refused or failed in a way that none of the others describes.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/utl_Buffer.h"
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -10,13 +11,15 @@
 // labels come.
 class eds_LabelMap {
 public:
+  eds_LabelMap Copy() const;
   int64_t Size() const { return m_count; }
+  // How many labels will come, if that is known: it settles the form early.
   void Reserve(int64_t count);
 
   // The ordinals of the labels; labels not seen before are appended in their order. Returns how
   // many were new. Spans have equal lengths.
   int64_t Add(std::span<const int32_t> labels, std::span<int32_t> ordinals);
-  // Appends `count` labels first, first + stride, ... none of which is known.
+  // Appends `count` labels first, first + stride, ...; false, and nothing done, when one is known.
   bool AddStrided(int32_t first, int64_t count, int32_t stride);
 
   int32_t Ordinal(int32_t label) const; // -1 when unknown
@@ -43,23 +46,30 @@ private:
 
   int32_t StridedOrdinal(int32_t label) const;
   int32_t HashedOrdinal(int32_t label) const;
-  int64_t TakeStrided(std::span<const int32_t> labels, std::span<int32_t> ordinals);
+  size_t TakeStrided(std::span<const int32_t> labels, std::span<int32_t> ordinals);
   void LeaveStrided(std::span<const int32_t> coming);
   bool FitsDense(int64_t low, int64_t high, int64_t count) const;
   bool MakeRoomDense(std::span<const int32_t> coming);
+  void BecomeDense(int64_t low, int64_t high);
   void BecomeHashed(int64_t expected);
   void Rehash(size_t slots);
   void Insert(int32_t label, int32_t ordinal);
-  int64_t AddDense(std::span<const int32_t> labels, std::span<int32_t> ordinals);
-  int64_t AddHashed(std::span<const int32_t> labels, std::span<int32_t> ordinals);
+  void AddDense(std::span<const int32_t> labels, std::span<int32_t> ordinals);
+  // Stops early when the labels so far are better kept in a table; returns how many were taken.
+  size_t AddHashed(std::span<const int32_t> labels, std::span<int32_t> ordinals);
+  void Widen(std::span<const int32_t> labels);
+  size_t Home(int32_t label) const;
 
   Form m_form = Form::Strided;
   int64_t m_count = 0;
   int64_t m_first = 0;
   int64_t m_stride = 1;
   int64_t m_reserved = 0;
-  std::vector<int32_t> m_labels; // by ordinal
-  std::vector<int32_t> m_table;  // Dense: ordinal by label - m_low
-  int64_t m_low = 0;
-  std::vector<Slot> m_slots; // Hashed: a power of two
+  utl_Buffer<int32_t> m_labels; // by ordinal
+  utl_Buffer<int32_t> m_table;  // Dense: ordinal by label - m_tableLow, -1 where there is none
+  int64_t m_tableLow = 0;
+  utl_Buffer<Slot> m_slots; // Hashed: a power of two
+  int m_shift = 64;         // of the hash, to the number of slots
+  int64_t m_low = 0;        // least and greatest label, unless strided
+  int64_t m_high = -1;
 };

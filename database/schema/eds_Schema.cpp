@@ -152,6 +152,12 @@ const eds_RecordInfo* eds_schemaRecord(eds_RecordKind kind) {
   return number < index.size() ? index[number] : nullptr;
 }
 
+int64_t eds_schemaFieldCount() {
+  size_t count = 0;
+  for (const eds_RecordInfo& record : records()) count += record.fields.size();
+  return static_cast<int64_t>(count);
+}
+
 std::span<const eds_MemberInfo> eds_schemaMembers() {
   return members;
 }

@@ -29,6 +29,7 @@ struct eds_CollectionInfo {
 
 std::span<const eds_RecordInfo> eds_schemaRecords(); // by number
 const eds_RecordInfo* eds_schemaRecord(eds_RecordKind kind);
+int64_t eds_schemaFieldCount(); // of all kinds
 std::span<const eds_MemberInfo> eds_schemaMembers();
 const eds_MemberInfo* eds_schemaMember(eds_Member member);
 std::span<const eds_CollectionInfo> eds_schemaCollections();

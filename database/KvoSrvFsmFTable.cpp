@@ -1,0 +1,101 @@
+#include "database/KvoSrvFsmFTable.h"
+#include "base/utl_Assert.h"
+#include "database/KvoSimTransaction.h"
+#include "database/eds_Array.h"
+
+namespace {
+
+enum Role { dependent, independent };
+
+void createColumns(const KvoSimPosition& table, const std::vector<cow_String>& names, Role role) {
+  for (size_t i = 0; i < names.size(); ++i) {
+    const KvoSimPosition column = table.CreateDataRecord(eds_RecordKind::PropertyColumn);
+    KvoSimDataRecord record = column.DataRecord();
+    record.SetReference(eds_PropertyColumn_Table, table);
+    record.SetInt(eds_PropertyColumn_Position, static_cast<int64_t>(i));
+    record.SetString(eds_PropertyColumn_Name, names[i]);
+    record.SetSymb(eds_PropertyColumn_Role, role);
+    table.Associate(eds_Member::Columns, column);
+  }
+}
+
+} // namespace
+
+KvoSrvFsmFTable KvoSrvFsmFTable::CreateTable(const KvoSimPosition& property, int tableKind,
+                                             int64_t rows, int fieldVariables,
+                                             const std::vector<cow_String>& dependentColumns,
+                                             const std::vector<cow_String>& independentColumns,
+                                             int rowKind, std::span<const double> values,
+                                             int columns, bool temperatureDependent) {
+  utl_ASSERT(rows >= 0 && columns >= 0);
+  utl_ASSERT(static_cast<int64_t>(values.size()) == rows * columns);
+  KvoSimTransaction transaction(property.Context());
+  const KvoSrvFsmFTable table = property.CreateFTable(eds_RecordKind::PropertyTable);
+  KvoSimDataRecord record = table.m_position.DataRecord();
+  record.SetInt(eds_PropertyTable_TableKind, tableKind);
+  record.SetInt(eds_PropertyTable_RowKind, rowKind);
+  record.SetInt(eds_PropertyTable_Rows, rows);
+  record.SetInt(eds_PropertyTable_Columns, columns);
+  record.SetInt(eds_PropertyTable_FieldVariables, fieldVariables);
+  record.SetBool(eds_PropertyTable_TemperatureDependent, temperatureDependent);
+  createColumns(table.m_position, dependentColumns, dependent);
+  createColumns(table.m_position, independentColumns, independent);
+  if (!values.empty()) {
+    eds_ArrayWriter writer(property, eds_ValueType::Double, columns);
+    writer.Append(values);
+    record.SetReference(eds_PropertyTable_Values, writer.Finish().Position());
+  }
+  transaction.Commit();
+  return table;
+}
+
+int KvoSrvFsmFTable::TableKind() const {
+  return m_position.DataRecord().GetInt(eds_PropertyTable_TableKind);
+}
+
+int KvoSrvFsmFTable::RowKind() const {
+  return m_position.DataRecord().GetInt(eds_PropertyTable_RowKind);
+}
+
+int64_t KvoSrvFsmFTable::Rows() const {
+  return m_position.DataRecord().GetInt64(eds_PropertyTable_Rows);
+}
+
+int KvoSrvFsmFTable::Columns() const {
+  return m_position.DataRecord().GetInt(eds_PropertyTable_Columns);
+}
+
+int KvoSrvFsmFTable::FieldVariables() const {
+  return m_position.DataRecord().GetInt(eds_PropertyTable_FieldVariables);
+}
+
+bool KvoSrvFsmFTable::IsTemperatureDependent() const {
+  return m_position.DataRecord().GetBool(eds_PropertyTable_TemperatureDependent);
+}
+
+std::vector<cow_String> KvoSrvFsmFTable::ColumnsOf(int role) const {
+  std::vector<cow_String> names;
+  for (const KvoSimPosition& column : m_position.GetVector(eds_Member::Columns)) {
+    const KvoSimDataRecord record = column.DataRecord();
+    if (record.GetSymb(eds_PropertyColumn_Role) == role)
+      names.push_back(record.ReturnString(eds_PropertyColumn_Name));
+  }
+  return names;
+}
+
+std::vector<cow_String> KvoSrvFsmFTable::DependentColumns() const {
+  return ColumnsOf(dependent);
+}
+
+std::vector<cow_String> KvoSrvFsmFTable::IndependentColumns() const {
+  return ColumnsOf(independent);
+}
+
+std::vector<double> KvoSrvFsmFTable::Values() const {
+  const KvoSimPosition array = m_position.DataRecord().GetReference(eds_PropertyTable_Values);
+  if (array.IsNull()) return {};
+  eds_ArrayReader reader(eds_ArrayID{array.Store(), array.ID()});
+  std::vector<double> values(static_cast<size_t>(reader.Count() * reader.Width()));
+  reader.ReadPiece(0, std::span(values));
+  return values;
+}

@@ -1,0 +1,219 @@
+#include "database/eds_Exception.h"
+#include "database/eds_ModelReader.h"
+#include "database/engine/eds_Store.h"
+#include <algorithm>
+#include <set>
+
+// The check of a whole file: what the engine can say of its pages, and what we know of the content.
+
+namespace {
+
+class Checker {
+public:
+  explicit Checker(const KvoObjDocument& document)
+      : m_store(*document.ContextID().store), m_reader(document) {}
+
+  eds_Faults Run() {
+    Guarded([&] { CheckEngine(); });
+    for (const eds_RecordInfo& info : eds_schemaRecords())
+      Guarded([&] { CheckReferences(m_store.Rows(info.kind)); });
+    Guarded([&] { CheckLinks(); });
+    ForEach(eds_RecordKind::Array, [&](int64_t id) { CheckArray(id); });
+    ForEach(eds_RecordKind::CSet, [&](int64_t id) { m_store.CSet(id); });
+    ForEach(eds_RecordKind::NodeBlock, [&](int64_t id) { CheckNodeBlock(id); });
+    ForEach(eds_RecordKind::ElementBlock, [&](int64_t id) { CheckElementBlock(id); });
+    ForEach(eds_RecordKind::LabelSpace, [&](int64_t id) { CheckLabelSpace(id); });
+    ForEach(eds_RecordKind::Drawer, [&](int64_t id) { CheckDrawer(id); });
+    Guarded([&] { CheckOrphans(); });
+    return std::move(m_faults);
+  }
+
+private:
+  static constexpr size_t mostFaults = 100; // of one damage there may be millions
+
+  void Fault(const cow_String& text) {
+    if (m_faults.size() < mostFaults) m_faults.push_back(text);
+  }
+
+  // Reading damaged data throws; the rest is checked all the same.
+  template <class Check> void Guarded(Check check) {
+    try {
+      check();
+    } catch (const eds_DamagedFileException& fault) {
+      Fault(fault.what());
+    } catch (const eds_EngineException& fault) {
+      Fault(fault.what());
+    }
+  }
+
+  template <class Check> void ForEach(eds_RecordKind kind, Check check) {
+    std::vector<int64_t> ids;
+    Guarded([&] { ids = m_reader.RecordIDs(kind); });
+    for (int64_t id : ids) Guarded([&] { check(id); });
+  }
+
+  cow_String Name(eds_RecordKind kind, int64_t id) const { return m_reader.Describe({kind, id}); }
+
+  void CheckEngine() {
+    eds_Statement rows(m_store.Engine(), "PRAGMA integrity_check(20)");
+    while (rows.Step())
+      if (rows.Text(0) != "ok") Fault(cow_String(rows.Text(0)));
+  }
+
+  void CheckReferences(const eds_RowTable& rows) {
+    const eds_RecordInfo& info = rows.Info();
+    for (int64_t id = 1; id <= rows.LastID(); ++id) {
+      if (!rows.Has(id)) continue;
+      for (size_t i = 0; i < info.fields.size(); ++i) {
+        const int field = static_cast<int>(i);
+        if (rows.IsNull(id, field)) continue;
+        CheckField(rows, id, field);
+      }
+    }
+  }
+
+  void CheckField(const eds_RowTable& rows, int64_t id, int field) {
+    const eds_FieldInfo& info = rows.Field(field);
+    const cow_String where = Name(rows.Info().kind, id) + ", " + cow_String(info.column) + ": ";
+    if (info.type == eds_FieldType::Symbol) {
+      const int64_t symbol = rows.Int(id, field);
+      if (symbol >= static_cast<int64_t>(eds_schemaSymbols(info.vocabulary).size()))
+        Fault(where + "no symbol " + std::to_string(symbol));
+    }
+    if (info.type != eds_FieldType::Ref && info.type != eds_FieldType::AnyRef) return;
+    const eds_ObjectID target = rows.Reference(id, field);
+    if (!m_store.Exists(target)) Fault(where + m_reader.Describe(target));
+  }
+
+  void CheckLinks() {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Link);
+    std::set<std::pair<std::pair<uint64_t, int64_t>, std::string>> keys;
+    for (int64_t id = 1; id <= rows.LastID(); ++id) {
+      if (!rows.Has(id)) continue;
+      const int64_t member = rows.Int(id, eds_Link_Member);
+      const eds_MemberInfo* info = member > 0 && member < 0xffff
+                                       ? eds_schemaMember(static_cast<eds_Member>(member))
+                                       : nullptr;
+      if (info == nullptr) {
+        Fault("link " + std::to_string(id) + ": unknown member " + std::to_string(member));
+        continue;
+      }
+      std::string key;
+      if (info->shape == eds_MemberShape::TextMap) key = rows.Text(id, eds_Link_TextKey);
+      if (info->shape == eds_MemberShape::IntMap)
+        key = std::to_string(rows.Int(id, eds_Link_IntKey));
+      if (info->shape == eds_MemberShape::List || info->shape == eds_MemberShape::Set) continue;
+      const uint64_t owner = rows.Reference(id, eds_Link_Owner).Packed();
+      if (!keys.insert({{owner, member}, key}).second)
+        Fault("link " + std::to_string(id) + ": a second one to '" + key + "'");
+    }
+  }
+
+  void CheckArray(int64_t id) {
+    eds_ArrayReader reader = m_reader.Array(id);
+    for (int64_t chunk = 0; chunk < reader.ChunkCount(); ++chunk)
+      Guarded([&] { reader.ChunkBytes(chunk); });
+  }
+
+  // An array that a record refers to must hold what the record says of it.
+  void CheckLength(const cow_String& name, const eds_RowTable& rows, int64_t id, int field,
+                   eds_ValueType type, int64_t width, int64_t count) {
+    const eds_ObjectID target = rows.Reference(id, field);
+    if (target.IsNull() || !m_store.Exists(target)) return;
+    const eds_RowTable& arrays = m_store.Rows(eds_RecordKind::Array);
+    const bool fits = arrays.Int(target.id, eds_Array_ValueType) == static_cast<int64_t>(type) &&
+                      arrays.Int(target.id, eds_Array_Width) == width &&
+                      arrays.Int(target.id, eds_Array_Count) == count;
+    if (!fits) Fault(name + ", " + cow_String(rows.Field(field).column) + ": does not fit");
+  }
+
+  int64_t ArrayCount(const eds_RowTable& rows, int64_t id, int field) {
+    const eds_ObjectID target = rows.Reference(id, field);
+    if (target.IsNull() || !m_store.Exists(target)) return 0;
+    return m_store.Rows(eds_RecordKind::Array).Int(target.id, eds_Array_Count);
+  }
+
+  void CheckNodeBlock(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::NodeBlock);
+    const cow_String name = Name(eds_RecordKind::NodeBlock, id);
+    const int64_t count = rows.Int(id, eds_NodeBlock_Count);
+    CheckLength(name, rows, id, eds_NodeBlock_Coordinates, eds_ValueType::Double, 3, count);
+    const int64_t normals = ArrayCount(rows, id, eds_NodeBlock_NormalOrdinals);
+    CheckLength(name, rows, id, eds_NodeBlock_Normals, eds_ValueType::Double, 3, normals);
+    if (normals > count) Fault(name + ": more normals than nodes");
+  }
+
+  void CheckElementBlock(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::ElementBlock);
+    const cow_String name = Name(eds_RecordKind::ElementBlock, id);
+    CheckLength(name, rows, id, eds_ElementBlock_Connectivity, eds_ValueType::Int32,
+                rows.Int(id, eds_ElementBlock_Width), rows.Int(id, eds_ElementBlock_Count));
+    const eds_ObjectID array = rows.Reference(id, eds_ElementBlock_Connectivity);
+    if (array.IsNull()) return;
+    const bool flat = rows.Int(id, eds_ElementBlock_FlatFirst) >= 0;
+    const int64_t base = rows.Int(id, eds_ElementBlock_NodeBase);
+    const int64_t nodes =
+        flat ? FlatNodes() - base : OwnNodes(rows.Reference(id, eds_ElementBlock_Owner));
+    eds_ArrayReader reader = m_reader.Array(array.id);
+    for (int64_t chunk = 0; chunk < reader.ChunkCount(); ++chunk) {
+      for (int32_t node : reader.Chunk<int32_t>(chunk)) {
+        if (node >= -1 && node < nodes) continue;
+        return Fault(name + ": refers to node " + std::to_string(node) + " of " +
+                     std::to_string(nodes));
+      }
+    }
+  }
+
+  int64_t FlatNodes() {
+    const int64_t collection = m_store.Collection(eds_CollectionKind::Node, false);
+    return collection != 0 ? m_store.Space(collection) : 0;
+  }
+
+  int64_t OwnNodes(eds_ObjectID owner) {
+    if (m_nodesOf.empty()) {
+      const eds_RowTable& rows = m_store.Rows(eds_RecordKind::NodeBlock);
+      for (int64_t id = 1; id <= rows.LastID(); ++id) {
+        if (!rows.Has(id)) continue;
+        int64_t& nodes = m_nodesOf[rows.Reference(id, eds_NodeBlock_Owner).Packed()];
+        nodes =
+            std::max(nodes, rows.Int(id, eds_NodeBlock_First) + rows.Int(id, eds_NodeBlock_Count));
+      }
+    }
+    return m_nodesOf[owner.Packed()];
+  }
+
+  void CheckLabelSpace(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::LabelSpace);
+    CheckLength(Name(eds_RecordKind::LabelSpace, id), rows, id, eds_LabelSpace_Labels,
+                eds_ValueType::Int32, 1, rows.Int(id, eds_LabelSpace_Count));
+  }
+
+  void CheckDrawer(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Drawer);
+    const int64_t distribution = rows.Reference(id, eds_Drawer_Distribution).id;
+    const eds_RowTable& all = m_store.Rows(eds_RecordKind::Distribution);
+    if (!all.Has(distribution)) return; // told already
+    const auto type = static_cast<eds_ValueType>(all.Int(distribution, eds_Distribution_ValueType));
+    CheckLength(Name(eds_RecordKind::Drawer, id), rows, id, eds_Drawer_Array, type,
+                all.Int(distribution, eds_Distribution_Values),
+                ArrayCount(rows, id, eds_Drawer_Array));
+  }
+
+  void CheckOrphans() {
+    const int64_t orphans = m_store.Engine().QueryInt(
+        "SELECT count(*) FROM chunk WHERE array NOT IN (SELECT id FROM array) OR id <> array * "
+        "16777216 + number");
+    if (orphans > 0) Fault(std::to_string(orphans) + " chunks belong to no array");
+  }
+
+  eds_Store& m_store;
+  eds_ModelReader m_reader;
+  eds_Faults m_faults;
+  std::unordered_map<uint64_t, int64_t> m_nodesOf;
+};
+
+} // namespace
+
+eds_Faults eds_checkModel(const KvoObjDocument& document) {
+  return Checker(document).Run();
+}

@@ -1,0 +1,270 @@
+#include "database/engine/eds_Engine.h"
+#include "base/utl_Assert.h"
+#include "base/utl_File.h"
+#include "database/eds_Exception.h"
+#include <cstring>
+#include <sqlite3.h>
+
+namespace {
+
+// Long enough to make the physical commit's cost vanish, short enough that nobody misses the last
+// keywords of a process that died.
+constexpr std::chrono::milliseconds gatherTime{5};
+
+cow_String systemText(sqlite3* database) {
+  const int number = database != nullptr ? sqlite3_system_errno(database) : 0;
+  return number != 0 ? cow_String(": ") + std::strerror(number) : cow_String();
+}
+
+int openFlags(eds_OpenMode mode) {
+  const int common = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  switch (mode) {
+  case eds_OpenMode::ReadOnly:
+    return common | SQLITE_OPEN_READONLY;
+  case eds_OpenMode::Durable:
+    return common | SQLITE_OPEN_READWRITE;
+  default:
+    return common | SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  }
+}
+
+// The engine keeps no statistics of its own memory: every allocation would pay for them. Must be
+// said before its first use in the process; a host that has used it already keeps its own choice.
+void configureOnce() {
+  [[maybe_unused]] static const int once = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+}
+
+} // namespace
+
+eds_Engine::~eds_Engine() {
+  Close();
+}
+
+void eds_Engine::Open(const std::filesystem::path& file, eds_OpenMode mode) {
+  utl_ASSERT(m_database == nullptr);
+  configureOnce();
+  m_file = file;
+  if (m_shown.empty()) m_shown = file;
+  m_mode = mode;
+  m_failed = false;
+  const cow_String name = mode == eds_OpenMode::Memory ? ":memory:" : utl_pathText(file);
+  const int code = sqlite3_open_v2(name.c_str(), &m_database, openFlags(mode), nullptr);
+  if (code != SQLITE_OK) Fail(code);
+  sqlite3_db_config(m_database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(m_database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(m_database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+  sqlite3_db_config(m_database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(m_database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  Execute("PRAGMA cell_size_check = ON");
+  Execute("PRAGMA temp_store = MEMORY");
+}
+
+void eds_Engine::ApplyMode() {
+  switch (m_mode) {
+  case eds_OpenMode::New:
+    // Safe against a dying process, not against a power cut: what is left on disk then is a file
+    // without the finished flag.
+    Execute("PRAGMA locking_mode = EXCLUSIVE");
+    Execute("PRAGMA synchronous = OFF");
+    Execute("PRAGMA journal_mode = PERSIST");
+    break;
+  case eds_OpenMode::Durable:
+    Execute("PRAGMA locking_mode = EXCLUSIVE");
+    Execute("PRAGMA synchronous = EXTRA");
+    Execute("PRAGMA journal_mode = DELETE");
+    break;
+  case eds_OpenMode::Memory:
+    Execute("PRAGMA journal_mode = MEMORY");
+    break;
+  case eds_OpenMode::ReadOnly:
+    Execute("PRAGMA query_only = ON");
+    break;
+  }
+}
+
+void eds_Engine::Close() {
+  for (eds_Statement& statement : m_statements) statement.Finalize();
+  if (m_database == nullptr) return;
+  if (m_inPhysical) sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
+  m_inPhysical = false;
+  sqlite3_close(m_database);
+  m_database = nullptr;
+}
+
+void eds_Engine::Execute(const char* sql) {
+  const int code = sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) Fail(code);
+}
+
+int64_t eds_Engine::QueryInt(const char* sql) {
+  eds_Statement statement(*this, sql);
+  return statement.Step() ? statement.Int(0) : 0;
+}
+
+eds_Statement& eds_Engine::Prepare(cow_String sql) {
+  return m_statements.emplace_back(*this, std::move(sql));
+}
+
+void eds_Engine::BeginWrite() {
+  if (m_inPhysical) return;
+  if (m_failed) {
+    throw eds_EngineException("nothing more is written to \"" + utl_pathText(m_shown) +
+                              "\" after the first failure");
+  }
+  utl_ASSERT(m_mode != eds_OpenMode::ReadOnly);
+  Execute("BEGIN IMMEDIATE");
+  m_inPhysical = true;
+  m_physicalSince = Clock::now();
+}
+
+void eds_Engine::GatherCommit() {
+  if (m_inPhysical && Clock::now() - m_physicalSince >= gatherTime) CommitPhysical();
+}
+
+void eds_Engine::CommitPhysical() {
+  if (!m_inPhysical) return;
+  Execute("COMMIT");
+  m_inPhysical = false;
+}
+
+void eds_Engine::RollbackPhysical() {
+  if (!m_inPhysical) return;
+  m_inPhysical = false;
+  // The engine has rolled back by itself when a write failed.
+  if (sqlite3_get_autocommit(m_database) == 0) Execute("ROLLBACK");
+}
+
+void eds_Engine::Fail(int code) {
+  const cow_String file = m_mode == eds_OpenMode::Memory ? cow_String("the model in memory")
+                                                         : "\"" + utl_pathText(m_shown) + "\"";
+  const cow_String text = m_database != nullptr ? sqlite3_errmsg(m_database) : sqlite3_errstr(code);
+  const cow_String system = systemText(m_database);
+  if (m_inPhysical) m_failed = true;
+  switch (code) {
+  case SQLITE_IOERR_NOMEM:
+    throw eds_MemoryException("out of memory with " + file);
+  case SQLITE_IOERR_SHORT_READ:
+    throw eds_DamagedFileException(file + " is truncated");
+  default:
+    break;
+  }
+  switch (code & 0xff) {
+  case SQLITE_FULL:
+    throw eds_DiskException("cannot write " + file + ": no space left");
+  case SQLITE_IOERR:
+    throw eds_DiskException("cannot read or write " + file + system);
+  case SQLITE_NOMEM:
+    throw eds_MemoryException("out of memory with " + file);
+  case SQLITE_CORRUPT:
+    throw eds_DamagedFileException(file + " is damaged: " + text);
+  case SQLITE_NOTADB:
+    throw eds_NotOurFileException(file + " is not a model database");
+  case SQLITE_BUSY:
+  case SQLITE_LOCKED:
+    throw eds_FileAccessException(file + " is in use by another process");
+  case SQLITE_CANTOPEN:
+    throw eds_FileAccessException("cannot open " + file + system);
+  case SQLITE_PERM:
+  case SQLITE_READONLY:
+    throw eds_FileAccessException("cannot write " + file + ": not permitted");
+  default:
+    throw eds_EngineException("the database engine failed on " + file + ": " + text);
+  }
+}
+
+// ---- statements
+
+void eds_Statement::Check(int code) const {
+  if (code != SQLITE_OK) m_engine->Fail(code);
+}
+
+void eds_Statement::Prepare() {
+  utl_ASSERT(m_engine->m_database != nullptr);
+  Check(sqlite3_prepare_v3(m_engine->m_database, m_sql.c_str(), static_cast<int>(m_sql.size()) + 1,
+                           SQLITE_PREPARE_PERSISTENT, &m_statement, nullptr));
+}
+
+void eds_Statement::Bind(int parameter, int64_t value) {
+  if (m_statement == nullptr) Prepare();
+  Check(sqlite3_bind_int64(m_statement, parameter, value));
+}
+
+void eds_Statement::Bind(int parameter, double value) {
+  if (m_statement == nullptr) Prepare();
+  Check(sqlite3_bind_double(m_statement, parameter, value));
+}
+
+void eds_Statement::BindText(int parameter, std::string_view value) {
+  if (m_statement == nullptr) Prepare();
+  const char* text = value.empty() ? "" : value.data();
+  Check(
+      sqlite3_bind_text64(m_statement, parameter, text, value.size(), SQLITE_STATIC, SQLITE_UTF8));
+}
+
+void eds_Statement::BindBytes(int parameter, std::span<const std::byte> value) {
+  if (m_statement == nullptr) Prepare();
+  if (value.empty()) return Check(sqlite3_bind_zeroblob(m_statement, parameter, 0));
+  Check(sqlite3_bind_blob64(m_statement, parameter, value.data(), value.size(), SQLITE_STATIC));
+}
+
+void eds_Statement::BindNull(int parameter) {
+  if (m_statement == nullptr) Prepare();
+  Check(sqlite3_bind_null(m_statement, parameter));
+}
+
+bool eds_Statement::Step() {
+  if (m_statement == nullptr) Prepare();
+  const int code = sqlite3_step(m_statement);
+  if (code == SQLITE_ROW) return true;
+  if (code == SQLITE_DONE) return false;
+  sqlite3_reset(m_statement);
+  m_engine->Fail(code);
+}
+
+void eds_Statement::Run() {
+  while (Step()) {
+  }
+  Reset();
+}
+
+void eds_Statement::Reset() {
+  if (m_statement != nullptr) sqlite3_reset(m_statement);
+}
+
+void eds_Statement::Finalize() {
+  sqlite3_finalize(m_statement);
+  m_statement = nullptr;
+}
+
+eds_Statement::Type eds_Statement::ColumnType(int column) const {
+  switch (sqlite3_column_type(m_statement, column)) {
+  case SQLITE_INTEGER:
+    return Type::Int;
+  case SQLITE_FLOAT:
+    return Type::Real;
+  case SQLITE_TEXT:
+    return Type::Text;
+  case SQLITE_BLOB:
+    return Type::Bytes;
+  default:
+    return Type::Null;
+  }
+}
+
+int64_t eds_Statement::Int(int column) const {
+  return sqlite3_column_int64(m_statement, column);
+}
+double eds_Statement::Real(int column) const {
+  return sqlite3_column_double(m_statement, column);
+}
+
+std::string_view eds_Statement::Text(int column) const {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+  if (text == nullptr) return {};
+  return {text, static_cast<size_t>(sqlite3_column_bytes(m_statement, column))};
+}
+
+std::span<const std::byte> eds_Statement::Bytes(int column) const {
+  const auto* data = static_cast<const std::byte*>(sqlite3_column_blob(m_statement, column));
+  return {data, static_cast<size_t>(sqlite3_column_bytes(m_statement, column))};
+}

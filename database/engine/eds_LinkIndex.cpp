@@ -1,0 +1,161 @@
+#include "database/engine/eds_LinkIndex.h"
+#include "base/utl_Assert.h"
+#include <algorithm>
+#include <cstring>
+
+namespace {
+constexpr size_t longList = 16; // from here on a list has a map by key
+}
+
+std::string eds_linkKey(uint64_t number) {
+  std::string key(sizeof number, '\0');
+  std::memcpy(key.data(), &number, sizeof number);
+  return key;
+}
+
+void eds_LinkIndex::Forget() {
+  m_rows = nullptr;
+  m_lists.clear();
+  m_byTarget.clear();
+  m_hasTargets = false;
+}
+
+void eds_LinkIndex::Build(eds_RowTable& rows) {
+  Forget();
+  m_rows = &rows;
+  for (int64_t link = 1; link <= rows.LastID(); ++link) {
+    if (!rows.Has(link)) continue;
+    const eds_ObjectID owner = rows.Reference(link, eds_Link_Owner);
+    const int64_t member = rows.Int(link, eds_Link_Member);
+    Append(m_lists[{owner.Packed(), static_cast<uint64_t>(member)}], link);
+  }
+}
+
+// Sets know their members by the target, maps by their key; the shape says which.
+std::string eds_LinkIndex::KeyOf(int64_t link) const {
+  const auto member = static_cast<eds_Member>(m_rows->Int(link, eds_Link_Member));
+  const eds_MemberInfo* info = eds_schemaMember(member);
+  switch (info != nullptr ? info->shape : eds_MemberShape::One) {
+  case eds_MemberShape::TextMap:
+    return std::string(m_rows->Text(link, eds_Link_TextKey));
+  case eds_MemberShape::IntMap:
+    return eds_linkKey(static_cast<uint64_t>(m_rows->Int(link, eds_Link_IntKey)));
+  case eds_MemberShape::One:
+    return {};
+  default:
+    return eds_linkKey(m_rows->Reference(link, eds_Link_Target).Packed());
+  }
+}
+
+void eds_LinkIndex::Append(List& list, int64_t link) {
+  list.links.push_back(link);
+  if (list.links.size() < longList) return;
+  if (list.links.size() == longList) {
+    for (int64_t each : list.links) list.byKey.emplace(KeyOf(each), each);
+  } else {
+    list.byKey.emplace(KeyOf(link), link);
+  }
+}
+
+int64_t eds_LinkIndex::FindIn(const List& list, std::string_view key) const {
+  if (list.links.size() >= longList) {
+    auto found = list.byKey.find(std::string(key));
+    return found != list.byKey.end() ? found->second : 0;
+  }
+  for (int64_t link : list.links)
+    if (KeyOf(link) == key) return link;
+  return 0;
+}
+
+const eds_LinkIndex::List* eds_LinkIndex::Find(eds_ObjectID owner, eds_Member member) const {
+  auto found = m_lists.find({owner.Packed(), static_cast<uint64_t>(member)});
+  return found != m_lists.end() ? &found->second : nullptr;
+}
+
+int64_t eds_LinkIndex::FindKey(eds_ObjectID owner, eds_Member member, std::string_view key) const {
+  const List* list = Find(owner, member);
+  return list != nullptr ? FindIn(*list, key) : 0;
+}
+
+void eds_LinkIndex::Enter(eds_ObjectID owner, eds_Member member, std::string_view textKey,
+                          int64_t intKey, eds_ObjectID target) {
+  const eds_MemberShape shape = eds_schemaMember(member)->shape;
+  List& list = m_lists[{owner.Packed(), static_cast<uint64_t>(member)}];
+  int64_t link = 0;
+  switch (shape) {
+  case eds_MemberShape::One:
+    link = list.links.empty() ? 0 : list.links.front();
+    break;
+  case eds_MemberShape::TextMap:
+    link = FindIn(list, textKey);
+    break;
+  case eds_MemberShape::IntMap:
+    link = FindIn(list, eds_linkKey(static_cast<uint64_t>(intKey)));
+    break;
+  case eds_MemberShape::Set:
+    link = FindIn(list, eds_linkKey(target.Packed()));
+    break;
+  case eds_MemberShape::List:
+    break;
+  }
+  const bool isNew = link == 0;
+  if (isNew) {
+    const int64_t position =
+        list.links.empty() ? 0 : m_rows->Int(list.links.back(), eds_Link_Position) + 1;
+    link = m_rows->Create();
+    m_rows->SetReference(link, eds_Link_Owner, owner);
+    m_rows->SetInt(link, eds_Link_Member, static_cast<int64_t>(member));
+    m_rows->SetInt(link, eds_Link_Position, position);
+    if (shape == eds_MemberShape::TextMap) m_rows->SetText(link, eds_Link_TextKey, textKey);
+    if (shape == eds_MemberShape::IntMap) m_rows->SetInt(link, eds_Link_IntKey, intKey);
+  } else if (m_hasTargets) {
+    const uint64_t old = m_rows->Reference(link, eds_Link_Target).Packed();
+    auto [first, last] = m_byTarget.equal_range(old);
+    for (; first != last; ++first) {
+      if (first->second != link) continue;
+      m_byTarget.erase(first);
+      break;
+    }
+  }
+  m_rows->SetReference(link, eds_Link_Target, target);
+  if (isNew) Append(list, link);
+  if (m_hasTargets) m_byTarget.emplace(target.Packed(), link);
+}
+
+void eds_LinkIndex::Remove(int64_t link) {
+  const eds_ObjectID owner = m_rows->Reference(link, eds_Link_Owner);
+  const auto member = static_cast<uint64_t>(m_rows->Int(link, eds_Link_Member));
+  auto found = m_lists.find({owner.Packed(), member});
+  utl_ASSERT(found != m_lists.end());
+  List rest;
+  for (int64_t each : found->second.links)
+    if (each != link) Append(rest, each);
+  found->second = std::move(rest);
+  if (found->second.links.empty()) m_lists.erase(found);
+  m_hasTargets = false; // rebuilt when asked for
+  m_byTarget.clear();
+  m_rows->Remove(link);
+}
+
+std::vector<int64_t> eds_LinkIndex::LinksTo(eds_ObjectID target) {
+  if (!m_hasTargets) {
+    for (int64_t link = 1; link <= m_rows->LastID(); ++link)
+      if (m_rows->Has(link))
+        m_byTarget.emplace(m_rows->Reference(link, eds_Link_Target).Packed(), link);
+    m_hasTargets = true;
+  }
+  auto [first, last] = m_byTarget.equal_range(target.Packed());
+  std::vector<int64_t> links;
+  for (; first != last; ++first) links.push_back(first->second);
+  std::sort(links.begin(), links.end());
+  return links;
+}
+
+std::vector<int64_t> eds_LinkIndex::LinksFrom(eds_ObjectID owner) const {
+  std::vector<int64_t> links;
+  for (const eds_MemberInfo& member : eds_schemaMembers()) {
+    const List* list = Find(owner, member.member);
+    if (list != nullptr) links.insert(links.end(), list->links.begin(), list->links.end());
+  }
+  return links;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "database/engine/eds_RowTable.h"
+#include <string>
+#include <unordered_map>
+
+// The links of all objects, found by owner and member. The links themselves are rows; this is the
+// way to them. Built when first asked for.
+class eds_LinkIndex {
+public:
+  struct List {
+    std::vector<int64_t> links; // row ids, in order of entering
+    // Key (text, 8 bytes of a number, 8 bytes of a target) to row id; kept for long lists only.
+    std::unordered_map<std::string, int64_t> byKey;
+  };
+
+  void Build(eds_RowTable& rows);
+  void Forget();
+  bool IsBuilt() const { return m_rows != nullptr; }
+
+  const List* Find(eds_ObjectID owner, eds_Member member) const;
+  int64_t FindKey(eds_ObjectID owner, eds_Member member, std::string_view key) const; // 0: none
+  // Adds a link; one that has the key already is given the new target instead.
+  void Enter(eds_ObjectID owner, eds_Member member, std::string_view textKey, int64_t intKey,
+             eds_ObjectID target);
+  void Remove(int64_t link);
+  std::vector<int64_t> LinksTo(eds_ObjectID target);
+  std::vector<int64_t> LinksFrom(eds_ObjectID owner) const;
+
+private:
+  struct Key {
+    uint64_t owner;
+    uint64_t member;
+    bool operator==(const Key&) const = default;
+  };
+  struct Hash {
+    size_t operator()(const Key& key) const {
+      return static_cast<size_t>((key.owner * 0x9e3779b97f4a7c15ULL) ^ (key.member << 7) ^
+                                 (key.owner >> 29));
+    }
+  };
+
+  void Append(List& list, int64_t link);
+  std::string KeyOf(int64_t link) const;
+  int64_t FindIn(const List& list, std::string_view key) const;
+
+  eds_RowTable* m_rows = nullptr;
+  std::unordered_map<Key, List, Hash> m_lists;
+  std::unordered_multimap<uint64_t, int64_t> m_byTarget;
+  bool m_hasTargets = false;
+};
+
+// A number as the key of a link.
+std::string eds_linkKey(uint64_t number);

@@ -1,0 +1,332 @@
+#include "database/engine/eds_RowTable.h"
+#include "base/utl_Assert.h"
+#include "base/utl_File.h"
+#include "database/eds_Exception.h"
+#include <algorithm>
+#include <bit>
+
+eds_RowTable::eds_RowTable(const eds_RecordInfo& info, eds_Engine& engine,
+                           std::vector<Dirty>& dirty)
+    : m_info(info), m_engine(engine), m_dirty(dirty), m_stride(info.fields.size() + 1) {
+  utl_ASSERT(info.fields.size() < 64); // the present bits are one word
+}
+
+// ---- rows
+
+size_t eds_RowTable::AppendRow() {
+  m_words.resize(m_words.size() + m_stride);
+  m_flags.push_back(0);
+  return m_flags.size();
+}
+
+int64_t eds_RowTable::Create() {
+  const auto id = static_cast<int64_t>(AppendRow());
+  m_flags[Row(id)] = dirty | unwritten;
+  m_dirty.push_back({this, id});
+  return id;
+}
+
+void eds_RowTable::Remove(int64_t id) {
+  utl_ASSERT(Has(id));
+  MarkDirty(id);
+  m_flags[Row(id)] |= removed;
+  ++m_removedCount;
+}
+
+void eds_RowTable::MarkDirty(int64_t id) {
+  uint8_t& flags = m_flags[Row(id)];
+  if ((flags & dirty) != 0) return;
+  flags |= dirty;
+  m_dirty.push_back({this, id});
+}
+
+// ---- fields
+
+const eds_FieldInfo& eds_RowTable::Field(int field) const {
+  utl_ASSERT(field >= 0 && field < static_cast<int>(m_info.fields.size()));
+  return m_info.fields[static_cast<size_t>(field)];
+}
+
+uint64_t& eds_RowTable::Word(int64_t id, int field) {
+  utl_ASSERT(Has(id));
+  MarkDirty(id);
+  uint64_t* words = m_words.data() + Row(id) * m_stride;
+  words[0] |= uint64_t{1} << field;
+  return words[field + 1];
+}
+
+int64_t eds_RowTable::Int(int64_t id, int field) const {
+  const eds_FieldInfo& info = Field(field);
+  utl_ASSERT(info.type == eds_FieldType::Int || info.type == eds_FieldType::Bool ||
+             info.type == eds_FieldType::Symbol);
+  utl_ASSERT(Has(id));
+  return IsNull(id, field) ? info.intDefault : static_cast<int64_t>(Words(id)[field + 1]);
+}
+
+double eds_RowTable::Real(int64_t id, int field) const {
+  utl_ASSERT(Field(field).type == eds_FieldType::Real);
+  utl_ASSERT(Has(id));
+  return IsNull(id, field) ? Field(field).realDefault : std::bit_cast<double>(Words(id)[field + 1]);
+}
+
+std::string_view eds_RowTable::Text(int64_t id, int field) const {
+  const eds_FieldInfo& info = Field(field);
+  utl_ASSERT(info.type == eds_FieldType::Text || info.type == eds_FieldType::Bytes);
+  utl_ASSERT(Has(id));
+  if (IsNull(id, field)) return info.textDefault;
+  return m_texts[static_cast<size_t>(Words(id)[field + 1])];
+}
+
+eds_ObjectID eds_RowTable::Reference(int64_t id, int field) const {
+  const eds_FieldInfo& info = Field(field);
+  utl_ASSERT(info.type == eds_FieldType::Ref || info.type == eds_FieldType::AnyRef);
+  utl_ASSERT(Has(id));
+  return IsNull(id, field) ? eds_ObjectID() : eds_ObjectID::Unpacked(Words(id)[field + 1]);
+}
+
+void eds_RowTable::SetInt(int64_t id, int field, int64_t value) {
+  [[maybe_unused]] const eds_FieldInfo& info = Field(field);
+  utl_ASSERT(info.type == eds_FieldType::Int || info.type == eds_FieldType::Bool ||
+             info.type == eds_FieldType::Symbol);
+  Word(id, field) = static_cast<uint64_t>(value);
+}
+
+void eds_RowTable::SetReal(int64_t id, int field, double value) {
+  utl_ASSERT(Field(field).type == eds_FieldType::Real);
+  Word(id, field) = std::bit_cast<uint64_t>(value);
+}
+
+std::string& eds_RowTable::PoolText(int64_t id, int field) {
+  utl_ASSERT(Has(id));
+  const bool isNew = IsNull(id, field);
+  uint64_t& word = Word(id, field);
+  if (isNew) {
+    word = m_texts.size();
+    m_texts.emplace_back();
+  }
+  return m_texts[static_cast<size_t>(word)];
+}
+
+void eds_RowTable::SetText(int64_t id, int field, std::string_view value) {
+  [[maybe_unused]] const eds_FieldInfo& info = Field(field);
+  utl_ASSERT(info.type == eds_FieldType::Text || info.type == eds_FieldType::Bytes);
+  PoolText(id, field).assign(value);
+}
+
+void eds_RowTable::SetReference(int64_t id, int field, eds_ObjectID target) {
+  const eds_FieldInfo& info = Field(field);
+  utl_ASSERT(info.type == eds_FieldType::Ref || info.type == eds_FieldType::AnyRef);
+  if (target.IsNull()) return Unset(id, field);
+  utl_ASSERT(info.type == eds_FieldType::AnyRef || info.target == target.RecordKind());
+  Word(id, field) = target.Packed();
+}
+
+void eds_RowTable::Unset(int64_t id, int field) {
+  Field(field);
+  utl_ASSERT(Has(id));
+  if (IsNull(id, field)) return;
+  Word(id, field) = 0; // a text's place in the pool stays unused
+  m_words[Row(id) * m_stride] &= ~(uint64_t{1} << field);
+}
+
+// ---- the file
+
+void eds_RowTable::SetEmpty() {
+  Forget();
+  m_loaded = true;
+}
+
+void eds_RowTable::Forget() {
+  m_words = {};
+  m_flags = {};
+  m_texts = {};
+  m_removedCount = 0;
+  m_loaded = false;
+}
+
+void eds_RowTable::Damaged(const cow_String& what) const {
+  throw eds_DamagedFileException("\"" + utl_pathText(m_engine.File()) + "\" is damaged: table " +
+                                 cow_String(m_info.table) + ": " + what);
+}
+
+namespace {
+
+bool isStored(const std::vector<cow_String>& stored, std::string_view column) {
+  return std::find(stored.begin(), stored.end(), column) != stored.end();
+}
+
+} // namespace
+
+void eds_RowTable::Load() {
+  Forget();
+  m_loaded = true;
+  if (m_stored.empty()) return; // a kind that this older file does not know
+  cow_String sql = "SELECT id";
+  std::vector<int> columnOf(m_info.fields.size(), -1);
+  int columns = 1;
+  for (size_t field = 0; field < m_info.fields.size(); ++field) {
+    const eds_FieldInfo& info = m_info.fields[field];
+    if (!isStored(m_stored, info.column)) continue;
+    columnOf[field] = columns++;
+    if (info.type == eds_FieldType::AnyRef) {
+      sql += ", " + eds_sqlName(cow_String(info.column) + "_kind");
+      ++columns;
+    }
+    sql += ", " + eds_sqlName(info.column);
+  }
+  eds_Statement rows(m_engine, sql + " FROM " + eds_sqlName(m_info.table) + " ORDER BY id");
+  int64_t count = 0;
+  while (rows.Step()) {
+    // Numbers are missing only where records were removed; a file that skips far would have us
+    // reserve memory for nothing.
+    constexpr int64_t mostMissing = 10'000'000;
+    const int64_t id = rows.Int(0);
+    if (rows.ColumnType(0) != eds_Statement::Type::Int || id <= LastID() ||
+        id - ++count > mostMissing) {
+      Damaged("record number " + std::to_string(id));
+    }
+    LoadRow(rows, columnOf);
+  }
+}
+
+int64_t eds_RowTable::LoadRow(eds_Statement& row, const std::vector<int>& columnOf) {
+  const int64_t id = row.Int(0);
+  while (LastID() < id) {
+    AppendRow();
+    if (LastID() == id) break;
+    m_flags.back() = removed;
+    ++m_removedCount;
+  }
+  for (size_t field = 0; field < columnOf.size(); ++field) {
+    if (columnOf[field] >= 0) LoadField(row, columnOf[field], id, static_cast<int>(field));
+  }
+  return id;
+}
+
+void eds_RowTable::LoadField(eds_Statement& row, int column, int64_t id, int field) {
+  using Type = eds_Statement::Type;
+  const eds_FieldInfo& info = Field(field);
+  const Type type = row.ColumnType(column);
+  if (type == Type::Null) return;
+  auto expect = [&](Type expected) {
+    if (type != expected) Damaged("column " + cow_String(info.column));
+  };
+  uint64_t word = 0;
+  switch (info.type) {
+  case eds_FieldType::Int:
+    expect(Type::Int);
+    word = static_cast<uint64_t>(row.Int(column));
+    break;
+  case eds_FieldType::Bool:
+  case eds_FieldType::Symbol: {
+    expect(Type::Int);
+    const int64_t value = row.Int(column);
+    const int64_t most = info.type == eds_FieldType::Bool ? 1 : 0xffff;
+    if (value < 0 || value > most) Damaged("column " + cow_String(info.column));
+    word = static_cast<uint64_t>(value);
+    break;
+  }
+  case eds_FieldType::Real:
+    expect(Type::Real);
+    word = std::bit_cast<uint64_t>(row.Real(column));
+    break;
+  case eds_FieldType::Text:
+  case eds_FieldType::Bytes:
+    expect(info.type == eds_FieldType::Text ? Type::Text : Type::Bytes);
+    word = m_texts.size();
+    if (info.type == eds_FieldType::Text) {
+      m_texts.emplace_back(row.Text(column));
+    } else {
+      const std::span<const std::byte> bytes = row.Bytes(column);
+      m_texts.emplace_back(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    }
+    break;
+  case eds_FieldType::Ref:
+  case eds_FieldType::AnyRef: {
+    eds_ObjectID target(info.target, 0);
+    if (info.type == eds_FieldType::AnyRef) {
+      const int64_t kind = row.Int(column);
+      if (row.ColumnType(column) != Type::Int || kind < 1 || kind > 0xffff)
+        Damaged("column " + cow_String(info.column));
+      target.kind = static_cast<uint16_t>(kind);
+      ++column;
+    }
+    target.id = row.Int(column);
+    if (row.ColumnType(column) != Type::Int || target.id < 1 || target.id > 0xffffffffffffLL)
+      Damaged("column " + cow_String(info.column));
+    word = target.Packed();
+    break;
+  }
+  }
+  uint64_t* words = m_words.data() + Row(id) * m_stride;
+  words[0] |= uint64_t{1} << field;
+  words[field + 1] = word;
+}
+
+eds_Statement& eds_RowTable::InsertStatement() {
+  if (m_insert != nullptr) return *m_insert;
+  cow_String columns = "id";
+  cow_String values = "?";
+  for (const eds_FieldInfo& field : m_info.fields) {
+    if (field.type == eds_FieldType::AnyRef) {
+      columns += ", " + eds_sqlName(cow_String(field.column) + "_kind");
+      values += ", ?";
+    }
+    columns += ", " + eds_sqlName(field.column);
+    values += ", ?";
+  }
+  m_insert = &m_engine.Prepare("INSERT OR REPLACE INTO " + eds_sqlName(m_info.table) + " (" +
+                               columns + ") VALUES (" + values + ")");
+  return *m_insert;
+}
+
+void eds_RowTable::BindField(eds_Statement& statement, int& parameter, int64_t id, int field) {
+  const eds_FieldInfo& info = m_info.fields[static_cast<size_t>(field)];
+  if (IsNull(id, field)) {
+    if (info.type == eds_FieldType::AnyRef) statement.BindNull(parameter++);
+    return statement.BindNull(parameter++);
+  }
+  const uint64_t word = Words(id)[field + 1];
+  switch (info.type) {
+  case eds_FieldType::Int:
+  case eds_FieldType::Bool:
+  case eds_FieldType::Symbol:
+    statement.Bind(parameter++, static_cast<int64_t>(word));
+    break;
+  case eds_FieldType::Real:
+    statement.Bind(parameter++, std::bit_cast<double>(word));
+    break;
+  case eds_FieldType::Text:
+    statement.BindText(parameter++, m_texts[word]);
+    break;
+  case eds_FieldType::Bytes:
+    statement.BindBytes(parameter++, std::as_bytes(std::span(m_texts[word])));
+    break;
+  case eds_FieldType::AnyRef:
+    statement.Bind(parameter++, int64_t{eds_ObjectID::Unpacked(word).kind});
+    [[fallthrough]];
+  case eds_FieldType::Ref:
+    statement.Bind(parameter++, eds_ObjectID::Unpacked(word).id);
+    break;
+  }
+}
+
+void eds_RowTable::Write(int64_t id) {
+  uint8_t& flags = m_flags[Row(id)];
+  if ((flags & removed) != 0) {
+    if ((flags & unwritten) == 0) {
+      if (m_delete == nullptr)
+        m_delete = &m_engine.Prepare("DELETE FROM " + eds_sqlName(m_info.table) + " WHERE id = ?");
+      m_delete->Bind(1, id);
+      m_delete->Run();
+    }
+  } else {
+    eds_Statement& insert = InsertStatement();
+    int parameter = 1;
+    insert.Bind(parameter++, id);
+    const int fields = static_cast<int>(m_info.fields.size());
+    for (int field = 0; field < fields; ++field) BindField(insert, parameter, id, field);
+    insert.Run();
+  }
+  flags &= static_cast<uint8_t>(~(dirty | unwritten));
+}

@@ -1,0 +1,364 @@
+#include "database/engine/eds_Store.h"
+#include "base/utl_Assert.h"
+#include "base/utl_File.h"
+#include "database/eds_Exception.h"
+#include "database/engine/eds_Format.h"
+#include <algorithm>
+
+namespace {
+constexpr const char* finishedKey = "finished";
+constexpr const char* version = "1";
+} // namespace
+
+eds_Store::eds_Store() : m_chunks(m_engine) {
+  for (const eds_RecordInfo& info : eds_schemaRecords()) {
+    const auto number = static_cast<size_t>(info.kind);
+    if (m_byKind.size() <= number) m_byKind.resize(number + 1);
+    m_byKind[number] = &m_tables.emplace_back(info, m_engine, m_dirty);
+  }
+}
+
+eds_Store::~eds_Store() {
+  try {
+    Close();
+  } catch (const std::exception&) {
+    // The last handle is gone: nobody is left to tell. What was physical stays.
+  }
+}
+
+void eds_Store::Damaged(const cow_String& what) const {
+  throw eds_DamagedFileException("\"" + utl_pathText(m_path) + "\" is damaged: " + what);
+}
+
+// ---- the file
+
+void eds_Store::StartEmpty() {
+  for (eds_RowTable& table : m_tables) table.SetEmpty();
+  m_meta = {{"format", std::to_string(eds_formatVersion)},
+            {"writer_version", version},
+            {finishedKey, "0"}};
+  m_metaChanged = true;
+}
+
+// The empty model is made under the temporary name, so that a file with the user's name is a whole
+// one from its first instant.
+void eds_Store::LayDown(const std::filesystem::path& file) {
+  m_temporary = utl_temporaryBeside(file);
+  m_path = file;
+  m_engine.SetShownFile(file);
+  m_engine.Open(m_temporary, eds_OpenMode::New);
+  m_engine.Execute("PRAGMA journal_mode = MEMORY");
+  m_engine.Execute("PRAGMA synchronous = OFF");
+  eds_createTables(m_engine);
+  StartEmpty();
+}
+
+void eds_Store::Create(const std::filesystem::path& file) {
+  if (utl_exists(file))
+    throw eds_FileAccessException("\"" + utl_pathText(file) + "\" exists already");
+  LayDown(file);
+  m_engine.BeginWrite();
+  WriteMeta();
+  m_engine.CommitPhysical();
+  m_engine.Close();
+  try {
+    utl_renameFile(m_temporary, file, utl_IfExists::Refuse);
+  } catch (const utl_FileException& failure) {
+    utl_removeFile(m_temporary);
+    throw eds_FileAccessException(failure.what());
+  }
+  m_temporary.clear();
+  m_engine.Open(file, eds_OpenMode::New);
+  m_engine.ApplyMode();
+}
+
+void eds_Store::CreateReplacing(const std::filesystem::path& file) {
+  if (utl_isDirectory(file))
+    throw eds_FileAccessException("cannot write \"" + utl_pathText(file) + "\": a folder");
+  LayDown(file);
+  m_engine.ApplyMode();
+}
+
+void eds_Store::CreateInMemory() {
+  m_engine.Open({}, eds_OpenMode::Memory);
+  eds_createTables(m_engine);
+  m_engine.ApplyMode();
+  StartEmpty();
+}
+
+// A file whose writer died is put back to its last whole transaction before anybody reads it.
+void eds_Store::Recover(const std::filesystem::path& file) {
+  std::filesystem::path journal = file;
+  journal += "-journal";
+  if (!utl_exists(journal)) return;
+  eds_Engine engine;
+  try {
+    engine.Open(file, eds_OpenMode::Durable);
+    engine.QueryInt("SELECT count(*) FROM sqlite_schema");
+  } catch (const eds_FileAccessException&) {
+    // Not permitted to write: the journal may be an idle one, and the file readable as it is.
+  }
+}
+
+void eds_Store::Open(const std::filesystem::path& file, bool readOnly) {
+  eds_checkHeader(file);
+  m_path = file;
+  Recover(file);
+  m_engine.Open(file, readOnly ? eds_OpenMode::ReadOnly : eds_OpenMode::Durable);
+  eds_checkLength(m_engine);
+  m_engine.ApplyMode();
+  m_engine.QueryInt("SELECT count(*) FROM sqlite_schema");
+  LoadMeta();
+  if (!readOnly && m_engine.QueryInt("SELECT count(*) FROM schema_field") != eds_schemaFieldCount())
+    eds_upgradeTables(m_engine);
+}
+
+void eds_Store::DropJournal() {
+  if (m_engine.Mode() == eds_OpenMode::New) m_engine.Execute("PRAGMA journal_mode = DELETE");
+}
+
+void eds_Store::Finish() {
+  utl_ASSERT(!IsClosed() && !IsReadOnly() && m_depth == 0);
+  RemoveTempDistributions();
+  Flush();
+  m_chunkArrays.clear();
+  if (m_engine.Mode() == eds_OpenMode::Memory) {
+    m_engine.CommitPhysical();
+    return SetMeta(finishedKey, "1");
+  }
+  // First all there is reaches the disk, then the flag that says so, then the name.
+  const std::filesystem::path file = m_engine.File();
+  m_engine.CommitPhysical();
+  SyncClosed(file);
+  m_meta[finishedKey] = "1";
+  m_engine.BeginWrite();
+  WriteMeta();
+  m_engine.CommitPhysical();
+  SyncClosed(file);
+  if (!m_temporary.empty()) {
+    m_engine.Close();
+    utl_renameFile(m_temporary, m_path, utl_IfExists::Replace);
+    m_temporary.clear();
+    Reopen(m_path);
+  }
+  utl_syncFolderOf(m_path);
+}
+
+// The file is closed meanwhile: a second handle on an open one would take the engine's locks away.
+void eds_Store::SyncClosed(const std::filesystem::path& file) {
+  DropJournal();
+  m_engine.Close();
+  utl_syncFile(file);
+  Reopen(file);
+}
+
+void eds_Store::Reopen(const std::filesystem::path& file) {
+  m_engine.Open(file, eds_OpenMode::Durable);
+  m_engine.ApplyMode();
+}
+
+void eds_Store::Close() {
+  if (IsClosed()) return;
+  if (m_depth > 0) {
+    Abandon();
+  } else if (!IsReadOnly() && !m_engine.HasFailed() && m_temporary.empty()) {
+    RemoveTempDistributions();
+    m_engine.CommitPhysical();
+    DropJournal();
+  }
+  m_engine.Close();
+  ForgetAll();
+  if (m_temporary.empty()) return;
+  std::filesystem::path journal = m_temporary;
+  journal += "-journal";
+  utl_removeFile(journal);
+  utl_removeFile(m_temporary);
+}
+
+void eds_Store::LoadMeta() {
+  m_meta.clear();
+  eds_Statement rows(m_engine, "SELECT key, value FROM meta");
+  while (rows.Step()) m_meta.emplace(rows.Text(0), rows.Text(1));
+  m_metaChanged = false;
+}
+
+void eds_Store::SetMeta(const cow_String& key, const cow_String& value) {
+  m_meta[key] = value;
+  m_metaChanged = true;
+}
+
+cow_String eds_Store::Meta(const cow_String& key) const {
+  auto found = m_meta.find(key);
+  return found != m_meta.end() ? found->second : cow_String();
+}
+
+void eds_Store::WriteMeta() {
+  eds_Statement insert(m_engine, "INSERT OR REPLACE INTO meta VALUES (?, ?)");
+  for (const auto& [key, value] : m_meta) {
+    insert.BindText(1, key);
+    insert.BindText(2, value);
+    insert.Run();
+  }
+  m_metaChanged = false;
+}
+
+// ---- transactions
+
+void eds_Store::Flush() {
+  if (m_dirty.empty() && !m_metaChanged && m_chunkArrays.empty()) return;
+  m_engine.BeginWrite();
+  std::string& finished = m_meta[finishedKey];
+  if (finished == "1") {
+    finished = "0";
+    m_metaChanged = true;
+  }
+  for (const eds_RowTable::Dirty& row : m_dirty) row.table->Write(row.id);
+  m_dirty.clear();
+  if (m_metaChanged) WriteMeta();
+}
+
+void eds_Store::Commit() {
+  utl_ASSERT(m_depth > 0);
+  if (--m_depth > 0) return;
+  try {
+    Flush();
+    m_engine.GatherCommit();
+  } catch (...) {
+    m_engine.MarkFailed();
+    Abandon();
+    throw;
+  }
+  m_chunkArrays.clear();
+  m_overwrote = false;
+}
+
+void eds_Store::Abandon() {
+  m_depth = 0;
+  if (m_engine.HasFailed() || m_overwrote) {
+    m_engine.RollbackPhysical();
+  } else {
+    // Chunks written ahead of a commit that does not come; their arrays' records were never
+    // written.
+    for (int64_t array : m_chunkArrays) m_chunks.Remove(array);
+  }
+  m_chunkArrays.clear();
+  m_overwrote = false;
+  ForgetAll();
+  if (m_engine.IsOpen()) LoadMeta();
+}
+
+void eds_Store::ForgetAll() {
+  m_dirty.clear();
+  for (eds_RowTable& table : m_tables) table.Forget();
+  m_links.Forget();
+  m_csets.clear();
+}
+
+void eds_Store::Save() {
+  utl_ASSERT(m_depth == 0);
+  if (IsReadOnly()) return;
+  Flush();
+  m_chunkArrays.clear();
+  m_engine.CommitPhysical();
+}
+
+void eds_Store::BeforeChunk(int64_t array) {
+  utl_ASSERT(m_depth > 0);
+  const bool known = !m_chunkArrays.empty() && m_chunkArrays.back() == array;
+  if (!known && !Rows(eds_RecordKind::Array).IsUnwritten(array) && !m_overwrote) {
+    // A committed array is changed: taking that back takes the physical transaction back, so what
+    // was committed before goes to the disk first, if nothing of this transaction is there yet.
+    if (m_chunkArrays.empty()) m_engine.CommitPhysical();
+    m_overwrote = true;
+  }
+  m_engine.BeginWrite();
+  if (!known) m_chunkArrays.push_back(array);
+}
+
+// ---- objects
+
+void eds_Store::Load(eds_RowTable& table) {
+  utl_ASSERT(!IsClosed());
+  table.SetStoredColumns(eds_storedColumns(m_engine, table.Info().table));
+  table.Load();
+}
+
+eds_RowTable& eds_Store::RowsOf(eds_ObjectID object) {
+  utl_ASSERT(IsKind(object.kind));
+  return Rows(object.RecordKind());
+}
+
+bool eds_Store::Exists(eds_ObjectID object) {
+  if (object.kind == eds_ObjectID::SymbolKind) {
+    const auto vocabulary = static_cast<eds_Vocabulary>(object.id >> 16);
+    const size_t count = eds_schemaSymbols(vocabulary).size();
+    return object.id > 0 && static_cast<size_t>(object.id & 0xffff) < count;
+  }
+  return IsKind(object.kind) && Rows(object.RecordKind()).Has(object.id);
+}
+
+eds_LinkIndex& eds_Store::Links() {
+  eds_RowTable& rows = Rows(eds_RecordKind::Link);
+  if (!m_links.IsBuilt()) m_links.Build(rows);
+  return m_links;
+}
+
+void eds_Store::RemoveObject(eds_ObjectID object) {
+  eds_LinkIndex& links = Links();
+  for (int64_t link : links.LinksFrom(object)) links.Remove(link);
+  for (int64_t link : links.LinksTo(object)) links.Remove(link);
+  if (object.RecordKind() == eds_RecordKind::Array) {
+    BeforeChunk(object.id);
+    m_overwrote = true;
+    m_chunks.Remove(object.id);
+  }
+  RowsOf(object).Remove(object.id);
+}
+
+void eds_Store::RemoveTempDistributions() {
+  if (m_tempDistributions.empty()) return;
+  Begin();
+  eds_RowTable& drawers = Rows(eds_RecordKind::Drawer);
+  for (int64_t distribution : m_tempDistributions) {
+    const eds_ObjectID object(eds_RecordKind::Distribution, distribution);
+    if (!Exists(object)) continue;
+    for (int64_t drawer = 1; drawer <= drawers.LastID(); ++drawer) {
+      if (!drawers.Has(drawer) ||
+          drawers.Reference(drawer, eds_Drawer_Distribution).id != distribution)
+        continue;
+      const eds_ObjectID array = drawers.Reference(drawer, eds_Drawer_Array);
+      if (Exists(array)) RemoveObject(array);
+      drawers.Remove(drawer);
+    }
+    RemoveObject(object);
+  }
+  m_tempDistributions.clear();
+  Commit();
+}
+
+// ---- collections and component sets
+
+int64_t eds_Store::Collection(eds_CollectionKind kind, bool make) {
+  eds_RowTable& rows = Rows(eds_RecordKind::Collection);
+  for (int64_t id = 1; id <= rows.LastID(); ++id) {
+    if (rows.Has(id) && rows.Int(id, eds_Collection_Type) == static_cast<int64_t>(kind)) return id;
+  }
+  if (!make || IsReadOnly()) return 0;
+  const int64_t id = rows.Create();
+  rows.SetInt(id, eds_Collection_Type, static_cast<int64_t>(kind));
+  return id;
+}
+
+int64_t eds_Store::Space(int64_t collection) {
+  eds_RowTable& rows = Rows(eds_RecordKind::Collection);
+  const auto kind = static_cast<eds_CollectionKind>(rows.Int(collection, eds_Collection_Type));
+  const eds_CollectionInfo* info = eds_schemaCollection(kind);
+  if (info == nullptr) Damaged("unknown collection type");
+  if (info->source.fragment == eds_Fragment::Symbol) {
+    const auto vocabulary = static_cast<eds_Vocabulary>(info->source.index);
+    return static_cast<int64_t>(eds_schemaSymbols(vocabulary).size());
+  }
+  if (info->source.fragment == eds_Fragment::Record)
+    return Rows(static_cast<eds_RecordKind>(info->source.index)).LastID();
+  return rows.Int(collection, eds_Collection_Space);
+}

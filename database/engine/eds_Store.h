@@ -1,0 +1,111 @@
+#pragma once
+
+#include "database/eds_Array.h"
+#include "database/eds_MemberSet.h"
+#include "database/engine/eds_ChunkStore.h"
+#include "database/engine/eds_LinkIndex.h"
+#include "database/engine/eds_RowTable.h"
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <unordered_map>
+
+// One open model: its records in memory, what of them has changed, and the file beneath. Everything
+// the Kvo handles do is done here.
+class eds_Store {
+public:
+  eds_Store();
+  ~eds_Store();
+  eds_Store(const eds_Store&) = delete;
+  eds_Store& operator=(const eds_Store&) = delete;
+
+  // ---- the file
+  void Create(const std::filesystem::path& file);
+  void CreateReplacing(const std::filesystem::path& file);
+  void CreateInMemory();
+  void Open(const std::filesystem::path& file, bool readOnly);
+  void Finish();
+  void Close();
+  bool IsClosed() const { return !m_engine.IsOpen(); }
+  bool IsReadOnly() const { return m_engine.Mode() == eds_OpenMode::ReadOnly; }
+  const std::filesystem::path& Path() const { return m_path; }
+  eds_Engine& Engine() { return m_engine; }
+  eds_ChunkStore& Chunks() { return m_chunks; }
+
+  void SetMeta(const cow_String& key, const cow_String& value);
+  cow_String Meta(const cow_String& key) const;
+  const std::map<cow_String, cow_String>& AllMeta() const { return m_meta; }
+
+  // ---- transactions
+  void Begin() { ++m_depth; }
+  void Commit();
+  void Abandon();
+  bool InTransaction() const { return m_depth > 0; }
+  void Save(); // what is committed becomes physical
+
+  // ---- objects
+  eds_RowTable& Rows(eds_RecordKind kind) {
+    eds_RowTable* table = m_byKind[static_cast<size_t>(kind)];
+    if (!table->IsLoaded()) Load(*table);
+    return *table;
+  }
+  // The table of an object; asserts that the object exists.
+  eds_RowTable& RowsOf(eds_ObjectID object);
+  bool IsKind(uint16_t kind) const { return kind < m_byKind.size() && m_byKind[kind] != nullptr; }
+  bool Exists(eds_ObjectID object);
+  eds_LinkIndex& Links();
+  void RemoveObject(eds_ObjectID object);
+
+  // ---- collections and component sets
+  int64_t Collection(eds_CollectionKind kind, bool make); // the standard one, 0 when none
+  int64_t Space(int64_t collection);
+  int64_t StoreCSet(int64_t collection, const eds_MemberSet& members);
+  int64_t StoreWholeCSet(int64_t collection);
+  int64_t KeepTempCSet(int64_t collection, std::shared_ptr<const eds_MemberSet> members);
+  std::shared_ptr<const eds_MemberSet> CSet(int64_t number);
+  int64_t CSetCollection(int64_t number);
+
+  // ---- arrays
+  // To be called before a chunk is written.
+  void BeforeChunk(int64_t array);
+  void KeepTempDistribution(int64_t id) { m_tempDistributions.push_back(id); }
+
+private:
+  struct TempCSet {
+    int64_t collection;
+    std::shared_ptr<const eds_MemberSet> members;
+  };
+
+  void Load(eds_RowTable& table);
+  void ForgetAll();
+  void StartEmpty();
+  void LoadMeta();
+  void Flush();
+  void WriteMeta();
+  void LayDown(const std::filesystem::path& file);
+  void Recover(const std::filesystem::path& file);
+  void RemoveTempDistributions();
+  void DropJournal();
+  void SyncClosed(const std::filesystem::path& file);
+  void Reopen(const std::filesystem::path& file);
+  std::shared_ptr<const eds_MemberSet> DecodeCSet(int64_t number);
+  [[noreturn]] void Damaged(const cow_String& what) const;
+
+  eds_Engine m_engine;
+  eds_ChunkStore m_chunks;
+  std::vector<eds_RowTable::Dirty> m_dirty;
+  std::deque<eds_RowTable> m_tables;
+  std::vector<eds_RowTable*> m_byKind;
+  eds_LinkIndex m_links;
+  std::unordered_map<int64_t, std::weak_ptr<const eds_MemberSet>> m_csets;
+  std::vector<TempCSet> m_tempCSets;
+  std::vector<int64_t> m_tempDistributions;
+  std::map<cow_String, cow_String> m_meta;
+  bool m_metaChanged = false;
+
+  std::filesystem::path m_path;      // the name the user knows
+  std::filesystem::path m_temporary; // while the file has another one
+  int m_depth = 0;
+  std::vector<int64_t> m_chunkArrays; // written to in the open transaction
+  bool m_overwrote = false;           // committed chunks, in the open transaction
+};
