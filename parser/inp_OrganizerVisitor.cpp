@@ -1,0 +1,44 @@
+#include "parser/inp_OrganizerVisitor.h"
+#include <iterator>
+#include <utility>
+
+namespace {
+
+inp_KeywordEnm assemblyKind(inp_KeywordEnm kind) {
+  switch (kind) {
+  case inp_KwNset:
+    return inp_KwAssemblyNset;
+  case inp_KwElset:
+    return inp_KwAssemblyElset;
+  case inp_KwElement:
+    return inp_KwAssemblyElement;
+  default:
+    return kind;
+  }
+}
+
+bool isHistory(const inp_Keyword& keyword) {
+  return keyword.Kind() == inp_KwStep || keyword.Kind() == inp_KwEndStep ||
+         keyword.Scope().kind == inp_Scope::Kind::Step;
+}
+
+} // namespace
+
+void inp_OrganizerVisitor::VisitList(inp_KeywordListRef keywords) {
+  m_keywords.clear();
+  m_keywords.reserve(keywords.size());
+  m_history.clear();
+  inp_Visitor::VisitList(keywords);
+  m_keywords.insert(m_keywords.end(), std::make_move_iterator(m_history.begin()),
+                    std::make_move_iterator(m_history.end()));
+  m_history.clear();
+}
+
+void inp_OrganizerVisitor::Visit(const inp_Keyword& keyword) {
+  if (keyword.Kind() == inp_NullKeyword) return;
+  // No part or instance shares what stands in the assembly: the body may change for all its
+  // handles.
+  if (m_featureEnhanced && keyword.Scope().kind == inp_Scope::Kind::Assembly)
+    keyword.Body()->kind = assemblyKind(keyword.Kind());
+  (isHistory(keyword) ? m_history : m_keywords).push_back(keyword);
+}
