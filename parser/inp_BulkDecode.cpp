@@ -2,21 +2,26 @@
 #include "parser/inp_BulkPiece.h"
 #include "parser/inp_LineScan.h"
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
-// A coordinate that is no plain decimal; false for what is no finite number.
+// Coordinates that are not of a plain form; false for what is no finite number.
 bool readOtherReal(const char* begin, const char* end, double& value) {
   const std::string_view text = inp_trim(begin, end);
+  value = 0;
   if (text.empty()) return true;
-  const utl_Field field = utl_classifyField(text);
-  const bool good = field.IsNumber() && std::isfinite(field.real);
-  value = good ? field.real : 0;
-  return good;
+  double number = 0;
+  const char* const stop = text.data() + text.size();
+  if (utl_readDouble(text.data(), stop, number) != stop || !std::isfinite(number)) return false;
+  // As long as the spelling is an integer's, nought has no sign.
+  const bool isNought = number == 0 && text.find_first_not_of("+-0") == std::string_view::npos;
+  value = isNought ? 0 : number;
+  return true;
 }
 
 inline bool readReal(const char* begin, const char* end, double& value) {
-  return inp_fastDecimal(begin, end, value) || readOtherReal(begin, end, value);
+  return inp_fastReal(begin, end, value) || readOtherReal(begin, end, value);
 }
 
 // ---- nodes -------------------------------------------------------------------------------------
@@ -180,10 +185,14 @@ bool inp_readOtherInt(const char* begin, const char* end, int& value) {
 }
 
 bool inp_readOtherLabel(const char* begin, const char* end, int& value) {
-  int label = 0;
-  if (!inp_readOtherInt(begin, end, label)) return false;
+  std::int64_t label = 0;
+  if (!inp_fastLongInt(begin, end, label)) {
+    const utl_Field field = utl_classifyField(inp_trim(begin, end));
+    if (field.kind != utl_FieldKind::Integer) return false;
+    label = field.integer;
+  }
   if (label > inp_largestLabel || label < -inp_largestLabel) return false;
-  value = label;
+  value = static_cast<int>(label);
   return true;
 }
 

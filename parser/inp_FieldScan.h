@@ -111,13 +111,16 @@ inline std::uint64_t inp_sixteenDigitValue(__m128i digits) {
   return (both & 0xFFFFFFFF) * 100000000 + (both >> 32);
 }
 
-inline constexpr double inp_pointScale[17] = {1e15, 1e14, 1e13, 1e12, 1e11, 1e10, 1e9, 1e8, 1e7,
-                                              1e6,  1e5,  1e4,  1e3,  1e2,  1e1,  1e0, 1e0};
+// A number without an exponent, taken apart: (minus) mantissa / 10^decimals.
+struct inp_Decimal {
+  std::uint64_t mantissa;
+  int decimals; // digits behind the point
+  unsigned minus;
+  bool hasPoint;
+};
 
-// A decimal of at most 16 characters without an exponent: mantissa and power of ten are exact
-// doubles, so the one division rounds correctly. Loads inp_fieldReach bytes in front of `end`.
-inline bool inp_fastDecimal(const char* begin, const char* end, double& value) {
-  end = inp_trimFieldEnd(begin, end);
+// At most 16 characters, blanks in front. Loads inp_fieldReach bytes in front of `end`.
+inline bool inp_fastTakeApart(const char* begin, const char* end, inp_Decimal& number) {
   if (end - begin > 16) {
     while (*begin == ' ' && end - begin > 16) ++begin;
     if (end - begin > 16) return false;
@@ -133,34 +136,81 @@ inline bool inp_fastDecimal(const char* begin, const char* end, double& value) {
   const auto from = static_cast<unsigned>(std::countr_zero(shown | 0x10000));
   const unsigned minus = bits(_mm_cmpeq_epi8(text, _mm_set1_epi8('-'))) >> from & 1;
   const unsigned start = from + minus;
-  const unsigned number = 0xFFFFu << start & 0xFFFF;
-  const unsigned point = bits(_mm_cmpeq_epi8(text, _mm_set1_epi8('.'))) & number;
-  const unsigned figures = number & ~point;
+  const unsigned place = 0xFFFFu << start & 0xFFFF;
+  const unsigned point = bits(_mm_cmpeq_epi8(text, _mm_set1_epi8('.'))) & place;
+  const unsigned figures = place & ~point;
   if ((figures & ~digitBits) != 0 || figures == 0 || (point & (point - 1)) != 0) return false;
 
   // The digits in front of the point move up by one byte.
-  const auto at = static_cast<unsigned>(std::countr_zero(point | 0x10000)); // 16: no point
+  const auto at = static_cast<unsigned>(std::countr_zero(point | 0x8000)); // 15: none behind it
   const __m128i kept = _mm_andnot_si128(inp_firstBytes(start), digits);
   const __m128i head = inp_firstBytes(point ? at + 1 : 0);
   const __m128i joined =
       _mm_or_si128(_mm_and_si128(head, _mm_slli_si128(kept, 1)), _mm_andnot_si128(head, kept));
-  const std::uint64_t mantissa = inp_sixteenDigitValue(joined);
-  if (mantissa > std::uint64_t{1} << 53) return false;
-  // "-0" is the integer nought, which has no sign; "-0." keeps its own.
-  if (mantissa == 0 && !point) {
-    value = 0;
-    return true;
-  }
-  const double magnitude =
-      static_cast<double>(static_cast<std::int64_t>(mantissa)) / inp_pointScale[at];
+  number = {inp_sixteenDigitValue(joined), 15 - static_cast<int>(at), minus, point != 0};
+  return true;
+}
+
+// Mantissa and power of ten are both exact doubles, so the one operation rounds correctly.
+inline constexpr std::uint64_t inp_exactMantissa = std::uint64_t{1} << 53;
+inline constexpr int inp_exactPower = 22;
+
+inline double inp_signed(double magnitude, unsigned minus) {
+  return std::bit_cast<double>(std::bit_cast<std::uint64_t>(magnitude) | std::uint64_t{minus}
+                                                                             << 63);
+}
+
+// An exponent of a letter, a sign and two digits, as "%e" prints it.
+inline bool inp_fastScientific(const char* begin, const char* end, double& value) {
+  if (end - begin < 5) return false;
+  const char letter = static_cast<char>(end[-4] | 0x20);
+  const auto tens = static_cast<unsigned>(end[-2] - '0');
+  const auto ones = static_cast<unsigned>(end[-1] - '0');
+  const bool known = (letter == 'e' || letter == 'd') && (end[-3] == '+' || end[-3] == '-') &&
+                     tens < 10 && ones < 10;
+  inp_Decimal number;
+  if (!known || !inp_fastTakeApart(begin, end - 4, number)) return false;
+  const int exponent = static_cast<int>(10 * tens + ones);
+  const int power = (end[-3] == '-' ? -exponent : exponent) - number.decimals;
+  if (number.mantissa > inp_exactMantissa || power > inp_exactPower || power < -inp_exactPower)
+    return false;
+  const auto mantissa = static_cast<double>(static_cast<std::int64_t>(number.mantissa));
   value =
-      std::bit_cast<double>(std::bit_cast<std::uint64_t>(magnitude) | std::uint64_t{minus} << 63);
+      inp_signed(power < 0 ? mantissa / utl_powersOf10[-power] : mantissa * utl_powersOf10[power],
+                 number.minus);
+  return true;
+}
+
+// A decimal of at most 16 characters, or a mantissa of as many with a plain exponent. Loads
+// inp_fieldReach bytes in front of `end`.
+inline bool inp_fastReal(const char* begin, const char* end, double& value) {
+  end = inp_trimFieldEnd(begin, end);
+  inp_Decimal number;
+  if (!inp_fastTakeApart(begin, end, number)) return inp_fastScientific(begin, end, value);
+  if (number.mantissa > inp_exactMantissa) return false;
+  const double magnitude = static_cast<double>(static_cast<std::int64_t>(number.mantissa)) /
+                           utl_powersOf10[number.decimals];
+  // "-0" is the integer nought, which has no sign; "-0." keeps its own.
+  value = inp_signed(magnitude, number.minus & (number.hasPoint || number.mantissa != 0));
+  return true;
+}
+
+// An integer of at most 16 characters.
+inline bool inp_fastLongInt(const char* begin, const char* end, std::int64_t& value) {
+  inp_Decimal number;
+  if (!inp_fastTakeApart(begin, inp_trimFieldEnd(begin, end), number) || number.hasPoint)
+    return false;
+  const auto magnitude = static_cast<std::int64_t>(number.mantissa);
+  value = number.minus ? -magnitude : magnitude;
   return true;
 }
 
 #else
 
-inline bool inp_fastDecimal(const char*, const char*, double&) {
+inline bool inp_fastReal(const char*, const char*, double&) {
+  return false;
+}
+inline bool inp_fastLongInt(const char*, const char*, std::int64_t&) {
   return false;
 }
 
