@@ -38,6 +38,7 @@ template <class Int> Int toInt(const utl_Field& field) {
 struct inp_DataArray::Impl {
   cow_List<inp_DataSegment> segments;
   long long rows = 0;
+  bool wholeLines = false; // a line is one field, whatever it holds
 
   cow_List<RowStart> starts; // of rows 0, 64, 128 …; stays empty when they are few
 
@@ -120,6 +121,11 @@ struct inp_DataArray::Impl {
 
   void BeginFields() {
     fields.clear();
+    if (wholeLines) {
+      fields.push_back(inp_trim(rowBegin, rowEnd));
+      unsplit = nullptr;
+      return;
+    }
     const bool blank = inp_skipBlanks(rowBegin, rowEnd) == rowEnd;
     unsplit = blank ? nullptr : rowBegin;
     lastQuote = nullptr;
@@ -156,16 +162,21 @@ struct inp_DataArray::Impl {
   }
 };
 
-inp_DataArray::inp_DataArray(cow_List<inp_DataSegment> segments) {
+inp_DataArray::inp_DataArray(cow_List<inp_DataSegment> segments, bool wholeLines) {
   std::erase_if(segments, [](const inp_DataSegment& segment) { return segment.rows == 0; });
   if (segments.empty()) return;
   m_impl = std::make_shared<Impl>();
   for (const inp_DataSegment& segment : segments) m_impl->rows += segment.rows;
   m_impl->segments = std::move(segments);
+  m_impl->wholeLines = wholeLines;
 }
 
 long long inp_DataArray::Rows() const {
   return m_impl ? m_impl->rows : 0;
+}
+
+bool inp_DataArray::HasWholeLines() const {
+  return m_impl && m_impl->wholeLines;
 }
 
 int inp_DataArray::Cols(long long row) const {

@@ -24,9 +24,11 @@ struct inp_DataSegment {
 class inp_DataArray {
 public:
   inp_DataArray() = default;
-  explicit inp_DataArray(cow_List<inp_DataSegment> segments);
+  // wholeLines: the lines are text taken as it stands (*HEADING), one field each.
+  explicit inp_DataArray(cow_List<inp_DataSegment> segments, bool wholeLines = false);
 
   long long Rows() const;
+  bool HasWholeLines() const;
   int Cols(long long row) const; // an empty field after a trailing comma included
   inp_FieldType Type(long long row, int col) const;
   bool IsNone(long long row, int col) const;

@@ -138,7 +138,7 @@ bool inp_rewriteData(inp_KeywordBody& body,
                                 [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     changed = true;
   }
-  if (changed) body.data = inp_DataArray(std::move(segments));
+  if (changed) body.data = inp_DataArray(std::move(segments), body.data.HasWholeLines());
   return changed;
 }
 

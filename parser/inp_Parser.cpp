@@ -1,4 +1,5 @@
 #include "parser/inp_Parser.h"
+#include "parser/inp_KeywordTable.h"
 #include "base/utl_File.h"
 #include "parser/inp_IncludeFinder.h"
 #include "parser/inp_KeywordReader.h"
@@ -222,7 +223,11 @@ void inp_Parser::Impl::Begin(const std::shared_ptr<inp_KeywordBody>& body) {
 }
 
 void inp_Parser::Impl::End() {
-  if (open) open->data = inp_DataArray(std::exchange(segments, {}));
+  if (open) {
+    const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(open->kind);
+    const bool wholeLines = row && row->data == inp_DataKind::Verbatim;
+    open->data = inp_DataArray(std::exchange(segments, {}), wholeLines);
+  }
   open = nullptr;
 }
 
