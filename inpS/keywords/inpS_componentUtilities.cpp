@@ -55,7 +55,12 @@ int inpS_getComponentAsInt(const KvoSimPosition& dofType) {
 }
 
 cow_List<int> inpS_getComponentsAsListInt(const KvoSimPosition& componentSet) {
-  const KvoSimCSet set(KvoSimCSetID(componentSet.Store(), componentSet.ID()));
+  utl_ASSERT(componentSet.IsA(eds_RecordKind::CSet));
+  return inpS_getComponentsAsListInt(KvoSimCSetID(componentSet.Store(), componentSet.ID()));
+}
+
+cow_List<int> inpS_getComponentsAsListInt(const KvoSimCSetID& componentSet) {
+  const KvoSimCSet set(componentSet);
   cow_List<int> numbers;
   for (const int32_t member : set.OrderedMembers()) {
     const int comp = numberOf(eds_ModelReader::SymbolName(eds_Vocabulary::DofType, member));

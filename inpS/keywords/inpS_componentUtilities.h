@@ -19,8 +19,9 @@ KvoSimCSetID inpS_getComponentsAsCSet(const KvoObjDocument& document,
                                       const cow_List<int>& components, bool stored);
 
 int inpS_getComponentAsInt(const KvoSimPosition& dofType);
-// The numbers of a component set's members, in the set's order.
+// The numbers of a component set's members, in the set's order. Only stored sets have a position.
 cow_List<int> inpS_getComponentsAsListInt(const KvoSimPosition& componentSet);
+cow_List<int> inpS_getComponentsAsListInt(const KvoSimCSetID& componentSet);
 
 // New stored sets: C_1, C_2 (and C_3); C_QUAT1 to C_QUAT4.
 KvoSimCSetID inpS_get2DVectorComponentCSet(const KvoObjDocument& document);

@@ -29,7 +29,8 @@ protected:
 
   Ints ThereAndBack(const Ints& components, bool stored = true) {
     const KvoSimCSetID id = inpS_getComponentsAsCSet(m_document, components, stored);
-    return inpS_getComponentsAsListInt(KvoSimCSet(id).Position());
+    return stored ? inpS_getComponentsAsListInt(KvoSimCSet(id).Position())
+                  : inpS_getComponentsAsListInt(id);
   }
 
   template <class Call> cow_String AssertionOf(Call call) {
