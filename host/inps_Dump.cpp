@@ -38,7 +38,7 @@ private:
     }
     if (const std::string_view text = m_model.Annotation(kind.kind, id); !text.empty())
       PrintText("annotation", text);
-    for (const eds_LinkInfo& link : m_model.Links(kind.kind, id))
+    for (const eds_LinkInfo& link : inps_shownLinks(m_model, {kind.kind, id}))
       m_out << "  " << inps_linkText(link) << " -> " << m_model.Describe(link.target) << '\n';
   }
 

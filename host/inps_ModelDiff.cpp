@@ -29,8 +29,9 @@ public:
 
 private:
   static bool IsPartOfKey(const eds_FieldInfo& field) {
-    static constexpr std::string_view names[] = {"Name",         "Owner",   "Keyword",  "Spec",
-                                                 "Distribution", "Section", "Property", "Table"};
+    static constexpr std::string_view names[] = {"Name",    "Owner",    "Keyword",
+                                                 "Spec",    "Block",    "Distribution",
+                                                 "Section", "Property", "Table"};
     return std::ranges::find(names, field.name) != std::end(names);
   }
 
@@ -43,6 +44,7 @@ private:
       if (!IsPartOfKey(info->fields[i])) continue;
       const eds_FieldValue value = m_model.Value(info->kind, object.id, static_cast<int>(i));
       if (const auto* text = std::get_if<std::string_view>(&value)) key.append("/").append(*text);
+      if (const auto* number = std::get_if<int64_t>(&value)) key += "/" + std::to_string(*number);
       const auto* owner = std::get_if<eds_ObjectID>(&value);
       if (owner && !owner->IsNull()) key += "(" + KeyOf(*owner, depth + 1) + ")";
     }
@@ -100,10 +102,6 @@ private:
     for (const auto& [inA, inB] : matching.both) CompareRecord(kind, a[inA], b[inB]);
     for (const std::size_t i : matching.onlyA) Only("A", m_a, {kind.kind, a[i]});
     for (const std::size_t i : matching.onlyB) Only("B", m_b, {kind.kind, b[i]});
-    if (matching.firstMoved == matching.both.size()) return;
-    ++m_differences;
-    m_out << kind.table << ": in another order in B, first "
-          << m_a.Model().Describe({kind.kind, a[matching.both[matching.firstMoved].first]}) << '\n';
   }
 
   void Only(const char* where, const Side& side, eds_ObjectID object) {
@@ -122,7 +120,8 @@ private:
     const std::string_view textA = m_a.Model().Annotation(kind.kind, a);
     const std::string_view textB = m_b.Model().Annotation(kind.kind, b);
     if (textA != textB) Differ("annotation", inps_quoted(textA), inps_quoted(textB));
-    CompareLinks(m_a.Model().Links(kind.kind, a), m_b.Model().Links(kind.kind, b));
+    CompareLinks(inps_shownLinks(m_a.Model(), {kind.kind, a}),
+                 inps_shownLinks(m_b.Model(), {kind.kind, b}));
   }
 
   // The head of a record stands above its first difference.

@@ -6,5 +6,6 @@ class KvoObjDocument;
 
 // Compares two models record by record and prints what differs, arrays by their first difference
 // and the number of items that differ. Records belong together when their owners and names are the
-// same, nameless ones in their order. Returns the number of differences printed.
+// same, nameless ones in their order. The order of named records counts where something holds them
+// in an order. Returns the number of differences printed.
 long long inps_diffModels(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out);

@@ -14,6 +14,13 @@ std::vector<const eds_RecordInfo*> inps_walkedKinds(const eds_ModelReader& model
   return kinds;
 }
 
+std::vector<eds_LinkInfo> inps_shownLinks(const eds_ModelReader& model, eds_ObjectID owner) {
+  std::vector<eds_LinkInfo> links = model.Links(owner.RecordKind(), owner.id);
+  std::erase_if(links,
+                [](const eds_LinkInfo& link) { return link.member == eds_Member::Annotation; });
+  return links;
+}
+
 cow_String inps_linkText(const eds_LinkInfo& link) {
   cow_String text(link.memberName);
   if (link.hasTextKey) return text + "[" + inps_quoted(link.textKey) + "]";

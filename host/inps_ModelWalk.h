@@ -11,6 +11,9 @@ bool inps_isShownInline(eds_RecordKind kind);
 // The kinds of a model that are walked by themselves.
 std::vector<const eds_RecordInfo*> inps_walkedKinds(const eds_ModelReader& model);
 
+// The links of a record but those to what is shown inline.
+std::vector<eds_LinkInfo> inps_shownLinks(const eds_ModelReader& model, eds_ObjectID owner);
+
 // "parts[\"PLATE\"]", "bodies[3]" (from 0 in a list), "mesh"
 cow_String inps_linkText(const eds_LinkInfo& link);
 
