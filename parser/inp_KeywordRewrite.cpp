@@ -1,5 +1,6 @@
 #include "parser/inp_KeywordRewrite.h"
 #include "parser/inp_KeywordReader.h"
+#include "parser/inp_ScopeTracker.h"
 #include "parser/inp_TextLines.h"
 #include <algorithm>
 #include <optional>
@@ -69,21 +70,6 @@ std::optional<cow_String> rewritten(const Stretch& stretch, const inp_LineRewrit
   return out;
 }
 
-inp_Scope::Kind kindOpenedBy(inp_KeywordEnm keyword) {
-  switch (keyword) {
-  case inp_KwPart:
-    return inp_Scope::Kind::Part;
-  case inp_KwInstance:
-    return inp_Scope::Kind::Instance;
-  case inp_KwAssembly:
-    return inp_Scope::Kind::Assembly;
-  case inp_KwStep:
-    return inp_Scope::Kind::Step;
-  default:
-    return inp_Scope::Kind::Model;
-  }
-}
-
 } // namespace
 
 wip_Place inp_KeywordLine::PlaceOf(std::string_view at) const {
@@ -144,7 +130,7 @@ bool inp_rewriteData(inp_KeywordBody& body,
 
 void inp_renewScopeNames(const inp_KeywordList& keywords) {
   for (std::size_t i = 0; i + 1 < keywords.size(); ++i) {
-    const inp_Scope::Kind kind = kindOpenedBy(keywords[i].Kind());
+    const inp_Scope::Kind kind = inp_ScopeTracker::KindOpenedBy(keywords[i].Kind());
     if (kind == inp_Scope::Kind::Model || keywords[i + 1].Scope().kind != kind) continue;
     // What stands in a scope begins right behind its opener. The parser made the scope and all
     // handles share it, those of sub-options too.
