@@ -30,7 +30,7 @@ void inpS_KeywordDataArrayReader::ReadFields(long long rowNum, int begin, int en
   for (int col = begin; col < endPos; ++col) {
     const utl_Field field = utl_classifyField(m_data.FieldText(rowNum, col));
     const bool empty = field.kind == utl_FieldKind::None;
-    if (field.kind == utl_FieldKind::String) m_unread.push_back({rowNum, col});
+    if (field.kind == utl_FieldKind::String) m_unread.push_back({rowNum, col, false});
     m_record.push_back(empty ? DefaultOf(m_record.size()) : field.IsNumber() ? field.real : 0.0);
     m_given.push_back(empty ? 0 : 1);
   }
@@ -44,7 +44,7 @@ void inpS_KeywordDataArrayReader::ReadLine(long long row, int firstColumn, int t
   ReadFields(row, firstColumn, end);
   for (int col = std::max(firstColumn, end); col < fields; ++col) {
     if (m_data.IsNone(row, col)) continue;
-    m_unread.push_back({row, col});
+    m_unread.push_back({row, col, true});
     break; // the first tells it all
   }
 }

@@ -1,13 +1,7 @@
 #pragma once
 
+#include "inpS/keywords/inpS_UnreadField.h"
 #include "parser/inp_DataArray.h"
-
-// A field of a data line that gave no value though something stands in it: a word where a number
-// belongs, or a field no record has room for.
-struct inpS_UnreadField {
-  long long row;
-  int col;
-};
 
 // Assembles records of numbers that may go on over several data lines, at most 8 numbers a line. An
 // empty field behind a line's last comma is no field.

@@ -196,3 +196,7 @@ cow_List<const double*> inpS_KeywordDataTable::GetDataAsPtr() const {
   for (std::size_t row = 0; row < m_table.Rows(); ++row) rows.push_back(m_table.Row(row).data());
   return rows;
 }
+
+cow_List<wip_Message> inpS_KeywordDataTable::UnreadMessages() const {
+  return inpS_unreadFieldMessages(m_keyword, m_unread);
+}

@@ -59,8 +59,10 @@ public:
   std::span<const double> GetDataAsBuffer() const { return m_table.Values(); }
   cow_List<const double*> GetDataAsPtr() const;
 
-  // Words and surplus fields met by Read, for the caller to report.
+  // Words and surplus fields met by Read, for the caller to report: as they are, or as messages at
+  // their places.
   const cow_List<inpS_UnreadField>& Unread() const { return m_unread; }
+  cow_List<wip_Message> UnreadMessages() const;
 
 private:
   void CheckColumn(int colNum) const;

@@ -116,11 +116,16 @@ TEST(DataTable, DefaultsFillEmptyFieldsOnly) {
 }
 
 TEST(DataTable, TellsWhatItCouldNotRead) {
-  const auto table = tableOf({2}, "1,2\nx,2\n1,2,,3,4\n1,2,,\n" + one8 + ",9\n");
+  const auto table = tableOf({2}, "1,2\n x,2\n1,2,,3,4\n1,2,,\n" + one8 + ",9\n");
   EXPECT_EQ(rowsOf(table), (Rows{{1, 2}, {0, 2}, {1, 2}, {1, 2}, {1, 2}}));
-  cow_List<std::pair<long long, int>> places;
-  for (const inpS_UnreadField& field : table.Unread()) places.emplace_back(field.row, field.col);
-  EXPECT_EQ(places, (cow_List<std::pair<long long, int>>{{1, 0}, {2, 3}, {4, 2}}));
+  cow_List<cow_String> told;
+  for (const wip_Message& message : table.UnreadMessages())
+    told.push_back(std::to_string(message.place.line) + ":" + std::to_string(message.place.column) +
+                   " " + message.text);
+  const cow_String surplus =
+      "More values than belong on this line; from here on they are not used.";
+  EXPECT_EQ(told, (cow_List<cow_String>{"3:2 A number is expected instead of \"x\"; 0 is used.",
+                                        "4:6 " + surplus, "6:5 " + surplus}));
 
   const auto ninth = tableOf({9}, one8 + ",9\n10\n"); // no line holds nine
   EXPECT_EQ(rowsOf(ninth), (Rows{{1, 2, 3, 4, 5, 6, 7, 8, 10}}));

@@ -1,0 +1,23 @@
+#include "inpS/keywords/inpS_UnreadField.h"
+#include "parser/inp_Keyword.h"
+#include "parser/inp_Utils.h"
+
+namespace {
+
+cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field) {
+  if (field.surplus) return "More values than belong on this line; from here on they are not used.";
+  const cow_String word = keyword.Data().AsStringVerbatim(field.row, field.col);
+  return "A number is expected instead of \"" + inp_Utils::RemoveQuotes(word) + "\"; 0 is used.";
+}
+
+} // namespace
+
+cow_List<wip_Message> inpS_unreadFieldMessages(const inp_Keyword& keyword,
+                                               const cow_List<inpS_UnreadField>& fields) {
+  cow_List<wip_Message> messages;
+  messages.reserve(fields.size());
+  for (const inpS_UnreadField& field : fields)
+    messages.push_back(
+        inp_Utils::MessageAtField(keyword, field.row, field.col, textFor(keyword, field)));
+  return messages;
+}
