@@ -161,7 +161,10 @@ bool Driver::ProcessAssembly() {
 
 void Driver::KeepVerbatim(bool restart) {
   inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds());
-  if (restart) visitor.ContinuePositions();
+  if (restart) {
+    visitor.ContinuePositions();
+    visitor.RefuseNewOwners(m_keywords);
+  }
   visitor.VisitListAndReport(m_keywords);
   m_notModelled = visitor.AllKept();
 }

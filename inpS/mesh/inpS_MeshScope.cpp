@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_MeshScope.h"
+#include <algorithm>
 
 inpS_MeshScopes::inpS_MeshScopes() { m_scopes.emplace_back(); }
 
@@ -20,23 +21,31 @@ inpS_MeshScope* inpS_MeshScopes::FindInstance(const cow_String& name) {
   return known == m_instances.end() ? nullptr : known->second;
 }
 
-void inpS_MeshScopes::AssignFlatOrdinals() {
-  long long node = 0, element = 0;
+void inpS_MeshScopes::AssignFlatOrdinals(long long storedNodes, long long storedElements) {
+  long long node = storedNodes, element = storedElements;
   m_flat.clear();
   for (inpS_MeshScope& scope : m_scopes) {
-    scope.nodeCount = scope.nodes.Count() + (scope.part ? scope.part->nodeCount : 0);
-    scope.elementCount = scope.part ? scope.part->elementCount : 0;
-    for (const inpS_ElementBlock& block : scope.elements.Blocks())
-      scope.elementCount += block.Count();
+    long long newElements = 0;
+    for (const inpS_ElementBlock& block : scope.elements.Blocks()) newElements += block.Count();
+    const bool copies = scope.part && !scope.isStored;
+    const long long newNodes = scope.nodes.Count() + (copies ? scope.part->nodeCount : 0);
+    if (copies) newElements += scope.part->elementCount;
+    scope.nodeCount = scope.storedNodes + newNodes;
+    scope.elementCount = scope.storedElements + newElements;
     if (scope.kind == inpS_MeshScope::Kind::Part) continue;
-    scope.nodeBase = node;
-    scope.elementBase = element;
-    node += scope.nodeCount;
-    element += scope.elementCount;
+    if (!scope.isStored) {
+      scope.nodeBase = node;
+      scope.elementBase = element;
+    }
+    node += newNodes;
+    element += newElements;
     if (scope.elementCount > 0) m_flat.push_back(&scope);
   }
   m_flatNodes = node;
   m_flatElements = element;
+  std::sort(m_flat.begin(), m_flat.end(), [](const inpS_MeshScope* a, const inpS_MeshScope* b) {
+    return a->elementBase < b->elementBase;
+  });
 }
 
 const inpS_MeshScope& inpS_MeshScopes::ScopeOfFlatElement(long long element) const {

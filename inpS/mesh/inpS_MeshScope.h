@@ -32,6 +32,10 @@ struct inpS_MeshScope {
   inpS_SetTable sets;
   utl_Buffer<ImpliedNode> impliedNodes;
   long long generatedFrom = -1; // ordinal from which nodes were generated, not given; -1: none
+  // A restart meets owners that the database holds already, with so many nodes and elements.
+  bool isStored = false;
+  long long storedNodes = 0;
+  long long storedElements = 0;
   long long nodeBase = 0;       // flat ordinals of its first node and element
   long long elementBase = 0;
   long long nodeCount = 0;      // with the part's
@@ -54,7 +58,8 @@ public:
   inpS_MeshScope* FindInstance(const cow_String& name);
   std::deque<inpS_MeshScope>& All() { return m_scopes; }
 
-  void AssignFlatOrdinals(); // once everything is read
+  // Once everything is read. What the database holds already stays where it is.
+  void AssignFlatOrdinals(long long storedNodes, long long storedElements);
   const inpS_MeshScope& ScopeOfFlatElement(long long element) const;
   long long FlatNodes() const { return m_flatNodes; }
   long long FlatElements() const { return m_flatElements; }

@@ -95,7 +95,7 @@ void inpS_MeshStore::SaveNodes() {
   for (inpS_MeshScope& scope : m_scopes.All()) {
     scope.nodes.SortNormals();
     if (!isPart(scope)) m_nodes.SetFlatFirst(scope.nodeOccurrence, scope.nodeBase);
-    if (scope.part) SaveCopiedNodes(scope, *scope.part);
+    if (scope.part && !scope.isStored) SaveCopiedNodes(scope, *scope.part);
     SaveOwnNodes(scope);
   }
   // Instances read their part's coordinates, which therefore went last.
@@ -160,7 +160,7 @@ void inpS_MeshStore::SaveCopiedNodes(const inpS_MeshScope& scope, const inpS_Mes
 void inpS_MeshStore::SaveElements(const cow_List<KvoSimPosition>& specs) {
   for (inpS_MeshScope& scope : m_scopes.All()) {
     if (!isPart(scope)) m_elements.SetFlatFirst(scope.elementOccurrence, scope.elementBase);
-    if (scope.part) SaveSharedElements(scope, *scope.part);
+    if (scope.part && !scope.isStored) SaveSharedElements(scope, *scope.part);
     SaveOwnElements(scope, specs);
     SaveCounts(scope);
   }
@@ -276,7 +276,8 @@ void inpS_MeshStore::SaveSets(inpS_SetResolver& resolver) {
   for (inpS_MeshScope& scope : m_scopes.All())
     for (const inpS_SetKind kind : {inpS_SetKind::Nodes, inpS_SetKind::Elements})
       for (const inpS_SetDefinition& definition : scope.sets.All())
-        if (definition.kind == kind) SaveSet(scope, definition, resolver);
+        if (definition.kind == kind && !definition.isStored)
+          SaveSet(scope, definition, resolver);
 }
 
 void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& definition,

@@ -1,6 +1,10 @@
 #include "inpS/mesh/inpS_MeshVisitor.h"
 #include "database/KvoObjLabeler.h"
+#include "database/KvoObjMesh.h"
 #include "database/KvoObjModel.h"
+#include "database/KvoSimCSet.h"
+#include "database/KvoSimCollection.h"
+#include "database/KvoSimDataRecord.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
 #include "inpS/mesh/inpS_MeshStore.h"
@@ -36,12 +40,68 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
 
 void inpS_MeshVisitor::OpenRoot() {
   const KvoObjModel model = m_inventory.GetDocument().GetModel();
+  const KvoObjMesh mesh = model.GetMesh();
+  if (!mesh.IsNull()) {
+    m_storedNodes = mesh.GetNodeCollection().Space();
+    m_storedElements = mesh.GetElementCollection().Space();
+  }
   inpS_MeshScope& root = m_scopes.Root();
   root.owner = model.GetAssembly();
   if (root.owner.IsNull()) root.owner = model.Position();
-  root.nodeOccurrence = m_nodes.OpenOccurrence(root.owner);
-  root.elementOccurrence = m_elements.OpenOccurrence(root.owner);
-  root.nodes.SetBase(m_nodes.Size(root.nodeOccurrence));
+  OpenLabels(root);
+}
+
+void inpS_MeshVisitor::OpenLabels(inpS_MeshScope& scope) {
+  const int stored = m_nodes.FindOccurrence(scope.owner);
+  scope.isStored = stored >= 0;
+  if (scope.part && !scope.isStored) {
+    scope.nodeOccurrence = m_nodes.OpenSharedOccurrence(scope.owner, scope.part->nodeOccurrence);
+    scope.elementOccurrence =
+        m_elements.OpenSharedOccurrence(scope.owner, scope.part->elementOccurrence);
+  } else {
+    scope.nodeOccurrence = m_nodes.OpenOccurrence(scope.owner);
+    scope.elementOccurrence = m_elements.OpenOccurrence(scope.owner);
+  }
+  scope.nodes.SetBase(m_nodes.Size(scope.nodeOccurrence));
+  if (!scope.isStored) return;
+  scope.storedNodes = m_nodes.Size(scope.nodeOccurrence);
+  scope.storedElements = m_elements.Size(scope.elementOccurrence);
+  scope.nodeBase = std::max<long long>(0, m_nodes.FlatFirst(scope.nodeOccurrence));
+  scope.elementBase = std::max<long long>(0, m_elements.FlatFirst(scope.elementOccurrence));
+  ReadStoredSets(scope);
+}
+
+// Sets of the database that a restart deck may name.
+void inpS_MeshVisitor::ReadStoredSets(inpS_MeshScope& scope) {
+  const KvoObjMesh mesh = m_inventory.GetDocument().GetMesh();
+  for (const inpS_SetKind kind : {inpS_SetKind::Nodes, inpS_SetKind::Elements}) {
+    const bool nodes = kind == inpS_SetKind::Nodes;
+    const long long base = nodes ? scope.nodeBase : scope.elementBase;
+    for (const bool internal : {false, true}) {
+      for (const KvoSimPosition& position : nodes ? mesh.NodeSets(scope.owner, internal)
+                                                  : mesh.ElementSets(scope.owner, internal)) {
+        const KvoSimDataRecord record = position.DataRecord();
+        inpS_SetDefinition& set = scope.sets.FindOrAdd(
+            kind, record.ReturnString(nodes ? eds_NodeSet_Name : eds_ElementSet_Name));
+        set.internal = internal;
+        set.unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
+        set.isStored = true;
+        const KvoSimCSet members =
+            record.GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
+        for (long long n = 0; !members.IsNull() && n < members.Size(); ++n)
+          inpS_addPosition(set, members.Set()[n] - base);
+      }
+    }
+  }
+}
+
+bool inpS_MeshVisitor::MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope) {
+  const bool atTheEnd = scope.kind == inpS_MeshScope::Kind::Root &&
+                        scope.nodeBase + scope.storedNodes == m_storedNodes &&
+                        scope.elementBase + scope.storedElements == m_storedElements;
+  if (!scope.isStored || atTheEnd) return true;
+  Error(keyword, "A restart cannot add nodes or elements to an assembly with instances; ignored.");
+  return false;
 }
 
 inpS_MeshScope* inpS_MeshVisitor::OpenPart(const cow_String& name) {
@@ -50,8 +110,7 @@ inpS_MeshScope* inpS_MeshVisitor::OpenPart(const cow_String& name) {
   if (owner.IsNull()) return nullptr;
   inpS_MeshScope& part = m_scopes.Add(inpS_MeshScope::Kind::Part, name);
   part.owner = owner;
-  part.nodeOccurrence = m_nodes.OpenOccurrence(owner);
-  part.elementOccurrence = m_elements.OpenOccurrence(owner);
+  OpenLabels(part);
   return &part;
 }
 
@@ -68,14 +127,7 @@ void inpS_MeshVisitor::VisitInstance(const inp_Keyword& keyword) {
   instance.owner = owner;
   instance.part = part;
   instance.placement.ReadInstance(keyword);
-  if (part) {
-    instance.nodeOccurrence = m_nodes.OpenSharedOccurrence(owner, part->nodeOccurrence);
-    instance.elementOccurrence = m_elements.OpenSharedOccurrence(owner, part->elementOccurrence);
-  } else {
-    instance.nodeOccurrence = m_nodes.OpenOccurrence(owner);
-    instance.elementOccurrence = m_elements.OpenOccurrence(owner);
-  }
-  instance.nodes.SetBase(m_nodes.Size(instance.nodeOccurrence));
+  OpenLabels(instance);
 }
 
 inpS_MeshScope* inpS_MeshVisitor::ScopeOf(const inp_Keyword& keyword) {
@@ -114,6 +166,7 @@ void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
 void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
+  if (!MayGrow(keyword, scope)) return;
   keyword.Find("input"); // the parser has read that file's lines
   inpS_NodeReader reader(*this);
   if (const inp_Item* system = keyword.Find("system")) {
@@ -143,16 +196,10 @@ void inpS_MeshVisitor::AddNodeSetOf(const inp_Keyword& keyword, inpS_MeshScope& 
   const inp_Item* name = keyword.Find("nset");
   if (!name) return;
   inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Nodes, name->AsString());
-  inpS_SetEntry& entry = set.entries.emplace_back();
-  entry.keyword = static_cast<int>(set.keywords.size());
-  set.keywords.push_back(keyword);
-  if (allNew) {
-    entry.kind = inpS_SetEntry::Kind::Positions;
-    entry.first = first;
-    entry.count = count;
-  } else {
-    entry.labels = std::move(reader.Labels());
-  }
+  if (allNew)
+    inpS_addPositions(set, keyword, first, count);
+  else
+    inpS_addPositions(set, keyword, 0, 0).labels = std::move(reader.Labels());
 }
 
 // ---- elements
@@ -193,6 +240,7 @@ int inpS_MeshVisitor::FindElementType(const inpS_ElementParameters& parameters) 
 void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
+  if (!MayGrow(keyword, scope)) return;
   for (const char* readElsewhere : {"input", "file"}) keyword.Find(readElsewhere);
   const inp_Item* elset = keyword.Find("elset");
   const bool solidNumbering = keyword.HasParameter("solidelementnumbering");
@@ -217,13 +265,8 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   scope.elements.Append(reader, FindElementType(parameters), ragged,
                         solidNumbering ? "SOLID ELEMENT NUMBERING" : "", first, keyword);
   if (!elset) return;
-  inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString());
-  inpS_SetEntry& entry = set.entries.emplace_back();
-  entry.kind = inpS_SetEntry::Kind::Positions;
-  entry.first = first;
-  entry.count = count;
-  entry.keyword = static_cast<int>(set.keywords.size());
-  set.keywords.push_back(keyword);
+  inpS_addPositions(scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString()), keyword, first,
+                    count);
 }
 
 // An element label may be defined once: unlike a node, which is only moved, a second element would
@@ -293,6 +336,7 @@ void inpS_MeshVisitor::ReadSet(const inp_Keyword& keyword, inpS_SetKind kind,
   if (!instanceKnown) return;
 
   inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
+  set.isStored = false;
   set.internal = set.internal || internal;
   set.unsorted = set.unsorted || unsorted;
   inpS_SetReader reader(keyword, set, *this);
@@ -363,7 +407,7 @@ void inpS_MeshVisitor::Finish() {
   for (const ElementType& type : m_types) types.push_back(type.name);
   for (inpS_MeshScope& scope : m_scopes.All())
     inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
-  m_scopes.AssignFlatOrdinals();
+  m_scopes.AssignFlatOrdinals(m_storedNodes, m_storedElements);
   for (inpS_MeshScope& scope : m_scopes.All())
     scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
                            *this);

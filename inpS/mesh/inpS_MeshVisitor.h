@@ -52,6 +52,9 @@ private:
   inpS_MeshScope* ScopeOf(const inp_Keyword& keyword); // null: it belongs to a refused instance
   inpS_MeshScope* OpenPart(const cow_String& name);
   void OpenRoot();
+  void OpenLabels(inpS_MeshScope& scope);
+  void ReadStoredSets(inpS_MeshScope& scope);
+  bool MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope);
   bool Skip(const inp_Keyword& keyword);
 
   void AddNodeSetOf(const inp_Keyword& keyword, inpS_MeshScope& scope, inpS_NodeReader& reader,
@@ -77,4 +80,6 @@ private:
   inpS_MeshScope* m_current = nullptr;
   std::unique_ptr<inpS_SetResolver> m_resolver;
   int m_largestNodeLabel = 0;
+  long long m_storedNodes = 0; // in the flat mesh before this deck
+  long long m_storedElements = 0;
 };

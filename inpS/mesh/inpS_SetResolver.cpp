@@ -39,6 +39,7 @@ struct inpS_SetResolver::Gathered {
   };
   std::vector<Run> runs;
   std::vector<Missing> missing;
+  bool unread = false; // nodes of elements that only the database knows were asked for
 
   void Add(long long ordinal) {
     const int value = static_cast<int>(ordinal);
@@ -124,6 +125,10 @@ void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinit
   Gathered gathered;
   for (const Entry& entry : set.entries) AddEntry(scope, set, entry, gathered);
   ReportMissing(set, gathered);
+  if (gathered.unread)
+    m_messages.AddError(inp_Utils::MessageInKeyword(
+        set.keywords.back(), "The nodes of elements that the model held before the restart cannot be "
+                             "taken into a set; they are left out."));
   Result& result = m_results[&set];
   result.members = gathered.Members(set.unsorted);
   result.state = State::Done;
@@ -256,7 +261,10 @@ void inpS_SetResolver::AddNodesOf(const inpS_MeshScope& scope, const eds_MemberS
     const bool ofPart = owner.part && element < owner.part->elementCount;
     const inpS_MeshScope& source = ofPart ? *owner.part : owner;
     const inpS_ElementBlock* block = source.elements.BlockOf(element);
-    if (!block) continue;
+    if (!block) {
+      gathered.unread = true;
+      continue;
+    }
     const int* nodes = block->nodes.Data() + (element - block->first) * block->width;
     for (int i = 0; i < block->width; ++i)
       if (nodes[i] >= 0)

@@ -33,6 +33,7 @@ struct inpS_SetDefinition {
   inpS_SetKind kind = inpS_SetKind::Nodes;
   cow_String name;
   bool internal = false;
+  bool isStored = false; // as it is in the database already (restart)
   bool unsorted = false; // members keep the order in which they were read
   cow_List<inpS_SetEntry> entries;
   cow_List<inp_Keyword> keywords;
@@ -50,3 +51,10 @@ private:
   std::deque<inpS_SetDefinition> m_sets;
   cow_Map<cow_String, inpS_SetDefinition*> m_byName[2];
 };
+
+// Adds what a mesh keyword itself defined: a run of ordinals of the owner, or (count 0) labels that
+// the caller fills in.
+inpS_SetEntry& inpS_addPositions(inpS_SetDefinition& set, const inp_Keyword& keyword,
+                                 long long first, long long count);
+// Adds one ordinal of the owner that no keyword of this deck names.
+void inpS_addPosition(inpS_SetDefinition& set, long long ordinal);

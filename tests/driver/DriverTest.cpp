@@ -1,0 +1,187 @@
+#include "base/bcu_ResourceMonitor.h"
+#include "base/wip_WIPBase.h"
+#include "database/KvoObjMesh.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "inpS/driver/inpS_Inp2Sim.h"
+#include "inpS/driver/inpS_Module.h"
+#include "tests/base/TemporaryFolder.h"
+#include <fstream>
+#include <gtest/gtest.h>
+
+namespace {
+
+class Recorder : public wip_WIPBase, public bcu_ResourceMonitor {
+public:
+  void Error(const wip_Message& message, int) override { errors.push_back(message.text); }
+  void ErrorList(const cow_List<wip_Message>& messages, int level) override {
+    for (const wip_Message& message : messages) Error(message, level);
+  }
+  void Warning(const wip_Message& message) override { warnings.push_back(message.text); }
+  void WarningList(const cow_List<wip_Message>& messages) override {
+    ++warningLists;
+    for (const wip_Message& message : messages) Warning(message);
+  }
+  void Mark(const cow_String& label) override { marks.push_back(label); }
+
+  cow_List<cow_String> errors, warnings, marks;
+  int warningLists = 0;
+};
+
+class Driver : public testing::Test {
+protected:
+  Driver() : m_reporting(m_recorder), m_monitor(bcu_ResourceMonitor::Install(&m_recorder)) {}
+  ~Driver() override { bcu_ResourceMonitor::Install(m_monitor); }
+
+  inpS_Inp2Sim& Prepare(const cow_String& deck) {
+    const std::filesystem::path path = m_folder.Path() / "deck.inp";
+    std::ofstream(path, std::ios::binary) << deck;
+    m_driver = std::make_unique<inpS_Inp2Sim>(path.string(), m_folder.Path().string());
+    EXPECT_TRUE(m_driver->Parse() && m_driver->CheckUtf8Compliance() && m_driver->Expand() &&
+                m_driver->Reorganize() && m_driver->BuildInventory());
+    return *m_driver;
+  }
+
+  TemporaryFolder m_folder;
+  Recorder m_recorder;
+  wip_ReporterScope m_reporting;
+  bcu_ResourceMonitor* m_monitor;
+  std::unique_ptr<inpS_Inp2Sim> m_driver;
+};
+
+const char* const kTwoNodes = "*NODE\n1, 0., 0., 0.\n2, 1., 0., 0.\n3, 0., 1., 0.\n";
+
+} // namespace
+
+TEST_F(Driver, RunsItsPhasesInOrderBetweenMarks) {
+  Prepare("*HEADING\nx\n").Convert(KvoObjDocument::InMemory());
+  cow_String tags;
+  const cow_List<cow_String>& marks = m_recorder.marks;
+  ASSERT_EQ(marks.size(), 2u * 24);
+  EXPECT_EQ(marks.front(), "inp2sim-convert-Start");
+  EXPECT_EQ(marks.back(), "inp2sim-convert-End");
+  for (std::size_t n = 1; n + 1 < marks.size(); n += 2) {
+    const cow_String tag = marks[n].substr(8, marks[n].size() - 8 - 6);
+    EXPECT_EQ(marks[n], "inp2sim-" + tag + "-Start");
+    EXPECT_EQ(marks[n + 1], "inp2sim-" + tag + "-End");
+    tags += tag + " ";
+  }
+  EXPECT_EQ(tags,
+            "initializesim model assembly nodelabeler elemlabeler amplitudes materials conbehav "
+            "mesh surfaces rigidbodies distributions orientations sections constraints steps "
+            "interactions ics bcs loads output cosim surfnodearea ");
+}
+
+TEST_F(Driver, GoesOnBehindAFailedPhase) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  EXPECT_FALSE(Prepare("*PART, NAME=P\n*END PART\n*PART, NAME=P\n*END PART\n*ASSEMBLY, NAME=A\n"
+                       "*INSTANCE, NAME=I, PART=Q\n*END INSTANCE\n*NODE\n7, 1., 2., 3.\n"
+                       "*END ASSEMBLY\n*MATERIAL, NAME=M\n*STEP\n*STATIC\n*END STEP\n")
+                   .Convert(document));
+  EXPECT_EQ(m_recorder.errors,
+            (cow_List<cow_String>{
+                "Part with the name \"P\" has already been defined in the model.",
+                "Part \"Q\" is not defined; the instance is left out."}));
+  ASSERT_EQ(document.GetMesh().NodeBlocks().size(), 1u); // the mesh was converted all the same
+  EXPECT_EQ(document.GetMesh().NodeBlocks()[0].count, 1);
+  EXPECT_EQ(m_driver->NotModelled().size(), 4u); // material, step, procedure, end of the step
+}
+
+TEST_F(Driver, KeepsTypesAndExtraNodesOfAFailedMesh) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  EXPECT_FALSE(Prepare(cow_String(kTwoNodes) + "*ELEMENT, TYPE=B31\n1, 1, 2, 3\n"
+                                               "*ELEMENT, TYPE=T3D2\n2, 1, 99\n")
+                   .Convert(document));
+  EXPECT_EQ(m_recorder.errors,
+            (cow_List<cow_String>{"Elements refer to nodes that do not exist: 99"}));
+  const KvoObjMesh mesh = document.GetMesh();
+  EXPECT_TRUE(mesh.NodeBlocks().empty());
+  EXPECT_TRUE(mesh.ElementBlocks().empty());
+  EXPECT_FALSE(mesh.GetBeamOrientationExtraNodes().IsNull());
+  EXPECT_EQ(document.Context().GetRecords(eds_RecordKind::ElementSpec).size(), 2u);
+}
+
+TEST_F(Driver, ConvertsTwiceFromOneObject) {
+  inpS_Inp2Sim& driver = Prepare(kTwoNodes);
+  const KvoObjDocument first = KvoObjDocument::InMemory(), second = KvoObjDocument::InMemory();
+  EXPECT_TRUE(driver.Convert(first));
+  EXPECT_TRUE(driver.Convert(second));
+  EXPECT_EQ(second.GetMesh().NodeBlocks().at(0).count, 3);
+}
+
+TEST_F(Driver, ARestartAddsToWhatIsThere) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  EXPECT_TRUE(Prepare(kTwoNodes).Convert(document));
+  EXPECT_TRUE(Prepare("*NODE\n9, 5., 5., 5.\n*ELEMENT, TYPE=T3D2\n1, 1, 9\n"
+                      "*NSET, NSET=MIXED\n9, 2\n*STEP\n*STATIC\n*END STEP\n")
+                  .ConvertRestart(document));
+  const auto blocks = document.GetMesh().NodeBlocks();
+  ASSERT_EQ(blocks.size(), 2u);
+  EXPECT_EQ(blocks[1].first, 3);
+  EXPECT_EQ(blocks[1].flatFirst, 3);
+  EXPECT_EQ(document.GetMesh().ElementBlocks().size(), 1u);
+  EXPECT_EQ(m_recorder.marks.back(), "inp2sim-res-saveelems-End");
+  EXPECT_EQ(m_driver->NotModelled().size(), 3u); // kept, not lost
+}
+
+TEST_F(Driver, RecoveryAlwaysSucceeds) {
+  EXPECT_TRUE(Prepare("*ELEMENT, TYPE=NONE\n1, 2\n")
+                  .ConvertSubstructureRecovery(KvoObjDocument::InMemory(), "x"));
+}
+
+TEST_F(Driver, HandsParseWarningsOverOnce) {
+  Prepare("*NODDE\n1, 2\n");
+  EXPECT_EQ(m_recorder.warningLists, 1);
+}
+
+TEST_F(Driver, ScreensWhatTheDatabaseCannotHold) {
+  const char* const refused = "Feature not supported with SIM results (SIMFEATURENOTSUPPORTED)";
+  const char* const skipped = "Feature not supported in inp2sim";
+  const char* const ignored = "Keyword not supported, will be ignored";
+  const struct {
+    const char* deck;
+    const char* strict;   // error, or "" for none
+    const char* tolerant; // error; with a leading '?': warning
+  } cases[] = {
+      {"*REBAR\n", refused, skipped},
+      {"*SURFACE, NAME=A, TYPE=ELEMENT\n", "", ""},
+      {"*SURFACE, NAME=A, TYPE=XFEM\n", refused, skipped},
+      {"*NMAP, NSET=A, TYPE=BLENDED\n", refused, skipped},
+      {"*NMAP, NSET=A, TYPE=SCALE\n", "", ""},
+      {"*ENRICHMENT\n", refused, "?"},
+      {"*STEP\n*MODEL CHANGE, REMOVE\n*END STEP\n", refused, "?"},
+      {"*STEP\n*MODEL CHANGE, ACTIVATE\n*END STEP\n", "", ""},
+      {"*STEP\n*DIRECT CYCLIC\n*END STEP\n", "", ""},
+      {"*STEP\n*DIRECT CYCLIC, FATIGUE\n*END STEP\n", refused, refused},
+      {"*ELEMENT, TYPE=C9D9\n", refused, skipped},
+      {"*ELEMENT, TYPE=u17\n*ELEMENT, TYPE=Z3\n*ELEMENT, TYPE=conn3d2\n", "", ""},
+  };
+  for (const auto& [deck, strict, tolerant] : cases) {
+    for (const bool asWarnings : {false, true}) {
+      inpS_Inp2Sim& driver = Prepare(deck);
+      m_recorder.errors.clear();
+      m_recorder.warnings.clear();
+      driver.SetUnsupportedFeaturesAsWarnings(asWarnings);
+      const bool good = driver.ReportUnsupportedFeatures(KvoObjDocument::InMemory());
+      const cow_String expected = asWarnings ? tolerant : strict;
+      const bool isWarning = expected == "?";
+      EXPECT_EQ(good, expected.empty() || isWarning) << deck;
+      const cow_List<cow_String>& told = isWarning ? m_recorder.warnings : m_recorder.errors;
+      ASSERT_EQ(told.size(), expected.empty() ? 0u : 1u) << deck;
+      if (!expected.empty()) {
+        EXPECT_EQ(told[0].rfind(isWarning ? ignored : expected, 0), 0u) << told[0];
+      }
+    }
+  }
+}
+
+TEST(Module, CountsItsUses) {
+  int users = 0;
+  KvoI2sInpS_initialize(users);
+  KvoI2sInpS_initialize(users);
+  EXPECT_EQ(users, 1);
+  KvoI2sInpS_finalize(users);
+  EXPECT_EQ(users, 1);
+  KvoI2sInpS_finalize(users);
+  EXPECT_EQ(users, 0);
+}
