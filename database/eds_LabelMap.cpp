@@ -2,11 +2,26 @@
 #include "base/utl_Assert.h"
 #include <algorithm>
 #include <limits>
+#if defined(_MSC_VER)
+#include <intrin.h>
+#endif
 
 // A table of 4 bytes per label of the range costs about what the hash costs (8 bytes per slot, at
 // most three quarters full) while one label in four is used, and is three times as fast.
 constexpr int64_t denseFactor = 4;
 constexpr int64_t smallRange = 1024; // not worth a thought
+
+// Scattered labels find their slots in memory, not in the cache: a bulk look-up asks for those of the
+// labels to come while it works on the present one.
+constexpr size_t lookAhead = 16;
+
+static void prefetch(const void* address) {
+#if defined(_MSC_VER)
+  _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);
+#else
+  __builtin_prefetch(address);
+#endif
+}
 
 eds_LabelMap eds_LabelMap::Copy() const {
   eds_LabelMap copy;
@@ -200,6 +215,7 @@ int32_t eds_LabelMap::HashedOrdinal(int32_t label) const {
 
 size_t eds_LabelMap::AddHashed(std::span<const int32_t> labels, std::span<int32_t> ordinals) {
   for (size_t i = 0; i < labels.size(); ++i) {
+    if (i + lookAhead < labels.size()) prefetch(&m_slots[Home(labels[i + lookAhead])]);
     ordinals[i] = HashedOrdinal(labels[i]);
     if (ordinals[i] >= 0) continue;
     if (m_count >= static_cast<int64_t>(m_slots.Size()) * 3 / 4) {
@@ -281,9 +297,15 @@ int64_t eds_LabelMap::Ordinals(std::span<const int32_t> labels, std::span<int32_
       ordinals[i] = at < size ? table[at] : -1;
       missing += ordinals[i] < 0;
     }
+  } else if (m_form == Form::Hashed) {
+    for (size_t i = 0; i < count; ++i) {
+      if (i + lookAhead < count) prefetch(&m_slots[Home(labels[i + lookAhead])]);
+      ordinals[i] = HashedOrdinal(labels[i]);
+      missing += ordinals[i] < 0;
+    }
   } else {
     for (size_t i = 0; i < count; ++i) {
-      ordinals[i] = m_form == Form::Hashed ? HashedOrdinal(labels[i]) : StridedOrdinal(labels[i]);
+      ordinals[i] = StridedOrdinal(labels[i]);
       missing += ordinals[i] < 0;
     }
   }

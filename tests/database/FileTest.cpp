@@ -1,0 +1,309 @@
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/eds_Array.h"
+#include "database/eds_Exception.h"
+#include "database/eds_ModelReader.h"
+#include "database/engine/eds_Engine.h"
+#include "tests/database/TemporaryFolder.h"
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <random>
+#if defined(__unix__)
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void writeText(const fs::path& file, const std::string& text) {
+  std::ofstream(file, std::ios::binary) << text;
+}
+
+void addRecord(const KvoObjDocument& document, int number) {
+  KvoSimTransaction transaction(document.ContextID());
+  const KvoSimPosition record = document.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
+  record.DataRecord().SetInt(eds_VerbatimKeyword_Position, number);
+  record.DataRecord().SetString(eds_VerbatimKeyword_Text, "*KEPT");
+  document.Focus().AssociateStringKey(eds_Member::Parts, std::to_string(number), record);
+  transaction.Commit();
+}
+
+void addArray(const KvoObjDocument& document, size_t values) {
+  KvoSimTransaction transaction(document.ContextID());
+  eds_ArrayWriter writer(document.Focus(), eds_ValueType::Double, 1);
+  writer.Append(std::span<const double>(std::vector<double>(values, 3.5)));
+  writer.Finish();
+  transaction.Commit();
+}
+
+void makeModel(const fs::path& file) {
+  KvoObjDocument document = KvoObjDocument::Create(file);
+  for (int i = 0; i < 10; ++i) addRecord(document, i);
+  addArray(document, 400000);
+  document.Finish();
+}
+
+void patch(const fs::path& file, std::streamoff at, const std::string& bytes) {
+  std::fstream stream(file, std::ios::binary | std::ios::in | std::ios::out);
+  stream.seekp(at);
+  stream << bytes;
+}
+
+void runSql(const fs::path& file, const char* sql) {
+  eds_Engine engine;
+  engine.Open(file, eds_OpenMode::Durable);
+  engine.Execute(sql);
+}
+
+struct Refusal {
+  const char* name;
+  std::function<void(const fs::path&)> prepare; // a model stands there already
+  const char* text;
+  std::function<bool(const std::exception&)> isRightType;
+};
+
+template <class T> bool isA(const std::exception& e) {
+  return dynamic_cast<const T*>(&e) != nullptr;
+}
+
+const Refusal refusals[] = {
+    {"missing", [](const fs::path& f) { fs::remove(f); }, "no such file",
+     isA<eds_FileAccessException>},
+    {"folder",
+     [](const fs::path& f) {
+       fs::remove(f);
+       fs::create_directory(f);
+     },
+     "a folder", isA<eds_FileAccessException>},
+    {"empty", [](const fs::path& f) { writeText(f, ""); }, "not a model database: empty",
+     isA<eds_NotOurFileException>},
+    {"text", [](const fs::path& f) { writeText(f, "*HEADING\nA deck, not a model\n"); },
+     "not a model database", isA<eds_NotOurFileException>},
+    {"foreign", [](const fs::path& f) { patch(f, 68, std::string(4, '\1')); },
+     "database of another program", isA<eds_NotOurFileException>},
+    {"newer", [](const fs::path& f) { patch(f, 60, std::string("\0\0\0\x63", 4)); },
+     "has format 99, written by a newer version", isA<eds_NewerFormatException>},
+    {"half header", [](const fs::path& f) { fs::resize_file(f, 50); }, "truncated",
+     isA<eds_DamagedFileException>},
+    {"truncated", [](const fs::path& f) { fs::resize_file(f, fs::file_size(f) / 2); },
+     "is truncated: ", isA<eds_DamagedFileException>},
+    {"view for table",
+     [](const fs::path& f) {
+       runSql(f, "DROP TABLE part; CREATE VIEW part AS SELECT 1 AS id, 'x' AS name");
+     },
+     "no plain table", isA<eds_DamagedFileException>},
+    {"absurd number",
+     [](const fs::path& f) { runSql(f, "INSERT INTO part (id, name) VALUES (1 << 40, 'x')"); },
+     "table part: record number", isA<eds_DamagedFileException>},
+};
+
+} // namespace
+
+TEST(File, RefusesWhatItCannotRead) {
+  for (const Refusal& refusal : refusals) {
+    const TemporaryFolder folder;
+    const fs::path file = folder / "m.sim";
+    makeModel(file);
+    refusal.prepare(file);
+    try {
+      const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+      eds_ModelReader(document).Kinds();
+      ADD_FAILURE() << refusal.name << ": opened";
+    } catch (const eds_Exception& fault) {
+      const std::string text = fault.what();
+      EXPECT_NE(text.find(refusal.text), std::string::npos) << refusal.name << ": " << text;
+      EXPECT_NE(text.find("m.sim"), std::string::npos) << text;
+      EXPECT_EQ(text.find('\n'), std::string::npos) << text;
+      EXPECT_TRUE(refusal.isRightType(fault)) << refusal.name;
+    }
+  }
+}
+
+// What stands in the tables is not to be trusted either.
+TEST(File, CheckFindsWhatDoesNotFit) {
+  struct Case {
+    const char* sql;
+    const char* text;
+  };
+  const Case cases[] = {
+      {"UPDATE array SET count = count + 1", "its chunks do not make up its length"},
+      {"UPDATE array SET count = 1 << 60", "not as it should be described"},
+      {"UPDATE chunk SET checksum = 1 WHERE number = 2", "chunk 2 does not match its checksum"},
+      {"DELETE FROM chunk WHERE number = 1", "its chunks do not make up its length"},
+      {"DELETE FROM array", "chunks belong to no array"},
+      {"UPDATE link SET target = 77 WHERE id = 3", "link 3, target: verbatim_keyword 77 (missing)"},
+      {"UPDATE link SET member = 4000 WHERE id = 2", "link 2: unknown member 4000"},
+      {"UPDATE link SET text_key = '4' WHERE id = 1", "a second one to '4'"},
+      {"UPDATE verbatim_keyword SET level = 50 WHERE id = 1", "level: no symbol 50"},
+  };
+  for (const Case& each : cases) {
+    const TemporaryFolder folder;
+    makeModel(folder / "m.sim");
+    runSql(folder / "m.sim", each.sql);
+    const KvoObjDocument document = KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadOnly);
+    std::string faults;
+    for (const cow_String& fault : eds_checkModel(document)) faults += fault + "\n";
+    EXPECT_NE(faults.find(each.text), std::string::npos) << each.sql << "\n" << faults;
+  }
+}
+
+// Any byte may be wrong: reading ends in our exceptions or in a fault found, never in a crash.
+TEST(File, SurvivesDamagedBytes) {
+  const TemporaryFolder folder;
+  makeModel(folder / "good.sim");
+  const auto size = fs::file_size(folder / "good.sim");
+  std::mt19937 random(3);
+  int noticed = 0;
+  for (int round = 0; round < 150; ++round) {
+    const fs::path file = folder / "bad.sim";
+    fs::copy_file(folder / "good.sim", file, fs::copy_options::overwrite_existing);
+    for (int i = 0; i < 20; ++i) {
+      const auto at = static_cast<std::streamoff>(
+          random() % (i % 2 == 0 ? std::min<uintmax_t>(size, 1 << 19) : size));
+      patch(file, at, std::string(1 + random() % 8, static_cast<char>(random())));
+    }
+    try {
+      noticed += !eds_checkModel(KvoObjDocument::Open(file, KvoAccess::ReadOnly)).empty();
+    } catch (const eds_Exception&) {
+      ++noticed;
+    }
+  }
+  EXPECT_GT(noticed, 140);
+}
+
+TEST(File, ExistingOutputIsReplacedOnlyByAFinishedOne) {
+  const TemporaryFolder folder;
+  const fs::path file = folder / "m.sim";
+  makeModel(file);
+  EXPECT_THROW(KvoObjDocument::Create(file), eds_FileAccessException);
+  {
+    const KvoObjDocument document = KvoObjDocument::CreateReplacing(file);
+    addRecord(document, 1);
+  }
+  EXPECT_EQ(KvoObjDocument::Open(file, KvoAccess::ReadOnly).GetModel().Parts().size(), 10u);
+  {
+    KvoObjDocument document = KvoObjDocument::CreateReplacing(file);
+    addRecord(document, 1);
+    document.SetMeta("source_deck", "a.inp");
+    document.Finish();
+    EXPECT_EQ(document.GetModel().Parts().size(), 1u);
+  }
+  const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+  EXPECT_EQ(document.GetModel().Parts().size(), 1u);
+  EXPECT_EQ(document.GetMeta("source_deck"), "a.inp");
+  EXPECT_TRUE(document.IsFinished());
+  const auto entries = std::distance(fs::directory_iterator(folder.Path()), {});
+  EXPECT_EQ(entries, 1); // no journal, no temporary file
+}
+
+#if defined(__unix__)
+
+namespace {
+
+// Runs in a child process; its exit code, or 256 + the signal that ended it.
+int inChild(const std::function<int()>& body, useconds_t killAfter = 0) {
+  const pid_t child = fork();
+  if (child == 0) _exit(body());
+  if (killAfter > 0) {
+    usleep(killAfter);
+    kill(child, SIGKILL);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status);
+}
+
+int writeForEver(const fs::path& file) {
+  const KvoObjDocument document = KvoObjDocument::Create(file);
+  for (int i = 0;; ++i) {
+    addRecord(document, i);
+    if (i % 500 == 0) addArray(document, 300000);
+  }
+}
+
+} // namespace
+
+TEST(File, KilledWriterLeavesWholeTransactionsInOrder) {
+  std::mt19937 random(5);
+  int64_t most = 0;
+  for (int round = 0; round < 40; ++round) {
+    const TemporaryFolder folder;
+    const fs::path file = folder / "m.sim";
+    inChild([&] { return writeForEver(file); }, 500 + random() % 60000);
+    if (!fs::exists(file)) continue;
+    const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+    EXPECT_FALSE(document.IsFinished());
+    ASSERT_EQ(eds_checkModel(document), eds_Faults()) << "round " << round;
+    const auto records = document.Context().GetRecords(eds_RecordKind::VerbatimKeyword);
+    const auto count = static_cast<int64_t>(records.size());
+    ASSERT_EQ(document.Focus().MemberCount(eds_Member::Parts), count);
+    for (int64_t i = 0; i < count; ++i) {
+      const KvoSimDataRecord record = records[static_cast<size_t>(i)].DataRecord();
+      ASSERT_EQ(record.GetInt64(eds_VerbatimKeyword_Position), i);
+    }
+    const auto arrays =
+        static_cast<int64_t>(eds_ModelReader(document).RecordIDs(eds_RecordKind::Array).size());
+    ASSERT_TRUE(arrays == (count + 499) / 500 || arrays == (count - 1 + 499) / 500);
+    most = std::max(most, count);
+  }
+  EXPECT_GT(most, 100); // the rounds did get somewhere
+}
+
+TEST(File, FullDiskIsToldAndLeavesAWholeFile) {
+  const TemporaryFolder folder;
+  const fs::path file = folder / "m.sim";
+  const int result = inChild([&] {
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{8 << 20, 8 << 20};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const KvoObjDocument document = KvoObjDocument::Create(file);
+    try {
+      for (int i = 0;; ++i) {
+        addRecord(document, i);
+        addArray(document, 200000);
+        if (i > 100) return 1;
+      }
+    } catch (const eds_DiskException& fault) {
+      if (std::strstr(fault.what(), "m.sim") == nullptr) return 2;
+    } catch (const std::exception&) {
+      return 3;
+    }
+    try {
+      addRecord(document, 1);
+    } catch (const eds_EngineException&) {
+      return 0; // nothing more is written after a failure
+    }
+    return 4;
+  });
+  EXPECT_EQ(result, 0);
+  const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+  EXPECT_EQ(eds_checkModel(document), eds_Faults());
+  const int64_t parts = document.Focus().MemberCount(eds_Member::Parts);
+  EXPECT_GE(parts, 2);
+  EXPECT_LE(parts, 6);
+}
+
+TEST(File, AWriterInAnotherProcessIsTold) {
+  const TemporaryFolder folder;
+  const fs::path file = folder / "m.sim";
+  const KvoObjDocument document = KvoObjDocument::Create(file);
+  addRecord(document, 0);
+  document.Context().Save();
+  EXPECT_EQ(inChild([&] {
+              try {
+                eds_ModelReader(KvoObjDocument::Open(file, KvoAccess::ReadOnly)).Kinds();
+              } catch (const eds_FileAccessException& fault) {
+                return std::strstr(fault.what(), "in use by another process") ? 0 : 1;
+              }
+              return 2;
+            }),
+            0);
+}
+
+#endif

@@ -1,0 +1,146 @@
+#include "database/KvoObjDocument.h"
+#include "database/KvoSimPosition.h"
+#include "database/engine/eds_Engine.h"
+#include "database/engine/eds_Format.h"
+#include "database/schema/eds_Schema.h"
+#include "tests/database/TemporaryFolder.h"
+#include <fstream>
+#include <gtest/gtest.h>
+#include <set>
+#include <sstream>
+
+namespace {
+
+std::vector<std::string> linesOf(const std::string& file) {
+  std::ifstream stream(std::string(INPS_TESTS_DIR) + "/" + file);
+  EXPECT_TRUE(stream) << file;
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+// The schema as this program has it, in the words of the frozen copy.
+std::set<std::string> currentSchema() {
+  const char* types[] = {"Int", "Real", "Bool", "Text", "Bytes", "Symbol", "Ref", "AnyRef"};
+  const char* shapes[] = {"One", "Set", "List", "IntMap", "TextMap"};
+  std::set<std::string> rows;
+  auto add = [&](auto... words) {
+    std::ostringstream row;
+    ((row << words << ' '), ...);
+    std::string text = row.str();
+    text.pop_back();
+    EXPECT_TRUE(rows.insert(text).second) << text;
+  };
+  for (const eds_RecordInfo& record : eds_schemaRecords()) {
+    add("record", record.name, static_cast<int>(record.kind), record.table);
+    for (size_t i = 0; i < record.fields.size(); ++i)
+      add("field", record.name, i, record.fields[i].name, record.fields[i].column,
+          types[static_cast<int>(record.fields[i].type)]);
+  }
+  for (const eds_MemberInfo& member : eds_schemaMembers())
+    add("member", member.name, static_cast<int>(member.member),
+        shapes[static_cast<int>(member.shape)]);
+  for (const eds_CollectionInfo& collection : eds_schemaCollections())
+    add("collection", collection.name, static_cast<int>(collection.kind));
+  for (const eds_SymbolInfo& symbol : eds_schemaSymbols())
+    add("symbol", eds_vocabularyName(symbol.vocabulary), symbol.number, symbol.name);
+  return rows;
+}
+
+} // namespace
+
+// Files outlive programs: what a number meant once it means for ever. Rows may be added to the
+// schema and to this copy; a row of the copy that is no longer there breaks every file written
+// before.
+TEST(Schema, FrozenRowsAreStillThere) {
+  const std::set<std::string> current = currentSchema();
+  const std::vector<std::string> frozen = linesOf("database/frozen_schema.txt");
+  EXPECT_GT(frozen.size(), 200u);
+  for (const std::string& row : frozen) EXPECT_EQ(current.count(row), 1u) << row;
+}
+
+TEST(Schema, NumbersAndNamesAreUnique) {
+  std::set<std::string_view> tables, symbols;
+  std::set<int> numbers, members;
+  for (const eds_RecordInfo& record : eds_schemaRecords()) {
+    EXPECT_TRUE(tables.insert(record.table).second) << record.table;
+    EXPECT_TRUE(numbers.insert(static_cast<int>(record.kind)).second) << record.name;
+    std::set<std::string_view> columns{"id"};
+    for (const eds_FieldInfo& field : record.fields)
+      EXPECT_TRUE(columns.insert(field.column).second) << record.table << "." << field.column;
+  }
+  for (const eds_MemberInfo& member : eds_schemaMembers())
+    EXPECT_TRUE(members.insert(static_cast<int>(member.member)).second) << member.name;
+  int number = 0;
+  eds_Vocabulary last{};
+  for (const eds_SymbolInfo& symbol : eds_schemaSymbols()) {
+    EXPECT_TRUE(symbols.insert(symbol.name).second) << symbol.name;
+    number = symbol.vocabulary == last ? number + 1 : 0;
+    last = symbol.vocabulary;
+    EXPECT_EQ(symbol.number, number) << symbol.name;
+  }
+}
+
+TEST(Schema, TypeIdentifiersNameWhatExists) {
+  struct Case {
+    int fragment, index;
+    eds_TypeID expected;
+  };
+  const Case cases[] = {{1, 3, eds_RecordKind::Part},
+                        {2, 1, eds_CollectionKind::Node},
+                        {3, 2, eds_DataType::Connectivity},
+                        {4, 1, eds_Member::Mesh},
+                        {5, 1, eds_Vocabulary::DofType},
+                        {1, 0, {}},
+                        {1, 899, {}},
+                        {0, 1, {}},
+                        {6, 1, {}},
+                        {1, -1, {}},
+                        {1, 65536 + 3, {}}};
+  for (const Case& each : cases)
+    EXPECT_EQ(eds_InputFragmentTypeIndex(each.fragment, each.index), each.expected)
+        << each.fragment << ", " << each.index;
+}
+
+// Every view answers, every table is described in the documentation, and the file explains itself.
+TEST(Schema, FileIsReadableForPeople) {
+  const TemporaryFolder folder;
+  {
+    const KvoObjDocument document = KvoObjDocument::Create(folder / "m.sim");
+    KvoSimTransaction transaction(document.ContextID());
+    const KvoSimPosition part = document.CreateDataRecord(eds_RecordKind::Part);
+    part.DataRecord().SetString(eds_Part_Name, "Bracket");
+    const KvoSimPosition instance = document.CreateDataRecord(eds_RecordKind::Instance);
+    instance.DataRecord().SetReference(eds_Instance_Part, part);
+    const KvoSimPosition keyword = document.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
+    keyword.DataRecord().SetReference(eds_VerbatimKeyword_Owner, part);
+    keyword.DataRecord().SetSymb(eds_VerbatimKeyword_Level, "LEVEL_PART");
+    transaction.Commit();
+  }
+  eds_Engine engine;
+  engine.Open(folder / "m.sim", eds_OpenMode::ReadOnly);
+  std::string text;
+  for (const std::string& line : linesOf("../docs/database.md")) text += line + "\n";
+  eds_Statement tables(engine, "SELECT name, type FROM sqlite_schema WHERE type <> 'index'");
+  int views = 0;
+  while (tables.Step()) {
+    const std::string name(tables.Text(0));
+    eds_Statement all(engine, "SELECT * FROM " + eds_sqlName(name));
+    while (all.Step()) {
+    }
+    views += tables.Text(1) == "view";
+    const bool told = text.find("`" + name + "`") != std::string::npos;
+    EXPECT_TRUE(told || tables.Text(1) == "view") << name << " is not documented";
+  }
+  EXPECT_EQ(views, static_cast<int>(eds_schemaRecords().size()));
+  auto one = [&](const char* sql) {
+    eds_Statement row(engine, sql);
+    return row.Step() ? std::string(row.Text(0)) : std::string();
+  };
+  EXPECT_EQ(one("SELECT part_name FROM v_instance"), "Bracket");
+  EXPECT_EQ(one("SELECT owner_name || ' ' || owner_kind || ' ' || level FROM v_verbatim_keyword"),
+            "Bracket Part LEVEL_PART");
+  EXPECT_EQ(one("SELECT column_name FROM schema_field WHERE record = 4 AND number = 14"),
+            "rotation_angle");
+  EXPECT_EQ(engine.QueryInt("PRAGMA application_id"), eds_applicationID);
+}

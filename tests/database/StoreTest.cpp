@@ -1,0 +1,293 @@
+#include "base/utl_Assert.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSrvBulkShellLayers.h"
+#include "database/KvoSrvFsmFTable.h"
+#include "database/eds_ModelReader.h"
+#include "tests/database/TemporaryFolder.h"
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+
+// Everything of a model as text: equal models give equal texts.
+std::string walk(const KvoObjDocument& document) {
+  const eds_ModelReader reader(document);
+  std::ostringstream text;
+  for (const eds_RecordInfo* kind : reader.Kinds()) {
+    for (int64_t id : reader.RecordIDs(kind->kind)) {
+      text << reader.Describe({kind->kind, id}) << ":";
+      for (size_t field = 0; field < kind->fields.size(); ++field) {
+        const eds_FieldValue value = reader.Value(kind->kind, id, static_cast<int>(field));
+        text << " " << value.index() << "=";
+        if (const auto* number = std::get_if<int64_t>(&value)) text << *number;
+        if (const auto* real = std::get_if<double>(&value)) text << *real;
+        if (const auto* flag = std::get_if<bool>(&value)) text << *flag;
+        if (const auto* words = std::get_if<std::string_view>(&value)) text << *words;
+        if (const auto* object = std::get_if<eds_ObjectID>(&value))
+          text << reader.Describe(*object);
+      }
+      for (const eds_LinkInfo& link : reader.Links(kind->kind, id))
+        text << "\n  " << link.memberName << "[" << link.textKey << link.position << "] "
+             << reader.Describe(link.target);
+      text << " " << reader.Annotation(kind->kind, id) << "\n";
+    }
+  }
+  return text.str();
+}
+
+// A little of everything.
+void fill(KvoObjDocument document) {
+  KvoSimTransaction transaction(document.ContextID());
+  KvoObjModel model = document.GetModel();
+  model.Position().SetAnnotation("heading, \xc3\xa4 \xe2\x82\xac");
+  KvoObjMesh mesh;
+  mesh.Register(document);
+  model.SetMesh(mesh);
+  KvoSimCollection nodes = document.CreateTypedCollection(eds_CollectionKind::Node).AsCollection();
+  mesh.SetNodeCollection(nodes);
+  KvoSimCollection elements =
+      document.CreateTypedCollection(eds_CollectionKind::Element).AsCollection();
+  mesh.SetElementCollection(elements);
+  mesh.SetCoordinates(document.CreateTypedDistribution(eds_DataType::Coordinates, {nodes},
+                                                       {eds_ValueType::Double, 3}));
+  mesh.SetConnectivity(document.CreateTypedDSet(eds_DataType::Connectivity, {elements, nodes}));
+  const KvoSimPosition part = document.CreateDataRecord(eds_RecordKind::Part);
+  model.AppendPart("P", part);
+  KvoMeshNodeBlock pattern;
+  pattern.owner = part;
+  pattern.count = 4;
+  eds_ArrayWriter writer(part, eds_ValueType::Double, 3);
+  writer.Append(std::span<const double>(std::vector<double>(12, 1.5)));
+  pattern.coordinates = writer.Finish();
+  mesh.AddNodes(pattern);
+  for (int i = 0; i < 3; ++i) {
+    const KvoSimPosition instance = document.CreateDataRecord(eds_RecordKind::Instance);
+    model.AppendOccurence("I-" + std::to_string(3 - i), instance);
+    KvoMeshNodeBlock block = pattern;
+    block.owner = instance;
+    block.flatFirst = 4 * i;
+    mesh.AddNodes(block);
+  }
+  KvoMeshElementBlock bricks;
+  bricks.owner = part;
+  bricks.count = 2;
+  bricks.width = 2;
+  bricks.flatFirst = 0;
+  eds_ArrayWriter connectivity(part, eds_ValueType::Int32, 2);
+  connectivity.Append(std::span<const int32_t>(std::vector<int32_t>{0, 1, 2, -1}));
+  bricks.connectivity = connectivity.Finish();
+  mesh.AddElements(bricks);
+  KvoObjNodeSet set(document.Context(), "N");
+  set.Bind(part);
+  set.SetOrderedMembership(nodes, std::vector<int32_t>{3, 1, 2});
+  std::vector<int32_t> many(2000);
+  nodes.ExtendSpace(10000);
+  for (int32_t i = 0; i < 2000; ++i) many[static_cast<size_t>(i)] = i * i % 10007 % 10000;
+  KvoObjNodeSet internal(document.Context(), "N");
+  internal.Bind(part, true);
+  internal.SetMembership(nodes, many);
+  transaction.Commit();
+}
+
+} // namespace
+
+TEST(Store, ReopenedModelIsEqual) {
+  const TemporaryFolder folder;
+  KvoObjDocument document = KvoObjDocument::Create(folder / "a.sim");
+  fill(document);
+  const std::string before = walk(document);
+  document.Finish();
+  EXPECT_EQ(walk(document), before);
+  document.Close();
+  EXPECT_TRUE(document.IsClosed());
+  const KvoObjDocument again = KvoObjDocument::Open(folder / "a.sim", KvoAccess::ReadOnly);
+  EXPECT_TRUE(again.IsFinished());
+  EXPECT_EQ(walk(again), before);
+  EXPECT_EQ(eds_checkModel(again), eds_Faults());
+  KvoObjDocument other = KvoObjDocument::InMemory();
+  fill(other);
+  EXPECT_EQ(walk(other), before);
+
+  KvoObjMesh mesh = again.GetMesh();
+  EXPECT_EQ(mesh.NodeBlocks().size(), 4u);
+  const KvoObjModel model = again.GetModel();
+  const KvoSimPosition second = model.Occurences()[1];
+  EXPECT_EQ(second.Name(), "I-2");
+  EXPECT_EQ(model.RetrieveOccurences().begin()->first, "I-1");
+  ASSERT_EQ(mesh.NodeBlocks(second).size(), 1u);
+  EXPECT_EQ(mesh.NodeBlocks(second)[0].flatFirst, 4);
+  EXPECT_EQ(mesh.NodeBlocks(second)[0].coordinates,
+            mesh.NodeBlocks(model.GetPart("P"))[0].coordinates);
+  EXPECT_EQ(mesh.GetConnectivity().Representation()[0].RangeType().NumValues(), 2);
+  const KvoObjNodeSet ordered(mesh.NodeSets(model.GetPart("P"))[0]);
+  EXPECT_EQ(ordered.Membership().OrderedMembers(), (std::vector<int32_t>{3, 1, 2}));
+  EXPECT_EQ(ordered.Membership().Members(), (std::vector<int32_t>{1, 2, 3}));
+  EXPECT_EQ(model.Position().GetAnnotation(), "heading, \xc3\xa4 \xe2\x82\xac");
+}
+
+TEST(Store, ChangesOfAnExistingFileAreKept) {
+  const TemporaryFolder folder;
+  {
+    KvoObjDocument document = KvoObjDocument::Create(folder / "a.sim");
+    fill(document);
+    document.Finish();
+  }
+  {
+    KvoObjDocument document = KvoObjDocument::Open(folder / "a.sim", KvoAccess::ReadWrite);
+    KvoSimTransaction transaction(document.ContextID());
+    document.GetModel().GetPart("P").DataRecord().SetString(eds_Part_Name, "renamed");
+    document.GetModel().GetOccurence("I-2").Remove();
+    const KvoMeshNodeBlock block = document.GetMesh().NodeBlocks()[0];
+    const std::vector<double> moved{7, 8, 9};
+    eds_updateArray(block.coordinates, 1, std::as_bytes(std::span(moved)));
+    transaction.Commit();
+    EXPECT_FALSE(document.IsFinished());
+  }
+  const KvoObjDocument document = KvoObjDocument::Open(folder / "a.sim", KvoAccess::ReadOnly);
+  EXPECT_FALSE(document.IsFinished());
+  EXPECT_EQ(document.GetModel().GetPart("P").DataRecord().GetString(eds_Part_Name), "renamed");
+  EXPECT_EQ(document.GetModel().Occurences().size(), 2u);
+  EXPECT_EQ(document.Context().GetRecords(eds_RecordKind::Instance).size(), 2u);
+  std::vector<double> read(3);
+  eds_ArrayReader(document.GetMesh().NodeBlocks()[0].coordinates).ReadPiece(1, std::span(read));
+  EXPECT_EQ(read, (std::vector<double>{7, 8, 9}));
+}
+
+// An exception passes through a transaction: all of it is taken back, nothing else.
+TEST(Store, AbandonedTransactionLeavesNothing) {
+  KvoObjDocument document = KvoObjDocument::InMemory();
+  fill(document);
+  const std::string before = walk(document);
+  struct Stop {};
+  try {
+    KvoSimTransaction outer(document.ContextID());
+    {
+      KvoSimTransaction inner(document.ContextID());
+      eds_ArrayWriter writer(document.Focus(), eds_ValueType::Double, 1);
+      writer.Append(std::span<const double>(std::vector<double>(300000, 2.0)));
+      writer.Finish();
+      inner.Commit();
+    }
+    document.GetModel().GetPart("P").DataRecord().SetString(eds_Part_Name, "lost");
+    document.GetModel().AppendPart("Q", document.CreateDataRecord(eds_RecordKind::Part));
+    const std::vector<double> moved{7, 8, 9};
+    eds_updateArray(document.GetMesh().NodeBlocks()[0].coordinates, 1,
+                    std::as_bytes(std::span(moved)));
+    throw Stop();
+  } catch (const Stop&) {
+  }
+  // Overwriting a committed array takes the physical transaction back, and this was the first one.
+  SUCCEED();
+  KvoObjDocument second = KvoObjDocument::InMemory();
+  fill(second);
+  second.Context().Save();
+  try {
+    KvoSimTransaction transaction(second.ContextID());
+    second.GetModel().AppendPart("Q", second.CreateDataRecord(eds_RecordKind::Part));
+    eds_ArrayWriter writer(second.Focus(), eds_ValueType::Double, 1);
+    writer.Append(std::span<const double>(std::vector<double>(300000, 2.0)));
+    writer.Finish();
+    throw Stop();
+  } catch (const Stop&) {
+  }
+  EXPECT_EQ(walk(second), before);
+  EXPECT_EQ(eds_checkModel(second), eds_Faults());
+}
+
+TEST(Store, LinksOfEveryShape) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  KvoSimTransaction transaction(document.ContextID());
+  const KvoSimPosition owner = document.Focus();
+  std::vector<KvoSimPosition> parts;
+  for (int i = 0; i < 40; ++i) { // beyond the length from which keys are hashed
+    parts.push_back(document.CreateDataRecord(eds_RecordKind::Part));
+    owner.AssociateStringKey(eds_Member::Parts, "p" + std::to_string(i), parts.back());
+    owner.Associate(eds_Member::Fields, parts.back());
+    owner.Associate(eds_Member::Properties, parts[static_cast<size_t>(i / 2)]);
+  }
+  EXPECT_EQ(owner.MemberCount(eds_Member::Parts), 40);
+  EXPECT_EQ(owner.MemberCount(eds_Member::Properties), 20); // a set holds each once
+  EXPECT_EQ(owner.FollowStringKey(eds_Member::Parts, "p33"), parts[33]);
+  EXPECT_TRUE(owner.FollowStringKey(eds_Member::Parts, "p40").IsNull());
+  owner.AssociateStringKey(eds_Member::Parts, "p33", parts[0]); // replaced in its place
+  EXPECT_EQ(owner.FollowMap(eds_Member::Parts)[33], parts[0]);
+  EXPECT_EQ(owner.GetStringKeys(eds_Member::Parts)[33], "p33");
+  EXPECT_EQ(owner.FollowList(eds_Member::Fields, 39), parts[39]);
+  EXPECT_TRUE(owner.FollowList(eds_Member::Fields, 40).IsNull());
+  parts[5].Remove();
+  EXPECT_TRUE(owner.FollowStringKey(eds_Member::Parts, "p5").IsNull());
+  EXPECT_EQ(owner.FollowList(eds_Member::Fields, 5), parts[6]);
+  EXPECT_FALSE(document.HasRecord(eds_RecordKind::Part, parts[5].ID()));
+  EXPECT_EQ(parts[0].Parent(), owner);
+  EXPECT_THROW(owner.SetPosition(eds_Member::Parts, parts[1]), utl_Assertion);
+  transaction.Commit();
+}
+
+TEST(Store, FieldsKeepTypeAndDefault) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  KvoSimTransaction transaction(document.ContextID());
+  KvoSimDataRecord record = document.CreateDataRecord(eds_RecordKind::Instance).DataRecord();
+  EXPECT_TRUE(record.IsMemberNull(eds_Instance_Dependent));
+  EXPECT_TRUE(record.GetBool(eds_Instance_Dependent));
+  EXPECT_EQ(record.GetDouble(eds_Instance_QuaternionW), 1.0);
+  EXPECT_EQ(record.GetInt(eds_Instance_FirstNode), -1);
+  record.SetBool(eds_Instance_Dependent, false);
+  EXPECT_FALSE(record.GetBool(eds_Instance_Dependent));
+  record.UnsetMember(eds_Instance_Dependent);
+  EXPECT_TRUE(record.GetBool(eds_Instance_Dependent));
+  record.SetInt(eds_Instance_NodeCount, int64_t{1} << 40);
+  EXPECT_EQ(record.GetInt64(eds_Instance_NodeCount), int64_t{1} << 40);
+  EXPECT_THROW(record.GetInt(eds_Instance_NodeCount), utl_Assertion);
+  EXPECT_THROW(record.SetDouble(eds_Instance_Name, 1), utl_Assertion);
+  EXPECT_THROW(record.SetInt(99, 1), utl_Assertion);
+  EXPECT_THROW(record.SetReference(eds_Instance_Part, record.Pos()), utl_Assertion);
+  transaction.Commit();
+}
+
+TEST(Store, CollectionsAndSymbols) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  const KvoSimCollection dofs = document.GetDofTypeCollection();
+  EXPECT_EQ(document.GetCMemberIndex(dofs, document.GetSymbol("ROTATION_ANGLE_2")), 4);
+  EXPECT_EQ(document.GetCMemberIndex(dofs, document.GetSymbol("C_1")), -1);
+  EXPECT_TRUE(document.GetSymbol("NO_SUCH").IsNull());
+  const KvoSimCollection components = document.GetComponentCollection();
+  EXPECT_EQ(document.GetSymbol("C_QUAT4").GetSymbolName(), "C_QUAT4");
+  EXPECT_EQ(document.GetCMemberIndex(components, document.GetSymbol("C_QUAT1")), 9);
+  EXPECT_EQ(document.GetDofTypeCollection(), dofs);
+  KvoSimTransaction transaction(document.ContextID());
+  KvoSimCollection points = document.GetPointCollection();
+  EXPECT_EQ(points.ExtendSpace(5), 0);
+  KvoSimCSetID all = points.BiggestCSetID();
+  EXPECT_EQ(points.ExtendSpace(3), 5);
+  EXPECT_EQ(KvoSimCSet(all).Size(), 8);
+  EXPECT_THROW(points.CreateCSet(std::vector<int32_t>{8}), utl_Assertion);
+  EXPECT_LT(points.CreateTempCSetStrided(0, 3).ID().Number(), 0);
+  EXPECT_EQ(document.GetCMembersFromDynamicIDs(document.GetMaterialCollection(), {1, 7}),
+            (std::vector<int32_t>{-1, -1}));
+  transaction.Commit();
+}
+
+TEST(Store, ServicesGiveBackWhatTheyWereGiven) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  const KvoSimPosition material = document.CreateDataRecord(eds_RecordKind::Material);
+  const std::vector<double> values{200e3, 0, 20, 250e3, 0.1, 40};
+  KvoSrvFsmFTable::CreateTable(material, 7, 2, 0, {"YieldStress"}, {"PlasticStrain"}, 8, values, 3,
+                               true);
+  const KvoSrvFsmFTable table = material.GetFTable();
+  EXPECT_EQ(table.Values(), values);
+  EXPECT_EQ(table.DependentColumns(), std::vector<cow_String>{"YieldStress"});
+  EXPECT_EQ(table.IndependentColumns(), std::vector<cow_String>{"PlasticStrain"});
+  EXPECT_TRUE(table.IsTemperatureDependent());
+  KvoSrvShellSection section = KvoSrvShellSection::Create(document.Context(), "S", true);
+  section.AddPly({"top", 0.5, 3, material, {}, 45});
+  section.AddPly({"core", 2.5, 5, {}, {}, -45});
+  for (const auto& plies :
+       {section.Plies(), KvoSrvBulkShellLayers::Create(section, section.Plies()).Plies()}) {
+    ASSERT_EQ(plies.size(), 2u);
+    EXPECT_EQ(plies[0].material, material);
+    EXPECT_TRUE(plies[1].material.IsNull());
+    EXPECT_EQ(plies[1].integrationPoints, 5);
+    EXPECT_EQ(plies[1].angle, -45);
+  }
+}
