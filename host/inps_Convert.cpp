@@ -68,10 +68,16 @@ cow_String describeJob(const inps_Arguments& arguments, Job& job) {
   return {};
 }
 
+// Devices and pipes are never replaced, not even by force.
 void requireFree(const Job& job) {
-  if (utl_isDirectory(job.target))
+  std::error_code ignored;
+  const std::filesystem::file_status status = std::filesystem::status(job.target, ignored);
+  if (!std::filesystem::exists(status)) return;
+  if (std::filesystem::is_directory(status))
     throw utl_FileException("cannot write", job.target, "it is a folder");
-  if (!job.force && utl_exists(job.target))
+  if (!std::filesystem::is_regular_file(status))
+    throw utl_FileException("cannot write", job.target, "it is a device or a pipe");
+  if (!job.force)
     throw utl_FileException("cannot write", job.target, "it exists; --force replaces it");
 }
 

@@ -71,7 +71,8 @@ int inps_info(inps_Session& session, const inps_Arguments& arguments) {
   session.out << arguments.Operands()[0] << ": " << inps_bytesText(size) << ", "
               << (document.IsFinished() ? "finished" : "not finished: its conversion was cut short")
               << '\n';
-  for (const auto& [name, value] : meta) session.out << name << ": " << value << '\n';
+  for (const auto& [name, value] : meta)
+    if (name != "finished") session.out << name << ": " << value << '\n';
   printInfo(session.out, summary);
   return inps_ExitDone;
 }

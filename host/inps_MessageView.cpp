@@ -61,12 +61,16 @@ void inps_MessageView::ShowHead(inps_Severity severity, const wip_Place& place,
                                 std::string_view text) const {
   const Look& look = lookOf(severity);
   if (m_colour) m_out << bold;
-  m_out << (place.file.empty() ? cow_String("inps") : inp_printable(place.file, longestText));
+  const bool note = severity == inps_Severity::Note; // one without a place belongs to its message
+  if (place.file.empty())
+    m_out << (note ? " " : "inps:");
+  else
+    m_out << inp_printable(place.file, longestText);
   if (!place.file.empty() && place.line > 0) {
     m_out << ':' << place.line;
     if (place.column > 0) m_out << ':' << place.column;
   }
-  m_out << ": ";
+  m_out << (place.file.empty() ? " " : ": ");
   if (m_colour) m_out << look.colour;
   m_out << look.name << ": ";
   if (m_colour) m_out << plain;

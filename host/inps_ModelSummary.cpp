@@ -60,6 +60,7 @@ inps_ModelSummary inps_summarize(const KvoObjDocument& document) {
   inps_ModelSummary summary;
   for (const int64_t id : model.RecordIDs(Kind::Model)) {
     summary.heading = cow_String(model.Annotation(Kind::Model, id));
+    while (summary.heading.ends_with('\n')) summary.heading.pop_back();
     summary.dimensions = inps_intOf(model, eds_Model_Dimensions, id);
   }
   addMesh(model, summary);

@@ -25,10 +25,13 @@ TEST(MessageView, CaretsStandUnderTheFault) {
     const char* carets;
   };
   const Case cases[] = {
-      {"1, 2.x, 3", 4, 3, "   ^~~"}, {"1, 2", 1, 0, "^"},     {"1,\t2.x", 4, 3, "  \t^~~"},
-      {"\xc3\xa4, x", 4, 1, "   ^"}, {"1, 2", 5, 1, "    ^"}, // behind the end: something is
-                                                              // missing
-      {"1, 2", 4, 99, "   ^"},                                // no wider than the line
+      {"1, 2.x, 3", 4, 3, "   ^~~"},
+      {"1, 2", 1, 0, "^"},
+      {"1,\t2.x", 4, 3, "  \t^~~"},
+      {"\xc3\xa4, x", 4, 1, "   ^"},
+      {"1, 2", 5, 1, "    ^"}, // behind the end: something is
+                               // missing
+      {"1, 2", 4, 99, "   ^"}, // no wider than the line
   };
   for (const Case& c : cases)
     EXPECT_EQ(shown(messageAt(c.line, c.column, c.width)),

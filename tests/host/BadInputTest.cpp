@@ -1,0 +1,161 @@
+#include "database/KvoObjDocument.h"
+#include "tests/host/ProgramRun.h"
+
+namespace {
+
+using BadInput = ProgramTest;
+
+TEST_F(BadInput, DecksThatAreNone) {
+  struct Case {
+    const char* what;
+    cow_String deck;
+    const char* says;
+  };
+  const cow_String megabytes(10 << 20, 'A');
+  cow_String fields = "1";
+  for (int i = 1; i < 100000; ++i) fields += ",1";
+  const Case cases[] = {
+      {"empty", "", ": error: "},
+      {"blank", "\n\n", ": error: "},
+      {"no keyword", "1, 2, 3\n", "d.inp:1"},
+      {"binary", cow_String("*NODE\n1, \0\x01\x02, 3\n", 18), "d.inp:2:4: error: "},
+      {"long name", "*" + megabytes + "\n1, 0.\n", "d.inp:1:1: error: "},
+      {"long value", "*NODE, NSET=" + megabytes + "\n1, 0.\n", "d.inp:1:1: error: "},
+      {"100,000 fields", "*NODE\n" + fields + "\n", "d.inp:2:15: error: "},
+      {"number too large", "*NODE\n1, 1e999, 0., 0.\n", "d.inp:2:4: error: "},
+      {"label too large", "*NODE\n 1000000000, 1., 0., 0.\n", "d.inp:2:2: error: "},
+      {"label far too large", "*NODE\n99999999999999999999, 1.\n", "d.inp:2:1: error: "},
+      {"label too small", "*NODE\n1, 0., 0., 0.\n*NSET, NSET=A\n1,-99999999999\n",
+       "d.inp:4:3: error: "},
+      {"includes itself", "*INCLUDE, INPUT=d.inp\n", "d.inp:1:11: error: "},
+      {"missing include", "*NODE\n1, 0.\n*INCLUDE, INPUT=no.inp\n", "d.inp:3:11: error: "},
+      {"includes a folder", "*INCLUDE, INPUT=.\n", "d.inp:1:11: error: "},
+  };
+  for (const Case& c : cases) {
+    const ProgramRun run({"check", Deck("d.inp", c.deck)});
+    EXPECT_EQ(run.exitCode, 1) << c.what << '\n' << run.err.substr(0, 500);
+    EXPECT_TRUE(run.Says(c.says)) << c.what << '\n' << run.err.substr(0, 500);
+    EXPECT_LT(run.err.size(), 5000u) << c.what;
+  }
+}
+
+TEST_F(BadInput, FilesThatCannotBeRead) {
+  std::filesystem::create_directory(m_folder / "folder.inp");
+  for (const char* command : {"check", "convert"}) {
+    const ProgramRun missing({command, File("nowhere.inp")});
+    EXPECT_EQ(missing.exitCode, 3);
+    EXPECT_TRUE(missing.Says("nowhere.inp\": No such file")) << missing.err;
+    const ProgramRun folder({command, File("folder.inp")});
+    EXPECT_EQ(folder.exitCode, 3);
+    EXPECT_TRUE(folder.Says("folder.inp\": it is a folder")) << folder.err;
+  }
+}
+
+TEST_F(BadInput, ModelsThatAreNone) {
+  const cow_String deck = Deck("d.inp", oneBrick);
+  ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("good.sim"), "-q"}).exitCode, 0);
+  const cow_String good = readFile(m_folder / "good.sim");
+  ASSERT_GT(good.size(), 20000u);
+  cow_String newer = good;
+  newer[63] = 99; // the last byte of the engine's field for the format version
+  cow_String foreign = good;
+  foreign[68] = static_cast<char>(foreign[68] ^ 1); // of the field that names the program
+  cow_String damaged = good;
+  for (std::size_t at = 200; at < damaged.size(); at += 512) damaged[at] = static_cast<char>(0xa5);
+
+  struct Case {
+    const char* what;
+    cow_String content;
+    const char* says;
+  };
+  const Case cases[] = {
+      {"empty", "", "not a model"},
+      {"text", "*NODE\n1, 0., 0., 0.\n", "not a model"},
+      {"cut in the first page", good.substr(0, 300), "truncated"},
+      {"cut in half", good.substr(0, good.size() / 2), "truncated"},
+      {"newer", newer, "newer"},
+      {"foreign", foreign, "another program"},
+      {"damaged", damaged, "damaged"},
+  };
+  for (const Case& c : cases)
+    for (const char* command : {"check", "info", "dump", "write"}) {
+      writeFile(m_folder / "bad.sim", c.content);
+      const ProgramRun run({command, File("bad.sim")});
+      EXPECT_EQ(run.exitCode, 3) << command << ' ' << c.what;
+      EXPECT_TRUE(run.Says(c.says)) << command << ' ' << c.what << '\n' << run.err;
+      EXPECT_EQ(run.out, "") << command << ' ' << c.what;
+    }
+}
+
+// Wherever a byte of a model turns over: a clear end, with or without a finding, and never a crash.
+TEST_F(BadInput, EveryDamageEndsClearly) {
+  ASSERT_EQ(ProgramRun({"convert", Deck("d.inp", oneBrick), "-o", File("good.sim"), "-q"}).exitCode,
+            0);
+  const cow_String good = readFile(m_folder / "good.sim");
+  int found = 0;
+  for (std::size_t at = 0; at < good.size(); at += 997) {
+    cow_String bad = good;
+    bad[at] = static_cast<char>(bad[at] ^ 0x55);
+    writeFile(m_folder / "bad.sim", bad);
+    for (const char* command : {"check", "dump"}) {
+      const ProgramRun run({command, File("bad.sim")});
+      EXPECT_TRUE(run.exitCode == 0 || run.exitCode == 1 || run.exitCode == 3) << command << at;
+      EXPECT_FALSE(run.Says("internal error")) << command << ' ' << at << '\n' << run.err;
+      found += run.exitCode != 0;
+    }
+  }
+  EXPECT_GT(found, 0);
+}
+
+TEST_F(BadInput, OutputsThatCannotBeWritten) {
+  const cow_String deck = Deck("d.inp", oneBrick);
+  const cow_String model = File("m.sim");
+  ASSERT_EQ(ProgramRun({"convert", deck, "-o", model, "-q"}).exitCode, 0);
+  std::filesystem::create_directory(m_folder / "folder.sim");
+  const cow_List<cow_List<cow_String>> runs = {
+      {"convert", deck, "-o", File("no/such/folder.sim")},
+      {"convert", deck, "-o", File("folder.sim"), "--force"},
+      {"convert", deck, "-o", model},
+      {"convert", deck, "-o", File("out.sim"), "--restart", File("nobase.sim")},
+      {"write", model, "-o", File("no/such/folder.inp")},
+      {"write", model, "-o", deck},
+      {"write", model, "-o", File("folder.sim"), "--force"},
+  };
+  for (const cow_List<cow_String>& words : runs) {
+    const ProgramRun run(words);
+    EXPECT_EQ(run.exitCode, 3) << words[0] << ' ' << words[3];
+    EXPECT_TRUE(run.Says("inps: cannot ")) << run.err;
+  }
+  EXPECT_EQ(readFile(deck), oneBrick);
+  EXPECT_FALSE(Exists("out.sim"));
+}
+
+#if defined(__linux__)
+TEST_F(BadInput, FullDisksAndDevices) {
+  const cow_String deck = Deck("d.inp", oneBrick);
+  ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("m.sim"), "-q"}).exitCode, 0);
+  const ProgramRun full({"write", File("m.sim"), "-o", "/dev/full"});
+  EXPECT_EQ(full.exitCode, 3);
+  EXPECT_TRUE(full.Says("\"/dev/full\": No space left on device")) << full.err;
+  // A link instead of the device itself: whatever happened to it would happen to the link.
+  std::filesystem::create_symlink("/dev/null", m_folder / "device.sim");
+  const ProgramRun device({"convert", deck, "-o", File("device.sim"), "--force"});
+  EXPECT_EQ(device.exitCode, 3);
+  EXPECT_TRUE(std::filesystem::is_symlink(m_folder / "device.sim"));
+}
+#endif
+
+// What cannot be written is said; the exit code does not depend on who is left to read.
+TEST_F(BadInput, StandardOutputThatFails) {
+  ASSERT_EQ(ProgramRun({"convert", Deck("d.inp", oneBrick), "-o", File("m.sim"), "-q"}).exitCode,
+            0);
+  for (const char* command : {"dump", "write", "info"}) {
+    std::ostringstream out;
+    std::ostringstream err;
+    out.setstate(std::ios::badbit);
+    EXPECT_EQ(inps_main({command, File("m.sim")}, out, err), 3) << command;
+    EXPECT_NE(err.str().find("cannot write standard output"), cow_String::npos) << err.str();
+  }
+}
+
+} // namespace
