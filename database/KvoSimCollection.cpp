@@ -38,7 +38,8 @@ int64_t KvoSimCollection::ExtendSpace(int64_t count) {
 KvoSimCSet KvoSimCollection::Checked(eds_MemberSet members) const {
   [[maybe_unused]] const int64_t space = Space();
   if (members.IsStrided() && !members.IsEmpty()) {
-    [[maybe_unused]] const auto [low, high] = std::minmax({members[0], members[members.Size() - 1]});
+    [[maybe_unused]] const auto [low, high] =
+        std::minmax({members[0], members[members.Size() - 1]});
     utl_ASSERT(low >= 0 && high < space);
   }
   for ([[maybe_unused]] int32_t member : members.List()) utl_ASSERT(member >= 0 && member < space);

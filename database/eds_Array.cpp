@@ -30,7 +30,7 @@ struct eds_ArrayWriter::Impl {
   int64_t Count() const { return written + static_cast<int64_t>(tail.size()) / itemBytes; }
 
   void Write(int64_t number, std::span<const std::byte> bytes) {
-    store->BeforeChunk(id);
+    store->BeforeChunk();
     store->Chunks().Write(id, number, bytes);
   }
 
@@ -302,7 +302,7 @@ void eds_updateArray(const eds_ArrayID& array, int64_t firstItem,
     chunk.resize(static_cast<size_t>(std::max(held, skipped + taken) * itemBytes));
     const auto takenBytes = static_cast<size_t>(taken * itemBytes);
     std::memcpy(chunk.data() + skipped * itemBytes, bytes.data(), takenBytes);
-    store.BeforeChunk(array.id);
+    store.BeforeChunk();
     store.Chunks().Write(array.id, number, chunk);
     bytes = bytes.subspan(takenBytes);
     firstItem += taken;

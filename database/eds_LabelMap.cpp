@@ -11,8 +11,8 @@
 constexpr int64_t denseFactor = 4;
 constexpr int64_t smallRange = 1024; // not worth a thought
 
-// Scattered labels find their slots in memory, not in the cache: a bulk look-up asks for those of the
-// labels to come while it works on the present one.
+// Scattered labels find their slots in memory, not in the cache: a bulk look-up asks for those of
+// the labels to come while it works on the present one.
 constexpr size_t lookAhead = 16;
 
 static void prefetch(const void* address) {

@@ -86,7 +86,7 @@ void eds_Engine::Close() {
   for (eds_Statement& statement : m_statements) statement.Finalize();
   if (m_database == nullptr) return;
   if (m_inPhysical) sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
-  m_inPhysical = false;
+  m_inPhysical = m_holdsCommits = m_hasMark = false;
   sqlite3_close(m_database);
   m_database = nullptr;
 }
@@ -117,19 +117,45 @@ void eds_Engine::BeginWrite() {
   m_physicalSince = Clock::now();
 }
 
+void eds_Engine::SetMark() {
+  BeginWrite();
+  if (m_hasMark || !m_holdsCommits) return; // with nothing before it, the whole is taken back
+  if (m_mark == nullptr) m_mark = &Prepare("SAVEPOINT logical");
+  m_mark->Run();
+  m_hasMark = true;
+}
+
+void eds_Engine::BackToMark() {
+  if (!m_inPhysical) return;
+  if (!m_hasMark) {
+    if (!m_holdsCommits) RollbackPhysical();
+    return;
+  }
+  Execute("ROLLBACK TO logical");
+  Execute("RELEASE logical");
+  m_hasMark = false;
+}
+
 void eds_Engine::GatherCommit() {
-  if (m_inPhysical && Clock::now() - m_physicalSince >= gatherTime) CommitPhysical();
+  if (!m_inPhysical) return;
+  if (m_hasMark) {
+    if (m_release == nullptr) m_release = &Prepare("RELEASE logical");
+    m_release->Run();
+    m_hasMark = false;
+  }
+  m_holdsCommits = true;
+  if (Clock::now() - m_physicalSince >= gatherTime) CommitPhysical();
 }
 
 void eds_Engine::CommitPhysical() {
   if (!m_inPhysical) return;
   Execute("COMMIT");
-  m_inPhysical = false;
+  m_inPhysical = m_holdsCommits = m_hasMark = false;
 }
 
 void eds_Engine::RollbackPhysical() {
   if (!m_inPhysical) return;
-  m_inPhysical = false;
+  m_inPhysical = m_holdsCommits = m_hasMark = false;
   // The engine has rolled back by itself when a write failed.
   if (sqlite3_get_autocommit(m_database) == 0) Execute("ROLLBACK");
 }
@@ -139,7 +165,13 @@ void eds_Engine::Fail(int code) {
                                                          : "\"" + utl_pathText(m_shown) + "\"";
   const cow_String text = m_database != nullptr ? sqlite3_errmsg(m_database) : sqlite3_errstr(code);
   const cow_String system = systemText(m_database);
-  if (m_inPhysical) m_failed = true;
+  if (m_inPhysical) {
+    // What the engine has kept of the transaction is not told; none of it is.
+    m_failed = true;
+    m_inPhysical = m_holdsCommits = m_hasMark = false;
+    if (sqlite3_get_autocommit(m_database) == 0)
+      sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
+  }
   switch (code) {
   case SQLITE_IOERR_NOMEM:
     throw eds_MemoryException("out of memory with " + file);

@@ -82,7 +82,10 @@ public:
   eds_Statement& Prepare(cow_String sql); // owned by the engine
 
   void BeginWrite(); // opens the physical transaction if none is open
-  void GatherCommit();
+  // A place inside the physical transaction to come back to: whole logical ones stand before it.
+  void SetMark();
+  void BackToMark();
+  void GatherCommit(); // ends the mark
   void CommitPhysical();
   void RollbackPhysical();
   bool InPhysical() const { return m_inPhysical; }
@@ -103,5 +106,9 @@ private:
   std::deque<eds_Statement> m_statements;
   Clock::time_point m_physicalSince;
   bool m_inPhysical = false;
+  bool m_holdsCommits = false; // logical ones, not yet physical
+  bool m_hasMark = false;
+  eds_Statement* m_mark = nullptr;
+  eds_Statement* m_release = nullptr;
   bool m_failed = false;
 };

@@ -27,8 +27,6 @@ public:
   bool Has(int64_t id) const {
     return id >= 1 && id <= LastID() && (m_flags[Row(id)] & removed) == 0;
   }
-  // Not in the file yet: made in the open transaction.
-  bool IsUnwritten(int64_t id) const { return Has(id) && (m_flags[Row(id)] & unwritten) != 0; }
   int64_t LastID() const { return static_cast<int64_t>(m_flags.size()); }
   int64_t Count() const { return LastID() - m_removedCount; }
 

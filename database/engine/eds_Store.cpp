@@ -121,7 +121,6 @@ void eds_Store::Finish() {
   utl_ASSERT(!IsClosed() && !IsReadOnly() && m_depth == 0);
   RemoveTempDistributions();
   Flush();
-  m_chunkArrays.clear();
   if (m_engine.Mode() == eds_OpenMode::Memory) {
     m_engine.CommitPhysical();
     return SetMeta(finishedKey, "1");
@@ -205,7 +204,7 @@ void eds_Store::WriteMeta() {
 // ---- transactions
 
 void eds_Store::Flush() {
-  if (m_dirty.empty() && !m_metaChanged && m_chunkArrays.empty()) return;
+  if (m_dirty.empty() && !m_metaChanged && !m_wroteChunks) return;
   m_engine.BeginWrite();
   std::string& finished = m_meta[finishedKey];
   if (finished == "1") {
@@ -214,6 +213,7 @@ void eds_Store::Flush() {
   }
   for (const eds_RowTable::Dirty& row : m_dirty) row.table->Write(row.id);
   m_dirty.clear();
+  m_wroteChunks = false;
   if (m_metaChanged) WriteMeta();
 }
 
@@ -228,21 +228,17 @@ void eds_Store::Commit() {
     Abandon();
     throw;
   }
-  m_chunkArrays.clear();
-  m_overwrote = false;
 }
 
 void eds_Store::Abandon() {
   m_depth = 0;
-  if (m_engine.HasFailed() || m_overwrote) {
+  // Records are written at the commit, so only chunks can have gone ahead.
+  if (m_engine.HasFailed()) {
     m_engine.RollbackPhysical();
-  } else {
-    // Chunks written ahead of a commit that does not come; their arrays' records were never
-    // written.
-    for (int64_t array : m_chunkArrays) m_chunks.Remove(array);
+  } else if (m_wroteChunks) {
+    m_engine.BackToMark();
   }
-  m_chunkArrays.clear();
-  m_overwrote = false;
+  m_wroteChunks = false;
   ForgetAll();
   if (m_engine.IsOpen()) LoadMeta();
 }
@@ -258,21 +254,14 @@ void eds_Store::Save() {
   utl_ASSERT(m_depth == 0);
   if (IsReadOnly()) return;
   Flush();
-  m_chunkArrays.clear();
   m_engine.CommitPhysical();
 }
 
-void eds_Store::BeforeChunk(int64_t array) {
+void eds_Store::BeforeChunk() {
   utl_ASSERT(m_depth > 0);
-  const bool known = !m_chunkArrays.empty() && m_chunkArrays.back() == array;
-  if (!known && !Rows(eds_RecordKind::Array).IsUnwritten(array) && !m_overwrote) {
-    // A committed array is changed: taking that back takes the physical transaction back, so what
-    // was committed before goes to the disk first, if nothing of this transaction is there yet.
-    if (m_chunkArrays.empty()) m_engine.CommitPhysical();
-    m_overwrote = true;
-  }
-  m_engine.BeginWrite();
-  if (!known) m_chunkArrays.push_back(array);
+  if (m_wroteChunks) return;
+  m_engine.SetMark();
+  m_wroteChunks = true;
 }
 
 // ---- objects
@@ -308,8 +297,7 @@ void eds_Store::RemoveObject(eds_ObjectID object) {
   for (int64_t link : links.LinksFrom(object)) links.Remove(link);
   for (int64_t link : links.LinksTo(object)) links.Remove(link);
   if (object.RecordKind() == eds_RecordKind::Array) {
-    BeforeChunk(object.id);
-    m_overwrote = true;
+    BeforeChunk();
     m_chunks.Remove(object.id);
   }
   RowsOf(object).Remove(object.id);

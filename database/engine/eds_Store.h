@@ -66,8 +66,8 @@ public:
   int64_t CSetCollection(int64_t number);
 
   // ---- arrays
-  // To be called before a chunk is written.
-  void BeforeChunk(int64_t array);
+  // To be called before a chunk is written or removed.
+  void BeforeChunk();
   void KeepTempDistribution(int64_t id) { m_tempDistributions.push_back(id); }
 
 private:
@@ -106,6 +106,5 @@ private:
   std::filesystem::path m_path;      // the name the user knows
   std::filesystem::path m_temporary; // while the file has another one
   int m_depth = 0;
-  std::vector<int64_t> m_chunkArrays; // written to in the open transaction
-  bool m_overwrote = false;           // committed chunks, in the open transaction
+  bool m_wroteChunks = false; // in the open transaction
 };

@@ -267,6 +267,7 @@ TEST(File, FullDiskIsToldAndLeavesAWholeFile) {
       for (int i = 0;; ++i) {
         addRecord(document, i);
         addArray(document, 200000);
+        document.Context().Save();
         if (i > 100) return 1;
       }
     } catch (const eds_DiskException& fault) {
