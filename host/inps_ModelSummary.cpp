@@ -65,10 +65,13 @@ inps_ModelSummary inps_summarize(const KvoObjDocument& document) {
   }
   addMesh(model, summary);
   addParts(model, summary);
+  // The mesh's own sets of everything have no name.
   for (const int64_t id : model.RecordIDs(Kind::NodeSet))
-    summary.nodeSets += !inps_boolOf(model, eds_NodeSet_Internal, id);
+    summary.nodeSets += !inps_boolOf(model, eds_NodeSet_Internal, id) &&
+                        !inps_textOf(model, eds_NodeSet_Name, id).empty();
   for (const int64_t id : model.RecordIDs(Kind::ElementSet))
-    summary.elementSets += !inps_boolOf(model, eds_ElementSet_Internal, id);
+    summary.elementSets += !inps_boolOf(model, eds_ElementSet_Internal, id) &&
+                           !inps_textOf(model, eds_ElementSet_Name, id).empty();
   Counter kept(summary.keptAsText);
   for (const int64_t id : model.RecordIDs(Kind::VerbatimKeyword))
     kept.Add(inps_textOf(model, eds_VerbatimKeyword_Keyword, id), 1);
