@@ -75,8 +75,12 @@ bool inps_Conversion::ConvertRestart(const KvoObjDocument& document) {
   return Run(document, [&] { return m_driver->ConvertRestart(document); });
 }
 
-bool inps_Conversion::ReadsRestart() const {
-  return m_driver && m_driver->Inventory().RestartKind() != inpS_RestartKind::None;
+const inp_Keyword* inps_Conversion::RestartKeyword() const {
+  const auto reads = [](const inp_Parameter& parameter) { return parameter.name == "read"; };
+  for (const inp_Keyword& keyword : m_driver->Keywords())
+    if (keyword.Kind() == inp_KwRestart && std::ranges::any_of(keyword.Parameters(), reads))
+      return &keyword;
+  return nullptr;
 }
 
 bool inps_isModelFile(const std::filesystem::path& path) {

@@ -18,7 +18,8 @@ public:
   bool Convert(const KvoObjDocument& document);
   bool ConvertRestart(const KvoObjDocument& document); // into a model that exists
 
-  bool ReadsRestart() const; // the deck itself says that it goes on from another model
+  // The keyword with which the deck itself says that it goes on from another model, or null.
+  const inp_Keyword* RestartKeyword() const;
   // What was kept as text; empty before a conversion.
   const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
 

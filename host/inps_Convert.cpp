@@ -6,6 +6,7 @@
 #include "host/inps_Conversion.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
+#include "parser/inp_Utils.h"
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -105,9 +106,9 @@ public:
       Say("the deck cannot be converted; " + utl_pathText(m_job.target) + " was not written");
       return inps_ExitFaults;
     }
-    if (conversion.ReadsRestart() && m_job.base.empty())
-      m_run.Reporter().Warning(wip_Message(
-          "this deck goes on from another model (*RESTART, READ); --restart names that model"));
+    if (const inp_Keyword* restart = conversion.RestartKeyword(); restart && m_job.base.empty())
+      m_run.Reporter().Warning(inp_Utils::MessageInKeyword(
+          *restart, "this deck goes on from another model; --restart names that model"));
     const bool clean = m_job.base.empty() ? Fresh(conversion) : Restart(conversion);
     const int notModelled = m_run.NotModelled(conversion.NotModelled());
     if (clean && m_run.Reporter().Errors() == 0) return notModelled;
