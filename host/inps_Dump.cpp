@@ -7,6 +7,7 @@
 #include "host/inps_ModelWalk.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
+#include "host/inps_SetLabels.h"
 #include <algorithm>
 #include <unordered_set>
 
@@ -17,7 +18,8 @@ namespace {
 // first referred to.
 class Dump {
 public:
-  Dump(const KvoObjDocument& document, utl_Stream& out) : m_model(document), m_out(out) {}
+  Dump(const KvoObjDocument& document, utl_Stream& out)
+      : m_model(document), m_labels(document), m_out(out) {}
 
   void Print() {
     for (const eds_RecordInfo* kind : inps_walkedKinds(m_model))
@@ -36,10 +38,18 @@ private:
       if (!inps_isDefault(info, value) && !inps_isProvenance(kind.kind, field))
         PrintField(info, value);
     }
+    PrintLabels(m_labels.Runs(m_model, {kind.kind, id}));
     if (const std::string_view text = m_model.Annotation(kind.kind, id); !text.empty())
       PrintText("annotation", text);
     for (const eds_LinkInfo& link : inps_shownLinks(m_model, {kind.kind, id}))
       m_out << "  " << inps_linkText(link) << " -> " << m_model.Describe(link.target) << '\n';
+  }
+
+  void PrintLabels(const cow_List<cow_String>& runs) {
+    constexpr std::size_t perLine = 12;
+    for (std::size_t i = 0; i < runs.size(); ++i)
+      m_out << (i == 0 ? "  labels: " : i % perLine ? ", " : ",\n    ") << runs[i];
+    if (!runs.empty()) m_out << '\n';
   }
 
   void PrintField(const eds_FieldInfo& info, const eds_FieldValue& value) {
@@ -109,6 +119,7 @@ private:
   }
 
   eds_ModelReader m_model;
+  inps_SetLabels m_labels;
   utl_Stream& m_out;
   std::unordered_set<int64_t> m_shown; // arrays
 };

@@ -1,0 +1,204 @@
+// Runs every deck of this tree: tests/decks/<subject>/<case>.inp, and the examples.
+//
+// What a deck must report stands in comment lines of it, in any order:
+//
+//   ** expect: error 12: part of the text
+//   ** expect: warning included.inc:3:7: part of the text
+//   ** expect: error 0: part of the text        (a message without a line)
+//
+// Every error and warning must be expected and every expectation met; warnings that a keyword is
+// kept as text need not be. A deck without expected errors converts without any; then it is
+// written, converted again and written again: the models must be the same and both written decks
+// the same byte for byte. Beside it, <case>.dump may hold lines that must occur in this order in
+// the dump of the model (surrounding blanks do not count; empty lines and lines that begin with #
+// are skipped). A deck whose first line is "** options: WORDS" is converted with these words.
+//
+// Files that decks include have another ending than .inp.
+
+#include "tests/host/ProgramRun.h"
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using Path = std::filesystem::path;
+using nlohmann::json;
+
+struct Expected {
+  cow_String severity;
+  cow_String file; // empty: the deck itself
+  long long line = 0;
+  int column = 0; // 0: any
+  cow_String text;
+  cow_String asWritten;
+  bool met = false;
+};
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r";
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+cow_List<cow_String> linesOf(const cow_String& text) {
+  cow_List<cow_String> lines;
+  std::istringstream stream(text);
+  for (cow_String line; std::getline(stream, line);) lines.emplace_back(trimmed(line));
+  return lines;
+}
+
+// "error 12: text", "warning file.inc:3:7: text"
+Expected readExpected(std::string_view words) {
+  Expected expected;
+  expected.asWritten = words;
+  const std::size_t blank = words.find(' ');
+  const std::size_t textAt = words.find(": ");
+  if (blank == std::string_view::npos || textAt == std::string_view::npos || textAt < blank) {
+    ADD_FAILURE() << "cannot read the expectation: " << words;
+    return expected;
+  }
+  expected.severity = words.substr(0, blank);
+  expected.text = trimmed(words.substr(textAt + 2));
+  cow_List<cow_String> pieces;
+  std::istringstream place{cow_String(words.substr(blank + 1, textAt - blank - 1))};
+  for (cow_String piece; std::getline(place, piece, ':');) pieces.push_back(piece);
+  if (!pieces.empty() && !std::isdigit(static_cast<unsigned char>(pieces[0][0]))) {
+    expected.file = pieces[0];
+    pieces.erase(pieces.begin());
+  }
+  if (!pieces.empty()) expected.line = std::stoll(pieces[0]);
+  if (pieces.size() > 1) expected.column = std::stoi(pieces[1]);
+  return expected;
+}
+
+cow_List<Expected> expectationsOf(const Path& deck) {
+  constexpr std::string_view mark = "** expect: ";
+  cow_List<Expected> expectations;
+  for (const cow_String& line : linesOf(readFile(deck)))
+    if (line.starts_with(mark))
+      expectations.push_back(readExpected(std::string_view(line).substr(mark.size())));
+  return expectations;
+}
+
+bool meets(const json& message, const Expected& expected) {
+  const cow_String file = message["file"];
+  return message["severity"] == expected.severity && message["line"] == expected.line &&
+         (expected.column == 0 || message["column"] == expected.column) &&
+         (expected.file.empty() || file.ends_with(expected.file)) &&
+         message["text"].get<cow_String>().find(expected.text) != cow_String::npos;
+}
+
+bool tellsOfKeptText(const json& message) {
+  return message["severity"] == "warning" &&
+         message["text"].get<cow_String>().find("kept as text") != cow_String::npos;
+}
+
+void compareMessages(const json& messages, cow_List<Expected> expectations) {
+  for (const json& message : messages) {
+    const auto found = std::ranges::find_if(
+        expectations, [&](const Expected& e) { return !e.met && meets(message, e); });
+    if (found != expectations.end())
+      found->met = true;
+    else if (!tellsOfKeptText(message))
+      ADD_FAILURE() << "not expected: " << message["severity"].get<cow_String>() << ' '
+                    << message["line"] << ':' << message["column"] << ": "
+                    << message["text"].get<cow_String>();
+  }
+  for (const Expected& expected : expectations)
+    if (!expected.met) ADD_FAILURE() << "expected and not reported: " << expected.asWritten;
+}
+
+void compareDump(const cow_String& dump, const Path& excerpt) {
+  const cow_List<cow_String> lines = linesOf(dump);
+  auto at = lines.begin();
+  for (const cow_String& wanted : linesOf(readFile(excerpt))) {
+    if (wanted.empty() || wanted.starts_with('#')) continue;
+    const auto found = std::find(at, lines.end(), wanted);
+    ASSERT_NE(found, lines.end()) << "not in the dump from line " << at - lines.begin() + 1
+                                  << " on: " << wanted << "\n\n"
+                                  << dump.substr(0, 20000);
+    at = std::next(found);
+  }
+}
+
+class Deck : public testing::TestWithParam<Path> {
+protected:
+  cow_String File(std::string_view name) const { return utl_pathText(m_folder / name); }
+
+  ProgramRun Convert(const cow_String& deck, const cow_String& model) const {
+    cow_List<cow_String> words = {"convert", deck, "-o", model, "--json"};
+    constexpr std::string_view mark = "** options: ";
+    const cow_List<cow_String> lines = linesOf(readFile(GetParam()));
+    if (!lines.empty() && lines[0].starts_with(mark)) {
+      std::istringstream options(lines[0].substr(mark.size()));
+      for (cow_String word; options >> word;) words.push_back(word);
+    }
+    return ProgramRun(words);
+  }
+
+  void RoundTrip() const {
+    ASSERT_EQ(ProgramRun({"write", File("a.sim"), "-o", File("a.inp")}).exitCode, 0);
+    const ProgramRun again = Convert(File("a.inp"), File("b.sim"));
+    ASSERT_TRUE(again.exitCode == 0 || again.exitCode == 4) << again.out.substr(0, 5000);
+    const ProgramRun diff({"diff", File("a.sim"), File("b.sim")});
+    EXPECT_EQ(diff.exitCode, 0) << diff.out.substr(0, 5000);
+    ASSERT_EQ(ProgramRun({"write", File("b.sim"), "-o", File("b.inp")}).exitCode, 0);
+    EXPECT_EQ(readFile(m_folder / "a.inp"), readFile(m_folder / "b.inp"));
+  }
+
+  TemporaryFolder m_folder;
+};
+
+TEST_P(Deck, SaysAndGivesWhatIsExpected) {
+  const cow_List<Expected> expectations = expectationsOf(GetParam());
+  const bool faulty = std::ranges::any_of(
+      expectations, [](const Expected& expected) { return expected.severity == "error"; });
+
+  const ProgramRun run = Convert(utl_pathText(GetParam()), File("a.sim"));
+  const json object = json::parse(run.out, nullptr, false);
+  ASSERT_TRUE(object.is_object() && object.contains("messages")) << run.err << run.out;
+  EXPECT_EQ(run.exitCode == 1, faulty);
+  EXPECT_NE(run.exitCode, 3) << run.err;
+  compareMessages(object["messages"], expectations);
+  if (!utl_exists(m_folder / "a.sim")) return;
+
+  EXPECT_EQ(ProgramRun({"check", File("a.sim")}).exitCode, 0);
+  const Path excerpt = Path(GetParam()).replace_extension(".dump");
+  if (utl_exists(excerpt)) compareDump(ProgramRun({"dump", File("a.sim")}).out, excerpt);
+  if (!faulty) RoundTrip();
+}
+
+Path treeOfDecks() {
+  return Path(INPS_TESTS_DIR) / "decks";
+}
+Path examples() {
+  return Path(INPS_TESTS_DIR).parent_path() / "examples";
+}
+
+cow_List<Path> allDecks() {
+  cow_List<Path> decks;
+  const auto isDeck = [](const Path& path) { return path.extension() == ".inp"; };
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(treeOfDecks()))
+    if (isDeck(entry.path())) decks.push_back(entry.path());
+  // The deeper ones are included by these.
+  for (auto at = std::filesystem::recursive_directory_iterator(examples());
+       at != std::filesystem::recursive_directory_iterator(); ++at)
+    if (at.depth() < 2 && isDeck(at->path())) decks.push_back(at->path());
+  std::ranges::sort(decks);
+  return decks;
+}
+
+cow_String nameOf(const testing::TestParamInfo<Path>& info) {
+  const Path root = info.param.native().starts_with(treeOfDecks().native())
+                        ? treeOfDecks()
+                        : examples().parent_path();
+  cow_String name = utl_pathText(info.param.lexically_relative(root).replace_extension());
+  std::ranges::replace_if(
+      name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Deck, testing::ValuesIn(allDecks()), nameOf);
+
+} // namespace
