@@ -106,7 +106,7 @@ void eds_LabelMap::LeaveStrided(std::span<const int32_t> coming) {
   m_labels.Resize(static_cast<size_t>(m_count));
   for (int64_t i = 0; i < m_count; ++i)
     m_labels[static_cast<size_t>(i)] = static_cast<int32_t>(m_first + i * m_stride);
-  Widen(m_labels);
+  Widen(std::span<const int32_t>(m_labels.Data(), m_labels.Size()));
   Widen(coming);
   const int64_t expected = m_count + static_cast<int64_t>(coming.size());
   if (FitsDense(m_low, m_high, expected)) {

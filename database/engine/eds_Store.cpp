@@ -119,6 +119,14 @@ void eds_Store::DropJournal() {
 
 void eds_Store::Finish() {
   utl_ASSERT(!IsClosed() && !IsReadOnly() && m_depth == 0);
+  try {
+    WriteOut();
+  } catch (const utl_FileException& failure) {
+    throw eds_DiskException(failure.what());
+  }
+}
+
+void eds_Store::WriteOut() {
   RemoveTempDistributions();
   Flush();
   if (m_engine.Mode() == eds_OpenMode::Memory) {

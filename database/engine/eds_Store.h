@@ -86,6 +86,7 @@ private:
   void Recover(const std::filesystem::path& file);
   void RemoveTempDistributions();
   void DropJournal();
+  void WriteOut();
   void SyncClosed(const std::filesystem::path& file);
   void Reopen(const std::filesystem::path& file);
   std::shared_ptr<const eds_MemberSet> DecodeCSet(int64_t number);

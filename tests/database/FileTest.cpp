@@ -177,6 +177,36 @@ TEST(File, SurvivesDamagedBytes) {
   EXPECT_GT(noticed, 140);
 }
 
+// A file of an older version: a table and a column that came later are not in it.
+TEST(File, OlderFilesReadAsUnsetAndGrowWhenChanged) {
+  const TemporaryFolder folder;
+  const fs::path file = folder / "m.sim";
+  makeModel(file);
+  runSql(file, "DROP VIEW v_instance; ALTER TABLE instance DROP COLUMN library;"
+               "INSERT INTO instance (id, name) VALUES (1, 'I');"
+               "DROP VIEW v_bulk_shell_layers; DROP TABLE bulk_shell_layers;"
+               "DELETE FROM schema_field WHERE column_name IN ('library', 'layers')");
+  {
+    const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+    const KvoSimDataRecord instance = document.GetRecord(eds_RecordKind::Instance, 1);
+    EXPECT_EQ(instance.GetString(eds_Instance_Name), "I");
+    EXPECT_TRUE(instance.IsMemberNull(eds_Instance_Library));
+    EXPECT_TRUE(document.Context().GetRecords(eds_RecordKind::BulkShellLayers).empty());
+    EXPECT_EQ(eds_checkModel(document), eds_Faults());
+  }
+  {
+    const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadWrite);
+    KvoSimTransaction transaction(document.ContextID());
+    document.GetRecord(eds_RecordKind::Instance, 1).SetString(eds_Instance_Library, "old.sim");
+    document.CreateDataRecord(eds_RecordKind::BulkShellLayers);
+    transaction.Commit();
+  }
+  const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+  EXPECT_EQ(document.GetRecord(eds_RecordKind::Instance, 1).GetString(eds_Instance_Library),
+            "old.sim");
+  EXPECT_EQ(document.Context().GetRecords(eds_RecordKind::BulkShellLayers).size(), 1u);
+}
+
 TEST(File, ExistingOutputIsReplacedOnlyByAFinishedOne) {
   const TemporaryFolder folder;
   const fs::path file = folder / "m.sim";
@@ -235,7 +265,7 @@ TEST(File, KilledWriterLeavesWholeTransactionsInOrder) {
   for (int round = 0; round < 40; ++round) {
     const TemporaryFolder folder;
     const fs::path file = folder / "m.sim";
-    inChild([&] { return writeForEver(file); }, 500 + random() % 60000);
+    inChild([&] { return writeForEver(file); }, static_cast<useconds_t>(500 + random() % 60000));
     if (!fs::exists(file)) continue;
     const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
     EXPECT_FALSE(document.IsFinished());
