@@ -33,7 +33,8 @@ struct KvoObjLabeler::Impl {
   int kind;
   std::vector<Space> spaces;
   std::unordered_map<uint64_t, int> byOwner;
-  mutable std::vector<int> byFlat; // spaces of the flat mesh by first ordinal
+  std::unordered_map<int64_t, int> byRecord; // of the spaces read
+  mutable std::vector<int> byFlat;           // spaces of the flat mesh by first ordinal
   mutable bool flatSorted = false;
 
   eds_Store& Store() const { return *document.ContextID().store; }
@@ -93,6 +94,7 @@ int KvoObjLabeler::Kind() const {
 void KvoObjLabeler::Read() {
   m_impl->spaces.clear();
   m_impl->byOwner.clear();
+  m_impl->byRecord.clear();
   m_impl->flatSorted = false;
   eds_RowTable& rows = m_impl->Store().Rows(eds_RecordKind::LabelSpace);
   for (int64_t id = 1; id <= rows.LastID(); ++id) {
@@ -106,16 +108,18 @@ void KvoObjLabeler::Impl::ReadRecord(int64_t id) {
   if (owner.IsNull() || byOwner.count(owner.Packed()) != 0) damaged(Store(), id);
   Space& space = At(Open(KvoSimPosition(&Store(), owner)));
   space.record = id;
+  byRecord.emplace(id, static_cast<int>(spaces.size()) - 1);
   space.changed = false;
   space.flatFirst = rows.Int(id, eds_LabelSpace_FlatFirst);
   const int64_t count = rows.Int(id, eds_LabelSpace_Count);
   const eds_ObjectID shares = rows.Reference(id, eds_LabelSpace_Shares);
   if (!shares.IsNull()) {
-    auto source = std::find_if(spaces.begin(), spaces.end() - 1,
-                               [&](const Space& each) { return each.record == shares.id; });
-    if (source == spaces.end() - 1 || source->labels->Size() != count) damaged(Store(), id);
-    space.source = static_cast<int>(source - spaces.begin());
-    space.labels = source->labels;
+    auto found = byRecord.find(shares.id);
+    if (found == byRecord.end() || shares.id >= id) damaged(Store(), id);
+    const Space& source = At(found->second);
+    if (source.labels->Size() != count) damaged(Store(), id);
+    space.source = found->second;
+    space.labels = source.labels;
     return;
   }
   const eds_ObjectID array = rows.Reference(id, eds_LabelSpace_Labels);
@@ -161,9 +165,10 @@ void KvoObjLabeler::Impl::SaveSpace(Space& space) {
   if (space.flatFirst >= 0) rows.SetInt(id, eds_LabelSpace_FlatFirst, space.flatFirst);
   rows.SetInt(id, eds_LabelSpace_Count, space.labels->Size());
   if (space.source >= 0) {
-    Space& source = At(space.source);
-    if (source.record == 0) SaveSpace(source);
-    rows.SetReference(id, eds_LabelSpace_Shares, {eds_RecordKind::LabelSpace, source.record});
+    // Its source was opened, and so saved, before it.
+    const int64_t source = At(space.source).record;
+    utl_ASSERT(source != 0 && source < id);
+    rows.SetReference(id, eds_LabelSpace_Shares, {eds_RecordKind::LabelSpace, source});
   } else {
     rows.Unset(id, eds_LabelSpace_Shares);
     SaveLabels(space);

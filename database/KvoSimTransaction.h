@@ -7,7 +7,8 @@
 //
 // The engine gathers the commits of a few milliseconds into one physical commit, always whole
 // transactions in order. A transaction that is destroyed uncommitted (an exception passes through)
-// takes back everything changed since its outermost began.
+// takes back everything changed since its outermost began; handles of what was made meanwhile name
+// nothing then, and labelers are read anew. Changes made outside any transaction go with the next.
 class KvoSimTransaction {
 public:
   explicit KvoSimTransaction(KvoSimContextID context);

@@ -77,11 +77,3 @@ void eds_ChunkStore::Remove(int64_t array) {
   remove.Bind(2, chunkID(array + 1, 0));
   remove.Run();
 }
-
-int64_t eds_ChunkStore::CountBeyond(int64_t lastArray) {
-  eds_Statement count(m_engine, "SELECT count(*) FROM chunk WHERE id >= ? OR id < ?");
-  count.Bind(1, chunkID(lastArray + 1, 0));
-  count.Bind(2, chunkID(1, 0));
-  count.Step();
-  return count.Int(0);
-}

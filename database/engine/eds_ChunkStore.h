@@ -17,8 +17,6 @@ public:
   // Throws unless the array has so many chunks with so many bytes in all. Does not read them.
   void CheckExtent(int64_t array, int64_t chunks, int64_t bytes);
   void Remove(int64_t array);
-  // Chunks that belong to no array up to `lastArray` (a check).
-  int64_t CountBeyond(int64_t lastArray);
 
 private:
   [[noreturn]] void Damaged(int64_t array, const cow_String& what) const;
