@@ -59,12 +59,25 @@ struct KvoObjLabeler::Impl {
   // first.
   eds_LabelMap& Own(int occurrence) {
     Space& space = At(occurrence);
-    if (space.source >= 0 || space.labels.use_count() > 1) {
+    if (space.source < 0 && space.labels.use_count() > 1) PassOn(occurrence);
+    if (space.labels.use_count() > 1)
       space.labels = std::make_shared<eds_LabelMap>(space.labels->Copy());
-      space.source = -1;
-    }
+    space.source = -1;
     space.changed = true;
     return *space.labels;
+  }
+
+  // Those that read a space about to change keep what they read: the first of them becomes its
+  // owner.
+  void PassOn(int occurrence) {
+    int heir = -1;
+    for (int i = 0; i < static_cast<int>(spaces.size()); ++i) {
+      Space& space = At(i);
+      if (space.source != occurrence) continue;
+      space.source = heir;
+      space.changed = true;
+      if (heir < 0) heir = i;
+    }
   }
 
   void ReadRecord(int64_t id);

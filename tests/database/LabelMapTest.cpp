@@ -163,6 +163,37 @@ TEST(Labeler, KeepsSpacesAcrossReopening) {
   EXPECT_EQ(KvoObjLabeler(document, 1).OccurrenceCount(), 0);
 }
 
+// The part gets another node after its instances were placed: they keep what they had.
+TEST(Labeler, SharersOfAChangedSpaceKeepTheirLabels) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  KvoSimTransaction transaction(document.ContextID());
+  KvoObjLabeler labeler(document, 0);
+  for (int i = 0; i < 3; ++i) {
+    const KvoSimPosition owner = document.CreateDataRecord(eds_RecordKind::Instance);
+    if (i > 0) labeler.OpenSharedOccurrence(owner, 0);
+    std::vector<int32_t> ordinals(3);
+    if (i == 0)
+      labeler.AddInstanceLabels(labeler.OpenOccurrence(owner), std::vector<int32_t>{8, 3, 5},
+                                ordinals);
+  }
+  for (bool saved : {false, true}) {
+    if (saved) labeler.Save(transaction);
+    std::vector<int32_t> ordinals(1);
+    labeler.AddInstanceLabels(0, std::vector<int32_t>{saved ? 7 : 6}, ordinals);
+  }
+  labeler.Save(transaction);
+  transaction.Commit();
+  KvoObjLabeler again(document, 0);
+  again.Read();
+  ASSERT_EQ(again.OccurrenceCount(), 3);
+  EXPECT_EQ(again.Size(0), 5);
+  for (int i : {1, 2}) {
+    EXPECT_EQ(again.Size(i), 3);
+    EXPECT_EQ(again.ConvertInstanceLabel(i, 5), 2);
+    EXPECT_EQ(again.ConvertInstanceLabel(i, 6), -1);
+  }
+}
+
 // A space saved as a range and then given labels that break it.
 TEST(Labeler, SavedRangeCanBecomeList) {
   const TemporaryFolder folder;
