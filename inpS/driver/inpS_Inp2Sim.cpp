@@ -82,7 +82,9 @@ bool inpS_Inp2Sim::IsSimDatabaseFeatureEnhanced(const KvoObjDocument& document) 
   return document.GetModel().RetrieveOccurences().size() >= 1;
 }
 
-void inpS_Inp2Sim::SetFeatureEnhanced(bool enhanced) { m_featureEnhanced = enhanced; }
+void inpS_Inp2Sim::SetFeatureEnhanced(bool enhanced) {
+  m_featureEnhanced = enhanced;
+}
 
 void inpS_Inp2Sim::SetUnsupportedFeaturesAsWarnings(bool warnings) {
   m_unsupportedFeaturesAsWarnings = warnings;
@@ -93,9 +95,9 @@ void inpS_Inp2Sim::Print(aio_ostream& out) const {
 }
 
 cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds() {
-  cow_List<inp_KeywordEnm> kinds = {inp_KwHeading,     inp_KwPart,     inp_KwEndPart,
+  cow_List<inp_KeywordEnm> kinds = {inp_KwHeading,     inp_KwPart,        inp_KwEndPart,
                                     inp_KwAssembly,    inp_KwEndAssembly, inp_KwInstance,
-                                    inp_KwEndInstance, inp_KwParameter, inp_KwInclude};
+                                    inp_KwEndInstance, inp_KwParameter,   inp_KwInclude};
   const cow_List<inp_KeywordEnm>& mesh = inpS_MeshVisitor::ModelledKinds();
   kinds.insert(kinds.end(), mesh.begin(), mesh.end());
   return kinds;
@@ -134,8 +136,7 @@ bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) {
   return RunPhases(RestartPhases(), "inp2sim-", labelers);
 }
 
-bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
-                                               const cow_String&) {
+bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document, const cow_String&) {
   m_document = document;
   m_inventory.SetDocument(document);
   Labelers labelers;

@@ -2,8 +2,8 @@
 
 #include "base/aio_ostream.h"
 #include "inpS/framework/inpS_Inventory.h"
-#include "inpS/model/inpS_NotModelled.h"
 #include "inpS/inpS_Export.h"
+#include "inpS/model/inpS_NotModelled.h"
 #include "parser/inp_Keyword.h"
 #include <memory>
 
@@ -12,9 +12,9 @@ class inpS_SurfaceVisitor;
 // The one object through which a host turns a keyword deck into a filled simulation database.
 //
 // The host constructs it, calls Parse, CheckUtf8Compliance, Expand, Reorganize and BuildInventory,
-// each after the previous succeeded, and then one of the three conversions. A conversion never stops
-// at the first problem; every operation returns true when no error was recorded. The first string is
-// the deck's path, the second the folder where relative include files are looked for.
+// each after the previous succeeded, and then one of the three conversions. A conversion never
+// stops at the first problem; every operation returns true when no error was recorded. The first
+// string is the deck's path, the second the folder where relative include files are looked for.
 class INPS_EXPORT inpS_Inp2Sim {
 public:
   inpS_Inp2Sim(const cow_String& deckPath, const cow_String& directory);

@@ -39,7 +39,8 @@ using Driver = inpS_Inp2Sim;
 const Driver::Phase* Driver::Phases() {
   using L = Labelers;
   static constexpr Phase phases[] = {
-      {"initializesim", [](Driver& d, L&) { return d.InitializeSIM(d.m_document, d.m_modelString); }, true},
+      {"initializesim",
+       [](Driver& d, L&) { return d.InitializeSIM(d.m_document, d.m_modelString); }, true},
       {"model", [](Driver& d, L&) { return d.ProcessModel(); }, true},
       {"assembly", [](Driver& d, L&) { return d.ProcessAssembly(); }, true},
       {"nodelabeler", [](Driver& d, L& l) { return d.ReadNodeLabeler(l); }, false},
@@ -123,8 +124,8 @@ bool Driver::InitializeSIM(const KvoObjDocument& document, const cow_String& mod
   mesh.SetElementCollection(elements);
   attach(model, eds_CollectionKind::ElementSet);
   const KvoSimCollection points = document.GetPointCollection();
-  const KvoSimDSet connectivity = document.CreateTypedDSet(
-      eds_DataType::Connectivity, KvoSimGrid{elements, points, nodes});
+  const KvoSimDSet connectivity =
+      document.CreateTypedDSet(eds_DataType::Connectivity, KvoSimGrid{elements, points, nodes});
   mesh.SetConnectivity(connectivity);
   attach(model, eds_CollectionKind::Occurrence);
   attach(at, eds_CollectionKind::Region);
@@ -151,8 +152,8 @@ bool Driver::ProcessModel() {
 bool Driver::ProcessAssembly() {
   inpS_AssemblyVisitor visitor(m_inventory);
   visitor.VisitList(m_keywords);
-  visitor.ReportUnreferredParameters(
-      m_keywords, {inp_KwPart, inp_KwAssembly, inp_KwInstance, inp_KwHeading});
+  visitor.ReportUnreferredParameters(m_keywords,
+                                     {inp_KwPart, inp_KwAssembly, inp_KwInstance, inp_KwHeading});
   visitor.Report();
 
   KeepVerbatim(false);
@@ -207,12 +208,13 @@ bool Driver::ProcessConnectorBehaviors() {
 // A failed mesh is committed as far as it got: element types and beams' extra nodes stay, nodes and
 // elements are not written.
 bool Driver::ProcessMesh(Labelers& labelers) {
+  KvoSimTransaction transaction(m_document.ContextID()); // bulk arrays are stored as they are read
   inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
   mesh.VisitListAndReport(m_keywords);
-  KvoSimTransaction transaction(m_document.ContextID());
   mesh.SaveBeamExtraNodes(transaction);
   mesh.SaveElementTypes(transaction);
   bool good = !mesh.IsError();
+  if (!good) mesh.Discard();
   if (good) {
     mesh.SaveMeshAndUserNodes(transaction);
     mesh.SaveMeshAndUserElements(transaction);
@@ -235,7 +237,9 @@ bool Driver::ProcessSurfaces(Labelers& labelers) {
   return !m_surfaceVisitor->IsError();
 }
 
-bool Driver::ProcessRigidBodies(Labelers& labelers) { return Run<inpS_RigidBodyVisitor>(labelers); }
+bool Driver::ProcessRigidBodies(Labelers& labelers) {
+  return Run<inpS_RigidBodyVisitor>(labelers);
+}
 
 bool Driver::ProcessDistributions(Labelers& labelers) {
   return Run<inpS_DistributionTableVisitor>(labelers) && Run<inpS_DistributionVisitor>(labelers);
@@ -251,7 +255,9 @@ bool Driver::ProcessSections(Labelers& labelers) {
   return Run<inpS_SectionVisitor>(labelers);
 }
 
-bool Driver::ProcessConstraints(Labelers& labelers) { return Run<inpS_ConstraintVisitor>(labelers); }
+bool Driver::ProcessConstraints(Labelers& labelers) {
+  return Run<inpS_ConstraintVisitor>(labelers);
+}
 
 // ---- history
 
@@ -271,7 +277,9 @@ bool Driver::ProcessBoundaryConditions(Labelers& labelers) {
   return Run<inpS_BoundaryVisitor>(labelers);
 }
 
-bool Driver::ProcessLoads(Labelers& labelers) { return Run<inpS_LoadVisitor>(labelers); }
+bool Driver::ProcessLoads(Labelers& labelers) {
+  return Run<inpS_LoadVisitor>(labelers);
+}
 
 bool Driver::ProcessOutput(Labelers&) {
   inpS_OutputVisitor visitor(m_inventory);
@@ -291,11 +299,12 @@ bool Driver::ProcessSurfaceNodalAreas() {
 // ---- restart
 
 bool Driver::ProcessRestartMesh(Labelers& labelers) {
+  KvoSimTransaction transaction(m_document.ContextID());
   inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
   mesh.VisitListAndReport(m_keywords);
   bool good = !mesh.IsError();
-  KvoSimTransaction transaction(m_document.ContextID());
   mesh.SaveElementTypes(transaction);
+  if (!good) mesh.Discard();
   if (good) {
     mesh.SaveMeshAndUserNodes(transaction);
     mesh.SaveMeshAndUserElements(transaction);

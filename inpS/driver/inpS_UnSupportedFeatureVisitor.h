@@ -4,13 +4,14 @@
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/mesh/inpS_BasicElemTypeData.h"
 
-// Reports every keyword, or variant of one, that the simulation database cannot hold. Writes nothing.
+// Reports every keyword, or variant of one, that the simulation database cannot hold. Writes
+// nothing.
 class inpS_UnSupportedFeatureVisitor : public inpS_Visitor {
 public:
   explicit inpS_UnSupportedFeatureVisitor(const KvoObjDocument& document) : m_document(document) {}
 
-  // A converter that skips what it cannot convert sets it: the words of a refusal change, and what can
-  // be skipped becomes a warning.
+  // A converter that skips what it cannot convert sets it: the words of a refusal change, and what
+  // can be skipped becomes a warning.
   void SetErrorsAsWarnings(bool on) { m_errorsAsWarnings = on; }
 
   void VisitDirectCyclic(const inp_Keyword& keyword) override;

@@ -1,7 +1,7 @@
 #include "inpS/framework/inpS_ComponentSets.h"
 #include "base/utl_Assert.h"
-#include "inpS/keywords/inpS_componentUtilities.h"
 #include "inpS/keywords/inpS_Collection.h"
+#include "inpS/keywords/inpS_componentUtilities.h"
 
 const KvoSimCSetID& inpS_ComponentSets::Vector(int dimensions) {
   utl_ASSERT(dimensions > 0 && dimensions < 4);

@@ -21,8 +21,7 @@ bool hasField(const inp_DataArray& data, long long row, int col) {
 
 // A value that is not a number counts as not zero, in every rule on dimensions.
 bool isNonZero(const inp_DataArray& data, long long row, int col) {
-  return hasField(data, row, col) &&
-         !(data.IsNumber(row, col) && data.AsDouble(row, col) == 0.0);
+  return hasField(data, row, col) && !(data.IsNumber(row, col) && data.AsDouble(row, col) == 0.0);
 }
 
 bool isNonZeroField(std::string_view field) {
@@ -113,7 +112,9 @@ const KvoSimCSetID& inpS_Inventory::VectorComponentsCSet() const {
   return Components().Vector(m_dimensions);
 }
 
-const KvoSimCSetID& inpS_Inventory::VectorComponents3DCSet() const { return Components().Vector(3); }
+const KvoSimCSetID& inpS_Inventory::VectorComponents3DCSet() const {
+  return Components().Vector(3);
+}
 
 const KvoSimCSetID& inpS_Inventory::QuaternionComponentsCSet() const {
   return Components().Quaternion();
@@ -157,7 +158,9 @@ void inpS_Inventory::VisitRestart(const inp_Keyword& keyword) {
   }
 }
 
-void inpS_Inventory::VisitStep(const inp_Keyword&) { m_standard = true; }
+void inpS_Inventory::VisitStep(const inp_Keyword&) {
+  m_standard = true;
+}
 
 // An annealing step is treated as explicit whatever its parameters: a deliberate simplification.
 void inpS_Inventory::VisitAnneal(const inp_Keyword&) {
@@ -180,8 +183,12 @@ void inpS_Inventory::VisitEndStep(const inp_Keyword&) {
   if (m_explicit && m_needs3DInExplicit) m_dimensions = 3;
 }
 
-void inpS_Inventory::VisitNcopy(const inp_Keyword&) { m_ncopySeen = true; }
-void inpS_Inventory::VisitElcopy(const inp_Keyword&) { m_elcopySeen = true; }
+void inpS_Inventory::VisitNcopy(const inp_Keyword&) {
+  m_ncopySeen = true;
+}
+void inpS_Inventory::VisitElcopy(const inp_Keyword&) {
+  m_elcopySeen = true;
+}
 
 void inpS_Inventory::VisitHeatTransfer(const inp_Keyword& keyword) {
   const inp_Item* type = keyword.Find("type");
@@ -199,7 +206,8 @@ void inpS_Inventory::VisitNode(const inp_Keyword& keyword) {
   if (m_partOpen) m_hasPartNodes = true;
   if (m_instancesSeen) return;
   CountNodes(keyword.Data().Rows());
-  const bool threeDimensional = m_dimensions == 3 && (!m_partOpen || m_parts[m_openPart].dimensions == 3);
+  const bool threeDimensional =
+      m_dimensions == 3 && (!m_partOpen || m_parts[m_openPart].dimensions == 3);
   if (!threeDimensional && hasNonZeroZ(keyword.Data())) SetDimensions(3);
 }
 
@@ -214,7 +222,9 @@ void inpS_Inventory::VisitElement(const inp_Keyword& keyword) {
   if (info->Is(inp_ElemThreeD)) SetDimensions(3);
 }
 
-void inpS_Inventory::VisitAssemblyElement(const inp_Keyword& keyword) { VisitElement(keyword); }
+void inpS_Inventory::VisitAssemblyElement(const inp_Keyword& keyword) {
+  VisitElement(keyword);
+}
 
 void inpS_Inventory::VisitSurface(const inp_Keyword& keyword) {
   const inp_Item* type = keyword.Find("type");
@@ -258,7 +268,9 @@ void inpS_Inventory::VisitPart(const inp_Keyword& keyword) {
   m_parts.emplace(m_openPart, PartFacts{});
 }
 
-void inpS_Inventory::VisitEndPart(const inp_Keyword&) { m_partOpen = false; }
+void inpS_Inventory::VisitEndPart(const inp_Keyword&) {
+  m_partOpen = false;
+}
 
 void inpS_Inventory::VisitInstance(const inp_Keyword& keyword) {
   m_featureEnhanced = true;

@@ -8,11 +8,17 @@
 class KvoSimCSetID;
 class inpS_ComponentSets;
 
-enum class inpS_RestartKind : int { None = 0, Increment = 1, Interval = 2, Iteration = 3, Cycle = 4 };
+enum class inpS_RestartKind : int {
+  None = 0,
+  Increment = 1,
+  Interval = 2,
+  Iteration = 3,
+  Cycle = 4
+};
 
 // Facts about the whole deck that later phases must know before they meet the keyword concerned.
-// Filled by one walk over the prepared keyword list and only read afterwards; every visitor is given
-// it by const reference. It reports no messages of its own.
+// Filled by one walk over the prepared keyword list and only read afterwards; every visitor is
+// given it by const reference. It reports no messages of its own.
 class inpS_Inventory : public inp_Visitor {
 public:
   inpS_Inventory();

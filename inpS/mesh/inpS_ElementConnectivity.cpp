@@ -1,126 +1,77 @@
 #include "inpS/mesh/inpS_ElementConnectivity.h"
 #include "base/utl_Threads.h"
 #include "database/KvoObjLabeler.h"
+#include "database/KvoSimPosition.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
 #include <mutex>
-#include <set>
+#include <vector>
 
 namespace {
 
 constexpr std::size_t kEntries = 6 << 10; // labels translated at a time: 24 KiB, in the first cache
 
-using Missing = cow_List<std::pair<long long, int>>; // entry, label
-
-// Entry by entry in blocks that stay in the cache, so that random look-ups do not stall a scan.
-Missing translate(utl_Buffer<int>& nodes, const KvoObjLabeler& labeler, int occurrence) {
-  Missing missing;
-  std::mutex guard;
-  const std::size_t blocks = (nodes.Size() + kEntries - 1) / kEntries;
-  constexpr std::size_t kBatch = 64;
-  utl_parallelFor((blocks + kBatch - 1) / kBatch, [&](std::size_t batch) {
-    int labels[kEntries];
-    const std::size_t end = std::min(nodes.Size(), (batch + 1) * kBatch * kEntries);
-    for (std::size_t at = batch * kBatch * kEntries; at < end; at += kEntries) {
-      const std::size_t size = std::min(kEntries, end - at);
-      int* entries = nodes.Data() + at;
-      std::copy_n(entries, size, labels);
-      const std::span<const int> from(labels, size);
-      const long long unknown =
-          labeler.ConvertInstanceLabels(occurrence, from, std::span<int>(entries, size));
-      int least = 1;
-      for (std::size_t n = 0; n < size; ++n) least = std::min(least, labels[n]);
-      if (unknown == 0 && least > 0) continue;
-      const std::lock_guard<std::mutex> lock(guard);
-      for (std::size_t n = 0; n < size; ++n) {
-        // Nodes may be labelled zero or below, but no element can refer to one of those.
-        if (labels[n] <= 0) entries[n] = -1;
-        if (entries[n] < 0) missing.emplace_back(static_cast<long long>(at + n), labels[n]);
-      }
-    }
-  });
-  std::sort(missing.begin(), missing.end());
-  return missing;
-}
-
 } // namespace
 
-void inpS_ElementConnectivity::Append(inpS_ElementTopologyReader& reader, int spec, bool ragged,
-                                      const cow_String& source, long long first,
-                                      const inp_Keyword& keyword) {
-  if (reader.Count() == 0) return;
-  const bool fits = !m_blocks.empty() && m_blocks.back().spec == spec &&
-                    m_blocks.back().width == reader.Width() && m_blocks.back().source == source;
+// ---- while the deck is read
+
+void inpS_ElementConnectivity::CloseLast() {
+  if (!m_writer) return;
+  m_blocks.back().array = m_writer->Finish();
+  m_writer.reset();
+}
+
+inpS_ElementBlock& inpS_ElementConnectivity::BlockFor(const Kind& kind, long long first,
+                                                      const inp_Keyword& keyword,
+                                                      const KvoSimPosition& owner) {
+  const bool fits = !m_blocks.empty() && m_blocks.back().spec == kind.spec &&
+                    m_blocks.back().width == kind.width && m_blocks.back().held == kind.held &&
+                    m_blocks.back().source == kind.source;
   if (!fits) {
+    CloseLast();
     inpS_ElementBlock& block = m_blocks.emplace_back();
-    block.spec = spec;
-    block.width = reader.Width();
-    block.topology = reader.TopologyNodes();
-    block.referenceNode = reader.HasReferenceNodes();
+    block.spec = kind.spec;
+    block.width = block.topology = kind.width;
+    block.source = kind.source;
+    block.held = kind.held;
     block.first = first;
-    block.source = source;
+    if (!kind.held) m_writer.emplace(owner, eds_ValueType::Int32, kind.width);
   }
   inpS_ElementBlock& block = m_blocks.back();
-  const long long before = block.Count();
+  block.from.push_back({keyword, block.count});
+  return block;
+}
+
+void inpS_ElementConnectivity::AppendStreamed(std::span<const int> ordinals,
+                                              std::span<const inpS_OpenEntry> open) {
+  inpS_ElementBlock& block = m_blocks.back();
+  for (const inpS_OpenEntry& entry : open)
+    block.open.push_back({block.count * block.width + entry.entry, entry.label});
+  m_writer->Append(ordinals);
+  block.count += static_cast<long long>(ordinals.size()) / block.width;
+}
+
+void inpS_ElementConnectivity::AppendHeld(inpS_ElementBlock& block,
+                                          inpS_ElementTopologyReader& reader, bool ragged) {
+  block.topology = reader.TopologyNodes();
+  block.referenceNode = reader.HasReferenceNodes();
+  block.ragged = block.ragged || ragged;
   for (inpS_ScopedNode node : reader.ScopedNodes()) {
-    node.element += before;
+    node.element += block.count;
     block.scoped.push_back(std::move(node));
   }
-  block.from.push_back({keyword, before});
-  block.ragged = block.ragged || ragged;
-  if (before == 0)
+  block.count += reader.Count();
+  if (block.nodes.IsEmpty())
     block.nodes = std::move(reader.Nodes());
   else
     block.nodes.Append(std::span<const int>(reader.Nodes()));
 }
 
-void inpS_ElementConnectivity::Resolve(const KvoObjLabeler& nodes, int occurrence,
-                                       const KvoObjLabeler& elements, int elementOccurrence,
-                                       inp_Visitor& messages) {
-  for (inpS_ElementBlock& block : m_blocks) {
-    for (const inpS_ScopedNode& node : block.scoped) // resolved in their instance afterwards
-      block.nodes[static_cast<std::size_t>(node.element * block.width + node.index)] = 0;
-    Missing missing = translate(block.nodes, nodes, occurrence);
-    // There a zero is the place of a node that the element does not have.
-    if (block.ragged) std::erase_if(missing, [](const auto& entry) { return entry.second == 0; });
-    ReportMissing(block, missing, elements, elementOccurrence, messages);
-  }
-}
-
-void inpS_ElementConnectivity::ReportMissing(const inpS_ElementBlock& block, const Missing& missing,
-                                             const KvoObjLabeler& elements, int elementOccurrence,
-                                             inp_Visitor& messages) {
-  std::size_t next = 0;
-  for (std::size_t n = 0; n < block.from.size() && next < missing.size(); ++n) {
-    const long long end =
-        n + 1 < block.from.size() ? block.from[n + 1].firstElement : block.Count();
-    std::set<int> unknown, faulty;
-    for (; next < missing.size() && missing[next].first < end * block.width; ++next) {
-      const auto& [entry, label] = missing[next];
-      if (label > 0)
-        unknown.insert(label);
-      else if (block.first + entry / block.width < elements.Size(elementOccurrence))
-        faulty.insert(
-            elements.GetInstanceLabel(elementOccurrence, block.first + entry / block.width));
-    }
-    const inp_Keyword& keyword = block.from[n].keyword;
-    if (!unknown.empty())
-      messages.AddError(inp_Utils::MessageInKeyword(
-          keyword, "Elements refer to nodes that do not exist: ",
-          cow_List<int>(unknown.begin(), unknown.end())));
-    if (!faulty.empty())
-      messages.AddError(inp_Utils::MessageInKeyword(
-          keyword, inpS_messageText(inpS_mesh_ConnectivityNotPositive,
-                                    {inp_Utils::MessageWithItems(
-                                        "", cow_List<int>(faulty.begin(), faulty.end()))})));
-  }
-}
-
 const inpS_ElementBlock* inpS_ElementConnectivity::BlockOf(long long element) const {
   const auto holds = [element](const inpS_ElementBlock& block) {
-    return element >= block.first && element < block.first + block.Count();
+    return element >= block.first && element < block.first + block.count;
   };
   if (m_lastFound < m_blocks.size() && holds(m_blocks[m_lastFound])) return &m_blocks[m_lastFound];
   const auto behind =
@@ -129,4 +80,119 @@ const inpS_ElementBlock* inpS_ElementConnectivity::BlockOf(long long element) co
   if (behind == m_blocks.begin() || !holds(*(behind - 1))) return nullptr;
   m_lastFound = static_cast<std::size_t>(behind - m_blocks.begin()) - 1;
   return &m_blocks[m_lastFound];
+}
+
+// ---- once it is read
+
+void inpS_ElementConnectivity::Resolve(const KvoObjLabeler& nodes, int occurrence,
+                                       const KvoObjLabeler& elements, int elementOccurrence,
+                                       inp_Visitor& messages) {
+  CloseLast();
+  for (inpS_ElementBlock& block : m_blocks) {
+    if (block.held)
+      ResolveHeld(block, nodes, occurrence);
+    else
+      ResolveOpen(block, nodes, occurrence);
+    ReportOpen(block, elements, elementOccurrence, messages);
+    block.open = {};
+  }
+}
+
+// Entry by entry in blocks that stay in the cache, so that random look-ups do not stall a scan.
+void inpS_ElementConnectivity::ResolveHeld(inpS_ElementBlock& block, const KvoObjLabeler& nodes,
+                                           int occurrence) {
+  for (const inpS_ScopedNode& node : block.scoped) // looked up in their instance afterwards
+    block.nodes[static_cast<std::size_t>(node.element * block.width + node.index)] = 0;
+  std::mutex guard;
+  const std::size_t pieces = (block.nodes.Size() + kEntries - 1) / kEntries;
+  utl_parallelFor(pieces, [&](std::size_t piece) {
+    int labels[kEntries];
+    const std::size_t at = piece * kEntries;
+    const std::size_t size = std::min(kEntries, block.nodes.Size() - at);
+    const std::span<int> entries(block.nodes.Data() + at, size);
+    std::copy(entries.begin(), entries.end(), labels);
+    nodes.ConvertInstanceLabels(occurrence, std::span<const int>(labels, size), entries);
+    for (std::size_t n = 0; n < size; ++n) {
+      // Nodes may be labelled zero or below, but no element can refer to one of those.
+      if (labels[n] <= 0) entries[n] = -1;
+      if (entries[n] >= 0) continue;
+      // Where elements have different numbers of nodes, a zero is the place of one that is not
+      // there.
+      if (labels[n] == 0 && (block.ragged || !block.scoped.empty())) continue;
+      const std::lock_guard<std::mutex> lock(guard);
+      block.open.push_back({static_cast<long long>(at + n), labels[n]});
+    }
+  });
+  std::sort(block.open.begin(), block.open.end(),
+            [](const auto& a, const auto& b) { return a.entry < b.entry; });
+}
+
+// Nodes may stand behind the elements that refer to them. Open entries come in the order of the
+// array, so each stored piece is read and written once.
+void inpS_ElementConnectivity::ResolveOpen(inpS_ElementBlock& block, const KvoObjLabeler& nodes,
+                                           int occurrence) {
+  if (block.open.empty()) return;
+  const auto width = static_cast<long long>(block.width);
+  const long long perPiece = std::max(1LL, (1LL << 18) / width);
+  std::vector<int> piece;
+  std::size_t left = 0;
+  for (std::size_t n = 0; n < block.open.size();) {
+    const long long first = block.open[n].entry / width / perPiece * perPiece;
+    const long long size = std::min(perPiece, block.count - first);
+    piece.resize(static_cast<std::size_t>(size * width));
+    eds_ArrayReader(block.array).ReadPiece(first, std::span<int>(piece));
+    for (; n < block.open.size() && block.open[n].entry < (first + size) * width; ++n) {
+      const inpS_OpenEntry open = block.open[n];
+      const int ordinal = open.label > 0 ? nodes.ConvertInstanceLabel(occurrence, open.label) : -1;
+      piece[static_cast<std::size_t>(open.entry - first * width)] = ordinal;
+      if (ordinal < 0) block.open[left++] = open;
+    }
+    eds_updateArray(block.array, first, std::as_bytes(std::span<const int>(piece)));
+  }
+  block.open.resize(left);
+}
+
+void inpS_ElementConnectivity::ReportOpen(const inpS_ElementBlock& block,
+                                          const KvoObjLabeler& elements, int elementOccurrence,
+                                          inp_Visitor& messages) const {
+  std::size_t next = 0;
+  for (std::size_t n = 0; n < block.from.size() && next < block.open.size(); ++n) {
+    const long long end = n + 1 < block.from.size() ? block.from[n + 1].firstElement : block.count;
+    std::set<int> unknown, faulty;
+    for (; next < block.open.size() && block.open[next].entry < end * block.width; ++next) {
+      const auto& [entry, label] = block.open[next];
+      const long long element = block.first + entry / block.width;
+      if (label > 0)
+        unknown.insert(label);
+      else if (element < elements.Size(elementOccurrence))
+        faulty.insert(elements.GetInstanceLabel(elementOccurrence, element));
+    }
+    const inp_Keyword& keyword = block.from[n].keyword;
+    if (!unknown.empty())
+      messages.AddError(inp_Utils::MessageInKeyword(keyword,
+                                                    "Elements refer to nodes that do not exist: ",
+                                                    cow_List<int>(unknown.begin(), unknown.end())));
+    if (!faulty.empty())
+      messages.AddError(inp_Utils::MessageInKeyword(
+          keyword, inpS_messageText(inpS_mesh_ConnectivityNotPositive,
+                                    {inp_Utils::MessageWithItems(
+                                        "", cow_List<int>(faulty.begin(), faulty.end()))})));
+  }
+}
+
+void inpS_ElementConnectivity::StoreHeld(const KvoSimPosition& owner) {
+  for (inpS_ElementBlock& block : m_blocks) {
+    if (!block.held || block.count == 0) continue;
+    eds_ArrayWriter writer(owner, eds_ValueType::Int32, block.width);
+    writer.Append(std::span<const int>(block.nodes));
+    block.array = writer.Finish();
+  }
+}
+
+void inpS_ElementConnectivity::Discard() {
+  CloseLast();
+  for (inpS_ElementBlock& block : m_blocks) {
+    if (!block.array.IsNull()) block.array.Position().Remove();
+    block.array = {};
+  }
 }

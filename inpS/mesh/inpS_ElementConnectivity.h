@@ -1,57 +1,84 @@
 #pragma once
 
 #include "base/utl_Buffer.h"
+#include "database/eds_Array.h"
 #include "inpS/mesh/inpS_ElementTopologyReader.h"
 #include "parser/inp_Keyword.h"
+#include <optional>
+#include <set>
 
 class KvoObjLabeler;
+class KvoSimPosition;
 class inp_Visitor;
 
-// A run of elements of one type and width. Nodes are labels while the deck is read and ordinals of
-// the owner once they are resolved (-1: no node).
+// Entries of a block that no node was known for when they were read, by entry, with their labels.
+struct inpS_OpenEntry {
+  long long entry;
+  int label;
+};
+
+// A run of elements of one type and width, stored as ordinals of the owner's nodes (-1: no node).
+// Its connectivity goes into its stored array as it is read; where elements need completing first
+// it is held as labels until the deck has been read.
 struct inpS_ElementBlock {
   struct From {
     inp_Keyword keyword;
     long long firstElement; // within the block
   };
-  int spec = 0;         // index into the visitor's element types
+  int spec = 0; // index into the visitor's element types
   int width = 0;
-  int topology = 0;     // nodes that are the element's own; one more is an extra node
+  int topology = 0;           // nodes that are the element's own; one more is an extra node
   bool referenceNode = false; // the extra node is a reference node, not a beam's direction
-  long long first = 0;  // ordinal of the first element within the owner
+  long long first = 0;        // ordinal of the first element within the owner
+  cow_String source;          // parameters of the keyword that the writer gives back
+  bool ragged = false;        // some elements have fewer nodes than width
+  bool held = false;          // in `nodes`, as labels
+  long long count = 0;
   utl_Buffer<int> nodes;
-  cow_String source;    // parameters of the keyword that the writer gives back
-  bool ragged = false;  // some elements have fewer nodes than width
+  eds_ArrayID array;
+  cow_List<inpS_OpenEntry> open;
   cow_List<From> from;
   cow_List<inpS_ScopedNode> scoped; // element counted within the block
-
-  long long Count() const {
-    return width == 0 ? 0 : static_cast<long long>(nodes.Size()) / width;
-  }
 };
 
 // The elements of one owner in deck order, as blocks of equal type and width.
 class inpS_ElementConnectivity {
 public:
-  // Takes over what the reader read; first: ordinal of its first element.
-  void Append(inpS_ElementTopologyReader& reader, int spec, bool ragged, const cow_String& source,
-              long long first, const inp_Keyword& keyword);
+  // What the next elements are, for the block they go to.
+  struct Kind {
+    int spec;
+    int width;
+    cow_String source;
+    bool held;
+  };
+  // The last block when it takes such elements, else a new one that begins at ordinal `first`.
+  inpS_ElementBlock& BlockFor(const Kind& kind, long long first, const inp_Keyword& keyword,
+                              const KvoSimPosition& owner);
+  // Elements of a streamed block: ordinals where known, and the entries that are open.
+  void AppendStreamed(std::span<const int> ordinals, std::span<const inpS_OpenEntry> open);
+  // Elements of a held block: takes over what the reader read.
+  void AppendHeld(inpS_ElementBlock& block, inpS_ElementTopologyReader& reader, bool ragged);
 
   cow_List<inpS_ElementBlock>& Blocks() { return m_blocks; }
   const cow_List<inpS_ElementBlock>& Blocks() const { return m_blocks; }
-  // The block that holds an element; null when none does. Near the last answer at once.
-  const inpS_ElementBlock* BlockOf(long long element) const;
+  const inpS_ElementBlock* BlockOf(long long element) const; // null when none holds it
 
-  // Node labels to ordinals, all cores. Labels that no node has are reported, one message per keyword
-  // with the labels listed.
+  // Looks up what is still labels and stores what is still held. Labels that no node has are
+  // reported, one message per keyword with the labels listed.
   void Resolve(const KvoObjLabeler& nodes, int occurrence, const KvoObjLabeler& elements,
                int elementOccurrence, inp_Visitor& messages);
+  // Stores the held blocks, once nodes named by their instance are in their place.
+  void StoreHeld(const KvoSimPosition& owner);
+  void Discard(); // the mesh failed: takes back what was stored
 
 private:
-  void ReportMissing(const inpS_ElementBlock& block,
-                     const cow_List<std::pair<long long, int>>& missing,
-                     const KvoObjLabeler& elements, int elementOccurrence, inp_Visitor& messages);
+  void CloseLast();
+  void ResolveHeld(inpS_ElementBlock& block, const KvoObjLabeler& nodes, int occurrence);
+  void ResolveOpen(inpS_ElementBlock& block, const KvoObjLabeler& nodes, int occurrence);
+  void ReportOpen(const inpS_ElementBlock& block, const KvoObjLabeler& elements,
+                  int elementOccurrence, inp_Visitor& messages) const;
 
   cow_List<inpS_ElementBlock> m_blocks;
+  std::optional<eds_ArrayWriter> m_writer; // of the last block
   mutable std::size_t m_lastFound = 0;
 };

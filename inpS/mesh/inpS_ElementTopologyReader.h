@@ -1,24 +1,15 @@
 #pragma once
 
 #include "base/utl_Buffer.h"
+#include "inpS/mesh/inpS_ElementFields.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
-#include "parser/inp_Keyword.h"
 
-class inp_Visitor;
 struct inp_ElementRows;
 struct inp_OddRow;
 
-// A node named by its instance ("Inst-1.17") in an element of the assembly.
-struct inpS_ScopedNode {
-  long long element; // position in Labels()
-  int index;         // among its nodes
-  cow_String instance;
-  int label;
-};
-
-// Reads the data lines of one *ELEMENT: labels and node labels, in deck order. Elements with too many
-// or too few nodes are reported in one message each for the keyword; fields that are no labels at
-// their place.
+// Reads the data lines of one *ELEMENT whose elements may differ or need completing: labels and
+// node labels, in deck order. Elements with too many or too few nodes are reported in one message
+// each for the keyword; fields that are no labels at their place.
 class inpS_ElementTopologyReader {
 public:
   inpS_ElementTopologyReader(const inpS_ElementParameters& type, inp_Visitor& messages);
@@ -27,7 +18,7 @@ public:
   void Read(const inp_Keyword& keyword, bool scopedNodes);
 
   long long Count() const { return static_cast<long long>(m_labels.Size()); }
-  int Width() const { return m_width; } // nodes per element; 0 where an element has fewer
+  int Width() const { return m_width; }      // nodes per element; 0 where an element has fewer
   bool IsRagged() const { return m_ragged; } // some elements have fewer nodes than Width()
   // Each element's nodes continue with the columns behind its own: width grows to what is given.
   void Widen(utl_Buffer<int> nodes, int width);
@@ -35,30 +26,26 @@ public:
   utl_Buffer<int>& Nodes() { return m_nodes; }
   const cow_List<inpS_ScopedNode>& ScopedNodes() const { return m_scopedNodes; }
 
-  // Elements may carry one node behind their topology: the orientation node of a beam, the reference
-  // node of an axisymmetric rigid surface or a drag chain. True when some element here does; the node
-  // then stands at index TopologyNodes().
+  // Elements may carry one node behind their topology: the orientation node of a beam, the
+  // reference node of an axisymmetric rigid surface or a drag chain. True when some element here
+  // does; the node then stands at index TopologyNodes().
   bool HasExtraNodes() const { return m_width > TopologyNodes(); }
   bool HasReferenceNodes() const;
   int TopologyNodes() const { return m_topology; }
 
 private:
-  bool ReadOddRow(const inp_Keyword& keyword, const inp_OddRow& odd, const inp_ElementRows& rows,
-                  bool scopedNodes, cow_List<int>& fields);
-  bool ReadScoped(const inp_Keyword& keyword, long long row, int col, cow_List<int>& fields);
-  void TakeRegular(const inp_Keyword& keyword, inp_ElementRows& rows);
-  void Rebuild(const inp_Keyword& keyword, inp_ElementRows& rows, bool scopedNodes);
+  void TakeRegular(inp_ElementRows& rows);
+  void Rebuild(const inp_Keyword& keyword, const inp_ElementRows& rows, bool scopedNodes);
   void Add(int label, const int* nodes, int count);
-  void CheckCounts(const inp_Keyword& keyword) const;
 
   const inpS_ElementParameters& m_type;
   inp_Visitor& m_messages;
+  int m_extra; // nodes that the type asks for besides its topology
   int m_width = 0;
   int m_topology = 0;
   bool m_ragged = false;
   utl_Buffer<int> m_labels;
   utl_Buffer<int> m_nodes;
   cow_List<inpS_ScopedNode> m_scopedNodes;
-  cow_List<int> m_tooMany;
-  cow_List<int> m_tooFew;
+  inpS_FaultyElements m_faulty;
 };

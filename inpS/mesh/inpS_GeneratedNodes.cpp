@@ -12,7 +12,7 @@ constexpr int kGasketNodes = 18;
 // Corners and middles of the bottom and of the top face among the 16 nodes given.
 constexpr int kFaces[2][8] = {{0, 1, 2, 3, 8, 9, 10, 11}, {4, 5, 6, 7, 12, 13, 14, 15}};
 
-const double* pointOf(const inpS_MeshScope& scope, const KvoObjLabeler& labeler, int label) {
+const double* pointOf(inpS_MeshScope& scope, const KvoObjLabeler& labeler, int label) {
   const int ordinal = labeler.ConvertInstanceLabel(scope.nodeOccurrence, label);
   if (ordinal < 0) return nullptr;
   const long long ofPart = scope.part ? scope.part->nodes.Count() : 0;
@@ -24,11 +24,11 @@ void addNode(inpS_MeshScope& scope, KvoObjLabeler& labeler, int label, const dou
   int ordinal = 0;
   labeler.AddInstanceLabels(scope.nodeOccurrence, std::span<const int>(&label, 1),
                             std::span<int>(&ordinal, 1));
-  scope.nodes.Append(point);
+  scope.nodes.AddGenerated(point, scope.owner);
 }
 
 // The middle of an eight-node face: minus a quarter of each corner, half of each middle node.
-bool middleOf(const inpS_MeshScope& scope, const KvoObjLabeler& labeler, const int* nodes,
+bool middleOf(inpS_MeshScope& scope, const KvoObjLabeler& labeler, const int* nodes,
               const int (&face)[8], double middle[3]) {
   std::fill(middle, middle + 3, 0.0);
   for (int n = 0; n < 8; ++n) {
@@ -41,7 +41,7 @@ bool middleOf(const inpS_MeshScope& scope, const KvoObjLabeler& labeler, const i
 
 void completeGasket(inpS_MeshScope& scope, inpS_ElementBlock& block, KvoObjLabeler& labeler,
                     int& largestLabel) {
-  const auto elements = static_cast<std::size_t>(block.Count());
+  const auto elements = static_cast<std::size_t>(block.count);
   utl_Buffer<int> nodes(elements * kGasketNodes);
   for (std::size_t n = 0; n < elements; ++n) {
     const int* given = block.nodes.Data() + n * kGivenGasketNodes;
@@ -101,4 +101,5 @@ void inpS_GeneratedNodes::Complete(inpS_MeshScope& scope, const cow_List<cow_Str
     if (gasket && block.width == kGivenGasketNodes)
       completeGasket(scope, block, labeler, largestLabel);
   }
+  scope.nodes.FinishGenerated();
 }

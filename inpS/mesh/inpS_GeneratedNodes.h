@@ -10,9 +10,9 @@ class KvoObjLabeler;
 // Nodes that elements bring along without the deck listing them.
 class inpS_GeneratedNodes {
 public:
-  // Axisymmetric elements with Fourier modes may give the nodes of their first plane only. The nodes
-  // of plane k are numbered from those by k times the keyword's "offset", 100000 where it is absent,
-  // and lie at the same r and z.
+  // Axisymmetric elements with Fourier modes may give the nodes of their first plane only. The
+  // nodes of plane k are numbered from those by k times the keyword's "offset", 100000 where it is
+  // absent, and lie at the same r and z.
   static void AddFourierPlanes(const inp_Keyword& keyword, const inpS_ElementParameters& type,
                                inpS_ElementTopologyReader& reader, inpS_MeshScope& scope);
 

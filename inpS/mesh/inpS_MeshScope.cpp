@@ -1,7 +1,9 @@
 #include "inpS/mesh/inpS_MeshScope.h"
 #include <algorithm>
 
-inpS_MeshScopes::inpS_MeshScopes() { m_scopes.emplace_back(); }
+inpS_MeshScopes::inpS_MeshScopes() {
+  m_scopes.emplace_back();
+}
 
 inpS_MeshScope& inpS_MeshScopes::Add(inpS_MeshScope::Kind kind, const cow_String& name) {
   inpS_MeshScope& scope = m_scopes.emplace_back();
@@ -26,7 +28,7 @@ void inpS_MeshScopes::AssignFlatOrdinals(long long storedNodes, long long stored
   m_flat.clear();
   for (inpS_MeshScope& scope : m_scopes) {
     long long newElements = 0;
-    for (const inpS_ElementBlock& block : scope.elements.Blocks()) newElements += block.Count();
+    for (const inpS_ElementBlock& block : scope.elements.Blocks()) newElements += block.count;
     const bool copies = scope.part && !scope.isStored;
     const long long newNodes = scope.nodes.Count() + (copies ? scope.part->nodeCount : 0);
     if (copies) newElements += scope.part->elementCount;

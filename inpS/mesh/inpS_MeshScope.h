@@ -12,7 +12,8 @@
 // The mesh of one owner as the deck gives it: the flat model or the assembly (the root), a part, or
 // what an instance holds of its own besides its part's.
 struct inpS_MeshScope {
-  // A node that an element implies: where no node of that label is given, it lies where `from` does.
+  // A node that an element implies: where no node of that label is given, it lies where `from`
+  // does.
   struct ImpliedNode {
     int label;
     int from;
@@ -21,11 +22,11 @@ struct inpS_MeshScope {
   enum class Kind : unsigned char { Root, Part, Instance };
   Kind kind = Kind::Root;
   cow_String name;
-  KvoSimPosition owner;                  // its record
-  const inpS_MeshScope* part = nullptr;  // of an instance
-  inpS_System placement;                 // of an instance
-  inpS_System system;                    // *SYSTEM in force for the nodes that follow
-  int nodeOccurrence = -1;               // in the node labeler
+  KvoSimPosition owner;           // its record
+  inpS_MeshScope* part = nullptr; // of an instance
+  inpS_System placement;          // of an instance
+  inpS_System system;             // *SYSTEM in force for the nodes that follow
+  int nodeOccurrence = -1;        // in the node labeler
   int elementOccurrence = -1;
   inpS_NodeList nodes;
   inpS_ElementConnectivity elements;
@@ -36,12 +37,11 @@ struct inpS_MeshScope {
   bool isStored = false;
   long long storedNodes = 0;
   long long storedElements = 0;
-  long long nodeBase = 0;       // flat ordinals of its first node and element
+  long long nodeBase = 0; // flat ordinals of its first node and element
   long long elementBase = 0;
-  long long nodeCount = 0;      // with the part's
+  long long nodeCount = 0; // with the part's
   long long elementCount = 0;
-  eds_ArrayID coordinates; // once they are stored: what instances share
-  eds_ArrayID normalOrdinals;
+  eds_ArrayID normalOrdinals; // once they are stored: what instances share
   eds_ArrayID normals;
   cow_List<KvoMeshElementBlock> stored;
 };
@@ -56,6 +56,7 @@ public:
   inpS_MeshScope& Add(inpS_MeshScope::Kind kind, const cow_String& name);
   inpS_MeshScope* FindPart(const cow_String& name);
   inpS_MeshScope* FindInstance(const cow_String& name);
+  bool HasInstances() const { return !m_instances.empty(); }
   std::deque<inpS_MeshScope>& All() { return m_scopes; }
 
   // Once everything is read. What the database holds already stays where it is.

@@ -15,7 +15,9 @@
 
 namespace {
 
-bool isPart(const inpS_MeshScope& scope) { return scope.kind == inpS_MeshScope::Kind::Part; }
+bool isPart(const inpS_MeshScope& scope) {
+  return scope.kind == inpS_MeshScope::Kind::Part;
+}
 
 template <class T>
 eds_ArrayID writeArray(const KvoSimPosition& anyObject, std::span<const T> values, int width) {
@@ -60,7 +62,7 @@ void inpS_MeshStore::SaveExtraNodes() {
       for (const inpS_ElementBlock& block : from.elements.Blocks()) {
         if (block.width == block.topology) continue;
         utl_Buffer<int>& pairs = block.referenceNode ? references : beams;
-        for (long long n = 0; n < block.Count(); ++n) {
+        for (long long n = 0; n < block.count; ++n) {
           const int node = block.nodes[static_cast<std::size_t>(n * block.width + block.topology)];
           if (node < 0) continue;
           pairs.Append(static_cast<int>(scope.elementBase + block.first + n));
@@ -78,9 +80,8 @@ void inpS_MeshStore::SaveExtraNodes() {
     list.ExtendSpace(count);
     KvoSimDistribution distribution = m_document.CreateTypedDistribution(
         type, KvoSimGrid{list}, KvoSimRangeType(eds_ValueType::Int32, 2));
-    distribution.AddDrawer(
-        list.CreateCSetStrided(0, count).ID(),
-        writeArray<int>(mesh.Position(), std::span<const int>(pairs), 2));
+    distribution.AddDrawer(list.CreateCSetStrided(0, count).ID(),
+                           writeArray<int>(mesh.Position(), std::span<const int>(pairs), 2));
     return distribution;
   };
   if (!beams.IsEmpty())
@@ -93,13 +94,10 @@ void inpS_MeshStore::SaveExtraNodes() {
 
 void inpS_MeshStore::SaveNodes() {
   for (inpS_MeshScope& scope : m_scopes.All()) {
-    scope.nodes.SortNormals();
     if (!isPart(scope)) m_nodes.SetFlatFirst(scope.nodeOccurrence, scope.nodeBase);
     if (scope.part && !scope.isStored) SaveCopiedNodes(scope, *scope.part);
     SaveOwnNodes(scope);
   }
-  // Instances read their part's coordinates, which therefore went last.
-  for (inpS_MeshScope& scope : m_scopes.All()) scope.nodes.FreeCoordinates();
   SaveUserSets(true);
 }
 
@@ -112,15 +110,13 @@ void inpS_MeshStore::SaveOwnNodes(inpS_MeshScope& scope) {
   block.first = scope.nodeCount - nodes.Count();
   block.count = nodes.Count();
   block.flatFirst = isPart(scope) ? -1 : scope.nodeBase + block.first;
-  block.coordinates =
-      writeArray<double>(scope.owner, std::span<const double>(nodes.Coordinates()), 3);
+  block.coordinates = nodes.Array();
   if (!nodes.NormalOrdinals().IsEmpty()) {
     block.normalOrdinals =
         writeArray<int>(scope.owner, std::span<const int>(nodes.NormalOrdinals()), 1);
     block.normals = writeArray<double>(scope.owner, std::span<const double>(nodes.Normals()), 3);
   }
   mesh.AddNodes(block);
-  scope.coordinates = block.coordinates;
   scope.normalOrdinals = block.normalOrdinals;
   scope.normals = block.normals;
 }
@@ -131,19 +127,18 @@ void inpS_MeshStore::SaveCopiedNodes(const inpS_MeshScope& scope, const inpS_Mes
   block.owner = scope.owner;
   block.count = part.nodes.Count();
   block.flatFirst = scope.nodeBase;
-  block.coordinates = part.coordinates;
+  block.coordinates = part.nodes.Array();
   block.normalOrdinals = part.normalOrdinals;
   block.normals = part.normals;
   if (!scope.placement.IsIdentity()) {
-    constexpr std::size_t kPiece = 3 * (std::size_t{1} << 14);
-    utl_Buffer<double> piece(kPiece);
+    eds_ArrayReader reader(part.nodes.Array());
     eds_ArrayWriter writer(scope.owner, eds_ValueType::Double, 3);
-    const std::span<const double> all(part.nodes.Coordinates());
-    for (std::size_t at = 0; at < all.size(); at += kPiece) {
-      const auto from = all.subspan(at, std::min(kPiece, all.size() - at));
-      const auto to = std::span<double>(piece).first(from.size());
-      scope.placement.Transform(from, to);
-      writer.Append(std::span<const double>(to));
+    utl_Buffer<double> moved;
+    for (long long chunk = 0; chunk < reader.ChunkCount(); ++chunk) {
+      const std::span<const double> from = reader.Chunk<double>(chunk);
+      moved.Resize(from.size());
+      scope.placement.Transform(from, moved);
+      writer.Append(std::span<const double>(moved));
     }
     block.coordinates = writer.Finish();
     if (!part.nodes.NormalOrdinals().IsEmpty()) {
@@ -174,16 +169,14 @@ void inpS_MeshStore::SaveOwnElements(inpS_MeshScope& scope, const cow_List<KvoSi
     stored.owner = scope.owner;
     stored.spec = specs[static_cast<std::size_t>(block.spec)];
     stored.first = block.first;
-    stored.count = block.Count();
+    stored.count = block.count;
     stored.flatFirst = isPart(scope) ? -1 : scope.elementBase + block.first;
     stored.nodeBase = scope.nodeBase;
     stored.width = block.width;
     stored.source = block.source;
-    stored.connectivity =
-        writeArray<int>(scope.owner, std::span<const int>(block.nodes), block.width);
+    stored.connectivity = block.array;
     mesh.AddElements(stored);
     scope.stored.push_back(stored);
-    block.nodes = {};
   }
 }
 
@@ -276,8 +269,7 @@ void inpS_MeshStore::SaveSets(inpS_SetResolver& resolver) {
   for (inpS_MeshScope& scope : m_scopes.All())
     for (const inpS_SetKind kind : {inpS_SetKind::Nodes, inpS_SetKind::Elements})
       for (const inpS_SetDefinition& definition : scope.sets.All())
-        if (definition.kind == kind && !definition.isStored)
-          SaveSet(scope, definition, resolver);
+        if (definition.kind == kind && !definition.isStored) SaveSet(scope, definition, resolver);
 }
 
 void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& definition,

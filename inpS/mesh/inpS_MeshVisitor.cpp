@@ -6,6 +6,7 @@
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
+#include "inpS/mesh/inpS_ElementStream.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
 #include "inpS/mesh/inpS_MeshStore.h"
 #include "inpS/mesh/inpS_NodeReader.h"
@@ -25,8 +26,8 @@ inpS_MeshVisitor::~inpS_MeshVisitor() = default;
 
 const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
   static const cow_List<inp_KeywordEnm> kinds = {
-      inp_KwNode,         inp_KwElement, inp_KwNset,         inp_KwElset,          inp_KwSystem,
-      inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement};
+      inp_KwNode,   inp_KwElement,      inp_KwNset,          inp_KwElset,
+      inp_KwSystem, inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement};
   return kinds;
 }
 
@@ -78,8 +79,8 @@ void inpS_MeshVisitor::ReadStoredSets(inpS_MeshScope& scope) {
     const bool nodes = kind == inpS_SetKind::Nodes;
     const long long base = nodes ? scope.nodeBase : scope.elementBase;
     for (const bool internal : {false, true}) {
-      for (const KvoSimPosition& position : nodes ? mesh.NodeSets(scope.owner, internal)
-                                                  : mesh.ElementSets(scope.owner, internal)) {
+      for (const KvoSimPosition& position :
+           nodes ? mesh.NodeSets(scope.owner, internal) : mesh.ElementSets(scope.owner, internal)) {
         const KvoSimDataRecord record = position.DataRecord();
         inpS_SetDefinition& set = scope.sets.FindOrAdd(
             kind, record.ReturnString(nodes ? eds_NodeSet_Name : eds_ElementSet_Name));
@@ -89,7 +90,7 @@ void inpS_MeshVisitor::ReadStoredSets(inpS_MeshScope& scope) {
         const KvoSimCSet members =
             record.GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
         for (long long n = 0; !members.IsNull() && n < members.Size(); ++n)
-          inpS_addPosition(set, members.Set()[n] - base);
+          inpS_addRun(set, members.Set()[n] - base, 1);
       }
     }
   }
@@ -122,7 +123,7 @@ void inpS_MeshVisitor::VisitInstance(const inp_Keyword& keyword) {
   const KvoSimPosition owner = m_inventory.GetDocument().GetModel().GetOccurence(name->AsString());
   if (owner.IsNull()) return;
   const inp_Item* partName = keyword.Find("part");
-  const inpS_MeshScope* part = partName ? OpenPart(partName->AsString()) : nullptr;
+  inpS_MeshScope* part = partName ? OpenPart(partName->AsString()) : nullptr;
   inpS_MeshScope& instance = m_scopes.Add(inpS_MeshScope::Kind::Instance, name->AsString());
   instance.owner = owner;
   instance.part = part;
@@ -173,33 +174,21 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
     reader.SetCylindricalSystem(system->AsString() == "C");
     reader.SetSphericalSystem(system->AsString() == "S");
   }
-  reader.Read(keyword, scope.system);
-  if (reader.Labels().IsEmpty()) {
-    keyword.Find("nset");
-    return;
+  inpS_SetDefinition* set = nullptr;
+  if (const inp_Item* name = keyword.Find("nset")) {
+    set = &scope.sets.FindOrAdd(inpS_SetKind::Nodes, name->AsString());
+    inpS_beginRuns(*set, keyword);
   }
-  m_largestNodeLabel = std::max(
-      m_largestNodeLabel, *std::max_element(reader.Labels().begin(), reader.Labels().end()));
-  const inpS_NodeList::Merged merged = scope.nodes.Merge(reader, m_nodes, scope.nodeOccurrence);
-  if (!scope.nodes.Refused().IsEmpty()) {
-    const auto& refused = scope.nodes.Refused();
+  m_nodes.Reserve(scope.nodeOccurrence, m_nodes.Size(scope.nodeOccurrence) + keyword.Data().Rows());
+  cow_List<int> refused;
+  reader.Read(keyword, scope.system, [&](const inpS_NodePiece& nodes) {
+    for (const int label : nodes.labels) m_largestNodeLabel = std::max(m_largestNodeLabel, label);
+    scope.nodes.Merge(nodes, m_nodes, scope.nodeOccurrence, scope.owner, set, refused);
+  });
+  if (!refused.empty())
     AddError(inp_Utils::MessageInKeyword(
-        keyword, "These nodes belong to the instance's part and cannot be defined again here: ",
-        cow_List<int>(refused.begin(), refused.end())));
-  }
-  AddNodeSetOf(keyword, scope, reader, merged.first, merged.count, merged.allNew);
-}
-
-void inpS_MeshVisitor::AddNodeSetOf(const inp_Keyword& keyword, inpS_MeshScope& scope,
-                                    inpS_NodeReader& reader, long long first, long long count,
-                                    bool allNew) {
-  const inp_Item* name = keyword.Find("nset");
-  if (!name) return;
-  inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Nodes, name->AsString());
-  if (allNew)
-    inpS_addPositions(set, keyword, first, count);
-  else
-    inpS_addPositions(set, keyword, 0, 0).labels = std::move(reader.Labels());
+        keyword,
+        "These nodes are not this deck section's own and cannot be defined again here: ", refused));
 }
 
 // ---- elements
@@ -232,8 +221,8 @@ int inpS_MeshVisitor::FindElementType(const inpS_ElementParameters& parameters) 
   const auto [known, isNew] =
       m_typeIndex.try_emplace(parameters.Name(), static_cast<int>(m_types.size()));
   if (isNew)
-    m_types.push_back({parameters.Name(), parameters.MinNodesPerElement(),
-                       parameters.MaxNodesPerElement(), {}});
+    m_types.push_back(
+        {parameters.Name(), parameters.MinNodesPerElement(), parameters.MaxNodesPerElement(), {}});
   return known->second;
 }
 
@@ -252,59 +241,90 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   const cow_String type = inp_Utils::Fold(typeItem->AsString());
   if (!CheckElementType(keyword, type)) return;
   const inpS_ElementParameters parameters(m_typeData, type);
+  const inpS_ElementConnectivity::Kind kind = {
+      FindElementType(parameters), parameters.MaxNodesPerElement(),
+      solidNumbering ? "SOLID ELEMENT NUMBERING" : "", false};
+  const long long first = m_elements.Size(scope.elementOccurrence);
+  m_elements.Reserve(scope.elementOccurrence, first + keyword.Data().Rows());
+  LabelFaults faults;
+  // Without any node to refer to, or with nodes named by instance, nothing can be translated yet.
+  const bool mayStream = m_nodes.Size(scope.nodeOccurrence) > 0 &&
+                         !(scope.kind == inpS_MeshScope::Kind::Root && m_scopes.HasInstances());
+  if (mayStream && inpS_ElementStream::Serves(parameters))
+    StreamElements(keyword, scope, parameters, kind, faults);
+  else
+    HoldElements(keyword, scope, parameters, kind, faults);
+  ReportLabels(keyword, faults);
+  const long long count = m_elements.Size(scope.elementOccurrence) - first;
+  if (!elset) return;
+  inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString());
+  inpS_beginRuns(set, keyword);
+  if (count > 0) inpS_addRun(set, first, count);
+}
+
+void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                      const inpS_ElementParameters& parameters,
+                                      const inpS_ElementConnectivity::Kind& kind,
+                                      LabelFaults& faults) {
+  inpS_ElementStream stream(parameters, *this);
+  bool begun = false;
+  stream.Read(keyword, m_nodes, scope.nodeOccurrence, [&](const inpS_ElementStream::Piece& piece) {
+    if (!begun)
+      scope.elements.BlockFor(kind, m_elements.Size(scope.elementOccurrence), keyword, scope.owner);
+    begun = true;
+    LabelElements(scope, piece.labels, faults);
+    scope.elements.AppendStreamed(piece.ordinals, piece.open);
+  });
+}
+
+void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                    const inpS_ElementParameters& parameters,
+                                    inpS_ElementConnectivity::Kind kind, LabelFaults& faults) {
   inpS_ElementTopologyReader reader(parameters, *this);
   reader.Read(keyword, scope.kind == inpS_MeshScope::Kind::Root);
   if (reader.Count() == 0) return;
   if (parameters.IsOffsetElement())
     inpS_GeneratedNodes::AddFourierPlanes(keyword, parameters, reader, scope);
-
+  kind.width = reader.Width();
+  kind.held = true;
   const long long first = m_elements.Size(scope.elementOccurrence);
-  LabelElements(keyword, scope, reader);
-  const long long count = reader.Count();
-  const bool ragged = reader.IsRagged() || parameters.IsConnectorElement();
-  scope.elements.Append(reader, FindElementType(parameters), ragged,
-                        solidNumbering ? "SOLID ELEMENT NUMBERING" : "", first, keyword);
-  if (!elset) return;
-  inpS_addPositions(scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString()), keyword, first,
-                    count);
+  LabelElements(scope, reader.Labels(), faults);
+  inpS_ElementBlock& block = scope.elements.BlockFor(kind, first, keyword, scope.owner);
+  scope.elements.AppendHeld(block, reader, reader.IsRagged() || parameters.IsConnectorElement());
 }
 
 // An element label may be defined once: unlike a node, which is only moved, a second element would
 // silently take the first one's nodes away.
-void inpS_MeshVisitor::LabelElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
-                                     inpS_ElementTopologyReader& reader) {
+void inpS_MeshVisitor::LabelElements(inpS_MeshScope& scope, std::span<const int> labels,
+                                     LabelFaults& faults) {
   constexpr std::size_t kBlock = 1 << 14;
-  const auto& labels = reader.Labels();
   int ordinals[kBlock];
-  cow_List<int> repeated, unlabelled;
-  m_elements.Reserve(scope.elementOccurrence,
-                     m_elements.Size(scope.elementOccurrence) + reader.Count());
-  for (std::size_t begin = 0; begin < labels.Size(); begin += kBlock) {
-    const std::size_t size = std::min(kBlock, labels.Size() - begin);
-    const long long before = m_elements.Size(scope.elementOccurrence);
-    const std::span<const int> block(labels.Data() + begin, size);
+  for (std::size_t begin = 0; begin < labels.size(); begin += kBlock) {
+    const std::span<const int> block =
+        labels.subspan(begin, std::min(kBlock, labels.size() - begin));
+    long long next = m_elements.Size(scope.elementOccurrence);
     const auto fresh = static_cast<std::size_t>(m_elements.AddInstanceLabels(
-        scope.elementOccurrence, block, std::span<int>(ordinals, size)));
-    int least = 1;
-    for (const int label : block) least = std::min(least, label);
-    for (std::size_t n = 0; least <= 0 && n < size; ++n)
-      if (block[n] <= 0) unlabelled.push_back(block[n]);
-    if (fresh == size) continue;
-    long long next = before;
-    for (std::size_t n = 0; n < size; ++n) {
+        scope.elementOccurrence, block, std::span<int>(ordinals, block.size())));
+    for (const int label : block)
+      if (label <= 0) faults.notPositive.push_back(label);
+    if (fresh == block.size()) continue;
+    for (std::size_t n = 0; n < block.size(); ++n) {
       if (ordinals[n] == next)
         ++next;
       else
-        repeated.push_back(block[n]);
+        faults.repeated.push_back(block[n]);
     }
   }
-  if (!unlabelled.empty())
-    AddError(inp_Utils::MessageInKeyword(keyword, "Element labels must be positive integers: ",
-                                         unlabelled));
-  if (!repeated.empty())
+}
+
+void inpS_MeshVisitor::ReportLabels(const inp_Keyword& keyword, const LabelFaults& faults) {
+  if (!faults.notPositive.empty())
+    AddError(inp_Utils::MessageInKeyword(
+        keyword, "Element labels must be positive integers: ", faults.notPositive));
+  if (!faults.repeated.empty())
     AddError(inp_Utils::MessageInKeyword(
         keyword, "Elements are defined more than once; only the first definition counts: ",
-        repeated));
+        faults.repeated));
 }
 
 // ---- sets
@@ -389,9 +409,8 @@ void inpS_MeshVisitor::ResolveScopedNodes(inpS_MeshScope& scope) {
             static_cast<int>(instance->nodeBase + ordinal);
         continue;
       }
-      const auto from = std::find_if(block.from.rbegin(), block.from.rend(), [&](const auto& f) {
-        return f.firstElement <= node.element;
-      });
+      const auto from = std::find_if(block.from.rbegin(), block.from.rend(),
+                                     [&](const auto& f) { return f.firstElement <= node.element; });
       const inp_Keyword& keyword = from->keyword;
       if (!instance)
         Error(keyword, inp_Utils::Format("Instance %s is not defined.", node.instance.c_str()));
@@ -405,16 +424,26 @@ void inpS_MeshVisitor::ResolveScopedNodes(inpS_MeshScope& scope) {
 void inpS_MeshVisitor::Finish() {
   cow_List<cow_String> types;
   for (const ElementType& type : m_types) types.push_back(type.name);
-  for (inpS_MeshScope& scope : m_scopes.All())
+  for (inpS_MeshScope& scope : m_scopes.All()) {
+    scope.nodes.Finish();
     inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
+  }
   m_scopes.AssignFlatOrdinals(m_storedNodes, m_storedElements);
   for (inpS_MeshScope& scope : m_scopes.All())
     scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
                            *this);
   ResolveScopedNodes(m_scopes.Root());
+  for (inpS_MeshScope& scope : m_scopes.All()) scope.elements.StoreHeld(scope.owner);
   m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, *this);
   for (const inpS_MeshScope& scope : m_scopes.All())
     for (const inpS_SetDefinition& set : scope.sets.All()) m_resolver->Members(scope, set);
+}
+
+void inpS_MeshVisitor::Discard() {
+  for (inpS_MeshScope& scope : m_scopes.All()) {
+    scope.nodes.Discard();
+    scope.elements.Discard();
+  }
 }
 
 // ---- writing

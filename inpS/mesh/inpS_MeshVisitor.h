@@ -7,11 +7,10 @@
 #include "inpS/mesh/inpS_SetResolver.h"
 
 class KvoSimTransaction;
-class inpS_NodeReader;
 
-// Converts the mesh: nodes, elements, node and element sets of the model, of parts, of instances and
-// of the assembly. Everything is gathered while the deck is walked, references are resolved when the
-// walk ends, and the Save operations write it.
+// Converts the mesh: nodes, elements, node and element sets of the model, of parts, of instances
+// and of the assembly. Everything is gathered while the deck is walked, references are resolved
+// when the walk ends, and the Save operations write it.
 class inpS_MeshVisitor : public inpS_Visitor {
 public:
   inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
@@ -37,6 +36,7 @@ public:
   void SaveMeshAndUserNodes(KvoSimTransaction& transaction);
   void SaveMeshAndUserElements(KvoSimTransaction& transaction);
   void SaveSets(KvoSimTransaction& transaction);
+  void Discard(); // after an error: takes back what was stored of nodes and elements
 
   inpS_MeshScopes& Scopes() { return m_scopes; }
   int LargestNodeLabel() const { return m_largestNodeLabel; }
@@ -48,6 +48,10 @@ private:
     int maxNodes = 0;
     KvoSimPosition spec;
   };
+  struct LabelFaults { // of one keyword's elements
+    cow_List<int> notPositive;
+    cow_List<int> repeated;
+  };
 
   inpS_MeshScope* ScopeOf(const inp_Keyword& keyword); // null: it belongs to a refused instance
   inpS_MeshScope* OpenPart(const cow_String& name);
@@ -57,15 +61,19 @@ private:
   bool MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope);
   bool Skip(const inp_Keyword& keyword);
 
-  void AddNodeSetOf(const inp_Keyword& keyword, inpS_MeshScope& scope, inpS_NodeReader& reader,
-                    long long first, long long count, bool allNew);
   void ReadSet(const inp_Keyword& keyword, inpS_SetKind kind, const char* nameParameter);
   bool FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
                        cow_String& instance);
   int FindElementType(const inpS_ElementParameters& parameters);
   bool CheckElementType(const inp_Keyword& keyword, const cow_String& type);
-  void LabelElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
-                     inpS_ElementTopologyReader& reader);
+  void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                      const inpS_ElementParameters& parameters,
+                      const inpS_ElementConnectivity::Kind& kind, LabelFaults& faults);
+  void HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                    const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
+                    LabelFaults& faults);
+  void LabelElements(inpS_MeshScope& scope, std::span<const int> labels, LabelFaults& faults);
+  void ReportLabels(const inp_Keyword& keyword, const LabelFaults& faults);
   void ResolveScopedNodes(inpS_MeshScope& scope);
   void Finish();
 

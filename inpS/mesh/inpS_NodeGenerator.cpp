@@ -1,7 +1,5 @@
 #include "inpS/mesh/inpS_NodeGenerator.h"
-#include "base/utl_Threads.h"
 #include "inpS/framework/inpS_System.h"
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -9,7 +7,9 @@ namespace {
 constexpr double kRadians = 3.141592653589793 / 180.0;
 constexpr double kZeroBelow = 1e-12;
 
-double snapped(double value) { return std::fabs(value) < kZeroBelow ? 0.0 : value; }
+double snapped(double value) {
+  return std::fabs(value) < kZeroBelow ? 0.0 : value;
+}
 
 } // namespace
 
@@ -31,24 +31,9 @@ void inpS_NodeGenerator::ToRectangular(double point[3]) const {
   if (m_spherical) SphericalToRectangular(point);
 }
 
-void inpS_NodeGenerator::ConvertCoordinates(const inpS_System& system) {
-  const bool rectangular = !m_cylindrical && !m_spherical;
-  if (rectangular && system.IsIdentity()) return;
-  constexpr std::size_t kBlock = 1 << 14;
-  const std::size_t nodes = m_labels.Size();
-  utl_parallelFor((nodes + kBlock - 1) / kBlock, [&](std::size_t block) {
-    const std::size_t end = std::min(nodes, (block + 1) * kBlock);
-    for (std::size_t n = block * kBlock; n < end; ++n) {
-      double* point = m_coordinates.Data() + 3 * n;
-      ToRectangular(point);
-      if (!system.IsIdentity()) system.TransformPoint(point[0], point[1], point[2]);
-    }
-  });
-}
-
-utl_Buffer<int> inpS_NodeGenerator::NormalLabels() const {
-  utl_Buffer<int> labels;
-  for (const long long position : m_normalPositions)
-    labels.Append(m_labels[static_cast<std::size_t>(position)]);
-  return labels;
+void inpS_NodeGenerator::ConvertPoints(std::span<double> coordinates,
+                                       const inpS_System& system) const {
+  if (m_cylindrical || m_spherical)
+    for (std::size_t n = 0; n + 2 < coordinates.size(); n += 3) ToRectangular(&coordinates[n]);
+  system.Transform(coordinates);
 }

@@ -1,83 +1,130 @@
 #include "inpS/mesh/inpS_NodeList.h"
 #include "database/KvoObjLabeler.h"
+#include "database/KvoSimPosition.h"
 #include "inpS/mesh/inpS_NodeGenerator.h"
+#include "inpS/sets/inpS_SetDefinition.h"
 #include <algorithm>
 #include <numeric>
-#include <vector>
 
 namespace {
 
-constexpr std::size_t kBlock = 1 << 14; // labels looked up at a time; their ordinals stay in cache
-
-void copyPoint(const double* from, double* to) {
-  if (from != to) std::copy(from, from + 3, to);
-}
+constexpr std::size_t kMostMoved = std::size_t{1} << 20; // 32 MB
 
 } // namespace
 
-const double* inpS_NodeList::Point(long long ordinal) const {
-  return m_coordinates.Data() + 3 * static_cast<std::size_t>(ordinal - m_base);
+void inpS_NodeList::Open(const KvoSimPosition& owner) {
+  if (!m_writer) m_writer.emplace(owner, eds_ValueType::Double, 3);
 }
 
-inpS_NodeList::Merged inpS_NodeList::Merge(inpS_NodeGenerator& nodes, KvoObjLabeler& labeler,
-                                           int occurrence) {
-  const std::size_t count = nodes.Labels().Size();
-  Merged merged{labeler.Size(occurrence), static_cast<long long>(count), true};
-  m_refused.Clear();
-  labeler.Reserve(occurrence, merged.first + merged.count);
-  // The first keyword's array becomes the list: what follows only moves points to the front of it.
-  const bool take = m_coordinates.IsEmpty();
-  if (take) m_coordinates = std::move(nodes.Coordinates());
-  const double* source = take ? m_coordinates.Data() : nodes.Coordinates().Data();
+void inpS_NodeList::Merge(const inpS_NodePiece& nodes, KvoObjLabeler& labeler, int occurrence,
+                          const KvoSimPosition& owner, inpS_SetDefinition* set,
+                          cow_List<int>& refused) {
+  if (nodes.labels.empty()) return;
+  Open(owner);
+  m_ordinals.Resize(nodes.labels.size());
+  const std::span<int> ordinals(m_ordinals);
+  const long long before = labeler.Size(occurrence);
+  const auto fresh = labeler.AddInstanceLabels(occurrence, nodes.labels, ordinals);
+  const bool allNew = fresh == static_cast<long long>(nodes.labels.size());
+  if (allNew) {
+    m_writer->Append(nodes.coordinates);
+    m_count += fresh;
+    if (set) inpS_addRun(*set, before, fresh);
+  } else {
+    Scatter(nodes, ordinals, set, refused);
+  }
+  MergeNormals(nodes, ordinals, allNew);
+}
 
-  int ordinals[kBlock];
-  for (std::size_t begin = 0; begin < count; begin += kBlock) {
-    const std::size_t size = std::min(kBlock, count - begin);
-    const std::span<const int> labels(nodes.Labels().Data() + begin, size);
-    const long long before = labeler.Size(occurrence);
-    const auto fresh = static_cast<std::size_t>(
-        labeler.AddInstanceLabels(occurrence, labels, std::span<int>(ordinals, size)));
-    const auto points = static_cast<std::size_t>(before - m_base);
-    if (!take) m_coordinates.Resize(3 * (points + fresh));
-    double* target = m_coordinates.Data();
-    if (fresh == size) {
-      if (source + 3 * begin != target + 3 * points)
-        std::memmove(target + 3 * points, source + 3 * begin, size * 3 * sizeof(double));
+void inpS_NodeList::Scatter(const inpS_NodePiece& nodes, std::span<const int> ordinals,
+                            inpS_SetDefinition* set, cow_List<int>& refused) {
+  for (std::size_t n = 0; n < ordinals.size(); ++n) {
+    const long long at = ordinals[n] - m_base;
+    if (at < 0) {
+      refused.push_back(nodes.labels[n]);
       continue;
     }
-    merged.allNew = false;
-    for (std::size_t n = 0; n < size; ++n) {
-      if (ordinals[n] < m_base)
-        m_refused.Append(labels[n]);
-      else
-        copyPoint(source + 3 * (begin + n),
-                  target + 3 * static_cast<std::size_t>(ordinals[n] - m_base));
+    if (set) inpS_addRun(*set, ordinals[n], 1);
+    const std::span<const double> point = nodes.coordinates.subspan(3 * n, 3);
+    if (at == m_count) {
+      m_writer->Append(point);
+      ++m_count;
+    } else {
+      m_moved.push_back({static_cast<int>(at), {point[0], point[1], point[2]}});
     }
   }
-  m_coordinates.Resize(3 * static_cast<std::size_t>(labeler.Size(occurrence) - m_base));
-  MergeNormals(nodes, labeler, occurrence, merged.allNew);
-  return merged;
+  if (m_moved.size() > kMostMoved) FlushMoved();
 }
 
-void inpS_NodeList::MergeNormals(inpS_NodeGenerator& nodes, const KvoObjLabeler& labeler,
-                                 int occurrence, bool allNew) {
+void inpS_NodeList::FlushMoved() {
+  std::stable_sort(m_moved.begin(), m_moved.end(),
+                   [](const Moved& a, const Moved& b) { return a.at < b.at; });
+  for (const Moved& node : m_moved)
+    m_writer->Overwrite(node.at, std::span<const double>(node.point));
+  m_moved.clear();
+}
+
+void inpS_NodeList::MergeNormals(const inpS_NodePiece& nodes, std::span<const int> ordinals,
+                                 bool allNew) {
   const bool mayClear = !allNew && !m_normalOrdinals.IsEmpty();
-  if (!nodes.HasNormals() && !mayClear) return;
-  std::size_t next = 0;
+  if (nodes.normalAt.empty() && !mayClear) return;
   const auto add = [&](std::size_t row, const double* normal) {
-    const int ordinal = labeler.ConvertInstanceLabel(occurrence, nodes.Labels()[row]);
-    if (ordinal < m_base) return;
-    m_normalOrdinals.Append(static_cast<int>(ordinal - m_base));
+    if (ordinals[row] < m_base) return;
+    m_normalOrdinals.Append(static_cast<int>(ordinals[row] - m_base));
     m_normals.Append({normal, 3});
   };
   constexpr double none[3] = {};
-  const auto& positions = nodes.NormalPositions();
-  for (std::size_t row = 0; mayClear && row < nodes.Labels().Size(); ++row) {
-    const bool hasNormal = next < positions.Size() && positions[next] == static_cast<long long>(row);
-    add(row, hasNormal ? nodes.Normals().Data() + 3 * next++ : none);
+  std::size_t next = 0;
+  for (std::size_t row = 0; mayClear && row < ordinals.size(); ++row) {
+    const bool hasNormal = next < nodes.normalAt.size() && nodes.normalAt[next] == row;
+    add(row, hasNormal ? &nodes.normals[3 * next++] : none);
   }
-  for (; next < positions.Size(); ++next)
-    add(static_cast<std::size_t>(positions[next]), nodes.Normals().Data() + 3 * next);
+  for (; next < nodes.normalAt.size(); ++next) add(nodes.normalAt[next], &nodes.normals[3 * next]);
+}
+
+// ---- the end
+
+void inpS_NodeList::Finish() {
+  if (!m_writer) return;
+  FlushMoved();
+  m_array = m_writer->Finish();
+  m_writer.reset();
+  m_moved = {};
+  m_ordinals = {};
+  m_given = m_count;
+  SortNormals();
+}
+
+const double* inpS_NodeList::Point(long long ordinal) {
+  if (m_points.IsEmpty()) {
+    m_points.Resize(3 * static_cast<std::size_t>(m_count));
+    eds_ArrayReader(m_array).ReadPiece(0, std::span<double>(m_points));
+  }
+  return m_points.Data() + 3 * static_cast<std::size_t>(ordinal - m_base);
+}
+
+void inpS_NodeList::AddGenerated(const double point[3], const KvoSimPosition& owner) {
+  if (m_array.IsNull()) {
+    Open(owner); // everything else stands in the part
+    m_array = m_writer->Finish();
+    m_writer.reset();
+  }
+  m_points.Append({point, 3});
+  ++m_count;
+}
+
+void inpS_NodeList::FinishGenerated() {
+  if (m_count > m_given)
+    eds_updateArray(m_array, m_given,
+                    std::as_bytes(std::span<const double>(m_points).subspan(
+                        3 * static_cast<std::size_t>(m_given))));
+  m_given = m_count;
+  m_points = {};
+}
+
+void inpS_NodeList::Discard() {
+  if (!m_array.IsNull()) m_array.Position().Remove();
+  m_array = {};
 }
 
 void inpS_NodeList::SortNormals() {
@@ -90,7 +137,8 @@ void inpS_NodeList::SortNormals() {
   utl_Buffer<double> normals;
   for (std::size_t n = 0; n < order.size(); ++n) {
     const std::size_t at = order[n];
-    const bool last = n + 1 == order.size() || m_normalOrdinals[order[n + 1]] != m_normalOrdinals[at];
+    const bool last =
+        n + 1 == order.size() || m_normalOrdinals[order[n + 1]] != m_normalOrdinals[at];
     const double* normal = m_normals.Data() + 3 * at;
     if (!last || (normal[0] == 0 && normal[1] == 0 && normal[2] == 0)) continue;
     ordinals.Append(m_normalOrdinals[at]);

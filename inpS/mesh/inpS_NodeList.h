@@ -1,48 +1,67 @@
 #pragma once
 
+#include "base/cow_Value.h"
 #include "base/utl_Buffer.h"
+#include "database/eds_Array.h"
+#include <optional>
+#include <vector>
 
 class KvoObjLabeler;
-class inpS_NodeGenerator;
+class KvoSimPosition;
+struct inpS_NodePiece;
+struct inpS_SetDefinition;
 
-// The nodes of one owner (part, instance, assembly, flat model) in order of first definition. Labels
-// live in the node labeler; here are the coordinates by ordinal and the normals.
+// The nodes of one owner (part, instance, assembly, flat model) in order of first definition.
+// Labels live in the node labeler; coordinates go into their stored array as they are read, so that
+// a mesh of any size needs no memory of its own.
 class inpS_NodeList {
 public:
-  // What one keyword's nodes became.
-  struct Merged {
-    long long first = 0; // ordinals first … first + count - 1 when all were new
-    long long count = 0;
-    bool allNew = true;
-  };
-
-  // base: ordinals below it belong to the instance's part and cannot be defined again here.
+  // base: ordinals below it belong to the instance's part, or to what a restart found, and cannot
+  // be defined again here.
   void SetBase(long long base) { m_base = base; }
 
   // A label already known is overwritten in place: the last definition of a label wins, its first
-  // position is kept. The generator's labels stay as they are, its coordinates are taken.
-  Merged Merge(inpS_NodeGenerator& nodes, KvoObjLabeler& labeler, int occurrence);
-  // Labels of this keyword's nodes that belong to the instance's part.
-  const utl_Buffer<int>& Refused() const { return m_refused; }
+  // position is kept. The nodes also go into the set, if one is given. Labels of nodes below the
+  // base are added to `refused`.
+  void Merge(const inpS_NodePiece& nodes, KvoObjLabeler& labeler, int occurrence,
+             const KvoSimPosition& owner, inpS_SetDefinition* set, cow_List<int>& refused);
 
-  long long Count() const { return static_cast<long long>(m_coordinates.Size() / 3); }
-  const utl_Buffer<double>& Coordinates() const { return m_coordinates; } // 3 each, from base on
-  const double* Point(long long ordinal) const;
-  void Append(const double point[3]) { m_coordinates.Append({point, 3}); }
-  void FreeCoordinates() { m_coordinates = {}; }
+  long long Count() const { return m_count; } // without those below the base
 
-  // Normals by ascending ordinal, the last one of each node; 3 values each.
-  void SortNormals();
+  // Once all keywords are read. The array is null when there are no nodes.
+  void Finish();
+  const eds_ArrayID& Array() const { return m_array; }
+  // All coordinates, for those few who need points at random; read once.
+  const double* Point(long long ordinal);
+  // A node that an element brings along; behind Finish.
+  void AddGenerated(const double point[3], const KvoSimPosition& owner);
+  void FinishGenerated();
+  void Discard(); // the mesh failed: takes back what was stored
+
+  // Normals by ascending ordinal within this list, the last one of each node; 3 values each.
   const utl_Buffer<int>& NormalOrdinals() const { return m_normalOrdinals; }
   const utl_Buffer<double>& Normals() const { return m_normals; }
 
 private:
-  void MergeNormals(inpS_NodeGenerator& nodes, const KvoObjLabeler& labeler, int occurrence,
-                    bool allNew);
+  struct Moved {
+    int at; // within this list
+    double point[3];
+  };
+  void Open(const KvoSimPosition& owner);
+  void Scatter(const inpS_NodePiece& nodes, std::span<const int> ordinals, inpS_SetDefinition* set,
+               cow_List<int>& refused);
+  void FlushMoved();
+  void MergeNormals(const inpS_NodePiece& nodes, std::span<const int> ordinals, bool allNew);
+  void SortNormals();
 
   long long m_base = 0;
-  utl_Buffer<double> m_coordinates;
+  long long m_count = 0;
+  std::optional<eds_ArrayWriter> m_writer;
+  eds_ArrayID m_array;
+  std::vector<Moved> m_moved;  // nodes defined again, written together: they may lie anywhere
+  utl_Buffer<double> m_points; // by Point
+  long long m_given = 0;       // without the generated ones
+  utl_Buffer<int> m_ordinals;  // of the piece at hand
   utl_Buffer<int> m_normalOrdinals;
   utl_Buffer<double> m_normals; // all zero: the node was defined again without one
-  utl_Buffer<int> m_refused;
 };

@@ -17,33 +17,36 @@ constexpr double kUnitLength = 1e-14;
 
 } // namespace
 
-void inpS_NodeReader::Read(const inp_Keyword& keyword, const inpS_System& system) {
-  inp_NodeRows rows;
-  inp_decodeNodes(keyword.Data(), rows);
-  m_labels = std::move(rows.labels);
-  m_coordinates = std::move(rows.coords);
-
-  cow_List<std::size_t> unreadable;
-  for (const inp_OddRow& odd : rows.odd) {
-    const auto slot = static_cast<std::size_t>(odd.slot);
-    if (!ReadOddRow(keyword, odd.row, slot)) unreadable.push_back(slot);
-  }
-  Remove(unreadable);
-  ConvertCoordinates(system);
-  FinishNormals(system);
+void inpS_NodeReader::Read(const inp_Keyword& keyword, const inpS_System& system,
+                           const inpS_NodeSink& sink) {
+  inp_streamNodes(
+      keyword.Data(), [&](const inp_NodePiece& piece) { ConvertPoints(piece.coords, system); },
+      [&](const inp_NodePiece& piece) { TakePiece(keyword, system, piece, sink); });
 }
 
-bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, long long row, std::size_t slot) {
+void inpS_NodeReader::TakePiece(const inp_Keyword& keyword, const inpS_System& system,
+                                const inp_NodePiece& piece, const inpS_NodeSink& sink) {
+  m_unreadable.clear();
+  m_normalAt.clear();
+  m_normals.clear();
+  for (const inp_OddRow& odd : piece.odd)
+    if (!ReadOddRow(keyword, system, odd, piece))
+      m_unreadable.push_back(static_cast<std::size_t>(odd.slot));
+  const std::size_t count = Remove(piece);
+  sink({piece.labels.first(count), piece.coords.first(3 * count), m_normalAt, m_normals});
+}
+
+bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, const inpS_System& system,
+                                 const inp_OddRow& odd, const inp_NodePiece& piece) {
   const inp_DataArray& data = keyword.Data();
-  if (data.Type(row, 0) != inp_FieldType::Integer ||
-      std::llabs(data.AsInt64(row, 0)) > kMaxLabel) {
+  const long long row = odd.row;
+  if (data.Type(row, 0) != inp_FieldType::Integer || std::llabs(data.AsInt64(row, 0)) > kMaxLabel) {
     m_messages.AddError(inp_Utils::MessageAtField(
         keyword, row, 0,
         "\"" + data.AsStringVerbatim(row, 0) +
             "\" is no node label: an integer of at most 999999999 was expected; line ignored."));
     return false;
   }
-  m_labels[slot] = data.AsInt(row, 0);
   double values[kValues] = {};
   const int cols = data.Cols(row);
   for (int col = 1; col < cols; ++col) {
@@ -58,48 +61,44 @@ bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, long long row, std:
     }
     values[col - 1] = data.AsDouble(row, col);
   }
-  std::copy(values, values + 3, m_coordinates.Data() + 3 * slot);
-  if (cols > 4) ReadNormal(values + 3, slot);
+  const auto slot = static_cast<std::size_t>(odd.slot);
+  piece.labels[slot] = data.AsInt(row, 0);
+  const std::span<double> point = piece.coords.subspan(3 * slot, 3);
+  std::copy(values, values + 3, point.begin());
+  ConvertPoints(point, system);
+  if (cols > 4) AddNormal(values + 3, slot, system);
   return true;
-}
-
-void inpS_NodeReader::ReadNormal(const double values[3], std::size_t slot) {
-  if (values[0] == 0.0 && values[1] == 0.0 && values[2] == 0.0) return;
-  m_normalPositions.Append(static_cast<long long>(slot));
-  for (int i = 0; i < 3; ++i) m_normals.Append(values[i]);
-}
-
-void inpS_NodeReader::Remove(const cow_List<std::size_t>& slots) {
-  if (slots.empty()) return;
-  std::size_t kept = slots.front(), next = 0, normal = 0;
-  while (normal < m_normalPositions.Size() &&
-         static_cast<std::size_t>(m_normalPositions[normal]) < kept)
-    ++normal;
-  for (std::size_t from = kept; from < m_labels.Size(); ++from) {
-    if (next < slots.size() && slots[next] == from) {
-      ++next;
-      continue;
-    }
-    m_labels[kept] = m_labels[from];
-    std::copy_n(m_coordinates.Data() + 3 * from, 3, m_coordinates.Data() + 3 * kept);
-    if (normal < m_normalPositions.Size() &&
-        static_cast<std::size_t>(m_normalPositions[normal]) == from)
-      m_normalPositions[normal++] = static_cast<long long>(kept);
-    ++kept;
-  }
-  m_labels.Resize(kept);
-  m_coordinates.Resize(3 * kept);
 }
 
 // The local direction is converted as the coordinates are, scaled to unit length and turned by the
 // current coordinate system.
-void inpS_NodeReader::FinishNormals(const inpS_System& system) {
-  for (std::size_t n = 0; n < m_normalPositions.Size(); ++n) {
-    double* normal = m_normals.Data() + 3 * n;
-    ToRectangular(normal);
-    const double length = std::hypot(normal[0], normal[1], normal[2]);
-    if (std::fabs(length - 1.0) > kUnitLength)
-      for (int i = 0; i < 3; ++i) normal[i] /= length;
-    system.TransformVector(normal[0], normal[1], normal[2]);
+void inpS_NodeReader::AddNormal(const double values[3], std::size_t slot,
+                                const inpS_System& system) {
+  if (values[0] == 0.0 && values[1] == 0.0 && values[2] == 0.0) return;
+  double normal[3] = {values[0], values[1], values[2]};
+  ToRectangular(normal);
+  const double length = std::hypot(normal[0], normal[1], normal[2]);
+  if (std::fabs(length - 1.0) > kUnitLength && length > 0)
+    for (double& component : normal) component /= length;
+  system.TransformVector(normal[0], normal[1], normal[2]);
+  m_normalAt.push_back(slot);
+  m_normals.insert(m_normals.end(), normal, normal + 3);
+  m_hasNormals = true;
+}
+
+// Closes the gaps that unreadable lines leave; returns how many nodes remain.
+std::size_t inpS_NodeReader::Remove(const inp_NodePiece& piece) {
+  if (m_unreadable.empty()) return piece.labels.size();
+  std::size_t kept = m_unreadable.front(), next = 0;
+  for (std::size_t from = kept; from < piece.labels.size(); ++from) {
+    if (next < m_unreadable.size() && m_unreadable[next] == from) {
+      ++next;
+      continue;
+    }
+    piece.labels[kept] = piece.labels[from];
+    std::copy_n(&piece.coords[3 * from], 3, &piece.coords[3 * kept]);
+    std::replace(m_normalAt.begin(), m_normalAt.end(), from, kept);
+    ++kept;
   }
+  return kept;
 }

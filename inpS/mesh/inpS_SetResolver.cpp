@@ -4,6 +4,7 @@
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -21,6 +22,25 @@ long long baseOf(const inpS_MeshScope& scope, inpS_SetKind kind) {
 const char* nounOf(inpS_SetKind kind) {
   return kind == inpS_SetKind::Nodes ? "nodes" : "elements";
 }
+
+// Stored connectivity, looked at element by element: the piece at hand is kept.
+class inpS_ElementNodes {
+public:
+  std::span<const int> Of(const inpS_ElementBlock& block, long long element) {
+    if (&block != m_block) {
+      m_reader.emplace(block.array);
+      m_block = &block;
+    }
+    const long long perChunk = m_reader->ItemsPerChunk();
+    const std::span<const int> chunk = m_reader->Chunk<int>(element / perChunk);
+    const auto width = static_cast<std::size_t>(block.width);
+    return chunk.subspan(static_cast<std::size_t>(element % perChunk) * width, width);
+  }
+
+private:
+  const inpS_ElementBlock* m_block = nullptr;
+  std::optional<eds_ArrayReader> m_reader;
+};
 
 } // namespace
 
@@ -43,8 +63,7 @@ struct inpS_SetResolver::Gathered {
 
   void Add(long long ordinal) {
     const int value = static_cast<int>(ordinal);
-    if (!runs.empty() && runs.back().stride == 1 &&
-        runs.back().first + runs.back().count == value)
+    if (!runs.empty() && runs.back().stride == 1 && runs.back().first + runs.back().count == value)
       ++runs.back().count;
     else
       runs.push_back({value, 1, 1});
@@ -127,8 +146,9 @@ void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinit
   ReportMissing(set, gathered);
   if (gathered.unread)
     m_messages.AddError(inp_Utils::MessageInKeyword(
-        set.keywords.back(), "The nodes of elements that the model held before the restart cannot be "
-                             "taken into a set; they are left out."));
+        set.keywords.back(),
+        "The nodes of elements that the model held before the restart cannot be "
+        "taken into a set; they are left out."));
   Result& result = m_results[&set];
   result.members = gathered.Members(set.unsorted);
   result.state = State::Done;
@@ -138,7 +158,8 @@ inpS_MeshScope* inpS_SetResolver::InstanceOf(const inpS_SetDefinition& set, cons
                                              bool report) {
   inpS_MeshScope* instance = m_scopes.FindInstance(entry.instance);
   if (!instance && report)
-    ReportEntry(set, entry, inp_Utils::Format("Instance %s is not defined.", entry.instance.c_str()));
+    ReportEntry(set, entry,
+                inp_Utils::Format("Instance %s is not defined.", entry.instance.c_str()));
   return instance;
 }
 
@@ -155,11 +176,11 @@ inpS_SetResolver::Target inpS_SetResolver::Find(const inpS_MeshScope& scope, inp
     if (const inpS_SetDefinition* ofPart = owner->part->sets.Find(kind, entry.name))
       return {owner->part, ofPart, baseOf(*owner, kind)};
   if (report)
-    ReportEntry(set, entry,
-                inpS_messageText(kind == inpS_SetKind::Nodes ? inpS_mesh_NodeSetUnknown
-                                                             : inpS_mesh_ElementSetUnknown,
-                                 {entry.instance.empty() ? entry.name
-                                                         : entry.instance + "." + entry.name}));
+    ReportEntry(
+        set, entry,
+        inpS_messageText(
+            kind == inpS_SetKind::Nodes ? inpS_mesh_NodeSetUnknown : inpS_mesh_ElementSetUnknown,
+            {entry.instance.empty() ? entry.name : entry.instance + "." + entry.name}));
   return {};
 }
 
@@ -245,8 +266,8 @@ void inpS_SetResolver::AddRange(const inpS_MeshScope& owner, inpS_SetKind kind, 
   }
   std::sort(found.begin(), found.end());
   for (const auto& [step, ordinal] : found) gathered.Add(ordinal + base);
-  gathered.missing.push_back({entry.keyword, entry.first, last,
-                              entry.count - static_cast<long long>(found.size())});
+  gathered.missing.push_back(
+      {entry.keyword, entry.first, last, entry.count - static_cast<long long>(found.size())});
 }
 
 // The nodes of elements of one part, or of the flat mesh.
@@ -254,6 +275,7 @@ void inpS_SetResolver::AddNodesOf(const inpS_MeshScope& scope, const eds_MemberS
                                   long long offset, Gathered& gathered) const {
   const bool inPart = scope.kind == inpS_MeshScope::Kind::Part;
   std::vector<bool> used(static_cast<std::size_t>(inPart ? scope.nodeCount : m_scopes.FlatNodes()));
+  inpS_ElementNodes connectivity;
   for (long long n = 0; n < elements.Size(); ++n) {
     const long long flat = elements[n] + offset;
     const inpS_MeshScope& owner = inPart ? scope : m_scopes.ScopeOfFlatElement(flat);
@@ -265,10 +287,8 @@ void inpS_SetResolver::AddNodesOf(const inpS_MeshScope& scope, const eds_MemberS
       gathered.unread = true;
       continue;
     }
-    const int* nodes = block->nodes.Data() + (element - block->first) * block->width;
-    for (int i = 0; i < block->width; ++i)
-      if (nodes[i] >= 0)
-        used[static_cast<std::size_t>(nodes[i] + (inPart ? 0 : owner.nodeBase))] = true;
+    for (const int node : connectivity.Of(*block, element - block->first))
+      if (node >= 0) used[static_cast<std::size_t>(node + (inPart ? 0 : owner.nodeBase))] = true;
   }
   for (std::size_t node = 0; node < used.size(); ++node)
     if (used[node]) gathered.Add(static_cast<long long>(node));
@@ -278,9 +298,9 @@ void inpS_SetResolver::ReportEntry(const inpS_SetDefinition& set, const Entry& e
                                    cow_String text) {
   const inp_Keyword& keyword = set.keywords[static_cast<std::size_t>(entry.keyword)];
   const bool fromData = entry.kind != Entry::Kind::NodesOfElset && keyword.Data().Rows() > 0;
-  m_messages.AddError(fromData
-                          ? inp_Utils::MessageAtField(keyword, entry.row, entry.col, std::move(text))
-                          : inp_Utils::MessageInKeyword(keyword, std::move(text)));
+  m_messages.AddError(
+      fromData ? inp_Utils::MessageAtField(keyword, entry.row, entry.col, std::move(text))
+               : inp_Utils::MessageInKeyword(keyword, std::move(text)));
 }
 
 void inpS_SetResolver::ReportMissing(const inpS_SetDefinition& set, Gathered& gathered) {

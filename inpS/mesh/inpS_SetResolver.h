@@ -7,9 +7,9 @@
 class KvoObjLabeler;
 class inp_Visitor;
 
-// Turns set definitions into members: ordinals of the owner for sets of a part, flat ordinals of the
-// mesh for those of an instance, the assembly or a flat model. Sets may name sets defined later; a set
-// that holds itself, a name that no set has and labels that do not exist are reported.
+// Turns set definitions into members: ordinals of the owner for sets of a part, flat ordinals of
+// the mesh for those of an instance, the assembly or a flat model. Sets may name sets defined
+// later; a set that holds itself, a name that no set has and labels that do not exist are reported.
 class inpS_SetResolver {
 public:
   inpS_SetResolver(const KvoObjLabeler& nodes, const KvoObjLabeler& elements,

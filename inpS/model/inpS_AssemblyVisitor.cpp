@@ -93,7 +93,8 @@ bool inpS_AssemblyVisitor::CheckPlacement(const inp_Keyword& keyword) {
       AddError(inp_Utils::MessageAtField(
           keyword, row, col,
           row < 2 && col < kFields[row]
-              ? "\"" + data.AsStringVerbatim(row, col) + "\" is no number; the instance is left out."
+              ? "\"" + data.AsStringVerbatim(row, col) +
+                    "\" is no number; the instance is left out."
               : cow_String("An instance takes a translation (3 values) and a rotation (two points "
                            "and an angle); the instance is left out.")));
       return false;
@@ -106,7 +107,8 @@ bool inpS_AssemblyVisitor::CheckPlacement(const inp_Keyword& keyword) {
     square += d * d;
   }
   if (square < kCoincident * kCoincident)
-    AddWarning(inp_Utils::MessageAtRow(keyword, 1, inpS_messageText(inpS_model_RotationAxisDegenerate)));
+    AddWarning(
+        inp_Utils::MessageAtRow(keyword, 1, inpS_messageText(inpS_model_RotationAxisDegenerate)));
   return true;
 }
 

@@ -75,7 +75,8 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   record.SetSymb(eds_VerbatimKeyword_Level, m_place.level);
   record.SetReference(eds_VerbatimKeyword_Owner, m_place.owner);
   record.SetInt(eds_VerbatimKeyword_Block, block);
-  record.SetInt(eds_VerbatimKeyword_Position, m_positions[{m_place.owner.Object().Packed(), block}]++);
+  record.SetInt(eds_VerbatimKeyword_Position,
+                m_positions[{m_place.owner.Object().Packed(), block}]++);
   record.SetString(eds_VerbatimKeyword_Text, keyword.Text());
   transaction.Commit();
 }
@@ -113,7 +114,8 @@ inpS_VerbatimVisitor::Place inpS_VerbatimVisitor::PlaceOf(const inp_Scope& scope
     break;
   }
   // The part or instance was refused: its keywords stay with the model rather than being lost.
-  if (owner.IsNull()) return {model, scope.kind == inp_Scope::Kind::Step ? "LEVEL_STEP" : "LEVEL_MODEL"};
+  if (owner.IsNull())
+    return {model, scope.kind == inp_Scope::Kind::Step ? "LEVEL_STEP" : "LEVEL_MODEL"};
   return {owner, level};
 }
 

@@ -1,4 +1,5 @@
 #include "inpS/sets/inpS_SetDefinition.h"
+#include <algorithm>
 
 inpS_SetDefinition& inpS_SetTable::FindOrAdd(inpS_SetKind kind, const cow_String& name) {
   inpS_SetDefinition*& known = m_byName[static_cast<int>(kind)][name];
@@ -16,28 +17,22 @@ const inpS_SetDefinition* inpS_SetTable::Find(inpS_SetKind kind, const cow_Strin
   return known == names.end() ? nullptr : known->second;
 }
 
-inpS_SetEntry& inpS_addPositions(inpS_SetDefinition& set, const inp_Keyword& keyword,
-                                 long long first, long long count) {
+void inpS_beginRuns(inpS_SetDefinition& set, const inp_Keyword& keyword) {
   set.isStored = false;
-  inpS_SetEntry& entry = set.entries.emplace_back();
-  entry.kind = count > 0 ? inpS_SetEntry::Kind::Positions : inpS_SetEntry::Kind::Labels;
-  entry.first = first;
-  entry.count = count;
-  entry.keyword = static_cast<int>(set.keywords.size());
   set.keywords.push_back(keyword);
-  return entry;
 }
 
-void inpS_addPosition(inpS_SetDefinition& set, long long ordinal) {
+void inpS_addRun(inpS_SetDefinition& set, long long first, long long count) {
   if (!set.entries.empty()) {
     inpS_SetEntry& last = set.entries.back();
-    if (last.kind == inpS_SetEntry::Kind::Positions && last.first + last.count == ordinal) {
-      ++last.count;
+    if (last.kind == inpS_SetEntry::Kind::Positions && last.first + last.count == first) {
+      last.count += count;
       return;
     }
   }
   inpS_SetEntry& entry = set.entries.emplace_back();
   entry.kind = inpS_SetEntry::Kind::Positions;
-  entry.first = ordinal;
-  entry.count = 1;
+  entry.first = first;
+  entry.count = count;
+  entry.keyword = std::max(0, static_cast<int>(set.keywords.size()) - 1);
 }

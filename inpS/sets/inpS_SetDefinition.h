@@ -6,8 +6,8 @@
 
 enum class inpS_SetKind : unsigned char { Nodes, Elements };
 
-// One thing the deck says a set holds, before labels and names are looked up: sets may name sets and
-// labels that the deck defines later.
+// One thing the deck says a set holds, before labels and names are looked up: sets may name sets
+// and labels that the deck defines later.
 struct inpS_SetEntry {
   enum class Kind : unsigned char {
     Labels,       // labels in the order read
@@ -52,9 +52,7 @@ private:
   cow_Map<cow_String, inpS_SetDefinition*> m_byName[2];
 };
 
-// Adds what a mesh keyword itself defined: a run of ordinals of the owner, or (count 0) labels that
-// the caller fills in.
-inpS_SetEntry& inpS_addPositions(inpS_SetDefinition& set, const inp_Keyword& keyword,
-                                 long long first, long long count);
-// Adds one ordinal of the owner that no keyword of this deck names.
-void inpS_addPosition(inpS_SetDefinition& set, long long ordinal);
+// A mesh keyword is about to add what it defines itself.
+void inpS_beginRuns(inpS_SetDefinition& set, const inp_Keyword& keyword);
+// Adds ordinals of the owner: first … first + count - 1; runs that meet become one.
+void inpS_addRun(inpS_SetDefinition& set, long long first, long long count);

@@ -121,8 +121,8 @@ void inpS_SetReader::GenerateRow(long long row) {
 
   const long long d = last.label - first.label;
   if (d % increment != 0 || (d != 0 && (d < 0) != (increment < 0))) {
-    m_messages.AddError(inp_Utils::MessageAtRow(
-        m_keyword, row, incrementText(increment, first.label, last.label)));
+    m_messages.AddError(
+        inp_Utils::MessageAtRow(m_keyword, row, incrementText(increment, first.label, last.label)));
     return;
   }
   inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Range, row, 0);

@@ -44,7 +44,9 @@ void inpS_SetVisitor::Visit(const inp_Keyword& keyword) {
   inpS_Visitor::Visit(keyword);
 }
 
-void inpS_SetVisitor::VisitSystem(const inp_Keyword& keyword) { m_system.ReadSystem(keyword); }
+void inpS_SetVisitor::VisitSystem(const inp_Keyword& keyword) {
+  m_system.ReadSystem(keyword);
+}
 
 void inpS_SetVisitor::VisitInstance(const inp_Keyword& keyword) {
   m_instanceSystem.ReadInstance(keyword);
@@ -56,7 +58,8 @@ inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) 
   const KvoObjModel model = m_inventory.GetDocument().GetModel();
   const bool nodes = kind == Kind::Nodes;
   const eds_Member named = nodes ? eds_Member::NodeSets : eds_Member::ElementSets;
-  const eds_Member internal = nodes ? eds_Member::InternalNodeSets : eds_Member::InternalElementSets;
+  const eds_Member internal =
+      nodes ? eds_Member::InternalNodeSets : eds_Member::InternalElementSets;
   const auto in = [&](const KvoSimPosition& owner, const cow_String& key) {
     const KvoSimPosition set = owner.FollowStringKey(named, key);
     return set.IsNull() ? owner.FollowStringKey(internal, key) : set;
@@ -76,8 +79,7 @@ inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) 
   if (part.IsNull()) return {};
   const KvoSimPosition ofPart = in(part, key);
   if (ofPart.IsNull()) return {};
-  return {ofPart,
-          instance.GetInt64(nodes ? eds_Instance_FirstNode : eds_Instance_FirstElement)};
+  return {ofPart, instance.GetInt64(nodes ? eds_Instance_FirstNode : eds_Instance_FirstElement)};
 }
 
 KvoSimPosition inpS_SetVisitor::GetNodeSet(const cow_String& name) {
@@ -89,7 +91,9 @@ KvoSimPosition inpS_SetVisitor::GetElementSet(const cow_String& name) {
 }
 
 // No phase writes surfaces yet, so none has a name.
-KvoSimPosition inpS_SetVisitor::GetSurface(const cow_String&) { return {}; }
+KvoSimPosition inpS_SetVisitor::GetSurface(const cow_String&) {
+  return {};
+}
 
 bool inpS_SetVisitor::MembersOf(Kind kind, const cow_String& name, eds_MemberSet& ordinals) {
   const Found found = Find(kind, name);
@@ -125,9 +129,8 @@ void inpS_SetVisitor::LabelsOf(Kind kind, const KvoSimPosition& set, cow_List<in
   const KvoSimCSet members = membershipOf(set);
   if (members.IsNull()) return;
   const KvoObjLabeler& labeler = LabelerOf(kind);
-  const KvoSimPosition owner = set.DataRecord().GetReference(kind == Kind::Nodes
-                                                                 ? eds_NodeSet_Owner
-                                                                 : eds_ElementSet_Owner);
+  const KvoSimPosition owner =
+      set.DataRecord().GetReference(kind == Kind::Nodes ? eds_NodeSet_Owner : eds_ElementSet_Owner);
   if (owner.IsA(eds_RecordKind::Part)) {
     labels = labeler.GetInstanceSetLabels(labeler.FindOccurrence(owner), members.Set());
     return;

@@ -10,9 +10,10 @@
 // Base of the visitors that refer to nodes, elements and sets: it knows where in the deck the walk
 // stands (part, instance, step, coordinate system) and looks labels and sets up from there.
 //
-// A name without a scope is looked for in the owner that is open (model, assembly, part or instance)
-// and, inside an instance, then in its part; "instance.name" and "instance.label" name an instance of
-// the assembly. Ordinals are flat ordinals of the mesh, inside a part those of the part.
+// A name without a scope is looked for in the owner that is open (model, assembly, part or
+// instance) and, inside an instance, then in its part; "instance.name" and "instance.label" name an
+// instance of the assembly. Ordinals are flat ordinals of the mesh, inside a part those of the
+// part.
 class inpS_SetVisitor : public inpS_Visitor {
 public:
   inpS_SetVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
@@ -43,8 +44,8 @@ public:
   bool GetNodeOrdinal(int label, long long& ordinal) const; // false when the label is unknown
   bool GetElementOrdinal(int label, long long& ordinal) const;
 
-  // The fields of a data line, from one column on, taken as labels or set names; what cannot be found
-  // goes to `unknown`.
+  // The fields of a data line, from one column on, taken as labels or set names; what cannot be
+  // found goes to `unknown`.
   void ReadNodeData(const inp_Keyword& keyword, long long row, int col, cow_List<int>& ordinals,
                     cow_List<cow_String>& unknown);
   void ReadElementData(const inp_Keyword& keyword, long long row, int col, cow_List<int>& ordinals,

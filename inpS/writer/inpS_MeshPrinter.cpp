@@ -76,8 +76,7 @@ void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMesh
   SharedReader<double> coordinates(block.coordinates);
   const Normals normals(block);
   const eds_LabelMap& labels = m_labels.nodes.Labels(scope.nodes);
-  constexpr std::size_t kLine =
-      utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;
+  constexpr std::size_t kLine = utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;
   const long long pieces = (block.count + kNodesPerPiece - 1) / kNodesPerPiece;
   utl_printBlocks(
       m_out, static_cast<std::size_t>(pieces), kLine * kNodesPerPiece,
@@ -85,7 +84,8 @@ void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMesh
         const long long begin = static_cast<long long>(piece) * kNodesPerPiece;
         const long long count = std::min(kNodesPerPiece, block.count - begin);
         thread_local std::vector<double> points(3 * kNodesPerPiece);
-        coordinates.Read(begin, std::span<double>(points).first(static_cast<std::size_t>(3 * count)));
+        coordinates.Read(begin,
+                         std::span<double>(points).first(static_cast<std::size_t>(3 * count)));
         std::size_t normal = normals.From(begin);
         for (long long n = 0; n < count; ++n) {
           out = utl_printInt(out, labels.Label(block.first + begin + n));
@@ -146,7 +146,8 @@ private:
     int64_t local = 0; // an element of the assembly may join nodes of its instances
     const int occurrence = m_labels.nodes.OccurrenceOfFlat(ordinal, local);
     utl_ASSERT(occurrence >= 0);
-    const cow_String name = inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);
+    const cow_String name =
+        inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);
     out = std::copy(name.begin(), name.end(), out);
     *out++ = '.';
     return utl_printInt(out, m_labels.nodes.GetInstanceLabel(occurrence, local));
@@ -179,16 +180,16 @@ void inpS_MeshPrinter::PrintElementBlock(const inpS_DeckScope& scope,
   SharedReader<int> connectivity(block.connectivity);
   const long long perPiece = std::max(1LL, kEntriesPerPiece / std::max(1, block.width));
   const long long pieces = (block.count + perPiece - 1) / perPiece;
-  utl_printBlocks(
-      m_out, static_cast<std::size_t>(pieces), lines.Room() * static_cast<std::size_t>(perPiece),
-      [&](std::size_t piece, char* out) {
-        const long long begin = static_cast<long long>(piece) * perPiece;
-        const long long count = std::min(perPiece, block.count - begin);
-        thread_local std::vector<int> nodes;
-        nodes.resize(static_cast<std::size_t>(count * block.width));
-        connectivity.Read(begin, std::span<int>(nodes));
-        for (long long n = 0; n < count; ++n)
-          out = lines.Print(out, begin + n, nodes.data() + n * block.width);
-        return out;
-      });
+  utl_printBlocks(m_out, static_cast<std::size_t>(pieces),
+                  lines.Room() * static_cast<std::size_t>(perPiece),
+                  [&](std::size_t piece, char* out) {
+                    const long long begin = static_cast<long long>(piece) * perPiece;
+                    const long long count = std::min(perPiece, block.count - begin);
+                    thread_local std::vector<int> nodes;
+                    nodes.resize(static_cast<std::size_t>(count * block.width));
+                    connectivity.Read(begin, std::span<int>(nodes));
+                    for (long long n = 0; n < count; ++n)
+                      out = lines.Print(out, begin + n, nodes.data() + n * block.width);
+                    return out;
+                  });
 }

@@ -5,8 +5,8 @@
 
 class utl_Stream;
 
-// The node or element sets of one owner, in the order in which they were made. A set of the assembly
-// that reaches into instances is written as one keyword for each instance.
+// The node or element sets of one owner, in the order in which they were made. A set of the
+// assembly that reaches into instances is written as one keyword for each instance.
 class inpS_SetPrinter {
 public:
   inpS_SetPrinter(const inpS_DeckLabels& labels, utl_Stream& out) : m_labels(labels), m_out(out) {}

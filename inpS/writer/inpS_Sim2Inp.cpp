@@ -51,7 +51,9 @@ struct inpS_Sim2Inp::Impl {
   void PrintInstance(const KvoSimPosition& instance);
 
   void PrintHeading(const inpS_DeckScope& scope);
-  void PrintNodes(const inpS_DeckScope& scope) { inpS_MeshPrinter(*labels, *out).PrintNodes(scope); }
+  void PrintNodes(const inpS_DeckScope& scope) {
+    inpS_MeshPrinter(*labels, *out).PrintNodes(scope);
+  }
   void PrintNsets(const inpS_DeckScope& scope) { inpS_SetPrinter(*labels, *out).PrintNsets(scope); }
   void PrintElements(const inpS_DeckScope& scope) {
     inpS_MeshPrinter(*labels, *out).PrintElements(scope);
@@ -154,8 +156,7 @@ void Impl::LoadTables() {
 }
 
 void Impl::LoadKept() {
-  for (const KvoSimPosition& position :
-       doc.Context().GetRecords(eds_RecordKind::VerbatimKeyword)) {
+  for (const KvoSimPosition& position : doc.Context().GetRecords(eds_RecordKind::VerbatimKeyword)) {
     const KvoSimDataRecord record = position.DataRecord();
     const auto owner = record.GetReference(eds_VerbatimKeyword_Owner).Object().Packed();
     kept[owner].push_back({record.GetInt(eds_VerbatimKeyword_Block),

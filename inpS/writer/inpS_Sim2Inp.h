@@ -8,12 +8,13 @@
 class KvoObjDocument;
 class utl_Stream;
 
-// Writes a keyword deck from a simulation database: fixed order of blocks, model data before history.
+// Writes a keyword deck from a simulation database: fixed order of blocks, model data before
+// history.
 class INPS_EXPORT inpS_Sim2Inp {
 public:
   // threads: how many threads print bulk blocks, 0 all. verbose: name every block on the diagnostic
-  // stream. name: written as the deck's first comment when not empty. comment: a second comment line,
-  // may be null.
+  // stream. name: written as the deck's first comment when not empty. comment: a second comment
+  // line, may be null.
   inpS_Sim2Inp(const KvoObjDocument& document, int threads, bool verbose, const cow_String& name,
                const char* comment, aio_ostream& diagnostics);
   ~inpS_Sim2Inp();

@@ -1,0 +1,76 @@
+#include "inpS/mesh/inpS_ElementFields.h"
+#include "inpS/mesh/inpS_ElementParameters.h"
+#include "parser/inp_BulkDecode.h"
+#include "parser/inp_Keyword.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+#include <cstdlib>
+
+namespace {
+
+constexpr long long kMaxLabel = 999999999;
+
+bool readScoped(const cow_String& text, cow_List<int>& fields, cow_List<inpS_ScopedNode>& scoped) {
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(text);
+  if (!inp_Utils::IsScopedSetId(parts)) return false;
+  const int label = std::atoi(parts.back().c_str());
+  scoped.push_back({0, static_cast<int>(fields.size()) - 1, parts[parts.size() - 2], label});
+  fields.push_back(label);
+  return true;
+}
+
+} // namespace
+
+bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& form,
+                            const inpS_ElementParameters& type, long long row,
+                            cow_List<int>& fields, cow_List<inpS_ScopedNode>* scoped,
+                            inp_Visitor& messages) {
+  const inp_DataArray& data = keyword.Data();
+  long long end = row;
+  inp_elementFields(data, form, row, end);
+  for (; row < end; ++row) {
+    int cols = data.Cols(row);
+    if (cols > 0 && data.IsNone(row, cols - 1)) --cols; // behind a trailing comma
+    for (int col = 0; col < cols; ++col) {
+      const inp_FieldType kind = data.Type(row, col);
+      if (kind == inp_FieldType::None && type.IsConnectorElement() && !fields.empty()) {
+        fields.push_back(0);
+        continue;
+      }
+      if (kind == inp_FieldType::Integer && std::llabs(data.AsInt64(row, col)) <= kMaxLabel) {
+        fields.push_back(data.AsInt(row, col));
+        continue;
+      }
+      if (kind == inp_FieldType::String && scoped && !fields.empty() &&
+          readScoped(data.AsString(row, col), fields, *scoped))
+        continue;
+      messages.AddError(inp_Utils::MessageAtField(
+          keyword, row, col,
+          "\"" + data.AsStringVerbatim(row, col) + "\" is no " +
+              (fields.empty() ? "element" : "node") +
+              " label: an integer of at most 999999999 was expected; element ignored."));
+      return false;
+    }
+  }
+  return !fields.empty();
+}
+
+bool inpS_FaultyElements::Count(int label, long long nodes, const inpS_ElementParameters& type,
+                                int extra) {
+  const bool many = nodes > type.MaxNodesPerElement() + extra;
+  const bool few = nodes < type.MinNodesPerElement() + extra;
+  if (many) m_tooMany.push_back(label);
+  if (few) m_tooFew.push_back(label);
+  return !many && !few;
+}
+
+void inpS_FaultyElements::Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
+                                 inp_Visitor& messages) const {
+  const auto report = [&](const char* text, const cow_List<int>& labels) {
+    if (!labels.empty())
+      messages.AddError(inp_Utils::MessageInKeyword(
+          keyword, inp_Utils::Format(text, type.Name().c_str()), labels));
+  };
+  report("Too many nodes for element(s) of type \"%s\" ", m_tooMany);
+  report("Too few nodes for element(s) of type \"%s\" ", m_tooFew);
+}
