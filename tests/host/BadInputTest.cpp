@@ -3,6 +3,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using BadInput = ProgramTest;
 
 TEST_F(BadInput, DecksThatAreNone) {
@@ -18,7 +19,7 @@ TEST_F(BadInput, DecksThatAreNone) {
       {"empty", "", ": error: "},
       {"blank", "\n\n", ": error: "},
       {"no keyword", "1, 2, 3\n", "d.inp:1"},
-      {"binary", cow_String("*NODE\n1, \0\x01\x02, 3\n", 18), "d.inp:2:4: error: "},
+      {"binary", "*NODE\n1, \0\x01\x02, 3\n"s, "d.inp:2:4: error: "},
       {"long name", "*" + megabytes + "\n1, 0.\n", "d.inp:1:1: error: "},
       {"long value", "*NODE, NSET=" + megabytes + "\n1, 0.\n", "d.inp:1:1: error: "},
       {"100,000 fields", "*NODE\n" + fields + "\n", "d.inp:2:15: error: "},
