@@ -120,7 +120,9 @@ bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) {
   m_inventory.SetDocument(document);
   Labelers labelers;
   const bcu_MarkScope mark("inp2sim-", "convert");
-  return RunPhases(Phases(), "inp2sim-", labelers);
+  const bool good = RunPhases(Phases(), "inp2sim-", labelers);
+  KeepVerbatim(false); // last: its texts stand in deck order behind everything that was converted
+  return good;
 }
 
 bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) {

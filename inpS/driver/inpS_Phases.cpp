@@ -148,7 +148,6 @@ bool Driver::ProcessModel() {
   return !visitor.IsError();
 }
 
-// Once parts and instances stand, the keywords that no phase converts are kept with their owners.
 bool Driver::ProcessAssembly() {
   inpS_AssemblyVisitor visitor(m_inventory);
   visitor.VisitList(m_keywords);
@@ -156,7 +155,6 @@ bool Driver::ProcessAssembly() {
                                      {inp_KwPart, inp_KwAssembly, inp_KwInstance, inp_KwHeading});
   visitor.Report();
 
-  KeepVerbatim(false);
   return !visitor.IsError();
 }
 

@@ -50,16 +50,20 @@ struct inpS_Sim2Inp::Impl {
   void PrintAssembly();
   void PrintInstance(const KvoSimPosition& instance);
 
+  // A model whose conversion was cut off at its very start has none.
+  bool HasMesh() const { return !labels->mesh.IsNull(); }
   void PrintHeading(const inpS_DeckScope& scope);
   void PrintNodes(const inpS_DeckScope& scope) {
-    inpS_MeshPrinter(*labels, *out).PrintNodes(scope);
+    if (HasMesh()) inpS_MeshPrinter(*labels, *out).PrintNodes(scope);
   }
-  void PrintNsets(const inpS_DeckScope& scope) { inpS_SetPrinter(*labels, *out).PrintNsets(scope); }
+  void PrintNsets(const inpS_DeckScope& scope) {
+    if (HasMesh()) inpS_SetPrinter(*labels, *out).PrintNsets(scope);
+  }
   void PrintElements(const inpS_DeckScope& scope) {
-    inpS_MeshPrinter(*labels, *out).PrintElements(scope);
+    if (HasMesh()) inpS_MeshPrinter(*labels, *out).PrintElements(scope);
   }
   void PrintElsets(const inpS_DeckScope& scope) {
-    inpS_SetPrinter(*labels, *out).PrintElsets(scope);
+    if (HasMesh()) inpS_SetPrinter(*labels, *out).PrintElsets(scope);
   }
   // A block whose keywords no phase converts: it holds what was kept as text, and nothing else.
   void PrintKeptOnly(const inpS_DeckScope&) {}

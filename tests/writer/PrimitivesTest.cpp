@@ -41,9 +41,15 @@ TEST(PrintPrimitives, NamesAreQuotedWhereNeeded) {
     const char* name;
     const char* printed;
   } cases[] = {
-      {"SET1", "SET1"},          {"Set_1", "\"Set_1\""}, {"Part.1", "\"Part.1\""},
-      {"my set", "\"my set\""},  {"PART-1", "PART-1"},   {"plate", "\"plate\""},
-      {"A,B", "\"A,B\""},        {"", ""},               {"\xc3\x84RGER", "\xc3\x84RGER"},
+      {"SET1", "SET1"},
+      {"Set_1", "\"Set_1\""},
+      {"Part.1", "\"Part.1\""},
+      {"my set", "\"my set\""},
+      {"PART-1", "PART-1"},
+      {"plate", "\"plate\""},
+      {"A,B", "\"A,B\""},
+      {"", ""},
+      {"\xc3\x84RGER", "\xc3\x84RGER"},
   };
   for (const auto& [name, expected] : cases) {
     cow_String text = name;
