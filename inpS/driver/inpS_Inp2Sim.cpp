@@ -6,6 +6,7 @@
 #include "inpS/driver/inpS_Phases.h"
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
+#include "inpS/messages/inpS_MessageContainer.h"
 #include "inpS/sets/inpS_SurfaceVisitor.h"
 #include "parser/inp_KeywordExpansionVisitor.h"
 #include "parser/inp_OrganizerVisitor.h"
@@ -107,12 +108,14 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds() {
 
 bool inpS_Inp2Sim::RunPhases(const Phase* phases, const char* prefix, Labelers& labelers) {
   bool good = true;
+  const auto structuredErrors = [] { return inpS_MessageContainer::Instance().ErrorCount(); };
+  const auto before = structuredErrors();
   for (const Phase* phase = phases; phase->tag; ++phase) {
     const bcu_MarkScope mark(prefix, phase->tag);
     const bool result = phase->run(*this, labelers);
     if (phase->counted) good = result && good;
   }
-  return good;
+  return good && structuredErrors() == before; // those reach the host when the container goes
 }
 
 bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) {
