@@ -65,7 +65,8 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const int block = BlockOf(keyword);
   if (IsModelled(keyword)) return;
   keyword.ReferAll();
-  Count(keyword);
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
+  if (!row || row->role != inp_KeywordRole::Close) Count(keyword); // the opening one speaks for it
 
   const KvoObjDocument& document = m_inventory.GetDocument();
   KvoSimTransaction transaction(document.ContextID());

@@ -32,13 +32,14 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
   cow_String start = nodes ? "*NSET, NSET=" : "*ELSET, ELSET=";
   start += inpS_quoted(record.ReturnString(nodes ? eds_NodeSet_Name : eds_ElementSet_Name));
   if (record.GetBool(nodes ? eds_NodeSet_Internal : eds_ElementSet_Internal)) start += ", INTERNAL";
-  if (record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted)) start += ", UNSORTED";
+  const bool unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
+  if (unsorted) start += ", UNSORTED";
 
   const KvoObjLabeler& labeler = nodes ? m_labels.nodes : m_labels.elements;
   const int own = nodes ? scope.nodes : scope.elements;
   if (scope.isPart || members.IsEmpty()) {
     m_out << start << '\n';
-    PrintMembers(members, 0, members.Size(), nodes, own, 0);
+    PrintMembers(members, 0, members.Size(), nodes, own, 0, !unsorted);
     return;
   }
   for (long long begin = 0; begin < members.Size();) {
@@ -55,21 +56,25 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
       m_out << ", INSTANCE="
             << inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);
     m_out << '\n';
-    PrintMembers(members, begin, end - begin, nodes, occurrence, low);
+    PrintMembers(members, begin, end - begin, nodes, occurrence, low, !unsorted);
     begin = end;
   }
 }
 
 void inpS_SetPrinter::PrintMembers(const eds_MemberSet& members, long long first, long long count,
-                                   bool nodes, int occurrence, long long flatFirst) {
+                                   bool nodes, int occurrence, long long flatFirst, bool sorted) {
   if (count == 0) return;
   const eds_LabelMap& labels =
       nodes ? m_labels.nodes.Labels(occurrence) : m_labels.elements.Labels(occurrence);
-  cow_List<int> piece(static_cast<std::size_t>(std::min(count, kPiece)));
-  for (long long done = 0; done < count; done += kPiece) {
-    const long long size = std::min(kPiece, count - done);
+  const bool rising = labels.IsStrided() && labels.Stride() > 0;
+  const long long pieceSize = sorted && !rising ? count : std::min(count, kPiece);
+  cow_List<int> piece(static_cast<std::size_t>(pieceSize));
+  for (long long done = 0; done < count; done += pieceSize) {
+    const long long size = std::min(pieceSize, count - done);
     for (long long n = 0; n < size; ++n)
       piece[static_cast<std::size_t>(n)] = labels.Label(members[first + done + n] - flatFirst);
+    // Ordinals ascend in a sorted set; its labels need not, where nodes stand in another order.
+    if (sorted && !rising) std::sort(piece.begin(), piece.end());
     inpS_printSet(m_out, size, piece.data());
   }
 }

@@ -18,7 +18,7 @@ private:
   void Print(const inpS_DeckScope& scope, bool nodes);
   void PrintSet(const inpS_DeckScope& scope, const KvoSimPosition& set, bool nodes);
   void PrintMembers(const eds_MemberSet& members, long long first, long long count, bool nodes,
-                    int occurrence, long long flatFirst);
+                    int occurrence, long long flatFirst, bool sorted);
 
   const inpS_DeckLabels& m_labels;
   utl_Stream& m_out;

@@ -45,9 +45,11 @@ TEST(Inventory, RaisesTheModelToThreeDimensions) {
       {"*STEP\n*STATIC, RIKS\n1.,1.,1e-5,1.,1.,7,2\n*END STEP\n", 2},
       {"*STEP\n*STATIC\n1.,1.,1e-5,1.,1.,7,3\n*END STEP\n", 2},
       {"*PART, NAME=P\n*NODE\n1, 0., 0., 2.\n*END PART\n*ASSEMBLY, NAME=A\n"
-       "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*END ASSEMBLY\n", 3},
+       "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*END ASSEMBLY\n",
+       3},
       {"*PART, NAME=P\n*NODE\n1, 0., 0.\n*END PART\n*ASSEMBLY, NAME=A\n"
-       "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*NODE\n9, 0., 0., 5.\n*END ASSEMBLY\n", 2},
+       "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*NODE\n9, 0., 0., 5.\n*END ASSEMBLY\n",
+       2},
   };
   for (const auto& [deck, dimensions] : cases)
     EXPECT_EQ(inventoryOf(deck).NumberSpatialDimensions(), dimensions) << deck;
