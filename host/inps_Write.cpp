@@ -19,7 +19,8 @@ void print(const KvoObjDocument& document, utl_Stream& deck, aio_ostream& diagno
   writer.Print(deck);
 }
 
-// A deck takes its name when it is whole. What is no regular file (a pipe, a device) is written as
+// A deck takes its name when it is whole; it is not forced to the disk, for the model can write it
+// again. What is no regular file (a pipe, a device) is written as
 // it stands.
 void writeFile(const KvoObjDocument& document, const Path& path, bool force, aio_ostream& err) {
   std::error_code ignored;
@@ -37,7 +38,6 @@ void writeFile(const KvoObjDocument& document, const Path& path, bool force, aio
     print(document, deck, err);
     deck.Close();
     if (inPlace) return;
-    utl_syncFile(file);
     utl_renameFile(file, path, force ? utl_IfExists::Replace : utl_IfExists::Refuse);
   } catch (...) {
     if (!inPlace) utl_removeFile(file);
