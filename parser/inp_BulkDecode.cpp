@@ -39,6 +39,13 @@ public:
     });
   }
 
+  // What it holds; rows count from firstRow.
+  inp_NodePiece View(long long firstRow) {
+    for (inp_OddRow& odd : m_odd) odd.row += firstRow;
+    return {m_labels, m_coords, m_odd};
+  }
+  long long Rows() const { return m_rows; }
+
   // Appends to the result; returns the data rows it held.
   long long Publish(inp_NodeRows& result, long long firstRow) const {
     const auto firstSlot = static_cast<long long>(result.labels.Size());
@@ -206,6 +213,23 @@ void inp_decodeNodes(const inp_DataArray& data, inp_NodeRows& result) {
       inp_cutData(data),
       [&](const inp_DataPiece& piece, std::size_t slot) { buffers[slot].Decode(piece); },
       [&](std::size_t slot) { row += buffers[slot].Publish(result, row); });
+}
+
+void inp_streamNodes(const inp_DataArray& data,
+                     const std::function<void(const inp_NodePiece&)>& prepare,
+                     const std::function<void(const inp_NodePiece&)>& take) {
+  const inp_PieceBuffers<NodePiece> buffers;
+  long long row = 0;
+  inp_decodePieces(
+      inp_cutData(data),
+      [&](const inp_DataPiece& piece, std::size_t slot) {
+        buffers[slot].Decode(piece);
+        prepare(buffers[slot].View(0));
+      },
+      [&](std::size_t slot) {
+        take(buffers[slot].View(row));
+        row += buffers[slot].Rows();
+      });
 }
 
 bool inp_decodeLabels(const inp_DataArray& data, utl_Buffer<int>& labels, long long& badRow,

@@ -2,6 +2,8 @@
 
 #include "base/utl_Buffer.h"
 #include "parser/inp_DataArray.h"
+#include <functional>
+#include <span>
 
 // Bulk decode of data lines: labels and numbers of a whole block go from text to typed arrays in
 // one loop, in pieces spread over the cores. The result does not depend on the number of threads,
@@ -26,6 +28,18 @@ struct inp_NodeRows {
 
 // label, x, y, z per row. Blank lines are no nodes. Appends to the result.
 void inp_decodeNodes(const inp_DataArray& data, inp_NodeRows& result);
+
+// The same without an array of all: pieces of a few thousand rows, still in the cache. What is read
+// goes on while it is hot, and no memory is taken for more than a few pieces.
+struct inp_NodePiece {
+  std::span<int> labels;
+  std::span<double> coords;     // 3 per row
+  std::span<inp_OddRow> odd;    // slots within the piece; rows of the keyword once it is taken
+};
+// prepare is called for pieces on all threads at once, take for one after the other in deck order.
+void inp_streamNodes(const inp_DataArray& data,
+                     const std::function<void(const inp_NodePiece&)>& prepare,
+                     const std::function<void(const inp_NodePiece&)>& take);
 
 struct inp_ElementRows {
   utl_Buffer<int> labels;     // one per element
@@ -55,6 +69,20 @@ inline constexpr long long inp_mostElementNodes = 256;
 // little as comments. Appends to the result; rows are those of this keyword.
 void inp_decodeElements(const inp_DataArray& data, const inp_ElementForm& form,
                         inp_ElementRows& result);
+
+// The same by the piece, as for nodes.
+struct inp_ElementPiece {
+  std::span<int> labels;
+  std::span<int> nodes;         // those of one element after those of the other
+  std::span<const int> counts;  // nodes of each element
+  int width = -1;               // nodes per element when all have equally many
+  std::span<inp_OddRow> odd;    // slots within the piece; rows of the keyword once it is taken
+  long long firstRow = 0;       // of the keyword, once it is taken
+  std::size_t slot = 0;         // where prepare may keep what it finds: utl_orderedBlocks
+};
+void inp_streamElements(const inp_DataArray& data, const inp_ElementForm& form,
+                        const std::function<void(const inp_ElementPiece&)>& prepare,
+                        const std::function<void(const inp_ElementPiece&)>& take);
 
 // The general road for one element: its fields as written, the label first, from the data row it
 // begins at to the one before nextRow.

@@ -30,6 +30,12 @@ public:
     m_nodes.Resize(m_next);
   }
 
+  inp_ElementPiece View(long long firstRow, std::size_t slot) {
+    for (inp_OddRow& odd : m_odd) odd.row += firstRow;
+    const int width = m_labels.IsEmpty() || !IsUniform() ? -1 : m_most;
+    return {m_labels, m_nodes, m_counts, width, m_odd, firstRow, slot};
+  }
+
   std::size_t Count() const { return m_labels.Size(); }
   int Most() const { return m_most; }
   bool IsUniform() const { return m_least == m_most; }
@@ -281,6 +287,24 @@ void inp_decodeElements(const inp_DataArray& data, const inp_ElementForm& form,
       [&](const inp_DataPiece& piece, std::size_t slot) { buffers[slot].Decode(piece, form); },
       [&](std::size_t slot) { assembler.Add(buffers[slot]); });
   assembler.Finish();
+}
+
+void inp_streamElements(const inp_DataArray& data, const inp_ElementForm& form,
+                        const std::function<void(const inp_ElementPiece&)>& prepare,
+                        const std::function<void(const inp_ElementPiece&)>& take) {
+  const inp_PieceBuffers<ElementPiece> buffers;
+  const inp_ElementCut cut(form);
+  long long row = 0;
+  inp_decodePieces(
+      inp_cutData(data, &cut),
+      [&](const inp_DataPiece& piece, std::size_t slot) {
+        buffers[slot].Decode(piece, form);
+        prepare(buffers[slot].View(0, slot));
+      },
+      [&](std::size_t slot) {
+        take(buffers[slot].View(row, slot));
+        row += buffers[slot].Rows();
+      });
 }
 
 cow_List<std::string_view> inp_elementFields(const inp_DataArray& data, const inp_ElementForm& form,
