@@ -73,7 +73,8 @@ inps_Json inps_jsonOf(const cow_List<inpS_NotModelled>& notModelled) {
                     {"count", kind.count},
                     {"file", kind.file},
                     {"line", kind.line},
-                    {"known", kind.known}});
+                    {"known", kind.known},
+                    {"kept", kind.kept}});
   return list;
 }
 

@@ -61,7 +61,7 @@ int inps_Run::NotModelled(const cow_List<inpS_NotModelled>& kinds) {
   if (IsJson()) Json()["notModelled"] = inps_jsonOf(kinds);
   if (kinds.empty()) return inps_ExitDone;
   const bool show = !IsJson() && !m_quiet;
-  if (show) m_session.out << "not modelled, kept as text:\n";
+  if (show) m_session.out << "not modelled:\n";
   std::size_t widest = 0;
   for (const inpS_NotModelled& kind : kinds) widest = std::max(widest, kind.keyword.size());
   for (const inpS_NotModelled& kind : kinds) {
@@ -69,7 +69,8 @@ int inps_Run::NotModelled(const cow_List<inpS_NotModelled>& kinds) {
     m_session.out << "  *" << kind.keyword << cow_String(widest - kind.keyword.size() + 2, ' ')
                   << inps_counted(kind.count, "time") << (kind.count == 1 ? ", at " : ", first at ")
                   << kind.file << ':' << kind.line
-                  << (kind.known ? "" : "  (no keyword of the language)") << '\n';
+                  << (kind.kept ? "; kept as text" : "; parameter left out")
+                  << (kind.known ? "" : " (no keyword of the language)") << '\n';
   }
   return m_strict ? inps_ExitNotModelled : inps_ExitDone;
 }

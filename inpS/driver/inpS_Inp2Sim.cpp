@@ -125,7 +125,32 @@ bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) {
   const bcu_MarkScope mark("inp2sim-", "convert");
   const bool good = RunPhases(Phases(), "inp2sim-", labelers);
   KeepVerbatim(false); // last: its texts stand in deck order behind everything that was converted
+  ListUnreadParameters();
   return good;
+}
+
+// Every look-up marks its parameter; what no reader asked for is not in the model.
+void inpS_Inp2Sim::ListUnreadParameters() {
+  cow_Map<cow_String, inpS_NotModelled> rows;
+  for (const inp_Keyword& keyword : m_keywords) {
+    if (keyword.IsInstanceCopy()) continue; // its original in the part has been judged
+    for (const inp_Parameter& parameter : keyword.Parameters()) {
+      if (parameter.referred) continue;
+      cow_String name = parameter.name;
+      for (char& c : name)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+      inpS_NotModelled& row = rows[keyword.Name() + ", " + name];
+      if (row.count++ == 0) {
+        row.file = keyword.FileName();
+        row.line = keyword.Line();
+        row.kept = false;
+      }
+    }
+  }
+  for (auto& [name, row] : rows) {
+    row.keyword = name;
+    m_notModelled.push_back(row);
+  }
 }
 
 bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) {

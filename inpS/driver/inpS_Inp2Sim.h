@@ -58,6 +58,7 @@ private:
   bool InitializeSIM(const KvoObjDocument& document, const cow_String& modelString);
   bool ProcessModel();
   bool ProcessAssembly();
+  void ListUnreadParameters();
   void KeepVerbatim(bool restart); // the keywords that no phase converts
   bool ReadNodeLabeler(Labelers& labelers);
   bool ReadElementLabeler(Labelers& labelers);

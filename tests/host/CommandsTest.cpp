@@ -73,6 +73,8 @@ TEST_F(Commands, StrictFailsOnWhatIsNotModelled) {
   EXPECT_EQ(ProgramRun({"check", deck, "--strict"}).exitCode, 4);
   EXPECT_EQ(ProgramRun({"convert", deck, "--strict", "-o", File("d.sim")}).exitCode, 4);
   EXPECT_TRUE(Exists("d.sim"));
+  // A parameter that no reader asks for is a loss too.
+  EXPECT_EQ(ProgramRun({"check", Deck("g.inp", "*NODE, FOO=1\n1, 2.\n"), "--strict"}).exitCode, 4);
   EXPECT_EQ(ProgramRun({"check", Deck("e.inp", oneBrick), "--strict"}).exitCode, 0);
   EXPECT_EQ(ProgramRun({"check", Deck("f.inp", threeFaults), "--strict"}).exitCode, 1);
 }
