@@ -49,11 +49,18 @@ bool inps_Conversion::Prepare() {
   // Include files are looked for beside the deck whatever folder the program runs in.
   m_driver =
       std::make_unique<inpS_Inp2Sim>(utl_pathText(m_deck), utl_pathText(m_deck.parent_path()));
-  return phase("parse", *m_driver, &inpS_Inp2Sim::Parse) &&
-         phase("utf8", *m_driver, &inpS_Inp2Sim::CheckUtf8Compliance) &&
-         phase("expand", *m_driver, &inpS_Inp2Sim::Expand) &&
-         phase("reorganize", *m_driver, &inpS_Inp2Sim::Reorganize) &&
-         phase("inventory", *m_driver, &inpS_Inp2Sim::BuildInventory);
+  bool good = true;
+  for (const auto& [tag, step] : {std::pair("parse", &inpS_Inp2Sim::Parse),
+                                  std::pair("utf8", &inpS_Inp2Sim::CheckUtf8Compliance),
+                                  std::pair("expand", &inpS_Inp2Sim::Expand),
+                                  std::pair("reorganize", &inpS_Inp2Sim::Reorganize),
+                                  std::pair("inventory", &inpS_Inp2Sim::BuildInventory)}) {
+    good = phase(tag, *m_driver, step) && good;
+    if (m_driver->Keywords().empty()) return false;
+  }
+  // The deck cannot be converted as it stands, but its other faults need not wait for another run.
+  if (!good) m_driver->Convert(KvoObjDocument::InMemory());
+  return good;
 }
 
 template <class Work> bool inps_Conversion::Run(const KvoObjDocument& document, Work work) {

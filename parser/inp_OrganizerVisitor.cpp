@@ -17,6 +17,11 @@ inp_KeywordEnm assemblyKind(inp_KeywordEnm kind) {
   }
 }
 
+bool isOfPart(const inp_Keyword& keyword) {
+  return keyword.Kind() == inp_KwPart || keyword.Kind() == inp_KwEndPart ||
+         keyword.Scope().kind == inp_Scope::Kind::Part;
+}
+
 bool isHistory(const inp_Keyword& keyword) {
   return keyword.Kind() == inp_KwStep || keyword.Kind() == inp_KwEndStep ||
          keyword.Scope().kind == inp_Scope::Kind::Step;
@@ -28,7 +33,14 @@ void inp_OrganizerVisitor::VisitList(inp_KeywordListRef keywords) {
   m_keywords.clear();
   m_keywords.reserve(keywords.size());
   m_history.clear();
+  m_assemblyAt = 0;
+  m_hasAssembly = false;
+  m_lateParts.clear();
   inp_Visitor::VisitList(keywords);
+  m_keywords.insert(m_keywords.begin() + static_cast<std::ptrdiff_t>(m_assemblyAt),
+                    std::make_move_iterator(m_lateParts.begin()),
+                    std::make_move_iterator(m_lateParts.end()));
+  m_lateParts.clear();
   m_keywords.insert(m_keywords.end(), std::make_move_iterator(m_history.begin()),
                     std::make_move_iterator(m_history.end()));
   m_history.clear();
@@ -40,5 +52,12 @@ void inp_OrganizerVisitor::Visit(const inp_Keyword& keyword) {
   // handles.
   if (m_featureEnhanced && keyword.Scope().kind == inp_Scope::Kind::Assembly)
     keyword.Body()->kind = assemblyKind(keyword.Kind());
-  (isHistory(keyword) ? m_history : m_keywords).push_back(keyword);
+  if (keyword.Kind() == inp_KwAssembly && !m_hasAssembly) {
+    m_hasAssembly = true;
+    m_assemblyAt = m_keywords.size();
+  }
+  if (m_hasAssembly && isOfPart(keyword))
+    m_lateParts.push_back(keyword);
+  else
+    (isHistory(keyword) ? m_history : m_keywords).push_back(keyword);
 }

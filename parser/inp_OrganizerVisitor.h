@@ -9,6 +9,7 @@
 // - in a deck of parts and instances, *NSET, *ELSET and *ELEMENT that stand in the assembly and
 //   outside of its instances become the assembly's own kinds, so that visitors tell by the
 //   operation they are called with whether labels are an instance's or the assembly's;
+// - parts written behind the assembly move in front of it: its instances are made of them;
 // - model data written between or behind the steps moves in front of the first *STEP: it holds for
 //   the whole analysis wherever it stands.
 // Nothing else moves. Within model data and within history the deck's order is kept, because it
@@ -27,4 +28,7 @@ private:
   bool m_featureEnhanced;
   inp_KeywordList m_keywords; // model data
   inp_KeywordList m_history;  // behind it once all is seen
+  bool m_hasAssembly = false;
+  std::size_t m_assemblyAt = 0; // place of the assembly in m_keywords
+  inp_KeywordList m_lateParts;  // parts behind it
 };

@@ -1,8 +1,8 @@
 #include "parser/inp_Parser.h"
-#include "parser/inp_KeywordTable.h"
 #include "base/utl_File.h"
 #include "parser/inp_IncludeFinder.h"
 #include "parser/inp_KeywordReader.h"
+#include "parser/inp_KeywordTable.h"
 #include "parser/inp_ScopeTracker.h"
 #include "parser/inp_Structure.h"
 #include "parser/inp_SuboptionChain.h"
@@ -72,6 +72,7 @@ struct inp_Parser::Impl {
   void ReportHeadless(const inp_DataSegment& segment);
   void Include(const inp_KeywordBody& include);
   void TakeDataFile(inp_KeywordBody& body);
+  static bool IsSubstructureLibrary(const inp_KeywordBody& body, const inp_Parameter& parameter);
   void ReadDataFile(const inp_DeckTextPtr& text);
   inp_DeckTextPtr OpenNamed(const inp_KeywordBody& body, const inp_Parameter& parameter);
   bool IsReadable(const inp_DeckText& text, const inp_Structure& found);
@@ -314,11 +315,20 @@ void inp_Parser::Impl::Include(const inp_KeywordBody& include) {
       inp_Keyword(std::make_shared<inp_KeywordBody>(include), {}), "INPUT is missing: what file?"));
 }
 
+// *ELEMENT, TYPE=Zn, FILE= names the library that holds the substructure, not a file of data lines.
+bool inp_Parser::Impl::IsSubstructureLibrary(const inp_KeywordBody& body,
+                                             const inp_Parameter& parameter) {
+  if (body.kind != inp_KwElement || parameter.name != "file") return false;
+  return std::any_of(body.parameters.begin(), body.parameters.end(), [](const inp_Parameter& p) {
+    return p.name == "type" && !p.value.AsString().empty() && p.value.AsString().front() == 'Z';
+  });
+}
+
 void inp_Parser::Impl::TakeDataFile(inp_KeywordBody& body) {
   for (std::size_t i = 0; i < body.parameters.size(); ++i) {
     const inp_Parameter& parameter = body.parameters[i];
     if (!inp_KeywordReader::NamesDataFile(body.kind, parameter.name)) continue;
-    if (parameter.value.IsFlag()) continue;
+    if (parameter.value.IsFlag() || IsSubstructureLibrary(body, parameter)) continue;
     parameter.referred = true;
     body.dataFile = static_cast<int>(i);
     if (const inp_DeckTextPtr text = OpenNamed(body, parameter)) ReadDataFile(text);

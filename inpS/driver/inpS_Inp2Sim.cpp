@@ -27,6 +27,9 @@ bool inpS_Inp2Sim::Parse() {
   inp_Parser parser(m_deckPath, m_directory, {}, "", true, true, false);
   m_keywords = parser.Parse(true);
   wip_WIPBase& host = wip_WIPBase::Instance();
+  // Faults of the text leave keywords behind, so that a host may look for what else there is;
+  // without one of its files a deck tells nothing.
+  if (!parser.FileErrors().empty()) m_keywords.clear();
   for (const auto* errors : {&parser.FileErrors(), &parser.SyntaxErrors()}) {
     if (errors->empty()) continue;
     host.ErrorList(*errors, 1);
@@ -163,7 +166,9 @@ bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) {
   }
   KeepVerbatim(true);
   Labelers labelers;
-  return RunPhases(RestartPhases(), "inp2sim-", labelers);
+  const bool good = RunPhases(RestartPhases(), "inp2sim-", labelers);
+  ListUnreadParameters();
+  return good;
 }
 
 bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document, const cow_String&) {

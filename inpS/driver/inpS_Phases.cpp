@@ -303,6 +303,7 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
   bool good = !mesh.IsError();
   mesh.SaveElementTypes(transaction);
   if (!good) mesh.Discard();
+  labelers.holdUnstored = !good;
   if (good) {
     mesh.SaveMeshAndUserNodes(transaction);
     mesh.SaveMeshAndUserElements(transaction);
@@ -318,6 +319,7 @@ bool Driver::ProcessSubstructureOutput(Labelers& labelers) {
 }
 
 bool Driver::SaveNodeLabels(Labelers& labelers) {
+  if (labelers.holdUnstored) return true;
   KvoSimTransaction transaction(m_document.ContextID());
   labelers.nodes->Save(transaction);
   transaction.Commit();
@@ -325,6 +327,7 @@ bool Driver::SaveNodeLabels(Labelers& labelers) {
 }
 
 bool Driver::SaveElementLabels(Labelers& labelers) {
+  if (labelers.holdUnstored) return true;
   KvoSimTransaction transaction(m_document.ContextID());
   labelers.elements->Save(transaction);
   transaction.Commit();

@@ -5,6 +5,12 @@
 #include "database/KvoSimTransaction.h"
 #include "inpS/messages/inpS_LocatedText.h"
 
+void inpS_ModelVisitor::VisitHeading(const inp_Keyword& keyword) {
+  if (m_hasHeading)
+    Warning(keyword, "A deck has one heading; this one takes the place of the first.");
+  m_hasHeading = true;
+}
+
 void inpS_ModelVisitor::VisitPart(const inp_Keyword& keyword) {
   const inp_Item* name = keyword.Find("name");
   if (!name || name->AsString().empty()) {

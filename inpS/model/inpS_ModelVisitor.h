@@ -8,8 +8,10 @@ class inpS_ModelVisitor : public inpS_Visitor {
 public:
   explicit inpS_ModelVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
 
+  void VisitHeading(const inp_Keyword& keyword) override;
   void VisitPart(const inp_Keyword& keyword) override;
 
 private:
   const inpS_Inventory& m_inventory;
+  bool m_hasHeading = false;
 };

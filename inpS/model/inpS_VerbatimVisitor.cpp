@@ -25,6 +25,7 @@ inpS_VerbatimVisitor::inpS_VerbatimVisitor(const inpS_Inventory& inventory,
 }
 
 void inpS_VerbatimVisitor::ContinuePositions() {
+  m_isRestart = true;
   const KvoSimContext context = m_inventory.GetDocument().Context();
   for (const KvoSimPosition& kept : context.GetRecords(eds_RecordKind::VerbatimKeyword)) {
     const KvoSimDataRecord record = kept.DataRecord();
@@ -64,6 +65,10 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   }
   const int block = BlockOf(keyword);
   if (IsModelled(keyword)) return;
+  if (m_isRestart && keyword.Kind() == inp_KwRestart && keyword.HasParameter("read")) {
+    keyword.ReferAll(); // it has been carried out: the model is whole now
+    return;
+  }
   keyword.ReferAll();
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (!row || row->role != inp_KeywordRole::Close) Count(keyword); // the opening one speaks for it

@@ -32,6 +32,7 @@ private:
 
   const inpS_Inventory& m_inventory;
   cow_List<bool> m_modelled;
+  bool m_isRestart = false;
   const inp_Scope* m_scope = nullptr; // of the keyword before
   inp_ScopePtr m_scopeHeld;
   Place m_place{};

@@ -213,7 +213,10 @@ void Impl::PrintKept(const inpS_DeckScope& scope, int block) {
 }
 
 void Impl::PrintHeading(const inpS_DeckScope& scope) {
-  if (!scope.owner.HasAnnotation()) return;
+  const bool isEmpty = kept.empty() && doc.GetModel().Parts().empty() &&
+                       doc.GetModel().GetAssembly().IsNull() &&
+                       (!HasMesh() || labels->mesh.NodeBlocks().empty());
+  if (!scope.owner.HasAnnotation() && !isEmpty) return; // a deck holds one keyword at least
   const cow_String heading = scope.owner.GetAnnotation();
   *out << "*HEADING\n" << heading;
   if (!heading.empty() && heading.back() != '\n') *out << '\n';

@@ -1,5 +1,6 @@
 #include "base/bcu_ResourceMonitor.h"
 #include "base/wip_WIPBase.h"
+#include "database/KvoObjLabeler.h"
 #include "database/KvoObjMesh.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
@@ -121,6 +122,16 @@ TEST_F(Driver, ARestartAddsToWhatIsThere) {
   EXPECT_EQ(document.GetMesh().ElementBlocks().size(), 1u);
   EXPECT_EQ(m_recorder.marks.back(), "inp2sim-res-saveelems-End");
   EXPECT_EQ(m_driver->NotModelled().size(), 2u); // kept, not lost
+}
+
+TEST_F(Driver, AFailedRestartLeavesNoLabelsBehind) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  EXPECT_TRUE(Prepare(kTwoNodes).Convert(document));
+  EXPECT_FALSE(Prepare("*NODE\n77, 1., 1., 1.\n2, 5., 5., 5.\n").ConvertRestart(document));
+  KvoObjLabeler labeler(document, 0);
+  labeler.Read();
+  EXPECT_EQ(labeler.Size(0), 3);
+  EXPECT_TRUE(Prepare("*NODE\n77, 1., 1., 1.\n").ConvertRestart(document));
 }
 
 TEST_F(Driver, RecoveryAlwaysSucceeds) {
