@@ -2,10 +2,13 @@
 
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
+#include "host/inps_Json.h"
 #include "host/inps_ModelDiff.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
+#include <nlohmann/json.hpp>
 #include <ostream>
+#include <sstream>
 
 int inps_diff(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
@@ -13,8 +16,16 @@ int inps_diff(inps_Session& session, const inps_Arguments& arguments) {
     const KvoObjDocument a = inps_openModelOrDeck(arguments.Path(0));
     const KvoObjDocument b = inps_openModelOrDeck(arguments.Path(1));
     if (a.IsNull() || b.IsNull()) return inps_ExitFaults;
-    const long long differences = inps_diffModels(a, b, session.out);
-    if (!run.IsQuiet())
+    std::ostringstream lines;
+    const long long differences = inps_diffModels(a, b, run.IsJson() ? lines : session.out);
+    if (run.IsJson()) {
+      run.Json()["same"] = differences == 0;
+      run.Json()["differences"] = differences;
+      inps_Json list = inps_Json::array();
+      std::istringstream in(lines.str());
+      for (std::string line; std::getline(in, line);) list.push_back(line);
+      run.Json()["lines"] = std::move(list);
+    } else if (!run.IsQuiet())
       session.out << (differences ? inps_counted(differences, "difference")
                                   : cow_String("the models are the same"))
                   << '\n';

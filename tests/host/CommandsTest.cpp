@@ -25,6 +25,8 @@ TEST_F(Commands, ConvertInfoWriteAndBack) {
     const ProgramRun diff({"diff", File("a.sim"), other});
     EXPECT_EQ(diff.exitCode, 0);
     EXPECT_EQ(diff.out, "the models are the same\n");
+    const ProgramRun asJson({"diff", File("a.sim"), other, "--json"});
+    EXPECT_NE(asJson.out.find("\"same\": true"), cow_String::npos) << asJson.out;
   }
   EXPECT_EQ(ProgramRun({"dump", File("a.sim")}).out, ProgramRun({"dump", deck}).out);
   EXPECT_NE(ProgramRun({"info", File("a.sim")}).out.find("8 nodes, 1 element"), cow_String::npos);
