@@ -110,6 +110,7 @@ KvoSimPosition KvoObjMesh::AddNodes(const KvoMeshNodeBlock& block) {
   record.SetInt(eds_NodeBlock_First, block.first);
   record.SetInt(eds_NodeBlock_Count, block.count);
   record.SetInt(eds_NodeBlock_CoordinateCount, block.coordinateCount);
+  if (block.generated != 0) record.SetInt(eds_NodeBlock_Generated, block.generated);
   setArray(record, eds_NodeBlock_Coordinates, block.coordinates);
   setArray(record, eds_NodeBlock_NormalOrdinals, block.normalOrdinals);
   setArray(record, eds_NodeBlock_Normals, block.normals);
@@ -169,6 +170,7 @@ std::vector<KvoMeshNodeBlock> KvoObjMesh::NodeBlocks(const KvoSimPosition& owner
     block.first = record.GetInt64(eds_NodeBlock_First);
     block.count = record.GetInt64(eds_NodeBlock_Count);
     block.flatFirst = record.GetInt64(eds_NodeBlock_FlatFirst);
+    block.generated = record.GetInt64(eds_NodeBlock_Generated);
     block.coordinateCount = record.GetInt(eds_NodeBlock_CoordinateCount);
     block.coordinates = arrayOf(record, eds_NodeBlock_Coordinates);
     block.normalOrdinals = arrayOf(record, eds_NodeBlock_NormalOrdinals);

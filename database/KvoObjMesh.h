@@ -14,6 +14,7 @@ struct KvoMeshNodeBlock {
   int64_t first = 0; // ordinal within the owner
   int64_t count = 0;
   int64_t flatFirst = -1;     // ordinal in the flat mesh; -1 for a part, which is only a pattern
+  int64_t generated = 0;      // the last ones of it: not given, elements brought them along
   int coordinateCount = 3;    // coordinates as given in the deck; stored are always 3
   eds_ArrayID coordinates;    // width 3, one item per node; may be another block's
   eds_ArrayID normalOrdinals; // int32, ordinals within the block, ascending; null = no normals

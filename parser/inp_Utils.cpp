@@ -108,6 +108,20 @@ cow_List<cow_String> inp_Utils::SplitScopedSet(const cow_String& name) {
   return parts;
 }
 
+cow_List<cow_String> inp_Utils::SplitScopedField(std::string_view asWritten) {
+  cow_List<cow_String> parts;
+  bool quoted = false;
+  std::size_t begin = 0;
+  for (std::size_t at = 0; at <= asWritten.size(); ++at) {
+    const bool ends = at == asWritten.size();
+    if (!ends && asWritten[at] == '"') quoted = !quoted;
+    if (!ends && (quoted || asWritten[at] != '.')) continue;
+    parts.push_back(Fold(asWritten.substr(begin, at - begin)));
+    begin = at + 1;
+  }
+  return parts;
+}
+
 bool inp_Utils::IsScopedSetName(const cow_List<cow_String>& parts) {
   return isScoped(parts) && !isInteger(parts.back());
 }

@@ -25,6 +25,9 @@ public:
 
   // Scoped names: instance name, dot, set name (or number).
   static cow_List<cow_String> SplitScopedSet(const cow_String& name);
+  // The same of a field or a value as it is written: dots within quotes belong to a name. The
+  // pieces are folded.
+  static cow_List<cow_String> SplitScopedField(std::string_view asWritten);
   static bool IsScopedSetName(const cow_List<cow_String>& parts);
   static bool IsScopedSetId(const cow_List<cow_String>& parts); // the last piece is a number
   static cow_String CreateFlattenedName(const cow_String& scope, const cow_String& name);

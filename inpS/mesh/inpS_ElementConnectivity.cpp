@@ -28,7 +28,7 @@ inpS_ElementBlock& inpS_ElementConnectivity::BlockFor(const Kind& kind, long lon
                                                       const KvoSimPosition& owner) {
   const bool fits = !m_blocks.empty() && m_blocks.back().spec == kind.spec &&
                     m_blocks.back().width == kind.width && m_blocks.back().held == kind.held &&
-                    m_blocks.back().source == kind.source;
+                    m_blocks.back().source == kind.source && m_blocks.back().offset == kind.offset;
   if (!fits) {
     CloseLast();
     inpS_ElementBlock& block = m_blocks.emplace_back();
@@ -36,6 +36,7 @@ inpS_ElementBlock& inpS_ElementConnectivity::BlockFor(const Kind& kind, long lon
     block.width = block.topology = kind.width;
     block.source = kind.source;
     block.held = kind.held;
+    block.offset = kind.offset;
     block.first = first;
     if (!kind.held) m_writer.emplace(owner, eds_ValueType::Int32, kind.width);
   }

@@ -31,8 +31,10 @@ struct inpS_ElementBlock {
   bool referenceNode = false; // the extra node is a reference node, not a beam's direction
   long long first = 0;        // ordinal of the first element within the owner
   cow_String source;          // parameters of the keyword that the writer gives back
+  int offset = 0;             // between the node labels of planes, where some were implied
   bool ragged = false;        // some elements have fewer nodes than width
   bool held = false;          // in `nodes`, as labels
+  bool completed = false;     // has the nodes that its elements bring along
   long long count = 0;
   utl_Buffer<int> nodes;
   eds_ArrayID array;
@@ -50,6 +52,7 @@ public:
     int width;
     cow_String source;
     bool held;
+    int offset = 0;
   };
   // The last block when it takes such elements, else a new one that begins at ordinal `first`.
   inpS_ElementBlock& BlockFor(const Kind& kind, long long first, const inp_Keyword& keyword,

@@ -11,7 +11,7 @@ namespace {
 constexpr long long kMaxLabel = 999999999;
 
 bool readScoped(const cow_String& text, cow_List<int>& fields, cow_List<inpS_ScopedNode>& scoped) {
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(text);
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(text);
   if (!inp_Utils::IsScopedSetId(parts)) return false;
   const int label = std::atoi(parts.back().c_str());
   scoped.push_back({0, static_cast<int>(fields.size()) - 1, parts[parts.size() - 2], label});
@@ -42,7 +42,7 @@ bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& f
         continue;
       }
       if (kind == inp_FieldType::String && scoped && !fields.empty() &&
-          readScoped(data.AsString(row, col), fields, *scoped))
+          readScoped(data.AsStringVerbatim(row, col), fields, *scoped))
         continue;
       messages.AddError(inp_Utils::MessageAtField(
           keyword, row, col,

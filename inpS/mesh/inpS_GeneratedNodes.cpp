@@ -8,6 +8,7 @@ namespace {
 constexpr int kDefaultOffset = 100000;
 constexpr int kGivenGasketNodes = 16;
 constexpr int kGasketNodes = 18;
+constexpr int kMaxLabel = 999999999;
 
 // Corners and middles of the bottom and of the top face among the 16 nodes given.
 constexpr int kFaces[2][8] = {{0, 1, 2, 3, 8, 9, 10, 11}, {4, 5, 6, 7, 12, 13, 14, 15}};
@@ -39,20 +40,30 @@ bool middleOf(inpS_MeshScope& scope, const KvoObjLabeler& labeler, const int* no
   return true;
 }
 
-void completeGasket(inpS_MeshScope& scope, inpS_ElementBlock& block, KvoObjLabeler& labeler,
-                    int& largestLabel) {
+// Labels above the largest of the deck, as long as there are any.
+int newLabel(const inpS_MeshScope& scope, const KvoObjLabeler& labeler, int& largestLabel) {
+  if (largestLabel < kMaxLabel) return ++largestLabel;
+  int label = kMaxLabel;
+  while (labeler.HasInstanceLabel(scope.nodeOccurrence, label)) --label;
+  return label;
+}
+
+// Elements given with all their nodes may stand among those to be completed.
+void completeGaskets(inpS_MeshScope& scope, inpS_ElementBlock& block, KvoObjLabeler& labeler,
+                     int& largestLabel) {
   const auto elements = static_cast<std::size_t>(block.count);
+  const auto width = static_cast<std::size_t>(block.width);
   utl_Buffer<int> nodes(elements * kGasketNodes);
   for (std::size_t n = 0; n < elements; ++n) {
-    const int* given = block.nodes.Data() + n * kGivenGasketNodes;
+    const int* given = block.nodes.Data() + n * width;
     int* all = nodes.Data() + n * kGasketNodes;
-    std::copy(given, given + kGivenGasketNodes, all);
+    std::fill(std::copy_n(given, width, all), all + kGasketNodes, 0);
     for (int face = 0; face < 2; ++face) {
       double middle[3];
       int& label = all[kGivenGasketNodes + face];
-      label = 0; // a node is missing, which is reported when the element is resolved
-      if (!middleOf(scope, labeler, given, kFaces[face], middle)) continue;
-      label = ++largestLabel;
+      // A node that is missing is reported when the element is resolved.
+      if (label != 0 || !middleOf(scope, labeler, given, kFaces[face], middle)) continue;
+      label = newLabel(scope, labeler, largestLabel);
       addNode(scope, labeler, label, middle);
     }
   }
@@ -60,28 +71,81 @@ void completeGasket(inpS_MeshScope& scope, inpS_ElementBlock& block, KvoObjLabel
   block.width = block.topology = kGasketNodes;
 }
 
+bool isGasketOf18(const cow_String& type) {
+  return type == "GK3D18" || type == "GK3D18N";
+}
+
+bool isGasketToComplete(const inpS_ElementBlock& block, const cow_List<cow_String>& types) {
+  return isGasketOf18(types[static_cast<std::size_t>(block.spec)]) && block.held &&
+         !block.completed;
+}
+
+long long countOf(const int* nodes, long long width) {
+  while (width > 0 && nodes[width - 1] == 0) --width;
+  return width;
+}
+
 } // namespace
 
-void inpS_GeneratedNodes::AddFourierPlanes(const inp_Keyword& keyword,
-                                           const inpS_ElementParameters& type,
-                                           inpS_ElementTopologyReader& reader,
-                                           inpS_MeshScope& scope) {
-  const inp_Item* given = keyword.Find("offset");
-  const int offset = given && given->IsNumber() ? given->AsInt() : kDefaultOffset;
+inpS_GeneratedNodes::Planes
+inpS_GeneratedNodes::AddFourierPlanes(const inp_Keyword& keyword,
+                                      const inpS_ElementParameters& type,
+                                      inpS_ElementTopologyReader& reader, inpS_MeshScope& scope) {
+  const inp_Item* item = keyword.Find("offset");
+  const int offset = item && item->IsNumber() ? item->AsInt() : kDefaultOffset;
   const int plane = type.MinNodesPerElement(), width = type.MaxNodesPerElement();
-  if (reader.Width() != plane) return; // all planes given
   const auto elements = static_cast<std::size_t>(reader.Count());
+  const auto given = static_cast<std::size_t>(reader.Width());
+  const auto isPlane = [&](std::size_t n) {
+    return countOf(reader.Nodes().Data() + n * given, reader.Width()) == plane;
+  };
+  bool any = false;
+  for (std::size_t n = 0; n < elements && !any; ++n) any = isPlane(n);
+  Planes planes;
+  if (!any) return planes;
+  planes.offset = offset;
   utl_Buffer<int> nodes(elements * static_cast<std::size_t>(width));
   for (std::size_t n = 0; n < elements; ++n) {
-    const int* base = reader.Nodes().Data() + n * static_cast<std::size_t>(plane);
+    const int* base = reader.Nodes().Data() + n * given;
     int* all = nodes.Data() + n * static_cast<std::size_t>(width);
-    for (int i = 0; i < width; ++i) {
+    std::fill(std::copy_n(base, given, all), all + width, 0);
+    if (!isPlane(n)) continue;
+    for (int i = plane; i < width; ++i) {
       const int from = base[i % plane];
-      all[i] = from + i / plane * offset;
-      if (i >= plane) scope.impliedNodes.Append({all[i], from});
+      const long long label = from + static_cast<long long>(i / plane) * offset;
+      if (label > kMaxLabel || label <= 0) {
+        planes.tooFar.push_back(reader.Labels()[n]);
+        std::fill(all + i, all + width, base[0]); // told once; the mesh fails
+        break;
+      }
+      all[i] = static_cast<int>(label);
+      scope.impliedNodes.Append({all[i], from});
     }
   }
   reader.Widen(std::move(nodes), width);
+  return planes;
+}
+
+cow_List<int> inpS_GeneratedNodes::AcrossInstances(const inpS_ElementParameters& type,
+                                                   inpS_ElementTopologyReader& reader) {
+  cow_List<int> elements;
+  if (!type.IsOffsetElement() && !isGasketOf18(type.Name())) return elements;
+  const long long given = reader.Width();
+  for (const inpS_ScopedNode& node : reader.ScopedNodes()) {
+    const long long count = countOf(reader.Nodes().Data() + node.element * given, given);
+    const bool leavesNodes =
+        type.IsOffsetElement() ? count == type.MinNodesPerElement() : count < kGasketNodes;
+    const int label = reader.Labels()[static_cast<std::size_t>(node.element)];
+    if (leavesNodes && (elements.empty() || elements.back() != label)) elements.push_back(label);
+  }
+  return elements;
+}
+
+bool inpS_GeneratedNodes::TakesNewLabels(const inpS_MeshScope& scope,
+                                         const cow_List<cow_String>& types) {
+  const auto& blocks = scope.elements.Blocks();
+  return std::any_of(blocks.begin(), blocks.end(),
+                     [&](const auto& block) { return isGasketToComplete(block, types); });
 }
 
 void inpS_GeneratedNodes::Complete(inpS_MeshScope& scope, const cow_List<cow_String>& types,
@@ -96,10 +160,8 @@ void inpS_GeneratedNodes::Complete(inpS_MeshScope& scope, const cow_List<cow_Str
   }
   scope.impliedNodes = {};
   for (inpS_ElementBlock& block : scope.elements.Blocks()) {
-    const cow_String& type = types[static_cast<std::size_t>(block.spec)];
-    const bool gasket = type == "GK3D18" || type == "GK3D18N";
-    if (gasket && block.width == kGivenGasketNodes)
-      completeGasket(scope, block, labeler, largestLabel);
+    if (isGasketToComplete(block, types)) completeGaskets(scope, block, labeler, largestLabel);
+    block.completed = true;
   }
   scope.nodes.FinishGenerated();
 }

@@ -12,9 +12,21 @@ class inpS_GeneratedNodes {
 public:
   // Axisymmetric elements with Fourier modes may give the nodes of their first plane only. The
   // nodes of plane k are numbered from those by k times the keyword's "offset", 100000 where it is
-  // absent, and lie at the same r and z.
-  static void AddFourierPlanes(const inp_Keyword& keyword, const inpS_ElementParameters& type,
-                               inpS_ElementTopologyReader& reader, inpS_MeshScope& scope);
+  // absent, and lie at the same r and z. The offset is 0 when all elements have all planes.
+  struct Planes {
+    int offset = 0;
+    cow_List<int> tooFar; // elements whose nodes would get labels that no node may have
+  };
+  static Planes AddFourierPlanes(const inp_Keyword& keyword, const inpS_ElementParameters& type,
+                                 inpS_ElementTopologyReader& reader, inpS_MeshScope& scope);
+
+  // Elements that leave nodes to be made and name others by instance: where those lie is not known
+  // to the element's owner.
+  static cow_List<int> AcrossInstances(const inpS_ElementParameters& type,
+                                       inpS_ElementTopologyReader& reader);
+
+  // Whether Complete will take labels above the largest of the deck.
+  static bool TakesNewLabels(const inpS_MeshScope& scope, const cow_List<cow_String>& types);
 
   // When everything is read: adds the implied nodes that the deck does not define, and the middle
   // nodes of 18-node gaskets given with 16, which take the labels above the largest of the deck and

@@ -60,7 +60,7 @@ void inpS_MeshStore::SaveExtraNodes() {
     if (isPart(scope)) continue;
     const auto gather = [&](const inpS_MeshScope& from) {
       for (const inpS_ElementBlock& block : from.elements.Blocks()) {
-        if (block.width == block.topology) continue;
+        if (block.width <= block.topology) continue;
         utl_Buffer<int>& pairs = block.referenceNode ? references : beams;
         for (long long n = 0; n < block.count; ++n) {
           const int node = block.nodes[static_cast<std::size_t>(n * block.width + block.topology)];
@@ -110,6 +110,7 @@ void inpS_MeshStore::SaveOwnNodes(inpS_MeshScope& scope) {
   block.first = scope.nodeCount - nodes.Count();
   block.count = nodes.Count();
   block.flatFirst = isPart(scope) ? -1 : scope.nodeBase + block.first;
+  if (scope.generatedFrom >= 0) block.generated = scope.nodeCount - scope.generatedFrom;
   block.coordinates = nodes.Array();
   if (!nodes.NormalOrdinals().IsEmpty()) {
     block.normalOrdinals =
@@ -127,6 +128,7 @@ void inpS_MeshStore::SaveCopiedNodes(const inpS_MeshScope& scope, const inpS_Mes
   block.owner = scope.owner;
   block.count = part.nodes.Count();
   block.flatFirst = scope.nodeBase;
+  if (part.generatedFrom >= 0) block.generated = part.nodeCount - part.generatedFrom;
   block.coordinates = part.nodes.Array();
   block.normalOrdinals = part.normalOrdinals;
   block.normals = part.normals;
@@ -173,6 +175,7 @@ void inpS_MeshStore::SaveOwnElements(inpS_MeshScope& scope, const cow_List<KvoSi
     stored.flatFirst = isPart(scope) ? -1 : scope.elementBase + block.first;
     stored.nodeBase = scope.nodeBase;
     stored.width = block.width;
+    stored.offset = block.offset;
     stored.source = block.source;
     stored.connectivity = block.array;
     mesh.AddElements(stored);

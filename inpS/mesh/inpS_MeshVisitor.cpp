@@ -16,6 +16,12 @@
 #include "parser/inp_Utils.h"
 #include <algorithm>
 
+namespace {
+
+constexpr long long kMaxLabel = 999999999;
+
+} // namespace
+
 inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory)
     : m_nodes(nodes), m_elements(elements), m_inventory(inventory) {
@@ -32,7 +38,15 @@ const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
 }
 
 void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
-  inpS_Visitor::VisitList(keywords);
+  // An instance shares what its part is when it opens: parts come first wherever they stand.
+  const auto isOfParts = [](const inp_Keyword& keyword) {
+    return keyword.Scope().kind == inp_Scope::Kind::Part || keyword.Kind() == inp_KwUserElement;
+  };
+  for (const inp_Keyword& keyword : keywords)
+    if (isOfParts(keyword)) Visit(keyword);
+  CompleteParts(keywords);
+  for (const inp_Keyword& keyword : keywords)
+    if (!isOfParts(keyword)) Visit(keyword);
   Finish();
   ReportUnreferredParameters(keywords, ModelledKinds());
 }
@@ -283,8 +297,18 @@ void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& 
   inpS_ElementTopologyReader reader(parameters, *this);
   reader.Read(keyword, scope.kind == inpS_MeshScope::Kind::Root);
   if (reader.Count() == 0) return;
-  if (parameters.IsOffsetElement())
-    inpS_GeneratedNodes::AddFourierPlanes(keyword, parameters, reader, scope);
+  const cow_List<int> across = inpS_GeneratedNodes::AcrossInstances(parameters, reader);
+  if (!across.empty())
+    AddError(inp_Utils::MessageInKeyword(
+        keyword, "Elements with nodes of instances must list all their nodes: ", across));
+  if (parameters.IsOffsetElement()) {
+    const auto planes = inpS_GeneratedNodes::AddFourierPlanes(keyword, parameters, reader, scope);
+    kind.offset = planes.offset;
+    if (!planes.tooFar.empty())
+      AddError(inp_Utils::MessageInKeyword(
+          keyword, "OFFSET leads to node labels that are not from 1 to 999999999 in elements: ",
+          planes.tooFar));
+  }
   kind.width = reader.Width();
   kind.held = true;
   const long long first = m_elements.Size(scope.elementOccurrence);
@@ -367,7 +391,7 @@ void inpS_MeshVisitor::ReadSet(const inp_Keyword& keyword, inpS_SetKind kind,
     entry.name = ofElset->AsString();
     entry.instance = instance;
     entry.keyword = static_cast<int>(set.keywords.size()) - 1;
-    const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(entry.name);
+    const cow_List<cow_String> parts = inp_Utils::SplitScopedField(ofElset->Verbatim());
     if (inp_Utils::IsScopedSetName(parts)) {
       entry.instance = parts[parts.size() - 2];
       entry.name = parts.back();
@@ -421,10 +445,40 @@ void inpS_MeshVisitor::ResolveScopedNodes(inpS_MeshScope& scope) {
   }
 }
 
-void inpS_MeshVisitor::Finish() {
-  cow_List<cow_String> types;
-  for (const ElementType& type : m_types) types.push_back(type.name);
+cow_List<cow_String> inpS_MeshVisitor::TypeNames() const {
+  cow_List<cow_String> names;
+  for (const ElementType& type : m_types) names.push_back(type.name);
+  return names;
+}
+
+// New labels must not meet those of the nodes that instances add to their part's.
+void inpS_MeshVisitor::CompleteParts(inp_KeywordListRef keywords) {
+  const cow_List<cow_String> types = TypeNames();
+  const auto takesLabels = [&](const inpS_MeshScope& scope) {
+    return inpS_GeneratedNodes::TakesNewLabels(scope, types);
+  };
+  if (std::any_of(m_scopes.All().begin(), m_scopes.All().end(), takesLabels)) {
+    for (const inp_Keyword& keyword : keywords) {
+      if (keyword.Kind() != inp_KwNode || keyword.Scope().kind != inp_Scope::Kind::Instance)
+        continue;
+      const inp_DataArray& data = keyword.Data();
+      for (long long row = 0; row < data.Rows(); ++row)
+        if (data.Cols(row) > 0 && data.Type(row, 0) == inp_FieldType::Integer &&
+            data.AsInt64(row, 0) <= kMaxLabel)
+          m_largestNodeLabel = std::max(m_largestNodeLabel, data.AsInt(row, 0));
+    }
+  }
   for (inpS_MeshScope& scope : m_scopes.All()) {
+    if (scope.kind != inpS_MeshScope::Kind::Part) continue;
+    scope.nodes.Finish();
+    inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
+  }
+}
+
+void inpS_MeshVisitor::Finish() {
+  const cow_List<cow_String> types = TypeNames();
+  for (inpS_MeshScope& scope : m_scopes.All()) {
+    if (scope.kind == inpS_MeshScope::Kind::Part) continue;
     scope.nodes.Finish();
     inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
   }

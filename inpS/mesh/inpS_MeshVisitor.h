@@ -75,6 +75,8 @@ private:
   void LabelElements(inpS_MeshScope& scope, std::span<const int> labels, LabelFaults& faults);
   void ReportLabels(const inp_Keyword& keyword, const LabelFaults& faults);
   void ResolveScopedNodes(inpS_MeshScope& scope);
+  cow_List<cow_String> TypeNames() const;
+  void CompleteParts(inp_KeywordListRef keywords);
   void Finish();
 
   KvoObjLabeler& m_nodes;

@@ -95,11 +95,14 @@ void inpS_NodeList::Finish() {
   SortNormals();
 }
 
+void inpS_NodeList::LoadPoints() {
+  if (!m_points.IsEmpty() || m_count == 0) return;
+  m_points.Resize(3 * static_cast<std::size_t>(m_count));
+  eds_ArrayReader(m_array).ReadPiece(0, std::span<double>(m_points));
+}
+
 const double* inpS_NodeList::Point(long long ordinal) {
-  if (m_points.IsEmpty()) {
-    m_points.Resize(3 * static_cast<std::size_t>(m_count));
-    eds_ArrayReader(m_array).ReadPiece(0, std::span<double>(m_points));
-  }
+  LoadPoints();
   return m_points.Data() + 3 * static_cast<std::size_t>(ordinal - m_base);
 }
 
@@ -109,6 +112,7 @@ void inpS_NodeList::AddGenerated(const double point[3], const KvoSimPosition& ow
     m_array = m_writer->Finish();
     m_writer.reset();
   }
+  LoadPoints();
   m_points.Append({point, 3});
   ++m_count;
 }

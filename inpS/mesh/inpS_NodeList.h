@@ -51,6 +51,7 @@ private:
   void Scatter(const inpS_NodePiece& nodes, std::span<const int> ordinals, inpS_SetDefinition* set,
                cow_List<int>& refused);
   void FlushMoved();
+  void LoadPoints();
   void MergeNormals(const inpS_NodePiece& nodes, std::span<const int> ordinals, bool allNew);
   void SortNormals();
 

@@ -86,8 +86,7 @@ void inpS_SetReader::ReadField(long long row, int col) {
 }
 
 void inpS_SetReader::ReadName(long long row, int col) {
-  const cow_String name = m_data.AsString(row, col);
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(name);
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(m_data.AsStringVerbatim(row, col));
   if (inp_Utils::IsScopedSetId(parts)) {
     const long long label = std::atoll(parts.back().c_str());
     LabelsOf(parts[parts.size() - 2], row, col).labels.Append(static_cast<int>(label));
@@ -96,7 +95,7 @@ void inpS_SetReader::ReadName(long long row, int col) {
   inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Set, row, col);
   const bool scoped = inp_Utils::IsScopedSetName(parts);
   entry.instance = scoped ? parts[parts.size() - 2] : m_instance;
-  entry.name = scoped ? parts.back() : name;
+  entry.name = scoped ? parts.back() : m_data.AsString(row, col);
 }
 
 void inpS_SetReader::GenerateSetIds() {
@@ -134,7 +133,7 @@ void inpS_SetReader::GenerateRow(long long row) {
 
 inpS_SetReader::Id inpS_SetReader::ReadId(long long row, int col) {
   if (m_data.Type(row, col) == inp_FieldType::Integer) return {m_data.AsInt64(row, col), {}, true};
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(m_data.AsString(row, col));
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(m_data.AsStringVerbatim(row, col));
   if (m_data.Type(row, col) == inp_FieldType::String && inp_Utils::IsScopedSetId(parts))
     return {std::atoll(parts.back().c_str()), parts[parts.size() - 2], true};
   m_messages.AddError(inp_Utils::MessageAtField(m_keyword, row, col, "Id must be an integer"));

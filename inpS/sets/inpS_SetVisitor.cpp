@@ -12,6 +12,10 @@ KvoSimCSet membershipOf(const KvoSimPosition& set) {
                                                                   : eds_ElementSet_Membership);
 }
 
+cow_String quoted(const cow_String& name) {
+  return '"' + name + '"';
+}
+
 } // namespace
 
 inpS_SetVisitor::inpS_SetVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -66,8 +70,10 @@ inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) 
   };
   KvoSimPosition owner = m_owner;
   cow_String key = RemoveQuotes(name);
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(key);
-  if (inp_Utils::IsScopedSetName(parts)) {
+  // A name given in quotes may have a dot of its own.
+  const bool whole = !owner.IsNull() && !in(owner, key).IsNull();
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(name);
+  if (!whole && inp_Utils::IsScopedSetName(parts)) {
     owner = model.GetOccurence(parts[parts.size() - 2]);
     key = parts.back();
   }
@@ -191,15 +197,15 @@ bool inpS_SetVisitor::GetElementOrdinal(int label, long long& ordinal) const {
 
 // ---- fields and parameters that are labels or names of sets
 
-bool inpS_SetVisitor::AddField(Kind kind, const cow_String& text, bool isLabel,
+bool inpS_SetVisitor::AddField(Kind kind, const cow_String& asWritten, bool isLabel,
                                cow_List<int>& ordinals) {
   long long ordinal = 0;
   if (isLabel) {
-    if (!OrdinalOf(kind, m_owner, std::atoi(text.c_str()), ordinal)) return false;
+    if (!OrdinalOf(kind, m_owner, std::atoi(asWritten.c_str()), ordinal)) return false;
     ordinals.push_back(static_cast<int>(ordinal));
     return true;
   }
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(text);
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
   if (inp_Utils::IsScopedSetId(parts)) {
     const KvoSimPosition instance =
         m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]);
@@ -208,7 +214,10 @@ bool inpS_SetVisitor::AddField(Kind kind, const cow_String& text, bool isLabel,
     return true;
   }
   eds_MemberSet members;
-  if (!MembersOf(kind, text, members)) return false;
+  const bool scoped = inp_Utils::IsScopedSetName(parts);
+  const cow_String name = scoped ? quoted(parts[parts.size() - 2]) + '.' + quoted(parts.back())
+                                 : inp_Utils::Fold(asWritten);
+  if (!MembersOf(kind, name, members)) return false;
   for (long long n = 0; n < members.Size(); ++n) ordinals.push_back(members[n]);
   return true;
 }
@@ -218,9 +227,9 @@ void inpS_SetVisitor::ReadData(Kind kind, const inp_Keyword& keyword, long long 
   const inp_DataArray& data = keyword.Data();
   for (int cols = data.Cols(row); col < cols; ++col) {
     if (!data.HasValue(row, col)) continue;
-    const cow_String text = data.AsString(row, col);
+    const cow_String text = data.AsStringVerbatim(row, col);
     if (!AddField(kind, text, data.Type(row, col) == inp_FieldType::Integer, ordinals))
-      unknown.push_back(text);
+      unknown.push_back(data.AsString(row, col));
   }
 }
 
@@ -229,7 +238,7 @@ void inpS_SetVisitor::ReadParameter(Kind kind, const inp_Keyword& keyword,
                                     cow_List<cow_String>& unknown) {
   const inp_Item* item = keyword.Find(parameter);
   if (!item || item->IsFlag()) return;
-  if (!AddField(kind, item->AsString(), item->GetKind() == inp_Item::Kind::Integer, ordinals))
+  if (!AddField(kind, item->Verbatim(), item->GetKind() == inp_Item::Kind::Integer, ordinals))
     unknown.push_back(item->AsString());
 }
 

@@ -72,7 +72,7 @@ private:
   bool MembersOf(Kind kind, const cow_String& name, eds_MemberSet& ordinals);
   bool OrdinalOf(Kind kind, const KvoSimPosition& owner, int label, long long& ordinal) const;
   void LabelsOf(Kind kind, const KvoSimPosition& set, cow_List<int>& labels) const;
-  bool AddField(Kind kind, const cow_String& text, bool isLabel, cow_List<int>& ordinals);
+  bool AddField(Kind kind, const cow_String& asWritten, bool isLabel, cow_List<int>& ordinals);
   void ReadData(Kind kind, const inp_Keyword& keyword, long long row, int col,
                 cow_List<int>& ordinals, cow_List<cow_String>& unknown);
   void ReadParameter(Kind kind, const inp_Keyword& keyword, std::string_view parameter,

@@ -17,6 +17,7 @@ constexpr long long kNodesPerPiece = 8 << 10;
 constexpr long long kEntriesPerPiece = 32 << 10;
 constexpr int kFieldsPerLine = 16;
 constexpr int kGasketFirstLine = 10; // label and nine nodes
+constexpr int kGasketNodes = 18;
 constexpr std::size_t kSeparatorRoom = 2;
 
 char* separate(char* p) {
@@ -65,7 +66,8 @@ struct Normals {
 void inpS_MeshPrinter::PrintNodes(const inpS_DeckScope& scope) {
   bool first = true;
   for (const KvoMeshNodeBlock& block : m_labels.mesh.NodeBlocks(scope.owner)) {
-    if (block.first < scope.partNodes) continue; // stands in the part
+    if (block.first < scope.partNodes) continue;  // stands in the part
+    if (block.generated == block.count) continue; // come with their elements again
     if (first) m_out << "*NODE\n";
     first = false;
     PrintNodeBlock(scope, block);
@@ -77,12 +79,13 @@ void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMesh
   const Normals normals(block);
   const eds_LabelMap& labels = m_labels.nodes.Labels(scope.nodes);
   constexpr std::size_t kLine = utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;
-  const long long pieces = (block.count + kNodesPerPiece - 1) / kNodesPerPiece;
+  const long long given = block.count - block.generated;
+  const long long pieces = (given + kNodesPerPiece - 1) / kNodesPerPiece;
   utl_printBlocks(
       m_out, static_cast<std::size_t>(pieces), kLine * kNodesPerPiece,
       [&](std::size_t piece, char* out) {
         const long long begin = static_cast<long long>(piece) * kNodesPerPiece;
-        const long long count = std::min(kNodesPerPiece, block.count - begin);
+        const long long count = std::min(kNodesPerPiece, given - begin);
         thread_local std::vector<double> points(3 * kNodesPerPiece);
         coordinates.Read(begin,
                          std::span<double>(points).first(static_cast<std::size_t>(3 * count)));
@@ -112,7 +115,12 @@ public:
                const KvoMeshElementBlock& block, bool gasket)
       : m_labels(labels), m_block(block), m_nodes(labels.nodes.Labels(scope.nodes)),
         m_elements(labels.elements.Labels(scope.elements)), m_own(m_nodes.Size()),
-        m_firstLine(gasket ? kGasketFirstLine : kFieldsPerLine) {
+        m_firstLine(gasket ? kGasketFirstLine : kFieldsPerLine),
+        m_plane(block.spec.DataRecord().GetInt(eds_ElementSpec_MinNodes)) {
+    for (const KvoMeshNodeBlock& nodes : labels.mesh.NodeBlocks(scope.owner))
+      if (nodes.generated > 0)
+        m_generated.emplace_back(nodes.first + nodes.count - nodes.generated,
+                                 nodes.first + nodes.count);
     for (const cow_String& name : labels.instanceNames)
       m_longestName = std::max(m_longestName, inpS_quoted(name).size());
   }
@@ -124,8 +132,7 @@ public:
   }
 
   char* Print(char* out, long long element, const int* nodes) const {
-    int count = m_block.width;
-    while (count > 0 && nodes[count - 1] < 0) --count;
+    const int count = CountOf(nodes);
     out = utl_printInt(out, m_elements.Label(m_block.first + element));
     int room = m_firstLine - 1;
     for (int n = 0; n < count; ++n) {
@@ -141,6 +148,32 @@ public:
   }
 
 private:
+  // Nodes that the element implies are left out: they come with it again.
+  int CountOf(const int* nodes) const {
+    int count = m_block.width;
+    while (count > 0 && nodes[count - 1] < 0) --count;
+    if (m_block.offset != 0 && count == m_block.width && ImpliesPlanes(nodes)) return m_plane;
+    if (m_firstLine != kGasketFirstLine || count != kGasketNodes) return count;
+    const bool implied = IsGenerated(nodes[count - 2]) && IsGenerated(nodes[count - 1]);
+    return implied ? count - 2 : count;
+  }
+
+  bool ImpliesPlanes(const int* nodes) const {
+    for (int n = 0; n < m_block.width; ++n) {
+      if (nodes[n] < 0 || nodes[n] >= m_own) return false;
+      if (n >= m_plane &&
+          m_nodes.Label(nodes[n]) - m_nodes.Label(nodes[n - m_plane]) != m_block.offset)
+        return false;
+    }
+    return true;
+  }
+
+  bool IsGenerated(int ordinal) const {
+    return std::any_of(m_generated.begin(), m_generated.end(), [ordinal](const auto& range) {
+      return ordinal >= range.first && ordinal < range.second;
+    });
+  }
+
   char* PrintNode(char* out, int ordinal) const {
     if (ordinal < m_own) return utl_printInt(out, m_nodes.Label(ordinal));
     int64_t local = 0; // an element of the assembly may join nodes of its instances
@@ -159,6 +192,8 @@ private:
   const eds_LabelMap& m_elements;
   long long m_own;
   int m_firstLine;
+  int m_plane;                                              // nodes of an element's first plane
+  std::vector<std::pair<long long, long long>> m_generated; // ordinals from, to before
   std::size_t m_longestName = 0;
 };
 
@@ -174,6 +209,7 @@ void inpS_MeshPrinter::PrintElementBlock(const inpS_DeckScope& scope,
   const cow_String type = block.spec.DataRecord().ReturnString(eds_ElementSpec_Name);
   m_out << "*ELEMENT, TYPE=" << type;
   if (!block.source.empty()) m_out << ", " << block.source;
+  if (block.offset != 0) m_out << ", OFFSET=" << block.offset;
   m_out << '\n';
   const bool gasket = type == "GK3D18" || type == "GK3D18N";
   const ElementLines lines(m_labels, scope, block, gasket);
