@@ -1,0 +1,38 @@
+// Any bytes are parsed, every field is looked at, and the text a keyword gives back must read as
+// the same keyword.
+
+#include "base/utl_Assert.h"
+#include "parser/inp_Parser.h"
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+inp_KeywordList parse(const cow_String& deck) {
+  // No include files: the fuzzer must not read what is on the machine.
+  return inp_Parser(deck, "", {}, "fuzz.inp", false, true, false).Parse(false);
+}
+
+void walk(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row)
+    for (int col = 0, cols = data.Cols(row); col < cols; ++col) {
+      (void)data.Type(row, col);
+      (void)data.AsDouble(row, col);
+      (void)data.AsString(row, col);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  const inp_KeywordList keywords = parse(cow_String(reinterpret_cast<const char*>(bytes), size));
+  for (const inp_Keyword& keyword : keywords) {
+    walk(keyword);
+    const cow_String text = keyword.Text();
+    const inp_KeywordList again = parse(text);
+    utl_ASSERT(!again.empty());
+    utl_ASSERT(again.front().Text() == text);
+  }
+  return 0;
+}
