@@ -183,7 +183,7 @@ void inpS_ElementConnectivity::ReportOpen(const inpS_ElementBlock& block,
 
 void inpS_ElementConnectivity::StoreHeld(const KvoSimPosition& owner) {
   for (inpS_ElementBlock& block : m_blocks) {
-    if (!block.held || block.count == 0) continue;
+    if (!block.held || block.count == 0 || block.width == 0) continue; // without nodes: a fault
     eds_ArrayWriter writer(owner, eds_ValueType::Int32, block.width);
     writer.Append(std::span<const int>(block.nodes));
     block.array = writer.Finish();

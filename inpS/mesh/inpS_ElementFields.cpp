@@ -4,6 +4,7 @@
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
@@ -58,7 +59,7 @@ bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& f
 bool inpS_FaultyElements::Count(int label, long long nodes, const inpS_ElementParameters& type,
                                 int extra) {
   const bool many = nodes > type.MaxNodesPerElement() + extra;
-  const bool few = nodes < type.MinNodesPerElement() + extra;
+  const bool few = nodes < std::max(1, type.MinNodesPerElement()) + extra;
   if (many) m_tooMany.push_back(label);
   if (few) m_tooFew.push_back(label);
   return !many && !few;

@@ -45,7 +45,8 @@ void inpS_ElementTopologyReader::TakeRegular(inp_ElementRows& rows) {
   m_labels = std::move(rows.labels);
   m_nodes = std::move(rows.nodes);
   m_ragged = !rows.counts.IsEmpty();
-  const bool allGood = !m_ragged && m_width >= m_type.MinNodesPerElement() + m_extra &&
+  const bool allGood = !m_ragged && m_width > 0 &&
+                       m_width >= m_type.MinNodesPerElement() + m_extra &&
                        m_width <= m_type.MaxNodesPerElement() + m_extra;
   for (std::size_t n = 0; !allGood && n < m_labels.Size(); ++n)
     m_faulty.Count(m_labels[n], m_ragged ? rows.counts[n] : m_width, m_type, m_extra);

@@ -19,6 +19,7 @@
 namespace {
 
 constexpr long long kMaxLabel = 999999999;
+constexpr int kMostNodesOfUserElement = 100000; // as of a type that nobody describes
 
 } // namespace
 
@@ -210,8 +211,15 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
 void inpS_MeshVisitor::VisitUserElement(const inp_Keyword& keyword) {
   const inp_Item* type = keyword.Find("type");
   const inp_Item* nodes = keyword.Find("nodes");
-  if (type && nodes && nodes->IsNumber())
+  if (!type || !nodes) return;
+  const bool usable =
+      nodes->IsNumber() && nodes->AsInt() > 0 && nodes->AsInt() <= kMostNodesOfUserElement;
+  if (usable)
     m_typeData.UpdateUserElemType(type->AsString(), nodes->AsInt());
+  else
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, "nodes",
+        "A user element has from 1 to " + std::to_string(kMostNodesOfUserElement) + " nodes."));
 }
 
 bool inpS_MeshVisitor::CheckElementType(const inp_Keyword& keyword, const cow_String& type) {
