@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_ElementFields.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
+#include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
@@ -18,6 +19,18 @@ bool readScoped(const cow_String& text, cow_List<int>& fields, cow_List<inpS_Sco
   scoped.push_back({0, static_cast<int>(fields.size()) - 1, parts[parts.size() - 2], label});
   fields.push_back(label);
   return true;
+}
+
+cow_String faultText(const inp_DataArray& data, long long row, int col,
+                     const inpS_ElementParameters& type, bool isElement) {
+  const inp_FieldType kind = data.Type(row, col);
+  if (isElement && kind == inp_FieldType::None)
+    return inp_Utils::Format(inpS_messageText(inpS_mesh_ElementNumberMissing).c_str(),
+                             type.Name().c_str());
+  if (isElement && kind == inp_FieldType::Integer)
+    return inpS_messageText(inpS_mesh_ElementNumberTooLarge);
+  return "\"" + data.AsStringVerbatim(row, col) + "\" is no " + (isElement ? "element" : "node") +
+         " label: an integer of at most 999999999 was expected; element ignored.";
 }
 
 } // namespace
@@ -45,11 +58,8 @@ bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& f
       if (kind == inp_FieldType::String && scoped && !fields.empty() &&
           readScoped(data.AsStringVerbatim(row, col), fields, *scoped))
         continue;
-      messages.AddError(inp_Utils::MessageAtField(
-          keyword, row, col,
-          "\"" + data.AsStringVerbatim(row, col) + "\" is no " +
-              (fields.empty() ? "element" : "node") +
-              " label: an integer of at most 999999999 was expected; element ignored."));
+      messages.AddError(inp_Utils::MessageAtField(keyword, row, col,
+                                                  faultText(data, row, col, type, fields.empty())));
       return false;
     }
   }

@@ -39,6 +39,9 @@ const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
 }
 
 void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
+  // User element types hold for the whole deck, wherever in it they are defined.
+  for (const inp_Keyword& keyword : keywords)
+    if (keyword.Kind() == inp_KwUserElement && !keyword.IsInstanceCopy()) ReadUserElement(keyword);
   // An instance shares what its part is when it opens: parts come first wherever they stand.
   const auto isOfParts = [](const inp_Keyword& keyword) {
     return keyword.Scope().kind == inp_Scope::Kind::Part || keyword.Kind() == inp_KwUserElement;
@@ -163,8 +166,13 @@ inpS_MeshScope* inpS_MeshVisitor::ScopeOf(const inp_Keyword& keyword) {
 }
 
 bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
-  return keyword.IsInstanceCopy() || keyword.Scope().kind == inp_Scope::Kind::Step ||
-         !ScopeOf(keyword);
+  if (keyword.IsInstanceCopy() || keyword.Scope().kind == inp_Scope::Kind::Step) return true;
+  const bool outside = keyword.Scope().kind == inp_Scope::Kind::Model &&
+                       m_scopes.Root().owner.IsA(eds_RecordKind::Assembly);
+  if (!outside) return !ScopeOf(keyword);
+  Error(keyword, "In a deck with an assembly, mesh and sets belong to a part, an instance or the "
+                 "assembly; ignored.");
+  return true;
 }
 
 // ---- nodes
@@ -186,8 +194,14 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
   keyword.Find("input"); // the parser has read that file's lines
   inpS_NodeReader reader(*this);
   if (const inp_Item* system = keyword.Find("system")) {
-    reader.SetCylindricalSystem(system->AsString() == "C");
-    reader.SetSphericalSystem(system->AsString() == "S");
+    const cow_String& value = system->AsString();
+    reader.SetCylindricalSystem(value == "C");
+    reader.SetSphericalSystem(value == "S");
+    if (value != "C" && value != "S" && value != "R")
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, "system",
+          inpS_messageText(inpS_app_InvalidParameterValue, {"system"}) +
+              " The coordinates are taken as rectangular."));
   }
   inpS_SetDefinition* set = nullptr;
   if (const inp_Item* name = keyword.Find("nset")) {
@@ -208,7 +222,7 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
 
 // ---- elements
 
-void inpS_MeshVisitor::VisitUserElement(const inp_Keyword& keyword) {
+void inpS_MeshVisitor::ReadUserElement(const inp_Keyword& keyword) {
   const inp_Item* type = keyword.Find("type");
   const inp_Item* nodes = keyword.Find("nodes");
   if (!type || !nodes) return;
@@ -252,7 +266,8 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
-  for (const char* readElsewhere : {"input", "file"}) keyword.Find(readElsewhere);
+  keyword.Find("input"); // the parser has read that file's lines
+  const inp_Item* file = keyword.Find("file");
   const inp_Item* elset = keyword.Find("elset");
   const bool solidNumbering = keyword.HasParameter("solidelementnumbering");
   const inp_Item* typeItem = keyword.Find("type");
@@ -265,7 +280,10 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   const inpS_ElementParameters parameters(m_typeData, type);
   const inpS_ElementConnectivity::Kind kind = {
       FindElementType(parameters), parameters.MaxNodesPerElement(),
-      solidNumbering ? "SOLID ELEMENT NUMBERING" : "", false};
+      solidNumbering                        ? "SOLID ELEMENT NUMBERING"
+      : file && parameters.IsSubstructure() ? "FILE=" + file->Verbatim()
+                                            : "",
+      false};
   const long long first = m_elements.Size(scope.elementOccurrence);
   m_elements.Reserve(scope.elementOccurrence, first + keyword.Data().Rows());
   LabelFaults faults;
@@ -276,7 +294,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
     StreamElements(keyword, scope, parameters, kind, faults);
   else
     HoldElements(keyword, scope, parameters, kind, faults);
-  ReportLabels(keyword, faults);
+  ReportLabels(keyword, type, faults);
   const long long count = m_elements.Size(scope.elementOccurrence) - first;
   if (!elset) return;
   inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString());
@@ -349,7 +367,11 @@ void inpS_MeshVisitor::LabelElements(inpS_MeshScope& scope, std::span<const int>
   }
 }
 
-void inpS_MeshVisitor::ReportLabels(const inp_Keyword& keyword, const LabelFaults& faults) {
+void inpS_MeshVisitor::ReportLabels(const inp_Keyword& keyword, const cow_String& type,
+                                    LabelFaults& faults) {
+  if (std::erase(faults.notPositive, 0) > 0)
+    Error(keyword, inp_Utils::Format(inpS_messageText(inpS_mesh_ElementNumberMissing).c_str(),
+                                     type.c_str()));
   if (!faults.notPositive.empty())
     AddError(inp_Utils::MessageInKeyword(
         keyword, "Element labels must be positive integers: ", faults.notPositive));

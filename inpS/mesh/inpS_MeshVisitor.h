@@ -23,7 +23,6 @@ public:
   void VisitNode(const inp_Keyword& keyword) override;
   void VisitElement(const inp_Keyword& keyword) override;
   void VisitAssemblyElement(const inp_Keyword& keyword) override { VisitElement(keyword); }
-  void VisitUserElement(const inp_Keyword& keyword) override;
   void VisitNset(const inp_Keyword& keyword) override;
   void VisitElset(const inp_Keyword& keyword) override;
   void VisitAssemblyNset(const inp_Keyword& keyword) override { VisitNset(keyword); }
@@ -60,6 +59,7 @@ private:
   void ReadStoredSets(inpS_MeshScope& scope);
   bool MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope);
   bool Skip(const inp_Keyword& keyword);
+  void ReadUserElement(const inp_Keyword& keyword);
 
   void ReadSet(const inp_Keyword& keyword, inpS_SetKind kind, const char* nameParameter);
   bool FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
@@ -73,7 +73,7 @@ private:
                     const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
                     LabelFaults& faults);
   void LabelElements(inpS_MeshScope& scope, std::span<const int> labels, LabelFaults& faults);
-  void ReportLabels(const inp_Keyword& keyword, const LabelFaults& faults);
+  void ReportLabels(const inp_Keyword& keyword, const cow_String& type, LabelFaults& faults);
   void ResolveScopedNodes(inpS_MeshScope& scope);
   cow_List<cow_String> TypeNames() const;
   void CompleteParts(inp_KeywordListRef keywords);
