@@ -76,8 +76,9 @@ bool isGasketOf18(const cow_String& type) {
 }
 
 bool isGasketToComplete(const inpS_ElementBlock& block, const cow_List<cow_String>& types) {
+  // Others have been told to have too few or too many nodes.
   return isGasketOf18(types[static_cast<std::size_t>(block.spec)]) && block.held &&
-         !block.completed;
+         !block.completed && block.width >= kGivenGasketNodes && block.width <= kGasketNodes;
 }
 
 long long countOf(const int* nodes, long long width) {
@@ -102,7 +103,7 @@ inpS_GeneratedNodes::AddFourierPlanes(const inp_Keyword& keyword,
   bool any = false;
   for (std::size_t n = 0; n < elements && !any; ++n) any = isPlane(n);
   Planes planes;
-  if (!any) return planes;
+  if (!any || reader.Width() > width) return planes; // too many nodes were told
   planes.offset = offset;
   utl_Buffer<int> nodes(elements * static_cast<std::size_t>(width));
   for (std::size_t n = 0; n < elements; ++n) {

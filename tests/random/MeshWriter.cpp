@@ -2,6 +2,7 @@
 #include "tests/random/ScopeWriter.h"
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <numbers>
 
 namespace {
@@ -31,26 +32,27 @@ void ScopeWriter::System() {
   cow_List<cow_String> fields;
   for (std::size_t i = 0; i < 3; ++i)
     fields.push_back(m_form->Number(static_cast<double>(m_random.From(-9, 9)), m_system[9 + i]));
-  double read[3];
   const double along[3] = {m_system[9] + 7 * c, m_system[10] + 7 * s, m_system[11]};
-  char text[40];
-  for (std::size_t i = 0; i < 3; ++i) {
-    std::snprintf(text, sizeof text, "%.17g", along[i]);
+  for (const double value : along) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.17g", value);
     fields.emplace_back(text);
-    read[i] = std::strtod(text, nullptr);
   }
-  (void)read;
   m_system[0] = c, m_system[1] = s, m_system[3] = -s, m_system[4] = c;
   m_form->RecordCutAt(fields, fields.size());
 }
 
-cow_String ScopeWriter::NodeRecord(int label, char system, DeckForm& form) {
+void ScopeWriter::NodeRecord(int label, char system, DeckForm& form) {
   std::array<double, 3> given = {};
   cow_List<cow_String> fields = {std::to_string(label)};
   for (long long n = 0, count = m_random.From(0, 3); n < count; ++n) {
-    const double value = m_random.OneIn(4) ? 0 : m_random.Real(-200, 200);
+    // An angle without a radius would make a plane model spatial by a number that is lost.
+    const bool radius = system == 'S' && n == 0;
+    const double value = radius              ? m_random.Real(1, 200)
+                         : m_random.OneIn(4) ? 0
+                                             : m_random.Real(-200, 200);
     fields.push_back(form.Number(value, given[static_cast<std::size_t>(n)]));
-    if (m_random.OneIn(20)) {
+    if (!radius && m_random.OneIn(20)) {
       fields.back().clear();
       given[static_cast<std::size_t>(n)] = 0;
     }
@@ -70,7 +72,6 @@ cow_String ScopeWriter::NodeRecord(int label, char system, DeckForm& form) {
   if (!Here().points.contains(label)) Here().nodeOrder.push_back(label);
   Here().points[label] = at;
   form.Record(fields, false, fields.size() < 7);
-  return {};
 }
 
 void ScopeWriter::Nodes(const cow_List<int>& labels) {

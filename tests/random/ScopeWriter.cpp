@@ -30,7 +30,9 @@ void ScopeWriter::KeptStep() {
 // Labels in a row, sparse, or as they come; some of them zero or negative.
 void ScopeWriter::PlanLabels() {
   std::set<int> labels;
-  const long long count = m_random.OneIn(4) ? m_random.From(200, 3000) : m_random.From(0, 40);
+  long long count = m_random.From(0, 40);
+  if (m_random.OneIn(4)) count = m_random.From(200, 3000);
+  if (m_random.OneIn(60)) count = 40000; // read and written in several pieces
   const long long span = m_random.OneIn(2) ? count + 5 : 90000000;
   // An instance has the labels of its part besides.
   const int first = Here().kind == MeantScope::Instance ? 500000000 : 1;
@@ -70,7 +72,7 @@ void ScopeWriter::Write(int scope) {
   Plan();
   std::vector<Block> blocks;
   for (std::size_t first = 0; first < m_labels.size();) {
-    const auto count = static_cast<std::size_t>(m_random.From(1, 2000));
+    const auto count = static_cast<std::size_t>(m_random.From(1, m_random.OneIn(2) ? 2000 : 50000));
     const std::size_t end = std::min(m_labels.size(), first + count);
     blocks.push_back([this, first, end] {
       const auto begin = m_labels.begin();

@@ -32,7 +32,7 @@ private:
 
   void System();
   void Nodes(const cow_List<int>& labels);
-  cow_String NodeRecord(int label, char system, DeckForm& form);
+  void NodeRecord(int label, char system, DeckForm& form);
   void Elements();
   void UserElement();
   MeantElement Element(const cow_String& type, long long nodes, cow_List<cow_String>& fields);
