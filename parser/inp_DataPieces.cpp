@@ -8,6 +8,7 @@ namespace {
 // Text, its separators and what it decodes to fit a second-level cache together.
 constexpr std::size_t usualPieceSize = 256 * 1024;
 constexpr std::ptrdiff_t releaseStep = 1024 * 1024; // a system call per piece would show
+constexpr std::ptrdiff_t cutReleaseStep = 16 * 1024 * 1024;
 
 std::atomic<std::size_t> pieceSize{usualPieceSize};
 
@@ -45,6 +46,7 @@ void cutRange(const inp_TextRange& whole, const inp_CutRule* rule, bool open,
               cow_List<inp_DataPiece>& pieces) {
   const auto size = static_cast<std::ptrdiff_t>(inp_pieceSize());
   const char* begin = whole.begin;
+  const char* kept = begin; // each look at a line maps the pages around it: they go again
   while (begin != whole.end) {
     const char* end = whole.end;
     if (end - begin > size) {
@@ -55,6 +57,9 @@ void cutRange(const inp_TextRange& whole, const inp_CutRule* rule, bool open,
     pieces.back().push_back({whole.text, begin, end});
     begin = end;
     open = false;
+    if (begin - kept < cutReleaseStep) continue;
+    whole.text->Release(kept, begin);
+    kept = begin;
   }
 }
 
