@@ -2,10 +2,13 @@
 #include "base/utl_Assert.h"
 #include "base/utl_Buffer.h"
 #include "base/utl_Stream.h"
+#include "database/KvoObjModel.h"
 #include "database/KvoSimCSet.h"
+#include "database/KvoSimContext.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/eds_LabelMap.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "parser/inp_KeywordTable.h"
 #include <algorithm>
 #include <memory>
 #include <mutex>
@@ -63,7 +66,55 @@ struct Normals {
 
 // ---- nodes
 
+namespace {
+
+bool hasNonZeroZ(const KvoMeshNodeBlock& block) {
+  eds_ArrayReader reader(block.coordinates);
+  std::vector<double> points;
+  for (long long first = 0, end = block.count - block.generated; first < end;) {
+    const long long count = std::min(kNodesPerPiece, end - first);
+    points.resize(static_cast<std::size_t>(3 * count));
+    reader.ReadPiece(first, std::span<double>(points));
+    for (std::size_t n = 2; n < points.size(); n += 3)
+      if (points[n] != 0) return true;
+    first += count;
+  }
+  return false;
+}
+
+} // namespace
+
+// Nodes and elements from which a reader sees that the model is three-dimensional; nodes of the
+// assembly and its instances do not tell.
+bool inpS_MeshPrinter::TellsThreeDimensions() const {
+  const KvoSimContext context = m_labels.mesh.Position().Context();
+  for (const KvoSimPosition& spec : context.GetRecords(eds_RecordKind::ElementSpec)) {
+    const inp_ElementInfo* info = inp_KeywordTable::Instance().FindElement(
+        spec.DataRecord().ReturnString(eds_ElementSpec_Name));
+    if (info && info->Is(inp_ElemThreeD)) return true;
+  }
+  for (const KvoMeshNodeBlock& block : m_labels.mesh.NodeBlocks()) {
+    const bool tells =
+        block.owner.IsA(eds_RecordKind::Part) || block.owner.IsA(eds_RecordKind::Model);
+    if (tells && hasNonZeroZ(block)) return true;
+  }
+  return false;
+}
+
+// A model may be three-dimensional though nothing of its mesh says so: its deck had its plane nodes
+// in a local system, or has moved them since. The global axes given by three points say it again.
+void inpS_MeshPrinter::PrintSpace(const inpS_DeckScope& scope) {
+  const KvoSimContext context = m_labels.mesh.Position().Context();
+  const auto models = context.GetRecords(eds_RecordKind::Model);
+  if (models.empty() || models[0].DataRecord().GetInt(eds_Model_Dimensions) != 3) return;
+  const KvoSimPosition assembly = KvoObjModel(models[0]).GetAssembly();
+  const bool isRoot = assembly.IsNull() ? scope.owner.IsA(eds_RecordKind::Model)
+                                        : scope.owner.IsA(eds_RecordKind::Assembly);
+  if (isRoot && !TellsThreeDimensions()) m_out << "*SYSTEM\n0., 0., 0., 1., 0., 0.\n0., 1., 0.\n";
+}
+
 void inpS_MeshPrinter::PrintNodes(const inpS_DeckScope& scope) {
+  PrintSpace(scope);
   bool first = true;
   for (const KvoMeshNodeBlock& block : m_labels.mesh.NodeBlocks(scope.owner)) {
     if (block.first < scope.partNodes) continue;  // stands in the part

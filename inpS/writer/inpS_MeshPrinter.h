@@ -13,6 +13,8 @@ public:
   void PrintElements(const inpS_DeckScope& scope);
 
 private:
+  void PrintSpace(const inpS_DeckScope& scope);
+  bool TellsThreeDimensions() const;
   void PrintNodeBlock(const inpS_DeckScope& scope, const KvoMeshNodeBlock& block);
   void PrintElementBlock(const inpS_DeckScope& scope, const KvoMeshElementBlock& block);
 
