@@ -1,6 +1,7 @@
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_BulkPiece.h"
 #include "parser/inp_LineScan.h"
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -33,8 +34,8 @@ public:
     m_coords.Clear();
     m_odd.clear();
     m_rows = 0;
-    m_scan.Run(piece, [this](const char* base, const std::uint32_t* places, std::size_t count) {
-      TakeLines(base, places, count);
+    m_scan.Run(piece, [this](const inp_Stretch& stretch) {
+      TakeLines(stretch);
       return true;
     });
   }
@@ -57,42 +58,54 @@ public:
   }
 
 private:
-  void TakeLines(const char* base, const std::uint32_t* places, std::size_t count) {
+  void TakeLines(const inp_Stretch& stretch) {
     const std::size_t done = m_labels.Size();
-    m_labels.Resize(done + count);
-    m_coords.Resize(3 * (done + count));
+    m_labels.Resize(done + stretch.count);
+    m_coords.Resize(3 * (done + stretch.count));
     m_nodes = done;
-    const char* line = base;
-    for (std::size_t i = 0; i < count;) {
-      i = TakeLine(line, base, places, i);
-      line = base + places[i - 1] + 1;
+    inp_LinePlace at;
+    while (at.line < stretch.lines) {
+      TakePlainLines(stretch, at);
+      for (int n = 0; n <= m_pause && at.line < stretch.lines; ++n) TakeLine(stretch, at);
     }
     m_labels.Resize(m_nodes);
     m_coords.Resize(3 * m_nodes);
   }
 
-  // Takes the line whose first separator is places[i]; returns the index behind its line feed.
-  std::size_t TakeLine(const char* line, const char* base, const std::uint32_t* places,
-                       std::size_t i) {
+  // After a failure the lines are taken one by one for a while, and longer after each further one.
+  void TakePlainLines(const inp_Stretch& stretch, inp_LinePlace& at) {
+    const std::size_t taken =
+        inp_takeNodeLines(stretch, at, m_labels.Data() + m_nodes, m_coords.Data() + 3 * m_nodes);
+    m_nodes += taken;
+    m_rows += static_cast<long long>(taken);
+    m_pause = taken > 0 ? 0 : std::min(2 * m_pause + 1, longestPause);
+  }
+
+  void TakeLine(const inp_Stretch& stretch, inp_LinePlace& at) {
+    const char* const line = stretch.FieldBegin(at.separator);
+    const char* const lineEnd = stretch.text + stretch.feeds[at.line];
+    if (!TakeNode(stretch, at.separator, lineEnd)) TakeOtherLine(line, lineEnd);
+    while (stretch.FieldEnd(at.separator) != lineEnd) ++at.separator;
+    ++at.separator;
+    ++at.line;
+  }
+
+  // A line of a label and at most three numbers, the first one of them from separator i on.
+  bool TakeNode(const inp_Stretch& stretch, std::size_t i, const char* lineEnd) {
+    const char* end = stretch.FieldEnd(i);
+    if (end == lineEnd || !inp_readLabel(stretch.FieldBegin(i), end, m_labels[m_nodes]))
+      return false;
     double* const xyz = m_coords.Data() + 3 * m_nodes;
-    const char* end = base + places[i];
-    std::size_t at = i;
-    bool good = *end == ',' && inp_readLabel(line, end, m_labels[m_nodes]);
-    for (int k = 0; good && *end == ','; ++k) {
+    xyz[0] = xyz[1] = xyz[2] = 0;
+    for (int k = 0; k < 3 && end != lineEnd; ++k) {
       const char* const begin = end + 1;
-      end = base + places[++at];
-      xyz[k] = 0;
-      good = readReal(begin, end, xyz[k]) && (k < 2 || *end == '\n');
-      if (*end == '\n' && good) {
-        for (++k; k < 3; ++k) xyz[k] = 0;
-        ++m_nodes;
-        ++m_rows;
-        return at + 1;
-      }
+      end = stretch.FieldEnd(++i);
+      if (!readReal(begin, end, xyz[k])) return false;
     }
-    while (base[places[i]] != '\n') ++i;
-    TakeOtherLine(line, base + places[i]);
-    return i + 1;
+    if (end != lineEnd) return false;
+    ++m_nodes;
+    ++m_rows;
+    return true;
   }
 
   // Comments, blank lines, labels alone, normals, texts.
@@ -121,7 +134,10 @@ private:
     ++m_nodes;
   }
 
+  static constexpr int longestPause = 63;
+
   inp_LineScan m_scan;
+  int m_pause = 0; // lines
   utl_Buffer<int> m_labels;
   utl_Buffer<double> m_coords;
   cow_List<inp_OddRow> m_odd; // row and slot within the piece
@@ -136,10 +152,7 @@ public:
   void Decode(const inp_DataPiece& piece) {
     m_labels.Clear();
     m_rows = 0;
-    m_good =
-        m_scan.Run(piece, [this](const char* base, const std::uint32_t* places, std::size_t count) {
-          return TakeLines(base, places, count);
-        });
+    m_good = m_scan.Run(piece, [this](const inp_Stretch& stretch) { return TakeLines(stretch); });
   }
 
   bool IsGood() const { return m_good; }
@@ -148,33 +161,36 @@ public:
   void Publish(utl_Buffer<int>& labels) const { labels.Append(std::span<const int>(m_labels)); }
 
 private:
-  bool TakeLines(const char* base, const std::uint32_t* places, std::size_t count) {
+  bool TakeLines(const inp_Stretch& stretch) {
     std::size_t size = m_labels.Size();
-    m_labels.Resize(size + count);
+    m_labels.Resize(size + stretch.count);
+    int* const values = m_values.Of(stretch);
     bool good = true;
-    const char* begin = base;
     m_col = 0;
-    for (std::size_t i = 0; i < count && good; ++i) {
-      const char* const end = base + places[i];
-      if (inp_fastSmallInt(begin, end, m_labels[size]))
-        ++size;
-      else if (m_col == 0 && inp_lineKind(begin, end) != inp_LineKind::Data) {
-        while (base[places[i]] != '\n') ++i;
-        begin = base + places[i] + 1;
-        continue;
-      } else if (!inp_trim(begin, end).empty()) {
-        good = inp_readOtherInt(begin, end, m_labels[size]);
-        size += good;
+    for (std::size_t i = 0; i < stretch.count && good; ++i) {
+      const char* const end = stretch.FieldEnd(i);
+      if (values[i] >= 0) {
+        m_labels[size++] = values[i];
+      } else {
+        const char* const begin = stretch.FieldBegin(i);
+        if (m_col == 0 && inp_lineKind(begin, end) != inp_LineKind::Data) {
+          while (*stretch.FieldEnd(i) != '\n') ++i;
+          continue;
+        }
+        if (!inp_trim(begin, end).empty()) {
+          good = inp_readOtherInt(begin, end, m_labels[size]);
+          size += good;
+        }
       }
       const bool last = *end == '\n';
       if (good) m_col = last ? 0 : m_col + 1;
       if (good) m_rows += last;
-      begin = end + 1;
     }
     m_labels.Resize(size);
     return good;
   }
 
+  inp_FieldValues m_values;
   inp_LineScan m_scan;
   utl_Buffer<int> m_labels;
   long long m_rows = 0;

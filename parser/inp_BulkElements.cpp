@@ -20,10 +20,11 @@ public:
     m_rows = 0;
     m_open = false;
     m_next = 0;
+    m_lineFields = 0;
     m_least = static_cast<int>(inp_mostElementNodes);
     m_most = 0;
-    m_scan.Run(piece, [this](const char* base, const std::uint32_t* places, std::size_t count) {
-      TakeLines(base, places, count);
+    m_scan.Run(piece, [this](const inp_Stretch& stretch) {
+      TakeLines(stretch);
       return true;
     });
     if (m_open) Close();
@@ -47,83 +48,133 @@ public:
   const cow_List<inp_OddRow>& Odd() const { return m_odd; }
 
 private:
-  void TakeLines(const char* base, const std::uint32_t* places, std::size_t count) {
+  void TakeLines(const inp_Stretch& stretch) {
     const std::size_t done = m_nodes.Size();
-    m_nodes.Resize(done + count);
+    m_nodes.Resize(done + stretch.count + inp_batchRoom);
     m_next = done;
-    const char* line = base;
-    for (std::size_t i = 0; i < count;) {
-      i = m_open ? GoOn(line, base, places, i) : Begin(line, base, places, i);
-      line = base + places[i - 1] + 1;
+    m_values = m_ints.Of(stretch);
+    inp_LinePlace at;
+    while (at.line < stretch.lines) {
+      TakeEqualLines(stretch, at);
+      if (at.line < stretch.lines) TakeLine(stretch, at);
     }
     m_nodes.Resize(m_next);
   }
 
-  // Takes the line whose first separator is places[i] as the first one of an element; returns the
-  // index behind its line feed.
-  std::size_t Begin(const char* line, const char* base, const std::uint32_t* places,
-                    std::size_t i) {
-    const char* const end = base + places[i];
-    int label = 0;
+  // Lines that are an element each and have as many fields as the one before, plain labels all.
+  void TakeEqualLines(const inp_Stretch& stretch, inp_LinePlace& at) {
+    const std::size_t fields = m_lineFields;
+    if (m_open || fields == 0) return;
+    std::size_t end = at.separator; // behind the lines that are as wanted
+    std::size_t count = 0;
+    for (; end + fields <= stretch.count && at.line + count < stretch.lines; end += fields) {
+      if (stretch.places[end + fields - 1] != stretch.feeds[at.line + count]) break;
+      if (!m_ints.AreAll() && !AreLabels(m_values + end, fields)) break;
+      ++count;
+    }
+    if (count == 0) return;
+    AppendElements(m_values + at.separator, count, fields);
+    at.separator = end;
+    at.line += count;
+  }
+
+  static bool AreLabels(const int* values, std::size_t count) {
+    return std::all_of(values, values + count, [](int value) { return value >= 0; });
+  }
+
+  // Elements of a label and fields - 1 nodes each.
+  void AppendElements(const int* values, std::size_t count, std::size_t fields) {
+    const std::size_t nodes = fields - 1;
+    int* label = m_labels.AppendSpace(count);
+    long long* row = m_rowOf.AppendSpace(count);
+    int* node = m_nodes.Data() + m_next;
+    for (std::size_t n = 0; n < count; ++n, values += fields, node += nodes) {
+      label[n] = values[0];
+      row[n] = m_rows++;
+      for (std::size_t k = 0; k < nodes; k += 8) // what is too much goes into the room behind
+        std::memcpy(node + k, values + 1 + k, 8 * sizeof(int));
+    }
+    m_next += count * nodes;
+    const int width = static_cast<int>(nodes);
+    std::fill_n(m_counts.AppendSpace(count), count, width);
+    m_least = std::min(m_least, width);
+    m_most = std::max(m_most, width);
+  }
+
+  void TakeLine(const inp_Stretch& stretch, inp_LinePlace& at) {
+    const std::size_t i = at.separator;
+    std::size_t feed = i;
+    while (stretch.places[feed] != stretch.feeds[at.line]) ++feed;
+    m_lineFields = 0;
+    if (m_open)
+      GoOn(stretch, i, feed);
+    else
+      Begin(stretch, i, feed);
+    at.separator = feed + 1;
+    ++at.line;
+  }
+
+  // Takes the line of the separators i to feed as the first one of an element.
+  void Begin(const inp_Stretch& stretch, std::size_t i, std::size_t feed) {
+    int label = m_values[i];
     m_isOdd = false;
-    if (!inp_readLabel(line, end, label)) {
-      const std::size_t feed = inp_feedIndex(base, places, i);
-      if (inp_lineKind(line, base + places[feed]) != inp_LineKind::Data) return feed + 1;
-      if (inp_trim(line, base + places[feed]).empty()) {
-        ++m_rows;
-        return feed + 1;
+    if (label < 0) {
+      label = 0;
+      const char* const line = stretch.FieldBegin(i);
+      if (!inp_readOtherLabel(line, stretch.FieldEnd(i), label)) {
+        const char* const lineEnd = stretch.FieldEnd(feed);
+        if (inp_lineKind(line, lineEnd) != inp_LineKind::Data) return;
+        if (inp_trim(line, lineEnd).empty()) {
+          ++m_rows;
+          return;
+        }
+        m_isOdd = true;
       }
-      m_isOdd = true;
     }
     m_labels.Append(label);
-    m_rowOf.Append(m_rows);
+    m_rowOf.Append(m_rows++);
     m_first = m_next;
     m_fields = 0;
-    if (*end != '\n') i = TakeNodes(base, places, i + 1, end + 1);
+    if (i != feed) TakeNodes(stretch, i + 1, feed);
     if (m_form.firstLineNodes > 0 && m_fields > m_form.firstLineNodes) m_isOdd = true;
-    ++m_rows;
-    if (!m_open) Close();
-    return i + 1;
+    if (m_open) return;
+    Close();
+    // A good element of one line is what more of its kind are compared with.
+    if (!m_isOdd) m_lineFields = feed + 1 - i;
   }
 
   // The line behind one that ended in a comma: its fields are nodes as far as they fit.
-  std::size_t GoOn(const char* line, const char* base, const std::uint32_t* places, std::size_t i) {
-    const std::size_t feed = inp_feedIndex(base, places, i);
-    const char* const lineEnd = base + places[feed];
-    if (inp_lineKind(line, lineEnd) != inp_LineKind::Data) return feed + 1;
+  void GoOn(const inp_Stretch& stretch, std::size_t i, std::size_t feed) {
+    const char* const line = stretch.FieldBegin(i);
+    const char* const lineEnd = stretch.FieldEnd(feed);
+    if (inp_lineKind(line, lineEnd) != inp_LineKind::Data) return;
     if (inp_trim(line, lineEnd).empty()) {
       ++m_rows;
-      return feed + 1;
+      return;
     }
-    const char* const last = feed == i ? line : base + places[feed - 1] + 1;
-    const bool trailing = feed != i && inp_trim(last, lineEnd).empty();
+    const bool trailing = feed != i && inp_trim(stretch.FieldBegin(feed), lineEnd).empty();
     const auto fields = static_cast<long long>(feed - i) + (trailing ? 0 : 1);
     m_open = false;
     if (m_fields + fields > inp_mostFields(m_form)) {
       Close();
-      return Begin(line, base, places, i);
+      return Begin(stretch, i, feed);
     }
-    TakeNodes(base, places, i, line);
+    TakeNodes(stretch, i, feed);
     ++m_rows;
     if (!m_open) Close();
-    return feed + 1;
   }
 
-  // Node fields up to the line's end, the first one from `begin` to places[i]; returns the index of
-  // the line feed. The element stays open when the line ends in a comma.
-  std::size_t TakeNodes(const char* base, const std::uint32_t* places, std::size_t i,
-                        const char* begin) {
+  // Node fields from separator i to the line's. The element stays open when the line ends in a
+  // comma.
+  void TakeNodes(const inp_Stretch& stretch, std::size_t i, std::size_t feed) {
     int* const start = m_nodes.Data() + m_next;
     int* next = start;
-    for (;; ++i) {
-      const char* const end = base + places[i];
-      if (inp_fastSmallInt(begin, end, *next) || TakeOtherNode(begin, end, *next)) ++next;
-      if (*end == '\n') break;
-      begin = end + 1;
+    for (; i <= feed; ++i) {
+      *next = m_values[i];
+      if (*next >= 0 || TakeOtherNode(stretch.FieldBegin(i), stretch.FieldEnd(i), *next)) ++next;
     }
     m_next += static_cast<std::size_t>(next - start);
     m_fields += next - start;
-    return i;
   }
 
   // False when the field is the empty one behind a trailing comma.
@@ -156,6 +207,9 @@ private:
   }
 
   inp_LineScan m_scan;
+  inp_FieldValues m_ints;
+  const int* m_values = nullptr; // of the stretch
+  std::size_t m_lineFields = 0;  // of the last line; 0 when it was no plain element
   inp_ElementForm m_form;
   long long m_mostKept = 0;
   utl_Buffer<int> m_labels, m_counts, m_nodes;

@@ -2,6 +2,7 @@
 
 #include "base/utl_Buffer.h"
 #include "base/utl_Threads.h"
+#include "parser/inp_FieldBatch.h"
 #include "parser/inp_FieldScan.h"
 #include <memory>
 
@@ -17,6 +18,22 @@ bool inp_readOtherLabel(const char* begin, const char* end, int& value);
 inline bool inp_readLabel(const char* begin, const char* end, int& value) {
   return inp_fastSmallInt(begin, end, value) || inp_readOtherLabel(begin, end, value);
 }
+
+// The small integers of a stretch, in a buffer that goes from one to the next.
+class inp_FieldValues {
+public:
+  // inp_smallInts.
+  int* Of(const inp_Stretch& stretch) {
+    m_values.Resize(stretch.count + inp_batchRoom);
+    m_all = inp_smallInts(stretch, m_values.Data());
+    return m_values.Data();
+  }
+  bool AreAll() const { return m_all; } // every field of the stretch is one
+
+private:
+  utl_Buffer<int> m_values;
+  bool m_all = false;
+};
 
 // Room for so many more elements: exactly so much for one big block, and never less than half as
 // much again, so that a thousand small blocks cost what they hold.

@@ -8,12 +8,6 @@ inline long long inp_mostFields(const inp_ElementForm& form) {
   return static_cast<long long>(form.maxNodes) + form.extraFields;
 }
 
-// The line feed's index from places[i] on.
-inline std::size_t inp_feedIndex(const char* base, const std::uint32_t* places, std::size_t i) {
-  while (base[places[i]] != '\n') ++i;
-  return i;
-}
-
 // Where the lines of elements may be cut: never within an element.
 class inp_ElementCut final : public inp_CutRule {
 public:

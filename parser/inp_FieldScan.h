@@ -1,9 +1,9 @@
 #pragma once
 
-// The inner loop of the bulk decode: the separators of a stretch of data lines are found first,
-// many bytes at a time; then each field is converted from the bytes in front of its separator,
-// without a branch that depends on how long it is. The functions named fast… answer false for every
-// field that is not of the plain form they know, and leave it to the general readers.
+// Single fields in the inner loop of the bulk decode: each is converted from the bytes in front of
+// its separator, without a branch that depends on how long it is. The functions named fast… answer
+// false for every field that is not of the plain form they know, and leave it to the general
+// readers.
 
 #include "base/utl_Number.h"
 #include "parser/inp_ByteBlock.h"
@@ -12,42 +12,6 @@
 
 // The bytes in front of a field that its conversion may load.
 inline constexpr std::ptrdiff_t inp_fieldReach = 16;
-
-// ---- separators --------------------------------------------------------------------------------
-
-// Offsets of commas and line feeds within [begin, end), in order. `places` has room for one per
-// byte and 64 more; returns their number. Quotes mean nothing here.
-inline std::size_t inp_findSeparators(const char* begin, const char* end, std::uint32_t* places) {
-  std::uint32_t* next = places;
-  const char* p = begin;
-#ifdef INP_SSE2
-  const __m128i comma = _mm_set1_epi8(',');
-  const __m128i feed = _mm_set1_epi8('\n');
-  const auto found = [&](const char* at) {
-    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    return _mm_or_si128(_mm_cmpeq_epi8(text, comma), _mm_cmpeq_epi8(text, feed));
-  };
-  for (; end - p >= 64; p += 64) {
-    const __m128i a = found(p), b = found(p + 16), c = found(p + 32), d = found(p + 48);
-    std::uint64_t bits = inp_maskOf(a, b, c, d);
-    const __m128i sum = _mm_add_epi8(_mm_add_epi8(a, b), _mm_add_epi8(c, d)); // -1 for each
-    const __m128i sums = _mm_sad_epu8(_mm_sub_epi8(_mm_setzero_si128(), sum), _mm_setzero_si128());
-    const int count = _mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4);
-    const auto base = static_cast<std::uint32_t>(p - begin);
-    // Eight without asking whether there are so many; the surplus is overwritten.
-    for (int i = 0; i < 8; ++i, bits &= bits - 1)
-      next[i] = base + static_cast<std::uint32_t>(std::countr_zero(bits));
-    for (int i = 8; i < count; ++i, bits &= bits - 1)
-      next[i] = base + static_cast<std::uint32_t>(std::countr_zero(bits));
-    next += count;
-  }
-#endif
-  for (; p != end; ++p)
-    if (*p == ',' || *p == '\n') *next++ = static_cast<std::uint32_t>(p - begin);
-  return static_cast<std::size_t>(next - places);
-}
-
-// ---- fields ------------------------------------------------------------------------------------
 
 // Blanks and a carriage return behind the number.
 inline const char* inp_trimFieldEnd(const char* begin, const char* end) {

@@ -2,16 +2,17 @@
 
 #include "base/utl_Buffer.h"
 #include "parser/inp_DataPieces.h"
+#include "parser/inp_FieldBatch.h"
 #include "parser/inp_FieldScan.h"
 #include "parser/inp_TextLines.h"
+#include <algorithm>
 
 // Feeds the lines of a piece with their separators to a decoder, so that a decoder's loop has no
 // special cases: every line ends in a line feed, and the inp_fieldReach bytes in front of it may be
 // loaded.
 class inp_LineScan {
 public:
-  // Calls take(base, places, count) for stretches of whole lines: the separators of the stretch are
-  // base[places[0]] … base[places[count - 1]], the last one a line feed. Returning false ends it.
+  // Calls take(stretch) for stretches of whole lines. Returning false ends it.
   template <class Take> bool Run(const inp_DataPiece& piece, Take&& take) {
     for (const inp_TextRange& range : piece)
       if (!RunRange(range, take)) return false;
@@ -44,23 +45,35 @@ private:
   }
 
   template <class Take> bool RunLines(const char* begin, const char* end, Take& take) {
-    std::ptrdiff_t stretch = usualStretch;
+    std::ptrdiff_t size = usualStretch;
     while (begin != end) {
-      stretch = end - begin < stretch ? end - begin : stretch;
-      m_places.Resize(static_cast<std::size_t>(stretch) + 64);
-      std::size_t count = inp_findSeparators(begin, begin + stretch, m_places.Data());
-      while (count > 0 && begin[m_places[count - 1]] != '\n') --count;
-      if (count == 0) { // a line that is longer than all this
-        stretch *= 2;
+      size = end - begin < size ? end - begin : size;
+      const inp_Stretch stretch = StretchOf(begin, begin + size);
+      if (stretch.lines == 0) { // a line that is longer than all this
+        size *= 2;
         continue;
       }
-      if (!take(begin, static_cast<const std::uint32_t*>(m_places.Data()), count)) return false;
-      begin += m_places[count - 1] + 1;
-      stretch = usualStretch;
+      if (!take(stretch)) return false;
+      begin += stretch.feeds[stretch.lines - 1] + 1;
+      size = usualStretch;
     }
     return true;
   }
 
-  utl_Buffer<std::uint32_t> m_places;
+  // The whole lines of [begin, end).
+  inp_Stretch StretchOf(const char* begin, const char* end) {
+    const auto room = static_cast<std::size_t>(end - begin) + inp_batchRoom;
+    m_places.Resize(1 + room);
+    m_feeds.Resize(room);
+    m_places[0] = ~std::uint32_t{0};
+    std::uint32_t* const places = m_places.Data() + 1;
+    auto [count, lines] = inp_findSeparators(begin, end, places, m_feeds.Data());
+    if (lines == 0) return {};
+    while (places[count - 1] != m_feeds[lines - 1]) --count;
+    std::fill_n(places + count, inp_batchFields, places[count - 1]);
+    return {begin, places, count, m_feeds.Data(), lines};
+  }
+
+  utl_Buffer<std::uint32_t> m_places, m_feeds;
   cow_String m_copy;
 };

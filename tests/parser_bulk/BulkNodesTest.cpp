@@ -1,4 +1,5 @@
 #include "BulkText.h"
+#include "parser/inp_LineScan.h"
 #include <bit>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -31,6 +32,26 @@ const NodeCase nodeCases[] = {
      {1, 2},
      {1, 2, 3, 4, 5, 6},
      {}},
+    {"sixteen characters, and the largest exact mantissa",
+     {"1,-12345678.123456,9007199254740991,9007199254740993\n"},
+     {1},
+     {-12345678.123456, 9007199254740991., 9007199254740992.},
+     {}},
+    {"a character more than goes through at once",
+     {"1,0,0,12345678.12345678\n2,12345678.12345678,0,0\n"},
+     {1, 2},
+     {0, 0, 12345678.12345678, 12345678.12345678, 0, 0},
+     {}},
+    {"points at both ends, noughts of either sign",
+     {"1,-.5,5.,-0\n2,-0.,-.0,0\n3,.,1.,1.\n"},
+     {1, 2, 3},
+     {-0.5, 5, 0, -0., -0., 0, 0, 1, 1},
+     {{2, 2}}},
+    {"blanks and signs where none belong",
+     {"1, 1 2,-. 5,- 5\n1 2,1.,2.,3.\n3,.-5,5-,1. .\n"},
+     {1, 0, 3},
+     {0, 0, 0, 1, 2, 3, 0, 0, 0},
+     {{0, 0}, {1, 1}, {2, 2}}},
     {"D exponents", {"1, 1d2, 1D-1, -2.5d+1\n"}, {1}, {100, 0.1, -25}, {}},
     {"labels of zero and below",
      {"0, 1.\n-5, 2.\n+6, 3.\n"},
@@ -110,13 +131,27 @@ std::string randomNodes(RandomLines& random, int lines) {
   return text;
 }
 
+// Fields of one or two widths, as programs write them, and now and then a wrong byte.
+std::string plainNodes(RandomLines& random, int lines) {
+  const int coordinates = random.OneIn(3) ? 2 : 3, digits = 1 + random.Below(10);
+  const std::string lineEnd = random.OneIn(3) ? "\r\n" : "\n";
+  std::string text;
+  for (int i = 0; i < lines; ++i) {
+    text += random.PlainInt(digits);
+    for (int k = 0; k < coordinates; ++k) text += "," + random.PlainReal();
+    text += lineEnd;
+  }
+  if (random.OneIn(2)) random.Spoil(text);
+  return text;
+}
+
 } // namespace
 
 TEST(BulkNodes, Cases) {
   for (const NodeCase& c : nodeCases)
     for (const auto& setting : bulkSettings) {
       SCOPED_TRACE(std::string(c.what) + ", piece " + std::to_string(setting.pieceSize));
-      const BulkSetting set(setting.threads, setting.pieceSize);
+      const BulkSetting set(setting.threads, setting.pieceSize, setting.instructions);
       inp_NodeRows rows;
       inp_decodeNodes(dataOf(c.text), rows);
       EXPECT_EQ(std::vector<int>(rows.labels.begin(), rows.labels.end()), c.labels);
@@ -126,20 +161,45 @@ TEST(BulkNodes, Cases) {
 }
 
 TEST(BulkNodes, EverySpellingIsWhatTheArraySays) {
-  for (unsigned seed = 1; seed <= 40; ++seed) {
+  for (unsigned seed = 1; seed <= 80; ++seed) {
     RandomLines random(seed);
     std::vector<std::string> segments;
-    for (int n = 1 + random.Below(3); n > 0; --n) segments.push_back(randomNodes(random, 100));
+    for (int n = 1 + random.Below(3); n > 0; --n)
+      segments.push_back(seed % 2 ? plainNodes(random, 300) : randomNodes(random, 100));
     const inp_DataArray data = dataOf(segments);
     for (const auto& setting : bulkSettings) {
       SCOPED_TRACE("seed " + std::to_string(seed) + ", piece " + std::to_string(setting.pieceSize));
-      const BulkSetting set(setting.threads, setting.pieceSize);
+      const BulkSetting set(setting.threads, setting.pieceSize, setting.instructions);
       inp_NodeRows rows;
       inp_decodeNodes(data, rows);
       expectAsArray(data, rows);
       if (HasFailure()) return;
     }
   }
+}
+
+// What goes through fast must do so, not only give the right values.
+TEST(BulkNodes, PlainLinesAreTakenTogether) {
+  if (utl_instructionSet() == utl_InstructionSet::Portable) GTEST_SKIP();
+  for (const std::string end : {"\n", "\r\n"})
+    for (const std::string z : {", 0.125", ""}) {
+      std::string text;
+      for (int i = 0; i < 50; ++i) text += std::to_string(i + 1) + ", -1.5, 2." + z + end;
+      inp_LineScan scan;
+      const inp_DataArray data = dataOf({text});
+      const inp_DataSegment& segment = data.Segments()[0];
+      std::size_t lines = 0, taken = 0;
+      scan.Run({{segment.text.get(), segment.begin, segment.end}}, [&](const inp_Stretch& stretch) {
+        std::vector<int> labels(stretch.count);
+        std::vector<double> coords(3 * stretch.count + 1);
+        inp_LinePlace at;
+        lines += stretch.lines;
+        taken += inp_takeNodeLines(stretch, at, labels.data(), coords.data());
+        return true;
+      });
+      EXPECT_EQ(lines, 50u);
+      EXPECT_EQ(taken, lines);
+    }
 }
 
 TEST(BulkNodes, Appends) {
@@ -182,7 +242,7 @@ TEST(BulkLabels, Cases) {
   for (const auto& c : cases)
     for (const auto& setting : bulkSettings) {
       SCOPED_TRACE(std::string(c.text) + " piece " + std::to_string(setting.pieceSize));
-      const BulkSetting set(setting.threads, setting.pieceSize);
+      const BulkSetting set(setting.threads, setting.pieceSize, setting.instructions);
       utl_Buffer<int> labels;
       long long row = -1;
       int col = -1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/utl_InstructionSet.h"
 #include "base/utl_Threads.h"
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_DataPieces.h"
@@ -29,22 +30,33 @@ inline inp_DataArray dataOf(const std::vector<std::string>& segments) {
   return inp_DataArray(std::move(made));
 }
 
-// Threads and piece size for the life of a scope.
+// Threads, piece size and instructions for the life of a scope.
 struct BulkSetting {
-  BulkSetting(int threads, std::size_t pieceSize) {
+  BulkSetting(int threads, std::size_t pieceSize,
+              utl_InstructionSet instructions = utl_InstructionSet::Avx2) {
     utl_setThreadCount(threads);
     inp_setPieceSize(pieceSize);
+    utl_limitInstructionSet(instructions);
   }
   ~BulkSetting() {
     utl_setThreadCount(0);
     inp_setPieceSize(0);
+    utl_limitInstructionSet(utl_InstructionSet::Avx2);
   }
 };
 
 inline constexpr struct {
   int threads;
   std::size_t pieceSize;
-} bulkSettings[] = {{1, 0}, {1, 1}, {1, 40}, {2, 7}, {2, 100}, {2, 1000}};
+  utl_InstructionSet instructions = utl_InstructionSet::Avx2; // where the machine has it
+} bulkSettings[] = {{1, 0},
+                    {1, 1},
+                    {1, 40},
+                    {2, 7},
+                    {2, 100},
+                    {2, 1000},
+                    {1, 0, utl_InstructionSet::Portable},
+                    {2, 100, utl_InstructionSet::Portable}};
 
 // Decks of every spelling, the same ones on every machine.
 class RandomLines {
@@ -96,6 +108,19 @@ public:
         "1e400", "0x1",   "+-1", "1..2",       "--5",     "99999999999999999999",
         "1-",    "5\x80", "inf", "1e-400",     "*",       "9007199254740993"};
     return odd[Below(24)];
+  }
+  // Spellings that whole decks are made of, and what one wrong byte here and there makes of them.
+  std::string PlainInt(int most) { return std::string(Below(4), ' ') + Digits(most); }
+  std::string PlainReal() {
+    std::string text =
+        std::string(Below(4), ' ') + (OneIn(3) ? "-" : "") + Digits(OneIn(9) ? 9 : 4);
+    if (!OneIn(9)) text += "." + (OneIn(4) ? "" : Digits(OneIn(4) ? 12 : 6));
+    return text + (OneIn(30) ? " " : "");
+  }
+  void Spoil(std::string& text) {
+    static const std::string bytes = " ,.-+059\t\rEeA\n\x80";
+    for (std::size_t n = text.size() / 200; n > 0; --n)
+      text[m_random() % text.size()] = bytes[m_random() % bytes.size()];
   }
   std::string LineEnd() { return OneIn(5) ? "\r\n" : OneIn(30) ? "  \n" : "\n"; }
   std::string Filler() {
