@@ -58,7 +58,7 @@ int run(int argc, char** argv) {
   bool sync = false; // a conversion ends with its model on the disk
   for (int i = 4; i < argc; ++i) {
     const std::string_view word = argv[i];
-    if (word == "--scalar") limitUseScalarDecoder(true);
+    if (word == "--scalar") limitUseScalarDecoder();
     if (word == "--sync") sync = true;
     if (word == "--threads" && i + 1 < argc) threads = std::atoi(argv[i + 1]);
   }

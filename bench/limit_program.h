@@ -4,6 +4,8 @@
 // It knows only the decks of mesh_generator, keeps no model and explains no fault: what it costs is
 // what nobody can save. The program `inps` is measured against it.
 
+#include "parser/inp_StretchFinder.h"
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -34,7 +36,8 @@ struct LimitRows {
   std::vector<std::int32_t> labels;
   std::vector<double> reals;
   std::vector<std::int32_t> integers;
-  std::vector<std::uint32_t> separators; // room to work in
+  inp_StretchFinder finder; // room to work in, as is
+  std::vector<int> fields;
   std::size_t rows = 0;
   const char* stoppedAt = nullptr; // the keyword line that ended the block, or the block's end
 };
@@ -46,7 +49,7 @@ enum class LimitSection { Nodes, Elements };
 // not one of the section.
 bool limitDecode(LimitSection section, const char* textBegin, const char* begin, const char* end,
                  LimitRows& rows);
-void limitUseScalarDecoder(bool scalar); // the portable loops even where the machine can do better
+void limitUseScalarDecoder(); // the portable loops even where the machine can do better
 const char* limitDecoderName();
 
 // ---- limit_store: chunks in an SQLite file -----------------------------------------------------

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "base/utl_Buffer.h"
 #include "parser/inp_DataPieces.h"
-#include "parser/inp_FieldBatch.h"
 #include "parser/inp_FieldScan.h"
+#include "parser/inp_StretchFinder.h"
 #include "parser/inp_TextLines.h"
-#include <algorithm>
 
 // Feeds the lines of a piece with their separators to a decoder, so that a decoder's loop has no
 // special cases: every line ends in a line feed, and the inp_fieldReach bytes in front of it may be
@@ -20,8 +18,6 @@ public:
   }
 
 private:
-  static constexpr std::ptrdiff_t usualStretch = 8 * 1024;
-
   template <class Take> bool RunRange(const inp_TextRange& range, Take& take) {
     const char* begin = range.begin;
     const char* const end = range.end;
@@ -45,35 +41,21 @@ private:
   }
 
   template <class Take> bool RunLines(const char* begin, const char* end, Take& take) {
-    std::ptrdiff_t size = usualStretch;
+    std::ptrdiff_t size = inp_StretchFinder::usualSize;
     while (begin != end) {
       size = end - begin < size ? end - begin : size;
-      const inp_Stretch stretch = StretchOf(begin, begin + size);
+      const inp_Stretch stretch = m_finder.Find(begin, begin + size);
       if (stretch.lines == 0) { // a line that is longer than all this
         size *= 2;
         continue;
       }
       if (!take(stretch)) return false;
       begin += stretch.feeds[stretch.lines - 1] + 1;
-      size = usualStretch;
+      size = inp_StretchFinder::usualSize;
     }
     return true;
   }
 
-  // The whole lines of [begin, end).
-  inp_Stretch StretchOf(const char* begin, const char* end) {
-    const auto room = static_cast<std::size_t>(end - begin) + inp_batchRoom;
-    m_places.Resize(1 + room);
-    m_feeds.Resize(room);
-    m_places[0] = ~std::uint32_t{0};
-    std::uint32_t* const places = m_places.Data() + 1;
-    auto [count, lines] = inp_findSeparators(begin, end, places, m_feeds.Data());
-    if (lines == 0) return {};
-    while (places[count - 1] != m_feeds[lines - 1]) --count;
-    std::fill_n(places + count, inp_batchFields, places[count - 1]);
-    return {begin, places, count, m_feeds.Data(), lines};
-  }
-
-  utl_Buffer<std::uint32_t> m_places, m_feeds;
+  inp_StretchFinder m_finder;
   cow_String m_copy;
 };
