@@ -23,13 +23,17 @@ void inpS_ElementConnectivity::CloseLast() {
   m_writer.reset();
 }
 
+bool inpS_ElementConnectivity::Continues(const Kind& kind) const {
+  if (m_blocks.empty()) return false;
+  const inpS_ElementBlock& last = m_blocks.back();
+  return last.spec == kind.spec && last.width == kind.width && last.held == kind.held &&
+         last.source == kind.source && last.offset == kind.offset;
+}
+
 inpS_ElementBlock& inpS_ElementConnectivity::BlockFor(const Kind& kind, long long first,
                                                       const inp_Keyword& keyword,
                                                       const KvoSimPosition& owner) {
-  const bool fits = !m_blocks.empty() && m_blocks.back().spec == kind.spec &&
-                    m_blocks.back().width == kind.width && m_blocks.back().held == kind.held &&
-                    m_blocks.back().source == kind.source && m_blocks.back().offset == kind.offset;
-  if (!fits) {
+  if (!Continues(kind)) {
     CloseLast();
     inpS_ElementBlock& block = m_blocks.emplace_back();
     block.spec = kind.spec;

@@ -54,6 +54,8 @@ public:
     bool held;
     int offset = 0;
   };
+  // Whether the last block takes such elements.
+  bool Continues(const Kind& kind) const;
   // The last block when it takes such elements, else a new one that begins at ordinal `first`.
   inpS_ElementBlock& BlockFor(const Kind& kind, long long first, const inp_Keyword& keyword,
                               const KvoSimPosition& owner);

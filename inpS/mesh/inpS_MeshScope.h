@@ -56,7 +56,6 @@ public:
   inpS_MeshScope& Add(inpS_MeshScope::Kind kind, const cow_String& name);
   inpS_MeshScope* FindPart(const cow_String& name);
   inpS_MeshScope* FindInstance(const cow_String& name);
-  bool HasInstances() const { return !m_instances.empty(); }
   std::deque<inpS_MeshScope>& All() { return m_scopes; }
 
   // Once everything is read. What the database holds already stays where it is.

@@ -42,6 +42,9 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   // User element types hold for the whole deck, wherever in it they are defined.
   for (const inp_Keyword& keyword : keywords)
     if (keyword.Kind() == inp_KwUserElement && !keyword.IsInstanceCopy()) ReadUserElement(keyword);
+  m_hasInstances = std::any_of(keywords.begin(), keywords.end(), [](const inp_Keyword& keyword) {
+    return keyword.Kind() == inp_KwInstance;
+  });
   // An instance shares what its part is when it opens: parts come first wherever they stand.
   const auto isOfParts = [](const inp_Keyword& keyword) {
     return keyword.Scope().kind == inp_Scope::Kind::Part || keyword.Kind() == inp_KwUserElement;
@@ -278,7 +281,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   const cow_String type = inp_Utils::Fold(typeItem->AsString());
   if (!CheckElementType(keyword, type)) return;
   const inpS_ElementParameters parameters(m_typeData, type);
-  const inpS_ElementConnectivity::Kind kind = {
+  inpS_ElementConnectivity::Kind kind = {
       FindElementType(parameters), parameters.MaxNodesPerElement(),
       solidNumbering                        ? "SOLID ELEMENT NUMBERING"
       : file && parameters.IsSubstructure() ? "FILE=" + file->Verbatim()
@@ -289,8 +292,12 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   LabelFaults faults;
   // Without any node to refer to, or with nodes named by instance, nothing can be translated yet.
   const bool mayStream = m_nodes.Size(scope.nodeOccurrence) > 0 &&
-                         !(scope.kind == inpS_MeshScope::Kind::Root && m_scopes.HasInstances());
-  if (mayStream && inpS_ElementStream::Serves(parameters))
+                         !(scope.kind == inpS_MeshScope::Kind::Root && m_hasInstances) &&
+                         inpS_ElementStream::Serves(parameters);
+  // Elements that stood in front of all nodes make one block with those behind.
+  kind.held = true;
+  kind.held = !mayStream || scope.elements.Continues(kind);
+  if (!kind.held)
     StreamElements(keyword, scope, parameters, kind, faults);
   else
     HoldElements(keyword, scope, parameters, kind, faults);

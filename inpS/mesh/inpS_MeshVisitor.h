@@ -89,6 +89,7 @@ private:
   inp_ScopePtr m_lastScope;
   inpS_MeshScope* m_current = nullptr;
   std::unique_ptr<inpS_SetResolver> m_resolver;
+  bool m_hasInstances = false; // anywhere in the deck
   int m_largestNodeLabel = 0;
   long long m_storedNodes = 0; // in the flat mesh before this deck
   long long m_storedElements = 0;

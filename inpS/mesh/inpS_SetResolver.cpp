@@ -27,6 +27,7 @@ const char* nounOf(inpS_SetKind kind) {
 class inpS_ElementNodes {
 public:
   std::span<const int> Of(const inpS_ElementBlock& block, long long element) {
+    if (block.array.IsNull()) return {}; // without nodes, which was told
     if (&block != m_block) {
       m_reader.emplace(block.array);
       m_block = &block;
