@@ -190,6 +190,15 @@ void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
                  "line); the nodes that follow are read in global coordinates.");
 }
 
+// The set that a mesh keyword's nodes or elements also go into; null: none, or one without a name.
+const inp_Item* inpS_MeshVisitor::FindSetName(const inp_Keyword& keyword,
+                                              std::string_view parameter) {
+  const inp_Item* name = keyword.Find(parameter);
+  if (!name || !name->AsString().empty()) return name;
+  AddError(inp_Utils::MessageAtParameter(keyword, parameter, "The name of the set is missing."));
+  return nullptr;
+}
+
 void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
@@ -207,7 +216,7 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
               " The coordinates are taken as rectangular."));
   }
   inpS_SetDefinition* set = nullptr;
-  if (const inp_Item* name = keyword.Find("nset")) {
+  if (const inp_Item* name = FindSetName(keyword, "nset")) {
     set = &scope.sets.FindOrAdd(inpS_SetKind::Nodes, name->AsString());
     inpS_beginRuns(*set, keyword);
   }
@@ -271,7 +280,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (!MayGrow(keyword, scope)) return;
   keyword.Find("input"); // the parser has read that file's lines
   const inp_Item* file = keyword.Find("file");
-  const inp_Item* elset = keyword.Find("elset");
+  const inp_Item* elset = FindSetName(keyword, "elset");
   const bool solidNumbering = keyword.HasParameter("solidelementnumbering");
   const inp_Item* typeItem = keyword.Find("type");
   if (!typeItem || typeItem->AsString().empty()) {

@@ -64,6 +64,7 @@ private:
   void ReadSet(const inp_Keyword& keyword, inpS_SetKind kind, const char* nameParameter);
   bool FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
                        cow_String& instance);
+  const inp_Item* FindSetName(const inp_Keyword& keyword, std::string_view parameter);
   int FindElementType(const inpS_ElementParameters& parameters);
   bool CheckElementType(const inp_Keyword& keyword, const cow_String& type);
   void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
