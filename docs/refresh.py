@@ -24,7 +24,7 @@ def example(program):
         for command in EXAMPLE:
             shown = command.replace("{}/", "")
             words = [word.replace("{}", folder) for word in command.split()]
-            output = "".join(said(program, words)).replace(folder + "/", "")
+            output = said(program, words)[0].replace(folder + "/", "")  # messages aside
             lines += [f"$ ./inps {shown}", *output.splitlines(), ""]
     return "\n".join("    " + line if line else "" for line in lines).rstrip()
 
