@@ -24,9 +24,11 @@ struct inpS_MeshScope {
   cow_String name;
   KvoSimPosition owner;           // its record
   inpS_MeshScope* part = nullptr; // of an instance
-  inpS_System placement;          // of an instance
-  inpS_System system;             // *SYSTEM in force for the nodes that follow
-  int nodeOccurrence = -1;        // in the node labeler
+  // Of an instance. It moves what comes from the part; nodes that the deck lists inside the
+  // instance stand where they say, in the assembly's coordinates.
+  inpS_System placement;
+  inpS_System system;      // *SYSTEM in force for the nodes that follow
+  int nodeOccurrence = -1; // in the node labeler
   int elementOccurrence = -1;
   inpS_NodeList nodes;
   inpS_ElementConnectivity elements;
