@@ -26,4 +26,6 @@ bcu_MarkScope::bcu_MarkScope(const char* prefix, const char* tag)
   bcu_ResourceMonitor::Instance().Mark(m_label + "-Start");
 }
 
-bcu_MarkScope::~bcu_MarkScope() { bcu_ResourceMonitor::Instance().Mark(m_label + "-End"); }
+bcu_MarkScope::~bcu_MarkScope() {
+  bcu_ResourceMonitor::Instance().Mark(m_label + "-End");
+}

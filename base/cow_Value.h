@@ -1,6 +1,7 @@
 #pragma once
 
-// The suite's value containers: any value-semantic string, list and map serve, so the standard ones do.
+// The suite's value containers: any value-semantic string, list and map serve, so the standard ones
+// do.
 
 #include <map>
 #include <string>

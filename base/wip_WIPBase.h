@@ -8,7 +8,7 @@ class wip_WIPBase {
 public:
   virtual ~wip_WIPBase() = default;
 
-  static wip_WIPBase& Instance();                    // of the calling thread
+  static wip_WIPBase& Instance();                     // of the calling thread
   static wip_WIPBase* Install(wip_WIPBase* reporter); // returns the previous one; null restores
 
   virtual void Error(const wip_Message& message, int level) = 0;

@@ -33,8 +33,8 @@ void inp_decodeNodes(const inp_DataArray& data, inp_NodeRows& result);
 // goes on while it is hot, and no memory is taken for more than a few pieces.
 struct inp_NodePiece {
   std::span<int> labels;
-  std::span<double> coords;     // 3 per row
-  std::span<inp_OddRow> odd;    // slots within the piece; rows of the keyword once it is taken
+  std::span<double> coords;  // 3 per row
+  std::span<inp_OddRow> odd; // slots within the piece; rows of the keyword once it is taken
 };
 // prepare is called for pieces on all threads at once, take for one after the other in deck order.
 void inp_streamNodes(const inp_DataArray& data,
@@ -73,12 +73,12 @@ void inp_decodeElements(const inp_DataArray& data, const inp_ElementForm& form,
 // The same by the piece, as for nodes.
 struct inp_ElementPiece {
   std::span<int> labels;
-  std::span<int> nodes;         // those of one element after those of the other
-  std::span<const int> counts;  // nodes of each element
-  int width = -1;               // nodes per element when all have equally many
-  std::span<inp_OddRow> odd;    // slots within the piece; rows of the keyword once it is taken
-  long long firstRow = 0;       // of the keyword, once it is taken
-  std::size_t slot = 0;         // where prepare may keep what it finds: utl_orderedBlocks
+  std::span<int> nodes;        // those of one element after those of the other
+  std::span<const int> counts; // nodes of each element
+  int width = -1;              // nodes per element when all have equally many
+  std::span<inp_OddRow> odd;   // slots within the piece; rows of the keyword once it is taken
+  long long firstRow = 0;      // of the keyword, once it is taken
+  std::size_t slot = 0;        // where prepare may keep what it finds: utl_orderedBlocks
 };
 void inp_streamElements(const inp_DataArray& data, const inp_ElementForm& form,
                         const std::function<void(const inp_ElementPiece&)>& prepare,

@@ -9,6 +9,6 @@ struct inpS_NotModelled {
   long long count = 0;
   cow_String file; // first place
   long long line = 0;
-  bool known = true;  // false: a word that the vocabulary does not know
-  bool kept = true;   // as text; false: the parameter is left out
+  bool known = true; // false: a word that the vocabulary does not know
+  bool kept = true;  // as text; false: the parameter is left out
 };
