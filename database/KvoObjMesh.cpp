@@ -114,6 +114,8 @@ KvoSimPosition KvoObjMesh::AddNodes(const KvoMeshNodeBlock& block) {
   setArray(record, eds_NodeBlock_Coordinates, block.coordinates);
   setArray(record, eds_NodeBlock_NormalOrdinals, block.normalOrdinals);
   setArray(record, eds_NodeBlock_Normals, block.normals);
+  setArray(record, eds_NodeBlock_LocalCoordinates, block.localCoordinates);
+  setArray(record, eds_NodeBlock_LocalNormals, block.localNormals);
   block.owner.Associate(eds_Member::NodeBlocks, position);
   if (block.flatFirst < 0) return position;
   record.SetInt(eds_NodeBlock_FlatFirst, block.flatFirst);
@@ -175,6 +177,8 @@ std::vector<KvoMeshNodeBlock> KvoObjMesh::NodeBlocks(const KvoSimPosition& owner
     block.coordinates = arrayOf(record, eds_NodeBlock_Coordinates);
     block.normalOrdinals = arrayOf(record, eds_NodeBlock_NormalOrdinals);
     block.normals = arrayOf(record, eds_NodeBlock_Normals);
+    block.localCoordinates = arrayOf(record, eds_NodeBlock_LocalCoordinates);
+    block.localNormals = arrayOf(record, eds_NodeBlock_LocalNormals);
     blocks.push_back(std::move(block));
   }
   return blocks;

@@ -19,6 +19,9 @@ struct KvoMeshNodeBlock {
   eds_ArrayID coordinates;    // width 3, one item per node; may be another block's
   eds_ArrayID normalOrdinals; // int32, ordinals within the block, ascending; null = no normals
   eds_ArrayID normals;        // width 3, one item per normal ordinal
+  // Of nodes that the deck lists inside a placed instance: as listed, before the placement.
+  eds_ArrayID localCoordinates;
+  eds_ArrayID localNormals;
 };
 
 // A run of elements of one type and width. Connectivity entries count from `nodeBase` in the flat

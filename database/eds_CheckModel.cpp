@@ -138,6 +138,8 @@ private:
     const cow_String name = Name(eds_RecordKind::NodeBlock, id);
     const int64_t count = rows.Int(id, eds_NodeBlock_Count);
     CheckLength(name, rows, id, eds_NodeBlock_Coordinates, eds_ValueType::Double, 3, count);
+    if (ArrayCount(rows, id, eds_NodeBlock_LocalCoordinates) > 0)
+      CheckLength(name, rows, id, eds_NodeBlock_LocalCoordinates, eds_ValueType::Double, 3, count);
     const int64_t normals = ArrayCount(rows, id, eds_NodeBlock_NormalOrdinals);
     CheckLength(name, rows, id, eds_NodeBlock_Normals, eds_ValueType::Double, 3, normals);
     if (normals > count) Fault(name + ": more normals than nodes");

@@ -24,8 +24,7 @@ struct inpS_MeshScope {
   cow_String name;
   KvoSimPosition owner;           // its record
   inpS_MeshScope* part = nullptr; // of an instance
-  // Of an instance. It moves what comes from the part; nodes that the deck lists inside the
-  // instance stand where they say, in the assembly's coordinates.
+  // Of an instance: it moves its part's nodes and those that the deck lists inside the instance.
   inpS_System placement;
   inpS_System system;      // *SYSTEM in force for the nodes that follow
   int nodeOccurrence = -1; // in the node labeler

@@ -26,10 +26,27 @@ eds_ArrayID writeArray(const KvoSimPosition& anyObject, std::span<const T> value
   return writer.Finish();
 }
 
-// A node block's normals, turned for an instance; the ordinals are the part's own array.
-void turnVectors(const inpS_System& system, utl_Buffer<double>& vectors) {
-  for (std::size_t n = 0; n + 2 < vectors.Size(); n += 3)
-    system.TransformVector(vectors[n], vectors[n + 1], vectors[n + 2]);
+// Points of an instance where its placement puts them.
+eds_ArrayID writePlaced(const inpS_MeshScope& scope, const eds_ArrayID& local) {
+  eds_ArrayReader reader(local);
+  eds_ArrayWriter writer(scope.owner, eds_ValueType::Double, 3);
+  utl_Buffer<double> moved;
+  for (long long chunk = 0; chunk < reader.ChunkCount(); ++chunk) {
+    const std::span<const double> from = reader.Chunk<double>(chunk);
+    moved.Resize(from.size());
+    scope.placement.Transform(from, moved);
+    writer.Append(std::span<const double>(moved));
+  }
+  return writer.Finish();
+}
+
+// Normals of an instance, turned with it; null when there are none.
+eds_ArrayID writePlacedNormals(const inpS_MeshScope& scope, const utl_Buffer<double>& local) {
+  if (local.IsEmpty()) return {};
+  utl_Buffer<double> turned = local.Copy();
+  for (std::size_t n = 0; n + 2 < turned.Size(); n += 3)
+    scope.placement.TransformVector(turned[n], turned[n + 1], turned[n + 2]);
+  return writeArray<double>(scope.owner, std::span<const double>(turned), 3);
 }
 
 } // namespace
@@ -117,6 +134,12 @@ void inpS_MeshStore::SaveOwnNodes(inpS_MeshScope& scope) {
         writeArray<int>(scope.owner, std::span<const int>(nodes.NormalOrdinals()), 1);
     block.normals = writeArray<double>(scope.owner, std::span<const double>(nodes.Normals()), 3);
   }
+  if (!scope.placement.IsIdentity()) { // the deck lists them in the instance's own coordinates
+    block.localCoordinates = block.coordinates;
+    block.localNormals = block.normals;
+    block.coordinates = writePlaced(scope, block.localCoordinates);
+    block.normals = writePlacedNormals(scope, nodes.Normals());
+  }
   mesh.AddNodes(block);
   scope.normalOrdinals = block.normalOrdinals;
   scope.normals = block.normals;
@@ -133,21 +156,8 @@ void inpS_MeshStore::SaveCopiedNodes(const inpS_MeshScope& scope, const inpS_Mes
   block.normalOrdinals = part.normalOrdinals;
   block.normals = part.normals;
   if (!scope.placement.IsIdentity()) {
-    eds_ArrayReader reader(part.nodes.Array());
-    eds_ArrayWriter writer(scope.owner, eds_ValueType::Double, 3);
-    utl_Buffer<double> moved;
-    for (long long chunk = 0; chunk < reader.ChunkCount(); ++chunk) {
-      const std::span<const double> from = reader.Chunk<double>(chunk);
-      moved.Resize(from.size());
-      scope.placement.Transform(from, moved);
-      writer.Append(std::span<const double>(moved));
-    }
-    block.coordinates = writer.Finish();
-    if (!part.nodes.NormalOrdinals().IsEmpty()) {
-      utl_Buffer<double> normals = part.nodes.Normals().Copy();
-      turnVectors(scope.placement, normals);
-      block.normals = writeArray<double>(scope.owner, std::span<const double>(normals), 3);
-    }
+    block.coordinates = writePlaced(scope, part.nodes.Array());
+    block.normals = writePlacedNormals(scope, part.nodes.Normals());
   }
   m_document.GetModel().GetMesh().AddNodes(block);
 }

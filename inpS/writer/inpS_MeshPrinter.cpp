@@ -43,6 +43,10 @@ private:
   eds_ArrayReader m_reader;
 };
 
+const eds_ArrayID& asListed(const eds_ArrayID& local, const eds_ArrayID& placed) {
+  return local.IsNull() ? placed : local;
+}
+
 // The normals of a node block, few and sparse, looked up by ordinal.
 struct Normals {
   std::vector<int> ordinals;
@@ -54,7 +58,8 @@ struct Normals {
     ordinals.resize(static_cast<std::size_t>(reader.Count()));
     reader.ReadPiece(0, std::span<int>(ordinals));
     values.resize(3 * ordinals.size());
-    eds_ArrayReader(block.normals).ReadPiece(0, std::span<double>(values));
+    eds_ArrayReader(asListed(block.localNormals, block.normals))
+        .ReadPiece(0, std::span<double>(values));
   }
   std::size_t From(long long ordinal) const {
     return static_cast<std::size_t>(std::lower_bound(ordinals.begin(), ordinals.end(), ordinal) -
@@ -69,7 +74,7 @@ struct Normals {
 namespace {
 
 bool hasNonZeroZ(const KvoMeshNodeBlock& block) {
-  eds_ArrayReader reader(block.coordinates);
+  eds_ArrayReader reader(asListed(block.localCoordinates, block.coordinates));
   std::vector<double> points;
   for (long long first = 0, end = block.count - block.generated; first < end;) {
     const long long count = std::min(kNodesPerPiece, end - first);
@@ -126,7 +131,7 @@ void inpS_MeshPrinter::PrintNodes(const inpS_DeckScope& scope) {
 }
 
 void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMeshNodeBlock& block) {
-  SharedReader<double> coordinates(block.coordinates);
+  SharedReader<double> coordinates(asListed(block.localCoordinates, block.coordinates));
   const Normals normals(block);
   const eds_LabelMap& labels = m_labels.nodes.Labels(scope.nodes);
   constexpr std::size_t kLine = utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;

@@ -132,7 +132,8 @@ bool RandomDeck::IsGiven(const Meant& node) const {
 
 Point RandomDeck::PointOf(const Meant& node) const {
   const MeantScope& scope = scopes[static_cast<std::size_t>(node.scope)];
-  if (const auto own = scope.points.find(node.label); own != scope.points.end()) return own->second;
+  if (const auto own = scope.points.find(node.label); own != scope.points.end())
+    return scope.placed ? placed(scope.placement, own->second) : own->second;
   const Point ofPart = PointOf({scope.part, node.label});
   return scope.placed ? placed(scope.placement, ofPart) : ofPart;
 }
