@@ -2,10 +2,17 @@
 #include "base/utl_Assert.h"
 #include "database/KvoSimTransaction.h"
 #include "database/eds_Array.h"
+#include "database/eds_Exception.h"
+#include <bit>
+#include <cstring>
 
 namespace {
 
 enum Role { dependent, independent };
+
+// A table of a few rows costs no array of its own.
+constexpr size_t mostBytesInRecord = 4096;
+static_assert(std::endian::native == std::endian::little); // as files are
 
 void createColumns(const KvoSimPosition& table, const std::vector<cow_String>& names, Role role) {
   for (size_t i = 0; i < names.size(); ++i) {
@@ -27,26 +34,42 @@ KvoSrvFsmFTable KvoSrvFsmFTable::CreateTable(const KvoSimPosition& property, int
                                              const std::vector<cow_String>& independentColumns,
                                              int rowKind, std::span<const double> values,
                                              int columns, bool temperatureDependent) {
-  utl_ASSERT(rows >= 0 && columns >= 0);
-  utl_ASSERT(static_cast<int64_t>(values.size()) == rows * columns);
   KvoSimTransaction transaction(property.Context());
-  const KvoSrvFsmFTable table = property.CreateFTable(eds_RecordKind::PropertyTable);
+  KvoSrvFsmFTable table = property.CreateFTable(eds_RecordKind::PropertyTable);
   KvoSimDataRecord record = table.m_position.DataRecord();
   record.SetInt(eds_PropertyTable_TableKind, tableKind);
   record.SetInt(eds_PropertyTable_RowKind, rowKind);
-  record.SetInt(eds_PropertyTable_Rows, rows);
-  record.SetInt(eds_PropertyTable_Columns, columns);
   record.SetInt(eds_PropertyTable_FieldVariables, fieldVariables);
-  record.SetBool(eds_PropertyTable_TemperatureDependent, temperatureDependent);
   createColumns(table.m_position, dependentColumns, dependent);
   createColumns(table.m_position, independentColumns, independent);
-  if (!values.empty()) {
-    eds_ArrayWriter writer(property, eds_ValueType::Double, columns);
+  table.SetValues(rows, values, columns, temperatureDependent);
+  transaction.Commit();
+  return table;
+}
+
+void KvoSrvFsmFTable::SetValues(int64_t rows, std::span<const double> values, int columns,
+                                bool temperatureDependent) {
+  utl_ASSERT(rows >= 0 && columns >= 0);
+  utl_ASSERT(static_cast<int64_t>(values.size()) == rows * columns);
+  KvoSimTransaction transaction(m_position.Context());
+  KvoSimDataRecord record = m_position.DataRecord();
+  record.SetInt(eds_PropertyTable_Rows, rows);
+  record.SetInt(eds_PropertyTable_Columns, columns);
+  record.SetBool(eds_PropertyTable_TemperatureDependent, temperatureDependent);
+  const KvoSimPosition former = record.GetReference(eds_PropertyTable_Values);
+  record.UnsetMember(eds_PropertyTable_Values);
+  record.UnsetMember(eds_PropertyTable_FewValues);
+  if (!former.IsNull()) former.Remove();
+  if (values.size_bytes() <= mostBytesInRecord) {
+    if (!values.empty())
+      record.SetString(eds_PropertyTable_FewValues,
+                       {reinterpret_cast<const char*>(values.data()), values.size_bytes()});
+  } else {
+    eds_ArrayWriter writer(m_position, eds_ValueType::Double, columns);
     writer.Append(values);
     record.SetReference(eds_PropertyTable_Values, writer.Finish().Position());
   }
   transaction.Commit();
-  return table;
 }
 
 int KvoSrvFsmFTable::TableKind() const {
@@ -92,9 +115,21 @@ std::vector<cow_String> KvoSrvFsmFTable::IndependentColumns() const {
 }
 
 std::vector<double> KvoSrvFsmFTable::Values() const {
-  const KvoSimPosition array = m_position.DataRecord().GetReference(eds_PropertyTable_Values);
-  if (array.IsNull()) return {};
+  const KvoSimDataRecord record = m_position.DataRecord();
+  const KvoSimPosition array = record.GetReference(eds_PropertyTable_Values);
+  if (array.IsNull()) {
+    const std::string_view bytes = record.GetString(eds_PropertyTable_FewValues);
+    std::vector<double> values(bytes.size() / sizeof(double));
+    std::memcpy(values.data(), bytes.data(), values.size() * sizeof(double));
+    if (static_cast<int64_t>(values.size()) != Rows() * Columns())
+      throw eds_DamagedFileException("a property table has " + std::to_string(values.size()) +
+                                     " values for " + std::to_string(Rows()) + " rows of " +
+                                     std::to_string(Columns()));
+    return values;
+  }
   eds_ArrayReader reader(eds_ArrayID{array.Store(), array.ID()});
+  if (reader.Width() != Columns() || reader.Count() != Rows())
+    throw eds_DamagedFileException("a property table does not fit its array");
   std::vector<double> values(static_cast<size_t>(reader.Count() * reader.Width()));
   reader.ReadPiece(0, std::span(values));
   return values;

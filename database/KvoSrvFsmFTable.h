@@ -19,6 +19,10 @@ public:
                                      std::span<const double> values, int columns,
                                      bool temperatureDependent);
 
+  // Replaces all rows; the columns' names and the number of field variables stay.
+  void SetValues(int64_t rows, std::span<const double> values, int columns,
+                 bool temperatureDependent);
+
   bool IsNull() const { return m_position.IsNull(); }
   const KvoSimPosition& Position() const { return m_position; }
   int TableKind() const;

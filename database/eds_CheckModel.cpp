@@ -24,6 +24,7 @@ public:
     ForEach(eds_RecordKind::ElementBlock, [&](int64_t id) { CheckElementBlock(id); });
     ForEach(eds_RecordKind::LabelSpace, [&](int64_t id) { CheckLabelSpace(id); });
     ForEach(eds_RecordKind::Drawer, [&](int64_t id) { CheckDrawer(id); });
+    ForEach(eds_RecordKind::PropertyTable, [&](int64_t id) { CheckPropertyTable(id); });
     Guarded([&] { CheckOrphans(); });
     return std::move(m_faults);
   }
@@ -199,6 +200,20 @@ private:
     CheckLength(Name(eds_RecordKind::Drawer, id), rows, id, eds_Drawer_Array, type,
                 all.Int(distribution, eds_Distribution_Values),
                 ArrayCount(rows, id, eds_Drawer_Array));
+  }
+
+  void CheckPropertyTable(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::PropertyTable);
+    const cow_String name = Name(eds_RecordKind::PropertyTable, id);
+    const int64_t count = rows.Int(id, eds_PropertyTable_Rows);
+    const int64_t width = rows.Int(id, eds_PropertyTable_Columns);
+    CheckLength(name, rows, id, eds_PropertyTable_Values, eds_ValueType::Double, width, count);
+    if (!rows.Reference(id, eds_PropertyTable_Values).IsNull()) return;
+    const auto bytes = static_cast<int64_t>(rows.Text(id, eds_PropertyTable_FewValues).size());
+    const bool fits = width > 0
+                          ? bytes % 8 == 0 && bytes / 8 % width == 0 && bytes / 8 / width == count
+                          : bytes == 0;
+    if (!fits) Fault(name + ": its values do not fit its rows");
   }
 
   void CheckOrphans() {

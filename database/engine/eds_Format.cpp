@@ -185,13 +185,16 @@ void eds_createTables(eds_Engine& engine) {
   engine.Execute(("PRAGMA user_version = " + std::to_string(eds_formatVersion)).c_str());
   for (const char* sql : fixedTables) engine.Execute(sql);
   for (const char* sql : schemaTables) engine.Execute(sql);
-  for (const eds_RecordInfo& record : eds_schemaRecords()) {
-    engine.Execute(createTable(record).c_str());
-    engine.Execute(createView(record).c_str());
-  }
+  for (const eds_RecordInfo& record : eds_schemaRecords())
+    if (!eds_isLateKind(record.kind)) eds_createTable(engine, record);
   writeRecords(engine);
   writeNames(engine);
   engine.Execute("COMMIT");
+}
+
+void eds_createTable(eds_Engine& engine, const eds_RecordInfo& record) {
+  engine.Execute(createTable(record).c_str());
+  engine.Execute(createView(record).c_str());
 }
 
 void eds_upgradeTables(eds_Engine& engine) {
@@ -199,8 +202,7 @@ void eds_upgradeTables(eds_Engine& engine) {
   for (const eds_RecordInfo& record : eds_schemaRecords()) {
     const std::vector<cow_String> columns = eds_storedColumns(engine, record.table);
     if (columns.empty()) {
-      engine.Execute(createTable(record).c_str());
-      engine.Execute(createView(record).c_str());
+      if (!eds_isLateKind(record.kind)) eds_createTable(engine, record);
       continue;
     }
     bool grown = false;

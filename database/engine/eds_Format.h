@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/engine/eds_Engine.h"
+#include "database/schema/eds_Schema.h"
 
 // The file's outer form: what marks it as ours, its tables and views, and what it must look like to
 // be opened. docs/database.md describes it.
@@ -11,6 +12,9 @@ constexpr int eds_pageSize = 16384;
 
 // Lays down the tables, the views and the stored schema in an empty file.
 void eds_createTables(eds_Engine& engine);
+
+// The table and the view of one record kind.
+void eds_createTable(eds_Engine& engine, const eds_RecordInfo& record);
 
 // Adds the tables and columns that an older file lacks.
 void eds_upgradeTables(eds_Engine& engine);

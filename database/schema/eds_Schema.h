@@ -40,3 +40,10 @@ std::span<const eds_SymbolInfo> eds_schemaSymbols(eds_Vocabulary vocabulary);
 std::string_view eds_vocabularyName(eds_Vocabulary vocabulary); // "" when there is none
 // The kinds from this number on are the store's own.
 constexpr int eds_firstOwnKind = 900;
+// The kinds between these and the store's own are many, and a model has few of them: their tables
+// are made with their first record.
+constexpr int eds_firstLateKind = 100;
+inline bool eds_isLateKind(eds_RecordKind kind) {
+  const int number = static_cast<int>(kind);
+  return number >= eds_firstLateKind && number < eds_firstOwnKind;
+}

@@ -5,6 +5,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/driver/inpS_Phases.h"
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
+#include "inpS/materials/inpS_MaterialVisitor.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
 #include "inpS/messages/inpS_MessageContainer.h"
 #include "inpS/sets/inpS_SurfaceVisitor.h"
@@ -98,10 +99,14 @@ void inpS_Inp2Sim::Print(aio_ostream& out) const {
   for (const inp_Keyword& keyword : m_keywords) keyword.Print(out);
 }
 
-cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds() {
+cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
   cow_List<inp_KeywordEnm> kinds = {inp_KwHeading,     inp_KwPart,        inp_KwEndPart,
                                     inp_KwAssembly,    inp_KwEndAssembly, inp_KwInstance,
                                     inp_KwEndInstance, inp_KwParameter,   inp_KwInclude};
+  if (!restart) { // a restart goes on with the materials of its model
+    const cow_List<inp_KeywordEnm> materials = inpS_MaterialVisitor::ModelledKinds();
+    kinds.insert(kinds.end(), materials.begin(), materials.end());
+  }
   const cow_List<inp_KeywordEnm>& mesh = inpS_MeshVisitor::ModelledKinds();
   kinds.insert(kinds.end(), mesh.begin(), mesh.end());
   return kinds;

@@ -44,7 +44,7 @@ public:
   // After a conversion: what was kept verbatim instead of modelled, in deck order of first places.
   const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
   // The keyword kinds that some phase converts.
-  static cow_List<inp_KeywordEnm> ModelledKinds();
+  static cow_List<inp_KeywordEnm> ModelledKinds(bool restart = false);
   // Lays the deck's digest and name into the database's own description.
   static void DescribeSource(const KvoObjDocument& document, const cow_String& deckPath);
 
@@ -98,4 +98,6 @@ private:
   std::unique_ptr<inpS_SurfaceVisitor> m_surfaceVisitor;
   bool m_unsupportedFeaturesAsWarnings = false;
   cow_List<inpS_NotModelled> m_notModelled;
+  // Keywords of converted kinds that their phase left to be kept as text, with what they belong to.
+  cow_Map<const inp_KeywordBody*, KvoSimPosition> m_asText;
 };

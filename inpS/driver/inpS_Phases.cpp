@@ -159,7 +159,8 @@ bool Driver::ProcessAssembly() {
 }
 
 void Driver::KeepVerbatim(bool restart) {
-  inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds());
+  inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds(restart));
+  visitor.SetAsText(&m_asText);
   if (restart) {
     visitor.ContinuePositions();
     visitor.RefuseNewOwners(m_keywords);
@@ -193,7 +194,10 @@ bool Driver::ProcessAmplitudes() {
 
 bool Driver::ProcessMaterials() {
   inpS_MaterialVisitor visitor(m_inventory);
-  visitor.VisitListAndReport(m_keywords);
+  visitor.VisitList(m_keywords);
+  visitor.ReportUnreferredParameters(m_keywords, inpS_MaterialVisitor::ModelledKinds());
+  visitor.Report();
+  m_asText = visitor.KeptAsText();
   return !visitor.IsError();
 }
 

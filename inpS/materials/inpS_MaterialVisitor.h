@@ -1,16 +1,90 @@
 #pragma once
 
+#include "database/KvoSimCollection.h"
+#include "database/KvoSimTransaction.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
+#include "inpS/materials/inpS_Behavior.h"
+#include "inpS/materials/inpS_PropertyUtils.h"
 
-// The materials phase. It converts no keyword yet: they are kept as text.
+// Converts materials and gasket behaviours: every behaviour keyword becomes a property record of
+// the material that is open, its sub-options records of that property. What a keyword holds stands
+// in its row of inpS_behaviors.def; only what a row cannot say has an operation of its own here.
 class inpS_MaterialVisitor : public inpS_Visitor {
 public:
-  explicit inpS_MaterialVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
+  explicit inpS_MaterialVisitor(const inpS_Inventory& inventory);
 
-protected:
-  const inpS_Inventory& Inventory() const { return m_inventory; }
+  static cow_List<inp_KeywordEnm> ModelledKinds();
+
+  // Keywords of these kinds that were left to be kept as text, each with the property that it is a
+  // sub-option of, or the material; null: the model's own.
+  using TextKeywords = cow_Map<const inp_KeywordBody*, KvoSimPosition>;
+  const TextKeywords& KeptAsText() const { return m_text; }
+
+  void Visit(const inp_Keyword& keyword) override;
+  void VisitMaterial(const inp_Keyword& keyword) override;
+  void VisitGasketBehavior(const inp_Keyword& keyword) override;
+  void VisitPhysicalConstants(const inp_Keyword& keyword) override;
+#define INPS_MATERIAL_KEYWORD(Suffix, Handler)                                                     \
+  void Visit##Suffix(const inp_Keyword& keyword) override {                                        \
+    Handler(keyword);                                                                              \
+  }
+#include "inpS/materials/inpS_materialKeywords.def"
+
+  // A record of the property kind in the current material with the table of the keyword's rows;
+  // null when it has none.
+  KvoSimPosition CreateProperty(const inp_Keyword& keyword, eds_RecordKind property, int tableKind,
+                                int values, int rowKind, bool temperature);
+  // The first property of that kind in the current material; null when there is none.
+  KvoSimPosition GetProperty(eds_RecordKind kind) const;
+  // By its row: with parameters, table and sub-options. Null when the keyword has no rows. A value
+  // that no row knows is an assertion here; visiting reports it instead.
+  KvoSimPosition CreateBehavior(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                                const inp_Keyword* parent = nullptr);
+
+  // The rows of *PLASTIC, HARDENING=ISOTROPIC, each with the keyword's rate behind its strain.
+  KvoSimPosition CreateIsotropicHardeningPlastic(KvoSimTransaction& transaction,
+                                                 const inp_Keyword& keyword);
+  void AppendIsotropicHardeningPlastic(KvoSimTransaction& transaction, const inp_Keyword& keyword,
+                                       const KvoSimPosition& property);
 
 private:
+  // What rows say all of.
+  void Behavior(const inp_Keyword& keyword) {
+    Convert(keyword, m_owner);
+  }
+  void Elasticity(const inp_Keyword& keyword);
+  void Plasticity(const inp_Keyword& keyword);
+  void PotentialUser(const inp_Keyword& keyword); // *CREEP and others that may have a potential
+  void Expansion(const inp_Keyword& keyword);
+
+  void Depvar(const inp_Keyword& keyword);
+  bool MayConvert(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                  const inp_Keyword* parent);
+  void ReportChoice(const inp_Keyword& keyword);
+  void CheckConflicts(const inp_Keyword& keyword, const inpS_Behavior& behavior);
+  KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                         const inp_Keyword* parent = nullptr);
+  KvoSimPosition Create(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+                        const KvoSimPosition& owner);
+  bool ReadTable(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+                 cow_List<inpS_BehaviorColumns::Column>& columns, inpS_KeywordDataTable& table);
+  void CreateSuboptions(const inp_Keyword& keyword, const KvoSimPosition& property);
+  void CreatePotential(const inp_Keyword& keyword);
+  inpS_KeywordDataTable ReadIsotropicHardening(const inp_Keyword& keyword);
+  void KeepOthers(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+                  KvoSimDataRecord record);
+  void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner);
+  KvoSimPosition OpenNamed(const inp_Keyword& keyword, eds_RecordKind kind, eds_Member member);
+
   const inpS_Inventory& m_inventory;
+  KvoObjDocument m_document;
+  KvoSimCollection m_rowCollection;
+  KvoSimCollection m_fieldVariableCollection;
+  KvoSimCollection m_componentCollection;
+  KvoSimPosition m_material;
+  KvoSimPosition m_gasket;
+  KvoSimPosition m_owner; // of the keyword at hand
+  TextKeywords m_text;
+  KvoSimPosition m_potential; // just made, and not yet told what it was given with
 };

@@ -52,8 +52,15 @@ void inpS_VerbatimVisitor::RefuseNewOwners(const inp_KeywordList& keywords) {
 bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
   const auto index = static_cast<std::size_t>(keyword.Kind());
   if (index >= m_modelled.size() || !m_modelled[index]) return false;
+  if (AsText(keyword)) return false;
   // Inside a step nothing of the model's own keywords is converted.
   return keyword.Scope().kind != inp_Scope::Kind::Step;
+}
+
+const KvoSimPosition* inpS_VerbatimVisitor::AsText(const inp_Keyword& keyword) const {
+  if (!m_asText) return nullptr;
+  const auto known = m_asText->find(keyword.Body().get());
+  return known == m_asText->end() ? nullptr : &known->second;
 }
 
 void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
@@ -75,14 +82,17 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
 
   const KvoObjDocument& document = m_inventory.GetDocument();
   KvoSimTransaction transaction(document.ContextID());
+  Place place = m_place;
+  const KvoSimPosition* owner = AsText(keyword);
+  if (owner && !owner->IsNull()) place = {*owner, "LEVEL_MATERIAL"};
   const KvoSimPosition kept = m_place.owner.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   KvoSimDataRecord record = kept.DataRecord();
   record.SetString(eds_VerbatimKeyword_Keyword, keyword.Name());
-  record.SetSymb(eds_VerbatimKeyword_Level, m_place.level);
-  record.SetReference(eds_VerbatimKeyword_Owner, m_place.owner);
+  record.SetSymb(eds_VerbatimKeyword_Level, place.level);
+  record.SetReference(eds_VerbatimKeyword_Owner, place.owner);
   record.SetInt(eds_VerbatimKeyword_Block, block);
   record.SetInt(eds_VerbatimKeyword_Position,
-                m_positions[{m_place.owner.Object().Packed(), block}]++);
+                m_positions[{place.owner.Object().Packed(), block}]++);
   record.SetString(eds_VerbatimKeyword_Text, keyword.Text());
   transaction.Commit();
 }

@@ -12,6 +12,11 @@ public:
   // modelled: the keyword kinds that some phase converts.
   inpS_VerbatimVisitor(const inpS_Inventory& inventory, const cow_List<inp_KeywordEnm>& modelled);
 
+  // Keywords of converted kinds that are kept all the same, with the object that they belong to
+  // (null: what their scope belongs to).
+  using TextKeywords = cow_Map<const inp_KeywordBody*, KvoSimPosition>;
+  void SetAsText(const TextKeywords* keywords) { m_asText = keywords; }
+
   void Visit(const inp_Keyword& keyword) override;
   void Report() override;
   const cow_List<inpS_NotModelled>& AllKept() const { return m_kept; }
@@ -28,10 +33,12 @@ private:
   bool IsModelled(const inp_Keyword& keyword) const;
   Place PlaceOf(const inp_Scope& scope);
   int BlockOf(const inp_Keyword& keyword);
+  const KvoSimPosition* AsText(const inp_Keyword& keyword) const; // null: not among them
   void Count(const inp_Keyword& keyword);
 
   const inpS_Inventory& m_inventory;
   cow_List<bool> m_modelled;
+  const TextKeywords* m_asText = nullptr;
   bool m_isRestart = false;
   const inp_Scope* m_scope = nullptr; // of the keyword before
   inp_ScopePtr m_scopeHeld;

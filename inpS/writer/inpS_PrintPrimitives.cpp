@@ -8,11 +8,6 @@ namespace {
 
 constexpr int kLabelsPerLine = 16;
 
-bool needsQuotes(char c) {
-  if (c == '-' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z')) return false;
-  return c != '\0' && static_cast<unsigned char>(c) < 128;
-}
-
 } // namespace
 
 void inpS_printArray(utl_Stream& out, const double* values, int n) {
@@ -45,15 +40,6 @@ void inpS_printSet(utl_Stream& out, long long n, const int* labels) {
 
 void inpS_printInpParamValueString(utl_Stream& out, const cow_String& value) {
   if (!value.empty()) out << '"' << value << '"';
-}
-
-cow_String& QuotedName(cow_String& name) {
-  if (std::any_of(name.begin(), name.end(), needsQuotes)) name = '"' + name + '"';
-  return name;
-}
-
-cow_String inpS_quoted(cow_String name) {
-  return QuotedName(name);
 }
 
 void inpS_printComponentsOnDataline(cow_String& line, const KvoSimPosition& componentSet) {

@@ -2,6 +2,7 @@
 
 #include "base/cow_Value.h"
 #include "database/KvoSimPosition.h"
+#include "inpS/keywords/inpS_QuotedName.h"
 #include <span>
 
 class utl_Stream;
@@ -18,12 +19,6 @@ void inpS_printSet(utl_Stream& out, long long n, const int* labels);
 
 // A parameter value: in double quotes unless it is empty.
 void inpS_printInpParamValueString(utl_Stream& out, const cow_String& value);
-
-// Puts a name into double quotes where the deck language needs them: when it holds an underscore, a
-// blank or a period, and also when it would not read back as itself bare (lower case letters,
-// commas and other separators). Any other name is left as it is.
-cow_String& QuotedName(cow_String& name);
-cow_String inpS_quoted(cow_String name);
 
 // Appends the members of a component set, counted from 1 and separated by ", ", to a data line.
 void inpS_printComponentsOnDataline(cow_String& line, const KvoSimPosition& componentSet);

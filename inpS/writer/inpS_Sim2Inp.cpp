@@ -4,6 +4,7 @@
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/writer/inpS_MaterialPrinter.h"
 #include "inpS/writer/inpS_MeshPrinter.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "inpS/writer/inpS_SetPrinter.h"
@@ -65,6 +66,21 @@ struct inpS_Sim2Inp::Impl {
   void PrintElsets(const inpS_DeckScope& scope) {
     if (HasMesh()) inpS_SetPrinter(*labels, *out).PrintElsets(scope);
   }
+  inpS_MaterialPrinter Materials() {
+    return {*out, [this](const KvoSimPosition& owner) { PrintKeptOf(owner); }};
+  }
+  // These belong to the model: parts and instances have none.
+  void PrintPhysicalConstants(const inpS_DeckScope& scope) {
+    if (IsModel(scope)) Materials().PrintPhysicalConstants(doc.GetModel());
+  }
+  void PrintMaterials(const inpS_DeckScope& scope) {
+    if (IsModel(scope)) Materials().PrintMaterials(doc.GetModel());
+  }
+  void PrintGasketBehaviors(const inpS_DeckScope& scope) {
+    if (IsModel(scope)) Materials().PrintGasketBehaviors(doc.GetModel());
+  }
+  bool IsModel(const inpS_DeckScope& scope) const { return scope.owner.IsA(eds_RecordKind::Model); }
+  void PrintKeptOf(const KvoSimPosition& owner);
   // A block whose keywords no phase converts: it holds what was kept as text, and nothing else.
   void PrintKeptOnly(const inpS_DeckScope&) {}
 
@@ -95,10 +111,10 @@ const Impl::Block Impl::blocks[29] = {
     {11, "PrintConstraints", "Constrs", &Impl::PrintKeptOnly},
     {12, "PrintRigidBodies", "RigBods", &Impl::PrintKeptOnly},
     {13, "PrintAmplitudes", "Amps", &Impl::PrintKeptOnly},
-    {14, "PrintPhysicalConstants", "PhyConsts", &Impl::PrintKeptOnly},
+    {14, "PrintPhysicalConstants", "PhyConsts", &Impl::PrintPhysicalConstants},
     {15, "PrintContactInitializationData", "ContactInit", &Impl::PrintKeptOnly},
-    {16, "PrintMaterials", "Mats", &Impl::PrintKeptOnly},
-    {17, "PrintGasketBehaviors", "GaskBeh", &Impl::PrintKeptOnly},
+    {16, "PrintMaterials", "Mats", &Impl::PrintMaterials},
+    {17, "PrintGasketBehaviors", "GaskBeh", &Impl::PrintGasketBehaviors},
     {18, "PrintConnectorBehaviors", "ConnBeh", &Impl::PrintKeptOnly},
     {19, "PrintSections", "Sects", &Impl::PrintKeptOnly},
     {20, "PrintPretensionSections", "Preten", &Impl::PrintKeptOnly},
@@ -210,6 +226,14 @@ void Impl::PrintKept(const inpS_DeckScope& scope, int block) {
                              [](const Kept& keyword, int n) { return keyword.block < n; });
   for (; at != list.end() && at->block == block; ++at)
     *out << at->record.DataRecord().GetString(eds_VerbatimKeyword_Text);
+}
+
+// All that is kept with an object that is no scope of the deck.
+void Impl::PrintKeptOf(const KvoSimPosition& owner) {
+  const auto known = kept.find(owner.Object().Packed());
+  if (known == kept.end()) return;
+  for (const Kept& keyword : known->second)
+    *out << keyword.record.DataRecord().GetString(eds_VerbatimKeyword_Text);
 }
 
 void Impl::PrintHeading(const inpS_DeckScope& scope) {

@@ -1,0 +1,20 @@
+#include "inpS/keywords/inpS_QuotedName.h"
+#include <algorithm>
+
+namespace {
+
+bool needsQuotes(char c) {
+  if (c == '-' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z')) return false;
+  return c != '\0' && static_cast<unsigned char>(c) < 128;
+}
+
+} // namespace
+
+cow_String& QuotedName(cow_String& name) {
+  if (std::any_of(name.begin(), name.end(), needsQuotes)) name = '"' + name + '"';
+  return name;
+}
+
+cow_String inpS_quoted(cow_String name) {
+  return QuotedName(name);
+}

@@ -1,0 +1,484 @@
+#include "inpS/materials/inpS_MaterialVisitor.h"
+#include "base/utl_Assert.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "inpS/materials/inpS_TableCheck.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_KeywordTable.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+using Column = inpS_BehaviorColumns::Column;
+
+inpS_ExtraColumns extraColumns(const cow_List<Column>& columns, Column::Role role) {
+  inpS_ExtraColumns extra;
+  for (std::size_t n = 0; n < columns.size(); ++n) {
+    if (columns[n].role != role) continue;
+    extra.numbers.push_back(static_cast<int>(n));
+    extra.names.push_back(columns[n].tableName);
+  }
+  return extra;
+}
+
+eds_Member memberOf(const KvoSimPosition& owner) {
+  const bool container =
+      owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
+  return container ? eds_Member::Properties : eds_Member::Suboptions;
+}
+
+cow_String allLines(const inp_Keyword& keyword) {
+  cow_String lines;
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row) lines += cow_String(data.RowText(row)) + '\n';
+  return lines;
+}
+
+} // namespace
+
+inpS_MaterialVisitor::inpS_MaterialVisitor(const inpS_Inventory& inventory)
+    : m_inventory(inventory), m_document(inventory.GetDocument()),
+      m_rowCollection(m_document.GetPropertyTableRowCollection()),
+      m_fieldVariableCollection(m_document.GetPropertyFieldVariableTypeCollection()),
+      m_componentCollection(m_document.GetComponentCollection()) {}
+
+cow_List<inp_KeywordEnm> inpS_MaterialVisitor::ModelledKinds() {
+  cow_List<inp_KeywordEnm> kinds = {inp_KwMaterial, inp_KwGasketBehavior, inp_KwPhysicalConstants,
+                                    inp_KwNoCompression, inp_KwNoTension};
+  const cow_List<inp_KeywordEnm>& behaviors = inpS_BehaviorTable::Instance().Keywords();
+  kinds.insert(kinds.end(), behaviors.begin(), behaviors.end());
+  return kinds;
+}
+
+// ---- what holds behaviours
+
+// A record under the keyword's name in a map of the model; null, with a message, when it has that
+// name already.
+KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_RecordKind kind,
+                                               eds_Member member) {
+  const inp_Item* name = keyword.Find("name");
+  if (!name) return {};
+  const KvoSimPosition model = m_document.GetModel().Position();
+  if (!model.FollowStringKey(member, name->AsString()).IsNull()) {
+    const char* text = kind == eds_RecordKind::Material
+                           ? "Material with name \"%s\" has already been defined"
+                           : "Gasket behavior with name \"%s\" has already been defined";
+    Error(keyword, inp_Utils::Format(text, name->AsString().c_str()));
+    return {};
+  }
+  KvoSimTransaction transaction(m_document.ContextID());
+  const KvoSimPosition opened = model.CreateDataRecord(kind);
+  KvoSimDataRecord record = opened.DataRecord();
+  record.SetString(0, name->AsString());
+  model.AssociateStringKey(member, name->AsString(), opened);
+  inpS_readParameters(keyword, inpS_bindParameters(keyword.Kind(), kind), record, *this);
+  transaction.Commit();
+  return opened;
+}
+
+void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
+  const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
+  if (!opened.IsNull()) m_owner = m_material = opened;
+}
+
+void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
+  const KvoSimPosition opened =
+      OpenNamed(keyword, eds_RecordKind::GasketBehavior, eds_Member::GasketBehaviors);
+  if (!opened.IsNull()) m_owner = m_gasket = opened;
+}
+
+// There is one set of constants; each parameter given again takes the place of the former.
+void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
+  KvoSimTransaction transaction(m_document.ContextID());
+  const KvoSimPosition model = m_document.GetModel().Position();
+  KvoSimPosition constants = model.Follow(eds_Member::PhysicalConstants);
+  if (constants.IsNull()) {
+    constants = model.CreateDataRecord(eds_RecordKind::PhysicalConstants);
+    model.SetPosition(eds_Member::PhysicalConstants, constants);
+  }
+  inpS_readParameters(keyword,
+                      inpS_bindParameters(keyword.Kind(), eds_RecordKind::PhysicalConstants),
+                      constants.DataRecord(), *this);
+  transaction.Commit();
+}
+
+// A keyword of ours may also stand under one of another subject, which knows nothing of it.
+void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
+  const inpS_BehaviorTable& table = inpS_BehaviorTable::Instance();
+  const inp_KeywordEnm kind = keyword.Kind();
+  if (!table.Knows(kind) && kind != inp_KwNoCompression && kind != inp_KwNoTension)
+    return inpS_Visitor::Visit(keyword);
+  switch (keyword.ParentKind()) {
+  case inp_KwMaterial:
+    m_owner = m_material;
+    break;
+  case inp_KwGasketBehavior:
+    m_owner = m_gasket;
+    break;
+  case inp_NullKeyword:
+    m_owner = {};
+    break;
+  default: // dealt with where its own parent is converted, or kept with it
+    if (!table.Knows(keyword.ParentKind())) KeepAsText(keyword, {});
+    return;
+  }
+  if (m_owner.IsNull())
+    Error(keyword, "*" + keyword.Name() +
+                       " belongs to a material and stands outside of any; it is kept as text.");
+  if (m_owner.IsNull() || !table.Knows(kind)) return KeepAsText(keyword, m_owner);
+  inpS_Visitor::Visit(keyword);
+}
+
+// With all its sub-options: none of them can be converted without it.
+void inpS_MaterialVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner) {
+  keyword.ReferAll();
+  m_text.try_emplace(keyword.Body().get(), owner);
+  for (const inp_Keyword& suboption : keyword.Suboptions()) KeepAsText(suboption, owner);
+}
+
+// ---- behaviours
+
+KvoSimPosition inpS_MaterialVisitor::CreateProperty(const inp_Keyword& keyword,
+                                                    eds_RecordKind property, int tableKind,
+                                                    int values, int rowKind, bool temperature) {
+  inpS_KeywordDataTable table(keyword, values, 0, temperature);
+  table.Read();
+  table.RemoveTempColumnIfIndependent();
+  if (table.NumRows() == 0) return {};
+  KvoSimTransaction transaction(m_document.ContextID());
+  const KvoSimPosition created = m_material.CreateDataRecord(property);
+  m_material.Associate(eds_Member::Properties, created);
+  inpS_PropertyUtils::CreateProperty(created, tableKind, rowKind, std::move(table), {}, {});
+  transaction.Commit();
+  return created;
+}
+
+KvoSimPosition inpS_MaterialVisitor::GetProperty(eds_RecordKind kind) const {
+  if (m_material.IsNull()) return {};
+  for (const KvoSimPosition& property : m_material.GetSet(eds_Member::Properties))
+    if (property.IsA(kind)) return property;
+  return {};
+}
+
+KvoSimPosition inpS_MaterialVisitor::CreateBehavior(const inp_Keyword& keyword,
+                                                    const KvoSimPosition& owner,
+                                                    const inp_Keyword* parent) {
+  const inpS_BehaviorTable& table = inpS_BehaviorTable::Instance();
+  const inpS_Behavior* behavior = table.Select(keyword, parent);
+  const std::string_view assertion = inpS_BehaviorTable::AssertionOf(keyword.Kind());
+  if (behavior && behavior->kind == eds_RecordKind::Depvar && keyword.Data().Rows() == 0)
+    utl_assertionFailed("numRows>= 1");
+  if (!behavior && !assertion.empty()) utl_assertionFailed(cow_String(assertion).c_str());
+  return behavior ? Create(keyword, *behavior, owner) : KvoSimPosition();
+}
+
+KvoSimPosition inpS_MaterialVisitor::Convert(const inp_Keyword& keyword,
+                                             const KvoSimPosition& owner,
+                                             const inp_Keyword* parent) {
+  KvoSimPosition created;
+  if (MayConvert(keyword, owner, parent)) created = CreateBehavior(keyword, owner, parent);
+  if (created.IsNull()) KeepAsText(keyword, owner);
+  return created;
+}
+
+// Whether a row takes the keyword here; what stands against it is reported.
+bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                                      const inp_Keyword* parent) {
+  const inpS_Behavior* behavior = inpS_BehaviorTable::Instance().Select(keyword, parent);
+  if (!behavior) {
+    ReportChoice(keyword);
+    return false;
+  }
+  CheckConflicts(keyword, *behavior);
+  if (behavior->repeat == inpS_Repeat::Many) return true;
+  for (const KvoSimPosition& present : owner.GetVector(memberOf(owner))) {
+    const inpS_Behavior* other = inpS_BehaviorTable::Instance().Find(present.Object().RecordKind());
+    const bool same = behavior->repeat == inpS_Repeat::Beside || !other
+                          ? present.IsA(behavior->kind)
+                          : other->keyword == keyword.Kind();
+    if (!same) continue;
+    Error(keyword, "*" + keyword.Name() + " is given a second time for the same " +
+                       (memberOf(owner) == eds_Member::Properties ? "material" : "behavior") +
+                       "; the first one holds, this one is kept as text.");
+    return false;
+  }
+  return true;
+}
+
+void inpS_MaterialVisitor::ReportChoice(const inp_Keyword& keyword) {
+  const cow_String parameter = inpS_BehaviorTable::Instance().UnknownChoice(keyword);
+  // What *ELASTIC does not know it leaves alone without a word of its own.
+  if (keyword.Kind() == inp_KwElastic && parameter == "TYPE") return;
+  if (parameter.empty()) {
+    Error(keyword,
+          "*" + keyword.Name() + " lacks a parameter that tells what it is; it is kept as text.");
+    return;
+  }
+  const cow_String text = keyword.Kind() == inp_KwExpansion
+                              ? cow_String("Unsupported type.")
+                              : inpS_messageText(inpS_app_InvalidParameterValue, {parameter}) +
+                                    " The keyword is kept as text.";
+  cow_String key;
+  for (const char c : parameter)
+    if (c != ' ') key += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  AddError(inp_Utils::MessageAtParameter(keyword, key, text));
+}
+
+// Two bare parameters that choose different rows.
+void inpS_MaterialVisitor::CheckConflicts(const inp_Keyword& keyword,
+                                          const inpS_Behavior& behavior) {
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    const auto chooses = [&](const inpS_Behavior& row) {
+      return row.keyword == keyword.Kind() &&
+             std::ranges::any_of(row.selectors, [&](const inpS_Behavior::Selector& selector) {
+               return selector.word.empty() && selector.key == parameter.name;
+             });
+    };
+    if (chooses(behavior)) continue;
+    const auto& rows = inpS_BehaviorTable::Instance().Rows();
+    if (std::ranges::none_of(rows, chooses)) continue;
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, parameter.name,
+        "\"" + parameter.name + "\" does not go with the other parameters; it is ignored."));
+  }
+}
+
+bool inpS_MaterialVisitor::ReadTable(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+                                     cow_List<Column>& columns, inpS_KeywordDataTable& table) {
+  const auto count = inpS_Behavior::CountIn(keyword);
+  const long long size = behavior.columns.Size(count);
+  const inp_DataArray& data = keyword.Data();
+  // Nothing but the data lines can say how many values there are.
+  if (size > 8 * data.Rows() + 8) {
+    if (data.Rows() > 0 || !behavior.MayLackRows())
+      Error(keyword, "*" + keyword.Name() + " asks for " + std::to_string(size) +
+                         " values, more than its data lines can hold.");
+    return behavior.MayLackRows() && data.Rows() == 0;
+  }
+  columns = behavior.columns.Expand(count);
+  table = inpS_KeywordDataTable(keyword, static_cast<int>(size), 0, behavior.HasTemperature());
+  if (size == 0) return true;
+  table.Read();
+  for (wip_Message& message : table.UnreadMessages()) AddError(std::move(message));
+  inpS_checkTable(keyword, table, columns, *this);
+  table.RemoveTempColumnIfIndependent();
+  return table.NumRows() > 0 || behavior.MayLackRows();
+}
+
+KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword,
+                                            const inpS_Behavior& behavior,
+                                            const KvoSimPosition& owner) {
+  cow_List<Column> columns;
+  inpS_KeywordDataTable table;
+  if (behavior.HasTable() && !ReadTable(keyword, behavior, columns, table)) return {};
+  KvoSimTransaction transaction(m_document.ContextID());
+  const KvoSimPosition property = owner.CreateDataRecord(behavior.kind);
+  owner.Associate(memberOf(owner), property);
+  inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
+  KeepOthers(keyword, behavior, property.DataRecord());
+  const int kind = inpS_PropertyUtils::TableKindOf(behavior.kind);
+  inpS_PropertyUtils::CreateProperty(property, kind, kind, std::move(table),
+                                     extraColumns(columns, Column::Role::Dependent),
+                                     extraColumns(columns, Column::Role::Independent));
+  CreateSuboptions(keyword, property);
+  transaction.Commit();
+  return property;
+}
+
+// What has no field and no column: parameters that nothing asked for, lines that are no table.
+void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+                                      KvoSimDataRecord record) {
+  if (behavior.linesField >= 0 && keyword.Data().Rows() > 0)
+    record.SetString(behavior.linesField, allLines(keyword));
+  if (behavior.othersField < 0) return;
+  cow_String others;
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (parameter.referred) continue;
+    parameter.referred = true;
+    for (const char c : ", " + parameter.name)
+      others += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
+  }
+  if (!others.empty()) record.SetString(behavior.othersField, others);
+}
+
+// A sub-option is a record of its own; one without data may be a flag of the property, in the field
+// of its name.
+void inpS_MaterialVisitor::CreateSuboptions(const inp_Keyword& keyword,
+                                            const KvoSimPosition& property) {
+  for (const inp_Keyword& suboption : keyword.Suboptions()) {
+    if (suboption.Kind() == inp_KwPotential) continue; // of the material, made beforehand
+    if (inpS_BehaviorTable::Instance().Knows(suboption.Kind())) {
+      Convert(suboption, property, &keyword);
+      continue;
+    }
+    const int flag = inpS_flagField(property.Object().RecordKind(), suboption.Kind());
+    if (flag >= 0) {
+      property.DataRecord().SetBool(flag, true);
+      continue;
+    }
+    const std::string_view assertion = inpS_BehaviorTable::SuboptionAssertionOf(keyword.Kind());
+    if (!assertion.empty()) utl_assertionFailed(cow_String(assertion).c_str());
+    KeepAsText(suboption, property);
+  }
+}
+
+// ---- what rows cannot say
+
+void inpS_MaterialVisitor::Elasticity(const inp_Keyword& keyword) {
+  // A name instead of numbers: the constants come from a distribution.
+  const inp_DataArray& data = keyword.Data();
+  if (data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String)
+    return KeepAsText(keyword, m_owner);
+  const KvoSimPosition property = Convert(keyword, m_owner);
+  if (property.IsNull() || keyword.StringOf("moduli", "LONGTERM") == "INSTANTANEOUS") return;
+  KvoSimTransaction transaction(m_document.ContextID());
+  property.DataRecord().UnsetMember(eds_ElasticIsotropic_Moduli); // the same of all its kinds
+  transaction.Commit();
+}
+
+// The material keeps the first potential it is given; which keyword it stood under is kept with it.
+void inpS_MaterialVisitor::CreatePotential(const inp_Keyword& keyword) {
+  for (const inp_Keyword& suboption : keyword.Suboptions()) {
+    if (suboption.Kind() != inp_KwPotential) continue;
+    const inpS_Behavior* behavior = inpS_BehaviorTable::Instance().Select(suboption);
+    const bool has = !GetProperty(eds_RecordKind::Potential).IsNull();
+    if (has || !m_potential.IsNull()) {
+      Warning(suboption, "The material has a potential already; this one is ignored.");
+      continue;
+    }
+    m_potential = behavior ? Create(suboption, *behavior, m_owner) : KvoSimPosition();
+    if (m_potential.IsNull()) KeepAsText(suboption, m_owner);
+  }
+}
+
+void inpS_MaterialVisitor::PotentialUser(const inp_Keyword& keyword) {
+  KvoSimTransaction transaction(m_document.ContextID());
+  m_potential = {};
+  CreatePotential(keyword);
+  const KvoSimPosition property = Convert(keyword, m_owner);
+  if (!m_potential.IsNull() && !property.IsNull())
+    m_potential.DataRecord().SetReference(eds_Potential_GivenWith, property);
+  transaction.Commit();
+}
+
+void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
+  if (keyword.StringOf("hardening", "ISOTROPIC") != "ISOTROPIC") return PotentialUser(keyword);
+  KvoSimTransaction transaction(m_document.ContextID());
+  m_potential = {};
+  CreatePotential(keyword);
+  KvoSimPosition property = GetProperty(eds_RecordKind::PlasticIsotropic);
+  if (property.IsNull()) {
+    property = CreateIsotropicHardeningPlastic(transaction, keyword);
+  } else {
+    AppendIsotropicHardeningPlastic(transaction, keyword, property);
+    CreateSuboptions(keyword, property);
+  }
+  if (property.IsNull()) KeepAsText(keyword, m_owner);
+  if (!m_potential.IsNull() && !property.IsNull())
+    m_potential.DataRecord().SetReference(eds_Potential_GivenWith, property);
+  transaction.Commit();
+}
+
+namespace {
+
+// Yield stress, plastic strain and the rate of its keyword, then the temperature when any row
+// depends on it, then the field variables. The strain column stays even where it is not given: a
+// later keyword of the material may give it.
+constexpr int kRateColumn = 2;
+constexpr int kStateColumn = 3; // temperature, field variables
+
+double rateOf(const inp_Keyword& keyword) {
+  const inp_Item* rate = keyword.Find("rate");
+  return rate ? rate->AsDouble() : 0.0;
+}
+
+void appendRows(cow_List<double>& all, std::span<const double> rows, int columns,
+                bool addTemperature) {
+  for (std::size_t at = 0; at < rows.size(); at += static_cast<std::size_t>(columns)) {
+    const auto row = rows.subspan(at, static_cast<std::size_t>(columns));
+    all.insert(all.end(), row.begin(), row.begin() + kStateColumn);
+    if (addTemperature) all.push_back(0.0);
+    all.insert(all.end(), row.begin() + kStateColumn, row.end());
+  }
+}
+
+} // namespace
+
+inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Keyword& keyword) {
+  const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(eds_RecordKind::PlasticIsotropic);
+  inpS_KeywordDataTable table(keyword, static_cast<int>(row.columns.Fixed().size()), 0, true);
+  table.Read();
+  for (wip_Message& message : table.UnreadMessages()) AddError(std::move(message));
+  inpS_checkTable(keyword, table, row.columns.Fixed(), *this);
+  table.RemoveTempColumnIfIndependent();
+  table.InsertValueToColumn(rateOf(keyword), kRateColumn);
+  return table;
+}
+
+KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTransaction&,
+                                                                     const inp_Keyword& keyword) {
+  constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
+  const inpS_KeywordDataTable table = ReadIsotropicHardening(keyword);
+  if (table.NumRows() == 0) return {};
+  const KvoSimPosition property = m_owner.CreateDataRecord(kind);
+  m_owner.Associate(eds_Member::Properties, property);
+  const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(kind);
+  inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
+  const int tableKind = inpS_PropertyUtils::TableKindOf(kind);
+  KvoSrvFsmFTable::CreateTable(property, tableKind, table.NumRows(), table.NumDependencies(), {},
+                               {"PlasticStrain", "PlasticStrainRate"}, tableKind,
+                               table.GetDataAsBuffer(), table.NumCols(),
+                               table.HasTemperatureColumn());
+  CreateSuboptions(keyword, property);
+  return property;
+}
+
+void inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
+                                                           const inp_Keyword& keyword,
+                                                           const KvoSimPosition& property) {
+  const inpS_KeywordDataTable added = ReadIsotropicHardening(keyword);
+  if (added.NumRows() == 0) return KeepAsText(keyword, m_owner);
+  KvoSrvFsmFTable table = property.GetFTable();
+  if (added.NumDependencies() != table.FieldVariables()) {
+    Error(keyword, "The number of field variables is another than that of the material's first "
+                   "*PLASTIC; the keyword is kept as text.");
+    return KeepAsText(keyword, m_owner);
+  }
+  const bool temperature = table.IsTemperatureDependent() || added.HasTemperatureColumn();
+  cow_List<double> rows;
+  appendRows(rows, table.Values(), table.Columns(), temperature && !table.IsTemperatureDependent());
+  appendRows(rows, added.GetDataAsBuffer(), added.NumCols(),
+             temperature && !added.HasTemperatureColumn());
+  table.SetValues(table.Rows() + added.NumRows(), rows,
+                  kStateColumn + table.FieldVariables() + (temperature ? 1 : 0), temperature);
+}
+
+// ---- what has a field beside its lines
+
+// The number of solution-dependent variables stands alone on the first line; descriptions of single
+// variables may follow.
+void inpS_MaterialVisitor::Depvar(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  const bool given = data.Rows() > 0 && data.Cols(0) > 0 &&
+                     data.Type(0, 0) == inp_FieldType::Integer && data.AsInt64(0, 0) >= 0;
+  if (!given) {
+    Error(keyword, "*DEPVAR does not tell the number of variables; it is kept as text.");
+    return KeepAsText(keyword, m_owner);
+  }
+  KvoSimTransaction transaction(m_document.ContextID());
+  const KvoSimPosition property = Convert(keyword, m_owner);
+  if (!property.IsNull()) property.DataRecord().SetInt(eds_Depvar_Count, data.AsInt64(0, 0));
+  transaction.Commit();
+}
+
+void inpS_MaterialVisitor::Expansion(const inp_Keyword& keyword) {
+  if (!keyword.HasParameter("zero") && m_inventory.IsCFD())
+    Warning(keyword,
+            "The reference temperature has been set to the default value of 0.0.  For "
+            "buoyancy-driven flows, this default value may result in excessively large buoyancy "
+            "forces.  Please check that the reference temperature correctly reflects the "
+            "assumptions for the Boussinesq approximation for buoyancy-driven flows.");
+  Convert(keyword, m_owner);
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "database/KvoSimPosition.h"
+#include "parser/inp_KeywordEnm.h"
+#include <functional>
+
+class KvoObjModel;
+class utl_Stream;
+struct inpS_Behavior;
+
+// Materials, gasket behaviours and physical constants as keywords: each property by the row that it
+// was read by.
+class inpS_MaterialPrinter {
+public:
+  // texts: prints the keywords kept as text that belong to an object.
+  using Texts = std::function<void(const KvoSimPosition& owner)>;
+  inpS_MaterialPrinter(utl_Stream& out, Texts texts) : m_out(out), m_texts(std::move(texts)) {}
+
+  void PrintMaterials(const KvoObjModel& model);
+  void PrintGasketBehaviors(const KvoObjModel& model);
+  void PrintPhysicalConstants(const KvoObjModel& model);
+
+private:
+  void PrintNamed(const KvoSimPosition& owner, inp_KeywordEnm keyword);
+  void PrintProperty(const KvoSimPosition& property);
+  void PrintKeyword(const KvoSimPosition& property, const inpS_Behavior& behavior);
+  void PrintTable(const KvoSimPosition& property);
+  void PrintIsotropicHardening(const KvoSimPosition& property, const inpS_Behavior& behavior);
+  void PrintSuboptions(const KvoSimPosition& property);
+
+  utl_Stream& m_out;
+  Texts m_texts;
+  KvoSimPosition m_owner; // the material or gasket behaviour at hand
+};
