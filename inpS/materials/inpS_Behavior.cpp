@@ -88,6 +88,8 @@ inpS_Behavior behaviorOf(const Row& row) {
     rest.remove_prefix(std::min(end + 2, rest.size()));
   }
   behavior.parameters = inpS_bindParameters(row.keyword, row.kind);
+  for (inpS_Behavior::Selector& selector : behavior.selectors)
+    selector.isField = selector.word.empty() && behavior.Binds(selector.key);
   const eds_RecordInfo* info = eds_ModelReader::Info(row.kind);
   for (std::size_t n = 0; n < info->fields.size(); ++n) {
     if (info->fields[n].column == "lines")
@@ -113,6 +115,10 @@ bool inpS_Behavior::Matches(const inp_Keyword& deckKeyword, const inp_Keyword* o
   if (parent != inp_NullKeyword && deckKeyword.ParentKind() != parent) return false;
   if (!parentSelectors.empty() && !(owner && met(parentSelectors, *owner))) return false;
   return met(selectors, deckKeyword);
+}
+
+bool inpS_Behavior::Binds(const cow_String& parameter) const {
+  return std::ranges::find(parameters, parameter, &inpS_ParameterBinding::key) != parameters.end();
 }
 
 inpS_BehaviorColumns::Count inpS_Behavior::CountIn(const inp_Keyword& keyword) {

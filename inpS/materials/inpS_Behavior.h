@@ -32,6 +32,8 @@ struct inpS_Behavior {
     cow_String word; // bare; empty: a flag
     cow_String text; // the word as it is printed
     bool isDefault = false;
+    bool isField = false; // its value is kept: any value chooses the row
+    bool IsPrinted() const { return !isDefault && !isField; }
   };
   eds_RecordKind kind = eds_RecordKind::None;
   inp_KeywordEnm keyword = inp_NullKeyword;
@@ -54,6 +56,7 @@ struct inpS_Behavior {
   }
   // parent: the keyword it is a sub-option of; null for one that stands in a material.
   bool Matches(const inp_Keyword& keyword, const inp_Keyword* parent) const;
+  bool Binds(const cow_String& parameter) const; // some field holds it
   // How often a group of columns is repeated, from the keyword or from the record.
   static inpS_BehaviorColumns::Count CountIn(const inp_Keyword& keyword);
   inpS_BehaviorColumns::Count CountIn(const KvoSimDataRecord& record) const;

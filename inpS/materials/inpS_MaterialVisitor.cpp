@@ -235,7 +235,10 @@ void inpS_MaterialVisitor::CheckConflicts(const inp_Keyword& keyword,
                return selector.word.empty() && selector.key == parameter.name;
              });
     };
-    if (chooses(behavior)) continue;
+    const bool isRead = behavior.Binds(parameter.name) ||
+                        std::ranges::find(behavior.selectors, parameter.name,
+                                          &inpS_Behavior::Selector::key) != behavior.selectors.end();
+    if (isRead) continue;
     const auto& rows = inpS_BehaviorTable::Instance().Rows();
     if (std::ranges::none_of(rows, chooses)) continue;
     AddError(inp_Utils::MessageAtParameter(

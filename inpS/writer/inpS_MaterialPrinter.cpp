@@ -93,7 +93,7 @@ void inpS_MaterialPrinter::PrintKeyword(const KvoSimPosition& property,
   const KvoSimDataRecord record = property.DataRecord();
   m_out << '*' << nameOf(behavior.keyword);
   for (const inpS_Behavior::Selector& selector : behavior.selectors) {
-    if (selector.isDefault) continue;
+    if (!selector.IsPrinted()) continue;
     m_out << ", " << selector.name;
     if (!selector.text.empty()) m_out << '=' << selector.text;
   }

@@ -1,0 +1,104 @@
+// Every row of the material table in both directions: a keyword with a number of its own in every
+// place is converted, written and converted again, and each number must lie where it belongs.
+
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSrvFsmFTable.h"
+#include "database/eds_ModelReader.h"
+#include "parser/inp_KeywordTable.h"
+#include "tests/host/ProgramRun.h"
+#include "tests/materials/BehaviorDeck.h"
+#include <set>
+
+namespace {
+
+KvoSimPosition findProperty(const KvoSimPosition& owner, eds_RecordKind kind) {
+  for (const eds_Member member : {eds_Member::Properties, eds_Member::Suboptions}) {
+    for (const KvoSimPosition& property : owner.GetVector(member)) {
+      if (property.IsA(kind)) return property;
+      const KvoSimPosition inner = findProperty(property, kind);
+      if (!inner.IsNull()) return inner;
+    }
+  }
+  return {};
+}
+
+void checkCase(const KvoSimPosition& model, const BehaviorCase& given) {
+  const cow_String all = given.name + ": " + given.keywords.back();
+  const eds_Member member = given.gasket ? eds_Member::GasketBehaviors : eds_Member::Materials;
+  const KvoSimPosition property =
+      findProperty(model.FollowStringKey(member, given.name), given.behavior->kind);
+  ASSERT_FALSE(property.IsNull()) << all;
+  const KvoSimDataRecord record = property.DataRecord();
+  for (const auto& [field, value] : given.reals) EXPECT_EQ(record.GetDouble(field), value) << all;
+  for (const auto& [field, value] : given.integers) {
+    const bool flag = eds_ModelReader::Info(given.behavior->kind)
+                          ->fields[static_cast<std::size_t>(field)]
+                          .type == eds_FieldType::Bool;
+    EXPECT_EQ(flag ? record.GetBool(field) : record.GetInt(field), value) << all;
+  }
+  const KvoSrvFsmFTable table = property.GetFTable();
+  EXPECT_EQ(table.IsNull(), given.values.empty()) << all;
+  if (table.IsNull()) return;
+  EXPECT_EQ(table.Values(), given.values) << all;
+}
+
+void checkModel(const std::filesystem::path& file, const cow_List<BehaviorCase>& cases) {
+  const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+  const KvoSimPosition model = document.GetModel().Position();
+  for (const BehaviorCase& one : cases) checkCase(model, one);
+}
+
+} // namespace
+
+using MaterialTable = ProgramTest;
+
+TEST_F(MaterialTable, EveryRowGoesBothWays) {
+  cow_List<BehaviorCase> cases;
+  int number = 0;
+  for (const inpS_Behavior& behavior : inpS_BehaviorTable::Instance().Rows())
+    for (BehaviorCase& one : behaviorCases(behavior, number)) cases.push_back(std::move(one));
+  cow_String deck = "*HEADING\nall behaviours\n";
+  for (const BehaviorCase& one : cases) {
+    deck += (one.gasket ? "*GASKET BEHAVIOR, NAME=" : "*MATERIAL, NAME=") + one.name + "\n";
+    for (const cow_String& keyword : one.keywords) deck += keyword;
+  }
+  const auto run = [&](const cow_List<cow_String>& words) {
+    const ProgramRun program(words);
+    EXPECT_EQ(program.exitCode, 0) << program.err << program.out;
+  };
+  run({"convert", Deck("all.inp", deck), "-o", File("a.sim"), "--strict"});
+  checkModel(File("a.sim"), cases);
+  run({"write", File("a.sim"), "-o", File("a.inp")});
+  run({"convert", File("a.inp"), "-o", File("b.sim"), "--strict"});
+  checkModel(File("b.sim"), cases);
+  run({"write", File("b.sim"), "-o", File("b.inp")});
+  EXPECT_EQ(readFile(File("a.inp")), readFile(File("b.inp")));
+  run({"diff", File("a.sim"), File("b.sim")});
+}
+
+// A field that no parameter fills would be read by nobody, a keyword without a row be lost.
+TEST_F(MaterialTable, RowsAreWhole) {
+  const std::set<cow_String> byHand = {"Potential.GivenWith", "Depvar.Count"};
+  const inp_KeywordTable& keywords = inp_KeywordTable::Instance();
+  for (const inpS_Behavior& behavior : inpS_BehaviorTable::Instance().Rows()) {
+    const eds_RecordInfo& info = *eds_ModelReader::Info(behavior.kind);
+    for (std::size_t n = 0; n < info.fields.size(); ++n) {
+      const int field = static_cast<int>(n);
+      const cow_String name = cow_String(info.name) + "." + cow_String(info.fields[n].name);
+      bool bound = field == behavior.linesField || field == behavior.othersField ||
+                   byHand.contains(name);
+      for (const inpS_ParameterBinding& binding : behavior.parameters)
+        bound = bound || binding.field == field;
+      for (const inp_KeywordEnm flag : {inp_KwNoCompression, inp_KwNoTension})
+        bound = bound || inpS_flagField(behavior.kind, flag) == field;
+      EXPECT_TRUE(bound) << name;
+    }
+  }
+  for (const inp_KeywordEnm outer : {inp_KwMaterial, inp_KwGasketBehavior})
+    for (const inp_KeywordEnm child : keywords.Row(outer)->children)
+      EXPECT_TRUE(inpS_BehaviorTable::Instance().Knows(child) || child == inp_KwNoCompression ||
+                  child == inp_KwNoTension)
+          << keywords.Row(child)->name;
+}
