@@ -139,6 +139,7 @@ KVO_STANDARD_COLLECTION(ConnectionType)
 KVO_STANDARD_COLLECTION(ConnectorBehavior)
 KVO_STANDARD_COLLECTION(DistributingCouplingMethod)
 KVO_STANDARD_COLLECTION(DistributingWeightingMethod)
+KVO_STANDARD_COLLECTION(Term)
 #undef KVO_STANDARD_COLLECTION
 
 KvoSimPosition KvoObjDocument::GetSymbol(const cow_String& name) const {

@@ -65,6 +65,7 @@ public:
   KvoSimCollection GetPointCollection() const;
   KvoSimCollection GetComponentCollection() const;
   KvoSimCollection GetMaterialCollection() const;
+  KvoSimCollection GetTermCollection() const;
   KvoSimCollection GetElementSpecCollection() const;
   KvoSimCollection GetFaceCollection() const;
   KvoSimCollection GetEdgeCollection() const;

@@ -9,6 +9,7 @@
 #include "host/inps_Session.h"
 #include "host/inps_SetLabels.h"
 #include <algorithm>
+#include <cstring>
 #include <unordered_set>
 
 namespace {
@@ -35,7 +36,10 @@ private:
     for (std::size_t field = 0; field < kind.fields.size(); ++field) {
       const eds_FieldInfo& info = kind.fields[field];
       const eds_FieldValue value = m_model.Value(kind.kind, id, static_cast<int>(field));
-      if (!inps_isDefault(info, value) && !inps_isProvenance(kind.kind, field))
+      if (inps_isDefault(info, value) || inps_isProvenance(kind.kind, field)) continue;
+      if (info.type == eds_FieldType::Bytes)
+        PrintRows(std::get<std::string_view>(value), id);
+      else
         PrintField(info, value);
     }
     PrintLabels(m_labels.Runs(m_model, {kind.kind, id}));
@@ -91,6 +95,23 @@ private:
       for (int64_t i = 0; i < members.Size(); ++i) m_out << (i % 16 ? " " : "\n    ") << members[i];
     }
     m_out << '\n';
+  }
+
+  // The values that a property table holds itself.
+  void PrintRows(std::string_view bytes, int64_t table) {
+    const int64_t columns =
+        std::max<int64_t>(1, inps_intOf(m_model, eds_PropertyTable_Columns, table));
+    const auto size = static_cast<std::size_t>(columns) * sizeof(double);
+    m_out << "  values:\n";
+    for (std::size_t row = 0; (row + 1) * size <= bytes.size(); ++row) {
+      m_out << "    " << row << ':';
+      for (std::size_t at = row * size; at < (row + 1) * size; at += sizeof(double)) {
+        double value = 0;
+        std::memcpy(&value, bytes.data() + at, sizeof value);
+        m_out << ' ' << inps_realText(value);
+      }
+      m_out << '\n';
+    }
   }
 
   // Rows of an array are its items; an array of single values has ten to a row.

@@ -7,24 +7,6 @@
 
 namespace {
 
-// Coordinates that are not of a plain form; false for what is no finite number.
-bool readOtherReal(const char* begin, const char* end, double& value) {
-  const std::string_view text = inp_trim(begin, end);
-  value = 0;
-  if (text.empty()) return true;
-  double number = 0;
-  const char* const stop = text.data() + text.size();
-  if (utl_readDouble(text.data(), stop, number) != stop || !std::isfinite(number)) return false;
-  // As long as the spelling is an integer's, nought has no sign.
-  const bool isNought = number == 0 && text.find_first_not_of("+-0") == std::string_view::npos;
-  value = isNought ? 0 : number;
-  return true;
-}
-
-inline bool readReal(const char* begin, const char* end, double& value) {
-  return inp_fastReal(begin, end, value) || readOtherReal(begin, end, value);
-}
-
 // ---- nodes -------------------------------------------------------------------------------------
 
 class NodePiece {
@@ -100,7 +82,7 @@ private:
     for (int k = 0; k < 3 && end != lineEnd; ++k) {
       const char* const begin = end + 1;
       end = stretch.FieldEnd(++i);
-      if (!readReal(begin, end, xyz[k])) return false;
+      if (!inp_readReal(begin, end, xyz[k])) return false;
     }
     if (end != lineEnd) return false;
     ++m_nodes;
@@ -124,7 +106,7 @@ private:
       if (k == 0)
         plain = inp_readLabel(begin, end, m_labels[m_nodes]) && plain;
       else if (k < 4)
-        plain = readReal(begin, end, xyz[k - 1]) && plain;
+        plain = inp_readReal(begin, end, xyz[k - 1]) && plain;
       else
         plain = inp_trim(begin, end).empty() && plain;
       if (!comma) break;
@@ -199,6 +181,19 @@ private:
 };
 
 } // namespace
+
+bool inp_readOtherReal(const char* begin, const char* end, double& value) {
+  const std::string_view text = inp_trim(begin, end);
+  value = 0;
+  if (text.empty()) return true;
+  double number = 0;
+  const char* const stop = text.data() + text.size();
+  if (utl_readDouble(text.data(), stop, number) != stop || !std::isfinite(number)) return false;
+  // As long as the spelling is an integer's, nought has no sign.
+  const bool isNought = number == 0 && text.find_first_not_of("+-0") == std::string_view::npos;
+  value = isNought ? 0 : number;
+  return true;
+}
 
 bool inp_readOtherInt(const char* begin, const char* end, int& value) {
   const utl_Field field = utl_classifyField(inp_trim(begin, end));

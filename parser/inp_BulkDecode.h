@@ -93,3 +93,8 @@ cow_List<std::string_view> inp_elementFields(const inp_DataArray& data, const in
 // row/col when some field is no integer in int's range; the result then holds what came before.
 bool inp_decodeLabels(const inp_DataArray& data, utl_Buffer<int>& labels, long long& badRow,
                       int& badCol);
+
+// Lines of exactly `width` numbers each, none of them empty (comment lines count as little as
+// ever). False, and the values of no use, when any line is another: the caller then reads all of
+// them by the general road.
+bool inp_decodeRows(const inp_DataArray& data, int width, utl_Buffer<double>& values);

@@ -15,6 +15,13 @@ inline constexpr int inp_largestLabel = 999999999;
 bool inp_readOtherInt(const char* begin, const char* end, int& value);
 bool inp_readOtherLabel(const char* begin, const char* end, int& value);
 
+// Numbers that are not of the plain form; an empty field is 0. False for what is no finite number.
+bool inp_readOtherReal(const char* begin, const char* end, double& value);
+
+inline bool inp_readReal(const char* begin, const char* end, double& value) {
+  return inp_fastReal(begin, end, value) || inp_readOtherReal(begin, end, value);
+}
+
 inline bool inp_readLabel(const char* begin, const char* end, int& value) {
   return inp_fastSmallInt(begin, end, value) || inp_readOtherLabel(begin, end, value);
 }

@@ -49,7 +49,7 @@ cow_String nameOf(const eds_RecordInfo& record, const cow_String& id) {
 cow_String nameOfAny(const cow_String& kind, const cow_String& id) {
   cow_String sql = "CASE " + kind;
   for (const eds_RecordInfo& record : eds_schemaRecords()) {
-    if (!hasName(record)) continue;
+    if (!hasName(record) || eds_isLateKind(record.kind)) continue; // that table may not be there
     sql += "\n    WHEN " + std::to_string(static_cast<int>(record.kind)) + " THEN " +
            nameOf(record, id);
   }

@@ -188,7 +188,10 @@ bool Driver::ReadElementLabeler(Labelers& labelers) {
 
 bool Driver::ProcessAmplitudes() {
   inpS_AmplitudeVisitor visitor(m_inventory);
-  visitor.VisitListAndReport(m_keywords);
+  visitor.VisitList(m_keywords);
+  visitor.ReportUnreferredParameters(m_keywords, {inp_KwAmplitude});
+  visitor.Report();
+  m_asText.insert(visitor.KeptAsText().begin(), visitor.KeptAsText().end());
   return !visitor.IsError();
 }
 
@@ -197,7 +200,7 @@ bool Driver::ProcessMaterials() {
   visitor.VisitList(m_keywords);
   visitor.ReportUnreferredParameters(m_keywords, inpS_MaterialVisitor::ModelledKinds());
   visitor.Report();
-  m_asText = visitor.KeptAsText();
+  m_asText.insert(visitor.KeptAsText().begin(), visitor.KeptAsText().end());
   return !visitor.IsError();
 }
 

@@ -1,16 +1,35 @@
 #pragma once
 
+#include "database/KvoSimPosition.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
 
-// The amplitudes phase. It converts no keyword yet: they are kept as text.
+struct inpS_AmplitudeForm;
+
+// Converts *AMPLITUDE, wherever it stands: one record under its name in the model. Definitions that
+// no record kind serves are kept as text.
 class inpS_AmplitudeVisitor : public inpS_Visitor {
 public:
   explicit inpS_AmplitudeVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
 
-protected:
-  const inpS_Inventory& Inventory() const { return m_inventory; }
+  void VisitAmplitude(const inp_Keyword& keyword) override;
+
+  // What was left to be kept as text (the model's own: null positions).
+  const cow_Map<const inp_KeywordBody*, KvoSimPosition>& KeptAsText() const { return m_text; }
 
 private:
+  const inpS_AmplitudeForm* FormOf(const inp_Keyword& keyword);
+  void Create(const inp_Keyword& keyword, const inpS_AmplitudeForm& form, const cow_String& name);
+  void ReadFirstLine(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
+                     KvoSimDataRecord record);
+  void ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record);
+  // The two readers of values, from a data line on; at most 8 fields of a line count.
+  cow_List<double> ReadColumn(const inp_Keyword& keyword, long long firstLine);
+  cow_List<double> ReadPairs(const inp_Keyword& keyword, long long firstLine); // one after another
+  double ValueAt(const inp_Keyword& keyword, long long row, int col);
+  void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);
+  void KeepAsText(const inp_Keyword& keyword);
+
   const inpS_Inventory& m_inventory;
+  cow_Map<const inp_KeywordBody*, KvoSimPosition> m_text;
 };

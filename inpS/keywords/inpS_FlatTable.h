@@ -28,6 +28,11 @@ public:
     m_rows = 0;
     m_cols = cols;
   }
+  // Takes over whole rows of the present length.
+  void Assign(std::span<const T> values) {
+    m_values.assign(values.begin(), values.end());
+    m_rows = m_cols > 0 ? values.size() / m_cols : 0;
+  }
   void Reserve(std::size_t rows) { m_values.reserve(rows * m_cols); }
   std::span<T> AppendRow(T value) {
     m_values.resize(m_values.size() + m_cols, value);

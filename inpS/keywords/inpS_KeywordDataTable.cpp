@@ -3,6 +3,7 @@
 #include "inpS/keywords/inpS_ArrayDouble.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/messages/inpS_MessageContainer.h"
+#include "parser/inp_BulkDecode.h"
 #include <algorithm>
 
 namespace {
@@ -51,8 +52,35 @@ int inpS_KeywordDataTable::MinimumPerRecord() const {
   return mayLackTemperature ? NumCols() - 1 : NumCols();
 }
 
+// Many rows of one line each, all of them with the same number of values: the form of big tables.
+// False, and nothing read, when the lines are any other.
+bool inpS_KeywordDataTable::ReadAlikeRows() {
+  constexpr long long fewRows = 32; // not worth starting for
+  const inp_DataArray& data = m_keyword.Data();
+  const bool oneLineEach = NumCols() <= inpS_KeywordDataArrayReader::mostFieldsPerLine;
+  if (!oneLineEach || data.Rows() < fewRows || m_firstDataLine > 0) return false;
+  const int given = data.Cols(0);
+  if (given < std::max(1, MinimumPerRecord()) || given > NumCols()) return false;
+  utl_Buffer<double> values;
+  if (!inp_decodeRows(data, given, values)) return false;
+  const auto missing = index(NumCols() - given);
+  m_table.Reset(index(given));
+  m_table.Assign(values);
+  if (missing == 0) return true;
+  m_given = allGivenIn(m_table);
+  m_table.InsertColumns(index(given), missing, 0.0);
+  m_given->InsertColumns(index(given), missing, 0);
+  return true;
+}
+
 void inpS_KeywordDataTable::Read(int firstColumn) {
   if (!m_keyword.Body()) utl_assertionFailed("m_keyword != 0");
+  m_given.reset();
+  m_unread.clear();
+  if (firstColumn == 0 && m_defaultDataCols.empty() && ReadAlikeRows()) {
+    m_tempDependent = m_temperature && IsDependentOnColumn(m_dataColumns);
+    return;
+  }
   const inp_DataArray& data = m_keyword.Data();
   long long rows = data.Rows();
   while (rows > m_firstDataLine + 1 && inpS_KeywordReader::IsBlankRow(data, rows - 1)) --rows;

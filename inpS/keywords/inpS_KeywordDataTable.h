@@ -66,6 +66,7 @@ public:
 
 private:
   void CheckColumn(int colNum) const;
+  bool ReadAlikeRows();
   int MinimumPerRecord() const;
   void AppendRecord(const cow_List<double>& record, const cow_List<char>& given);
 

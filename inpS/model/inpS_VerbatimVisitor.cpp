@@ -53,7 +53,9 @@ bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
   const auto index = static_cast<std::size_t>(keyword.Kind());
   if (index >= m_modelled.size() || !m_modelled[index]) return false;
   if (AsText(keyword)) return false;
-  // Inside a step nothing of the model's own keywords is converted.
+  // Inside a step nothing of the model's own keywords is converted, but for what has its name in
+  // the whole model wherever it stands.
+  if (keyword.Kind() == inp_KwAmplitude) return true;
   return keyword.Scope().kind != inp_Scope::Kind::Step;
 }
 

@@ -4,6 +4,7 @@
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/writer/inpS_AmplitudePrinter.h"
 #include "inpS/writer/inpS_MaterialPrinter.h"
 #include "inpS/writer/inpS_MeshPrinter.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
@@ -73,6 +74,9 @@ struct inpS_Sim2Inp::Impl {
   void PrintPhysicalConstants(const inpS_DeckScope& scope) {
     if (IsModel(scope)) Materials().PrintPhysicalConstants(doc.GetModel());
   }
+  void PrintAmplitudes(const inpS_DeckScope& scope) {
+    if (IsModel(scope)) inpS_printAmplitudes(*out, doc.GetModel());
+  }
   void PrintMaterials(const inpS_DeckScope& scope) {
     if (IsModel(scope)) Materials().PrintMaterials(doc.GetModel());
   }
@@ -110,7 +114,7 @@ const Impl::Block Impl::blocks[29] = {
     {10, "PrintSurfaces", "Surfs", &Impl::PrintKeptOnly},
     {11, "PrintConstraints", "Constrs", &Impl::PrintKeptOnly},
     {12, "PrintRigidBodies", "RigBods", &Impl::PrintKeptOnly},
-    {13, "PrintAmplitudes", "Amps", &Impl::PrintKeptOnly},
+    {13, "PrintAmplitudes", "Amps", &Impl::PrintAmplitudes},
     {14, "PrintPhysicalConstants", "PhyConsts", &Impl::PrintPhysicalConstants},
     {15, "PrintContactInitializationData", "ContactInit", &Impl::PrintKeptOnly},
     {16, "PrintMaterials", "Mats", &Impl::PrintMaterials},

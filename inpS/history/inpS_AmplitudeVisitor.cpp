@@ -1,0 +1,218 @@
+#include "inpS/history/inpS_AmplitudeVisitor.h"
+#include "base/utl_Assert.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimCSet.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimDistribution.h"
+#include "database/KvoSimGrid.h"
+#include "database/KvoSimTransaction.h"
+#include "database/KvoSimTransfer.h"
+#include "database/KvoSrvFsmFTable.h"
+#include "inpS/history/inpS_AmplitudeForm.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+using Data = inpS_AmplitudeForm::Data;
+constexpr int kFieldsPerLine = 8;
+constexpr double kUsualSmoothing = 0.25;
+
+bool isEmpty(const inp_DataArray& data, long long row, int col) {
+  return data.Type(row, col) == inp_FieldType::None;
+}
+
+// A line that holds nothing, or nothing but a comma.
+bool isBlank(const inp_DataArray& data, long long row) {
+  if (data.Cols(row) > 2) return false;
+  for (int col = 0; col < data.Cols(row); ++col)
+    if (!isEmpty(data, row, col)) return false;
+  return true;
+}
+
+// Without the blank ones at the end.
+long long linesOf(const inp_DataArray& data) {
+  long long rows = data.Rows();
+  while (rows > 0 && isBlank(data, rows - 1)) --rows;
+  return rows;
+}
+
+} // namespace
+
+// An amplitude without a name is ignored, deliberately without a message.
+void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
+  KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
+  const inp_Item* item = keyword.Find("name");
+  if (!item) return keyword.ReferAll();
+  cow_String name = item->AsString();
+  while (name.starts_with('"')) name.erase(0, 1);
+  while (name.ends_with('"')) name.pop_back();
+  const inpS_AmplitudeForm* form = FormOf(keyword);
+  if (form)
+    Create(keyword, *form, name);
+  else
+    KeepAsText(keyword);
+  transaction.Commit();
+}
+
+const inpS_AmplitudeForm* inpS_AmplitudeVisitor::FormOf(const inp_Keyword& keyword) {
+  const cow_String& definition = keyword.StringOf("definition", "TABULAR");
+  const bool cfd = m_inventory.IsCFD();
+  if ((definition == "ACTUATOR" || definition == "SOLUTIONDEPENDENT") && !cfd) return nullptr;
+  const inpS_AmplitudeForm* form = inpS_amplitudeForm(definition);
+  if (form) return form;
+  const cow_String text = inp_Utils::Format(
+      "Amplitude type %s is not available for this analysis type.", definition.c_str());
+  // In a flow deck nothing else can stand in for it: there it is an error.
+  if (cfd)
+    Error(keyword, text);
+  else
+    Warning(keyword, text);
+  return nullptr;
+}
+
+void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
+                                   const cow_String& name) {
+  const KvoSimPosition model = m_inventory.GetDocument().GetModel().Position();
+  const KvoSimPosition former = model.FollowStringKey(eds_Member::Amplitudes, name);
+  if (!former.IsNull()) {
+    Warning(keyword, "Amplitude \"" + name + "\" is defined again; the new definition holds.");
+    if (const KvoSrvFsmFTable table = former.GetFTable(); !table.IsNull())
+      table.Position().Remove();
+    former.Remove();
+  }
+  const KvoSimPosition amplitude = model.CreateDataRecord(form.kind);
+  KvoSimDataRecord record = amplitude.DataRecord();
+  record.SetString(form.name, name);
+  model.AssociateStringKey(eds_Member::Amplitudes, name, amplitude);
+  record.SetSymb(form.timeSpan, keyword.StringOf("time", "STEPTIME") == "STEPTIME" ? 0 : 1);
+  inpS_readParameters(keyword, form.parameters, record, *this);
+  keyword.Find("input"); // the parser has read that file's lines
+  if (!form.lineFields.empty()) ReadFirstLine(keyword, form, record);
+  cow_List<double> pairs;
+  if (form.data == Data::Pairs) pairs = ReadPairs(keyword, 0);
+  if (form.data == Data::Coefficients) return StoreTerms(amplitude, ReadPairs(keyword, 1));
+  if (form.data == Data::Magnitudes) {
+    record.SetBool(eds_AmplitudeTabular_EquallySpaced, true);
+    const double interval = record.GetDouble(eds_AmplitudeTabular_FixedInterval);
+    const double begin = record.GetDouble(eds_AmplitudeTabular_Begin);
+    for (const double magnitude : ReadColumn(keyword, 0)) {
+      pairs.push_back(static_cast<double>(pairs.size() / 2) * interval + begin);
+      pairs.push_back(magnitude);
+    }
+  }
+  if (form.kind == eds_RecordKind::AmplitudeTabular) ReadSmoothing(keyword, record);
+  if (pairs.empty()) return;
+  const int kind = static_cast<int>(form.kind);
+  KvoSrvFsmFTable::CreateTable(amplitude, kind, static_cast<int64_t>(pairs.size() / 2), 0,
+                               {"Magnitude"}, {"Time"}, kind, pairs, 2, false);
+}
+
+void inpS_AmplitudeVisitor::ReadFirstLine(const inp_Keyword& keyword,
+                                          const inpS_AmplitudeForm& form, KvoSimDataRecord record) {
+  const inp_DataArray& data = keyword.Data();
+  if (data.Rows() == 0) Error(keyword, "The values of the amplitude are missing; they read as 0.");
+  for (std::size_t n = 0; n < form.lineFields.size(); ++n) {
+    const int col = static_cast<int>(n);
+    const bool given = data.Rows() > 0 && col < data.Cols(0);
+    const bool terms = form.kind == eds_RecordKind::AmplitudePeriodic &&
+                       form.lineFields[n] == eds_AmplitudePeriodic_Terms;
+    if (terms) {
+      const bool whole = given && data.Type(0, col) == inp_FieldType::Integer;
+      record.SetInt(form.lineFields[n], whole ? data.AsInt64(0, col) : 0);
+    } else {
+      record.SetDouble(form.lineFields[n], given ? ValueAt(keyword, 0, col) : 0.0);
+    }
+  }
+}
+
+void inpS_AmplitudeVisitor::ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record) {
+  const inp_Item* smooth = keyword.Find("smooth");
+  const double absent = m_inventory.IsExplicit() || m_inventory.IsCFD() ? 0.0 : kUsualSmoothing;
+  record.SetDouble(eds_AmplitudeTabular_Smoothing, smooth ? smooth->AsDouble() : absent);
+  if (!smooth) return;
+  record.SetBool(eds_AmplitudeTabular_SmoothingGiven, true);
+  const double value = smooth->AsDouble();
+  if (smooth->IsNumber() && value >= 0 && value <= 0.5) return;
+  AddError(inp_Utils::MessageAtParameter(
+      keyword, "smooth",
+      inpS_messageText(inpS_app_InvalidParameterValue, {"SMOOTH"}) +
+          " It must be a number from 0 to 0.5; it is kept as given."));
+}
+
+double inpS_AmplitudeVisitor::ValueAt(const inp_Keyword& keyword, long long row, int col) {
+  const inp_DataArray& data = keyword.Data();
+  if (data.Type(row, col) == inp_FieldType::String)
+    AddError(inp_Utils::MessageAtField(keyword, row, col, "This is no number; it is read as 0."));
+  return data.AsDouble(row, col);
+}
+
+cow_List<double> inpS_AmplitudeVisitor::ReadColumn(const inp_Keyword& keyword,
+                                                   long long firstLine) {
+  const inp_DataArray& data = keyword.Data();
+  cow_List<double> column;
+  const long long lines = linesOf(data);
+  for (long long row = firstLine; row < lines; ++row) {
+    const int cols = std::min(data.Cols(row), kFieldsPerLine);
+    for (int col = 0; col < cols; ++col) {
+      if (isEmpty(data, row, col))
+        AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                             "An empty field is a magnitude of 0 here."));
+      column.push_back(ValueAt(keyword, row, col));
+    }
+  }
+  return column;
+}
+
+cow_List<double> inpS_AmplitudeVisitor::ReadPairs(const inp_Keyword& keyword, long long firstLine) {
+  const inp_DataArray& data = keyword.Data();
+  cow_List<double> times;
+  cow_List<double> magnitudes;
+  const long long lines = linesOf(data);
+  for (long long row = firstLine; row < lines; ++row) {
+    int cols = std::min(data.Cols(row), kFieldsPerLine);
+    if (cols % 2 == 1 && isEmpty(data, row, cols - 1)) --cols; // a trailing comma
+    if (cols % 2 == 1) {
+      AddError(inp_Utils::MessageAtField(keyword, row, cols - 1,
+                                         "This time has no magnitude; it is left out."));
+      --cols;
+    }
+    for (int col = 0; col < cols; ++col)
+      (col % 2 == 0 ? times : magnitudes).push_back(ValueAt(keyword, row, col));
+  }
+  if (magnitudes.size() != times.size()) utl_assertionFailed("md.Length() == td.Length()");
+  cow_List<double> pairs;
+  for (std::size_t n = 0; n < times.size(); ++n) {
+    if (firstLine == 0 && n > 0 && times[n] <= times[n - 1])
+      AddError(inp_Utils::MessageAtRow(keyword, std::min(static_cast<long long>(n) / 4, lines - 1),
+                                       "The times of an amplitude must rise; value " +
+                                           std::to_string(n + 1) + " does not."));
+    pairs.push_back(times[n]);
+    pairs.push_back(magnitudes[n]);
+  }
+  return pairs;
+}
+
+// A distribution over one new member of the model's terms for each pair.
+void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
+                                       const cow_List<double>& pairs) {
+  if (pairs.empty()) return;
+  const KvoObjDocument& document = m_inventory.GetDocument();
+  KvoSimCollection terms = document.GetTermCollection();
+  const auto count = static_cast<int64_t>(pairs.size() / 2);
+  const int64_t first = terms.ExtendSpace(count);
+  const KvoSimDistribution values = document.CreateTypedDistribution(
+      eds_DataType::General, KvoSimGrid{terms}, KvoSimRangeType(eds_ValueType::Double, 2));
+  KvoSimTransfer transfer(values);
+  transfer.SetMakeNewDrawer(terms.CreateCSetStrided(static_cast<int32_t>(first), count).ID());
+  transfer.SetBuffer(std::span<const double>(pairs));
+  transfer.ExecMake();
+  amplitude.Associate(eds_Member::Distributions, values.Position());
+}
+
+void inpS_AmplitudeVisitor::KeepAsText(const inp_Keyword& keyword) {
+  keyword.ReferAll();
+  m_text.try_emplace(keyword.Body().get());
+}

@@ -1,0 +1,80 @@
+#include "inpS/writer/inpS_AmplitudePrinter.h"
+#include "base/utl_Stream.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimDistribution.h"
+#include "database/KvoSrvFsmFTable.h"
+#include "inpS/history/inpS_AmplitudeForm.h"
+#include "inpS/writer/inpS_PrintPrimitives.h"
+#include <algorithm>
+
+namespace {
+
+using Data = inpS_AmplitudeForm::Data;
+constexpr int kValuesPerLine = 8;
+
+void printValues(utl_Stream& out, const cow_List<double>& values) {
+  const int size = static_cast<int>(values.size());
+  for (int first = 0; first < size; first += kValuesPerLine) {
+    inpS_printArray(out, values.data() + first, std::min(kValuesPerLine, size - first));
+    out << '\n';
+  }
+}
+
+void printFirstLine(utl_Stream& out, const inpS_AmplitudeForm& form,
+                    const KvoSimDataRecord& record) {
+  for (std::size_t n = 0; n < form.lineFields.size(); ++n) {
+    if (n > 0) out << ", ";
+    if (form.kind == eds_RecordKind::AmplitudePeriodic &&
+        form.lineFields[n] == eds_AmplitudePeriodic_Terms)
+      out << record.GetInt64(form.lineFields[n]);
+    else
+      out << record.GetDouble(form.lineFields[n]);
+  }
+  if (!form.lineFields.empty()) out << '\n';
+}
+
+cow_List<double> termsOf(const KvoSimPosition& amplitude) {
+  cow_List<double> pairs;
+  for (const KvoSimPosition& values : amplitude.GetVector(eds_Member::Distributions)) {
+    const KvoSimDistribution distribution = values.AsDistribution();
+    for (const int64_t drawer : distribution.DrawerIDArray()) {
+      eds_ArrayReader reader(distribution.DrawerArray(drawer));
+      const std::size_t before = pairs.size();
+      pairs.resize(before + static_cast<std::size_t>(reader.Count() * reader.Width()));
+      reader.ReadPiece(0, std::span(pairs).subspan(before));
+    }
+  }
+  return pairs;
+}
+
+void printAmplitude(utl_Stream& out, const KvoSimPosition& amplitude) {
+  const KvoSimDataRecord record = amplitude.DataRecord();
+  const inpS_AmplitudeForm* form = inpS_amplitudeForm(record);
+  if (!form) return; // of a newer version's kind: nothing is known of it
+  out << "*AMPLITUDE, NAME=" << inpS_quoted(record.ReturnString(form->name));
+  if (form != &inpS_amplitudeForms().front()) out << ", DEFINITION=" << form->definition;
+  if (record.GetSymb(form->timeSpan) != 0) out << ", TIME=TOTAL TIME";
+  inpS_printParameters(out, form->parameters, record);
+  if (form->kind == eds_RecordKind::AmplitudeTabular &&
+      record.GetBool(eds_AmplitudeTabular_SmoothingGiven))
+    out << ", SMOOTH=" << record.GetDouble(eds_AmplitudeTabular_Smoothing);
+  out << '\n';
+  printFirstLine(out, *form, record);
+  if (form->data == Data::Coefficients) return printValues(out, termsOf(amplitude));
+  const KvoSrvFsmFTable table = amplitude.GetFTable();
+  if (table.IsNull()) return;
+  cow_List<double> values = table.Values(); // time, magnitude, ...
+  if (form->data == Data::Magnitudes) {
+    for (std::size_t n = 0; n < values.size() / 2; ++n) values[n] = values[2 * n + 1];
+    values.resize(values.size() / 2);
+  }
+  printValues(out, values);
+}
+
+} // namespace
+
+void inpS_printAmplitudes(utl_Stream& out, const KvoObjModel& model) {
+  for (const KvoSimPosition& amplitude : model.Position().FollowMap(eds_Member::Amplitudes))
+    printAmplitude(out, amplitude);
+}
