@@ -2,7 +2,6 @@
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjMesh.h"
 #include "database/KvoObjModel.h"
-#include "database/KvoSimCSet.h"
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
@@ -11,7 +10,6 @@
 #include "inpS/mesh/inpS_MeshStore.h"
 #include "inpS/mesh/inpS_NodeReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
-#include "inpS/sets/inpS_SetReader.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -25,7 +23,7 @@ constexpr int kMostNodesOfUserElement = 100000; // as of a type that nobody desc
 
 inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory)
-    : m_nodes(nodes), m_elements(elements), m_inventory(inventory) {
+    : m_nodes(nodes), m_elements(elements), m_inventory(inventory), m_setReader(m_scopes, *this) {
   OpenRoot();
 }
 
@@ -90,31 +88,7 @@ void inpS_MeshVisitor::OpenLabels(inpS_MeshScope& scope) {
   scope.storedElements = m_elements.Size(scope.elementOccurrence);
   scope.nodeBase = std::max<long long>(0, m_nodes.FlatFirst(scope.nodeOccurrence));
   scope.elementBase = std::max<long long>(0, m_elements.FlatFirst(scope.elementOccurrence));
-  ReadStoredSets(scope);
-}
-
-// Sets of the database that a restart deck may name.
-void inpS_MeshVisitor::ReadStoredSets(inpS_MeshScope& scope) {
-  const KvoObjMesh mesh = m_inventory.GetDocument().GetMesh();
-  for (const inpS_SetKind kind : {inpS_SetKind::Nodes, inpS_SetKind::Elements}) {
-    const bool nodes = kind == inpS_SetKind::Nodes;
-    const long long base = nodes ? scope.nodeBase : scope.elementBase;
-    for (const bool internal : {false, true}) {
-      for (const KvoSimPosition& position :
-           nodes ? mesh.NodeSets(scope.owner, internal) : mesh.ElementSets(scope.owner, internal)) {
-        const KvoSimDataRecord record = position.DataRecord();
-        inpS_SetDefinition& set = scope.sets.FindOrAdd(
-            kind, record.ReturnString(nodes ? eds_NodeSet_Name : eds_ElementSet_Name));
-        set.internal = internal;
-        set.unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
-        set.isStored = true;
-        const KvoSimCSet members =
-            record.GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
-        for (long long n = 0; !members.IsNull() && n < members.Size(); ++n)
-          inpS_addRun(set, members.Set()[n] - base, 1);
-      }
-    }
-  }
+  inpS_MeshSetReader::ReadStored(m_inventory.GetDocument().GetMesh(), scope);
 }
 
 bool inpS_MeshVisitor::MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope) {
@@ -190,15 +164,6 @@ void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
                  "line); the nodes that follow are read in global coordinates.");
 }
 
-// The set that a mesh keyword's nodes or elements also go into; null: none, or one without a name.
-const inp_Item* inpS_MeshVisitor::FindSetName(const inp_Keyword& keyword,
-                                              std::string_view parameter) {
-  const inp_Item* name = keyword.Find(parameter);
-  if (!name || !name->AsString().empty()) return name;
-  AddError(inp_Utils::MessageAtParameter(keyword, parameter, "The name of the set is missing."));
-  return nullptr;
-}
-
 void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
@@ -215,11 +180,7 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
           inpS_messageText(inpS_app_InvalidParameterValue, {"system"}) +
               " The coordinates are taken as rectangular."));
   }
-  inpS_SetDefinition* set = nullptr;
-  if (const inp_Item* name = FindSetName(keyword, "nset")) {
-    set = &scope.sets.FindOrAdd(inpS_SetKind::Nodes, name->AsString());
-    inpS_beginRuns(*set, keyword);
-  }
+  inpS_SetDefinition* set = m_setReader.Open(keyword, scope, inpS_SetKind::Nodes, "nset");
   m_nodes.Reserve(scope.nodeOccurrence, m_nodes.Size(scope.nodeOccurrence) + keyword.Data().Rows());
   cow_List<int> refused;
   reader.Read(keyword, scope.system, [&](const inpS_NodePiece& nodes) {
@@ -280,7 +241,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (!MayGrow(keyword, scope)) return;
   keyword.Find("input"); // the parser has read that file's lines
   const inp_Item* file = keyword.Find("file");
-  const inp_Item* elset = FindSetName(keyword, "elset");
+  const inp_Item* elset = m_setReader.FindName(keyword, "elset");
   const bool solidNumbering = keyword.HasParameter("solidelementnumbering");
   const inp_Item* typeItem = keyword.Find("type");
   if (!typeItem || typeItem->AsString().empty()) {
@@ -400,70 +361,11 @@ void inpS_MeshVisitor::ReportLabels(const inp_Keyword& keyword, const cow_String
 // ---- sets
 
 void inpS_MeshVisitor::VisitNset(const inp_Keyword& keyword) {
-  ReadSet(keyword, inpS_SetKind::Nodes, "nset");
+  if (!Skip(keyword)) m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Nodes);
 }
 
 void inpS_MeshVisitor::VisitElset(const inp_Keyword& keyword) {
-  ReadSet(keyword, inpS_SetKind::Elements, "elset");
-}
-
-void inpS_MeshVisitor::ReadSet(const inp_Keyword& keyword, inpS_SetKind kind,
-                               const char* nameParameter) {
-  if (Skip(keyword)) return;
-  inpS_MeshScope& scope = *ScopeOf(keyword);
-  const inp_Item* name = keyword.Find(nameParameter);
-  keyword.Find("input");
-  const bool internal = keyword.HasParameter("internal");
-  const bool unsorted = kind == inpS_SetKind::Nodes && keyword.HasParameter("unsorted");
-  const bool generate = keyword.HasParameter("generate");
-  const inp_Item* ofElset = kind == inpS_SetKind::Nodes ? keyword.Find("elset") : nullptr;
-  cow_String instance;
-  const bool instanceKnown = FindSetInstance(keyword, scope, instance);
-  if (!name || name->AsString().empty()) {
-    Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {nameParameter}));
-    return;
-  }
-  if (!instanceKnown) return;
-
-  inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
-  set.isStored = false;
-  set.internal = set.internal || internal;
-  set.unsorted = set.unsorted || unsorted;
-  inpS_SetReader reader(keyword, set, *this);
-  reader.SetInstance(instance);
-  if (ofElset) {
-    inpS_SetEntry& entry = set.entries.emplace_back();
-    entry.kind = inpS_SetEntry::Kind::NodesOfElset;
-    entry.name = ofElset->AsString();
-    entry.instance = instance;
-    entry.keyword = static_cast<int>(set.keywords.size()) - 1;
-    const cow_List<cow_String> parts = inp_Utils::SplitScopedField(ofElset->Verbatim());
-    if (inp_Utils::IsScopedSetName(parts)) {
-      entry.instance = parts[parts.size() - 2];
-      entry.name = parts.back();
-    }
-    return;
-  }
-  if (generate)
-    reader.GenerateSetIds();
-  else
-    reader.Read();
-}
-
-bool inpS_MeshVisitor::FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
-                                       cow_String& instance) {
-  const inp_Item* item = keyword.Find("instance");
-  if (!item) return true;
-  if (scope.kind == inpS_MeshScope::Kind::Instance) {
-    AddError(inp_Utils::MessageAtParameter(
-        keyword, "instance", "Instance parameter cannot be used at the part instance level."));
-    return false;
-  }
-  instance = item->AsString();
-  if (m_scopes.FindInstance(instance)) return true;
-  AddError(inp_Utils::MessageAtParameter(
-      keyword, "instance", inp_Utils::Format("Instance %s is not defined.", instance.c_str())));
-  return false;
+  if (!Skip(keyword)) m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Elements);
 }
 
 // ---- the end of the walk

@@ -3,7 +3,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/mesh/inpS_BasicElemTypeData.h"
-#include "inpS/mesh/inpS_MeshScope.h"
+#include "inpS/mesh/inpS_MeshSetReader.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 
 class KvoSimTransaction;
@@ -56,15 +56,10 @@ private:
   inpS_MeshScope* OpenPart(const cow_String& name);
   void OpenRoot();
   void OpenLabels(inpS_MeshScope& scope);
-  void ReadStoredSets(inpS_MeshScope& scope);
   bool MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope);
   bool Skip(const inp_Keyword& keyword);
   void ReadUserElement(const inp_Keyword& keyword);
 
-  void ReadSet(const inp_Keyword& keyword, inpS_SetKind kind, const char* nameParameter);
-  bool FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
-                       cow_String& instance);
-  const inp_Item* FindSetName(const inp_Keyword& keyword, std::string_view parameter);
   int FindElementType(const inpS_ElementParameters& parameters);
   bool CheckElementType(const inp_Keyword& keyword, const cow_String& type);
   void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
@@ -87,6 +82,7 @@ private:
   cow_List<ElementType> m_types;
   cow_Map<cow_String, int> m_typeIndex;
   inpS_MeshScopes m_scopes;
+  inpS_MeshSetReader m_setReader;
   inp_ScopePtr m_lastScope;
   inpS_MeshScope* m_current = nullptr;
   std::unique_ptr<inpS_SetResolver> m_resolver;
