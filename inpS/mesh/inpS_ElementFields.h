@@ -28,6 +28,7 @@ class inpS_FaultyElements {
 public:
   // nodes: how many the element has; extra: how many besides its topology the type asks for.
   bool Count(int label, long long nodes, const inpS_ElementParameters& type, int extra);
+  // At the line of the first one of each kind.
   void Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
               inp_Visitor& messages) const;
 

@@ -5,37 +5,25 @@
 
 namespace {
 
-bool carriesReferenceNode(const inpS_ElementParameters& type) {
-  return type.IsAxisymmetricRigidSurfaceElement() || type.Is3DDragchainElement();
-}
-
 // Beams take one node more than their topology needs: it orients the first section axis.
 bool mayCarryOrientationNode(const inpS_ElementParameters& type) {
   return type.IsBeamElement() && type.MaxNodesPerElement() == type.MinNodesPerElement() + 1;
-}
-
-inp_ElementForm formOf(const inpS_ElementParameters& type) {
-  inp_ElementForm form;
-  form.maxNodes = type.MaxNodesPerElement();
-  form.extraFields = carriesReferenceNode(type) ? 1 : 0;
-  form.firstLineNodes = type.FirstLineNodes();
-  return form;
 }
 
 } // namespace
 
 inpS_ElementTopologyReader::inpS_ElementTopologyReader(const inpS_ElementParameters& type,
                                                        inp_Visitor& messages)
-    : m_type(type), m_messages(messages), m_extra(carriesReferenceNode(type) ? 1 : 0) {}
+    : m_type(type), m_messages(messages), m_extra(type.CarriesReferenceNode() ? 1 : 0) {}
 
 void inpS_ElementTopologyReader::Read(const inp_Keyword& keyword, bool scopedNodes) {
   inp_ElementRows rows;
-  inp_decodeElements(keyword.Data(), formOf(m_type), rows);
+  inp_decodeElements(keyword.Data(), m_type.Form(), rows);
   if (rows.odd.empty())
     TakeRegular(rows);
   else
     Rebuild(keyword, rows, scopedNodes);
-  const bool extra = carriesReferenceNode(m_type) || mayCarryOrientationNode(m_type);
+  const bool extra = m_type.CarriesReferenceNode() || mayCarryOrientationNode(m_type);
   m_topology = extra ? m_type.MinNodesPerElement() : std::max(m_width, m_type.MinNodesPerElement());
   m_faulty.Report(keyword, m_type, m_messages);
 }
@@ -62,7 +50,7 @@ void inpS_ElementTopologyReader::Rebuild(const inp_Keyword& keyword, const inp_E
     std::size_t firstScoped;
     cow_List<int> fields; // label, nodes
   };
-  const inp_ElementForm form = formOf(m_type);
+  const inp_ElementForm form = m_type.Form();
   cow_List<Read> reads;
   m_width = rows.width;
   for (const inp_OddRow& odd : rows.odd) {
@@ -102,7 +90,7 @@ void inpS_ElementTopologyReader::Add(int label, const int* nodes, int count) {
 }
 
 bool inpS_ElementTopologyReader::HasReferenceNodes() const {
-  return HasExtraNodes() && carriesReferenceNode(m_type);
+  return HasExtraNodes() && m_type.CarriesReferenceNode();
 }
 
 void inpS_ElementTopologyReader::Widen(utl_Buffer<int> nodes, int width) {

@@ -256,10 +256,10 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
       solidNumbering                        ? "SOLID ELEMENT NUMBERING"
       : file && parameters.IsSubstructure() ? "FILE=" + file->Verbatim()
                                             : "",
-      false};
+      false, parameters.Form()};
   const long long first = m_elements.Size(scope.elementOccurrence);
   m_elements.Reserve(scope.elementOccurrence, first + keyword.Data().Rows());
-  LabelFaults faults;
+  inpS_LabelFaults faults;
   // Without any node to refer to, or with nodes named by instance, nothing can be translated yet.
   const bool mayStream = m_nodes.Size(scope.nodeOccurrence) > 0 &&
                          !(scope.kind == inpS_MeshScope::Kind::Root && m_hasInstances) &&
@@ -271,7 +271,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
     StreamElements(keyword, scope, parameters, kind, faults);
   else
     HoldElements(keyword, scope, parameters, kind, faults);
-  ReportLabels(keyword, type, faults);
+  faults.Report(keyword, parameters, scope, m_elements, *this);
   const long long count = m_elements.Size(scope.elementOccurrence) - first;
   if (!elset) return;
   inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString());
@@ -282,7 +282,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
 void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                       const inpS_ElementParameters& parameters,
                                       const inpS_ElementConnectivity::Kind& kind,
-                                      LabelFaults& faults) {
+                                      inpS_LabelFaults& faults) {
   inpS_ElementStream stream(parameters, *this);
   bool begun = false;
   stream.Read(keyword, m_nodes, scope.nodeOccurrence, [&](const inpS_ElementStream::Piece& piece) {
@@ -296,7 +296,7 @@ void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope
 
 void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                     const inpS_ElementParameters& parameters,
-                                    inpS_ElementConnectivity::Kind kind, LabelFaults& faults) {
+                                    inpS_ElementConnectivity::Kind kind, inpS_LabelFaults& faults) {
   inpS_ElementTopologyReader reader(parameters, *this);
   reader.Read(keyword, scope.kind == inpS_MeshScope::Kind::Root);
   if (reader.Count() == 0) return;
@@ -323,7 +323,7 @@ void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& 
 // An element label may be defined once: unlike a node, which is only moved, a second element would
 // silently take the first one's nodes away.
 void inpS_MeshVisitor::LabelElements(inpS_MeshScope& scope, std::span<const int> labels,
-                                     LabelFaults& faults) {
+                                     inpS_LabelFaults& faults) {
   constexpr std::size_t kBlock = 1 << 14;
   int ordinals[kBlock];
   for (std::size_t begin = 0; begin < labels.size(); begin += kBlock) {
@@ -333,29 +333,15 @@ void inpS_MeshVisitor::LabelElements(inpS_MeshScope& scope, std::span<const int>
     const auto fresh = static_cast<std::size_t>(m_elements.AddInstanceLabels(
         scope.elementOccurrence, block, std::span<int>(ordinals, block.size())));
     for (const int label : block)
-      if (label <= 0) faults.notPositive.push_back(label);
+      if (label <= 0) faults.AddNotPositive(label);
     if (fresh == block.size()) continue;
     for (std::size_t n = 0; n < block.size(); ++n) {
       if (ordinals[n] == next)
         ++next;
       else
-        faults.repeated.push_back(block[n]);
+        faults.AddRepeated(block[n], ordinals[n]);
     }
   }
-}
-
-void inpS_MeshVisitor::ReportLabels(const inp_Keyword& keyword, const cow_String& type,
-                                    LabelFaults& faults) {
-  if (std::erase(faults.notPositive, 0) > 0)
-    Error(keyword, inp_Utils::Format(inpS_messageText(inpS_mesh_ElementNumberMissing).c_str(),
-                                     type.c_str()));
-  if (!faults.notPositive.empty())
-    AddError(inp_Utils::MessageInKeyword(
-        keyword, "Element labels must be positive integers: ", faults.notPositive));
-  if (!faults.repeated.empty())
-    AddError(inp_Utils::MessageInKeyword(
-        keyword, "Elements are defined more than once; only the first definition counts: ",
-        faults.repeated));
 }
 
 // ---- sets

@@ -3,6 +3,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/mesh/inpS_BasicElemTypeData.h"
+#include "inpS/mesh/inpS_LabelFaults.h"
 #include "inpS/mesh/inpS_MeshSetReader.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 
@@ -47,10 +48,6 @@ private:
     int maxNodes = 0;
     KvoSimPosition spec;
   };
-  struct LabelFaults { // of one keyword's elements
-    cow_List<int> notPositive;
-    cow_List<int> repeated;
-  };
 
   inpS_MeshScope* ScopeOf(const inp_Keyword& keyword); // null: it belongs to a refused instance
   inpS_MeshScope* OpenPart(const cow_String& name);
@@ -64,12 +61,11 @@ private:
   bool CheckElementType(const inp_Keyword& keyword, const cow_String& type);
   void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                       const inpS_ElementParameters& parameters,
-                      const inpS_ElementConnectivity::Kind& kind, LabelFaults& faults);
+                      const inpS_ElementConnectivity::Kind& kind, inpS_LabelFaults& faults);
   void HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                     const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
-                    LabelFaults& faults);
-  void LabelElements(inpS_MeshScope& scope, std::span<const int> labels, LabelFaults& faults);
-  void ReportLabels(const inp_Keyword& keyword, const cow_String& type, LabelFaults& faults);
+                    inpS_LabelFaults& faults);
+  void LabelElements(inpS_MeshScope& scope, std::span<const int> labels, inpS_LabelFaults& faults);
   void ResolveScopedNodes(inpS_MeshScope& scope);
   cow_List<cow_String> TypeNames() const;
   void CompleteParts(inp_KeywordListRef keywords);
