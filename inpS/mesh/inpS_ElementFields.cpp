@@ -13,12 +13,15 @@ namespace {
 
 constexpr long long kMaxLabel = 999999999;
 
-bool readScoped(const cow_String& text, cow_List<int>& fields, cow_List<inpS_ScopedNode>& scoped) {
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(text);
+bool readScoped(const inp_DataArray& data, long long row, int col, cow_List<int>& fields,
+                cow_List<inpS_ScopedNode>& scoped) {
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(data.FieldText(row, col));
   if (!inp_Utils::IsScopedSetId(parts)) return false;
-  const int label = std::atoi(parts.back().c_str());
-  scoped.push_back({0, static_cast<int>(fields.size()) - 1, parts[parts.size() - 2], label});
-  fields.push_back(label);
+  const long long label = std::atoll(parts.back().c_str());
+  if (std::llabs(label) > kMaxLabel) return false;
+  const int index = static_cast<int>(fields.size()) - 1;
+  fields.push_back(static_cast<int>(label));
+  scoped.push_back({0, index, parts[parts.size() - 2], fields.back(), row, col});
   return true;
 }
 
@@ -61,7 +64,7 @@ bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& f
         continue;
       }
       if (kind == inp_FieldType::String && scoped && !fields.empty() &&
-          readScoped(data.AsStringVerbatim(row, col), fields, *scoped))
+          readScoped(data, row, col, fields, *scoped))
         continue;
       messages.AddError(inp_Utils::MessageAtField(keyword, row, col,
                                                   faultText(data, row, col, type, fields.empty())));

@@ -13,6 +13,8 @@ struct inpS_ScopedNode {
   int index;         // among its nodes
   cow_String instance;
   int label;
+  long long row; // where it is named
+  int col;
 };
 
 // Reads one element by the general road: its label and its nodes (0 for the grounded end of a

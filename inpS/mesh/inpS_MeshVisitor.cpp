@@ -9,6 +9,7 @@
 #include "inpS/mesh/inpS_GeneratedNodes.h"
 #include "inpS/mesh/inpS_MeshStore.h"
 #include "inpS/mesh/inpS_NodeReader.h"
+#include "inpS/mesh/inpS_ScopedNodes.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -356,29 +357,6 @@ void inpS_MeshVisitor::VisitElset(const inp_Keyword& keyword) {
 
 // ---- the end of the walk
 
-void inpS_MeshVisitor::ResolveScopedNodes(inpS_MeshScope& scope) {
-  for (inpS_ElementBlock& block : scope.elements.Blocks()) {
-    for (const inpS_ScopedNode& node : block.scoped) {
-      const inpS_MeshScope* instance = m_scopes.FindInstance(node.instance);
-      const int ordinal =
-          instance ? m_nodes.ConvertInstanceLabel(instance->nodeOccurrence, node.label) : -1;
-      if (ordinal >= 0) {
-        block.nodes[static_cast<std::size_t>(node.element * block.width + node.index)] =
-            static_cast<int>(instance->nodeBase + ordinal);
-        continue;
-      }
-      const auto from = std::find_if(block.from.rbegin(), block.from.rend(),
-                                     [&](const auto& f) { return f.firstElement <= node.element; });
-      const inp_Keyword& keyword = from->keyword;
-      if (!instance)
-        Error(keyword, inp_Utils::Format("Instance %s is not defined.", node.instance.c_str()));
-      else
-        Error(keyword, "Elements refer to nodes that do not exist: " + node.instance + "." +
-                           std::to_string(node.label));
-    }
-  }
-}
-
 cow_List<cow_String> inpS_MeshVisitor::TypeNames() const {
   cow_List<cow_String> names;
   for (const ElementType& type : m_types) names.push_back(type.name);
@@ -420,7 +398,7 @@ void inpS_MeshVisitor::Finish() {
   for (inpS_MeshScope& scope : m_scopes.All())
     scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
                            *this);
-  ResolveScopedNodes(m_scopes.Root());
+  inpS_resolveScopedNodes(m_scopes, m_nodes, *this);
   for (inpS_MeshScope& scope : m_scopes.All()) scope.elements.StoreHeld(scope.owner);
   m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, *this);
   for (const inpS_MeshScope& scope : m_scopes.All())

@@ -66,7 +66,6 @@ private:
                     const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
                     inpS_LabelFaults& faults);
   void LabelElements(inpS_MeshScope& scope, std::span<const int> labels, inpS_LabelFaults& faults);
-  void ResolveScopedNodes(inpS_MeshScope& scope);
   cow_List<cow_String> TypeNames() const;
   void CompleteParts(inp_KeywordListRef keywords);
   void Finish();
