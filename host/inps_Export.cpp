@@ -42,15 +42,15 @@ public:
     const inps_FlatMesh mesh(document);
     if (mesh.NodeCount() == 0 && !mesh.PartNames().empty())
       Warn("the model has no instances, and parts alone have no place: the mesh is empty");
-    const bool tells = WriteMesh(mesh, files.MeshFile());
+    WriteMesh(mesh, files.MeshFile());
     if (hasBlocks) WriteBlocks(mesh, files);
     files.Finish();
     Summarize(mesh, hasBlocks ? files.ListPath() : m_target);
-    return tells ? inps_ExitDone : inps_ExitFaults;
+    return m_run.Reporter().Errors() > 0 ? inps_ExitFaults : inps_ExitDone; // of a deck
   }
 
 private:
-  bool WriteMesh(const inps_FlatMesh& mesh, const Path& file) {
+  void WriteMesh(const inps_FlatMesh& mesh, const Path& file) {
     const bcu_MarkScope mark("inps-", "export-mesh");
     inps_ExportCells cells(mesh);
     cells.AddAllElements();
@@ -60,7 +60,6 @@ private:
     AddSetArrays("element", inps_elementSetsOf(mesh), mesh.ElementCount(), grid.cellData);
     inps_writeVtu(file, grid);
     for (const inps_ExportCells::Loss& loss : cells.Losses()) TellLoss(mesh, loss);
-    return m_run.Reporter().Errors() == 0;
   }
 
   void AddSetArrays(const char* kind, const cow_List<inps_NamedSet>& sets, int64_t items,

@@ -117,9 +117,10 @@ void inps_ExportCells::AddOfBlock(std::size_t block, const eds_MemberSet& elemen
                                   std::span<const inps_CellRecipe> recipes, bool areElements) {
   const inps_FlatMesh::Elements& of = m_mesh.ElementBlocks()[block];
   const int width = of.block.width;
-  const auto recipeOf = [&](int key) {
-    return key < pointsKey ? recipes[static_cast<std::size_t>(key)]
-                           : inps_pointsRecipe(key - pointsKey);
+  inps_CellRecipe points;
+  const auto recipeOf = [&](int key) -> const inps_CellRecipe& {
+    if (key < pointsKey) return recipes[static_cast<std::size_t>(key)];
+    return points = inps_pointsRecipe(key - pointsKey);
   };
   // Elements of one key that follow one another make a run.
   int runKey = -1;
@@ -142,8 +143,9 @@ void inps_ExportCells::AddOfBlock(std::size_t block, const eds_MemberSet& elemen
     if (key == count) key = areElements ? pointsKey + present : pointsKey;
     if (key != runKey) endRun(cell);
     runKey = key;
-    if (areElements && (key >= pointsKey || recipes[static_cast<std::size_t>(key)].size < present))
-      CountLoss(of.type, recipeOf(key).type, 1);
+    const inps_CellRecipe& taken = recipeOf(key);
+    if (areElements && (taken.size < present || taken.type == inps_VtkPolyVertex))
+      CountLoss(of.type, taken.type, 1);
   });
   endRun(elements.Size());
 }
