@@ -8,6 +8,7 @@
 #include "inpS/mesh/inpS_ElementStream.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
 #include "inpS/mesh/inpS_MeshStore.h"
+#include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_NodeReader.h"
 #include "inpS/mesh/inpS_ScopedNodes.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -33,7 +34,8 @@ inpS_MeshVisitor::~inpS_MeshVisitor() = default;
 const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
   static const cow_List<inp_KeywordEnm> kinds = {
       inp_KwNode,   inp_KwElement,      inp_KwNset,          inp_KwElset,
-      inp_KwSystem, inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement};
+      inp_KwSystem, inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement,
+      inp_KwNgen,   inp_KwNfill,        inp_KwNcopy,         inp_KwNmap};
   return kinds;
 }
 
@@ -44,6 +46,8 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   m_hasInstances = std::any_of(keywords.begin(), keywords.end(), [](const inp_Keyword& keyword) {
     return keyword.Kind() == inp_KwInstance;
   });
+  m_generatorScopes = inpS_GeneratorScopes(keywords);
+  if (m_generatorScopes.Holds(m_scopes.Root())) m_scopes.Root().nodes.KeepPoints();
   // An instance shares what its part is when it opens: parts come first wherever they stand.
   const auto isOfParts = [](const inp_Keyword& keyword) {
     return keyword.Scope().kind == inp_Scope::Kind::Part || keyword.Kind() == inp_KwUserElement;
@@ -84,6 +88,7 @@ void inpS_MeshVisitor::OpenLabels(inpS_MeshScope& scope) {
     scope.elementOccurrence = m_elements.OpenOccurrence(scope.owner);
   }
   scope.nodes.SetBase(m_nodes.Size(scope.nodeOccurrence));
+  if (m_generatorScopes.Holds(scope)) scope.nodes.KeepPoints();
   if (!scope.isStored) return;
   scope.storedNodes = m_nodes.Size(scope.nodeOccurrence);
   scope.storedElements = m_elements.Size(scope.elementOccurrence);
@@ -171,27 +176,41 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
   if (!MayGrow(keyword, scope)) return;
   keyword.Find("input"); // the parser has read that file's lines
   inpS_NodeReader reader(*this);
-  if (const inp_Item* system = keyword.Find("system")) {
-    const cow_String& value = system->AsString();
-    reader.SetCylindricalSystem(value == "C");
-    reader.SetSphericalSystem(value == "S");
-    if (value != "C" && value != "S" && value != "R")
-      AddWarning(inp_Utils::MessageAtParameter(
-          keyword, "system",
-          inpS_messageText(inpS_app_InvalidParameterValue, {"system"}) +
-              " The coordinates are taken as rectangular."));
-  }
+  reader.ReadLocalSystem(keyword, *this);
   inpS_SetDefinition* set = m_setReader.Open(keyword, scope, inpS_SetKind::Nodes, "nset");
   m_nodes.Reserve(scope.nodeOccurrence, m_nodes.Size(scope.nodeOccurrence) + keyword.Data().Rows());
   cow_List<int> refused;
-  reader.Read(keyword, scope.system, [&](const inpS_NodePiece& nodes) {
-    for (const int label : nodes.labels) m_largestNodeLabel = std::max(m_largestNodeLabel, label);
-    scope.nodes.Merge(nodes, m_nodes, scope.nodeOccurrence, scope.owner, set, refused);
-  });
+  reader.Read(keyword, scope.system,
+              [&](const inpS_NodePiece& nodes) { TakeNodes(scope, nodes, set, refused); });
+  ReportRefused(keyword, refused);
+}
+
+void inpS_MeshVisitor::TakeNodes(inpS_MeshScope& scope, const inpS_NodePiece& nodes,
+                                 inpS_SetDefinition* set, cow_List<int>& refused) {
+  for (const int label : nodes.labels) m_largestNodeLabel = std::max(m_largestNodeLabel, label);
+  scope.nodes.Merge(nodes, m_nodes, scope.nodeOccurrence, scope.owner, set, refused);
+}
+
+void inpS_MeshVisitor::ReportRefused(const inp_Keyword& keyword, const cow_List<int>& refused) {
   if (!refused.empty())
     AddError(inp_Utils::MessageInKeyword(
         keyword,
         "These nodes are not this deck section's own and cannot be defined again here: ", refused));
+}
+
+void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  if (!MayGrow(keyword, scope)) return;
+  const KvoObjMesh mesh = m_inventory.GetDocument().GetMesh();
+  inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements, mesh);
+  cow_List<int> refused;
+  inpS_NodeGeneration(known, scope, m_setReader, m_inventory.NumberSpatialDimensions() == 3, *this,
+                      [&](const inpS_NodePiece& nodes, inpS_SetDefinition* set) {
+                        TakeNodes(scope, nodes, set, refused);
+                      })
+      .Read(keyword);
+  ReportRefused(keyword, refused);
 }
 
 // ---- elements

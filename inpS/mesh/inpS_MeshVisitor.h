@@ -5,6 +5,7 @@
 #include "inpS/mesh/inpS_BasicElemTypeData.h"
 #include "inpS/mesh/inpS_LabelFaults.h"
 #include "inpS/mesh/inpS_MeshSetReader.h"
+#include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 
 class KvoSimTransaction;
@@ -22,6 +23,10 @@ public:
   void VisitList(inp_KeywordListRef keywords) override; // walks, then resolves
 
   void VisitNode(const inp_Keyword& keyword) override;
+  void VisitNgen(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
+  void VisitNfill(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
+  void VisitNcopy(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
+  void VisitNmap(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
   void VisitElement(const inp_Keyword& keyword) override;
   void VisitAssemblyElement(const inp_Keyword& keyword) override { VisitElement(keyword); }
   void VisitNset(const inp_Keyword& keyword) override;
@@ -55,6 +60,10 @@ private:
   void OpenLabels(inpS_MeshScope& scope);
   bool MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope);
   bool Skip(const inp_Keyword& keyword);
+  void GenerateNodes(const inp_Keyword& keyword);
+  void TakeNodes(inpS_MeshScope& scope, const inpS_NodePiece& nodes, inpS_SetDefinition* set,
+                 cow_List<int>& refused);
+  void ReportRefused(const inp_Keyword& keyword, const cow_List<int>& refused);
   void ReadUserElement(const inp_Keyword& keyword);
 
   int FindElementType(const inpS_ElementParameters& parameters);
@@ -81,6 +90,7 @@ private:
   inp_ScopePtr m_lastScope;
   inpS_MeshScope* m_current = nullptr;
   std::unique_ptr<inpS_SetResolver> m_resolver;
+  inpS_GeneratorScopes m_generatorScopes;
   bool m_hasInstances = false; // anywhere in the deck
   int m_largestNodeLabel = 0;
   long long m_storedNodes = 0; // in the flat mesh before this deck

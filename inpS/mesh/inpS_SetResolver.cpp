@@ -127,6 +127,7 @@ void inpS_SetResolver::ResolveFirst(const inpS_MeshScope& scope, const inpS_SetD
     }
     const Entry& entry = frame.set->entries[frame.nextEntry++];
     if (entry.kind != Entry::Kind::Set && entry.kind != Entry::Kind::NodesOfElset) continue;
+    if (!MayTell(entry)) continue;
     const inpS_SetKind kind =
         entry.kind == Entry::Kind::Set ? frame.set->kind : inpS_SetKind::Elements;
     const Target target = Find(*frame.scope, kind, *frame.set, entry, false);
@@ -185,8 +186,16 @@ inpS_SetResolver::Target inpS_SetResolver::Find(const inpS_MeshScope& scope, inp
   return {};
 }
 
+bool inpS_SetResolver::MayTell(const Entry& entry) const {
+  return !m_underway || (entry.instance.empty() && entry.kind != Entry::Kind::NodesOfElset);
+}
+
 void inpS_SetResolver::AddEntry(const inpS_MeshScope& scope, const inpS_SetDefinition& set,
                                 const Entry& entry, Gathered& gathered) {
+  if (!MayTell(entry)) {
+    m_leftOut = true;
+    return;
+  }
   switch (entry.kind) {
   case Entry::Kind::Positions:
     gathered.Add(eds_MemberSet::Strided(static_cast<int>(entry.first), entry.count),
