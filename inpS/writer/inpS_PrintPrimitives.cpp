@@ -1,4 +1,5 @@
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "base/utl_Number.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSrvFsmFTable.h"
@@ -52,7 +53,9 @@ cow_String& QuotedName(cow_String& name) {
   return name;
 }
 
+// 2.1 would be a number and no node of the instance 2.
 cow_String inpS_quoted(cow_String name) {
+  if (utl_classifyField(name).IsNumber()) return '"' + name + '"';
   return QuotedName(name);
 }
 
