@@ -3,6 +3,7 @@
 #include "database/KvoObjLabeler.h"
 #include "database/KvoSimPosition.h"
 #include "inpS/mesh/inpS_ElementSearch.h"
+#include "inpS/mesh/inpS_MadeElements.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -73,6 +74,28 @@ void inpS_ElementConnectivity::AppendHeld(inpS_ElementBlock& block,
     block.nodes = std::move(reader.Nodes());
   else
     block.nodes.Append(std::span<const int>(reader.Nodes()));
+}
+
+void inpS_ElementConnectivity::AppendMade(inpS_ElementBlock& block, const inpS_MadeElements& made) {
+  block.topology = made.topology;
+  block.referenceNode = made.referenceNode;
+  block.ragged = block.ragged || made.ragged;
+  for (inpS_ScopedNode node : made.scoped) {
+    node.element += block.count;
+    block.scoped.push_back(std::move(node));
+  }
+  const auto width = static_cast<std::size_t>(block.width);
+  if (width > 0) { // elements without nodes were told
+    const std::size_t perPiece = std::max<std::size_t>(1, kEntries / width);
+    const auto count = static_cast<std::size_t>(made.count);
+    int* to = block.nodes.AppendSpace(count * width);
+    utl_parallelFor((count + perPiece - 1) / perPiece, [&](std::size_t piece) {
+      const std::size_t first = piece * perPiece;
+      const std::size_t size = std::min(perPiece, count - first);
+      made.nodes(static_cast<long long>(first), {to + first * width, size * width});
+    });
+  }
+  block.count += made.count;
 }
 
 const inpS_ElementBlock* inpS_ElementConnectivity::BlockOf(long long element) const {

@@ -10,6 +10,7 @@
 class KvoObjLabeler;
 class KvoSimPosition;
 class inp_Visitor;
+struct inpS_MadeElements;
 
 // Entries of a block that no node was known for when they were read, by entry, with their labels.
 struct inpS_OpenEntry {
@@ -66,6 +67,9 @@ public:
   void AppendStreamed(std::span<const int> ordinals, std::span<const inpS_OpenEntry> open);
   // Elements of a held block: takes over what the reader read.
   void AppendHeld(inpS_ElementBlock& block, inpS_ElementTopologyReader& reader, bool ragged);
+
+  // Elements of a held block that are made from others.
+  void AppendMade(inpS_ElementBlock& block, const inpS_MadeElements& made);
 
   cow_List<inpS_ElementBlock>& Blocks() { return m_blocks; }
   const cow_List<inpS_ElementBlock>& Blocks() const { return m_blocks; }

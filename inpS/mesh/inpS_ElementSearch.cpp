@@ -3,7 +3,8 @@
 #include <algorithm>
 
 inpS_ElementSearch::inpS_ElementSearch(const inp_Keyword& keyword, const inp_ElementForm& form)
-    : m_data(keyword.Data()), m_form(form) {}
+    : m_lists(keyword.Kind() == inp_KwElement || keyword.Kind() == inp_KwAssemblyElement),
+      m_data(keyword.Data()), m_form(form) {}
 
 inpS_ElementSearch::Place inpS_ElementSearch::OfLabel(int label, int which) const {
   return {FindRow([&](const Element& element) { return element.label == label && --which == 0; })};
@@ -33,6 +34,7 @@ inpS_ElementSearch::Place inpS_ElementSearch::OfNode(int node) const {
 
 long long inpS_ElementSearch::FindRow(const std::function<bool(const Element&)>& wanted) const {
   long long found = -1;
+  if (!m_lists) return found;
   inp_streamElements(
       m_data, m_form, [](const inp_ElementPiece&) {},
       [&](const inp_ElementPiece& piece) {

@@ -6,7 +6,8 @@
 class inp_Keyword;
 
 // Where elements stand in the data lines of their keyword. That is kept for no element: the lines
-// are read again when one is at fault.
+// are read again when one is at fault. A keyword that makes elements of others (*ELGEN, *ELCOPY)
+// lists none: nothing is found in it, and its own place has to do.
 class inpS_ElementSearch {
 public:
   struct Place {
@@ -33,6 +34,7 @@ private:
   long long FindRow(const std::function<bool(const Element&)>& wanted) const;
   long long RowOf(long long firstRow, std::size_t element) const;
 
+  bool m_lists;
   const inp_DataArray& m_data;
   inp_ElementForm m_form;
 };

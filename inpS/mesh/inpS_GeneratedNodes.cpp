@@ -127,6 +127,18 @@ inpS_GeneratedNodes::AddFourierPlanes(const inp_Keyword& keyword,
   return planes;
 }
 
+void inpS_GeneratedNodes::ImplyFourierPlanes(const inpS_ElementBlock& block, long long first,
+                                             const inpS_ElementParameters& type,
+                                             inpS_MeshScope& scope) {
+  const int plane = type.MinNodesPerElement();
+  for (long long element = first; element < block.count; ++element) {
+    const int* nodes = block.nodes.Data() + element * block.width;
+    for (int i = plane; i < block.width; ++i)
+      if (nodes[i] == nodes[i % plane] + i / plane * block.offset)
+        scope.impliedNodes.Append({nodes[i], nodes[i % plane]});
+  }
+}
+
 cow_List<int> inpS_GeneratedNodes::AcrossInstances(const inpS_ElementParameters& type,
                                                    inpS_ElementTopologyReader& reader) {
   cow_List<int> elements;

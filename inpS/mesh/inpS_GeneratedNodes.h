@@ -20,6 +20,10 @@ public:
   static Planes AddFourierPlanes(const inp_Keyword& keyword, const inpS_ElementParameters& type,
                                  inpS_ElementTopologyReader& reader, inpS_MeshScope& scope);
 
+  // The same for elements copied from such ones, from the given one of the block on.
+  static void ImplyFourierPlanes(const inpS_ElementBlock& block, long long first,
+                                 const inpS_ElementParameters& type, inpS_MeshScope& scope);
+
   // Elements that leave nodes to be made and name others by instance: where those lie is not known
   // to the element's owner.
   static cow_List<int> AcrossInstances(const inpS_ElementParameters& type,

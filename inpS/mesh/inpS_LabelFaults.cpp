@@ -19,6 +19,35 @@ wip_Message messageAt(const inp_Keyword& keyword, const inpS_ElementSearch::Plac
 
 } // namespace
 
+// An element label may be defined once: unlike a node, which is only moved, a second element would
+// silently take the first one's nodes away.
+void inpS_LabelFaults::Define(const inpS_MeshScope& scope, std::span<const int> labels,
+                              KvoObjLabeler& elements) {
+  constexpr std::size_t kBlock = 1 << 14;
+  int ordinals[kBlock];
+  for (std::size_t begin = 0; begin < labels.size(); begin += kBlock) {
+    const std::span<const int> block =
+        labels.subspan(begin, std::min(kBlock, labels.size() - begin));
+    long long next = elements.Size(scope.elementOccurrence);
+    const auto fresh = static_cast<std::size_t>(elements.AddInstanceLabels(
+        scope.elementOccurrence, block, std::span<int>(ordinals, block.size())));
+    for (const int label : block)
+      if (label <= 0) m_notPositive.push_back(label);
+    if (fresh == block.size()) continue;
+    for (std::size_t n = 0; n < block.size(); ++n) {
+      if (ordinals[n] == next)
+        ++next;
+      else
+        AddRepeated(block[n], ordinals[n]);
+    }
+  }
+}
+
+void inpS_LabelFaults::AddRepeated(int label, int ordinal) {
+  if (m_repeated.empty()) m_firstDefinition = ordinal;
+  m_repeated.push_back(label);
+}
+
 void inpS_LabelFaults::Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
                               const inpS_MeshScope& scope, const KvoObjLabeler& elements,
                               inp_Visitor& messages) {

@@ -8,17 +8,14 @@ class KvoObjLabeler;
 // Element labels of one keyword that no element may have, or that an element has already.
 class inpS_LabelFaults {
 public:
-  void AddNotPositive(int label) { m_notPositive.push_back(label); }
-  // ordinal: of the element that has the label.
-  void AddRepeated(int label, int ordinal) {
-    if (m_repeated.empty()) m_firstDefinition = ordinal;
-    m_repeated.push_back(label);
-  }
+  // The next elements of the keyword get these labels.
+  void Define(const inpS_MeshScope& scope, std::span<const int> labels, KvoObjLabeler& elements);
   // One message for each kind of fault with the labels listed, at the first one's place.
   void Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
               const inpS_MeshScope& scope, const KvoObjLabeler& elements, inp_Visitor& messages);
 
 private:
+  void AddRepeated(int label, int ordinal); // of the element that has the label
   void ReportRepeated(const inp_Keyword& keyword, const inp_ElementForm& form,
                       const inpS_MeshScope& scope, const KvoObjLabeler& elements,
                       inp_Visitor& messages) const;

@@ -35,7 +35,8 @@ const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
   static const cow_List<inp_KeywordEnm> kinds = {
       inp_KwNode,   inp_KwElement,      inp_KwNset,          inp_KwElset,
       inp_KwSystem, inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement,
-      inp_KwNgen,   inp_KwNfill,        inp_KwNcopy,         inp_KwNmap};
+      inp_KwElgen,  inp_KwElcopy,       inp_KwNgen,          inp_KwNfill,
+      inp_KwNcopy,  inp_KwNmap};
   return kinds;
 }
 
@@ -46,6 +47,7 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   m_hasInstances = std::any_of(keywords.begin(), keywords.end(), [](const inp_Keyword& keyword) {
     return keyword.Kind() == inp_KwInstance;
   });
+  m_copyScopes = inpS_CopyScopes(keywords);
   m_generatorScopes = inpS_GeneratorScopes(keywords);
   if (m_generatorScopes.Holds(m_scopes.Root())) m_scopes.Root().nodes.KeepPoints();
   // An instance shares what its part is when it opens: parts come first wherever they stand.
@@ -280,10 +282,11 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   const long long first = m_elements.Size(scope.elementOccurrence);
   m_elements.Reserve(scope.elementOccurrence, first + keyword.Data().Rows());
   inpS_LabelFaults faults;
-  // Without any node to refer to, or with nodes named by instance, nothing can be translated yet.
+  // Without any node to refer to, or with nodes named by instance, nothing can be translated yet;
+  // where others will be made from these elements, they are to stay at hand as the deck has them.
   const bool mayStream = m_nodes.Size(scope.nodeOccurrence) > 0 &&
                          !(scope.kind == inpS_MeshScope::Kind::Root && m_hasInstances) &&
-                         inpS_ElementStream::Serves(parameters);
+                         !m_copyScopes.Holds(scope) && inpS_ElementStream::Serves(parameters);
   // Elements that stood in front of all nodes make one block with those behind.
   kind.held = true;
   kind.held = !mayStream || scope.elements.Continues(kind);
@@ -299,6 +302,22 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (count > 0) inpS_addRun(set, first, count);
 }
 
+inpS_ElementCopies inpS_MeshVisitor::Copies() {
+  return {m_nodes, m_elements, m_scopes, m_setReader, m_typeData, TypeNames(), *this};
+}
+
+void inpS_MeshVisitor::VisitElgen(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  if (MayGrow(keyword, scope)) Copies().Generate(keyword, scope);
+}
+
+void inpS_MeshVisitor::VisitElcopy(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  if (MayGrow(keyword, scope)) Copies().Copy(keyword, scope);
+}
+
 void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                       const inpS_ElementParameters& parameters,
                                       const inpS_ElementConnectivity::Kind& kind,
@@ -309,7 +328,7 @@ void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope
     if (!begun)
       scope.elements.BlockFor(kind, m_elements.Size(scope.elementOccurrence), keyword, scope.owner);
     begun = true;
-    LabelElements(scope, piece.labels, faults);
+    faults.Define(scope, piece.labels, m_elements);
     scope.elements.AppendStreamed(piece.ordinals, piece.open);
   });
 }
@@ -335,33 +354,9 @@ void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& 
   kind.width = reader.Width();
   kind.held = true;
   const long long first = m_elements.Size(scope.elementOccurrence);
-  LabelElements(scope, reader.Labels(), faults);
+  faults.Define(scope, reader.Labels(), m_elements);
   inpS_ElementBlock& block = scope.elements.BlockFor(kind, first, keyword, scope.owner);
   scope.elements.AppendHeld(block, reader, reader.IsRagged() || parameters.IsConnectorElement());
-}
-
-// An element label may be defined once: unlike a node, which is only moved, a second element would
-// silently take the first one's nodes away.
-void inpS_MeshVisitor::LabelElements(inpS_MeshScope& scope, std::span<const int> labels,
-                                     inpS_LabelFaults& faults) {
-  constexpr std::size_t kBlock = 1 << 14;
-  int ordinals[kBlock];
-  for (std::size_t begin = 0; begin < labels.size(); begin += kBlock) {
-    const std::span<const int> block =
-        labels.subspan(begin, std::min(kBlock, labels.size() - begin));
-    long long next = m_elements.Size(scope.elementOccurrence);
-    const auto fresh = static_cast<std::size_t>(m_elements.AddInstanceLabels(
-        scope.elementOccurrence, block, std::span<int>(ordinals, block.size())));
-    for (const int label : block)
-      if (label <= 0) faults.AddNotPositive(label);
-    if (fresh == block.size()) continue;
-    for (std::size_t n = 0; n < block.size(); ++n) {
-      if (ordinals[n] == next)
-        ++next;
-      else
-        faults.AddRepeated(block[n], ordinals[n]);
-    }
-  }
 }
 
 // ---- sets

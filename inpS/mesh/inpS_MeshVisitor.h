@@ -3,6 +3,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/mesh/inpS_BasicElemTypeData.h"
+#include "inpS/mesh/inpS_ElementCopies.h"
 #include "inpS/mesh/inpS_LabelFaults.h"
 #include "inpS/mesh/inpS_MeshSetReader.h"
 #include "inpS/mesh/inpS_NodeGeneration.h"
@@ -29,6 +30,8 @@ public:
   void VisitNmap(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
   void VisitElement(const inp_Keyword& keyword) override;
   void VisitAssemblyElement(const inp_Keyword& keyword) override { VisitElement(keyword); }
+  void VisitElgen(const inp_Keyword& keyword) override;
+  void VisitElcopy(const inp_Keyword& keyword) override;
   void VisitNset(const inp_Keyword& keyword) override;
   void VisitElset(const inp_Keyword& keyword) override;
   void VisitAssemblyNset(const inp_Keyword& keyword) override { VisitNset(keyword); }
@@ -68,13 +71,13 @@ private:
 
   int FindElementType(const inpS_ElementParameters& parameters);
   bool CheckElementType(const inp_Keyword& keyword, const cow_String& type);
+  inpS_ElementCopies Copies();
   void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                       const inpS_ElementParameters& parameters,
                       const inpS_ElementConnectivity::Kind& kind, inpS_LabelFaults& faults);
   void HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                     const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
                     inpS_LabelFaults& faults);
-  void LabelElements(inpS_MeshScope& scope, std::span<const int> labels, inpS_LabelFaults& faults);
   cow_List<cow_String> TypeNames() const;
   void CompleteParts(inp_KeywordListRef keywords);
   void Finish();
@@ -90,6 +93,7 @@ private:
   inp_ScopePtr m_lastScope;
   inpS_MeshScope* m_current = nullptr;
   std::unique_ptr<inpS_SetResolver> m_resolver;
+  inpS_CopyScopes m_copyScopes;
   inpS_GeneratorScopes m_generatorScopes;
   bool m_hasInstances = false; // anywhere in the deck
   int m_largestNodeLabel = 0;
