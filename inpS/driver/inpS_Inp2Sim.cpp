@@ -99,9 +99,9 @@ void inpS_Inp2Sim::Print(aio_ostream& out) const {
 }
 
 cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds() {
-  cow_List<inp_KeywordEnm> kinds = {inp_KwHeading,     inp_KwPart,        inp_KwEndPart,
-                                    inp_KwAssembly,    inp_KwEndAssembly, inp_KwInstance,
-                                    inp_KwEndInstance, inp_KwParameter,   inp_KwInclude};
+  cow_List<inp_KeywordEnm> kinds = {
+      inp_KwHeading,  inp_KwPart,        inp_KwEndPart,   inp_KwAssembly, inp_KwEndAssembly,
+      inp_KwInstance, inp_KwEndInstance, inp_KwParameter, inp_KwInclude,  inp_KwSurface};
   const cow_List<inp_KeywordEnm>& mesh = inpS_MeshVisitor::ModelledKinds();
   kinds.insert(kinds.end(), mesh.begin(), mesh.end());
   return kinds;

@@ -160,6 +160,9 @@ bool Driver::ProcessAssembly() {
 
 void Driver::KeepVerbatim(bool restart) {
   inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds());
+  visitor.SetUnmodelled([](const inp_Keyword& keyword) {
+    return keyword.Kind() == inp_KwSurface && !inpS_SurfaceVisitor::IsModelled(keyword);
+  });
   if (restart) {
     visitor.ContinuePositions();
     visitor.RefuseNewOwners(m_keywords);
@@ -231,6 +234,7 @@ bool Driver::ProcessSurfaces(Labelers& labelers) {
   if (!m_surfaceVisitor)
     m_surfaceVisitor =
         std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements, m_inventory);
+  if (labelers.hasSurfaces) m_surfaceVisitor->SkipConverted();
   m_surfaceVisitor->VisitListAndReport(m_keywords);
   return !m_surfaceVisitor->IsError();
 }
@@ -311,6 +315,7 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
   }
   transaction.Commit();
   good = Run<inpS_UserNodeVisitor>(labelers) && good;
+  labelers.hasSurfaces = true;
   return Run<inpS_SurfaceVisitor>(labelers) && good;
 }
 

@@ -71,6 +71,7 @@ void inpS_VerbatimVisitor::RefuseNewOwners(const inp_KeywordList& keywords) {
 bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
   const auto index = static_cast<std::size_t>(keyword.Kind());
   if (index >= m_modelled.size() || !m_modelled[index]) return false;
+  if (m_unmodelled && m_unmodelled(keyword)) return false;
   // Inside a step nothing of the model's own keywords is converted.
   return keyword.Scope().kind != inp_Scope::Kind::Step;
 }

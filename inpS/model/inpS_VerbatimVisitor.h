@@ -4,6 +4,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/model/inpS_NotModelled.h"
+#include <functional>
 
 // Keeps as text, at its level, every keyword that no phase converts, so that nothing of a deck is
 // lost: the writer puts it back in its place. One warning per kind of keyword, at its first place.
@@ -11,6 +12,11 @@ class inpS_VerbatimVisitor : public inpS_Visitor {
 public:
   // modelled: the keyword kinds that some phase converts.
   inpS_VerbatimVisitor(const inpS_Inventory& inventory, const cow_List<inp_KeywordEnm>& modelled);
+
+  // Keywords of modelled kinds that no phase converts all the same.
+  void SetUnmodelled(std::function<bool(const inp_Keyword&)> unmodelled) {
+    m_unmodelled = std::move(unmodelled);
+  }
 
   void Visit(const inp_Keyword& keyword) override;
   void Report() override;
@@ -32,6 +38,7 @@ private:
 
   const inpS_Inventory& m_inventory;
   cow_List<bool> m_modelled;
+  std::function<bool(const inp_Keyword&)> m_unmodelled;
   bool m_isRestart = false;
   const inp_Scope* m_scope = nullptr; // of the keyword before
   inp_ScopePtr m_scopeHeld;
