@@ -8,7 +8,9 @@ import json
 import os
 import pathlib
 import platform
+import re
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -110,9 +112,36 @@ class Bench:
         out.unlink(missing_ok=True)
         return limit, inps
 
+    def export(self, processors):
+        """The model that convert left as a VTK file: (bytes of its arrays, writing as many bytes
+        plainly, inps)."""
+        out, plain, inps = self.folder / "mesh.vtu", Best(), Best()
+        for _ in range(self.rounds):
+            out.unlink(missing_ok=True)
+            inps.add(Run([self.inps, "export", self.folder / "model.sim", out, "--quiet"],
+                         processors))
+            raw = array_bytes(out)
+            out.unlink()
+            plain.add(Run(["dd", "if=/dev/zero", f"of={out}", "bs=1M", f"count={raw >> 20}"],
+                          processors))
+        out.unlink()
+        return raw, plain, inps
+
     def row(self, what, measured, wanted):
         self.rows.append((what, measured, wanted))
         say(f"  {what}: {measured}" + (f" (wanted: {wanted})" if wanted else ""))
+
+
+def array_bytes(path):
+    """Of all arrays of a VTK file with appended data, before their compression."""
+    content = path.read_bytes()
+    begin = content.index(b'<AppendedData')
+    begin = content.index(b'_', begin) + 1
+    total = 0
+    for offset in re.findall(rb'offset="(\d+)"', content[:begin]):
+        blocks, size, last = struct.unpack_from("<3Q", content, begin + int(offset))
+        total += blocks * size - (size - last if last else 0)
+    return total
 
 
 def say(text):
@@ -174,6 +203,15 @@ def measure_labels(bench, processors):
         bench.row(f"128³ bricks, {labels} labels, convert", ratio(inps, limit), "2.5 times")
 
 
+def measure_export(bench, processor_sets):
+    bench.convert(bench.deck("bricks", 128), processor_sets[-1])
+    for processors in processor_sets:
+        raw, plain, inps = bench.export(processors)
+        bench.row(f"128³ bricks, export, {threads_text(len(processors))}",
+                  f"{raw / inps.seconds / 1e6:.0f} MB/s of {raw / 1e6:.0f} MB, written plainly "
+                  f"{raw / plain.seconds / 1e6:.0f} MB/s; {inps.peak / 1e6:.0f} MB of memory", "")
+
+
 def measure_keywords(bench, processors):
     count = 100_000
     _, inps = bench.convert(bench.deck("keywords", count), processors)
@@ -184,6 +222,16 @@ def measure_instances(bench, processors, copies):
     _, flat = bench.convert(bench.deck("blocks", copies), processors)
     _, inps = bench.convert(bench.deck("instances", copies), processors)
     bench.row(f"{copies} instances of 1000 nodes to the flat mesh", ratio(inps, flat), "1.5 times")
+
+
+def measure_generated(bench, processors, size):
+    """A mesh that a few lines make, to the same mesh written out."""
+    _, made = bench.convert(bench.deck("generated", size), processors)
+    listed = bench.folder / "deck.inp"
+    listed.unlink()
+    Run([bench.inps, "write", bench.folder / "model.sim", "-o", listed])
+    _, read = bench.convert(listed, processors)
+    bench.row(f"generate/convert ratio, {size}³ bricks", ratio(made, read), "1.5 times")
 
 
 def table(rows, quick):
@@ -226,8 +274,10 @@ def main():
         bench = Bench(words.bin, pathlib.Path(folder), words.rounds or (3 if words.quick else 5))
         measure_bricks(bench, (64, 128) if words.quick else (64, 128, 200), sets)
         measure_labels(bench, sets[-1])
+        measure_export(bench, sets)
         measure_keywords(bench, sets[-1])
         measure_instances(bench, sets[-1], 1000 if words.quick else 10_000)
+        measure_generated(bench, sets[-1], 128 if words.quick else 170)
     text = table(bench.rows, words.quick)
     print(json.dumps(bench.rows, ensure_ascii=False) if words.json else text)
     if words.record:
