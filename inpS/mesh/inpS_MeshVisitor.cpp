@@ -165,6 +165,8 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
 void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
+  for (wip_Message& message : inpS_unreadFieldMessages(keyword, inpS_System::UnreadFields(keyword)))
+    AddError(std::move(message));
   scope.system.FillIdentity();
   if (scope.system.ReadSystem(keyword)) return;
   scope.system.FillIdentity();
