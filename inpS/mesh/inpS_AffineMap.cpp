@@ -6,6 +6,7 @@
 namespace {
 
 constexpr double kRadians = 3.141592653589793 / 180;
+constexpr double kZeroBelow = 1e-15;  // an entry of a rotation
 constexpr double kInLineBelow = 1e-8; // sine of the angle between the two directions
 
 bool direction(const double from[3], const double to[3], double unit[3]) {
@@ -41,7 +42,9 @@ bool inpS_AffineMap::SetRotation(const double a[3], const double b[3], double de
   rotation.SetRotation(axis, degrees * kRadians);
   double entries[4][4];
   rotation.AsArray(entries);
-  for (int i = 0; i < 3; ++i) std::copy_n(entries[i], 3, matrix[i]);
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) // quarter and half turns are exact
+      matrix[i][j] = std::fabs(entries[i][j]) < kZeroBelow ? 0.0 : entries[i][j];
   Fix(a);
   return true;
 }

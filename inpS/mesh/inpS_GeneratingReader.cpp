@@ -167,7 +167,8 @@ void inpS_GeneratingReader::Collect(const inpS_KnownNodes::Set& nodes) {
 // Every normal of the mesh has unit length, interpolated ones too.
 void inpS_GeneratingReader::Emit(long long label, const inpS_NodeValues& node) {
   if (node.hasNormal) {
-    double normal[3] = {node.value[3], node.value[4], node.value[5]};
+    // Without negative zeros, which would not come back from a deck written.
+    double normal[3] = {node.value[3] + 0.0, node.value[4] + 0.0, node.value[5] + 0.0};
     if (ToUnitLength(normal)) {
       m_hasNormals = true;
       m_normalAt.Append(m_labels.Size());
