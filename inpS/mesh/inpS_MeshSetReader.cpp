@@ -72,6 +72,14 @@ void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
   inpS_SetReader reader(keyword, set, m_messages);
   reader.SetInstance(instance);
   if (ofElset) {
+    const inp_DataArray& data = keyword.Data();
+    for (long long row = 0; row < data.Rows(); ++row)
+      if (data.Cols(row) > 0) {
+        m_messages.AddWarning(inp_Utils::MessageAtRow(
+            keyword, row,
+            "A set of the nodes of elements takes no data lines; from here on they are not used."));
+        break;
+      }
     inpS_SetEntry& entry = set.entries.emplace_back();
     entry.kind = inpS_SetEntry::Kind::NodesOfElset;
     entry.name = ofElset->AsString();
