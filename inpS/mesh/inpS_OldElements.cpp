@@ -5,7 +5,8 @@
 
 inpS_CopyScopes::inpS_CopyScopes(const inp_KeywordList& keywords) {
   for (const inp_Keyword& keyword : keywords) {
-    if (keyword.Kind() != inp_KwElgen && keyword.Kind() != inp_KwElcopy) continue;
+    const bool copies = keyword.Kind() == inp_KwElgen || keyword.Kind() == inp_KwElcopy;
+    if (!copies || keyword.IsInstanceCopy()) continue;
     const inp_Scope& scope = keyword.Scope();
     switch (scope.kind) {
     case inp_Scope::Kind::Part:
