@@ -12,10 +12,6 @@ KvoSimCSet membershipOf(const KvoSimPosition& set) {
                                                                   : eds_ElementSet_Membership);
 }
 
-cow_String quoted(const cow_String& name) {
-  return '"' + name + '"';
-}
-
 } // namespace
 
 inpS_SetVisitor::inpS_SetVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -62,34 +58,26 @@ void inpS_SetVisitor::VisitInstance(const inp_Keyword& keyword) {
 
 // ---- sets by name
 
-inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) const {
+// An owner's own, else, of an instance, its part's.
+inpS_SetVisitor::Found inpS_SetVisitor::FindIn(Kind kind, const KvoSimPosition& owner,
+                                               const cow_String& key) const {
   using M = eds_Member;
   constexpr M members[3][2] = {{M::NodeSets, M::InternalNodeSets},
                                {M::ElementSets, M::InternalElementSets},
                                {M::Surfaces, M::InternalSurfaces}};
-  const KvoObjModel model = m_inventory.GetDocument().GetModel();
-  const auto [named, internal] = members[static_cast<int>(kind)];
-  const auto in = [&](const KvoSimPosition& owner, const cow_String& key) {
-    const KvoSimPosition set = owner.FollowStringKey(named, key);
-    return set.IsNull() ? owner.FollowStringKey(internal, key) : set;
-  };
-  KvoSimPosition owner = m_owner;
-  cow_String key = RemoveQuotes(name);
-  // A name given in quotes may have a dot of its own.
-  const bool whole = !owner.IsNull() && !in(owner, key).IsNull();
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(name);
-  if (!whole && inp_Utils::IsScopedSetName(parts)) {
-    owner = model.GetOccurence(parts[parts.size() - 2]);
-    key = parts.back();
-  }
   if (owner.IsNull()) return {};
+  const auto in = [&](const KvoSimPosition& place) {
+    const auto [named, internal] = members[static_cast<int>(kind)];
+    const KvoSimPosition set = place.FollowStringKey(named, key);
+    return set.IsNull() ? place.FollowStringKey(internal, key) : set;
+  };
   const KvoSimPosition scopedBy = owner == m_owner ? KvoSimPosition() : owner;
-  if (const KvoSimPosition own = in(owner, key); !own.IsNull()) return {own, 0, scopedBy};
+  if (const KvoSimPosition own = in(owner); !own.IsNull()) return {own, 0, scopedBy};
   if (!owner.IsA(eds_RecordKind::Instance)) return {};
   const KvoSimDataRecord instance = owner.DataRecord();
   const KvoSimPosition part = instance.GetReference(eds_Instance_Part);
   if (part.IsNull()) return {};
-  const KvoSimPosition ofPart = in(part, key);
+  const KvoSimPosition ofPart = in(part);
   if (ofPart.IsNull()) return {};
   return {
       ofPart,
@@ -97,11 +85,21 @@ inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) 
       scopedBy};
 }
 
+inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) const {
+  // A name given in quotes may have a dot of its own.
+  const Found whole = FindIn(kind, m_owner, RemoveQuotes(name));
+  if (!whole.set.IsNull()) return whole;
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(name);
+  if (!inp_Utils::IsScopedSetName(parts)) return {};
+  return FindIn(kind, m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]),
+                parts.back());
+}
+
 inpS_SetVisitor::Found inpS_SetVisitor::FindField(Kind kind, std::string_view asWritten) const {
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
-  return Find(kind, inp_Utils::IsScopedSetName(parts)
-                        ? quoted(parts[parts.size() - 2]) + '.' + quoted(parts.back())
-                        : inp_Utils::Fold(asWritten));
+  if (parts.size() < 2) return FindIn(kind, m_owner, inp_Utils::Fold(asWritten));
+  return FindIn(kind, m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]),
+                parts.back());
 }
 
 inpS_SetVisitor::LabelSpace inpS_SetVisitor::SpaceOf(Kind kind, const cow_String& instance) const {

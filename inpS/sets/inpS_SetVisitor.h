@@ -87,6 +87,7 @@ protected:
 
 private:
   KvoSimPosition OwnerOf(const inp_Scope& scope) const;
+  Found FindIn(Kind kind, const KvoSimPosition& owner, const cow_String& key) const;
   Found Find(Kind kind, const cow_String& name) const;
   static bool MembersOf(const Found& found, eds_MemberSet& ordinals);
   bool OrdinalOf(Kind kind, const KvoSimPosition& owner, int label, long long& ordinal) const;

@@ -162,7 +162,8 @@ void inpS_SurfaceLines::TakeLabel(long long row, int col, long long label,
                                   double area) {
   const char* const noun = m_kind == Kind::Nodes ? "Node" : "Element";
   if (label > kMaxLabel || label < -kMaxLabel || space.occurrence < 0) {
-    Fault(row, col, inp_Utils::Format("%s %lld does not exist; left out.", noun, label));
+    const cow_String asWritten = m_data.AsStringVerbatim(row, col);
+    Fault(row, col, cow_String(noun) + " " + asWritten + " does not exist; left out.");
     return;
   }
   int& listed = m_listed[static_cast<std::size_t>(face)];

@@ -1,5 +1,4 @@
 #include "inpS/writer/inpS_SurfacePrinter.h"
-#include "base/utl_Number.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/sets/inpS_SurfaceTable.h"
@@ -10,17 +9,11 @@ namespace {
 
 using Operation = eds_SurfaceOperation;
 
-// A name in a data line: one that would be taken for a number needs quotes as well.
-cow_String fieldOf(const cow_String& name) {
-  if (utl_classifyField(name).IsNumber()) return '"' + name + '"';
-  return inpS_quoted(name);
-}
-
 cow_String nameOf(const KvoSurfacePiece& piece) {
   cow_String text;
   if (!piece.instance.IsNull())
     text = inpS_quoted(piece.instance.DataRecord().ReturnString(eds_Instance_Name)) + ".";
-  return text + fieldOf(piece.source.Name());
+  return text + inpS_quoted(piece.source.Name());
 }
 
 } // namespace
