@@ -223,14 +223,20 @@ void inpS_MeshVisitor::ReadUserElement(const inp_Keyword& keyword) {
   const inp_Item* type = keyword.Find("type");
   const inp_Item* nodes = keyword.Find("nodes");
   if (!type || !nodes) return;
-  const bool usable =
-      nodes->IsNumber() && nodes->AsInt() > 0 && nodes->AsInt() <= kMostNodesOfUserElement;
-  if (usable)
-    m_typeData.UpdateUserElemType(type->AsString(), nodes->AsInt());
-  else
-    AddError(inp_Utils::MessageAtParameter(
+  const bool usable = nodes->GetKind() == inp_Item::Kind::Integer && nodes->AsInt() > 0 &&
+                      nodes->AsInt() <= kMostNodesOfUserElement;
+  if (!usable)
+    return AddError(inp_Utils::MessageAtParameter(
         keyword, "nodes",
         "A user element has from 1 to " + std::to_string(kMostNodesOfUserElement) + " nodes."));
+  const cow_String& name = type->AsString();
+  const int known = m_typeData.MinNodesPerElement(name);
+  if (known > 0 && known != nodes->AsInt())
+    AddWarning(inp_Utils::MessageAtParameter(keyword, "nodes",
+                                             "Element type \"" + name + "\" has " +
+                                                 std::to_string(known) +
+                                                 " nodes already; this number is not used."));
+  m_typeData.UpdateUserElemType(name, nodes->AsInt());
 }
 
 bool inpS_MeshVisitor::CheckElementType(const inp_Keyword& keyword, const cow_String& type) {
