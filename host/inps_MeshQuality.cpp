@@ -2,6 +2,7 @@
 
 #include "base/utl_Threads.h"
 #include "host/inps_DuplicateNodes.h"
+#include "host/inps_ElementVolumes.h"
 #include "host/inps_FlatMesh.h"
 #include "host/inps_NodeSelection.h"
 #include "host/inps_Reporter.h"
@@ -54,15 +55,26 @@ Quality::Finding findDuplicates(const inps_FlatMesh& mesh) {
   return duplicates;
 }
 
+Quality::Finding named(const inps_FlatMesh& mesh, const inps_ElementVolumes::Finding& found) {
+  Quality::Finding finding{found.count, {}};
+  for (const int32_t element : found.first) finding.first.push_back(mesh.ElementName(element));
+  return finding;
+}
+
 struct Row {
   const char* key;
+  const char* noun;
   const char* none; // what is said when there is none
   const char* what;
   Quality::Finding Quality::*finding;
 };
 constexpr Row rows[] = {
-    {"freeNodes", "no free node", "of no element", &Quality::freeNodes},
-    {"duplicateNodes", "no node in the place of another", "in the place of another",
+    {"negativeVolumes", "element", "no element with a negative volume", "with a negative volume",
+     &Quality::negativeVolumes},
+    {"zeroVolumes", "element", "no element without volume", "without volume",
+     &Quality::zeroVolumes},
+    {"freeNodes", "node", "no free node", "of no element", &Quality::freeNodes},
+    {"duplicateNodes", "node", "no node in the place of another", "in the place of another",
      &Quality::duplicateNodes},
 };
 
@@ -70,7 +82,9 @@ constexpr Row rows[] = {
 
 Quality inps_assessMesh(const KvoObjDocument& document) {
   const inps_FlatMesh mesh(document);
-  return {findFreeNodes(mesh), findDuplicates(mesh)};
+  const inps_ElementVolumes volumes = inps_findBadVolumes(mesh, mostNamed);
+  return {named(mesh, volumes.negative), named(mesh, volumes.zero), findFreeNodes(mesh),
+          findDuplicates(mesh)};
 }
 
 void inps_printQuality(aio_ostream& out, const Quality& quality) {
@@ -81,7 +95,7 @@ void inps_printQuality(aio_ostream& out, const Quality& quality) {
       out << "  " << row.none << '\n';
       continue;
     }
-    out << "  " << inps_counted(finding.count, "node") << ' ' << row.what << ": ";
+    out << "  " << inps_counted(finding.count, row.noun) << ' ' << row.what << ": ";
     for (std::size_t i = 0; i < finding.first.size(); ++i)
       out << (i ? ", " : "") << finding.first[i];
     out << (static_cast<std::size_t>(finding.count) > finding.first.size() ? ", …\n" : "\n");

@@ -13,6 +13,8 @@ struct inps_MeshQuality {
     int64_t count = 0;
     cow_List<cow_String> first;
   };
+  Finding negativeVolumes; // elements turned inside out
+  Finding zeroVolumes;
   Finding freeNodes;      // that no element has
   Finding duplicateNodes; // "12 at 7": that stand where another one stands
 };

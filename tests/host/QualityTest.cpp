@@ -25,6 +25,34 @@ TEST_F(Quality, FreeNodesAreNamedByTheirLabels) {
             cow_String::npos);
 }
 
+// Each with the nodes of one brick (5 to 8 above 1 to 4): how many have a negative volume, or none.
+TEST_F(Quality, Volumes) {
+  struct Case {
+    const char* elements;
+    int negative;
+    int zero;
+  };
+  constexpr Case cases[] = {
+      {"*ELEMENT, TYPE=C3D8\n2, 5, 6, 7, 8, 1, 2, 3, 4\n", 1, 0},
+      {"*ELEMENT, TYPE=C3D8\n2, 1, 2, 3, 4, 1, 2, 3, 4\n", 0, 1},
+      {"*ELEMENT, TYPE=C3D6\n2, 1, 2, 3, 5, 6, 7\n3, 1, 3, 2, 5, 7, 6\n", 1, 0},
+      {"*ELEMENT, TYPE=C3D4\n2, 1, 2, 3, 5\n3, 1, 3, 2, 5\n4, 1, 2, 3, 4\n", 1, 1},
+      {"*ELEMENT, TYPE=CPS4\n2, 1, 2, 3, 4\n3, 4, 3, 2, 1\n", 1, 0}, // lies in the x-y plane
+      {"*ELEMENT, TYPE=S4\n2, 1, 2, 3, 4\n3, 4, 3, 2, 1\n4, 1, 2, 2, 1\n", 0, 1},
+      {"*ELEMENT, TYPE=T3D2\n2, 1, 2\n3, 1, 1\n", 0, 1},
+      {"*ELEMENT, TYPE=COH3D8\n2, 1, 2, 3, 4, 1, 2, 3, 4\n", 0, 0}, // may be without thickness
+      {"*ELEMENT, TYPE=CONN3D2\n2, 1, 1\n", 0, 0},
+  };
+  for (const Case& c : cases) {
+    const json quality = Of(cow_String(oneBrick) + c.elements);
+    EXPECT_EQ(quality["negativeVolumes"]["count"], c.negative) << c.elements << quality;
+    EXPECT_EQ(quality["zeroVolumes"]["count"], c.zero) << c.elements << quality;
+  }
+  Of(cow_String(oneBrick) + cases[0].elements);
+  EXPECT_NE(ProgramRun({"info", File("m.sim")}).out.find("1 element with a negative volume: 2\n"),
+            cow_String::npos);
+}
+
 TEST_F(Quality, NodesInOnePlace) {
   // The brick is 1 wide: 1e-10 of it is one place, 1e-9 is another.
   const json found =
