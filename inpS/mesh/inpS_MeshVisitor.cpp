@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_MeshVisitor.h"
+#include "base/utl_Assert.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjMesh.h"
 #include "database/KvoObjModel.h"
@@ -209,11 +210,18 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
   const KvoObjMesh mesh = m_inventory.GetDocument().GetMesh();
   inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements, mesh);
   cow_List<int> refused;
-  inpS_NodeGeneration(known, scope, m_setReader, m_inventory.NumberSpatialDimensions() == 3, *this,
-                      [&](const inpS_NodePiece& nodes, inpS_SetDefinition* set) {
-                        TakeNodes(scope, nodes, set, refused);
-                      })
-      .Read(keyword);
+  inpS_NodeGeneration generation(known, scope, m_setReader,
+                                 m_inventory.NumberSpatialDimensions() == 3, *this,
+                                 [&](const inpS_NodePiece& nodes, inpS_SetDefinition* set) {
+                                   TakeNodes(scope, nodes, set, refused);
+                                 });
+  try {
+    generation.Read(keyword);
+  } catch (const utl_Assertion& fault) {
+    Error(keyword, "The conversion ends at this keyword: " + cow_String(fault.what()));
+    Report(); // the walk does not come to its end
+    throw;
+  }
   ReportRefused(keyword, refused);
 }
 
