@@ -12,7 +12,7 @@ from vtkmodules.vtkIOXML import vtkXMLMultiBlockDataReader, vtkXMLUnstructuredGr
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
-from shapes import BEAM, SHAPES, shape_deck  # noqa: E402
+from shapes import BEAM, BOX, PYRAMID, SHAPES, TET, WEDGE, shape_deck  # noqa: E402
 
 PROGRAM = ""
 TURNED = """*PART, NAME=BLOCK
@@ -269,6 +269,48 @@ class Exports(unittest.TestCase):
         self.assertIn("notes.txt", self.run_inps(*words, "--force", code=3))
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()),
                          ["m", "m.inp", "m.sim", "m.vtm", "m.vtu"])
+
+    def test_surfaces_of_every_shape(self):
+        """All faces of a solid enclose its volume from outside; sides of shells look up and down;
+        edges go around."""
+        deck, _ = shape_deck(SHAPES)
+        solids, shells = [], []
+        for number, (kind, corners, *_, size) in enumerate(SHAPES, 1):
+            name = f"{kind}-{number}"
+            if corners in (TET, PYRAMID, WEDGE, BOX) and not kind.startswith("CIN"):
+                solids.append((name, size))
+                deck += f"*SURFACE, NAME={name}\n{1000 + number},\n"
+            if kind in ("S3", "STRI65", "S4", "S8R", "M3D9"):
+                shells.append((name, size, 5 + 13 ** 0.5 if len(corners) == 3 else 10))
+                edges = "".join(f"{1000 + number}, E{e + 1}\n" for e in range(len(corners)))
+                if kind != "M3D9":
+                    deck += f"*SURFACE, NAME={name}E\n{edges}"
+                deck += (f"*SURFACE, NAME={name}P\n{1000 + number}, SPOS\n"
+                         f"*SURFACE, NAME={name}N\n{1000 + number}, SNEG\n")
+        deck += "*SURFACE, TYPE=NODE, NAME=NODES\n1,\n3,\n"
+        self.export(deck, "--surfaces")
+        found = {name.removeprefix("Surfaces/"): block for name, block in self.blocks().items()}
+        self.assertEqual((len(solids), len(shells)), (17, 5))
+
+        def cells(name):  # one after the other: VTK uses the same object for each
+            return (found[name].GetCell(i) for i in range(found[name].GetNumberOfCells()))
+
+        for name, size in solids:
+            with self.subTest(surface=name):
+                faces = [corners_of_face(cell) for cell in cells(name)]
+                volume = sum(dot(polygon_vector(face), face[0]) for face in faces) / 3
+                self.assertAlmostEqual(volume, size)
+                for cell in cells(name):
+                    self.check_middles(cell, name)
+        for name, size, around in shells:
+            with self.subTest(surface=name):
+                self.assertAlmostEqual(sum(measure(cell) for cell in cells(name + "P")), size)
+                self.assertAlmostEqual(sum(measure(cell) for cell in cells(name + "N")), -size)
+                for cell in cells(name + "N"):
+                    self.check_middles(cell, name)
+                if name + "E" in found:
+                    self.assertAlmostEqual(sum(measure(cell) for cell in cells(name + "E")), around)
+        self.assertEqual(values(found["NODES"].GetPointData(), "NodeLabel"), [1, 3])
 
     def test_empty_and_nodes_only(self):
         grid = self.export("*HEADING\nnothing\n", "--sets")
