@@ -100,6 +100,24 @@ void KvoObjSurface::SetNodes(const KvoSimCSetID& nodes) {
   m_position.DataRecord().SetSet(eds_Surface_Nodes, nodes);
 }
 
+bool KvoObjSurface::HasNodalAreas() const {
+  return !m_position.DataRecord().GetReference(eds_Surface_NodalAreas).IsNull();
+}
+
+KvoSurfaceNodalAreas KvoObjSurface::NodalAreas() const {
+  const KvoSimPosition drawer = m_position.DataRecord().GetReference(eds_Surface_NodalAreas);
+  if (drawer.IsNull()) return {};
+  const KvoSimPosition areas = drawer.DataRecord().GetReference(eds_Drawer_Array);
+  return {drawer.DataRecord().GetSet(eds_Drawer_Over).Set(), {areas.Store(), areas.ID()}};
+}
+
+void KvoObjSurface::SetNodalAreas(KvoSimDistribution all, const KvoSimCSetID& nodes,
+                                  const eds_ArrayID& areas) {
+  const int64_t drawer = all.AddDrawer(nodes, areas);
+  m_position.DataRecord().SetReference(eds_Surface_NodalAreas,
+                                       {all.Store(), {eds_RecordKind::Drawer, drawer}});
+}
+
 // ---- what the deck says
 
 cow_List<KvoSurfacePiece> KvoObjSurface::Pieces() const {

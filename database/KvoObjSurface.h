@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/KvoSimCSet.h"
+#include "database/KvoSimDistribution.h"
 #include "database/KvoSimPosition.h"
 #include "database/eds_Array.h"
 #include "database/eds_MemberSet.h"
@@ -39,6 +40,12 @@ inline constexpr int eds_surfaceFaceCount = 18;
 struct KvoSurfaceFaces {
   eds_SurfaceFace face = eds_SurfaceFace::Whole;
   eds_MemberSet elements;
+};
+
+// The area of a surface as its nodes share it.
+struct KvoSurfaceNodalAreas {
+  eds_MemberSet nodes; // ordinals as above, ascending
+  eds_ArrayID areas;   // a double for each node
 };
 
 // What data lines of a surface say, as far as it matters for writing them back.
@@ -82,6 +89,11 @@ public:
   void AddFaces(eds_SurfaceFace face, const KvoSimCSetID& elements);
   eds_MemberSet Nodes() const;
   void SetNodes(const KvoSimCSetID& nodes);
+
+  // Of an element surface its area as its nodes share it: a drawer of a distribution over nodes.
+  bool HasNodalAreas() const;
+  KvoSurfaceNodalAreas NodalAreas() const; // empty when it has none
+  void SetNodalAreas(KvoSimDistribution all, const KvoSimCSetID& nodes, const eds_ArrayID& areas);
 
   cow_List<KvoSurfacePiece> Pieces() const;
   void AddPiece(const KvoSurfacePiece& piece);

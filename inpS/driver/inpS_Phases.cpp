@@ -32,6 +32,7 @@
 #include "inpS/properties/inpS_OrientationVisitor.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 #include "inpS/properties/inpS_SectionVisitor.h"
+#include "inpS/sets/inpS_SurfaceNodalAreas.h"
 #include "inpS/sets/inpS_SurfaceVisitor.h"
 
 using Driver = inpS_Inp2Sim;
@@ -295,7 +296,17 @@ bool Driver::ProcessCosimulation(Labelers& labelers) {
 
 bool Driver::ProcessSurfaceNodalAreas() {
   m_surfaceVisitor.reset();
+  SaveSurfaceNodalAreas();
   return true;
+}
+
+// Of the surfaces that have none yet.
+void Driver::SaveSurfaceNodalAreas() {
+  const KvoObjMesh mesh = m_document.GetMesh();
+  if (mesh.IsNull() || m_document.Context().GetRecords(eds_RecordKind::Surface).empty()) return;
+  KvoSimTransaction transaction(m_document.ContextID());
+  inpS_SurfaceNodalAreas(mesh).Save();
+  transaction.Commit();
 }
 
 // ---- restart
@@ -316,7 +327,9 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
   transaction.Commit();
   good = Run<inpS_UserNodeVisitor>(labelers) && good;
   labelers.hasSurfaces = true;
-  return Run<inpS_SurfaceVisitor>(labelers) && good;
+  good = Run<inpS_SurfaceVisitor>(labelers) && good;
+  SaveSurfaceNodalAreas();
+  return good;
 }
 
 bool Driver::ProcessSubstructureOutput(Labelers& labelers) {
