@@ -103,7 +103,7 @@ bool inpS_GeneratingReader::ReadNodes(long long row, int col, inpS_KnownNodes::S
   if (!nodes.leftOut) return true;
   return Fails(row, col,
                "Set \"" + name +
-                   "\" names nodes of instances or of elements, which "
+                   "\" names nodes of instances, which "
                    "cannot be used to generate nodes; line ignored.");
 }
 

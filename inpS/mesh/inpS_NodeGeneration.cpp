@@ -83,7 +83,7 @@ bool inpS_NodeGeneration::FindSet(const inp_Keyword& keyword, const char* parame
   m_messages.AddError(inp_Utils::MessageAtParameter(
       keyword, parameter,
       "Set \"" + name->AsString() +
-          "\" names nodes of instances or of elements, which cannot be used to generate nodes."));
+          "\" names nodes of instances, which cannot be used to generate nodes."));
   return false;
 }
 

@@ -3,10 +3,37 @@
 #include "database/KvoObjLabeler.h"
 #include <algorithm>
 
+namespace {
+
+// A set of the nodes of elements, which a generator of nodes may ask for.
+bool isSetOfElements(const inp_Keyword& keyword) {
+  if (keyword.Kind() != inp_KwNset && keyword.Kind() != inp_KwAssemblyNset) return false;
+  const cow_List<inp_Parameter>& parameters = keyword.Parameters();
+  return std::any_of(parameters.begin(), parameters.end(),
+                     [](const inp_Parameter& parameter) { return parameter.name == "elset"; });
+}
+
+bool looksBack(inp_KeywordEnm kind, bool setsOfElements) {
+  switch (kind) {
+  case inp_KwElgen:
+  case inp_KwElcopy:
+    return true;
+  case inp_KwNgen:
+  case inp_KwNfill:
+  case inp_KwNcopy:
+  case inp_KwNmap:
+    return setsOfElements;
+  default:
+    return false;
+  }
+}
+
+} // namespace
+
 inpS_CopyScopes::inpS_CopyScopes(const inp_KeywordList& keywords) {
+  const bool setsOfElements = std::any_of(keywords.begin(), keywords.end(), isSetOfElements);
   for (const inp_Keyword& keyword : keywords) {
-    const bool copies = keyword.Kind() == inp_KwElgen || keyword.Kind() == inp_KwElcopy;
-    if (!copies || keyword.IsInstanceCopy()) continue;
+    if (!looksBack(keyword.Kind(), setsOfElements) || keyword.IsInstanceCopy()) continue;
     const inp_Scope& scope = keyword.Scope();
     switch (scope.kind) {
     case inp_Scope::Kind::Part:

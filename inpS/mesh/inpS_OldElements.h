@@ -6,7 +6,8 @@
 class KvoObjLabeler;
 
 // Owners whose elements are looked at again while the deck is read, because *ELGEN or *ELCOPY makes
-// others from them: those keep their elements as labels until then.
+// others from them or nodes are generated from theirs: those keep their elements as labels until
+// then.
 class inpS_CopyScopes {
 public:
   inpS_CopyScopes() = default;

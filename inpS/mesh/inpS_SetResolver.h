@@ -18,7 +18,8 @@ public:
   const eds_MemberSet& Members(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
 
   // While the deck is still read: ordinals of the owner, by what is known so far. What belongs to
-  // instances and the nodes of elements cannot be told yet; such entries are left out.
+  // instances cannot be told yet; such entries are left out. The elements of owners whose sets name
+  // the nodes of elements are to be held as labels.
   void SetUnderway() { m_underway = true; }
   bool HasLeftOut() const { return m_leftOut; }
 
@@ -56,6 +57,8 @@ private:
                 Gathered& gathered) const;
   void AddNodesOf(const inpS_MeshScope& scope, const eds_MemberSet& elements, long long offset,
                   Gathered& gathered) const;
+  void AddNodesKnown(const inpS_MeshScope& scope, const eds_MemberSet& elements,
+                     Gathered& gathered);
   void ReportMissing(const inpS_SetDefinition& set, Gathered& gathered);
   void ReportEntry(const inpS_SetDefinition& set, const inpS_SetEntry& entry, cow_String text);
 
