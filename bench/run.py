@@ -69,6 +69,7 @@ class Bench:
         self.inps = binaries / "inps"
         self.limit = binaries / "limit_program"
         self.generator = binaries / "mesh_generator"
+        self.surface_times = binaries / "surface_times"
         self.folder = folder
         self.rounds = rounds
         self.rows = []
@@ -127,6 +128,17 @@ class Bench:
         out.unlink()
         return raw, plain, inps
 
+    def surfaces(self, processors):
+        """Free faces and nodal areas of the model that convert left: best times, face counts and
+        the greatest memory."""
+        times, peak = {}, 0
+        for _ in range(self.rounds):
+            run = Run([self.surface_times, self.folder / "model.sim"], processors)
+            for what, value in json.loads(run.output).items():
+                times[what] = min(times.get(what, value), value)
+            peak = max(peak, run.peak)
+        return times, peak
+
     def row(self, what, measured, wanted):
         self.rows.append((what, measured, wanted))
         say(f"  {what}: {measured}" + (f" (wanted: {wanted})" if wanted else ""))
@@ -166,7 +178,7 @@ def memory(best, nodes, elements):
 
 def measure_bricks(bench, sizes, processor_sets):
     # Starting a process and syncing a file cost the same for any deck: linear is what comes on top.
-    per_node, start = {}, {}
+    per_node, start, surfaces = {}, {}, {}
     deck = bench.deck("bricks", 1)
     for processors in processor_sets:
         _, inps = bench.convert(deck, processors)
@@ -184,6 +196,7 @@ def measure_bricks(bench, sizes, processor_sets):
             once, once_back = start[len(processors)]
             per_node.setdefault(len(processors), {})[size] = (
                 (inps.seconds - once) / nodes, (back.seconds - once_back) / nodes)
+        surfaces[size] = bench.surfaces(processor_sets[-1])
         bench.row(f"{name}, convert, peak memory", memory(inps, nodes, elements), "1.00 of it")
         bench.row(f"{name}, write, peak memory", memory(back, nodes, elements), "1.00 of it")
     least, most = sizes[0], sizes[-1]
@@ -194,6 +207,25 @@ def measure_bricks(bench, sizes, processor_sets):
                       f"{threads_text(count)}",
                       f"{small * 1e9:.0f} ns to {large * 1e9:.0f} ns, "
                       f"{100 * (large / small - 1):+.0f} %", "within 15 %")
+    tell_surfaces(bench, surfaces, threads_text(len(processor_sets[-1])))
+
+
+def tell_surfaces(bench, surfaces, threads):
+    """By size, what Bench.surfaces gave. The searches of all sizes cost the same for an element."""
+    each = {}
+    for size, (times, peak) in surfaces.items():
+        if times["free"] != 6 * size ** 2:
+            raise Failed(f"{times['free']} free faces of {size}³ bricks")
+        each[size] = times["free_seconds"] / size ** 3
+        bench.row(f"{size}³ bricks, free faces, {threads}",
+                  f"{times['free_seconds']:.2f} s, {each[size] * 1e9:.0f} ns an element, "
+                  f"{peak / 1e6:.0f} MB",
+                  "3 s, 2000 MB" if size == 200 else "")
+        bench.row(f"{size}³ bricks, areas of as many faces by node, {threads}",
+                  f"{times['area_seconds'] / size ** 3 * 1e6:.2f} s for a million", "1 s")
+    small, *_, large = each.values()
+    bench.row(f"free faces, time an element, {min(each)}³ to {max(each)}³",
+              f"{100 * (large / small - 1):+.0f} %", "within 20 %")
 
 
 def measure_labels(bench, processors):

@@ -196,12 +196,13 @@ void inpS_SurfaceNodalAreas::MeasureFaces(const Group& group) {
   });
 }
 
-inpS_SurfaceNodalAreas::Areas inpS_SurfaceNodalAreas::Measure(const KvoObjSurface& surface) {
+inpS_SurfaceNodalAreas::Areas
+inpS_SurfaceNodalAreas::Measure(const KvoSimPosition& owner,
+                                const cow_List<KvoSurfaceFaces>& surface) {
   Areas areas;
   m_groups.clear();
   m_entries.Clear();
-  const KvoSimPosition owner = surface.Owner();
-  for (const KvoSurfaceFaces& faces : surface.Faces()) Gather(faces, m_elements.RunsOf(owner));
+  for (const KvoSurfaceFaces& faces : surface) Gather(faces, m_elements.RunsOf(owner));
   NumberNodes(areas);
   ReadCoordinates(NodesOf(owner), areas.nodes);
   m_shares.Resize(m_entries.Size());
@@ -234,9 +235,9 @@ void inpS_SurfaceNodalAreas::Save() {
        m_mesh.Position().Context().GetRecords(eds_RecordKind::Surface)) {
     KvoObjSurface surface(position);
     if (surface.Type() != eds_SurfaceType::Element || surface.HasNodalAreas()) continue;
-    Areas areas = Measure(surface);
-    if (areas.nodes.empty()) continue;
     const KvoSimPosition owner = surface.Owner();
+    Areas areas = Measure(owner, surface.Faces());
+    if (areas.nodes.empty()) continue;
     eds_ArrayWriter array(position, eds_ValueType::Double, 1);
     array.Append(std::span<const double>(areas.areas));
     const KvoSimCSet nodes =

@@ -26,7 +26,7 @@ public:
     std::vector<int32_t> nodes; // ascending, as the surface's owner counts them
     std::vector<double> areas;
   };
-  Areas Measure(const KvoObjSurface& surface);
+  Areas Measure(const KvoSimPosition& owner, const cow_List<KvoSurfaceFaces>& surface);
 
   // Measures every element-based surface that has no areas yet and writes them: the part's or the
   // mesh's distribution gets a drawer for each surface. Inside the caller's transaction.
