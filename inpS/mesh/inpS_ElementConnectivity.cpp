@@ -216,7 +216,9 @@ void inpS_ElementConnectivity::ReportOpen(const inpS_ElementBlock& block,
     }
     const auto report = [&](int node, cow_String text) {
       const inp_Keyword& keyword = block.from[n].keyword;
-      const auto at = inpS_ElementSearch(keyword, block.from[n].form).OfNode(node);
+      const inpS_ElementSearch search(keyword, block.from[n].form);
+      auto at = search.OfNode(node);
+      if (at.row < 0 && node == -1) at = search.OfNode(0); // held apart from nodes not there
       messages.AddError(inp_Utils::MessageAtField(keyword, at.row, at.col, std::move(text)));
     };
     if (!unknown.empty())

@@ -38,6 +38,10 @@ void inpS_ElementTopologyReader::TakeRegular(inp_ElementRows& rows) {
                        m_width <= m_type.MaxNodesPerElement() + m_extra;
   for (std::size_t n = 0; !allGood && n < m_labels.Size(); ++n)
     m_faulty.Count(m_labels[n], m_ragged ? rows.counts[n] : m_width, m_type, m_extra);
+  if (std::find(m_nodes.begin(), m_nodes.end(), 0) == m_nodes.end()) return;
+  for (std::size_t n = 0; n < m_labels.Size(); ++n)
+    MarkZeros(m_nodes.Data() + n * static_cast<std::size_t>(m_width),
+              m_ragged ? rows.counts[n] : m_width);
 }
 
 // Some lines could not be read by the bulk road (a text, a blank field, a label out of range):
@@ -79,6 +83,11 @@ void inpS_ElementTopologyReader::Rebuild(const inp_Keyword& keyword, const inp_E
   }
 }
 
+// A zero stands for a node that is not there: one that the deck gives must be told from it.
+void inpS_ElementTopologyReader::MarkZeros(int* nodes, int count) const {
+  if (!m_type.IsConnectorElement()) std::replace(nodes, nodes + count, 0, -1);
+}
+
 void inpS_ElementTopologyReader::Add(int label, const int* nodes, int count) {
   m_faulty.Count(label, count, m_type, m_extra);
   if (count < m_width) m_ragged = true;
@@ -86,6 +95,7 @@ void inpS_ElementTopologyReader::Add(int label, const int* nodes, int count) {
   const std::size_t first = m_nodes.Size();
   m_nodes.Resize(first + static_cast<std::size_t>(m_width));
   std::copy_n(nodes, count, m_nodes.Data() + first);
+  MarkZeros(m_nodes.Data() + first, count);
   std::fill(m_nodes.Data() + first + count, m_nodes.Data() + first + m_width, 0);
 }
 
