@@ -53,6 +53,7 @@ void inpS_SurfacePrinter::PrintPoints(const KvoObjSurface& surface) {
 void inpS_SurfacePrinter::PrintSegments(const KvoObjSurface& surface) {
   const cow_List<double> rows = surface.Segments();
   for (std::size_t at = 0; at + eds_segmentWidth <= rows.size(); at += eds_segmentWidth) {
+    if (!(rows[at] >= 0 && rows[at] < static_cast<double>(inpS_segmentRows().size()))) continue;
     const inpS_SegmentRow& kind = inpS_segmentRows()[static_cast<std::size_t>(rows[at])];
     m_out << kind.word << ", ";
     inpS_printArray(m_out, rows.data() + at + 1, kind.numbers);
@@ -93,12 +94,13 @@ void inpS_SurfacePrinter::PrintListed(const inpS_DeckScope& scope, const KvoSurf
   cow_String prefix;
   int occurrence = own;
   // The labels of a part are by its own ordinals; else one occurrence follows the other.
-  long long low = 0, high = scope.isPart ? labeler.Size(own) : 0;
+  long long low = 0, high = scope.isPart && own >= 0 ? labeler.Size(own) : 0;
   for (long long n = 0; n < members.Size(); ++n) {
     const int member = members[n];
     if (member < low || member >= high) {
       int64_t local = 0;
-      occurrence = labeler.OccurrenceOfFlat(member, local);
+      occurrence = scope.isPart ? -1 : labeler.OccurrenceOfFlat(member, local);
+      if (occurrence < 0) continue; // a damaged model's
       low = member - local;
       high = low + labeler.Size(occurrence);
       prefix =
