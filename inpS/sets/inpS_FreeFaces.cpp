@@ -74,11 +74,12 @@ public:
   std::span<const int32_t> Of(const Selected& selected) {
     const int64_t array = selected.run->block->connectivity.id;
     if (selected.isWhole)
-      if (const auto known = m_shared.find(array); known != m_shared.end()) return *known->second;
+      if (const auto known = m_shared.find(array); known != m_shared.end())
+        return {known->second->Data(), known->second->Size()};
     utl_Buffer<int32_t>& corners = m_all.emplace_back();
     Read(selected, corners);
     if (selected.isWhole) m_shared[array] = &corners;
-    return corners;
+    return {corners.Data(), corners.Size()};
   }
 
 private:
