@@ -413,17 +413,19 @@ void inpS_MeshVisitor::CompleteParts(inp_KeywordListRef keywords) {
   for (inpS_MeshScope& scope : m_scopes.All()) {
     if (scope.kind != inpS_MeshScope::Kind::Part) continue;
     scope.nodes.Finish();
-    inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
+    inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
   }
 }
 
 void inpS_MeshVisitor::Finish() {
   const cow_List<cow_String> types = TypeNames();
-  for (inpS_MeshScope& scope : m_scopes.All()) {
-    if (scope.kind == inpS_MeshScope::Kind::Part) continue;
+  const auto complete = [&](inpS_MeshScope& scope) {
     scope.nodes.Finish();
-    inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
-  }
+    inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
+  };
+  for (inpS_MeshScope& scope : m_scopes.All())
+    if (scope.kind == inpS_MeshScope::Kind::Instance) complete(scope);
+  complete(m_scopes.Root());
   m_scopes.AssignFlatOrdinals(m_storedNodes, m_storedElements);
   for (inpS_MeshScope& scope : m_scopes.All())
     scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
