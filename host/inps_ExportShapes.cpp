@@ -6,7 +6,10 @@
 
 namespace {
 
-constexpr std::size_t shapeCount = static_cast<std::size_t>(inp_ShapeKind::InfHex18) + 1;
+constexpr std::size_t shapeCount = 1 // that without topology
+#define INP_SHAPE(...) +1
+#include "parser/inp_shapes.def"
+    ;
 
 constexpr uint8_t quadraticLinearQuad = 30;
 
