@@ -217,10 +217,9 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
                                  });
   try {
     generation.Read(keyword);
-  } catch (const utl_Assertion& fault) {
-    Error(keyword, "The conversion ends at this keyword: " + cow_String(fault.what()));
-    Report(); // the walk does not come to its end
-    throw;
+  } catch (const utl_Assertion& fault) { // the deck's other faults are told all the same
+    Error(keyword, "The keyword cannot be carried out; it ends where this does not hold: " +
+                       cow_String(fault.what()));
   }
   ReportRefused(keyword, refused);
 }

@@ -61,6 +61,21 @@ void inpS_NodeGeneration::Refuse(const inp_Keyword& keyword, const char* paramet
       keyword, parameter, inpS_messageText(inpS_app_InvalidParameterValue, {parameter})));
 }
 
+// Whether a value is one of the words that the readers know; else it is reported with them.
+bool inpS_NodeGeneration::Takes(const inp_Keyword& keyword, const char* parameter,
+                                const cow_String& value, std::initializer_list<const char*> words) {
+  cow_String known;
+  for (const char* word : words) {
+    if (value == word) return true;
+    known += (known.empty() ? "" : ", ") + cow_String(word);
+  }
+  m_messages.AddError(
+      inp_Utils::MessageAtParameter(keyword, parameter,
+                                    inpS_messageText(inpS_app_InvalidParameterValue, {parameter}) +
+                                        " It is one of " + known + "; the keyword is ignored."));
+  return false;
+}
+
 inpS_NodeSink inpS_NodeGeneration::SinkTo(inpS_SetDefinition* set) const {
   return [this, set](const inpS_NodePiece& nodes) { m_sink(nodes, set); };
 }
@@ -88,6 +103,7 @@ bool inpS_NodeGeneration::FindSet(const inp_Keyword& keyword, const char* parame
 }
 
 void inpS_NodeGeneration::Ngen(const inp_Keyword& keyword) {
+  if (!Takes(keyword, "line", keyword.StringOf("line", "RC"), {"RC", "C", "P"})) return;
   inpS_SetDefinition* set = m_sets.Open(keyword, m_scope, inpS_SetKind::Nodes, "nset");
   inpS_NgenReader reader(keyword.StringOf("line", "RC"), m_threeDimensional, m_scope.system,
                          m_known, m_messages);
@@ -120,6 +136,12 @@ void inpS_NodeGeneration::Ncopy(const inp_Keyword& keyword) {
   options.shift = keyword.HasParameter("shift");
   options.pole = keyword.HasParameter("pole");
   options.reflect = keyword.StringOf("reflect", "");
+  if (!options.shift && !options.pole) {
+    if (!keyword.HasParameter("reflect"))
+      return m_messages.AddError(inp_Utils::MessageInKeyword(
+          keyword, "*NCOPY needs one of SHIFT, POLE and REFLECT; the keyword is ignored."));
+    if (!Takes(keyword, "reflect", options.reflect, {"LINE", "MIRROR", "POINT"})) return;
+  }
   const inp_Item* changeNumber = keyword.Find("changenumber");
   const inp_Item* multiple = keyword.Find("multiple");
   const inp_Item* newSet = m_sets.FindName(keyword, "newset");
@@ -151,6 +173,14 @@ void inpS_NodeGeneration::Nmap(const inp_Keyword& keyword) {
   if (!type)
     return m_messages.AddError(inp_Utils::MessageInKeyword(
         keyword, inpS_messageText(inpS_app_RequiredParameter, {"type"})));
+  if (type->AsString() == "BLENDED")
+    return m_messages.AddError(inp_Utils::MessageAtParameter(
+        keyword, "type", "*NMAP, TYPE=BLENDED is not provided; the nodes stay where they are."));
+  if (!Takes(keyword, "type", type->AsString(),
+             {"RECTANGULAR", "CYLINDRICAL", "SPHERICAL", "TOROIDAL", "DIAMOND", "TRANSLATION",
+              "ROTATION", "SCALE"}) ||
+      !Takes(keyword, "definition", definition, {"COORDINATES", "NODES"}))
+    return;
   inpS_NmapReader reader(type->AsString(), std::move(definition), std::move(nodes), m_known,
                          m_messages);
   reader.Read(keyword, SinkTo(nullptr));

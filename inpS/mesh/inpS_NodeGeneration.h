@@ -3,6 +3,7 @@
 #include "inpS/mesh/inpS_KnownNodes.h"
 #include "inpS/mesh/inpS_MeshSetReader.h"
 #include "inpS/mesh/inpS_NodeGenerator.h"
+#include <initializer_list>
 #include <set>
 
 // Owners whose nodes are looked at again while the deck is read, because generators make others
@@ -39,6 +40,8 @@ private:
   void Ncopy(const inp_Keyword& keyword);
   void Nmap(const inp_Keyword& keyword);
   bool FindSet(const inp_Keyword& keyword, const char* parameter, inpS_KnownNodes::Set& set);
+  bool Takes(const inp_Keyword& keyword, const char* parameter, const cow_String& value,
+             std::initializer_list<const char*> words);
   void Refuse(const inp_Keyword& keyword, const char* parameter);
   inpS_NodeSink SinkTo(inpS_SetDefinition* set) const;
 
