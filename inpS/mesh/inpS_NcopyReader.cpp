@@ -12,16 +12,12 @@ void inpS_NcopyReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sin
   const long long count = m_oldSet.ordinals.Size();
   cow_List<inpS_NodeValues> old;
   if (MayFallOnOld()) Gather(m_oldSet, old);
-  inpS_AffineMap map = m_map;
-  for (long long copy = 1; copy <= m_options.multiple; ++copy) {
-    for (long long n = 0; n < count; ++n) {
-      const long long ordinal = m_oldSet.ordinals[n];
-      inpS_NodeValues node = old.empty() ? ValuesOf(ordinal) : old[static_cast<std::size_t>(n)];
-      map.Apply(node.value);
-      if (node.hasNormal) map.ApplyToVector(node.value + 3);
-      Emit(Known().LabelOf(ordinal) + copy * m_options.changeNumber, node);
-    }
-    map.Follow(m_map);
+  for (long long n = 0; n < count; ++n) {
+    const long long ordinal = m_oldSet.ordinals[n];
+    inpS_NodeValues node = old.empty() ? ValuesOf(ordinal) : old[static_cast<std::size_t>(n)];
+    m_map.Apply(node.value);
+    if (node.hasNormal) m_map.ApplyToVector(node.value + 3);
+    Emit(Known().LabelOf(ordinal) + m_options.changeNumber, node);
   }
   Flush();
 }
@@ -45,14 +41,11 @@ bool inpS_NcopyReader::ReadMap() {
 
 bool inpS_NcopyReader::LabelsFit() {
   for (long long n = 0; n < m_oldSet.ordinals.Size(); ++n) {
-    const long long label = Known().LabelOf(m_oldSet.ordinals[n]);
-    for (const long long copy : {1LL, m_options.multiple}) {
-      const long long made = label + copy * m_options.changeNumber;
-      if (IsLabel(made)) continue;
-      Messages().AddError(
-          inp_Utils::MessageInKeyword(Keyword(), InvalidLabel(made) + "; no nodes are copied."));
-      return false;
-    }
+    const long long made = Known().LabelOf(m_oldSet.ordinals[n]) + m_options.changeNumber;
+    if (IsLabel(made)) continue;
+    Messages().AddError(
+        inp_Utils::MessageInKeyword(Keyword(), InvalidLabel(made) + "; no nodes are copied."));
+    return false;
   }
   return true;
 }
@@ -73,6 +66,7 @@ bool inpS_NcopyReader::ReadShift() {
   if (!ReadPoint(1, 0, a) || !ReadPoint(1, 3, b) || !ReadReal(1, 6, 0.0, angle)) return false;
   inpS_AffineMap rotation;
   if (angle == 0) return true;
+  angle *= static_cast<double>(m_options.multiple);
   if (!rotation.SetRotation(a, b, angle)) return Fails(1, "The two points of the axis coincide.");
   rotation.Follow(m_map);
   m_map = rotation;

@@ -7,11 +7,10 @@
 // global coordinates. Normals turn with the copy.
 //
 // SHIFT        first line the translation, second line two points and an angle in degrees: a
-//              rotation about the line through them, behind the translation. Each of MULTIPLE
-//              copies is made from the one before.
+//              rotation about the line through them, behind the translation. MULTIPLE tells how
+//              often that rotation is applied; there is one copy all the same.
 // POLE         the pole's label, or none and its coordinates: the old node lies half way between
-// the
-//              pole and the new one, x' = x + (x - pole).
+//              the pole and the new one, x' = x + (x - pole).
 // REFLECT      LINE: two points of a line, x' = a + 2 u (u . (x - a)) - (x - a), u along the line;
 //              MIRROR: three points of a plane (the third on a second line), x' = x - 2 n (n . (x -
 //              a)), n its normal; POINT: one point, x' = 2 a - x.
