@@ -91,6 +91,16 @@ std::ptrdiff_t writeSome(std::intptr_t handle, const char* data, std::size_t siz
   return WriteFile(asHandle(handle), data, part, &done, nullptr) ? std::ptrdiff_t{done} : -1;
 }
 
+std::ptrdiff_t writeSomeAt(std::intptr_t handle, std::uint64_t offset, const char* data,
+                           std::size_t size) {
+  DWORD done = 0;
+  OVERLAPPED place{};
+  place.Offset = static_cast<DWORD>(offset);
+  place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+  const auto part = static_cast<DWORD>(std::min<std::size_t>(size, 1 << 30));
+  return WriteFile(asHandle(handle), data, part, &done, &place) ? std::ptrdiff_t{done} : -1;
+}
+
 bool closeFile(std::intptr_t handle) {
   return CloseHandle(asHandle(handle)) != 0;
 }
@@ -163,6 +173,14 @@ std::ptrdiff_t readSome(std::intptr_t handle, char* data, std::size_t size) {
 std::ptrdiff_t writeSome(std::intptr_t handle, const char* data, std::size_t size) {
   std::ptrdiff_t done;
   do done = write(asHandle(handle), data, size);
+  while (done < 0 && errno == EINTR);
+  return done;
+}
+
+std::ptrdiff_t writeSomeAt(std::intptr_t handle, std::uint64_t offset, const char* data,
+                           std::size_t size) {
+  std::ptrdiff_t done;
+  do done = pwrite(asHandle(handle), data, size, static_cast<off_t>(offset));
   while (done < 0 && errno == EINTR);
   return done;
 }
@@ -318,6 +336,17 @@ void utl_OutputFile::Write(const void* data, std::size_t size) {
     const std::ptrdiff_t done = writeSome(m_handle, p, size);
     if (done < 0) fail("cannot write", m_path);
     p += done;
+    size -= static_cast<std::size_t>(done);
+  }
+}
+
+void utl_OutputFile::WriteAt(std::uint64_t offset, const void* data, std::size_t size) {
+  const char* p = static_cast<const char*>(data);
+  while (size > 0) {
+    const std::ptrdiff_t done = writeSomeAt(m_handle, offset, p, size);
+    if (done < 0) fail("cannot write", m_path);
+    p += done;
+    offset += static_cast<std::uint64_t>(done);
     size -= static_cast<std::size_t>(done);
   }
 }

@@ -71,7 +71,9 @@ public:
   utl_OutputFile& operator=(utl_OutputFile&& other) noexcept;
 
   void Write(const void* data, std::size_t size); // all of it, or throws
-  void Sync();                                    // to the disk itself
+  // Replaces bytes written before. Nothing may be written behind the end after this.
+  void WriteAt(std::uint64_t offset, const void* data, std::size_t size);
+  void Sync(); // to the disk itself
   void Close();
   bool IsOpen() const { return m_handle != closedHandle; }
   const std::filesystem::path& Path() const { return m_path; }

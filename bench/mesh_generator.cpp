@@ -151,6 +151,40 @@ void writeBricks(DeckFile& deck, std::size_t n, Labels kind) {
         writeBrick(deck, elements[next++], side, i + side * (j + side * k), nodes);
 }
 
+// The cube again, of bricks of size 1, as a few lines make it: four edges between eight corners,
+// two sides between edges, all nodes between the sides; bricks from the first one.
+void writeGenerated(DeckFile& deck, std::size_t n) {
+  const std::size_t side = n + 1;
+  const std::size_t layer = side * side;
+  const auto node = [=](std::size_t i, std::size_t j, std::size_t k) {
+    return 1 + n * (i + side * j + layer * k);
+  };
+  deck.Text("*HEADING\nA cube of generated bricks\n*NODE\n");
+  for (std::size_t corner = 0; corner < 8; ++corner) {
+    const std::size_t at[] = {corner & 1, corner >> 1 & 1, corner >> 2};
+    deck.Integer(node(at[0], at[1], at[2]));
+    for (std::size_t place : at) deck.Text(", ").Real(static_cast<double>(n * place));
+    deck.Text("\n");
+  }
+  for (std::size_t k : {0, 1})
+    for (std::size_t j : {0, 1}) {
+      deck.Text("*NGEN, NSET=EDGE-").Integer(j).Integer(k).Text("\n");
+      deck.Integer(node(0, j, k)).Text(", ").Integer(node(1, j, k)).Text(", 1\n");
+    }
+  for (std::size_t k : {0, 1}) {
+    deck.Text("*NFILL, NSET=SIDE-").Integer(k).Text("\n");
+    deck.Text("EDGE-0").Integer(k).Text(", EDGE-1").Integer(k).Text(", ");
+    deck.Integer(n).Text(", ").Integer(side).Text("\n");
+  }
+  deck.Text("*NFILL\nSIDE-0, SIDE-1, ").Integer(n).Text(", ").Integer(layer);
+  deck.Text("\n*ELEMENT, TYPE=C3D8\n");
+  Random random;
+  writeBrick(deck, 1, side, 0, makeLabels(Labels::Order, layer + side + 2, random));
+  deck.Text("*ELGEN, ELSET=CUBE\n1, ").Integer(n).Text(", 1, 1, ");
+  deck.Integer(n).Text(", ").Integer(side).Text(", ").Integer(n).Text(", ");
+  deck.Integer(n).Text(", ").Integer(layer).Text(", ").Integer(n * n).Text("\n");
+}
+
 // ---- many copies of one small block: as instances of a part, and as one flat mesh ---------------
 
 constexpr std::size_t blockCells = 9; // 1000 nodes and 729 bricks
@@ -262,6 +296,7 @@ int run(int argc, char** argv) {
   const std::string_view labels = argc > 4 ? argv[4] : "order";
   if (size == 0) {
     std::fputs("mesh_generator bricks N DECK [order|shuffled|sparse]   N cubed bricks\n"
+               "mesh_generator generated N DECK       the same as a few lines that make it\n"
                "mesh_generator blocks COUNT DECK      blocks of 1000 nodes, one flat mesh\n"
                "mesh_generator instances COUNT DECK   the same as instances of a part\n"
                "mesh_generator keywords COUNT DECK    small keywords on a mesh of 8000 bricks\n",
@@ -274,6 +309,8 @@ int run(int argc, char** argv) {
                 labels == "shuffled" ? Labels::Shuffled
                 : labels == "sparse" ? Labels::Sparse
                                      : Labels::Order);
+  else if (kind == "generated")
+    writeGenerated(deck, size);
   else if (kind == "blocks")
     writeBlocks(deck, size);
   else if (kind == "instances")

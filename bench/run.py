@@ -8,7 +8,9 @@ import json
 import os
 import pathlib
 import platform
+import re
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -67,6 +69,7 @@ class Bench:
         self.inps = binaries / "inps"
         self.limit = binaries / "limit_program"
         self.generator = binaries / "mesh_generator"
+        self.surface_times = binaries / "surface_times"
         self.folder = folder
         self.rounds = rounds
         self.rows = []
@@ -110,9 +113,47 @@ class Bench:
         out.unlink(missing_ok=True)
         return limit, inps
 
+    def export(self, processors):
+        """The model that convert left as a VTK file: (bytes of its arrays, writing as many bytes
+        plainly, inps)."""
+        out, plain, inps = self.folder / "mesh.vtu", Best(), Best()
+        for _ in range(self.rounds):
+            out.unlink(missing_ok=True)
+            inps.add(Run([self.inps, "export", self.folder / "model.sim", out, "--quiet"],
+                         processors))
+            raw = array_bytes(out)
+            out.unlink()
+            plain.add(Run(["dd", "if=/dev/zero", f"of={out}", "bs=1M", f"count={raw >> 20}"],
+                          processors))
+        out.unlink()
+        return raw, plain, inps
+
+    def surfaces(self, processors):
+        """Free faces and nodal areas of the model that convert left: best times, face counts and
+        the greatest memory."""
+        times, peak = {}, 0
+        for _ in range(self.rounds):
+            run = Run([self.surface_times, self.folder / "model.sim"], processors)
+            for what, value in json.loads(run.output).items():
+                times[what] = min(times.get(what, value), value)
+            peak = max(peak, run.peak)
+        return times, peak
+
     def row(self, what, measured, wanted):
         self.rows.append((what, measured, wanted))
         say(f"  {what}: {measured}" + (f" (wanted: {wanted})" if wanted else ""))
+
+
+def array_bytes(path):
+    """Of all arrays of a VTK file with appended data, before their compression."""
+    content = path.read_bytes()
+    begin = content.index(b'<AppendedData')
+    begin = content.index(b'_', begin) + 1
+    total = 0
+    for offset in re.findall(rb'offset="(\d+)"', content[:begin]):
+        blocks, size, last = struct.unpack_from("<3Q", content, begin + int(offset))
+        total += blocks * size - (size - last if last else 0)
+    return total
 
 
 def say(text):
@@ -137,7 +178,7 @@ def memory(best, nodes, elements):
 
 def measure_bricks(bench, sizes, processor_sets):
     # Starting a process and syncing a file cost the same for any deck: linear is what comes on top.
-    per_node, start = {}, {}
+    per_node, start, surfaces = {}, {}, {}
     deck = bench.deck("bricks", 1)
     for processors in processor_sets:
         _, inps = bench.convert(deck, processors)
@@ -155,6 +196,7 @@ def measure_bricks(bench, sizes, processor_sets):
             once, once_back = start[len(processors)]
             per_node.setdefault(len(processors), {})[size] = (
                 (inps.seconds - once) / nodes, (back.seconds - once_back) / nodes)
+        surfaces[size] = bench.surfaces(processor_sets[-1])
         bench.row(f"{name}, convert, peak memory", memory(inps, nodes, elements), "1.00 of it")
         bench.row(f"{name}, write, peak memory", memory(back, nodes, elements), "1.00 of it")
     least, most = sizes[0], sizes[-1]
@@ -165,6 +207,25 @@ def measure_bricks(bench, sizes, processor_sets):
                       f"{threads_text(count)}",
                       f"{small * 1e9:.0f} ns to {large * 1e9:.0f} ns, "
                       f"{100 * (large / small - 1):+.0f} %", "within 15 %")
+    tell_surfaces(bench, surfaces, threads_text(len(processor_sets[-1])))
+
+
+def tell_surfaces(bench, surfaces, threads):
+    """By size, what Bench.surfaces gave. The searches of all sizes cost the same for an element."""
+    each = {}
+    for size, (times, peak) in surfaces.items():
+        if times["free"] != 6 * size ** 2:
+            raise Failed(f"{times['free']} free faces of {size}³ bricks")
+        each[size] = times["free_seconds"] / size ** 3
+        bench.row(f"{size}³ bricks, free faces, {threads}",
+                  f"{times['free_seconds']:.2f} s, {each[size] * 1e9:.0f} ns an element, "
+                  f"{peak / 1e6:.0f} MB",
+                  "3 s, 2000 MB" if size == 200 else "")
+        bench.row(f"{size}³ bricks, areas of as many faces by node, {threads}",
+                  f"{times['area_seconds'] / size ** 3 * 1e6:.2f} s for a million", "1 s")
+    small, *_, large = each.values()
+    bench.row(f"free faces, time an element, {min(each)}³ to {max(each)}³",
+              f"{100 * (large / small - 1):+.0f} %", "within 20 %")
 
 
 def measure_labels(bench, processors):
@@ -172,6 +233,15 @@ def measure_labels(bench, processors):
         limit, inps = bench.convert(bench.deck("bricks", 128, labels), processors,
                                     (129 ** 3, 128 ** 3))
         bench.row(f"128³ bricks, {labels} labels, convert", ratio(inps, limit), "2.5 times")
+
+
+def measure_export(bench, processor_sets):
+    bench.convert(bench.deck("bricks", 128), processor_sets[-1])
+    for processors in processor_sets:
+        raw, plain, inps = bench.export(processors)
+        bench.row(f"128³ bricks, export, {threads_text(len(processors))}",
+                  f"{raw / inps.seconds / 1e6:.0f} MB/s of {raw / 1e6:.0f} MB, written plainly "
+                  f"{raw / plain.seconds / 1e6:.0f} MB/s; {inps.peak / 1e6:.0f} MB of memory", "")
 
 
 def measure_keywords(bench, processors):
@@ -184,6 +254,16 @@ def measure_instances(bench, processors, copies):
     _, flat = bench.convert(bench.deck("blocks", copies), processors)
     _, inps = bench.convert(bench.deck("instances", copies), processors)
     bench.row(f"{copies} instances of 1000 nodes to the flat mesh", ratio(inps, flat), "1.5 times")
+
+
+def measure_generated(bench, processors, size):
+    """A mesh that a few lines make, to the same mesh written out."""
+    _, made = bench.convert(bench.deck("generated", size), processors)
+    listed = bench.folder / "deck.inp"
+    listed.unlink()
+    Run([bench.inps, "write", bench.folder / "model.sim", "-o", listed])
+    _, read = bench.convert(listed, processors)
+    bench.row(f"generate/convert ratio, {size}³ bricks", ratio(made, read), "1.5 times")
 
 
 def table(rows, quick):
@@ -226,8 +306,10 @@ def main():
         bench = Bench(words.bin, pathlib.Path(folder), words.rounds or (3 if words.quick else 5))
         measure_bricks(bench, (64, 128) if words.quick else (64, 128, 200), sets)
         measure_labels(bench, sets[-1])
+        measure_export(bench, sets)
         measure_keywords(bench, sets[-1])
         measure_instances(bench, sets[-1], 1000 if words.quick else 10_000)
+        measure_generated(bench, sets[-1], 128 if words.quick else 170)
     text = table(bench.rows, words.quick)
     print(json.dumps(bench.rows, ensure_ascii=False) if words.json else text)
     if words.record:

@@ -20,6 +20,19 @@ KvoSimCollection KvoObjMesh::GetElementCollection() const {
 void KvoObjMesh::SetElementCollection(const KvoSimCollection& collection) {
   m_position.SetPosition(eds_Member::ElementCollection, collection.Position());
 }
+KvoSimCollection KvoObjMesh::CollectionOf(const KvoSimPosition& owner, bool nodes) const {
+  if (!owner.IsA(eds_RecordKind::Part)) return nodes ? GetNodeCollection() : GetElementCollection();
+  const eds_CollectionKind kind = nodes ? eds_CollectionKind::Node : eds_CollectionKind::Element;
+  for (const KvoSimPosition& known : owner.GetVector(eds_Member::Collections))
+    if (known.AsCollection().Kind() == kind) return known.AsCollection();
+  const KvoSimDataRecord part = owner.DataRecord();
+  const KvoSimPosition created =
+      owner.CreateTypedCollection(kind, part.ReturnString(eds_Part_Name));
+  owner.Associate(eds_Member::Collections, created);
+  KvoSimCollection collection = created.AsCollection();
+  collection.ExtendSpace(part.GetInt64(nodes ? eds_Part_NodeCount : eds_Part_ElementCount));
+  return collection;
+}
 KvoSimDSet KvoObjMesh::GetConnectivity() const {
   return m_position.GetDSet(eds_Member::Connectivity);
 }

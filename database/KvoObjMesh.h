@@ -54,6 +54,9 @@ public:
   void SetNodeCollection(const KvoSimCollection& collection);
   KvoSimCollection GetElementCollection() const;
   void SetElementCollection(const KvoSimCollection& collection);
+  // The collection in which an owner's sets lie: a part's own one, made on first use, or the
+  // mesh's.
+  KvoSimCollection CollectionOf(const KvoSimPosition& owner, bool nodes) const;
   KvoSimDSet GetConnectivity() const;
   void SetConnectivity(const KvoSimDSet& dset);
   KvoSimDistribution GetCoordinates() const;

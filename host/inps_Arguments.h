@@ -14,6 +14,8 @@ enum class inps_Opt : unsigned char {
   Force,
   Strict,
   Restart,
+  Sets,
+  Surfaces,
   Timings,
   Json,
   Markdown,

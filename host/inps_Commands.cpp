@@ -15,6 +15,8 @@ constexpr inps_Option options[] = {
     {Opt::Strict, 0, "--strict", "", "exit with 4 when something was not modelled"},
     {Opt::Restart, 0, "--restart", "BASE.sim",
      "go on from this model; it stays as it is and a copy is changed"},
+    {Opt::Sets, 0, "--sets", "", "every set as a block of its own, listed in MESH.vtm"},
+    {Opt::Surfaces, 0, "--surfaces", "", "every surface as a block of its own, likewise"},
     {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
     {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
     {Opt::Markdown, 0, "--markdown", "", "as a table for documents"},
@@ -30,6 +32,10 @@ constexpr Text convertExamples[] = {
 constexpr Opt writeOptions[] = {Opt::Output, Opt::Force, Opt::Timings};
 constexpr Text writeExamples[] = {"inps write bracket.sim -o written.inp",
                                   "inps write bracket.sim | less"};
+constexpr Opt exportOptions[] = {Opt::Force,   Opt::Sets, Opt::Surfaces,
+                                 Opt::Timings, Opt::Json, Opt::Quiet};
+constexpr Text exportExamples[] = {"inps export bracket.sim bracket.vtu",
+                                   "inps export bracket.sim bracket.vtu --sets --surfaces --force"};
 constexpr Opt checkOptions[] = {Opt::Strict, Opt::Timings, Opt::Json, Opt::Quiet};
 constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check bracket.sim"};
 constexpr Opt infoOptions[] = {Opt::Json};
@@ -49,6 +55,13 @@ constexpr inps_Command commands[] = {
      convertOptions, convertExamples, inps_convert},
     {"write", "MODEL.sim", 1, 1, "write a keyword deck from a model",
      "Without -o the deck goes to standard output.", writeOptions, writeExamples, inps_write},
+    {"export", "MODEL.sim MESH.vtu", 2, 2, "the mesh as a VTK file to look at",
+     "An unstructured grid with instances in their places: labels of nodes and elements, element\n"
+     "types, instances and parts with their names, and the sets as arrays of 0 and 1. With --sets\n"
+     "or --surfaces, MESH.vtm lists the mesh and its blocks, which go into a folder MESH beside "
+     "it.\n"
+     "A deck is taken too.",
+     exportOptions, exportExamples, inps_export},
     {"check", "DECK|MODEL.sim", 1, 1, "report every problem, make no file",
      "A deck is converted in memory. Of a model, every checksum and reference is verified.",
      checkOptions, checkExamples, inps_check},

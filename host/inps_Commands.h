@@ -7,6 +7,7 @@ class inps_Arguments;
 // as exceptions.
 int inps_convert(inps_Session& session, const inps_Arguments& arguments);
 int inps_write(inps_Session& session, const inps_Arguments& arguments);
+int inps_export(inps_Session& session, const inps_Arguments& arguments);
 int inps_check(inps_Session& session, const inps_Arguments& arguments);
 int inps_info(inps_Session& session, const inps_Arguments& arguments);
 int inps_diff(inps_Session& session, const inps_Arguments& arguments);

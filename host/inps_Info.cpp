@@ -4,6 +4,7 @@
 #include "database/eds_ModelReader.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Json.h"
+#include "host/inps_MeshQuality.h"
 #include "host/inps_Session.h"
 #include "host/inps_Timings.h"
 #include <algorithm>
@@ -38,12 +39,13 @@ void printParts(aio_ostream& out, const char* title,
   if (parts.size() > mostListed) out << "  … and " << parts.size() - mostListed << " more\n";
 }
 
-void printInfo(aio_ostream& out, const inps_ModelSummary& summary) {
+void printInfo(aio_ostream& out, const inps_ModelSummary& summary, const KvoObjDocument& document) {
   if (!summary.heading.empty()) out << "heading: " << summary.heading << '\n';
   out << inps_summaryLine(summary) << '\n';
   out << "dimensions: " << summary.dimensions << '\n';
   printParts(out, "parts:", summary.parts);
   printParts(out, "instances:", summary.instances);
+  if (summary.nodes > 0) inps_printQuality(out, inps_assessMesh(document));
   printCounts(out, "kept as text:", summary.keptAsText, "*");
   printCounts(out, "records:", summary.records, "");
 }
@@ -65,6 +67,7 @@ int inps_info(inps_Session& session, const inps_Arguments& arguments) {
                    {"finished", document.IsFinished()}};
     for (const auto& [name, value] : meta) json["meta"][name] = value;
     json["summary"] = inps_jsonOf(summary);
+    json["quality"] = inps_jsonOf(inps_assessMesh(document));
     inps_printJson(session.out, json);
     return inps_ExitDone;
   }
@@ -73,6 +76,6 @@ int inps_info(inps_Session& session, const inps_Arguments& arguments) {
               << '\n';
   for (const auto& [name, value] : meta)
     if (name != "finished") session.out << name << ": " << value << '\n';
-  printInfo(session.out, summary);
+  printInfo(session.out, summary, document);
   return inps_ExitDone;
 }

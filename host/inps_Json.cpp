@@ -60,6 +60,7 @@ inps_Json inps_jsonOf(const inps_ModelSummary& summary) {
           {"elementTypes", countsOf(summary.elementTypes)},
           {"nodeSets", summary.nodeSets},
           {"elementSets", summary.elementSets},
+          {"surfaces", summary.surfaces},
           {"parts", partsOf(summary.parts, false)},
           {"instances", partsOf(summary.instances, true)},
           {"keptAsText", countsOf(summary.keptAsText)},

@@ -72,6 +72,8 @@ inps_ModelSummary inps_summarize(const KvoObjDocument& document) {
   for (const int64_t id : model.RecordIDs(Kind::ElementSet))
     summary.elementSets += !inps_boolOf(model, eds_ElementSet_Internal, id) &&
                            !inps_textOf(model, eds_ElementSet_Name, id).empty();
+  for (const int64_t id : model.RecordIDs(Kind::Surface))
+    summary.surfaces += !inps_boolOf(model, eds_Surface_Internal, id);
   Counter kept(summary.keptAsText);
   for (const int64_t id : model.RecordIDs(Kind::VerbatimKeyword))
     kept.Add(inps_textOf(model, eds_VerbatimKeyword_Keyword, id), 1);
@@ -89,6 +91,7 @@ cow_String inps_summaryLine(const inps_ModelSummary& summary) {
   if (!types.empty()) text += " (" + types + ")";
   text += ", " + inps_counted(summary.nodeSets, "node set");
   text += ", " + inps_counted(summary.elementSets, "element set");
+  if (summary.surfaces > 0) text += ", " + inps_counted(summary.surfaces, "surface");
   if (!summary.parts.empty())
     text += ", " + inps_counted(static_cast<long long>(summary.parts.size()), "part") + ", " +
             inps_counted(static_cast<long long>(summary.instances.size()), "instance");

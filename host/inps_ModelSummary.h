@@ -24,6 +24,7 @@ struct inps_ModelSummary {
   Counts elementTypes;
   int64_t nodeSets = 0; // those of the user
   int64_t elementSets = 0;
+  int64_t surfaces = 0;
   cow_List<Part> parts;
   cow_List<Part> instances;
   Counts keptAsText; // keywords

@@ -3,6 +3,7 @@
 #include "parser/inp_ElementCut.h"
 #include "parser/inp_LineScan.h"
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -155,7 +156,8 @@ private:
     const bool trailing = feed != i && inp_trim(stretch.FieldBegin(feed), lineEnd).empty();
     const auto fields = static_cast<long long>(feed - i) + (trailing ? 0 : 1);
     m_open = false;
-    if (m_fields + fields > inp_mostFields(m_form)) {
+    const long long tooMany = m_fields + fields - inp_mostFields(m_form);
+    if (tooMany > 0 && tooMany > inp_quotedCommas(line, lineEnd)) {
       Close();
       return Begin(stretch, i, feed);
     }
@@ -169,10 +171,14 @@ private:
   void TakeNodes(const inp_Stretch& stretch, std::size_t i, std::size_t feed) {
     int* const start = m_nodes.Data() + m_next;
     int* next = start;
+    const char* const line = stretch.FieldBegin(i);
+    const bool wasOdd = std::exchange(m_isOdd, false);
     for (; i <= feed; ++i) {
       *next = m_values[i];
       if (*next >= 0 || TakeOtherNode(stretch.FieldBegin(i), stretch.FieldEnd(i), *next)) ++next;
     }
+    if (m_isOdd) next -= inp_quotedCommas(line, stretch.FieldEnd(feed));
+    m_isOdd = m_isOdd || wasOdd;
     m_next += static_cast<std::size_t>(next - start);
     m_fields += next - start;
   }
@@ -372,7 +378,9 @@ cow_List<std::string_view> inp_elementFields(const inp_DataArray& data, const in
     cow_List<std::string_view> found;
     for (const char* p = line.data();;) {
       const char* const lineEnd = line.data() + line.size();
-      const char* const comma = std::find(p, lineEnd, ',');
+      const char* comma = p;
+      while (comma != lineEnd && *comma != ',')
+        comma = *comma == '"' ? inp_behindQuoted(comma, lineEnd) : comma + 1;
       found.push_back(inp_trim(p, comma));
       if (comma == lineEnd) break;
       p = comma + 1;

@@ -24,6 +24,7 @@ Line lookAt(const char* begin, const char* rangeEnd) {
   line.open = text.back() == ',';
   line.fields = !line.open;
   for (const char c : text) line.fields += c == ',';
+  line.fields -= inp_quotedCommas(text.data(), text.data() + text.size());
   return line;
 }
 

@@ -3,6 +3,7 @@
 #include "parser/inp_IncludeFinder.h"
 #include "parser/inp_KeywordReader.h"
 #include "parser/inp_KeywordTable.h"
+#include "parser/inp_ParametersSoFar.h"
 #include "parser/inp_ScopeTracker.h"
 #include "parser/inp_Structure.h"
 #include "parser/inp_SuboptionChain.h"
@@ -59,6 +60,7 @@ struct inp_Parser::Impl {
   std::shared_ptr<inp_KeywordBody> open{};
   cow_List<inp_DataSegment> segments{};
 
+  inp_ParametersSoFar parameters{};
   cow_List<fs::path> reading{}; // the chain of files being read
   int includes = 0;
 
@@ -277,7 +279,13 @@ bool inp_Parser::Impl::MayInclude(const fs::path& path, const inp_KeywordBody& b
 // Opens the file a parameter names, or says why not.
 inp_DeckTextPtr inp_Parser::Impl::OpenNamed(const inp_KeywordBody& body,
                                             const inp_Parameter& parameter) {
-  const cow_String& name = parameter.value.AsString();
+  cow_List<wip_Message> unknown;
+  const cow_String name =
+      parameters.FileName(keywords, open.get(), segments, body, parameter, unknown);
+  // Other keywords stay in the list, and expansion tells what theirs do not know.
+  if (body.kind == inp_KwInclude)
+    for (wip_Message& message : unknown) FileError(body, parameter, std::move(message.text));
+  if (!unknown.empty()) return nullptr;
   if (name.empty()) {
     FileError(body, parameter, "the name of the file is missing");
     return nullptr;

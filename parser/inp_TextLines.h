@@ -34,6 +34,26 @@ inline const char* inp_lineBegin(const char* p, const char* textBegin) {
   return p;
 }
 
+// Behind the quoted text that opens at `quote`, up to the next one on its line; a single one
+// (5" pipe) is a plain character.
+inline const char* inp_behindQuoted(const char* quote, const char* lineEnd) {
+  const void* close = std::memchr(quote + 1, '"', static_cast<std::size_t>(lineEnd - quote) - 1);
+  return close ? static_cast<const char*>(close) + 1 : quote + 1;
+}
+
+// Commas that stand in quotes and so part no fields.
+inline long long inp_quotedCommas(const char* line, const char* lineEnd) {
+  long long commas = 0;
+  for (const char* p = line; p != lineEnd;) {
+    const void* quote = std::memchr(p, '"', static_cast<std::size_t>(lineEnd - p));
+    if (!quote) break;
+    const char* const open = static_cast<const char*>(quote);
+    p = inp_behindQuoted(open, lineEnd);
+    for (const char* q = open; q != p; ++q) commas += *q == ',';
+  }
+  return commas;
+}
+
 enum class inp_LineKind : unsigned char { Data, Comment, Keyword };
 
 // The asterisk stands for itself: one begins a keyword line, two a comment line.

@@ -100,9 +100,10 @@ void inpS_Inp2Sim::Print(aio_ostream& out) const {
 }
 
 cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
-  cow_List<inp_KeywordEnm> kinds = {
-      inp_KwHeading,  inp_KwPart,        inp_KwEndPart,   inp_KwAssembly, inp_KwEndAssembly,
-      inp_KwInstance, inp_KwEndInstance, inp_KwParameter, inp_KwInclude,  inp_KwAmplitude};
+  cow_List<inp_KeywordEnm> kinds = {inp_KwHeading,     inp_KwPart,        inp_KwEndPart,
+                                    inp_KwAssembly,    inp_KwEndAssembly, inp_KwInstance,
+                                    inp_KwEndInstance, inp_KwParameter,   inp_KwInclude,
+                                    inp_KwAmplitude,   inp_KwSurface};
   if (!restart) { // a restart goes on with the materials of its model
     const cow_List<inp_KeywordEnm> materials = inpS_MaterialVisitor::ModelledKinds();
     kinds.insert(kinds.end(), materials.begin(), materials.end());

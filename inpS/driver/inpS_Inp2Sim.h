@@ -82,6 +82,7 @@ private:
   bool ProcessSubstructureOutput(Labelers& labelers);
   bool ProcessCosimulation(Labelers& labelers);
   bool ProcessSurfaceNodalAreas();
+  void SaveSurfaceNodalAreas();
   bool SaveNodeLabels(Labelers& labelers);
   bool SaveElementLabels(Labelers& labelers);
   template <class Visitor> bool Run(Labelers& labelers);

@@ -32,6 +32,7 @@
 #include "inpS/properties/inpS_OrientationVisitor.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 #include "inpS/properties/inpS_SectionVisitor.h"
+#include "inpS/sets/inpS_SurfaceNodalAreas.h"
 #include "inpS/sets/inpS_SurfaceVisitor.h"
 
 using Driver = inpS_Inp2Sim;
@@ -161,6 +162,10 @@ bool Driver::ProcessAssembly() {
 void Driver::KeepVerbatim(bool restart) {
   inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds(restart));
   visitor.SetAsText(&m_asText);
+  visitor.SetUnmodelled([](const inp_Keyword& keyword) {
+    return (keyword.Kind() == inp_KwSurface && !inpS_SurfaceVisitor::IsModelled(keyword)) ||
+           (keyword.Kind() == inp_KwAmplitude && !inpS_AmplitudeVisitor::IsModelled(keyword));
+  });
   if (restart) {
     visitor.ContinuePositions();
     visitor.RefuseNewOwners(m_keywords);
@@ -191,7 +196,6 @@ bool Driver::ProcessAmplitudes() {
   visitor.VisitList(m_keywords);
   visitor.ReportUnreferredParameters(m_keywords, {inp_KwAmplitude});
   visitor.Report();
-  m_asText.insert(visitor.KeptAsText().begin(), visitor.KeptAsText().end());
   return !visitor.IsError();
 }
 
@@ -238,6 +242,7 @@ bool Driver::ProcessSurfaces(Labelers& labelers) {
   if (!m_surfaceVisitor)
     m_surfaceVisitor =
         std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements, m_inventory);
+  if (labelers.hasSurfaces) m_surfaceVisitor->SkipConverted();
   m_surfaceVisitor->VisitListAndReport(m_keywords);
   return !m_surfaceVisitor->IsError();
 }
@@ -298,7 +303,17 @@ bool Driver::ProcessCosimulation(Labelers& labelers) {
 
 bool Driver::ProcessSurfaceNodalAreas() {
   m_surfaceVisitor.reset();
+  SaveSurfaceNodalAreas();
   return true;
+}
+
+// Of the surfaces that have none yet.
+void Driver::SaveSurfaceNodalAreas() {
+  const KvoObjMesh mesh = m_document.GetMesh();
+  if (mesh.IsNull() || m_document.Context().GetRecords(eds_RecordKind::Surface).empty()) return;
+  KvoSimTransaction transaction(m_document.ContextID());
+  inpS_SurfaceNodalAreas(mesh).Save();
+  transaction.Commit();
 }
 
 // ---- restart
@@ -318,7 +333,10 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
   }
   transaction.Commit();
   good = Run<inpS_UserNodeVisitor>(labelers) && good;
-  return Run<inpS_SurfaceVisitor>(labelers) && good;
+  labelers.hasSurfaces = true;
+  good = Run<inpS_SurfaceVisitor>(labelers) && good;
+  SaveSurfaceNodalAreas();
+  return good;
 }
 
 bool Driver::ProcessSubstructureOutput(Labelers& labelers) {

@@ -9,6 +9,7 @@ struct inpS_Inp2Sim::Labelers {
   std::optional<KvoObjLabeler> nodes;
   std::optional<KvoObjLabeler> elements;
   bool holdUnstored = false; // the mesh failed: they know labels that the database does not hold
+  bool hasSurfaces = false;  // of this deck: a restart looks twice
 };
 
 // One row of the list of phases. The tag names the marks of the resource monitor; a phase whose

@@ -2,6 +2,7 @@
 
 #include "base/aio_ostream.h"
 #include "base/cow_Value.h"
+#include "inpS/keywords/inpS_UnreadField.h"
 #include <span>
 
 class inp_Keyword;
@@ -41,6 +42,8 @@ public:
 
   // The coordinate system of *SYSTEM. False, and the identity, when its points define none.
   bool ReadSystem(const inp_Keyword& keyword);
+  // What its data lines hold besides two points and a third one: words, and values too many.
+  static cow_List<inpS_UnreadField> UnreadFields(const inp_Keyword& keyword);
   // The placing of *INSTANCE: translated first, then rotated about the axis a-b of the second line,
   // whose points are those of the assembly.
   void ReadInstance(const inp_Keyword& keyword);

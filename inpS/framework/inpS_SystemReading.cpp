@@ -40,6 +40,21 @@ bool inpS_System::ReadSystem(const inp_Keyword& keyword) {
   return SetFromPoints(a.v, b.v, pointAt(line, 0).v);
 }
 
+cow_List<inpS_UnreadField> inpS_System::UnreadFields(const inp_Keyword& keyword) {
+  constexpr int valuesOfLine[] = {6, 3};
+  const inp_DataArray& data = keyword.Data();
+  cow_List<inpS_UnreadField> unread;
+  for (long long row = 0; row < data.Rows(); ++row) {
+    const int most = row < 2 ? valuesOfLine[row] : 0;
+    for (int col = 0; col < data.Cols(row); ++col) {
+      if (data.IsNone(row, col) || (col < most && data.IsNumber(row, col))) continue;
+      unread.push_back({row, col, col >= most});
+      if (col >= most) break;
+    }
+  }
+  return unread;
+}
+
 // The system with origin a, x axis towards b and, when given, c in the x-y plane.
 bool inpS_System::SetFromPoints(const double a[3], const double b[3], const double* c) {
   double x[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};

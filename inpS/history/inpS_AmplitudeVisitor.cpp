@@ -50,19 +50,25 @@ void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   while (name.starts_with('"')) name.erase(0, 1);
   while (name.ends_with('"')) name.pop_back();
   const inpS_AmplitudeForm* form = FormOf(keyword);
-  if (form)
-    Create(keyword, *form, name);
-  else
-    KeepAsText(keyword);
+  if (form) Create(keyword, *form, name);
   transaction.Commit();
+}
+
+bool inpS_AmplitudeVisitor::IsModelled(const inp_Keyword& keyword) {
+  return !keyword.HasParameter("name") ||
+         inpS_amplitudeForm(keyword.StringOf("definition", "TABULAR"));
 }
 
 const inpS_AmplitudeForm* inpS_AmplitudeVisitor::FormOf(const inp_Keyword& keyword) {
   const cow_String& definition = keyword.StringOf("definition", "TABULAR");
   const bool cfd = m_inventory.IsCFD();
-  if ((definition == "ACTUATOR" || definition == "SOLUTIONDEPENDENT") && !cfd) return nullptr;
+  if ((definition == "ACTUATOR" || definition == "SOLUTIONDEPENDENT") && !cfd) {
+    keyword.ReferAll();
+    return nullptr;
+  }
   const inpS_AmplitudeForm* form = inpS_amplitudeForm(definition);
   if (form) return form;
+  keyword.ReferAll(); // kept as text
   const cow_String text = inp_Utils::Format(
       "Amplitude type %s is not available for this analysis type.", definition.c_str());
   // In a flow deck nothing else can stand in for it: there it is an error.
@@ -210,9 +216,4 @@ void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
   transfer.SetBuffer(std::span<const double>(pairs));
   transfer.ExecMake();
   amplitude.Associate(eds_Member::Distributions, values.Position());
-}
-
-void inpS_AmplitudeVisitor::KeepAsText(const inp_Keyword& keyword) {
-  keyword.ReferAll();
-  m_text.try_emplace(keyword.Body().get());
 }

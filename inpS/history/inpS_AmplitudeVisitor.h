@@ -14,8 +14,8 @@ public:
 
   void VisitAmplitude(const inp_Keyword& keyword) override;
 
-  // What was left to be kept as text (the model's own: null positions).
-  const cow_Map<const inp_KeywordBody*, KvoSimPosition>& KeptAsText() const { return m_text; }
+  // Whether some record kind serves its definition.
+  static bool IsModelled(const inp_Keyword& keyword);
 
 private:
   const inpS_AmplitudeForm* FormOf(const inp_Keyword& keyword);
@@ -28,8 +28,6 @@ private:
   cow_List<double> ReadPairs(const inp_Keyword& keyword, long long firstLine); // one after another
   double ValueAt(const inp_Keyword& keyword, long long row, int col);
   void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);
-  void KeepAsText(const inp_Keyword& keyword);
 
   const inpS_Inventory& m_inventory;
-  cow_Map<const inp_KeywordBody*, KvoSimPosition> m_text;
 };

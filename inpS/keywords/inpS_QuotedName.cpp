@@ -1,4 +1,5 @@
 #include "inpS/keywords/inpS_QuotedName.h"
+#include "base/utl_Number.h"
 #include <algorithm>
 
 namespace {
@@ -15,6 +16,8 @@ cow_String& QuotedName(cow_String& name) {
   return name;
 }
 
+// 2.1 would be a number and no node of the instance 2.
 cow_String inpS_quoted(cow_String name) {
+  if (utl_classifyField(name).IsNumber()) return '"' + name + '"';
   return QuotedName(name);
 }

@@ -2,6 +2,8 @@
 #include "base/utl_Threads.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoSimPosition.h"
+#include "inpS/mesh/inpS_ElementSearch.h"
+#include "inpS/mesh/inpS_MadeElements.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -45,7 +47,7 @@ inpS_ElementBlock& inpS_ElementConnectivity::BlockFor(const Kind& kind, long lon
     if (!kind.held) m_writer.emplace(owner, eds_ValueType::Int32, kind.width);
   }
   inpS_ElementBlock& block = m_blocks.back();
-  block.from.push_back({keyword, block.count});
+  block.from.push_back({keyword, block.count, first, kind.form});
   return block;
 }
 
@@ -74,6 +76,28 @@ void inpS_ElementConnectivity::AppendHeld(inpS_ElementBlock& block,
     block.nodes.Append(std::span<const int>(reader.Nodes()));
 }
 
+void inpS_ElementConnectivity::AppendMade(inpS_ElementBlock& block, const inpS_MadeElements& made) {
+  block.topology = made.topology;
+  block.referenceNode = made.referenceNode;
+  block.ragged = block.ragged || made.ragged;
+  for (inpS_ScopedNode node : made.scoped) {
+    node.element += block.count;
+    block.scoped.push_back(std::move(node));
+  }
+  const auto width = static_cast<std::size_t>(block.width);
+  if (width > 0) { // elements without nodes were told
+    const std::size_t perPiece = std::max<std::size_t>(1, kEntries / width);
+    const auto count = static_cast<std::size_t>(made.count);
+    int* to = block.nodes.AppendSpace(count * width);
+    utl_parallelFor((count + perPiece - 1) / perPiece, [&](std::size_t piece) {
+      const std::size_t first = piece * perPiece;
+      const std::size_t size = std::min(perPiece, count - first);
+      made.nodes(static_cast<long long>(first), {to + first * width, size * width});
+    });
+  }
+  block.count += made.count;
+}
+
 const inpS_ElementBlock* inpS_ElementConnectivity::BlockOf(long long element) const {
   const auto holds = [element](const inpS_ElementBlock& block) {
     return element >= block.first && element < block.first + block.count;
@@ -85,6 +109,20 @@ const inpS_ElementBlock* inpS_ElementConnectivity::BlockOf(long long element) co
   if (behind == m_blocks.begin() || !holds(*(behind - 1))) return nullptr;
   m_lastFound = static_cast<std::size_t>(behind - m_blocks.begin()) - 1;
   return &m_blocks[m_lastFound];
+}
+
+// Elements whose label was taken have got no ordinal of their own, so blocks are not asked for
+// their count here.
+const inpS_ElementBlock::From* inpS_ElementConnectivity::DefinitionOf(long long ordinal) const {
+  const auto block =
+      std::upper_bound(m_blocks.begin(), m_blocks.end(), ordinal,
+                       [](long long n, const inpS_ElementBlock& other) { return n < other.first; });
+  if (block == m_blocks.begin()) return nullptr;
+  const auto& from = (block - 1)->from;
+  const auto next = std::upper_bound(
+      from.begin(), from.end(), ordinal,
+      [](long long n, const inpS_ElementBlock::From& other) { return n < other.firstOrdinal; });
+  return next == from.begin() ? nullptr : &*(next - 1);
 }
 
 // ---- once it is read
@@ -164,24 +202,33 @@ void inpS_ElementConnectivity::ReportOpen(const inpS_ElementBlock& block,
   for (std::size_t n = 0; n < block.from.size() && next < block.open.size(); ++n) {
     const long long end = n + 1 < block.from.size() ? block.from[n + 1].firstElement : block.count;
     std::set<int> unknown, faulty;
+    int firstUnknown = 0, firstFaulty = 0;
     for (; next < block.open.size() && block.open[next].entry < end * block.width; ++next) {
       const auto& [entry, label] = block.open[next];
       const long long element = block.first + entry / block.width;
-      if (label > 0)
+      if (label > 0) {
+        if (unknown.empty()) firstUnknown = label;
         unknown.insert(label);
-      else if (element < elements.Size(elementOccurrence))
+      } else if (element < elements.Size(elementOccurrence)) {
+        if (faulty.empty()) firstFaulty = label;
         faulty.insert(elements.GetInstanceLabel(elementOccurrence, element));
+      }
     }
-    const inp_Keyword& keyword = block.from[n].keyword;
+    const auto report = [&](int node, cow_String text) {
+      const inp_Keyword& keyword = block.from[n].keyword;
+      const inpS_ElementSearch search(keyword, block.from[n].form);
+      auto at = search.OfNode(node);
+      if (at.row < 0 && node == -1) at = search.OfNode(0); // held apart from nodes not there
+      messages.AddError(inp_Utils::MessageAtField(keyword, at.row, at.col, std::move(text)));
+    };
     if (!unknown.empty())
-      messages.AddError(inp_Utils::MessageInKeyword(keyword,
-                                                    "Elements refer to nodes that do not exist: ",
-                                                    cow_List<int>(unknown.begin(), unknown.end())));
+      report(firstUnknown,
+             inp_Utils::MessageWithItems("Elements refer to nodes that do not exist: ",
+                                         cow_List<int>(unknown.begin(), unknown.end())));
     if (!faulty.empty())
-      messages.AddError(inp_Utils::MessageInKeyword(
-          keyword, inpS_messageText(inpS_mesh_ConnectivityNotPositive,
-                                    {inp_Utils::MessageWithItems(
-                                        "", cow_List<int>(faulty.begin(), faulty.end()))})));
+      report(firstFaulty, inpS_messageText(inpS_mesh_ConnectivityNotPositive,
+                                           {inp_Utils::MessageWithItems(
+                                               "", cow_List<int>(faulty.begin(), faulty.end()))}));
   }
 }
 

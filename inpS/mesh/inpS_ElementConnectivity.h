@@ -10,6 +10,7 @@
 class KvoObjLabeler;
 class KvoSimPosition;
 class inp_Visitor;
+struct inpS_MadeElements;
 
 // Entries of a block that no node was known for when they were read, by entry, with their labels.
 struct inpS_OpenEntry {
@@ -24,6 +25,8 @@ struct inpS_ElementBlock {
   struct From {
     inp_Keyword keyword;
     long long firstElement; // within the block
+    long long firstOrdinal; // the one its first new label has got
+    inp_ElementForm form;   // of its data lines
   };
   int spec = 0; // index into the visitor's element types
   int width = 0;
@@ -52,6 +55,7 @@ public:
     int width;
     cow_String source;
     bool held;
+    inp_ElementForm form; // of its data lines
     int offset = 0;
   };
   // Whether the last block takes such elements.
@@ -64,12 +68,18 @@ public:
   // Elements of a held block: takes over what the reader read.
   void AppendHeld(inpS_ElementBlock& block, inpS_ElementTopologyReader& reader, bool ragged);
 
+  // Elements of a held block that are made from others.
+  void AppendMade(inpS_ElementBlock& block, const inpS_MadeElements& made);
+
   cow_List<inpS_ElementBlock>& Blocks() { return m_blocks; }
   const cow_List<inpS_ElementBlock>& Blocks() const { return m_blocks; }
   const inpS_ElementBlock* BlockOf(long long element) const; // null when none holds it
 
+  // Where the element of this ordinal got its label.
+  const inpS_ElementBlock::From* DefinitionOf(long long ordinal) const;
+
   // Looks up what is still labels and stores what is still held. Labels that no node has are
-  // reported, one message per keyword with the labels listed.
+  // reported, one message per keyword with the labels listed, at the first one's place.
   void Resolve(const KvoObjLabeler& nodes, int occurrence, const KvoObjLabeler& elements,
                int elementOccurrence, inp_Visitor& messages);
   // Stores the held blocks, once nodes named by their instance are in their place.

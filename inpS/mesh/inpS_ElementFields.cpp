@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_ElementFields.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
+#include "inpS/mesh/inpS_ElementSearch.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_Keyword.h"
@@ -12,12 +13,15 @@ namespace {
 
 constexpr long long kMaxLabel = 999999999;
 
-bool readScoped(const cow_String& text, cow_List<int>& fields, cow_List<inpS_ScopedNode>& scoped) {
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(text);
+bool readScoped(const inp_DataArray& data, long long row, int col, cow_List<int>& fields,
+                cow_List<inpS_ScopedNode>& scoped) {
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(data.FieldText(row, col));
   if (!inp_Utils::IsScopedSetId(parts)) return false;
-  const int label = std::atoi(parts.back().c_str());
-  scoped.push_back({0, static_cast<int>(fields.size()) - 1, parts[parts.size() - 2], label});
-  fields.push_back(label);
+  const long long label = std::atoll(parts.back().c_str());
+  if (std::llabs(label) > kMaxLabel) return false;
+  const int index = static_cast<int>(fields.size()) - 1;
+  fields.push_back(static_cast<int>(label));
+  scoped.push_back({0, index, parts[parts.size() - 2], fields.back(), row, col});
   return true;
 }
 
@@ -31,6 +35,10 @@ cow_String faultText(const inp_DataArray& data, long long row, int col,
     return inpS_messageText(inpS_mesh_ElementNumberTooLarge);
   return "\"" + data.AsStringVerbatim(row, col) + "\" is no " + (isElement ? "element" : "node") +
          " label: an integer of at most 999999999 was expected; element ignored.";
+}
+
+int fewestNodes(const inpS_ElementParameters& type) {
+  return std::max(1, type.MinNodesPerElement());
 }
 
 } // namespace
@@ -56,7 +64,7 @@ bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& f
         continue;
       }
       if (kind == inp_FieldType::String && scoped && !fields.empty() &&
-          readScoped(data.AsStringVerbatim(row, col), fields, *scoped))
+          readScoped(data, row, col, fields, *scoped))
         continue;
       messages.AddError(inp_Utils::MessageAtField(keyword, row, col,
                                                   faultText(data, row, col, type, fields.empty())));
@@ -69,7 +77,7 @@ bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& f
 bool inpS_FaultyElements::Count(int label, long long nodes, const inpS_ElementParameters& type,
                                 int extra) {
   const bool many = nodes > type.MaxNodesPerElement() + extra;
-  const bool few = nodes < std::max(1, type.MinNodesPerElement()) + extra;
+  const bool few = nodes < fewestNodes(type) + extra;
   if (many) m_tooMany.push_back(label);
   if (few) m_tooFew.push_back(label);
   return !many && !few;
@@ -77,10 +85,17 @@ bool inpS_FaultyElements::Count(int label, long long nodes, const inpS_ElementPa
 
 void inpS_FaultyElements::Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
                                  inp_Visitor& messages) const {
+  const inp_ElementForm form = type.Form();
+  const int extra = form.extraFields;
   const auto report = [&](const char* text, const cow_List<int>& labels) {
-    if (!labels.empty())
-      messages.AddError(inp_Utils::MessageInKeyword(
-          keyword, inp_Utils::Format(text, type.Name().c_str()), labels));
+    if (labels.empty()) return;
+    const long long row = inpS_ElementSearch(keyword, form)
+                              .OfWrongCount(labels.front(), fewestNodes(type) + extra,
+                                            type.MaxNodesPerElement() + extra)
+                              .row;
+    messages.AddError(inp_Utils::MessageAtRow(
+        keyword, row,
+        inp_Utils::MessageWithItems(inp_Utils::Format(text, type.Name().c_str()), labels)));
   };
   report("Too many nodes for element(s) of type \"%s\" ", m_tooMany);
   report("Too few nodes for element(s) of type \"%s\" ", m_tooFew);

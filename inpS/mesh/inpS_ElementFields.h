@@ -13,6 +13,8 @@ struct inpS_ScopedNode {
   int index;         // among its nodes
   cow_String instance;
   int label;
+  long long row; // where it is named
+  int col;
 };
 
 // Reads one element by the general road: its label and its nodes (0 for the grounded end of a
@@ -28,6 +30,7 @@ class inpS_FaultyElements {
 public:
   // nodes: how many the element has; extra: how many besides its topology the type asks for.
   bool Count(int label, long long nodes, const inpS_ElementParameters& type, int extra);
+  // At the line of the first one of each kind.
   void Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
               inp_Visitor& messages) const;
 

@@ -27,6 +27,14 @@ int inpS_ElementParameters::FirstLineNodes() const {
   return m_name == "GK3D18" || m_name == "GK3D18N" ? gasketFirstLine : 0;
 }
 
+inp_ElementForm inpS_ElementParameters::Form() const {
+  inp_ElementForm form;
+  form.maxNodes = m_maxNodes;
+  form.extraFields = CarriesReferenceNode() ? 1 : 0;
+  form.firstLineNodes = FirstLineNodes();
+  return form;
+}
+
 bool inpS_ElementParameters::IsCohesiveElement() const {
   return m_name.starts_with("COH");
 }
@@ -70,4 +78,8 @@ bool inpS_ElementParameters::IsAxisymmetricRigidSurfaceElement() const {
 
 bool inpS_ElementParameters::Is3DDragchainElement() const {
   return m_name == "DRAG3D";
+}
+
+bool inpS_ElementParameters::CarriesReferenceNode() const {
+  return IsAxisymmetricRigidSurfaceElement() || Is3DDragchainElement();
 }

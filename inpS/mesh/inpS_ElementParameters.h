@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/cow_Value.h"
+#include "parser/inp_BulkDecode.h"
 #include <string_view>
 
 class inpS_BasicElemTypeData;
@@ -25,6 +26,8 @@ public:
 
   // The most nodes an element's first line may hold before it goes on; 0: no such limit.
   int FirstLineNodes() const;
+  // How its data lines are to be read.
+  inp_ElementForm Form() const;
 
   bool IsCohesiveElement() const;
   bool IsGasketElement() const;
@@ -37,6 +40,7 @@ public:
   bool VariableTemperatureDOF() const; // temperatures through the thickness of a shell
   bool IsAxisymmetricRigidSurfaceElement() const;
   bool Is3DDragchainElement() const;
+  bool CarriesReferenceNode() const; // one node more than its topology, at the end
 
 private:
   cow_String m_name;

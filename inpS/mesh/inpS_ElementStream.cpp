@@ -11,15 +11,13 @@ constexpr std::size_t kEntries = 6 << 10; // 24 KiB: they stay in the first cach
 } // namespace
 
 bool inpS_ElementStream::Serves(const inpS_ElementParameters& type) {
-  return type.MinNodesPerElement() == type.MaxNodesPerElement() &&
-         !type.IsAxisymmetricRigidSurfaceElement() && !type.Is3DDragchainElement() &&
+  return type.MinNodesPerElement() == type.MaxNodesPerElement() && !type.CarriesReferenceNode() &&
          type.MaxNodesPerElement() <= static_cast<int>(inp_mostElementNodes);
 }
 
 void inpS_ElementStream::Read(const inp_Keyword& keyword, const KvoObjLabeler& nodes,
                               int occurrence, const Sink& sink) {
-  inp_ElementForm form;
-  form.maxNodes = m_type.MaxNodesPerElement();
+  const inp_ElementForm form = m_type.Form();
   cow_List<Found> found(utl_slotCount());
   inp_streamElements(
       keyword.Data(), form,
@@ -63,8 +61,7 @@ void inpS_ElementStream::Take(const inp_Keyword& keyword, const inp_ElementPiece
 
 // A piece with a fault fails the mesh, so its good elements need not go on.
 void inpS_ElementStream::Report(const inp_Keyword& keyword, const inp_ElementPiece& piece) {
-  inp_ElementForm form;
-  form.maxNodes = m_type.MaxNodesPerElement();
+  const inp_ElementForm form = m_type.Form();
   std::size_t next = 0;
   for (std::size_t n = 0; n < piece.labels.size(); ++n) {
     if (next < piece.odd.size() && piece.odd[next].slot == static_cast<long long>(n)) {

@@ -5,37 +5,25 @@
 
 namespace {
 
-bool carriesReferenceNode(const inpS_ElementParameters& type) {
-  return type.IsAxisymmetricRigidSurfaceElement() || type.Is3DDragchainElement();
-}
-
 // Beams take one node more than their topology needs: it orients the first section axis.
 bool mayCarryOrientationNode(const inpS_ElementParameters& type) {
   return type.IsBeamElement() && type.MaxNodesPerElement() == type.MinNodesPerElement() + 1;
-}
-
-inp_ElementForm formOf(const inpS_ElementParameters& type) {
-  inp_ElementForm form;
-  form.maxNodes = type.MaxNodesPerElement();
-  form.extraFields = carriesReferenceNode(type) ? 1 : 0;
-  form.firstLineNodes = type.FirstLineNodes();
-  return form;
 }
 
 } // namespace
 
 inpS_ElementTopologyReader::inpS_ElementTopologyReader(const inpS_ElementParameters& type,
                                                        inp_Visitor& messages)
-    : m_type(type), m_messages(messages), m_extra(carriesReferenceNode(type) ? 1 : 0) {}
+    : m_type(type), m_messages(messages), m_extra(type.CarriesReferenceNode() ? 1 : 0) {}
 
 void inpS_ElementTopologyReader::Read(const inp_Keyword& keyword, bool scopedNodes) {
   inp_ElementRows rows;
-  inp_decodeElements(keyword.Data(), formOf(m_type), rows);
+  inp_decodeElements(keyword.Data(), m_type.Form(), rows);
   if (rows.odd.empty())
     TakeRegular(rows);
   else
     Rebuild(keyword, rows, scopedNodes);
-  const bool extra = carriesReferenceNode(m_type) || mayCarryOrientationNode(m_type);
+  const bool extra = m_type.CarriesReferenceNode() || mayCarryOrientationNode(m_type);
   m_topology = extra ? m_type.MinNodesPerElement() : std::max(m_width, m_type.MinNodesPerElement());
   m_faulty.Report(keyword, m_type, m_messages);
 }
@@ -50,6 +38,10 @@ void inpS_ElementTopologyReader::TakeRegular(inp_ElementRows& rows) {
                        m_width <= m_type.MaxNodesPerElement() + m_extra;
   for (std::size_t n = 0; !allGood && n < m_labels.Size(); ++n)
     m_faulty.Count(m_labels[n], m_ragged ? rows.counts[n] : m_width, m_type, m_extra);
+  if (std::find(m_nodes.begin(), m_nodes.end(), 0) == m_nodes.end()) return;
+  for (std::size_t n = 0; n < m_labels.Size(); ++n)
+    MarkZeros(m_nodes.Data() + n * static_cast<std::size_t>(m_width),
+              m_ragged ? rows.counts[n] : m_width);
 }
 
 // Some lines could not be read by the bulk road (a text, a blank field, a label out of range):
@@ -62,7 +54,7 @@ void inpS_ElementTopologyReader::Rebuild(const inp_Keyword& keyword, const inp_E
     std::size_t firstScoped;
     cow_List<int> fields; // label, nodes
   };
-  const inp_ElementForm form = formOf(m_type);
+  const inp_ElementForm form = m_type.Form();
   cow_List<Read> reads;
   m_width = rows.width;
   for (const inp_OddRow& odd : rows.odd) {
@@ -91,6 +83,11 @@ void inpS_ElementTopologyReader::Rebuild(const inp_Keyword& keyword, const inp_E
   }
 }
 
+// A zero stands for a node that is not there: one that the deck gives must be told from it.
+void inpS_ElementTopologyReader::MarkZeros(int* nodes, int count) const {
+  if (!m_type.IsConnectorElement()) std::replace(nodes, nodes + count, 0, -1);
+}
+
 void inpS_ElementTopologyReader::Add(int label, const int* nodes, int count) {
   m_faulty.Count(label, count, m_type, m_extra);
   if (count < m_width) m_ragged = true;
@@ -98,11 +95,12 @@ void inpS_ElementTopologyReader::Add(int label, const int* nodes, int count) {
   const std::size_t first = m_nodes.Size();
   m_nodes.Resize(first + static_cast<std::size_t>(m_width));
   std::copy_n(nodes, count, m_nodes.Data() + first);
+  MarkZeros(m_nodes.Data() + first, count);
   std::fill(m_nodes.Data() + first + count, m_nodes.Data() + first + m_width, 0);
 }
 
 bool inpS_ElementTopologyReader::HasReferenceNodes() const {
-  return HasExtraNodes() && carriesReferenceNode(m_type);
+  return HasExtraNodes() && m_type.CarriesReferenceNode();
 }
 
 void inpS_ElementTopologyReader::Widen(utl_Buffer<int> nodes, int width) {

@@ -36,6 +36,7 @@ public:
 private:
   void TakeRegular(inp_ElementRows& rows);
   void Rebuild(const inp_Keyword& keyword, const inp_ElementRows& rows, bool scopedNodes);
+  void MarkZeros(int* nodes, int count) const;
   void Add(int label, const int* nodes, int count);
 
   const inpS_ElementParameters& m_type;

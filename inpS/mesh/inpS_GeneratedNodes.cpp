@@ -28,17 +28,50 @@ void addNode(inpS_MeshScope& scope, KvoObjLabeler& labeler, int label, const dou
   scope.nodes.AddGenerated(point, scope.owner);
 }
 
-// The middle of an eight-node face: minus a quarter of each corner, half of each middle node.
-bool middleOf(inpS_MeshScope& scope, const KvoObjLabeler& labeler, const int* nodes,
-              const int (&face)[8], double middle[3]) {
-  std::fill(middle, middle + 3, 0.0);
-  for (int n = 0; n < 8; ++n) {
-    const double* point = pointOf(scope, labeler, nodes[face[n]]);
-    if (!point) return false;
-    for (int i = 0; i < 3; ++i) middle[i] += (n < 4 ? -0.25 : 0.5) * point[i];
+// Where the nodes of one gasket after the other lie: those of its owner, and those that it names by
+// their instance, which has its place in the assembly.
+class GasketPoints {
+public:
+  GasketPoints(inpS_MeshScopes& scopes, inpS_MeshScope& scope, const KvoObjLabeler& labeler,
+               const inpS_ElementBlock& block)
+      : m_scopes(scopes), m_scope(scope), m_labeler(labeler), m_scoped(block.scoped) {}
+
+  // In ascending order.
+  void Take(long long element) {
+    std::fill(std::begin(m_owners), std::end(m_owners), &m_scope);
+    for (; m_next < m_scoped.size() && m_scoped[m_next].element <= element; ++m_next)
+      if (m_scoped[m_next].element == element)
+        m_owners[m_scoped[m_next].index] = m_scopes.FindInstance(m_scoped[m_next].instance);
   }
-  return true;
-}
+
+  // The middle of an eight-node face: minus a quarter of each corner, half of each middle node.
+  bool MiddleOf(const int* nodes, const int (&face)[8], double middle[3]) const {
+    std::fill(middle, middle + 3, 0.0);
+    for (int n = 0; n < 8; ++n) {
+      double point[3];
+      if (!Find(face[n], nodes[face[n]], point)) return false;
+      for (int i = 0; i < 3; ++i) middle[i] += (n < 4 ? -0.25 : 0.5) * point[i];
+    }
+    return true;
+  }
+
+private:
+  bool Find(int index, int label, double point[3]) const {
+    inpS_MeshScope* owner = m_owners[index];
+    const double* at = owner ? pointOf(*owner, m_labeler, label) : nullptr;
+    if (!at) return false;
+    std::copy_n(at, 3, point);
+    if (owner != &m_scope) owner->placement.TransformPoint(point[0], point[1], point[2]);
+    return true;
+  }
+
+  inpS_MeshScopes& m_scopes;
+  inpS_MeshScope& m_scope;
+  const KvoObjLabeler& m_labeler;
+  const cow_List<inpS_ScopedNode>& m_scoped;
+  std::size_t m_next = 0;
+  inpS_MeshScope* m_owners[kGasketNodes] = {}; // null: an instance that does not exist
+};
 
 // Labels above the largest of the deck, as long as there are any.
 int newLabel(const inpS_MeshScope& scope, const KvoObjLabeler& labeler, int& largestLabel) {
@@ -49,8 +82,9 @@ int newLabel(const inpS_MeshScope& scope, const KvoObjLabeler& labeler, int& lar
 }
 
 // Elements given with all their nodes may stand among those to be completed.
-void completeGaskets(inpS_MeshScope& scope, inpS_ElementBlock& block, KvoObjLabeler& labeler,
-                     int& largestLabel) {
+void completeGaskets(inpS_MeshScopes& scopes, inpS_MeshScope& scope, inpS_ElementBlock& block,
+                     KvoObjLabeler& labeler, int& largestLabel) {
+  GasketPoints points(scopes, scope, labeler, block);
   const auto elements = static_cast<std::size_t>(block.count);
   const auto width = static_cast<std::size_t>(block.width);
   utl_Buffer<int> nodes(elements * kGasketNodes);
@@ -58,11 +92,12 @@ void completeGaskets(inpS_MeshScope& scope, inpS_ElementBlock& block, KvoObjLabe
     const int* given = block.nodes.Data() + n * width;
     int* all = nodes.Data() + n * kGasketNodes;
     std::fill(std::copy_n(given, width, all), all + kGasketNodes, 0);
+    points.Take(static_cast<long long>(n));
     for (int face = 0; face < 2; ++face) {
       double middle[3];
       int& label = all[kGivenGasketNodes + face];
       // A node that is missing is reported when the element is resolved.
-      if (label != 0 || !middleOf(scope, labeler, given, kFaces[face], middle)) continue;
+      if (label != 0 || !points.MiddleOf(given, kFaces[face], middle)) continue;
       label = newLabel(scope, labeler, largestLabel);
       addNode(scope, labeler, label, middle);
     }
@@ -127,15 +162,26 @@ inpS_GeneratedNodes::AddFourierPlanes(const inp_Keyword& keyword,
   return planes;
 }
 
+void inpS_GeneratedNodes::ImplyFourierPlanes(const inpS_ElementBlock& block, long long first,
+                                             const inpS_ElementParameters& type,
+                                             inpS_MeshScope& scope) {
+  const int plane = type.MinNodesPerElement();
+  for (long long element = first; element < block.count; ++element) {
+    const int* nodes = block.nodes.Data() + element * block.width;
+    for (int i = plane; i < block.width; ++i)
+      if (nodes[i] == nodes[i % plane] + i / plane * block.offset)
+        scope.impliedNodes.Append({nodes[i], nodes[i % plane]});
+  }
+}
+
 cow_List<int> inpS_GeneratedNodes::AcrossInstances(const inpS_ElementParameters& type,
                                                    inpS_ElementTopologyReader& reader) {
   cow_List<int> elements;
-  if (!type.IsOffsetElement() && !isGasketOf18(type.Name())) return elements;
+  if (!type.IsOffsetElement()) return elements;
   const long long given = reader.Width();
   for (const inpS_ScopedNode& node : reader.ScopedNodes()) {
     const long long count = countOf(reader.Nodes().Data() + node.element * given, given);
-    const bool leavesNodes =
-        type.IsOffsetElement() ? count == type.MinNodesPerElement() : count < kGasketNodes;
+    const bool leavesNodes = count == type.MinNodesPerElement();
     const int label = reader.Labels()[static_cast<std::size_t>(node.element)];
     if (leavesNodes && (elements.empty() || elements.back() != label)) elements.push_back(label);
   }
@@ -149,8 +195,9 @@ bool inpS_GeneratedNodes::TakesNewLabels(const inpS_MeshScope& scope,
                      [&](const auto& block) { return isGasketToComplete(block, types); });
 }
 
-void inpS_GeneratedNodes::Complete(inpS_MeshScope& scope, const cow_List<cow_String>& types,
-                                   KvoObjLabeler& labeler, int& largestLabel) {
+void inpS_GeneratedNodes::Complete(inpS_MeshScopes& scopes, inpS_MeshScope& scope,
+                                   const cow_List<cow_String>& types, KvoObjLabeler& labeler,
+                                   int& largestLabel) {
   for (const auto& [label, from] : scope.impliedNodes) {
     if (labeler.HasInstanceLabel(scope.nodeOccurrence, label)) continue;
     const double* at = pointOf(scope, labeler, from);
@@ -161,7 +208,8 @@ void inpS_GeneratedNodes::Complete(inpS_MeshScope& scope, const cow_List<cow_Str
   }
   scope.impliedNodes = {};
   for (inpS_ElementBlock& block : scope.elements.Blocks()) {
-    if (isGasketToComplete(block, types)) completeGaskets(scope, block, labeler, largestLabel);
+    if (isGasketToComplete(block, types))
+      completeGaskets(scopes, scope, block, labeler, largestLabel);
     block.completed = true;
   }
   scope.nodes.FinishGenerated();

@@ -20,8 +20,12 @@ public:
   static Planes AddFourierPlanes(const inp_Keyword& keyword, const inpS_ElementParameters& type,
                                  inpS_ElementTopologyReader& reader, inpS_MeshScope& scope);
 
-  // Elements that leave nodes to be made and name others by instance: where those lie is not known
-  // to the element's owner.
+  // The same for elements copied from such ones, from the given one of the block on.
+  static void ImplyFourierPlanes(const inpS_ElementBlock& block, long long first,
+                                 const inpS_ElementParameters& type, inpS_MeshScope& scope);
+
+  // Elements that give their first plane only and name nodes of it by instance: nodes of further
+  // planes cannot be told from their labels.
   static cow_List<int> AcrossInstances(const inpS_ElementParameters& type,
                                        inpS_ElementTopologyReader& reader);
 
@@ -31,6 +35,8 @@ public:
   // When everything is read: adds the implied nodes that the deck does not define, and the middle
   // nodes of 18-node gaskets given with 16, which take the labels above the largest of the deck and
   // lie in the middle of their face (the serendipity interpolation of its eight nodes).
-  static void Complete(inpS_MeshScope& scope, const cow_List<cow_String>& types,
-                       KvoObjLabeler& labeler, int& largestLabel);
+  // The instances come before the assembly, whose gaskets may name their nodes.
+  static void Complete(inpS_MeshScopes& scopes, inpS_MeshScope& scope,
+                       const cow_List<cow_String>& types, KvoObjLabeler& labeler,
+                       int& largestLabel);
 };

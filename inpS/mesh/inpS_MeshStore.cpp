@@ -265,18 +265,6 @@ void inpS_MeshStore::SaveUserSets(bool nodes) {
   mesh.SetUserNodes(user);
 }
 
-KvoSimCollection inpS_MeshStore::PartCollection(const inpS_MeshScope& part, inpS_SetKind kind) {
-  const bool nodes = kind == inpS_SetKind::Nodes;
-  const eds_CollectionKind type = nodes ? eds_CollectionKind::Node : eds_CollectionKind::Element;
-  for (const KvoSimPosition& known : part.owner.GetVector(eds_Member::Collections))
-    if (known.AsCollection().Kind() == type) return known.AsCollection();
-  const KvoSimPosition created = m_document.CreateTypedCollection(type, part.name);
-  part.owner.Associate(eds_Member::Collections, created);
-  KvoSimCollection collection = created.AsCollection();
-  collection.ExtendSpace(nodes ? part.nodeCount : part.elementCount);
-  return collection;
-}
-
 // Node sets before element sets, as a deck written back has them.
 void inpS_MeshStore::SaveSets(inpS_SetResolver& resolver) {
   for (inpS_MeshScope& scope : m_scopes.All())
@@ -290,9 +278,7 @@ void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& de
   const KvoObjMesh mesh = m_document.GetModel().GetMesh();
   const KvoSimContext context = m_document.Context();
   const bool nodes = definition.kind == inpS_SetKind::Nodes;
-  KvoSimCollection collection = isPart(scope) ? PartCollection(scope, definition.kind)
-                                : nodes       ? mesh.GetNodeCollection()
-                                              : mesh.GetElementCollection();
+  KvoSimCollection collection = mesh.CollectionOf(scope.owner, nodes);
   const KvoSimCSetID members = collection.CreateCSet(resolver.Members(scope, definition)).ID();
   const auto save = [&](auto set) {
     set.SetUnsorted(definition.unsorted);

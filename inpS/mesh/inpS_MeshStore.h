@@ -33,7 +33,6 @@ private:
   void SaveSharedElements(const inpS_MeshScope& scope, const inpS_MeshScope& part);
   void SaveCounts(const inpS_MeshScope& scope);
   void SaveUserSets(bool nodes);
-  KvoSimCollection PartCollection(const inpS_MeshScope& part, inpS_SetKind kind);
 
   KvoObjDocument m_document;
   KvoObjLabeler& m_nodes;

@@ -1,17 +1,18 @@
 #include "inpS/mesh/inpS_MeshVisitor.h"
+#include "base/utl_Assert.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjMesh.h"
 #include "database/KvoObjModel.h"
-#include "database/KvoSimCSet.h"
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElementStream.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
 #include "inpS/mesh/inpS_MeshStore.h"
+#include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_NodeReader.h"
+#include "inpS/mesh/inpS_ScopedNodes.h"
 #include "inpS/messages/inpS_LocatedText.h"
-#include "inpS/sets/inpS_SetReader.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -25,7 +26,7 @@ constexpr int kMostNodesOfUserElement = 100000; // as of a type that nobody desc
 
 inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory)
-    : m_nodes(nodes), m_elements(elements), m_inventory(inventory) {
+    : m_nodes(nodes), m_elements(elements), m_inventory(inventory), m_setReader(m_scopes, *this) {
   OpenRoot();
 }
 
@@ -34,7 +35,9 @@ inpS_MeshVisitor::~inpS_MeshVisitor() = default;
 const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
   static const cow_List<inp_KeywordEnm> kinds = {
       inp_KwNode,   inp_KwElement,      inp_KwNset,          inp_KwElset,
-      inp_KwSystem, inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement};
+      inp_KwSystem, inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement,
+      inp_KwElgen,  inp_KwElcopy,       inp_KwNgen,          inp_KwNfill,
+      inp_KwNcopy,  inp_KwNmap};
   return kinds;
 }
 
@@ -45,6 +48,9 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   m_hasInstances = std::any_of(keywords.begin(), keywords.end(), [](const inp_Keyword& keyword) {
     return keyword.Kind() == inp_KwInstance;
   });
+  m_copyScopes = inpS_CopyScopes(keywords);
+  m_generatorScopes = inpS_GeneratorScopes(keywords);
+  if (m_generatorScopes.Holds(m_scopes.Root())) m_scopes.Root().nodes.KeepPoints();
   // An instance shares what its part is when it opens: parts come first wherever they stand.
   const auto isOfParts = [](const inp_Keyword& keyword) {
     return keyword.Scope().kind == inp_Scope::Kind::Part || keyword.Kind() == inp_KwUserElement;
@@ -85,36 +91,13 @@ void inpS_MeshVisitor::OpenLabels(inpS_MeshScope& scope) {
     scope.elementOccurrence = m_elements.OpenOccurrence(scope.owner);
   }
   scope.nodes.SetBase(m_nodes.Size(scope.nodeOccurrence));
+  if (m_generatorScopes.Holds(scope)) scope.nodes.KeepPoints();
   if (!scope.isStored) return;
   scope.storedNodes = m_nodes.Size(scope.nodeOccurrence);
   scope.storedElements = m_elements.Size(scope.elementOccurrence);
   scope.nodeBase = std::max<long long>(0, m_nodes.FlatFirst(scope.nodeOccurrence));
   scope.elementBase = std::max<long long>(0, m_elements.FlatFirst(scope.elementOccurrence));
-  ReadStoredSets(scope);
-}
-
-// Sets of the database that a restart deck may name.
-void inpS_MeshVisitor::ReadStoredSets(inpS_MeshScope& scope) {
-  const KvoObjMesh mesh = m_inventory.GetDocument().GetMesh();
-  for (const inpS_SetKind kind : {inpS_SetKind::Nodes, inpS_SetKind::Elements}) {
-    const bool nodes = kind == inpS_SetKind::Nodes;
-    const long long base = nodes ? scope.nodeBase : scope.elementBase;
-    for (const bool internal : {false, true}) {
-      for (const KvoSimPosition& position :
-           nodes ? mesh.NodeSets(scope.owner, internal) : mesh.ElementSets(scope.owner, internal)) {
-        const KvoSimDataRecord record = position.DataRecord();
-        inpS_SetDefinition& set = scope.sets.FindOrAdd(
-            kind, record.ReturnString(nodes ? eds_NodeSet_Name : eds_ElementSet_Name));
-        set.internal = internal;
-        set.unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
-        set.isStored = true;
-        const KvoSimCSet members =
-            record.GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
-        for (long long n = 0; !members.IsNull() && n < members.Size(); ++n)
-          inpS_addRun(set, members.Set()[n] - base, 1);
-      }
-    }
-  }
+  inpS_MeshSetReader::ReadStored(m_inventory.GetDocument().GetMesh(), scope);
 }
 
 bool inpS_MeshVisitor::MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope) {
@@ -183,20 +166,13 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
 void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
+  for (wip_Message& message : inpS_unreadFieldMessages(keyword, inpS_System::UnreadFields(keyword)))
+    AddError(std::move(message));
   scope.system.FillIdentity();
   if (scope.system.ReadSystem(keyword)) return;
   scope.system.FillIdentity();
   Error(keyword, "The points of the system do not define its axes (they coincide or lie on one "
                  "line); the nodes that follow are read in global coordinates.");
-}
-
-// The set that a mesh keyword's nodes or elements also go into; null: none, or one without a name.
-const inp_Item* inpS_MeshVisitor::FindSetName(const inp_Keyword& keyword,
-                                              std::string_view parameter) {
-  const inp_Item* name = keyword.Find(parameter);
-  if (!name || !name->AsString().empty()) return name;
-  AddError(inp_Utils::MessageAtParameter(keyword, parameter, "The name of the set is missing."));
-  return nullptr;
 }
 
 void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
@@ -205,31 +181,47 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
   if (!MayGrow(keyword, scope)) return;
   keyword.Find("input"); // the parser has read that file's lines
   inpS_NodeReader reader(*this);
-  if (const inp_Item* system = keyword.Find("system")) {
-    const cow_String& value = system->AsString();
-    reader.SetCylindricalSystem(value == "C");
-    reader.SetSphericalSystem(value == "S");
-    if (value != "C" && value != "S" && value != "R")
-      AddWarning(inp_Utils::MessageAtParameter(
-          keyword, "system",
-          inpS_messageText(inpS_app_InvalidParameterValue, {"system"}) +
-              " The coordinates are taken as rectangular."));
-  }
-  inpS_SetDefinition* set = nullptr;
-  if (const inp_Item* name = FindSetName(keyword, "nset")) {
-    set = &scope.sets.FindOrAdd(inpS_SetKind::Nodes, name->AsString());
-    inpS_beginRuns(*set, keyword);
-  }
+  reader.ReadLocalSystem(keyword, *this);
+  inpS_SetDefinition* set = m_setReader.Open(keyword, scope, inpS_SetKind::Nodes, "nset");
   m_nodes.Reserve(scope.nodeOccurrence, m_nodes.Size(scope.nodeOccurrence) + keyword.Data().Rows());
   cow_List<int> refused;
-  reader.Read(keyword, scope.system, [&](const inpS_NodePiece& nodes) {
-    for (const int label : nodes.labels) m_largestNodeLabel = std::max(m_largestNodeLabel, label);
-    scope.nodes.Merge(nodes, m_nodes, scope.nodeOccurrence, scope.owner, set, refused);
-  });
+  reader.Read(keyword, scope.system,
+              [&](const inpS_NodePiece& nodes) { TakeNodes(scope, nodes, set, refused); });
+  ReportRefused(keyword, refused);
+}
+
+void inpS_MeshVisitor::TakeNodes(inpS_MeshScope& scope, const inpS_NodePiece& nodes,
+                                 inpS_SetDefinition* set, cow_List<int>& refused) {
+  for (const int label : nodes.labels) m_largestNodeLabel = std::max(m_largestNodeLabel, label);
+  scope.nodes.Merge(nodes, m_nodes, scope.nodeOccurrence, scope.owner, set, refused);
+}
+
+void inpS_MeshVisitor::ReportRefused(const inp_Keyword& keyword, const cow_List<int>& refused) {
   if (!refused.empty())
     AddError(inp_Utils::MessageInKeyword(
         keyword,
         "These nodes are not this deck section's own and cannot be defined again here: ", refused));
+}
+
+void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  if (!MayGrow(keyword, scope)) return;
+  const KvoObjMesh mesh = m_inventory.GetDocument().GetMesh();
+  inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements, mesh);
+  cow_List<int> refused;
+  inpS_NodeGeneration generation(known, scope, m_setReader,
+                                 m_inventory.NumberSpatialDimensions() == 3, *this,
+                                 [&](const inpS_NodePiece& nodes, inpS_SetDefinition* set) {
+                                   TakeNodes(scope, nodes, set, refused);
+                                 });
+  try {
+    generation.Read(keyword);
+  } catch (const utl_Assertion& fault) { // the deck's other faults are told all the same
+    Error(keyword, "The keyword cannot be carried out; it ends where this does not hold: " +
+                       cow_String(fault.what()));
+  }
+  ReportRefused(keyword, refused);
 }
 
 // ---- elements
@@ -238,14 +230,20 @@ void inpS_MeshVisitor::ReadUserElement(const inp_Keyword& keyword) {
   const inp_Item* type = keyword.Find("type");
   const inp_Item* nodes = keyword.Find("nodes");
   if (!type || !nodes) return;
-  const bool usable =
-      nodes->IsNumber() && nodes->AsInt() > 0 && nodes->AsInt() <= kMostNodesOfUserElement;
-  if (usable)
-    m_typeData.UpdateUserElemType(type->AsString(), nodes->AsInt());
-  else
-    AddError(inp_Utils::MessageAtParameter(
+  const bool usable = nodes->GetKind() == inp_Item::Kind::Integer && nodes->AsInt() > 0 &&
+                      nodes->AsInt() <= kMostNodesOfUserElement;
+  if (!usable)
+    return AddError(inp_Utils::MessageAtParameter(
         keyword, "nodes",
         "A user element has from 1 to " + std::to_string(kMostNodesOfUserElement) + " nodes."));
+  const cow_String& name = type->AsString();
+  const int known = m_typeData.MinNodesPerElement(name);
+  if (known > 0 && known != nodes->AsInt())
+    AddWarning(inp_Utils::MessageAtParameter(keyword, "nodes",
+                                             "Element type \"" + name + "\" has " +
+                                                 std::to_string(known) +
+                                                 " nodes already; this number is not used."));
+  m_typeData.UpdateUserElemType(name, nodes->AsInt());
 }
 
 bool inpS_MeshVisitor::CheckElementType(const inp_Keyword& keyword, const cow_String& type) {
@@ -280,7 +278,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (!MayGrow(keyword, scope)) return;
   keyword.Find("input"); // the parser has read that file's lines
   const inp_Item* file = keyword.Find("file");
-  const inp_Item* elset = FindSetName(keyword, "elset");
+  const inp_Item* elset = m_setReader.FindName(keyword, "elset");
   const bool solidNumbering = keyword.HasParameter("solidelementnumbering");
   const inp_Item* typeItem = keyword.Find("type");
   if (!typeItem || typeItem->AsString().empty()) {
@@ -295,14 +293,15 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
       solidNumbering                        ? "SOLID ELEMENT NUMBERING"
       : file && parameters.IsSubstructure() ? "FILE=" + file->Verbatim()
                                             : "",
-      false};
+      false, parameters.Form()};
   const long long first = m_elements.Size(scope.elementOccurrence);
   m_elements.Reserve(scope.elementOccurrence, first + keyword.Data().Rows());
-  LabelFaults faults;
-  // Without any node to refer to, or with nodes named by instance, nothing can be translated yet.
+  inpS_LabelFaults faults;
+  // Without any node to refer to, or with nodes named by instance, nothing can be translated yet;
+  // where others will be made from these elements, they are to stay at hand as the deck has them.
   const bool mayStream = m_nodes.Size(scope.nodeOccurrence) > 0 &&
                          !(scope.kind == inpS_MeshScope::Kind::Root && m_hasInstances) &&
-                         inpS_ElementStream::Serves(parameters);
+                         !m_copyScopes.Holds(scope) && inpS_ElementStream::Serves(parameters);
   // Elements that stood in front of all nodes make one block with those behind.
   kind.held = true;
   kind.held = !mayStream || scope.elements.Continues(kind);
@@ -310,7 +309,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
     StreamElements(keyword, scope, parameters, kind, faults);
   else
     HoldElements(keyword, scope, parameters, kind, faults);
-  ReportLabels(keyword, type, faults);
+  faults.Report(keyword, parameters, scope, m_elements, *this);
   const long long count = m_elements.Size(scope.elementOccurrence) - first;
   if (!elset) return;
   inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString());
@@ -318,24 +317,40 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (count > 0) inpS_addRun(set, first, count);
 }
 
+inpS_ElementCopies inpS_MeshVisitor::Copies() {
+  return {m_nodes, m_elements, m_scopes, m_setReader, m_typeData, TypeNames(), *this};
+}
+
+void inpS_MeshVisitor::VisitElgen(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  if (MayGrow(keyword, scope)) Copies().Generate(keyword, scope);
+}
+
+void inpS_MeshVisitor::VisitElcopy(const inp_Keyword& keyword) {
+  if (Skip(keyword)) return;
+  inpS_MeshScope& scope = *ScopeOf(keyword);
+  if (MayGrow(keyword, scope)) Copies().Copy(keyword, scope);
+}
+
 void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                       const inpS_ElementParameters& parameters,
                                       const inpS_ElementConnectivity::Kind& kind,
-                                      LabelFaults& faults) {
+                                      inpS_LabelFaults& faults) {
   inpS_ElementStream stream(parameters, *this);
   bool begun = false;
   stream.Read(keyword, m_nodes, scope.nodeOccurrence, [&](const inpS_ElementStream::Piece& piece) {
     if (!begun)
       scope.elements.BlockFor(kind, m_elements.Size(scope.elementOccurrence), keyword, scope.owner);
     begun = true;
-    LabelElements(scope, piece.labels, faults);
+    faults.Define(scope, piece.labels, m_elements);
     scope.elements.AppendStreamed(piece.ordinals, piece.open);
   });
 }
 
 void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                     const inpS_ElementParameters& parameters,
-                                    inpS_ElementConnectivity::Kind kind, LabelFaults& faults) {
+                                    inpS_ElementConnectivity::Kind kind, inpS_LabelFaults& faults) {
   inpS_ElementTopologyReader reader(parameters, *this);
   reader.Read(keyword, scope.kind == inpS_MeshScope::Kind::Root);
   if (reader.Count() == 0) return;
@@ -354,142 +369,22 @@ void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& 
   kind.width = reader.Width();
   kind.held = true;
   const long long first = m_elements.Size(scope.elementOccurrence);
-  LabelElements(scope, reader.Labels(), faults);
+  faults.Define(scope, reader.Labels(), m_elements);
   inpS_ElementBlock& block = scope.elements.BlockFor(kind, first, keyword, scope.owner);
   scope.elements.AppendHeld(block, reader, reader.IsRagged() || parameters.IsConnectorElement());
-}
-
-// An element label may be defined once: unlike a node, which is only moved, a second element would
-// silently take the first one's nodes away.
-void inpS_MeshVisitor::LabelElements(inpS_MeshScope& scope, std::span<const int> labels,
-                                     LabelFaults& faults) {
-  constexpr std::size_t kBlock = 1 << 14;
-  int ordinals[kBlock];
-  for (std::size_t begin = 0; begin < labels.size(); begin += kBlock) {
-    const std::span<const int> block =
-        labels.subspan(begin, std::min(kBlock, labels.size() - begin));
-    long long next = m_elements.Size(scope.elementOccurrence);
-    const auto fresh = static_cast<std::size_t>(m_elements.AddInstanceLabels(
-        scope.elementOccurrence, block, std::span<int>(ordinals, block.size())));
-    for (const int label : block)
-      if (label <= 0) faults.notPositive.push_back(label);
-    if (fresh == block.size()) continue;
-    for (std::size_t n = 0; n < block.size(); ++n) {
-      if (ordinals[n] == next)
-        ++next;
-      else
-        faults.repeated.push_back(block[n]);
-    }
-  }
-}
-
-void inpS_MeshVisitor::ReportLabels(const inp_Keyword& keyword, const cow_String& type,
-                                    LabelFaults& faults) {
-  if (std::erase(faults.notPositive, 0) > 0)
-    Error(keyword, inp_Utils::Format(inpS_messageText(inpS_mesh_ElementNumberMissing).c_str(),
-                                     type.c_str()));
-  if (!faults.notPositive.empty())
-    AddError(inp_Utils::MessageInKeyword(
-        keyword, "Element labels must be positive integers: ", faults.notPositive));
-  if (!faults.repeated.empty())
-    AddError(inp_Utils::MessageInKeyword(
-        keyword, "Elements are defined more than once; only the first definition counts: ",
-        faults.repeated));
 }
 
 // ---- sets
 
 void inpS_MeshVisitor::VisitNset(const inp_Keyword& keyword) {
-  ReadSet(keyword, inpS_SetKind::Nodes, "nset");
+  if (!Skip(keyword)) m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Nodes);
 }
 
 void inpS_MeshVisitor::VisitElset(const inp_Keyword& keyword) {
-  ReadSet(keyword, inpS_SetKind::Elements, "elset");
-}
-
-void inpS_MeshVisitor::ReadSet(const inp_Keyword& keyword, inpS_SetKind kind,
-                               const char* nameParameter) {
-  if (Skip(keyword)) return;
-  inpS_MeshScope& scope = *ScopeOf(keyword);
-  const inp_Item* name = keyword.Find(nameParameter);
-  keyword.Find("input");
-  const bool internal = keyword.HasParameter("internal");
-  const bool unsorted = kind == inpS_SetKind::Nodes && keyword.HasParameter("unsorted");
-  const bool generate = keyword.HasParameter("generate");
-  const inp_Item* ofElset = kind == inpS_SetKind::Nodes ? keyword.Find("elset") : nullptr;
-  cow_String instance;
-  const bool instanceKnown = FindSetInstance(keyword, scope, instance);
-  if (!name || name->AsString().empty()) {
-    Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {nameParameter}));
-    return;
-  }
-  if (!instanceKnown) return;
-
-  inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
-  set.isStored = false;
-  set.internal = set.internal || internal;
-  set.unsorted = set.unsorted || unsorted;
-  inpS_SetReader reader(keyword, set, *this);
-  reader.SetInstance(instance);
-  if (ofElset) {
-    inpS_SetEntry& entry = set.entries.emplace_back();
-    entry.kind = inpS_SetEntry::Kind::NodesOfElset;
-    entry.name = ofElset->AsString();
-    entry.instance = instance;
-    entry.keyword = static_cast<int>(set.keywords.size()) - 1;
-    const cow_List<cow_String> parts = inp_Utils::SplitScopedField(ofElset->Verbatim());
-    if (inp_Utils::IsScopedSetName(parts)) {
-      entry.instance = parts[parts.size() - 2];
-      entry.name = parts.back();
-    }
-    return;
-  }
-  if (generate)
-    reader.GenerateSetIds();
-  else
-    reader.Read();
-}
-
-bool inpS_MeshVisitor::FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
-                                       cow_String& instance) {
-  const inp_Item* item = keyword.Find("instance");
-  if (!item) return true;
-  if (scope.kind == inpS_MeshScope::Kind::Instance) {
-    AddError(inp_Utils::MessageAtParameter(
-        keyword, "instance", "Instance parameter cannot be used at the part instance level."));
-    return false;
-  }
-  instance = item->AsString();
-  if (m_scopes.FindInstance(instance)) return true;
-  AddError(inp_Utils::MessageAtParameter(
-      keyword, "instance", inp_Utils::Format("Instance %s is not defined.", instance.c_str())));
-  return false;
+  if (!Skip(keyword)) m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Elements);
 }
 
 // ---- the end of the walk
-
-void inpS_MeshVisitor::ResolveScopedNodes(inpS_MeshScope& scope) {
-  for (inpS_ElementBlock& block : scope.elements.Blocks()) {
-    for (const inpS_ScopedNode& node : block.scoped) {
-      const inpS_MeshScope* instance = m_scopes.FindInstance(node.instance);
-      const int ordinal =
-          instance ? m_nodes.ConvertInstanceLabel(instance->nodeOccurrence, node.label) : -1;
-      if (ordinal >= 0) {
-        block.nodes[static_cast<std::size_t>(node.element * block.width + node.index)] =
-            static_cast<int>(instance->nodeBase + ordinal);
-        continue;
-      }
-      const auto from = std::find_if(block.from.rbegin(), block.from.rend(),
-                                     [&](const auto& f) { return f.firstElement <= node.element; });
-      const inp_Keyword& keyword = from->keyword;
-      if (!instance)
-        Error(keyword, inp_Utils::Format("Instance %s is not defined.", node.instance.c_str()));
-      else
-        Error(keyword, "Elements refer to nodes that do not exist: " + node.instance + "." +
-                           std::to_string(node.label));
-    }
-  }
-}
 
 cow_List<cow_String> inpS_MeshVisitor::TypeNames() const {
   cow_List<cow_String> names;
@@ -517,22 +412,24 @@ void inpS_MeshVisitor::CompleteParts(inp_KeywordListRef keywords) {
   for (inpS_MeshScope& scope : m_scopes.All()) {
     if (scope.kind != inpS_MeshScope::Kind::Part) continue;
     scope.nodes.Finish();
-    inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
+    inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
   }
 }
 
 void inpS_MeshVisitor::Finish() {
   const cow_List<cow_String> types = TypeNames();
-  for (inpS_MeshScope& scope : m_scopes.All()) {
-    if (scope.kind == inpS_MeshScope::Kind::Part) continue;
+  const auto complete = [&](inpS_MeshScope& scope) {
     scope.nodes.Finish();
-    inpS_GeneratedNodes::Complete(scope, types, m_nodes, m_largestNodeLabel);
-  }
+    inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
+  };
+  for (inpS_MeshScope& scope : m_scopes.All())
+    if (scope.kind == inpS_MeshScope::Kind::Instance) complete(scope);
+  complete(m_scopes.Root());
   m_scopes.AssignFlatOrdinals(m_storedNodes, m_storedElements);
   for (inpS_MeshScope& scope : m_scopes.All())
     scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
                            *this);
-  ResolveScopedNodes(m_scopes.Root());
+  inpS_resolveScopedNodes(m_scopes, m_nodes, *this);
   for (inpS_MeshScope& scope : m_scopes.All()) scope.elements.StoreHeld(scope.owner);
   m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, *this);
   for (const inpS_MeshScope& scope : m_scopes.All())

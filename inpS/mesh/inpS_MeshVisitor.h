@@ -3,7 +3,10 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/mesh/inpS_BasicElemTypeData.h"
-#include "inpS/mesh/inpS_MeshScope.h"
+#include "inpS/mesh/inpS_ElementCopies.h"
+#include "inpS/mesh/inpS_LabelFaults.h"
+#include "inpS/mesh/inpS_MeshSetReader.h"
+#include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 
 class KvoSimTransaction;
@@ -21,8 +24,14 @@ public:
   void VisitList(inp_KeywordListRef keywords) override; // walks, then resolves
 
   void VisitNode(const inp_Keyword& keyword) override;
+  void VisitNgen(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
+  void VisitNfill(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
+  void VisitNcopy(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
+  void VisitNmap(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
   void VisitElement(const inp_Keyword& keyword) override;
   void VisitAssemblyElement(const inp_Keyword& keyword) override { VisitElement(keyword); }
+  void VisitElgen(const inp_Keyword& keyword) override;
+  void VisitElcopy(const inp_Keyword& keyword) override;
   void VisitNset(const inp_Keyword& keyword) override;
   void VisitElset(const inp_Keyword& keyword) override;
   void VisitAssemblyNset(const inp_Keyword& keyword) override { VisitNset(keyword); }
@@ -47,35 +56,28 @@ private:
     int maxNodes = 0;
     KvoSimPosition spec;
   };
-  struct LabelFaults { // of one keyword's elements
-    cow_List<int> notPositive;
-    cow_List<int> repeated;
-  };
 
   inpS_MeshScope* ScopeOf(const inp_Keyword& keyword); // null: it belongs to a refused instance
   inpS_MeshScope* OpenPart(const cow_String& name);
   void OpenRoot();
   void OpenLabels(inpS_MeshScope& scope);
-  void ReadStoredSets(inpS_MeshScope& scope);
   bool MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope);
   bool Skip(const inp_Keyword& keyword);
+  void GenerateNodes(const inp_Keyword& keyword);
+  void TakeNodes(inpS_MeshScope& scope, const inpS_NodePiece& nodes, inpS_SetDefinition* set,
+                 cow_List<int>& refused);
+  void ReportRefused(const inp_Keyword& keyword, const cow_List<int>& refused);
   void ReadUserElement(const inp_Keyword& keyword);
 
-  void ReadSet(const inp_Keyword& keyword, inpS_SetKind kind, const char* nameParameter);
-  bool FindSetInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
-                       cow_String& instance);
-  const inp_Item* FindSetName(const inp_Keyword& keyword, std::string_view parameter);
   int FindElementType(const inpS_ElementParameters& parameters);
   bool CheckElementType(const inp_Keyword& keyword, const cow_String& type);
+  inpS_ElementCopies Copies();
   void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                       const inpS_ElementParameters& parameters,
-                      const inpS_ElementConnectivity::Kind& kind, LabelFaults& faults);
+                      const inpS_ElementConnectivity::Kind& kind, inpS_LabelFaults& faults);
   void HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                     const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
-                    LabelFaults& faults);
-  void LabelElements(inpS_MeshScope& scope, std::span<const int> labels, LabelFaults& faults);
-  void ReportLabels(const inp_Keyword& keyword, const cow_String& type, LabelFaults& faults);
-  void ResolveScopedNodes(inpS_MeshScope& scope);
+                    inpS_LabelFaults& faults);
   cow_List<cow_String> TypeNames() const;
   void CompleteParts(inp_KeywordListRef keywords);
   void Finish();
@@ -87,9 +89,12 @@ private:
   cow_List<ElementType> m_types;
   cow_Map<cow_String, int> m_typeIndex;
   inpS_MeshScopes m_scopes;
+  inpS_MeshSetReader m_setReader;
   inp_ScopePtr m_lastScope;
   inpS_MeshScope* m_current = nullptr;
   std::unique_ptr<inpS_SetResolver> m_resolver;
+  inpS_CopyScopes m_copyScopes;
+  inpS_GeneratorScopes m_generatorScopes;
   bool m_hasInstances = false; // anywhere in the deck
   int m_largestNodeLabel = 0;
   long long m_storedNodes = 0; // in the flat mesh before this deck

@@ -1,11 +1,16 @@
 #include "inpS/mesh/inpS_NodeGenerator.h"
 #include "inpS/framework/inpS_System.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_Keyword.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
 #include <cmath>
 
 namespace {
 
 constexpr double kRadians = 3.141592653589793 / 180.0;
 constexpr double kZeroBelow = 1e-12;
+constexpr double kUnitLength = 1e-14;
 
 double snapped(double value) {
   return std::fabs(value) < kZeroBelow ? 0.0 : value;
@@ -36,4 +41,25 @@ void inpS_NodeGenerator::ConvertPoints(std::span<double> coordinates,
   if (m_cylindrical || m_spherical)
     for (std::size_t n = 0; n + 2 < coordinates.size(); n += 3) ToRectangular(&coordinates[n]);
   system.Transform(coordinates);
+}
+
+void inpS_NodeGenerator::ReadLocalSystem(const inp_Keyword& keyword, inp_Visitor& messages) {
+  const inp_Item* system = keyword.Find("system");
+  if (!system) return;
+  const cow_String& value = system->AsString();
+  SetCylindricalSystem(value == "C");
+  SetSphericalSystem(value == "S");
+  if (value != "C" && value != "S" && value != "R")
+    messages.AddWarning(
+        inp_Utils::MessageAtParameter(keyword, "system",
+                                      inpS_messageText(inpS_app_InvalidParameterValue, {"system"}) +
+                                          " The coordinates are taken as rectangular."));
+}
+
+bool inpS_NodeGenerator::ToUnitLength(double vector[3]) {
+  const double length = std::hypot(vector[0], vector[1], vector[2]);
+  if (!(length > 0) || std::isinf(length)) return false;
+  if (std::fabs(length - 1.0) > kUnitLength)
+    for (int i = 0; i < 3; ++i) vector[i] /= length;
+  return true;
 }

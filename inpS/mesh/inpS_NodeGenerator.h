@@ -4,6 +4,8 @@
 #include <span>
 
 class inpS_System;
+class inp_Keyword;
+class inp_Visitor;
 
 // Nodes on their way into the mesh: some thousand at a time, in the order in which the deck gives
 // them. A label already known is overwritten in place when they are merged.
@@ -24,6 +26,8 @@ public:
 
   void SetCylindricalSystem(bool cylindrical) { m_cylindrical = cylindrical; }
   void SetSphericalSystem(bool spherical) { m_spherical = spherical; }
+  // Both from the keyword's "system": C, S or R; anything else is told and taken as R.
+  void ReadLocalSystem(const inp_Keyword& keyword, inp_Visitor& messages);
   bool HasNormals() const { return m_hasNormals; }
 
   // From the keyword's local system (r, theta, z or r, theta, phi; degrees) to rectangular axes. A
@@ -33,6 +37,9 @@ public:
   static void SphericalToRectangular(double point[3]);
 
 protected:
+  // False, and the vector as it was, when it has no direction. One that is as good as of unit
+  // length already stays as it is, so that it reads the same when it is written back.
+  static bool ToUnitLength(double vector[3]);
   void ToRectangular(double point[3]) const;
   // Coordinates as read to rectangular axes, then by the current coordinate system.
   void ConvertPoints(std::span<double> coordinates, const inpS_System& system) const;

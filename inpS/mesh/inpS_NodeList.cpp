@@ -27,13 +27,20 @@ void inpS_NodeList::Merge(const inpS_NodePiece& nodes, KvoObjLabeler& labeler, i
   const auto fresh = labeler.AddInstanceLabels(occurrence, nodes.labels, ordinals);
   const bool allNew = fresh == static_cast<long long>(nodes.labels.size());
   if (allNew) {
-    m_writer->Append(nodes.coordinates);
+    AppendPoints(nodes.coordinates);
     m_count += fresh;
     if (set) inpS_addRun(*set, before, fresh);
   } else {
     Scatter(nodes, ordinals, set, refused);
   }
   MergeNormals(nodes, ordinals, allNew);
+}
+
+void inpS_NodeList::AppendPoints(std::span<const double> points) {
+  if (m_keep)
+    m_points.Append(points);
+  else
+    m_writer->Append(points);
 }
 
 void inpS_NodeList::Scatter(const inpS_NodePiece& nodes, std::span<const int> ordinals,
@@ -47,8 +54,10 @@ void inpS_NodeList::Scatter(const inpS_NodePiece& nodes, std::span<const int> or
     if (set) inpS_addRun(*set, ordinals[n], 1);
     const std::span<const double> point = nodes.coordinates.subspan(3 * n, 3);
     if (at == m_count) {
-      m_writer->Append(point);
+      AppendPoints(point);
       ++m_count;
+    } else if (m_keep) {
+      std::copy(point.begin(), point.end(), m_points.Data() + 3 * at);
     } else {
       m_moved.push_back({static_cast<int>(at), {point[0], point[1], point[2]}});
     }
@@ -87,6 +96,11 @@ void inpS_NodeList::MergeNormals(const inpS_NodePiece& nodes, std::span<const in
 void inpS_NodeList::Finish() {
   if (!m_writer) return;
   FlushMoved();
+  if (m_keep) m_writer->Append(std::span<const double>(m_points));
+  m_keep = false;
+  m_points = {};
+  m_normalAt = {};
+  m_indexedNormals = 0;
   m_array = m_writer->Finish();
   m_writer.reset();
   m_moved = {};
@@ -96,7 +110,7 @@ void inpS_NodeList::Finish() {
 }
 
 void inpS_NodeList::LoadPoints() {
-  if (!m_points.IsEmpty() || m_count == 0) return;
+  if (m_keep || !m_points.IsEmpty() || m_count == 0) return;
   m_points.Resize(3 * static_cast<std::size_t>(m_count));
   eds_ArrayReader(m_array).ReadPiece(0, std::span<double>(m_points));
 }
@@ -104,6 +118,27 @@ void inpS_NodeList::LoadPoints() {
 const double* inpS_NodeList::Point(long long ordinal) {
   LoadPoints();
   return m_points.Data() + 3 * static_cast<std::size_t>(ordinal - m_base);
+}
+
+// Only what came since the last call is looked at: generators and nodes may take turns.
+void inpS_NodeList::IndexNormals() {
+  const std::size_t before = m_normalAt.Size();
+  m_normalAt.Resize(static_cast<std::size_t>(m_count));
+  std::fill(m_normalAt.begin() + before, m_normalAt.end(), -1);
+  for (; m_indexedNormals < m_normalOrdinals.Size(); ++m_indexedNormals)
+    m_normalAt[static_cast<std::size_t>(m_normalOrdinals[m_indexedNormals])] =
+        static_cast<int>(m_indexedNormals);
+}
+
+const double* inpS_NodeList::Normal(long long ordinal) {
+  if (m_normalOrdinals.IsEmpty()) return nullptr;
+  if (m_indexedNormals < m_normalOrdinals.Size() ||
+      m_normalAt.Size() < static_cast<std::size_t>(m_count))
+    IndexNormals();
+  const int at = m_normalAt[static_cast<std::size_t>(ordinal - m_base)];
+  const double* normal = at < 0 ? nullptr : m_normals.Data() + 3 * static_cast<std::size_t>(at);
+  const bool cleared = normal && normal[0] == 0 && normal[1] == 0 && normal[2] == 0;
+  return cleared ? nullptr : normal;
 }
 
 void inpS_NodeList::AddGenerated(const double point[3], const KvoSimPosition& owner) {

@@ -12,8 +12,6 @@ namespace {
 
 constexpr int kValues = 6; // three coordinates, three normal components
 constexpr long long kMaxLabel = 999999999;
-// A normal this close to unit length is left as it is, so that one written back reads the same.
-constexpr double kUnitLength = 1e-14;
 
 } // namespace
 
@@ -77,9 +75,7 @@ void inpS_NodeReader::AddNormal(const double values[3], std::size_t slot,
   if (values[0] == 0.0 && values[1] == 0.0 && values[2] == 0.0) return;
   double normal[3] = {values[0], values[1], values[2]};
   ToRectangular(normal);
-  const double length = std::hypot(normal[0], normal[1], normal[2]);
-  if (std::fabs(length - 1.0) > kUnitLength && length > 0)
-    for (double& component : normal) component /= length;
+  ToUnitLength(normal);
   system.TransformVector(normal[0], normal[1], normal[2]);
   m_normalAt.push_back(slot);
   m_normals.insert(m_normals.end(), normal, normal + 3);

@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_SetResolver.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/mesh/inpS_OldElements.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -127,6 +128,7 @@ void inpS_SetResolver::ResolveFirst(const inpS_MeshScope& scope, const inpS_SetD
     }
     const Entry& entry = frame.set->entries[frame.nextEntry++];
     if (entry.kind != Entry::Kind::Set && entry.kind != Entry::Kind::NodesOfElset) continue;
+    if (!MayTell(entry)) continue;
     const inpS_SetKind kind =
         entry.kind == Entry::Kind::Set ? frame.set->kind : inpS_SetKind::Elements;
     const Target target = Find(*frame.scope, kind, *frame.set, entry, false);
@@ -185,8 +187,16 @@ inpS_SetResolver::Target inpS_SetResolver::Find(const inpS_MeshScope& scope, inp
   return {};
 }
 
+bool inpS_SetResolver::MayTell(const Entry& entry) const {
+  return !m_underway || entry.instance.empty();
+}
+
 void inpS_SetResolver::AddEntry(const inpS_MeshScope& scope, const inpS_SetDefinition& set,
                                 const Entry& entry, Gathered& gathered) {
+  if (!MayTell(entry)) {
+    m_leftOut = true;
+    return;
+  }
   switch (entry.kind) {
   case Entry::Kind::Positions:
     gathered.Add(eds_MemberSet::Strided(static_cast<int>(entry.first), entry.count),
@@ -210,7 +220,10 @@ void inpS_SetResolver::AddEntry(const inpS_MeshScope& scope, const inpS_SetDefin
   }
   case Entry::Kind::NodesOfElset: {
     const Target target = Find(scope, inpS_SetKind::Elements, set, entry, true);
-    if (target.set && m_results[target.set].state == State::Done)
+    if (!target.set || m_results[target.set].state != State::Done) return;
+    if (m_underway)
+      AddNodesKnown(scope, m_results[target.set].members, gathered);
+    else
       AddNodesOf(scope, m_results[target.set].members, target.offset, gathered);
     return;
   }
@@ -290,6 +303,27 @@ void inpS_SetResolver::AddNodesOf(const inpS_MeshScope& scope, const eds_MemberS
     }
     for (const int node : connectivity.Of(*block, element - block->first))
       if (node >= 0) used[static_cast<std::size_t>(node + (inPart ? 0 : owner.nodeBase))] = true;
+  }
+  for (std::size_t node = 0; node < used.size(); ++node)
+    if (used[node]) gathered.Add(static_cast<long long>(node));
+}
+
+void inpS_SetResolver::AddNodesKnown(const inpS_MeshScope& scope, const eds_MemberSet& elements,
+                                     Gathered& gathered) {
+  std::vector<bool> used(static_cast<std::size_t>(m_nodes.Size(scope.nodeOccurrence)));
+  const inpS_OldElements old(scope, m_nodes);
+  for (long long n = 0; n < elements.Size(); ++n) {
+    const long long element = elements[n];
+    const inpS_OldElements::Place place = old.Find(element);
+    if (!place.owner || !inpS_OldElements::ScopedOf(place.Block(), element).empty()) {
+      m_leftOut = true;
+      continue;
+    }
+    for (const int label : inpS_OldElements::NodesOf(place.Block(), element)) {
+      if (label <= 0) continue;
+      const int ordinal = m_nodes.ConvertInstanceLabel(scope.nodeOccurrence, label);
+      if (ordinal >= 0) used[static_cast<std::size_t>(ordinal)] = true;
+    }
   }
   for (std::size_t node = 0; node < used.size(); ++node)
     if (used[node]) gathered.Add(static_cast<long long>(node));

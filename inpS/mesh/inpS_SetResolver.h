@@ -17,6 +17,12 @@ public:
 
   const eds_MemberSet& Members(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
 
+  // While the deck is still read: ordinals of the owner, by what is known so far. What belongs to
+  // instances cannot be told yet; such entries are left out. The elements of owners whose sets name
+  // the nodes of elements are to be held as labels.
+  void SetUnderway() { m_underway = true; }
+  bool HasLeftOut() const { return m_leftOut; }
+
 private:
   // A set of some scope, and what its ordinals need to become those of the set that asks.
   struct Target {
@@ -42,6 +48,7 @@ private:
               const inpS_SetEntry& entry, bool report);
   void ResolveFirst(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
   void Finish(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
+  bool MayTell(const inpS_SetEntry& entry) const;
   void AddEntry(const inpS_MeshScope& scope, const inpS_SetDefinition& set,
                 const inpS_SetEntry& entry, Gathered& gathered);
   void AddLabels(const inpS_MeshScope& owner, inpS_SetKind kind, const inpS_SetEntry& entry,
@@ -50,6 +57,8 @@ private:
                 Gathered& gathered) const;
   void AddNodesOf(const inpS_MeshScope& scope, const eds_MemberSet& elements, long long offset,
                   Gathered& gathered) const;
+  void AddNodesKnown(const inpS_MeshScope& scope, const eds_MemberSet& elements,
+                     Gathered& gathered);
   void ReportMissing(const inpS_SetDefinition& set, Gathered& gathered);
   void ReportEntry(const inpS_SetDefinition& set, const inpS_SetEntry& entry, cow_String text);
 
@@ -57,5 +66,7 @@ private:
   const KvoObjLabeler& m_elements;
   inpS_MeshScopes& m_scopes;
   inp_Visitor& m_messages;
+  bool m_underway = false;
+  bool m_leftOut = false;
   std::unordered_map<const inpS_SetDefinition*, Result> m_results; // a set belongs to one scope
 };

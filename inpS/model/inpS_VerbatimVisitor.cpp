@@ -12,6 +12,25 @@ namespace {
 constexpr int kHistoryBlock = 29;
 constexpr int kFirstBlock = 1;
 
+// The writer gives back the nodes and elements of mesh keywords, not the keywords: one that brings
+// none is not written, and what stood behind it then stands behind the one before.
+bool leavesNothing(const inp_Keyword& keyword) {
+  switch (keyword.Kind()) {
+  case inp_KwSystem:
+    return true;
+  case inp_KwNode:
+  case inp_KwElement:
+  case inp_KwAssemblyElement:
+    break;
+  default:
+    return false;
+  }
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row)
+    if (data.Cols(row) > 0) return false;
+  return true;
+}
+
 } // namespace
 
 inpS_VerbatimVisitor::inpS_VerbatimVisitor(const inpS_Inventory& inventory,
@@ -52,7 +71,7 @@ void inpS_VerbatimVisitor::RefuseNewOwners(const inp_KeywordList& keywords) {
 bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
   const auto index = static_cast<std::size_t>(keyword.Kind());
   if (index >= m_modelled.size() || !m_modelled[index]) return false;
-  if (AsText(keyword)) return false;
+  if (AsText(keyword) || (m_unmodelled && m_unmodelled(keyword))) return false;
   // Inside a step nothing of the model's own keywords is converted, but for what has its name in
   // the whole model wherever it stands.
   if (keyword.Kind() == inp_KwAmplitude) return true;
@@ -102,7 +121,7 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
 // A sub-option goes where its keyword goes, an unknown keyword where the one before it went.
 int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return m_block = kHistoryBlock;
-  if (keyword.Kind() == inp_UnknownKeyword || keyword.IsSuboption())
+  if (keyword.Kind() == inp_UnknownKeyword || keyword.IsSuboption() || leavesNothing(keyword))
     return m_block = m_block == 0 ? kFirstBlock : m_block;
   const int block = inp_KeywordTable::Instance().Row(keyword.Kind())->block;
   return m_block = block == 0 ? kFirstBlock : block;

@@ -4,6 +4,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/model/inpS_NotModelled.h"
+#include <functional>
 
 // Keeps as text, at its level, every keyword that no phase converts, so that nothing of a deck is
 // lost: the writer puts it back in its place. One warning per kind of keyword, at its first place.
@@ -16,6 +17,10 @@ public:
   // (null: what their scope belongs to).
   using TextKeywords = cow_Map<const inp_KeywordBody*, KvoSimPosition>;
   void SetAsText(const TextKeywords* keywords) { m_asText = keywords; }
+  // Keywords of modelled kinds that no phase converts all the same.
+  void SetUnmodelled(std::function<bool(const inp_Keyword&)> unmodelled) {
+    m_unmodelled = std::move(unmodelled);
+  }
 
   void Visit(const inp_Keyword& keyword) override;
   void Report() override;
@@ -39,6 +44,7 @@ private:
   const inpS_Inventory& m_inventory;
   cow_List<bool> m_modelled;
   const TextKeywords* m_asText = nullptr;
+  std::function<bool(const inp_Keyword&)> m_unmodelled;
   bool m_isRestart = false;
   const inp_Scope* m_scope = nullptr; // of the keyword before
   inp_ScopePtr m_scopeHeld;

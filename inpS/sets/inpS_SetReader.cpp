@@ -79,6 +79,10 @@ void inpS_SetReader::ReadField(long long row, int col) {
   case inp_FieldType::Double:
     break;
   }
+  RefuseField(row, col);
+}
+
+void inpS_SetReader::RefuseField(long long row, int col) {
   m_messages.AddError(inp_Utils::MessageAtField(
       m_keyword, row, col,
       "\"" + m_data.AsStringVerbatim(row, col) +
@@ -89,6 +93,7 @@ void inpS_SetReader::ReadName(long long row, int col) {
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(m_data.AsStringVerbatim(row, col));
   if (inp_Utils::IsScopedSetId(parts)) {
     const long long label = std::atoll(parts.back().c_str());
+    if (std::llabs(label) > kMaxLabel) return RefuseField(row, col);
     LabelsOf(parts[parts.size() - 2], row, col).labels.Append(static_cast<int>(label));
     return;
   }
@@ -115,8 +120,11 @@ void inpS_SetReader::GenerateRow(long long row) {
   const Id first = ReadId(row, 0);
   Id last = ReadId(row, 1);
   if (!last.valid) last.label = first.label;
-  long long increment = fields > 2 && m_data.IsNumber(row, 2) ? m_data.AsInt64(row, 2) : 1;
-  if (increment == 0) increment = 1;
+  const cow_String& instance = first.instance.empty() ? m_instance : first.instance;
+  if (!last.instance.empty() && last.instance != instance)
+    AddFault(row, 1,
+             "Both ends of a range must be in the same instance; the first one's is taken.");
+  const long long increment = ReadIncrement(row, fields);
 
   const long long d = last.label - first.label;
   if (d % increment != 0 || (d != 0 && (d < 0) != (increment < 0))) {
@@ -125,17 +133,40 @@ void inpS_SetReader::GenerateRow(long long row) {
     return;
   }
   inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Range, row, 0);
-  entry.instance = first.instance.empty() ? m_instance : first.instance;
+  entry.instance = instance;
   entry.first = first.label;
   entry.increment = increment;
   entry.count = d / increment + 1;
 }
 
+long long inpS_SetReader::ReadIncrement(long long row, int fields) {
+  if (fields > 3)
+    AddFault(row, 3, "Set generation takes three numbers per line; the rest is left out.");
+  if (fields < 3 || m_data.IsNone(row, 2)) return 1;
+  if (m_data.Type(row, 2) != inp_FieldType::Integer)
+    AddFault(row, 2, "The increment must be an integer; 1 is taken.");
+  const long long increment =
+      m_data.Type(row, 2) == inp_FieldType::Integer ? m_data.AsInt64(row, 2) : 0;
+  return increment == 0 ? 1 : increment;
+}
+
 inpS_SetReader::Id inpS_SetReader::ReadId(long long row, int col) {
-  if (m_data.Type(row, col) == inp_FieldType::Integer) return {m_data.AsInt64(row, col), {}, true};
+  Id id;
+  const inp_FieldType type = m_data.Type(row, col);
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(m_data.AsStringVerbatim(row, col));
-  if (m_data.Type(row, col) == inp_FieldType::String && inp_Utils::IsScopedSetId(parts))
-    return {std::atoll(parts.back().c_str()), parts[parts.size() - 2], true};
-  m_messages.AddError(inp_Utils::MessageAtField(m_keyword, row, col, "Id must be an integer"));
+  if (type == inp_FieldType::Integer) {
+    id.label = m_data.AsInt64(row, col);
+  } else if (type == inp_FieldType::String && inp_Utils::IsScopedSetId(parts)) {
+    id.label = std::atoll(parts.back().c_str());
+    id.instance = parts[parts.size() - 2];
+  } else {
+    id.valid = false;
+  }
+  if (id.valid && std::llabs(id.label) <= kMaxLabel) return id;
+  AddFault(row, col, id.valid ? "Id must be an integer up to 999999999" : "Id must be an integer");
   return {0, {}, false};
+}
+
+void inpS_SetReader::AddFault(long long row, int col, const char* text) {
+  m_messages.AddError(inp_Utils::MessageAtField(m_keyword, row, col, text));
 }

@@ -26,6 +26,9 @@ private:
   void ReadName(long long row, int col);
   void GenerateRow(long long row);
   Id ReadId(long long row, int col);
+  long long ReadIncrement(long long row, int fields);
+  void AddFault(long long row, int col, const char* text);
+  void RefuseField(long long row, int col);
   inpS_SetEntry& NewEntry(inpS_SetEntry::Kind kind, long long row, int col);
   inpS_SetEntry& LabelsOf(const cow_String& instance, long long row, int col);
 

@@ -12,10 +12,6 @@ KvoSimCSet membershipOf(const KvoSimPosition& set) {
                                                                   : eds_ElementSet_Membership);
 }
 
-cow_String quoted(const cow_String& name) {
-  return '"' + name + '"';
-}
-
 } // namespace
 
 inpS_SetVisitor::inpS_SetVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -33,6 +29,11 @@ KvoSimPosition inpS_SetVisitor::OwnerOf(const inp_Scope& scope) const {
 }
 
 void inpS_SetVisitor::Visit(const inp_Keyword& keyword) {
+  Enter(keyword);
+  inpS_Visitor::Visit(keyword);
+}
+
+void inpS_SetVisitor::Enter(const inp_Keyword& keyword) {
   if (keyword.ScopePtr() != m_scope || m_owner.IsNull()) {
     m_scope = keyword.ScopePtr();
     const inp_Scope& scope = keyword.Scope();
@@ -45,7 +46,6 @@ void inpS_SetVisitor::Visit(const inp_Keyword& keyword) {
     m_system.FillIdentity();
     if (m_instance.empty()) m_instanceSystem.FillIdentity();
   }
-  inpS_Visitor::Visit(keyword);
 }
 
 void inpS_SetVisitor::VisitSystem(const inp_Keyword& keyword) {
@@ -58,34 +58,59 @@ void inpS_SetVisitor::VisitInstance(const inp_Keyword& keyword) {
 
 // ---- sets by name
 
-inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) {
-  const KvoObjModel model = m_inventory.GetDocument().GetModel();
-  const bool nodes = kind == Kind::Nodes;
-  const eds_Member named = nodes ? eds_Member::NodeSets : eds_Member::ElementSets;
-  const eds_Member internal =
-      nodes ? eds_Member::InternalNodeSets : eds_Member::InternalElementSets;
-  const auto in = [&](const KvoSimPosition& owner, const cow_String& key) {
-    const KvoSimPosition set = owner.FollowStringKey(named, key);
-    return set.IsNull() ? owner.FollowStringKey(internal, key) : set;
-  };
-  KvoSimPosition owner = m_owner;
-  cow_String key = RemoveQuotes(name);
-  // A name given in quotes may have a dot of its own.
-  const bool whole = !owner.IsNull() && !in(owner, key).IsNull();
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(name);
-  if (!whole && inp_Utils::IsScopedSetName(parts)) {
-    owner = model.GetOccurence(parts[parts.size() - 2]);
-    key = parts.back();
-  }
+// An owner's own, else, of an instance, its part's.
+inpS_SetVisitor::Found inpS_SetVisitor::FindIn(Kind kind, const KvoSimPosition& owner,
+                                               const cow_String& key) const {
+  using M = eds_Member;
+  constexpr M members[3][2] = {{M::NodeSets, M::InternalNodeSets},
+                               {M::ElementSets, M::InternalElementSets},
+                               {M::Surfaces, M::InternalSurfaces}};
   if (owner.IsNull()) return {};
-  if (const KvoSimPosition own = in(owner, key); !own.IsNull()) return {own, 0};
+  const auto in = [&](const KvoSimPosition& place) {
+    const auto [named, internal] = members[static_cast<int>(kind)];
+    const KvoSimPosition set = place.FollowStringKey(named, key);
+    return set.IsNull() ? place.FollowStringKey(internal, key) : set;
+  };
+  const KvoSimPosition scopedBy = owner == m_owner ? KvoSimPosition() : owner;
+  if (const KvoSimPosition own = in(owner); !own.IsNull()) return {own, 0, scopedBy};
   if (!owner.IsA(eds_RecordKind::Instance)) return {};
   const KvoSimDataRecord instance = owner.DataRecord();
   const KvoSimPosition part = instance.GetReference(eds_Instance_Part);
   if (part.IsNull()) return {};
-  const KvoSimPosition ofPart = in(part, key);
+  const KvoSimPosition ofPart = in(part);
   if (ofPart.IsNull()) return {};
-  return {ofPart, instance.GetInt64(nodes ? eds_Instance_FirstNode : eds_Instance_FirstElement)};
+  return {
+      ofPart,
+      instance.GetInt64(kind == Kind::Nodes ? eds_Instance_FirstNode : eds_Instance_FirstElement),
+      scopedBy};
+}
+
+inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) const {
+  // A name given in quotes may have a dot of its own.
+  const Found whole = FindIn(kind, m_owner, RemoveQuotes(name));
+  if (!whole.set.IsNull()) return whole;
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(name);
+  if (!inp_Utils::IsScopedSetName(parts)) return {};
+  return FindIn(kind, m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]),
+                parts.back());
+}
+
+inpS_SetVisitor::Found inpS_SetVisitor::FindField(Kind kind, std::string_view asWritten) const {
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
+  if (parts.size() < 2) return FindIn(kind, m_owner, inp_Utils::Fold(asWritten));
+  return FindIn(kind, m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]),
+                parts.back());
+}
+
+inpS_SetVisitor::LabelSpace inpS_SetVisitor::SpaceOf(Kind kind, const cow_String& instance) const {
+  const KvoSimPosition owner =
+      instance.empty() ? m_owner : m_inventory.GetDocument().GetModel().GetOccurence(instance);
+  if (owner.IsNull()) return {};
+  const KvoObjLabeler& labeler = LabelerOf(kind);
+  const int occurrence = labeler.FindOccurrence(owner);
+  if (occurrence < 0) return {};
+  const bool flat = !owner.IsA(eds_RecordKind::Part) && labeler.FlatFirst(occurrence) > 0;
+  return {occurrence, flat ? labeler.FlatFirst(occurrence) : 0};
 }
 
 KvoSimPosition inpS_SetVisitor::GetNodeSet(const cow_String& name) {
@@ -96,38 +121,37 @@ KvoSimPosition inpS_SetVisitor::GetElementSet(const cow_String& name) {
   return Find(Kind::Elements, name).set;
 }
 
-// No phase writes surfaces yet, so none has a name.
-KvoSimPosition inpS_SetVisitor::GetSurface(const cow_String&) {
-  return {};
+KvoSimPosition inpS_SetVisitor::GetSurface(const cow_String& name) {
+  return Find(Kind::Surfaces, name).set;
 }
 
-bool inpS_SetVisitor::MembersOf(Kind kind, const cow_String& name, eds_MemberSet& ordinals) {
-  const Found found = Find(kind, name);
+bool inpS_SetVisitor::MembersOf(const Found& found, eds_MemberSet& ordinals) {
   if (found.set.IsNull()) return false;
   const KvoSimCSet members = membershipOf(found.set);
   if (members.IsNull()) {
     ordinals = {};
     return true;
   }
-  ordinals = members.Set();
-  if (found.offset == 0) return true;
-  if (ordinals.IsStrided()) {
-    ordinals = eds_MemberSet::Strided(static_cast<int>(ordinals.First() + found.offset),
-                                      ordinals.Size(), ordinals.Stride());
-    return true;
-  }
-  std::vector<int> moved = ordinals.Members();
-  for (int& member : moved) member += static_cast<int>(found.offset);
-  ordinals = eds_MemberSet::Ordered(std::move(moved));
+  ordinals = Moved(members.Set(), found.offset);
   return true;
 }
 
+eds_MemberSet inpS_SetVisitor::Moved(const eds_MemberSet& members, long long offset) {
+  if (offset == 0 || members.IsEmpty()) return members;
+  if (members.IsStrided())
+    return eds_MemberSet::Strided(static_cast<int>(members.First() + offset), members.Size(),
+                                  members.Stride());
+  std::vector<int> moved = members.Members();
+  for (int& member : moved) member += static_cast<int>(offset);
+  return eds_MemberSet::Ordered(std::move(moved));
+}
+
 bool inpS_SetVisitor::GetNodeSetMembers(const cow_String& name, eds_MemberSet& ordinals) {
-  return MembersOf(Kind::Nodes, name, ordinals);
+  return MembersOf(Find(Kind::Nodes, name), ordinals);
 }
 
 bool inpS_SetVisitor::GetElementSetMembers(const cow_String& name, eds_MemberSet& ordinals) {
-  return MembersOf(Kind::Elements, name, ordinals);
+  return MembersOf(Find(Kind::Elements, name), ordinals);
 }
 
 void inpS_SetVisitor::LabelsOf(Kind kind, const KvoSimPosition& set, cow_List<int>& labels) const {
@@ -214,10 +238,7 @@ bool inpS_SetVisitor::AddField(Kind kind, const cow_String& asWritten, bool isLa
     return true;
   }
   eds_MemberSet members;
-  const bool scoped = inp_Utils::IsScopedSetName(parts);
-  const cow_String name = scoped ? quoted(parts[parts.size() - 2]) + '.' + quoted(parts.back())
-                                 : inp_Utils::Fold(asWritten);
-  if (!MembersOf(kind, name, members)) return false;
+  if (!MembersOf(FindField(kind, asWritten), members)) return false;
   for (long long n = 0; n < members.Size(); ++n) ordinals.push_back(members[n]);
   return true;
 }

@@ -16,6 +16,20 @@
 // part.
 class inpS_SetVisitor : public inpS_Visitor {
 public:
+  enum class Kind { Nodes, Elements, Surfaces };
+  // A set or surface as something names it.
+  struct Found {
+    KvoSimPosition set;
+    long long offset = 0;    // from its ordinals to those of the owner that is open
+    KvoSimPosition instance; // that the name was scoped by
+  };
+  // Where the labels of nodes or elements stand: those of the owner that is open, or of an
+  // instance.
+  struct LabelSpace {
+    int occurrence = -1; // of the labeler; -1: there is none
+    long long offset = 0;
+  };
+
   inpS_SetVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
 
   void Visit(const inp_Keyword& keyword) override;
@@ -31,6 +45,13 @@ public:
   KvoSimPosition GetNodeSet(const cow_String& name);
   KvoSimPosition GetElementSet(const cow_String& name);
   KvoSimPosition GetSurface(const cow_String& name);
+  // A field as it is written: name, "name", instance.name.
+  Found FindField(Kind kind, std::string_view asWritten) const;
+  LabelSpace SpaceOf(Kind kind, const cow_String& instance = {}) const; // empty: no instance
+  const KvoObjLabeler& LabelerOf(Kind kind) const {
+    return kind == Kind::Nodes ? m_nodes : m_elements;
+  }
+  const KvoSimPosition& Owner() const { return m_owner; } // that is open; null: it was refused
   // The members of a named set as ordinals; false when there is no such set.
   bool GetNodeSetMembers(const cow_String& name, eds_MemberSet& ordinals);
   bool GetElementSetMembers(const cow_String& name, eds_MemberSet& ordinals);
@@ -54,22 +75,21 @@ public:
                          cow_List<int>& ordinals, cow_List<cow_String>& unknown);
   void ReadElementParameter(const inp_Keyword& keyword, std::string_view parameter,
                             cow_List<int>& ordinals, cow_List<cow_String>& unknown);
+  // The members with an offset added to each.
+  static eds_MemberSet Moved(const eds_MemberSet& members, long long offset);
   static cow_String RemoveQuotes(const cow_String& name);
 
 protected:
+  void Enter(const inp_Keyword& keyword); // makes its place in the deck the one names are seen from
   const inpS_Inventory& Inventory() const { return m_inventory; }
   KvoObjLabeler& NodeLabeler() { return m_nodes; }
   KvoObjLabeler& ElementLabeler() { return m_elements; }
 
 private:
-  enum class Kind { Nodes, Elements };
-  struct Found {
-    KvoSimPosition set;
-    long long offset = 0; // from the set's ordinals to those of the owner that is open
-  };
   KvoSimPosition OwnerOf(const inp_Scope& scope) const;
-  Found Find(Kind kind, const cow_String& name);
-  bool MembersOf(Kind kind, const cow_String& name, eds_MemberSet& ordinals);
+  Found FindIn(Kind kind, const KvoSimPosition& owner, const cow_String& key) const;
+  Found Find(Kind kind, const cow_String& name) const;
+  static bool MembersOf(const Found& found, eds_MemberSet& ordinals);
   bool OrdinalOf(Kind kind, const KvoSimPosition& owner, int label, long long& ordinal) const;
   void LabelsOf(Kind kind, const KvoSimPosition& set, cow_List<int>& labels) const;
   bool AddField(Kind kind, const cow_String& asWritten, bool isLabel, cow_List<int>& ordinals);
@@ -77,9 +97,6 @@ private:
                 cow_List<int>& ordinals, cow_List<cow_String>& unknown);
   void ReadParameter(Kind kind, const inp_Keyword& keyword, std::string_view parameter,
                      cow_List<int>& ordinals, cow_List<cow_String>& unknown);
-  const KvoObjLabeler& LabelerOf(Kind kind) const {
-    return kind == Kind::Nodes ? m_nodes : m_elements;
-  }
 
   KvoObjLabeler& m_nodes;
   KvoObjLabeler& m_elements;

@@ -1,10 +1,44 @@
 #pragma once
 
+#include "database/KvoObjSurface.h"
 #include "inpS/sets/inpS_SetVisitor.h"
+#include <memory>
 
-// The surfaces phase; it lives until the surface nodal areas are written. It converts no keyword
-// yet: they are kept as text.
+class inpS_SurfaceCombiner;
+class inpS_SurfaceStore;
+
+// The surfaces phase: *SURFACE in parts, instances, the assembly and the flat model. It lives until
+// the surface nodal areas are written. A part's surfaces are stored once and seen through each of
+// its instances. Surfaces made of others may name them before they are defined.
+//
+// A name stands for what one keyword defines: a second surface of that name is told and left out.
 class inpS_SurfaceVisitor : public inpS_SetVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_SurfaceVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                      const inpS_Inventory& inventory);
+  ~inpS_SurfaceVisitor() override;
+
+  // False for the types that are kept as text.
+  static bool IsModelled(const inp_Keyword& keyword);
+
+  // The deck's surfaces are in the database already (the second look of a restart).
+  void SkipConverted() { m_isConverted = true; }
+
+  void VisitList(inp_KeywordListRef keywords) override;
+  void VisitSurface(const inp_Keyword& keyword) override;
+
+private:
+  bool ReadOperation(const inp_Keyword& keyword, eds_SurfaceOperation& operation);
+  bool IsFree(const inp_Keyword& keyword, const cow_String& name, bool internal);
+  bool IsSecondAnalytical(const inp_Keyword& keyword);
+  bool LacksMesh();
+  void ReadData(const inp_Keyword& keyword, KvoObjSurface& surface);
+  bool ReadAnalytical(const inp_Keyword& keyword, cow_List<double>& points,
+                      cow_List<double>& segments);
+
+  bool m_isConverted = false;
+  long long m_withoutMesh = 0; // surfaces left out since there is no mesh
+  inp_Keyword m_firstWithoutMesh;
+  std::unique_ptr<inpS_SurfaceStore> m_store;
+  std::unique_ptr<inpS_SurfaceCombiner> m_combiner;
 };

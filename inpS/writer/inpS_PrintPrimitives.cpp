@@ -1,4 +1,5 @@
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "base/utl_Number.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSrvFsmFTable.h"

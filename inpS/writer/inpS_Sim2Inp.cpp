@@ -9,6 +9,7 @@
 #include "inpS/writer/inpS_MeshPrinter.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "inpS/writer/inpS_SetPrinter.h"
+#include "inpS/writer/inpS_SurfacePrinter.h"
 #include <algorithm>
 #include <ostream>
 
@@ -67,6 +68,9 @@ struct inpS_Sim2Inp::Impl {
   void PrintElsets(const inpS_DeckScope& scope) {
     if (HasMesh()) inpS_SetPrinter(*labels, *out).PrintElsets(scope);
   }
+  void PrintSurfaces(const inpS_DeckScope& scope) {
+    inpS_SurfacePrinter(*labels, *out).PrintSurfaces(scope);
+  }
   inpS_MaterialPrinter Materials() {
     return {*out, [this](const KvoSimPosition& owner) { PrintKeptOf(owner); }};
   }
@@ -111,7 +115,7 @@ const Impl::Block Impl::blocks[29] = {
     {7, "PrintDistributions", "Distribs", &Impl::PrintKeptOnly},
     {8, "PrintOrientations", "Orients", &Impl::PrintKeptOnly},
     {9, "PrintTransforms", "Xforms", &Impl::PrintKeptOnly},
-    {10, "PrintSurfaces", "Surfs", &Impl::PrintKeptOnly},
+    {10, "PrintSurfaces", "Surfs", &Impl::PrintSurfaces},
     {11, "PrintConstraints", "Constrs", &Impl::PrintKeptOnly},
     {12, "PrintRigidBodies", "RigBods", &Impl::PrintKeptOnly},
     {13, "PrintAmplitudes", "Amps", &Impl::PrintAmplitudes},

@@ -5,6 +5,8 @@
 //   ** expect: error 12: part of the text
 //   ** expect: warning included.inc:3:7: part of the text
 //   ** expect: error 0: part of the text        (a message without a line)
+//   ** expect: note 4: part of the text         (a note of some message; the only ones that may
+//                                                be left unexpected)
 //
 // Every error and warning must be expected and every expectation met; warnings that a keyword is
 // kept as text need not be. A deck without expected errors converts without any; then it is
@@ -90,6 +92,14 @@ bool meets(const json& message, const Expected& expected) {
          message["text"].get<cow_String>().find(expected.text) != cow_String::npos;
 }
 
+bool meet(const json& message, cow_List<Expected>& expectations) {
+  const auto found = std::ranges::find_if(
+      expectations, [&](const Expected& e) { return !e.met && meets(message, e); });
+  if (found == expectations.end()) return false;
+  found->met = true;
+  return true;
+}
+
 bool tellsOfKeptText(const json& message) {
   return message["severity"] == "warning" &&
          message["text"].get<cow_String>().find("kept as text") != cow_String::npos;
@@ -97,11 +107,11 @@ bool tellsOfKeptText(const json& message) {
 
 void compareMessages(const json& messages, cow_List<Expected> expectations) {
   for (const json& message : messages) {
-    const auto found = std::ranges::find_if(
-        expectations, [&](const Expected& e) { return !e.met && meets(message, e); });
-    if (found != expectations.end())
-      found->met = true;
-    else if (!tellsOfKeptText(message))
+    for (json note : message["notes"]) {
+      note["severity"] = "note";
+      meet(note, expectations);
+    }
+    if (!meet(message, expectations) && !tellsOfKeptText(message))
       ADD_FAILURE() << "not expected: " << message["severity"].get<cow_String>() << ' '
                     << message["line"] << ':' << message["column"] << ": "
                     << message["text"].get<cow_String>();

@@ -1,12 +1,15 @@
 #include "base/bcu_ResourceMonitor.h"
+#include "base/utl_Assert.h"
 #include "base/wip_WIPBase.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjMesh.h"
 #include "database/KvoObjModel.h"
+#include "database/KvoObjSurface.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/driver/inpS_Inp2Sim.h"
 #include "inpS/driver/inpS_Module.h"
 #include "tests/base/TemporaryFolder.h"
+#include <cmath>
 #include <fstream>
 #include <gtest/gtest.h>
 
@@ -124,6 +127,43 @@ TEST_F(Driver, ARestartAddsToWhatIsThere) {
   EXPECT_EQ(m_driver->NotModelled().size(), 2u); // kept, not lost
 }
 
+TEST_F(Driver, ARestartAddsSurfacesOnce) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  EXPECT_TRUE(Prepare(cow_String(kTwoNodes) + "*ELEMENT, TYPE=T3D2, ELSET=E\n1, 1, 2\n"
+                                              "*SURFACE, NAME=OLD\nE, END1\n")
+                  .Convert(document));
+  EXPECT_TRUE(Prepare("*ELEMENT, TYPE=T3D2\n2, 2, 1\n*SURFACE, NAME=MORE\n2, END2\n"
+                      "*SURFACE, NAME=BOTH, COMBINE=UNION\nOLD, MORE\n")
+                  .ConvertRestart(document));
+  EXPECT_TRUE(m_recorder.errors.empty());
+  const auto surfaces = KvoObjSurface::OfOwner(document.GetModel().Position());
+  ASSERT_EQ(surfaces.size(), 3u);
+  const auto faces = KvoObjSurface(surfaces[2]).Faces();
+  ASSERT_EQ(faces.size(), 2u);
+  EXPECT_EQ(faces[0].face, eds_SurfaceFace::End1);
+  EXPECT_EQ(faces[0].elements.Members(), (std::vector<int>{0}));
+  EXPECT_EQ(faces[1].face, eds_SurfaceFace::End2);
+  EXPECT_EQ(faces[1].elements.Members(), (std::vector<int>{1}));
+  EXPECT_FALSE(Prepare("*SURFACE, NAME=OLD\nE, END2\n").ConvertRestart(document));
+  EXPECT_EQ(m_recorder.errors,
+            (cow_List<cow_String>{"Surface \"OLD\" is defined already; this second one is left "
+                                  "out."}));
+}
+
+TEST_F(Driver, SurfacesOfAFailedMeshAreLeftOut) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  EXPECT_FALSE(Prepare(cow_String(kTwoNodes) + "*ELEMENT, TYPE=T3D2, ELSET=E\n1, 1, 99\n"
+                                               "*SURFACE, NAME=S\n1, END1\n"
+                                               "*SURFACE, NAME=G, TYPE=SEGMENTS\nSTART, 0., 0.\n"
+                                               "LINE, 1., 0.\n")
+                   .Convert(document));
+  EXPECT_EQ(m_recorder.errors.size(), 1u); // the mesh's own
+  EXPECT_EQ(m_recorder.warningLists, 1);
+  const auto surfaces = KvoObjSurface::OfOwner(document.GetModel().Position());
+  ASSERT_EQ(surfaces.size(), 1u);
+  EXPECT_TRUE(KvoObjSurface(surfaces[0]).IsAnalytical());
+}
+
 TEST_F(Driver, AFailedRestartLeavesNoLabelsBehind) {
   const KvoObjDocument document = KvoObjDocument::InMemory();
   EXPECT_TRUE(Prepare(kTwoNodes).Convert(document));
@@ -194,4 +234,39 @@ TEST(Module, CountsItsUses) {
   EXPECT_EQ(users, 1);
   KvoI2sInpS_finalize(users);
   EXPECT_EQ(users, 0);
+}
+
+TEST_F(Driver, GeneratorsLookAtNodesFromBeforeTheRestart) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  ASSERT_TRUE(
+      Prepare("*NODE\n1, 0., 0., 0., 1., 0., 0.\n9, 4., 0., 0., 0., 1., 0.\n").Convert(document));
+  ASSERT_TRUE(Prepare("*NGEN\n1, 9, 4\n").ConvertRestart(document));
+  const auto blocks = document.GetMesh().NodeBlocks();
+  ASSERT_EQ(blocks.size(), 2u);
+  double values[6];
+  eds_ArrayReader(blocks[1].coordinates).ReadPiece(0, std::span<double>(values, 3));
+  eds_ArrayReader(blocks[1].normals).ReadPiece(0, std::span<double>(values + 3, 3));
+  for (const int i : {0, 3, 4}) EXPECT_DOUBLE_EQ(values[i], i == 0 ? 2.0 : std::sqrt(0.5));
+}
+
+TEST_F(Driver, GeneratorsTellWhatTheyDoNotKnow) {
+  const struct {
+    const char* keyword;
+    const char* message;
+  } cases[] = {
+      {"*NGEN, LINE=X\n1, 3", "It is one of RC, C, P;"},
+      {"*NFILL\n1", "data.Cols(irow) > 1"},
+      {"*NCOPY, OLD SET=N, CHANGE NUMBER=1", "needs one of SHIFT, POLE and REFLECT"},
+      {"*NCOPY, OLD SET=N, CHANGE NUMBER=1, REFLECT=X", "It is one of LINE, MIRROR, POINT;"},
+      {"*NMAP, NSET=N, TYPE=BLENDED", "TYPE=BLENDED is not provided"},
+      {"*NMAP, NSET=N, TYPE=X", "It is one of RECTANGULAR, CYLINDRICAL"},
+      {"*NMAP, NSET=N, TYPE=SCALE, DEFINITION=X", "It is one of COORDINATES, NODES;"},
+      {"*NMAP, NSET=N, TYPE=SCALE\n0., 0., 0.", "data.Rows() > 1"},
+  };
+  for (const auto& [keyword, message] : cases) {
+    const cow_String deck = cow_String(kTwoNodes) + "*NSET, NSET=N\n1\n" + keyword + "\n";
+    EXPECT_FALSE(Prepare(deck).Convert(KvoObjDocument::InMemory())) << keyword;
+    ASSERT_FALSE(m_recorder.errors.empty()) << keyword;
+    EXPECT_NE(m_recorder.errors.back().find(message), cow_String::npos) << m_recorder.errors.back();
+  }
 }

@@ -1,4 +1,4 @@
-#include "parser/inp_Shape.h"
+#include "parser/inp_ShapeReflection.h"
 #include <algorithm>
 #include <array>
 #include <gtest/gtest.h>
@@ -182,6 +182,126 @@ TEST(Shapes, BricksNumberTheirFacesAsDecksDo) {
   const inp_Shape& brick = inp_shape(inp_ShapeKind::Hex8);
   for (std::size_t i = 0; i < faces.size(); ++i)
     EXPECT_TRUE(std::ranges::equal(brick.faces[i].nodes, faces[i])) << "S" << i + 1;
+}
+
+// ---- mirrored elements
+
+// Behind the nodes of its edges a face has at most its centre.
+bool hasFaceCentre(const inp_Shape& shape, const inp_ShapeList& face) {
+  return shape.dimension == 3 &&
+         std::ranges::none_of(shape.edges, [last = face.nodes.back()](const inp_ShapeList& edge) {
+           return std::ranges::find(edge.nodes, last) != edge.nodes.end();
+         });
+}
+
+// All nodes of the reference element: midside nodes halve their edges, centres those of faces.
+std::vector<Point> nodesOf(const inp_Shape& shape) {
+  std::vector<Point> at(static_cast<std::size_t>(shape.nodes), Point{0.5, 0.5, 0.5});
+  const std::vector<Point> given = corners(shape);
+  std::copy(given.begin(), given.end(), at.begin());
+  const auto halve = [&at](const inp_ShapeList& list, unsigned char middle) {
+    Point sum{};
+    for (int i = 0; i < list.corners; ++i)
+      sum = sum + at[list.nodes[static_cast<std::size_t>(i)] - 1u];
+    for (double& x : sum) x /= list.corners;
+    at[middle - 1u] = sum;
+  };
+  for (const inp_ShapeList& edge : shape.edges)
+    if (edge.nodes.size() == 3) halve(edge, edge.nodes[2]);
+  for (const inp_ShapeList& face : shape.faces)
+    if (hasFaceCentre(shape, face)) halve(face, face.nodes.back());
+  return at;
+}
+
+// How many of a shape's nodes an element may have and still be mirrored.
+std::vector<int> countsOf(const inp_Shape& shape) {
+  if (shape.name == "Hex27") return {20, 21, 22, 23, 24, 25, 26, 27};
+  if (shape.name == "Wedge18") return {15, 16, 17, 18};
+  if (shape.name == "Hex18") return {16, 17, 18};
+  return {shape.nodes};
+}
+
+// The image in the plane x = 0, node by node in the order asked for.
+std::vector<Point> mirrored(const inp_Shape& shape, std::span<const unsigned char> order) {
+  const std::vector<Point> at = nodesOf(shape);
+  std::vector<Point> image;
+  for (const unsigned char node : order)
+    image.push_back({-at[node - 1u][0], at[node - 1u][1], at[node - 1u][2]});
+  return image;
+}
+
+// Midside nodes lie in the middle of their edges, centres in the middle of their faces.
+void expectMiddles(const inp_Shape& shape, const std::vector<Point>& at) {
+  const auto nodes = static_cast<int>(at.size());
+  const auto isMiddle = [&](const inp_ShapeList& list) {
+    Point off{};
+    for (int i = 0; i < list.corners; ++i)
+      off = off + at[list.nodes[static_cast<std::size_t>(i)] - 1u] - at[list.nodes.back() - 1u];
+    return dot(off, off) < 1e-24;
+  };
+  for (const inp_ShapeList& edge : shape.edges)
+    EXPECT_TRUE(edge.nodes.size() < 3 || isMiddle(edge)) << shape.name;
+  for (const inp_ShapeList& face : shape.faces) {
+    const bool hasCentre = hasFaceCentre(shape, face) && face.nodes.back() <= nodes;
+    EXPECT_TRUE(!hasCentre || isMiddle(face)) << shape.name;
+  }
+}
+
+TEST(Reflection, NoShapeTurnsInsideOut) {
+  for (inp_ShapeKind kind : allShapes) {
+    const inp_Shape& shape = inp_shape(kind);
+    for (const int nodes : shape.dimension >= 2 ? countsOf(shape) : std::vector<int>{}) {
+      const auto order = inp_reflectedOrder(kind, nodes);
+      ASSERT_EQ(order.size(), static_cast<std::size_t>(nodes)) << shape.name;
+      ASSERT_EQ(std::set(order.begin(), order.end()).size(), order.size()) << shape.name;
+      ASSERT_LE(*std::ranges::max_element(order), nodes) << shape.name;
+      const std::vector<Point> at = mirrored(shape, order);
+      expectMiddles(shape, at);
+      if (shape.dimension == 2) { // still counter-clockwise
+        Point area{};
+        for (const inp_ShapeList& edge : shape.edges)
+          area = area + cross(at[edge.nodes[0] - 1u], at[edge.nodes[1] - 1u]);
+        EXPECT_GT(area[2], 0) << shape.name;
+        continue;
+      }
+      Point centre{};
+      for (int i = 0; i < shape.corners; ++i) centre = centre + at[static_cast<std::size_t>(i)];
+      for (double& x : centre) x /= shape.corners;
+      for (const inp_ShapeList& face : shape.faces)
+        EXPECT_GT(dot(areaOf(face, at), centre - at[face.nodes[0] - 1u]), 0) << shape.name;
+    }
+  }
+}
+
+// What is stacked, and what is infinite, begins with the same face as before.
+TEST(Reflection, FirstFaceStays) {
+  for (inp_ShapeKind kind : allShapes) {
+    const inp_Shape& shape = inp_shape(kind);
+    if (shape.faces.empty()) continue;
+    std::set<int> image;
+    for (const unsigned char node : shape.faces[0].nodes)
+      image.insert(inp_reflectedOrder(kind, shape.nodes)[node - 1u]);
+    EXPECT_EQ(image, std::set<int>(shape.faces[0].nodes.begin(), shape.faces[0].nodes.end()))
+        << shape.name;
+  }
+}
+
+TEST(Reflection, OrdersByHand) {
+  using Kind = inp_ShapeKind;
+  const std::map<Kind, std::vector<int>> orders = {
+      {Kind::Point, {1}},
+      {Kind::Line3, {3, 2, 1}},
+      {Kind::Tri6, {2, 1, 3, 4, 6, 5}},
+      {Kind::Quad8, {2, 1, 4, 3, 5, 8, 7, 6}},
+      {Kind::Tet10, {1, 3, 2, 4, 7, 6, 5, 8, 10, 9}},
+      {Kind::Pyramid5, {1, 4, 3, 2, 5}},
+      {Kind::Wedge15, {1, 3, 2, 4, 6, 5, 9, 8, 7, 12, 11, 10, 13, 15, 14}},
+      {Kind::Hex20, {1, 4, 3, 2, 5, 8, 7, 6, 12, 11, 10, 9, 16, 15, 14, 13, 17, 20, 19, 18}}};
+  for (const auto& [kind, order] : orders)
+    EXPECT_TRUE(std::ranges::equal(inp_reflectedOrder(kind, static_cast<int>(order.size())), order))
+        << inp_shape(kind).name;
+  EXPECT_TRUE(inp_reflectedOrder(Kind::None, 8).empty());
+  EXPECT_TRUE(inp_reflectedOrder(Kind::Hex20, 19).empty());
 }
 
 } // namespace

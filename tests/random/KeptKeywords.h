@@ -14,7 +14,7 @@ inline constexpr const char* keptOfModel[] = {
 };
 
 inline constexpr const char* keptOfParts[] = {
-    "*SURFACE, NAME=TOP, TYPE=ELEMENT\n1, S1\n",
+    "*TRANSFORM, NSET=ALL, TYPE=C\n0., 0., 0., 0., 0., 1.\n",
     "*ORIENTATION, NAME=LOCAL\n1., 0., 0., 0., 1., 0.\n3, 30.\n",
     "*FLUX CAPACITOR\n",
     "*Solid Section, elset=S1, material=STEEL\n1.,\n",

@@ -1,0 +1,211 @@
+#include "host/inps_Commands.h"
+
+#include "base/utl_File.h"
+#include "base/utl_Stream.h"
+#include "host/inps_Arguments.h"
+#include "host/inps_Conversion.h"
+#include "host/inps_ExportFiles.h"
+#include "host/inps_ExportGrid.h"
+#include "host/inps_Run.h"
+#include "host/inps_Session.h"
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+namespace {
+
+using Path = std::filesystem::path;
+
+// Viewers list every array by its name: more sets than these are told of and left out. With --sets
+// they are blocks.
+constexpr std::size_t mostSetArrays = 64;
+
+struct BlockEntry {
+  cow_String name;
+  cow_String reference;
+};
+struct BlockGroup {
+  cow_String name;
+  cow_List<BlockEntry> blocks;
+};
+
+class Export {
+public:
+  Export(inps_Session& session, inps_Run& run, const inps_Arguments& arguments)
+      : m_session(session), m_run(run), m_arguments(arguments), m_target(arguments.Path(1)) {}
+
+  int operator()() {
+    const bool hasBlocks = m_arguments.Has(inps_Opt::Sets) || m_arguments.Has(inps_Opt::Surfaces);
+    inps_ExportFiles files(m_target, hasBlocks, m_arguments.Has(inps_Opt::Force));
+    const KvoObjDocument document = inps_openModelOrDeck(m_arguments.Path(0));
+    if (document.IsNull()) return inps_ExitFaults;
+    const inps_FlatMesh mesh(document);
+    if (mesh.NodeCount() == 0 && !mesh.PartNames().empty())
+      Warn("the model has no instances, and parts alone have no place: the mesh is empty");
+    WriteMesh(mesh, files.MeshFile());
+    if (hasBlocks) WriteBlocks(mesh, files);
+    files.Finish();
+    Summarize(mesh, hasBlocks ? files.ListPath() : m_target);
+    return m_run.Reporter().Errors() > 0 ? inps_ExitFaults : inps_ExitDone; // of a deck
+  }
+
+private:
+  void WriteMesh(const inps_FlatMesh& mesh, const Path& file) {
+    const bcu_MarkScope mark("inps-", "export-mesh");
+    inps_ExportCells cells(mesh);
+    cells.AddAllElements();
+    const auto nodes = inps_NodeSelection::All(mesh.NodeCount());
+    inps_VtuGrid grid = inps_cellGrid(mesh, cells, nodes);
+    AddSetArrays("node", inps_nodeSetsOf(mesh), mesh.NodeCount(), grid.pointData);
+    AddSetArrays("element", inps_elementSetsOf(mesh), mesh.ElementCount(), grid.cellData);
+    inps_writeVtu(file, grid);
+    for (const inps_ExportCells::Loss& loss : cells.Losses()) TellLoss(mesh, loss);
+  }
+
+  void AddSetArrays(const char* kind, const cow_List<inps_NamedSet>& sets, int64_t items,
+                    cow_List<inps_VtuArray>& arrays) {
+    const std::size_t count = std::min(sets.size(), mostSetArrays);
+    for (std::size_t i = 0; i < count; ++i) arrays.push_back(inps_setArray(sets[i], items));
+    if (count < sets.size())
+      Warn("of " + std::to_string(sets.size()) + " " + kind + " sets the first " +
+           std::to_string(count) + " are arrays of the mesh; --sets makes all of them blocks");
+  }
+
+  void TellLoss(const inps_FlatMesh& mesh, const inps_ExportCells::Loss& loss) {
+    const cow_String& type = mesh.TypeNames()[static_cast<std::size_t>(loss.type)];
+    Warn(inps_counted(loss.count, "element") + " of type " + type +
+         (loss.count == 1 ? " is shown as " : " are shown as ") + inps_vtkTypeName(loss.cell) +
+         (loss.cell <= inps_VtkPolyVertex ? "" : ": VTK has no cell for all of their nodes"));
+  }
+
+  void WriteBlocks(const inps_FlatMesh& mesh, inps_ExportFiles& files) {
+    const bcu_MarkScope mark("inps-", "export-blocks");
+    cow_List<BlockGroup> groups;
+    if (m_arguments.Has(inps_Opt::Sets)) {
+      groups.push_back({"Element sets", {}});
+      for (const inps_NamedSet& set : inps_elementSetsOf(mesh))
+        AddBlock(files, groups.back(), "elements", set.name, [&](const Path& file) {
+          inps_ExportCells cells(mesh);
+          cells.AddElements(inps_membersOf(set));
+          WriteCells(mesh, cells, file);
+        });
+      groups.push_back({"Node sets", {}});
+      for (const inps_NamedSet& set : inps_nodeSetsOf(mesh))
+        AddBlock(files, groups.back(), "nodes", set.name,
+                 [&](const Path& file) { WriteNodes(mesh, inps_membersOf(set), file); });
+    }
+    if (m_arguments.Has(inps_Opt::Surfaces)) {
+      groups.push_back({"Surfaces", {}});
+      for (const inps_NamedSurface& surface : inps_surfacesOf(mesh))
+        WriteSurface(mesh, surface, files, groups.back());
+    }
+    WriteList(files, groups);
+  }
+
+  template <class Write>
+  void AddBlock(inps_ExportFiles& files, BlockGroup& group, const char* kind,
+                const cow_String& name, Write write) {
+    BlockEntry entry{name, {}};
+    write(files.BlockFile(kind, name, entry.reference));
+    group.blocks.push_back(std::move(entry));
+    ++m_blocks;
+  }
+
+  static void WriteCells(const inps_FlatMesh& mesh, const inps_ExportCells& cells,
+                         const Path& file) {
+    auto nodes = inps_NodeSelection::None(mesh.NodeCount());
+    cells.MarkNodes(nodes);
+    nodes.Number();
+    inps_writeVtu(file, inps_cellGrid(mesh, cells, nodes));
+  }
+
+  static void WriteNodes(const inps_FlatMesh& mesh, const eds_MemberSet& members,
+                         const Path& file) {
+    auto nodes = inps_NodeSelection::None(mesh.NodeCount());
+    for (int64_t i = 0; i < members.Size(); ++i)
+      if (members[i] >= 0 && members[i] < mesh.NodeCount()) nodes.Add(members[i]);
+    nodes.Number();
+    inps_writeVtu(file, inps_nodeGrid(mesh, nodes));
+  }
+
+  void WriteSurface(const inps_FlatMesh& mesh, const inps_NamedSurface& named,
+                    inps_ExportFiles& files, BlockGroup& group) {
+    const auto& [surface, shift] = named.surface;
+    if (surface.Type() == eds_SurfaceType::Node) {
+      AddBlock(files, group, "surface", named.name, [&](const Path& file) {
+        WriteNodes(mesh, inps_shifted(surface.Nodes(), shift), file);
+      });
+      return;
+    }
+    if (surface.Type() != eds_SurfaceType::Element) {
+      Warn("surface " + named.name + " is analytical or a cut: it has no faces to show");
+      return;
+    }
+    AddBlock(files, group, "surface", named.name, [&](const Path& file) {
+      inps_ExportCells cells(mesh);
+      for (const KvoSurfaceFaces& faces : surface.Faces())
+        cells.AddFaces(inps_shifted(faces.elements, shift), faces.face);
+      WriteCells(mesh, cells, file);
+      if (cells.WithoutFace() > 0)
+        Warn("surface " + named.name + ": " + inps_counted(cells.WithoutFace(), "face") +
+             " left out, for the shapes of the elements have no such face");
+    });
+  }
+
+  static void WriteList(const inps_ExportFiles& files, const cow_List<BlockGroup>& groups) {
+    utl_Stream out(files.ListFile());
+    out << "<?xml version=\"1.0\"?>\n"
+           "<VTKFile type=\"vtkMultiBlockDataSet\" version=\"1.0\" byte_order=\"LittleEndian\""
+           " header_type=\"UInt64\">\n"
+           "  <vtkMultiBlockDataSet>\n"
+        << "    <DataSet index=\"0\" name=\"Mesh\" file=\"" << inps_xmlText(files.MeshReference())
+        << "\"/>\n";
+    int index = 0;
+    for (const BlockGroup& group : groups) {
+      out << "    <Block index=\"" << ++index << "\" name=\"" << group.name << "\">\n";
+      for (std::size_t i = 0; i < group.blocks.size(); ++i)
+        out << "      <DataSet index=\"" << i << "\" name=\"" << inps_xmlText(group.blocks[i].name)
+            << "\" file=\"" << inps_xmlText(group.blocks[i].reference) << "\"/>\n";
+      out << "    </Block>\n";
+    }
+    out << "  </vtkMultiBlockDataSet>\n</VTKFile>\n";
+    out.Close();
+  }
+
+  void Summarize(const inps_FlatMesh& mesh, const Path& written) {
+    const cow_String file = utl_pathText(written);
+    if (m_run.IsJson()) {
+      m_run.Json()["command"] = "export";
+      m_run.Json()["model"] = m_arguments.Operands()[0];
+      m_run.Json()["file"] = file;
+      m_run.Json()["nodes"] = mesh.NodeCount();
+      m_run.Json()["elements"] = mesh.ElementCount();
+      m_run.Json()["blocks"] = m_blocks;
+    } else if (!m_run.IsQuiet()) {
+      m_session.out << file << ": " << inps_counted(mesh.NodeCount(), "node") << ", "
+                    << inps_counted(mesh.ElementCount(), "element");
+      if (m_blocks > 0) m_session.out << ", " << inps_counted(m_blocks, "block");
+      m_session.out << "; " << inps_secondsText(m_run.Timings().Seconds()) << '\n';
+    }
+  }
+
+  void Warn(const cow_String& text) { m_run.Reporter().Warning(text); }
+
+  inps_Session& m_session;
+  inps_Run& m_run;
+  const inps_Arguments& m_arguments;
+  Path m_target;
+  int64_t m_blocks = 0;
+};
+
+} // namespace
+
+int inps_export(inps_Session& session, const inps_Arguments& arguments) {
+  if (arguments.Path(1).extension() != ".vtu") {
+    session.err << "inps: the mesh goes to a file that is named *.vtu, not "
+                << arguments.Operands()[1] << '\n';
+    return inps_ExitUsage;
+  }
+  inps_Run run(session, arguments);
+  return run.Do(Export(session, run, arguments));
+}

@@ -1,0 +1,102 @@
+#include "host/inps_ExportFiles.h"
+
+#include "base/utl_File.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void requireFreeFile(const fs::path& path, bool force) {
+  std::error_code ignored;
+  const fs::file_status status = fs::status(path, ignored);
+  if (!fs::exists(status)) return;
+  if (fs::is_directory(status)) throw utl_FileException("cannot write", path, "it is a folder");
+  if (!fs::is_regular_file(status))
+    throw utl_FileException("cannot write", path, "it is a device or a pipe");
+  if (!force) throw utl_FileException("cannot write", path, "it exists; --force replaces it");
+}
+
+// Nobody's own files go with a folder that is replaced.
+void requireFreeFolder(const fs::path& path, bool force) {
+  if (!utl_exists(path)) return;
+  if (!utl_isDirectory(path)) throw utl_FileException("cannot write", path, "it is a file");
+  if (!force) throw utl_FileException("cannot write", path, "it exists; --force replaces it");
+  for (const fs::directory_entry& entry : fs::directory_iterator(path))
+    if (!entry.is_regular_file() || entry.path().extension() != ".vtu")
+      throw utl_FileException("cannot write", path,
+                              "it holds more than the blocks of an export: " +
+                                  utl_pathText(entry.path().filename()));
+}
+
+void removeFolder(const fs::path& path) noexcept {
+  std::error_code ignored;
+  fs::remove_all(path, ignored);
+}
+
+// Letters, digits and a few signs of a name, for every file system.
+cow_String fileNameOf(const cow_String& name) {
+  constexpr std::size_t longest = 60;
+  cow_String text;
+  for (const char c : name.substr(0, longest)) {
+    const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                       c == '-' || c == '_' || c == '.';
+    text += plain ? c : '_';
+  }
+  return text;
+}
+
+} // namespace
+
+inps_ExportFiles::inps_ExportFiles(const fs::path& vtu, bool hasBlocks, bool force)
+    : m_hasBlocks(hasBlocks), m_force(force) {
+  m_mesh.final = vtu;
+  requireFreeFile(vtu, force);
+  m_mesh.temporary = utl_temporaryBeside(vtu);
+  if (!hasBlocks) return;
+  m_list.final = fs::path(vtu).replace_extension(".vtm");
+  m_folder.final = fs::path(vtu).replace_extension();
+  requireFreeFile(m_list.final, force);
+  requireFreeFolder(m_folder.final, force);
+  m_list.temporary = utl_temporaryBeside(m_list.final);
+  m_folder.temporary = utl_temporaryBeside(m_folder.final);
+  std::error_code failure;
+  fs::create_directory(m_folder.temporary, failure);
+  if (failure) throw utl_FileException("cannot create", m_folder.temporary, failure.message());
+}
+
+inps_ExportFiles::~inps_ExportFiles() {
+  utl_removeFile(m_mesh.temporary); // gone already once it has its own name
+  if (!m_hasBlocks) return;
+  utl_removeFile(m_list.temporary);
+  removeFolder(m_folder.temporary);
+}
+
+fs::path inps_ExportFiles::BlockFile(const cow_String& kind, const cow_String& name,
+                                     cow_String& reference) {
+  const fs::path file =
+      utl_pathOf(kind + "-" + std::to_string(++m_blocks) + "-" + fileNameOf(name) + ".vtu");
+  reference = utl_pathText(m_folder.final.filename()) + "/" + utl_pathText(file);
+  return m_folder.temporary / file;
+}
+
+cow_String inps_ExportFiles::MeshReference() const {
+  return utl_pathText(m_mesh.final.filename());
+}
+
+// An old folder steps aside before the new one comes: folders are not replaced in one step.
+void inps_ExportFiles::RenameFolder() {
+  fs::path old;
+  if (m_force && utl_exists(m_folder.final)) {
+    old = utl_temporaryBeside(m_folder.final);
+    utl_renameFile(m_folder.final, old, utl_IfExists::Refuse);
+  }
+  utl_renameFile(m_folder.temporary, m_folder.final, utl_IfExists::Refuse);
+  if (!old.empty()) removeFolder(old);
+}
+
+void inps_ExportFiles::Finish() {
+  const utl_IfExists ifExists = m_force ? utl_IfExists::Replace : utl_IfExists::Refuse;
+  if (m_hasBlocks) RenameFolder();
+  utl_renameFile(m_mesh.temporary, m_mesh.final, ifExists);
+  if (m_hasBlocks) utl_renameFile(m_list.temporary, m_list.final, ifExists);
+}

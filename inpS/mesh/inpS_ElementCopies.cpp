@@ -1,0 +1,129 @@
+#include "inpS/mesh/inpS_ElementCopies.h"
+#include "database/KvoObjLabeler.h"
+#include "inpS/mesh/inpS_ElcopyReader.h"
+#include "inpS/mesh/inpS_ElementParameters.h"
+#include "inpS/mesh/inpS_ElgenReader.h"
+#include "inpS/mesh/inpS_GeneratedNodes.h"
+#include "inpS/mesh/inpS_SetResolver.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+#include <algorithm>
+
+namespace {
+
+constexpr long long kMaxLabel = 999999999;
+constexpr std::size_t kLabels = 1 << 14; // at a time: 64 KiB
+constexpr long long kManyLabels = 1 << 16;
+
+} // namespace
+
+void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& scope) {
+  inpS_SetDefinition* set = m_sets.Open(keyword, scope, inpS_SetKind::Elements, "elset");
+  inpS_ElgenReader reader(keyword, scope, m_nodes, m_elements, m_messages);
+  for (long long row = 0; row < keyword.Data().Rows(); ++row) {
+    if (!reader.ReadLine(row)) continue;
+    const long long first = m_elements.Size(scope.elementOccurrence);
+    Append(keyword, scope, reader.Made());
+    const long long count = m_elements.Size(scope.elementOccurrence) - first;
+    if (set) inpS_addRun(*set, reader.Master(), 1);
+    if (set && count > 0) inpS_addRun(*set, first, count);
+  }
+  Report(keyword, scope);
+}
+
+void inpS_ElementCopies::Copy(const inp_Keyword& keyword, inpS_MeshScope& scope) {
+  inpS_SetDefinition* set = m_sets.Open(keyword, scope, inpS_SetKind::Elements, "newset");
+  const bool reflect = keyword.HasParameter("reflect");
+  const std::optional<long long> elementShift = ReadShift(keyword, "elementshift");
+  const std::optional<long long> nodeShift = ReadShift(keyword, "shiftnodes");
+  std::vector<int> old;
+  if (!FindOldSet(keyword, scope, old) || !elementShift || !nodeShift) return;
+  inpS_ElcopyReader reader(*elementShift, std::move(old), *nodeShift, reflect, scope, m_nodes,
+                           m_elements, m_typeNames);
+  if (!reader.Read(keyword, m_messages)) return;
+  const long long first = m_elements.Size(scope.elementOccurrence);
+  for (std::size_t run = 0; run < reader.ElementTypes().size(); ++run)
+    Append(keyword, scope, reader.Connectivity(run));
+  const long long count = m_elements.Size(scope.elementOccurrence) - first;
+  if (set && count > 0) inpS_addRun(*set, first, count);
+  Report(keyword, scope);
+}
+
+// Without it a copy would be made that nobody asked for, so it is required.
+std::optional<long long> inpS_ElementCopies::ReadShift(const inp_Keyword& keyword,
+                                                       const char* parameter) {
+  const inp_Item* item = keyword.Find(parameter);
+  if (!item || item->AsString().empty()) {
+    m_messages.AddError(inp_Utils::MessageInKeyword(
+        keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter})));
+    return {};
+  }
+  const bool isInteger = item->GetKind() == inp_Item::Kind::Integer;
+  if (isInteger && item->AsInt() >= -kMaxLabel && item->AsInt() <= kMaxLabel) return item->AsInt();
+  m_messages.AddError(inp_Utils::MessageAtParameter(
+      keyword, parameter,
+      inpS_messageText(inpS_app_InvalidParameterValue, {parameter}) +
+          " An integer between labels was expected; nothing is copied."));
+  return {};
+}
+
+bool inpS_ElementCopies::FindOldSet(const inp_Keyword& keyword, const inpS_MeshScope& scope,
+                                    std::vector<int>& ordinals) {
+  const inp_Item* name = keyword.Find("oldset");
+  if (!name || name->AsString().empty()) {
+    m_messages.AddError(inp_Utils::MessageInKeyword(
+        keyword, inpS_messageText(inpS_app_RequiredParameter, {"oldset"})));
+    return false;
+  }
+  const inpS_MeshScope* owner = &scope;
+  const inpS_SetDefinition* set = owner->sets.Find(inpS_SetKind::Elements, name->AsString());
+  if (!set && scope.part) {
+    owner = scope.part;
+    set = owner->sets.Find(inpS_SetKind::Elements, name->AsString());
+  }
+  if (!set) {
+    m_messages.AddError(inp_Utils::MessageAtParameter(
+        keyword, "oldset", inpS_messageText(inpS_mesh_ElementSetUnknown, {name->AsString()})));
+    return false;
+  }
+  inp_Visitor silent; // what is missing now may come later; the end of the deck tells
+  inpS_SetResolver resolver(m_nodes, m_elements, m_scopes, silent);
+  resolver.SetUnderway();
+  const eds_MemberSet& members = resolver.Members(*owner, *set);
+  ordinals.resize(static_cast<std::size_t>(members.Size()));
+  for (std::size_t n = 0; n < ordinals.size(); ++n)
+    ordinals[n] = static_cast<int>(members[static_cast<long long>(n)] - owner->elementBase);
+  if (resolver.HasLeftOut())
+    m_messages.AddError(inp_Utils::MessageAtParameter(
+        keyword, "oldset",
+        "The set holds elements of instances, which cannot be copied; they are left out."));
+  else if (ordinals.empty())
+    m_messages.AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "oldset", "The set holds no elements yet; nothing is copied."));
+  return true;
+}
+
+void inpS_ElementCopies::Append(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                const inpS_MadeElements& made) {
+  if (made.count == 0) return;
+  const long long first = m_elements.Size(scope.elementOccurrence);
+  // One line of thousands may make a few elements: room is asked for when it pays.
+  if (made.count > kManyLabels) m_elements.Reserve(scope.elementOccurrence, first + made.count);
+  std::vector<int> labels(std::min<std::size_t>(kLabels, static_cast<std::size_t>(made.count)));
+  for (long long at = 0; at < made.count; at += static_cast<long long>(labels.size())) {
+    const std::span<int> piece(labels.data(),
+                               std::min(labels.size(), static_cast<std::size_t>(made.count - at)));
+    made.labels(at, piece);
+    m_faults.Define(scope, piece, m_elements);
+  }
+  inpS_ElementBlock& block = scope.elements.BlockFor(made.kind, first, keyword, scope.owner);
+  const long long before = block.count;
+  scope.elements.AppendMade(block, made);
+  const inpS_ElementParameters type(m_types, m_typeNames[static_cast<std::size_t>(block.spec)]);
+  if (block.offset != 0) inpS_GeneratedNodes::ImplyFourierPlanes(block, before, type, scope);
+}
+
+void inpS_ElementCopies::Report(const inp_Keyword& keyword, const inpS_MeshScope& scope) {
+  m_faults.Report(keyword, inpS_ElementParameters(m_types, ""), scope, m_elements, m_messages);
+}

@@ -1,0 +1,100 @@
+#include "inpS/mesh/inpS_KnownNodes.h"
+#include "database/KvoObjLabeler.h"
+#include "database/KvoObjMesh.h"
+#include "parser/inp_Visitor.h"
+#include <algorithm>
+#include <vector>
+
+inpS_KnownNodes::inpS_KnownNodes(inpS_MeshScope& scope, inpS_MeshScopes& scopes,
+                                 const KvoObjLabeler& nodes, const KvoObjLabeler& elements,
+                                 const KvoObjMesh& mesh)
+    : m_scope(scope), m_scopes(scopes), m_nodes(nodes), m_elements(elements), m_mesh(mesh) {}
+
+inpS_KnownNodes::~inpS_KnownNodes() = default;
+
+int inpS_KnownNodes::OrdinalOf(int label) const {
+  return m_nodes.ConvertInstanceLabel(m_scope.nodeOccurrence, label);
+}
+
+int inpS_KnownNodes::LabelOf(long long ordinal) const {
+  return m_nodes.GetInstanceLabel(m_scope.nodeOccurrence, ordinal);
+}
+
+inpS_NodeList& inpS_KnownNodes::ListOf(long long ordinal) {
+  return ordinal < m_scope.nodes.Base() ? m_scope.part->nodes : m_scope.nodes;
+}
+
+bool inpS_KnownNodes::IsStored(long long ordinal) const {
+  return m_scope.isStored && ordinal < m_scope.storedNodes;
+}
+
+const double* inpS_KnownNodes::Point(long long ordinal) {
+  if (IsStored(ordinal)) return &ReadStored().points[3 * static_cast<std::size_t>(ordinal)];
+  return ListOf(ordinal).Point(ordinal);
+}
+
+const double* inpS_KnownNodes::Normal(long long ordinal) {
+  if (!IsStored(ordinal)) return ListOf(ordinal).Normal(ordinal);
+  const Stored& stored = ReadStored();
+  const int at = stored.normalAt[static_cast<std::size_t>(ordinal)];
+  return at < 0 ? nullptr : &stored.normals[3 * static_cast<std::size_t>(at)];
+}
+
+const inpS_KnownNodes::Stored& inpS_KnownNodes::ReadStored() {
+  if (m_stored) return *m_stored;
+  m_stored = std::make_unique<Stored>();
+  const auto count = static_cast<std::size_t>(m_scope.storedNodes);
+  m_stored->points.Resize(3 * count);
+  m_stored->normalAt.Resize(count);
+  std::fill(m_stored->normalAt.begin(), m_stored->normalAt.end(), -1);
+  for (const KvoMeshNodeBlock& block : m_mesh.NodeBlocks(m_scope.owner)) {
+    const std::span<double> points(m_stored->points);
+    eds_ArrayReader(block.coordinates)
+        .ReadPiece(0, points.subspan(3 * static_cast<std::size_t>(block.first),
+                                     3 * static_cast<std::size_t>(block.count)));
+    if (block.normals.IsNull()) continue;
+    eds_ArrayReader ordinals(block.normalOrdinals);
+    utl_Buffer<int> with(static_cast<std::size_t>(ordinals.Count()));
+    ordinals.ReadPiece(0, std::span<int>(with));
+    const std::size_t first = m_stored->normals.Size();
+    m_stored->normals.Resize(first + 3 * with.Size());
+    eds_ArrayReader(block.normals)
+        .ReadPiece(0, std::span<double>(m_stored->normals).subspan(first));
+    for (std::size_t n = 0; n < with.Size(); ++n)
+      m_stored->normalAt[static_cast<std::size_t>(block.first + with[n])] =
+          static_cast<int>(first / 3 + n);
+  }
+  return *m_stored;
+}
+
+bool inpS_KnownNodes::FindSet(const cow_String& name, Set& set) {
+  const inpS_MeshScope* owner = &m_scope;
+  const inpS_SetDefinition* definition = owner->sets.Find(inpS_SetKind::Nodes, name);
+  if (!definition && m_scope.part) {
+    owner = m_scope.part;
+    definition = owner->sets.Find(inpS_SetKind::Nodes, name);
+  }
+  if (!definition) return false;
+  inp_Visitor silent; // what is missing now may come later; the end of the deck tells
+  inpS_SetResolver resolver(m_nodes, m_elements, m_scopes, silent);
+  resolver.SetUnderway();
+  set.ordinals = resolver.Members(*owner, *definition);
+  set.unsorted = definition->unsorted;
+  set.leftOut = resolver.HasLeftOut();
+  if (!set.unsorted) set.ordinals = ByLabel(set.ordinals);
+  return true;
+}
+
+// Ascending ordinals as they come from a sorted set; most often their labels ascend as well.
+eds_MemberSet inpS_KnownNodes::ByLabel(const eds_MemberSet& ordinals) const {
+  const eds_LabelMap& labels = m_nodes.Labels(m_scope.nodeOccurrence);
+  if (labels.IsStrided() && labels.Stride() > 0) return ordinals;
+  bool ascending = true;
+  for (long long n = 1; n < ordinals.Size() && ascending; ++n)
+    ascending = labels.Label(ordinals[n - 1]) < labels.Label(ordinals[n]);
+  if (ascending) return ordinals;
+  std::vector<int> sorted = ordinals.Members();
+  std::sort(sorted.begin(), sorted.end(),
+            [&](int a, int b) { return labels.Label(a) < labels.Label(b); });
+  return eds_MemberSet::Ordered(std::move(sorted));
+}

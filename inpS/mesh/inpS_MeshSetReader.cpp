@@ -1,0 +1,115 @@
+#include "inpS/mesh/inpS_MeshSetReader.h"
+#include "database/KvoObjMesh.h"
+#include "database/KvoSimCSet.h"
+#include "database/KvoSimDataRecord.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "inpS/sets/inpS_SetReader.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+
+void inpS_MeshSetReader::ReadStored(const KvoObjMesh& mesh, inpS_MeshScope& scope) {
+  for (const inpS_SetKind kind : {inpS_SetKind::Nodes, inpS_SetKind::Elements}) {
+    const bool nodes = kind == inpS_SetKind::Nodes;
+    const long long base = nodes ? scope.nodeBase : scope.elementBase;
+    for (const bool internal : {false, true}) {
+      for (const KvoSimPosition& position :
+           nodes ? mesh.NodeSets(scope.owner, internal) : mesh.ElementSets(scope.owner, internal)) {
+        const KvoSimDataRecord record = position.DataRecord();
+        inpS_SetDefinition& set = scope.sets.FindOrAdd(
+            kind, record.ReturnString(nodes ? eds_NodeSet_Name : eds_ElementSet_Name));
+        set.internal = internal;
+        set.unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
+        set.isStored = true;
+        const KvoSimCSet members =
+            record.GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
+        for (long long n = 0; !members.IsNull() && n < members.Size(); ++n)
+          inpS_addRun(set, members.Set()[n] - base, 1);
+      }
+    }
+  }
+}
+
+const inp_Item* inpS_MeshSetReader::FindName(const inp_Keyword& keyword,
+                                             std::string_view parameter) {
+  const inp_Item* name = keyword.Find(parameter);
+  if (!name || !name->AsString().empty()) return name;
+  m_messages.AddError(
+      inp_Utils::MessageAtParameter(keyword, parameter, "The name of the set is missing."));
+  return nullptr;
+}
+
+inpS_SetDefinition* inpS_MeshSetReader::Open(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                             inpS_SetKind kind, std::string_view parameter) {
+  const inp_Item* name = FindName(keyword, parameter);
+  if (!name) return nullptr;
+  inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
+  inpS_beginRuns(set, keyword);
+  return &set;
+}
+
+void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                              inpS_SetKind kind) {
+  const char* nameParameter = kind == inpS_SetKind::Nodes ? "nset" : "elset";
+  const inp_Item* name = keyword.Find(nameParameter);
+  keyword.Find("input"); // the parser has read that file's lines
+  const bool internal = keyword.HasParameter("internal");
+  const bool unsorted = kind == inpS_SetKind::Nodes && keyword.HasParameter("unsorted");
+  const bool generate = keyword.HasParameter("generate");
+  const inp_Item* ofElset = kind == inpS_SetKind::Nodes ? keyword.Find("elset") : nullptr;
+  cow_String instance;
+  const bool instanceKnown = FindInstance(keyword, scope, instance);
+  if (!name || name->AsString().empty()) {
+    m_messages.AddError(inp_Utils::MessageInKeyword(
+        keyword, inpS_messageText(inpS_app_RequiredParameter, {nameParameter})));
+    return;
+  }
+  if (!instanceKnown) return;
+
+  inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
+  set.isStored = false;
+  set.internal = set.internal || internal;
+  set.unsorted = set.unsorted || unsorted;
+  inpS_SetReader reader(keyword, set, m_messages);
+  reader.SetInstance(instance);
+  if (ofElset) {
+    const inp_DataArray& data = keyword.Data();
+    for (long long row = 0; row < data.Rows(); ++row)
+      if (data.Cols(row) > 0) {
+        m_messages.AddWarning(inp_Utils::MessageAtRow(
+            keyword, row,
+            "A set of the nodes of elements takes no data lines; from here on they are not used."));
+        break;
+      }
+    inpS_SetEntry& entry = set.entries.emplace_back();
+    entry.kind = inpS_SetEntry::Kind::NodesOfElset;
+    entry.name = ofElset->AsString();
+    entry.instance = instance;
+    entry.keyword = static_cast<int>(set.keywords.size()) - 1;
+    const cow_List<cow_String> parts = inp_Utils::SplitScopedField(ofElset->Verbatim());
+    if (inp_Utils::IsScopedSetName(parts)) {
+      entry.instance = parts[parts.size() - 2];
+      entry.name = parts.back();
+    }
+    return;
+  }
+  if (generate)
+    reader.GenerateSetIds();
+  else
+    reader.Read();
+}
+
+bool inpS_MeshSetReader::FindInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,
+                                      cow_String& instance) {
+  const inp_Item* item = keyword.Find("instance");
+  if (!item) return true;
+  if (scope.kind == inpS_MeshScope::Kind::Instance) {
+    m_messages.AddError(inp_Utils::MessageAtParameter(
+        keyword, "instance", "Instance parameter cannot be used at the part instance level."));
+    return false;
+  }
+  instance = item->AsString();
+  if (m_scopes.FindInstance(instance)) return true;
+  m_messages.AddError(inp_Utils::MessageAtParameter(
+      keyword, "instance", inp_Utils::Format("Instance %s is not defined.", instance.c_str())));
+  return false;
+}

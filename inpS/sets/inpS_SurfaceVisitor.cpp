@@ -1,0 +1,218 @@
+#include "inpS/sets/inpS_SurfaceVisitor.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjMesh.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimTransaction.h"
+#include "inpS/keywords/inpS_KeywordParameterReader.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "inpS/sets/inpS_SurfaceCombiner.h"
+#include "inpS/sets/inpS_SurfaceNumbers.h"
+#include "inpS/sets/inpS_SurfaceStore.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+using Type = eds_SurfaceType;
+using Operation = eds_SurfaceOperation;
+
+const inpS_ParameterRow& rowOf(std::string_view name) {
+  const auto rows = inpS_surfaceParameters();
+  return *std::find_if(rows.begin(), rows.end(),
+                       [&](const inpS_ParameterRow& row) { return row.name == name; });
+}
+
+// Element surfaces when nothing is said.
+int typeOf(const inp_Keyword& keyword) {
+  const inp_Item* type = keyword.Find("type");
+  return type ? inpS_wordPlace(rowOf("type"), type->AsString()) : static_cast<int>(Type::Element);
+}
+
+bool isAnalytical(Type type) {
+  return type == Type::Segments || type == Type::Cylinder || type == Type::Revolution;
+}
+
+} // namespace
+
+inpS_SurfaceVisitor::inpS_SurfaceVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                                         const inpS_Inventory& inventory)
+    : inpS_SetVisitor(nodes, elements, inventory) {}
+
+inpS_SurfaceVisitor::~inpS_SurfaceVisitor() = default;
+
+// A cutting plane through nodes would have to follow them; it stays text.
+bool inpS_SurfaceVisitor::IsModelled(const inp_Keyword& keyword) {
+  const int type = typeOf(keyword);
+  if (type != static_cast<int>(Type::Cutting)) return type >= 0;
+  const inp_Item* definition = keyword.Find("definition");
+  return !definition || definition->AsString() != "NODES";
+}
+
+void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
+  if (!m_isConverted) {
+    m_store = std::make_unique<inpS_SurfaceStore>(Inventory().GetDocument().GetMesh(), *this);
+    m_combiner = std::make_unique<inpS_SurfaceCombiner>(Inventory().GetDocument(), *m_store, *this);
+  }
+  inpS_SetVisitor::VisitList(keywords);
+  if (m_isConverted) return;
+  m_combiner->Resolve([this](const inp_Keyword& keyword) { Enter(keyword); });
+  m_combiner.reset();
+  m_store.reset();
+  ReportUnreferredParameters(keywords, {inp_KwSurface});
+  if (m_withoutMesh > 0)
+    Warning(m_firstWithoutMesh,
+            inp_Utils::Format("The mesh could not be converted; %lld surfaces that stand on it are "
+                              "left out.",
+                              m_withoutMesh));
+  m_isConverted = true;
+}
+
+void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
+  if (m_isConverted || keyword.IsInstanceCopy()) return;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step) return; // kept as text, and told
+  if (!IsModelled(keyword)) {
+    keyword.ReferAll();
+    m_combiner->AddKeptAsText(Owner(), keyword.StringOf("name", {}));
+    return;
+  }
+  const inp_Item* name = keyword.Find("name");
+  if (!name || name->AsString().empty())
+    return Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {"name"}));
+  if (Owner().IsNull()) return keyword.ReferAll(); // its part or instance was refused
+  const bool internal = keyword.HasParameter("internal");
+  Operation operation = Operation::Defined;
+  if (!ReadOperation(keyword, operation) || !IsFree(keyword, name->AsString(), internal)) {
+    keyword.ReferAll();
+    return;
+  }
+  const Type type = static_cast<Type>(typeOf(keyword));
+  cow_List<double> points, segments;
+  if (isAnalytical(type) && operation == Operation::Defined) {
+    if (IsSecondAnalytical(keyword) || !ReadAnalytical(keyword, points, segments))
+      return keyword.ReferAll();
+  } else if (LacksMesh()) {
+    if (m_withoutMesh++ == 0) m_firstWithoutMesh = keyword;
+    return keyword.ReferAll();
+  }
+  KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
+  KvoObjSurface surface(Owner(), name->AsString(), internal);
+  inpS_readParameters(keyword, inpS_surfaceParameters(), surface.Position().DataRecord(), *this);
+  if (!points.empty()) surface.SetPoints(points);
+  if (!segments.empty()) surface.SetSegments(segments);
+  if (operation != Operation::Defined)
+    m_combiner->Add(keyword, surface);
+  else if (!isAnalytical(type))
+    ReadData(keyword, surface);
+  transaction.Commit();
+}
+
+bool inpS_SurfaceVisitor::ReadOperation(const inp_Keyword& keyword, Operation& operation) {
+  using Reader = inpS_KeywordParameterReader;
+  const cow_String way =
+      Reader::CheckMutuallyExclusiveParameters(keyword, "combine", "crop", false);
+  if (way.empty()) return true;
+  if (way.find(',') != cow_String::npos) {
+    Reader::ReportMutuallyExclusiveParameters(keyword, way, false);
+    return false;
+  }
+  const inpS_ParameterRow& row = rowOf(way);
+  const int place = inpS_wordPlace(row, keyword.Find(way)->AsString());
+  if (place < 0) {
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, way, cow_String(row.deckName) + " takes another word; the surface is left out."));
+    return false;
+  }
+  operation = static_cast<Operation>(place);
+  return true;
+}
+
+bool inpS_SurfaceVisitor::IsFree(const inp_Keyword& keyword, const cow_String& name,
+                                 bool internal) {
+  const eds_Member member = internal ? eds_Member::InternalSurfaces : eds_Member::Surfaces;
+  if (Owner().FollowStringKey(member, name).IsNull()) return true;
+  AddError(inp_Utils::MessageAtParameter(
+      keyword, "name",
+      "Surface \"" + name + "\" is defined already; this second one is left out."));
+  return false;
+}
+
+bool inpS_SurfaceVisitor::IsSecondAnalytical(const inp_Keyword& keyword) {
+  const bool inPart = Owner().IsA(eds_RecordKind::Part);
+  if (!inPart && !Owner().IsA(eds_RecordKind::Instance)) return false;
+  cow_List<KvoSimPosition> known = KvoObjSurface::OfOwner(Owner());
+  if (!inPart) {
+    const KvoSimPosition part = Owner().DataRecord().GetReference(eds_Instance_Part);
+    const auto ofPart = part.IsNull() ? cow_List<KvoSimPosition>() : KvoObjSurface::OfOwner(part);
+    known.insert(known.end(), ofPart.begin(), ofPart.end());
+  }
+  const auto first = std::find_if(known.begin(), known.end(), [](const KvoSimPosition& surface) {
+    return KvoObjSurface(surface).IsAnalytical();
+  });
+  if (first == known.end()) return false;
+  const cow_String name = KvoObjSurface(*first).Name();
+  Error(keyword, inPart ? inpS_messageText(inpS_model_SecondRigidSurface, {CurrentPart(), name})
+                        : inpS_messageText(inpS_model_OneRigidSurfacePerPart));
+  return true;
+}
+
+// A mesh with faults is not stored: its labels lead nowhere.
+bool inpS_SurfaceVisitor::LacksMesh() {
+  const KvoObjMesh mesh = Inventory().GetDocument().GetMesh();
+  if (mesh.IsNull()) return true;
+  for (const Kind kind : {Kind::Nodes, Kind::Elements}) {
+    const KvoObjLabeler& labeler = LabelerOf(kind);
+    const int occurrence = labeler.FindOccurrence(Owner());
+    const long long labels = occurrence < 0 ? 0 : labeler.Size(occurrence);
+    if (labels == 0) continue;
+    const bool nodes = kind == Kind::Nodes;
+    const bool isPart = Owner().IsA(eds_RecordKind::Part);
+    const long long first = isPart ? 0 : labeler.FlatFirst(occurrence);
+    const long long stored =
+        isPart  ? Owner().DataRecord().GetInt64(nodes ? eds_Part_NodeCount : eds_Part_ElementCount)
+        : nodes ? mesh.GetNodeCollection().Space()
+                : mesh.GetElementCollection().Space();
+    if (first < 0 || first + labels > stored) return true;
+  }
+  return false;
+}
+
+void inpS_SurfaceVisitor::ReadData(const inp_Keyword& keyword, KvoObjSurface& surface) {
+  inpS_SurfaceLines lines(keyword, *this);
+  switch (surface.Type()) {
+  case Type::Element:
+    lines.ReadFaces();
+    m_store->SaveFaces(keyword, surface, lines);
+    break;
+  case Type::Node:
+    lines.ReadNodes();
+    m_store->SaveNodes(surface, lines);
+    break;
+  case Type::Cutting: {
+    inpS_SurfaceNumbers numbers(keyword, *this);
+    cow_List<double> plane;
+    long long row = 0;
+    if (!numbers.ReadPoints(inpS_pointLinesOf(Type::Cutting, Operation::Defined), 0, row, plane) ||
+        !numbers.CheckPoints(Type::Cutting, plane))
+      return;
+    surface.SetPoints(plane);
+    lines.ReadElements(row);
+    m_store->SaveCut(surface, lines);
+    return;
+  }
+  default:
+    return;
+  }
+  if (keyword.Data().Rows() == 0)
+    Warning(keyword, "Surface \"" + surface.Name() + "\" has no data lines; it is empty.");
+}
+
+bool inpS_SurfaceVisitor::ReadAnalytical(const inp_Keyword& keyword, cow_List<double>& points,
+                                         cow_List<double>& segments) {
+  const Type type = static_cast<Type>(typeOf(keyword));
+  inpS_SurfaceNumbers numbers(keyword, *this);
+  long long row = 0;
+  return numbers.ReadPoints(inpS_pointLinesOf(type, Operation::Defined), 0, row, points) &&
+         numbers.CheckPoints(type, points) &&
+         numbers.ReadSegments(row, type == Type::Revolution, segments);
+}
