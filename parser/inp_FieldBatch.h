@@ -70,7 +70,7 @@ struct inp_Stretch {
   const std::uint32_t* feeds = nullptr; // the offsets of the line feeds alone
   std::size_t lines = 0;
 
-  const char* FieldBegin(std::size_t i) const { return text + std::uint32_t{places[i - 1] + 1}; }
+  const char* FieldBegin(std::size_t i) const { return text + std::uint32_t{(places + i)[-1] + 1}; }
   const char* FieldEnd(std::size_t i) const { return text + places[i]; }
 };
 

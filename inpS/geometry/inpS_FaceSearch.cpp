@@ -8,7 +8,9 @@
 // Faces are parted by their least node into partitions that fit the cache: each piece of the
 // elements counts how many of its faces go where, then writes them there, so that the pieces need
 // no lock and the order does not depend on the threads. Within a partition a hash table of 32-bit
-// fingerprints finds candidates, and the corners themselves decide.
+// fingerprints finds candidates, and the corners themselves decide. Partitions are worked on in a
+// few rounds that share their memory; in a mesh in some order a piece takes part in one or two of
+// them.
 
 namespace {
 
@@ -16,6 +18,8 @@ constexpr uint32_t kNone = std::numeric_limits<uint32_t>::max();
 constexpr uint64_t kFacesOfPartition = 1u << 15; // 256 KiB of entries, as much of table
 constexpr int64_t kLeastPiece = 1 << 13;         // elements
 constexpr int64_t kMostPieces = 128;
+constexpr uint64_t kLeastRound = 1u << 16; // faces
+constexpr uint64_t kMostRounds = 4;
 
 } // namespace
 
@@ -90,14 +94,16 @@ void inpS_FaceSearch::Run() {
   Cut();
   ChoosePartitions();
   utl_parallelFor(m_pieces.size(), [&](std::size_t n) { Count(m_pieces[n]); });
-  Place();
-  utl_parallelFor(m_pieces.size(), [&](std::size_t n) { Scatter(m_pieces[n]); });
-  utl_orderedBlocks(
-      m_partitionEnds.size(),
-      [&, tables = std::vector<Table>(utl_slotCount())](std::size_t n, std::size_t slot) mutable {
-        Match(n, tables[slot]);
-      },
-      [](std::size_t, std::size_t) {});
+  std::vector<Table> tables(utl_slotCount());
+  for (std::size_t first = 0; first < m_partitionEnds.size();) {
+    const Round round = Place(first);
+    utl_parallelFor(m_pieces.size(), [&](std::size_t n) { Scatter(m_pieces[n], round); });
+    utl_orderedBlocks(
+        round.end - round.first,
+        [&](std::size_t n, std::size_t slot) { Match(round.first + n, round, tables[slot]); },
+        [](std::size_t, std::size_t) {});
+    first = round.end;
+  }
   m_entries = {};
 }
 
@@ -212,35 +218,48 @@ void inpS_FaceSearch::Count(Piece& piece) const {
   });
 }
 
-void inpS_FaceSearch::Place() {
+// The partitions from `first` on that make a round, and the places of their entries.
+inpS_FaceSearch::Round inpS_FaceSearch::Place(std::size_t first) {
+  const uint64_t enough = std::max(kLeastRound, m_slots / kMostRounds);
+  for (Piece& piece : m_pieces) piece.isInRound = false;
   uint32_t at = 0;
-  for (std::size_t partition = 0; partition < m_partitionEnds.size(); ++partition) {
+  std::size_t partition = first;
+  while (partition < m_partitionEnds.size() && at < enough) {
     for (Piece& piece : m_pieces) {
       const uint32_t count = piece.places[partition];
+      piece.isInRound |= count > 0;
       piece.places[partition] = at;
       at += count;
     }
-    m_partitionEnds[partition] = at;
+    m_partitionEnds[partition++] = at;
   }
-  m_entries.Resize(at);
+  if (m_entries.Size() < at) {
+    m_entries = {}; // nothing in it is kept
+    m_entries.Resize(at);
+  }
+  return {first, partition};
 }
 
-void inpS_FaceSearch::Scatter(Piece& piece) {
+void inpS_FaceSearch::Scatter(Piece& piece, const Round& round) {
+  if (!piece.isInRound) return;
   ForEachBlock(piece, [&](const Block& block, int64_t first, int64_t end) {
     auto slot =
         block.firstSlot + static_cast<uint32_t>(static_cast<uint64_t>(first) * block.faces.size());
     Key key;
     for (int64_t n = first; n < end; ++n)
       for (const Face& face : block.faces) {
-        if (Read(block, block.corners.data() + n * block.width, face, key))
-          m_entries[piece.places[PartitionOf(key.node[0])]++] = {slot, key.Hash()};
+        if (Read(block, block.corners.data() + n * block.width, face, key)) {
+          const std::size_t partition = PartitionOf(key.node[0]);
+          if (partition >= round.first && partition < round.end)
+            m_entries[piece.places[partition]++] = {slot, key.Hash()};
+        }
         ++slot;
       }
   });
 }
 
-void inpS_FaceSearch::Match(std::size_t partition, Table& table) {
-  const std::size_t first = partition == 0 ? 0 : m_partitionEnds[partition - 1];
+void inpS_FaceSearch::Match(std::size_t partition, const Round& round, Table& table) {
+  const std::size_t first = partition == round.first ? 0 : m_partitionEnds[partition - 1];
   const std::span<const Entry> entries(m_entries.Data() + first,
                                        m_partitionEnds[partition] - first);
   table.Clear(entries.size());

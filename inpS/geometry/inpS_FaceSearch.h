@@ -11,7 +11,7 @@
 // that has shrunk to a line (an edge shrunk to a point) is none, and so is one that lacks a corner.
 //
 // Time is linear in the number of faces, whatever the valence of nodes; memory is the corners given
-// and 9 bytes a face.
+// and some 3 bytes a face.
 class inpS_FaceSearch {
 public:
   // `elements` elements of one shape: `corners` holds shape.corners nodes for each, counted from
@@ -47,7 +47,13 @@ private:
   struct Piece { // a run of elements, the work of one call
     int64_t first;
     int64_t end;
-    std::vector<uint32_t> places; // in each partition, where its next entry goes
+    // In each partition: how many faces it has there, then where its next entry goes.
+    std::vector<uint32_t> places;
+    bool isInRound = false;
+  };
+  struct Round { // partitions that are worked on together
+    std::size_t first;
+    std::size_t end;
   };
   class Table;
 
@@ -55,9 +61,9 @@ private:
   void Cut();
   void ChoosePartitions();
   void Count(Piece& piece) const;
-  void Place();
-  void Scatter(Piece& piece);
-  void Match(std::size_t partition, Table& table);
+  Round Place(std::size_t first);
+  void Scatter(Piece& piece, const Round& round);
+  void Match(std::size_t partition, const Round& round, Table& table);
   std::size_t PartitionOf(uint32_t least) const { return (least - m_least) >> m_shift; }
   struct Key;
   static bool Read(const Block& block, const int32_t* corners, const Face& face, Key& key);
@@ -65,8 +71,8 @@ private:
 
   std::vector<Block> m_blocks;
   std::vector<Piece> m_pieces;
-  std::vector<uint32_t> m_partitionEnds;
-  utl_Buffer<Entry> m_entries; // of one partition after the other
+  std::vector<uint32_t> m_partitionEnds; // among the entries of its round
+  utl_Buffer<Entry> m_entries;           // of one round, one partition after the other
   utl_Buffer<unsigned char> m_free;
   int64_t m_elements = 0;
   uint64_t m_slots = 0;

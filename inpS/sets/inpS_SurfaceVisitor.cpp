@@ -156,23 +156,31 @@ bool inpS_SurfaceVisitor::IsSecondAnalytical(const inp_Keyword& keyword) {
   return true;
 }
 
-// A mesh with faults is not stored: its labels lead nowhere.
+// A mesh with faults is not stored, neither this owner's nor those of the instances that its lines
+// name: all labels lead nowhere.
 bool inpS_SurfaceVisitor::LacksMesh() {
+  if (!m_lacksMesh)
+    m_lacksMesh = Inventory().GetDocument().GetMesh().IsNull() || LacksAny(Kind::Nodes) ||
+                  LacksAny(Kind::Elements);
+  return *m_lacksMesh;
+}
+
+bool inpS_SurfaceVisitor::LacksAny(Kind kind) {
   const KvoObjMesh mesh = Inventory().GetDocument().GetMesh();
-  if (mesh.IsNull()) return true;
-  for (const Kind kind : {Kind::Nodes, Kind::Elements}) {
-    const KvoObjLabeler& labeler = LabelerOf(kind);
-    const int occurrence = labeler.FindOccurrence(Owner());
-    const long long labels = occurrence < 0 ? 0 : labeler.Size(occurrence);
-    if (labels == 0) continue;
-    const bool nodes = kind == Kind::Nodes;
-    const bool isPart = Owner().IsA(eds_RecordKind::Part);
+  const KvoObjLabeler& labeler = LabelerOf(kind);
+  const bool nodes = kind == Kind::Nodes;
+  const long long flat =
+      nodes ? mesh.GetNodeCollection().Space() : mesh.GetElementCollection().Space();
+  int occurrence = 0;
+  for (const KvoSimPosition& owner : labeler.Occurrences()) {
+    const bool isPart = owner.IsA(eds_RecordKind::Part);
+    const long long labels = labeler.Size(occurrence);
     const long long first = isPart ? 0 : labeler.FlatFirst(occurrence);
     const long long stored =
-        isPart  ? Owner().DataRecord().GetInt64(nodes ? eds_Part_NodeCount : eds_Part_ElementCount)
-        : nodes ? mesh.GetNodeCollection().Space()
-                : mesh.GetElementCollection().Space();
-    if (first < 0 || first + labels > stored) return true;
+        isPart ? owner.DataRecord().GetInt64(nodes ? eds_Part_NodeCount : eds_Part_ElementCount)
+               : flat;
+    if (labels > 0 && (first < 0 || first + labels > stored)) return true;
+    ++occurrence;
   }
   return false;
 }

@@ -3,6 +3,7 @@
 #include "database/KvoObjSurface.h"
 #include "inpS/sets/inpS_SetVisitor.h"
 #include <memory>
+#include <optional>
 
 class inpS_SurfaceCombiner;
 class inpS_SurfaceStore;
@@ -32,12 +33,14 @@ private:
   bool IsFree(const inp_Keyword& keyword, const cow_String& name, bool internal);
   bool IsSecondAnalytical(const inp_Keyword& keyword);
   bool LacksMesh();
+  bool LacksAny(Kind kind);
   void ReadData(const inp_Keyword& keyword, KvoObjSurface& surface);
   bool ReadAnalytical(const inp_Keyword& keyword, cow_List<double>& points,
                       cow_List<double>& segments);
 
   bool m_isConverted = false;
-  long long m_withoutMesh = 0; // surfaces left out since there is no mesh
+  std::optional<bool> m_lacksMesh; // once it is known
+  long long m_withoutMesh = 0;     // surfaces left out since there is no mesh
   inp_Keyword m_firstWithoutMesh;
   std::unique_ptr<inpS_SurfaceStore> m_store;
   std::unique_ptr<inpS_SurfaceCombiner> m_combiner;
