@@ -290,6 +290,26 @@ void writeKeywords(DeckFile& deck, std::size_t count) {
     writeTenKeywords(deck, random, number);
 }
 
+// Materials of ten behaviours each.
+void writeMaterials(DeckFile& deck, std::size_t count) {
+  for (std::size_t number = 1; number <= count; ++number) {
+    writeMaterial(deck, number);
+    deck.Text("*PLASTIC\n250., 0.\n300., 0.1\n").Real(350.0 + static_cast<double>(number % 100));
+    deck.Text(", 0.3\n*CONDUCTIVITY\n50.\n*SPECIFIC HEAT\n460.\n"
+              "*DAMPING, ALPHA=0.1, BETA=1E-5\n*CREEP, LAW=TIME\n1E-12, 4., -0.5\n*DEPVAR\n5\n"
+              "*USER MATERIAL, CONSTANTS=4\n1., 2., 3., 4.\n");
+  }
+}
+
+// One table of so many rows: elastic constants over temperature.
+void writeTable(DeckFile& deck, std::size_t rows) {
+  deck.Text("*MATERIAL, NAME=TABLE\n*ELASTIC\n");
+  for (std::size_t row = 0; row < rows; ++row) {
+    deck.Real(200000.0 + 0.001 * static_cast<double>(row)).Text(", 0.3, ");
+    deck.Real(0.001 * static_cast<double>(row)).Text("\n");
+  }
+}
+
 int run(int argc, char** argv) {
   const std::string_view kind = argc > 3 ? argv[1] : "";
   const std::size_t size = argc > 3 ? std::strtoull(argv[2], nullptr, 10) : 0;
@@ -299,7 +319,9 @@ int run(int argc, char** argv) {
                "mesh_generator generated N DECK       the same as a few lines that make it\n"
                "mesh_generator blocks COUNT DECK      blocks of 1000 nodes, one flat mesh\n"
                "mesh_generator instances COUNT DECK   the same as instances of a part\n"
-               "mesh_generator keywords COUNT DECK    small keywords on a mesh of 8000 bricks\n",
+               "mesh_generator keywords COUNT DECK    small keywords on a mesh of 8000 bricks\n"
+               "mesh_generator materials COUNT DECK   materials of ten behaviours each\n"
+               "mesh_generator table ROWS DECK        a material with one big table\n",
                stderr);
     return 2;
   }
@@ -317,6 +339,10 @@ int run(int argc, char** argv) {
     writeInstances(deck, size);
   else if (kind == "keywords")
     writeKeywords(deck, size);
+  else if (kind == "materials")
+    writeMaterials(deck, size);
+  else if (kind == "table")
+    writeTable(deck, size);
   else
     throw std::runtime_error("no such kind of deck");
   deck.Close();

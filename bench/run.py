@@ -70,6 +70,7 @@ class Bench:
         self.limit = binaries / "limit_program"
         self.generator = binaries / "mesh_generator"
         self.surface_times = binaries / "surface_times"
+        self.table_times = binaries / "table_times"
         self.folder = folder
         self.rounds = rounds
         self.rows = []
@@ -250,6 +251,22 @@ def measure_keywords(bench, processors):
     bench.row("100,000 small keywords, each", f"{inps.seconds / count * 1e6:.1f} µs", "20 µs")
 
 
+def measure_materials(bench, processors, count):
+    """Ten behaviours and the material itself are a keyword each."""
+    _, inps = bench.convert(bench.deck("materials", count), processors)
+    _, back = bench.write(processors, bare=False)
+    for what, best in (("convert", inps), ("write", back)):
+        bench.row(f"{what} {count} materials of ten behaviours, a keyword",
+                  f"{best.seconds / (11 * count) * 1e6:.1f} µs", "20 µs")
+
+
+def measure_table(bench, processors, rows):
+    run = Run([bench.table_times, bench.deck("table", rows)], processors)
+    times = json.loads(run.output)
+    bench.row(f"convert a table of {rows} rows to the bare decode of its numbers",
+              f"{times['convert_seconds'] / times['bare_seconds']:.2f}", "2 times")
+
+
 def measure_instances(bench, processors, copies):
     _, flat = bench.convert(bench.deck("blocks", copies), processors)
     _, inps = bench.convert(bench.deck("instances", copies), processors)
@@ -308,6 +325,8 @@ def main():
         measure_labels(bench, sets[-1])
         measure_export(bench, sets)
         measure_keywords(bench, sets[-1])
+        measure_materials(bench, sets[-1], 5000 if words.quick else 20_000)
+        measure_table(bench, sets[-1], 1_000_000)
         measure_instances(bench, sets[-1], 1000 if words.quick else 10_000)
         measure_generated(bench, sets[-1], 128 if words.quick else 170)
     text = table(bench.rows, words.quick)
