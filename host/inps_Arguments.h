@@ -17,6 +17,7 @@ enum class inps_Opt : unsigned char {
   Timings,
   Json,
   Markdown,
+  Materials,
   Quiet,
   Help,
   Count

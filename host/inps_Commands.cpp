@@ -18,6 +18,8 @@ constexpr inps_Option options[] = {
     {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
     {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
     {Opt::Markdown, 0, "--markdown", "", "as a table for documents"},
+    {Opt::Materials, 0, "--materials", "",
+     "every material with its behaviors, their rows and ranges"},
     {Opt::Quiet, 'q', "--quiet", "", "errors only"},
     {Opt::Help, 'h', "--help", "", "this help"},
 };
@@ -32,8 +34,9 @@ constexpr Text writeExamples[] = {"inps write bracket.sim -o written.inp",
                                   "inps write bracket.sim | less"};
 constexpr Opt checkOptions[] = {Opt::Strict, Opt::Timings, Opt::Json, Opt::Quiet};
 constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check bracket.sim"};
-constexpr Opt infoOptions[] = {Opt::Json};
-constexpr Text infoExamples[] = {"inps info bracket.sim", "inps info bracket.sim --json"};
+constexpr Opt infoOptions[] = {Opt::Materials, Opt::Json};
+constexpr Text infoExamples[] = {"inps info bracket.sim", "inps info bracket.sim --materials",
+                                 "inps info bracket.sim --json"};
 constexpr Opt diffOptions[] = {Opt::Json, Opt::Quiet};
 constexpr Text diffExamples[] = {"inps diff old.sim new.sim", "inps diff bracket.inp bracket.sim"};
 constexpr Text dumpExamples[] = {"inps dump bracket.sim | less"};
