@@ -83,9 +83,12 @@ void printAmplitude(utl_Stream& out, const KvoSimPosition& amplitude) {
 
 } // namespace
 
-void inpS_printAmplitudes(utl_Stream& out, const KvoObjModel& model) {
-  for (const KvoSimPosition& amplitude : model.Position().FollowMap(eds_Member::Amplitudes))
+void inpS_printAmplitudes(utl_Stream& out, const KvoObjModel& model,
+                          const std::function<void(const KvoSimPosition&)>& printTexts) {
+  for (const KvoSimPosition& amplitude : model.Position().FollowMap(eds_Member::Amplitudes)) {
     printAmplitude(out, amplitude);
+    printTexts(amplitude);
+  }
 }
 
 inpS_AmplitudeDescription inpS_describeAmplitude(const KvoSimPosition& amplitude) {
