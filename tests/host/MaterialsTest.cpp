@@ -97,4 +97,28 @@ TEST_F(Materials, JsonHoldsRangesAndRoles) {
   EXPECT_NE(ProgramRun({"info", model}).out.find("\n1 material, 1 amplitude\n"), cow_String::npos);
 }
 
+TEST_F(Materials, PlotIsNamedAsTheModelAndDrawsWhatIsNamed) {
+  const cow_String model = Model("*MATERIAL, NAME=A\n*DENSITY\n1., 0.\n2., 9.\n"
+                                 "*MATERIAL, NAME=B\n*AMPLITUDE, NAME=T\n0., 0., 1., 1.\n");
+  const cow_String page = File("p.html");
+  EXPECT_EQ(ProgramRun({"plot", model, "-o", page}).out,
+            page + ": 2 materials, 1 amplitude, 2 charts\n");
+  const ProgramRun again({"plot", model, "-o", page});
+  EXPECT_EQ(again.exitCode, 3);
+  EXPECT_TRUE(again.Says("--force replaces it")) << again.err;
+  EXPECT_EQ(ProgramRun({"plot", model, "T", "-o", page, "--force"}).out,
+            page + ": 0 materials, 1 amplitude, 1 chart\n");
+  const cow_String before = readFile(m_folder / "p.html");
+  const ProgramRun unknown({"plot", model, "T", "NONE", "-o", page, "--force"});
+  EXPECT_EQ(unknown.exitCode, 2);
+  EXPECT_TRUE(unknown.Says("no material, gasket behavior or amplitude \"NONE\"")) << unknown.err;
+  EXPECT_EQ(readFile(m_folder / "p.html"), before);
+
+  const std::filesystem::path folder = std::filesystem::current_path();
+  std::filesystem::current_path(m_folder.Path());
+  EXPECT_EQ(ProgramRun({"plot", model}).exitCode, 0);
+  std::filesystem::current_path(folder);
+  EXPECT_TRUE(Exists("d.html"));
+}
+
 } // namespace
