@@ -29,6 +29,7 @@ public:
     Order order = Order::None;
     bool fromZero = false;
     bool optional = false;
+    bool mayBeBlank = false; // where another value follows
     double low = -std::numeric_limits<double>::infinity();
     double high = std::numeric_limits<double>::infinity();
     bool lowOpen = false;

@@ -29,6 +29,19 @@ eds_Member memberOf(const KvoSimPosition& owner) {
   return container ? eds_Member::Properties : eds_Member::Suboptions;
 }
 
+// ", NAME=VALUE" for each parameter that nothing asked for.
+cow_String otherParameters(const inp_Keyword& keyword) {
+  cow_String others;
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (parameter.referred) continue;
+    parameter.referred = true;
+    for (const char c : ", " + parameter.name)
+      others += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
+  }
+  return others;
+}
+
 bool hasData(const inp_Keyword& keyword) {
   const inp_DataArray& data = keyword.Data();
   for (long long row = 0; row < data.Rows(); ++row)
@@ -120,6 +133,11 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
   inpS_readParameters(keyword,
                       inpS_bindParameters(keyword.Kind(), eds_RecordKind::PhysicalConstants),
                       constants.DataRecord(), *this);
+  if (const cow_String others = otherParameters(keyword); !others.empty()) {
+    const cow_String former =
+        constants.DataRecord().ReturnString(eds_PhysicalConstants_OtherParameters);
+    constants.DataRecord().SetString(eds_PhysicalConstants_OtherParameters, former + others);
+  }
   transaction.Commit();
 }
 
@@ -351,14 +369,7 @@ void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_Beh
   if (behavior.linesField >= 0 && keyword.Data().Rows() > 0)
     record.SetString(behavior.linesField, allLines(keyword));
   if (behavior.othersField < 0) return;
-  cow_String others;
-  for (const inp_Parameter& parameter : keyword.Parameters()) {
-    if (parameter.referred) continue;
-    parameter.referred = true;
-    for (const char c : ", " + parameter.name)
-      others += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
-  }
+  const cow_String others = otherParameters(keyword);
   if (!others.empty()) record.SetString(behavior.othersField, others);
 }
 

@@ -46,7 +46,7 @@ void inpS_MaterialPrinter::PrintPhysicalConstants(const KvoObjModel& model) {
   const KvoSimPosition constants = model.Position().Follow(eds_Member::PhysicalConstants);
   if (constants.IsNull()) return;
   printPlain(m_out, inp_KwPhysicalConstants, constants);
-  m_out << '\n';
+  m_out << constants.DataRecord().GetString(eds_PhysicalConstants_OtherParameters) << '\n';
 }
 
 void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEnm keyword) {
