@@ -72,6 +72,16 @@ void KvoSrvFsmFTable::SetValues(int64_t rows, std::span<const double> values, in
   transaction.Commit();
 }
 
+void KvoSrvFsmFTable::Remove() {
+  KvoSimTransaction transaction(m_position.Context());
+  const KvoSimPosition values = m_position.DataRecord().GetReference(eds_PropertyTable_Values);
+  if (!values.IsNull()) values.Remove();
+  for (const KvoSimPosition& column : m_position.GetVector(eds_Member::Columns)) column.Remove();
+  m_position.Remove();
+  m_position = {};
+  transaction.Commit();
+}
+
 int KvoSrvFsmFTable::TableKind() const {
   return m_position.DataRecord().GetInt(eds_PropertyTable_TableKind);
 }

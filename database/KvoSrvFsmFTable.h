@@ -23,6 +23,8 @@ public:
   void SetValues(int64_t rows, std::span<const double> values, int columns,
                  bool temperatureDependent);
 
+  void Remove(); // with its columns and values
+
   bool IsNull() const { return m_position.IsNull(); }
   const KvoSimPosition& Position() const { return m_position; }
   int TableKind() const;

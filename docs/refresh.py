@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Fills the parts of README.md that the program itself says: an example and the keyword table."""
+"""Fills the parts of README.md that the program itself says: examples and the keyword table."""
 import pathlib
 import re
 import subprocess
@@ -9,6 +9,8 @@ import tempfile
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 EXAMPLE = ("convert examples/bracket.inp -o {}/bracket.sim", "info {}/bracket.sim",
            "write {}/bracket.sim -o {}/written.inp")
+MATERIALS = ("convert examples/materials.inp -o {}/materials.sim -q",
+             "info {}/materials.sim --materials")
 
 
 def said(program, words):
@@ -18,10 +20,10 @@ def said(program, words):
     return done.stdout, done.stderr
 
 
-def example(program):
+def example(program, commands):
     lines = []
     with tempfile.TemporaryDirectory() as folder:
-        for command in EXAMPLE:
+        for command in commands:
             shown = command.replace("{}/", "")
             words = [word.replace("{}", folder) for word in command.split()]
             output = said(program, words)[0].replace(folder + "/", "")  # messages aside
@@ -37,7 +39,8 @@ def put(page, mark, text):
 def main():
     program = sys.argv[1] if len(sys.argv) > 1 else str(ROOT / "build/release/bin/inps")
     path = ROOT / "README.md"
-    page = put(path.read_text(encoding="utf-8"), "example", example(program))
+    page = put(path.read_text(encoding="utf-8"), "example", example(program, EXAMPLE))
+    page = put(page, "materials", example(program, MATERIALS))
     page = put(page, "keywords", said(program, ["keywords", "--markdown"])[0])
     path.write_text(page, encoding="utf-8")
 

@@ -19,6 +19,7 @@ enum class inps_Opt : unsigned char {
   Timings,
   Json,
   Markdown,
+  Materials,
   Quiet,
   Help,
   Count

@@ -20,6 +20,8 @@ constexpr inps_Option options[] = {
     {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
     {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
     {Opt::Markdown, 0, "--markdown", "", "as a table for documents"},
+    {Opt::Materials, 0, "--materials", "",
+     "every material with its behaviors, their rows and ranges"},
     {Opt::Quiet, 'q', "--quiet", "", "errors only"},
     {Opt::Help, 'h', "--help", "", "this help"},
 };
@@ -38,14 +40,20 @@ constexpr Text exportExamples[] = {"inps export bracket.sim bracket.vtu",
                                    "inps export bracket.sim bracket.vtu --sets --surfaces --force"};
 constexpr Opt checkOptions[] = {Opt::Strict, Opt::Timings, Opt::Json, Opt::Quiet};
 constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check bracket.sim"};
-constexpr Opt infoOptions[] = {Opt::Json};
-constexpr Text infoExamples[] = {"inps info bracket.sim", "inps info bracket.sim --json"};
+constexpr Opt infoOptions[] = {Opt::Materials, Opt::Json};
+constexpr Text infoExamples[] = {"inps info bracket.sim", "inps info bracket.sim --materials",
+                                 "inps info bracket.sim --json"};
+constexpr Opt plotOptions[] = {Opt::Output, Opt::Force};
+constexpr Text plotExamples[] = {"inps plot bracket.sim -o plots.html",
+                                 "inps plot bracket.sim STEEL BOLT-LOAD --force"};
 constexpr Opt diffOptions[] = {Opt::Json, Opt::Quiet};
 constexpr Text diffExamples[] = {"inps diff old.sim new.sim", "inps diff bracket.inp bracket.sim"};
 constexpr Text dumpExamples[] = {"inps dump bracket.sim | less"};
 constexpr Opt keywordsOptions[] = {Opt::Json, Opt::Markdown};
 constexpr Text keywordsExamples[] = {"inps keywords", "inps keywords --json"};
 constexpr Text helpExamples[] = {"inps help convert"};
+
+constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
 constexpr inps_Command commands[] = {
     {"convert", "DECK", 1, 1, "fill a simulation database from a keyword deck",
@@ -66,6 +74,11 @@ constexpr inps_Command commands[] = {
      "A deck is converted in memory. Of a model, every checksum and reference is verified.",
      checkOptions, checkExamples, inps_check},
     {"info", "MODEL.sim", 1, 1, "what a model holds", "", infoOptions, infoExamples, inps_info},
+    {"plot", "MODEL.sim [NAME...]", 1, anyNumber, "draw materials and amplitudes in one HTML page",
+     "Without -o the page is named as the model, with .html, in the current folder. It needs no\n"
+     "network and no other file. Of large models the first 300 materials and amplitudes are drawn\n"
+     "and the rest is listed; names choose what is drawn.",
+     plotOptions, plotExamples, inps_plot},
     {"diff", "A B", 2, 2, "compare two models or decks record by record",
      "Exits with 0 when they are the same, 1 when they differ. Where a keyword stood in its deck\n"
      "does not count.",

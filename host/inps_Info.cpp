@@ -4,6 +4,7 @@
 #include "database/eds_ModelReader.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Json.h"
+#include "host/inps_MaterialList.h"
 #include "host/inps_MeshQuality.h"
 #include "host/inps_Session.h"
 #include "host/inps_Timings.h"
@@ -43,6 +44,9 @@ void printInfo(aio_ostream& out, const inps_ModelSummary& summary, const KvoObjD
   if (!summary.heading.empty()) out << "heading: " << summary.heading << '\n';
   out << inps_summaryLine(summary) << '\n';
   out << "dimensions: " << summary.dimensions << '\n';
+  if (summary.materials > 0 || summary.amplitudes > 0)
+    out << inps_counted(summary.materials, "material") << ", "
+        << inps_counted(summary.amplitudes, "amplitude") << '\n';
   printParts(out, "parts:", summary.parts);
   printParts(out, "instances:", summary.instances);
   if (summary.nodes > 0) inps_printQuality(out, inps_assessMesh(document));
@@ -50,11 +54,23 @@ void printInfo(aio_ostream& out, const inps_ModelSummary& summary, const KvoObjD
   printCounts(out, "records:", summary.records, "");
 }
 
+int listMaterials(inps_Session& session, const inps_Arguments& arguments,
+                  const KvoObjDocument& document) {
+  if (arguments.Has(inps_Opt::Json))
+    inps_printJson(session.out, {{"command", "info"},
+                                 {"model", arguments.Operands()[0]},
+                                 {"materials", inps_jsonOfMaterials(document)}});
+  else
+    inps_printMaterials(session.out, document);
+  return inps_ExitDone;
+}
+
 } // namespace
 
 int inps_info(inps_Session& session, const inps_Arguments& arguments) {
   const std::filesystem::path file = arguments.Path(0);
   const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+  if (arguments.Has(inps_Opt::Materials)) return listMaterials(session, arguments, document);
   const inps_ModelSummary summary = inps_summarize(document);
   const auto meta = eds_ModelReader(document).Meta();
   std::error_code ignored;

@@ -58,6 +58,8 @@ inps_Json inps_jsonOf(const inps_ModelSummary& summary) {
           {"nodes", summary.nodes},
           {"elements", summary.elements},
           {"elementTypes", countsOf(summary.elementTypes)},
+          {"materials", summary.materials},
+          {"amplitudes", summary.amplitudes},
           {"nodeSets", summary.nodeSets},
           {"elementSets", summary.elementSets},
           {"surfaces", summary.surfaces},

@@ -1,5 +1,6 @@
 #include "host/inps_ModelSummary.h"
 
+#include "database/KvoObjModel.h"
 #include "host/inps_Fields.h"
 #include "host/inps_Reporter.h"
 #include <unordered_map>
@@ -65,6 +66,11 @@ inps_ModelSummary inps_summarize(const KvoObjDocument& document) {
   }
   addMesh(model, summary);
   addParts(model, summary);
+  const KvoSimPosition root = document.GetModel().Position();
+  if (!root.IsNull()) { // else cut short at its very start
+    summary.materials = root.MemberCount(eds_Member::Materials);
+    summary.amplitudes = root.MemberCount(eds_Member::Amplitudes);
+  }
   // The mesh's own sets of everything have no name.
   for (const int64_t id : model.RecordIDs(Kind::NodeSet))
     summary.nodeSets += !inps_boolOf(model, eds_NodeSet_Internal, id) &&

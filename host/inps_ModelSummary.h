@@ -22,6 +22,8 @@ struct inps_ModelSummary {
   int64_t nodes = 0; // of the flat mesh: parts count once per instance
   int64_t elements = 0;
   Counts elementTypes;
+  int64_t materials = 0;
+  int64_t amplitudes = 0;
   int64_t nodeSets = 0; // those of the user
   int64_t elementSets = 0;
   int64_t surfaces = 0;

@@ -196,6 +196,7 @@ bool Driver::ProcessAmplitudes() {
   visitor.VisitList(m_keywords);
   visitor.ReportUnreferredParameters(m_keywords, {inp_KwAmplitude});
   visitor.Report();
+  m_asText.insert(visitor.KeptAsText().begin(), visitor.KeptAsText().end());
   return !visitor.IsError();
 }
 

@@ -50,7 +50,10 @@ void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   while (name.starts_with('"')) name.erase(0, 1);
   while (name.ends_with('"')) name.pop_back();
   const inpS_AmplitudeForm* form = FormOf(keyword);
-  if (form) Create(keyword, *form, name);
+  if (form)
+    Create(keyword, *form, name);
+  else
+    KeepAsText(keyword);
   transaction.Commit();
 }
 
@@ -62,13 +65,9 @@ bool inpS_AmplitudeVisitor::IsModelled(const inp_Keyword& keyword) {
 const inpS_AmplitudeForm* inpS_AmplitudeVisitor::FormOf(const inp_Keyword& keyword) {
   const cow_String& definition = keyword.StringOf("definition", "TABULAR");
   const bool cfd = m_inventory.IsCFD();
-  if ((definition == "ACTUATOR" || definition == "SOLUTIONDEPENDENT") && !cfd) {
-    keyword.ReferAll();
-    return nullptr;
-  }
+  if ((definition == "ACTUATOR" || definition == "SOLUTIONDEPENDENT") && !cfd) return nullptr;
   const inpS_AmplitudeForm* form = inpS_amplitudeForm(definition);
   if (form) return form;
-  keyword.ReferAll(); // kept as text
   const cow_String text = inp_Utils::Format(
       "Amplitude type %s is not available for this analysis type.", definition.c_str());
   // In a flow deck nothing else can stand in for it: there it is an error.
@@ -85,9 +84,7 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   const KvoSimPosition former = model.FollowStringKey(eds_Member::Amplitudes, name);
   if (!former.IsNull()) {
     Warning(keyword, "Amplitude \"" + name + "\" is defined again; the new definition holds.");
-    if (const KvoSrvFsmFTable table = former.GetFTable(); !table.IsNull())
-      table.Position().Remove();
-    former.Remove();
+    Remove(former);
   }
   const KvoSimPosition amplitude = model.CreateDataRecord(form.kind);
   KvoSimDataRecord record = amplitude.DataRecord();
@@ -95,11 +92,18 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   model.AssociateStringKey(eds_Member::Amplitudes, name, amplitude);
   record.SetSymb(form.timeSpan, keyword.StringOf("time", "STEPTIME") == "STEPTIME" ? 0 : 1);
   inpS_readParameters(keyword, form.parameters, record, *this);
+  for (const inp_Keyword& suboption : keyword.Suboptions())
+    m_text.try_emplace(suboption.Body().get(), amplitude);
   keyword.Find("input"); // the parser has read that file's lines
   if (!form.lineFields.empty()) ReadFirstLine(keyword, form, record);
   cow_List<double> pairs;
   if (form.data == Data::Pairs) pairs = ReadPairs(keyword, 0);
-  if (form.data == Data::Coefficients) return StoreTerms(amplitude, ReadPairs(keyword, 1));
+  if (form.data == Data::Coefficients) {
+    pairs = ReadPairs(keyword, 1);
+    if (record.GetInt64(eds_AmplitudePeriodic_Terms) != static_cast<int64_t>(pairs.size() / 2))
+      Warning(keyword, "The first line tells another number of terms than there are pairs.");
+    return StoreTerms(amplitude, pairs);
+  }
   if (form.data == Data::Magnitudes) {
     record.SetBool(eds_AmplitudeTabular_EquallySpaced, true);
     const double interval = record.GetDouble(eds_AmplitudeTabular_FixedInterval);
@@ -114,6 +118,14 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   const int kind = static_cast<int>(form.kind);
   KvoSrvFsmFTable::CreateTable(amplitude, kind, static_cast<int64_t>(pairs.size() / 2), 0,
                                {"Magnitude"}, {"Time"}, kind, pairs, 2, false);
+}
+
+// Texts kept with it stay with the model.
+void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
+  for (auto& [body, owner] : m_text)
+    if (owner == amplitude) owner = {};
+  if (KvoSrvFsmFTable table = amplitude.GetFTable(); !table.IsNull()) table.Remove();
+  amplitude.Remove();
 }
 
 void inpS_AmplitudeVisitor::ReadFirstLine(const inp_Keyword& keyword,
@@ -176,6 +188,7 @@ cow_List<double> inpS_AmplitudeVisitor::ReadPairs(const inp_Keyword& keyword, lo
   const inp_DataArray& data = keyword.Data();
   cow_List<double> times;
   cow_List<double> magnitudes;
+  cow_List<long long> rows; // of the times
   const long long lines = linesOf(data);
   for (long long row = firstLine; row < lines; ++row) {
     int cols = std::min(data.Cols(row), kFieldsPerLine);
@@ -187,12 +200,13 @@ cow_List<double> inpS_AmplitudeVisitor::ReadPairs(const inp_Keyword& keyword, lo
     }
     for (int col = 0; col < cols; ++col)
       (col % 2 == 0 ? times : magnitudes).push_back(ValueAt(keyword, row, col));
+    rows.resize(times.size(), row);
   }
   if (magnitudes.size() != times.size()) utl_assertionFailed("md.Length() == td.Length()");
   cow_List<double> pairs;
   for (std::size_t n = 0; n < times.size(); ++n) {
-    if (firstLine == 0 && n > 0 && times[n] <= times[n - 1])
-      AddError(inp_Utils::MessageAtRow(keyword, std::min(static_cast<long long>(n) / 4, lines - 1),
+    if (firstLine == 0 && n > 0 && times[n] < times[n - 1])
+      AddError(inp_Utils::MessageAtRow(keyword, rows[n],
                                        "The times of an amplitude must rise; value " +
                                            std::to_string(n + 1) + " does not."));
     pairs.push_back(times[n]);
@@ -216,4 +230,9 @@ void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
   transfer.SetBuffer(std::span<const double>(pairs));
   transfer.ExecMake();
   amplitude.Associate(eds_Member::Distributions, values.Position());
+}
+
+void inpS_AmplitudeVisitor::KeepAsText(const inp_Keyword& keyword) {
+  keyword.ReferAll();
+  m_text.try_emplace(keyword.Body().get());
 }

@@ -12,14 +12,18 @@ class inpS_AmplitudeVisitor : public inpS_Visitor {
 public:
   explicit inpS_AmplitudeVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
 
-  void VisitAmplitude(const inp_Keyword& keyword) override;
-
   // Whether some record kind serves its definition.
   static bool IsModelled(const inp_Keyword& keyword);
+
+  void VisitAmplitude(const inp_Keyword& keyword) override;
+
+  // What was left to be kept as text (the model's own: null positions).
+  const cow_Map<const inp_KeywordBody*, KvoSimPosition>& KeptAsText() const { return m_text; }
 
 private:
   const inpS_AmplitudeForm* FormOf(const inp_Keyword& keyword);
   void Create(const inp_Keyword& keyword, const inpS_AmplitudeForm& form, const cow_String& name);
+  void Remove(const KvoSimPosition& amplitude);
   void ReadFirstLine(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
                      KvoSimDataRecord record);
   void ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record);
@@ -28,6 +32,8 @@ private:
   cow_List<double> ReadPairs(const inp_Keyword& keyword, long long firstLine); // one after another
   double ValueAt(const inp_Keyword& keyword, long long row, int col);
   void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);
+  void KeepAsText(const inp_Keyword& keyword);
 
   const inpS_Inventory& m_inventory;
+  cow_Map<const inp_KeywordBody*, KvoSimPosition> m_text;
 };

@@ -75,6 +75,15 @@ public:
     --m_cols;
   }
 
+  // Keeps the columns whose mark is not 0.
+  void KeepColumns(std::span<const char> keep) {
+    std::size_t to = 0;
+    for (std::size_t n = 0; n < m_values.size(); ++n)
+      if (keep[n % m_cols]) m_values[to++] = m_values[n];
+    m_values.resize(to);
+    m_cols = static_cast<std::size_t>(std::ranges::count_if(keep, [](char c) { return c != 0; }));
+  }
+
   void SwapColumns(std::size_t a, std::size_t b) {
     for (std::size_t row = 0; row < m_rows; ++row) std::swap(At(row, a), At(row, b));
   }

@@ -14,7 +14,8 @@ int dependenciesOf(const inp_Keyword& keyword) {
   const inp_Item* item = keyword.Find("dependencies");
   if (!item) return 0;
   const int count = item->AsInt();
-  if (count >= 0 && count <= mostDependencies) return count;
+  const bool whole = item->GetKind() == inp_Item::Kind::Integer;
+  if (whole && count >= 0 && count <= mostDependencies) return count;
   inpS_Message message(keyword, inpS_Message::Application, inpS_app_InvalidParameterValue);
   message.AppendArg("dependencies");
   inpS_MessageContainer::Instance().AddMessage(std::move(message));
@@ -166,6 +167,12 @@ void inpS_KeywordDataTable::RemoveColumn(int colNum) {
   CheckColumn(colNum);
   m_table.RemoveColumn(index(colNum));
   if (m_given) m_given->RemoveColumn(index(colNum));
+}
+
+void inpS_KeywordDataTable::KeepColumns(std::span<const char> keep) {
+  utl_ASSERT(keep.size() == m_table.Cols());
+  m_table.KeepColumns(keep);
+  if (m_given) m_given->KeepColumns(keep);
 }
 
 void inpS_KeywordDataTable::RemoveTempColumnIfIndependent() {

@@ -45,6 +45,7 @@ public:
   bool IsColumnSpecified(int row, int col) const;
 
   void RemoveColumn(int colNum);
+  void KeepColumns(std::span<const char> keep); // those whose mark is not 0
   void RemoveTempColumnIfIndependent();
   void ExpandTableNumColsTo(int cols); // with 0.0
   void SetColumnToValue(int colNum, double value);

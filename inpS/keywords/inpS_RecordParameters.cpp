@@ -143,6 +143,8 @@ void inpS_printParameters(utl_Stream& out, const inpS_ParameterBindings& binding
       out << '=' << binding.words[static_cast<std::size_t>(record.GetSymb(binding.field))];
       break;
     default:
+      // Empty: given as a bare name.
+      if (record.GetString(binding.field).empty()) break;
       out << '=';
       if (binding.words.empty())
         out << inpS_quoted(record.ReturnString(binding.field));

@@ -60,6 +60,10 @@ inpS_Behavior::Selector selectorOf(std::string_view text) {
   selector.name = text.substr(0, equals);
   selector.key = lowerCase(inpS_bareWord(selector.name));
   if (equals != text.npos) selector.text = text.substr(equals + 1);
+  if (const std::size_t bar = selector.text.find('|'); bar != cow_String::npos) {
+    selector.alias = inpS_bareWord(std::string_view(selector.text).substr(bar + 1));
+    selector.text.erase(bar);
+  }
   selector.word = inpS_bareWord(selector.text);
   return selector;
 }
@@ -103,7 +107,9 @@ inpS_Behavior behaviorOf(const Row& row) {
 bool meets(const inpS_Behavior::Selector& selector, const inp_Keyword& keyword) {
   const inp_Item* item = keyword.Find(selector.key);
   if (!item) return selector.isDefault;
-  return selector.word.empty() || inpS_bareWord(item->AsString()) == selector.word;
+  if (selector.word.empty()) return true;
+  const cow_String word = inpS_bareWord(item->AsString());
+  return word == selector.word || (!selector.alias.empty() && word == selector.alias);
 }
 
 } // namespace

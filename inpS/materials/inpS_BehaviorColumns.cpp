@@ -120,7 +120,9 @@ cow_List<Column> inpS_BehaviorColumns::Expand(const Count& count) const {
         columns.push_back(column);
         if (group.parameter.empty()) continue;
         columns.back().name += std::to_string(n);
-        if (column.name.ends_with('_')) columns.back().tableName = columns.back().name;
+        if (!column.name.ends_with('_')) continue;
+        columns.back().tableName = columns.back().name;
+        columns.back().mayBeBlank = true; // it has a number, not a meaning
       }
     }
     if (!group.polynomial) continue;

@@ -13,7 +13,8 @@
 //   order      := ( "+" | "++" ) [ "@0" ]
 //
 // "~" marks what the row is given for and "=" what it gives, where the table holds them under their
-// names (its extra columns); "?" a value that may be missing at the end of a row. Values of an
+// names (its extra columns): one that no row of the deck gives is no column of the table, so that a
+// blank which stands for a default stays one. "?" marks a value that may be missing. Values of an
 // ordered column rise from row to row ("++"; "+": do not fall) as long as temperature and field
 // variables stay the same; "@0": the first of them is 0. A group is repeated as often as the
 // keyword's parameter says; the law "polynomial" stands for all C_ij with i + j from 1 to N.
@@ -28,6 +29,7 @@ public:
     Order order = Order::None;
     bool fromZero = false;
     bool optional = false;
+    bool mayBeBlank = false; // where another value follows
     double low = -std::numeric_limits<double>::infinity();
     double high = std::numeric_limits<double>::infinity();
     bool lowOpen = false;

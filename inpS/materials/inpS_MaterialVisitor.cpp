@@ -2,6 +2,7 @@
 #include "base/utl_Assert.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/materials/inpS_TableCheck.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_KeywordTable.h"
@@ -26,6 +27,34 @@ eds_Member memberOf(const KvoSimPosition& owner) {
   const bool container =
       owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
   return container ? eds_Member::Properties : eds_Member::Suboptions;
+}
+
+// ", NAME=VALUE" for each parameter that nothing asked for.
+cow_String otherParameters(const inp_Keyword& keyword) {
+  cow_String others;
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (parameter.referred) continue;
+    parameter.referred = true;
+    for (const char c : ", " + parameter.name)
+      others += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
+  }
+  return others;
+}
+
+bool hasData(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row)
+    if (!inpS_KeywordReader::IsBlankRow(data, row)) return true;
+  return false;
+}
+
+// A name instead of numbers, where the deck language allows one: the values come from a
+// distribution.
+bool namesDistribution(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  return inp_KeywordTable::Instance().Row(keyword.Kind())->data == inp_DataKind::Mixed &&
+         data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
 }
 
 cow_String allLines(const inp_Keyword& keyword) {
@@ -77,7 +106,11 @@ KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_R
   return opened;
 }
 
+// Without a name nothing is opened: what follows belongs to the material before it.
 void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
+  if (!keyword.HasParameter("name"))
+    Warning(keyword, "*MATERIAL has no name and opens nothing; what follows is taken for the "
+                     "material before it.");
   const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
   if (!opened.IsNull()) m_owner = m_material = opened;
 }
@@ -100,6 +133,11 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
   inpS_readParameters(keyword,
                       inpS_bindParameters(keyword.Kind(), eds_RecordKind::PhysicalConstants),
                       constants.DataRecord(), *this);
+  if (const cow_String others = otherParameters(keyword); !others.empty()) {
+    const cow_String former =
+        constants.DataRecord().ReturnString(eds_PhysicalConstants_OtherParameters);
+    constants.DataRecord().SetString(eds_PhysicalConstants_OtherParameters, former + others);
+  }
   transaction.Commit();
 }
 
@@ -190,20 +228,28 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
     ReportChoice(keyword);
     return false;
   }
+  if (behavior->HasTable() && namesDistribution(keyword)) return false;
   CheckConflicts(keyword, *behavior);
+  if (behavior->form == inpS_DataForm::None && hasData(keyword))
+    Warning(keyword, "The data lines of *" + keyword.Name() + " mean nothing here; left out.");
   if (behavior->repeat == inpS_Repeat::Many) return true;
+  return !IsSecond(keyword, *behavior, owner);
+}
+
+bool inpS_MaterialVisitor::IsSecond(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+                                    const KvoSimPosition& owner) {
   for (const KvoSimPosition& present : owner.GetVector(memberOf(owner))) {
     const inpS_Behavior* other = inpS_BehaviorTable::Instance().Find(present.Object().RecordKind());
-    const bool same = behavior->repeat == inpS_Repeat::Beside || !other
-                          ? present.IsA(behavior->kind)
+    const bool same = behavior.repeat == inpS_Repeat::Beside || !other
+                          ? present.IsA(behavior.kind)
                           : other->keyword == keyword.Kind();
     if (!same) continue;
     Error(keyword, "*" + keyword.Name() + " is given a second time for the same " +
                        (memberOf(owner) == eds_Member::Properties ? "material" : "behavior") +
                        "; the first one holds, this one is kept as text.");
-    return false;
+    return true;
   }
-  return true;
+  return false;
 }
 
 void inpS_MaterialVisitor::ReportChoice(const inp_Keyword& keyword) {
@@ -235,9 +281,10 @@ void inpS_MaterialVisitor::CheckConflicts(const inp_Keyword& keyword,
                return selector.word.empty() && selector.key == parameter.name;
              });
     };
-    const bool isRead = behavior.Binds(parameter.name) ||
-                        std::ranges::find(behavior.selectors, parameter.name,
-                                          &inpS_Behavior::Selector::key) != behavior.selectors.end();
+    const bool isRead =
+        behavior.Binds(parameter.name) ||
+        std::ranges::find(behavior.selectors, parameter.name, &inpS_Behavior::Selector::key) !=
+            behavior.selectors.end();
     if (isRead) continue;
     const auto& rows = inpS_BehaviorTable::Instance().Rows();
     if (std::ranges::none_of(rows, chooses)) continue;
@@ -247,16 +294,43 @@ void inpS_MaterialVisitor::CheckConflicts(const inp_Keyword& keyword,
   }
 }
 
+// Whether the parameters that say how many values there are can be right.
+bool inpS_MaterialVisitor::CheckCounts(const inp_Keyword& keyword, const inpS_Behavior& behavior) {
+  if (behavior.columns.IsFixed()) return true;
+  const cow_List<cow_String> counts = behavior.columns.Parameters();
+  const long long least = behavior.MayLackRows() && behavior.form == inpS_DataForm::Bare ? 0 : 1;
+  for (const inpS_ParameterBinding& binding : behavior.parameters) {
+    const inp_Item* item = keyword.Find(binding.key);
+    if (!item || std::ranges::find(counts, binding.key) == counts.end()) continue;
+    if (item->GetKind() == inp_Item::Kind::Integer && item->AsInt() >= least) continue;
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, binding.key,
+        inpS_messageText(inpS_app_InvalidParameterValue, {binding.name}) +
+            " It must be a whole number from " + std::to_string(least) +
+            " on; the keyword is kept as text."));
+    return false;
+  }
+  return true;
+}
+
 bool inpS_MaterialVisitor::ReadTable(const inp_Keyword& keyword, const inpS_Behavior& behavior,
                                      cow_List<Column>& columns, inpS_KeywordDataTable& table) {
+  constexpr long long mostValues = 100000; // of a row; beyond, the number is a slip of the pen
+  if (!CheckCounts(keyword, behavior)) return false;
   const auto count = inpS_Behavior::CountIn(keyword);
   const long long size = behavior.columns.Size(count);
   const inp_DataArray& data = keyword.Data();
+  if (size == 0 && hasData(keyword)) {
+    Error(keyword, "*" + keyword.Name() +
+                       " does not tell how many values its data lines hold; it " +
+                       "is kept as text.");
+    return false;
+  }
   // Nothing but the data lines can say how many values there are.
-  if (size > 8 * data.Rows() + 8) {
+  if (size > mostValues || size > 8 * data.Rows() + 8) {
     if (data.Rows() > 0 || !behavior.MayLackRows())
       Error(keyword, "*" + keyword.Name() + " asks for " + std::to_string(size) +
-                         " values, more than its data lines can hold.");
+                         " values, more than its data lines can hold; it is kept as text.");
     return behavior.MayLackRows() && data.Rows() == 0;
   }
   columns = behavior.columns.Expand(count);
@@ -295,14 +369,7 @@ void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_Beh
   if (behavior.linesField >= 0 && keyword.Data().Rows() > 0)
     record.SetString(behavior.linesField, allLines(keyword));
   if (behavior.othersField < 0) return;
-  cow_String others;
-  for (const inp_Parameter& parameter : keyword.Parameters()) {
-    if (parameter.referred) continue;
-    parameter.referred = true;
-    for (const char c : ", " + parameter.name)
-      others += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
-  }
+  const cow_String others = otherParameters(keyword);
   if (!others.empty()) record.SetString(behavior.othersField, others);
 }
 
@@ -330,10 +397,6 @@ void inpS_MaterialVisitor::CreateSuboptions(const inp_Keyword& keyword,
 // ---- what rows cannot say
 
 void inpS_MaterialVisitor::Elasticity(const inp_Keyword& keyword) {
-  // A name instead of numbers: the constants come from a distribution.
-  const inp_DataArray& data = keyword.Data();
-  if (data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String)
-    return KeepAsText(keyword, m_owner);
   const KvoSimPosition property = Convert(keyword, m_owner);
   if (property.IsNull() || keyword.StringOf("moduli", "LONGTERM") == "INSTANTANEOUS") return;
   KvoSimTransaction transaction(m_document.ContextID());
@@ -346,7 +409,9 @@ void inpS_MaterialVisitor::CreatePotential(const inp_Keyword& keyword) {
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
     if (suboption.Kind() != inp_KwPotential) continue;
     const inpS_Behavior* behavior = inpS_BehaviorTable::Instance().Select(suboption);
-    const bool has = !GetProperty(eds_RecordKind::Potential).IsNull();
+    const bool has = std::ranges::any_of(m_owner.GetVector(eds_Member::Properties), [](auto& one) {
+      return one.IsA(eds_RecordKind::Potential);
+    });
     if (has || !m_potential.IsNull()) {
       Warning(suboption, "The material has a potential already; this one is ignored.");
       continue;
@@ -368,10 +433,13 @@ void inpS_MaterialVisitor::PotentialUser(const inp_Keyword& keyword) {
 
 void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
   if (keyword.StringOf("hardening", "ISOTROPIC") != "ISOTROPIC") return PotentialUser(keyword);
+  constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
+  KvoSimPosition property = GetProperty(kind);
+  if (property.IsNull() && IsSecond(keyword, *inpS_BehaviorTable::Instance().Find(kind), m_owner))
+    return KeepAsText(keyword, m_owner); // beside another hardening
   KvoSimTransaction transaction(m_document.ContextID());
   m_potential = {};
   CreatePotential(keyword);
-  KvoSimPosition property = GetProperty(eds_RecordKind::PlasticIsotropic);
   if (property.IsNull()) {
     property = CreateIsotropicHardeningPlastic(transaction, keyword);
   } else {
@@ -416,6 +484,10 @@ inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Key
   for (wip_Message& message : table.UnreadMessages()) AddError(std::move(message));
   inpS_checkTable(keyword, table, row.columns.Fixed(), *this);
   table.RemoveTempColumnIfIndependent();
+  if (const inp_Item* rate = keyword.Find("rate"); rate && !rate->IsNumber())
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, "rate",
+        inpS_messageText(inpS_app_InvalidParameterValue, {"RATE"}) + " It is read as 0."));
   table.InsertValueToColumn(rateOf(keyword), kRateColumn);
   return table;
 }

@@ -61,6 +61,9 @@ private:
   void Depvar(const inp_Keyword& keyword);
   bool MayConvert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                   const inp_Keyword* parent);
+  bool IsSecond(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+                const KvoSimPosition& owner);
+  bool CheckCounts(const inp_Keyword& keyword, const inpS_Behavior& behavior);
   void ReportChoice(const inp_Keyword& keyword);
   void CheckConflicts(const inp_Keyword& keyword, const inpS_Behavior& behavior);
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,

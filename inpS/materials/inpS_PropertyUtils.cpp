@@ -1,27 +1,25 @@
 #include "inpS/materials/inpS_PropertyUtils.h"
 #include "base/utl_Assert.h"
+#include <algorithm>
 
 namespace {
 
-// Takes the columns out that no row of the deck gives.
-void keepSpecified(inpS_KeywordDataTable& table, inpS_ExtraColumns& columns,
-                   inpS_ExtraColumns& others) {
-  for (std::size_t n = 0; n < columns.numbers.size();) {
+// Marks the columns that no row of the deck gives, and forgets their names.
+void dropUnspecified(const inpS_KeywordDataTable& table, inpS_ExtraColumns& columns,
+                     cow_List<char>& keep) {
+  cow_List<cow_String> names;
+  for (std::size_t n = 0; n < columns.numbers.size(); ++n) {
     const int column = columns.numbers[n];
+    utl_ASSERT(column >= 0 && column < table.NumCols());
     bool specified = false;
     for (int row = 0; row < table.NumRows() && !specified; ++row)
       specified = table.IsColumnSpecified(row, column);
-    if (specified) {
-      ++n;
-      continue;
-    }
-    table.RemoveColumn(column);
-    columns.numbers.erase(columns.numbers.begin() + static_cast<std::ptrdiff_t>(n));
-    columns.names.erase(columns.names.begin() + static_cast<std::ptrdiff_t>(n));
-    for (inpS_ExtraColumns* list : {&columns, &others})
-      for (int& number : list->numbers)
-        if (number > column) --number;
+    if (specified)
+      names.push_back(std::move(columns.names[n]));
+    else
+      keep[static_cast<std::size_t>(column)] = 0;
   }
+  columns.names = std::move(names);
 }
 
 } // namespace
@@ -53,8 +51,10 @@ KvoSrvFsmFTable inpS_PropertyUtils::CreateProperty(const KvoSimPosition& propert
   if (independent.numbers.size() != independent.names.size())
     utl_assertionFailed("posInDepExtraColNumbers.size() == posInDepExtraColNames.size()");
   if (table.NumRows() == 0) return {};
-  keepSpecified(table, dependent, independent);
-  keepSpecified(table, independent, dependent);
+  cow_List<char> keep(static_cast<std::size_t>(table.NumCols()), 1);
+  dropUnspecified(table, dependent, keep);
+  dropUnspecified(table, independent, keep);
+  if (std::ranges::find(keep, 0) != keep.end()) table.KeepColumns(keep);
   return KvoSrvFsmFTable::CreateTable(property, tableKind, table.NumRows(), table.NumDependencies(),
                                       dependent.names, independent.names, rowKind,
                                       table.GetDataAsBuffer(), table.NumCols(),

@@ -47,8 +47,11 @@ private:
   void CheckLengths() {
     int told = 0;
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
+      std::size_t given = m_columns.size();
+      while (given > 0 && !m_table.IsColumnSpecified(row, Number(given - 1))) --given;
       for (std::size_t n = 0; n < m_columns.size(); ++n) {
         if (m_columns[n].optional || m_table.IsColumnSpecified(row, Number(n))) continue;
+        if (m_columns[n].mayBeBlank && n < given) continue;
         const long long line = static_cast<long long>(row) * m_linesPerRow;
         m_messages.AddError(
             inp_Utils::MessageAtRow(m_keyword, std::min(line, m_keyword.Data().Rows() - 1),

@@ -31,6 +31,12 @@ bool leavesNothing(const inp_Keyword& keyword) {
   return true;
 }
 
+const char* levelUnder(const KvoSimPosition& owner) {
+  const bool container =
+      owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
+  return container ? "LEVEL_MATERIAL" : "LEVEL_SUBOPTION";
+}
+
 } // namespace
 
 inpS_VerbatimVisitor::inpS_VerbatimVisitor(const inpS_Inventory& inventory,
@@ -105,7 +111,7 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   KvoSimTransaction transaction(document.ContextID());
   Place place = m_place;
   const KvoSimPosition* owner = AsText(keyword);
-  if (owner && !owner->IsNull()) place = {*owner, "LEVEL_MATERIAL"};
+  if (owner && !owner->IsNull()) place = {*owner, levelUnder(*owner)};
   const KvoSimPosition kept = m_place.owner.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   KvoSimDataRecord record = kept.DataRecord();
   record.SetString(eds_VerbatimKeyword_Keyword, keyword.Name());

@@ -6,6 +6,7 @@
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/history/inpS_AmplitudeForm.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "inpS/writer/inpS_PropertyDescription.h"
 #include <algorithm>
 
 namespace {
@@ -48,23 +49,31 @@ cow_List<double> termsOf(const KvoSimPosition& amplitude) {
   return pairs;
 }
 
+// Times and magnitudes, or coefficients, in turn.
+cow_List<double> pairsOf(const KvoSimPosition& amplitude, const inpS_AmplitudeForm& form) {
+  if (form.data == Data::Coefficients) return termsOf(amplitude);
+  const KvoSrvFsmFTable table = amplitude.GetFTable();
+  return table.IsNull() ? cow_List<double>() : table.Values();
+}
+
+void printKeyword(utl_Stream& out, const inpS_AmplitudeForm& form, const KvoSimDataRecord& record) {
+  out << "*AMPLITUDE, NAME=" << inpS_quoted(record.ReturnString(form.name));
+  if (&form != &inpS_amplitudeForms().front()) out << ", DEFINITION=" << form.definition;
+  if (record.GetSymb(form.timeSpan) != 0) out << ", TIME=TOTAL TIME";
+  inpS_printParameters(out, form.parameters, record);
+  if (form.kind == eds_RecordKind::AmplitudeTabular &&
+      record.GetBool(eds_AmplitudeTabular_SmoothingGiven))
+    out << ", SMOOTH=" << record.GetDouble(eds_AmplitudeTabular_Smoothing);
+}
+
 void printAmplitude(utl_Stream& out, const KvoSimPosition& amplitude) {
   const KvoSimDataRecord record = amplitude.DataRecord();
   const inpS_AmplitudeForm* form = inpS_amplitudeForm(record);
   if (!form) return; // of a newer version's kind: nothing is known of it
-  out << "*AMPLITUDE, NAME=" << inpS_quoted(record.ReturnString(form->name));
-  if (form != &inpS_amplitudeForms().front()) out << ", DEFINITION=" << form->definition;
-  if (record.GetSymb(form->timeSpan) != 0) out << ", TIME=TOTAL TIME";
-  inpS_printParameters(out, form->parameters, record);
-  if (form->kind == eds_RecordKind::AmplitudeTabular &&
-      record.GetBool(eds_AmplitudeTabular_SmoothingGiven))
-    out << ", SMOOTH=" << record.GetDouble(eds_AmplitudeTabular_Smoothing);
+  printKeyword(out, *form, record);
   out << '\n';
   printFirstLine(out, *form, record);
-  if (form->data == Data::Coefficients) return printValues(out, termsOf(amplitude));
-  const KvoSrvFsmFTable table = amplitude.GetFTable();
-  if (table.IsNull()) return;
-  cow_List<double> values = table.Values(); // time, magnitude, ...
+  cow_List<double> values = pairsOf(amplitude, *form);
   if (form->data == Data::Magnitudes) {
     for (std::size_t n = 0; n < values.size() / 2; ++n) values[n] = values[2 * n + 1];
     values.resize(values.size() / 2);
@@ -74,7 +83,22 @@ void printAmplitude(utl_Stream& out, const KvoSimPosition& amplitude) {
 
 } // namespace
 
-void inpS_printAmplitudes(utl_Stream& out, const KvoObjModel& model) {
-  for (const KvoSimPosition& amplitude : model.Position().FollowMap(eds_Member::Amplitudes))
+void inpS_printAmplitudes(utl_Stream& out, const KvoObjModel& model,
+                          const std::function<void(const KvoSimPosition&)>& printTexts) {
+  for (const KvoSimPosition& amplitude : model.Position().FollowMap(eds_Member::Amplitudes)) {
     printAmplitude(out, amplitude);
+    printTexts(amplitude);
+  }
+}
+
+inpS_AmplitudeDescription inpS_describeAmplitude(const KvoSimPosition& amplitude) {
+  inpS_AmplitudeDescription description;
+  const KvoSimDataRecord record = amplitude.DataRecord();
+  const inpS_AmplitudeForm* form = inpS_amplitudeForm(record);
+  if (!form) return description;
+  utl_Stream out(&description.keyword);
+  printKeyword(out, *form, record);
+  out.Close();
+  description.pairs = pairsOf(amplitude, *form);
+  return description;
 }

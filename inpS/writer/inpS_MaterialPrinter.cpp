@@ -5,6 +5,8 @@
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/materials/inpS_Behavior.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "inpS/writer/inpS_PropertyWords.h"
+#include "inpS/writer/inpS_RowLayout.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
 
@@ -28,22 +30,6 @@ void printPlain(utl_Stream& out, inp_KeywordEnm keyword, const KvoSimPosition& p
                        position.DataRecord());
 }
 
-// Rows of numbers, eight to a line. A table that lost its temperature gets a column of zeros where
-// field variables stand behind it.
-void printRows(utl_Stream& out, std::span<const double> values, int columns, int zeroAt) {
-  cow_List<double> row;
-  for (std::size_t at = 0; at < values.size(); at += static_cast<std::size_t>(columns)) {
-    const auto given = values.subspan(at, static_cast<std::size_t>(columns));
-    row.assign(given.begin(), given.end());
-    if (zeroAt >= 0) row.insert(row.begin() + zeroAt, 0.0);
-    const int width = static_cast<int>(row.size());
-    for (int first = 0; first < width; first += 8) {
-      inpS_printArray(out, row.data() + first, std::min(8, width - first));
-      out << (first + 8 < width ? ",\n" : "\n");
-    }
-  }
-}
-
 } // namespace
 
 void inpS_MaterialPrinter::PrintMaterials(const KvoObjModel& model) {
@@ -60,15 +46,15 @@ void inpS_MaterialPrinter::PrintPhysicalConstants(const KvoObjModel& model) {
   const KvoSimPosition constants = model.Position().Follow(eds_Member::PhysicalConstants);
   if (constants.IsNull()) return;
   printPlain(m_out, inp_KwPhysicalConstants, constants);
-  m_out << '\n';
+  m_out << constants.DataRecord().GetString(eds_PhysicalConstants_OtherParameters) << '\n';
 }
 
 void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEnm keyword) {
-  m_owner = owner;
+  const inpS_OwnedProperties owned(owner);
+  m_potentials = owned.potentials;
   printPlain(m_out, keyword, owner);
   m_out << '\n';
-  for (const KvoSimPosition& property : owner.GetVector(eds_Member::Properties))
-    if (!property.IsA(eds_RecordKind::Potential)) PrintProperty(property);
+  for (const KvoSimPosition& property : owned.properties) PrintProperty(property);
   m_texts(owner);
 }
 
@@ -90,15 +76,8 @@ void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
 
 void inpS_MaterialPrinter::PrintKeyword(const KvoSimPosition& property,
                                         const inpS_Behavior& behavior) {
-  const KvoSimDataRecord record = property.DataRecord();
-  m_out << '*' << nameOf(behavior.keyword);
-  for (const inpS_Behavior::Selector& selector : behavior.selectors) {
-    if (!selector.IsPrinted()) continue;
-    m_out << ", " << selector.name;
-    if (!selector.text.empty()) m_out << '=' << selector.text;
-  }
-  inpS_printParameters(m_out, behavior.parameters, record);
-  if (behavior.othersField >= 0) m_out << record.GetString(behavior.othersField);
+  inpS_printVariant(m_out, behavior);
+  inpS_printOtherParameters(m_out, behavior, property.DataRecord());
 }
 
 void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {
@@ -106,10 +85,7 @@ void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {
   if (table.IsNull()) return;
   const inpS_Behavior& behavior =
       *inpS_BehaviorTable::Instance().Find(property.Object().RecordKind());
-  const int variables = table.FieldVariables();
-  const bool lacksTemperature = behavior.HasTemperature() && !table.IsTemperatureDependent();
-  printRows(m_out, table.Values(), table.Columns(),
-            lacksTemperature && variables > 0 ? table.Columns() - variables : -1);
+  inpS_RowLayout(behavior, property.DataRecord(), table).Print(m_out, table.Values());
 }
 
 // One keyword for each run of rows of one rate.
@@ -135,23 +111,13 @@ void inpS_MaterialPrinter::PrintIsotropicHardening(const KvoSimPosition& propert
     if (rateOf(first) != 0.0) m_out << ", RATE=" << rateOf(first);
     printDependencies(m_out, table);
     m_out << '\n';
-    printRows(m_out, run, columns - 1, lacksTemperature ? kRateColumn : -1);
+    inpS_RowLayout(columns - 1, lacksTemperature ? kRateColumn : -1).Print(m_out, run);
   }
 }
 
 void inpS_MaterialPrinter::PrintSuboptions(const KvoSimPosition& property) {
-  const eds_RecordKind kind = property.Object().RecordKind();
-  for (const inp_KeywordEnm flag : {inp_KwNoCompression, inp_KwNoTension}) {
-    const int field = inpS_flagField(kind, flag);
-    if (field >= 0 && property.DataRecord().GetBool(field)) m_out << '*' << nameOf(flag) << '\n';
-  }
-  // The material's potential stood under the keyword of this property.
-  for (const KvoSimPosition& potential : m_owner.GetVector(eds_Member::Properties)) {
-    if (!potential.IsA(eds_RecordKind::Potential)) continue;
-    if (potential.DataRecord().GetReference(eds_Potential_GivenWith) == property)
-      PrintProperty(potential);
-  }
-  for (const KvoSimPosition& suboption : property.GetVector(eds_Member::Suboptions))
-    PrintProperty(suboption);
+  const inpS_PropertySuboptions suboptions = inpS_suboptionsOf(property, m_potentials);
+  for (const inp_KeywordEnm flag : suboptions.flags) m_out << '*' << nameOf(flag) << '\n';
+  for (const KvoSimPosition& suboption : suboptions.properties) PrintProperty(suboption);
   m_texts(property);
 }

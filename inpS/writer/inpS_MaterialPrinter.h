@@ -30,5 +30,5 @@ private:
 
   utl_Stream& m_out;
   Texts m_texts;
-  KvoSimPosition m_owner; // the material or gasket behaviour at hand
+  cow_List<KvoSimPosition> m_potentials; // of the material at hand
 };

@@ -79,7 +79,9 @@ struct inpS_Sim2Inp::Impl {
     if (IsModel(scope)) Materials().PrintPhysicalConstants(doc.GetModel());
   }
   void PrintAmplitudes(const inpS_DeckScope& scope) {
-    if (IsModel(scope)) inpS_printAmplitudes(*out, doc.GetModel());
+    if (IsModel(scope))
+      inpS_printAmplitudes(*out, doc.GetModel(),
+                           [this](const KvoSimPosition& owner) { PrintKeptOf(owner); });
   }
   void PrintMaterials(const inpS_DeckScope& scope) {
     if (IsModel(scope)) Materials().PrintMaterials(doc.GetModel());

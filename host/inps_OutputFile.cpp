@@ -1,0 +1,28 @@
+#include "host/inps_OutputFile.h"
+
+#include "base/utl_File.h"
+#include "base/utl_Stream.h"
+
+void inps_writeFile(const std::filesystem::path& path, bool force,
+                    const std::function<void(utl_Stream& out)>& print) {
+  std::error_code ignored;
+  const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+  const bool exists = std::filesystem::exists(status);
+  if (std::filesystem::is_directory(status))
+    throw utl_FileException("cannot write", path, "it is a folder");
+  const bool inPlace = exists && !std::filesystem::is_regular_file(status);
+  if (exists && !inPlace && !force)
+    throw utl_FileException("cannot write", path, "it exists; --force replaces it");
+
+  const std::filesystem::path file = inPlace ? path : utl_temporaryBeside(path);
+  try {
+    utl_Stream out(file);
+    print(out);
+    out.Close();
+    if (inPlace) return;
+    utl_renameFile(file, path, force ? utl_IfExists::Replace : utl_IfExists::Refuse);
+  } catch (...) {
+    if (!inPlace) utl_removeFile(file);
+    throw;
+  }
+}

@@ -1,0 +1,63 @@
+#include "inpS/writer/inpS_PropertyWords.h"
+#include "base/utl_Stream.h"
+#include "database/KvoSimDataRecord.h"
+#include "inpS/materials/inpS_Behavior.h"
+#include "parser/inp_KeywordTable.h"
+
+namespace {
+
+struct FlagField {
+  eds_RecordKind kind;
+  inp_KeywordEnm keyword;
+  int field;
+};
+
+// The few there are, looked up once.
+const cow_List<FlagField>& flagFields() {
+  static const cow_List<FlagField> fields = [] {
+    cow_List<FlagField> found;
+    for (const inpS_Behavior& behavior : inpS_BehaviorTable::Instance().Rows())
+      for (const inp_KeywordEnm keyword : {inp_KwNoCompression, inp_KwNoTension})
+        if (const int field = inpS_flagField(behavior.kind, keyword); field >= 0)
+          found.push_back({behavior.kind, keyword, field});
+    return found;
+  }();
+  return fields;
+}
+
+} // namespace
+
+void inpS_printVariant(utl_Stream& out, const inpS_Behavior& behavior) {
+  out << '*' << inp_KeywordTable::Instance().Row(behavior.keyword)->name;
+  for (const inpS_Behavior::Selector& selector : behavior.selectors) {
+    if (!selector.IsPrinted()) continue;
+    out << ", " << selector.name;
+    if (!selector.text.empty()) out << '=' << selector.text;
+  }
+}
+
+void inpS_printOtherParameters(utl_Stream& out, const inpS_Behavior& behavior,
+                               const KvoSimDataRecord& record) {
+  inpS_printParameters(out, behavior.parameters, record);
+  if (behavior.othersField >= 0) out << record.GetString(behavior.othersField);
+}
+
+inpS_PropertySuboptions inpS_suboptionsOf(const KvoSimPosition& property,
+                                          const cow_List<KvoSimPosition>& potentials) {
+  inpS_PropertySuboptions suboptions;
+  const eds_RecordKind kind = property.Object().RecordKind();
+  for (const FlagField& flag : flagFields())
+    if (flag.kind == kind && property.DataRecord().GetBool(flag.field))
+      suboptions.flags.push_back(flag.keyword);
+  for (const KvoSimPosition& potential : potentials)
+    if (potential.DataRecord().GetReference(eds_Potential_GivenWith) == property)
+      suboptions.properties.push_back(potential);
+  for (const KvoSimPosition& suboption : property.GetVector(eds_Member::Suboptions))
+    suboptions.properties.push_back(suboption);
+  return suboptions;
+}
+
+inpS_OwnedProperties::inpS_OwnedProperties(const KvoSimPosition& owner) {
+  for (const KvoSimPosition& property : owner.GetVector(eds_Member::Properties))
+    (property.IsA(eds_RecordKind::Potential) ? potentials : properties).push_back(property);
+}
