@@ -1,92 +1,123 @@
 #include "inpS/keywords/inpS_ParameterBinding.h"
+#include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_QuotedName.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 
 namespace {
 
-cow_List<cow_String> wordsOf(const inpS_ParameterRow& row) {
-  cow_List<cow_String> words(1);
-  for (const char* p = row.words; *p; ++p)
-    if (*p == '|')
-      words.emplace_back();
-    else
-      words.back() += *p;
-  return words;
-}
-
-cow_String choices(const inpS_ParameterRow& row) {
+cow_String choices(const inpS_ParameterBinding& row) {
   cow_String text;
-  for (const cow_String& word : wordsOf(row))
-    if (!word.empty()) text += (text.empty() ? "" : ", ") + word;
+  for (const std::string_view word : row.words)
+    if (!word.empty()) text += (text.empty() ? "" : ", ") + cow_String(word);
   return text;
 }
 
 // What is wrong with the value; empty when it has been taken.
-cow_String take(const inpS_ParameterRow& row, const inp_Item& item, KvoSimDataRecord& record) {
-  if (row.codec == inpS_Codec::Flag) {
-    const cow_String& word = item.AsString();
-    if (!item.IsFlag() && word != "YES" && word != "ON" && word != "NO" && word != "OFF")
-      return "is neither YES nor NO";
-    if (word != "NO" && word != "OFF") record.SetBool(row.field, true);
-    return {};
-  }
+cow_String takeFlag(const inpS_ParameterBinding& row, const inp_Item& item,
+                    KvoSimDataRecord& record) {
+  const cow_String& word = item.AsString();
+  const bool no = word == "NO" || word == "OFF";
+  if (!item.IsFlag() && !no && word != "YES" && word != "ON") return "is neither YES nor NO";
+  record.SetBool(row.field, !no);
+  return {};
+}
+
+cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
+                    KvoSimDataRecord& record) {
+  const int place = inpS_wordPlace(row, item.AsString());
+  if (place < 0) return "is none of " + choices(row);
+  if (row.codec == inpS_Codec::Word)
+    record.SetSymb(row.field, place);
+  else
+    record.SetString(row.field, row.words[static_cast<std::size_t>(place)]);
+  return {};
+}
+
+cow_String take(const inpS_ParameterBinding& row, const inp_Item& item, KvoSimDataRecord& record) {
+  if (row.codec == inpS_Codec::Flag) return takeFlag(row, item, record);
   if (item.IsFlag()) return "has no value";
   switch (row.codec) {
-  case inpS_Codec::Flag:
-    break;
+  case inpS_Codec::Int:
+    if (item.GetKind() != inp_Item::Kind::Integer) return "is no integer";
+    record.SetInt(row.field, item.AsInt());
+    return {};
   case inpS_Codec::Real:
     if (!item.IsNumber()) return "is no number";
     record.SetDouble(row.field, item.AsDouble());
-    break;
-  case inpS_Codec::Word:
-  case inpS_Codec::Choice: {
-    const int place = inpS_wordPlace(row, item.AsString());
-    if (place < 0) return "is none of " + choices(row);
-    if (row.codec == inpS_Codec::Word)
-      record.SetSymb(row.field, place);
-    else
-      record.SetString(row.field, inpS_wordAt(row, place));
-    break;
-  }
+    return {};
   case inpS_Codec::Name:
     record.SetString(row.field, item.AsString());
+    return {};
+  default:
+    return takeWord(row, item, record);
+  }
+}
+
+void print(utl_Stream& out, const inpS_ParameterBinding& row, const KvoSimDataRecord& record) {
+  switch (row.codec) {
+  case inpS_Codec::Flag:
+    out << ", " << row.name << (record.GetBool(row.field) ? "" : "=NO");
+    break;
+  case inpS_Codec::Int:
+    out << ", " << row.name << '=' << record.GetInt64(row.field);
+    break;
+  case inpS_Codec::Real:
+    out << ", " << row.name << '=' << record.GetDouble(row.field);
+    break;
+  case inpS_Codec::Word: {
+    const auto place = static_cast<std::size_t>(record.GetSymb(row.field));
+    if (place < row.words.size() && !row.words[place].empty())
+      out << ", " << row.name << '=' << row.words[place];
     break;
   }
-  return {};
+  case inpS_Codec::Choice:
+    out << ", " << row.name << '=' << record.GetString(row.field);
+    break;
+  case inpS_Codec::Name:
+    out << ", " << row.name << '=' << inpS_quoted(record.ReturnString(row.field));
+    break;
+  }
 }
 
 } // namespace
 
-bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_ParameterRow> rows,
+bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_ParameterBinding> rows,
                          KvoSimDataRecord record, inp_Visitor& messages) {
+  if (keyword.Parameters().empty()) return true;
   bool good = true;
-  for (const inpS_ParameterRow& row : rows) {
-    const inp_Item* item = keyword.Find(row.name);
+  for (const inpS_ParameterBinding& row : rows) {
+    const inp_Item* item = keyword.Find(row.key);
     if (!item) continue;
     const cow_String fault = take(row, *item, record);
     if (fault.empty()) continue;
     good = false;
     const cow_String value = item->IsFlag() ? cow_String() : "=" + item->Verbatim();
-    messages.AddError(
-        inp_Utils::MessageAtParameter(keyword, row.name, row.deckName + value + " " + fault + "."));
+    messages.AddError(inp_Utils::MessageAtParameter(
+        keyword, row.key, row.name + value + " " + fault + "; it is left out."));
   }
   return good;
 }
 
-int inpS_wordPlace(const inpS_ParameterRow& row, const cow_String& word) {
-  if (word.empty()) return -1;
-  int place = 0;
-  for (const cow_String& known : wordsOf(row)) {
-    if (inp_Utils::Fold(known) == word) return place;
-    ++place;
-  }
+void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding> rows,
+                          const KvoSimDataRecord& record) {
+  for (const inpS_ParameterBinding& row : rows)
+    if (!row.readOnly && (row.always || !record.IsMemberNull(row.field))) print(out, row, record);
+}
+
+int inpS_wordPlace(const inpS_ParameterBinding& row, const cow_String& word) {
+  const cow_String bare = inpS_bareWord(word);
+  if (bare.empty()) return -1;
+  for (std::size_t place = 0; place < row.words.size(); ++place)
+    if (inpS_bareWord(row.words[place]) == bare) return static_cast<int>(place);
   return -1;
 }
 
-cow_String inpS_wordAt(const inpS_ParameterRow& row, int place) {
-  const cow_List<cow_String> words = wordsOf(row);
-  return place < static_cast<int>(words.size()) ? words[static_cast<std::size_t>(place)]
-                                                : cow_String();
+cow_String inpS_bareWord(std::string_view text) {
+  cow_String bare;
+  for (const char c : text)
+    if (c != ' ' && c != '_') bare += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return bare;
 }

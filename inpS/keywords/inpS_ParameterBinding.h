@@ -6,34 +6,43 @@
 class inp_Keyword;
 class inp_Visitor;
 class KvoSimDataRecord;
+class utl_Stream;
 
 // How a parameter's value and the record's field become each other.
 enum class inpS_Codec : unsigned char {
-  Flag,   // a flag or YES; Bool field
+  Flag,   // a bare name or YES; NO. Bool field
+  Int,    // Int field
   Real,   // Real field
   Word,   // one of the words; Symbol field: the word's place among them is the symbol's number
   Choice, // one of the words, kept as text; Text field
   Name    // Text field
 };
 
-// One parameter of a keyword and the field that keeps it: read and written back from one row. What
-// is not given leaves the field unset; a field that was never set is not written, but for a word
-// that is always told.
-struct inpS_ParameterRow {
-  const char* name;     // canonical: lower case without blanks
-  const char* deckName; // as decks have it
-  int field;
-  inpS_Codec codec;
-  const char* words = ""; // separated by bars; an empty one is never read or written
+// One parameter of a keyword and the field that keeps it: read and written back by one row. What is
+// not given leaves the field unset; a field that was never set is not written, but for a word that
+// is always told.
+struct inpS_ParameterBinding {
+  cow_String key;  // canonical: lower case without blanks
+  cow_String name; // as decks have it
+  int field = 0;
+  inpS_Codec codec = inpS_Codec::Name;
+  cow_List<std::string_view> words{}; // as decks have them; an empty one is never read or written
   bool always = false;
   bool readOnly = false; // another spelling of a parameter that is written by its own row
 };
+using inpS_ParameterBindings = cow_List<inpS_ParameterBinding>;
 
 // Fills the fields of the record. A value that a row does not take is reported at its place and
 // leaves the field unset; true when there was none.
-bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_ParameterRow> rows,
+bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_ParameterBinding> rows,
                          KvoSimDataRecord record, inp_Visitor& messages);
 
+// ", NAME=VALUE" for every field that is set.
+void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding> rows,
+                          const KvoSimDataRecord& record);
+
 // The place of a word in the row's words, blanks not counting; -1 when it is none of them.
-int inpS_wordPlace(const inpS_ParameterRow& row, const cow_String& word);
-cow_String inpS_wordAt(const inpS_ParameterRow& row, int place);
+int inpS_wordPlace(const inpS_ParameterBinding& row, const cow_String& word);
+
+// "NUMBERBACKSTRESSES" for "Number Back_Stresses": how values are compared.
+cow_String inpS_bareWord(std::string_view text);

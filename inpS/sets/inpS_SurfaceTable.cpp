@@ -1,26 +1,37 @@
 #include "inpS/sets/inpS_SurfaceTable.h"
 #include "database/KvoSimDataRecord.h"
 
-std::span<const inpS_ParameterRow> inpS_surfaceParameters() {
+std::span<const inpS_ParameterBinding> inpS_surfaceParameters() {
   using C = inpS_Codec;
-  static constexpr inpS_ParameterRow rows[] = {
+  static const inpS_ParameterBinding rows[] = {
       {"name", "NAME", eds_Surface_Name, C::Name},
-      {"type", "TYPE", eds_Surface_Type, C::Word,
-       "ELEMENT|NODE|SEGMENTS|CYLINDER|REVOLUTION|CUTTING SURFACE", true},
-      {"combine", "COMBINE", eds_Surface_Operation, C::Word, "|UNION|INTERSECTION|DIFFERENCE"},
-      {"crop", "CROP", eds_Surface_Operation, C::Word, "||||IN|OUT"},
+      {"type",
+       "TYPE",
+       eds_Surface_Type,
+       C::Word,
+       {"ELEMENT", "NODE", "SEGMENTS", "CYLINDER", "REVOLUTION", "CUTTING SURFACE"},
+       true},
+      {"combine",
+       "COMBINE",
+       eds_Surface_Operation,
+       C::Word,
+       {"", "UNION", "INTERSECTION", "DIFFERENCE"}},
+      {"crop", "CROP", eds_Surface_Operation, C::Word, {"", "", "", "", "IN", "OUT"}},
       {"filletradius", "FILLET RADIUS", eds_Surface_FilletRadius, C::Real},
       {"maxratio", "MAX RATIO", eds_Surface_MaxRatio, C::Real},
       {"minratio", "MIN RATIO", eds_Surface_MinRatio, C::Real},
       {"radius", "RADIUS", eds_Surface_Radius, C::Real},
       {"offset", "OFFSET", eds_Surface_Offset, C::Name},
-      {"trim", "TRIM", eds_Surface_Trim, C::Choice, "YES|NO"},
-      {"definition", "DEFINITION", eds_Surface_Definition, C::Choice, "COORDINATES|NODES"},
-      {"regiontype", "REGION TYPE", eds_Surface_RegionType, C::Choice,
-       "LAGRANGIAN|SLIDING|EULERIAN"},
+      {"trim", "TRIM", eds_Surface_Trim, C::Choice, {"YES", "NO"}},
+      {"definition", "DEFINITION", eds_Surface_Definition, C::Choice, {"COORDINATES", "NODES"}},
+      {"regiontype",
+       "REGION TYPE",
+       eds_Surface_RegionType,
+       C::Choice,
+       {"LAGRANGIAN", "SLIDING", "EULERIAN"}},
       {"property", "PROPERTY", eds_Surface_Property, C::Name},
       {"nothick", "NO THICK", eds_Surface_NoThickness, C::Flag},
-      {"nothickness", "NO THICKNESS", eds_Surface_NoThickness, C::Flag, "", false, true},
+      {"nothickness", "NO THICKNESS", eds_Surface_NoThickness, C::Flag, {}, false, true},
       {"spos", "SPOS", eds_Surface_Spos, C::Flag},
       {"sneg", "SNEG", eds_Surface_Sneg, C::Flag},
       {"userdefined", "USER DEFINED", eds_Surface_UserDefined, C::Flag},

@@ -6,7 +6,7 @@
 
 // What *SURFACE has in both directions: its parameters, and the spelling of faces and segments.
 
-std::span<const inpS_ParameterRow> inpS_surfaceParameters();
+std::span<const inpS_ParameterBinding> inpS_surfaceParameters();
 
 // The faces as decks name them, by number; empty for the one that has no identifier.
 std::string_view inpS_faceName(eds_SurfaceFace face);

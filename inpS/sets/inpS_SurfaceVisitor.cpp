@@ -17,10 +17,10 @@ namespace {
 using Type = eds_SurfaceType;
 using Operation = eds_SurfaceOperation;
 
-const inpS_ParameterRow& rowOf(std::string_view name) {
+const inpS_ParameterBinding& rowOf(std::string_view name) {
   const auto rows = inpS_surfaceParameters();
   return *std::find_if(rows.begin(), rows.end(),
-                       [&](const inpS_ParameterRow& row) { return row.name == name; });
+                       [&](const inpS_ParameterBinding& row) { return row.key == name; });
 }
 
 // Element surfaces when nothing is said.
@@ -116,7 +116,7 @@ bool inpS_SurfaceVisitor::ReadOperation(const inp_Keyword& keyword, Operation& o
     Reader::ReportMutuallyExclusiveParameters(keyword, way, false);
     return false;
   }
-  const inpS_ParameterRow& row = rowOf(way);
+  const inpS_ParameterBinding& row = rowOf(way);
   const int place = inpS_wordPlace(row, keyword.Find(way)->AsString());
   if (place < 0) {
     AddError(inp_Utils::MessageAtParameter(

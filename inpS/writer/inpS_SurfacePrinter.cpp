@@ -2,7 +2,6 @@
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/sets/inpS_SurfaceTable.h"
-#include "inpS/writer/inpS_ParameterPrinter.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 
 namespace {

@@ -85,22 +85,23 @@ private:
   cow_String ParameterText(const inpS_ParameterBinding& binding, bool isCount,
                            BehaviorCase* expected) {
     const cow_String name = ", " + binding.name;
-    if (isCount || binding.type == eds_FieldType::Int) {
+    if (isCount || binding.codec == inpS_Codec::Int) {
       const int value = isCount ? kRepeats : ++m_number;
       if (expected) expected->integers[binding.field] = value;
       return name + "=" + std::to_string(value);
     }
-    if (binding.type == eds_FieldType::Real) {
+    if (binding.codec == inpS_Codec::Real) {
       const double value = Next();
       if (expected) expected->reals[binding.field] = value;
       return name + "=" + Text(value);
     }
-    if (binding.type == eds_FieldType::Bool) {
+    if (binding.codec == inpS_Codec::Flag) {
       if (expected) expected->integers[binding.field] = 1;
       return name;
     }
-    return name + "=" + (binding.words.empty() ? "W" + std::to_string(++m_number)
-                                               : cow_String(binding.words.back()));
+    return name + "=" +
+           (binding.words.empty() ? "W" + std::to_string(++m_number)
+                                  : cow_String(binding.words.back()));
   }
 
   static cow_String Text(double value) {
