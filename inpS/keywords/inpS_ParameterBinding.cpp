@@ -16,13 +16,6 @@ cow_List<cow_String> wordsOf(const inpS_ParameterRow& row) {
   return words;
 }
 
-cow_String choices(const inpS_ParameterRow& row) {
-  cow_String text;
-  for (const cow_String& word : wordsOf(row))
-    if (!word.empty()) text += (text.empty() ? "" : ", ") + word;
-  return text;
-}
-
 // What is wrong with the value; empty when it has been taken.
 cow_String take(const inpS_ParameterRow& row, const inp_Item& item, KvoSimDataRecord& record) {
   if (row.codec == inpS_Codec::Flag) {
@@ -43,7 +36,7 @@ cow_String take(const inpS_ParameterRow& row, const inp_Item& item, KvoSimDataRe
   case inpS_Codec::Word:
   case inpS_Codec::Choice: {
     const int place = inpS_wordPlace(row, item.AsString());
-    if (place < 0) return "is none of " + choices(row);
+    if (place < 0) return "is none of " + inpS_wordList(row);
     if (row.codec == inpS_Codec::Word)
       record.SetSymb(row.field, place);
     else
@@ -89,4 +82,11 @@ cow_String inpS_wordAt(const inpS_ParameterRow& row, int place) {
   const cow_List<cow_String> words = wordsOf(row);
   return place < static_cast<int>(words.size()) ? words[static_cast<std::size_t>(place)]
                                                 : cow_String();
+}
+
+cow_String inpS_wordList(const inpS_ParameterRow& row) {
+  cow_String text;
+  for (const cow_String& word : wordsOf(row))
+    if (!word.empty()) text += (text.empty() ? "" : ", ") + word;
+  return text;
 }

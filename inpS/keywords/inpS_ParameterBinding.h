@@ -37,3 +37,4 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
 // The place of a word in the row's words, blanks not counting; -1 when it is none of them.
 int inpS_wordPlace(const inpS_ParameterRow& row, const cow_String& word);
 cow_String inpS_wordAt(const inpS_ParameterRow& row, int place);
+cow_String inpS_wordList(const inpS_ParameterRow& row); // for messages
