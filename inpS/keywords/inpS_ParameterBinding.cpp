@@ -8,13 +8,6 @@
 
 namespace {
 
-cow_String choices(const inpS_ParameterBinding& row) {
-  cow_String text;
-  for (const std::string_view word : row.words)
-    if (!word.empty()) text += (text.empty() ? "" : ", ") + cow_String(word);
-  return text;
-}
-
 // What is wrong with the value; empty when it has been taken.
 cow_String takeFlag(const inpS_ParameterBinding& row, const inp_Item& item,
                     KvoSimDataRecord& record) {
@@ -28,7 +21,7 @@ cow_String takeFlag(const inpS_ParameterBinding& row, const inp_Item& item,
 cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
                     KvoSimDataRecord& record) {
   const int place = inpS_wordPlace(row, item.AsString());
-  if (place < 0) return "is none of " + choices(row);
+  if (place < 0) return "is none of " + inpS_wordList(row);
   if (row.codec == inpS_Codec::Word)
     record.SetSymb(row.field, place);
   else
@@ -113,6 +106,13 @@ int inpS_wordPlace(const inpS_ParameterBinding& row, const cow_String& word) {
   for (std::size_t place = 0; place < row.words.size(); ++place)
     if (inpS_bareWord(row.words[place]) == bare) return static_cast<int>(place);
   return -1;
+}
+
+cow_String inpS_wordList(const inpS_ParameterBinding& row) {
+  cow_String text;
+  for (const std::string_view word : row.words)
+    if (!word.empty()) text += (text.empty() ? "" : ", ") + cow_String(word);
+  return text;
 }
 
 cow_String inpS_bareWord(std::string_view text) {

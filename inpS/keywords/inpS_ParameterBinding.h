@@ -44,5 +44,7 @@ void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding
 // The place of a word in the row's words, blanks not counting; -1 when it is none of them.
 int inpS_wordPlace(const inpS_ParameterBinding& row, const cow_String& word);
 
+cow_String inpS_wordList(const inpS_ParameterBinding& row); // for people, separated by ", "
+
 // "NUMBERBACKSTRESSES" for "Number Back_Stresses": how values are compared.
 cow_String inpS_bareWord(std::string_view text);

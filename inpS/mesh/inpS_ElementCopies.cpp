@@ -33,12 +33,14 @@ void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& sc
 }
 
 void inpS_ElementCopies::Copy(const inp_Keyword& keyword, inpS_MeshScope& scope) {
-  inpS_SetDefinition* set = m_sets.Open(keyword, scope, inpS_SetKind::Elements, "newset");
   const bool reflect = keyword.HasParameter("reflect");
   const std::optional<long long> elementShift = ReadShift(keyword, "elementshift");
   const std::optional<long long> nodeShift = ReadShift(keyword, "shiftnodes");
   std::vector<int> old;
-  if (!FindOldSet(keyword, scope, old) || !elementShift || !nodeShift) return;
+  // Before the new set, which may hide one of the part that has its name.
+  const bool hasOld = FindOldSet(keyword, scope, old);
+  inpS_SetDefinition* set = m_sets.Open(keyword, scope, inpS_SetKind::Elements, "newset");
+  if (!hasOld || !elementShift || !nodeShift) return;
   inpS_ElcopyReader reader(*elementShift, std::move(old), *nodeShift, reflect, scope, m_nodes,
                            m_elements, m_typeNames);
   if (!reader.Read(keyword, m_messages)) return;

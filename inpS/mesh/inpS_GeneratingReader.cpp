@@ -46,6 +46,23 @@ bool inpS_GeneratingReader::IsBlank(long long row) const {
   return true;
 }
 
+void inpS_GeneratingReader::TellUnused(long long row, int fields) {
+  if (row >= m_keyword->Data().Rows()) return;
+  int col = fields;
+  const int cols = m_keyword->Data().Cols(row);
+  while (col < cols && !HasValue(row, col)) ++col;
+  if (col < cols)
+    m_messages.AddWarning(inp_Utils::MessageAtField(
+        *m_keyword, row, col, "This field and those behind it have no meaning here; not used."));
+}
+
+void inpS_GeneratingReader::TellUnusedRows(long long row) {
+  while (row < m_keyword->Data().Rows() && IsBlank(row)) ++row;
+  if (row < m_keyword->Data().Rows())
+    m_messages.AddWarning(inp_Utils::MessageAtRow(
+        *m_keyword, row, "This line and those behind it have no meaning here; not used."));
+}
+
 bool inpS_GeneratingReader::ReadInteger(long long row, int col, long long absent,
                                         long long& value) {
   value = absent;

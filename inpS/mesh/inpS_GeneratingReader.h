@@ -27,6 +27,9 @@ protected:
 
   // ---- one line's fields; false when there was something to report, which then was done
   bool IsBlank(long long row) const;
+  // Warn of what stands behind all that a keyword reads: fields of a line, lines.
+  void TellUnused(long long row, int fields);
+  void TellUnusedRows(long long row);
   bool ReadNodes(long long row, int col, inpS_KnownNodes::Set& nodes); // a label or a set's name
   bool ReadNode(long long row, int col, long long& ordinal);           // a label
   bool ReadInteger(long long row, int col, long long absent, long long& value);

@@ -70,9 +70,14 @@ const inpS_KnownNodes::Stored& inpS_KnownNodes::ReadStored() {
 bool inpS_KnownNodes::FindSet(const cow_String& name, Set& set) {
   const inpS_MeshScope* owner = &m_scope;
   const inpS_SetDefinition* definition = owner->sets.Find(inpS_SetKind::Nodes, name);
-  if (!definition && m_scope.part) {
+  // A set of an instance that holds nothing yet may have been opened by the very keyword that asks;
+  // it hides that of the part only once it has members.
+  const bool isBlank = !definition || definition->entries.empty();
+  const inpS_SetDefinition* const ofPart =
+      isBlank && m_scope.part ? m_scope.part->sets.Find(inpS_SetKind::Nodes, name) : nullptr;
+  if (ofPart) {
     owner = m_scope.part;
-    definition = owner->sets.Find(inpS_SetKind::Nodes, name);
+    definition = ofPart;
   }
   if (!definition) return false;
   inp_Visitor silent; // what is missing now may come later; the end of the deck tells

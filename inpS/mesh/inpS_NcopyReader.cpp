@@ -61,6 +61,9 @@ bool inpS_NcopyReader::ReadShift() {
   const long long rows = Keyword().Data().Rows();
   if (rows == 0) return HasLine(0);
   if (!ReadPoint(0, 0, m_map.shift)) return false;
+  TellUnused(0, 3);
+  TellUnused(1, 7);
+  TellUnusedRows(2);
   if (rows < 2 || IsBlank(1)) return true;
   double a[3], b[3], angle = 0;
   if (!ReadPoint(1, 0, a) || !ReadPoint(1, 3, b) || !ReadReal(1, 6, 0.0, angle)) return false;
@@ -84,6 +87,8 @@ bool inpS_NcopyReader::ReadPole() {
   } else if (!ReadPoint(0, 1, pole)) {
     return false;
   }
+  TellUnused(0, 4);
+  TellUnusedRows(1);
   for (int i = 0; i < 3; ++i) m_map.matrix[i][i] = 2.0;
   m_map.Fix(pole);
   return true;
@@ -94,6 +99,9 @@ bool inpS_NcopyReader::ReadReflection() {
   if (reflect != "LINE" && reflect != "MIRROR" && reflect != "POINT")
     utl_assertionFailed("\"Unknown NCOPY option\" == 0");
   if (!HasLine(0)) return false;
+  TellUnused(0, reflect == "POINT" ? 3 : 6);
+  if (reflect == "MIRROR") TellUnused(1, 3);
+  TellUnusedRows(reflect == "MIRROR" ? 2 : 1);
   if (reflect == "LINE") return ReadLine();
   if (reflect == "MIRROR") return ReadMirror();
   double point[3];

@@ -20,6 +20,7 @@ void inpS_NfillReader::ReadLine(long long irow) {
       !ReadInteger(irow, 2, 0, intervals) || !ReadInteger(irow, 3, 1, increment))
     return;
   if (increment == 0) increment = 1;
+  TellUnused(irow, 4);
   if (intervals <= 0) {
     Fails(irow, 2, inpS_messageText(inpS_mesh_IntervalsNotPositive));
     return;

@@ -52,6 +52,7 @@ bool inpS_NgenReader::ReadLine(Line& line, inpS_KnownNodes::Set& first,
       !ReadInteger(line.row, 2, 1, line.increment))
     return false;
   if (line.increment == 0) line.increment = 1;
+  TellUnused(line.row, m_line == "P" ? 7 : 10); // a straight line may carry what an arc needs
   return ArePairs(line.row, first, last) && (m_line == "RC" || ReadExtra(line));
 }
 

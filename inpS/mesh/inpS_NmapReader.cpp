@@ -83,12 +83,16 @@ bool inpS_NmapReader::ReadPoints(int count, long long& row) {
       return false;
     }
   }
+  for (long long line = 0; line <= row; ++line)
+    TellUnused(line, byNodes ? count : 3 * static_cast<int>(std::min(2LL, count - 2 * line)));
   ++row;
   return true;
 }
 
 bool inpS_NmapReader::ReadFactors(long long row) {
   if (!ReadPoint(row, 0, m_values)) return false;
+  TellUnused(row, 3);
+  TellUnusedRows(row + 1);
   for (int i = 0; i < 3; ++i) m_factors[i] = m_values[i] == 0 ? 1.0 : m_values[i];
   return true;
 }

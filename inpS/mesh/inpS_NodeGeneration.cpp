@@ -94,6 +94,9 @@ bool inpS_NodeGeneration::FindSet(const inp_Keyword& keyword, const char* parame
         keyword, parameter, inpS_messageText(inpS_mesh_NodeSetUnknown, {name->AsString()})));
     return false;
   }
+  if (set.ordinals.IsEmpty() && !set.leftOut)
+    m_messages.AddWarning(inp_Utils::MessageAtParameter(
+        keyword, parameter, "The set holds no nodes yet; the keyword has no effect."));
   if (!set.leftOut) return true;
   m_messages.AddError(inp_Utils::MessageAtParameter(
       keyword, parameter,
@@ -133,17 +136,18 @@ void inpS_NodeGeneration::Nfill(const inp_Keyword& keyword) {
 
 void inpS_NodeGeneration::Ncopy(const inp_Keyword& keyword) {
   inpS_NcopyReader::Options options;
+  // One way of copying is taken; what the deck says of others is not asked for and so is told.
   options.shift = keyword.HasParameter("shift");
-  options.pole = keyword.HasParameter("pole");
-  options.reflect = keyword.StringOf("reflect", "");
+  options.pole = !options.shift && keyword.HasParameter("pole");
   if (!options.shift && !options.pole) {
     if (!keyword.HasParameter("reflect"))
       return m_messages.AddError(inp_Utils::MessageInKeyword(
           keyword, "*NCOPY needs one of SHIFT, POLE and REFLECT; the keyword is ignored."));
+    options.reflect = keyword.StringOf("reflect", "");
     if (!Takes(keyword, "reflect", options.reflect, {"LINE", "MIRROR", "POINT"})) return;
   }
   const inp_Item* changeNumber = keyword.Find("changenumber");
-  const inp_Item* multiple = keyword.Find("multiple");
+  const inp_Item* multiple = options.shift ? keyword.Find("multiple") : nullptr;
   const inp_Item* newSet = m_sets.FindName(keyword, "newset");
   inpS_KnownNodes::Set oldSet;
   if (!FindSet(keyword, "oldset", oldSet)) return;

@@ -34,7 +34,8 @@ void inpS_AssemblyVisitor::VisitAssembly(const inp_Keyword& keyword) {
   const inp_Item* name = keyword.Find("name");
   KvoSimTransaction transaction(document.ContextID());
   const KvoSimPosition assembly = model.CreateDataRecord(eds_RecordKind::Assembly);
-  if (name) assembly.DataRecord().SetString(eds_Assembly_Name, name->AsString());
+  if (name && !name->AsString().empty())
+    assembly.DataRecord().SetString(eds_Assembly_Name, name->AsString());
   model.SetPosition(eds_Member::Assembly, assembly);
   transaction.Commit();
 }

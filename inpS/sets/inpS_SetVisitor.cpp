@@ -85,26 +85,29 @@ inpS_SetVisitor::Found inpS_SetVisitor::FindIn(Kind kind, const KvoSimPosition& 
       scopedBy};
 }
 
+// A part knows nothing of where it is placed: what it defines is each of its instances'.
+KvoSimPosition inpS_SetVisitor::OccurrenceOf(const cow_String& instance) const {
+  if (m_owner.IsA(eds_RecordKind::Part)) return {};
+  return m_inventory.GetDocument().GetModel().GetOccurence(instance);
+}
+
 inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) const {
   // A name given in quotes may have a dot of its own.
   const Found whole = FindIn(kind, m_owner, RemoveQuotes(name));
   if (!whole.set.IsNull()) return whole;
   const cow_List<cow_String> parts = inp_Utils::SplitScopedSet(name);
   if (!inp_Utils::IsScopedSetName(parts)) return {};
-  return FindIn(kind, m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]),
-                parts.back());
+  return FindIn(kind, OccurrenceOf(parts[parts.size() - 2]), parts.back());
 }
 
 inpS_SetVisitor::Found inpS_SetVisitor::FindField(Kind kind, std::string_view asWritten) const {
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
   if (parts.size() < 2) return FindIn(kind, m_owner, inp_Utils::Fold(asWritten));
-  return FindIn(kind, m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]),
-                parts.back());
+  return FindIn(kind, OccurrenceOf(parts[parts.size() - 2]), parts.back());
 }
 
 inpS_SetVisitor::LabelSpace inpS_SetVisitor::SpaceOf(Kind kind, const cow_String& instance) const {
-  const KvoSimPosition owner =
-      instance.empty() ? m_owner : m_inventory.GetDocument().GetModel().GetOccurence(instance);
+  const KvoSimPosition owner = instance.empty() ? m_owner : OccurrenceOf(instance);
   if (owner.IsNull()) return {};
   const KvoObjLabeler& labeler = LabelerOf(kind);
   const int occurrence = labeler.FindOccurrence(owner);

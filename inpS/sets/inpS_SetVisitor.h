@@ -87,6 +87,8 @@ protected:
 
 private:
   KvoSimPosition OwnerOf(const inp_Scope& scope) const;
+  // Null: there is none, or none that may be named here.
+  KvoSimPosition OccurrenceOf(const cow_String& instance) const;
   Found FindIn(Kind kind, const KvoSimPosition& owner, const cow_String& key) const;
   Found Find(Kind kind, const cow_String& name) const;
   static bool MembersOf(const Found& found, eds_MemberSet& ordinals);

@@ -68,7 +68,7 @@ void inpS_SurfaceCombiner::ReadOperands(Entry& entry) {
   inpS_SurfaceNumbers numbers(entry.keyword, m_visitor);
   entry.good =
       numbers.ReadPoints(inpS_pointLinesOf(entry.surface.Type(), operation), 1, row, entry.box) &&
-      entry.good;
+      numbers.CheckBox(row - 1, entry.box) && entry.good;
   if (entry.good) entry.surface.SetPoints(entry.box);
 }
 

@@ -88,6 +88,19 @@ bool inpS_SurfaceNumbers::CheckPoints(eds_SurfaceType type, const cow_List<doubl
   return Fault(1, "The three points of the surface's axes lie on a line.");
 }
 
+// Zeros alone turn nothing, as if they were not given.
+bool inpS_SurfaceNumbers::CheckBox(long long row, const cow_List<double>& box) {
+  if (box.size() < 12) return true;
+  const double* const a = box.data() + 6;
+  const double* const b = box.data() + 9;
+  const double lengths = std::hypot(a[0], a[1], a[2]) * std::hypot(b[0], b[1], b[2]);
+  const double area =
+      std::hypot(a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]);
+  if (area > kCoincident * lengths) return true;
+  if (std::all_of(a, a + 6, [](double value) { return value == 0; })) return true;
+  return Fault(row, "The two points that turn the box lie on a line with the origin.");
+}
+
 bool inpS_SurfaceNumbers::ReadSegments(long long row, bool aroundAxis, cow_List<double>& segments) {
   const inp_DataArray& data = m_keyword.Data();
   const std::span<const inpS_SegmentRow> kinds = inpS_segmentRows();

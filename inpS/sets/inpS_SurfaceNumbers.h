@@ -17,6 +17,8 @@ public:
                   cow_List<double>& coordinates);
   // All rows from one on. Rows of eds_segmentWidth numbers.
   bool ReadSegments(long long row, bool aroundAxis, cow_List<double>& segments);
+  // The points that turn a box on the given row; true when there are none.
+  bool CheckBox(long long row, const cow_List<double>& box);
   // The points of an analytical surface's axes or of a plane.
   bool CheckPoints(eds_SurfaceType type, const cow_List<double>& coordinates);
 

@@ -70,7 +70,7 @@ void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
 
 void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (m_isConverted || keyword.IsInstanceCopy()) return;
-  if (keyword.Scope().kind == inp_Scope::Kind::Step) return; // kept as text, and told
+  if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll(); // text, and told
   if (!IsModelled(keyword)) {
     keyword.ReferAll();
     m_combiner->AddKeptAsText(Owner(), keyword.StringOf("name", {}));
@@ -119,8 +119,9 @@ bool inpS_SurfaceVisitor::ReadOperation(const inp_Keyword& keyword, Operation& o
   const inpS_ParameterBinding& row = rowOf(way);
   const int place = inpS_wordPlace(row, keyword.Find(way)->AsString());
   if (place < 0) {
-    AddError(inp_Utils::MessageAtParameter(
-        keyword, way, cow_String(row.deckName) + " takes another word; the surface is left out."));
+    AddError(inp_Utils::MessageAtParameter(keyword, way,
+                                           row.name + " is one of " + inpS_wordList(row) +
+                                               "; the surface is left out."));
     return false;
   }
   operation = static_cast<Operation>(place);
