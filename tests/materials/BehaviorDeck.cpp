@@ -99,8 +99,9 @@ private:
       if (expected) expected->integers[binding.field] = 1;
       return name;
     }
-    return name + "=" + (binding.words.empty() ? "W" + std::to_string(++m_number)
-                                               : cow_String(binding.words.back()));
+    return name + "=" +
+           (binding.words.empty() ? "W" + std::to_string(++m_number)
+                                  : cow_String(binding.words.back()));
   }
 
   static cow_String Text(double value) {

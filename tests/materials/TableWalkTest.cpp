@@ -33,9 +33,9 @@ void checkCase(const KvoSimPosition& model, const BehaviorCase& given) {
   const KvoSimDataRecord record = property.DataRecord();
   for (const auto& [field, value] : given.reals) EXPECT_EQ(record.GetDouble(field), value) << all;
   for (const auto& [field, value] : given.integers) {
-    const bool flag = eds_ModelReader::Info(given.behavior->kind)
-                          ->fields[static_cast<std::size_t>(field)]
-                          .type == eds_FieldType::Bool;
+    const bool flag =
+        eds_ModelReader::Info(given.behavior->kind)->fields[static_cast<std::size_t>(field)].type ==
+        eds_FieldType::Bool;
     EXPECT_EQ(flag ? record.GetBool(field) : record.GetInt(field), value) << all;
   }
   const KvoSrvFsmFTable table = property.GetFTable();
@@ -87,8 +87,8 @@ TEST_F(MaterialTable, RowsAreWhole) {
     for (std::size_t n = 0; n < info.fields.size(); ++n) {
       const int field = static_cast<int>(n);
       const cow_String name = cow_String(info.name) + "." + cow_String(info.fields[n].name);
-      bool bound = field == behavior.linesField || field == behavior.othersField ||
-                   byHand.contains(name);
+      bool bound =
+          field == behavior.linesField || field == behavior.othersField || byHand.contains(name);
       for (const inpS_ParameterBinding& binding : behavior.parameters)
         bound = bound || binding.field == field;
       for (const inp_KeywordEnm flag : {inp_KwNoCompression, inp_KwNoTension})
