@@ -39,6 +39,11 @@ constexpr Assertion suboptionAssertions[] = {
 #include "inpS/materials/inpS_behaviors.def"
 };
 
+#define INPS_WRONG_OWNER(Keyword, Text) {inp_Kw##Keyword, Text},
+constexpr Assertion ownerAssertions[] = {
+#include "inpS/materials/inpS_behaviors.def"
+};
+
 std::string_view textOf(std::span<const Assertion> assertions, inp_KeywordEnm keyword) {
   const auto found = std::ranges::find(assertions, keyword, &Assertion::keyword);
   return found == assertions.end() ? std::string_view() : found->text;
@@ -203,6 +208,10 @@ cow_String inpS_BehaviorTable::UnknownChoice(const inp_Keyword& keyword) const {
 
 std::string_view inpS_BehaviorTable::AssertionOf(inp_KeywordEnm keyword) {
   return textOf(valueAssertions, keyword);
+}
+
+std::string_view inpS_BehaviorTable::OwnerAssertionOf(inp_KeywordEnm keyword) {
+  return textOf(ownerAssertions, keyword);
 }
 
 std::string_view inpS_BehaviorTable::SuboptionAssertionOf(inp_KeywordEnm keyword) {

@@ -78,10 +78,11 @@ public:
   // The parameter by whose value no row of the keyword can be selected; empty when it is none.
   cow_String UnknownChoice(const inp_Keyword& keyword) const;
 
-  // The condition that fails when a value nobody checked reaches the conversion, and when a keyword
-  // has a sub-option that it cannot have; empty: passed over.
+  // The condition that fails when a value nobody checked reaches the conversion, when a keyword has
+  // a sub-option that it cannot have, and when it belongs to nothing; empty: passed over.
   static std::string_view AssertionOf(inp_KeywordEnm keyword);
   static std::string_view SuboptionAssertionOf(inp_KeywordEnm keyword);
+  static std::string_view OwnerAssertionOf(inp_KeywordEnm keyword);
 
 private:
   inpS_BehaviorTable();

@@ -23,10 +23,19 @@ inpS_ExtraColumns extraColumns(const cow_List<Column>& columns, Column::Role rol
   return extra;
 }
 
+bool isContainer(const KvoSimPosition& owner) {
+  return owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
+}
+
 eds_Member memberOf(const KvoSimPosition& owner) {
-  const bool container =
-      owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
-  return container ? eds_Member::Properties : eds_Member::Suboptions;
+  return isContainer(owner) ? eds_Member::Properties : eds_Member::Suboptions;
+}
+
+// A behaviour of materials belongs to a container, any other to the behaviour it is part of.
+bool mayOwn(const KvoSimPosition& owner, inp_KeywordEnm keyword) {
+  if (owner.IsNull()) return false;
+  const auto parents = inp_KeywordTable::Instance().Row(keyword)->parents;
+  return isContainer(owner) || std::ranges::find(parents, inp_KwMaterial) == parents.end();
 }
 
 // ", NAME=VALUE" for each parameter that nothing asked for.
@@ -208,6 +217,9 @@ KvoSimPosition inpS_MaterialVisitor::CreateBehavior(const inp_Keyword& keyword,
   if (behavior && behavior->kind == eds_RecordKind::Depvar && keyword.Data().Rows() == 0)
     utl_assertionFailed("numRows>= 1");
   if (!behavior && !assertion.empty()) utl_assertionFailed(cow_String(assertion).c_str());
+  const std::string_view misplaced = inpS_BehaviorTable::OwnerAssertionOf(keyword.Kind());
+  if (!misplaced.empty() && !mayOwn(owner, keyword.Kind()))
+    utl_assertionFailed(cow_String(misplaced).c_str());
   return behavior ? Create(keyword, *behavior, owner) : KvoSimPosition();
 }
 

@@ -11,7 +11,9 @@ using Column = inpS_BehaviorColumns::Column;
 
 cow_String text(double value) {
   char buffer[utl_doubleTextRoom];
-  return {buffer, utl_printDouble(buffer, value)};
+  cow_String words(buffer, utl_printDouble(buffer, value));
+  if (words.ends_with('.')) words.pop_back(); // "0.", as decks have it, reads badly in a sentence
+  return words;
 }
 
 class Check {
