@@ -41,8 +41,8 @@ int main(int count, char** words) try {
                       good = inp_decodeRows(table, table.Cols(0), numbers) && good;
                       values = numbers.Size();
                     }));
-    whole = std::min(
-        whole, secondsOf([&] { good = driver.Convert(KvoObjDocument::InMemory()) && good; }));
+    whole = std::min(whole,
+                     secondsOf([&] { good = driver.Convert(KvoObjDocument::InMemory()) && good; }));
   }
   KvoI2sInpS_finalize(uses);
   std::printf("{\"values\": %zu, \"bare_seconds\": %.4f, \"convert_seconds\": %.4f}\n", values,

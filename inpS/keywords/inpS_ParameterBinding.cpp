@@ -31,7 +31,7 @@ cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
 
 cow_String take(const inpS_ParameterBinding& row, const inp_Item& item, KvoSimDataRecord& record) {
   if (row.codec == inpS_Codec::Flag) return takeFlag(row, item, record);
-  if (item.IsFlag()) return "has no value";
+  if (item.IsFlag() && row.codec != inpS_Codec::Name) return "has no value";
   switch (row.codec) {
   case inpS_Codec::Int:
     if (item.GetKind() != inp_Item::Kind::Integer) return "is no integer";
@@ -70,7 +70,9 @@ void print(utl_Stream& out, const inpS_ParameterBinding& row, const KvoSimDataRe
     out << ", " << row.name << '=' << record.GetString(row.field);
     break;
   case inpS_Codec::Name:
-    out << ", " << row.name << '=' << inpS_quoted(record.ReturnString(row.field));
+    out << ", " << row.name;
+    if (const cow_String text = record.ReturnString(row.field); !text.empty())
+      out << '=' << inpS_quoted(text);
     break;
   }
 }

@@ -15,7 +15,7 @@ enum class inpS_Codec : unsigned char {
   Real,   // Real field
   Word,   // one of the words; Symbol field: the word's place among them is the symbol's number
   Choice, // one of the words, kept as text; Text field
-  Name    // Text field
+  Name    // any text; empty for a bare name. Text field
 };
 
 // One parameter of a keyword and the field that keeps it: read and written back by one row. What is
