@@ -49,6 +49,19 @@ bool inpS_SurfaceVisitor::IsModelled(const inp_Keyword& keyword) {
   return !definition || definition->AsString() != "NODES";
 }
 
+// A type that the deck language does not have is a slip of the pen.
+void inpS_SurfaceVisitor::CheckType(const inp_Keyword& keyword) {
+  static constexpr std::string_view kept[] = {"EULERIANMATERIAL", "BSPLINE", "XFEM",
+                                              "BEZIER",           "USER",    "CUTTINGSURFACE"};
+  const inp_Item* type = keyword.Find("type");
+  if (!type || std::find(std::begin(kept), std::end(kept), type->AsString()) != std::end(kept))
+    return;
+  AddError(inp_Utils::MessageAtParameter(keyword, "type",
+                                         "TYPE=" + type->Verbatim() + " is none of " +
+                                             inpS_wordList(rowOf("type")) +
+                                             "; the surface is kept as text."));
+}
+
 void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
   if (!m_isConverted) {
     m_store = std::make_unique<inpS_SurfaceStore>(Inventory().GetDocument().GetMesh(), *this);
@@ -61,10 +74,11 @@ void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
   m_store.reset();
   ReportUnreferredParameters(keywords, {inp_KwSurface});
   if (m_withoutMesh > 0)
-    Warning(m_firstWithoutMesh,
-            inp_Utils::Format("The mesh could not be converted; %lld surfaces that stand on it are "
-                              "left out.",
-                              m_withoutMesh));
+    Warning(
+        m_firstWithoutMesh,
+        inp_Utils::Format("The mesh could not be converted; surfaces that stand on it (%lld) are "
+                          "left out.",
+                          m_withoutMesh));
   m_isConverted = true;
 }
 
@@ -72,6 +86,7 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (m_isConverted || keyword.IsInstanceCopy()) return;
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll(); // text, and told
   if (!IsModelled(keyword)) {
+    CheckType(keyword);
     keyword.ReferAll();
     m_combiner->AddKeptAsText(Owner(), keyword.StringOf("name", {}));
     return;

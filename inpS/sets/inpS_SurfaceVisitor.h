@@ -29,6 +29,7 @@ public:
   void VisitSurface(const inp_Keyword& keyword) override;
 
 private:
+  void CheckType(const inp_Keyword& keyword);
   bool ReadOperation(const inp_Keyword& keyword, eds_SurfaceOperation& operation);
   bool IsFree(const inp_Keyword& keyword, const cow_String& name, bool internal);
   bool IsSecondAnalytical(const inp_Keyword& keyword);
