@@ -2,23 +2,13 @@
 // share of a surface with face S2 of every element. Both read the mesh from the file, and both go
 // up to the sets and arrays that would be stored. Prints one line of JSON.
 
+#include "bench/seconds.h"
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjMesh.h"
 #include "inpS/sets/inpS_FreeFaces.h"
 #include "inpS/sets/inpS_SurfaceNodalAreas.h"
-#include <chrono>
 #include <cstdio>
 #include <exception>
-
-namespace {
-
-template <class Work> double secondsOf(Work work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-} // namespace
 
 int main(int count, char** words) try {
   if (count != 2) {

@@ -1,24 +1,14 @@
 // Times on a deck with a big table: the bare decode of its numbers, and its conversion into a model
 // in memory, which checks and stores them too. Prints one line of JSON with the best of each.
 
+#include "bench/seconds.h"
 #include "database/KvoObjDocument.h"
 #include "inpS/driver/inpS_Inp2Sim.h"
 #include "inpS/driver/inpS_Module.h"
 #include "parser/inp_BulkDecode.h"
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <exception>
-
-namespace {
-
-template <class Work> double secondsOf(Work work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-} // namespace
 
 int main(int count, char** words) try {
   if (count != 2) {
