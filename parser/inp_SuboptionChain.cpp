@@ -24,13 +24,18 @@ void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
   if (!row) return;
   if (!m_open.empty() && m_open.back().ScopePtr() != keyword.ScopePtr()) m_open.clear();
   if (row->parents.empty() || standsAlone(*row, *keyword.Body())) m_open.clear();
-  while (!m_open.empty() && !table.IsSuboptionOf(keyword.Kind(), m_open.back().Kind()))
-    m_open.pop_back();
+  const auto admits = [&](const inp_Keyword& open) {
+    return table.IsSuboptionOf(keyword.Kind(), open.Kind());
+  };
+  const auto parent = std::find_if(m_open.rbegin(), m_open.rend(), admits);
+  // Nor must one in a wrong place.
+  if (parent == m_open.rend() && row->levels == inp_LevelsSub && !m_open.empty()) return;
+  m_open.erase(parent.base(), m_open.end());
   if (!m_open.empty()) {
-    inp_KeywordBody& parent = *m_open.back().Body();
-    keyword.Body()->parent = parent.kind;
-    if (!parent.suboptions) parent.suboptions = std::make_shared<inp_KeywordList>();
-    parent.suboptions->push_back(keyword);
+    inp_KeywordBody& owner = *m_open.back().Body();
+    keyword.Body()->parent = owner.kind;
+    if (!owner.suboptions) owner.suboptions = std::make_shared<inp_KeywordList>();
+    owner.suboptions->push_back(keyword);
   }
   m_open.push_back(keyword);
 }

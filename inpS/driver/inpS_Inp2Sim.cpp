@@ -170,9 +170,9 @@ bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) {
     m_modelString = document.GetModel().DataRecord().ReturnString(eds_Model_ModelString);
     m_featureEnhanced = true;
   }
-  KeepVerbatim(true);
   Labelers labelers;
   const bool good = RunPhases(RestartPhases(), "inp2sim-", labelers);
+  KeepVerbatim(true); // last, as the phases tell what else goes with them as text
   ListUnreadParameters();
   return good;
 }

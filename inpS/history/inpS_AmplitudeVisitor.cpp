@@ -41,8 +41,10 @@ long long linesOf(const inp_DataArray& data) {
 
 } // namespace
 
-// An amplitude without a name is ignored, deliberately without a message.
+// An amplitude without a name is ignored, deliberately without a message. Its name is the whole
+// model's: the copies of its part's instances are the same amplitude.
 void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
+  if (keyword.IsInstanceCopy()) return;
   KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
   const inp_Item* item = keyword.Find("name");
   if (!item) return keyword.ReferAll();
@@ -95,6 +97,7 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   for (const inp_Keyword& suboption : keyword.Suboptions())
     m_text.try_emplace(suboption.Body().get(), amplitude);
   keyword.Find("input"); // the parser has read that file's lines
+  CheckWidths(keyword, form);
   if (!form.lineFields.empty()) ReadFirstLine(keyword, form, record);
   cow_List<double> pairs;
   if (form.data == Data::Pairs) pairs = ReadPairs(keyword, 0);
@@ -108,6 +111,11 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
     record.SetBool(eds_AmplitudeTabular_EquallySpaced, true);
     const double interval = record.GetDouble(eds_AmplitudeTabular_FixedInterval);
     const double begin = record.GetDouble(eds_AmplitudeTabular_Begin);
+    if (interval <= 0)
+      AddError(inp_Utils::MessageAtParameter(
+          keyword, "fixedinterval",
+          inpS_messageText(inpS_app_InvalidParameterValue, {"FIXED INTERVAL"}) +
+              " It must be greater than 0; it is kept as given."));
     for (const double magnitude : ReadColumn(keyword, 0)) {
       pairs.push_back(static_cast<double>(pairs.size() / 2) * interval + begin);
       pairs.push_back(magnitude);
@@ -126,6 +134,29 @@ void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
     if (owner == amplitude) owner = {};
   if (KvoSrvFsmFTable table = amplitude.GetFTable(); !table.IsNull()) table.Remove();
   amplitude.Remove();
+}
+
+// What stands where the definition has no place for it.
+void inpS_AmplitudeVisitor::CheckWidths(const inp_Keyword& keyword,
+                                        const inpS_AmplitudeForm& form) {
+  const inp_DataArray& data = keyword.Data();
+  const bool firstOnly = form.data == Data::None;
+  for (long long row = 0; row < linesOf(data); ++row) {
+    const bool isFirst = row == 0 && !form.lineFields.empty();
+    if (firstOnly && !isFirst) {
+      AddWarning(inp_Utils::MessageAtRow(
+          keyword, row, "The amplitude takes one data line; the others are left out."));
+      return;
+    }
+    const int most = isFirst ? static_cast<int>(form.lineFields.size()) : kFieldsPerLine;
+    for (int col = most; col < data.Cols(row); ++col) {
+      if (isEmpty(data, row, col)) continue;
+      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                           "The line holds at most " + std::to_string(most) +
+                                               " values; those beyond are left out."));
+      break;
+    }
+  }
 }
 
 void inpS_AmplitudeVisitor::ReadFirstLine(const inp_Keyword& keyword,

@@ -24,6 +24,7 @@ private:
   const inpS_AmplitudeForm* FormOf(const inp_Keyword& keyword);
   void Create(const inp_Keyword& keyword, const inpS_AmplitudeForm& form, const cow_String& name);
   void Remove(const KvoSimPosition& amplitude);
+  void CheckWidths(const inp_Keyword& keyword, const inpS_AmplitudeForm& form);
   void ReadFirstLine(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
                      KvoSimDataRecord record);
   void ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record);

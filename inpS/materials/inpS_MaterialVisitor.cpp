@@ -150,8 +150,12 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
   transaction.Commit();
 }
 
-// A keyword of ours may also stand under one of another subject, which knows nothing of it.
+// A keyword of ours may also stand under one of another subject, which knows nothing of it. A
+// material is the whole model's: the copies of its part's instances add nothing, and a step, which
+// is kept as text, keeps its own.
 void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
+  if (keyword.IsInstanceCopy()) return;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll();
   const inpS_BehaviorTable& table = inpS_BehaviorTable::Instance();
   const inp_KeywordEnm kind = keyword.Kind();
   if (!table.Knows(kind) && kind != inp_KwNoCompression && kind != inp_KwNoTension)
