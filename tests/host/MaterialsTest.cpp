@@ -121,4 +121,14 @@ TEST_F(Materials, PlotIsNamedAsTheModelAndDrawsWhatIsNamed) {
   EXPECT_TRUE(Exists("d.html"));
 }
 
+// The next amplitude must not take in what stands under the one before.
+TEST_F(Materials, RestartKeepsTextsUnderTheirAmplitude) {
+  const cow_String base = Model("*NODE\n1, 0.\n");
+  const cow_String texts = "*AMPLITUDE, NAME=A\n0., 1.\n*BASELINE CORRECTION\n0.5, 1.5\n"
+                           "*AMPLITUDE, NAME=B\n0., 2.\n";
+  const cow_String deck = Deck("next.inp", "*RESTART, READ\n" + texts);
+  ProgramRun({"convert", deck, "--restart", base, "-o", File("next.sim")});
+  EXPECT_NE(ProgramRun({"write", File("next.sim")}).out.find(texts), cow_String::npos);
+}
+
 } // namespace
