@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_ElgenReader.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -130,7 +131,10 @@ bool inpS_ElgenReader::FitsLabels(long long row, const Pattern& pattern, long lo
   const long long labels =
       std::min(span.most - span.least + 1, kMaxLabel - m_elements.Size(m_occurrence) + 1);
   const long long inLayer = pattern.counts[0] * pattern.counts[1];
-  if (inLayer <= labels && inLayer * pattern.counts[2] <= labels) return true;
+  if (inLayer <= labels && inLayer * pattern.counts[2] <= labels) {
+    const long long made = inLayer * pattern.counts[2] - 1;
+    return made <= inpS_mostGenerated || Refuse(row, 0, inpS_tooManyGenerated(made, "elements"));
+  }
   return Refuse(row, 0,
                 inp_Utils::Format("There are %lld labels for %lld x %lld x %lld elements.", labels,
                                   pattern.counts[0], pattern.counts[1], pattern.counts[2]));

@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_GeneratingReader.h"
+#include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -149,6 +150,11 @@ bool inpS_GeneratingReader::LabelsFit(long long row, long long first, long long 
   const long long most = std::max(first + increment, last);
   if (IsLabel(least) && IsLabel(most)) return true;
   return Fails(row, InvalidLabel(IsLabel(least) ? most : least) + "; line ignored.");
+}
+
+bool inpS_GeneratingReader::CountFits(long long row, long long count) {
+  if (count <= inpS_mostGenerated) return true;
+  return Fails(row, inpS_tooManyGenerated(count, "nodes") + " Line ignored.");
 }
 
 // ---- nodes

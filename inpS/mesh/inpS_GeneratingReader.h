@@ -45,6 +45,7 @@ protected:
   static cow_String InvalidLabel(long long label); // without a full stop
   // Whether all labels first + n * increment for n = 1 … count are from 1 to 999999999.
   bool LabelsFit(long long row, long long first, long long increment, long long count);
+  bool CountFits(long long row, long long count); // inpS_mostGenerated
 
   // ---- nodes
   inpS_NodeValues ValuesOf(long long ordinal);

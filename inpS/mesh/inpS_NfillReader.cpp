@@ -32,7 +32,7 @@ void inpS_NfillReader::ReadLine(long long irow) {
   if (!ArePairs(irow, first, last)) return;
   for (long long n = 0; n < first.ordinals.Size(); ++n)
     if (!LabelsFit(irow, Known().LabelOf(first.ordinals[n]), increment, intervals - 1)) return;
-  if (!Divide(irow, intervals)) return;
+  if (!CountFits(irow, first.ordinals.Size() * (intervals - 1)) || !Divide(irow, intervals)) return;
   cow_List<inpS_NodeValues> a, z;
   Gather(first, a);
   Gather(last, z);

@@ -37,7 +37,7 @@ void inpS_NgenReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sink
     Line line;
     line.row = row;
     inpS_KnownNodes::Set first, last;
-    if (!ReadLine(line, first, last)) continue;
+    if (!ReadLine(line, first, last) || !CountFits(row, CountOf(line, first, last))) continue;
     Collect(first);
     for (long long n = 0; n < first.ordinals.Size(); ++n)
       Generate(line, first.ordinals[n], last.ordinals[n]);
@@ -79,6 +79,16 @@ bool inpS_NgenReader::ReadExtra(Line& line) {
   if (!m_threeDimensional) line.axis[0] = line.axis[1] = 0; // a planar arc turns about z
   line.hasAxis = ToUnitLength(line.axis);
   return true;
+}
+
+long long inpS_NgenReader::CountOf(const Line& line, const inpS_KnownNodes::Set& first,
+                                   const inpS_KnownNodes::Set& last) {
+  long long count = 0;
+  for (long long n = 0; n < first.ordinals.Size(); ++n) {
+    const long long span = Known().LabelOf(last.ordinals[n]) - Known().LabelOf(first.ordinals[n]);
+    count += std::max(span / line.increment - 1, 0LL);
+  }
+  return count;
 }
 
 void inpS_NgenReader::Generate(const Line& line, long long first, long long last) {

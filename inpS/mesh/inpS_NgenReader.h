@@ -41,6 +41,9 @@ private:
 
   bool ReadLine(Line& line, inpS_KnownNodes::Set& first, inpS_KnownNodes::Set& last);
   bool ReadExtra(Line& line);
+  // Nodes that the line makes.
+  long long CountOf(const Line& line, const inpS_KnownNodes::Set& first,
+                    const inpS_KnownNodes::Set& last);
   void Generate(const Line& line, long long first, long long last);
   void Straight(const Line& line, long long label, long long intervals, const inpS_NodeValues& a,
                 const inpS_NodeValues& b);
