@@ -31,6 +31,11 @@ public:
       if (column.order != Column::Order::None) CheckOrder(column, Number(n));
       if (column.fromZero) CheckFirst(column, Number(n));
     }
+    const auto isPlain = [](const Column& column) {
+      return column.order == Column::Order::None && column.role != Column::Role::Independent;
+    };
+    if (m_table.HasTemperatureColumn() && std::ranges::all_of(m_columns, isPlain))
+      CheckTemperatures();
   }
 
 private:
@@ -108,6 +113,23 @@ private:
       Tell(row, number,
            column.name + " is " + text(value) + " behind " + text(before) +
                (rising ? ", but must rise from row to row." : ", but must not fall."));
+      ++told;
+    }
+  }
+
+  // Where a row is one state: of the same field variables, the colder one stands first.
+  void CheckTemperatures() {
+    const int number = static_cast<int>(m_columns.size());
+    const auto given = [&](int row) { return m_table.IsColumnSpecified(row, number); };
+    int told = 0;
+    for (int row = 1; row < m_table.NumRows() && told < kMostTold; ++row) {
+      if (!given(row) || !given(row - 1) || !Continues(row, number + 1)) continue;
+      const double before = m_table.Value(row - 1, number);
+      const double value = m_table.Value(row, number);
+      if (value >= before) continue;
+      Tell(row, number,
+           "The temperature is " + text(value) + " behind " + text(before) +
+               ", but must not fall.");
       ++told;
     }
   }

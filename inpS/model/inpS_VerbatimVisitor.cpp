@@ -31,15 +31,6 @@ bool leavesNothing(const inp_Keyword& keyword) {
   return true;
 }
 
-// A behaviour outside of any material: behind the materials it would be taken for the last one's.
-bool isStrayBehavior(const inp_Keyword& keyword) {
-  constexpr int materials = 16;
-  constexpr int gasketBehaviors = 17;
-  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
-  return row && (row->block == materials || row->block == gasketBehaviors) &&
-         !row->parents.empty() && keyword.ParentKind() == inp_NullKeyword;
-}
-
 const char* levelUnder(const KvoSimPosition& owner) {
   const bool container =
       owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
@@ -133,12 +124,27 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   transaction.Commit();
 }
 
+// A behaviour outside of any material: behind the materials it would be taken for the last one's.
+bool inpS_VerbatimVisitor::IsStrayBehavior(const inp_Keyword& keyword) const {
+  const auto isOfMaterials = [](inp_KeywordEnm kind) {
+    constexpr int materials = 16;
+    constexpr int gasketBehaviors = 17;
+    const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(kind);
+    return row && (row->block == materials || row->block == gasketBehaviors);
+  };
+  if (keyword.Kind() == inp_KwMaterial || keyword.Kind() == inp_KwGasketBehavior) return false;
+  if (!isOfMaterials(keyword.Kind())) return false;
+  if (keyword.ParentKind() == inp_NullKeyword) return true;
+  const KvoSimPosition* owner = AsText(keyword);
+  return owner && owner->IsNull() && isOfMaterials(keyword.ParentKind());
+}
+
 // A sub-option goes where its keyword goes, an unknown keyword where the one before it went.
 int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return m_block = kHistoryBlock;
+  if (IsStrayBehavior(keyword)) return m_block = kFirstBlock;
   if (keyword.Kind() == inp_UnknownKeyword || keyword.IsSuboption() || leavesNothing(keyword))
     return m_block = m_block == 0 ? kFirstBlock : m_block;
-  if (isStrayBehavior(keyword)) return m_block = kFirstBlock;
   const int block = inp_KeywordTable::Instance().Row(keyword.Kind())->block;
   return m_block = block == 0 ? kFirstBlock : block;
 }

@@ -36,6 +36,7 @@ private:
     const char* level;
   };
   bool IsModelled(const inp_Keyword& keyword) const;
+  bool IsStrayBehavior(const inp_Keyword& keyword) const;
   Place PlaceOf(const inp_Scope& scope);
   int BlockOf(const inp_Keyword& keyword);
   const KvoSimPosition* AsText(const inp_Keyword& keyword) const; // null: not among them
