@@ -16,6 +16,7 @@
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -60,7 +61,7 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   CompleteParts(keywords);
   for (const inp_Keyword& keyword : keywords)
     if (!isOfParts(keyword)) Visit(keyword);
-  Finish();
+  Finish(keywords);
   ReportUnreferredParameters(keywords, ModelledKinds());
 }
 
@@ -416,7 +417,29 @@ void inpS_MeshVisitor::CompleteParts(inp_KeywordListRef keywords) {
   }
 }
 
-void inpS_MeshVisitor::Finish() {
+// Ordinals over the whole mesh are kept in 32 bits; a part of millions of nodes and some hundred
+// instances of it pass them. Told at the first instance that does.
+bool inpS_MeshVisitor::FitsOrdinals(inp_KeywordListRef keywords) {
+  constexpr long long most = std::numeric_limits<int>::max();
+  if (m_scopes.FlatNodes() <= most && m_scopes.FlatElements() <= most) return true;
+  const cow_String text =
+      inp_Utils::Format("The instances have %lld nodes and %lld elements in all; a model may have "
+                        "at most %lld of each. No mesh is made.",
+                        m_scopes.FlatNodes(), m_scopes.FlatElements(), most);
+  for (const inp_Keyword& keyword : keywords) {
+    if (keyword.Kind() != inp_KwInstance || !keyword.Find("name")) continue;
+    const inpS_MeshScope* scope = m_scopes.FindInstance(keyword.Find("name")->AsString());
+    if (!scope || (scope->nodeBase + scope->nodeCount <= most &&
+                   scope->elementBase + scope->elementCount <= most))
+      continue;
+    AddError(inp_Utils::MessageInKeyword(keyword, text));
+    return false;
+  }
+  AddError({text});
+  return false;
+}
+
+void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
   const cow_List<cow_String> types = TypeNames();
   const auto complete = [&](inpS_MeshScope& scope) {
     scope.nodes.Finish();
@@ -426,6 +449,7 @@ void inpS_MeshVisitor::Finish() {
     if (scope.kind == inpS_MeshScope::Kind::Instance) complete(scope);
   complete(m_scopes.Root());
   m_scopes.AssignFlatOrdinals(m_storedNodes, m_storedElements);
+  if (!FitsOrdinals(keywords)) return;
   for (inpS_MeshScope& scope : m_scopes.All())
     scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
                            *this);

@@ -80,7 +80,8 @@ private:
                     inpS_LabelFaults& faults);
   cow_List<cow_String> TypeNames() const;
   void CompleteParts(inp_KeywordListRef keywords);
-  void Finish();
+  void Finish(inp_KeywordListRef keywords);
+  bool FitsOrdinals(inp_KeywordListRef keywords);
 
   KvoObjLabeler& m_nodes;
   KvoObjLabeler& m_elements;
