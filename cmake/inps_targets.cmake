@@ -2,6 +2,7 @@
 # not link. Sources are globbed so that a new unit needs no list to be edited.
 
 option(INPS_SANITIZE "build with address and undefined-behaviour sanitizers" OFF)
+option(INPS_SANITIZE_THREAD "build with the thread sanitizer" OFF)
 option(INPS_WERROR "turn warnings into errors" ON)
 
 find_package(Threads REQUIRED)
@@ -25,6 +26,10 @@ if(INPS_SANITIZE)
                                                 -fno-sanitize-recover=undefined
                                                 -fno-omit-frame-pointer)
   target_link_options(inps_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(INPS_SANITIZE_THREAD)
+  target_compile_options(inps_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(inps_options INTERFACE -fsanitize=thread)
 endif()
 
 # inps_library(<target> SHARED|STATIC|INTERFACE LINKS <targets…>)
