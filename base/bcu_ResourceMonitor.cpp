@@ -1,5 +1,6 @@
 #include "base/bcu_ResourceMonitor.h"
 #include <atomic>
+#include <exception>
 
 namespace {
 
@@ -27,5 +28,9 @@ bcu_MarkScope::bcu_MarkScope(const char* prefix, const char* tag)
 }
 
 bcu_MarkScope::~bcu_MarkScope() {
-  bcu_ResourceMonitor::Instance().Mark(m_label + "-End");
+  try {
+    bcu_ResourceMonitor::Instance().Mark(m_label + "-End");
+  } catch (const std::exception&) {
+    // A mark is not worth the failure that may be on its way already.
+  }
 }

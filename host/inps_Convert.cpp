@@ -17,17 +17,26 @@ using Path = std::filesystem::path;
 // The base is never changed: a copy beside the target is, and takes the target's name at the end.
 class RestartCopy {
 public:
-  RestartCopy(const Path& base, const Path& target) : m_path(utl_temporaryBeside(target)) {
+  RestartCopy(const Path& base, const Path& target)
+      : m_path(utl_temporaryBeside(target)), m_journal(m_path) {
+    m_journal += "-journal";
     // Held open while it is copied, so that nobody writes it meanwhile.
     const KvoObjDocument held = KvoObjDocument::Open(base, KvoAccess::ReadOnly);
-    std::error_code failure;
-    std::filesystem::copy_file(base, m_path, failure);
-    if (failure) {
+    try {
+      Copy(base);
+    } catch (const utl_FileException& failure) {
       utl_removeFile(m_path);
-      throw utl_FileException("cannot copy", base, failure.message());
+      if (failure.Path() != m_path) throw;
+      throw utl_FileException("cannot write", target, failure.Reason());
+    } catch (...) {
+      utl_removeFile(m_path);
+      throw;
     }
   }
-  ~RestartCopy() { utl_removeFile(m_path); } // gone already once it has taken the target's name
+  ~RestartCopy() { // gone already once it has taken the target's name
+    utl_removeFile(m_path);
+    utl_removeFile(m_journal);
+  }
   RestartCopy(const RestartCopy&) = delete;
   RestartCopy& operator=(const RestartCopy&) = delete;
 
@@ -38,7 +47,16 @@ public:
   }
 
 private:
+  // By ourselves: the library's own copying tells a full disk as a fault of reading.
+  void Copy(const Path& base) const {
+    const utl_MappedFile from(base);
+    utl_OutputFile to(m_path);
+    to.Write(from.Text().data(), from.Text().size());
+    to.Close();
+  }
+
   Path m_path;
+  Path m_journal; // left by a store that failed
 };
 
 struct Job {
@@ -126,13 +144,28 @@ private:
     return clean;
   }
 
-  bool Restart(inps_Conversion& conversion) {
-    const RestartCopy copy(m_job.base, m_job.target);
-    KvoObjDocument document = KvoObjDocument::Open(copy.File(), KvoAccess::ReadWrite);
+  bool GoOn(inps_Conversion& conversion, const Path& copy) {
+    KvoObjDocument document = KvoObjDocument::Open(copy, KvoAccess::ReadWrite);
     const bool clean = conversion.ConvertRestart(document);
     finish(document);
     Summarize(document);
     document.Close();
+    return clean;
+  }
+
+  bool Restart(inps_Conversion& conversion) {
+    const RestartCopy copy(m_job.base, m_job.target);
+    bool clean = false;
+    try {
+      clean = GoOn(conversion, copy.File());
+    } catch (const eds_DiskException& failure) {
+      // The store knows the copy's name, people know the target's.
+      cow_String text = failure.what();
+      const cow_String name = utl_pathText(copy.File());
+      if (const size_t at = text.find(name); at != cow_String::npos)
+        text.replace(at, name.size(), utl_pathText(m_job.target));
+      throw eds_DiskException(text);
+    }
     copy.BecomeTarget(m_job.target, m_job.force);
     return clean;
   }

@@ -42,8 +42,12 @@ public:
     const inps_FlatMesh mesh(document);
     if (mesh.NodeCount() == 0 && !mesh.PartNames().empty())
       Warn("the model has no instances, and parts alone have no place: the mesh is empty");
-    WriteMesh(mesh, files.MeshFile());
-    if (hasBlocks) WriteBlocks(mesh, files);
+    try {
+      WriteMesh(mesh, files.MeshFile());
+      if (hasBlocks) WriteBlocks(mesh, files);
+    } catch (const utl_FileException& failure) { // under the name that the user knows
+      throw utl_FileException("cannot write", files.FinalOf(failure.Path()), failure.Reason());
+    }
     files.Finish();
     Summarize(mesh, hasBlocks ? files.ListPath() : m_target);
     return m_run.Reporter().Errors() > 0 ? inps_ExitFaults : inps_ExitDone; // of a deck

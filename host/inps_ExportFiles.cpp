@@ -79,6 +79,13 @@ fs::path inps_ExportFiles::BlockFile(const cow_String& kind, const cow_String& n
   return m_folder.temporary / file;
 }
 
+fs::path inps_ExportFiles::FinalOf(const fs::path& file) const {
+  if (file == m_mesh.temporary) return m_mesh.final;
+  if (file == m_list.temporary) return m_list.final;
+  if (file.parent_path() == m_folder.temporary) return m_folder.final / file.filename();
+  return file;
+}
+
 cow_String inps_ExportFiles::MeshReference() const {
   return utl_pathText(m_mesh.final.filename());
 }

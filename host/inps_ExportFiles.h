@@ -21,6 +21,8 @@ public:
   std::filesystem::path BlockFile(const cow_String& kind, const cow_String& name,
                                   cow_String& reference);
   cow_String MeshReference() const; // likewise
+  // The final path of a file that is being written.
+  std::filesystem::path FinalOf(const std::filesystem::path& file) const;
   const std::filesystem::path& ListPath() const { return m_list.final; }
   void Finish();
 

@@ -14,7 +14,8 @@
 
 namespace {
 
-void say(const inps_Session& session, const cow_String& text) {
+// Without memory: there may be none left.
+void say(const inps_Session& session, std::string_view text) {
   session.err << "inps: " << text << '\n' << std::flush;
 }
 
@@ -77,15 +78,25 @@ int outputFailed(const inps_Session& session) {
   return inps_ExitFailure;
 }
 
-int runGuarded(const cow_List<cow_String>& words, inps_Session& session) {
+int runTold(const cow_List<cow_String>& words, inps_Session& session) {
   try {
     return runCommand(words, session);
   } catch (const utl_Assertion& fault) {
     return internalError(session, fault);
   } catch (const std::bad_alloc&) {
-    say(session, "out of memory");
+    throw;
   } catch (const std::exception& failure) {
     if (session.out) say(session, failure.what()); // else outputFailed has the better words
+  }
+  return inps_ExitFailure;
+}
+
+// Memory may run out while a failure is put in words, too.
+int runGuarded(const cow_List<cow_String>& words, inps_Session& session) {
+  try {
+    return runTold(words, session);
+  } catch (const std::bad_alloc&) {
+    say(session, "out of memory");
   }
   return inps_ExitFailure;
 }

@@ -21,6 +21,11 @@ void inps_writeFile(const std::filesystem::path& path, bool force,
     out.Close();
     if (inPlace) return;
     utl_renameFile(file, path, force ? utl_IfExists::Replace : utl_IfExists::Refuse);
+  } catch (const utl_FileException& failure) {
+    if (inPlace) throw;
+    utl_removeFile(file);
+    if (failure.Path() != file) throw;
+    throw utl_FileException("cannot write", path, failure.Reason()); // under the user's name
   } catch (...) {
     if (!inPlace) utl_removeFile(file);
     throw;

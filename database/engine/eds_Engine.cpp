@@ -7,10 +7,6 @@
 
 namespace {
 
-// Long enough to make the physical commit's cost vanish, short enough that nobody misses the last
-// keywords of a process that died.
-constexpr std::chrono::milliseconds gatherTime{5};
-
 cow_String systemText(sqlite3* database) {
   const int number = database != nullptr ? sqlite3_system_errno(database) : 0;
   return number != 0 ? cow_String(": ") + std::strerror(number) : cow_String();
@@ -35,6 +31,10 @@ void configureOnce() {
 }
 
 } // namespace
+
+// Long enough to make the physical commit's cost vanish, short enough that nobody misses the last
+// keywords of a process that died.
+std::chrono::milliseconds eds_Engine::s_gatherTime{5};
 
 eds_Engine::~eds_Engine() {
   Close();
@@ -144,7 +144,7 @@ void eds_Engine::GatherCommit() {
     m_hasMark = false;
   }
   m_holdsCommits = true;
-  if (Clock::now() - m_physicalSince >= gatherTime) CommitPhysical();
+  if (Clock::now() - m_physicalSince >= s_gatherTime) CommitPhysical();
 }
 
 void eds_Engine::CommitPhysical() {

@@ -88,6 +88,8 @@ public:
   void GatherCommit(); // ends the mark
   void CommitPhysical();
   void RollbackPhysical();
+  // How long logical commits are gathered, for all engines; 0: each one becomes physical.
+  static void SetGatherTime(std::chrono::milliseconds time) { s_gatherTime = time; }
   bool InPhysical() const { return m_inPhysical; }
   // A write failed: what is in memory and on disk may differ, so nothing more is written.
   bool HasFailed() const { return m_failed; }
@@ -98,6 +100,8 @@ public:
 private:
   friend class eds_Statement;
   using Clock = std::chrono::steady_clock;
+
+  static std::chrono::milliseconds s_gatherTime;
 
   sqlite3* m_database = nullptr;
   std::filesystem::path m_file;

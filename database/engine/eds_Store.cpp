@@ -23,7 +23,9 @@ eds_Store::~eds_Store() {
     Close();
   } catch (const std::exception&) {
     // The last handle is gone: nobody is left to tell. What was physical stays.
+    m_engine.Close();
   }
+  RemoveTemporary();
 }
 
 void eds_Store::Damaged(const cow_String& what) const {
@@ -44,6 +46,8 @@ void eds_Store::StartEmpty() {
 // one from its first instant.
 void eds_Store::LayDown(const std::filesystem::path& file) {
   m_temporary = utl_temporaryBeside(file);
+  m_temporaryJournal = m_temporary;
+  m_temporaryJournal += "-journal";
   m_path = file;
   m_engine.SetShownFile(file);
   m_engine.Open(m_temporary, eds_OpenMode::New);
@@ -95,8 +99,19 @@ void eds_Store::Recover(const std::filesystem::path& file) {
   try {
     engine.Open(file, eds_OpenMode::Durable);
     engine.QueryInt("SELECT count(*) FROM sqlite_schema");
+    // One that is idle is deleted on the way from mode to mode.
+    engine.Execute("PRAGMA journal_mode = PERSIST");
+    engine.Execute("PRAGMA journal_mode = DELETE");
   } catch (const eds_FileAccessException&) {
     // Not permitted to write: the journal may be an idle one, and the file readable as it is.
+  }
+}
+
+// After a failure, so that no journal lies beside the file; who opens it next does it otherwise.
+void eds_Store::RecoverIfPossible() {
+  try {
+    Recover(m_path);
+  } catch (const std::exception&) {
   }
 }
 
@@ -144,6 +159,7 @@ void eds_Store::WriteOut() {
   SyncClosed(file);
   if (!m_temporary.empty()) {
     m_engine.Close();
+    utl_removeFile(m_temporaryJournal); // all is committed: it can only be one that would not go
     utl_renameFile(m_temporary, m_path, utl_IfExists::Replace);
     m_temporary.clear();
     Reopen(m_path);
@@ -173,12 +189,20 @@ void eds_Store::Close() {
     m_engine.CommitPhysical();
     DropJournal();
   }
+  const bool failed = m_engine.HasFailed();
   m_engine.Close();
   ForgetAll();
+  if (m_temporary.empty()) {
+    if (failed) RecoverIfPossible();
+    return;
+  }
+  RemoveTemporary();
+}
+
+// Needs no memory: there may be none left.
+void eds_Store::RemoveTemporary() noexcept {
   if (m_temporary.empty()) return;
-  std::filesystem::path journal = m_temporary;
-  journal += "-journal";
-  utl_removeFile(journal);
+  utl_removeFile(m_temporaryJournal);
   utl_removeFile(m_temporary);
 }
 

@@ -84,6 +84,8 @@ private:
   void WriteMeta();
   void LayDown(const std::filesystem::path& file);
   void Recover(const std::filesystem::path& file);
+  void RecoverIfPossible();
+  void RemoveTemporary() noexcept;
   void RemoveTempDistributions();
   void DropJournal();
   void WriteOut();
@@ -106,6 +108,7 @@ private:
 
   std::filesystem::path m_path;      // the name the user knows
   std::filesystem::path m_temporary; // while the file has another one
+  std::filesystem::path m_temporaryJournal;
   int m_depth = 0;
   bool m_wroteChunks = false; // in the open transaction
 };

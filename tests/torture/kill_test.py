@@ -1,5 +1,9 @@
 #!/usr/bin/env python3
-"""Kills `inps convert` with SIGKILL at random moments and looks at the file that is left.
+"""Kills `inps convert` with SIGKILL at random moments and looks at the files that are left: of a
+fresh model, of one that replaces an older one by --force, and of --restart into a new model.
+
+An older model must be the old one or the whole new one, and the base of a restart what it was; a
+restart's target is absent or whole. Of a fresh model:
 
 The file must be absent, or open, pass the engine's integrity check, be read by the program from
 end to end, and hold whole keywords only: the deck's first ones, in its order, none left out."""
@@ -46,22 +50,18 @@ def write_deck(path):
     path.write_text("\n".join(lines) + "\n")
 
 
-def command(program, deck, model):
-    return [program, "convert", deck, "-o", model, "--quiet"]
+def start(program, deck, model, *options):
+    return subprocess.Popen([program, "convert", deck, "-o", model, "--quiet", *options],
+                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
-def start(program, deck, model):
-    return subprocess.Popen(command(program, deck, model), stdout=subprocess.DEVNULL,
-                            stderr=subprocess.DEVNULL)
-
-
-def calibrate(program, deck, model):
+def calibrate(program, deck, model, *options):
     """Seconds of a whole conversion, the model left in place."""
     times = []
     for _ in range(3):
         model.unlink(missing_ok=True)
         begin = time.perf_counter()
-        code = start(program, deck, model).wait()
+        code = start(program, deck, model, *options).wait()
         times.append(time.perf_counter() - begin)
         if code != 0 or not model.exists():
             raise SystemExit(f"a whole conversion failed with {code}")
@@ -134,13 +134,86 @@ def fault_in(program, model, folder):
     return wrong, counts
 
 
-def clean(folder, deck):
+def clean(folder, *kept):
     for path in folder.iterdir():
-        if path != deck:
+        if path not in kept:
             path.unlink()
 
 
-def torture(words, folder):
+def kill(moment, process):
+    time.sleep(moment)
+    process.send_signal(signal.SIGKILL)
+    process.wait()
+
+
+def written(program, model, deck):
+    """The model as a deck, or what is wrong with it (and None)."""
+    fault = read_by_engine(model) or read_by_program(program, model, deck)
+    return (None, fault) if fault else (deck.read_text(errors="replace"), None)
+
+
+def torture_replacing(words, folder):
+    """The model is an old one or the new one, at any moment."""
+    deck, old, model = folder / "deck.inp", folder / "old.sim", folder / "model.sim"
+    small, new = folder / "small.inp", folder / "written.inp"
+    write_deck(deck)
+    small.write_text("*NODE\n1, 0., 0., 0.\n")
+    calibrate(words.program, small, old)
+    whole = calibrate(words.program, deck, model)
+    wanted, fault = written(words.program, model, new)
+    if fault:
+        return [f"the whole model: {fault}"]
+    moments = random.Random(words.seed + 1)
+    faults, counts = [], [0, 0]
+    for number in range(words.kills):
+        clean(folder, deck, old)
+        model.write_bytes(old.read_bytes())
+        moment = moments.uniform(0, 1.05 * whole)
+        kill(moment, start(words.program, deck, model, "--force"))
+        if model.exists() and model.read_bytes() == old.read_bytes():
+            counts[0] += 1
+            continue
+        text, fault = written(words.program, model, new)
+        if fault or text != wanted:
+            faults.append(f"replacing, kill {number} after {moment:.4f} s: {fault or 'another model'}")
+        counts[1] += 1
+    print(f"replacing: the old model {counts[0]} times, the whole new one {counts[1]} times")
+    return faults
+
+
+def torture_restart(words, folder):
+    """The base stays what it was to the byte; the target is absent or whole."""
+    deck, base, model = folder / "deck.inp", folder / "base.sim", folder / "model.sim"
+    more, new = folder / "more.inp", folder / "written.inp"
+    write_deck(deck)
+    more.write_text("".join(f"*DESIGN PARAMETER\nNEXT{i}, LATER{i}\n" for i in range(TEXTS)))
+    calibrate(words.program, deck, base)
+    bytes_of_base = base.read_bytes()
+    options = ("--restart", base)
+    whole = calibrate(words.program, more, model, *options)
+    wanted, fault = written(words.program, model, new)
+    if fault or len(blocks_of(wanted, "*DESIGN PARAMETER")) != 2 * TEXTS:
+        return [f"the whole restart: {fault or 'texts are missing'}"]
+    moments = random.Random(words.seed + 2)
+    faults, counts = [], [0, 0]
+    for number in range(words.kills):
+        clean(folder, more, base)
+        moment = moments.uniform(0, 1.05 * whole)
+        kill(moment, start(words.program, more, model, *options))
+        where = f"restart, kill {number} after {moment:.4f} s"
+        if base.read_bytes() != bytes_of_base or (folder / "base.sim-journal").exists():
+            return faults + [f"{where}: the base has changed"]
+        counts[model.exists()] += 1
+        if model.exists():
+            text, fault = written(words.program, model, new)
+            if fault or text != wanted:
+                faults.append(f"{where}: {fault or 'another model'}")
+    print(f"restart: no file {counts[0]} times, the whole model {counts[1]} times; "
+          "the base as it was each time")
+    return faults
+
+
+def torture_fresh(words, folder):
     deck, model = folder / "deck.inp", folder / "model.sim"
     write_deck(deck)
     whole = calibrate(words.program, deck, model)
@@ -150,19 +223,16 @@ def torture(words, folder):
     print(f"a whole conversion takes {whole:.3f} s; {words.kills} kills, seed {words.seed}")
     moments = random.Random(words.seed)
     faults, absent, partial, complete = [], 0, 0, 0
-    for kill in range(words.kills):
+    for number in range(words.kills):
         clean(folder, deck)
         moment = moments.uniform(0, 1.05 * whole)
-        process = start(words.program, deck, model)
-        time.sleep(moment)
-        process.send_signal(signal.SIGKILL)
-        process.wait()
+        kill(moment, start(words.program, deck, model))
         if not model.exists():
             absent += 1
             continue
         fault, counts = fault_in(words.program, model, folder)
         if fault:
-            faults.append(f"kill {kill} after {moment:.4f} s: {fault}")
+            faults.append(f"kill {number} after {moment:.4f} s: {fault}")
         complete += counts == (SETS, TEXTS)
         partial += counts != (SETS, TEXTS)
     print(f"no file {absent} times, a part of the model {partial} times, all of it {complete} times")
@@ -175,8 +245,10 @@ def main():
     parser.add_argument("--kills", type=int, default=200)
     parser.add_argument("--seed", type=int, default=random.randrange(10 ** 6))
     words = parser.parse_args()
-    with tempfile.TemporaryDirectory(prefix="inps-torture-") as folder:
-        faults = torture(words, pathlib.Path(folder))
+    faults = []
+    for torture in torture_fresh, torture_replacing, torture_restart:
+        with tempfile.TemporaryDirectory(prefix="inps-torture-") as folder:
+            faults += torture(words, pathlib.Path(folder))
     for fault in faults:
         print(fault)
     print(f"{len(faults)} faults" if faults else "every file left behind was sound")

@@ -1,0 +1,199 @@
+#include "tests/faults/Faults.h"
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+#include <sqlite3.h>
+
+// ---- the plan
+
+namespace {
+
+std::array<std::atomic<int64_t>, static_cast<size_t>(Fault::Count)> g_calls;
+std::atomic<Fault> g_fault{Fault::Count};
+std::atomic<int64_t> g_call{0};
+std::atomic<bool> g_andLater{false};
+std::atomic<int64_t> g_raised{0};
+
+bool fails(Fault fault) {
+  const int64_t call = ++g_calls[static_cast<size_t>(fault)];
+  if (fault != g_fault) return false;
+  const bool hit = g_andLater ? call >= g_call : call == g_call;
+  if (hit) ++g_raised;
+  return hit;
+}
+
+} // namespace
+
+void faultAt(Fault fault, int64_t call, bool andLater) {
+  noFault();
+  g_call = call;
+  g_andLater = andLater;
+  g_fault = fault;
+}
+
+void noFault() {
+  g_fault = Fault::Count;
+  g_raised = 0;
+  for (std::atomic<int64_t>& calls : g_calls) calls = 0;
+}
+
+int64_t faultCalls(Fault fault) {
+  return g_calls[static_cast<size_t>(fault)];
+}
+
+int64_t faultsRaised() {
+  return g_raised;
+}
+
+// ---- files of the engine: the system's own, but for the calls that fail
+
+namespace {
+
+struct File {
+  sqlite3_file base;
+  sqlite3_file* real; // behind this one
+};
+
+sqlite3_file* realOf(sqlite3_file* file) {
+  return reinterpret_cast<File*>(file)->real;
+}
+
+sqlite3_vfs* g_system = nullptr;
+sqlite3_vfs g_faulty;
+
+int closeFile(sqlite3_file* file) {
+  sqlite3_file* real = realOf(file);
+  return real->pMethods != nullptr ? real->pMethods->xClose(real) : SQLITE_OK;
+}
+
+int readFile(sqlite3_file* file, void* data, int size, sqlite3_int64 at) {
+  if (fails(Fault::Read)) return SQLITE_IOERR_READ;
+  return realOf(file)->pMethods->xRead(realOf(file), data, size, at);
+}
+
+// A full disk takes the first half; a broken one takes nothing.
+int writeFile(sqlite3_file* file, const void* data, int size, sqlite3_int64 at) {
+  sqlite3_file* real = realOf(file);
+  if (!fails(Fault::Write)) return real->pMethods->xWrite(real, data, size, at);
+  if (g_call % 2 == 0) return SQLITE_IOERR_WRITE;
+  real->pMethods->xWrite(real, data, size / 2, at);
+  return SQLITE_FULL;
+}
+
+int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
+  if (fails(Fault::Truncate)) return SQLITE_IOERR_TRUNCATE;
+  return realOf(file)->pMethods->xTruncate(realOf(file), size);
+}
+
+int syncFile(sqlite3_file* file, int flags) {
+  if (fails(Fault::Sync)) return SQLITE_IOERR_FSYNC;
+  return realOf(file)->pMethods->xSync(realOf(file), flags);
+}
+
+int sizeOfFile(sqlite3_file* file, sqlite3_int64* size) {
+  return realOf(file)->pMethods->xFileSize(realOf(file), size);
+}
+int lockFile(sqlite3_file* file, int level) {
+  return realOf(file)->pMethods->xLock(realOf(file), level);
+}
+int unlockFile(sqlite3_file* file, int level) {
+  return realOf(file)->pMethods->xUnlock(realOf(file), level);
+}
+int isReserved(sqlite3_file* file, int* out) {
+  return realOf(file)->pMethods->xCheckReservedLock(realOf(file), out);
+}
+int controlFile(sqlite3_file* file, int operation, void* data) {
+  return realOf(file)->pMethods->xFileControl(realOf(file), operation, data);
+}
+int sectorSize(sqlite3_file* file) {
+  return realOf(file)->pMethods->xSectorSize(realOf(file));
+}
+int characteristics(sqlite3_file* file) {
+  return realOf(file)->pMethods->xDeviceCharacteristics(realOf(file));
+}
+
+sqlite3_io_methods methodsOfFiles() {
+  sqlite3_io_methods methods{};
+  methods.iVersion = 1;
+  methods.xClose = closeFile;
+  methods.xRead = readFile;
+  methods.xWrite = writeFile;
+  methods.xTruncate = truncateFile;
+  methods.xSync = syncFile;
+  methods.xFileSize = sizeOfFile;
+  methods.xLock = lockFile;
+  methods.xUnlock = unlockFile;
+  methods.xCheckReservedLock = isReserved;
+  methods.xFileControl = controlFile;
+  methods.xSectorSize = sectorSize;
+  methods.xDeviceCharacteristics = characteristics;
+  return methods;
+}
+
+int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* flagsOut) {
+  static const sqlite3_io_methods methods = methodsOfFiles();
+  file->pMethods = nullptr; // nothing to close when opening fails
+  if (fails(Fault::Open)) return SQLITE_CANTOPEN;
+  auto* faulty = reinterpret_cast<File*>(file);
+  faulty->real = reinterpret_cast<sqlite3_file*>(faulty + 1);
+  faulty->real->pMethods = nullptr;
+  const int code = g_system->xOpen(g_system, name, faulty->real, flags, flagsOut);
+  if (code == SQLITE_OK) file->pMethods = &methods;
+  return code;
+}
+
+int deleteFile(sqlite3_vfs*, const char* name, int syncFolder) {
+  if (fails(Fault::Delete)) return SQLITE_IOERR_DELETE;
+  return g_system->xDelete(g_system, name, syncFolder);
+}
+
+// ---- memory of the engine
+
+sqlite3_mem_methods g_memory;
+
+void* allocate(int size) {
+  return fails(Fault::EngineMemory) ? nullptr : g_memory.xMalloc(size);
+}
+void* reallocate(void* memory, int size) {
+  return fails(Fault::EngineMemory) ? nullptr : g_memory.xRealloc(memory, size);
+}
+
+} // namespace
+
+void installFaultyEngine() {
+  sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  sqlite3_config(SQLITE_CONFIG_GETMALLOC, &g_memory);
+  sqlite3_mem_methods memory = g_memory;
+  memory.xMalloc = allocate;
+  memory.xRealloc = reallocate;
+  sqlite3_config(SQLITE_CONFIG_MALLOC, &memory);
+  g_system = sqlite3_vfs_find(nullptr);
+  g_faulty = *g_system;
+  g_faulty.zName = "faulty";
+  g_faulty.szOsFile = static_cast<int>(sizeof(File)) + g_system->szOsFile;
+  g_faulty.xOpen = openFile;
+  g_faulty.xDelete = deleteFile;
+  sqlite3_vfs_register(&g_faulty, 1);
+}
+
+// ---- memory of everything else
+
+void* operator new(size_t size) {
+  void* memory = fails(Fault::Memory) ? nullptr : std::malloc(size > 0 ? size : 1);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  return fails(Fault::Memory) ? nullptr : std::malloc(size > 0 ? size : 1);
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+  std::free(memory);
+}

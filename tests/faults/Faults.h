@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+
+// Places where the system may let the program down.
+enum class Fault { Read, Write, Sync, Open, Truncate, Delete, EngineMemory, Memory, Count };
+
+// Makes the n-th call of one kind fail (from 1), or that one and all behind it. Calls are counted
+// on all threads.
+void faultAt(Fault fault, int64_t call, bool andLater);
+void noFault();
+int64_t faultCalls(Fault fault); // since the last faultAt or noFault
+int64_t faultsRaised();
+
+// Before the engine's first use in the process.
+void installFaultyEngine();

@@ -1,0 +1,292 @@
+#include "tests/faults/Faults.h"
+#include "base/utl_Threads.h"
+#include "database/KvoObjDocument.h"
+#include "database/eds_ModelReader.h"
+#include "database/engine/eds_Engine.h"
+#include "tests/host/ProgramRun.h"
+#include <array>
+#include <cstdlib>
+#include <iostream>
+#include <map>
+#include <set>
+
+// Runs of the program in which one call to the system, or all from one on, fail: each call in turn.
+// A run ends with one clear message and leaves whole things only.
+// INPS_EVERY_FAULT=1 tries every call; otherwise so many of each kind are tried, evenly spread.
+
+namespace {
+
+constexpr int64_t mostTried = 24;
+
+// A stream that needs no memory.
+class FixedBuffer : public std::streambuf {
+public:
+  FixedBuffer() { setp(m_text.data(), m_text.data() + m_text.size()); }
+  cow_String Text() const { return {pbase(), pptr()}; }
+
+private:
+  std::array<char, 1 << 16> m_text;
+};
+
+struct FaultyRun {
+  explicit FaultyRun(const cow_List<cow_String>& words) {
+    FixedBuffer outBuffer, errBuffer;
+    aio_ostream out(&outBuffer), err(&errBuffer);
+    exitCode = inps_main(words, out, err);
+    raised = faultsRaised();
+    noFault();
+    said = errBuffer.Text();
+  }
+  int Messages() const { // of the program itself, not of the deck
+    int count = 0;
+    std::istringstream lines(said);
+    for (cow_String line; std::getline(lines, line);)
+      count += line.starts_with("inps: ") && !line.starts_with("inps: warning: ");
+    return count;
+  }
+
+  int exitCode = -1;
+  int64_t raised = 0;
+  cow_String said;
+};
+
+// The keywords of a written deck with their data lines, in order.
+cow_List<cow_String> blocksOf(const cow_String& deck) {
+  cow_List<cow_String> blocks;
+  std::istringstream lines(deck);
+  for (cow_String line; std::getline(lines, line);) {
+    if (line.starts_with("**")) continue;
+    // An empty model has a heading and a dimension, too.
+    if (line == "*SYSTEM") {
+      std::getline(lines, line);
+      std::getline(lines, line);
+      continue;
+    }
+    if (line == "*HEADING" && (lines.peek() == '*' || lines.eof())) continue;
+    if (line.starts_with("*") || blocks.empty())
+      blocks.push_back(line);
+    else
+      blocks.back() += '\n' + line;
+  }
+  return blocks;
+}
+
+cow_String keywordOf(const cow_String& block) {
+  return block.substr(0, block.find_first_of(",\n"));
+}
+
+enum class Job { Convert, Replace, Restart, Write, Export, Plot, Info, Diff };
+
+struct Case {
+  Job job;
+  const char* name;
+  bool reads; // an existing model, and writes none
+};
+constexpr Case cases[] = {
+    {Job::Convert, "Convert", false}, {Job::Replace, "Replace", false},
+    {Job::Restart, "Restart", false}, {Job::Write, "Write", true},
+    {Job::Export, "Export", true},    {Job::Plot, "Plot", true},
+    {Job::Info, "Info", true},        {Job::Diff, "Diff", true},
+};
+constexpr const char* faultNames[] = {"Read",     "Write",  "Sync",         "Open",
+                                      "Truncate", "Delete", "EngineMemory", "Memory"};
+
+class FaultsTest : public testing::TestWithParam<std::tuple<Case, Fault, bool>> {
+protected:
+  void SetUp() override {
+    noFault();
+    utl_setThreadCount(1); // the same calls in the same order each time
+    eds_Engine::SetGatherTime(std::chrono::milliseconds(0));
+    Must({"convert", Data("model.inp"), "-o", File("base.sim"), "-q"});
+    Must({"write", File("base.sim"), "-o", File("base.inp")});
+    m_base = readFile(m_folder / "base.sim");
+    if (m_case.job == Job::Restart) {
+      Must({"convert", Data("more.inp"), "--restart", File("base.sim"), "-o", File("model.sim")});
+    } else if (m_case.job == Job::Replace) {
+      writeFile(m_folder / "old.inp", oneBrick);
+      Must({"convert", File("old.inp"), "-o", File("old.sim"), "-q"});
+      m_old = readFile(m_folder / "old.sim");
+    }
+    const bool restart = m_case.job == Job::Restart;
+    m_whole = Written(restart ? "model.sim" : "base.sim");
+    ASSERT_FALSE(m_whole.empty());
+    Clean();
+  }
+
+  static cow_String Data(const char* name) { return cow_String(INPS_TESTS_DIR "/faults/") + name; }
+  cow_String File(std::string_view name) const { return utl_pathText(m_folder / name); }
+  bool Exists(std::string_view name) const { return utl_exists(m_folder / name); }
+  void Must(const cow_List<cow_String>& words) const {
+    const FaultyRun run(words);
+    ASSERT_EQ(run.exitCode, 0) << run.said;
+  }
+  cow_String Written(std::string_view model) const {
+    std::filesystem::remove(m_folder / "written.inp");
+    const FaultyRun run({"write", File(model), "-o", File("written.inp")});
+    EXPECT_EQ(run.exitCode, 0) << run.said;
+    return run.exitCode == 0 ? readFile(m_folder / "written.inp") : cow_String();
+  }
+  // All but what the runs begin with goes.
+  void Clean() const {
+    const std::set<cow_String> kept = {"base.sim", "base.inp", "old.inp", "old.sim"};
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path()))
+      if (!kept.contains(utl_pathText(entry.path().filename())))
+        std::filesystem::remove(entry.path());
+    if (m_case.job == Job::Replace) writeFile(m_folder / "model.sim", m_old);
+  }
+
+  cow_List<cow_String> Words() const {
+    switch (m_case.job) {
+    case Job::Convert:
+      return {"convert", Data("model.inp"), "-o", File("model.sim"), "-q"};
+    case Job::Replace:
+      return {"convert", Data("model.inp"), "-o", File("model.sim"), "-q", "--force"};
+    case Job::Restart:
+      return {"convert", Data("more.inp"),  "--restart", File("base.sim"),
+              "-o",      File("model.sim"), "-q"};
+    case Job::Write:
+      return {"write", File("base.sim"), "-o", File("out")};
+    case Job::Export:
+      return {"export", File("base.sim"), File("out.vtu"), "-q"};
+    case Job::Plot:
+      return {"plot", File("base.sim"), "-o", File("out.html")};
+    case Job::Info:
+      return {"info", File("base.sim")};
+    case Job::Diff:
+      return {"diff", File("base.sim"), File("base.inp")};
+    }
+    return {};
+  }
+
+  // Number of calls of the fault in a run without one.
+  int64_t CallsOf(Fault fault, const cow_List<cow_String>& words) const {
+    Must(words); // what is made once in a process is there from now on
+    Clean();
+    FixedBuffer outBuffer, errBuffer;
+    aio_ostream out(&outBuffer), err(&errBuffer);
+    noFault();
+    EXPECT_EQ(inps_main(words, out, err), 0) << errBuffer.Text();
+    return faultCalls(fault);
+  }
+
+  void Try(Fault fault, int64_t call, bool andLater, const cow_List<cow_String>& words) {
+    SCOPED_TRACE(cow_String(faultNames[static_cast<size_t>(fault)]) + " " + std::to_string(call) +
+                 (andLater ? " and later" : ""));
+    Clean();
+    faultAt(fault, call, andLater);
+    const FaultyRun run(words);
+    ++m_tried;
+    ASSERT_GE(run.raised, 1);
+    ++m_exits[run.exitCode];
+    if (run.exitCode == 0) {
+      EXPECT_EQ(run.Messages(), 0) << run.said;
+    } else {
+      EXPECT_EQ(run.exitCode, 3) << run.said;
+      EXPECT_EQ(run.Messages(), 1) << run.said;
+    }
+    LookAtWhatIsLeft(run);
+    EXPECT_TRUE(readFile(m_folder / "base.sim") == m_base) << run.said;
+  }
+
+  void LookAtWhatIsLeft(const FaultyRun& run) {
+    if (!m_case.reads) {
+      LookAtModel(run);
+    } else if (run.exitCode != 0) {
+      EXPECT_FALSE(Exists("out") || Exists("out.vtu") || Exists("out.html")) << run.said;
+    }
+    if (Exists("written.inp")) std::filesystem::remove(m_folder / "written.inp");
+    for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) {
+      const cow_String name = utl_pathText(entry.path().filename());
+      static const std::set<cow_String> known = {"base.sim",  "base.inp", "old.inp", "old.sim",
+                                                 "model.sim", "out",      "out.vtu", "out.html"};
+      EXPECT_TRUE(known.contains(name)) << name << " is left; " << run.said;
+    }
+  }
+
+  void LookAtModel(const FaultyRun& run) {
+    if (!Exists("model.sim")) {
+      EXPECT_TRUE(run.exitCode == 3 && m_case.job != Job::Replace) << run.said;
+      return;
+    }
+    if (run.exitCode != 0 && m_case.job == Job::Replace &&
+        readFile(m_folder / "model.sim") == m_old)
+      return;
+    {
+      const KvoObjDocument document =
+          KvoObjDocument::Open(m_folder / "model.sim", KvoAccess::ReadOnly);
+      for (const cow_String& fault : eds_checkModel(document)) ADD_FAILURE() << fault;
+    }
+    const cow_String text = Written("model.sim");
+    if (text == m_whole) return;
+    EXPECT_EQ(run.exitCode, 3) << "done, and yet not whole";
+    EXPECT_EQ(m_case.job, Job::Convert) << "a part in place of the whole; " << run.said;
+    ++m_partial;
+    RequireFirstOnes(blocksOf(text));
+  }
+
+  // Of each keyword the first ones, in order, and each one whole.
+  void RequireFirstOnes(const cow_List<cow_String>& blocks) const {
+    std::map<cow_String, cow_List<cow_String>> wanted;
+    for (const cow_String& block : blocksOf(m_whole)) wanted[keywordOf(block)].push_back(block);
+    std::map<cow_String, size_t> seen;
+    for (const cow_String& block : blocks) {
+      const cow_List<cow_String>& list = wanted[keywordOf(block)];
+      const size_t number = seen[keywordOf(block)]++;
+      ASSERT_LT(number, list.size()) << block;
+      EXPECT_EQ(block, list[number]);
+    }
+  }
+
+  const Case m_case = std::get<0>(GetParam());
+  TemporaryFolder m_folder;
+  cow_String m_base, m_old, m_whole;
+  std::map<int, int64_t> m_exits;
+  int64_t m_tried = 0, m_partial = 0;
+};
+
+TEST_P(FaultsTest, EndsWithOneMessageAndLeavesWholeThings) {
+  const auto [job, fault, andLater] = GetParam();
+  const cow_List<cow_String> words = Words();
+  const int64_t calls = CallsOf(fault, words);
+  const bool every = std::getenv("INPS_EVERY_FAULT") != nullptr;
+  const int64_t step = every ? 1 : (calls + mostTried - 1) / mostTried;
+  for (int64_t call = 1; call <= calls && !HasFatalFailure(); call += step)
+    Try(fault, call, andLater, words);
+  std::cout << calls << " calls, " << m_tried << " tried: " << m_exits[3]
+            << " ended with a message, " << m_exits[0] << " were done all the same, " << m_partial
+            << " left a part\n";
+}
+
+cow_String nameOf(const testing::TestParamInfo<FaultsTest::ParamType>& info) {
+  const auto& [job, fault, andLater] = info.param;
+  return cow_String(job.name) + faultNames[static_cast<size_t>(fault)] +
+         (andLater ? "FromThenOn" : "Once");
+}
+
+// A run that only reads asks for no more than these.
+std::vector<FaultsTest::ParamType> allCases() {
+  std::vector<FaultsTest::ParamType> all;
+  for (const Case& job : cases) {
+    for (int fault = 0; fault < static_cast<int>(Fault::Count); ++fault) {
+      const bool changes = fault != static_cast<int>(Fault::Read) &&
+                           fault < static_cast<int>(Fault::EngineMemory) &&
+                           fault != static_cast<int>(Fault::Open);
+      if (job.reads && changes) continue;
+      // The JSON of a page needs memory even to give its own back, and aborts when there is none.
+      if (job.job == Job::Plot && fault == static_cast<int>(Fault::Memory)) continue;
+      for (bool andLater : {false, true})
+        all.emplace_back(job, static_cast<Fault>(fault), andLater);
+    }
+  }
+  return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, FaultsTest, testing::ValuesIn(allCases()), nameOf);
+
+} // namespace
+
+int main(int count, char** words) {
+  installFaultyEngine();
+  testing::InitGoogleTest(&count, words);
+  return RUN_ALL_TESTS();
+}
