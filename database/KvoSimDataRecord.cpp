@@ -1,7 +1,9 @@
 #include "database/KvoSimDataRecord.h"
 #include "base/utl_Assert.h"
+#include "base/utl_File.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimPosition.h"
+#include "database/eds_Exception.h"
 #include "database/engine/eds_Store.h"
 
 namespace {
@@ -35,8 +37,10 @@ int64_t KvoSimDataRecord::GetInt64(int field) const {
 
 int KvoSimDataRecord::GetInt(int field) const {
   const int64_t value = GetInt64(field);
-  utl_ASSERT(value == static_cast<int>(value));
-  return static_cast<int>(value);
+  if (value == static_cast<int>(value)) return static_cast<int>(value);
+  const eds_FieldInfo& info = m_store->RowsOf(m_object).Field(field);
+  throw eds_DamagedFileException("\"" + utl_pathText(m_store->Path()) + "\" is damaged: column " +
+                                 cow_String(info.column) + ": " + std::to_string(value));
 }
 
 double KvoSimDataRecord::GetDouble(int field) const {

@@ -1,3 +1,5 @@
+#include "base/utl_File.h"
+#include "database/eds_CheckRecords.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
 #include "database/engine/eds_Store.h"
@@ -29,6 +31,18 @@ public:
     return std::move(m_faults);
   }
 
+  // What is known without the arrays' contents; ends at the first fault.
+  eds_Faults RunRecords() {
+    for (const eds_RecordInfo& info : eds_schemaRecords()) CheckReferences(m_store.Rows(info.kind));
+    CheckMembers();
+    ForAll(eds_RecordKind::NodeBlock, [&](int64_t id) { CheckNodeBlock(id); });
+    ForAll(eds_RecordKind::ElementBlock, [&](int64_t id) { CheckElementLength(id); });
+    ForAll(eds_RecordKind::LabelSpace, [&](int64_t id) { CheckLabelSpace(id); });
+    ForAll(eds_RecordKind::Drawer, [&](int64_t id) { CheckDrawer(id); });
+    ForAll(eds_RecordKind::PropertyTable, [&](int64_t id) { CheckPropertyTable(id); });
+    return std::move(m_faults);
+  }
+
 private:
   static constexpr size_t mostFaults = 100; // of one damage there may be millions
 
@@ -51,6 +65,11 @@ private:
     std::vector<int64_t> ids;
     Guarded([&] { ids = m_reader.RecordIDs(kind); });
     for (int64_t id : ids) Guarded([&] { check(id); });
+  }
+
+  template <class Check> void ForAll(eds_RecordKind kind, Check check) {
+    const std::vector<int64_t> ids = m_reader.RecordIDs(kind);
+    for (auto id = ids.begin(); id != ids.end() && m_faults.empty(); ++id) check(*id);
   }
 
   cow_String Name(eds_RecordKind kind, int64_t id) const { return m_reader.Describe({kind, id}); }
@@ -86,19 +105,30 @@ private:
     if (!m_store.Exists(target)) Fault(where + m_reader.Describe(target));
   }
 
+  // What the link stands for; null when nothing is known by its number.
+  const eds_MemberInfo* CheckMember(const eds_RowTable& links, int64_t id) {
+    const int64_t member = links.Int(id, eds_Link_Member);
+    const eds_MemberInfo* info =
+        member > 0 && member < 0xffff ? eds_schemaMember(static_cast<eds_Member>(member)) : nullptr;
+    if (info == nullptr)
+      Fault("link " + std::to_string(id) + ": unknown member " + std::to_string(member));
+    return info;
+  }
+
+  void CheckMembers() {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Link);
+    for (int64_t id = 1; id <= rows.LastID(); ++id)
+      if (rows.Has(id)) CheckMember(rows, id);
+  }
+
   void CheckLinks() {
     const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Link);
     std::set<std::pair<std::pair<uint64_t, int64_t>, std::string>> keys;
     for (int64_t id = 1; id <= rows.LastID(); ++id) {
       if (!rows.Has(id)) continue;
+      const eds_MemberInfo* info = CheckMember(rows, id);
+      if (info == nullptr) continue;
       const int64_t member = rows.Int(id, eds_Link_Member);
-      const eds_MemberInfo* info = member > 0 && member < 0xffff
-                                       ? eds_schemaMember(static_cast<eds_Member>(member))
-                                       : nullptr;
-      if (info == nullptr) {
-        Fault("link " + std::to_string(id) + ": unknown member " + std::to_string(member));
-        continue;
-      }
       std::string key;
       if (info->shape == eds_MemberShape::TextMap) key = rows.Text(id, eds_Link_TextKey);
       if (info->shape == eds_MemberShape::IntMap)
@@ -146,11 +176,17 @@ private:
     if (normals > count) Fault(name + ": more normals than nodes");
   }
 
+  void CheckElementLength(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::ElementBlock);
+    CheckLength(Name(eds_RecordKind::ElementBlock, id), rows, id, eds_ElementBlock_Connectivity,
+                eds_ValueType::Int32, rows.Int(id, eds_ElementBlock_Width),
+                rows.Int(id, eds_ElementBlock_Count));
+  }
+
   void CheckElementBlock(int64_t id) {
+    CheckElementLength(id);
     const eds_RowTable& rows = m_store.Rows(eds_RecordKind::ElementBlock);
     const cow_String name = Name(eds_RecordKind::ElementBlock, id);
-    CheckLength(name, rows, id, eds_ElementBlock_Connectivity, eds_ValueType::Int32,
-                rows.Int(id, eds_ElementBlock_Width), rows.Int(id, eds_ElementBlock_Count));
     const eds_ObjectID array = rows.Reference(id, eds_ElementBlock_Connectivity);
     if (array.IsNull()) return;
     const bool flat = rows.Int(id, eds_ElementBlock_FlatFirst) >= 0;
@@ -233,4 +269,11 @@ private:
 
 eds_Faults eds_checkModel(const KvoObjDocument& document) {
   return Checker(document).Run();
+}
+
+void eds_checkRecords(const KvoObjDocument& document) {
+  const eds_Faults faults = Checker(document).RunRecords();
+  if (faults.empty()) return;
+  throw eds_DamagedFileException("\"" + utl_pathText(document.Path()) +
+                                 "\" is damaged: " + faults.front());
 }

@@ -2,9 +2,9 @@
 
 #include "base/bcu_ResourceMonitor.h"
 #include "base/utl_File.h"
+#include "host/inps_OpenModel.h"
 #include "inpS/driver/inpS_Module.h"
 #include <algorithm>
-#include <exception>
 #include <fstream>
 
 namespace {
@@ -13,14 +13,7 @@ namespace {
 class ModuleUse {
 public:
   ModuleUse() { KvoI2sInpS_initialize(m_uses); }
-  // Throws what the reporter throws, unless a failure is on its way already.
-  ~ModuleUse() noexcept(false) {
-    try {
-      KvoI2sInpS_finalize(m_uses);
-    } catch (const std::exception&) {
-      if (std::uncaught_exceptions() == 0) throw;
-    }
-  }
+  ~ModuleUse() { KvoI2sInpS_finalize(m_uses); }
   ModuleUse(const ModuleUse&) = delete;
   ModuleUse& operator=(const ModuleUse&) = delete;
 
@@ -113,7 +106,7 @@ bool inps_isModelFile(const std::filesystem::path& path) {
 }
 
 KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path) {
-  if (inps_isModelFile(path)) return KvoObjDocument::Open(path, KvoAccess::ReadOnly);
+  if (inps_isModelFile(path)) return inps_openModel(path);
   inps_Conversion conversion(path);
   if (!conversion.Prepare()) return {};
   KvoObjDocument document = KvoObjDocument::InMemory();

@@ -6,6 +6,7 @@
 #include "host/inps_Json.h"
 #include "host/inps_MaterialList.h"
 #include "host/inps_MeshQuality.h"
+#include "host/inps_OpenModel.h"
 #include "host/inps_Session.h"
 #include "host/inps_Timings.h"
 #include <algorithm>
@@ -69,7 +70,7 @@ int listMaterials(inps_Session& session, const inps_Arguments& arguments,
 
 int inps_info(inps_Session& session, const inps_Arguments& arguments) {
   const std::filesystem::path file = arguments.Path(0);
-  const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+  const KvoObjDocument document = inps_openModel(file);
   if (arguments.Has(inps_Opt::Materials)) return listMaterials(session, arguments, document);
   const inps_ModelSummary summary = inps_summarize(document);
   const auto meta = eds_ModelReader(document).Meta();

@@ -4,6 +4,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
 #include "host/inps_Arguments.h"
+#include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
 #include "host/inps_PlotPage.h"
 #include "host/inps_Reporter.h"
@@ -93,7 +94,7 @@ cow_String factsOf(const inps_PlotPage& page) {
 
 int inps_plot(inps_Session& session, const inps_Arguments& arguments) {
   const std::filesystem::path file = arguments.Path(0);
-  const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+  const KvoObjDocument document = inps_openModel(file);
   const auto names = std::span(arguments.Operands()).subspan(1);
   Choice choice(names);
   inps_PlotPage page;

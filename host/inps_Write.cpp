@@ -3,6 +3,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoObjDocument.h"
 #include "host/inps_Arguments.h"
+#include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
@@ -22,7 +23,7 @@ void print(const KvoObjDocument& document, utl_Stream& deck, aio_ostream& diagno
 int inps_write(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
   return run.Do([&] {
-    const KvoObjDocument document = KvoObjDocument::Open(arguments.Path(0), KvoAccess::ReadOnly);
+    const KvoObjDocument document = inps_openModel(arguments.Path(0));
     if (!document.IsFinished())
       session.err << "inps: warning: the conversion that made " << arguments.Operands()[0]
                   << " did not finish; the deck holds what the model holds\n";

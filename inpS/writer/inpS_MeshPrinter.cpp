@@ -1,11 +1,11 @@
 #include "inpS/writer/inpS_MeshPrinter.h"
-#include "base/utl_Assert.h"
 #include "base/utl_Buffer.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimContext.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/eds_Exception.h"
 #include "database/eds_LabelMap.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "parser/inp_KeywordTable.h"
@@ -234,7 +234,10 @@ private:
     if (ordinal < m_own) return utl_printInt(out, m_nodes.Label(ordinal));
     int64_t local = 0; // an element of the assembly may join nodes of its instances
     const int occurrence = m_labels.nodes.OccurrenceOfFlat(ordinal, local);
-    utl_ASSERT(occurrence >= 0);
+    if (occurrence < 0) { // the file says so: connectivity is looked at here for the first time
+      throw eds_DamagedFileException("the model is damaged: an element refers to node " +
+                                     std::to_string(ordinal) + " of the mesh, which has none");
+    }
     const cow_String name =
         inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);
     out = std::copy(name.begin(), name.end(), out);

@@ -1,6 +1,7 @@
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjModel.h"
 #include "database/eds_Array.h"
+#include "database/eds_CheckRecords.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
 #include "database/engine/eds_Engine.h"
@@ -150,6 +151,29 @@ TEST(File, CheckFindsWhatDoesNotFit) {
     std::string faults;
     for (const cow_String& fault : eds_checkModel(document)) faults += fault + "\n";
     EXPECT_NE(faults.find(each.text), std::string::npos) << each.sql << "\n" << faults;
+  }
+}
+
+// What follows the records of a file may trust them once this has looked at them.
+TEST(File, RecordsThatDoNotHoldTogetherAreRefused) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"UPDATE link SET target = 77 WHERE id = 3", "link 3, target: verbatim_keyword 77 (missing)"},
+      {"UPDATE link SET member = 4000 WHERE id = 2", "link 2: unknown member 4000"},
+      {"UPDATE verbatim_keyword SET level = 50 WHERE id = 1", "level: no symbol 50"},
+      {"UPDATE meta SET value = 'other' WHERE key = 'source_deck'", nullptr},
+  };
+  for (const auto& [sql, text] : cases) {
+    const TemporaryFolder folder;
+    makeModel(folder / "m.sim");
+    runSql(folder / "m.sim", sql);
+    cow_String refusal;
+    try {
+      eds_checkRecords(KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadOnly));
+    } catch (const eds_DamagedFileException& fault) {
+      refusal = fault.what();
+    }
+    EXPECT_EQ(refusal.empty(), text == nullptr) << sql << "\n" << refusal;
+    EXPECT_NE(refusal.find(text ? text : ""), std::string::npos) << sql << "\n" << refusal;
   }
 }
 

@@ -1,0 +1,98 @@
+#!/usr/bin/env python3
+"""Runs the fuzz targets for some seconds each and tells what they found.
+
+Decks are tried with a dictionary of all keywords, parameters and element types, beginning from every
+deck of the tests and examples. What a run learns stays in the work folder for the next one."""
+import argparse
+import os
+import pathlib
+import re
+import resource
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+TARGETS = {"fuzz_parser": True, "fuzz_conversion": True, "fuzz_database": False}  # takes decks?
+LONGEST_EDITS = 512  # bytes of input: some fifty edits of a model
+
+
+def write_dictionary(path):
+    """The words of the deck language, from its own tables."""
+    words = {"**", "*", ", ", "=", "1.E-3", "-1", "2147483647", "GENERATE", "TYPE=", "NAME="}
+    table = (ROOT / "parser/inp_keywords.def").read_text()
+    for name, parameters in re.findall(r'^INP_KEYWORD\(\w+,\s*"([^"]+)".*?"([^"]*)"\)', table,
+                                       re.MULTILINE | re.DOTALL):
+        words.add("*" + name)
+        words.update(f", {word.upper()}=" for word in parameters.split() if word != "*")
+    types = (ROOT / "parser/inp_elements.def").read_text()
+    words.update(re.findall(r"^INP_ELEMENT\((\w+)", types, re.MULTILINE))
+    path.write_text("".join(f'"{word}"\n' for word in sorted(words)))
+    return len(words)
+
+
+def gather_decks(folder):
+    """Every deck under one name: the fuzzer takes a flat folder."""
+    folder.mkdir(parents=True, exist_ok=True)
+    decks = sorted([*ROOT.glob("tests/decks/**/*.inp"), *ROOT.glob("examples/**/*.inp")])
+    for deck in decks:
+        name = "-".join(deck.relative_to(ROOT).parts)
+        (folder / name).write_bytes(deck.read_bytes())
+    return len(decks)
+
+
+def command(words, target, decks):
+    learnt = words.work / "learnt" / target
+    learnt.mkdir(parents=True, exist_ok=True)
+    line = [words.bin / target, f"-max_total_time={words.seconds}", "-timeout=60",
+            "-rss_limit_mb=4096", "-print_final_stats=1", "-verbosity=0",
+            f"-artifact_prefix={words.work}/findings/{target}-", learnt]
+    if TARGETS[target]:
+        return line + [decks, f"-dict={words.work}/words.dict"]
+    return line + [f"-max_len={LONGEST_EDITS}"]
+
+
+def processor_seconds():
+    used = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return used.ru_utime + used.ru_stime
+
+
+def run(words, target, decks):
+    """True when nothing was found."""
+    log = words.work / f"{target}.log"
+    begin = processor_seconds()
+    with tempfile.TemporaryDirectory(prefix="inps-fuzz-", dir=words.scratch) as scratch, \
+            open(log, "wb") as out:
+        done = subprocess.run(command(words, target, decks), stdout=out, stderr=subprocess.STDOUT,
+                              env={**os.environ, "TMPDIR": scratch})
+    text = log.read_text(errors="replace")
+    count = re.search(r"stat::number_of_executed_units:\s*(\d+)", text)
+    print(f"{target}: {count[1] if count else 'unknown'} executions, "
+          f"{processor_seconds() - begin:.0f} s of processor time: "
+          f"{'nothing found' if done.returncode == 0 else 'A FINDING'}", flush=True)
+    if done.returncode == 0:
+        return True
+    print("\n".join(text.splitlines()[-40:]))
+    print(f"{target}: the log is {log}, the input lies in {words.work / 'findings'}")
+    return False
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--bin", type=pathlib.Path, required=True)
+    parser.add_argument("--work", type=pathlib.Path, required=True)
+    parser.add_argument("--seconds", type=int, default=60)
+    parser.add_argument("--targets", nargs="+", choices=TARGETS, default=list(TARGETS))
+    words = parser.parse_args()
+    words.work = words.work.resolve()
+    memory = pathlib.Path("/dev/shm")  # files of a moment
+    words.scratch = memory if os.access(memory, os.W_OK) else None
+    (words.work / "findings").mkdir(parents=True, exist_ok=True)
+    decks = words.work / "decks"
+    print(f"{gather_decks(decks)} decks, {write_dictionary(words.work / 'words.dict')} words, "
+          f"{words.seconds} s for each target", flush=True)
+    sys.exit(0 if all([run(words, target, decks) for target in words.targets]) else 1)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,8 @@
+#pragma once
+
+#include "database/KvoObjDocument.h"
+
+// A model to read, which may come from anybody: a file whose records do not hold together is
+// refused (eds_DamagedFileException) before anything follows them. `check` does without, to tell
+// all faults.
+KvoObjDocument inps_openModel(const std::filesystem::path& file);
