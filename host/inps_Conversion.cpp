@@ -5,6 +5,7 @@
 #include "host/inps_OpenModel.h"
 #include "inpS/driver/inpS_Module.h"
 #include <algorithm>
+#include <exception>
 #include <fstream>
 
 namespace {
@@ -13,7 +14,14 @@ namespace {
 class ModuleUse {
 public:
   ModuleUse() { KvoI2sInpS_initialize(m_uses); }
-  ~ModuleUse() { KvoI2sInpS_finalize(m_uses); }
+  // Throws what the reporter throws, unless a failure is on its way already.
+  ~ModuleUse() noexcept(false) {
+    try {
+      KvoI2sInpS_finalize(m_uses);
+    } catch (const std::exception&) {
+      if (std::uncaught_exceptions() == 0) throw;
+    }
+  }
   ModuleUse(const ModuleUse&) = delete;
   ModuleUse& operator=(const ModuleUse&) = delete;
 
