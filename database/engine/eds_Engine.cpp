@@ -12,6 +12,13 @@ cow_String systemText(sqlite3* database) {
   return number != 0 ? cow_String(": ") + std::strerror(number) : cow_String();
 }
 
+// The engine quotes a damaged file's own text, whatever that holds.
+cow_String oneLine(cow_String text) {
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < ' ') c = ' ';
+  return text;
+}
+
 int openFlags(eds_OpenMode mode) {
   const int common = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
   switch (mode) {
@@ -163,7 +170,8 @@ void eds_Engine::RollbackPhysical() {
 void eds_Engine::Fail(int code) {
   const cow_String file = m_mode == eds_OpenMode::Memory ? cow_String("the model in memory")
                                                          : "\"" + utl_pathText(m_shown) + "\"";
-  const cow_String text = m_database != nullptr ? sqlite3_errmsg(m_database) : sqlite3_errstr(code);
+  const cow_String text =
+      oneLine(m_database != nullptr ? sqlite3_errmsg(m_database) : sqlite3_errstr(code));
   const cow_String system = systemText(m_database);
   if (m_inPhysical) {
     // What the engine has kept of the transaction is not told; none of it is.
