@@ -20,7 +20,7 @@ public:
   bool IsMemberNull(int field) const;
 
   int64_t GetInt64(int field) const;
-  int GetInt(int field) const; // asserts that the value fits
+  int GetInt(int field) const; // eds_DamagedFileException when the value does not fit
   double GetDouble(int field) const;
   bool GetBool(int field) const;
   std::string_view GetString(int field) const; // valid until the record's kind is next changed

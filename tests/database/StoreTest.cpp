@@ -3,6 +3,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSrvBulkShellLayers.h"
 #include "database/KvoSrvFsmFTable.h"
+#include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
 #include "tests/database/TemporaryFolder.h"
 #include <gtest/gtest.h>
@@ -232,7 +233,7 @@ TEST(Store, FieldsKeepTypeAndDefault) {
   EXPECT_TRUE(record.GetBool(eds_Instance_Dependent));
   record.SetInt(eds_Instance_NodeCount, int64_t{1} << 40);
   EXPECT_EQ(record.GetInt64(eds_Instance_NodeCount), int64_t{1} << 40);
-  EXPECT_THROW(record.GetInt(eds_Instance_NodeCount), utl_Assertion);
+  EXPECT_THROW(record.GetInt(eds_Instance_NodeCount), eds_DamagedFileException);
   EXPECT_THROW(record.SetDouble(eds_Instance_Name, 1), utl_Assertion);
   EXPECT_THROW(record.SetInt(99, 1), utl_Assertion);
   EXPECT_THROW(record.SetReference(eds_Instance_Part, record.Pos()), utl_Assertion);
