@@ -65,7 +65,7 @@ bool inpS_AmplitudeVisitor::IsModelled(const inp_Keyword& keyword) {
 }
 
 const inpS_AmplitudeForm* inpS_AmplitudeVisitor::FormOf(const inp_Keyword& keyword) {
-  const cow_String& definition = keyword.StringOf("definition", "TABULAR");
+  const cow_String definition = keyword.StringOf("definition", "TABULAR");
   const bool cfd = m_inventory.IsCFD();
   if ((definition == "ACTUATOR" || definition == "SOLUTIONDEPENDENT") && !cfd) return nullptr;
   const inpS_AmplitudeForm* form = inpS_amplitudeForm(definition);
