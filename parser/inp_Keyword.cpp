@@ -104,7 +104,7 @@ const inp_Item* inp_Keyword::Find(std::string_view name) const {
   return &parameter->value;
 }
 
-const cow_String& inp_Keyword::StringOf(std::string_view name, const cow_String& absent) const {
+cow_String inp_Keyword::StringOf(std::string_view name, const cow_String& absent) const {
   const inp_Item* item = Find(name);
   return item ? item->AsString() : absent;
 }

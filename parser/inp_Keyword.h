@@ -58,7 +58,8 @@ public:
   // Parameters, by canonical name. Every look-up marks the parameter as referred.
   const inp_Item* Find(std::string_view name) const;
   bool HasParameter(std::string_view name) const { return Find(name) != nullptr; }
-  const cow_String& StringOf(std::string_view name, const cow_String& absent) const;
+  cow_String StringOf(std::string_view name,
+                      const cow_String& absent) const; // a default may be a temporary
   const cow_List<inp_Parameter>& Parameters() const;
   void ReferAll() const; // the whole keyword has been dealt with (kept verbatim)
 
