@@ -42,6 +42,29 @@ char upper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+// Behind the quoted piece that begins at a place; 0 when none does. A doubled quote within it is
+// one quote of the name; a quote that nothing closes is a plain character.
+std::size_t behindQuoted(std::string_view text, std::size_t at) {
+  if (text[at] != '"') return 0;
+  std::size_t close = text.find('"', at + 1);
+  while (close != text.npos && close + 1 < text.size() && text[close + 1] == '"') {
+    const std::size_t next = text.find('"', close + 2);
+    if (next == text.npos) break;
+    close = next;
+  }
+  return close == text.npos ? 0 : close + 1;
+}
+
+// What stands between the outer quotes.
+cow_String insideQuotes(std::string_view quoted) {
+  cow_String out;
+  for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
+    out += quoted[i];
+    if (quoted[i] == '"' && quoted[i + 1] == '"' && i + 2 < quoted.size()) ++i;
+  }
+  return out;
+}
+
 bool isInteger(const cow_String& text) {
   return utl_classifyField(text).kind == utl_FieldKind::Integer;
 }
@@ -96,14 +119,17 @@ cow_String inp_Utils::MessageWithItems(const cow_String& text, const cow_List<in
 // Dots within quotes belong to the name they stand in; the pieces come without their quotes.
 cow_List<cow_String> inp_Utils::SplitScopedSet(const cow_String& name) {
   cow_List<cow_String> parts(1);
-  bool quoted = false;
-  for (const char c : name) {
-    if (c == '"')
-      quoted = !quoted;
-    else if (c == '.' && !quoted)
+  for (std::size_t at = 0; at < name.size();) {
+    if (const std::size_t behind = behindQuoted(name, at)) {
+      parts.back() += insideQuotes(std::string_view(name).substr(at, behind - at));
+      at = behind;
+      continue;
+    }
+    if (name[at] == '.')
       parts.emplace_back();
-    else
-      parts.back() += c;
+    else if (name[at] != '"')
+      parts.back() += name[at];
+    ++at;
   }
   return parts;
 }
@@ -138,15 +164,14 @@ cow_String inp_Utils::CreateFlattenedName(const cow_String& scope, const cow_Str
 cow_String inp_Utils::Fold(std::string_view text) {
   cow_String out;
   out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    const std::size_t close = c == '"' ? text.find('"', i + 1) : std::string_view::npos;
-    if (close != std::string_view::npos) {
-      out.append(text.substr(i + 1, close - i - 1));
-      i = close;
-    } else if (!inp_isBlank(c)) {
-      out += upper(c);
+  for (std::size_t i = 0; i < text.size();) {
+    if (const std::size_t behind = behindQuoted(text, i)) {
+      out += insideQuotes(text.substr(i, behind - i));
+      i = behind;
+      continue;
     }
+    if (!inp_isBlank(text[i])) out += upper(text[i]);
+    ++i;
   }
   return out;
 }
@@ -154,7 +179,7 @@ cow_String inp_Utils::Fold(std::string_view text) {
 cow_String inp_Utils::RemoveQuotes(const cow_String& name) {
   const std::string_view text = inp_trim(name.data(), name.data() + name.size());
   const bool quoted = text.size() > 1 && text.front() == '"' && text.back() == '"';
-  return cow_String(quoted ? text.substr(1, text.size() - 2) : text);
+  return quoted ? insideQuotes(text) : cow_String(text);
 }
 
 cow_String inp_Utils::Format(const char* printf, ...) {

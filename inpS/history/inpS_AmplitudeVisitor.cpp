@@ -48,9 +48,7 @@ void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
   const inp_Item* item = keyword.Find("name");
   if (!item) return keyword.ReferAll();
-  cow_String name = item->AsString();
-  while (name.starts_with('"')) name.erase(0, 1);
-  while (name.ends_with('"')) name.pop_back();
+  const cow_String name = item->AsString(); // without its quotes
   const inpS_AmplitudeForm* form = FormOf(keyword);
   if (form)
     Create(keyword, *form, name);

@@ -9,10 +9,17 @@ bool needsQuotes(char c) {
   return c != '\0' && static_cast<unsigned char>(c) < 128;
 }
 
+// A quote of the name's own is doubled.
+cow_String inQuotes(const cow_String& name) {
+  cow_String out(1, '"');
+  for (const char c : name) out.append(c == '"' ? 2 : 1, c);
+  return out + '"';
+}
+
 } // namespace
 
 cow_String& QuotedName(cow_String& name) {
-  if (std::any_of(name.begin(), name.end(), needsQuotes)) name = '"' + name + '"';
+  if (std::any_of(name.begin(), name.end(), needsQuotes)) name = inQuotes(name);
   return name;
 }
 

@@ -2,6 +2,7 @@
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElementSearch.h"
 #include "inpS/messages/inpS_LocatedText.h"
+#include "inpS/sets/inpS_ScopedField.h"
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
@@ -13,15 +14,14 @@ namespace {
 
 constexpr long long kMaxLabel = 999999999;
 
-bool readScoped(const inp_DataArray& data, long long row, int col, cow_List<int>& fields,
-                cow_List<inpS_ScopedNode>& scoped) {
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(data.FieldText(row, col));
-  if (!inp_Utils::IsScopedSetId(parts)) return false;
-  const long long label = std::atoll(parts.back().c_str());
-  if (std::llabs(label) > kMaxLabel) return false;
+bool readScoped(const inp_Keyword& keyword, long long row, int col, cow_List<int>& fields,
+                cow_List<inpS_ScopedNode>& scoped, inp_Visitor& messages) {
+  const inpS_ScopedField field = inpS_scopedField(keyword.Data().FieldText(row, col));
+  if (!field.isLabel || std::llabs(field.Label()) > kMaxLabel) return false;
+  inpS_reportDropped(keyword, row, col, field, messages);
   const int index = static_cast<int>(fields.size()) - 1;
-  fields.push_back(static_cast<int>(label));
-  scoped.push_back({0, index, parts[parts.size() - 2], fields.back(), row, col});
+  fields.push_back(static_cast<int>(field.Label()));
+  scoped.push_back({0, index, field.instance, fields.back(), row, col});
   return true;
 }
 
@@ -64,7 +64,7 @@ bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& f
         continue;
       }
       if (kind == inp_FieldType::String && scoped && !fields.empty() &&
-          readScoped(data, row, col, fields, *scoped))
+          readScoped(keyword, row, col, fields, *scoped, messages))
         continue;
       messages.AddError(inp_Utils::MessageAtField(keyword, row, col,
                                                   faultText(data, row, col, type, fields.empty())));

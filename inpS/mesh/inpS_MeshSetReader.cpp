@@ -3,6 +3,7 @@
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/messages/inpS_LocatedText.h"
+#include "inpS/sets/inpS_ScopedField.h"
 #include "inpS/sets/inpS_SetReader.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -85,10 +86,11 @@ void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
     entry.name = ofElset->AsString();
     entry.instance = instance;
     entry.keyword = static_cast<int>(set.keywords.size()) - 1;
-    const cow_List<cow_String> parts = inp_Utils::SplitScopedField(ofElset->Verbatim());
-    if (inp_Utils::IsScopedSetName(parts)) {
-      entry.instance = parts[parts.size() - 2];
-      entry.name = parts.back();
+    const inpS_ScopedField field = inpS_scopedField(ofElset->Verbatim());
+    if (field.IsScoped()) {
+      inpS_reportDropped(keyword, -1, 0, field, m_messages);
+      entry.instance = field.instance;
+      entry.name = field.name;
     }
     return;
   }

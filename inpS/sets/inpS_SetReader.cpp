@@ -1,4 +1,5 @@
 #include "inpS/sets/inpS_SetReader.h"
+#include "inpS/sets/inpS_ScopedField.h"
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -90,17 +91,16 @@ void inpS_SetReader::RefuseField(long long row, int col) {
 }
 
 void inpS_SetReader::ReadName(long long row, int col) {
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(m_data.AsStringVerbatim(row, col));
-  if (inp_Utils::IsScopedSetId(parts)) {
-    const long long label = std::atoll(parts.back().c_str());
-    if (std::llabs(label) > kMaxLabel) return RefuseField(row, col);
-    LabelsOf(parts[parts.size() - 2], row, col).labels.Append(static_cast<int>(label));
+  const inpS_ScopedField field = inpS_scopedField(m_data.FieldText(row, col));
+  inpS_reportDropped(m_keyword, row, col, field, m_messages);
+  if (field.isLabel) {
+    if (std::llabs(field.Label()) > kMaxLabel) return RefuseField(row, col);
+    LabelsOf(field.instance, row, col).labels.Append(static_cast<int>(field.Label()));
     return;
   }
   inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Set, row, col);
-  const bool scoped = inp_Utils::IsScopedSetName(parts);
-  entry.instance = scoped ? parts[parts.size() - 2] : m_instance;
-  entry.name = scoped ? parts.back() : m_data.AsString(row, col);
+  entry.instance = field.IsScoped() ? field.instance : m_instance;
+  entry.name = field.name;
 }
 
 void inpS_SetReader::GenerateSetIds() {
@@ -153,12 +153,13 @@ long long inpS_SetReader::ReadIncrement(long long row, int fields) {
 inpS_SetReader::Id inpS_SetReader::ReadId(long long row, int col) {
   Id id;
   const inp_FieldType type = m_data.Type(row, col);
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(m_data.AsStringVerbatim(row, col));
+  const inpS_ScopedField field = inpS_scopedField(m_data.FieldText(row, col));
   if (type == inp_FieldType::Integer) {
     id.label = m_data.AsInt64(row, col);
-  } else if (type == inp_FieldType::String && inp_Utils::IsScopedSetId(parts)) {
-    id.label = std::atoll(parts.back().c_str());
-    id.instance = parts[parts.size() - 2];
+  } else if (type == inp_FieldType::String && field.isLabel) {
+    id.label = field.Label();
+    id.instance = field.instance;
+    inpS_reportDropped(m_keyword, row, col, field, m_messages);
   } else {
     id.valid = false;
   }

@@ -2,6 +2,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/sets/inpS_ScopedField.h"
 #include "parser/inp_Utils.h"
 #include <cstdlib>
 
@@ -232,11 +233,11 @@ bool inpS_SetVisitor::AddField(Kind kind, const cow_String& asWritten, bool isLa
     ordinals.push_back(static_cast<int>(ordinal));
     return true;
   }
-  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
-  if (inp_Utils::IsScopedSetId(parts)) {
+  const inpS_ScopedField field = inpS_scopedField(asWritten);
+  if (field.isLabel) {
     const KvoSimPosition instance =
-        m_inventory.GetDocument().GetModel().GetOccurence(parts[parts.size() - 2]);
-    if (!OrdinalOf(kind, instance, std::atoi(parts.back().c_str()), ordinal)) return false;
+        m_inventory.GetDocument().GetModel().GetOccurence(field.instance);
+    if (!OrdinalOf(kind, instance, std::atoi(field.name.c_str()), ordinal)) return false;
     ordinals.push_back(static_cast<int>(ordinal));
     return true;
   }

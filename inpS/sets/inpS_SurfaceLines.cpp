@@ -1,6 +1,7 @@
 #include "inpS/sets/inpS_SurfaceLines.h"
 #include "base/utl_Number.h"
 #include "inpS/messages/inpS_LocatedText.h"
+#include "inpS/sets/inpS_ScopedField.h"
 #include "parser/inp_Utils.h"
 
 namespace {
@@ -101,14 +102,14 @@ void inpS_SurfaceLines::Take(long long row, int col, std::string_view who, eds_S
                              double area) {
   long long label = 0;
   inpS_SetVisitor::LabelSpace space;
-  if (ReadLabel(who, label, space))
+  if (ReadLabel(row, col, who, label, space))
     TakeLabel(row, col, label, space, face, area);
   else
     TakeNamed(row, col, who, face, area);
 }
 
 // A label, alone or behind an instance's name and a dot.
-bool inpS_SurfaceLines::ReadLabel(std::string_view who, long long& label,
+bool inpS_SurfaceLines::ReadLabel(long long row, int col, std::string_view who, long long& label,
                                   inpS_SetVisitor::LabelSpace& space) {
   const std::size_t dot = who.rfind('.');
   if (dot == std::string_view::npos || dot == 0) {
@@ -126,10 +127,11 @@ bool inpS_SurfaceLines::ReadLabel(std::string_view who, long long& label,
   const std::string_view digits = who.substr(dot + 1);
   if (!isDigits(digits) || digits.size() > 9) return false;
   if (who.substr(0, dot) != m_prefix) {
-    const cow_List<cow_String> parts = inp_Utils::SplitScopedField(who);
-    if (!inp_Utils::IsScopedSetId(parts)) return false;
+    const inpS_ScopedField field = inpS_scopedField(who);
+    if (!field.isLabel) return false;
+    inpS_reportDropped(m_keyword, row, col, field, m_visitor);
     m_prefix = who.substr(0, dot);
-    m_prefixSpace = m_visitor.SpaceOf(m_kind, parts[parts.size() - 2]);
+    m_prefixSpace = m_visitor.SpaceOf(m_kind, field.instance);
   }
   std::int64_t value = 0;
   utl_readInt(digits.data(), digits.data() + digits.size(), value);
@@ -141,6 +143,8 @@ bool inpS_SurfaceLines::ReadLabel(std::string_view who, long long& label,
 void inpS_SurfaceLines::TakeNamed(long long row, int col, std::string_view who,
                                   eds_SurfaceFace face, double area) {
   inpS_SetVisitor::Found found = m_visitor.FindField(m_kind, who);
+  if (who.find('.') != who.npos)
+    inpS_reportDropped(m_keyword, row, col, inpS_scopedField(who), m_visitor);
   if (found.set.IsNull()) {
     const cow_String name = inp_Utils::Fold(who);
     Fault(row, col,

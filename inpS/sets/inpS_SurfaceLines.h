@@ -42,7 +42,8 @@ private:
 
   bool SplitRow(long long row, std::string_view& who, std::string_view& what);
   void Take(long long row, int col, std::string_view who, eds_SurfaceFace face, double area);
-  bool ReadLabel(std::string_view who, long long& label, inpS_SetVisitor::LabelSpace& space);
+  bool ReadLabel(long long row, int col, std::string_view who, long long& label,
+                 inpS_SetVisitor::LabelSpace& space);
   void TakeNamed(long long row, int col, std::string_view who, eds_SurfaceFace face, double area);
   void TakeLabel(long long row, int col, long long label, const inpS_SetVisitor::LabelSpace& space,
                  eds_SurfaceFace face, double area);

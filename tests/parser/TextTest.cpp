@@ -40,20 +40,30 @@ TEST(Utils, FoldsAndSplitsNames) {
   const struct {
     const char* text;
     const char* folded;
-  } folds[] = {{"a b\tc", "ABC"},         {"\"a b\"", "a b"}, {"p-1.\"s, t\"", "P-1.s, t"},
-               {"5\" x", "5\"X"},         {"", ""},           {"\"\"", ""},
-               {"\xC3\xA4z", "\xC3\xA4Z"}};
+  } folds[] = {{"a b\tc", "ABC"},
+               {"\"a b\"", "a b"},
+               {"p-1.\"s, t\"", "P-1.s, t"},
+               {"5\" x", "5\"X"},
+               {"", ""},
+               {"\"\"", ""},
+               {"\xC3\xA4z", "\xC3\xA4Z"},
+               {"\"a \"\"b\"\" c\"", "a \"b\" c"},
+               {"\"\"\"x\"\"\".y", "\"x\".Y"},
+               {"\"a\"\"", "a\""}};
   for (const auto& [text, folded] : folds) EXPECT_EQ(inp_Utils::Fold(text), folded);
 
   const struct {
     const char* name;
     cow_List<cow_String> parts;
     bool isName, isId;
-  } splits[] = {
-      {"SET", {"SET"}, false, false},           {"I.SET", {"I", "SET"}, true, false},
-      {"I.12", {"I", "12"}, false, true},       {"A.I.SET", {"A", "I", "SET"}, true, false},
-      {"I.\"a.b\"", {"I", "a.b"}, true, false}, {".SET", {"", "SET"}, false, false},
-      {"I.", {"I", ""}, false, false}};
+  } splits[] = {{"SET", {"SET"}, false, false},
+                {"I.SET", {"I", "SET"}, true, false},
+                {"I.12", {"I", "12"}, false, true},
+                {"A.I.SET", {"A", "I", "SET"}, true, false},
+                {"I.\"a.b\"", {"I", "a.b"}, true, false},
+                {".SET", {"", "SET"}, false, false},
+                {"\"i\"\".1\".S", {"i\".1", "S"}, true, false},
+                {"I.", {"I", ""}, false, false}};
   for (const auto& [name, parts, isName, isId] : splits) {
     EXPECT_EQ(inp_Utils::SplitScopedSet(name), parts) << name;
     EXPECT_EQ(inp_Utils::IsScopedSetName(parts), isName) << name;

@@ -48,6 +48,7 @@ TEST(PrintPrimitives, NamesAreQuotedWhereNeeded) {
       {"PART-1", "PART-1"},
       {"plate", "\"plate\""},
       {"A,B", "\"A,B\""},
+      {"5\" PIPE", "\"5\"\" PIPE\""},
       {"", ""},
       {"\xc3\x84RGER", "\xc3\x84RGER"},
   };
