@@ -9,6 +9,7 @@
 #include "database/eds_Exception.h"
 #include "database/engine/eds_ChunkStore.h"
 #include "database/engine/eds_Format.h"
+#include "database/engine/eds_PageChecksums.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Session.h"
 #include <bit>
@@ -216,6 +217,13 @@ void patch(cow_String& bytes, Input& input) {
     bytes[at + i] = input.Take<char>();
 }
 
+void stampPages(cow_String& bytes) {
+  for (std::size_t at = 0; at + eds_pageSize <= bytes.size(); at += eds_pageSize) {
+    auto* page = reinterpret_cast<std::byte*>(bytes.data() + at);
+    eds_stampPage({page, eds_pageSize}, static_cast<int64_t>(at));
+  }
+}
+
 void damage(const Model& model, Input& input) {
   store(files().damaged, model.bytes);
   Input patches(nullptr, 0);
@@ -239,7 +247,9 @@ void damage(const Model& model, Input& input) {
   }
   if (patches.IsAtEnd()) return;
   cow_String bytes = contentOf(files().damaged);
+  const bool knowsChecksums = patches.Take<std::uint8_t>() % 4 != 0;
   while (!patches.IsAtEnd()) patch(bytes, patches);
+  if (knowsChecksums) stampPages(bytes);
   store(files().damaged, bytes);
 }
 

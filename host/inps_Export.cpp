@@ -134,7 +134,8 @@ private:
 
   void WriteSurface(const inps_FlatMesh& mesh, const inps_NamedSurface& named,
                     inps_ExportFiles& files, BlockGroup& group) {
-    const auto& [surface, shift] = named.surface;
+    const KvoObjSurface& surface = named.surface.record;
+    const int32_t shift = named.surface.shift;
     if (surface.Type() == eds_SurfaceType::Node) {
       AddBlock(files, group, "surface", named.name, [&](const Path& file) {
         WriteNodes(mesh, inps_shifted(surface.Nodes(), shift), file);

@@ -6,7 +6,7 @@ const inps_SetLabels::Space& inps_SetLabels::SpaceOf(eds_RecordKind setKind) {
   const bool ofNodes = setKind == eds_RecordKind::NodeSet;
   std::optional<Space>& space = ofNodes ? m_nodes : m_elements;
   if (space) return *space;
-  space.emplace(KvoObjLabeler(m_document, ofNodes ? 0 : 1), cow_List<cow_String>());
+  space = Space{KvoObjLabeler(m_document, ofNodes ? 0 : 1), {}};
   space->labeler.Read();
   for (const KvoSimPosition& owner : space->labeler.Occurrences()) {
     const bool scoped = owner.IsA(eds_RecordKind::Instance);

@@ -2,6 +2,7 @@
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
 #include "database/eds_Exception.h"
+#include "database/engine/eds_PageChecksums.h"
 #include <cstring>
 #include <sqlite3.h>
 
@@ -55,7 +56,8 @@ void eds_Engine::Open(const std::filesystem::path& file, eds_OpenMode mode) {
   m_mode = mode;
   m_failed = false;
   const cow_String name = mode == eds_OpenMode::Memory ? ":memory:" : utl_pathText(file);
-  const int code = sqlite3_open_v2(name.c_str(), &m_database, openFlags(mode), nullptr);
+  const int code =
+      sqlite3_open_v2(name.c_str(), &m_database, openFlags(mode), eds_checksummedFiles());
   if (code != SQLITE_OK) Fail(code);
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
@@ -64,6 +66,12 @@ void eds_Engine::Open(const std::filesystem::path& file, eds_OpenMode mode) {
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   Execute("PRAGMA cell_size_check = ON");
   Execute("PRAGMA temp_store = MEMORY");
+}
+
+void eds_Engine::ReserveChecksums() {
+  if (m_mode == eds_OpenMode::Memory) return;
+  const int code = eds_reservePageChecksums(m_database);
+  if (code != SQLITE_OK) Fail(code);
 }
 
 void eds_Engine::ApplyMode() {
@@ -183,6 +191,10 @@ void eds_Engine::Fail(int code) {
   switch (code) {
   case SQLITE_IOERR_NOMEM:
     throw eds_MemoryException("out of memory with " + file);
+  case SQLITE_IOERR_DATA:
+    throw eds_DamagedFileException(file + " is damaged: page " +
+                                   std::to_string(eds_mismatchedPage(m_database)) +
+                                   " does not match its checksum");
   case SQLITE_IOERR_SHORT_READ:
     throw eds_DamagedFileException(file + " is truncated");
   default:

@@ -70,6 +70,8 @@ public:
 
   void Open(const std::filesystem::path& file, eds_OpenMode mode);
   void Close();
+  // Before anything is in a new file: its pages shall end with a checksum.
+  void ReserveChecksums();
   // Journals and syncs as the mode asks; the file has been found to be ours.
   void ApplyMode();
   bool IsOpen() const { return m_database != nullptr; }

@@ -1,6 +1,7 @@
 #include "database/engine/eds_Format.h"
 #include "base/utl_File.h"
 #include "database/eds_Exception.h"
+#include "database/engine/eds_PageChecksums.h"
 #include "database/schema/eds_Schema.h"
 #include <algorithm>
 #include <cstring>
@@ -175,9 +176,21 @@ uint32_t bigEndian(const unsigned char* bytes) {
   return uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 | bytes[3];
 }
 
+// The marks of the engine's header that say how pages are read: with these changed, no page would
+// be held against its checksum.
+void checkPages(const cow_String& name, const unsigned char* header) {
+  if ((header[16] << 8 | header[17]) != eds_pageSize || header[20] != eds_pageChecksumBytes)
+    throw eds_DamagedFileException(name + " is damaged: its pages are not what they should be");
+  if (header[18] != 1 || header[19] != 1)
+    throw eds_DamagedFileException(name +
+                                   " was changed by another program: it has its journal in a "
+                                   "form that models do not have");
+}
+
 } // namespace
 
 void eds_createTables(eds_Engine& engine) {
+  engine.ReserveChecksums();
   engine.Execute(("PRAGMA page_size = " + std::to_string(eds_pageSize)).c_str());
   engine.Execute("PRAGMA encoding = 'UTF-8'");
   engine.Execute("BEGIN");
@@ -259,6 +272,7 @@ void eds_checkHeader(const std::filesystem::path& file) {
                                    ", written by a newer version; this one reads formats up to " +
                                    std::to_string(eds_formatVersion));
   }
+  if (version >= 2) checkPages(name, header);
 }
 
 void eds_checkLength(eds_Engine& engine) {

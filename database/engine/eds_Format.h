@@ -7,7 +7,8 @@
 // be opened. docs/database.md describes it.
 
 constexpr int32_t eds_applicationID = 0x496e7053; // "InpS"
-constexpr int32_t eds_formatVersion = 1;
+// 1: without checksums of pages; still read.
+constexpr int32_t eds_formatVersion = 2;
 constexpr int eds_pageSize = 16384;
 
 // Lays down the tables, the views and the stored schema in an empty file.

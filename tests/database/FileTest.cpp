@@ -5,12 +5,15 @@
 #include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
 #include "database/engine/eds_Engine.h"
+#include "database/engine/eds_Format.h"
+#include "database/engine/eds_PageChecksums.h"
 #include "tests/database/TemporaryFolder.h"
 #include <cstring>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <random>
+#include <sqlite3.h>
 #if defined(__unix__)
 #include <csignal>
 #include <sys/resource.h>
@@ -56,6 +59,55 @@ void patch(const fs::path& file, std::streamoff at, const std::string& bytes) {
   stream << bytes;
 }
 
+std::string contentOf(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// What a stranger does who knows our checksums.
+void stampPages(const fs::path& file) {
+  std::string bytes = contentOf(file);
+  for (size_t at = 0; at + eds_pageSize <= bytes.size(); at += eds_pageSize) {
+    auto* page = reinterpret_cast<std::byte*>(bytes.data() + at);
+    eds_stampPage({page, eds_pageSize}, static_cast<int64_t>(at));
+  }
+  writeText(file, bytes);
+}
+
+// The same content as files were before there were checksums of pages.
+void makeFormat1(const fs::path& file, const fs::path& old) {
+  sqlite3* database = nullptr;
+  ASSERT_EQ(sqlite3_open(old.string().c_str(), &database), SQLITE_OK);
+  const auto run = [&](const std::string& sql) {
+    ASSERT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+  };
+  run("PRAGMA page_size = 16384; PRAGMA user_version = 1; PRAGMA application_id = " +
+      std::to_string(eds_applicationID) + "; ATTACH '" + file.string() + "' AS new");
+  sqlite3_stmt* schema = nullptr;
+  sqlite3_prepare_v2(database,
+                     "SELECT sql, iif(type = 'table', name, '') FROM new.sqlite_schema "
+                     "WHERE sql NOT NULL",
+                     -1, &schema, nullptr);
+  while (sqlite3_step(schema) == SQLITE_ROW) {
+    const auto text = [&](int i) {
+      return std::string(reinterpret_cast<const char*>(sqlite3_column_text(schema, i)));
+    };
+    run(text(0));
+    const std::string table = '"' + text(1) + '"';
+    if (table != "\"\"") run("INSERT INTO main." + table + " SELECT * FROM new." + table);
+  }
+  sqlite3_finalize(schema);
+  sqlite3_close(database);
+  ASSERT_EQ(contentOf(old)[20], '\0');
+}
+
+// A place of the file where this stands.
+std::streamoff placeOf(const fs::path& file, std::string_view text) {
+  const size_t at = contentOf(file).find(text);
+  EXPECT_NE(at, std::string::npos);
+  return static_cast<std::streamoff>(at);
+}
+
 void runSql(const fs::path& file, const char* sql) {
   eds_Engine engine;
   engine.Open(file, eds_OpenMode::Durable);
@@ -94,6 +146,18 @@ const Refusal refusals[] = {
      isA<eds_DamagedFileException>},
     {"truncated", [](const fs::path& f) { fs::resize_file(f, fs::file_size(f) / 2); },
      "is truncated: ", isA<eds_DamagedFileException>},
+    {"value of a record", [](const fs::path& f) { patch(f, placeOf(f, "*KEPT"), "*LOST"); },
+     "does not match its checksum", isA<eds_DamagedFileException>},
+    {"strayed page",
+     [](const fs::path& f) {
+       const std::string bytes = contentOf(f);
+       patch(f, 2 * eds_pageSize, bytes.substr(eds_pageSize, bytes.size() - 2 * eds_pageSize));
+     },
+     "does not match its checksum", isA<eds_DamagedFileException>},
+    {"no checksums", [](const fs::path& f) { patch(f, 20, std::string(1, '\0')); },
+     "its pages are not what they should be", isA<eds_DamagedFileException>},
+    {"journal of another form", [](const fs::path& f) { patch(f, 18, "\2\2"); },
+     "was changed by another program", isA<eds_DamagedFileException>},
     {"view for table",
      [](const fs::path& f) {
        runSql(f, "DROP TABLE part; CREATE VIEW part AS SELECT 1 AS id, 'x' AS name");
@@ -115,6 +179,7 @@ TEST(File, RefusesWhatItCannotRead) {
     try {
       const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
       eds_ModelReader(document).Kinds();
+      eds_checkRecords(document);
       ADD_FAILURE() << refusal.name << ": opened";
     } catch (const eds_Exception& fault) {
       const std::string text = fault.what();
@@ -192,6 +257,7 @@ TEST(File, SurvivesDamagedBytes) {
           random() % (i % 2 == 0 ? std::min<uintmax_t>(size, 1 << 19) : size));
       patch(file, at, std::string(1 + random() % 8, static_cast<char>(random())));
     }
+    if (round % 2 == 0) stampPages(file);
     try {
       noticed += !eds_checkModel(KvoObjDocument::Open(file, KvoAccess::ReadOnly)).empty();
     } catch (const eds_Exception&) {
@@ -229,6 +295,19 @@ TEST(File, OlderFilesReadAsUnsetAndGrowWhenChanged) {
   EXPECT_EQ(document.GetRecord(eds_RecordKind::Instance, 1).GetString(eds_Instance_Library),
             "old.sim");
   EXPECT_EQ(document.Context().GetRecords(eds_RecordKind::BulkShellLayers).size(), 1u);
+}
+
+TEST(File, FilesWithoutChecksumsAreReadAndGrow) {
+  const TemporaryFolder folder;
+  const fs::path file = folder / "m.sim";
+  makeModel(folder / "new.sim");
+  makeFormat1(folder / "new.sim", file);
+  for (const KvoAccess access : {KvoAccess::ReadWrite, KvoAccess::ReadOnly}) {
+    const KvoObjDocument document = KvoObjDocument::Open(file, access);
+    if (access == KvoAccess::ReadWrite) addRecord(document, 10);
+    EXPECT_EQ(document.Focus().MemberCount(eds_Member::Parts), 11);
+    EXPECT_EQ(eds_checkModel(document), eds_Faults());
+  }
 }
 
 TEST(File, ExistingOutputIsReplacedOnlyByAFinishedOne) {
