@@ -1,5 +1,7 @@
 #include "inpS/mesh/inpS_ElementCopies.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/keywords/inpS_BlankLine.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/mesh/inpS_ElcopyReader.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElgenReader.h"
@@ -21,6 +23,9 @@ constexpr long long kManyLabels = 1 << 16;
 void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& scope) {
   inpS_SetDefinition* set = m_sets.Open(keyword, scope, inpS_SetKind::Elements, "elset");
   inpS_ElgenReader reader(keyword, scope, m_nodes, m_elements, m_messages);
+  if (inpS_isBlank(keyword.Data()))
+    m_messages.AddWarning(inp_Utils::MessageInKeyword(
+        keyword, "There are no data lines; no elements are generated."));
   for (long long row = 0; row < keyword.Data().Rows(); ++row) {
     if (!reader.ReadLine(row)) continue;
     const long long first = m_elements.Size(scope.elementOccurrence);
@@ -33,7 +38,7 @@ void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& sc
 }
 
 void inpS_ElementCopies::Copy(const inp_Keyword& keyword, inpS_MeshScope& scope) {
-  const bool reflect = keyword.HasParameter("reflect");
+  const bool reflect = inpS_readFlag(keyword, "reflect", m_messages);
   const std::optional<long long> elementShift = ReadShift(keyword, "elementshift");
   const std::optional<long long> nodeShift = ReadShift(keyword, "shiftnodes");
   std::vector<int> old;

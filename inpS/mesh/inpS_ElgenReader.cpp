@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_ElgenReader.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
@@ -17,7 +18,8 @@ inpS_ElgenReader::inpS_ElgenReader(const inp_Keyword& keyword, const inpS_MeshSc
                                    const KvoObjLabeler& nodes, const KvoObjLabeler& elements,
                                    inp_Visitor& messages)
     : m_keyword(keyword), m_elements(elements), m_occurrence(scope.elementOccurrence),
-      m_old(scope, nodes), m_messages(messages), m_allNodes(keyword.HasParameter("allnodes")) {}
+      m_old(scope, nodes), m_messages(messages),
+      m_allNodes(inpS_readFlag(keyword, "allnodes", messages)) {}
 
 bool inpS_ElgenReader::Refuse(long long row, int col, cow_String text) {
   m_messages.AddError(inp_Utils::MessageAtField(

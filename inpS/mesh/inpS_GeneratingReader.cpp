@@ -40,11 +40,10 @@ bool inpS_GeneratingReader::HasValue(long long row, int col) const {
   return row < data.Rows() && col < data.Cols(row) && data.HasValue(row, col);
 }
 
-bool inpS_GeneratingReader::IsBlank(long long row) const {
-  const inp_DataArray& data = m_keyword->Data();
-  for (int col = 0, cols = data.Cols(row); col < cols; ++col)
-    if (data.HasValue(row, col)) return false;
-  return true;
+void inpS_GeneratingReader::TellNoLines() {
+  if (inpS_isBlank(m_keyword->Data()))
+    m_messages.AddWarning(inp_Utils::MessageInKeyword(
+        *m_keyword, "There are no data lines; no nodes are generated."));
 }
 
 void inpS_GeneratingReader::TellUnused(long long row, int fields) {

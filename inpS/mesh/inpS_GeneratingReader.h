@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/utl_Buffer.h"
+#include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/mesh/inpS_KnownNodes.h"
 #include "inpS/mesh/inpS_NodeGenerator.h"
 #include "parser/inp_Keyword.h"
@@ -26,7 +27,8 @@ protected:
   void Open(const inp_Keyword& keyword, const inpS_NodeSink& sink, inpS_SetDefinition* collection);
 
   // ---- one line's fields; false when there was something to report, which then was done
-  bool IsBlank(long long row) const;
+  bool IsBlank(long long row) const { return inpS_isBlank(m_keyword->Data(), row); }
+  void TellNoLines(); // warns of a keyword that has none but blank ones
   // Warn of what stands behind all that a keyword reads: fields of a line, lines.
   void TellUnused(long long row, int fields);
   void TellUnusedRows(long long row);

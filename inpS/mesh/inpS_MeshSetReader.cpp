@@ -2,6 +2,7 @@
 #include "database/KvoObjMesh.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/sets/inpS_ScopedField.h"
 #include "inpS/sets/inpS_SetReader.h"
@@ -53,9 +54,10 @@ void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
   const char* nameParameter = kind == inpS_SetKind::Nodes ? "nset" : "elset";
   const inp_Item* name = keyword.Find(nameParameter);
   keyword.Find("input"); // the parser has read that file's lines
-  const bool internal = keyword.HasParameter("internal");
-  const bool unsorted = kind == inpS_SetKind::Nodes && keyword.HasParameter("unsorted");
-  const bool generate = keyword.HasParameter("generate");
+  const bool internal = inpS_readFlag(keyword, "internal", m_messages);
+  const bool unsorted =
+      kind == inpS_SetKind::Nodes && inpS_readFlag(keyword, "unsorted", m_messages);
+  const bool generate = inpS_readFlag(keyword, "generate", m_messages);
   const inp_Item* ofElset = kind == inpS_SetKind::Nodes ? keyword.Find("elset") : nullptr;
   cow_String instance;
   const bool instanceKnown = FindInstance(keyword, scope, instance);

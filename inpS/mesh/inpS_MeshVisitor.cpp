@@ -5,6 +5,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElementStream.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
@@ -280,7 +281,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   keyword.Find("input"); // the parser has read that file's lines
   const inp_Item* file = keyword.Find("file");
   const inp_Item* elset = m_setReader.FindName(keyword, "elset");
-  const bool solidNumbering = keyword.HasParameter("solidelementnumbering");
+  const bool solidNumbering = inpS_readFlag(keyword, "solidelementnumbering", *this);
   const inp_Item* typeItem = keyword.Find("type");
   if (!typeItem || typeItem->AsString().empty()) {
     Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {"type"}));

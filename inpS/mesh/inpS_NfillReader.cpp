@@ -7,8 +7,14 @@
 void inpS_NfillReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sink,
                             inpS_SetDefinition* collection) {
   Open(keyword, sink, collection);
+  TellNoLines();
   for (long long row = 0; row < keyword.Data().Rows(); ++row)
-    if (!IsBlank(row)) ReadLine(row);
+    if (!IsBlank(row) && HasBothEnds(row)) ReadLine(row);
+}
+
+bool inpS_NfillReader::HasBothEnds(long long row) {
+  return Keyword().Data().Cols(row) > 1 ||
+         Fails(row, inpS_messageText(inpS_mesh_IncompleteData) + " Line ignored.");
 }
 
 void inpS_NfillReader::ReadLine(long long irow) {

@@ -18,6 +18,7 @@ public:
   void Read(const inp_Keyword& keyword, const inpS_NodeSink& sink, inpS_SetDefinition* collection);
 
 private:
+  bool HasBothEnds(long long row);
   void ReadLine(long long irow);
   bool Divide(long long row, long long intervals);
   void Biased(const cow_List<inpS_NodeValues>& a, const cow_List<inpS_NodeValues>& z,

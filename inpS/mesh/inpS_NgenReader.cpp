@@ -32,6 +32,7 @@ void inpS_NgenReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sink
   Open(keyword, sink, collection);
   if (m_line != "RC" && m_line != "C" && m_line != "P")
     utl_assertionFailed("\"Unknown *NGEN line type\" == 0");
+  TellNoLines();
   for (long long row = 0; row < keyword.Data().Rows(); ++row) {
     if (IsBlank(row)) continue;
     Line line;

@@ -91,6 +91,13 @@ bool inpS_NmapReader::ReadPoints(int count, long long& row) {
 
 bool inpS_NmapReader::ReadFactors(long long row) {
   if (!ReadPoint(row, 0, m_values)) return false;
+  if (m_type == "ROTATION" && !HasValue(row, 0))
+    Messages().AddWarning(inp_Utils::MessageInKeyword(
+        Keyword(), "The angle of the rotation is missing; the nodes stay where they are."));
+  const bool hasFactor = HasValue(row, 0) || HasValue(row, 1) || HasValue(row, 2);
+  if (m_type == "SCALE" && !hasFactor)
+    Messages().AddWarning(inp_Utils::MessageInKeyword(
+        Keyword(), "The factors of the scale are missing; the nodes stay where they are."));
   TellUnused(row, 3);
   TellUnusedRows(row + 1);
   for (int i = 0; i < 3; ++i) m_factors[i] = m_values[i] == 0 ? 1.0 : m_values[i];

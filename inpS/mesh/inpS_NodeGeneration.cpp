@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_NodeGeneration.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/mesh/inpS_NcopyReader.h"
 #include "inpS/mesh/inpS_NfillReader.h"
 #include "inpS/mesh/inpS_NgenReader.h"
@@ -128,7 +129,7 @@ void inpS_NodeGeneration::Nfill(const inp_Keyword& keyword) {
     if (!value.empty() && value != "1" && value != "2") return Refuse(keyword, "singular");
     singular = value == "2" ? Singular::Last : Singular::First;
   }
-  const bool twoStep = keyword.HasParameter("twostep");
+  const bool twoStep = inpS_readFlag(keyword, "twostep", m_messages);
   inpS_SetDefinition* set = m_sets.Open(keyword, m_scope, inpS_SetKind::Nodes, "nset");
   inpS_NfillReader reader(bias, twoStep, singular, m_threeDimensional, m_known, m_messages);
   reader.Read(keyword, SinkTo(set), set);
@@ -137,8 +138,8 @@ void inpS_NodeGeneration::Nfill(const inp_Keyword& keyword) {
 void inpS_NodeGeneration::Ncopy(const inp_Keyword& keyword) {
   inpS_NcopyReader::Options options;
   // One way of copying is taken; what the deck says of others is not asked for and so is told.
-  options.shift = keyword.HasParameter("shift");
-  options.pole = !options.shift && keyword.HasParameter("pole");
+  options.shift = inpS_readFlag(keyword, "shift", m_messages);
+  options.pole = !options.shift && inpS_readFlag(keyword, "pole", m_messages);
   if (!options.shift && !options.pole) {
     if (!keyword.HasParameter("reflect"))
       return m_messages.AddError(inp_Utils::MessageInKeyword(
@@ -185,6 +186,11 @@ void inpS_NodeGeneration::Nmap(const inp_Keyword& keyword) {
               "ROTATION", "SCALE"}) ||
       !Takes(keyword, "definition", definition, {"COORDINATES", "NODES"}))
     return;
+  if (type->AsString() == "SCALE" && keyword.Data().Rows() < 2)
+    return m_messages.AddError(inp_Utils::MessageInKeyword(
+        keyword, inpS_messageText(inpS_mesh_IncompleteData) +
+                     " A scale takes a line with its point and one with its factors; no nodes are "
+                     "mapped."));
   inpS_NmapReader reader(type->AsString(), std::move(definition), std::move(nodes), m_known,
                          m_messages);
   reader.Read(keyword, SinkTo(nullptr));

@@ -69,7 +69,9 @@ void inpS_SurfaceCombiner::ReadOperands(Entry& entry) {
   entry.good =
       numbers.ReadPoints(inpS_pointLinesOf(entry.surface.Type(), operation), 1, row, entry.box) &&
       numbers.CheckBox(row - 1, entry.box) && entry.good;
-  if (entry.good) entry.surface.SetPoints(entry.box);
+  if (!entry.good) return;
+  numbers.TellUnused(row);
+  entry.surface.SetPoints(entry.box);
 }
 
 void inpS_SurfaceCombiner::CheckCount(Entry& entry) {
@@ -131,13 +133,22 @@ bool inpS_SurfaceCombiner::CheckTypes(Entry& entry) {
   const Type type = KvoObjSurface(entry.operands[0].found.set).Type();
   const bool said = entry.keyword.HasParameter("type");
   const Type wanted = said ? entry.surface.Type() : type;
+  const auto isMade = [](Type some) { return some == Type::Element || some == Type::Node; };
+  if (said && !isMade(wanted)) {
+    entry.good = false;
+    m_visitor.AddError(inp_Utils::MessageAtParameter(
+        entry.keyword, "type",
+        "COMBINE and CROP make surfaces of elements or of nodes; this one stays empty."));
+    return false;
+  }
   for (const Operand& operand : entry.operands) {
     const Type other = KvoObjSurface(operand.found.set).Type();
-    if (other == wanted && (other == Type::Element || other == Type::Node)) continue;
-    Fault(entry, operand,
-          other == Type::Element || other == Type::Node
-              ? "Surfaces of elements and surfaces of nodes cannot be combined."
-              : "This surface has neither faces of elements nor nodes to be combined.");
+    if (other == wanted && isMade(other)) continue;
+    const char* const fault =
+        !isMade(other) ? "This surface has neither faces of elements nor nodes to be combined."
+        : said         ? "This surface is not of the type that the combined one is said to have."
+                       : "Surfaces of elements and surfaces of nodes cannot be combined.";
+    Fault(entry, operand, fault);
     return false;
   }
   if (wanted != entry.surface.Type()) {

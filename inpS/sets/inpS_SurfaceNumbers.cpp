@@ -1,4 +1,5 @@
 #include "inpS/sets/inpS_SurfaceNumbers.h"
+#include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
@@ -10,12 +11,6 @@ namespace {
 
 constexpr double kCoincident = 1e-6;      // of the largest coordinate
 constexpr double kRadiusTolerance = 1e-3; // of the radius; decks give few digits
-
-bool isBlank(const inp_DataArray& data, long long row) {
-  for (int col = 0, cols = data.Cols(row); col < cols; ++col)
-    if (data.HasValue(row, col)) return false;
-  return true;
-}
 
 double distance(const double* a, const double* b) {
   return std::hypot(b[0] - a[0], b[1] - a[1], b[2] - a[2]);
@@ -53,7 +48,7 @@ bool inpS_SurfaceNumbers::ReadPoints(const inpS_PointLines& lines, int optionalL
                                      long long& row, cow_List<double>& coordinates) {
   const inp_DataArray& data = m_keyword.Data();
   for (int n = 0; n < lines.lines; ++n) {
-    if (row >= data.Rows() || isBlank(data, row)) {
+    if (row >= data.Rows() || inpS_isBlank(data, row)) {
       if (n >= lines.lines - optionalLines) return true;
       return Fault(row, inpS_messageText(inpS_mesh_IncompleteData));
     }
@@ -63,6 +58,14 @@ bool inpS_SurfaceNumbers::ReadPoints(const inpS_PointLines& lines, int optionalL
     ++row;
   }
   return true;
+}
+
+void inpS_SurfaceNumbers::TellUnused(long long row) {
+  const inp_DataArray& data = m_keyword.Data();
+  while (row < data.Rows() && inpS_isBlank(data, row)) ++row;
+  if (row < data.Rows())
+    m_messages.AddWarning(inp_Utils::MessageAtRow(
+        m_keyword, row, "This line and those behind it have no meaning here; not used."));
 }
 
 bool inpS_SurfaceNumbers::CheckPoints(eds_SurfaceType type, const cow_List<double>& points) {
@@ -106,7 +109,7 @@ bool inpS_SurfaceNumbers::ReadSegments(long long row, bool aroundAxis, cow_List<
   const std::span<const inpS_SegmentRow> kinds = inpS_segmentRows();
   cow_List<long long> rows; // the data row of each segment
   for (; row < data.Rows(); ++row) {
-    if (isBlank(data, row)) continue;
+    if (inpS_isBlank(data, row)) continue;
     const cow_String word = data.AsString(row, 0);
     const auto kind = std::find_if(kinds.begin(), kinds.end(), [&](const inpS_SegmentRow& known) {
       return known.word == word;

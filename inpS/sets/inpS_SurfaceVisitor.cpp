@@ -95,7 +95,8 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (!name || name->AsString().empty())
     return Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {"name"}));
   if (Owner().IsNull()) return keyword.ReferAll(); // its part or instance was refused
-  const bool internal = keyword.HasParameter("internal");
+  const bool internal = inpS_KeywordParameterReader::GetParameterBoolValue(
+      keyword, "internal", keyword.HasParameter("internal"));
   Operation operation = Operation::Defined;
   if (!ReadOperation(keyword, operation) || !IsFree(keyword, name->AsString(), internal)) {
     keyword.ReferAll();
@@ -128,7 +129,9 @@ bool inpS_SurfaceVisitor::ReadOperation(const inp_Keyword& keyword, Operation& o
       Reader::CheckMutuallyExclusiveParameters(keyword, "combine", "crop", false);
   if (way.empty()) return true;
   if (way.find(',') != cow_String::npos) {
-    Reader::ReportMutuallyExclusiveParameters(keyword, way, false);
+    AddError(inp_Utils::MessageAtParameter(keyword, "crop",
+                                           inpS_messageText(inpS_app_ExclusiveParameters, {way}) +
+                                               " The surface is left out."));
     return false;
   }
   const inpS_ParameterBinding& row = rowOf(way);
