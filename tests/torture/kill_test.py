@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Kills `inps convert` with SIGKILL at random moments and looks at the files that are left: of a
-fresh model, of one that replaces an older one by --force, and of --restart into a new model.
+fresh model, of one that replaces an older one by --force, and of --restart into a new model and into
+the place of its base.
 
 An older model must be the old one or the whole new one, and the base of a restart what it was; a
 restart's target is absent or whole. Of a fresh model:
@@ -213,6 +214,37 @@ def torture_restart(words, folder):
     return faults
 
 
+def torture_restart_in_place(words, folder):
+    """--force puts the new model in the place of its own base: it is the old one or the new one."""
+    deck, base, saved = folder / "deck.inp", folder / "base.sim", folder / "saved.sim"
+    more, model, new = folder / "more.inp", folder / "model.sim", folder / "written.inp"
+    write_deck(deck)
+    more.write_text("".join(f"*DESIGN PARAMETER\nNEXT{i}, LATER{i}\n" for i in range(TEXTS)))
+    calibrate(words.program, deck, base)
+    saved.write_bytes(base.read_bytes())
+    whole = calibrate(words.program, more, model, "--restart", base)
+    wanted, fault = written(words.program, model, new)
+    if fault:
+        return [f"the whole restart: {fault}"]
+    moments = random.Random(words.seed + 3)
+    faults, counts = [], [0, 0]
+    for number in range(words.kills):
+        clean(folder, more, saved)
+        base.write_bytes(saved.read_bytes())
+        moment = moments.uniform(0, 1.05 * whole)
+        kill(moment, start(words.program, more, base, "--force", "--restart", base))
+        if base.read_bytes() == saved.read_bytes():
+            counts[0] += 1
+            continue
+        text, fault = written(words.program, base, new)
+        if fault or text != wanted:
+            faults.append(f"restart in place, kill {number} after {moment:.4f} s: "
+                          f"{fault or 'another model'}")
+        counts[1] += 1
+    print(f"restart in place: the old model {counts[0]} times, the new one {counts[1]} times")
+    return faults
+
+
 def torture_fresh(words, folder):
     deck, model = folder / "deck.inp", folder / "model.sim"
     write_deck(deck)
@@ -246,7 +278,7 @@ def main():
     parser.add_argument("--seed", type=int, default=random.randrange(10 ** 6))
     words = parser.parse_args()
     faults = []
-    for torture in torture_fresh, torture_replacing, torture_restart:
+    for torture in torture_fresh, torture_replacing, torture_restart, torture_restart_in_place:
         with tempfile.TemporaryDirectory(prefix="inps-torture-") as folder:
             faults += torture(words, pathlib.Path(folder))
     for fault in faults:
