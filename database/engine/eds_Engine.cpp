@@ -93,6 +93,8 @@ void eds_Engine::ApplyMode() {
     break;
   case eds_OpenMode::ReadOnly:
     Execute("PRAGMA query_only = ON");
+    // All that is read belongs together: nobody changes the file in between.
+    Execute("BEGIN");
     break;
   }
 }

@@ -267,6 +267,14 @@ TEST(File, SurvivesDamagedBytes) {
   EXPECT_GT(noticed, 140);
 }
 
+TEST(File, NobodyChangesWhatIsBeingRead) {
+  const TemporaryFolder folder;
+  makeModel(folder / "m.sim");
+  const KvoObjDocument reader = KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadOnly);
+  EXPECT_THROW(runSql(folder / "m.sim", "DELETE FROM link"), eds_FileAccessException);
+  EXPECT_EQ(reader.Focus().MemberCount(eds_Member::Parts), 10);
+}
+
 // A file of an older version: a table and a column that came later are not in it.
 TEST(File, OlderFilesReadAsUnsetAndGrowWhenChanged) {
   const TemporaryFolder folder;
