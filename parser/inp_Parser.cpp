@@ -52,7 +52,8 @@ struct inp_Parser::Impl {
   cow_List<wip_Message> warnings{};
 
   inp_KeywordReader reader{syntaxErrors, warnings};
-  inp_ScopeTracker scopes{syntaxErrors};
+  cow_List<wip_Message> scopeErrors{};
+  inp_ScopeTracker scopes{scopeErrors};
   inp_SuboptionChain chain{};
   inp_KeywordList keywords{};
 
@@ -71,6 +72,7 @@ struct inp_Parser::Impl {
   void KeepComments(const inp_DeckText& text, inp_KeywordBody& body) const;
   void Begin(const std::shared_ptr<inp_KeywordBody>& body);
   void End();
+  void TellScopeErrors();
   void ReportHeadless(const inp_DataSegment& segment);
   void Include(const inp_KeywordBody& include);
   void TakeDataFile(inp_KeywordBody& body);
@@ -113,6 +115,7 @@ inp_KeywordList inp_Parser::Parse(bool expectFile) {
   m_impl->ParseText(root);
   m_impl->End();
   m_impl->scopes.Finish();
+  m_impl->TellScopeErrors();
   const bool nothingSaid = m_impl->fileErrors.empty() && m_impl->syntaxErrors.empty();
   if (m_impl->keywords.empty() && nothingSaid) {
     wip_Message message("the deck holds no keyword");
@@ -220,9 +223,17 @@ void inp_Parser::Impl::Begin(const std::shared_ptr<inp_KeywordBody>& body) {
   if (body->name.empty()) return; // reported; its data lines go with it
   if (keepComments) KeepComments(*body->text, *body);
   const inp_ScopePtr scope = scopes.Enter(body);
+  TellScopeErrors();
   keywords.emplace_back(body, scope);
   if (attachSuboptions) chain.Attach(keywords.back());
   TakeDataFile(*body);
+}
+
+// What is missing of a file may be the very line that opens or closes a scope.
+void inp_Parser::Impl::TellScopeErrors() {
+  if (fileErrors.empty())
+    syntaxErrors.insert(syntaxErrors.end(), scopeErrors.begin(), scopeErrors.end());
+  scopeErrors.clear();
 }
 
 void inp_Parser::Impl::End() {

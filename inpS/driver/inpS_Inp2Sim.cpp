@@ -28,16 +28,13 @@ bool inpS_Inp2Sim::Parse() {
   inp_Parser parser(m_deckPath, m_directory, {}, "", true, true, false);
   m_keywords = parser.Parse(true);
   wip_WIPBase& host = wip_WIPBase::Instance();
-  // Faults of the text leave keywords behind, so that a host may look for what else there is;
-  // without one of its files a deck tells nothing.
+  // All that the text tells is told in one run. Its faults leave keywords behind, so that a host
+  // may look for what else there is; without one of its files a deck's model tells nothing.
   if (!parser.FileErrors().empty()) m_keywords.clear();
-  for (const auto* errors : {&parser.FileErrors(), &parser.SyntaxErrors()}) {
-    if (errors->empty()) continue;
-    host.ErrorList(*errors, 1);
-    return false;
-  }
+  for (const auto* errors : {&parser.FileErrors(), &parser.SyntaxErrors()})
+    if (!errors->empty()) host.ErrorList(*errors, 1);
   if (!parser.Warnings().empty()) host.WarningList(parser.Warnings());
-  return true;
+  return parser.FileErrors().empty() && parser.SyntaxErrors().empty();
 }
 
 bool inpS_Inp2Sim::CheckUtf8Compliance() {

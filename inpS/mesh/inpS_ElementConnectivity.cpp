@@ -131,14 +131,16 @@ void inpS_ElementConnectivity::Resolve(const KvoObjLabeler& nodes, int occurrenc
                                        const KvoObjLabeler& elements, int elementOccurrence,
                                        inp_Visitor& messages) {
   CloseLast();
+  Unresolved unresolved;
   for (inpS_ElementBlock& block : m_blocks) {
     if (block.held)
       ResolveHeld(block, nodes, occurrence);
     else
       ResolveOpen(block, nodes, occurrence);
-    ReportOpen(block, elements, elementOccurrence, messages);
+    GatherOpen(block, elements, elementOccurrence, unresolved, messages);
     block.open = {};
   }
+  unresolved.Report(messages);
 }
 
 // Entry by entry in blocks that stay in the cache, so that random look-ups do not stall a scan.
@@ -195,14 +197,38 @@ void inpS_ElementConnectivity::ResolveOpen(inpS_ElementBlock& block, const KvoOb
   block.open.resize(left);
 }
 
-void inpS_ElementConnectivity::ReportOpen(const inpS_ElementBlock& block,
+void inpS_ElementConnectivity::Unresolved::Report(inp_Visitor& messages) {
+  const auto report = [&](int node, cow_String text) {
+    const inpS_ElementSearch search(from->keyword, from->form);
+    auto at = search.OfNode(node);
+    if (at.row < 0 && node == -1) at = search.OfNode(0); // held apart from nodes not there
+    messages.AddError(inp_Utils::MessageAtField(from->keyword, at.row, at.col, std::move(text)));
+  };
+  if (!unknown.empty())
+    report(firstUnknown,
+           inp_Utils::MessageWithItems("Elements refer to nodes that do not exist: ",
+                                       cow_List<int>(unknown.begin(), unknown.end())));
+  if (!faulty.empty())
+    report(firstFaulty, inpS_messageText(inpS_mesh_ConnectivityNotPositive,
+                                         {inp_Utils::MessageWithItems(
+                                             "", cow_List<int>(faulty.begin(), faulty.end()))}));
+  unknown.clear();
+  faulty.clear();
+}
+
+// One keyword may make elements of several blocks, which then follow each other.
+void inpS_ElementConnectivity::GatherOpen(const inpS_ElementBlock& block,
                                           const KvoObjLabeler& elements, int elementOccurrence,
-                                          inp_Visitor& messages) const {
+                                          Unresolved& unresolved, inp_Visitor& messages) const {
   std::size_t next = 0;
   for (std::size_t n = 0; n < block.from.size() && next < block.open.size(); ++n) {
     const long long end = n + 1 < block.from.size() ? block.from[n + 1].firstElement : block.count;
-    std::set<int> unknown, faulty;
-    int firstUnknown = 0, firstFaulty = 0;
+    if (block.open[next].entry >= end * block.width) continue;
+    const inpS_ElementBlock::From& from = block.from[n];
+    if (unresolved.from && unresolved.from->keyword.Body() != from.keyword.Body())
+      unresolved.Report(messages);
+    unresolved.from = &from;
+    auto& [at, unknown, faulty, firstUnknown, firstFaulty] = unresolved;
     for (; next < block.open.size() && block.open[next].entry < end * block.width; ++next) {
       const auto& [entry, label] = block.open[next];
       const long long element = block.first + entry / block.width;
@@ -214,21 +240,6 @@ void inpS_ElementConnectivity::ReportOpen(const inpS_ElementBlock& block,
         faulty.insert(elements.GetInstanceLabel(elementOccurrence, element));
       }
     }
-    const auto report = [&](int node, cow_String text) {
-      const inp_Keyword& keyword = block.from[n].keyword;
-      const inpS_ElementSearch search(keyword, block.from[n].form);
-      auto at = search.OfNode(node);
-      if (at.row < 0 && node == -1) at = search.OfNode(0); // held apart from nodes not there
-      messages.AddError(inp_Utils::MessageAtField(keyword, at.row, at.col, std::move(text)));
-    };
-    if (!unknown.empty())
-      report(firstUnknown,
-             inp_Utils::MessageWithItems("Elements refer to nodes that do not exist: ",
-                                         cow_List<int>(unknown.begin(), unknown.end())));
-    if (!faulty.empty())
-      report(firstFaulty, inpS_messageText(inpS_mesh_ConnectivityNotPositive,
-                                           {inp_Utils::MessageWithItems(
-                                               "", cow_List<int>(faulty.begin(), faulty.end()))}));
   }
 }
 

@@ -90,8 +90,17 @@ private:
   void CloseLast();
   void ResolveHeld(inpS_ElementBlock& block, const KvoObjLabeler& nodes, int occurrence);
   void ResolveOpen(inpS_ElementBlock& block, const KvoObjLabeler& nodes, int occurrence);
-  void ReportOpen(const inpS_ElementBlock& block, const KvoObjLabeler& elements,
-                  int elementOccurrence, inp_Visitor& messages) const;
+  // What the elements of one keyword refer to and nobody has.
+  struct Unresolved {
+    const inpS_ElementBlock::From* from = nullptr;
+    std::set<int> unknown; // labels of nodes
+    std::set<int> faulty;  // elements with labels that no node can have
+    int firstUnknown = 0;
+    int firstFaulty = 0;
+    void Report(inp_Visitor& messages); // and is empty then
+  };
+  void GatherOpen(const inpS_ElementBlock& block, const KvoObjLabeler& elements,
+                  int elementOccurrence, Unresolved& unresolved, inp_Visitor& messages) const;
 
   cow_List<inpS_ElementBlock> m_blocks;
   std::optional<eds_ArrayWriter> m_writer; // of the last block

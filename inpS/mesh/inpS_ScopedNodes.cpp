@@ -18,7 +18,16 @@ public:
   }
   void AddNode(const inpS_ScopedNode& node) { m_nodes.push_back(&node); }
 
-  void Report(const inp_Keyword& keyword, inp_Visitor& messages) {
+  // What follows is of this keyword; what another one named is told. One keyword may make elements
+  // of several blocks, which follow each other.
+  void Open(const inp_Keyword& keyword, inp_Visitor& messages) {
+    if (m_keyword && m_keyword->Body() != keyword.Body()) Report(messages);
+    m_keyword = &keyword;
+  }
+
+  void Report(inp_Visitor& messages) {
+    if (!m_keyword) return;
+    const inp_Keyword& keyword = *m_keyword;
     for (const inpS_ScopedNode* node : m_instances)
       messages.AddError(inp_Utils::MessageAtField(
           keyword, node->row, node->col,
@@ -35,16 +44,17 @@ public:
   }
 
 private:
+  const inp_Keyword* m_keyword = nullptr;
   cow_List<const inpS_ScopedNode*> m_instances; // the first that names each
   cow_List<const inpS_ScopedNode*> m_nodes;
 };
 
 void resolve(inpS_ElementBlock& block, inpS_MeshScopes& scopes, const KvoObjLabeler& nodes,
-             inp_Visitor& messages) {
-  Missing missing;
+             Missing& missing, inp_Visitor& messages) {
   auto node = block.scoped.begin();
   for (std::size_t n = 0; n < block.from.size() && node != block.scoped.end(); ++n) {
     const long long end = n + 1 < block.from.size() ? block.from[n + 1].firstElement : block.count;
+    missing.Open(block.from[n].keyword, messages);
     for (; node != block.scoped.end() && node->element < end; ++node) {
       const inpS_MeshScope* instance = scopes.FindInstance(node->instance);
       if (!instance) {
@@ -59,7 +69,6 @@ void resolve(inpS_ElementBlock& block, inpS_MeshScopes& scopes, const KvoObjLabe
       block.nodes[static_cast<std::size_t>(node->element * block.width + node->index)] =
           static_cast<int>(instance->nodeBase + ordinal);
     }
-    missing.Report(block.from[n].keyword, messages);
   }
 }
 
@@ -67,6 +76,8 @@ void resolve(inpS_ElementBlock& block, inpS_MeshScopes& scopes, const KvoObjLabe
 
 void inpS_resolveScopedNodes(inpS_MeshScopes& scopes, const KvoObjLabeler& nodes,
                              inp_Visitor& messages) {
+  Missing missing;
   for (inpS_ElementBlock& block : scopes.Root().elements.Blocks())
-    resolve(block, scopes, nodes, messages);
+    resolve(block, scopes, nodes, missing, messages);
+  missing.Report(messages);
 }

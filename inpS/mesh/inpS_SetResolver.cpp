@@ -146,6 +146,7 @@ void inpS_SetResolver::ResolveFirst(const inpS_MeshScope& scope, const inpS_SetD
 void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinition& set) {
   Gathered gathered;
   for (const Entry& entry : set.entries) AddEntry(scope, set, entry, gathered);
+  ReportUndefined();
   ReportMissing(set, gathered);
   if (gathered.unread)
     m_messages.AddError(inp_Utils::MessageInKeyword(
@@ -160,10 +161,32 @@ void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinit
 inpS_MeshScope* inpS_SetResolver::InstanceOf(const inpS_SetDefinition& set, const Entry& entry,
                                              bool report) {
   inpS_MeshScope* instance = m_scopes.FindInstance(entry.instance);
-  if (!instance && report)
-    ReportEntry(set, entry,
-                inp_Utils::Format("Instance %s is not defined.", entry.instance.c_str()));
+  if (!instance && report) NoteUndefined(set, entry);
   return instance;
+}
+
+void inpS_SetResolver::NoteUndefined(const inpS_SetDefinition& set, const Entry& entry) {
+  long long count = 1;
+  if (entry.kind == Entry::Kind::Labels) count = static_cast<long long>(entry.labels.Size());
+  if (entry.kind == Entry::Kind::Range) count = entry.count;
+  const auto [known, isNew] =
+      m_undefinedAt.try_emplace({entry.keyword, entry.instance}, m_undefined.size());
+  if (isNew)
+    m_undefined.push_back({&set, &entry, count});
+  else
+    m_undefined[known->second].count += count;
+}
+
+void inpS_SetResolver::ReportUndefined() {
+  for (const Undefined& undefined : m_undefined) {
+    cow_String text =
+        inp_Utils::Format("Instance %s is not defined.", undefined.entry->instance.c_str());
+    if (undefined.count > 1)
+      text += " The " + std::to_string(undefined.count) + " entries that name it are left out.";
+    ReportEntry(*undefined.set, *undefined.entry, std::move(text));
+  }
+  m_undefined.clear();
+  m_undefinedAt.clear();
 }
 
 inpS_SetResolver::Target inpS_SetResolver::Find(const inpS_MeshScope& scope, inpS_SetKind kind,

@@ -2,6 +2,7 @@
 
 #include "database/eds_MemberSet.h"
 #include "inpS/mesh/inpS_MeshScope.h"
+#include <map>
 #include <unordered_map>
 
 class KvoObjLabeler;
@@ -41,6 +42,11 @@ private:
     std::size_t nextEntry = 0;
   };
   struct Gathered;
+  struct Undefined { // an instance that nobody defined, named by one keyword of a set
+    const inpS_SetDefinition* set;
+    const inpS_SetEntry* entry; // the first one
+    long long count;
+  };
 
   inpS_MeshScope* InstanceOf(const inpS_SetDefinition& set, const inpS_SetEntry& entry,
                              bool report);
@@ -59,6 +65,8 @@ private:
                   Gathered& gathered) const;
   void AddNodesKnown(const inpS_MeshScope& scope, const eds_MemberSet& elements,
                      Gathered& gathered);
+  void NoteUndefined(const inpS_SetDefinition& set, const inpS_SetEntry& entry);
+  void ReportUndefined();
   void ReportMissing(const inpS_SetDefinition& set, Gathered& gathered);
   void ReportEntry(const inpS_SetDefinition& set, const inpS_SetEntry& entry, cow_String text);
 
@@ -68,5 +76,7 @@ private:
   inp_Visitor& m_messages;
   bool m_underway = false;
   bool m_leftOut = false;
+  cow_List<Undefined> m_undefined;                                 // of the set at hand
+  std::map<std::pair<int, cow_String>, std::size_t> m_undefinedAt; // by keyword and instance
   std::unordered_map<const inpS_SetDefinition*, Result> m_results; // a set belongs to one scope
 };
