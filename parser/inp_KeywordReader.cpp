@@ -72,15 +72,19 @@ inp_KeywordReader::Result inp_KeywordReader::Read(const inp_DeckTextPtr& text, c
   Line name = line;
   name.end = std::min(line.end, line.begin + longestLine);
   ReadName(name);
+  const bool tooLong = IsTooLong(line);
   line.begin = name.begin;
-  CheckReturns(line);
-  bool goesOn = line.begin != line.end && !IsTooLong(line) && ReadParameters(line);
-  m_body->end = firstEnd;
+  if (!tooLong) CheckReturns(line);
+  bool goesOn = !tooLong && line.begin != line.end && ReadParameters(line);
+  m_body->end = tooLong ? name.begin : firstEnd; // nobody may work on gigabytes of damage
   m_result.lines = 1;
   m_result.next = firstEnd == m_textEnd ? firstEnd : firstEnd + 1;
   while (goesOn && FindContinuation(line)) {
+    goesOn = !IsTooLong(line);
+    if (!goesOn) break;
+    m_body->end = line.end;
     CheckReturns(line);
-    goesOn = !IsTooLong(line) && ReadParameters(line);
+    goesOn = ReadParameters(line);
   }
   m_body = nullptr;
   return std::move(m_result);
@@ -274,7 +278,6 @@ bool inp_KeywordReader::FindContinuation(Line& line) {
     m_result.lines += lines;
     m_result.comments += comments;
     m_result.next = next;
-    m_body->end = feed;
     return true;
   }
   return false;

@@ -69,6 +69,8 @@ struct inp_Parser::Impl {
   void ParseKeyword(const inp_DeckTextPtr& text, const inp_Structure& found, std::size_t mark);
   void AddData(const inp_DeckTextPtr& text, const inp_Structure& found, std::size_t nextMark,
                const char* begin, long long line, long long commentsBefore);
+  void AddSegment(inp_DataSegment segment, long long lines, long long comments);
+  void ReportUnread(const inp_DeckText& text, const inp_UnreadText& unread);
   void KeepComments(const inp_DeckText& text, inp_KeywordBody& body) const;
   void Begin(const std::shared_ptr<inp_KeywordBody>& body);
   void End();
@@ -183,26 +185,59 @@ void inp_Parser::Impl::ParseKeyword(const inp_DeckTextPtr& text, const inp_Struc
           at.commentsBefore + read.comments);
 }
 
-// The lines from begin to the next keyword belong to the keyword that is open, wherever it stands.
-// line counts from 0.
+// The lines from begin to the next keyword belong to the keyword that is open, wherever it stands;
+// what is not to be read is left out. line counts from 0.
 void inp_Parser::Impl::AddData(const inp_DeckTextPtr& text, const inp_Structure& found,
                                std::size_t nextMark, const char* begin, long long line,
                                long long commentsBefore) {
   const inp_KeywordMark* next = nextMark < found.marks.size() ? &found.marks[nextMark] : nullptr;
-  const long long lines = (next ? next->line : found.lines) - line;
-  const long long comments = (next ? next->commentsBefore : found.comments) - commentsBefore;
-  if (lines <= comments) return;
   inp_DataSegment segment;
   segment.text = text;
-  segment.begin = begin;
-  segment.end = next ? inp_lineBegin(next->at, text->Begin()) : text->End();
-  segment.firstLine = line + 1;
-  segment.rows = lines - comments;
   segment.ascii = nextMark == 0 ? found.ascii : found.marks[nextMark - 1].ascii;
+  const char* const end = next ? inp_lineBegin(next->at, text->Begin()) : text->End();
+  auto cut = std::lower_bound(
+      found.unread.begin(), found.unread.end(), begin,
+      [](const inp_UnreadText& unread, const char* from) { return unread.begin < from; });
+  for (; cut != found.unread.end() && cut->begin < end; ++cut) {
+    segment.begin = begin;
+    segment.end = cut->begin;
+    segment.firstLine = line + 1;
+    AddSegment(segment, cut->line - line, cut->commentsBefore - commentsBefore);
+    ReportUnread(*text, *cut);
+    begin = cut->end;
+    line = cut->line + cut->lines;
+    commentsBefore = cut->commentsBefore + cut->comments;
+  }
+  segment.begin = begin;
+  segment.end = end;
+  segment.firstLine = line + 1;
+  AddSegment(std::move(segment), (next ? next->line : found.lines) - line,
+             (next ? next->commentsBefore : found.comments) - commentsBefore);
+}
+
+// lines and comments: how many there are in the segment.
+void inp_Parser::Impl::AddSegment(inp_DataSegment segment, long long lines, long long comments) {
+  if (lines <= comments) return;
+  segment.rows = lines - comments;
   if (open)
     segments.push_back(std::move(segment));
   else
     ReportHeadless(segment);
+}
+
+void inp_Parser::Impl::ReportUnread(const inp_DeckText& text, const inp_UnreadText& unread) {
+  using Kind = inp_UnreadText::Kind;
+  if (unread.kind == Kind::LongComment) return;
+  const bool isBlank = unread.kind == Kind::BlankLines;
+  wip_Message message;
+  message.text =
+      isBlank ? std::to_string(unread.lines) + " blank lines one after another, which are left out"
+              : "a data line of " + std::to_string(unread.size) +
+                    " bytes, which is not read; a data line may have " +
+                    std::to_string(inp_longestDataLine);
+  if (open) message.keyword = inp_printable(open->name, 80);
+  message.place = text.PlaceInLine(unread.begin, unread.begin, 1, unread.line + 1);
+  (isBlank ? warnings : syntaxErrors).push_back(std::move(message));
 }
 
 // Blank lines may stand before the first keyword; anything else there belongs to nothing.

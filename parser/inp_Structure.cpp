@@ -8,7 +8,7 @@
 namespace {
 
 constexpr std::size_t pieceSize = 4 * 1024 * 1024;
-constexpr std::size_t splitFrom = 4 * pieceSize; // smaller texts are read in one go
+constexpr std::size_t splitFrom = 2 * pieceSize; // smaller texts are read in one go
 
 // The pass over one piece of a text. Lines and comments of its marks count from the piece's start.
 class PieceScan {
@@ -91,7 +91,7 @@ void append(inp_Structure& whole, inp_Structure& piece) {
   if (!whole.nul) whole.nul = piece.nul;
 }
 
-inp_Structure findInPieces(const inp_DeckText& text) {
+cow_List<inp_Structure> scanPieces(const inp_DeckText& text) {
   const std::size_t count = (text.Size() + pieceSize - 1) / pieceSize;
   cow_List<inp_Structure> pieces(count);
   utl_parallelFor(count, [&](std::size_t i) {
@@ -100,8 +100,26 @@ inp_Structure findInPieces(const inp_DeckText& text) {
     pieces[i] = PieceScan(text.Begin(), text.End(), begin, end).Run();
     text.Release(begin, end);
   });
+  return pieces;
+}
+
+inp_Structure findInPieces(const inp_DeckText& text) {
+  cow_List<inp_Structure> pieces = scanPieces(text);
+  cow_List<long long> lineFeeds;
+  std::size_t marks = 0;
+  for (const inp_Structure& piece : pieces) {
+    lineFeeds.push_back(piece.lines);
+    marks += piece.marks.size();
+  }
+  inp_UnreadTextFinder unread(text, pieceSize, lineFeeds);
   inp_Structure whole;
-  for (inp_Structure& piece : pieces) append(whole, piece);
+  whole.marks.reserve(marks);
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    unread.Look(i, whole.lines, whole.comments);
+    append(whole, pieces[i]);
+    pieces[i].marks = {};
+  }
+  whole.unread = unread.Found();
   return whole;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "parser/inp_DeckText.h"
+#include "parser/inp_UnreadText.h"
 
 // Where the keyword lines of a text stand and what lies between them, found in one fast pass that
 // neither splits nor converts anything. Pages of a large file leave memory behind the pass.
@@ -13,7 +13,8 @@ struct inp_KeywordMark {
 };
 
 struct inp_Structure {
-  cow_List<inp_KeywordMark> marks; // in order
+  cow_List<inp_KeywordMark> marks;   // in order
+  cow_List<inp_UnreadText> unread{}; // in order
   long long lines = 0;
   long long comments = 0;
   bool ascii = true;         // the same before the first mark

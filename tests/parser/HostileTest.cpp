@@ -24,6 +24,7 @@ TEST(Hostile, HugeKeywordLines) {
     ASSERT_EQ(parsed.errors.size(), 1u) << piece;
     EXPECT_NE(parsed.errors[0].text.find("a keyword line of 100000"), cow_String::npos);
     EXPECT_LT(parsed.errors[0].place.sourceLine.size(), 1000u);
+    EXPECT_LT(parsed.keywords.at(0).Text().size(), 100'000u);
     ASSERT_EQ(parsed.keywords.size(), 2u) << piece;
     EXPECT_EQ(parsed.keywords[0].Name(), "NSET");
     EXPECT_EQ(parsed.keywords[0].Data().Rows(), 1);
@@ -54,6 +55,76 @@ TEST(Hostile, ManyFieldsOnALine) {
   EXPECT_EQ(sum, 13LL * count);
   // Linear is a fraction of a second; were each field to cost its distance, it would be a minute.
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+// A data line beyond the limit is told and left out; what stands around it keeps its lines.
+TEST(Hostile, HugeDataLines) {
+  constexpr std::size_t limit = 8 * 1024 * 1024;
+  const cow_String before = "*NSET, NSET=A\n1\n** c\n", behind = "\n2\n** d\n3\n*NODE\n1\n";
+  const struct {
+    cow_String line;
+    const char* told;
+  } cases[] = {
+      {repeated("1,", limit / 2), ""},
+      {repeated("1,", limit / 2) + '2', "4:1 a data line of 8388609 bytes"},
+      {cow_String(5 * limit / 2, '"'), "4:1 a data line of 20971520 bytes"},
+      {cow_String(3 * limit, ' '), "4:1 a data line of 25165824 bytes"},
+      {cow_String(2 * limit, ' ') + "**" + cow_String(limit, ' '), nullptr},
+      {"**" + repeated("*,", limit), nullptr},
+      {cow_String(2 * limit, ' ') + "1*" + cow_String(limit, ' '), "4:1 a data line of 25165826"},
+  };
+  for (const auto& [line, told] : cases) {
+    const Parsed parsed(before + line + behind);
+    SCOPED_TRACE(line.size());
+    ASSERT_EQ(parsed.keywords.size(), 2u);
+    const bool isRead = told && !*told;
+    EXPECT_EQ(parsed.errors.size(), told && *told ? 1u : 0u);
+    if (!parsed.errors.empty()) {
+      EXPECT_EQ(shown(parsed.errors).find(told), 0u) << shown(parsed.errors);
+      EXPECT_NE(parsed.errors[0].text.find("8388608"), cow_String::npos);
+    }
+    const inp_DataArray& data = parsed.keywords[0].Data();
+    ASSERT_EQ(data.Rows(), isRead ? 4 : 3);
+    EXPECT_EQ(data.PlaceOfRow(data.Rows() - 1).line, 7);
+    EXPECT_EQ(data.AsInt(data.Rows() - 1, 0), 3);
+    EXPECT_EQ(data.AsInt(0, 0), 1);
+  }
+  const Parsed open(before + "1\n" + cow_String(2 * limit, '7'));
+  EXPECT_EQ(shown(open.errors).find("5:1 a data line of 16777216 bytes"), 0u);
+  EXPECT_EQ(open.keywords.at(0).Data().Rows(), 2);
+  const Parsed alone(cow_String(2 * limit, '7'));
+  EXPECT_EQ(shown(alone.errors).find("1:1 a data line of 16777216 bytes"), 0u);
+  const Parsed two(before + cow_String(2 * limit, '7') + "\n" + cow_String(2 * limit, '8') +
+                   behind);
+  EXPECT_EQ(two.errors.size(), 2u);
+  EXPECT_EQ(two.keywords.at(0).Data().Rows(), 3);
+  EXPECT_EQ(two.keywords.at(0).Data().PlaceOfRow(1).line, 6);
+}
+
+// Blank lines by the megabyte are told and left out, to the last line before what they surround.
+TEST(Hostile, EndlessBlankLines) {
+  constexpr std::size_t many = 20 * 1024 * 1024;
+  for (const cow_String& blank :
+       {cow_String("\n"), cow_String(" \r\n"), cow_String(99, ' ') + '\n'}) {
+    const std::size_t count = many / blank.size();
+    const cow_String blanks = repeated(blank, count);
+    const Parsed parsed("*NSET, NSET=A\n1\n" + blanks + "\t2\n" + blanks + "  ** c\n  *NODE\n1\n");
+    EXPECT_TRUE(parsed.errors.empty());
+    ASSERT_EQ(parsed.warnings.size(), 2u);
+    EXPECT_NE(parsed.warnings[0].text.find(" blank lines one after another"), cow_String::npos);
+    ASSERT_EQ(parsed.keywords.size(), 2u);
+    EXPECT_EQ(parsed.keywords[1].Line(), static_cast<long long>(2 * count + 5));
+    const inp_DataArray& data = parsed.keywords[0].Data();
+    EXPECT_LT(data.Rows(), static_cast<long long>(count)); // what is left lies around the borders
+    long long sum = 0, line = 0;
+    for (long long row = 0; row < data.Rows(); ++row) {
+      if (data.Cols(row) == 0) continue;
+      sum += data.AsInt(row, 0);
+      line = data.PlaceOfRow(row).line;
+    }
+    EXPECT_EQ(sum, 3);
+    EXPECT_EQ(line, static_cast<long long>(count + 3));
+  }
 }
 
 TEST(Hostile, FilesThatAreNoDecks) {
