@@ -2,13 +2,16 @@
 #include "base/utl_Assert.h"
 #include "inpS/keywords/inpS_ArrayDouble.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
+#include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/messages/inpS_MessageContainer.h"
 #include "parser/inp_BulkDecode.h"
 #include <algorithm>
 
 namespace {
 
-constexpr int mostDependencies = 100000; // beyond, the number is a slip of the pen
+// Beyond, the number is a slip of the pen: nobody numbers a thousand fields, and every row would be
+// filled up with zeros for them.
+constexpr int mostDependencies = 1000;
 
 int dependenciesOf(const inp_Keyword& keyword) {
   const inp_Item* item = keyword.Find("dependencies");
@@ -16,9 +19,10 @@ int dependenciesOf(const inp_Keyword& keyword) {
   const int count = item->AsInt();
   const bool whole = item->GetKind() == inp_Item::Kind::Integer;
   if (whole && count >= 0 && count <= mostDependencies) return count;
-  inpS_Message message(keyword, inpS_Message::Application, inpS_app_InvalidParameterValue);
-  message.AppendArg("dependencies");
-  inpS_MessageContainer::Instance().AddMessage(std::move(message));
+  inpS_MessageContainer::Instance().AddMessage(
+      inpS_Message(keyword, inpS_messageText(inpS_app_InvalidParameterValue, {"dependencies"}) +
+                                " It must be a whole number from 0 to " +
+                                std::to_string(mostDependencies) + "; it is read as 0."));
   return 0;
 }
 
@@ -77,6 +81,7 @@ bool inpS_KeywordDataTable::ReadAlikeRows() {
 void inpS_KeywordDataTable::Read(int firstColumn) {
   if (!m_keyword.Body()) utl_assertionFailed("m_keyword != 0");
   m_given.reset();
+  m_lines.clear();
   m_unread.clear();
   if (firstColumn == 0 && m_defaultDataCols.empty() && ReadAlikeRows()) {
     m_tempDependent = m_temperature && IsDependentOnColumn(m_dataColumns);
@@ -101,6 +106,7 @@ void inpS_KeywordDataTable::Read(int firstColumn) {
     const cow_List<double>& record =
         reader.ReadDoubleData(row, row == m_firstDataLine ? firstColumn : 0, minimum, cols);
     if (reader.RowsConsumed() == consumed) break;
+    if (linesPerRecord > 1) m_lines.push_back(row);
     row += reader.RowsConsumed() - consumed;
     AppendRecord(record, reader.Given());
   }
@@ -159,6 +165,25 @@ bool inpS_KeywordDataTable::IsDependentOnColumn(int col) const {
 bool inpS_KeywordDataTable::IsColumnSpecified(int row, int col) const {
   if (row < 0 || row >= NumRows() || col < 0 || col >= NumCols()) return false;
   return !m_given || m_given->At(index(row), index(col)) != 0;
+}
+
+inpS_KeywordDataTable::Place inpS_KeywordDataTable::PlaceOf(int row, int col) const {
+  const auto lineOf = [this](int n) {
+    return index(n) < m_lines.size() ? m_lines[index(n)] : m_firstDataLine + n;
+  };
+  const inp_DataArray& data = m_keyword.Data();
+  const long long end = row + 1 < NumRows() ? lineOf(row + 1) : data.Rows();
+  Place place{std::min(lineOf(row), data.Rows() - 1)};
+  int before = 0; // values on the lines passed
+  for (long long line = lineOf(row); line < end; ++line) {
+    int fields = data.Cols(line);
+    if (fields > 0 && data.IsNone(line, fields - 1)) --fields; // behind the last comma is none
+    fields = std::min(fields, inpS_KeywordDataArrayReader::mostFieldsPerLine);
+    if (col - before < fields) return {line, col - before};
+    before += fields;
+    if (m_lines.empty()) break;
+  }
+  return place;
 }
 
 // Columns keep their meaning by position: data, temperature, field variables. Whoever moves them

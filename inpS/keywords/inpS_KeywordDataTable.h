@@ -43,6 +43,13 @@ public:
   bool IsDependentOnColumn(int col) const;
   // Whether the deck gave this value: not padded, not an empty field.
   bool IsColumnSpecified(int row, int col) const;
+  bool IsWhole() const { return !m_given; } // every value was given
+  // Where the deck has the value, or where the row stands when it gave none there.
+  struct Place {
+    long long line = 0;
+    int field = -1; // not given
+  };
+  Place PlaceOf(int row, int col) const;
 
   void RemoveColumn(int colNum);
   void KeepColumns(std::span<const char> keep); // those whose mark is not 0
@@ -77,6 +84,7 @@ private:
   bool m_temperature = false;
   bool m_tempDependent = false;
   long long m_firstDataLine = 0;
+  cow_List<long long> m_lines; // where each row begins; empty: each is one line
   cow_List<int> m_defaultDataCols;
   cow_List<double> m_defaultDataVals;
   inpS_FlatTable<double> m_table;

@@ -25,6 +25,10 @@ public:
     m_at = end;
     return word;
   }
+  bool IsAtNumber() const {
+    return m_at < m_text.size() &&
+           (m_text[m_at] == '-' || (m_text[m_at] >= '0' && m_text[m_at] <= '9'));
+  }
   double Number() {
     double value = 0;
     const char* end = m_text.data() + m_text.size();
@@ -39,30 +43,38 @@ private:
   std::size_t m_at = 0;
 };
 
-void readBound(Scanner& scan, Column& column) {
-  if (scan.Take(">=")) {
-    column.low = scan.Number();
-  } else if (scan.Take(">")) {
-    column.low = scan.Number();
-    column.lowOpen = true;
-  } else if (scan.Take("<=")) {
-    column.high = scan.Number();
-  } else if (scan.Take("<")) {
-    column.high = scan.Number();
-    column.highOpen = true;
+constexpr std::string_view kStops = " )?<>+!"; // behind a name
+
+// One bound, a number or a column's name; false when there is none.
+bool readBound(Scanner& scan, Column& column) {
+  const bool low = scan.Take(">");
+  if (!low && !scan.Take("<")) return false;
+  const bool open = !scan.Take("=");
+  if (scan.IsAtNumber()) {
+    (low ? column.low : column.high) = scan.Number();
+    (low ? column.lowOpen : column.highOpen) = open;
+  } else {
+    (low ? column.lowColumn : column.highColumn) = scan.Word(kStops);
+    (low ? column.lowColumnOpen : column.highColumnOpen) = open;
   }
+  return true;
+}
+
+Column::Order readOrder(Scanner& scan) {
+  if (scan.Take("!")) return Column::Order::Any;
+  if (scan.Take("++")) return Column::Order::Rising;
+  return scan.Take("+") ? Column::Order::NotFalling : Column::Order::None;
 }
 
 Column readColumn(Scanner& scan) {
   using Role = Column::Role;
-  using Order = Column::Order;
   Column column;
   column.role = scan.Take("~") ? Role::Independent : scan.Take("=") ? Role::Dependent : Role::Plain;
-  column.name = column.tableName = scan.Word(" )?<>+");
+  column.name = column.tableName = scan.Word(kStops);
   column.optional = scan.Take("?");
-  readBound(scan, column);
-  readBound(scan, column);
-  column.order = scan.Take("++") ? Order::Rising : scan.Take("+") ? Order::NotFalling : Order::None;
+  while (readBound(scan, column)) {
+  }
+  column.order = readOrder(scan);
   column.fromZero = scan.Take("@0");
   return column;
 }

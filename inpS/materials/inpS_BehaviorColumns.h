@@ -9,20 +9,21 @@
 //   columns    := item { " " item }
 //   item       := column | "(" columns ")*" parameter [ "=" default ] [ ":" law ]
 //   column     := [ "~" | "=" ] name [ "?" ] { bound } [ order ]
-//   bound      := ( ">" | ">=" | "<" | "<=" ) number
-//   order      := ( "+" | "++" ) [ "@0" ]
+//   bound      := ( ">" | ">=" | "<" | "<=" ) ( number | name of a column before it )
+//   order      := ( "+" | "++" ) [ "@0" ] | "!"
 //
 // "~" marks what the row is given for and "=" what it gives, where the table holds them under their
 // names (its extra columns): one that no row of the deck gives is no column of the table, so that a
 // blank which stands for a default stays one. "?" marks a value that may be missing. Values of an
 // ordered column rise from row to row ("++"; "+": do not fall) as long as temperature and field
-// variables stay the same; "@0": the first of them is 0. A group is repeated as often as the
+// variables stay the same; "@0": the first of them is 0. What a row is given for rises by itself;
+// "!" marks where any order is meant, as in test data. A group is repeated as often as the
 // keyword's parameter says; the law "polynomial" stands for all C_ij with i + j from 1 to N.
 class inpS_BehaviorColumns {
 public:
   struct Column {
     enum class Role : unsigned char { Plain, Independent, Dependent };
-    enum class Order : unsigned char { None, NotFalling, Rising };
+    enum class Order : unsigned char { None, NotFalling, Rising, Any };
     cow_String name;      // numbered in a repeated group
     cow_String tableName; // as an extra column: numbered only behind a "_"
     Role role = Role::Plain;
@@ -34,6 +35,14 @@ public:
     double high = std::numeric_limits<double>::infinity();
     bool lowOpen = false;
     bool highOpen = false;
+    cow_String lowColumn; // another column that bounds it; empty: none
+    cow_String highColumn;
+    bool lowColumnOpen = false;
+    bool highColumnOpen = false;
+    bool IsBounded() const {
+      return low > -std::numeric_limits<double>::infinity() ||
+             high < std::numeric_limits<double>::infinity();
+    }
   };
   // The value of an integer parameter; the default where the keyword does not carry it.
   using Count = std::function<long long(const cow_String& parameter, long long absent)>;

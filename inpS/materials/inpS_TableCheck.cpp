@@ -1,4 +1,5 @@
 #include "inpS/materials/inpS_TableCheck.h"
+#include "base/utl_Assert.h"
 #include "base/utl_Number.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
@@ -16,26 +17,34 @@ cow_String text(double value) {
   return words;
 }
 
+using Order = Column::Order;
+
+bool isOrdered(const Column& column) {
+  return column.order == Order::NotFalling || column.order == Order::Rising;
+}
+
+// A row is a point: its state (temperature, then field variables, behind the values) and the
+// columns that it is given for. Tables are interpolated between points, so points rise: the last
+// field variable varies slowest, before it the others, the temperature, and fastest the columns.
 class Check {
 public:
   Check(const inp_Keyword& keyword, const inpS_KeywordDataTable& table,
         const cow_List<Column>& columns, inp_Visitor& messages)
       : m_keyword(keyword), m_table(table), m_columns(columns), m_messages(messages),
-        m_linesPerRow(std::max(1, (table.NumCols() + 7) / 8)) {}
+        m_state(Number(columns.size())) {}
 
   void Run() {
     CheckLengths();
     for (std::size_t n = 0; n < m_columns.size(); ++n) {
       const Column& column = m_columns[n];
-      if (column.low != -kInfinity || column.high != kInfinity) CheckRange(column, Number(n));
-      if (column.order != Column::Order::None) CheckOrder(column, Number(n));
+      if (column.IsBounded()) CheckRange(column, Number(n));
+      if (!column.lowColumn.empty()) CheckRelation(column, Number(n), column.lowColumn, true);
+      if (!column.highColumn.empty()) CheckRelation(column, Number(n), column.highColumn, false);
+      if (isOrdered(column)) CheckOrder(column, Number(n));
       if (column.fromZero) CheckFirst(column, Number(n));
     }
-    const auto isPlain = [](const Column& column) {
-      return column.order == Column::Order::None && column.role != Column::Role::Independent;
-    };
-    if (m_table.HasTemperatureColumn() && std::ranges::all_of(m_columns, isPlain))
-      CheckTemperatures();
+    CheckStates();
+    CheckPoints();
   }
 
 private:
@@ -44,30 +53,64 @@ private:
 
   static int Number(std::size_t column) { return static_cast<int>(column); }
 
+  wip_Message At(int row, int column, const cow_String& fault) const {
+    const auto [line, field] = m_table.PlaceOf(row, column);
+    return field >= 0 ? inp_Utils::MessageAtField(m_keyword, line, field, fault)
+                      : inp_Utils::MessageAtRow(m_keyword, line, fault);
+  }
   void Tell(int row, int column, const cow_String& fault) {
-    const long long line = static_cast<long long>(row) * m_linesPerRow + column / 8;
-    const bool known = line < m_keyword.Data().Rows() && column % 8 < m_keyword.Data().Cols(line);
-    m_messages.AddError(known ? inp_Utils::MessageAtField(m_keyword, line, column % 8, fault)
-                              : inp_Utils::MessageInKeyword(m_keyword, fault));
+    m_messages.AddError(At(row, column, fault));
   }
 
+  bool IsBlank(int row) const {
+    for (int n = 0; n < m_table.NumCols(); ++n)
+      if (m_table.IsColumnSpecified(row, n)) return false;
+    return true;
+  }
+
+  // A blank line is a row all of whose values are left to their default, 0. So is a value that the
+  // row lacks.
   void CheckLengths() {
+    if (m_table.IsWhole()) return;
     int told = 0;
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
-      std::size_t given = m_columns.size();
-      while (given > 0 && !m_table.IsColumnSpecified(row, Number(given - 1))) --given;
-      for (std::size_t n = 0; n < m_columns.size(); ++n) {
-        if (m_columns[n].optional || m_table.IsColumnSpecified(row, Number(n))) continue;
-        if (m_columns[n].mayBeBlank && n < given) continue;
-        const long long line = static_cast<long long>(row) * m_linesPerRow;
-        m_messages.AddError(
-            inp_Utils::MessageAtRow(m_keyword, std::min(line, m_keyword.Data().Rows() - 1),
-                                    "Row " + std::to_string(row + 1) + " has no value for " +
-                                        m_columns[n].name + "; it is read as 0."));
-        ++told;
-        break;
-      }
+      const cow_String missing = FirstMissing(row);
+      const cow_String variable = missing.empty() ? FirstMissingVariable(row) : cow_String();
+      const bool blank = IsBlank(row);
+      if (missing.empty() && variable.empty() && !blank) continue;
+      wip_Message message = At(row, blank ? 0 : m_table.NumCols(),
+                               blank ? "A blank data line is read as a row of zeros."
+                                     : "Row " + std::to_string(row + 1) + " has no value for " +
+                                           missing + variable + "; it is read as 0.");
+      if (missing.empty())
+        m_messages.AddWarning(std::move(message));
+      else
+        m_messages.AddError(std::move(message));
+      ++told;
     }
+  }
+
+  // The name of the first value that a row lacks; empty when it has all that it needs.
+  cow_String FirstMissing(int row) const {
+    std::size_t given = m_columns.size();
+    while (given > 0 && !m_table.IsColumnSpecified(row, Number(given - 1))) --given;
+    for (std::size_t n = 0; n < m_columns.size(); ++n) {
+      if (m_columns[n].optional || m_table.IsColumnSpecified(row, Number(n))) continue;
+      if (!m_columns[n].mayBeBlank || n >= given) return m_columns[n].name;
+    }
+    return {};
+  }
+
+  cow_String FirstMissingVariable(int row) const {
+    for (int n = FirstVariable(); n < m_table.NumCols(); ++n)
+      if (!m_table.IsColumnSpecified(row, n)) return StateName(n);
+    return {};
+  }
+
+  int FirstVariable() const { return m_state + (m_table.HasTemperatureColumn() ? 1 : 0); }
+  cow_String StateName(int number) const {
+    if (number < FirstVariable()) return "temperature";
+    return "field variable " + std::to_string(number - FirstVariable() + 1);
   }
 
   void CheckRange(const Column& column, int number) {
@@ -94,22 +137,44 @@ private:
     return words + (column.highOpen ? "less than " : "at most ") + text(column.high);
   }
 
-  // Whether a row belongs to the same curve as the one before: the same temperature and field
-  // variables, and the same of what stands behind the column.
-  bool Continues(int row, int behind) const {
-    for (int n = behind; n < m_table.NumCols(); ++n)
+  // One column against another, in the rows that give both.
+  void CheckRelation(const Column& column, int number, const cow_String& otherName, bool low) {
+    const auto named = std::ranges::find(m_columns, otherName, &Column::name);
+    utl_ASSERT(named != m_columns.end());
+    const int other = Number(static_cast<std::size_t>(named - m_columns.begin()));
+    const bool open = low ? column.lowColumnOpen : column.highColumnOpen;
+    int told = 0;
+    for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
+      if (!m_table.IsColumnSpecified(row, number) || !m_table.IsColumnSpecified(row, other))
+        continue;
+      const double value = m_table.Value(row, number);
+      const double bound = m_table.Value(row, other);
+      const double ahead = low ? value - bound : bound - value;
+      if (!(open ? ahead <= 0 : ahead < 0)) continue;
+      const char* words =
+          low ? (open ? "greater than " : "at least ") : (open ? "less than " : "at most ");
+      Tell(row, number,
+           column.name + " is " + text(value) + " but must be " + words + otherName + ", " +
+               text(bound) + "; it is kept as given.");
+      ++told;
+    }
+  }
+
+  // Whether a row belongs to the same state as the one before.
+  bool Continues(int row) const {
+    for (int n = m_state; n < m_table.NumCols(); ++n)
       if (m_table.Value(row, n) != m_table.Value(row - 1, n)) return false;
     return true;
   }
 
   void CheckOrder(const Column& column, int number) {
-    const bool rising = column.order == Column::Order::Rising;
+    const bool rising = column.order == Order::Rising;
     int told = 0;
     for (int row = 1; row < m_table.NumRows() && told < kMostTold; ++row) {
       const double before = m_table.Value(row - 1, number);
       const double value = m_table.Value(row, number);
       const bool good = rising ? value > before : value >= before;
-      if (good || !Continues(row, static_cast<int>(m_columns.size()))) continue;
+      if (good || !Continues(row)) continue;
       Tell(row, number,
            column.name + " is " + text(value) + " behind " + text(before) +
                (rising ? ", but must rise from row to row." : ", but must not fall."));
@@ -117,27 +182,95 @@ private:
     }
   }
 
-  // Where a row is one state: of the same field variables, the colder one stands first.
-  void CheckTemperatures() {
-    const int number = static_cast<int>(m_columns.size());
-    const auto given = [&](int row) { return m_table.IsColumnSpecified(row, number); };
+  // The temperature and the field variables; a row that is nothing but its state is the only one.
+  void CheckStates() {
+    const bool repeats =
+        !m_table.HasTemperatureColumn() || std::ranges::any_of(m_columns, [](const Column& column) {
+          return isOrdered(column) || column.role == Column::Role::Independent;
+        });
     int told = 0;
     for (int row = 1; row < m_table.NumRows() && told < kMostTold; ++row) {
-      if (!given(row) || !given(row - 1) || !Continues(row, number + 1)) continue;
+      int number = m_table.NumCols() - 1;
+      while (number >= m_state && m_table.Value(row, number) == m_table.Value(row - 1, number))
+        --number;
+      if (IsBlank(row)) continue; // told
+      if (number < m_state) {
+        if (repeats) continue;
+        Tell(row, 0,
+             "Row " + std::to_string(row + 1) +
+                 " is for the same temperature and field variables as the row before.");
+        ++told;
+        continue;
+      }
       const double before = m_table.Value(row - 1, number);
       const double value = m_table.Value(row, number);
-      if (value >= before) continue;
+      if (!(value < before)) continue;
+      cow_String name = StateName(number);
+      name = number < FirstVariable() ? "The " + name : "F" + name.substr(1);
       Tell(row, number,
-           "The temperature is " + text(value) + " behind " + text(before) +
-               ", but must not fall.");
+           name + " is " + text(value) + " behind " + text(before) + ", but must not fall.");
       ++told;
     }
+  }
+
+  // ---- the columns that a row is given for
+
+  // They may be nested either way, the first varying fastest or the last; what rises in neither
+  // is doubtful.
+  void CheckPoints() {
+    cow_List<int> points;
+    for (std::size_t n = 0; n < m_columns.size(); ++n) {
+      if (m_columns[n].role != Column::Role::Independent) continue;
+      if (m_columns[n].order != Order::None) return;
+      points.push_back(Number(n));
+    }
+    if (points.empty()) return;
+    const cow_List<int> firstFastest(points.rbegin(), points.rend()); // slowest first
+    const cow_List<Fall> falls = FallsOf(firstFastest);
+    if (falls.empty() || (points.size() > 1 && FallsOf(points).empty())) return;
+    for (const Fall& fall : falls) m_messages.AddWarning(At(fall.row, fall.column, TextOf(fall)));
+  }
+
+  struct Fall {
+    int row;
+    int column; // -1: nothing differs
+  };
+
+  cow_List<Fall> FallsOf(const cow_List<int>& slowestFirst) const {
+    cow_List<Fall> falls;
+    for (int row = 1; row < m_table.NumRows() && Number(falls.size()) < kMostTold; ++row) {
+      const auto differs = [&](int n) {
+        return m_table.Value(row, n) != m_table.Value(row - 1, n);
+      };
+      if (!Continues(row) || IsBlank(row)) continue;
+      const auto at = std::ranges::find_if(slowestFirst, differs);
+      if (at == slowestFirst.end())
+        falls.push_back({row, -1});
+      else if (m_table.Value(row, *at) < m_table.Value(row - 1, *at))
+        falls.push_back({row, *at});
+    }
+    return falls;
+  }
+
+  cow_String TextOf(const Fall& fall) const {
+    if (fall.column < 0) {
+      cow_String names;
+      for (const Column& column : m_columns)
+        if (column.role == Column::Role::Independent)
+          names += (names.empty() ? "" : ", ") + column.name;
+      return "Row " + std::to_string(fall.row + 1) + " is for the same " + names +
+             " as the row before.";
+    }
+    return m_columns[static_cast<std::size_t>(fall.column)].name + " is " +
+           text(m_table.Value(fall.row, fall.column)) + " behind " +
+           text(m_table.Value(fall.row - 1, fall.column)) +
+           "; a table is interpolated between rising values.";
   }
 
   void CheckFirst(const Column& column, int number) {
     int told = 0;
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
-      if (row > 0 && Continues(row, static_cast<int>(m_columns.size()))) continue;
+      if (row > 0 && Continues(row)) continue;
       const double value = m_table.Value(row, number);
       if (value == 0.0) continue;
       Tell(row, number, "The first " + column.name + " is " + text(value) + " but must be 0.");
@@ -149,7 +282,7 @@ private:
   const inpS_KeywordDataTable& m_table;
   const cow_List<Column>& m_columns;
   inp_Visitor& m_messages;
-  const int m_linesPerRow;
+  const int m_state; // the first column of the state
 };
 
 } // namespace

@@ -133,9 +133,13 @@ TEST(DataTable, TellsWhatItCouldNotRead) {
 }
 
 TEST(DataTable, UnusableDependenciesAreReported) {
-  for (const char* parameter : {", DEPENDENCIES=-1", ", DEPENDENCIES=2000000000"}) {
+  for (const char* parameter :
+       {", DEPENDENCIES=-1", ", DEPENDENCIES=1001", ", DEPENDENCIES=2000000000"}) {
     EXPECT_EQ(tableOf({2, false, parameter}, "1,2\n").NumCols(), 2);
-    EXPECT_EQ(gatheredMessages(), cow_List<cow_String>{"1|dependencies"});
+    EXPECT_EQ(
+        gatheredMessages(),
+        cow_List<cow_String>{"Value of the parameter \"dependencies\" is invalid. It must be a "
+                             "whole number from 0 to 1000; it is read as 0."});
   }
 }
 

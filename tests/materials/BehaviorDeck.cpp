@@ -10,6 +10,16 @@ using Column = inpS_BehaviorColumns::Column;
 constexpr int kRepeats = 2; // of a group of columns
 constexpr double kTemperature = 400;
 
+// Whether rows of one state differ in the column.
+bool isPoint(const Column& column) {
+  return column.role == Column::Role::Independent || column.order != Column::Order::None;
+}
+
+bool hasPoints(const inpS_Behavior& behavior) {
+  const auto once = [](const cow_String&, long long) { return 1; };
+  return std::ranges::any_of(behavior.columns.Expand(once), isPoint);
+}
+
 class Maker {
 public:
   Maker(const inpS_Behavior& behavior, BehaviorForm form, int& number)
@@ -114,6 +124,8 @@ private:
   // A number that the column takes, unlike all others where its bounds leave room.
   double ValueOf(const Column& column, int row) {
     if (column.fromZero) return row;
+    if (isPoint(column) && std::isfinite(column.low) && std::isfinite(column.high))
+      return column.low + (column.high - column.low) / 64 * (row + 1 + 1.0 / (++m_number + 2));
     if (std::isfinite(column.low) && std::isfinite(column.high)) {
       const double part = 1.0 / 1024 * (++m_number % 1000 + 1);
       return column.low + (column.high - column.low) * part;
@@ -132,19 +144,27 @@ private:
     for (int row = 0; row < form.rows; ++row) {
       cow_List<double> given;
       for (const Column& column : columns) given.push_back(ValueOf(column, row));
-      if (form.temperature) given.push_back(kTemperature);
+      for (std::size_t n = 0; n < columns.size(); ++n)
+        if (!columns[n].highColumn.empty())
+          given[n] = given[PlaceOf(columns[n].highColumn, columns)] / 2;
+      const int state = std::ranges::any_of(columns, isPoint) ? 0 : row;
+      if (form.temperature) given.push_back(kTemperature + state);
       if (!form.temperature && form.variables > 0 && behavior.HasTemperature())
         given.push_back(0); // keeps its place
-      for (int n = 0; n < form.variables; ++n) given.push_back(7 + n);
+      for (int n = 0; n < form.variables; ++n) given.push_back(7 + n + state);
       AddLines(text, given);
       if (!expected) continue;
-      const auto state = static_cast<std::ptrdiff_t>(columns.size());
       if (!form.temperature && form.variables > 0 && behavior.HasTemperature())
-        given.erase(given.begin() + state);
+        given.erase(given.begin() + static_cast<std::ptrdiff_t>(columns.size()));
       if (isotropic) given.insert(given.begin() + 2, 0.0); // the rate
       expected->values.insert(expected->values.end(), given.begin(), given.end());
     }
     return text;
+  }
+
+  static std::size_t PlaceOf(const cow_String& name, const cow_List<Column>& columns) {
+    return static_cast<std::size_t>(std::ranges::find(columns, name, &Column::name) -
+                                    columns.begin());
   }
 
   static void AddLines(cow_String& text, const cow_List<double>& values) {
@@ -172,6 +192,8 @@ cow_List<BehaviorCase> behaviorCases(const inpS_Behavior& behavior, int& number)
         if (temperature && !behavior.HasTemperature()) continue;
         if (variables > 0 && !(mayDepend && behavior.HasTable())) continue;
         if (rows > 1 && !behavior.HasTable()) continue;
+        const bool oneState = !temperature && variables == 0 && behavior.HasTemperature();
+        if (rows > 1 && oneState && !hasPoints(behavior)) continue; // a state is given once
         cases.push_back(Maker(behavior, {rows, temperature, variables}, number).Make());
       }
     }
