@@ -21,18 +21,25 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
   return d[a.size()][b.size()];
 }
 
+// Those of the command first.
+cow_List<inps_Opt> optionsOf(const inps_Command& command) {
+  cow_List<inps_Opt> all(command.options.begin(), command.options.end());
+  const std::span<const inps_Opt> common = inps_commonOptions();
+  all.insert(all.end(), common.begin(), common.end());
+  return all;
+}
+
 const inps_Option* findOption(const inps_Command& command, std::string_view name, char letter) {
-  for (const inps_Opt id : command.options) {
+  for (const inps_Opt id : optionsOf(command)) {
     const inps_Option& option = inps_option(id);
     if (letter ? option.letter == letter : option.name == name) return &option;
   }
-  const inps_Option& help = inps_option(inps_Opt::Help);
-  return (letter ? help.letter == letter : help.name == name) ? &help : nullptr;
+  return nullptr;
 }
 
 cow_String unknownOption(const inps_Command& command, std::string_view word) {
-  cow_List<std::string_view> names{inps_option(inps_Opt::Help).name};
-  for (const inps_Opt id : command.options) names.push_back(inps_option(id).name);
+  cow_List<std::string_view> names;
+  for (const inps_Opt id : optionsOf(command)) names.push_back(inps_option(id).name);
   return "\"" + cow_String(command.name) + "\" has no option \"" + cow_String(word) + "\"" +
          inps_didYouMean(word, names);
 }

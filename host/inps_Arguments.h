@@ -21,6 +21,7 @@ enum class inps_Opt : unsigned char {
   Markdown,
   Materials,
   Quiet,
+  Memory,
   Help,
   Count
 };
@@ -47,6 +48,7 @@ struct inps_Command {
 };
 
 std::span<const inps_Command> inps_commands();
+std::span<const inps_Opt> inps_commonOptions();              // of every command
 const inps_Command* inps_findCommand(std::string_view name); // null when there is none
 const inps_Option& inps_option(inps_Opt id);
 

@@ -23,9 +23,12 @@ constexpr inps_Option options[] = {
     {Opt::Materials, 0, "--materials", "",
      "every material with its behaviors, their rows and ranges"},
     {Opt::Quiet, 'q', "--quiet", "", "errors only"},
+    {Opt::Memory, 0, "--memory", "SIZE",
+     "the most memory to take, as 512M or 40G; without it seven eighths of what there is"},
     {Opt::Help, 'h', "--help", "", "this help"},
 };
 
+constexpr Opt commonOptions[] = {Opt::Memory, Opt::Help};
 constexpr Opt convertOptions[] = {Opt::Output,  Opt::Force, Opt::Strict, Opt::Restart,
                                   Opt::Timings, Opt::Json,  Opt::Quiet};
 constexpr Text convertExamples[] = {
@@ -101,6 +104,10 @@ constexpr inps_Command commands[] = {
 
 std::span<const inps_Command> inps_commands() {
   return commands;
+}
+
+std::span<const inps_Opt> inps_commonOptions() {
+  return commonOptions;
 }
 
 const inps_Command* inps_findCommand(std::string_view name) {

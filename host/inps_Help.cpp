@@ -48,7 +48,9 @@ void inps_printHelp(aio_ostream& out, const inps_Command& command) {
   cow_List<std::pair<cow_String, std::string_view>> rows;
   for (const inps_Opt id : command.options)
     rows.emplace_back(spelt(inps_option(id)), inps_option(id).help);
-  if (!rows.empty()) out << '\n';
+  for (const inps_Opt id : inps_commonOptions())
+    rows.emplace_back(spelt(inps_option(id)), inps_option(id).help);
+  out << '\n';
   printColumns(out, rows);
   if (!command.details.empty()) out << '\n' << command.details << '\n';
 }

@@ -4,8 +4,10 @@
 #include "base/utl_Exception.h"
 #include "base/utl_File.h"
 #include "base/utl_Threads.h"
+#include "database/eds_Exception.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Help.h"
+#include "host/inps_Memory.h"
 #include "host/inps_MessageView.h"
 #include "host/inps_Terminal.h"
 #include <cstdlib>
@@ -14,7 +16,6 @@
 
 namespace {
 
-// Without memory: there may be none left.
 void say(const inps_Session& session, std::string_view text) {
   session.err << "inps: " << text << '\n' << std::flush;
 }
@@ -45,7 +46,9 @@ int runCommand(const cow_List<cow_String>& words, inps_Session& session) {
   if (!command) return inps_reportUnknownCommand(session, word);
 
   inps_Arguments arguments;
-  const cow_String fault = arguments.Read(*command, std::span(words).subspan(1));
+  cow_String fault = arguments.Read(*command, std::span(words).subspan(1));
+  if (fault.empty() && arguments.Has(inps_Opt::Memory))
+    fault = inps_limitMemory(arguments.ValueOf(inps_Opt::Memory));
   if (!fault.empty()) {
     say(session, fault);
     inps_printUsage(session.err, *command);
@@ -85,6 +88,8 @@ int runTold(const cow_List<cow_String>& words, inps_Session& session) {
     return internalError(session, fault);
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const eds_MemoryException& failure) {
+    inps_tellOutOfMemory(session, failure.what());
   } catch (const std::exception& failure) {
     if (session.out) say(session, failure.what()); // else outputFailed has the better words
   }
@@ -96,7 +101,7 @@ int runGuarded(const cow_List<cow_String>& words, inps_Session& session) {
   try {
     return runTold(words, session);
   } catch (const std::bad_alloc&) {
-    say(session, "out of memory");
+    inps_tellOutOfMemory(session, "out of memory");
   }
   return inps_ExitFailure;
 }

@@ -1,3 +1,4 @@
+#include "host/inps_Memory.h"
 #include "host/inps_Session.h"
 #include "host/inps_Terminal.h"
 
@@ -9,6 +10,7 @@ namespace {
 
 int run(const cow_List<cow_String>& words) {
   inps_prepareStreams();
+  inps_limitMemory();
   inps_StandardBuffer outBuffer(inps_StandardBuffer::Stream::Out);
   inps_StandardBuffer errBuffer(inps_StandardBuffer::Stream::Err);
   aio_ostream out(&outBuffer);

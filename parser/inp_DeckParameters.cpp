@@ -1,5 +1,6 @@
 #include "parser/inp_DeckParameters.h"
 #include "parser/inp_TextLines.h"
+#include "parser/inp_UnreadText.h"
 #include "parser/inp_Utf8Text.h"
 #include <algorithm>
 
@@ -128,6 +129,13 @@ bool inp_DeckParameters::Substitute(const inp_KeywordLine& line, const cow_Strin
       out += text.substr(copied, i - copied);
       out += value->value.AsDeckText();
       copied = stop + 1;
+      if (out.size() > static_cast<std::size_t>(inp_longestDataLine)) {
+        errors.push_back(messageAt(line, keyword, text.substr(i, stop + 1 - i),
+                                   "with its parameters in place the line has more than " +
+                                       std::to_string(inp_longestDataLine) +
+                                       " bytes; it stays as it is"));
+        return false;
+      }
     } else {
       const cow_String shown = inp_printable(name, shownName);
       errors.push_back(messageAt(line, keyword, text.substr(i, stop + 1 - i),

@@ -272,7 +272,7 @@ private:
   struct Nesting {
     explicit Nesting(Evaluator& in) : owner(in) {
       if (++owner.m_depth > deepestNesting)
-        owner.Fail("the expression is nested too deeply", owner.m_p, owner.m_end);
+        owner.Fail("the expression is nested deeper than 200 levels", owner.m_p, owner.m_end);
     }
     ~Nesting() { --owner.m_depth; }
     Evaluator& owner;

@@ -24,6 +24,12 @@ TEST(Arguments, WrongUseIsNamedAndEndsWithTwo) {
       {{"convert", "a.inp", "-oa", "--output", "b"}, "\"--output\" is given twice"},
       {{"convert", ""}, "\"convert\" is given an empty name"},
       {{"convert", "a.inp", "--restart", "b.sim"}, "\"--restart\" needs \"-o FILE\""},
+      {{"info", "a.sim", "--memory", "lots"}, "a size from 32M on"},
+      {{"info", "a.sim", "--memory", "G"}, "not \"G\""},
+      {{"info", "a.sim", "--memory=40"}, "not \"40\""},
+      {{"info", "a.sim", "--memory=-1G"}, "not \"-1G\""},
+      {{"info", "a.sim", "--memory=1e99T"}, "not \"1e99T\""},
+      {{"info", "a.sim", "--memroy=1G"}, "(did you mean \"--memory\"?)"},
       {{"help", "nothing"}, "there is no command \"nothing\""},
   };
   for (const WrongUse& wrong : cases) {
