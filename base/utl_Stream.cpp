@@ -1,5 +1,6 @@
 #include "base/utl_Stream.h"
 #include "base/utl_Assert.h"
+#include "base/utl_Interruption.h"
 #include "base/utl_Threads.h"
 
 #include <algorithm>
@@ -93,6 +94,7 @@ void utl_Stream::Write(const char* data, std::size_t size) {
 }
 
 void utl_Stream::MakeRoom(std::size_t size) {
+  utl_stopIfAsked();
   utl_ASSERT(m_sink); // nothing is written after Close
   Drain();
   if (size > m_buffer.Size()) m_buffer.Resize(size);

@@ -1,4 +1,5 @@
 #include "base/utl_Threads.h"
+#include "base/utl_Interruption.h"
 
 #include <algorithm>
 #include <atomic>
@@ -160,6 +161,7 @@ private:
     lock.unlock();
     std::exception_ptr failure;
     try {
+      utl_stopIfAsked();
       m_work(i, i % m_slots);
     } catch (...) {
       failure = std::current_exception();
@@ -244,6 +246,7 @@ void utl_parallelFor(std::size_t n, const std::function<void(std::size_t)>& work
   const bool parallel = runOnPool(n, [&] {
     for (std::size_t i; (i = next.fetch_add(1)) < n && !failure.IsBefore(i);) {
       try {
+        utl_stopIfAsked();
         work(i);
       } catch (...) {
         failure.Record(i);
@@ -251,7 +254,10 @@ void utl_parallelFor(std::size_t n, const std::function<void(std::size_t)>& work
     }
   });
   if (!parallel)
-    for (std::size_t i = 0; i < n; ++i) work(i);
+    for (std::size_t i = 0; i < n; ++i) {
+      utl_stopIfAsked();
+      work(i);
+    }
   failure.Rethrow();
 }
 
@@ -262,6 +268,7 @@ void utl_orderedBlocks(std::size_t n, const utl_BlockCall& work, const utl_Block
     return;
   }
   for (std::size_t i = 0; i < n; ++i) {
+    utl_stopIfAsked();
     work(i, 0);
     publish(i, 0);
   }

@@ -73,7 +73,7 @@ void inps_printHelp(aio_ostream& out) {
          "deck\n"
          "has errors or the models differ, 2 wrong usage, 3 file or system failure, 4 something "
          "was\n"
-         "not modelled under --strict. INPS_THREADS sets the number of threads; NO_COLOR is "
+         "not modelled under --strict, 130 interrupted. INPS_THREADS sets the number of threads; NO_COLOR is "
          "heeded.\n";
 }
 

@@ -3,6 +3,7 @@
 #include "base/utl_Assert.h"
 #include "base/utl_Exception.h"
 #include "base/utl_File.h"
+#include "base/utl_Interruption.h"
 #include "base/utl_Threads.h"
 #include "database/eds_Exception.h"
 #include "host/inps_Arguments.h"
@@ -86,6 +87,9 @@ int runTold(const cow_List<cow_String>& words, inps_Session& session) {
     return runCommand(words, session);
   } catch (const utl_Assertion& fault) {
     return internalError(session, fault);
+  } catch (const utl_Interruption&) {
+    say(session, "interrupted");
+    return inps_ExitInterrupted;
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const eds_MemoryException& failure) {

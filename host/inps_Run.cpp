@@ -1,5 +1,6 @@
 #include "host/inps_Run.h"
 
+#include "base/utl_Interruption.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Session.h"
 #include <algorithm>
@@ -53,7 +54,8 @@ void inps_Run::Fail(const std::exception& failure) {
   if (!IsJson()) return;
   (*m_json)["failure"] = failure.what();
   inps_addMessages(*m_json, m_reporter);
-  (*m_json)["exit"] = static_cast<int>(inps_ExitFailure);
+  const bool asked = dynamic_cast<const utl_Interruption*>(&failure) != nullptr;
+  (*m_json)["exit"] = static_cast<int>(asked ? inps_ExitInterrupted : inps_ExitFailure);
   inps_printJson(m_session.out, *m_json);
 }
 

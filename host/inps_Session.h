@@ -10,6 +10,7 @@ enum inps_Exit : int {
   inps_ExitUsage = 2,   // the words on the command line
   inps_ExitFailure = 3, // files, disk, memory, or a fault of ours
   inps_ExitNotModelled = 4,
+  inps_ExitInterrupted = 130, // as shells tell of a program ended from the keyboard
 };
 
 // The streams of one run and what they are fit for. Data goes to `out`, messages to `err`.

@@ -1,5 +1,6 @@
 #include "host/inps_Terminal.h"
 
+#include "base/utl_Interruption.h"
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -23,9 +24,19 @@ long long writeSome(int handle, const char* data, std::size_t size) {
   const std::size_t most = std::size_t{1} << 20;
   return _write(handle, data, static_cast<unsigned>(size < most ? size : most));
 }
+
+BOOL WINAPI onAsked(DWORD) {
+  static std::atomic<bool> before{false};
+  utl_askToStop();
+  return before.exchange(true) ? FALSE : TRUE;
+}
 #else
 long long writeSome(int handle, const char* data, std::size_t size) {
   return ::write(handle, data, size);
+}
+
+void onAsked(int) {
+  utl_askToStop();
 }
 #endif
 
@@ -50,6 +61,10 @@ void inps_prepareStreams() {
   _setmode(2, _O_BINARY);
   SetConsoleOutputCP(CP_UTF8);
 }
+
+void inps_stopWhenAsked() {
+  SetConsoleCtrlHandler(onAsked, TRUE);
+}
 #else
 inps_TerminalFacts inps_messageTerminal() {
   inps_TerminalFacts facts;
@@ -61,6 +76,18 @@ inps_TerminalFacts inps_messageTerminal() {
 
 void inps_prepareStreams() {
   std::signal(SIGPIPE, SIG_IGN);
+}
+
+void inps_stopWhenAsked() {
+  struct sigaction action {};
+  action.sa_handler = onAsked;
+  action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART; // the next one ends the process
+  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before {};
+    // Who starts us in the background may have said that we are not to be asked.
+    if (sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+      sigaction(number, &action, nullptr);
+  }
 }
 #endif
 

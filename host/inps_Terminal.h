@@ -15,6 +15,10 @@ inps_TerminalFacts inps_messageTerminal();
 // output is UTF-8 and has the line ends we write.
 void inps_prepareStreams();
 
+// Ctrl-C, and a system that asks the program to end, stop the work where it may end. Who asks
+// again does not wait for that.
+void inps_stopWhenAsked();
+
 // A standard stream of the process as a stream buffer that remembers why it failed.
 class inps_StandardBuffer final : public std::streambuf {
 public:

@@ -10,6 +10,7 @@ namespace {
 
 int run(const cow_List<cow_String>& words) {
   inps_prepareStreams();
+  inps_stopWhenAsked();
   inps_limitMemory();
   inps_StandardBuffer outBuffer(inps_StandardBuffer::Stream::Out);
   inps_StandardBuffer errBuffer(inps_StandardBuffer::Stream::Err);

@@ -1,4 +1,5 @@
 #include "parser/inp_Visitor.h"
+#include "base/utl_Interruption.h"
 #include "base/wip_WIPBase.h"
 #include "parser/inp_Keyword.h"
 #include <iterator>
@@ -32,7 +33,10 @@ void inp_Visitor::Visit(const inp_Keyword& keyword) {
 }
 
 void inp_Visitor::VisitList(inp_KeywordListRef keywords) {
-  for (const inp_Keyword& keyword : keywords) Visit(keyword);
+  for (const inp_Keyword& keyword : keywords) {
+    utl_stopIfAsked();
+    Visit(keyword);
+  }
 }
 
 void inp_Visitor::VisitListAndReport(inp_KeywordListRef keywords) {

@@ -1,6 +1,7 @@
 #include "database/engine/eds_ChunkStore.h"
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
+#include "base/utl_Interruption.h"
 #include "database/eds_Exception.h"
 #include <bit>
 #include <cstring>
@@ -40,6 +41,7 @@ void eds_ChunkStore::Write(int64_t array, int64_t number, std::span<const std::b
 }
 
 void eds_ChunkStore::Read(int64_t array, int64_t number, std::span<std::byte> out) {
+  utl_stopIfAsked();
   if (m_select == nullptr)
     m_select = &m_engine.Prepare("SELECT checksum, data FROM chunk WHERE id = ?");
   m_select->Bind(1, chunkID(array, number));

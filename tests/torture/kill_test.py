@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Kills `inps convert` with SIGKILL at random moments and looks at the files that are left: of a
 fresh model, of one that replaces an older one by --force, and of --restart into a new model and into
-the place of its base.
+the place of its base. Then it interrupts commands as the keyboard does.
 
 An older model must be the old one or the whole new one, and the base of a restart what it was; a
 restart's target is absent or whole. Of a fresh model:
@@ -9,6 +9,7 @@ restart's target is absent or whole. Of a fresh model:
 The file must be absent, or open, pass the engine's integrity check, be read by the program from
 end to end, and hold whole keywords only: the deck's first ones, in its order, none left out."""
 import argparse
+import collections
 import contextlib
 import pathlib
 import random
@@ -245,6 +246,48 @@ def torture_restart_in_place(words, folder):
     return faults
 
 
+def torture_asked(words, folder):
+    """Ctrl-C: the program ends by itself soon, and takes what is half done with it."""
+    deck, base, more = folder / "deck.inp", folder / "base.sim", folder / "more.inp"
+    write_deck(deck)
+    more.write_text("".join(f"*DESIGN PARAMETER\nNEXT{i}, LATER{i}\n" for i in range(TEXTS)))
+    whole = calibrate(words.program, deck, base)
+    old = folder / "old.sim"
+    old.write_bytes(b"whatever")
+    commands = [["convert", deck, "-o", old, "--force"],
+                ["convert", more, "--restart", base, "-o", folder / "model.sim"],
+                ["write", base, "-o", folder / "written.inp"],
+                ["export", base, folder / "mesh.vtu", "--sets"],
+                ["info", base], ["dump", base]]
+    moments = random.Random(words.seed + 4)
+    faults, ends = [], collections.Counter()
+    for number in range(words.kills):
+        clean(folder, deck, base, more, old)
+        old.write_bytes(b"whatever")
+        command = commands[number % len(commands)]
+        process = subprocess.Popen([words.program, *command], stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.PIPE)
+        time.sleep(moments.uniform(0.02, whole))
+        process.send_signal(signal.SIGINT)
+        asked = time.perf_counter()
+        said = process.communicate()[1].decode(errors="replace")
+        late = time.perf_counter() - asked > 2
+        ends[process.returncode] += 1
+        where = f"{command[0]}, asked to end, number {number}"
+        # Before the program has got to listening, the system ends it.
+        if process.returncode not in (0, 130, -signal.SIGINT) or late:
+            faults.append(f"{where}: ends with {process.returncode}{', late' * late}: {said}")
+        if process.returncode == 130 and "interrupted" not in said:
+            faults.append(f"{where}: says nothing of it: {said}")
+        left = {path for path in folder.iterdir()} - {deck, base, more, old}
+        if process.returncode == 130 and old.read_bytes() != b"whatever":
+            faults.append(f"{where}: the old model is gone")
+        if process.returncode == 130 and left:
+            faults.append(f"{where}: leaves {', '.join(path.name for path in left)}")
+    print("asked to end: " + ", ".join(f"{count} times {code}" for code, count in ends.items()))
+    return faults
+
+
 def torture_fresh(words, folder):
     deck, model = folder / "deck.inp", folder / "model.sim"
     write_deck(deck)
@@ -278,7 +321,8 @@ def main():
     parser.add_argument("--seed", type=int, default=random.randrange(10 ** 6))
     words = parser.parse_args()
     faults = []
-    for torture in torture_fresh, torture_replacing, torture_restart, torture_restart_in_place:
+    for torture in (torture_fresh, torture_replacing, torture_restart, torture_restart_in_place,
+                    torture_asked):
         with tempfile.TemporaryDirectory(prefix="inps-torture-") as folder:
             faults += torture(words, pathlib.Path(folder))
     for fault in faults:
