@@ -2,6 +2,7 @@
 
 #include "base/aio_ostream.h"
 #include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/inpS_Export.h"
 #include "inpS/model/inpS_NotModelled.h"
 #include "parser/inp_Keyword.h"
@@ -100,5 +101,5 @@ private:
   bool m_unsupportedFeaturesAsWarnings = false;
   cow_List<inpS_NotModelled> m_notModelled;
   // Keywords of converted kinds that their phase left to be kept as text, with what they belong to.
-  cow_Map<const inp_KeywordBody*, KvoSimPosition> m_asText;
+  inpS_TextKeywords m_asText;
 };

@@ -39,6 +39,28 @@ long long linesOf(const inp_DataArray& data) {
   return rows;
 }
 
+// The members of its terms are given back when they are the last ones, and with them the collection
+// that held no others.
+void giveBack(KvoSimCollection collection, const eds_MemberSet& terms) {
+  if (terms.IsEmpty() || terms[terms.Size() - 1] + 1 != collection.Space()) return;
+  if (terms[0] == 0) return collection.Position().Remove();
+  collection.Position().DataRecord().SetInt(eds_Collection_Space, terms[0]);
+}
+
+void removeDistribution(const KvoSimPosition& values) {
+  for (const int64_t drawer : values.AsDistribution().DrawerIDArray()) {
+    const KvoSimCSet terms = values.AsDistribution().DrawerCSet(drawer);
+    giveBack(KvoSimCollection(values.Store(), terms.CollectionID()), terms.Set());
+  }
+  for (const KvoSimPosition& drawer : values.GetVector(eds_Member::Drawers)) {
+    for (const int field : {eds_Drawer_Array, eds_Drawer_Over})
+      if (const KvoSimPosition part = drawer.DataRecord().GetReference(field); !part.IsNull())
+        part.Remove();
+    drawer.Remove();
+  }
+  values.Remove();
+}
+
 } // namespace
 
 // An amplitude without a name is ignored, deliberately without a message. Its name is the whole
@@ -93,10 +115,10 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   record.SetSymb(form.timeSpan, keyword.StringOf("time", "STEPTIME") == "STEPTIME" ? 0 : 1);
   inpS_readParameters(keyword, form.parameters, record, *this);
   for (const inp_Keyword& suboption : keyword.Suboptions())
-    m_text.try_emplace(suboption.Body().get(), amplitude);
+    m_text.try_emplace(suboption.Body().get(), inpS_TextPlace{amplitude, {}});
   keyword.Find("input"); // the parser has read that file's lines
   CheckWidths(keyword, form);
-  if (!form.lineFields.empty()) ReadFirstLine(keyword, form, record);
+  ReadFirstLine(keyword, form, record);
   cow_List<double> pairs;
   if (form.data == Data::Pairs) pairs = ReadPairs(keyword, 0);
   if (form.data == Data::Coefficients) {
@@ -120,16 +142,23 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
     }
   }
   if (form.kind == eds_RecordKind::AmplitudeTabular) ReadSmoothing(keyword, record);
-  if (pairs.empty()) return;
+  if (form.data == Data::Pairs) CheckSpacing(keyword);
+  if (pairs.empty() && form.data == Data::None) return;
+  if (pairs.empty()) return Warning(keyword, "Amplitude \"" + name + "\" has no values.");
   const int kind = static_cast<int>(form.kind);
   KvoSrvFsmFTable::CreateTable(amplitude, kind, static_cast<int64_t>(pairs.size() / 2), 0,
                                {"Magnitude"}, {"Time"}, kind, pairs, 2, false);
 }
 
-// Texts kept with it stay with the model.
+// With all that it holds: table, terms, and texts that an earlier conversion kept with it. Those of
+// this deck stay with the model.
 void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
-  for (auto& [body, owner] : m_text)
-    if (owner == amplitude) owner = {};
+  for (auto& [body, place] : m_text)
+    if (place.owner == amplitude) place = {};
+  for (const KvoSimPosition& text : amplitude.Context().GetRecords(eds_RecordKind::VerbatimKeyword))
+    if (text.DataRecord().GetReference(eds_VerbatimKeyword_Owner) == amplitude) text.Remove();
+  for (const KvoSimPosition& values : amplitude.GetVector(eds_Member::Distributions))
+    removeDistribution(values);
   if (KvoSrvFsmFTable table = amplitude.GetFTable(); !table.IsNull()) table.Remove();
   amplitude.Remove();
 }
@@ -160,7 +189,9 @@ void inpS_AmplitudeVisitor::CheckWidths(const inp_Keyword& keyword,
 void inpS_AmplitudeVisitor::ReadFirstLine(const inp_Keyword& keyword,
                                           const inpS_AmplitudeForm& form, KvoSimDataRecord record) {
   const inp_DataArray& data = keyword.Data();
-  if (data.Rows() == 0) Error(keyword, "The values of the amplitude are missing; they read as 0.");
+  if (form.lineFields.empty()) return;
+  if (data.Rows() == 0 || isBlank(data, 0))
+    Error(keyword, "The values of the amplitude are missing; they read as 0.");
   for (std::size_t n = 0; n < form.lineFields.size(); ++n) {
     const int col = static_cast<int>(n);
     const bool given = data.Rows() > 0 && col < data.Cols(0);
@@ -168,6 +199,9 @@ void inpS_AmplitudeVisitor::ReadFirstLine(const inp_Keyword& keyword,
                        form.lineFields[n] == eds_AmplitudePeriodic_Terms;
     if (terms) {
       const bool whole = given && data.Type(0, col) == inp_FieldType::Integer;
+      if (given && !whole && !isEmpty(data, 0, col))
+        AddError(inp_Utils::MessageAtField(
+            keyword, 0, col, "The number of terms is no whole number; it is read as 0."));
       record.SetInt(form.lineFields[n], whole ? data.AsInt64(0, col) : 0);
     } else {
       record.SetDouble(form.lineFields[n], given ? ValueAt(keyword, 0, col) : 0.0);
@@ -187,6 +221,15 @@ void inpS_AmplitudeVisitor::ReadSmoothing(const inp_Keyword& keyword, KvoSimData
       keyword, "smooth",
       inpS_messageText(inpS_app_InvalidParameterValue, {"SMOOTH"}) +
           " It must be a number from 0 to 0.5; it is kept as given."));
+}
+
+// Times that are given need no rule to make them.
+void inpS_AmplitudeVisitor::CheckSpacing(const inp_Keyword& keyword) {
+  for (const char* parameter : {"fixedinterval", "begin"})
+    if (keyword.HasParameter(parameter))
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, parameter,
+          "This goes with DEFINITION=EQUALLY SPACED only; it is without effect."));
 }
 
 double inpS_AmplitudeVisitor::ValueAt(const inp_Keyword& keyword, long long row, int col) {
@@ -227,8 +270,12 @@ cow_List<double> inpS_AmplitudeVisitor::ReadPairs(const inp_Keyword& keyword, lo
                                          "This time has no magnitude; it is left out."));
       --cols;
     }
-    for (int col = 0; col < cols; ++col)
+    for (int col = 0; col < cols; ++col) {
+      if (isEmpty(data, row, col))
+        AddWarning(
+            inp_Utils::MessageAtField(keyword, row, col, "An empty field is read as 0 here."));
       (col % 2 == 0 ? times : magnitudes).push_back(ValueAt(keyword, row, col));
+    }
     rows.resize(times.size(), row);
   }
   if (magnitudes.size() != times.size()) utl_assertionFailed("md.Length() == td.Length()");

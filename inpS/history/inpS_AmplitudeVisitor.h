@@ -2,6 +2,7 @@
 
 #include "database/KvoSimPosition.h"
 #include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
 
 struct inpS_AmplitudeForm;
@@ -18,7 +19,7 @@ public:
   void VisitAmplitude(const inp_Keyword& keyword) override;
 
   // What was left to be kept as text (the model's own: null positions).
-  const cow_Map<const inp_KeywordBody*, KvoSimPosition>& KeptAsText() const { return m_text; }
+  const inpS_TextKeywords& KeptAsText() const { return m_text; }
 
 private:
   const inpS_AmplitudeForm* FormOf(const inp_Keyword& keyword);
@@ -28,6 +29,7 @@ private:
   void ReadFirstLine(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
                      KvoSimDataRecord record);
   void ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record);
+  void CheckSpacing(const inp_Keyword& keyword);
   // The two readers of values, from a data line on; at most 8 fields of a line count.
   cow_List<double> ReadColumn(const inp_Keyword& keyword, long long firstLine);
   cow_List<double> ReadPairs(const inp_Keyword& keyword, long long firstLine); // one after another
@@ -36,5 +38,5 @@ private:
   void KeepAsText(const inp_Keyword& keyword);
 
   const inpS_Inventory& m_inventory;
-  cow_Map<const inp_KeywordBody*, KvoSimPosition> m_text;
+  inpS_TextKeywords m_text;
 };

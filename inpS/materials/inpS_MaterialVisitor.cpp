@@ -181,10 +181,15 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
   inpS_Visitor::Visit(keyword);
 }
 
-// With all its sub-options: none of them can be converted without it.
+// With all its sub-options: none of them can be converted without it. It stands behind what the
+// owner holds by now, but for potentials, which are written under the keyword they were given with.
 void inpS_MaterialVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner) {
   keyword.ReferAll();
-  m_text.try_emplace(keyword.Body().get(), owner);
+  KvoSimPosition behind = owner;
+  if (!owner.IsNull())
+    for (const KvoSimPosition& present : owner.GetVector(memberOf(owner)))
+      if (!present.IsA(eds_RecordKind::Potential)) behind = present;
+  m_text.try_emplace(keyword.Body().get(), inpS_TextPlace{owner, behind});
   for (const inp_Keyword& suboption : keyword.Suboptions()) KeepAsText(suboption, owner);
 }
 
@@ -304,6 +309,7 @@ void inpS_MaterialVisitor::CheckConflicts(const inp_Keyword& keyword,
     if (isRead) continue;
     const auto& rows = inpS_BehaviorTable::Instance().Rows();
     if (std::ranges::none_of(rows, chooses)) continue;
+    parameter.referred = true; // told here, and once is enough
     AddError(inp_Utils::MessageAtParameter(
         keyword, parameter.name,
         "\"" + parameter.name + "\" does not go with the other parameters; it is ignored."));

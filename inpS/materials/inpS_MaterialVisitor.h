@@ -3,6 +3,7 @@
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimTransaction.h"
 #include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/materials/inpS_Behavior.h"
 #include "inpS/materials/inpS_PropertyUtils.h"
@@ -17,9 +18,8 @@ public:
   static cow_List<inp_KeywordEnm> ModelledKinds();
 
   // Keywords of these kinds that were left to be kept as text, each with the property that it is a
-  // sub-option of, or the material; null: the model's own.
-  using TextKeywords = cow_Map<const inp_KeywordBody*, KvoSimPosition>;
-  const TextKeywords& KeptAsText() const { return m_text; }
+  // sub-option of, or the material.
+  const inpS_TextKeywords& KeptAsText() const { return m_text; }
 
   void Visit(const inp_Keyword& keyword) override;
   void VisitMaterial(const inp_Keyword& keyword) override;
@@ -88,6 +88,6 @@ private:
   KvoSimPosition m_material;
   KvoSimPosition m_gasket;
   KvoSimPosition m_owner; // of the keyword at hand
-  TextKeywords m_text;
+  inpS_TextKeywords m_text;
   KvoSimPosition m_potential; // just made, and not yet told what it was given with
 };

@@ -84,7 +84,7 @@ bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
   return keyword.Scope().kind != inp_Scope::Kind::Step;
 }
 
-const KvoSimPosition* inpS_VerbatimVisitor::AsText(const inp_Keyword& keyword) const {
+const inpS_TextPlace* inpS_VerbatimVisitor::AsText(const inp_Keyword& keyword) const {
   if (!m_asText) return nullptr;
   const auto known = m_asText->find(keyword.Body().get());
   return known == m_asText->end() ? nullptr : &known->second;
@@ -110,8 +110,8 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const KvoObjDocument& document = m_inventory.GetDocument();
   KvoSimTransaction transaction(document.ContextID());
   Place place = m_place;
-  const KvoSimPosition* owner = AsText(keyword);
-  if (owner && !owner->IsNull()) place = {*owner, levelUnder(*owner)};
+  const inpS_TextPlace* told = AsText(keyword);
+  if (told && !told->owner.IsNull()) place = {told->owner, levelUnder(told->owner)};
   const KvoSimPosition kept = m_place.owner.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   KvoSimDataRecord record = kept.DataRecord();
   record.SetString(eds_VerbatimKeyword_Keyword, keyword.Name());
@@ -121,28 +121,34 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   record.SetInt(eds_VerbatimKeyword_Position,
                 m_positions[{place.owner.Object().Packed(), block}]++);
   record.SetString(eds_VerbatimKeyword_Text, keyword.Text());
+  if (told && !told->behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, told->behind);
   transaction.Commit();
 }
 
-// A behaviour outside of any material: behind the materials it would be taken for the last one's.
-bool inpS_VerbatimVisitor::IsStrayBehavior(const inp_Keyword& keyword) const {
+// A behaviour outside of any material, a sub-option of an amplitude that has been replaced: behind
+// the others of their block they would be taken for the last one's.
+bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
   const auto isOfMaterials = [](inp_KeywordEnm kind) {
     constexpr int materials = 16;
     constexpr int gasketBehaviors = 17;
     const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(kind);
     return row && (row->block == materials || row->block == gasketBehaviors);
   };
+  const bool single = keyword.ParentKind() == inp_NullKeyword;
+  const auto ownerless = [&] {
+    const inpS_TextPlace* told = AsText(keyword);
+    return told && told->owner.IsNull();
+  };
+  if (keyword.Kind() == inp_KwBaselineCorrection) return single || ownerless();
   if (keyword.Kind() == inp_KwMaterial || keyword.Kind() == inp_KwGasketBehavior) return false;
   if (!isOfMaterials(keyword.Kind())) return false;
-  if (keyword.ParentKind() == inp_NullKeyword) return true;
-  const KvoSimPosition* owner = AsText(keyword);
-  return owner && owner->IsNull() && isOfMaterials(keyword.ParentKind());
+  return single || (isOfMaterials(keyword.ParentKind()) && ownerless());
 }
 
 // A sub-option goes where its keyword goes, an unknown keyword where the one before it went.
 int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return m_block = kHistoryBlock;
-  if (IsStrayBehavior(keyword)) return m_block = kFirstBlock;
+  if (IsStray(keyword)) return m_block = kFirstBlock;
   if (keyword.Kind() == inp_UnknownKeyword || keyword.IsSuboption() || leavesNothing(keyword))
     return m_block = m_block == 0 ? kFirstBlock : m_block;
   const int block = inp_KeywordTable::Instance().Row(keyword.Kind())->block;

@@ -2,6 +2,7 @@
 
 #include "database/KvoSimPosition.h"
 #include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/model/inpS_NotModelled.h"
 #include <functional>
@@ -13,10 +14,8 @@ public:
   // modelled: the keyword kinds that some phase converts.
   inpS_VerbatimVisitor(const inpS_Inventory& inventory, const cow_List<inp_KeywordEnm>& modelled);
 
-  // Keywords of converted kinds that are kept all the same, with the object that they belong to
-  // (null: what their scope belongs to).
-  using TextKeywords = cow_Map<const inp_KeywordBody*, KvoSimPosition>;
-  void SetAsText(const TextKeywords* keywords) { m_asText = keywords; }
+  // Keywords of converted kinds that are kept all the same.
+  void SetAsText(const inpS_TextKeywords* keywords) { m_asText = keywords; }
   // Keywords of modelled kinds that no phase converts all the same.
   void SetUnmodelled(std::function<bool(const inp_Keyword&)> unmodelled) {
     m_unmodelled = std::move(unmodelled);
@@ -36,15 +35,15 @@ private:
     const char* level;
   };
   bool IsModelled(const inp_Keyword& keyword) const;
-  bool IsStrayBehavior(const inp_Keyword& keyword) const;
+  bool IsStray(const inp_Keyword& keyword) const;
   Place PlaceOf(const inp_Scope& scope);
   int BlockOf(const inp_Keyword& keyword);
-  const KvoSimPosition* AsText(const inp_Keyword& keyword) const; // null: not among them
+  const inpS_TextPlace* AsText(const inp_Keyword& keyword) const; // null: not among them
   void Count(const inp_Keyword& keyword);
 
   const inpS_Inventory& m_inventory;
   cow_List<bool> m_modelled;
-  const TextKeywords* m_asText = nullptr;
+  const inpS_TextKeywords* m_asText = nullptr;
   std::function<bool(const inp_Keyword&)> m_unmodelled;
   bool m_isRestart = false;
   const inp_Scope* m_scope = nullptr; // of the keyword before

@@ -54,8 +54,12 @@ void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEn
   m_potentials = owned.potentials;
   printPlain(m_out, keyword, owner);
   m_out << '\n';
-  for (const KvoSimPosition& property : owned.properties) PrintProperty(property);
-  m_texts(owner);
+  m_texts(owner, owner);
+  for (const KvoSimPosition& property : owned.properties) {
+    PrintProperty(property);
+    m_texts(owner, property);
+  }
+  m_texts(owner, {});
 }
 
 void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
@@ -118,6 +122,10 @@ void inpS_MaterialPrinter::PrintIsotropicHardening(const KvoSimPosition& propert
 void inpS_MaterialPrinter::PrintSuboptions(const KvoSimPosition& property) {
   const inpS_PropertySuboptions suboptions = inpS_suboptionsOf(property, m_potentials);
   for (const inp_KeywordEnm flag : suboptions.flags) m_out << '*' << nameOf(flag) << '\n';
-  for (const KvoSimPosition& suboption : suboptions.properties) PrintProperty(suboption);
-  m_texts(property);
+  m_texts(property, property);
+  for (const KvoSimPosition& suboption : suboptions.properties) {
+    PrintProperty(suboption);
+    m_texts(property, suboption);
+  }
+  m_texts(property, {});
 }

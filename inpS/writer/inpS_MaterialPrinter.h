@@ -12,8 +12,9 @@ struct inpS_Behavior;
 // was read by.
 class inpS_MaterialPrinter {
 public:
-  // texts: prints the keywords kept as text that belong to an object.
-  using Texts = std::function<void(const KvoSimPosition& owner)>;
+  // Prints the keywords kept as text that belong to an object and stand behind another one (the
+  // owner itself: before all that it holds); behind null: those that are left.
+  using Texts = std::function<void(const KvoSimPosition& owner, const KvoSimPosition& behind)>;
   inpS_MaterialPrinter(utl_Stream& out, Texts texts) : m_out(out), m_texts(std::move(texts)) {}
 
   void PrintMaterials(const KvoObjModel& model);

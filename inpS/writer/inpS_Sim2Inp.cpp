@@ -23,6 +23,7 @@ struct Kept {
   int block;
   int position;
   KvoSimPosition record;
+  bool printed = false;
 };
 
 } // namespace
@@ -72,7 +73,9 @@ struct inpS_Sim2Inp::Impl {
     inpS_SurfacePrinter(*labels, *out).PrintSurfaces(scope);
   }
   inpS_MaterialPrinter Materials() {
-    return {*out, [this](const KvoSimPosition& owner) { PrintKeptOf(owner); }};
+    return {*out, [this](const KvoSimPosition& owner, const KvoSimPosition& behind) {
+              PrintKeptOf(owner, behind);
+            }};
   }
   // These belong to the model: parts and instances have none.
   void PrintPhysicalConstants(const inpS_DeckScope& scope) {
@@ -90,7 +93,7 @@ struct inpS_Sim2Inp::Impl {
     if (IsModel(scope)) Materials().PrintGasketBehaviors(doc.GetModel());
   }
   bool IsModel(const inpS_DeckScope& scope) const { return scope.owner.IsA(eds_RecordKind::Model); }
-  void PrintKeptOf(const KvoSimPosition& owner);
+  void PrintKeptOf(const KvoSimPosition& owner, const KvoSimPosition& behind = {});
   // A block whose keywords no phase converts: it holds what was kept as text, and nothing else.
   void PrintKeptOnly(const inpS_DeckScope&) {}
 
@@ -238,12 +241,18 @@ void Impl::PrintKept(const inpS_DeckScope& scope, int block) {
     *out << at->record.DataRecord().GetString(eds_VerbatimKeyword_Text);
 }
 
-// All that is kept with an object that is no scope of the deck.
-void Impl::PrintKeptOf(const KvoSimPosition& owner) {
+// What is kept with an object that is no scope of the deck: what stands behind one of its own, or
+// all that has not been printed.
+void Impl::PrintKeptOf(const KvoSimPosition& owner, const KvoSimPosition& behind) {
   const auto known = kept.find(owner.Object().Packed());
   if (known == kept.end()) return;
-  for (const Kept& keyword : known->second)
-    *out << keyword.record.DataRecord().GetString(eds_VerbatimKeyword_Text);
+  for (Kept& keyword : known->second) {
+    if (keyword.printed) continue;
+    const KvoSimDataRecord record = keyword.record.DataRecord();
+    if (!behind.IsNull() && record.GetReference(eds_VerbatimKeyword_Behind) != behind) continue;
+    *out << record.GetString(eds_VerbatimKeyword_Text);
+    keyword.printed = true;
+  }
 }
 
 void Impl::PrintHeading(const inpS_DeckScope& scope) {

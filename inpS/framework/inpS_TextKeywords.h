@@ -1,0 +1,15 @@
+#pragma once
+
+#include "base/cow_Value.h"
+#include "database/KvoSimPosition.h"
+
+struct inp_KeywordBody;
+
+// Where a keyword that is kept as text belongs.
+struct inpS_TextPlace {
+  KvoSimPosition owner;  // null: what its scope belongs to
+  KvoSimPosition behind; // of what the owner holds; the owner itself: before all; null: behind all
+};
+
+// Keywords of converted kinds that their phase left to be kept as text.
+using inpS_TextKeywords = cow_Map<const inp_KeywordBody*, inpS_TextPlace>;
