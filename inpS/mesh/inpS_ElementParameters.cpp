@@ -83,3 +83,8 @@ bool inpS_ElementParameters::Is3DDragchainElement() const {
 bool inpS_ElementParameters::CarriesReferenceNode() const {
   return IsAxisymmetricRigidSurfaceElement() || Is3DDragchainElement();
 }
+
+int inpS_ElementParameters::TopologyNodes(int width) const {
+  const bool mayOrient = IsBeamElement() && m_maxNodes == m_minNodes + 1;
+  return CarriesReferenceNode() || mayOrient ? m_minNodes : std::max(width, m_minNodes);
+}

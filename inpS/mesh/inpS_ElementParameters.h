@@ -24,6 +24,10 @@ public:
   bool HasSolidElementNumbering() const { return m_solidElementNumbering; }
   int Offset() const { return m_offset; }
 
+  // Of so many nodes, those that are an element's topology: beams may take one more, which orients
+  // the first section axis, and some carry a reference node.
+  int TopologyNodes(int width) const;
+
   // The most nodes an element's first line may hold before it goes on; 0: no such limit.
   int FirstLineNodes() const;
   // How its data lines are to be read.

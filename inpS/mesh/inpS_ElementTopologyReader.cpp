@@ -3,15 +3,6 @@
 #include "parser/inp_Keyword.h"
 #include <algorithm>
 
-namespace {
-
-// Beams take one node more than their topology needs: it orients the first section axis.
-bool mayCarryOrientationNode(const inpS_ElementParameters& type) {
-  return type.IsBeamElement() && type.MaxNodesPerElement() == type.MinNodesPerElement() + 1;
-}
-
-} // namespace
-
 inpS_ElementTopologyReader::inpS_ElementTopologyReader(const inpS_ElementParameters& type,
                                                        inp_Visitor& messages)
     : m_type(type), m_messages(messages), m_extra(type.CarriesReferenceNode() ? 1 : 0) {}
@@ -23,8 +14,7 @@ void inpS_ElementTopologyReader::Read(const inp_Keyword& keyword, bool scopedNod
     TakeRegular(rows);
   else
     Rebuild(keyword, rows, scopedNodes);
-  const bool extra = m_type.CarriesReferenceNode() || mayCarryOrientationNode(m_type);
-  m_topology = extra ? m_type.MinNodesPerElement() : std::max(m_width, m_type.MinNodesPerElement());
+  m_topology = m_type.TopologyNodes(m_width);
   m_faulty.Report(keyword, m_type, m_messages);
 }
 

@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_GeneratedNodes.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include <algorithm>
 
@@ -16,6 +17,7 @@ constexpr int kFaces[2][8] = {{0, 1, 2, 3, 8, 9, 10, 11}, {4, 5, 6, 7, 12, 13, 1
 const double* pointOf(inpS_MeshScope& scope, const KvoObjLabeler& labeler, int label) {
   const int ordinal = labeler.ConvertInstanceLabel(scope.nodeOccurrence, label);
   if (ordinal < 0) return nullptr;
+  if (scope.isStored && ordinal < scope.storedNodes) return scope.base->Point(ordinal);
   const long long ofPart = scope.part ? scope.part->nodes.Count() : 0;
   return ordinal < ofPart ? scope.part->nodes.Point(ordinal) : scope.nodes.Point(ordinal);
 }
@@ -172,6 +174,10 @@ void inpS_GeneratedNodes::ImplyFourierPlanes(const inpS_ElementBlock& block, lon
       if (nodes[i] == nodes[i % plane] + i / plane * block.offset)
         scope.impliedNodes.Append({nodes[i], nodes[i % plane]});
   }
+}
+
+bool inpS_GeneratedNodes::IsCompleted(const cow_String& type) {
+  return isGasketOf18(type);
 }
 
 cow_List<int> inpS_GeneratedNodes::AcrossInstances(const inpS_ElementParameters& type,

@@ -29,6 +29,9 @@ public:
   static cow_List<int> AcrossInstances(const inpS_ElementParameters& type,
                                        inpS_ElementTopologyReader& reader);
 
+  // Whether elements of a type may be completed by nodes with labels of their own.
+  static bool IsCompleted(const cow_String& type);
+
   // Whether Complete will take labels above the largest of the deck.
   static bool TakesNewLabels(const inpS_MeshScope& scope, const cow_List<cow_String>& types);
 

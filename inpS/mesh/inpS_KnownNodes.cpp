@@ -1,16 +1,13 @@
 #include "inpS/mesh/inpS_KnownNodes.h"
 #include "database/KvoObjLabeler.h"
-#include "database/KvoObjMesh.h"
+#include "inpS/mesh/inpS_BaseMesh.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
 #include <vector>
 
 inpS_KnownNodes::inpS_KnownNodes(inpS_MeshScope& scope, inpS_MeshScopes& scopes,
-                                 const KvoObjLabeler& nodes, const KvoObjLabeler& elements,
-                                 const KvoObjMesh& mesh)
-    : m_scope(scope), m_scopes(scopes), m_nodes(nodes), m_elements(elements), m_mesh(mesh) {}
-
-inpS_KnownNodes::~inpS_KnownNodes() = default;
+                                 const KvoObjLabeler& nodes, const KvoObjLabeler& elements)
+    : m_scope(scope), m_scopes(scopes), m_nodes(nodes), m_elements(elements) {}
 
 int inpS_KnownNodes::OrdinalOf(int label) const {
   return m_nodes.ConvertInstanceLabel(m_scope.nodeOccurrence, label);
@@ -29,42 +26,12 @@ bool inpS_KnownNodes::IsStored(long long ordinal) const {
 }
 
 const double* inpS_KnownNodes::Point(long long ordinal) {
-  if (IsStored(ordinal)) return &ReadStored().points[3 * static_cast<std::size_t>(ordinal)];
+  if (IsStored(ordinal)) return m_scope.base->Point(ordinal);
   return ListOf(ordinal).Point(ordinal);
 }
 
 const double* inpS_KnownNodes::Normal(long long ordinal) {
-  if (!IsStored(ordinal)) return ListOf(ordinal).Normal(ordinal);
-  const Stored& stored = ReadStored();
-  const int at = stored.normalAt[static_cast<std::size_t>(ordinal)];
-  return at < 0 ? nullptr : &stored.normals[3 * static_cast<std::size_t>(at)];
-}
-
-const inpS_KnownNodes::Stored& inpS_KnownNodes::ReadStored() {
-  if (m_stored) return *m_stored;
-  m_stored = std::make_unique<Stored>();
-  const auto count = static_cast<std::size_t>(m_scope.storedNodes);
-  m_stored->points.Resize(3 * count);
-  m_stored->normalAt.Resize(count);
-  std::fill(m_stored->normalAt.begin(), m_stored->normalAt.end(), -1);
-  for (const KvoMeshNodeBlock& block : m_mesh.NodeBlocks(m_scope.owner)) {
-    const std::span<double> points(m_stored->points);
-    eds_ArrayReader(block.coordinates)
-        .ReadPiece(0, points.subspan(3 * static_cast<std::size_t>(block.first),
-                                     3 * static_cast<std::size_t>(block.count)));
-    if (block.normals.IsNull()) continue;
-    eds_ArrayReader ordinals(block.normalOrdinals);
-    utl_Buffer<int> with(static_cast<std::size_t>(ordinals.Count()));
-    ordinals.ReadPiece(0, std::span<int>(with));
-    const std::size_t first = m_stored->normals.Size();
-    m_stored->normals.Resize(first + 3 * with.Size());
-    eds_ArrayReader(block.normals)
-        .ReadPiece(0, std::span<double>(m_stored->normals).subspan(first));
-    for (std::size_t n = 0; n < with.Size(); ++n)
-      m_stored->normalAt[static_cast<std::size_t>(block.first + with[n])] =
-          static_cast<int>(first / 3 + n);
-  }
-  return *m_stored;
+  return IsStored(ordinal) ? m_scope.base->Normal(ordinal) : ListOf(ordinal).Normal(ordinal);
 }
 
 bool inpS_KnownNodes::FindSet(const cow_String& name, Set& set) {

@@ -3,16 +3,13 @@
 #include "database/eds_MemberSet.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 
-class KvoObjMesh;
-
 // What a generator may look at: the nodes and node sets of one owner as far as the deck has defined
 // them where the generator stands; in an instance also its part's, in a restart also those that the
 // database holds. Ordinals are the owner's.
 class inpS_KnownNodes {
 public:
   inpS_KnownNodes(inpS_MeshScope& scope, inpS_MeshScopes& scopes, const KvoObjLabeler& nodes,
-                  const KvoObjLabeler& elements, const KvoObjMesh& mesh);
-  ~inpS_KnownNodes();
+                  const KvoObjLabeler& elements);
 
   int OrdinalOf(int label) const; // -1: there is none
   int LabelOf(long long ordinal) const;
@@ -29,12 +26,6 @@ public:
   bool FindSet(const cow_String& name, Set& set);
 
 private:
-  struct Stored {
-    utl_Buffer<double> points; // by ordinal
-    utl_Buffer<int> normalAt;  // by ordinal, -1 without
-    utl_Buffer<double> normals;
-  };
-  const Stored& ReadStored();
   bool IsStored(long long ordinal) const;
   inpS_NodeList& ListOf(long long ordinal);
   eds_MemberSet ByLabel(const eds_MemberSet& ordinals) const;
@@ -43,6 +34,4 @@ private:
   inpS_MeshScopes& m_scopes;
   const KvoObjLabeler& m_nodes;
   const KvoObjLabeler& m_elements;
-  const KvoObjMesh& m_mesh;
-  std::unique_ptr<Stored> m_stored;
 };

@@ -8,6 +8,9 @@
 #include "inpS/mesh/inpS_NodeList.h"
 #include "inpS/sets/inpS_SetDefinition.h"
 #include <deque>
+#include <memory>
+
+class inpS_BaseMesh;
 
 // The mesh of one owner as the deck gives it: the flat model or the assembly (the root), a part, or
 // what an instance holds of its own besides its part's.
@@ -36,6 +39,7 @@ struct inpS_MeshScope {
   long long generatedFrom = -1; // ordinal from which nodes were generated, not given; -1: none
   // A restart meets owners that the database holds already, with so many nodes and elements.
   bool isStored = false;
+  std::shared_ptr<inpS_BaseMesh> base;
   long long storedNodes = 0;
   long long storedElements = 0;
   long long nodeBase = 0; // flat ordinals of its first node and element

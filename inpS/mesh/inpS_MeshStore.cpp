@@ -49,6 +49,20 @@ eds_ArrayID writePlacedNormals(const inpS_MeshScope& scope, const utl_Buffer<dou
   return writeArray<double>(scope.owner, std::span<const double>(turned), 3);
 }
 
+// A restart meets pairs of elements that were there before; they come first.
+void addStored(const KvoSimDistribution& before, utl_Buffer<int>& pairs) {
+  if (before.IsNull() || before.IsEmpty()) return;
+  utl_Buffer<int> all;
+  for (const int64_t drawer : before.DrawerIDArray()) {
+    eds_ArrayReader array(before.DrawerArray(drawer));
+    const std::size_t first = all.Size();
+    all.Resize(first + 2 * static_cast<std::size_t>(array.Count()));
+    array.ReadPiece(0, std::span<int>(all).subspan(first));
+  }
+  all.Append(std::span<const int>(pairs));
+  pairs = std::move(all);
+}
+
 } // namespace
 
 inpS_MeshStore::inpS_MeshStore(const KvoObjDocument& document, KvoObjLabeler& nodes,
@@ -72,6 +86,7 @@ KvoSimPosition inpS_MeshStore::SaveElementType(const KvoObjDocument& document,
 }
 
 void inpS_MeshStore::SaveExtraNodes() {
+  KvoObjMesh mesh = m_document.GetModel().GetMesh();
   utl_Buffer<int> beams, references;
   for (inpS_MeshScope& scope : m_scopes.All()) {
     if (isPart(scope)) continue;
@@ -90,8 +105,9 @@ void inpS_MeshStore::SaveExtraNodes() {
     if (scope.part) gather(*scope.part);
     gather(scope);
   }
-  KvoObjMesh mesh = m_document.GetModel().GetMesh();
-  const auto save = [&](const utl_Buffer<int>& pairs, eds_DataType type) {
+  const auto save = [&](utl_Buffer<int> pairs, const KvoSimDistribution& before,
+                        eds_DataType type) {
+    addStored(before, pairs);
     KvoSimCollection list = m_document.Context().CreateCollection(eds_CollectionKind::Term);
     const auto count = static_cast<long long>(pairs.Size() / 2);
     list.ExtendSpace(count);
@@ -102,9 +118,11 @@ void inpS_MeshStore::SaveExtraNodes() {
     return distribution;
   };
   if (!beams.IsEmpty())
-    mesh.SetBeamOrientationExtraNodes(save(beams, eds_DataType::BeamExtraNodes));
+    mesh.SetBeamOrientationExtraNodes(
+        save(std::move(beams), mesh.GetBeamOrientationExtraNodes(), eds_DataType::BeamExtraNodes));
   if (!references.IsEmpty())
-    mesh.SetIrsDragchainRefNodes(save(references, eds_DataType::DragchainRefNodes));
+    mesh.SetIrsDragchainRefNodes(save(std::move(references), mesh.GetIrsDragchainRefNodes(),
+                                      eds_DataType::DragchainRefNodes));
 }
 
 // ---- nodes
@@ -280,13 +298,21 @@ void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& de
   const bool nodes = definition.kind == inpS_SetKind::Nodes;
   KvoSimCollection collection = mesh.CollectionOf(scope.owner, nodes);
   const KvoSimCSetID members = collection.CreateCSet(resolver.Members(scope, definition)).ID();
+  // What refers to a set of the model that a restart adds to goes on referring to it.
+  const eds_Member named = nodes ? eds_Member::NodeSets : eds_Member::ElementSets;
+  const eds_Member internal =
+      nodes ? eds_Member::InternalNodeSets : eds_Member::InternalElementSets;
+  const KvoSimPosition known =
+      scope.isStored
+          ? scope.owner.FollowStringKey(definition.internal ? internal : named, definition.name)
+          : KvoSimPosition();
   const auto save = [&](auto set) {
     set.SetUnsorted(definition.unsorted);
     set.SetMembership(members);
-    set.Bind(scope.owner, definition.internal);
+    if (known.IsNull()) set.Bind(scope.owner, definition.internal);
   };
   if (nodes)
-    save(KvoObjNodeSet(context, definition.name));
+    save(known.IsNull() ? KvoObjNodeSet(context, definition.name) : KvoObjNodeSet(known));
   else
-    save(KvoObjElementSet(context, definition.name));
+    save(known.IsNull() ? KvoObjElementSet(context, definition.name) : KvoObjElementSet(known));
 }

@@ -6,6 +6,7 @@
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/keywords/inpS_Flag.h"
+#include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElementStream.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
@@ -53,6 +54,7 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   m_copyScopes = inpS_CopyScopes(keywords);
   m_generatorScopes = inpS_GeneratorScopes(keywords);
   if (m_generatorScopes.Holds(m_scopes.Root())) m_scopes.Root().nodes.KeepPoints();
+  LoadBaseElements(m_scopes.Root());
   // An instance shares what its part is when it opens: parts come first wherever they stand.
   const auto isOfParts = [](const inp_Keyword& keyword) {
     return keyword.Scope().kind == inp_Scope::Kind::Part || keyword.Kind() == inp_KwUserElement;
@@ -96,10 +98,30 @@ void inpS_MeshVisitor::OpenLabels(inpS_MeshScope& scope) {
   if (m_generatorScopes.Holds(scope)) scope.nodes.KeepPoints();
   if (!scope.isStored) return;
   scope.storedNodes = m_nodes.Size(scope.nodeOccurrence);
+  scope.base = std::make_shared<inpS_BaseMesh>(m_inventory.GetDocument().GetMesh(), scope.owner,
+                                               scope.storedNodes);
   scope.storedElements = m_elements.Size(scope.elementOccurrence);
   scope.nodeBase = std::max<long long>(0, m_nodes.FlatFirst(scope.nodeOccurrence));
   scope.elementBase = std::max<long long>(0, m_elements.FlatFirst(scope.elementOccurrence));
   inpS_MeshSetReader::ReadStored(m_inventory.GetDocument().GetMesh(), scope);
+  if (&scope != &m_scopes.Root()) LoadBaseElements(scope);
+}
+
+// Elements from before a restart are looked at like those of the deck; as labels only where others
+// may be made from them.
+void inpS_MeshVisitor::LoadBaseElements(inpS_MeshScope& scope) {
+  if (!scope.base) return;
+  scope.base->LoadElements([this](const cow_String& name, int width) {
+    const inpS_ElementParameters type(m_typeData, name);
+    const int topology = type.TopologyNodes(width);
+    return inpS_BaseMesh::Type{FindElementType(type), topology,
+                               width > topology && type.CarriesReferenceNode(),
+                               inpS_GeneratedNodes::IsCompleted(name)};
+  });
+  if (m_copyScopes.Holds(scope)) scope.base->LoadLabels(m_nodes, scope.nodeOccurrence);
+  const eds_LabelMap& labels = m_nodes.Labels(scope.nodeOccurrence);
+  for (long long n = 0; n < scope.storedNodes; ++n)
+    m_largestNodeLabel = std::max(m_largestNodeLabel, static_cast<int>(labels.Label(n)));
 }
 
 bool inpS_MeshVisitor::MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope) {
@@ -209,8 +231,7 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
-  const KvoObjMesh mesh = m_inventory.GetDocument().GetMesh();
-  inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements, mesh);
+  inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements);
   cow_List<int> refused;
   inpS_NodeGeneration generation(known, scope, m_setReader,
                                  m_inventory.NumberSpatialDimensions() == 3, *this,

@@ -1,6 +1,7 @@
 #include "inpS/mesh/inpS_OldElements.h"
 #include "base/utl_Assert.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/mesh/inpS_BaseMesh.h"
 #include <algorithm>
 
 namespace {
@@ -63,10 +64,15 @@ bool inpS_CopyScopes::Holds(const inpS_MeshScope& scope) const {
 inpS_OldElements::Place inpS_OldElements::Find(long long ordinal) const {
   for (const inpS_MeshScope* scope : {&m_scope, static_cast<const inpS_MeshScope*>(m_scope.part)}) {
     if (!scope) continue;
-    const inpS_ElementBlock* block = scope->elements.BlockOf(ordinal);
+    const inpS_ElementConnectivity* owner = &scope->elements;
+    const inpS_ElementBlock* block = owner->BlockOf(ordinal);
+    if (!block && scope->base) {
+      owner = &scope->base->Elements();
+      block = owner->BlockOf(ordinal);
+    }
     if (!block) continue;
     utl_ASSERT(block->held);
-    return {&scope->elements, static_cast<std::size_t>(block - scope->elements.Blocks().data())};
+    return {owner, static_cast<std::size_t>(block - owner->Blocks().data())};
   }
   return {};
 }

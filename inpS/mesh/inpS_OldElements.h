@@ -28,7 +28,7 @@ public:
 
   // Blocks stay what they are, though not where, while elements are appended.
   struct Place {
-    const inpS_ElementConnectivity* owner = nullptr; // null: not among what this deck has defined
+    const inpS_ElementConnectivity* owner = nullptr; // null: nowhere
     std::size_t block = 0;
     const inpS_ElementBlock& Block() const { return owner->Blocks()[block]; }
   };

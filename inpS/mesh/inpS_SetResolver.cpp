@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_SetResolver.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_OldElements.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
@@ -320,6 +321,7 @@ void inpS_SetResolver::AddNodesOf(const inpS_MeshScope& scope, const eds_MemberS
     const bool ofPart = owner.part && element < owner.part->elementCount;
     const inpS_MeshScope& source = ofPart ? *owner.part : owner;
     const inpS_ElementBlock* block = source.elements.BlockOf(element);
+    if (!block && source.base) block = source.base->Elements().BlockOf(element);
     if (!block) {
       gathered.unread = true;
       continue;

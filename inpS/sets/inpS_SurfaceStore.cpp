@@ -76,7 +76,8 @@ void inpS_SurfaceStore::Check(const inp_Keyword& keyword, const Runs& runs,
 // A set in which one element lacks the face is left out as a whole.
 bool inpS_SurfaceStore::CheckNamed(const inp_Keyword& keyword, const Runs& runs,
                                    const Piece& piece) {
-  const eds_MemberSet& members = membershipOf(piece.named.set, false).Set();
+  const KvoSimCSet membership = membershipOf(piece.named.set, false);
+  const eds_MemberSet& members = membership.Set();
   const inpS_SurfaceElements::Run* run = nullptr;
   for (long long n = 0; n < members.Size(); ++n) {
     const long long element = members[n] + piece.named.offset;

@@ -1,0 +1,58 @@
+#include "tests/host/ProgramRun.h"
+
+namespace {
+
+// What a restart makes of the nodes, elements and sets of its base.
+class Restart : public ProgramTest {
+protected:
+  // The model as a deck, once the second deck has been converted into what the first one gave.
+  cow_String Written(const cow_String& base, const cow_String& more) const {
+    const cow_List<cow_List<cow_String>> runs = {
+        {"convert", Deck("base.inp", base), "-o", File("base.sim")},
+        {"convert", Deck("more.inp", more), "--restart", File("base.sim"), "-o", File("more.sim")},
+        {"check", File("more.sim")},
+        {"write", File("more.sim"), "-o", File("more.out")}};
+    for (const cow_List<cow_String>& words : runs) {
+      const ProgramRun run(words);
+      EXPECT_EQ(run.exitCode, 0) << words[0] << ' ' << run.err;
+    }
+    return readFile(m_folder / "more.out");
+  }
+};
+
+constexpr const char* kBase = "*NODE, NSET=N\n1, 0., 0., 0.\n2, 1., 0., 0.\n3, 2., 0., 0.\n"
+                              "*ELEMENT, TYPE=T3D2, ELSET=T\n1, 1, 2\n"
+                              "*ELEMENT, TYPE=B31, ELSET=B\n5, 1, 2, 3\n6, 2, 3\n";
+
+} // namespace
+
+TEST_F(Restart, MakesNodesAndElementsOfThoseOfItsBase) {
+  const cow_String deck = Written(kBase, "*NCOPY, OLD SET=N, CHANGE NUMBER=10, SHIFT, NEW SET=M\n"
+                                         "0., 0., 4.\n"
+                                         "*NGEN\n1, 11, 5\n"
+                                         "*ELGEN, ELSET=G\n1, 2, 1, 1\n"
+                                         "*ELCOPY, OLDSET=B, ELEMENT SHIFT=10, SHIFT NODES=10\n"
+                                         "*NSET, NSET=OF, ELSET=G\n"
+                                         "*NSET, NSET=N\n12\n"
+                                         "*SURFACE, NAME=S\nB, END1\nG, END2\n");
+  for (const char* lines :
+       {"11, 0., 0., 4.\n12, 1., 0., 4.\n13, 2., 0., 4.\n6, 0., 0., 2.\n",
+        "*NSET, NSET=N\n1, 2, 3, 12\n", "*NSET, NSET=M\n11, 12, 13\n", "*NSET, NSET=OF\n1, 2, 3\n",
+        "*ELEMENT, TYPE=T3D2\n2, 2, 3\n", "*ELEMENT, TYPE=B31\n15, 11, 12, 13\n16, 12, 13\n",
+        "*ELSET, ELSET=G\n1, 2\n"})
+    EXPECT_NE(deck.find(lines), cow_String::npos) << lines << deck;
+}
+
+// Two nodes are made in the middle of its faces, with labels above all that the base has.
+TEST_F(Restart, CompletesAGasketOnNodesOfItsBase) {
+  const char* const nodes = "*NODE\n1, 0., 0., 0.\n2, 2., 0., 0.\n3, 2., 2., 0.\n4, 0., 2., 0.\n"
+                            "5, 0., 0., 1.\n6, 2., 0., 1.\n7, 2., 2., 1.\n8, 0., 2., 1.\n"
+                            "9, 1., 0., 0.\n10, 2., 1., 0.\n11, 1., 2., 0.\n12, 0., 1., 0.\n"
+                            "13, 1., 0., 1.\n14, 2., 1., 1.\n15, 1., 2., 1.\n16, 0., 1., 1.\n";
+  const cow_String gasket = "1, 1, 2, 3, 4, 5, 6, 7, 8, 9,\n10, 11, 12, 13, 14, 15, 16\n";
+  const cow_String deck = Written(nodes, "*ELEMENT, TYPE=GK3D18\n" + gasket);
+  EXPECT_NE(deck.find("*ELEMENT, TYPE=GK3D18\n" + gasket), cow_String::npos) << deck;
+  const ProgramRun dump({"dump", File("more.sim")});
+  EXPECT_NE(dump.out.find("0: 1. 1. 0.\n"), cow_String::npos) << dump.out;
+  EXPECT_NE(dump.out.find("1: 1. 1. 1.\n"), cow_String::npos) << dump.out;
+}
