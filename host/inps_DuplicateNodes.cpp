@@ -4,6 +4,7 @@
 #include "host/inps_FlatMesh.h"
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 
 // Space is cut into cells far greater than the tolerance and far smaller than any element. Nodes
@@ -14,8 +15,9 @@ namespace {
 
 constexpr int64_t nodesPerBlock = 32 << 10;
 constexpr int64_t nodesPerPass = 4 << 20;
-constexpr double cellSize = 1e-7;      // of the model
-constexpr double gridShift = 0.381966; // of a cell: round coordinates do not lie on borders
+constexpr int64_t nodesLookedAt = 1 << 16; // for the size of the model
+constexpr double cellSize = 1e-7;          // of the model
+constexpr double gridShift = 0.381966;     // of a cell: round coordinates do not lie on borders
 constexpr std::size_t partitionCount = 256;
 
 using Place = std::array<double, 3>;
@@ -26,10 +28,10 @@ int32_t nodeOf(Entry entry) {
   return static_cast<int32_t>(entry & 0xffffffffu);
 }
 
-uint32_t hashOf(const std::array<int64_t, 3>& cell) {
+uint32_t hashOf(const Place& cell) {
   uint64_t hash = 0x9e3779b97f4a7c15u;
-  for (const int64_t part : cell) {
-    hash = (hash ^ static_cast<uint64_t>(part)) * 0xbf58476d1ce4e5b9u;
+  for (const double part : cell) {
+    hash = (hash ^ std::bit_cast<uint64_t>(part + 0.0)) * 0xbf58476d1ce4e5b9u; // no -0
     hash ^= hash >> 29;
   }
   return static_cast<uint32_t>(hash >> 32);
@@ -54,33 +56,30 @@ template <class Make, class Take> void forPlaces(const inps_FlatMesh& mesh, Make
       [&](std::size_t, std::size_t slot) { take(results[slot]); });
 }
 
+// Twice the median distance from the origin of the nodes that do not stand there: a few nodes far
+// away change nothing. Of many nodes a part is looked at, evenly spread.
 double sizeOf(const inps_FlatMesh& mesh) {
-  double size = 0;
-  Place low{}, high{};
-  bool isFirst = true;
-  struct Box {
-    Place low, high;
-  };
+  const int64_t step = mesh.NodeCount() / nodesLookedAt + 1;
+  cow_List<double> distances;
   forPlaces(
       mesh,
-      [](int64_t, std::span<const double> places) {
-        Box box{{places[0], places[1], places[2]}, {places[0], places[1], places[2]}};
-        for (std::size_t i = 0; i < places.size(); ++i) {
-          box.low[i % 3] = std::min(box.low[i % 3], places[i]);
-          box.high[i % 3] = std::max(box.high[i % 3], places[i]);
+      [step](int64_t first, std::span<const double> places) {
+        cow_List<double> some;
+        for (std::size_t i = 0; 3 * i < places.size(); ++i) {
+          if ((first + static_cast<int64_t>(i)) % step != 0) continue;
+          const double* const at = places.data() + 3 * i;
+          some.push_back(std::max({std::abs(at[0]), std::abs(at[1]), std::abs(at[2])}));
         }
-        return box;
+        std::erase(some, 0.0);
+        return some;
       },
-      [&](const Box& box) {
-        for (std::size_t k = 0; k < 3; ++k) {
-          low[k] = isFirst ? box.low[k] : std::min(low[k], box.low[k]);
-          high[k] = isFirst ? box.high[k] : std::max(high[k], box.high[k]);
-        }
-        isFirst = false;
+      [&](const cow_List<double>& some) {
+        distances.insert(distances.end(), some.begin(), some.end());
       });
-  for (std::size_t k = 0; k < 3; ++k)
-    size = std::max({size, high[k] - low[k], std::abs(low[k]), std::abs(high[k])});
-  return size;
+  if (distances.empty()) return 0;
+  const auto middle = distances.begin() + static_cast<std::ptrdiff_t>(distances.size() / 2);
+  std::nth_element(distances.begin(), middle, distances.end());
+  return 2 * *middle;
 }
 
 // The entries of one node: its cell, and the cells that the tolerance around it touches.
@@ -90,16 +89,17 @@ public:
       : m_scale(1 / (cellSize * size)), m_margin(inps_samePlace / cellSize) {}
 
   template <class Add> void ForHashes(const double* place, Add add) const {
-    std::array<int64_t, 3> low{}, high{};
+    // As doubles, which hold any number of cells: far away neighbours fall together.
+    Place low{}, high{};
     bool isInside = true;
     for (std::size_t k = 0; k < 3; ++k) {
       const double at = place[k] * m_scale + gridShift;
-      low[k] = static_cast<int64_t>(std::floor(at - m_margin));
-      high[k] = static_cast<int64_t>(std::floor(at + m_margin));
+      low[k] = std::floor(at - m_margin);
+      high[k] = std::floor(at + m_margin);
       isInside &= low[k] == high[k];
     }
     if (isInside) return add(hashOf(low));
-    std::array<int64_t, 3> cell{};
+    Place cell{};
     for (cell[0] = low[0]; cell[0] <= high[0]; ++cell[0])
       for (cell[1] = low[1]; cell[1] <= high[1]; ++cell[1])
         for (cell[2] = low[2]; cell[2] <= high[2]; ++cell[2]) add(hashOf(cell));

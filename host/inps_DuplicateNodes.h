@@ -14,7 +14,7 @@ struct inps_DuplicateNodes {
 };
 
 // Two nodes share a place when no coordinate differs by more than this part of the model's size,
-// which is its greatest extent or its greatest distance from the origin.
+// which is twice the median distance of its nodes from the origin: nodes far away change nothing.
 inline constexpr double inps_samePlace = 1e-10;
 
 // Linear in the number of nodes; holds a few million nodes at a time, and 24 bytes for each node

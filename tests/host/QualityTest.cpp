@@ -62,6 +62,13 @@ TEST_F(Quality, NodesInOnePlace) {
   EXPECT_EQ(found["first"], (json{"20 at 7", "21 at 7", "23 at 1"}));
 }
 
+TEST_F(Quality, ANodeFarAwayMovesNoOtherTogether) {
+  const json found = Of(cow_String(oneBrick) + "*NODE\n20, 1., 1., 1.0000000001\n"
+                                               "21, 1e30, 0., 0.\n22, 1e30, 0., 0.\n"
+                                               "23, 1.000000001, 0., 0.\n")["duplicateNodes"];
+  EXPECT_EQ(found["first"], (json{"20 at 7", "22 at 21"}));
+}
+
 TEST_F(Quality, NodesOfTwoInstancesInOnePlace) {
   const json found = Of("*PART, NAME=P\n*NODE\n1, 0., 0., 0.\n2, 1., 0., 0.\n"
                         "*ELEMENT, TYPE=T3D2\n1, 1, 2\n*END PART\n*ASSEMBLY, NAME=A\n"
