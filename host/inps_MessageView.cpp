@@ -103,7 +103,17 @@ void inps_MessageView::ShowSource(const wip_Place& place) const {
   m_out << '\n';
 }
 
+// What is told next begins a line, even where memory ran out in the middle of this message.
 void inps_MessageView::Show(inps_Severity severity, const wip_Message& message) const {
+  try {
+    ShowParts(severity, message);
+  } catch (...) {
+    m_out << '\n';
+    throw;
+  }
+}
+
+void inps_MessageView::ShowParts(inps_Severity severity, const wip_Message& message) const {
   const wip_Place& place = message.place;
   ShowHead(severity, place, message.text);
   // On a data line nobody sees whose data it is.

@@ -19,6 +19,7 @@ public:
   static std::string_view Name(inps_Severity severity);
 
 private:
+  void ShowParts(inps_Severity severity, const wip_Message& message) const;
   void ShowHead(inps_Severity severity, const wip_Place& place, std::string_view text) const;
   void ShowSource(const wip_Place& place) const;
   void ShowText(std::string_view text) const;

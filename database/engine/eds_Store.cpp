@@ -280,6 +280,7 @@ void eds_Store::ForgetAll() {
   for (eds_RowTable& table : m_tables) table.Forget();
   m_links.Forget();
   m_csets.clear();
+  m_storedTables.clear();
 }
 
 void eds_Store::Save() {
@@ -298,9 +299,19 @@ void eds_Store::BeforeChunk() {
 
 // ---- objects
 
+// One look at the list of tables: most kinds have none, and there are hundreds of them.
+bool eds_Store::IsStored(const eds_RecordInfo& info) {
+  if (m_storedTables.empty()) {
+    eds_Statement names(m_engine, "SELECT lower(name) FROM sqlite_schema");
+    while (names.Step()) m_storedTables.emplace(names.Text(0));
+  }
+  return m_storedTables.contains(cow_String(info.table));
+}
+
 void eds_Store::Load(eds_RowTable& table) {
   utl_ASSERT(!IsClosed());
-  table.SetStoredColumns(eds_storedColumns(m_engine, table.Info().table));
+  table.SetStoredColumns(IsStored(table.Info()) ? eds_storedColumns(m_engine, table.Info().table)
+                                                : std::vector<cow_String>());
   table.Load();
 }
 

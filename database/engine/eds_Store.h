@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 
 // One open model: its records in memory, what of them has changed, and the file beneath. Everything
 // the Kvo handles do is done here.
@@ -76,6 +77,7 @@ private:
     std::shared_ptr<const eds_MemberSet> members;
   };
 
+  bool IsStored(const eds_RecordInfo& info);
   void Load(eds_RowTable& table);
   void ForgetAll();
   void StartEmpty();
@@ -103,6 +105,7 @@ private:
   std::unordered_map<int64_t, std::weak_ptr<const eds_MemberSet>> m_csets;
   std::vector<TempCSet> m_tempCSets;
   std::vector<int64_t> m_tempDistributions;
+  std::unordered_set<cow_String> m_storedTables; // empty: not read yet
   std::map<cow_String, cow_String> m_meta;
   bool m_metaChanged = false;
 

@@ -16,6 +16,8 @@ std::atomic<int64_t> g_call{0};
 std::atomic<bool> g_andLater{false};
 std::atomic<int64_t> g_raised{0};
 
+} // namespace
+
 bool fails(Fault fault) {
   const int64_t call = ++g_calls[static_cast<size_t>(fault)];
   if (fault != g_fault) return false;
@@ -23,8 +25,6 @@ bool fails(Fault fault) {
   if (hit) ++g_raised;
   return hit;
 }
-
-} // namespace
 
 void faultAt(Fault fault, int64_t call, bool andLater) {
   noFault();

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-// Places where the system may let the program down.
-enum class Fault { Read, Write, Sync, Open, Truncate, Delete, EngineMemory, Memory, Count };
+// Places where the system may let the program down. Buffer: the memory of bulk arrays.
+enum class Fault { Read, Write, Sync, Open, Truncate, Delete, EngineMemory, Memory, Buffer, Count };
 
 // Makes the n-th call of one kind fail (from 1), or that one and all behind it. Calls are counted
 // on all threads.
@@ -11,6 +11,7 @@ void faultAt(Fault fault, int64_t call, bool andLater);
 void noFault();
 int64_t faultCalls(Fault fault); // since the last faultAt or noFault
 int64_t faultsRaised();
+bool fails(Fault fault); // counts the call that asks
 
 // Before the engine's first use in the process.
 void installFaultyEngine();
