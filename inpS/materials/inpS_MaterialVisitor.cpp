@@ -481,6 +481,8 @@ namespace {
 // later keyword of the material may give it.
 constexpr int kRateColumn = 2;
 constexpr int kStateColumn = 3; // temperature, field variables
+// Of one material; each one's rows join those of all before it.
+constexpr int kMostRates = 1000;
 
 double rateOf(const inp_Keyword& keyword) {
   const inp_Item* rate = keyword.Find("rate");
@@ -521,6 +523,7 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   if (table.NumRows() == 0) return {};
   const KvoSimPosition property = m_owner.CreateDataRecord(kind);
   m_owner.Associate(eds_Member::Properties, property);
+  m_rates = 1;
   const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(kind);
   inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
   const int tableKind = inpS_PropertyUtils::TableKindOf(kind);
@@ -535,6 +538,11 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
 void inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
                                                            const inp_Keyword& keyword,
                                                            const KvoSimPosition& property) {
+  if (++m_rates > kMostRates) {
+    Error(keyword, "A material has at most " + std::to_string(kMostRates) +
+                       " *PLASTIC with isotropic hardening; the keyword is kept as text.");
+    return KeepAsText(keyword, m_owner);
+  }
   const inpS_KeywordDataTable added = ReadIsotropicHardening(keyword);
   if (added.NumRows() == 0) return KeepAsText(keyword, m_owner);
   KvoSrvFsmFTable table = property.GetFTable();

@@ -86,6 +86,7 @@ private:
   KvoSimCollection m_fieldVariableCollection;
   KvoSimCollection m_componentCollection;
   KvoSimPosition m_material;
+  int m_rates = 0; // *PLASTIC of its isotropic hardening so far
   KvoSimPosition m_gasket;
   KvoSimPosition m_owner; // of the keyword at hand
   inpS_TextKeywords m_text;
