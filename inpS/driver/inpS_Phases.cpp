@@ -6,6 +6,7 @@
 #include "database/KvoSimDistribution.h"
 #include "database/KvoSimGrid.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/framework/inpS_UnusedLines.h"
 #include "inpS/history/inpS_AmplitudeVisitor.h"
 #include "inpS/history/inpS_BoundaryVisitor.h"
 #include "inpS/history/inpS_InitialConditionVisitor.h"
@@ -154,6 +155,9 @@ bool Driver::ProcessAssembly() {
   visitor.VisitList(m_keywords);
   visitor.ReportUnreferredParameters(m_keywords,
                                      {inp_KwPart, inp_KwAssembly, inp_KwInstance, inp_KwHeading});
+  inpS_reportUnusedLines(
+      m_keywords, {inp_KwPart, inp_KwEndPart, inp_KwAssembly, inp_KwEndAssembly, inp_KwEndInstance},
+      visitor);
   visitor.Report();
 
   return !visitor.IsError();

@@ -5,6 +5,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/framework/inpS_UnusedLines.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
@@ -66,6 +67,7 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
     if (!isOfParts(keyword)) Visit(keyword);
   Finish(keywords);
   ReportUnreferredParameters(keywords, ModelledKinds());
+  inpS_reportUnusedLines(keywords, {inp_KwElcopy}, *this);
 }
 
 // ---- owners
@@ -179,7 +181,9 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
   if (keyword.IsInstanceCopy() || keyword.Scope().kind == inp_Scope::Kind::Step) return true;
   const bool outside = keyword.Scope().kind == inp_Scope::Kind::Model &&
                        m_scopes.Root().owner.IsA(eds_RecordKind::Assembly);
-  if (!outside) return !ScopeOf(keyword);
+  if (!outside && ScopeOf(keyword)) return false;
+  keyword.ReferAll(); // one word for all of it
+  if (!outside) return true;
   Error(keyword, "In a deck with an assembly, mesh and sets belong to a part, an instance or the "
                  "assembly; ignored.");
   return true;

@@ -4,6 +4,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/keywords/inpS_KeywordParameterReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/sets/inpS_SurfaceCombiner.h"
@@ -114,6 +115,7 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
   KvoObjSurface surface(Owner(), name->AsString(), internal);
   inpS_readParameters(keyword, inpS_surfaceParameters(), surface.Position().DataRecord(), *this);
+  TellKept(keyword, type, operation);
   if (!points.empty()) surface.SetPoints(points);
   if (!segments.empty()) surface.SetSegments(segments);
   if (operation != Operation::Defined)
@@ -121,6 +123,21 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   else if (!isAnalytical(type))
     ReadData(keyword, surface);
   transaction.Commit();
+}
+
+// What is written back as it was given, but leaves the faces found here as they are.
+void inpS_SurfaceVisitor::TellKept(const inp_Keyword& keyword, Type type, Operation operation) {
+  if (type == Type::Cutting && operation == Operation::Defined)
+    Warning(keyword, "The plane and the elements of a cutting surface are kept; the faces where it "
+                     "cuts them are not determined.");
+  if (isAnalytical(type)) return; // has no faces
+  for (const char* name : {"radius", "offset", "spos", "sneg"})
+    if (keyword.HasParameter(name) &&
+        inpS_KeywordParameterReader::GetParameterBoolValue(keyword, name, true))
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, name,
+          "Parameter \"" + cow_String(name) +
+              "\" is kept; it changes nothing of the faces and areas found here."));
 }
 
 bool inpS_SurfaceVisitor::ReadOperation(const inp_Keyword& keyword, Operation& operation) {
@@ -230,7 +247,7 @@ void inpS_SurfaceVisitor::ReadData(const inp_Keyword& keyword, KvoObjSurface& su
   default:
     return;
   }
-  if (keyword.Data().Rows() == 0)
+  if (inpS_isBlank(keyword.Data()))
     Warning(keyword, "Surface \"" + surface.Name() + "\" has no data lines; it is empty.");
 }
 
