@@ -76,6 +76,7 @@ inps_TerminalFacts inps_messageTerminal() {
 
 void inps_prepareStreams() {
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN); // a file beyond its limit is a failure of writing
 }
 
 void inps_stopWhenAsked() {
