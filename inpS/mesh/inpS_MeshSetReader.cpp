@@ -58,7 +58,7 @@ void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
   const bool unsorted =
       kind == inpS_SetKind::Nodes && inpS_readFlag(keyword, "unsorted", m_messages);
   const bool generate = inpS_readFlag(keyword, "generate", m_messages);
-  const inp_Item* ofElset = kind == inpS_SetKind::Nodes ? keyword.Find("elset") : nullptr;
+  const inp_Item* ofElset = kind == inpS_SetKind::Nodes ? FindName(keyword, "elset") : nullptr;
   cow_String instance;
   const bool instanceKnown = FindInstance(keyword, scope, instance);
   if (!name || name->AsString().empty()) {
@@ -106,6 +106,11 @@ bool inpS_MeshSetReader::FindInstance(const inp_Keyword& keyword, const inpS_Mes
                                       cow_String& instance) {
   const inp_Item* item = keyword.Find("instance");
   if (!item) return true;
+  if (item->AsString().empty()) {
+    m_messages.AddError(
+        inp_Utils::MessageAtParameter(keyword, "instance", "The name of the instance is missing."));
+    return false;
+  }
   if (scope.kind == inpS_MeshScope::Kind::Instance) {
     m_messages.AddError(inp_Utils::MessageAtParameter(
         keyword, "instance", "Instance parameter cannot be used at the part instance level."));

@@ -4,6 +4,7 @@
 #include "database/KvoObjSurface.h"
 #include "inpS/geometry/inpS_ElementMeasure.h"
 #include "inpS/sets/inpS_SurfaceElements.h"
+#include <array>
 #include <optional>
 
 class KvoObjDocument;
@@ -44,11 +45,16 @@ private:
     const inpS_ShapeFunctions* functions = nullptr; // null: the type has no such face
     std::vector<int> columns;
   };
-  template <class T> struct Chunk { // the last one read
+  // Chunks of the array read last: many small surfaces of neighbours lie in a few of them.
+  template <class T> struct Chunks {
+    static constexpr int64_t kHeld = 32;
+    struct Held {
+      int64_t number = -1;
+      std::vector<T> items;
+    };
     int64_t array = 0;
-    int64_t number = -1;
     std::optional<eds_ArrayReader> reader;
-    std::span<const T> items;
+    std::array<Held, kHeld> held;
     const T* Item(const eds_ArrayID& id, int64_t item);
   };
 
@@ -66,8 +72,8 @@ private:
   inpS_SurfaceElements m_elements;
   cow_List<KvoMeshNodeBlock> m_flat;
   cow_Map<unsigned long long, cow_List<KvoMeshNodeBlock>> m_ofParts;
-  Chunk<int32_t> m_connectivity;
-  Chunk<double> m_coordinates;
+  Chunks<int32_t> m_connectivity;
+  Chunks<double> m_coordinates;
   // Of the surface at hand.
   cow_List<Group> m_groups;
   utl_Buffer<int32_t> m_entries; // the faces' nodes, -1: absent; then their places among all nodes
