@@ -51,6 +51,7 @@ inpS_VerbatimVisitor::inpS_VerbatimVisitor(const inpS_Inventory& inventory,
 
 void inpS_VerbatimVisitor::ContinuePositions() {
   m_isRestart = true;
+  m_definitions.emplace(m_inventory.GetDocument());
   const KvoSimContext context = m_inventory.GetDocument().Context();
   for (const KvoSimPosition& kept : context.GetRecords(eds_RecordKind::VerbatimKeyword)) {
     const KvoSimDataRecord record = kept.DataRecord();
@@ -104,6 +105,7 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     return;
   }
   keyword.ReferAll();
+  if (IsLeftOut(keyword)) return;
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (!row || row->role != inp_KeywordRole::Close) Count(keyword); // the opening one speaks for it
 
@@ -123,6 +125,16 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   record.SetString(eds_VerbatimKeyword_Text, keyword.Text());
   if (told && !told->behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, told->behind);
   transaction.Commit();
+}
+
+// What the model that is restarted has already: told once, at the keyword that names it.
+bool inpS_VerbatimVisitor::IsLeftOut(const inp_Keyword& keyword) {
+  if (!m_definitions || keyword.Scope().kind == inp_Scope::Kind::Step) return false;
+  if (m_definitions->IsOfRefused(keyword)) return true;
+  cow_String conflict = m_definitions->Conflict(keyword);
+  if (conflict.empty()) return false;
+  Error(keyword, std::move(conflict));
+  return true;
 }
 
 // A behaviour outside of any material, a sub-option of an amplitude that has been replaced: behind

@@ -5,7 +5,9 @@
 #include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/model/inpS_NotModelled.h"
+#include "inpS/model/inpS_RestartDefinitions.h"
 #include <functional>
+#include <optional>
 
 // Keeps as text, at its level, every keyword that no phase converts, so that nothing of a deck is
 // lost: the writer puts it back in its place. One warning per kind of keyword, at its first place.
@@ -35,6 +37,7 @@ private:
     const char* level;
   };
   bool IsModelled(const inp_Keyword& keyword) const;
+  bool IsLeftOut(const inp_Keyword& keyword);
   bool IsStray(const inp_Keyword& keyword) const;
   Place PlaceOf(const inp_Scope& scope);
   int BlockOf(const inp_Keyword& keyword);
@@ -46,7 +49,8 @@ private:
   const inpS_TextKeywords* m_asText = nullptr;
   std::function<bool(const inp_Keyword&)> m_unmodelled;
   bool m_isRestart = false;
-  const inp_Scope* m_scope = nullptr; // of the keyword before
+  std::optional<inpS_RestartDefinitions> m_definitions; // of a restart
+  const inp_Scope* m_scope = nullptr;                   // of the keyword before
   inp_ScopePtr m_scopeHeld;
   Place m_place{};
   int m_block = 0;

@@ -56,3 +56,44 @@ TEST_F(Restart, CompletesAGasketOnNodesOfItsBase) {
   EXPECT_NE(dump.out.find("0: 1. 1. 0.\n"), cow_String::npos) << dump.out;
   EXPECT_NE(dump.out.find("1: 1. 1. 1.\n"), cow_String::npos) << dump.out;
 }
+
+// What the base has, or an earlier restart has brought, is not defined a second time.
+TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
+  const cow_String steel = "*MATERIAL, NAME=STEEL\n*ELASTIC\n210., 0.3\n";
+  const cow_String more = "*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-1.\n"
+                          "*MATERIAL, NAME=Steel\n*PLASTIC\n9., 0.\n*RATE DEPENDENT\n9., 9.\n"
+                          "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n9.\n"
+                          "*MATERIAL, NAME=NEW\n*DENSITY\n7.\n"
+                          "*MATERIAL, NAME=NEW\n*DENSITY\n9.\n";
+  Written("*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-273.15\n" + steel +
+              "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n1.\n",
+          "*NODE\n1, 0., 0., 0.\n");
+  const ProgramRun first(
+      {"convert", Deck("a.inp", more), "--restart", File("more.sim"), "-o", File("a.sim")});
+  for (const char* told :
+       {"a.inp:1:1: error: The model that is restarted has physical constants",
+        "a.inp:2:1: error: Material with name \"STEEL\" has already been defined",
+        "a.inp:7:1: error: Gasket behavior with name \"G\" has already",
+        "a.inp:13:1: error: Material with name \"NEW\" has already"})
+    EXPECT_TRUE(first.Says(told)) << told << first.err;
+  const ProgramRun second({"convert", Deck("b.inp", "*MATERIAL, NAME=NEW\n*DENSITY\n9.\n"),
+                           "--restart", File("a.sim"), "-o", File("b.sim")});
+  EXPECT_TRUE(second.Says("b.inp:1:1: error: Material with name \"NEW\" has already"))
+      << second.err;
+  const cow_String deck = ProgramRun({"write", File("b.sim")}).out;
+  EXPECT_NE(deck.find("*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-273.15\n" + steel +
+                      "*MATERIAL, NAME=NEW\n*DENSITY\n7.\n"
+                      "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n1.\n"),
+            cow_String::npos)
+      << deck;
+  EXPECT_EQ(deck.find("9."), cow_String::npos) << deck;
+}
+
+// An amplitude defined anew takes the texts of the former one with it.
+TEST_F(Restart, ReplacesAnAmplitudeWhole) {
+  const cow_String deck = Written("*AMPLITUDE, NAME=A, DEFINITION=PERIODIC\n1, 2., 0., 3.\n4., 5.\n"
+                                  "*BASELINE CORRECTION\n0.5, 1.5\n*AMPLITUDE, NAME=B\n0., 1.\n",
+                                  "*AMPLITUDE, NAME=A\n0., 7.\n");
+  EXPECT_EQ(deck.find("BASELINE"), cow_String::npos) << deck;
+  EXPECT_NE(deck.find("*AMPLITUDE, NAME=A\n0., 7.\n"), cow_String::npos) << deck;
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "database/KvoObjDocument.h"
+#include "parser/inp_KeywordEnm.h"
+#include <set>
+
+class inp_Keyword;
+
+// A restart goes on with the materials, gasket behaviours and physical constants of its model. It
+// converts none, but keeps those of other names as text; one of the same name would stand twice in
+// the deck that is written.
+class inpS_RestartDefinitions {
+public:
+  explicit inpS_RestartDefinitions(const KvoObjDocument& document);
+
+  // What is wrong with the keyword; empty: nothing, and from now on its name is known.
+  cow_String Conflict(const inp_Keyword& keyword);
+  // Whether the keyword belongs to one that Conflict had words for.
+  bool IsOfRefused(const inp_Keyword& keyword) const;
+
+private:
+  void AddKept(const KvoObjDocument& document);
+
+  std::set<std::pair<inp_KeywordEnm, cow_String>> m_names;
+  bool m_refused = false;
+};
