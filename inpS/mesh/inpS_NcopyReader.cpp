@@ -9,6 +9,9 @@
 void inpS_NcopyReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sink) {
   Open(keyword, sink, nullptr);
   if (!ReadMap() || !LabelsFit()) return;
+  if (m_options.changeNumber == 0)
+    Messages().AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "changenumber", "With a change of 0 the nodes themselves move; none are copied."));
   const long long count = m_oldSet.ordinals.Size();
   cow_List<inpS_NodeValues> old;
   if (MayFallOnOld()) Gather(m_oldSet, old);

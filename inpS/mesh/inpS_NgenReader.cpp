@@ -96,17 +96,26 @@ void inpS_NgenReader::Generate(const Line& line, long long first, long long last
   const long long label = Known().LabelOf(first);
   const long long span = Known().LabelOf(last) - label;
   const long long intervals = span / line.increment;
-  if (intervals < 0)
-    Messages().AddWarning(inp_Utils::MessageAtRow(
-        Keyword(), line.row,
-        inp_Utils::Format("Increment of %lld does not lead from node %lld to node %lld; no nodes "
-                          "are generated.",
-                          line.increment, label, label + span)));
+  TellRest(line, label, span);
   if (intervals <= 1 || !LabelsFit(line.row, label, line.increment, intervals - 1)) return;
   const inpS_NodeValues a = ValuesOf(first), b = ValuesOf(last);
   if (m_line == "RC") Straight(line, label, intervals, a, b);
   if (m_line == "P") Parabola(line, label, intervals, a, b);
   if (m_line == "C") Circle(line, label, intervals, a, b);
+}
+
+// Once a line, which may be of sets with thousands of nodes.
+void inpS_NgenReader::TellRest(const Line& line, long long label, long long span) {
+  const bool leads = span % line.increment == 0 && span / line.increment >= 0;
+  if (leads || m_lastTold == line.row) return;
+  m_lastTold = line.row;
+  const long long intervals = span / line.increment;
+  cow_String text =
+      inp_Utils::Format("Increment of %lld does not lead from node %lld to node %lld; ",
+                        line.increment, label, label + span);
+  text += intervals > 1 ? "the way is cut into " + std::to_string(intervals) + " equal parts."
+                        : cow_String("no nodes are generated.");
+  Messages().AddWarning(inp_Utils::MessageAtRow(Keyword(), line.row, std::move(text)));
 }
 
 void inpS_NgenReader::Straight(const Line& line, long long label, long long intervals,

@@ -45,6 +45,7 @@ private:
   long long CountOf(const Line& line, const inpS_KnownNodes::Set& first,
                     const inpS_KnownNodes::Set& last);
   void Generate(const Line& line, long long first, long long last);
+  void TellRest(const Line& line, long long label, long long span);
   void Straight(const Line& line, long long label, long long intervals, const inpS_NodeValues& a,
                 const inpS_NodeValues& b);
   void Parabola(const Line& line, long long label, long long intervals, const inpS_NodeValues& a,
@@ -56,4 +57,5 @@ private:
 
   cow_String m_line;
   inpS_System m_system;
+  long long m_lastTold = -1; // row whose increment was told not to lead to the end
 };
