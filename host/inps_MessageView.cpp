@@ -3,6 +3,7 @@
 #include "parser/inp_Utf8Text.h"
 #include <algorithm>
 #include <ostream>
+#include <sstream>
 
 namespace {
 
@@ -46,39 +47,39 @@ std::string_view inps_MessageView::Name(inps_Severity severity) {
 }
 
 // Texts may quote anything a deck holds, so nothing in them may steer a terminal.
-void inps_MessageView::ShowText(std::string_view text) const {
+void inps_MessageView::ShowText(aio_ostream& out, std::string_view text) const {
   while (!text.empty() && text.back() == '\n') text.remove_suffix(1);
   for (std::size_t at = 0; at != std::string_view::npos;) {
     const std::size_t lineEnd = text.find('\n', at);
     const std::size_t length = lineEnd == std::string_view::npos ? lineEnd : lineEnd - at;
-    if (at > 0) m_out << '\n';
-    m_out << inp_printable(text.substr(at, length), longestText);
+    if (at > 0) out << '\n';
+    out << inp_printable(text.substr(at, length), longestText);
     at = lineEnd == std::string_view::npos ? lineEnd : lineEnd + 1;
   }
 }
 
-void inps_MessageView::ShowHead(inps_Severity severity, const wip_Place& place,
+void inps_MessageView::ShowHead(aio_ostream& out, inps_Severity severity, const wip_Place& place,
                                 std::string_view text) const {
   const Look& look = lookOf(severity);
-  if (m_colour) m_out << bold;
+  if (m_colour) out << bold;
   const bool note = severity == inps_Severity::Note; // one without a place belongs to its message
   if (place.file.empty())
-    m_out << (note ? " " : "inps:");
+    out << (note ? " " : "inps:");
   else
-    m_out << inp_printable(place.file, longestText);
+    out << inp_printable(place.file, longestText);
   if (!place.file.empty() && place.line > 0) {
-    m_out << ':' << place.line;
-    if (place.column > 0) m_out << ':' << place.column;
+    out << ':' << place.line;
+    if (place.column > 0) out << ':' << place.column;
   }
-  m_out << (place.file.empty() ? " " : ": ");
-  if (m_colour) m_out << look.colour;
-  m_out << look.name << ": ";
-  if (m_colour) m_out << plain;
-  ShowText(text);
+  out << (place.file.empty() ? " " : ": ");
+  if (m_colour) out << look.colour;
+  out << look.name << ": ";
+  if (m_colour) out << plain;
+  ShowText(out, text);
 }
 
 // The stretch of the line around the column that fits, and the caret under the column.
-void inps_MessageView::ShowSource(const wip_Place& place) const {
+void inps_MessageView::ShowSource(aio_ostream& out, const wip_Place& place) const {
   if (place.sourceLine.empty()) return;
   const cow_List<std::string_view> line = charactersOf(place.sourceLine);
   const auto room = static_cast<std::size_t>(std::max(20, m_width - 1));
@@ -88,50 +89,50 @@ void inps_MessageView::ShowSource(const wip_Place& place) const {
   if (line.size() > room && column > room * 2 / 3) first = column - room * 2 / 3 + 1;
   const std::size_t last = std::min(line.size(), first + room - (first > 0 ? 1 : 0));
 
-  if (first > 0) m_out << "…";
-  for (std::size_t i = first; i < last; ++i) m_out << line[i];
-  m_out << '\n';
+  if (first > 0) out << "…";
+  for (std::size_t i = first; i < last; ++i) out << line[i];
+  out << '\n';
   if (place.column <= 0) return;
-  if (first > 0) m_out << ' ';
-  for (std::size_t i = first; i < column; ++i) m_out << (line[i] == "\t" ? '\t' : ' ');
+  if (first > 0) out << ' ';
+  for (std::size_t i = first; i < column; ++i) out << (line[i] == "\t" ? '\t' : ' ');
   const auto asked = static_cast<std::size_t>(std::max(1, place.width));
   const std::size_t width =
       std::min(asked, std::max<std::size_t>(1, last - std::min(last, column)));
-  if (m_colour) m_out << green;
-  m_out << '^' << cow_String(width - 1, '~');
-  if (m_colour) m_out << plain;
-  m_out << '\n';
+  if (m_colour) out << green;
+  out << '^' << cow_String(width - 1, '~');
+  if (m_colour) out << plain;
+  out << '\n';
 }
 
-// What is told next begins a line, even where memory ran out in the middle of this message.
+// In one piece: standard error has no buffer, and memory may run out on the way.
 void inps_MessageView::Show(inps_Severity severity, const wip_Message& message) const {
-  try {
-    ShowParts(severity, message);
-  } catch (...) {
-    m_out << '\n';
-    throw;
-  }
+  std::ostringstream whole;
+  whole.exceptions(std::ios::badbit); // else a want of memory would cut it in silence
+  ShowParts(whole, severity, message);
+  m_out << whole.view();
 }
 
-void inps_MessageView::ShowParts(inps_Severity severity, const wip_Message& message) const {
+void inps_MessageView::ShowParts(aio_ostream& out, inps_Severity severity,
+                                 const wip_Message& message) const {
   const wip_Place& place = message.place;
-  ShowHead(severity, place, message.text);
+  ShowHead(out, severity, place, message.text);
   // On a data line nobody sees whose data it is.
   const bool ownLine = place.sourceLine.find('*') != cow_String::npos;
   const bool named = message.text.find('*' + message.keyword) != cow_String::npos;
-  if (!message.keyword.empty() && !ownLine && !named) m_out << " [*" << message.keyword << ']';
-  m_out << '\n';
-  ShowSource(place);
+  if (!message.keyword.empty() && !ownLine && !named) out << " [*" << message.keyword << ']';
+  out << '\n';
+  ShowSource(out, place);
   for (const wip_Note& note : message.notes) {
-    ShowHead(inps_Severity::Note, note.place, note.text);
-    m_out << '\n';
-    ShowSource(note.place);
+    ShowHead(out, inps_Severity::Note, note.place, note.text);
+    out << '\n';
+    ShowSource(out, note.place);
   }
   for (const cow_String& from : place.includedFrom)
-    m_out << "  included from " << inp_printable(from, longestText) << '\n';
+    out << "  included from " << inp_printable(from, longestText) << '\n';
 }
 
 void inps_MessageView::ShowLine(inps_Severity severity, std::string_view text) const {
-  ShowHead(severity, {}, text);
-  m_out << '\n';
+  std::ostringstream whole;
+  ShowHead(whole, severity, {}, text);
+  m_out << whole.view() << '\n';
 }

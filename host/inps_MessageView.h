@@ -19,10 +19,11 @@ public:
   static std::string_view Name(inps_Severity severity);
 
 private:
-  void ShowParts(inps_Severity severity, const wip_Message& message) const;
-  void ShowHead(inps_Severity severity, const wip_Place& place, std::string_view text) const;
-  void ShowSource(const wip_Place& place) const;
-  void ShowText(std::string_view text) const;
+  void ShowParts(aio_ostream& out, inps_Severity severity, const wip_Message& message) const;
+  void ShowHead(aio_ostream& out, inps_Severity severity, const wip_Place& place,
+                std::string_view text) const;
+  void ShowSource(aio_ostream& out, const wip_Place& place) const;
+  void ShowText(aio_ostream& out, std::string_view text) const;
 
   aio_ostream& m_out;
   bool m_colour;

@@ -3,6 +3,7 @@
 #include "parser/inp_IncludeFinder.h"
 #include "parser/inp_KeywordReader.h"
 #include "parser/inp_KeywordTable.h"
+#include "parser/inp_MessageList.h"
 #include "parser/inp_ParametersSoFar.h"
 #include "parser/inp_ScopeTracker.h"
 #include "parser/inp_Structure.h"
@@ -50,6 +51,8 @@ struct inp_Parser::Impl {
   cow_List<wip_Message> fileErrors{};
   cow_List<wip_Message> syntaxErrors{};
   cow_List<wip_Message> warnings{};
+  long long moreErrors = 0; // beyond the limit of their list
+  long long moreWarnings = 0;
 
   inp_KeywordReader reader{syntaxErrors, warnings};
   cow_List<wip_Message> scopeErrors{};
@@ -75,6 +78,8 @@ struct inp_Parser::Impl {
   void Begin(const std::shared_ptr<inp_KeywordBody>& body);
   void End();
   void TellScopeErrors();
+  void LimitMessages();
+  void TellMore();
   void ReportHeadless(const inp_DataSegment& segment);
   void Include(const inp_KeywordBody& include);
   void TakeDataFile(inp_KeywordBody& body);
@@ -118,6 +123,7 @@ inp_KeywordList inp_Parser::Parse(bool expectFile) {
   m_impl->End();
   m_impl->scopes.Finish();
   m_impl->TellScopeErrors();
+  m_impl->TellMore();
   const bool nothingSaid = m_impl->fileErrors.empty() && m_impl->syntaxErrors.empty();
   if (m_impl->keywords.empty() && nothingSaid) {
     wip_Message message("the deck holds no keyword");
@@ -140,6 +146,22 @@ inp_DeckTextPtr inp_Parser::Impl::OpenRoot(bool expectFile) {
     fileErrors.push_back(std::move(message));
     return nullptr;
   }
+}
+
+void inp_Parser::Impl::LimitMessages() {
+  const auto cut = [](cow_List<wip_Message>& messages, long long& more) {
+    if (messages.size() <= inp_MessageList::limit) return;
+    more += static_cast<long long>(messages.size() - inp_MessageList::limit);
+    messages.resize(inp_MessageList::limit);
+  };
+  cut(syntaxErrors, moreErrors);
+  cut(warnings, moreWarnings);
+}
+
+void inp_Parser::Impl::TellMore() {
+  LimitMessages();
+  if (moreErrors > 0) syntaxErrors.push_back(inp_MessageList::More(moreErrors));
+  if (moreWarnings > 0) warnings.push_back(inp_MessageList::More(moreWarnings));
 }
 
 void inp_Parser::Impl::ParseText(const inp_DeckTextPtr& text) {
@@ -175,6 +197,7 @@ void inp_Parser::Impl::ParseKeyword(const inp_DeckTextPtr& text, const inp_Struc
                                     std::size_t mark) {
   const inp_KeywordMark& at = found.marks[mark];
   const inp_KeywordReader::Result read = reader.Read(text, at.at, at.line + 1);
+  LimitMessages();
   if (read.body->kind == inp_KwInclude && followIncludes) {
     Include(*read.body);
   } else {

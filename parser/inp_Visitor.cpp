@@ -46,14 +46,10 @@ void inp_Visitor::VisitListAndReport(inp_KeywordListRef keywords) {
 
 void inp_Visitor::Report() {
   wip_WIPBase& reporter = wip_WIPBase::Instance();
-  if (m_reported < m_errors.size()) {
-    const auto first = m_errors.begin() + static_cast<std::ptrdiff_t>(m_reported);
-    m_reported = m_errors.size();
-    reporter.ErrorList(cow_List<wip_Message>(first, m_errors.end()), errorLevel);
-  }
-  if (m_warnings.empty()) return;
-  const cow_List<wip_Message> warnings = std::exchange(m_warnings, {});
-  reporter.WarningList(warnings);
+  const cow_List<wip_Message> errors = m_errors.TakeNew();
+  if (!errors.empty()) reporter.ErrorList(errors, errorLevel);
+  const cow_List<wip_Message> warnings = std::exchange(m_warnings, {}).TakeNew();
+  if (!warnings.empty()) reporter.WarningList(warnings);
 }
 
 void inp_Visitor::AddDiagnostics(const cow_List<std::pair<int, cow_String>>& lines) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/wip_Message.h"
+#include "parser/inp_MessageList.h"
 #include <utility>
 
 class inp_Keyword;
@@ -17,20 +17,19 @@ public:
   virtual void VisitList(inp_KeywordListRef keywords);
   virtual void VisitListAndReport(inp_KeywordListRef keywords);
 
-  bool IsError() const { return !m_errors.empty(); }
+  bool IsError() const { return !m_errors.IsEmpty(); }
   virtual void Report(); // hands the messages to wip_WIPBase::Instance() and empties the warnings
   void AddDiagnostics(const cow_List<std::pair<int, cow_String>>& lines); // (line, text) errors
 
-  void AddError(wip_Message message) { m_errors.push_back(std::move(message)); }
-  void AddWarning(wip_Message message) { m_warnings.push_back(std::move(message)); }
-  const cow_List<wip_Message>& Errors() const { return m_errors; }
-  const cow_List<wip_Message>& Warnings() const { return m_warnings; }
+  void AddError(wip_Message message) { m_errors.Add(std::move(message)); }
+  void AddWarning(wip_Message message) { m_warnings.Add(std::move(message)); }
+  const cow_List<wip_Message>& Errors() const { return m_errors.Messages(); }
+  const cow_List<wip_Message>& Warnings() const { return m_warnings.Messages(); }
 
 #define INP_KEYWORD(Enm, ...) virtual void Visit##Enm(const inp_Keyword& keyword);
 #include "parser/inp_keywords.def"
 
 private:
-  cow_List<wip_Message> m_errors;
-  cow_List<wip_Message> m_warnings;
-  std::size_t m_reported = 0; // errors already handed over: a second Report repeats none
+  inp_MessageList m_errors; // those handed over stay: a second Report repeats none
+  inp_MessageList m_warnings;
 };

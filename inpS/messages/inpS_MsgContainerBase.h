@@ -15,6 +15,7 @@ public:
   void AddMessage(inpS_Message message, const inp_Keyword& keyword);
 
   const cow_List<inpS_Message>& Messages() const { return m_messages; }
+  // Beyond inp_MessageList::limit messages are counted and no longer gathered.
   // How many messages of severity error were added so far, reported or not.
   int ErrorCount() const { return m_errorCount; }
 
@@ -24,5 +25,7 @@ public:
 
 private:
   cow_List<inpS_Message> m_messages;
+  long long m_moreErrors = 0;
+  long long m_moreWarnings = 0;
   int m_errorCount = 0;
 };

@@ -4,6 +4,7 @@
 #include "inpS/messages/inpS_MessageContainer.h"
 #include "inpS/messages/inpS_MessageReporter.h"
 #include "parser/inp_Parser.h"
+#include "parser/inp_Visitor.h"
 #include "tests/messages/RecordingReporter.h"
 #include <gtest/gtest.h>
 #include <iostream>
@@ -242,4 +243,25 @@ TEST(Exceptions, CopyAndPropagateKeepTheType) {
                 "Memory allocation error. Insufficient physical memory or swap space.");
   EXPECT_FALSE(inpS_MessageException(message).Message().IsFatal());
   EXPECT_TRUE(inpS_FatalMessageException(message).Message().IsFatal());
+}
+
+TEST(MessageContainer, CountsWhatNobodyReads) {
+  RecordingReporter host;
+  const wip_ReporterScope scope(host);
+  inpS_MessageContainer& container = inpS_MessageContainer::Instance();
+  for (int i = 0; i < 100'007; ++i) container.AddMessage(inpS_Message("odd"));
+  inpS_MessageContainer::Finalize();
+  ASSERT_EQ(host.lines.size(), 100'001u);
+  EXPECT_EQ(host.lines.back(), "E1 and 7 more like these, which are only counted");
+
+  host.lines.clear();
+  struct : inp_Visitor {
+  } visitor;
+  for (int i = 0; i < 100'002; ++i) visitor.AddError("bad");
+  visitor.Report();
+  visitor.AddError("bad");
+  visitor.Report();
+  ASSERT_EQ(host.lines.size(), 100'002u);
+  EXPECT_EQ(host.lines[100'000], "E1 and 2 more like these, which are only counted");
+  EXPECT_EQ(host.lines[100'001], "E1 and 1 more like these, which are only counted");
 }

@@ -127,6 +127,12 @@ TEST(Hostile, EndlessBlankLines) {
   }
 }
 
+TEST(Hostile, EndlessFaults) {
+  const Parsed parsed(repeated("*NODE, =2\n*,\n", 60'000));
+  ASSERT_EQ(parsed.errors.size(), 100'001u);
+  EXPECT_EQ(parsed.errors.back().text, "and 20000 more like these, which are only counted");
+}
+
 TEST(Hostile, FilesThatAreNoDecks) {
   const TemporaryFolder folder;
   EXPECT_EQ(Parsed(utl_pathText(folder.Path()), true).files.size(), 1u);
