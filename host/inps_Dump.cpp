@@ -15,7 +15,8 @@
 namespace {
 
 // The whole model as lines of text that depend on the model alone: records by kind in the order of
-// their creation, fields that hold their default left out, arrays and component sets where they are
+// their creation, fields that nobody set left out (one set to its default is shown: it was
+// given), arrays and component sets where they are
 // first referred to.
 class Dump {
 public:
@@ -36,7 +37,7 @@ private:
     for (std::size_t field = 0; field < kind.fields.size(); ++field) {
       const eds_FieldInfo& info = kind.fields[field];
       const eds_FieldValue value = m_model.Value(kind.kind, id, static_cast<int>(field));
-      if (inps_isDefault(info, value) || inps_isProvenance(kind.kind, field)) continue;
+      if (inps_isUnset(value) || inps_isProvenance(kind.kind, field)) continue;
       if (info.type == eds_FieldType::Bytes)
         PrintRows(std::get<std::string_view>(value), id);
       else

@@ -42,6 +42,12 @@ bool inps_isDefault(const eds_FieldInfo& field, const eds_FieldValue& value) {
   return std::get<eds_ObjectID>(value).IsNull();
 }
 
+bool inps_isUnset(const eds_FieldValue& value) {
+  if (const auto* text = std::get_if<std::string_view>(&value)) return text->empty();
+  if (const auto* object = std::get_if<eds_ObjectID>(&value)) return object->IsNull();
+  return std::holds_alternative<std::monostate>(value);
+}
+
 bool inps_isProvenance(eds_RecordKind kind, std::size_t field) {
   if (kind != eds_RecordKind::VerbatimKeyword) return false;
   const auto number = static_cast<int>(field);

@@ -1,5 +1,5 @@
-// The conditions that no deck can break: the visitors report what would lead to them. And what a
-// dump, which leaves defaults out, cannot show.
+// The conditions that no deck can break: the visitors report what would lead to them. And what one
+// deck alone cannot show.
 
 #include "base/utl_Assert.h"
 #include "database/KvoObjModel.h"
