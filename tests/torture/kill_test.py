@@ -13,6 +13,7 @@ import collections
 import contextlib
 import pathlib
 import random
+import shutil
 import signal
 import sqlite3
 import statistics
@@ -138,7 +139,9 @@ def fault_in(program, model, folder):
 
 def clean(folder, *kept):
     for path in folder.iterdir():
-        if path not in kept:
+        if path.is_dir():
+            shutil.rmtree(path)
+        elif path not in kept:
             path.unlink()
 
 
