@@ -231,8 +231,9 @@ void inpS_MeshStore::SaveCounts(const inpS_MeshScope& scope) {
     record.SetInt(eds_Instance_NodeCount, scope.nodeCount);
     record.SetInt(eds_Instance_FirstElement, scope.elementBase);
     record.SetInt(eds_Instance_ElementCount, scope.elementCount);
-    record.SetBool(eds_Instance_Dependent,
-                   scope.nodes.Count() == 0 && scope.elements.Blocks().empty());
+    if (!scope.isStored)
+      record.SetBool(eds_Instance_Dependent,
+                     scope.nodes.Count() == 0 && scope.elements.Blocks().empty());
   } else if (record.IsA(eds_RecordKind::Assembly)) {
     record.SetInt(eds_Assembly_FirstNode, scope.nodeBase);
     record.SetInt(eds_Assembly_NodeCount, scope.nodeCount);
@@ -260,24 +261,20 @@ void inpS_MeshStore::SaveUserSets(bool nodes) {
   KvoObjNodeSet every(context, "");
   every.SetMembership(all.BiggestCSetID());
   mesh.SetNodes(every);
-  const bool anyGenerated =
-      std::any_of(m_scopes.All().begin(), m_scopes.All().end(),
-                  [](const inpS_MeshScope& scope) { return scope.generatedFrom >= 0; });
-  if (!anyGenerated) {
+  // From the blocks, which know of those from before a restart as well.
+  const std::vector<KvoMeshNodeBlock> blocks = mesh.NodeBlocks();
+  if (std::none_of(blocks.begin(), blocks.end(),
+                   [](const auto& block) { return block.flatFirst >= 0 && block.generated > 0; })) {
     mesh.SetUserNodes(every);
     return;
   }
   std::vector<int> given;
-  for (const inpS_MeshScope& scope : m_scopes.All()) {
-    if (isPart(scope)) continue;
-    const long long ofPart = scope.part ? scope.part->nodeCount : 0;
-    const auto isGenerated = [&](long long n) {
-      if (n < ofPart) return scope.part->generatedFrom >= 0 && n >= scope.part->generatedFrom;
-      return scope.generatedFrom >= 0 && n >= scope.generatedFrom;
-    };
-    for (long long n = 0; n < scope.nodeCount; ++n)
-      if (!isGenerated(n)) given.push_back(static_cast<int>(scope.nodeBase + n));
+  for (const KvoMeshNodeBlock& block : blocks) {
+    if (block.flatFirst < 0) continue;
+    for (long long n = 0; n < block.count - block.generated; ++n)
+      given.push_back(static_cast<int>(block.flatFirst + n));
   }
+  std::sort(given.begin(), given.end());
   KvoObjNodeSet user(context, "");
   user.SetMembership(all, given);
   mesh.SetUserNodes(user);

@@ -56,6 +56,7 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   m_generatorScopes = inpS_GeneratorScopes(keywords);
   if (m_generatorScopes.Holds(m_scopes.Root())) m_scopes.Root().nodes.KeepPoints();
   LoadBaseElements(m_scopes.Root());
+  OpenStoredInstances(keywords);
   // An instance shares what its part is when it opens: parts come first wherever they stand.
   const auto isOfParts = [](const inp_Keyword& keyword) {
     return keyword.Scope().kind == inp_Scope::Kind::Part || keyword.Kind() == inp_KwUserElement;
@@ -121,6 +122,7 @@ void inpS_MeshVisitor::LoadBaseElements(inpS_MeshScope& scope) {
                                inpS_GeneratedNodes::IsCompleted(name)};
   });
   if (m_copyScopes.Holds(scope)) scope.base->LoadLabels(m_nodes, scope.nodeOccurrence);
+  if (scope.part) return; // whose labels it has
   const eds_LabelMap& labels = m_nodes.Labels(scope.nodeOccurrence);
   for (long long n = 0; n < scope.storedNodes; ++n)
     m_largestNodeLabel = std::max(m_largestNodeLabel, static_cast<int>(labels.Label(n)));
@@ -159,6 +161,26 @@ void inpS_MeshVisitor::VisitInstance(const inp_Keyword& keyword) {
   instance.part = part;
   instance.placement.ReadInstance(keyword);
   OpenLabels(instance);
+}
+
+// Sets of the assembly may name instances from before a restart.
+void inpS_MeshVisitor::OpenStoredInstances(inp_KeywordListRef keywords) {
+  const auto isOfAssembly = [](const inp_Keyword& keyword) {
+    return keyword.Scope().kind == inp_Scope::Kind::Assembly;
+  };
+  if (!m_scopes.Root().isStored || std::none_of(keywords.begin(), keywords.end(), isOfAssembly))
+    return;
+  const auto instances = m_inventory.GetDocument().GetModel().RetrieveOccurences();
+  for (const auto& [name, owner] : instances) {
+    const KvoSimDataRecord record = owner.DataRecord();
+    const KvoSimPosition part = record.GetReference(eds_Instance_Part);
+    inpS_MeshScope* const pattern =
+        part.IsNull() ? nullptr : OpenPart(part.DataRecord().ReturnString(eds_Part_Name));
+    inpS_MeshScope& instance = m_scopes.Add(inpS_MeshScope::Kind::Instance, name);
+    instance.owner = owner;
+    instance.part = pattern;
+    OpenLabels(instance);
+  }
 }
 
 inpS_MeshScope* inpS_MeshVisitor::ScopeOf(const inp_Keyword& keyword) {

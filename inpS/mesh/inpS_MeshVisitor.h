@@ -61,6 +61,7 @@ private:
   inpS_MeshScope* OpenPart(const cow_String& name);
   void OpenRoot();
   void OpenLabels(inpS_MeshScope& scope);
+  void OpenStoredInstances(inp_KeywordListRef keywords);
   void LoadBaseElements(inpS_MeshScope& scope);
   bool MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope);
   bool Skip(const inp_Keyword& keyword);

@@ -97,3 +97,19 @@ TEST_F(Restart, ReplacesAnAmplitudeWhole) {
   EXPECT_EQ(deck.find("BASELINE"), cow_String::npos) << deck;
   EXPECT_NE(deck.find("*AMPLITUDE, NAME=A\n0., 7.\n"), cow_String::npos) << deck;
 }
+
+TEST_F(Restart, SetsNameInstancesOfItsBase) {
+  const cow_String deck =
+      Written("*PART, NAME=P\n*NODE, NSET=N\n1, 0., 0., 0.\n2, 1., 0., 0.\n3, 2., 0., 0.\n"
+              "*ELEMENT, TYPE=T3D2, ELSET=E\n1, 2, 3\n*END PART\n*ASSEMBLY, NAME=A\n"
+              "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n"
+              "*INSTANCE, NAME=J, PART=P\n5., 0., 0.\n*NODE\n7, 3., 0., 0.\n*END INSTANCE\n"
+              "*NODE\n50, 9., 0., 0.\n*END ASSEMBLY\n",
+              "*ASSEMBLY, NAME=A\n*NSET, NSET=X\nI.1, J.N, J.7, 50\n*NSET, NSET=Y, ELSET=J.E\n"
+              "*ELSET, ELSET=Z, INSTANCE=I\nE\n*SURFACE, NAME=S\nZ, END1\n*END ASSEMBLY\n");
+  for (const char* lines :
+       {"*NSET, NSET=X\n50\n*NSET, NSET=X, INSTANCE=I\n1\n*NSET, NSET=X, INSTANCE=J\n1, 2, 3, 7\n",
+        "*NSET, NSET=Y, INSTANCE=J\n2, 3\n", "*ELSET, ELSET=Z, INSTANCE=I\n1\n",
+        "*INSTANCE, NAME=J, PART=P\n5., 0., 0.\n*NODE\n7, 3., 0., 0.\n*END INSTANCE\n"})
+    EXPECT_NE(deck.find(lines), cow_String::npos) << lines << deck;
+}
