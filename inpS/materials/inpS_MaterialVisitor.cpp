@@ -59,11 +59,12 @@ bool hasData(const inp_Keyword& keyword) {
 }
 
 // A name instead of numbers, where the deck language allows one: the values come from a
-// distribution.
+// distribution. A name begins with a letter, so a slip within a number is none.
 bool namesDistribution(const inp_Keyword& keyword) {
   const inp_DataArray& data = keyword.Data();
   return inp_KeywordTable::Instance().Row(keyword.Kind())->data == inp_DataKind::Mixed &&
-         data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
+         data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String &&
+         data.FieldText(0, 0).find_first_of("0123456789+-.") != 0;
 }
 
 cow_String allLines(const inp_Keyword& keyword) {
