@@ -4,6 +4,8 @@
 #include "database/eds_Exception.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
+#include "host/inps_LastResort.h"
+#include "host/inps_OpenModel.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include "parser/inp_Utils.h"
@@ -21,7 +23,7 @@ public:
       : m_path(utl_temporaryBeside(target)), m_journal(m_path) {
     m_journal += "-journal";
     // Held open while it is copied, so that nobody writes it meanwhile.
-    const KvoObjDocument held = KvoObjDocument::Open(base, KvoAccess::ReadOnly);
+    const KvoObjDocument held = inps_openModel(base);
     try {
       Copy(base);
     } catch (const utl_FileException& failure) {
@@ -57,6 +59,8 @@ private:
 
   Path m_path;
   Path m_journal; // left by a store that failed
+  inps_FileUnderWay m_underWay{m_path};
+  inps_FileUnderWay m_journalUnderWay{m_journal};
 };
 
 struct Job {

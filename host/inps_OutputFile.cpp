@@ -2,6 +2,8 @@
 
 #include "base/utl_File.h"
 #include "base/utl_Stream.h"
+#include "host/inps_LastResort.h"
+#include <optional>
 
 void inps_writeFile(const std::filesystem::path& path, bool force,
                     const std::function<void(utl_Stream& out)>& print) {
@@ -15,6 +17,8 @@ void inps_writeFile(const std::filesystem::path& path, bool force,
     throw utl_FileException("cannot write", path, "it exists; --force replaces it");
 
   const std::filesystem::path file = inPlace ? path : utl_temporaryBeside(path);
+  std::optional<inps_FileUnderWay> underWay;
+  if (!inPlace) underWay.emplace(file);
   try {
     utl_Stream out(file);
     print(out);

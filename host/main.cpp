@@ -1,3 +1,4 @@
+#include "host/inps_LastResort.h"
 #include "host/inps_Memory.h"
 #include "host/inps_Session.h"
 #include "host/inps_Terminal.h"
@@ -9,6 +10,7 @@
 namespace {
 
 int run(const cow_List<cow_String>& words) {
+  inps_installLastResort();
   inps_prepareStreams();
   inps_stopWhenAsked();
   inps_limitMemory();

@@ -3,12 +3,15 @@
 #include "database/KvoObjDocument.h"
 #include "database/eds_ModelReader.h"
 #include "database/engine/eds_Engine.h"
+#include "host/inps_LastResort.h"
 #include "tests/host/ProgramRun.h"
 #include <array>
 #include <cstdlib>
 #include <iostream>
 #include <map>
 #include <set>
+#include <sys/wait.h>
+#include <unistd.h>
 
 // Runs of the program in which one call to the system, or all from one on, fail: each call in turn.
 // A run ends with one clear message and leaves whole things only.
@@ -48,6 +51,8 @@ struct FaultyRun {
     noFault();
     said = errBuffer.Text();
   }
+  // In a process of its own, which may end for lack of memory with nobody to catch it.
+  static FaultyRun InChild(const cow_List<cow_String>& words, const std::filesystem::path& saidTo);
   int Messages() const { // of the program itself, not of the deck
     int count = 0;
     std::istringstream lines(said);
@@ -59,7 +64,31 @@ struct FaultyRun {
   int exitCode = -1;
   int64_t raised = 0;
   cow_String said;
+
+private:
+  FaultyRun() = default;
 };
+
+FaultyRun FaultyRun::InChild(const cow_List<cow_String>& words,
+                             const std::filesystem::path& saidTo) {
+  const pid_t child = fork();
+  if (child == 0) {
+    inps_installLastResort();
+    if (std::freopen(saidTo.c_str(), "w", stderr) == nullptr) _exit(99);
+    std::setvbuf(stderr, nullptr, _IONBF, 0);
+    const FaultyRun run(words);
+    std::fputs(run.said.c_str(), stderr);
+    _exit(run.raised > 0 ? run.exitCode : 98);
+  }
+  noFault();
+  FaultyRun run;
+  int status = -1;
+  if (waitpid(child, &status, 0) == child && WIFEXITED(status)) run.exitCode = WEXITSTATUS(status);
+  run.raised = 1; // or else the code is another
+  run.said = readFile(saidTo);
+  std::filesystem::remove(saidTo);
+  return run;
+}
 
 // The keywords of a written deck with their data lines, in order.
 cow_List<cow_String> blocksOf(const cow_String& deck) {
@@ -86,7 +115,20 @@ cow_String keywordOf(const cow_String& block) {
   return block.substr(0, block.find_first_of(",\n"));
 }
 
-enum class Job { Convert, ConvertMany, Replace, Restart, Write, Export, Plot, Info, Diff };
+enum class Job {
+  Convert,
+  ConvertMany,
+  Json,
+  Replace,
+  Restart,
+  RestartJson,
+  Write,
+  Export,
+  Plot,
+  Info,
+  InfoJson,
+  Diff
+};
 
 struct Case {
   Job job;
@@ -94,11 +136,12 @@ struct Case {
   bool reads; // an existing model, and writes none
 };
 constexpr Case cases[] = {
-    {Job::Convert, "Convert", false}, {Job::ConvertMany, "ConvertMany", false},
-    {Job::Replace, "Replace", false}, {Job::Restart, "Restart", false},
-    {Job::Write, "Write", true},      {Job::Export, "Export", true},
-    {Job::Plot, "Plot", true},        {Job::Info, "Info", true},
-    {Job::Diff, "Diff", true},
+    {Job::Convert, "Convert", false},  {Job::ConvertMany, "ConvertMany", false},
+    {Job::Json, "ConvertJson", false}, {Job::RestartJson, "RestartJson", false},
+    {Job::InfoJson, "InfoJson", true}, {Job::Replace, "Replace", false},
+    {Job::Restart, "Restart", false},  {Job::Write, "Write", true},
+    {Job::Export, "Export", true},     {Job::Plot, "Plot", true},
+    {Job::Info, "Info", true},         {Job::Diff, "Diff", true},
 };
 constexpr const char* faultNames[] = {"Read",   "Write",        "Sync",   "Open",  "Truncate",
                                       "Delete", "EngineMemory", "Memory", "Buffer"};
@@ -112,15 +155,14 @@ protected:
     Must({"convert", Deck(), "-o", File("base.sim"), "-q"});
     Must({"write", File("base.sim"), "-o", File("base.inp")});
     m_base = readFile(m_folder / "base.sim");
-    if (m_case.job == Job::Restart) {
+    if (IsRestart()) {
       Must({"convert", Data("more.inp"), "--restart", File("base.sim"), "-o", File("model.sim")});
     } else if (m_case.job == Job::Replace) {
       writeFile(m_folder / "old.inp", oneBrick);
       Must({"convert", File("old.inp"), "-o", File("old.sim"), "-q"});
       m_old = readFile(m_folder / "old.sim");
     }
-    const bool restart = m_case.job == Job::Restart;
-    m_whole = Written(restart ? "model.sim" : "base.sim");
+    m_whole = Written(IsRestart() ? "model.sim" : "base.sim");
     ASSERT_FALSE(m_whole.empty());
     Clean();
   }
@@ -129,7 +171,10 @@ protected:
     if (m_case.job == Job::ConvertMany) return Data("many.inp");
     return Data(m_share.every ? "small.inp" : "model.inp");
   }
-  bool IsFresh() const { return m_case.job == Job::Convert || m_case.job == Job::ConvertMany; }
+  bool IsFresh() const {
+    return m_case.job == Job::Convert || m_case.job == Job::ConvertMany || m_case.job == Job::Json;
+  }
+  bool IsRestart() const { return m_case.job == Job::Restart || m_case.job == Job::RestartJson; }
   static cow_String Data(const char* name) { return cow_String(INPS_TESTS_DIR "/faults/") + name; }
   cow_String File(std::string_view name) const { return utl_pathText(m_folder / name); }
   bool Exists(std::string_view name) const { return utl_exists(m_folder / name); }
@@ -157,6 +202,13 @@ protected:
     case Job::Convert:
     case Job::ConvertMany:
       return {"convert", Deck(), "-o", File("model.sim"), "-q"};
+    case Job::Json:
+      return {"convert", Deck(), "-o", File("model.sim"), "--json"};
+    case Job::RestartJson:
+      return {"convert", Data("more.inp"),  "--restart", File("base.sim"),
+              "-o",      File("model.sim"), "--json"};
+    case Job::InfoJson:
+      return {"info", File("base.sim"), "--json"};
     case Job::Replace:
       return {"convert", Deck(), "-o", File("model.sim"), "-q", "--force"};
     case Job::Restart:
@@ -176,6 +228,12 @@ protected:
     return {};
   }
 
+  // Its library needs memory even to give its own back.
+  bool UsesJson() const {
+    return m_case.job == Job::Plot || m_case.job == Job::Json || m_case.job == Job::RestartJson ||
+           m_case.job == Job::InfoJson;
+  }
+
   // Number of calls of the fault in a run without one.
   int64_t CallsOf(Fault fault, const cow_List<cow_String>& words) const {
     Must(words); // what is made once in a process is there from now on
@@ -191,8 +249,10 @@ protected:
     SCOPED_TRACE(cow_String(faultNames[static_cast<size_t>(fault)]) + " " + std::to_string(call) +
                  (andLater ? " and later" : ""));
     Clean();
-    faultAt(fault, call, andLater);
-    const FaultyRun run(words);
+    const bool alone = fault == Fault::Memory && UsesJson();
+    const std::filesystem::path saidTo = m_folder / "said";
+    faultAt(fault, call, andLater); // from here on nothing of ours may ask for anything
+    const FaultyRun run = alone ? FaultyRun::InChild(words, saidTo) : FaultyRun(words);
     ++m_tried;
     ASSERT_GE(run.raised, 1);
     ++m_exits[run.exitCode];
@@ -312,8 +372,9 @@ std::vector<FaultsTest::ParamType> allCases() {
                            fault < static_cast<int>(Fault::EngineMemory) &&
                            fault != static_cast<int>(Fault::Open);
       if (job.reads && changes) continue;
-      // The JSON of a page needs memory even to give its own back, and aborts when there is none.
-      if (job.job == Job::Plot && fault == static_cast<int>(Fault::Memory)) continue;
+      const bool json =
+          job.job == Job::Json || job.job == Job::RestartJson || job.job == Job::InfoJson;
+      if (json && fault != static_cast<int>(Fault::Memory)) continue;
       for (bool andLater : {false, true})
         all.emplace_back(job, static_cast<Fault>(fault), andLater);
     }
