@@ -26,6 +26,18 @@ namespace {
 constexpr long long kMaxLabel = 999999999;
 constexpr int kMostNodesOfUserElement = 100000; // as of a type that nobody describes
 
+// The first point of a system is given and is not the global origin, and there is no other one.
+bool isOriginAlone(const inp_DataArray& data) {
+  bool isOrigin = false;
+  for (long long row = 0; row < data.Rows(); ++row)
+    for (int col = 0, cols = data.Cols(row); col < cols; ++col) {
+      if (data.AsDouble(row, col) == 0) continue;
+      if (row > 0 || col >= 3) return false;
+      isOrigin = true;
+    }
+  return isOrigin;
+}
+
 } // namespace
 
 inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -219,7 +231,13 @@ void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
   for (wip_Message& message : inpS_unreadFieldMessages(keyword, inpS_System::UnreadFields(keyword)))
     AddError(std::move(message));
   scope.system.FillIdentity();
-  if (scope.system.ReadSystem(keyword)) return;
+  if (scope.system.ReadSystem(keyword)) {
+    if (scope.system.IsIdentity() && isOriginAlone(keyword.Data()))
+      Warning(keyword,
+              "An origin without a point on the first axis makes no system; the nodes that "
+              "follow are read in global coordinates.");
+    return;
+  }
   scope.system.FillIdentity();
   Error(keyword, "The points of the system do not define its axes (they coincide or lie on one "
                  "line); the nodes that follow are read in global coordinates.");

@@ -46,6 +46,10 @@ void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
     Error(keyword, inpS_messageText(inpS_model_InstanceNameMissing));
     return;
   }
+  if (keyword.Scope().kind != inp_Scope::Kind::Assembly) {
+    Error(keyword, "An instance belongs to an assembly, and none is open here; it is left out.");
+    return;
+  }
   const KvoObjDocument& document = m_inventory.GetDocument();
   const KvoSimPosition model = document.GetModel().Position();
   if (!model.FollowStringKey(eds_Member::Occurrences, name->AsString()).IsNull()) {
