@@ -199,6 +199,7 @@ void inpS_SurfaceCombiner::ComputeFaces(Entry& entry) {
           operation == Op::Intersection ? result.Intersection(other) : result.Difference(other);
   }
   result.Settle();
+  if (result.IsEmpty()) TellEmpty(entry);
   result.Save(entry.surface, mesh.CollectionOf(m_visitor.Owner(), false));
 }
 
@@ -220,7 +221,14 @@ void inpS_SurfaceCombiner::ComputeNodes(Entry& entry) {
     for (const eds_MemberSet& other : others) all.push_back(&other);
     result = inpS_unionOf(all);
   }
+  if (result.IsEmpty()) TellEmpty(entry);
   entry.surface.SetNodes(mesh.CollectionOf(m_visitor.Owner(), true).CreateCSet(result).ID());
+}
+
+void inpS_SurfaceCombiner::TellEmpty(const Entry& entry) {
+  m_visitor.AddWarning(
+      inp_Utils::MessageInKeyword(entry.keyword, "Nothing is left of the surfaces; \"" +
+                                                     entry.surface.Name() + "\" is empty."));
 }
 
 void inpS_SurfaceCombiner::Fault(Entry& entry, const Operand& operand, cow_String text) {

@@ -47,6 +47,7 @@ private:
   void ComputeNodes(Entry& entry);
   inpS_FaceSets FacesOf(const Operand& operand) const;
   eds_MemberSet NodesOf(const Operand& operand) const;
+  void TellEmpty(const Entry& entry);
   void Fault(Entry& entry, const Operand& operand, cow_String text);
 
   KvoObjDocument m_document;
