@@ -97,7 +97,8 @@ cow_List<inp_KeywordEnm> inpS_MaterialVisitor::ModelledKinds() {
 KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_RecordKind kind,
                                                eds_Member member) {
   const inp_Item* name = keyword.Find("name");
-  if (!name) return {};
+  if (!name || name->AsString().empty()) return TellOfNoName(keyword), KvoSimPosition();
+  TellOfData(keyword);
   const KvoSimPosition model = m_document.GetModel().Position();
   if (!model.FollowStringKey(member, name->AsString()).IsNull()) {
     const char* text = kind == eds_RecordKind::Material
@@ -116,11 +117,19 @@ KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_R
   return opened;
 }
 
-// Without a name nothing is opened: what follows belongs to the material before it.
+// Without a name nothing is opened: what follows belongs to the one before it.
+void inpS_MaterialVisitor::TellOfNoName(const inp_Keyword& keyword) {
+  Warning(keyword,
+          "*" + keyword.Name() + " has no name and opens nothing; what follows is taken for the " +
+              (keyword.Kind() == inp_KwMaterial ? "material" : "gasket behavior") + " before it.");
+}
+
+void inpS_MaterialVisitor::TellOfData(const inp_Keyword& keyword) {
+  if (hasData(keyword))
+    Warning(keyword, "The data lines of *" + keyword.Name() + " mean nothing here; left out.");
+}
+
 void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
-  if (!keyword.HasParameter("name"))
-    Warning(keyword, "*MATERIAL has no name and opens nothing; what follows is taken for the "
-                     "material before it.");
   const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
   if (!opened.IsNull()) m_owner = m_material = opened;
 }
@@ -140,9 +149,13 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
     constants = model.CreateDataRecord(eds_RecordKind::PhysicalConstants);
     model.SetPosition(eds_Member::PhysicalConstants, constants);
   }
-  inpS_readParameters(keyword,
-                      inpS_bindParameters(keyword.Kind(), eds_RecordKind::PhysicalConstants),
-                      constants.DataRecord(), *this);
+  TellOfData(keyword);
+  const auto bindings = inpS_bindParameters(keyword.Kind(), eds_RecordKind::PhysicalConstants);
+  for (const inpS_ParameterBinding& binding : bindings)
+    if (keyword.HasParameter(binding.key) && !constants.DataRecord().IsMemberNull(binding.field))
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, binding.key, binding.name + " is given again; the last one holds."));
+  inpS_readParameters(keyword, bindings, constants.DataRecord(), *this);
   if (const cow_String others = otherParameters(keyword); !others.empty()) {
     const cow_String former =
         constants.DataRecord().ReturnString(eds_PhysicalConstants_OtherParameters);
@@ -252,8 +265,7 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
   }
   if (behavior->HasTable() && namesDistribution(keyword)) return false;
   CheckConflicts(keyword, *behavior);
-  if (behavior->form == inpS_DataForm::None && hasData(keyword))
-    Warning(keyword, "The data lines of *" + keyword.Name() + " mean nothing here; left out.");
+  if (behavior->form == inpS_DataForm::None) TellOfData(keyword);
   if (behavior->repeat == inpS_Repeat::Many) return true;
   return !IsSecond(keyword, *behavior, owner);
 }
@@ -408,6 +420,7 @@ void inpS_MaterialVisitor::CreateSuboptions(const inp_Keyword& keyword,
     }
     const int flag = inpS_flagField(property.Object().RecordKind(), suboption.Kind());
     if (flag >= 0) {
+      TellOfData(suboption);
       property.DataRecord().SetBool(flag, true);
       continue;
     }

@@ -64,6 +64,8 @@ private:
   bool IsSecond(const inp_Keyword& keyword, const inpS_Behavior& behavior,
                 const KvoSimPosition& owner);
   bool CheckCounts(const inp_Keyword& keyword, const inpS_Behavior& behavior);
+  void TellOfData(const inp_Keyword& keyword);
+  void TellOfNoName(const inp_Keyword& keyword);
   void ReportChoice(const inp_Keyword& keyword);
   void CheckConflicts(const inp_Keyword& keyword, const inpS_Behavior& behavior);
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
