@@ -97,7 +97,10 @@ cow_List<inp_KeywordEnm> inpS_MaterialVisitor::ModelledKinds() {
 KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_RecordKind kind,
                                                eds_Member member) {
   const inp_Item* name = keyword.Find("name");
-  if (!name || name->AsString().empty()) return TellOfNoName(keyword), KvoSimPosition();
+  if (!name || name->AsString().empty()) {
+    TellOfNoName(keyword);
+    return {};
+  }
   TellOfData(keyword);
   const KvoSimPosition model = m_document.GetModel().Position();
   if (!model.FollowStringKey(member, name->AsString()).IsNull()) {

@@ -23,7 +23,7 @@ struct Kept {
   int block;
   int position;
   KvoSimPosition record;
-  bool printed = false;
+  KvoSimPosition behind;
 };
 
 } // namespace
@@ -105,6 +105,7 @@ struct inpS_Sim2Inp::Impl {
   aio_ostream& diagnostics;
   utl_Stream* out = nullptr;
   std::unique_ptr<inpS_DeckLabels> labels;
+  cow_Map<unsigned long long, std::size_t> printed; // how many of what an object keeps
   cow_Map<unsigned long long, cow_List<Kept>> kept; // by owner, sorted by block and position
 };
 
@@ -193,7 +194,8 @@ void Impl::LoadKept() {
     const KvoSimDataRecord record = position.DataRecord();
     const auto owner = record.GetReference(eds_VerbatimKeyword_Owner).Object().Packed();
     kept[owner].push_back({record.GetInt(eds_VerbatimKeyword_Block),
-                           record.GetInt(eds_VerbatimKeyword_Position), position});
+                           record.GetInt(eds_VerbatimKeyword_Position), position,
+                           record.GetReference(eds_VerbatimKeyword_Behind)});
   }
   for (auto& [owner, list] : kept)
     std::stable_sort(list.begin(), list.end(), [](const Kept& a, const Kept& b) {
@@ -246,13 +248,11 @@ void Impl::PrintKept(const inpS_DeckScope& scope, int block) {
 void Impl::PrintKeptOf(const KvoSimPosition& owner, const KvoSimPosition& behind) {
   const auto known = kept.find(owner.Object().Packed());
   if (known == kept.end()) return;
-  for (Kept& keyword : known->second) {
-    if (keyword.printed) continue;
-    const KvoSimDataRecord record = keyword.record.DataRecord();
-    if (!behind.IsNull() && record.GetReference(eds_VerbatimKeyword_Behind) != behind) continue;
-    *out << record.GetString(eds_VerbatimKeyword_Text);
-    keyword.printed = true;
-  }
+  const cow_List<Kept>& list = known->second;
+  // They stand in the order of what they stand behind.
+  for (std::size_t& next = printed[owner.Object().Packed()];
+       next < list.size() && (behind.IsNull() || list[next].behind == behind); ++next)
+    *out << list[next].record.DataRecord().GetString(eds_VerbatimKeyword_Text);
 }
 
 void Impl::PrintHeading(const inpS_DeckScope& scope) {
