@@ -47,34 +47,63 @@ std::string eds_LinkIndex::KeyOf(int64_t link) const {
   }
 }
 
+bool eds_LinkIndex::HasUniqueKeys(int64_t link) const {
+  const auto member = static_cast<eds_Member>(m_rows->Int(link, eds_Link_Member));
+  const eds_MemberInfo* info = eds_schemaMember(member);
+  return info != nullptr && info->shape != eds_MemberShape::List;
+}
+
 void eds_LinkIndex::Append(List& list, int64_t link) {
   list.links.push_back(link);
-  if (list.links.size() < longList) return;
-  if (list.links.size() == longList) {
-    for (int64_t each : list.links) list.byKey.emplace(KeyOf(each), each);
-  } else {
+  if (list.hasKeys) {
     list.byKey.emplace(KeyOf(link), link);
+  } else if (list.links.size() >= longList && HasUniqueKeys(link)) {
+    list.hasKeys = true;
+    for (int64_t each : list.links)
+      if (each > 0) list.byKey.emplace(KeyOf(each), each);
+  }
+}
+
+// Many removals from a long list must not each cost its length.
+void eds_LinkIndex::RemoveIn(List& list, int64_t link) {
+  const auto at = std::lower_bound(
+      list.links.begin(), list.links.end(), link,
+      [](int64_t each, int64_t wanted) { return (each < 0 ? -each : each) < wanted; });
+  utl_ASSERT(at != list.links.end() && *at == link);
+  *at = -link;
+  ++list.removed;
+  if (list.hasKeys) {
+    const auto key = list.byKey.find(KeyOf(link));
+    if (key != list.byKey.end() && key->second == link) list.byKey.erase(key);
+  }
+  while (!list.links.empty() && list.links.back() < 0) {
+    list.links.pop_back();
+    --list.removed;
   }
 }
 
 int64_t eds_LinkIndex::FindIn(const List& list, std::string_view key) const {
-  if (list.links.size() >= longList) {
+  if (list.hasKeys) {
     auto found = list.byKey.find(std::string(key));
     return found != list.byKey.end() ? found->second : 0;
   }
   for (int64_t link : list.links)
-    if (KeyOf(link) == key) return link;
+    if (link > 0 && KeyOf(link) == key) return link;
   return 0;
 }
 
-const eds_LinkIndex::List* eds_LinkIndex::Find(eds_ObjectID owner, eds_Member member) const {
+const eds_LinkIndex::List* eds_LinkIndex::Find(eds_ObjectID owner, eds_Member member) {
   auto found = m_lists.find({owner.Packed(), static_cast<uint64_t>(member)});
-  return found != m_lists.end() ? &found->second : nullptr;
+  if (found == m_lists.end()) return nullptr;
+  List& list = found->second;
+  if (list.removed > 0) std::erase_if(list.links, [](int64_t link) { return link < 0; });
+  list.removed = 0;
+  return &list;
 }
 
 int64_t eds_LinkIndex::FindKey(eds_ObjectID owner, eds_Member member, std::string_view key) const {
-  const List* list = Find(owner, member);
-  return list != nullptr ? FindIn(*list, key) : 0;
+  const auto found = m_lists.find({owner.Packed(), static_cast<uint64_t>(member)});
+  return found != m_lists.end() ? FindIn(found->second, key) : 0;
 }
 
 void eds_LinkIndex::Enter(eds_ObjectID owner, eds_Member member, std::string_view textKey,
@@ -108,32 +137,29 @@ void eds_LinkIndex::Enter(eds_ObjectID owner, eds_Member member, std::string_vie
     m_rows->SetInt(link, eds_Link_Position, position);
     if (shape == eds_MemberShape::TextMap) m_rows->SetText(link, eds_Link_TextKey, textKey);
     if (shape == eds_MemberShape::IntMap) m_rows->SetInt(link, eds_Link_IntKey, intKey);
-  } else if (m_hasTargets) {
-    const uint64_t old = m_rows->Reference(link, eds_Link_Target).Packed();
-    auto [first, last] = m_byTarget.equal_range(old);
-    for (; first != last; ++first) {
-      if (first->second != link) continue;
-      m_byTarget.erase(first);
-      break;
-    }
+  } else {
+    ForgetTarget(link);
   }
   m_rows->SetReference(link, eds_Link_Target, target);
   if (isNew) Append(list, link);
   if (m_hasTargets) m_byTarget.emplace(target.Packed(), link);
 }
 
+void eds_LinkIndex::ForgetTarget(int64_t link) {
+  if (!m_hasTargets) return;
+  auto [first, last] = m_byTarget.equal_range(m_rows->Reference(link, eds_Link_Target).Packed());
+  while (first != last && first->second != link) ++first;
+  if (first != last) m_byTarget.erase(first);
+}
+
 void eds_LinkIndex::Remove(int64_t link) {
   const eds_ObjectID owner = m_rows->Reference(link, eds_Link_Owner);
   const auto member = static_cast<uint64_t>(m_rows->Int(link, eds_Link_Member));
-  auto found = m_lists.find({owner.Packed(), member});
+  const auto found = m_lists.find({owner.Packed(), member});
   utl_ASSERT(found != m_lists.end());
-  List rest;
-  for (int64_t each : found->second.links)
-    if (each != link) Append(rest, each);
-  found->second = std::move(rest);
+  RemoveIn(found->second, link);
   if (found->second.links.empty()) m_lists.erase(found);
-  m_hasTargets = false; // rebuilt when asked for
-  m_byTarget.clear();
+  ForgetTarget(link);
   m_rows->Remove(link);
 }
 
@@ -151,7 +177,7 @@ std::vector<int64_t> eds_LinkIndex::LinksTo(eds_ObjectID target) {
   return links;
 }
 
-std::vector<int64_t> eds_LinkIndex::LinksFrom(eds_ObjectID owner) const {
+std::vector<int64_t> eds_LinkIndex::LinksFrom(eds_ObjectID owner) {
   std::vector<int64_t> links;
   for (const eds_MemberInfo& member : eds_schemaMembers()) {
     const List* list = Find(owner, member.member);

@@ -9,23 +9,28 @@
 class eds_LinkIndex {
 public:
   struct List {
-    std::vector<int64_t> links; // row ids, in order of entering
-    // Key (text, 8 bytes of a number, 8 bytes of a target) to row id; kept for long lists only.
+    std::vector<int64_t> links; // row ids, in order of entering, which is their own
+    // Key (text, 8 bytes of a number, 8 bytes of a target) to row id; kept for lists that have
+    // been long, unless a key may come twice.
     std::unordered_map<std::string, int64_t> byKey;
+    bool hasKeys = false;
+    // Removed links stand negative in their places until the list is asked for.
+    size_t removed = 0;
   };
 
   void Build(eds_RowTable& rows);
   void Forget();
   bool IsBuilt() const { return m_rows != nullptr; }
 
-  const List* Find(eds_ObjectID owner, eds_Member member) const;
+  // Valid until a link is entered or removed.
+  const List* Find(eds_ObjectID owner, eds_Member member);
   int64_t FindKey(eds_ObjectID owner, eds_Member member, std::string_view key) const; // 0: none
   // Adds a link; one that has the key already is given the new target instead.
   void Enter(eds_ObjectID owner, eds_Member member, std::string_view textKey, int64_t intKey,
              eds_ObjectID target);
   void Remove(int64_t link);
   std::vector<int64_t> LinksTo(eds_ObjectID target);
-  std::vector<int64_t> LinksFrom(eds_ObjectID owner) const;
+  std::vector<int64_t> LinksFrom(eds_ObjectID owner);
 
 private:
   struct Key {
@@ -41,6 +46,9 @@ private:
   };
 
   void Append(List& list, int64_t link);
+  void RemoveIn(List& list, int64_t link);
+  void ForgetTarget(int64_t link);
+  bool HasUniqueKeys(int64_t link) const;
   std::string KeyOf(int64_t link) const;
   int64_t FindIn(const List& list, std::string_view key) const;
 

@@ -13,6 +13,7 @@
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -73,10 +74,6 @@ void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   const cow_String name = item->AsString(); // without its quotes
   const inpS_AmplitudeForm* form = FormOf(keyword);
   if (form)
-  if (form && name.empty()) {
-    Warning(keyword, "*AMPLITUDE has an empty name; it is left out.");
-    return keyword.ReferAll();
-  }
     Create(keyword, *form, name);
   else
     KeepAsText(keyword);
@@ -116,16 +113,12 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   KvoSimDataRecord record = amplitude.DataRecord();
   record.SetString(form.name, name);
   model.AssociateStringKey(eds_Member::Amplitudes, name, amplitude);
-  const cow_String span = keyword.StringOf("time", "STEPTIME");
-  record.SetSymb(form.timeSpan, span == "STEPTIME" ? 0 : 1);
-  if (span != "STEPTIME" && span != "TOTALTIME")
-    AddError(
-        inp_Utils::MessageAtParameter(keyword, "time",
-                                      inpS_messageText(inpS_app_InvalidParameterValue, {"TIME"}) +
-                                          " It is taken for TOTAL TIME."));
+  record.SetSymb(form.timeSpan, keyword.StringOf("time", "STEPTIME") == "STEPTIME" ? 0 : 1);
   inpS_readParameters(keyword, form.parameters, record, *this);
-  for (const inp_Keyword& suboption : keyword.Suboptions())
+  for (const inp_Keyword& suboption : keyword.Suboptions()) {
     m_text.try_emplace(suboption.Body().get(), inpS_TextPlace{amplitude, {}});
+    m_suboptions.emplace(amplitude.Object().Packed(), suboption.Body().get());
+  }
   keyword.Find("input"); // the parser has read that file's lines
   CheckWidths(keyword, form);
   ReadFirstLine(keyword, form, record);
@@ -160,13 +153,27 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
                                {"Magnitude"}, {"Time"}, kind, pairs, 2, false);
 }
 
+// Once: a deck may define a hundred thousand amplitudes again. Texts of this deck come later.
+void inpS_AmplitudeVisitor::GatherFormerTexts() {
+  if (std::exchange(m_hasFormerTexts, true)) return;
+  const KvoSimContext context = m_inventory.GetDocument().Context();
+  for (const KvoSimPosition& text : context.GetRecords(eds_RecordKind::VerbatimKeyword)) {
+    const KvoSimPosition owner = text.DataRecord().GetReference(eds_VerbatimKeyword_Owner);
+    if (!owner.IsNull()) m_formerTexts.emplace(owner.Object().Packed(), text);
+  }
+}
+
 // With all that it holds: table, terms, and texts that an earlier conversion kept with it. Those of
 // this deck stay with the model.
 void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
-  for (auto& [body, place] : m_text)
-    if (place.owner == amplitude) place = {};
-  for (const KvoSimPosition& text : amplitude.Context().GetRecords(eds_RecordKind::VerbatimKeyword))
-    if (text.DataRecord().GetReference(eds_VerbatimKeyword_Owner) == amplitude) text.Remove();
+  GatherFormerTexts();
+  const auto packed = amplitude.Object().Packed();
+  const auto suboptions = m_suboptions.equal_range(packed);
+  for (auto at = suboptions.first; at != suboptions.second; ++at) m_text[at->second] = {};
+  m_suboptions.erase(packed);
+  const auto texts = m_formerTexts.equal_range(packed);
+  for (auto at = texts.first; at != texts.second; ++at) at->second.Remove();
+  m_formerTexts.erase(packed);
   for (const KvoSimPosition& values : amplitude.GetVector(eds_Member::Distributions))
     removeDistribution(values);
   if (KvoSrvFsmFTable table = amplitude.GetFTable(); !table.IsNull()) table.Remove();

@@ -4,6 +4,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
+#include <unordered_map>
 
 struct inpS_AmplitudeForm;
 
@@ -25,6 +26,7 @@ private:
   const inpS_AmplitudeForm* FormOf(const inp_Keyword& keyword);
   void Create(const inp_Keyword& keyword, const inpS_AmplitudeForm& form, const cow_String& name);
   void Remove(const KvoSimPosition& amplitude);
+  void GatherFormerTexts();
   void CheckWidths(const inp_Keyword& keyword, const inpS_AmplitudeForm& form);
   void ReadFirstLine(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
                      KvoSimDataRecord record);
@@ -39,4 +41,8 @@ private:
 
   const inpS_Inventory& m_inventory;
   inpS_TextKeywords m_text;
+  // By amplitude: sub-options of this deck, and texts that an earlier conversion kept with it.
+  std::unordered_multimap<unsigned long long, const inp_KeywordBody*> m_suboptions;
+  std::unordered_multimap<unsigned long long, KvoSimPosition> m_formerTexts;
+  bool m_hasFormerTexts = false;
 };

@@ -219,6 +219,46 @@ TEST(Store, LinksOfEveryShape) {
   transaction.Commit();
 }
 
+// Long lists beside plain ones, while links come, go and come again.
+TEST(Store, LongListsLoseWhatIsRemoved) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  KvoSimTransaction transaction(document.ContextID());
+  const KvoSimPosition owner = document.Focus();
+  std::vector<std::pair<std::string, KvoSimPosition>> plain; // in order of entering
+  unsigned random = 7;
+  int names = 0;
+  for (int round = 0; round < 2000; ++round) {
+    random = random * 1664525 + 1013904223;
+    const bool grows = (round / 200) % 2 == 0; // beyond the length of hashed keys, and back to none
+    if (plain.empty() || random >> 30 != 0 ? grows : !grows) {
+      // Now and then under a name that was removed before.
+      const std::string name = "p" + std::to_string(random >> 28 != 0 ? names++ : names / 2);
+      if (!owner.FollowStringKey(eds_Member::Parts, name).IsNull()) continue;
+      plain.emplace_back(name, document.CreateDataRecord(eds_RecordKind::Part));
+      owner.AssociateStringKey(eds_Member::Parts, name, plain.back().second);
+      owner.Associate(eds_Member::Fields, plain.back().second);
+      owner.Associate(eds_Member::Properties, plain.back().second);
+    } else if (!plain.empty()) {
+      const auto at = plain.begin() + (random >> 8) % plain.size();
+      const auto [name, part] = *at;
+      plain.erase(at);
+      part.Remove();
+      ASSERT_TRUE(owner.FollowStringKey(eds_Member::Parts, name).IsNull()) << round;
+    }
+    for (const auto& [name, part] : plain)
+      ASSERT_EQ(owner.FollowStringKey(eds_Member::Parts, name), part) << round;
+    if (round % 3 != 0) continue; // removals may gather
+    ASSERT_EQ(owner.MemberCount(eds_Member::Properties), static_cast<int64_t>(plain.size()));
+    for (size_t i = 0; i < plain.size(); ++i) {
+      ASSERT_EQ(owner.GetStringKeys(eds_Member::Parts)[i], plain[i].first);
+      ASSERT_EQ(owner.FollowList(eds_Member::Fields, static_cast<int64_t>(i)), plain[i].second);
+      ASSERT_EQ(plain[i].second.Parent(), owner);
+    }
+  }
+  EXPECT_GT(names, 100);
+  transaction.Commit();
+}
+
 TEST(Store, FieldsKeepTypeAndDefault) {
   const KvoObjDocument document = KvoObjDocument::InMemory();
   KvoSimTransaction transaction(document.ContextID());
