@@ -73,6 +73,10 @@ void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   if (!item) return keyword.ReferAll();
   const cow_String name = item->AsString(); // without its quotes
   const inpS_AmplitudeForm* form = FormOf(keyword);
+  if (form && name.empty()) {
+    Warning(keyword, "*AMPLITUDE has an empty name; it is left out.");
+    return keyword.ReferAll();
+  }
   if (form)
     Create(keyword, *form, name);
   else
@@ -113,7 +117,13 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   KvoSimDataRecord record = amplitude.DataRecord();
   record.SetString(form.name, name);
   model.AssociateStringKey(eds_Member::Amplitudes, name, amplitude);
-  record.SetSymb(form.timeSpan, keyword.StringOf("time", "STEPTIME") == "STEPTIME" ? 0 : 1);
+  const cow_String span = keyword.StringOf("time", "STEPTIME");
+  record.SetSymb(form.timeSpan, span == "STEPTIME" ? 0 : 1);
+  if (span != "STEPTIME" && span != "TOTALTIME")
+    AddError(
+        inp_Utils::MessageAtParameter(keyword, "time",
+                                      inpS_messageText(inpS_app_InvalidParameterValue, {"TIME"}) +
+                                          " It is taken for TOTAL TIME."));
   inpS_readParameters(keyword, form.parameters, record, *this);
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
     m_text.try_emplace(suboption.Body().get(), inpS_TextPlace{amplitude, {}});
