@@ -31,7 +31,8 @@ public:
   Check(const inp_Keyword& keyword, const inpS_KeywordDataTable& table,
         const cow_List<Column>& columns, inp_Visitor& messages)
       : m_keyword(keyword), m_table(table), m_columns(columns), m_messages(messages),
-        m_state(Number(columns.size())) {}
+        m_state(Number(columns.size())), m_values(table.GetDataAsBuffer().data()),
+        m_width(table.NumCols()) {}
 
   void Run() {
     CheckLengths();
@@ -51,6 +52,7 @@ private:
   static constexpr double kInfinity = std::numeric_limits<double>::infinity();
   static constexpr int kMostTold = 3; // of one kind of fault in one column
 
+  double Value(int row, int column) const { return m_values[m_width * row + column]; }
   static int Number(std::size_t column) { return static_cast<int>(column); }
 
   wip_Message At(int row, int column, const cow_String& fault) const {
@@ -117,7 +119,7 @@ private:
     int told = 0;
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
       if (!m_table.IsColumnSpecified(row, number)) continue;
-      const double value = m_table.Value(row, number);
+      const double value = Value(row, number);
       const bool low = column.lowOpen ? value > column.low : value >= column.low;
       const bool high = column.highOpen ? value < column.high : value <= column.high;
       if (low && high) continue;
@@ -147,8 +149,8 @@ private:
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
       if (!m_table.IsColumnSpecified(row, number) || !m_table.IsColumnSpecified(row, other))
         continue;
-      const double value = m_table.Value(row, number);
-      const double bound = m_table.Value(row, other);
+      const double value = Value(row, number);
+      const double bound = Value(row, other);
       const double ahead = low ? value - bound : bound - value;
       if (!(open ? ahead <= 0 : ahead < 0)) continue;
       const char* words =
@@ -163,7 +165,7 @@ private:
   // Whether a row belongs to the same state as the one before.
   bool Continues(int row) const {
     for (int n = m_state; n < m_table.NumCols(); ++n)
-      if (m_table.Value(row, n) != m_table.Value(row - 1, n)) return false;
+      if (Value(row, n) != Value(row - 1, n)) return false;
     return true;
   }
 
@@ -171,8 +173,8 @@ private:
     const bool rising = column.order == Order::Rising;
     int told = 0;
     for (int row = 1; row < m_table.NumRows() && told < kMostTold; ++row) {
-      const double before = m_table.Value(row - 1, number);
-      const double value = m_table.Value(row, number);
+      const double before = Value(row - 1, number);
+      const double value = Value(row, number);
       const bool good = rising ? value > before : value >= before;
       if (good || !Continues(row)) continue;
       Tell(row, number,
@@ -191,8 +193,7 @@ private:
     int told = 0;
     for (int row = 1; row < m_table.NumRows() && told < kMostTold; ++row) {
       int number = m_table.NumCols() - 1;
-      while (number >= m_state && m_table.Value(row, number) == m_table.Value(row - 1, number))
-        --number;
+      while (number >= m_state && Value(row, number) == Value(row - 1, number)) --number;
       if (IsBlank(row)) continue; // told
       if (number < m_state) {
         if (repeats) continue;
@@ -202,8 +203,8 @@ private:
         ++told;
         continue;
       }
-      const double before = m_table.Value(row - 1, number);
-      const double value = m_table.Value(row, number);
+      const double before = Value(row - 1, number);
+      const double value = Value(row, number);
       if (!(value < before)) continue;
       cow_String name = StateName(number);
       name = number < FirstVariable() ? "The " + name : "F" + name.substr(1);
@@ -239,14 +240,12 @@ private:
   cow_List<Fall> FallsOf(const cow_List<int>& slowestFirst) const {
     cow_List<Fall> falls;
     for (int row = 1; row < m_table.NumRows() && Number(falls.size()) < kMostTold; ++row) {
-      const auto differs = [&](int n) {
-        return m_table.Value(row, n) != m_table.Value(row - 1, n);
-      };
+      const auto differs = [&](int n) { return Value(row, n) != Value(row - 1, n); };
       if (!Continues(row) || IsBlank(row)) continue;
       const auto at = std::ranges::find_if(slowestFirst, differs);
       if (at == slowestFirst.end())
         falls.push_back({row, -1});
-      else if (m_table.Value(row, *at) < m_table.Value(row - 1, *at))
+      else if (Value(row, *at) < Value(row - 1, *at))
         falls.push_back({row, *at});
     }
     return falls;
@@ -262,8 +261,8 @@ private:
              " as the row before.";
     }
     return m_columns[static_cast<std::size_t>(fall.column)].name + " is " +
-           text(m_table.Value(fall.row, fall.column)) + " behind " +
-           text(m_table.Value(fall.row - 1, fall.column)) +
+           text(Value(fall.row, fall.column)) + " behind " +
+           text(Value(fall.row - 1, fall.column)) +
            "; a table is interpolated between rising values.";
   }
 
@@ -271,7 +270,7 @@ private:
     int told = 0;
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
       if (row > 0 && Continues(row)) continue;
-      const double value = m_table.Value(row, number);
+      const double value = Value(row, number);
       if (value == 0.0) continue;
       Tell(row, number, "The first " + column.name + " is " + text(value) + " but must be 0.");
       ++told;
@@ -282,7 +281,9 @@ private:
   const inpS_KeywordDataTable& m_table;
   const cow_List<Column>& m_columns;
   inp_Visitor& m_messages;
-  const int m_state; // the first column of the state
+  const int m_state;            // the first column of the state
+  const double* const m_values; // row by row
+  const std::ptrdiff_t m_width;
 };
 
 } // namespace
