@@ -4,6 +4,7 @@
 #include "database/eds_ModelReader.h"
 #include "database/engine/eds_Store.h"
 #include <algorithm>
+#include <map>
 #include <set>
 
 // The check of a whole file: what the engine can say of its pages, and what we know of the content.
@@ -22,6 +23,7 @@ public:
     Guarded([&] { CheckLinks(); });
     ForEach(eds_RecordKind::Array, [&](int64_t id) { CheckArray(id); });
     ForEach(eds_RecordKind::CSet, [&](int64_t id) { m_store.CSet(id); });
+    ForEach(eds_RecordKind::Instance, [&](int64_t id) { CheckInstance(id); });
     ForEach(eds_RecordKind::NodeBlock, [&](int64_t id) { CheckNodeBlock(id); });
     ForEach(eds_RecordKind::ElementBlock, [&](int64_t id) { CheckElementBlock(id); });
     ForEach(eds_RecordKind::LabelSpace, [&](int64_t id) { CheckLabelSpace(id); });
@@ -33,8 +35,10 @@ public:
 
   // What is known without the arrays' contents; ends at the first fault.
   eds_Faults RunRecords() {
+    m_forReaders = true;
     for (const eds_RecordInfo& info : eds_schemaRecords()) CheckReferences(m_store.Rows(info.kind));
     CheckMembers();
+    ForAll(eds_RecordKind::Instance, [&](int64_t id) { CheckInstance(id); });
     ForAll(eds_RecordKind::NodeBlock, [&](int64_t id) { CheckNodeBlock(id); });
     ForAll(eds_RecordKind::ElementBlock, [&](int64_t id) { CheckElementLength(id); });
     ForAll(eds_RecordKind::LabelSpace, [&](int64_t id) { CheckLabelSpace(id); });
@@ -164,23 +168,72 @@ private:
     return m_store.Rows(eds_RecordKind::Array).Int(target.id, eds_Array_Count);
   }
 
+  // Ordinals are 32-bit numbers; a run that is not in the flat mesh begins at -1 there.
+  static bool IsRun(int64_t first, int64_t count, int64_t lowest = 0) {
+    return first >= lowest && count >= 0 && first <= INT32_MAX && count <= INT32_MAX - first;
+  }
+
+  void CheckInstance(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Instance);
+    const bool fits =
+        IsRun(rows.Int(id, eds_Instance_FirstNode), rows.Int(id, eds_Instance_NodeCount), -1) &&
+        IsRun(rows.Int(id, eds_Instance_FirstElement), rows.Int(id, eds_Instance_ElementCount), -1);
+    if (!fits) Fault(Name(eds_RecordKind::Instance, id) + ": its place in the mesh");
+  }
+
+  // A run of nodes (kind 0) or elements (1) must have labels with its owner.
+  void CheckRun(const cow_String& name, eds_ObjectID owner, int kind, int64_t first, int64_t count,
+                int64_t flatFirst) {
+    if (!IsRun(first, count) || !IsRun(flatFirst, count, -1)) return Fault(name + ": its extent");
+    if (m_forReaders && count > 0 && first + count > LabelsOf(owner, kind))
+      Fault(name + ": has no labels");
+  }
+
+  int64_t LabelsOf(eds_ObjectID owner, int kind) {
+    if (m_labelsOf.empty()) {
+      const eds_RowTable& rows = m_store.Rows(eds_RecordKind::LabelSpace);
+      for (int64_t id = 1; id <= rows.LastID(); ++id) {
+        if (!rows.Has(id)) continue;
+        m_labelsOf[{rows.Reference(id, eds_LabelSpace_Owner).Packed(),
+                    rows.Int(id, eds_LabelSpace_Kind)}] = rows.Int(id, eds_LabelSpace_Count);
+      }
+    }
+    const auto found = m_labelsOf.find({owner.Packed(), kind});
+    return found != m_labelsOf.end() ? found->second : 0;
+  }
+
   void CheckNodeBlock(int64_t id) {
     const eds_RowTable& rows = m_store.Rows(eds_RecordKind::NodeBlock);
     const cow_String name = Name(eds_RecordKind::NodeBlock, id);
     const int64_t count = rows.Int(id, eds_NodeBlock_Count);
+    const int64_t generated = rows.Int(id, eds_NodeBlock_Generated);
+    CheckRun(name, rows.Reference(id, eds_NodeBlock_Owner), 0, rows.Int(id, eds_NodeBlock_First),
+             count, rows.Int(id, eds_NodeBlock_FlatFirst));
+    if (generated < 0 || generated > count) Fault(name + ": its generated nodes");
+    if (count > 0 && rows.IsNull(id, eds_NodeBlock_Coordinates)) Fault(name + ": no coordinates");
     CheckLength(name, rows, id, eds_NodeBlock_Coordinates, eds_ValueType::Double, 3, count);
     if (ArrayCount(rows, id, eds_NodeBlock_LocalCoordinates) > 0)
       CheckLength(name, rows, id, eds_NodeBlock_LocalCoordinates, eds_ValueType::Double, 3, count);
     const int64_t normals = ArrayCount(rows, id, eds_NodeBlock_NormalOrdinals);
+    CheckLength(name, rows, id, eds_NodeBlock_NormalOrdinals, eds_ValueType::Int32, 1, normals);
+    if (normals > 0 && rows.IsNull(id, eds_NodeBlock_Normals)) Fault(name + ": no normals");
+    CheckLength(name, rows, id, eds_NodeBlock_LocalNormals, eds_ValueType::Double, 3, normals);
     CheckLength(name, rows, id, eds_NodeBlock_Normals, eds_ValueType::Double, 3, normals);
     if (normals > count) Fault(name + ": more normals than nodes");
   }
 
   void CheckElementLength(int64_t id) {
     const eds_RowTable& rows = m_store.Rows(eds_RecordKind::ElementBlock);
-    CheckLength(Name(eds_RecordKind::ElementBlock, id), rows, id, eds_ElementBlock_Connectivity,
-                eds_ValueType::Int32, rows.Int(id, eds_ElementBlock_Width),
-                rows.Int(id, eds_ElementBlock_Count));
+    const cow_String name = Name(eds_RecordKind::ElementBlock, id);
+    const int64_t count = rows.Int(id, eds_ElementBlock_Count);
+    const int64_t width = rows.Int(id, eds_ElementBlock_Width);
+    CheckRun(name, rows.Reference(id, eds_ElementBlock_Owner), 1,
+             rows.Int(id, eds_ElementBlock_First), count, rows.Int(id, eds_ElementBlock_FlatFirst));
+    if (width < 0 || width > INT32_MAX) Fault(name + ": its width");
+    if (!IsRun(rows.Int(id, eds_ElementBlock_NodeBase), 0)) Fault(name + ": its first node");
+    if (m_forReaders && rows.IsNull(id, eds_ElementBlock_Spec)) Fault(name + ": no element type");
+    if (count > 0 && rows.IsNull(id, eds_ElementBlock_Connectivity)) Fault(name + ": no nodes");
+    CheckLength(name, rows, id, eds_ElementBlock_Connectivity, eds_ValueType::Int32, width, count);
   }
 
   void CheckElementBlock(int64_t id) {
@@ -262,7 +315,9 @@ private:
   eds_Store& m_store;
   eds_ModelReader m_reader;
   eds_Faults m_faults;
+  bool m_forReaders = false; // a mesh without labels and types is sound, but nothing to show
   std::unordered_map<uint64_t, int64_t> m_nodesOf;
+  std::map<std::pair<uint64_t, int64_t>, int64_t> m_labelsOf; // by owner and kind: their number
 };
 
 } // namespace

@@ -1,0 +1,96 @@
+#include "base/utl_Exception.h"
+#include "database/engine/eds_Engine.h"
+#include "tests/host/ProgramRun.h"
+
+// Models whose records hold what no writer of ours puts there: every command that reads them
+// answers or refuses, and none of them is surprised.
+
+namespace {
+
+class HostileModel : public ProgramTest {
+protected:
+  void SetUp() override {
+    const char* deck = INPS_TESTS_DIR "/faults/model.inp";
+    ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("good.sim"), "-q"}).exitCode, 0);
+    m_good = readFile(m_folder / "good.sim");
+  }
+
+  // As somebody does who knows the file: checksums and all.
+  bool Change(const cow_List<cow_String>& statements) const {
+    writeFile(m_folder / "bad.sim", m_good);
+    try {
+      eds_Engine engine;
+      engine.Open(m_folder / "bad.sim", eds_OpenMode::Durable);
+      engine.Execute("PRAGMA journal_mode = OFF");
+      engine.Execute("PRAGMA synchronous = OFF");
+      for (const cow_String& statement : statements) engine.Execute(statement.c_str());
+    } catch (const utl_Exception&) {
+      return false; // not even the engine takes it
+    }
+    return true;
+  }
+
+  void ReadByAll(const cow_String& what) const {
+    const cow_String bad = File("bad.sim");
+    for (const cow_List<cow_String>& words : {cow_List<cow_String>{"check", bad},
+                                              {"info", bad, "--json"},
+                                              {"dump", bad},
+                                              {"write", bad, "-o", File("out.inp"), "--force"},
+                                              {"diff", File("good.sim"), bad},
+                                              {"export", bad, File("out.vtu"), "--force", "-q"},
+                                              {"plot", bad, "-o", File("out.html"), "--force"}}) {
+      const ProgramRun run(words);
+      const bool ended = run.exitCode == 0 || run.exitCode == 1 || run.exitCode == 3;
+      EXPECT_TRUE(ended && !run.Says("internal error") && !run.Says("out of memory"))
+          << words.front() << " ended with " << run.exitCode << " after " << what << '\n'
+          << run.err;
+    }
+  }
+
+  cow_String m_good;
+};
+
+TEST_F(HostileModel, IsRefusedInWords) {
+  for (const char* statement : {
+           "UPDATE instance SET first_node = 2147483647 WHERE id = 1",
+           "UPDATE instance SET element_count = -1 WHERE id = 2",
+           "UPDATE node_block SET first = -1 WHERE id = 3",
+           "UPDATE node_block SET first = -9223372036854775808 WHERE id = 3",
+           "UPDATE node_block SET count = 4611686018427387904 WHERE id = 1",
+           "UPDATE node_block SET coordinates = NULL WHERE id = 1",
+           "UPDATE node_block SET normal_ordinals = 2 WHERE id = 1",
+           "UPDATE node_block SET generated = -1 WHERE id = 1",
+           "UPDATE element_block SET spec = NULL WHERE id = 1",
+           "UPDATE element_block SET node_base = 2147483648 WHERE id = 3",
+           "DELETE FROM label_space WHERE count > 0",
+           "UPDATE label_space SET kind = 1 - kind",
+       }) {
+    ASSERT_TRUE(Change({statement})) << statement;
+    ReadByAll(statement);
+    const ProgramRun run({"write", File("bad.sim"), "-o", File("out.inp"), "--force"});
+    EXPECT_EQ(run.exitCode, 3) << statement;
+    EXPECT_TRUE(run.Says("is damaged")) << statement << '\n' << run.err;
+  }
+}
+
+TEST_F(HostileModel, SetsOfWhatIsNotThere) {
+  for (const char* statement : {"UPDATE element_set SET membership = 1",
+                                "UPDATE node_set SET membership = (SELECT max(id) FROM cset)"}) {
+    ASSERT_TRUE(Change({statement})) << statement;
+    ReadByAll(statement);
+  }
+}
+
+// Nothing goes on from a base that is not sound.
+TEST_F(HostileModel, IsNoBaseOfARestart) {
+  ASSERT_TRUE(Change({"UPDATE node_block SET first = -1 WHERE id = 3"}));
+  const cow_String base = readFile(m_folder / "bad.sim");
+  const ProgramRun run({"convert", INPS_TESTS_DIR "/faults/more.inp", "--restart", File("bad.sim"),
+                        "-o", File("next.sim")});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_TRUE(run.Says("is damaged")) << run.err;
+  EXPECT_FALSE(Exists("next.sim"));
+  EXPECT_TRUE(readFile(m_folder / "bad.sim") == base);
+}
+
+} // namespace
