@@ -46,7 +46,7 @@ def main():
                     values[0] = 0  # the same calls for all processes, and both ways of failing
                 sums[kind] = [a + b for a, b in zip(sums[kind], values)]
             elif not line.startswith("["):
-                print(line)
+                print(line, flush=True)
         failed |= process.wait() != 0
     print("| What fails | Calls | Failed in turn | Ended with a message | Done all the same | Left a part |")
     print("|---|---|---|---|---|---|")
