@@ -105,7 +105,7 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     return;
   }
   keyword.ReferAll();
-  if (IsLeftOut(keyword)) return;
+  if (IsLeftOut(keyword) || IsTooLong(keyword)) return;
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (!row || row->role != inp_KeywordRole::Close) Count(keyword); // the opening one speaks for it
 
@@ -125,6 +125,22 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   record.SetString(eds_VerbatimKeyword_Text, keyword.Text());
   if (told && !told->behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, told->behind);
   transaction.Commit();
+}
+
+// Before its text is put together: that costs memory twice over.
+bool inpS_VerbatimVisitor::IsTooLong(const inp_Keyword& keyword) {
+  // The engine takes a thousand million bytes in a row of a table, other fields among them.
+  constexpr long long longestText = 999'000'000;
+  long long bytes = 0;
+  for (const inp_DataSegment& segment : keyword.Data().Segments())
+    bytes += segment.end - segment.begin;
+  if (bytes <= longestText) return false;
+  Error(keyword, "Keyword *" + keyword.Name() + " is not converted, and its " +
+                     std::to_string(bytes) +
+                     " bytes are too many to be kept as text, which may "
+                     "have " +
+                     std::to_string(longestText) + "; it is left out.");
+  return true;
 }
 
 // What the model that is restarted has already: told once, at the keyword that names it.

@@ -38,6 +38,7 @@ private:
   };
   bool IsModelled(const inp_Keyword& keyword) const;
   bool IsLeftOut(const inp_Keyword& keyword);
+  bool IsTooLong(const inp_Keyword& keyword);
   bool IsStray(const inp_Keyword& keyword) const;
   Place PlaceOf(const inp_Scope& scope);
   int BlockOf(const inp_Keyword& keyword);

@@ -163,7 +163,8 @@ def deep_expression(folder, scale):
 
 def chain_of_parameters(folder, scale):
     write(folder, [BRICK, "*PARAMETER\np0 = 1\n",
-                   *(f"p{n} = p{n - 1} + 1\n" for n in range(1, scale)), f"*NODE\n9, <p{scale - 1}>\n"])
+                   *(f"p{n} = p{n - 1} + 1\n" for n in range(1, scale)),
+                   f"*NODE\n9, <p{scale - 1}>\n"])
 
 
 def growing_line(folder, scale):
@@ -292,6 +293,8 @@ CASES = [
     ("blanks", endless(BRICK + LABELS, " "), LINE, "8388608"),
     ("blank_lines", endless(BRICK + LABELS, "\n"), LINE, None),
     ("blank_lines_alone", endless("", "\r\n"), LINE, "no keyword"),
+    ("kept_text", endless(BRICK + "*DESIGN GRADIENT\n", "1, 2, 3, 4, 5, 6, 7, 8\n"), LINE,
+     "DESIGN GRADIENT is not converted"),
     ("comments", endless(BRICK + LABELS, "**\n"), LINE, None),
     (elgen, (1, 1, 1), "999999999"),
     (elgen_that_fits, (1, 1, 1), "100000000"),
