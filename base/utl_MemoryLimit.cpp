@@ -65,7 +65,8 @@ std::uint64_t systemLimit() {
   if (!QueryInformationJobObject(nullptr, JobObjectExtendedLimitInformation, &limits, sizeof limits,
                                  nullptr))
     return 0;
-  const bool limited = limits.BasicLimitInformation.LimitFlags & JOB_OBJECT_LIMIT_PROCESS_MEMORY;
+  const bool limited =
+      (limits.BasicLimitInformation.LimitFlags & JOB_OBJECT_LIMIT_PROCESS_MEMORY) != 0;
   return limited ? limits.ProcessMemoryLimit : 0;
 }
 
