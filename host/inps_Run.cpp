@@ -4,6 +4,7 @@
 #include "host/inps_Arguments.h"
 #include "host/inps_Session.h"
 #include <algorithm>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -52,7 +53,8 @@ int inps_Run::End(int exitCode) {
 void inps_Run::Fail(const std::exception& failure) {
   ShowCounts();
   if (!IsJson()) return;
-  (*m_json)["failure"] = failure.what();
+  const bool memory = dynamic_cast<const std::bad_alloc*>(&failure) != nullptr;
+  (*m_json)["failure"] = memory ? "out of memory" : failure.what();
   inps_addMessages(*m_json, m_reporter);
   const bool asked = dynamic_cast<const utl_Interruption*>(&failure) != nullptr;
   (*m_json)["exit"] = static_cast<int>(asked ? inps_ExitInterrupted : inps_ExitFailure);
