@@ -1,4 +1,5 @@
 #include "base/utl_File.h"
+#include "base/utl_Interruption.h"
 
 #include <algorithm>
 #include <array>
@@ -154,19 +155,26 @@ int asHandle(std::intptr_t handle) {
   return static_cast<int>(handle);
 }
 
+// A pipe keeps us waiting for its other end, and for what comes through it.
+std::intptr_t openFile(const fs::path& path, int flags) {
+  int handle;
+  while ((handle = open(path.c_str(), flags | O_CLOEXEC, 0666)) == -1 && errno == EINTR)
+    utl_stopIfAsked();
+  return handle;
+}
+
 std::intptr_t openToRead(const fs::path& path) {
-  return open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  return openFile(path, O_RDONLY);
 }
 
 std::intptr_t openToWrite(const fs::path& path, bool mustBeNew) {
-  return open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | (mustBeNew ? O_EXCL : O_TRUNC), 0666);
+  return openFile(path, O_WRONLY | O_CREAT | (mustBeNew ? O_EXCL : O_TRUNC));
 }
 
 // Both: bytes done, or below 0 on failure; a read of 0 is the end.
 std::ptrdiff_t readSome(std::intptr_t handle, char* data, std::size_t size) {
   std::ptrdiff_t done;
-  do done = read(asHandle(handle), data, size);
-  while (done < 0 && errno == EINTR);
+  while ((done = read(asHandle(handle), data, size)) < 0 && errno == EINTR) utl_stopIfAsked();
   return done;
 }
 
@@ -191,7 +199,10 @@ bool closeFile(std::intptr_t handle) {
 
 // Pipes and some file systems have nothing to sync and say EINVAL.
 bool syncOpenFile(std::intptr_t handle) {
-  return fsync(asHandle(handle)) == 0 || errno == EINVAL || errno == ENOTSUP;
+  int done;
+  while ((done = fsync(asHandle(handle))) != 0 && errno == EINTR) {
+  }
+  return done == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
 // Null, with the size left alone, for what cannot be mapped.

@@ -82,7 +82,7 @@ void inps_prepareStreams() {
 void inps_stopWhenAsked() {
   struct sigaction action {};
   action.sa_handler = onAsked;
-  action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART; // the next one ends the process
+  action.sa_flags = static_cast<int>(SA_RESETHAND); // the next one ends the process
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction before {};
     // Who starts us in the background may have said that we are not to be asked.

@@ -11,6 +11,7 @@ end to end, and hold whole keywords only: the deck's first ones, in its order, n
 import argparse
 import collections
 import contextlib
+import os
 import pathlib
 import random
 import shutil
@@ -249,6 +250,23 @@ def torture_restart_in_place(words, folder):
     return faults
 
 
+def end_of_waiting(words, folder):
+    """A deck that never comes."""
+    deck = folder / "pipe.inp"
+    os.mkfifo(deck)
+    process = start(words.program, deck, folder / "model.sim")
+    try:
+        process.wait(0.5)
+    except subprocess.TimeoutExpired:
+        process.send_signal(signal.SIGTERM)
+    try:
+        code = process.wait(5)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        code = "no end"
+    return [] if code == 130 else [f"waiting for a pipe, asked to end: {code}"]
+
+
 def torture_asked(words, folder):
     """Ctrl-C: the program ends by itself soon, and takes what is half done with it."""
     deck, base, more = folder / "deck.inp", folder / "base.sim", folder / "more.inp"
@@ -263,7 +281,7 @@ def torture_asked(words, folder):
                 ["export", base, folder / "mesh.vtu", "--sets"],
                 ["info", base], ["dump", base]]
     moments = random.Random(words.seed + 4)
-    faults, ends = [], collections.Counter()
+    faults, ends = end_of_waiting(words, folder), collections.Counter()
     for number in range(words.kills):
         clean(folder, deck, base, more, old)
         old.write_bytes(b"whatever")
