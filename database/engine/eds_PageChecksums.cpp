@@ -1,7 +1,7 @@
 #include "database/engine/eds_PageChecksums.h"
 #include "database/eds_Exception.h"
+#include "database/engine/eds_FileLayer.h"
 #include <cstring>
-#include <sqlite3.h>
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 
@@ -13,18 +13,13 @@ constexpr int reservedAt = 20;
 constexpr int smallestPage = 512;
 
 struct File {
-  sqlite3_file base;
-  sqlite3_file* real; // the system's, behind this one
+  eds_LayeredFile layered;
   bool hasChecksums;
   int64_t mismatchedPage;
 };
 
 sqlite3_vfs* g_system = nullptr;
 sqlite3_vfs g_checksummed;
-
-sqlite3_file* realOf(sqlite3_file* file) {
-  return reinterpret_cast<File*>(file)->real;
-}
 
 void noteHeader(File& file, const void* data, int size, int64_t at) {
   if (at != 0 || size < headerSize) return;
@@ -44,7 +39,7 @@ XXH64_hash_t checksumOf(std::span<const std::byte> page, int64_t at) {
 
 int readFile(sqlite3_file* base, void* data, int size, sqlite3_int64 at) {
   auto& file = *reinterpret_cast<File*>(base);
-  const int code = file.real->pMethods->xRead(file.real, data, size, at);
+  const int code = eds_realFile(base)->pMethods->xRead(eds_realFile(base), data, size, at);
   if (code != SQLITE_OK) return code;
   noteHeader(file, data, size, at);
   if (!file.hasChecksums || !isPage(size, at)) return code;
@@ -65,58 +60,13 @@ int writeFile(sqlite3_file* base, const void* data, int size, sqlite3_int64 at) 
     auto* page = static_cast<std::byte*>(const_cast<void*>(data));
     eds_stampPage({page, static_cast<std::size_t>(size)}, at);
   }
-  return file.real->pMethods->xWrite(file.real, data, size, at);
+  return eds_realFile(base)->pMethods->xWrite(eds_realFile(base), data, size, at);
 }
 
-// ---- all else is the system's
-
-int closeFile(sqlite3_file* file) {
-  return realOf(file)->pMethods->xClose(realOf(file));
-}
-int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
-  return realOf(file)->pMethods->xTruncate(realOf(file), size);
-}
-int syncFile(sqlite3_file* file, int flags) {
-  return realOf(file)->pMethods->xSync(realOf(file), flags);
-}
-int sizeOfFile(sqlite3_file* file, sqlite3_int64* size) {
-  return realOf(file)->pMethods->xFileSize(realOf(file), size);
-}
-int lockFile(sqlite3_file* file, int level) {
-  return realOf(file)->pMethods->xLock(realOf(file), level);
-}
-int unlockFile(sqlite3_file* file, int level) {
-  return realOf(file)->pMethods->xUnlock(realOf(file), level);
-}
-int isReserved(sqlite3_file* file, int* out) {
-  return realOf(file)->pMethods->xCheckReservedLock(realOf(file), out);
-}
-int controlFile(sqlite3_file* file, int operation, void* data) {
-  return realOf(file)->pMethods->xFileControl(realOf(file), operation, data);
-}
-int sectorSize(sqlite3_file* file) {
-  return realOf(file)->pMethods->xSectorSize(realOf(file));
-}
-int characteristics(sqlite3_file* file) {
-  return realOf(file)->pMethods->xDeviceCharacteristics(realOf(file));
-}
-
-// Version 1: files are never mapped into memory, which would pass the reading by.
 sqlite3_io_methods makeMethods() {
-  sqlite3_io_methods methods{};
-  methods.iVersion = 1;
-  methods.xClose = closeFile;
+  sqlite3_io_methods methods = eds_forwardingMethods();
   methods.xRead = readFile;
   methods.xWrite = writeFile;
-  methods.xTruncate = truncateFile;
-  methods.xSync = syncFile;
-  methods.xFileSize = sizeOfFile;
-  methods.xLock = lockFile;
-  methods.xUnlock = unlockFile;
-  methods.xCheckReservedLock = isReserved;
-  methods.xFileControl = controlFile;
-  methods.xSectorSize = sectorSize;
-  methods.xDeviceCharacteristics = characteristics;
   return methods;
 }
 
@@ -126,13 +76,8 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* base, int flags, int*
   // Journals have checksums of the engine's own.
   if ((flags & SQLITE_OPEN_MAIN_DB) == 0)
     return g_system->xOpen(g_system, name, base, flags, flagsOut);
-  auto& file = *reinterpret_cast<File*>(base);
-  file = File{};
-  file.real = reinterpret_cast<sqlite3_file*>(&file + 1);
-  file.real->pMethods = nullptr;
-  const int code = g_system->xOpen(g_system, name, file.real, flags, flagsOut);
-  if (file.real->pMethods != nullptr) file.base.pMethods = &g_methods; // to be closed
-  return code;
+  *reinterpret_cast<File*>(base) = {};
+  return eds_openReal(*g_system, name, base, sizeof(File), flags, flagsOut, g_methods);
 }
 
 [[noreturn]] void failForMemory() {
@@ -142,10 +87,7 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* base, int flags, int*
 const char* registerLayer() {
   g_system = sqlite3_vfs_find(nullptr);
   if (g_system == nullptr) failForMemory();
-  g_checksummed = *g_system;
-  g_checksummed.zName = "inps-checksummed";
-  g_checksummed.szOsFile = static_cast<int>(sizeof(File)) + g_system->szOsFile;
-  g_checksummed.xOpen = openFile;
+  g_checksummed = eds_layerOver(*g_system, "inps-checksummed", sizeof(File), openFile);
   if (sqlite3_vfs_register(&g_checksummed, 0) != SQLITE_OK) failForMemory();
   return g_checksummed.zName;
 }

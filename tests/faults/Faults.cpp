@@ -1,10 +1,10 @@
 #include "tests/faults/Faults.h"
+#include "database/engine/eds_FileLayer.h"
 
 #include <array>
 #include <atomic>
 #include <cstdlib>
 #include <new>
-#include <sqlite3.h>
 
 // ---- the plan
 
@@ -51,31 +51,17 @@ int64_t faultsRaised() {
 
 namespace {
 
-struct File {
-  sqlite3_file base;
-  sqlite3_file* real; // behind this one
-};
-
-sqlite3_file* realOf(sqlite3_file* file) {
-  return reinterpret_cast<File*>(file)->real;
-}
-
 sqlite3_vfs* g_system = nullptr;
 sqlite3_vfs g_faulty;
 
-int closeFile(sqlite3_file* file) {
-  sqlite3_file* real = realOf(file);
-  return real->pMethods != nullptr ? real->pMethods->xClose(real) : SQLITE_OK;
-}
-
 int readFile(sqlite3_file* file, void* data, int size, sqlite3_int64 at) {
   if (fails(Fault::Read)) return SQLITE_IOERR_READ;
-  return realOf(file)->pMethods->xRead(realOf(file), data, size, at);
+  return eds_realFile(file)->pMethods->xRead(eds_realFile(file), data, size, at);
 }
 
 // A full disk takes the first half; a broken one takes nothing.
 int writeFile(sqlite3_file* file, const void* data, int size, sqlite3_int64 at) {
-  sqlite3_file* real = realOf(file);
+  sqlite3_file* real = eds_realFile(file);
   if (!fails(Fault::Write)) return real->pMethods->xWrite(real, data, size, at);
   if (g_call % 2 == 0) return SQLITE_IOERR_WRITE;
   real->pMethods->xWrite(real, data, size / 2, at);
@@ -84,51 +70,20 @@ int writeFile(sqlite3_file* file, const void* data, int size, sqlite3_int64 at) 
 
 int truncateFile(sqlite3_file* file, sqlite3_int64 size) {
   if (fails(Fault::Truncate)) return SQLITE_IOERR_TRUNCATE;
-  return realOf(file)->pMethods->xTruncate(realOf(file), size);
+  return eds_realFile(file)->pMethods->xTruncate(eds_realFile(file), size);
 }
 
 int syncFile(sqlite3_file* file, int flags) {
   if (fails(Fault::Sync)) return SQLITE_IOERR_FSYNC;
-  return realOf(file)->pMethods->xSync(realOf(file), flags);
-}
-
-int sizeOfFile(sqlite3_file* file, sqlite3_int64* size) {
-  return realOf(file)->pMethods->xFileSize(realOf(file), size);
-}
-int lockFile(sqlite3_file* file, int level) {
-  return realOf(file)->pMethods->xLock(realOf(file), level);
-}
-int unlockFile(sqlite3_file* file, int level) {
-  return realOf(file)->pMethods->xUnlock(realOf(file), level);
-}
-int isReserved(sqlite3_file* file, int* out) {
-  return realOf(file)->pMethods->xCheckReservedLock(realOf(file), out);
-}
-int controlFile(sqlite3_file* file, int operation, void* data) {
-  return realOf(file)->pMethods->xFileControl(realOf(file), operation, data);
-}
-int sectorSize(sqlite3_file* file) {
-  return realOf(file)->pMethods->xSectorSize(realOf(file));
-}
-int characteristics(sqlite3_file* file) {
-  return realOf(file)->pMethods->xDeviceCharacteristics(realOf(file));
+  return eds_realFile(file)->pMethods->xSync(eds_realFile(file), flags);
 }
 
 sqlite3_io_methods methodsOfFiles() {
-  sqlite3_io_methods methods{};
-  methods.iVersion = 1;
-  methods.xClose = closeFile;
+  sqlite3_io_methods methods = eds_forwardingMethods();
   methods.xRead = readFile;
   methods.xWrite = writeFile;
   methods.xTruncate = truncateFile;
   methods.xSync = syncFile;
-  methods.xFileSize = sizeOfFile;
-  methods.xLock = lockFile;
-  methods.xUnlock = unlockFile;
-  methods.xCheckReservedLock = isReserved;
-  methods.xFileControl = controlFile;
-  methods.xSectorSize = sectorSize;
-  methods.xDeviceCharacteristics = characteristics;
   return methods;
 }
 
@@ -136,12 +91,7 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int*
   static const sqlite3_io_methods methods = methodsOfFiles();
   file->pMethods = nullptr; // nothing to close when opening fails
   if (fails(Fault::Open)) return SQLITE_CANTOPEN;
-  auto* faulty = reinterpret_cast<File*>(file);
-  faulty->real = reinterpret_cast<sqlite3_file*>(faulty + 1);
-  faulty->real->pMethods = nullptr;
-  const int code = g_system->xOpen(g_system, name, faulty->real, flags, flagsOut);
-  if (code == SQLITE_OK) file->pMethods = &methods;
-  return code;
+  return eds_openReal(*g_system, name, file, sizeof(eds_LayeredFile), flags, flagsOut, methods);
 }
 
 int deleteFile(sqlite3_vfs*, const char* name, int syncFolder) {
@@ -170,10 +120,7 @@ void installFaultyEngine() {
   memory.xRealloc = reallocate;
   sqlite3_config(SQLITE_CONFIG_MALLOC, &memory);
   g_system = sqlite3_vfs_find(nullptr);
-  g_faulty = *g_system;
-  g_faulty.zName = "faulty";
-  g_faulty.szOsFile = static_cast<int>(sizeof(File)) + g_system->szOsFile;
-  g_faulty.xOpen = openFile;
+  g_faulty = eds_layerOver(*g_system, "faulty", sizeof(eds_LayeredFile), openFile);
   g_faulty.xDelete = deleteFile;
   sqlite3_vfs_register(&g_faulty, 1);
 }
