@@ -2,7 +2,7 @@
 #include "base/utl_Assert.h"
 #include "database/KvoSimTransaction.h"
 #include "database/eds_Array.h"
-#include "database/eds_Exception.h"
+#include "database/eds_DamagedModel.h"
 #include <bit>
 #include <cstring>
 
@@ -132,14 +132,14 @@ std::vector<double> KvoSrvFsmFTable::Values() const {
     std::vector<double> values(bytes.size() / sizeof(double));
     std::memcpy(values.data(), bytes.data(), values.size() * sizeof(double));
     if (static_cast<int64_t>(values.size()) != Rows() * Columns())
-      throw eds_DamagedFileException("a property table has " + std::to_string(values.size()) +
-                                     " values for " + std::to_string(Rows()) + " rows of " +
-                                     std::to_string(Columns()));
+      eds_tellDamaged(m_position, "a property table has " + std::to_string(values.size()) +
+                                      " values for " + std::to_string(Rows()) + " rows of " +
+                                      std::to_string(Columns()));
     return values;
   }
   eds_ArrayReader reader(eds_ArrayID{array.Store(), array.ID()});
   if (reader.Width() != Columns() || reader.Count() != Rows())
-    throw eds_DamagedFileException("a property table does not fit its array");
+    eds_tellDamaged(m_position, "a property table does not fit its array");
   std::vector<double> values(static_cast<size_t>(reader.Count() * reader.Width()));
   reader.ReadPiece(0, std::span(values));
   return values;

@@ -1,4 +1,5 @@
 #include "base/utl_File.h"
+#include "database/eds_CheckLinks.h"
 #include "database/eds_CheckRecords.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
@@ -21,6 +22,7 @@ public:
     for (const eds_RecordInfo& info : eds_schemaRecords())
       Guarded([&] { CheckReferences(m_store.Rows(info.kind)); });
     Guarded([&] { CheckLinks(); });
+    Guarded([&] { CheckLinkKeys(); });
     ForEach(eds_RecordKind::Array, [&](int64_t id) { CheckArray(id); });
     ForEach(eds_RecordKind::CSet, [&](int64_t id) { m_store.CSet(id); });
     ForEach(eds_RecordKind::Instance, [&](int64_t id) { CheckInstance(id); });
@@ -29,6 +31,7 @@ public:
     ForEach(eds_RecordKind::LabelSpace, [&](int64_t id) { CheckLabelSpace(id); });
     ForEach(eds_RecordKind::Drawer, [&](int64_t id) { CheckDrawer(id); });
     ForEach(eds_RecordKind::PropertyTable, [&](int64_t id) { CheckPropertyTable(id); });
+    ForEach(eds_RecordKind::SurfacePiece, [&](int64_t id) { CheckSurfacePiece(id); });
     Guarded([&] { CheckOrphans(); });
     return std::move(m_faults);
   }
@@ -37,13 +40,14 @@ public:
   eds_Faults RunRecords() {
     m_forReaders = true;
     for (const eds_RecordInfo& info : eds_schemaRecords()) CheckReferences(m_store.Rows(info.kind));
-    CheckMembers();
+    CheckLinks();
     ForAll(eds_RecordKind::Instance, [&](int64_t id) { CheckInstance(id); });
     ForAll(eds_RecordKind::NodeBlock, [&](int64_t id) { CheckNodeBlock(id); });
     ForAll(eds_RecordKind::ElementBlock, [&](int64_t id) { CheckElementLength(id); });
     ForAll(eds_RecordKind::LabelSpace, [&](int64_t id) { CheckLabelSpace(id); });
     ForAll(eds_RecordKind::Drawer, [&](int64_t id) { CheckDrawer(id); });
     ForAll(eds_RecordKind::PropertyTable, [&](int64_t id) { CheckPropertyTable(id); });
+    ForAll(eds_RecordKind::SurfacePiece, [&](int64_t id) { CheckSurfacePiece(id); });
     return std::move(m_faults);
   }
 
@@ -109,30 +113,20 @@ private:
     if (!m_store.Exists(target)) Fault(where + m_reader.Describe(target));
   }
 
-  // What the link stands for; null when nothing is known by its number.
-  const eds_MemberInfo* CheckMember(const eds_RowTable& links, int64_t id) {
-    const int64_t member = links.Int(id, eds_Link_Member);
-    const eds_MemberInfo* info =
-        member > 0 && member < 0xffff ? eds_schemaMember(static_cast<eds_Member>(member)) : nullptr;
-    if (info == nullptr)
-      Fault("link " + std::to_string(id) + ": unknown member " + std::to_string(member));
-    return info;
-  }
-
-  void CheckMembers() {
-    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Link);
-    for (int64_t id = 1; id <= rows.LastID(); ++id)
-      if (rows.Has(id)) CheckMember(rows, id);
-  }
-
   void CheckLinks() {
+    eds_checkLinks(m_store, [this](const cow_String& fault) { Fault(fault); });
+  }
+
+  void CheckLinkKeys() {
     const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Link);
     std::set<std::pair<std::pair<uint64_t, int64_t>, std::string>> keys;
     for (int64_t id = 1; id <= rows.LastID(); ++id) {
       if (!rows.Has(id)) continue;
-      const eds_MemberInfo* info = CheckMember(rows, id);
-      if (info == nullptr) continue;
       const int64_t member = rows.Int(id, eds_Link_Member);
+      const eds_MemberInfo* info = member > 0 && member < 0xffff
+                                       ? eds_schemaMember(static_cast<eds_Member>(member))
+                                       : nullptr;
+      if (info == nullptr) continue; // told already
       std::string key;
       if (info->shape == eds_MemberShape::TextMap) key = rows.Text(id, eds_Link_TextKey);
       if (info->shape == eds_MemberShape::IntMap)
@@ -167,6 +161,8 @@ private:
     if (target.IsNull() || !m_store.Exists(target)) return 0;
     return m_store.Rows(eds_RecordKind::Array).Int(target.id, eds_Array_Count);
   }
+
+  int64_t SizeOf(eds_ObjectID cset) { return m_store.Exists(cset) ? m_store.CSetSize(cset.id) : 0; }
 
   // Ordinals are 32-bit numbers; a run that is not in the flat mesh begins at -1 there.
   static bool IsRun(int64_t first, int64_t count, int64_t lowest = 0) {
@@ -288,7 +284,7 @@ private:
     const auto type = static_cast<eds_ValueType>(all.Int(distribution, eds_Distribution_ValueType));
     CheckLength(Name(eds_RecordKind::Drawer, id), rows, id, eds_Drawer_Array, type,
                 all.Int(distribution, eds_Distribution_Values),
-                ArrayCount(rows, id, eds_Drawer_Array));
+                SizeOf(rows.Reference(id, eds_Drawer_Over)));
   }
 
   void CheckPropertyTable(int64_t id) {
@@ -296,6 +292,10 @@ private:
     const cow_String name = Name(eds_RecordKind::PropertyTable, id);
     const int64_t count = rows.Int(id, eds_PropertyTable_Rows);
     const int64_t width = rows.Int(id, eds_PropertyTable_Columns);
+    const int64_t variables = rows.Int(id, eds_PropertyTable_FieldVariables);
+    const int64_t temperature = rows.Int(id, eds_PropertyTable_TemperatureDependent);
+    if (variables < 0 || width > INT32_MAX || variables > width - temperature)
+      Fault(name + ": its columns");
     CheckLength(name, rows, id, eds_PropertyTable_Values, eds_ValueType::Double, width, count);
     if (!rows.Reference(id, eds_PropertyTable_Values).IsNull()) return;
     const auto bytes = static_cast<int64_t>(rows.Text(id, eds_PropertyTable_FewValues).size());
@@ -303,6 +303,12 @@ private:
                           ? bytes % 8 == 0 && bytes / 8 % width == 0 && bytes / 8 / width == count
                           : bytes == 0;
     if (!fits) Fault(name + ": its values do not fit its rows");
+  }
+
+  void CheckSurfacePiece(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::SurfacePiece);
+    CheckLength(Name(eds_RecordKind::SurfacePiece, id), rows, id, eds_SurfacePiece_Areas,
+                eds_ValueType::Double, 1, SizeOf(rows.Reference(id, eds_SurfacePiece_Members)));
   }
 
   void CheckOrphans() {

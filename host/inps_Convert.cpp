@@ -1,6 +1,7 @@
 #include "host/inps_Commands.h"
 
 #include "base/utl_File.h"
+#include "database/KvoObjMesh.h"
 #include "database/eds_Exception.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
@@ -15,6 +16,13 @@
 namespace {
 
 using Path = std::filesystem::path;
+
+// A conversion that was cut off at its start leaves a model without one.
+bool hasMesh(const KvoObjDocument& document) {
+  const KvoSimPosition mesh = document.GetMesh().Position();
+  return !mesh.Follow(eds_Member::NodeCollection).IsNull() &&
+         !mesh.Follow(eds_Member::ElementCollection).IsNull();
+}
 
 // The base is never changed: a copy beside the target is, and takes the target's name at the end.
 class RestartCopy {
@@ -150,6 +158,9 @@ private:
 
   bool GoOn(inps_Conversion& conversion, const Path& copy) {
     KvoObjDocument document = KvoObjDocument::Open(copy, KvoAccess::ReadWrite);
+    if (!hasMesh(document))
+      throw eds_DamagedFileException("\"" + utl_pathText(m_job.base) +
+                                     "\" has no mesh from which to go on");
     const bool clean = conversion.ConvertRestart(document);
     finish(document);
     Summarize(document);

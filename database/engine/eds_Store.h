@@ -65,6 +65,7 @@ public:
   int64_t KeepTempCSet(int64_t collection, std::shared_ptr<const eds_MemberSet> members);
   std::shared_ptr<const eds_MemberSet> CSet(int64_t number);
   int64_t CSetCollection(int64_t number);
+  int64_t CSetSize(int64_t number); // of a stored one, as its record says
 
   // ---- arrays
   // To be called before a chunk is written or removed.

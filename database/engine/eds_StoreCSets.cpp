@@ -61,6 +61,14 @@ int64_t eds_Store::CSetCollection(int64_t number) {
   return Rows(eds_RecordKind::CSet).Reference(number, eds_CSet_Collection).id;
 }
 
+int64_t eds_Store::CSetSize(int64_t number) {
+  eds_RowTable& rows = Rows(eds_RecordKind::CSet);
+  const eds_ObjectID collection = rows.Reference(number, eds_CSet_Collection);
+  const bool whole = rows.Int(number, eds_CSet_Form) == static_cast<int64_t>(Form::All);
+  if (!whole) return rows.Int(number, eds_CSet_Count);
+  return Exists(collection) ? Space(collection.id) : 0;
+}
+
 std::shared_ptr<const eds_MemberSet> eds_Store::CSet(int64_t number) {
   if (number < 0) return m_tempCSets.at(static_cast<size_t>(-number - 1)).members;
   std::weak_ptr<const eds_MemberSet>& known = m_csets[number];

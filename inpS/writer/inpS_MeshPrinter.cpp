@@ -5,7 +5,7 @@
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimContext.h"
 #include "database/KvoSimDataRecord.h"
-#include "database/eds_Exception.h"
+#include "database/eds_DamagedModel.h"
 #include "database/eds_LabelMap.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "parser/inp_KeywordTable.h"
@@ -235,8 +235,9 @@ private:
     int64_t local = 0; // an element of the assembly may join nodes of its instances
     const int occurrence = m_labels.nodes.OccurrenceOfFlat(ordinal, local);
     if (occurrence < 0) { // the file says so: connectivity is looked at here for the first time
-      throw eds_DamagedFileException("the model is damaged: an element refers to node " +
-                                     std::to_string(ordinal) + " of the mesh, which has none");
+      eds_tellDamaged(m_labels.mesh.Position(), "an element refers to node " +
+                                                    std::to_string(ordinal) +
+                                                    " of the mesh, which has none");
     }
     const cow_String name =
         inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);

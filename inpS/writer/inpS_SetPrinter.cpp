@@ -2,7 +2,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
-#include "database/eds_Exception.h"
+#include "database/eds_DamagedModel.h"
 #include "database/eds_LabelMap.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include <algorithm>
@@ -12,9 +12,9 @@ namespace {
 constexpr long long kPiece = 16 * 4096; // whole data lines
 
 // A file from anybody: members are looked at here for the first time.
-[[noreturn]] void noSuchMember(long long member) {
-  throw eds_DamagedFileException("the model is damaged: a set has member " +
-                                 std::to_string(member) + ", which has no label");
+[[noreturn]] void noSuchMember(const KvoObjMesh& mesh, long long member) {
+  eds_tellDamaged(mesh.Position(),
+                  "a set has member " + std::to_string(member) + ", which has no label");
 }
 
 } // namespace
@@ -52,7 +52,7 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
   for (long long begin = 0; begin < members.Size();) {
     int64_t local = 0;
     const int occurrence = labeler.OccurrenceOfFlat(members[begin], local);
-    if (occurrence < 0) noSuchMember(members[begin]);
+    if (occurrence < 0) noSuchMember(m_labels.mesh, members[begin]);
     const long long low = members[begin] - local, high = low + labeler.Size(occurrence);
     long long end = begin + 1;
     if (members.IsStrided() && members[members.Size() - 1] >= low &&
@@ -72,7 +72,7 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
 void inpS_SetPrinter::PrintMembers(const eds_MemberSet& members, long long first, long long count,
                                    bool nodes, int occurrence, long long flatFirst, bool sorted) {
   if (count == 0) return;
-  if (occurrence < 0) noSuchMember(members[first]);
+  if (occurrence < 0) noSuchMember(m_labels.mesh, members[first]);
   const eds_LabelMap& labels =
       nodes ? m_labels.nodes.Labels(occurrence) : m_labels.elements.Labels(occurrence);
   const bool rising = labels.IsStrided() && labels.Stride() > 0;
@@ -82,7 +82,8 @@ void inpS_SetPrinter::PrintMembers(const eds_MemberSet& members, long long first
     const long long size = std::min(pieceSize, count - done);
     for (long long n = 0; n < size; ++n) {
       const long long member = members[first + done + n];
-      if (member < flatFirst || member - flatFirst >= labels.Size()) noSuchMember(member);
+      if (member < flatFirst || member - flatFirst >= labels.Size())
+        noSuchMember(m_labels.mesh, member);
       piece[static_cast<std::size_t>(n)] = labels.Label(member - flatFirst);
     }
     // Ordinals ascend in a sorted set; its labels need not, where nodes stand in another order.

@@ -34,7 +34,8 @@ void addRecord(const KvoObjDocument& document, int number) {
   const KvoSimPosition record = document.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   record.DataRecord().SetInt(eds_VerbatimKeyword_Position, number);
   record.DataRecord().SetString(eds_VerbatimKeyword_Text, "*KEPT");
-  document.Focus().AssociateStringKey(eds_Member::Parts, std::to_string(number), record);
+  document.Focus().AssociateStringKey(eds_Member::Parts, std::to_string(number),
+                                      document.CreateDataRecord(eds_RecordKind::Part));
   transaction.Commit();
 }
 
@@ -203,7 +204,7 @@ TEST(File, CheckFindsWhatDoesNotFit) {
       {"UPDATE chunk SET checksum = 1 WHERE number = 2", "chunk 2 does not match its checksum"},
       {"DELETE FROM chunk WHERE number = 1", "its chunks do not make up its length"},
       {"DELETE FROM array", "chunks belong to no array"},
-      {"UPDATE link SET target = 77 WHERE id = 3", "link 3, target: verbatim_keyword 77 (missing)"},
+      {"UPDATE link SET target = 77 WHERE id = 3", "link 3, target: part 77 (missing)"},
       {"UPDATE link SET member = 4000 WHERE id = 2", "link 2: unknown member 4000"},
       {"UPDATE link SET text_key = '4' WHERE id = 1", "a second one to '4'"},
       {"UPDATE verbatim_keyword SET level = 50 WHERE id = 1", "level: no symbol 50"},
@@ -222,7 +223,7 @@ TEST(File, CheckFindsWhatDoesNotFit) {
 // What follows the records of a file may trust them once this has looked at them.
 TEST(File, RecordsThatDoNotHoldTogetherAreRefused) {
   const std::pair<const char*, const char*> cases[] = {
-      {"UPDATE link SET target = 77 WHERE id = 3", "link 3, target: verbatim_keyword 77 (missing)"},
+      {"UPDATE link SET target = 77 WHERE id = 3", "link 3, target: part 77 (missing)"},
       {"UPDATE link SET member = 4000 WHERE id = 2", "link 2: unknown member 4000"},
       {"UPDATE verbatim_keyword SET level = 50 WHERE id = 1", "level: no symbol 50"},
       {"UPDATE meta SET value = 'other' WHERE key = 'source_deck'", nullptr},

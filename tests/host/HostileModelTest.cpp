@@ -32,13 +32,15 @@ protected:
 
   void ReadByAll(const cow_String& what) const {
     const cow_String bad = File("bad.sim");
-    for (const cow_List<cow_String>& words : {cow_List<cow_String>{"check", bad},
-                                              {"info", bad, "--json"},
-                                              {"dump", bad},
-                                              {"write", bad, "-o", File("out.inp"), "--force"},
-                                              {"diff", File("good.sim"), bad},
-                                              {"export", bad, File("out.vtu"), "--force", "-q"},
-                                              {"plot", bad, "-o", File("out.html"), "--force"}}) {
+    for (const cow_List<cow_String>& words :
+         {cow_List<cow_String>{"check", bad},
+          {"info", bad, "--json"},
+          {"dump", bad},
+          {"write", bad, "-o", File("out.inp"), "--force"},
+          {"diff", File("good.sim"), bad},
+          {"info", bad, "--materials"},
+          {"export", bad, File("out.vtu"), "--sets", "--surfaces", "--force", "-q"},
+          {"plot", bad, "-o", File("out.html"), "--force"}}) {
       const ProgramRun run(words);
       const bool ended = run.exitCode == 0 || run.exitCode == 1 || run.exitCode == 3;
       EXPECT_TRUE(ended && !run.Says("internal error") && !run.Says("out of memory"))
@@ -64,6 +66,15 @@ TEST_F(HostileModel, IsRefusedInWords) {
            "UPDATE element_block SET node_base = 2147483648 WHERE id = 3",
            "DELETE FROM label_space WHERE count > 0",
            "UPDATE label_space SET kind = 1 - kind",
+           "UPDATE link SET target_kind = 40 WHERE text_key = 'BRICK-1'",
+           "UPDATE link SET target_kind = NULL, target = NULL WHERE text_key = 'TOP'",
+           "UPDATE link SET owner_kind = 1 WHERE target_kind = 14",
+           "UPDATE link SET owner_kind = 351, owner = 1, member = 62 WHERE target_kind = 351",
+           "UPDATE link SET target_kind = 110, target = 1 WHERE target_kind = 351",
+           "UPDATE property_table SET field_variables = 3 WHERE id = 3",
+           "UPDATE property_table SET field_variables = -1 WHERE id = 3",
+           "UPDATE surface_piece SET source = NULL, source_kind = NULL, members = 4, areas = 1",
+           "UPDATE drawer SET over = 12 WHERE id = 1",
        }) {
     ASSERT_TRUE(Change({statement})) << statement;
     ReadByAll(statement);
@@ -83,14 +94,20 @@ TEST_F(HostileModel, SetsOfWhatIsNotThere) {
 
 // Nothing goes on from a base that is not sound.
 TEST_F(HostileModel, IsNoBaseOfARestart) {
-  ASSERT_TRUE(Change({"UPDATE node_block SET first = -1 WHERE id = 3"}));
-  const cow_String base = readFile(m_folder / "bad.sim");
-  const ProgramRun run({"convert", INPS_TESTS_DIR "/faults/more.inp", "--restart", File("bad.sim"),
-                        "-o", File("next.sim")});
-  EXPECT_EQ(run.exitCode, 3);
-  EXPECT_TRUE(run.Says("is damaged")) << run.err;
-  EXPECT_FALSE(Exists("next.sim"));
-  EXPECT_TRUE(readFile(m_folder / "bad.sim") == base);
+  const std::pair<const char*, const char*> cases[] = {
+      {"UPDATE node_block SET first = -1 WHERE id = 3", "is damaged"},
+      {"DELETE FROM link", "bad.sim\" has no mesh"},
+  };
+  for (const auto& [statement, words] : cases) {
+    ASSERT_TRUE(Change({statement}));
+    const cow_String base = readFile(m_folder / "bad.sim");
+    const ProgramRun run({"convert", INPS_TESTS_DIR "/faults/more.inp", "--restart",
+                          File("bad.sim"), "-o", File("next.sim")});
+    EXPECT_EQ(run.exitCode, 3) << statement;
+    EXPECT_TRUE(run.Says(words)) << run.err;
+    EXPECT_FALSE(Exists("next.sim")) << statement;
+    EXPECT_TRUE(readFile(m_folder / "bad.sim") == base) << statement;
+  }
 }
 
 } // namespace

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "base/cow_Value.h"
+#include <functional>
+
+class eds_Store;
+
+// Every link must have an owner, a member that is known, and a target of a kind to which the member
+// leads; and properties must be held once each, not deeper than any reader follows them. Tells each
+// fault.
+void eds_checkLinks(eds_Store& store, const std::function<void(const cow_String&)>& tell);
