@@ -89,7 +89,9 @@ int inps_info(inps_Session& session, const inps_Arguments& arguments) {
     return inps_ExitDone;
   }
   session.out << arguments.Operands()[0] << ": " << inps_bytesText(size) << ", "
-              << (document.IsFinished() ? "finished" : "not finished: its conversion was cut short")
+              << (document.IsFinished()
+                      ? "finished"
+                      : "not finished: its conversion was cut short or still goes on")
               << '\n';
   for (const auto& [name, value] : meta)
     if (name != "finished") session.out << name << ": " << value << '\n';

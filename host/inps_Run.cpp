@@ -24,7 +24,10 @@ inps_Run::inps_Run(inps_Session& session, const inps_Arguments& arguments)
       m_progress(session), m_reporter(session, modeOf(arguments), &m_progress),
       m_installed(m_reporter),
       m_timings([this](const cow_String& label) { m_progress.Show(label); }),
-      m_json(arguments.Has(inps_Opt::Json) ? std::make_unique<inps_Json>() : nullptr) {}
+      // An object from the start: the library that turns nothing into one leaves half of it behind
+      // when memory runs out.
+      m_json(arguments.Has(inps_Opt::Json) ? std::make_unique<inps_Json>(inps_Json::object())
+                                           : nullptr) {}
 
 inps_Run::~inps_Run() = default;
 

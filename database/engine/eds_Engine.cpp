@@ -59,6 +59,8 @@ void eds_Engine::Open(const std::filesystem::path& file, eds_OpenMode mode) {
   const int code =
       sqlite3_open_v2(name.c_str(), &m_database, openFlags(mode), eds_checksummedFiles());
   if (code != SQLITE_OK) Fail(code);
+  if (m_patience.count() > 0)
+    sqlite3_busy_timeout(m_database, static_cast<int>(m_patience.count()));
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);

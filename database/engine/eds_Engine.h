@@ -76,6 +76,8 @@ public:
   void ApplyMode();
   bool IsOpen() const { return m_database != nullptr; }
   const std::filesystem::path& File() const { return m_file; }
+  // How long, from the next opening on, to wait for others who read or write the file.
+  void SetPatience(std::chrono::milliseconds time) { m_patience = time; }
   void SetShownFile(const std::filesystem::path& file) { m_shown = file; } // in messages
   eds_OpenMode Mode() const { return m_mode; }
 
@@ -109,6 +111,7 @@ private:
   std::filesystem::path m_file;
   std::filesystem::path m_shown;
   eds_OpenMode m_mode = eds_OpenMode::Memory;
+  std::chrono::milliseconds m_patience{0};
   std::deque<eds_Statement> m_statements;
   Clock::time_point m_physicalSince;
   bool m_inPhysical = false;

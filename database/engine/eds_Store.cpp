@@ -8,6 +8,10 @@
 namespace {
 constexpr const char* finishedKey = "finished";
 constexpr const char* version = "1";
+
+// Whoever looks at a model that is being made may come between two of its openings: that must not
+// end the making.
+constexpr std::chrono::seconds readersPatience{10};
 } // namespace
 
 eds_Store::eds_Store() : m_chunks(m_engine) {
@@ -72,6 +76,7 @@ void eds_Store::Create(const std::filesystem::path& file) {
     throw eds_FileAccessException(failure.what());
   }
   m_temporary.clear();
+  m_engine.SetPatience(readersPatience);
   m_engine.Open(file, eds_OpenMode::New);
   m_engine.ApplyMode();
 }
@@ -176,6 +181,7 @@ void eds_Store::SyncClosed(const std::filesystem::path& file) {
 }
 
 void eds_Store::Reopen(const std::filesystem::path& file) {
+  m_engine.SetPatience(readersPatience);
   m_engine.Open(file, eds_OpenMode::Durable);
   m_engine.ApplyMode();
 }

@@ -3,7 +3,7 @@
 
 Of conversions into the same new file at once one wins and the others say that the file exists or is
 taken; with --force each of them either wins or says so. Whatever is left is one of the models,
-whole, and no temporary file stays. A reader beside a conversion sees no model, the old one or the
+whole, and no temporary file stays. Of those who write one deck under one name one wins as well. A reader beside a conversion sees no model, the old one or the
 new one, or says why it cannot read."""
 import argparse
 import pathlib
@@ -61,17 +61,38 @@ def race(program, folder, force):
     return faults + [f"{name} is left" for name in left_over(folder)], len(winners)
 
 
-def read_beside(program, folder):
-    """Readers while a model is replaced; the faults and how many got an answer."""
+def race_to_print(program, folder):
+    """Four decks from one model under one name, of which one is the first and whole."""
+    out, alone = folder / "out.txt", folder / "alone.txt"
+    ended(start(program, "write", folder / "model.sim", "-o", alone, "--force"))
+    answers = [ended(run) for run in [start(program, "write", folder / "model.sim", "-o", out)
+                                      for _ in range(4)]]
+    faults = [f"write ends with {code}: {text[-300:]}" for code, text in answers
+              if code not in (0, 3) or (code == 3 and "out.txt" not in text)]
+    if sum(code == 0 for code, _ in answers) != 1:
+        faults.append(f"of four that write one deck not one wins: {answers}")
+    if out.read_bytes() != alone.read_bytes():
+        faults.append("the deck that won is not whole")
+    out.unlink()
+    alone.unlink()
+    return faults + [f"{name} is left" for name in left_over(folder)]
+
+
+def read_beside(program, folder, force):
+    """Readers while a model is made, or replaced; the faults and how many got an answer."""
     model = folder / "model.sim"
-    writer = start(program, "convert", folder / "deck0.inp", "-o", model, "--quiet", "--force")
+    if not force:
+        model.unlink()
+    words = ["--force"] if force else []
+    writer = start(program, "convert", folder / "deck0.inp", "-o", model, "--quiet", *words)
     faults, answered = [], 0
     while writer.poll() is None:
         code, text = ended(start(program, "info", model))
         answered += code == 0
         if code < 0 or "internal error" in text or (code != 0 and "model.sim" not in text):
             faults.append(f"a reader ends with {code}: {text[-300:]}")
-        if code == 0 and not any(f"\n{n} nodes" in text for n in NODES):
+        unfinished = not force and "not finished" in text
+        if code == 0 and not unfinished and not any(f"\n{n} nodes" in text for n in NODES):
             faults.append(f"a reader sees a part of a model: {text[-300:]}")
     code, text = ended(writer)
     if code != 0:
@@ -97,9 +118,12 @@ def main():
             found, count = race(words.program, folder, True)
             faults += [f"round {number}, by force: {fault}" for fault in found]
             winners += count
-            found, count = read_beside(words.program, folder)
-            faults += [f"round {number}: {fault}" for fault in found]
-            answered += count
+            faults += [f"round {number}: {fault}" for fault in
+                       race_to_print(words.program, folder)]
+            for force in False, True:
+                found, count = read_beside(words.program, folder, force)
+                faults += [f"round {number}: {fault}" for fault in found]
+                answered += count
     for fault in faults[:20]:
         print(fault)
     print(f"{words.rounds} rounds of four conversions: one winner each, by force "

@@ -13,7 +13,7 @@ import sys
 import tempfile
 
 PATIENCE = 60  # seconds for one command; a whole model takes a few hundredths
-CLEAR_EXITS = {0, 1, 3}
+FAULTS_FOUND = {"check": 1, "diff": 1}  # by these, as an exit code of their own
 
 
 def commands(model, deck):
@@ -23,8 +23,30 @@ def commands(model, deck):
     yield "check", [model]
 
 
+PAGE = 16384
+
+
+def torn(data, moments):
+    """What a copy that stopped, or a file system that lost blocks, leaves."""
+    pages = [data[at:at + PAGE] for at in range(0, len(data), PAGE)]
+    a, b = moments.randrange(len(pages)), moments.randrange(len(pages))
+    way = moments.randrange(4)
+    if way == 0:
+        return data[:moments.randrange(len(data))]
+    if way == 1:
+        pages[a] = bytes(len(pages[a]))
+    elif way == 2:
+        pages[a], pages[b] = pages[b], pages[a]
+    else:
+        pages[a] = pages[a][:moments.randrange(PAGE)].ljust(PAGE, b"\0")
+    return b"".join(pages)
+
+
 def damage(data, moments):
-    """One to sixteen bytes changed: anywhere, or where the file is not empty, or close together."""
+    """One to sixteen bytes changed: anywhere, or where the file is not empty, or close together; of
+    eight copies one is torn."""
+    if moments.randrange(8) == 0:
+        return torn(data, moments)
     changed = bytearray(data)
     way = moments.randrange(3)
     start = moments.randrange(len(data))
@@ -39,10 +61,10 @@ def damage(data, moments):
     return bytes(changed)
 
 
-def complaint(code, errors, copy):
+def complaint(command, code, errors, copy):
     """What is wrong with how a command ended, or None."""
     last = errors.strip().splitlines()[-1] if errors.strip() else ""
-    if code not in CLEAR_EXITS:
+    if code not in (0, 3, FAULTS_FOUND.get(command)):
         return f"exit {code}: {errors[-300:]}"
     if "internal error" in errors:
         return last
@@ -87,7 +109,7 @@ class Test:
         for command, words in commands(self.copied, written):
             code, said, errors = self.run([command, *words])
             self.ends[command, code] += 1
-            wrong = complaint(code, errors, self.copied)
+            wrong = complaint(command, code, errors, self.copied)
             if code == 0 and said != self.answers[original, command]:
                 wrong = "another answer than the sound model's"
             if code == 0 and command == "write" and (
@@ -97,7 +119,7 @@ class Test:
                 self.faults.append(f"{name}: {command}: {wrong}")
         code, _, errors = self.run(["diff", original, self.copied])
         self.ends["diff", code] += 1
-        if wrong := complaint(code, errors, self.copied):
+        if wrong := complaint("diff", code, errors, self.copied):
             self.faults.append(f"{name}: diff: {wrong}")
         if code == 1:
             self.faults.append(f"{name}: diff: reads a model that is not the sound one")
