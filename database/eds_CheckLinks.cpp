@@ -101,6 +101,30 @@ int ownerField(Kind kind) {
   }
 }
 
+// Members whose targets have no other holder: who walks over them meets each but once.
+bool isHeldOnce(eds_Member member) {
+  switch (member) {
+  case eds_Member::Occurrences:
+  case eds_Member::Parts:
+  case eds_Member::Materials:
+  case eds_Member::Amplitudes:
+  case eds_Member::NodeSets:
+  case eds_Member::ElementSets:
+  case eds_Member::Surfaces:
+  case eds_Member::NodeBlocks:
+  case eds_Member::ElementBlocks:
+  case eds_Member::PropertyTable:
+  case eds_Member::Columns:
+  case eds_Member::SurfacePieces:
+  case eds_Member::SurfaceFaces:
+  case eds_Member::Properties:
+  case eds_Member::Suboptions:
+    return true;
+  default:
+    return false;
+  }
+}
+
 class LinkChecker {
 public:
   LinkChecker(eds_Store& store, const Tell& tell)
@@ -109,7 +133,7 @@ public:
   void Run() {
     for (int64_t id = 1; id <= m_links.LastID(); ++id)
       if (m_links.Has(id)) Check(id);
-    for (const auto& [property, holder] : m_holderOf) CheckDepth(property);
+    for (const auto& [held, holder] : m_holderOf) CheckDepth(held);
   }
 
 private:
@@ -132,10 +156,8 @@ private:
       return Fault(id, "a record of kind " + std::to_string(target.kind) + " among " +
                            cow_String(info->name));
     if (!IsOfOwner(target, owner)) Fault(id, "its target names another owner");
-    const bool holds =
-        info->member == eds_Member::Properties || info->member == eds_Member::Suboptions;
-    if (holds && !m_holderOf.emplace(target.Packed(), owner.Packed()).second)
-      Fault(id, "a property held twice");
+    if (isHeldOnce(info->member) && !m_holderOf.emplace(target.Packed(), owner.Packed()).second)
+      Fault(id, "its target is held twice");
   }
 
   // A set of the whole mesh names none.
@@ -147,14 +169,15 @@ private:
   }
 
   // Each has one holder, so this goes up, or around.
-  void CheckDepth(uint64_t property) {
-    constexpr int deepest = 32; // decks nest theirs three deep
+  void CheckDepth(uint64_t held) {
+    constexpr int deepest = 32; // decks nest properties three deep
     int depth = 0;
-    for (auto at = m_holderOf.find(property); at != m_holderOf.end();
+    for (auto at = m_holderOf.find(held); at != m_holderOf.end();
          at = m_holderOf.find(at->second)) {
       if (++depth < deepest) continue;
-      m_tell("property " + std::to_string(eds_ObjectID::Unpacked(property).id) + " of kind " +
-             std::to_string(eds_ObjectID::Unpacked(property).kind) + ": is nested too deep");
+      const eds_ObjectID object = eds_ObjectID::Unpacked(held);
+      m_tell("record " + std::to_string(object.id) + " of kind " + std::to_string(object.kind) +
+             ": is held too deep");
       return;
     }
   }

@@ -6,6 +6,6 @@
 class eds_Store;
 
 // Every link must have an owner, a member that is known, and a target of a kind to which the member
-// leads; and properties must be held once each, not deeper than any reader follows them. Tells each
-// fault.
+// leads; what is held by a map or a list has one holder, and is not held deeper than any reader
+// follows it. Tells each fault.
 void eds_checkLinks(eds_Store& store, const std::function<void(const cow_String&)>& tell);

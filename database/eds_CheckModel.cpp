@@ -3,6 +3,7 @@
 #include "database/eds_CheckRecords.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
+#include "database/engine/eds_Format.h"
 #include "database/engine/eds_Store.h"
 #include <algorithm>
 #include <map>
@@ -48,6 +49,8 @@ public:
     ForAll(eds_RecordKind::Drawer, [&](int64_t id) { CheckDrawer(id); });
     ForAll(eds_RecordKind::PropertyTable, [&](int64_t id) { CheckPropertyTable(id); });
     ForAll(eds_RecordKind::SurfacePiece, [&](int64_t id) { CheckSurfacePiece(id); });
+    ForAll(eds_RecordKind::Array, [&](int64_t id) { CheckArraySize(id); });
+    ForAll(eds_RecordKind::Collection, [&](int64_t id) { CheckSpace(id); });
     return std::move(m_faults);
   }
 
@@ -86,6 +89,8 @@ private:
     eds_Statement rows(m_store.Engine(), "PRAGMA integrity_check(20)");
     while (rows.Step())
       if (rows.Text(0) != "ok") Fault(cow_String(rows.Text(0)));
+    if (const int64_t more = eds_bytesBehindPages(m_store.Engine()); more > 0)
+      Fault("behind the last page stand " + std::to_string(more) + " bytes that no model wrote");
   }
 
   void CheckReferences(const eds_RowTable& rows) {
@@ -142,6 +147,40 @@ private:
     eds_ArrayReader reader = m_reader.Array(id);
     for (int64_t chunk = 0; chunk < reader.ChunkCount(); ++chunk)
       Guarded([&] { reader.ChunkBytes(chunk); });
+  }
+
+  // Its chunks lie in the file as they are.
+  void CheckArraySize(int64_t id) {
+    if (m_fileBytes < 0)
+      m_fileBytes = m_store.Engine().QueryInt("PRAGMA page_count") *
+                    m_store.Engine().QueryInt("PRAGMA page_size");
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Array);
+    const int64_t count = rows.Int(id, eds_Array_Count);
+    const int64_t width = rows.Int(id, eds_Array_Width);
+    if (count < 0 || width < 1 || count > m_fileBytes / width)
+      Fault(Name(eds_RecordKind::Array, id) + ": is longer than the file");
+  }
+
+  // The members of a collection are in the mesh, or few.
+  void CheckSpace(int64_t id) {
+    const eds_RowTable& rows = m_store.Rows(eds_RecordKind::Collection);
+    if (m_mostMembers < 0) m_mostMembers = MostMembers();
+    const int64_t space = rows.Int(id, eds_Collection_Space);
+    if (space < 0 || space > m_mostMembers)
+      Fault(Name(eds_RecordKind::Collection, id) + ": its size");
+  }
+
+  int64_t MostMembers() {
+    int64_t members = int64_t{1} << 16;
+    const auto add = [&](eds_RecordKind kind, int field) {
+      const eds_RowTable& rows = m_store.Rows(kind);
+      for (int64_t id = 1; id <= rows.LastID(); ++id)
+        if (rows.Has(id)) members += rows.Int(id, field);
+    };
+    add(eds_RecordKind::NodeBlock, eds_NodeBlock_Count);
+    add(eds_RecordKind::ElementBlock, eds_ElementBlock_Count);
+    add(eds_RecordKind::Array, eds_Array_Count);
+    return members;
   }
 
   // An array that a record refers to must hold what the record says of it.
@@ -301,7 +340,7 @@ private:
     const auto bytes = static_cast<int64_t>(rows.Text(id, eds_PropertyTable_FewValues).size());
     const bool fits = width > 0
                           ? bytes % 8 == 0 && bytes / 8 % width == 0 && bytes / 8 / width == count
-                          : bytes == 0;
+                          : bytes == 0 && count == 0;
     if (!fits) Fault(name + ": its values do not fit its rows");
   }
 
@@ -322,6 +361,8 @@ private:
   eds_ModelReader m_reader;
   eds_Faults m_faults;
   bool m_forReaders = false; // a mesh without labels and types is sound, but nothing to show
+  int64_t m_fileBytes = -1;
+  int64_t m_mostMembers = -1;
   std::unordered_map<uint64_t, int64_t> m_nodesOf;
   std::map<std::pair<uint64_t, int64_t>, int64_t> m_labelsOf; // by owner and kind: their number
 };

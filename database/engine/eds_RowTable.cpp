@@ -158,6 +158,10 @@ bool isStored(const std::vector<cow_String>& stored, std::string_view column) {
 
 } // namespace
 
+namespace {
+constexpr int64_t fewMissing = 100'000;
+} // namespace
+
 void eds_RowTable::Load() {
   Forget();
   m_loaded = true;
@@ -177,17 +181,22 @@ void eds_RowTable::Load() {
   }
   eds_Statement rows(m_engine, sql + " FROM " + eds_sqlName(m_info.table) + " ORDER BY id");
   int64_t count = 0;
+  int64_t mostMissing = fewMissing;
   while (rows.Step()) {
-    // Numbers are missing only where records were removed; a file that skips far would have us
-    // reserve memory for nothing.
-    constexpr int64_t mostMissing = 10'000'000;
     const int64_t id = rows.Int(0);
-    if (rows.ColumnType(0) != eds_Statement::Type::Int || id <= LastID() ||
-        id - ++count > mostMissing) {
+    const int64_t missing = id - ++count;
+    if (missing > mostMissing && mostMissing == fewMissing) mostMissing = MostMissing();
+    if (rows.ColumnType(0) != eds_Statement::Type::Int || id <= LastID() || missing > mostMissing)
       Damaged("record number " + std::to_string(id));
-    }
     LoadRow(rows, columnOf);
   }
+}
+
+// Numbers are missing only where records were removed, and those that came instead are there; a
+// file that skips far would have us reserve memory for nothing.
+int64_t eds_RowTable::MostMissing() {
+  const cow_String sql = "SELECT count(*) FROM " + eds_sqlName(m_info.table);
+  return fewMissing + 100 * m_engine.QueryInt(sql.c_str());
 }
 
 int64_t eds_RowTable::LoadRow(eds_Statement& row, const std::vector<int>& columnOf) {

@@ -14,6 +14,11 @@ namespace {
 
 constexpr int kRateColumn = 2; // of isotropic hardening, behind yield stress and plastic strain
 
+// A table of another program may lack them.
+bool hasRates(const KvoSrvFsmFTable& table) {
+  return !table.IsNull() && table.Columns() > kRateColumn;
+}
+
 std::string_view nameOf(inp_KeywordEnm keyword) {
   return inp_KeywordTable::Instance().Row(keyword)->name;
 }
@@ -66,7 +71,7 @@ void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
   const inpS_Behavior* behavior =
       inpS_BehaviorTable::Instance().Find(property.Object().RecordKind());
   if (!behavior) return; // of a newer version's kind: nothing is known of it
-  if (property.IsA(eds_RecordKind::PlasticIsotropic)) {
+  if (property.IsA(eds_RecordKind::PlasticIsotropic) && hasRates(property.GetFTable())) {
     PrintIsotropicHardening(property, *behavior);
   } else {
     PrintKeyword(property, *behavior);

@@ -274,7 +274,10 @@ void inpS_MeshPrinter::PrintElementBlock(const inpS_DeckScope& scope,
   const bool gasket = type == "GK3D18" || type == "GK3D18N";
   const ElementLines lines(m_labels, scope, block, gasket);
   SharedReader<int> connectivity(block.connectivity);
-  const long long perPiece = std::max(1LL, kEntriesPerPiece / std::max(1, block.width));
+  constexpr std::size_t kMostRoom = std::size_t{16} << 20; // names of instances may be long
+  const long long perPiece =
+      std::max(1LL, std::min(kEntriesPerPiece / std::max(1, block.width),
+                             static_cast<long long>(kMostRoom / lines.Room())));
   const long long pieces = (block.count + perPiece - 1) / perPiece;
   utl_printBlocks(m_out, static_cast<std::size_t>(pieces),
                   lines.Room() * static_cast<std::size_t>(perPiece),

@@ -75,6 +75,9 @@ TEST_F(HostileModel, IsRefusedInWords) {
            "UPDATE property_table SET field_variables = -1 WHERE id = 3",
            "UPDATE surface_piece SET source = NULL, source_kind = NULL, members = 4, areas = 1",
            "UPDATE drawer SET over = 12 WHERE id = 1",
+           "UPDATE collection SET space = 2147483647",
+           "UPDATE link SET target = 1 WHERE text_key = 'BRICK-2'",
+           "INSERT INTO link (id) VALUES (9000000)",
        }) {
     ASSERT_TRUE(Change({statement})) << statement;
     ReadByAll(statement);
@@ -86,7 +89,9 @@ TEST_F(HostileModel, IsRefusedInWords) {
 
 TEST_F(HostileModel, SetsOfWhatIsNotThere) {
   for (const char* statement : {"UPDATE element_set SET membership = 1",
-                                "UPDATE node_set SET membership = (SELECT max(id) FROM cset)"}) {
+                                "UPDATE node_set SET membership = (SELECT max(id) FROM cset)",
+                                "DELETE FROM link WHERE member = 53",
+                                "UPDATE property_table SET columns = 1, rows = 9 WHERE id = 4"}) {
     ASSERT_TRUE(Change({statement})) << statement;
     ReadByAll(statement);
   }
