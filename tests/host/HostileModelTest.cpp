@@ -1,6 +1,12 @@
 #include "base/utl_Exception.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjMesh.h"
+#include "database/KvoSimTransaction.h"
+#include "database/eds_Array.h"
 #include "database/engine/eds_Engine.h"
 #include "tests/host/ProgramRun.h"
+#include <array>
+#include <span>
 
 // Models whose records hold what no writer of ours puts there: every command that reads them
 // answers or refuses, and none of them is surprised.
@@ -95,6 +101,25 @@ TEST_F(HostileModel, SetsOfWhatIsNotThere) {
     ASSERT_TRUE(Change({statement})) << statement;
     ReadByAll(statement);
   }
+}
+
+// Connectivity is looked at where it is printed.
+TEST_F(HostileModel, AnElementOfNodesThatAreNotThere) {
+  ASSERT_TRUE(Change({}));
+  {
+    KvoObjDocument document = KvoObjDocument::Open(m_folder / "bad.sim", KvoAccess::ReadWrite);
+    KvoSimTransaction transaction(document.ContextID());
+    std::array<int32_t, 8> nodes;
+    nodes.fill(2147483647);
+    const eds_ArrayID array = document.GetMesh().ElementBlocks().front().connectivity;
+    eds_updateArray(array, 0, std::as_bytes(std::span(nodes)));
+    transaction.Commit();
+    document.Finish();
+  }
+  ReadByAll("a node that is not there");
+  const ProgramRun run({"write", File("bad.sim"), "-o", File("out.inp"), "--force"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_TRUE(run.Says("bad.sim\" is damaged: an element refers to node 2147483647")) << run.err;
 }
 
 // Nothing goes on from a base that is not sound.
