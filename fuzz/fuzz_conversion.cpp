@@ -1,16 +1,19 @@
 // Any bytes are converted in memory. Where that gives a model, the deck written from it must
-// convert without error and be written a second time byte for byte the same.
+// convert without error to the same model, record by record, and be written a second time byte for
+// byte the same.
 
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjDocument.h"
+#include "host/inps_ModelDiff.h"
 #include "inpS/driver/inpS_Inp2Sim.h"
 #include "inpS/writer/inpS_Sim2Inp.h"
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <sstream>
+#include <stdexcept>
 
 namespace {
 
@@ -45,6 +48,11 @@ bool namesFiles(const cow_String& deck) {
   return false;
 }
 
+// Uncaught: its text is what the fuzzer shows.
+struct Different : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
@@ -55,6 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const cow_String once = written(first);
   const KvoObjDocument second = KvoObjDocument::InMemory();
   utl_ASSERT(convert(once, second));
+  std::ostringstream differences;
+  if (inps_diffModels(first, second, differences) != 0) throw Different(differences.str());
   utl_ASSERT(written(second) == once);
   return 0;
 }
