@@ -383,6 +383,17 @@ bool utl_isDirectory(const fs::path& path) {
   return fs::is_directory(path, ignored);
 }
 
+bool utl_isTaken(const fs::path& path) {
+  std::error_code ignored;
+  return fs::exists(fs::symlink_status(path, ignored));
+}
+
+void utl_requireReadable(const fs::path& path) {
+  const std::intptr_t handle = openToRead(path);
+  if (handle == -1) fail("cannot read", path);
+  closeFile(handle);
+}
+
 fs::path utl_temporaryBeside(const fs::path& path) {
   static std::atomic<unsigned> counter{0};
   constexpr std::size_t longestStem = 200; // file systems end names at 255

@@ -86,6 +86,10 @@ private:
 
 bool utl_exists(const std::filesystem::path& path);
 bool utl_isDirectory(const std::filesystem::path& path);
+bool utl_isTaken(const std::filesystem::path& path); // exists, or is a link that leads nowhere
+// Throws utl_FileException when the file cannot be opened. Not for pipes: their writer would see
+// a reader come and go.
+void utl_requireReadable(const std::filesystem::path& path);
 
 // A path in the same folder that no file has, for a file that will replace this one when finished.
 std::filesystem::path utl_temporaryBeside(const std::filesystem::path& path);

@@ -29,15 +29,16 @@ private:
   int m_uses = 0;
 };
 
-// The system's own words for a deck that is not there, is a folder or may not be read. What is no
-// regular file (a pipe) can be read only once and is left to the parser.
+// The system's own words for a deck that is not there, is a folder or may not be read. A pipe can
+// be read only once and is left to the parser.
 void requireReadable(const std::filesystem::path& deck) {
   std::error_code ignored;
   const std::filesystem::file_status status = std::filesystem::status(deck, ignored);
-  const bool readOnce = std::filesystem::exists(status) &&
-                        !std::filesystem::is_regular_file(status) &&
-                        !std::filesystem::is_directory(status);
-  if (!readOnce) utl_MappedFile opened(deck);
+  if (std::filesystem::is_socket(status))
+    throw utl_FileException("cannot read", deck, "it is a socket");
+  if (std::filesystem::is_directory(status))
+    throw utl_FileException("cannot read", deck, "it is a folder");
+  if (!std::filesystem::is_fifo(status)) utl_requireReadable(deck);
 }
 
 bool phase(const char* tag, inpS_Inp2Sim& driver, bool (inpS_Inp2Sim::*step)()) {

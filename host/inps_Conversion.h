@@ -22,6 +22,8 @@ public:
   const inp_Keyword* RestartKeyword() const;
   // What was kept as text; empty before a conversion.
   const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
+  // Whether errors of the mesh left it out of the model as a whole.
+  bool IsMeshLeftOut() const { return m_driver->IsMeshLeftOut(); }
 
 private:
   template <class Work> bool Run(const KvoObjDocument& document, Work work);

@@ -101,19 +101,19 @@ cow_String describeJob(const inps_Arguments& arguments, Job& job) {
 
 // Devices and pipes are never replaced, not even by force.
 void requireFree(const Job& job) {
+  if (!utl_isTaken(job.target)) return;
   std::error_code ignored;
   const std::filesystem::file_status status = std::filesystem::status(job.target, ignored);
-  if (!std::filesystem::exists(status)) return;
   if (std::filesystem::is_directory(status))
     throw utl_FileException("cannot write", job.target, "it is a folder");
-  if (!std::filesystem::is_regular_file(status))
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
     throw utl_FileException("cannot write", job.target, "it is a device or a pipe");
   if (!job.force)
     throw utl_FileException("cannot write", job.target, "it exists; --force replaces it");
 }
 
 KvoObjDocument makeModel(const Job& job) {
-  const bool replace = job.force && utl_exists(job.target);
+  const bool replace = job.force && utl_isTaken(job.target);
   return replace ? KvoObjDocument::CreateReplacing(job.target) : KvoObjDocument::Create(job.target);
 }
 
@@ -142,7 +142,10 @@ public:
     const bool clean = m_job.base.empty() ? Fresh(conversion) : Restart(conversion);
     const int notModelled = m_run.NotModelled(conversion.NotModelled());
     if (clean && m_run.Reporter().Errors() == 0) return notModelled;
-    Say("the deck has errors; " + utl_pathText(m_job.target) + " holds what could be converted");
+    const bool noMesh = conversion.IsMeshLeftOut();
+    if (m_run.IsJson()) m_run.Json()["meshLeftOut"] = noMesh;
+    Say("the deck has errors; " + utl_pathText(m_job.target) + " holds what could be converted" +
+        (noMesh ? "; the mesh is left out because of its errors" : ""));
     return inps_ExitFaults;
   }
 

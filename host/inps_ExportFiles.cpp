@@ -7,11 +7,11 @@ namespace fs = std::filesystem;
 namespace {
 
 void requireFreeFile(const fs::path& path, bool force) {
+  if (!utl_isTaken(path)) return;
   std::error_code ignored;
   const fs::file_status status = fs::status(path, ignored);
-  if (!fs::exists(status)) return;
   if (fs::is_directory(status)) throw utl_FileException("cannot write", path, "it is a folder");
-  if (!fs::is_regular_file(status))
+  if (fs::exists(status) && !fs::is_regular_file(status))
     throw utl_FileException("cannot write", path, "it is a device or a pipe");
   if (!force) throw utl_FileException("cannot write", path, "it exists; --force replaces it");
 }

@@ -13,7 +13,7 @@ void inps_writeFile(const std::filesystem::path& path, bool force,
   if (std::filesystem::is_directory(status))
     throw utl_FileException("cannot write", path, "it is a folder");
   const bool inPlace = exists && !std::filesystem::is_regular_file(status);
-  if (exists && !inPlace && !force)
+  if (utl_isTaken(path) && !inPlace && !force)
     throw utl_FileException("cannot write", path, "it exists; --force replaces it");
 
   const std::filesystem::path file = inPlace ? path : utl_temporaryBeside(path);

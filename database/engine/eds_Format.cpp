@@ -187,6 +187,22 @@ void checkPages(const cow_String& name, const unsigned char* header) {
                                    "form that models do not have");
 }
 
+struct Length {
+  int64_t bytes;
+  int64_t expected; // by the engine's header
+};
+
+Length lengthOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary | std::ios::ate);
+  const auto bytes = static_cast<int64_t>(stream.tellg());
+  unsigned char header[100] = {};
+  stream.seekg(0);
+  stream.read(reinterpret_cast<char*>(header), sizeof header);
+  int64_t pageSize = header[16] << 8 | header[17];
+  if (pageSize == 1) pageSize = 65536;
+  return {bytes, pageSize * bigEndian(header + 28)};
+}
+
 } // namespace
 
 void eds_createTables(eds_Engine& engine) {
@@ -255,6 +271,9 @@ void eds_checkHeader(const std::filesystem::path& file) {
   const cow_String name = "\"" + utl_pathText(file) + "\"";
   if (!utl_exists(file)) throw eds_FileAccessException("cannot open " + name + ": no such file");
   if (utl_isDirectory(file)) throw eds_FileAccessException("cannot open " + name + ": a folder");
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(file, ignored)) // opening a pipe would wait for its writer
+    throw eds_FileAccessException("cannot open " + name + ": no regular file");
   std::ifstream stream(file, std::ios::binary);
   if (!stream) throw eds_FileAccessException("cannot open " + name + ": not permitted");
   unsigned char header[100] = {};
@@ -276,17 +295,16 @@ void eds_checkHeader(const std::filesystem::path& file) {
 }
 
 void eds_checkLength(eds_Engine& engine) {
-  std::ifstream stream(engine.File(), std::ios::binary | std::ios::ate);
-  const auto length = static_cast<int64_t>(stream.tellg());
-  unsigned char header[100] = {};
-  stream.seekg(0);
-  stream.read(reinterpret_cast<char*>(header), sizeof header);
-  int64_t pageSize = header[16] << 8 | header[17];
-  if (pageSize == 1) pageSize = 65536;
-  const int64_t expected = pageSize * bigEndian(header + 28);
-  if (length < expected) {
+  const Length length = lengthOf(engine.File());
+  if (length.bytes < length.expected) {
     throw eds_DamagedFileException("\"" + utl_pathText(engine.File()) +
-                                   "\" is truncated: " + std::to_string(length) + " of " +
-                                   std::to_string(expected) + " bytes");
+                                   "\" is truncated: " + std::to_string(length.bytes) + " of " +
+                                   std::to_string(length.expected) + " bytes");
   }
+}
+
+int64_t eds_bytesBehindPages(const eds_Engine& engine) {
+  if (engine.File().empty()) return 0; // in memory
+  const Length length = lengthOf(engine.File());
+  return std::max<int64_t>(length.bytes - length.expected, 0);
 }

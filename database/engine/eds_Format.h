@@ -29,3 +29,5 @@ std::vector<cow_String> eds_storedColumns(eds_Engine& engine, std::string_view t
 void eds_checkHeader(const std::filesystem::path& file);
 // After recovery: does the file have all the pages its header tells of?
 void eds_checkLength(eds_Engine& engine);
+// What stands in a file behind the last of its pages, which no checksum covers.
+int64_t eds_bytesBehindPages(const eds_Engine& engine);

@@ -44,6 +44,9 @@ public:
   const inpS_Inventory& Inventory() const { return m_inventory; }
   // After a conversion: what was kept verbatim instead of modelled, in deck order of first places.
   const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
+  // After a conversion: whether the deck's nodes, elements and their sets had errors, which leave
+  // out all of them.
+  bool IsMeshLeftOut() const { return m_meshLeftOut; }
   // The keyword kinds that some phase converts.
   static cow_List<inp_KeywordEnm> ModelledKinds(bool restart = false);
   // Lays the deck's digest and name into the database's own description.
@@ -99,6 +102,7 @@ private:
   KvoObjDocument m_document;
   std::unique_ptr<inpS_SurfaceVisitor> m_surfaceVisitor;
   bool m_unsupportedFeaturesAsWarnings = false;
+  bool m_meshLeftOut = false;
   cow_List<inpS_NotModelled> m_notModelled;
   // Keywords of converted kinds that their phase left to be kept as text, with what they belong to.
   inpS_TextKeywords m_asText;

@@ -228,6 +228,7 @@ bool Driver::ProcessMesh(Labelers& labelers) {
   mesh.SaveBeamExtraNodes(transaction);
   mesh.SaveElementTypes(transaction);
   bool good = !mesh.IsError();
+  m_meshLeftOut = !good;
   if (!good) mesh.Discard();
   if (good) {
     mesh.SaveMeshAndUserNodes(transaction);
@@ -329,6 +330,7 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
   mesh.VisitListAndReport(m_keywords);
   bool good = !mesh.IsError();
   mesh.SaveElementTypes(transaction);
+  m_meshLeftOut = !good;
   if (!good) mesh.Discard();
   labelers.holdUnstored = !good;
   if (good) {

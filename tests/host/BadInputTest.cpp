@@ -1,5 +1,12 @@
 #include "database/KvoObjDocument.h"
 #include "tests/host/ProgramRun.h"
+#include <algorithm>
+#if defined(__linux__)
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+#endif
 
 namespace {
 
@@ -88,6 +95,15 @@ TEST_F(BadInput, ModelsThatAreNone) {
     }
 }
 
+TEST_F(BadInput, BytesBehindTheLastPage) {
+  ASSERT_EQ(ProgramRun({"convert", Deck("d.inp", oneBrick), "-o", File("m.sim"), "-q"}).exitCode,
+            0);
+  writeFile(m_folder / "m.sim", readFile(m_folder / "m.sim") + cow_String(5000, 'x'));
+  const ProgramRun run({"check", File("m.sim")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_TRUE(run.Says("5000 bytes that no model wrote")) << run.err;
+}
+
 // Wherever a byte of a model turns over: a clear end, with or without a finding, and never a crash.
 TEST_F(BadInput, EveryDamageEndsClearly) {
   ASSERT_EQ(ProgramRun({"convert", Deck("d.inp", oneBrick), "-o", File("good.sim"), "-q"}).exitCode,
@@ -132,6 +148,59 @@ TEST_F(BadInput, OutputsThatCannotBeWritten) {
 }
 
 #if defined(__linux__)
+TEST_F(BadInput, PipesAndSocketsAreTold) {
+  ASSERT_EQ(mkfifo(File("pipe").c_str(), 0600), 0);
+  const cow_String deck = Deck("d.inp", oneBrick);
+  const cow_List<cow_List<cow_String>> readers = {
+      {"info", File("pipe")},
+      {"write", File("pipe")},
+      {"convert", deck, "-o", File("m.sim"), "--restart", File("pipe")}};
+  for (const cow_List<cow_String>& words : readers) {
+    const ProgramRun run(words);
+    EXPECT_EQ(run.exitCode, 3) << words[0];
+    EXPECT_TRUE(run.Says("pipe\": no regular file")) << run.err;
+  }
+  const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  const cow_String name = File("socket");
+  ASSERT_LT(name.size(), sizeof address.sun_path);
+  std::copy(name.begin(), name.end(), address.sun_path);
+  ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  for (const char* command : {"convert", "check"}) {
+    const ProgramRun run({command, name});
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_TRUE(run.Says("socket\": it is a socket")) << run.err;
+  }
+  close(listener);
+}
+
+// The link is a name like another: kept without force, and with it replaced.
+TEST_F(BadInput, LinksThatLeadNowhere) {
+  const cow_String deck = Deck("d.inp", oneBrick);
+  ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("m.sim"), "-q"}).exitCode, 0);
+  const cow_String more = Deck("more.inp", "*AMPLITUDE, NAME=A\n0., 1.\n");
+  const cow_List<cow_List<cow_String>> writers = {
+      {"convert", deck, "-o", File("link.vtu"), "-q"},
+      {"convert", more, "-o", File("link.vtu"), "-q", "--restart", File("m.sim")},
+      {"write", File("m.sim"), "-o", File("link.vtu")},
+      {"export", File("m.sim"), File("link.vtu"), "-q"}};
+  for (cow_List<cow_String> words : writers) {
+    std::filesystem::remove(m_folder / "link.vtu");
+    std::filesystem::create_symlink(File("nowhere"), m_folder / "link.vtu");
+    const ProgramRun kept(words);
+    EXPECT_EQ(kept.exitCode, 3) << words[0];
+    EXPECT_TRUE(kept.Says("link.vtu\": it exists; --force replaces it")) << words[0] << kept.err;
+    words.emplace_back("--force");
+    const ProgramRun replaced(words);
+    EXPECT_EQ(replaced.exitCode, 0) << words[0] << replaced.err;
+    EXPECT_TRUE(
+        std::filesystem::is_regular_file(std::filesystem::symlink_status(m_folder / "link.vtu")))
+        << words[0];
+    EXPECT_FALSE(Exists("nowhere"));
+  }
+}
+
 TEST_F(BadInput, FullDisksAndDevices) {
   const cow_String deck = Deck("d.inp", oneBrick);
   ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("m.sim"), "-q"}).exitCode, 0);
