@@ -32,4 +32,5 @@ struct wip_Message {
   cow_String keyword; // deck name in upper case without the asterisk; empty when about none
   wip_Place place;
   cow_List<wip_Note> notes;
+  long long count = 1; // of the faults it tells of: more for those that are only counted
 };

@@ -29,7 +29,10 @@ public:
   }
 
   static wip_Message More(long long count) {
-    return "and " + std::to_string(count) + " more like these, which are only counted";
+    wip_Message message("and " + std::to_string(count) +
+                        " more like these, which are only counted");
+    message.count = count;
+    return message;
   }
 
 private:

@@ -31,6 +31,7 @@ public:
   void SetId(int id) { m_id = id; }
   void SetText(cow_String text) { m_text = std::move(text); }
   void SetFatal() { m_fatal = true; }
+  void SetCount(long long count) { m_count = count; } // see wip_Message
 
   int KeywordId() const { return m_keywordId; }
   const cow_String& FileName() const { return m_fileName; }
@@ -42,6 +43,7 @@ public:
   const cow_String& Text() const { return m_text; } // empty until given or looked up
   const cow_List<inpS_MsgArg>& Args() const { return m_args; }
   bool IsFatal() const { return m_fatal; }
+  long long Count() const { return m_count; }
 
   void AppendArg(inpS_MsgArg arg) { m_args.push_back(std::move(arg)); }
   void AppendArgList(const cow_List<inpS_MsgArg>& args);
@@ -70,4 +72,5 @@ private:
   cow_String m_keywordName;
   wip_Place m_place; // of the keyword line; empty when only file and line are known
   bool m_fatal = false;
+  long long m_count = 1;
 };

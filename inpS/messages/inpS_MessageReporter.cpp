@@ -17,6 +17,7 @@ cow_String fileNameWithoutFolder(const cow_String& name) {
 void send(const inpS_Message& message, const cow_String& text) {
   wip_Message out(inpS_toUtf8(text));
   out.place = message.Place(); // the keyword's name stands in the header already
+  out.count = message.Count();
   if (message.GetSeverity() == inpS_Message::Error)
     wip_WIPBase::Instance().Error(out, errorLevel);
   else

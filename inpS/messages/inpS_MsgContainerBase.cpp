@@ -9,6 +9,7 @@ void appendMore(cow_List<inpS_Message>& messages, long long count, int severity)
   if (count == 0) return;
   inpS_Message more(inp_MessageList::More(count).text);
   more.SetSeverity(severity);
+  more.SetCount(count);
   messages.push_back(std::move(more));
 }
 

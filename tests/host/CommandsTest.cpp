@@ -66,6 +66,30 @@ TEST_F(Commands, FaultsEndWithOneAndLeaveWhatCouldBeConverted) {
   EXPECT_FALSE(Exists("none.sim"));
 }
 
+TEST_F(Commands, ErrorsOfTheMeshLeaveItOutAndThatIsSaid) {
+  const cow_String deck = Deck("mesh.inp", "*NODE\n1, 0., 0., 0.\n2, x, 0., 0.\n");
+  const ProgramRun run({"convert", deck, "-o", File("m.sim")});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_TRUE(run.Says("; the mesh is left out because of its errors\n")) << run.err;
+  EXPECT_NE(ProgramRun({"info", File("m.sim")}).out.find("\n0 nodes"), cow_String::npos);
+  const ProgramRun json({"convert", deck, "-o", File("m.sim"), "--force", "--json"});
+  EXPECT_NE(json.out.find("\"meshLeftOut\": true"), cow_String::npos);
+  const cow_String other = cow_String(oneBrick) + "*AMPLITUDE, NAME=A\n0., x\n";
+  const ProgramRun kept({"convert", Deck("other.inp", other), "-o", File("o.sim")});
+  EXPECT_EQ(kept.exitCode, 1);
+  EXPECT_FALSE(kept.Says("the mesh is left out")) << kept.err;
+}
+
+// Beyond a limit faults are only counted; counted they are.
+TEST_F(Commands, EveryFaultIsInTheTotal) {
+  cow_String text = "*NODE\n";
+  for (int line = 0; line < 100003; ++line) text += "abc,1\n";
+  const ProgramRun run({"check", Deck("d.inp", text)});
+  EXPECT_TRUE(run.Says("100003 errors")) << run.err;
+  const ProgramRun json({"check", File("d.inp"), "--json"});
+  EXPECT_NE(json.out.find("\"errors\": 100003,"), cow_String::npos);
+}
+
 TEST_F(Commands, StrictFailsOnWhatIsNotModelled) {
   const cow_String deck = Deck("d.inp", cow_String(oneBrick) + "*DESIGN PARAMETER\nA, B\n");
   const ProgramRun lax({"check", deck});
