@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <unordered_set>
 
 namespace {
 
@@ -22,19 +23,19 @@ cow_String textOf(int item) {
   return std::to_string(item);
 }
 
-// So many items stand in the text itself: enough to be the whole truth nearly always, and little
-// enough for a console, which folds long texts on its own.
-constexpr std::size_t mostItems = 1000;
+// So many items stand in the text itself; who has more of them looks at the first ones anyway.
+constexpr std::size_t mostItems = 10;
 
 template <class T> cow_String withItems(const cow_String& text, const cow_List<T>& items) {
   cow_String out = text;
   if (!items.empty() && !out.empty() && !inp_isBlank(out.back())) out += ' ';
-  const std::size_t shown = std::min(items.size(), mostItems);
-  for (std::size_t i = 0; i < shown; ++i) {
-    if (i > 0) out += ", ";
-    out += textOf(items[i]);
+  std::unordered_set<T> told; // a list of faults often names the same one again
+  for (const T& item : items) {
+    if (!told.insert(item).second || told.size() > mostItems) continue;
+    if (told.size() > 1) out += ", ";
+    out += textOf(item);
   }
-  if (shown < items.size()) out += " … and " + std::to_string(items.size() - shown) + " more";
+  if (told.size() > mostItems) out += " … and " + std::to_string(told.size() - mostItems) + " more";
   return out;
 }
 

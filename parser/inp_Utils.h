@@ -19,7 +19,8 @@ public:
   static wip_Message MessageAtRow(const inp_Keyword& keyword, long long row, cow_String text);
   static wip_Message MessageAtField(const inp_Keyword& keyword, long long row, int col,
                                     cow_String text);
-  // The text followed by the items, separated by ", "; long lists end in a count of the rest.
+  // The text followed by the items, each once, separated by ", "; long lists end in a count of the
+  // rest.
   static cow_String MessageWithItems(const cow_String& text, const cow_List<cow_String>& items);
   static cow_String MessageWithItems(const cow_String& text, const cow_List<int>& items);
 
