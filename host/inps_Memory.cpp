@@ -54,14 +54,16 @@ cow_String inps_limitMemory(std::string_view size) {
 
 void inps_tellOutOfMemory(const inps_Session& session, std::string_view text) {
   session.err << "inps: " << text;
-  constexpr double giga = 1024.0 * 1024.0 * 1024.0;
+  constexpr double mega = 1024.0 * 1024.0;
+  constexpr double giga = 1024.0 * mega;
   const auto limit = static_cast<double>(utl_memoryLimit());
   if (limit > 0) {
     std::array<char, 120> hint{};
     const int length = std::snprintf(hint.data(), hint.size(),
-                                     "; this run may have %.2f GB, \"--memory SIZE\" gives it "
+                                     "; this run may have %.*f %s, \"--memory SIZE\" gives it "
                                      "another bound",
-                                     limit / giga);
+                                     limit < giga ? 0 : 2, limit / (limit < giga ? mega : giga),
+                                     limit < giga ? "MB" : "GB");
     session.err << std::string_view(hint.data(), static_cast<std::size_t>(length));
   }
   session.err << '\n' << std::flush;
