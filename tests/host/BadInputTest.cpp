@@ -101,7 +101,7 @@ TEST_F(BadInput, BytesBehindTheLastPage) {
   writeFile(m_folder / "m.sim", readFile(m_folder / "m.sim") + cow_String(5000, 'x'));
   const ProgramRun run({"check", File("m.sim")});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_TRUE(run.Says("5000 bytes that no model wrote")) << run.err;
+  EXPECT_TRUE(run.Says("behind the last page stand 5000 bytes")) << run.err;
 }
 
 // Wherever a byte of a model turns over: a clear end, with or without a finding, and never a crash.
