@@ -52,7 +52,8 @@ TEST_F(LastResort, FilesGoWhoeverFailsMeanwhile) {
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 TEST_F(LastResort, TooLittleMemoryIsToldAndLeavesNoTemporaryFile) {
   cow_String text = "*NODE\n";
-  for (int n = 1; n <= 1500000; ++n) text += std::to_string(n) + "," + std::to_string(n * 7) + ".\n";
+  for (int n = 1; n <= 1500000; ++n)
+    text += std::to_string(n) + "," + std::to_string(n * 7) + ".\n";
   text += "*ELEMENT, TYPE=MASS\n";
   for (int n = 1; n <= 1500000; ++n)
     text += std::to_string((n * 7919LL) % 1500007) + "," + std::to_string(n) + "\n";
