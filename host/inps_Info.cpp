@@ -82,7 +82,9 @@ int inps_info(inps_Session& session, const inps_Arguments& arguments) {
                    {"model", arguments.Operands()[0]},
                    {"bytes", size},
                    {"finished", document.IsFinished()}};
-    for (const auto& [name, value] : meta) json["meta"][name] = value;
+    inps_Json facts = inps_Json::object();
+    for (const auto& [name, value] : meta) facts[name] = value;
+    json["meta"] = std::move(facts);
     json["summary"] = inps_jsonOf(summary);
     json["quality"] = inps_jsonOf(inps_assessMesh(document));
     inps_printJson(session.out, json);
