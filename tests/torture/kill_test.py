@@ -267,6 +267,10 @@ def end_of_waiting(words, folder):
     return [] if code == 130 else [f"waiting for a pipe, asked to end: {code}"]
 
 
+def heed_the_keyboard():
+    signal.signal(signal.SIGINT, signal.SIG_DFL)
+
+
 def torture_asked(words, folder):
     """Ctrl-C: the program ends by itself soon, and takes what is half done with it."""
     deck, base, more = folder / "deck.inp", folder / "base.sim", folder / "more.inp"
@@ -286,8 +290,9 @@ def torture_asked(words, folder):
         clean(folder, deck, base, more, old)
         old.write_bytes(b"whatever")
         command = commands[number % len(commands)]
+        # A shell in the background has its children ignore the keyboard, and so do theirs.
         process = subprocess.Popen([words.program, *command], stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.PIPE)
+                                   stderr=subprocess.PIPE, preexec_fn=heed_the_keyboard)
         time.sleep(moments.uniform(0.02, whole))
         process.send_signal(signal.SIGINT)
         asked = time.perf_counter()
@@ -305,6 +310,8 @@ def torture_asked(words, folder):
             faults.append(f"{where}: the old model is gone")
         if process.returncode == 130 and left:
             faults.append(f"{where}: leaves {', '.join(path.name for path in left)}")
+    if not ends[130]:
+        faults.append("nobody heard that he was asked to end")
     print("asked to end: " + ", ".join(f"{count} times {code}" for code, count in ends.items()))
     return faults
 
