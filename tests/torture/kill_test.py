@@ -158,6 +158,16 @@ def written(program, model, deck):
     return (None, fault) if fault else (deck.read_text(errors="replace"), None)
 
 
+def fault_of_replaced(program, model, old, wanted, deck, counts):
+    """What is wrong with a model that is neither the old one nor the whole new one; counts both."""
+    if model.exists() and model.read_bytes() == old.read_bytes():
+        counts[0] += 1
+        return None
+    counts[1] += 1
+    text, fault = written(program, model, deck)
+    return fault or (None if text == wanted else "another model")
+
+
 def torture_replacing(words, folder):
     """The model is an old one or the new one, at any moment."""
     deck, old, model = folder / "deck.inp", folder / "old.sim", folder / "model.sim"
@@ -176,13 +186,9 @@ def torture_replacing(words, folder):
         model.write_bytes(old.read_bytes())
         moment = moments.uniform(0, 1.05 * whole)
         kill(moment, start(words.program, deck, model, "--force"))
-        if model.exists() and model.read_bytes() == old.read_bytes():
-            counts[0] += 1
-            continue
-        text, fault = written(words.program, model, new)
-        if fault or text != wanted:
-            faults.append(f"replacing, kill {number} after {moment:.4f} s: {fault or 'another model'}")
-        counts[1] += 1
+        fault = fault_of_replaced(words.program, model, old, wanted, new, counts)
+        if fault:
+            faults.append(f"replacing, kill {number} after {moment:.4f} s: {fault}")
     print(f"replacing: the old model {counts[0]} times, the whole new one {counts[1]} times")
     return faults
 
@@ -238,14 +244,9 @@ def torture_restart_in_place(words, folder):
         base.write_bytes(saved.read_bytes())
         moment = moments.uniform(0, 1.05 * whole)
         kill(moment, start(words.program, more, base, "--force", "--restart", base))
-        if base.read_bytes() == saved.read_bytes():
-            counts[0] += 1
-            continue
-        text, fault = written(words.program, base, new)
-        if fault or text != wanted:
-            faults.append(f"restart in place, kill {number} after {moment:.4f} s: "
-                          f"{fault or 'another model'}")
-        counts[1] += 1
+        fault = fault_of_replaced(words.program, base, saved, wanted, new, counts)
+        if fault:
+            faults.append(f"restart in place, kill {number} after {moment:.4f} s: {fault}")
     print(f"restart in place: the old model {counts[0]} times, the new one {counts[1]} times")
     return faults
 
