@@ -1,0 +1,91 @@
+#include "database/KvoSimDataRecord.h"
+#include "inpS/materials/inpS_MaterialVisitor.h"
+#include "inpS/materials/inpS_TableCheck.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_Utils.h"
+
+namespace {
+
+// Yield stress, plastic strain and the rate of its keyword, then the temperature when any row
+// depends on it, then the field variables. The strain column stays even where it is not given: a
+// later keyword of the material may give it.
+constexpr int kRateColumn = 2;
+constexpr int kStateColumn = 3; // temperature, field variables
+// Of one material; each one's rows join those of all before it.
+constexpr int kMostRates = 1000;
+
+double rateOf(const inp_Keyword& keyword) {
+  const inp_Item* rate = keyword.Find("rate");
+  return rate ? rate->AsDouble() : 0.0;
+}
+
+void appendRows(cow_List<double>& all, std::span<const double> rows, int columns,
+                bool addTemperature) {
+  for (std::size_t at = 0; at < rows.size(); at += static_cast<std::size_t>(columns)) {
+    const auto row = rows.subspan(at, static_cast<std::size_t>(columns));
+    all.insert(all.end(), row.begin(), row.begin() + kStateColumn);
+    if (addTemperature) all.push_back(0.0);
+    all.insert(all.end(), row.begin() + kStateColumn, row.end());
+  }
+}
+
+} // namespace
+
+inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Keyword& keyword) {
+  const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(eds_RecordKind::PlasticIsotropic);
+  inpS_KeywordDataTable table(keyword, static_cast<int>(row.columns.Fixed().size()), 0, true);
+  table.Read();
+  for (wip_Message& message : table.UnreadMessages()) AddError(std::move(message));
+  inpS_checkTable(keyword, table, row.columns.Fixed(), *this);
+  table.RemoveTempColumnIfIndependent();
+  if (const inp_Item* rate = keyword.Find("rate"); rate && !rate->IsNumber())
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, "rate",
+        inpS_messageText(inpS_app_InvalidParameterValue, {"RATE"}) + " It is read as 0."));
+  table.InsertValueToColumn(rateOf(keyword), kRateColumn);
+  return table;
+}
+
+KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTransaction&,
+                                                                     const inp_Keyword& keyword) {
+  constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
+  const inpS_KeywordDataTable table = ReadIsotropicHardening(keyword);
+  if (table.NumRows() == 0) return {};
+  const KvoSimPosition property = m_owner.CreateDataRecord(kind);
+  m_owner.Associate(eds_Member::Properties, property);
+  m_rates = 1;
+  const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(kind);
+  inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
+  const int tableKind = inpS_PropertyUtils::TableKindOf(kind);
+  KvoSrvFsmFTable::CreateTable(property, tableKind, table.NumRows(), table.NumDependencies(), {},
+                               {"PlasticStrain", "PlasticStrainRate"}, tableKind,
+                               table.GetDataAsBuffer(), table.NumCols(),
+                               table.HasTemperatureColumn());
+  CreateSuboptions(keyword, property);
+  return property;
+}
+
+void inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
+                                                           const inp_Keyword& keyword,
+                                                           const KvoSimPosition& property) {
+  if (++m_rates > kMostRates) {
+    Error(keyword, "A material has at most " + std::to_string(kMostRates) +
+                       " *PLASTIC with isotropic hardening; the keyword is kept as text.");
+    return KeepAsText(keyword, m_owner);
+  }
+  const inpS_KeywordDataTable added = ReadIsotropicHardening(keyword);
+  if (added.NumRows() == 0) return KeepAsText(keyword, m_owner);
+  KvoSrvFsmFTable table = property.GetFTable();
+  if (added.NumDependencies() != table.FieldVariables()) {
+    Error(keyword, "The number of field variables is another than that of the material's first "
+                   "*PLASTIC; the keyword is kept as text.");
+    return KeepAsText(keyword, m_owner);
+  }
+  const bool temperature = table.IsTemperatureDependent() || added.HasTemperatureColumn();
+  cow_List<double> rows;
+  appendRows(rows, table.Values(), table.Columns(), temperature && !table.IsTemperatureDependent());
+  appendRows(rows, added.GetDataAsBuffer(), added.NumCols(),
+             temperature && !added.HasTemperatureColumn());
+  table.SetValues(table.Rows() + added.NumRows(), rows,
+                  kStateColumn + table.FieldVariables() + (temperature ? 1 : 0), temperature);
+}
