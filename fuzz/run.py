@@ -2,12 +2,15 @@
 """Runs the fuzz targets for some seconds each and tells what they found.
 
 Decks are tried with a dictionary of all keywords, parameters and element types, beginning from every
-deck of the tests and examples. What a run learns stays in the work folder for the next one."""
+deck of the tests and examples. What a run learns stays in the work folder for the next one; a run that
+begins with a seed (--seed) begins afresh, so that two machines try much the same."""
 import argparse
+import base64
 import os
 import pathlib
 import re
 import resource
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -15,6 +18,8 @@ import tempfile
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TARGETS = {"fuzz_parser": True, "fuzz_conversion": True, "fuzz_database": False}  # takes decks?
 LONGEST_EDITS = 512  # bytes of input: some fifty edits of a model
+# Three times the executions of the sanitizer's own defaults; a finding is run again with those.
+QUICK = "quarantine_size_mb=4:malloc_context_size=0"
 
 
 def write_dictionary(path):
@@ -43,10 +48,12 @@ def gather_decks(folder):
 
 def command(words, target, decks):
     learnt = words.work / "learnt" / target
+    if words.seed:
+        shutil.rmtree(learnt, ignore_errors=True)
     learnt.mkdir(parents=True, exist_ok=True)
-    line = [words.bin / target, f"-max_total_time={words.seconds}", "-timeout=60",
-            "-rss_limit_mb=4096", "-print_final_stats=1", "-verbosity=0",
-            f"-artifact_prefix={words.work}/findings/{target}-", learnt]
+    line = [words.bin / target, f"-max_total_time={words.seconds}", f"-seed={words.seed}",
+            "-timeout=60", "-rss_limit_mb=4096", "-entropic=0", "-print_final_stats=1", "-verbosity=0",
+            f"-artifact_prefix={words.findings}/{target}-", learnt]
     if TARGETS[target]:
         return line + [decks, f"-dict={words.work}/words.dict"]
     return line + [f"-max_len={LONGEST_EDITS}"]
@@ -57,14 +64,24 @@ def processor_seconds():
     return used.ru_utime + used.ru_stime
 
 
+def show_findings(words, target, before):
+    """Each input as it can be read from a log, and what it does under the sanitizer's own defaults."""
+    for path in sorted(set(words.findings.glob(f"{target}-*")) - before):
+        print(f"--- {path}, in base64:\n{base64.b64encode(path.read_bytes()).decode()}", flush=True)
+        again = subprocess.run([words.bin / target, path], capture_output=True, text=True,
+                               errors="replace")
+        print("\n".join(again.stderr.splitlines()[:40]), flush=True)
+
+
 def run(words, target, decks):
     """True when nothing was found."""
     log = words.work / f"{target}.log"
+    before = set(words.findings.glob(f"{target}-*"))
     begin = processor_seconds()
     with tempfile.TemporaryDirectory(prefix="inps-fuzz-", dir=words.scratch) as scratch, \
             open(log, "wb") as out:
         done = subprocess.run(command(words, target, decks), stdout=out, stderr=subprocess.STDOUT,
-                              env={**os.environ, "TMPDIR": scratch})
+                              env={**os.environ, "TMPDIR": scratch, "ASAN_OPTIONS": QUICK})
     text = log.read_text(errors="replace")
     count = re.search(r"stat::number_of_executed_units:\s*(\d+)", text)
     print(f"{target}: {count[1] if count else 'unknown'} executions, "
@@ -72,8 +89,8 @@ def run(words, target, decks):
           f"{'nothing found' if done.returncode == 0 else 'A FINDING'}", flush=True)
     if done.returncode == 0:
         return True
-    print("\n".join(text.splitlines()[-40:]))
-    print(f"{target}: the log is {log}, the input lies in {words.work / 'findings'}")
+    print(f"{target}: the log is {log}")
+    show_findings(words, target, before)
     return False
 
 
@@ -82,12 +99,14 @@ def main():
     parser.add_argument("--bin", type=pathlib.Path, required=True)
     parser.add_argument("--work", type=pathlib.Path, required=True)
     parser.add_argument("--seconds", type=int, default=60)
+    parser.add_argument("--seed", type=int, default=0, help="0: any, and go on from the last run")
     parser.add_argument("--targets", nargs="+", choices=TARGETS, default=list(TARGETS))
     words = parser.parse_args()
     words.work = words.work.resolve()
     memory = pathlib.Path("/dev/shm")  # files of a moment
     words.scratch = memory if os.access(memory, os.W_OK) else None
-    (words.work / "findings").mkdir(parents=True, exist_ok=True)
+    words.findings = words.work / "findings"
+    words.findings.mkdir(parents=True, exist_ok=True)
     decks = words.work / "decks"
     print(f"{gather_decks(decks)} decks, {write_dictionary(words.work / 'words.dict')} words, "
           f"{words.seconds} s for each target", flush=True)

@@ -69,6 +69,7 @@ private:
   bool ProcessAmplitudes();
   bool ProcessMaterials();
   bool ProcessConnectorBehaviors();
+  void RaiseDimensions();
   bool ProcessMesh(Labelers& labelers);
   bool ProcessRestartMesh(Labelers& labelers);
   bool ProcessSurfaces(Labelers& labelers);

@@ -22,6 +22,7 @@
 #include "inpS/interactions/inpS_InteractionVisitor.h"
 #include "inpS/interactions/inpS_RigidBodyVisitor.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
+#include "inpS/mesh/inpS_MeshDimensions.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
 #include "inpS/mesh/inpS_UserNodeVisitor.h"
 #include "inpS/model/inpS_AssemblyVisitor.h"
@@ -221,6 +222,16 @@ bool Driver::ProcessConnectorBehaviors() {
 
 // A failed mesh is committed as far as it got: element types and beams' extra nodes stay, nodes and
 // elements are not written.
+// Lines alone do not show where a generator, a copy or a map puts its nodes, or what a restart
+// adds: the stored dimensions are those of the mesh as it came out, as its deck would say when
+// written.
+void Driver::RaiseDimensions() {
+  KvoSimDataRecord record = m_document.GetModel().DataRecord();
+  if (record.GetInt(eds_Model_Dimensions) == 3) return;
+  if (inpS_tellsThreeDimensions(m_document.GetModel().GetMesh()))
+    record.SetInt(eds_Model_Dimensions, 3);
+}
+
 bool Driver::ProcessMesh(Labelers& labelers) {
   KvoSimTransaction transaction(m_document.ContextID()); // bulk arrays are stored as they are read
   inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
@@ -234,6 +245,7 @@ bool Driver::ProcessMesh(Labelers& labelers) {
     mesh.SaveMeshAndUserNodes(transaction);
     mesh.SaveMeshAndUserElements(transaction);
     mesh.SaveSets(transaction);
+    RaiseDimensions();
     good = Run<inpS_UserNodeVisitor>(labelers);
   }
   if (good) {
@@ -337,6 +349,7 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
     mesh.SaveMeshAndUserNodes(transaction);
     mesh.SaveMeshAndUserElements(transaction);
     mesh.SaveSets(transaction);
+    RaiseDimensions();
   }
   transaction.Commit();
   good = Run<inpS_UserNodeVisitor>(labelers) && good;

@@ -23,5 +23,11 @@ struct inpS_DeckLabels {
   KvoObjMesh mesh;
   KvoObjLabeler nodes;
   KvoObjLabeler elements;
-  cow_List<cow_String> instanceNames; // by occurrence of the node labeler; empty: not an instance
+  // By occurrence of either labeler, quoted where needed; empty: not an instance.
+  cow_List<cow_String> nodeInstances;
+  cow_List<cow_String> elementInstances;
+
+  const cow_String& InstanceOf(bool nodes, int occurrence) const {
+    return (nodes ? nodeInstances : elementInstances)[static_cast<std::size_t>(occurrence)];
+  }
 };

@@ -7,8 +7,8 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/eds_DamagedModel.h"
 #include "database/eds_LabelMap.h"
+#include "inpS/mesh/inpS_MeshDimensions.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
-#include "parser/inp_KeywordTable.h"
 #include <algorithm>
 #include <memory>
 #include <mutex>
@@ -43,10 +43,6 @@ private:
   eds_ArrayReader m_reader;
 };
 
-const eds_ArrayID& asListed(const eds_ArrayID& local, const eds_ArrayID& placed) {
-  return local.IsNull() ? placed : local;
-}
-
 // The normals of a node block, few and sparse, looked up by ordinal.
 struct Normals {
   std::vector<int> ordinals;
@@ -58,7 +54,7 @@ struct Normals {
     ordinals.resize(static_cast<std::size_t>(reader.Count()));
     reader.ReadPiece(0, std::span<int>(ordinals));
     values.resize(3 * ordinals.size());
-    eds_ArrayReader(asListed(block.localNormals, block.normals))
+    eds_ArrayReader(inpS_asListed(block.localNormals, block.normals))
         .ReadPiece(0, std::span<double>(values));
   }
   std::size_t From(long long ordinal) const {
@@ -71,41 +67,6 @@ struct Normals {
 
 // ---- nodes
 
-namespace {
-
-bool hasNonZeroZ(const KvoMeshNodeBlock& block) {
-  eds_ArrayReader reader(asListed(block.localCoordinates, block.coordinates));
-  std::vector<double> points;
-  for (long long first = 0, end = block.count - block.generated; first < end;) {
-    const long long count = std::min(kNodesPerPiece, end - first);
-    points.resize(static_cast<std::size_t>(3 * count));
-    reader.ReadPiece(first, std::span<double>(points));
-    for (std::size_t n = 2; n < points.size(); n += 3)
-      if (points[n] != 0) return true;
-    first += count;
-  }
-  return false;
-}
-
-} // namespace
-
-// Nodes and elements from which a reader sees that the model is three-dimensional; nodes of the
-// assembly and its instances do not tell.
-bool inpS_MeshPrinter::TellsThreeDimensions() const {
-  const KvoSimContext context = m_labels.mesh.Position().Context();
-  for (const KvoSimPosition& spec : context.GetRecords(eds_RecordKind::ElementSpec)) {
-    const inp_ElementInfo* info = inp_KeywordTable::Instance().FindElement(
-        spec.DataRecord().ReturnString(eds_ElementSpec_Name));
-    if (info && info->Is(inp_ElemThreeD)) return true;
-  }
-  for (const KvoMeshNodeBlock& block : m_labels.mesh.NodeBlocks()) {
-    const bool tells =
-        block.owner.IsA(eds_RecordKind::Part) || block.owner.IsA(eds_RecordKind::Model);
-    if (tells && hasNonZeroZ(block)) return true;
-  }
-  return false;
-}
-
 // A model may be three-dimensional though nothing of its mesh says so: its deck had its plane nodes
 // in a local system, or has moved them since. The global axes given by three points say it again.
 void inpS_MeshPrinter::PrintSpace(const inpS_DeckScope& scope) {
@@ -115,7 +76,8 @@ void inpS_MeshPrinter::PrintSpace(const inpS_DeckScope& scope) {
   const KvoSimPosition assembly = KvoObjModel(models[0]).GetAssembly();
   const bool isRoot = assembly.IsNull() ? scope.owner.IsA(eds_RecordKind::Model)
                                         : scope.owner.IsA(eds_RecordKind::Assembly);
-  if (isRoot && !TellsThreeDimensions()) m_out << "*SYSTEM\n0., 0., 0., 1., 0., 0.\n0., 1., 0.\n";
+  if (isRoot && !inpS_tellsThreeDimensions(m_labels.mesh))
+    m_out << "*SYSTEM\n0., 0., 0., 1., 0., 0.\n0., 1., 0.\n";
 }
 
 void inpS_MeshPrinter::PrintNodes(const inpS_DeckScope& scope) {
@@ -131,7 +93,7 @@ void inpS_MeshPrinter::PrintNodes(const inpS_DeckScope& scope) {
 }
 
 void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMeshNodeBlock& block) {
-  SharedReader<double> coordinates(asListed(block.localCoordinates, block.coordinates));
+  SharedReader<double> coordinates(inpS_asListed(block.localCoordinates, block.coordinates));
   const Normals normals(block);
   const eds_LabelMap& labels = m_labels.nodes.Labels(scope.nodes);
   constexpr std::size_t kLine = utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;
@@ -177,8 +139,8 @@ public:
       if (nodes.generated > 0)
         m_generated.emplace_back(nodes.first + nodes.count - nodes.generated,
                                  nodes.first + nodes.count);
-    for (const cow_String& name : labels.instanceNames)
-      m_longestName = std::max(m_longestName, inpS_quoted(name).size());
+    for (const cow_String& name : labels.nodeInstances)
+      m_longestName = std::max(m_longestName, name.size());
   }
 
   std::size_t Room() const {
@@ -239,8 +201,7 @@ private:
                                                     std::to_string(ordinal) +
                                                     " of the mesh, which has none");
     }
-    const cow_String name =
-        inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);
+    const cow_String& name = m_labels.InstanceOf(true, occurrence);
     out = std::copy(name.begin(), name.end(), out);
     *out++ = '.';
     return utl_printInt(out, m_labels.nodes.GetInstanceLabel(occurrence, local));

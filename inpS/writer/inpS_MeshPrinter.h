@@ -14,7 +14,6 @@ public:
 
 private:
   void PrintSpace(const inpS_DeckScope& scope);
-  bool TellsThreeDimensions() const;
   void PrintNodeBlock(const inpS_DeckScope& scope, const KvoMeshNodeBlock& block);
   void PrintElementBlock(const inpS_DeckScope& scope, const KvoMeshElementBlock& block);
 

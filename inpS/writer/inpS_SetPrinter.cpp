@@ -60,9 +60,7 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
       end = members.Size();
     while (end < members.Size() && members[end] >= low && members[end] < high) ++end;
     m_out << start;
-    if (occurrence != own)
-      m_out << ", INSTANCE="
-            << inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]);
+    if (occurrence != own) m_out << ", INSTANCE=" << m_labels.InstanceOf(nodes, occurrence);
     m_out << '\n';
     PrintMembers(members, begin, end - begin, nodes, occurrence, low, !unsorted);
     begin = end;

@@ -172,7 +172,7 @@ void Impl::LoadTables() {
   {
     const bcu_MarkScope mark(kMarks, "LoadElemSpec");
     labels = std::make_unique<inpS_DeckLabels>(
-        inpS_DeckLabels{doc.GetMesh(), KvoObjLabeler(doc, 0), KvoObjLabeler(doc, 1), {}});
+        inpS_DeckLabels{doc.GetMesh(), KvoObjLabeler(doc, 0), KvoObjLabeler(doc, 1), {}, {}});
     LoadKept();
   }
   {
@@ -183,10 +183,16 @@ void Impl::LoadTables() {
     const bcu_MarkScope mark(kMarks, "LoadElemsMap");
     LoadElementLabels();
   }
-  for (const KvoSimPosition& owner : labels->nodes.Occurrences())
-    labels->instanceNames.push_back(owner.IsA(eds_RecordKind::Instance)
-                                        ? owner.DataRecord().ReturnString(eds_Instance_Name)
-                                        : cow_String());
+  const auto instancesOf = [](const KvoObjLabeler& labeler) {
+    cow_List<cow_String> names;
+    for (const KvoSimPosition& owner : labeler.Occurrences())
+      names.push_back(owner.IsA(eds_RecordKind::Instance)
+                          ? inpS_quoted(owner.DataRecord().ReturnString(eds_Instance_Name))
+                          : cow_String());
+    return names;
+  };
+  labels->nodeInstances = instancesOf(labels->nodes);
+  labels->elementInstances = instancesOf(labels->elements);
 }
 
 void Impl::LoadKept() {

@@ -102,10 +102,7 @@ void inpS_SurfacePrinter::PrintListed(const inpS_DeckScope& scope, const KvoSurf
       if (occurrence < 0) continue; // a damaged model's
       low = member - local;
       high = low + labeler.Size(occurrence);
-      prefix =
-          occurrence == own
-              ? cow_String()
-              : inpS_quoted(m_labels.instanceNames[static_cast<std::size_t>(occurrence)]) + ".";
+      prefix = occurrence == own ? cow_String() : m_labels.InstanceOf(nodes, occurrence) + ".";
     }
     m_out << prefix << labeler.GetInstanceLabel(occurrence, member - low);
     const double area = areas.empty() ? piece.area : areas[static_cast<std::size_t>(n)];

@@ -100,7 +100,8 @@ private:
     std::size_t count = Scope().elements.size();
     if (Scope().part >= 0)
       count += m_deck.scopes[static_cast<std::size_t>(Scope().part)].elements.size();
-    EXPECT_EQ(static_cast<std::size_t>(m_elements.Size(occurrence)), count);
+    const int64_t labels = occurrence < 0 ? 0 : m_elements.Size(occurrence);
+    EXPECT_EQ(static_cast<std::size_t>(labels), count);
   }
 
   // In the scope of the element or, in an assembly, of the instances.
