@@ -8,6 +8,7 @@
 #include "parser/inp_Keyword.h"
 #include <memory>
 
+class inpS_MeshVisitor;
 class inpS_SurfaceVisitor;
 
 // The one object through which a host turns a keyword deck into a filled simulation database.
@@ -69,7 +70,7 @@ private:
   bool ProcessAmplitudes();
   bool ProcessMaterials();
   bool ProcessConnectorBehaviors();
-  void RaiseDimensions();
+  void RaiseDimensions(const inpS_MeshVisitor& mesh);
   bool ProcessMesh(Labelers& labelers);
   bool ProcessRestartMesh(Labelers& labelers);
   bool ProcessSurfaces(Labelers& labelers);

@@ -220,18 +220,17 @@ bool Driver::ProcessConnectorBehaviors() {
   return !visitor.IsError();
 }
 
-// A failed mesh is committed as far as it got: element types and beams' extra nodes stay, nodes and
-// elements are not written.
 // Lines alone do not show where a generator, a copy or a map puts its nodes, or what a restart
 // adds: the stored dimensions are those of the mesh as it came out, as its deck would say when
 // written.
-void Driver::RaiseDimensions() {
-  KvoSimDataRecord record = m_document.GetModel().DataRecord();
-  if (record.GetInt(eds_Model_Dimensions) == 3) return;
-  if (inpS_tellsThreeDimensions(m_document.GetModel().GetMesh()))
-    record.SetInt(eds_Model_Dimensions, 3);
+void Driver::RaiseDimensions(const inpS_MeshVisitor& mesh) {
+  if (mesh.IsInSpace() ||
+      (mesh.HasGenerated() && inpS_tellsThreeDimensions(m_document.GetModel().GetMesh())))
+    m_document.GetModel().DataRecord().SetInt(eds_Model_Dimensions, 3);
 }
 
+// A failed mesh is committed as far as it got: element types and beams' extra nodes stay, nodes and
+// elements are not written.
 bool Driver::ProcessMesh(Labelers& labelers) {
   KvoSimTransaction transaction(m_document.ContextID()); // bulk arrays are stored as they are read
   inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
@@ -245,7 +244,7 @@ bool Driver::ProcessMesh(Labelers& labelers) {
     mesh.SaveMeshAndUserNodes(transaction);
     mesh.SaveMeshAndUserElements(transaction);
     mesh.SaveSets(transaction);
-    RaiseDimensions();
+    RaiseDimensions(mesh);
     good = Run<inpS_UserNodeVisitor>(labelers);
   }
   if (good) {
@@ -349,7 +348,7 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
     mesh.SaveMeshAndUserNodes(transaction);
     mesh.SaveMeshAndUserElements(transaction);
     mesh.SaveSets(transaction);
-    RaiseDimensions();
+    RaiseDimensions(mesh);
   }
   transaction.Commit();
   good = Run<inpS_UserNodeVisitor>(labelers) && good;

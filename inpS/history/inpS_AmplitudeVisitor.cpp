@@ -70,12 +70,12 @@ void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   if (keyword.IsInstanceCopy()) return;
   KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
   const inp_Item* item = keyword.Find("name");
-  if (!item) return keyword.ReferAll();
+  if (!item) return Ignore(keyword);
   const cow_String name = item->AsString(); // without its quotes
   const inpS_AmplitudeForm* form = FormOf(keyword);
   if (form && name.empty()) {
     Warning(keyword, "*AMPLITUDE has an empty name; it is left out.");
-    return keyword.ReferAll();
+    return Ignore(keyword);
   }
   if (form)
     Create(keyword, *form, name);
@@ -333,6 +333,13 @@ void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
   transfer.SetBuffer(std::span<const double>(pairs));
   transfer.ExecMake();
   amplitude.Associate(eds_Member::Distributions, values.Position());
+}
+
+// What stands below it belongs to no other amplitude: it stays with the model.
+void inpS_AmplitudeVisitor::Ignore(const inp_Keyword& keyword) {
+  keyword.ReferAll();
+  for (const inp_Keyword& suboption : keyword.Suboptions())
+    m_text.try_emplace(suboption.Body().get());
 }
 
 void inpS_AmplitudeVisitor::KeepAsText(const inp_Keyword& keyword) {

@@ -37,6 +37,7 @@ private:
   cow_List<double> ReadPairs(const inp_Keyword& keyword, long long firstLine); // one after another
   double ValueAt(const inp_Keyword& keyword, long long row, int col);
   void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);
+  void Ignore(const inp_Keyword& keyword);
   void KeepAsText(const inp_Keyword& keyword);
 
   const inpS_Inventory& m_inventory;

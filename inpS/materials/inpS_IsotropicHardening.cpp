@@ -3,6 +3,7 @@
 #include "inpS/materials/inpS_TableCheck.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
+#include <algorithm>
 
 namespace {
 
@@ -12,7 +13,7 @@ namespace {
 constexpr int kRateColumn = 2;
 constexpr int kStateColumn = 3; // temperature, field variables
 // Of one material; each one's rows join those of all before it.
-constexpr int kMostRates = 1000;
+constexpr std::size_t kMostRates = 1000;
 
 double rateOf(const inp_Keyword& keyword) {
   const inp_Item* rate = keyword.Find("rate");
@@ -51,9 +52,11 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
   const inpS_KeywordDataTable table = ReadIsotropicHardening(keyword);
   if (table.NumRows() == 0) return {};
+  const Potential potential = CreatePotential(keyword);
   const KvoSimPosition property = m_owner.CreateDataRecord(kind);
   m_owner.Associate(eds_Member::Properties, property);
-  m_rates = 1;
+  PlacePotential(potential, property);
+  m_rates = {rateOf(keyword)};
   const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(kind);
   inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
   const int tableKind = inpS_PropertyUtils::TableKindOf(kind);
@@ -65,22 +68,30 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   return property;
 }
 
-void inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
+// False: the keyword cannot be converted; that is told.
+bool inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
                                                            const inp_Keyword& keyword,
                                                            const KvoSimPosition& property) {
-  if (++m_rates > kMostRates) {
+  if (m_rates.size() >= kMostRates) {
     Error(keyword, "A material has at most " + std::to_string(kMostRates) +
                        " *PLASTIC with isotropic hardening; the keyword is kept as text.");
-    return KeepAsText(keyword, m_owner);
+    return false;
   }
   const inpS_KeywordDataTable added = ReadIsotropicHardening(keyword);
-  if (added.NumRows() == 0) return KeepAsText(keyword, m_owner);
+  if (added.NumRows() == 0) return false;
   KvoSrvFsmFTable table = property.GetFTable();
   if (added.NumDependencies() != table.FieldVariables()) {
     Error(keyword, "The number of field variables is another than that of the material's first "
                    "*PLASTIC; the keyword is kept as text.");
-    return KeepAsText(keyword, m_owner);
+    return false;
   }
+  // Of two curves at one rate none is the better; joined they would be a third one.
+  if (std::ranges::find(m_rates, rateOf(keyword)) != m_rates.end()) {
+    Error(keyword,
+          "The material has a *PLASTIC of this rate already; the keyword is kept as text.");
+    return false;
+  }
+  m_rates.push_back(rateOf(keyword));
   const bool temperature = table.IsTemperatureDependent() || added.HasTemperatureColumn();
   cow_List<double> rows;
   appendRows(rows, table.Values(), table.Columns(), temperature && !table.IsTemperatureDependent());
@@ -88,4 +99,5 @@ void inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
              temperature && !added.HasTemperatureColumn());
   table.SetValues(table.Rows() + added.NumRows(), rows,
                   kStateColumn + table.FieldVariables() + (temperature ? 1 : 0), temperature);
+  return true;
 }

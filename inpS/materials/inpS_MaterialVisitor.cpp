@@ -388,8 +388,10 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword,
   inpS_KeywordDataTable table;
   if (behavior.HasTable() && !ReadTable(keyword, behavior, columns, table)) return {};
   KvoSimTransaction transaction(m_document.ContextID());
+  const Potential potential = CreatePotential(keyword);
   const KvoSimPosition property = owner.CreateDataRecord(behavior.kind);
   owner.Associate(memberOf(owner), property);
+  PlacePotential(potential, property);
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
   KeepOthers(keyword, behavior, property.DataRecord());
   const int kind = inpS_PropertyUtils::TableKindOf(behavior.kind);
@@ -443,51 +445,48 @@ void inpS_MaterialVisitor::Elasticity(const inp_Keyword& keyword) {
   transaction.Commit();
 }
 
-// The material keeps the first potential it is given; which keyword it stood under is kept with it.
-void inpS_MaterialVisitor::CreatePotential(const inp_Keyword& keyword) {
+// The material keeps the first potential it is given.
+inpS_MaterialVisitor::Potential inpS_MaterialVisitor::CreatePotential(const inp_Keyword& keyword) {
+  Potential potential;
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
     if (suboption.Kind() != inp_KwPotential) continue;
-    const inpS_Behavior* behavior = inpS_BehaviorTable::Instance().Select(suboption);
     const bool has = std::ranges::any_of(m_owner.GetVector(eds_Member::Properties), [](auto& one) {
       return one.IsA(eds_RecordKind::Potential);
     });
-    if (has || !m_potential.IsNull()) {
+    if (has || potential.text) {
       Warning(suboption, "The material has a potential already; this one is ignored.");
       continue;
     }
-    m_potential = behavior ? Create(suboption, *behavior, m_owner) : KvoSimPosition();
-    if (m_potential.IsNull()) KeepAsText(suboption, m_owner);
+    const inpS_Behavior* behavior = inpS_BehaviorTable::Instance().Select(suboption);
+    if (behavior) potential.made = Create(suboption, *behavior, m_owner);
+    if (potential.made.IsNull()) potential.text = &suboption;
   }
+  return potential;
 }
 
-void inpS_MaterialVisitor::PotentialUser(const inp_Keyword& keyword) {
-  KvoSimTransaction transaction(m_document.ContextID());
-  m_potential = {};
-  CreatePotential(keyword);
-  const KvoSimPosition property = Convert(keyword, m_owner);
-  if (!m_potential.IsNull() && !property.IsNull())
-    m_potential.DataRecord().SetReference(eds_Potential_GivenWith, property);
-  transaction.Commit();
+void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
+                                          const KvoSimPosition& property) {
+  if (potential.text) KeepAsText(*potential.text, m_owner);
+  if (!potential.made.IsNull())
+    potential.made.DataRecord().SetReference(eds_Potential_GivenWith, property);
 }
 
 void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
-  if (keyword.StringOf("hardening", "ISOTROPIC") != "ISOTROPIC") return PotentialUser(keyword);
+  if (keyword.StringOf("hardening", "ISOTROPIC") != "ISOTROPIC") return Behavior(keyword);
   constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
   KvoSimPosition property = GetProperty(kind);
   if (property.IsNull() && IsSecond(keyword, *inpS_BehaviorTable::Instance().Find(kind), m_owner))
     return KeepAsText(keyword, m_owner); // beside another hardening
   KvoSimTransaction transaction(m_document.ContextID());
-  m_potential = {};
-  CreatePotential(keyword);
   if (property.IsNull()) {
     property = CreateIsotropicHardeningPlastic(transaction, keyword);
-  } else {
-    AppendIsotropicHardeningPlastic(transaction, keyword, property);
+  } else if (AppendIsotropicHardeningPlastic(transaction, keyword, property)) {
     CreateSuboptions(keyword, property);
+    PlacePotential(CreatePotential(keyword), property);
+  } else {
+    property = {};
   }
   if (property.IsNull()) KeepAsText(keyword, m_owner);
-  if (!m_potential.IsNull() && !property.IsNull())
-    m_potential.DataRecord().SetReference(eds_Potential_GivenWith, property);
   transaction.Commit();
 }
 

@@ -45,7 +45,7 @@ public:
   // The rows of *PLASTIC, HARDENING=ISOTROPIC, each with the keyword's rate behind its strain.
   KvoSimPosition CreateIsotropicHardeningPlastic(KvoSimTransaction& transaction,
                                                  const inp_Keyword& keyword);
-  void AppendIsotropicHardeningPlastic(KvoSimTransaction& transaction, const inp_Keyword& keyword,
+  bool AppendIsotropicHardeningPlastic(KvoSimTransaction& transaction, const inp_Keyword& keyword,
                                        const KvoSimPosition& property);
 
 private:
@@ -55,7 +55,6 @@ private:
   }
   void Elasticity(const inp_Keyword& keyword);
   void Plasticity(const inp_Keyword& keyword);
-  void PotentialUser(const inp_Keyword& keyword); // *CREEP and others that may have a potential
   void Expansion(const inp_Keyword& keyword);
 
   void Depvar(const inp_Keyword& keyword);
@@ -75,7 +74,14 @@ private:
   bool ReadTable(const inp_Keyword& keyword, const inpS_Behavior& behavior,
                  cow_List<inpS_BehaviorColumns::Column>& columns, inpS_KeywordDataTable& table);
   void CreateSuboptions(const inp_Keyword& keyword, const KvoSimPosition& property);
-  void CreatePotential(const inp_Keyword& keyword);
+  // The *POTENTIAL of a keyword belongs to the material and is made before the keyword's own
+  // property; once that is there, it is told what it was given with, or kept as text behind it.
+  struct Potential {
+    KvoSimPosition made;
+    const inp_Keyword* text = nullptr;
+  };
+  Potential CreatePotential(const inp_Keyword& keyword);
+  void PlacePotential(const Potential& potential, const KvoSimPosition& property);
   inpS_KeywordDataTable ReadIsotropicHardening(const inp_Keyword& keyword);
   void KeepOthers(const inp_Keyword& keyword, const inpS_Behavior& behavior,
                   KvoSimDataRecord record);
@@ -88,9 +94,8 @@ private:
   KvoSimCollection m_fieldVariableCollection;
   KvoSimCollection m_componentCollection;
   KvoSimPosition m_material;
-  int m_rates = 0; // *PLASTIC of its isotropic hardening so far
+  cow_List<double> m_rates; // of its isotropic hardening so far
   KvoSimPosition m_gasket;
   KvoSimPosition m_owner; // of the keyword at hand
   inpS_TextKeywords m_text;
-  KvoSimPosition m_potential; // just made, and not yet told what it was given with
 };

@@ -126,6 +126,11 @@ bool inpS_GeneratingReader::ReadNodes(long long row, int col, inpS_KnownNodes::S
 
 bool inpS_GeneratingReader::ArePairs(long long row, const inpS_KnownNodes::Set& a,
                                      const inpS_KnownNodes::Set& b) {
+  if (a.ordinals.IsEmpty() && b.ordinals.IsEmpty()) {
+    m_messages.AddWarning(inp_Utils::MessageAtRow(
+        *m_keyword, row, "The sets hold no nodes yet; the line has no effect."));
+    return false;
+  }
   if (a.ordinals.Size() == b.ordinals.Size()) return true;
   const inp_DataArray& data = m_keyword->Data();
   const cow_String names = data.AsString(row, 0) + ", " + data.AsString(row, 1);

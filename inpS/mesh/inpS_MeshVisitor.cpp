@@ -271,14 +271,20 @@ void inpS_MeshVisitor::ReportRefused(const inp_Keyword& keyword, const cow_List<
         "These nodes are not this deck section's own and cannot be defined again here: ", refused));
 }
 
+bool inpS_MeshVisitor::IsInSpace() const {
+  const KvoObjModel model = m_inventory.GetDocument().GetModel();
+  return m_inventory.NumberSpatialDimensions() == 3 ||
+         model.DataRecord().GetInt(eds_Model_Dimensions) == 3;
+}
+
 void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
+  m_hasGenerated = true;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
   inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements);
   cow_List<int> refused;
-  inpS_NodeGeneration generation(known, scope, m_setReader,
-                                 m_inventory.NumberSpatialDimensions() == 3, *this,
+  inpS_NodeGeneration generation(known, scope, m_setReader, IsInSpace(), *this,
                                  [&](const inpS_NodePiece& nodes, inpS_SetDefinition* set) {
                                    TakeNodes(scope, nodes, set, refused);
                                  });
@@ -396,6 +402,7 @@ void inpS_MeshVisitor::VisitElgen(const inp_Keyword& keyword) {
 
 void inpS_MeshVisitor::VisitElcopy(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
+  m_hasGenerated = true;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (MayGrow(keyword, scope)) Copies().Copy(keyword, scope);
 }

@@ -48,6 +48,8 @@ public:
 
   inpS_MeshScopes& Scopes() { return m_scopes; }
   int LargestNodeLabel() const { return m_largestNodeLabel; }
+  bool HasGenerated() const { return m_hasGenerated; } // by keywords that made nodes from others
+  bool IsInSpace() const; // three-dimensional by the lines of this deck or, in a restart, its base
 
 private:
   struct ElementType {
@@ -99,6 +101,7 @@ private:
   inpS_CopyScopes m_copyScopes;
   inpS_GeneratorScopes m_generatorScopes;
   bool m_hasInstances = false; // anywhere in the deck
+  bool m_hasGenerated = false;
   int m_largestNodeLabel = 0;
   long long m_storedNodes = 0; // in the flat mesh before this deck
   long long m_storedElements = 0;

@@ -43,6 +43,20 @@ TEST_F(Restart, MakesNodesAndElementsOfThoseOfItsBase) {
     EXPECT_NE(deck.find(lines), cow_String::npos) << lines << deck;
 }
 
+// Its lines alone lie in the plane; what they turn about does not.
+TEST_F(Restart, GoesOnInTheSpaceOfItsBase) {
+  const cow_String deck = Written("*NODE\n1, 1., 0., 0.\n3, 0., 0., 1.\n9, 0., 0., 0.\n",
+                                  "*NGEN, LINE=C\n1, 3, 1, 9\n");
+  EXPECT_NE(deck.find("2, 0.70710678"), cow_String::npos) << deck;
+  EXPECT_NE(deck.find(", 0., 0.70710678"), cow_String::npos) << deck;
+}
+
+TEST_F(Restart, LeavesThePlaneOfItsBase) {
+  Written("*NODE, NSET=N\n1, 1., 0.\n", "*NCOPY, OLD SET=N, CHANGE NUMBER=1, SHIFT\n0., 0., 1.\n");
+  const ProgramRun info({"info", File("more.sim")});
+  EXPECT_NE(info.out.find("dimensions: 3"), cow_String::npos) << info.out;
+}
+
 // Two nodes are made in the middle of its faces, with labels above all that the base has.
 TEST_F(Restart, CompletesAGasketOnNodesOfItsBase) {
   const char* const nodes = "*NODE\n1, 0., 0., 0.\n2, 2., 0., 0.\n3, 2., 2., 0.\n4, 0., 2., 0.\n"

@@ -148,8 +148,8 @@ def steps(folder, scale):
 
 def suboptions(folder, scale):
     """Of one material, with the same behavior again and again."""
-    write(folder, [BRICK, "*MATERIAL, NAME=M\n", *("*ELASTIC\n2.1e5, 0.3\n*PLASTIC\n1., 0.\n"
-                                                   for _ in range(scale))])
+    write(folder, [BRICK, "*MATERIAL, NAME=M\n", *(f"*ELASTIC\n2.1e5, 0.3\n*PLASTIC, RATE={n}.\n1., 0.\n"
+                                                   for n in range(scale))])
 
 
 def many_dependencies(folder, _):
