@@ -130,7 +130,7 @@ std::vector<double> KvoSrvFsmFTable::Values() const {
   if (array.IsNull()) {
     const std::string_view bytes = record.GetString(eds_PropertyTable_FewValues);
     std::vector<double> values(bytes.size() / sizeof(double));
-    std::memcpy(values.data(), bytes.data(), values.size() * sizeof(double));
+    if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(double));
     if (static_cast<int64_t>(values.size()) != Rows() * Columns())
       eds_tellDamaged(m_position, "a property table has " + std::to_string(values.size()) +
                                       " values for " + std::to_string(Rows()) + " rows of " +

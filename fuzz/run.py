@@ -52,7 +52,8 @@ def command(words, target, decks):
         shutil.rmtree(learnt, ignore_errors=True)
     learnt.mkdir(parents=True, exist_ok=True)
     line = [words.bin / target, f"-max_total_time={words.seconds}", f"-seed={words.seed}",
-            "-timeout=60", "-rss_limit_mb=4096", "-entropic=0", "-print_final_stats=1", "-verbosity=0",
+            "-timeout=60", "-rss_limit_mb=4096", "-entropic=0", "-mutate_depth=2",
+            "-print_final_stats=1", "-verbosity=0",
             f"-artifact_prefix={words.findings}/{target}-", learnt]
     if TARGETS[target]:
         return line + [decks, f"-dict={words.work}/words.dict"]

@@ -52,9 +52,14 @@ KvoSrvFsmFTable inpS_PropertyUtils::CreateProperty(const KvoSimPosition& propert
     utl_assertionFailed("posInDepExtraColNumbers.size() == posInDepExtraColNames.size()");
   if (table.NumRows() == 0) return {};
   cow_List<char> keep(static_cast<std::size_t>(table.NumCols()), 1);
-  dropUnspecified(table, dependent, keep);
-  dropUnspecified(table, independent, keep);
-  if (std::ranges::find(keep, 0) != keep.end()) table.KeepColumns(keep);
+  inpS_ExtraColumns given[] = {dependent, independent};
+  for (inpS_ExtraColumns& columns : given) dropUnspecified(table, columns, keep);
+  const auto kept = std::ranges::count(keep, 1);
+  if (kept > 0 && kept < table.NumCols()) { // rows of nothing but blanks stay rows of zeros
+    table.KeepColumns(keep);
+    dependent = std::move(given[0]);
+    independent = std::move(given[1]);
+  }
   return KvoSrvFsmFTable::CreateTable(property, tableKind, table.NumRows(), table.NumDependencies(),
                                       dependent.names, independent.names, rowKind,
                                       table.GetDataAsBuffer(), table.NumCols(),
