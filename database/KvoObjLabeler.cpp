@@ -163,13 +163,8 @@ void KvoObjLabeler::Impl::ReadLabels(Space& space, int64_t array, int64_t count)
 
 void KvoObjLabeler::Save(KvoSimTransaction& transaction) {
   utl_ASSERT(transaction.ContextID() == m_impl->document.ContextID());
-  for (Space& space : m_impl->spaces) {
-    // A keyword without lines leaves no trace of itself in a part.
-    const bool isTrace =
-        space.record == 0 && space.labels->Size() == 0 &&
-        (space.owner.IsA(eds_RecordKind::Part) || space.owner.IsA(eds_RecordKind::Instance));
-    if (space.changed && !isTrace) m_impl->SaveSpace(space);
-  }
+  for (Space& space : m_impl->spaces)
+    if (space.changed) m_impl->SaveSpace(space);
 }
 
 void KvoObjLabeler::Impl::SaveSpace(Space& space) {

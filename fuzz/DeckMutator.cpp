@@ -20,13 +20,13 @@ std::string textOf(const std::uint8_t* bytes, std::size_t size) {
   return {reinterpret_cast<const char*>(bytes), size};
 }
 
-// Each with what ends it.
+// Each ended, the last one too: it may come to stand before another.
 Pieces linesOf(const std::string& text) {
   Pieces lines;
   for (std::size_t begin = 0; begin < text.size();) {
-    const std::size_t end = std::min(text.find('\n', begin), text.size() - 1) + 1;
-    lines.push_back(text.substr(begin, end - begin));
-    begin = end;
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    lines.push_back(text.substr(begin, end - begin) + '\n');
+    begin = end + 1;
   }
   return lines;
 }
@@ -147,7 +147,7 @@ private:
                                   "10",  "0.5", "1e-30",   "1.5",      "1e300", "1e-9",
                                   "YES", "SET", "1000000", "999999999"};
     Pieces fields = fieldsOf(line);
-    if (beginsKeyword(line)) { // the keyword itself stays more often than not
+    if (beginsKeyword(line)) { // one with parameters keeps its name more often than not
       if (fields.size() == 1 || Below(8) == 0) return void(line = Bytes(line));
       Pieces parameters(fields.begin() + 1, fields.end());
       std::string& parameter = Any(parameters);

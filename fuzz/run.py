@@ -3,7 +3,8 @@
 
 Decks are tried with a dictionary of all keywords, parameters and element types, beginning from every
 deck of the tests and examples. What a run learns stays in the work folder for the next one; a run that
-begins with a seed (--seed) begins afresh, so that two machines try much the same."""
+begins with a seed (--seed) begins afresh and leaves nothing behind, so that two machines try much the
+same."""
 import argparse
 import base64
 import os
@@ -14,6 +15,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TARGETS = {"fuzz_parser": True, "fuzz_conversion": True, "fuzz_database": False}  # takes decks?
@@ -38,7 +40,8 @@ def write_dictionary(path):
 
 def gather_decks(folder):
     """Every deck under one name: the fuzzer takes a flat folder."""
-    folder.mkdir(parents=True, exist_ok=True)
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
     decks = sorted([*ROOT.glob("tests/decks/**/*.inp"), *ROOT.glob("examples/**/*.inp")])
     for deck in decks:
         name = "-".join(deck.relative_to(ROOT).parts)
@@ -46,13 +49,14 @@ def gather_decks(folder):
     return len(decks)
 
 
-def command(words, target, decks):
-    learnt = words.work / "learnt" / target
-    if words.seed:
-        shutil.rmtree(learnt, ignore_errors=True)
+LIMITS = ["-timeout=60", "-rss_limit_mb=4096"]
+
+
+def command(words, target, decks, scratch):
+    learnt = scratch / "learnt" if words.seed else words.work / "learnt" / target
     learnt.mkdir(parents=True, exist_ok=True)
-    line = [words.bin / target, f"-max_total_time={words.seconds}", f"-seed={words.seed}",
-            "-timeout=60", "-rss_limit_mb=4096", "-entropic=0", "-mutate_depth=2",
+    line = [words.bin / target, f"-max_total_time={words.seconds}", f"-seed={words.seed}", *LIMITS,
+            "-entropic=0", "-mutate_depth=2",
             "-print_final_stats=1", "-verbosity=0",
             f"-artifact_prefix={words.findings}/{target}-", learnt]
     if TARGETS[target]:
@@ -65,23 +69,27 @@ def processor_seconds():
     return used.ru_utime + used.ru_stime
 
 
-def show_findings(words, target, before):
+def show_findings(words, target, findings, log):
     """Each input as it can be read from a log, and what it does under the sanitizer's own defaults."""
-    for path in sorted(set(words.findings.glob(f"{target}-*")) - before):
+    if not findings:
+        print("\n".join(log.splitlines()[-40:]), flush=True)
+    for path in findings:
         print(f"--- {path}, in base64:\n{base64.b64encode(path.read_bytes()).decode()}", flush=True)
-        again = subprocess.run([words.bin / target, path], capture_output=True, text=True,
-                               errors="replace")
-        print("\n".join(again.stderr.splitlines()[:40]), flush=True)
+        try:
+            again = subprocess.run([words.bin / target, *LIMITS, path], capture_output=True, text=True,
+                                   errors="replace", timeout=120)
+            print("\n".join(again.stderr.splitlines()[:40]), flush=True)
+        except subprocess.TimeoutExpired:
+            print("does not end within two minutes", flush=True)
 
 
 def run(words, target, decks):
     """True when nothing was found."""
     log = words.work / f"{target}.log"
-    before = set(words.findings.glob(f"{target}-*"))
-    begin = processor_seconds()
+    begin, started = processor_seconds(), time.time()
     with tempfile.TemporaryDirectory(prefix="inps-fuzz-", dir=words.scratch) as scratch, \
             open(log, "wb") as out:
-        done = subprocess.run(command(words, target, decks), stdout=out, stderr=subprocess.STDOUT,
+        done = subprocess.run(command(words, target, decks, pathlib.Path(scratch)), stdout=out, stderr=subprocess.STDOUT,
                               env={**os.environ, "TMPDIR": scratch, "ASAN_OPTIONS": QUICK})
     text = log.read_text(errors="replace")
     count = re.search(r"stat::number_of_executed_units:\s*(\d+)", text)
@@ -91,7 +99,9 @@ def run(words, target, decks):
     if done.returncode == 0:
         return True
     print(f"{target}: the log is {log}")
-    show_findings(words, target, before)
+    findings = [path for path in sorted(words.findings.glob(f"{target}-*"))
+                if path.stat().st_mtime >= started]
+    show_findings(words, target, findings, text)
     return False
 
 

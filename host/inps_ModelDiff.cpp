@@ -16,7 +16,10 @@ namespace {
 // One of the two models, and the keys by which its records are found again in the other.
 class Side {
 public:
-  explicit Side(const KvoObjDocument& document) : m_model(document) {}
+  explicit Side(const KvoObjDocument& document) : m_model(document) {
+    for (const eds_RecordInfo* kind : m_model.Kinds())
+      for (const int64_t id : m_model.RecordIDs(kind->kind)) FindOwned({kind->kind, id});
+  }
   const eds_ModelReader& Model() const { return m_model; }
 
   // Names of what a record is and whose it is, without numbers.
@@ -35,11 +38,26 @@ private:
     return std::ranges::find(names, field.name) != std::end(names);
   }
 
+  static bool HasKey(eds_ObjectID object) {
+    const eds_RecordInfo* info = eds_ModelReader::Info(object.RecordKind());
+    return !info || std::ranges::any_of(info->fields, IsPartOfKey);
+  }
+
+  // What says nothing of itself is known by the first that holds it.
+  void FindOwned(eds_ObjectID owner) {
+    for (const eds_LinkInfo& link : inps_shownLinks(m_model, owner))
+      if (!link.target.IsNull() && !HasKey(link.target))
+        m_owners.try_emplace(link.target.Packed(), owner, link.memberName);
+  }
+
   cow_String MakeKey(eds_ObjectID object, int depth) {
     constexpr int deepest = 5; // owners of owners; a damaged file may have circles
     const eds_RecordInfo* info = eds_ModelReader::Info(object.RecordKind());
     if (!info || depth > deepest) return m_model.Describe(object);
     cow_String key(info->name);
+    if (const auto held = m_owners.find(object.Packed()); held != m_owners.end())
+      key.append("/").append(held->second.second) +=
+          "(" + KeyOf(held->second.first, depth + 1) + ")";
     for (std::size_t i = 0; i < info->fields.size(); ++i) {
       if (!IsPartOfKey(info->fields[i])) continue;
       const eds_FieldValue value = m_model.Value(info->kind, object.id, static_cast<int>(i));
@@ -53,6 +71,7 @@ private:
 
   eds_ModelReader m_model;
   std::unordered_map<uint64_t, cow_String> m_keys;
+  std::unordered_map<uint64_t, std::pair<eds_ObjectID, std::string_view>> m_owners;
 };
 
 class Diff {

@@ -221,10 +221,9 @@ bool Driver::ProcessConnectorBehaviors() {
 }
 
 // Lines alone do not show where a generator, a copy or a map puts its nodes, or what a restart
-// adds: the stored dimensions are those of the mesh as it came out, as its deck would say when
-// written.
+// adds: the stored dimensions are raised to what the lines of the mesh, once written, will say.
 void Driver::RaiseDimensions(const inpS_MeshVisitor& mesh) {
-  if (mesh.IsInSpace() ||
+  if (m_inventory.NumberSpatialDimensions() == 3 ||
       (mesh.HasGenerated() && inpS_tellsThreeDimensions(m_document.GetModel().GetMesh())))
     m_document.GetModel().DataRecord().SetInt(eds_Model_Dimensions, 3);
 }

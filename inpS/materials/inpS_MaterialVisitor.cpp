@@ -134,13 +134,17 @@ void inpS_MaterialVisitor::TellOfData(const inp_Keyword& keyword) {
 
 void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
   const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
-  if (!opened.IsNull()) m_owner = m_material = opened;
+  if (opened.IsNull()) return;
+  m_owner = m_material = opened;
+  m_hasPotential = false;
 }
 
 void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
   const KvoSimPosition opened =
       OpenNamed(keyword, eds_RecordKind::GasketBehavior, eds_Member::GasketBehaviors);
-  if (!opened.IsNull()) m_owner = m_gasket = opened;
+  if (opened.IsNull()) return;
+  m_owner = m_gasket = opened;
+  m_hasPotential = false;
 }
 
 // There is one set of constants; each parameter given again takes the place of the former.
@@ -450,13 +454,12 @@ inpS_MaterialVisitor::Potential inpS_MaterialVisitor::CreatePotential(const inp_
   Potential potential;
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
     if (suboption.Kind() != inp_KwPotential) continue;
-    const bool has = std::ranges::any_of(m_owner.GetVector(eds_Member::Properties), [](auto& one) {
-      return one.IsA(eds_RecordKind::Potential);
-    });
-    if (has || potential.text) {
+    if (m_hasPotential) {
+      suboption.ReferAll();
       Warning(suboption, "The material has a potential already; this one is ignored.");
       continue;
     }
+    m_hasPotential = true;
     const inpS_Behavior* behavior = inpS_BehaviorTable::Instance().Select(suboption);
     if (behavior) potential.made = Create(suboption, *behavior, m_owner);
     if (potential.made.IsNull()) potential.text = &suboption;
@@ -466,7 +469,10 @@ inpS_MaterialVisitor::Potential inpS_MaterialVisitor::CreatePotential(const inp_
 
 void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
                                           const KvoSimPosition& property) {
-  if (potential.text) KeepAsText(*potential.text, m_owner);
+  if (potential.text) {
+    potential.text->ReferAll();
+    m_text.try_emplace(potential.text->Body().get(), inpS_TextPlace{m_owner, property});
+  }
   if (!potential.made.IsNull())
     potential.made.DataRecord().SetReference(eds_Potential_GivenWith, property);
 }
@@ -482,7 +488,12 @@ void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
     property = CreateIsotropicHardeningPlastic(transaction, keyword);
   } else if (AppendIsotropicHardeningPlastic(transaction, keyword, property)) {
     CreateSuboptions(keyword, property);
-    PlacePotential(CreatePotential(keyword), property);
+    const Potential potential = CreatePotential(keyword);
+    PlacePotential(potential, property);
+    if (!potential.made.IsNull()) { // stands before it, as always
+      m_owner.Dissociate(eds_Member::Properties, property);
+      m_owner.Associate(eds_Member::Properties, property);
+    }
   } else {
     property = {};
   }

@@ -95,6 +95,7 @@ private:
   KvoSimCollection m_componentCollection;
   KvoSimPosition m_material;
   cow_List<double> m_rates; // of its isotropic hardening so far
+  bool m_hasPotential = false;
   KvoSimPosition m_gasket;
   KvoSimPosition m_owner; // of the keyword at hand
   inpS_TextKeywords m_text;

@@ -244,6 +244,15 @@ void inpS_MeshStore::SaveCounts(const inpS_MeshScope& scope) {
 
 // ---- sets
 
+namespace {
+
+// What a restart makes larger keeps its record.
+template <class Set> Set found(const KvoSimPosition& stored, const KvoSimContext& context) {
+  return stored.IsNull() ? Set(context, "") : Set(stored);
+}
+
+} // namespace
+
 // The sets of all nodes and of those the deck itself lists (generated ones are left out); likewise
 // of elements, where the two are the same.
 void inpS_MeshStore::SaveUserSets(bool nodes) {
@@ -251,14 +260,14 @@ void inpS_MeshStore::SaveUserSets(bool nodes) {
   const KvoSimContext context = m_document.Context();
   if (!nodes) {
     KvoSimCollection all = mesh.GetElementCollection();
-    KvoObjElementSet elements(context, "");
+    auto elements = found<KvoObjElementSet>(mesh.GetElements(), context);
     elements.SetMembership(all.BiggestCSetID());
     mesh.SetElements(elements);
     mesh.SetUserElements(elements);
     return;
   }
   KvoSimCollection all = mesh.GetNodeCollection();
-  KvoObjNodeSet every(context, "");
+  auto every = found<KvoObjNodeSet>(mesh.GetNodes(), context);
   every.SetMembership(all.BiggestCSetID());
   mesh.SetNodes(every);
   // From the blocks, which know of those from before a restart as well.
@@ -275,7 +284,8 @@ void inpS_MeshStore::SaveUserSets(bool nodes) {
       given.push_back(static_cast<int>(block.flatFirst + n));
   }
   std::sort(given.begin(), given.end());
-  KvoObjNodeSet user(context, "");
+  const bool own = mesh.GetUserNodes() != mesh.GetNodes();
+  auto user = found<KvoObjNodeSet>(own ? mesh.GetUserNodes() : KvoSimPosition(), context);
   user.SetMembership(all, given);
   mesh.SetUserNodes(user);
 }

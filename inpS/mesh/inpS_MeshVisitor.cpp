@@ -68,6 +68,11 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   m_generatorScopes = inpS_GeneratorScopes(keywords);
   if (m_generatorScopes.Holds(m_scopes.Root())) m_scopes.Root().nodes.KeepPoints();
   LoadBaseElements(m_scopes.Root());
+  // A part without nodes has labels, too, though none: a restart sees from them that it is stored.
+  if (!m_scopes.Root().isStored)
+    for (const inp_Keyword& keyword : keywords)
+      if (keyword.Kind() == inp_KwPart && !keyword.IsInstanceCopy())
+        OpenPart(keyword.StringOf("name", ""));
   OpenStoredInstances(keywords);
   // An instance shares what its part is when it opens: parts come first wherever they stand.
   const auto isOfParts = [](const inp_Keyword& keyword) {
@@ -273,7 +278,7 @@ void inpS_MeshVisitor::ReportRefused(const inp_Keyword& keyword, const cow_List<
 
 bool inpS_MeshVisitor::IsInSpace() const {
   const KvoObjModel model = m_inventory.GetDocument().GetModel();
-  return m_inventory.NumberSpatialDimensions() == 3 ||
+  return m_hasLeftPlane || m_inventory.NumberSpatialDimensions() == 3 ||
          model.DataRecord().GetInt(eds_Model_Dimensions) == 3;
 }
 
@@ -286,6 +291,10 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
   cow_List<int> refused;
   inpS_NodeGeneration generation(known, scope, m_setReader, IsInSpace(), *this,
                                  [&](const inpS_NodePiece& nodes, inpS_SetDefinition* set) {
+                                   bool left = false;
+                                   for (std::size_t n = 2; n < nodes.coordinates.size(); n += 3)
+                                     left |= nodes.coordinates[n] != 0;
+                                   m_hasLeftPlane |= left;
                                    TakeNodes(scope, nodes, set, refused);
                                  });
   try {

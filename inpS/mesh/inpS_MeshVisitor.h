@@ -49,7 +49,7 @@ public:
   inpS_MeshScopes& Scopes() { return m_scopes; }
   int LargestNodeLabel() const { return m_largestNodeLabel; }
   bool HasGenerated() const { return m_hasGenerated; } // by keywords that made nodes from others
-  bool IsInSpace() const; // three-dimensional by the lines of this deck or, in a restart, its base
+  bool IsInSpace() const; // by the lines of this deck, what it has generated so far, or its base
 
 private:
   struct ElementType {
@@ -102,6 +102,7 @@ private:
   inpS_GeneratorScopes m_generatorScopes;
   bool m_hasInstances = false; // anywhere in the deck
   bool m_hasGenerated = false;
+  bool m_hasLeftPlane = false; // with a node that it has generated
   int m_largestNodeLabel = 0;
   long long m_storedNodes = 0; // in the flat mesh before this deck
   long long m_storedElements = 0;

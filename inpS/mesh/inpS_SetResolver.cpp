@@ -159,21 +159,25 @@ void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinit
   result.state = State::Done;
 }
 
-inpS_MeshScope* inpS_SetResolver::InstanceOf(const inpS_SetDefinition& set, const Entry& entry,
+// A part knows nothing of the instances that are made of it.
+inpS_MeshScope* inpS_SetResolver::InstanceOf(const inpS_MeshScope& scope,
+                                             const inpS_SetDefinition& set, const Entry& entry,
                                              bool report) {
-  inpS_MeshScope* instance = m_scopes.FindInstance(entry.instance);
-  if (!instance && report) NoteUndefined(set, entry);
+  const bool inPart = scope.kind == inpS_MeshScope::Kind::Part;
+  inpS_MeshScope* instance = inPart ? nullptr : m_scopes.FindInstance(entry.instance);
+  if (!instance && report) NoteUndefined(inPart, set, entry);
   return instance;
 }
 
-void inpS_SetResolver::NoteUndefined(const inpS_SetDefinition& set, const Entry& entry) {
+void inpS_SetResolver::NoteUndefined(bool inPart, const inpS_SetDefinition& set,
+                                     const Entry& entry) {
   long long count = 1;
   if (entry.kind == Entry::Kind::Labels) count = static_cast<long long>(entry.labels.Size());
   if (entry.kind == Entry::Kind::Range) count = entry.count;
   const auto [known, isNew] =
       m_undefinedAt.try_emplace({entry.keyword, entry.instance}, m_undefined.size());
   if (isNew)
-    m_undefined.push_back({&set, &entry, count});
+    m_undefined.push_back({&set, &entry, count, inPart});
   else
     m_undefined[known->second].count += count;
 }
@@ -181,7 +185,9 @@ void inpS_SetResolver::NoteUndefined(const inpS_SetDefinition& set, const Entry&
 void inpS_SetResolver::ReportUndefined() {
   for (const Undefined& undefined : m_undefined) {
     cow_String text =
-        inp_Utils::Format("Instance %s is not defined.", undefined.entry->instance.c_str());
+        inp_Utils::Format(undefined.inPart ? "Instance %s cannot be named within a part."
+                                           : "Instance %s is not defined.",
+                          undefined.entry->instance.c_str());
     if (undefined.count > 1)
       text += " The " + std::to_string(undefined.count) + " entries that name it are left out.";
     ReportEntry(*undefined.set, *undefined.entry, std::move(text));
@@ -195,7 +201,7 @@ inpS_SetResolver::Target inpS_SetResolver::Find(const inpS_MeshScope& scope, inp
                                                 bool report) {
   const inpS_MeshScope* owner = &scope;
   if (!entry.instance.empty()) {
-    owner = InstanceOf(set, entry, report);
+    owner = InstanceOf(scope, set, entry, report);
     if (!owner) return {};
   }
   if (const inpS_SetDefinition* own = owner->sets.Find(kind, entry.name)) return {owner, own, 0};
@@ -228,7 +234,8 @@ void inpS_SetResolver::AddEntry(const inpS_MeshScope& scope, const inpS_SetDefin
     return;
   case Entry::Kind::Labels:
   case Entry::Kind::Range: {
-    const inpS_MeshScope* owner = entry.instance.empty() ? &scope : InstanceOf(set, entry, true);
+    const inpS_MeshScope* owner =
+        entry.instance.empty() ? &scope : InstanceOf(scope, set, entry, true);
     if (!owner) return;
     if (entry.kind == Entry::Kind::Labels)
       AddLabels(*owner, set.kind, entry, gathered);

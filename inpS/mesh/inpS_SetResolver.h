@@ -46,10 +46,11 @@ private:
     const inpS_SetDefinition* set;
     const inpS_SetEntry* entry; // the first one
     long long count;
+    bool inPart;
   };
 
-  inpS_MeshScope* InstanceOf(const inpS_SetDefinition& set, const inpS_SetEntry& entry,
-                             bool report);
+  inpS_MeshScope* InstanceOf(const inpS_MeshScope& scope, const inpS_SetDefinition& set,
+                             const inpS_SetEntry& entry, bool report);
   Target Find(const inpS_MeshScope& scope, inpS_SetKind kind, const inpS_SetDefinition& set,
               const inpS_SetEntry& entry, bool report);
   void ResolveFirst(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
@@ -65,7 +66,7 @@ private:
                   Gathered& gathered) const;
   void AddNodesKnown(const inpS_MeshScope& scope, const eds_MemberSet& elements,
                      Gathered& gathered);
-  void NoteUndefined(const inpS_SetDefinition& set, const inpS_SetEntry& entry);
+  void NoteUndefined(bool inPart, const inpS_SetDefinition& set, const inpS_SetEntry& entry);
   void ReportUndefined();
   void ReportMissing(const inpS_SetDefinition& set, Gathered& gathered);
   void ReportEntry(const inpS_SetDefinition& set, const inpS_SetEntry& entry, cow_String text);

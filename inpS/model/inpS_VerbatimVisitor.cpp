@@ -114,6 +114,10 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   Place place = m_place;
   const inpS_TextPlace* told = AsText(keyword);
   if (told && !told->owner.IsNull()) place = {told->owner, levelUnder(told->owner)};
+  // The texts of a step stand in its order, where another amplitude would take it over.
+  const bool isStep = keyword.Scope().kind == inp_Scope::Kind::Step;
+  if (isStep && block == kFirstBlock)
+    place = {m_inventory.GetDocument().GetModel().Position(), "LEVEL_MODEL"};
   const KvoSimPosition kept = m_place.owner.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   KvoSimDataRecord record = kept.DataRecord();
   record.SetString(eds_VerbatimKeyword_Keyword, keyword.Name());
@@ -175,7 +179,13 @@ bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
 
 // A sub-option goes where its keyword goes, an unknown keyword where the one before it went.
 int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
-  if (keyword.Scope().kind == inp_Scope::Kind::Step) return m_block = kHistoryBlock;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step) {
+    m_block = kHistoryBlock;
+    const inpS_TextPlace* told = AsText(keyword);
+    if (!told || keyword.Kind() != inp_KwBaselineCorrection) return m_block;
+    if (told->owner.IsNull()) return kFirstBlock;
+    return inp_KeywordTable::Instance().Row(inp_KwAmplitude)->block; // wherever it stands
+  }
   if (IsStray(keyword)) return m_block = kFirstBlock;
   if (keyword.Kind() == inp_UnknownKeyword || keyword.IsSuboption() || leavesNothing(keyword))
     return m_block = m_block == 0 ? kFirstBlock : m_block;

@@ -49,6 +49,7 @@ struct inpS_Sim2Inp::Impl {
   void LoadKept();
   inpS_DeckScope ScopeOf(const KvoSimPosition& owner) const;
   void PrintScope(const inpS_DeckScope& scope, int from, int to);
+  void PrintWithin(const inpS_DeckScope& scope);
   void PrintKept(const inpS_DeckScope& scope, int block);
   void PrintParts();
   void PrintAssembly();
@@ -239,6 +240,12 @@ void Impl::PrintScope(const inpS_DeckScope& scope, int from, int to) {
   }
 }
 
+// What lies within the model: all but its heading and its steps.
+void Impl::PrintWithin(const inpS_DeckScope& scope) {
+  PrintKept(scope, 1);
+  PrintScope(scope, 2, kStepsBlock - 1);
+}
+
 void Impl::PrintKept(const inpS_DeckScope& scope, int block) {
   const auto known = kept.find(scope.owner.Object().Packed());
   if (known == kept.end()) return;
@@ -274,7 +281,7 @@ void Impl::PrintHeading(const inpS_DeckScope& scope) {
 void Impl::PrintParts() {
   for (const KvoSimPosition& part : doc.GetModel().Parts()) {
     *out << "*PART, NAME=" << inpS_quoted(part.DataRecord().ReturnString(eds_Part_Name)) << '\n';
-    PrintScope(ScopeOf(part), 2, kStepsBlock - 1);
+    PrintWithin(ScopeOf(part));
     *out << "*END PART\n";
   }
 }
@@ -286,7 +293,7 @@ void Impl::PrintAssembly() {
   if (!title.empty()) *out << ", NAME=" << inpS_quoted(title);
   *out << '\n';
   for (const KvoSimPosition& instance : doc.GetModel().Occurences()) PrintInstance(instance);
-  PrintScope(ScopeOf(assembly), 2, kStepsBlock - 1);
+  PrintWithin(ScopeOf(assembly));
   *out << "*END ASSEMBLY\n";
 }
 
@@ -313,6 +320,6 @@ void Impl::PrintInstance(const KvoSimPosition& instance) {
       *out << '\n';
     }
   }
-  PrintScope(ScopeOf(instance), 2, kStepsBlock - 1);
+  PrintWithin(ScopeOf(instance));
   *out << "*END INSTANCE\n";
 }

@@ -103,6 +103,24 @@ TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
   EXPECT_EQ(deck.find("9."), cow_String::npos) << deck;
 }
 
+// What has no nodes is there all the same: others have counted on it.
+TEST_F(Restart, FillsNoEmptyPartOfItsBase) {
+  const cow_String base = "*PART, NAME=P\n*END PART\n*ASSEMBLY, NAME=A\n"
+                          "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*END ASSEMBLY\n";
+  Written(base, "*ASSEMBLY, NAME=A\n*NSET, NSET=K\n*END ASSEMBLY\n");
+  ProgramRun({"convert", File("more.out"), "-o", File("again.sim")});
+  const ProgramRun diff({"diff", File("more.sim"), File("again.sim")});
+  EXPECT_EQ(diff.exitCode, 0) << diff.out;
+  const cow_String node = "*NODE\n1, 0., 0.\n";
+  for (const cow_String& more :
+       {"*PART, NAME=P\n" + node + "*END PART\n", "*ASSEMBLY, NAME=A\n*INSTANCE, NAME=I, PART=P\n" +
+                                                      node + "*END INSTANCE\n*END ASSEMBLY\n"}) {
+    const ProgramRun run({"convert", Deck("n.inp", more), "--restart", File("base.sim"), "-o",
+                          File("n.sim"), "--force"});
+    EXPECT_TRUE(run.Says("error: A restart cannot add nodes or elements")) << run.err;
+  }
+}
+
 // An amplitude defined anew takes the texts of the former one with it.
 TEST_F(Restart, ReplacesAnAmplitudeWhole) {
   const cow_String deck = Written("*AMPLITUDE, NAME=A, DEFINITION=PERIODIC\n1, 2., 0., 3.\n4., 5.\n"
