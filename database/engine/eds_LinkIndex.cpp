@@ -18,6 +18,13 @@ void eds_LinkIndex::Forget() {
   m_lists.clear();
   m_byTarget.clear();
   m_hasTargets = false;
+  m_membersOf.clear();
+  m_hasMembers = false;
+}
+
+uint64_t eds_LinkIndex::BitOf(eds_Member member) {
+  utl_ASSERT(static_cast<uint64_t>(member) < 64);
+  return uint64_t{1} << static_cast<uint64_t>(member);
 }
 
 void eds_LinkIndex::Build(eds_RowTable& rows) {
@@ -143,6 +150,7 @@ void eds_LinkIndex::Enter(eds_ObjectID owner, eds_Member member, std::string_vie
   m_rows->SetReference(link, eds_Link_Target, target);
   if (isNew) Append(list, link);
   if (m_hasTargets) m_byTarget.emplace(target.Packed(), link);
+  if (m_hasMembers) m_membersOf[owner.Packed()] |= BitOf(member);
 }
 
 void eds_LinkIndex::ForgetTarget(int64_t link) {
@@ -178,8 +186,18 @@ std::vector<int64_t> eds_LinkIndex::LinksTo(eds_ObjectID target) {
 }
 
 std::vector<int64_t> eds_LinkIndex::LinksFrom(eds_ObjectID owner) {
+  if (!m_hasMembers) {
+    for (const auto& entry : m_lists) {
+      const auto member = static_cast<eds_Member>(entry.first.member);
+      if (eds_schemaMember(member)) m_membersOf[entry.first.owner] |= BitOf(member);
+    }
+    m_hasMembers = true;
+  }
   std::vector<int64_t> links;
+  const auto members = m_membersOf.find(owner.Packed());
+  if (members == m_membersOf.end()) return links;
   for (const eds_MemberInfo& member : eds_schemaMembers()) {
+    if ((members->second & BitOf(member.member)) == 0) continue;
     const List* list = Find(owner, member.member);
     if (list != nullptr) links.insert(links.end(), list->links.begin(), list->links.end());
   }

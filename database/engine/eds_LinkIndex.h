@@ -45,6 +45,7 @@ private:
     }
   };
 
+  static uint64_t BitOf(eds_Member member); // all members that a schema has fit
   void Append(List& list, int64_t link);
   void RemoveIn(List& list, int64_t link);
   void ForgetTarget(int64_t link);
@@ -56,6 +57,9 @@ private:
   std::unordered_map<Key, List, Hash> m_lists;
   std::unordered_multimap<uint64_t, int64_t> m_byTarget;
   bool m_hasTargets = false;
+  // The members each owner has or had links of; a walk over a model asks for all of every record.
+  std::unordered_map<uint64_t, uint64_t> m_membersOf;
+  bool m_hasMembers = false;
 };
 
 // A number as the key of a link.
