@@ -60,15 +60,21 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
       end = members.Size();
     while (end < members.Size() && members[end] >= low && members[end] < high) ++end;
     m_out << start;
-    if (occurrence != own) m_out << ", INSTANCE=" << m_labels.InstanceOf(nodes, occurrence);
+    // Within an instance the language has no such parameter, and names others by their labels.
+    const bool foreign = occurrence != own;
+    const bool within = scope.owner.IsA(eds_RecordKind::Instance);
+    if (foreign && !within) m_out << ", INSTANCE=" << m_labels.InstanceOf(nodes, occurrence);
     m_out << '\n';
-    PrintMembers(members, begin, end - begin, nodes, occurrence, low, !unsorted);
+    const cow_String prefix =
+        foreign && within ? m_labels.InstanceOf(nodes, occurrence) + "." : cow_String();
+    PrintMembers(members, begin, end - begin, nodes, occurrence, low, !unsorted, prefix);
     begin = end;
   }
 }
 
 void inpS_SetPrinter::PrintMembers(const eds_MemberSet& members, long long first, long long count,
-                                   bool nodes, int occurrence, long long flatFirst, bool sorted) {
+                                   bool nodes, int occurrence, long long flatFirst, bool sorted,
+                                   std::string_view prefix) {
   if (count == 0) return;
   if (occurrence < 0) noSuchMember(m_labels.mesh, members[first]);
   const eds_LabelMap& labels =
@@ -86,6 +92,11 @@ void inpS_SetPrinter::PrintMembers(const eds_MemberSet& members, long long first
     }
     // Ordinals ascend in a sorted set; its labels need not, where nodes stand in another order.
     if (sorted && !rising) std::sort(piece.begin(), piece.end());
-    inpS_printSet(m_out, size, piece.data());
+    if (prefix.empty()) {
+      inpS_printSet(m_out, size, piece.data());
+      continue;
+    }
+    for (long long n = 0; n < size; ++n)
+      m_out << prefix << piece[static_cast<std::size_t>(n)] << '\n';
   }
 }

@@ -2,6 +2,7 @@
 
 #include "database/eds_MemberSet.h"
 #include "inpS/writer/inpS_DeckScope.h"
+#include <string_view>
 
 class utl_Stream;
 
@@ -18,7 +19,7 @@ private:
   void Print(const inpS_DeckScope& scope, bool nodes);
   void PrintSet(const inpS_DeckScope& scope, const KvoSimPosition& set, bool nodes);
   void PrintMembers(const eds_MemberSet& members, long long first, long long count, bool nodes,
-                    int occurrence, long long flatFirst, bool sorted);
+                    int occurrence, long long flatFirst, bool sorted, std::string_view prefix = {});
 
   const inpS_DeckLabels& m_labels;
   utl_Stream& m_out;
