@@ -18,7 +18,7 @@ class Side {
 public:
   explicit Side(const KvoObjDocument& document) : m_model(document) {
     for (const eds_RecordInfo* kind : m_model.Kinds())
-      for (const int64_t id : m_model.RecordIDs(kind->kind)) FindOwned({kind->kind, id});
+      for (const int64_t id : m_model.RecordIDs(kind->kind)) FindOwned(*kind, id);
   }
   const eds_ModelReader& Model() const { return m_model; }
 
@@ -38,16 +38,37 @@ private:
     return std::ranges::find(names, field.name) != std::end(names);
   }
 
-  static bool HasKey(eds_ObjectID object) {
+  // Drawers of one distribution are told apart by those who hold them.
+  bool IsNamed(eds_ObjectID object) const {
     const eds_RecordInfo* info = eds_ModelReader::Info(object.RecordKind());
-    return !info || std::ranges::any_of(info->fields, IsPartOfKey);
+    if (!info) return true;
+    for (std::size_t i = 0; i < info->fields.size(); ++i) {
+      if (!IsPartOfKey(info->fields[i])) continue;
+      const eds_FieldValue value = m_model.Value(info->kind, object.id, static_cast<int>(i));
+      const auto* text = std::get_if<std::string_view>(&value);
+      const auto* owner = std::get_if<eds_ObjectID>(&value);
+      if (text ? !text->empty() : owner && !owner->IsNull())
+        return object.RecordKind() != eds_RecordKind::Drawer;
+    }
+    return false;
+  }
+
+  void Hold(eds_ObjectID target, eds_ObjectID holder, std::string_view as) {
+    if (!target.IsNull() && target.kind != eds_ObjectID::SymbolKind && !IsNamed(target))
+      m_owners.try_emplace(target.Packed(), holder, as);
   }
 
   // What says nothing of itself is known by the first that holds it.
-  void FindOwned(eds_ObjectID owner) {
-    for (const eds_LinkInfo& link : inps_shownLinks(m_model, owner))
-      if (!link.target.IsNull() && !HasKey(link.target))
-        m_owners.try_emplace(link.target.Packed(), owner, link.memberName);
+  void FindOwned(const eds_RecordInfo& kind, int64_t id) {
+    const eds_ObjectID holder(kind.kind, id);
+    for (std::size_t i = 0; i < kind.fields.size(); ++i) {
+      if (kind.fields[i].target != eds_RecordKind::Drawer) continue;
+      const eds_FieldValue value = m_model.Value(kind.kind, id, static_cast<int>(i));
+      if (const auto* target = std::get_if<eds_ObjectID>(&value))
+        Hold(*target, holder, kind.fields[i].name);
+    }
+    for (const eds_LinkInfo& link : inps_shownLinks(m_model, holder))
+      Hold(link.target, holder, link.memberName);
   }
 
   cow_String MakeKey(eds_ObjectID object, int depth) {
@@ -171,7 +192,30 @@ private:
       return;
     }
     if (info.name == "Grid" && SameGrid(a, b)) return;
+    if (info.type == eds_FieldType::Bytes) return CompareRows(a, b);
     Differ(info.column, inps_valueText(m_a.Model(), info, a), inps_valueText(m_b.Model(), info, b));
+  }
+
+  // The values that a property table holds itself: the first that differs.
+  void CompareRows(const eds_FieldValue& a, const eds_FieldValue& b) {
+    const auto* rowsA = std::get_if<std::string_view>(&a);
+    const auto* rowsB = std::get_if<std::string_view>(&b);
+    const std::string_view bytesA = rowsA ? *rowsA : std::string_view();
+    const std::string_view bytesB = rowsB ? *rowsB : std::string_view();
+    std::size_t at = 0;
+    while (at + sizeof(double) <= std::min(bytesA.size(), bytesB.size()) &&
+           bytesA.substr(at, sizeof(double)) == bytesB.substr(at, sizeof(double)))
+      at += sizeof(double);
+    const auto text = [at](std::string_view bytes) {
+      const auto count = static_cast<int64_t>(bytes.size() / sizeof(double));
+      cow_String line = inps_counted(count, "value");
+      if (at + sizeof(double) <= bytes.size())
+        line += ", at " + std::to_string(at / sizeof(double)) + " " +
+                inps_itemValueText(eds_ValueType::Double,
+                                   reinterpret_cast<const std::byte*>(bytes.data() + at));
+      return line;
+    };
+    Differ("values", text(bytesA), text(bytesB));
   }
 
   // A grid names its collections by number, and those differ between files.

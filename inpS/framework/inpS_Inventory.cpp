@@ -252,6 +252,8 @@ void inpS_Inventory::VisitNgen(const inp_Keyword& keyword) {
     const long long start = data.AsInt64(row, 0), end = data.AsInt64(row, 1);
     long long increment = hasField(data, row, 2) ? data.AsInt64(row, 2) : 1;
     if (increment == 0) increment = 1;
+    constexpr long long most = 999'999'999; // no label is beyond; the mesh phase tells of it
+    if (std::max(start, end) > most || std::min(start, end) < -most) continue;
     m_nodeCount += (end - start) / increment - 1;
   }
 }

@@ -179,8 +179,16 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll();
   const inpS_BehaviorTable& table = inpS_BehaviorTable::Instance();
   const inp_KeywordEnm kind = keyword.Kind();
-  if (!table.Knows(kind) && kind != inp_KwNoCompression && kind != inp_KwNoTension)
-    return inpS_Visitor::Visit(keyword);
+  if (kind == inp_UnknownKeyword) { // stays where it stands in its material
+    if (!m_open.IsNull()) KeepAsText(keyword, m_open);
+    return;
+  }
+  if (!keyword.IsSuboption()) m_open = {};
+  if (!table.Knows(kind) && kind != inp_KwNoCompression && kind != inp_KwNoTension) {
+    inpS_Visitor::Visit(keyword);
+    if (kind == inp_KwMaterial || kind == inp_KwGasketBehavior) m_open = m_owner;
+    return;
+  }
   switch (keyword.ParentKind()) {
   case inp_KwMaterial:
     m_owner = m_material;

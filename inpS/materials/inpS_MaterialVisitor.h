@@ -98,5 +98,6 @@ private:
   bool m_hasPotential = false;
   KvoSimPosition m_gasket;
   KvoSimPosition m_owner; // of the keyword at hand
+  KvoSimPosition m_open;  // to which an unknown keyword would belong
   inpS_TextKeywords m_text;
 };

@@ -298,6 +298,12 @@ void inpS_MeshStore::SaveSets(inpS_SetResolver& resolver) {
         if (definition.kind == kind && !definition.isStored) SaveSet(scope, definition, resolver);
 }
 
+eds_Member inpS_MeshStore::MemberOf(const inpS_SetDefinition& set) {
+  if (set.kind == inpS_SetKind::Nodes)
+    return set.internal ? eds_Member::InternalNodeSets : eds_Member::NodeSets;
+  return set.internal ? eds_Member::InternalElementSets : eds_Member::ElementSets;
+}
+
 void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& definition,
                              inpS_SetResolver& resolver) {
   const KvoObjMesh mesh = m_document.GetModel().GetMesh();
@@ -306,13 +312,9 @@ void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& de
   KvoSimCollection collection = mesh.CollectionOf(scope.owner, nodes);
   const KvoSimCSetID members = collection.CreateCSet(resolver.Members(scope, definition)).ID();
   // What refers to a set of the model that a restart adds to goes on referring to it.
-  const eds_Member named = nodes ? eds_Member::NodeSets : eds_Member::ElementSets;
-  const eds_Member internal =
-      nodes ? eds_Member::InternalNodeSets : eds_Member::InternalElementSets;
   const KvoSimPosition known =
-      scope.isStored
-          ? scope.owner.FollowStringKey(definition.internal ? internal : named, definition.name)
-          : KvoSimPosition();
+      scope.isStored ? scope.owner.FollowStringKey(MemberOf(definition), definition.name)
+                     : KvoSimPosition();
   const auto save = [&](auto set) {
     set.SetUnsorted(definition.unsorted);
     set.SetMembership(members);

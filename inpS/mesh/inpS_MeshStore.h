@@ -23,6 +23,7 @@ public:
   void SaveNodes();
   void SaveElements(const cow_List<KvoSimPosition>& specs); // by the visitor's type index
   void SaveSets(inpS_SetResolver& resolver);
+  static eds_Member MemberOf(const inpS_SetDefinition& set); // by which its owner knows it
 
 private:
   void SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& definition,

@@ -47,7 +47,10 @@ void inpS_RestartDefinitions::AddKept(const KvoObjDocument& document) {
 cow_String inpS_RestartDefinitions::Conflict(const inp_Keyword& keyword) {
   const inp_KeywordEnm kind = keyword.Kind();
   const bool named = isNamed(kind);
-  if (!named && kind != inp_KwPhysicalConstants) return {};
+  if (!named && kind != inp_KwPhysicalConstants) {
+    m_refused = false; // what is refused has come to its end
+    return {};
+  }
   const cow_String name = nameOf(keyword);
   m_refused = !(named && name.empty()) && !m_names.emplace(kind, name).second;
   if (!m_refused) return {};
@@ -57,5 +60,6 @@ cow_String inpS_RestartDefinitions::Conflict(const inp_Keyword& keyword) {
 }
 
 bool inpS_RestartDefinitions::IsOfRefused(const inp_Keyword& keyword) const {
-  return m_refused && keyword.ParentKind() != inp_NullKeyword;
+  return m_refused &&
+         (keyword.ParentKind() != inp_NullKeyword || keyword.Kind() == inp_UnknownKeyword);
 }

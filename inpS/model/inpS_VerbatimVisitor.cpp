@@ -97,6 +97,9 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     m_scopeHeld = keyword.ScopePtr();
     m_scope = m_scopeHeld.get();
     m_place = PlaceOf(keyword.Scope());
+    // An unknown keyword at the head of a part, or right behind an instance, goes with nothing
+    // else.
+    if (keyword.Scope().kind != inp_Scope::Kind::Model) m_block = 0;
   }
   const int block = BlockOf(keyword);
   if (IsModelled(keyword)) return;
@@ -186,7 +189,13 @@ int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
     if (told->owner.IsNull()) return kFirstBlock;
     return inp_KeywordTable::Instance().Row(inp_KwAmplitude)->block; // wherever it stands
   }
-  if (IsStray(keyword)) return m_block = kFirstBlock;
+  const inp_KeywordEnm kind = keyword.Kind();
+  if (kind == inp_KwPart || kind == inp_KwAssembly || kind == inp_KwInstance ||
+      kind == inp_KwEndInstance) {
+    m_block = 0;
+    return kFirstBlock;
+  }
+  if (IsStray(keyword)) return kFirstBlock; // what follows goes on where it was
   if (keyword.Kind() == inp_UnknownKeyword || keyword.IsSuboption() || leavesNothing(keyword))
     return m_block = m_block == 0 ? kFirstBlock : m_block;
   const int block = inp_KeywordTable::Instance().Row(keyword.Kind())->block;

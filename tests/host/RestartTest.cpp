@@ -74,11 +74,12 @@ TEST_F(Restart, CompletesAGasketOnNodesOfItsBase) {
 // What the base has, or an earlier restart has brought, is not defined a second time.
 TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
   const cow_String steel = "*MATERIAL, NAME=STEEL\n*ELASTIC\n210., 0.3\n";
-  const cow_String more = "*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-1.\n"
-                          "*MATERIAL, NAME=Steel\n*PLASTIC\n9., 0.\n*RATE DEPENDENT\n9., 9.\n"
-                          "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n9.\n"
-                          "*MATERIAL, NAME=NEW\n*DENSITY\n7.\n"
-                          "*MATERIAL, NAME=NEW\n*DENSITY\n9.\n";
+  const cow_String more =
+      "*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-1.\n"
+      "*MATERIAL, NAME=Steel\n*PLASTIC\n9., 0.\n*RATE DEPENDENT\n9., 9.\n*STRANGER\n9.\n"
+      "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n9.\n"
+      "*MATERIAL, NAME=NEW\n*DENSITY\n7.\n"
+      "*MATERIAL, NAME=NEW\n*DENSITY\n9.\n";
   Written("*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-273.15\n" + steel +
               "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n1.\n",
           "*NODE\n1, 0., 0., 0.\n");
@@ -87,8 +88,8 @@ TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
   for (const char* told :
        {"a.inp:1:1: error: The model that is restarted has physical constants",
         "a.inp:2:1: error: Material with name \"STEEL\" has already been defined",
-        "a.inp:7:1: error: Gasket behavior with name \"G\" has already",
-        "a.inp:13:1: error: Material with name \"NEW\" has already"})
+        "a.inp:9:1: error: Gasket behavior with name \"G\" has already",
+        "a.inp:15:1: error: Material with name \"NEW\" has already"})
     EXPECT_TRUE(first.Says(told)) << told << first.err;
   const ProgramRun second({"convert", Deck("b.inp", "*MATERIAL, NAME=NEW\n*DENSITY\n9.\n"),
                            "--restart", File("a.sim"), "-o", File("b.sim")});
@@ -119,6 +120,13 @@ TEST_F(Restart, FillsNoEmptyPartOfItsBase) {
                           File("n.sim"), "--force"});
     EXPECT_TRUE(run.Says("error: A restart cannot add nodes or elements")) << run.err;
   }
+}
+
+TEST_F(Restart, TellsOfSurfacesWhoseSetsGrow) {
+  Written(kBase + cow_String("*SURFACE, NAME=S\nT, END1\n"), "*NSET, NSET=N\n1\n");
+  const ProgramRun run({"convert", Deck("e.inp", "*ELEMENT, TYPE=T3D2, ELSET=T\n9, 2, 3\n"),
+                        "--restart", File("base.sim"), "-o", File("e.sim")});
+  EXPECT_TRUE(run.Says("e.inp:1:1: warning: Set \"T\" grows; surface \"S\"")) << run.err;
 }
 
 // An amplitude defined anew takes the texts of the former one with it.
