@@ -40,20 +40,20 @@ void inps_Timings::Mark(const cow_String& label) {
 void inps_Timings::Start(cow_String label) {
   if (m_onStart) m_onStart(label);
   const std::lock_guard lock(m_mutex);
-  m_open.push_back(m_spans.size());
-  m_spans.push_back({std::move(label), static_cast<int>(m_open.size()) - 1});
-  m_starts.push_back(Clock::now());
+  // The push may fail for want of memory: it leaves everything as it was.
+  m_spans.push_back({std::move(label), m_open, Clock::now()});
+  ++m_open;
 }
 
 void inps_Timings::End(const cow_String& label) {
   const Clock::time_point now = Clock::now();
   const std::lock_guard lock(m_mutex);
-  const auto isIt = [&](std::size_t index) { return m_spans[index].label == label; };
-  const auto found = std::find_if(m_open.rbegin(), m_open.rend(), isIt);
-  if (found == m_open.rend()) return;
-  m_spans[*found].seconds = std::chrono::duration<double>(now - m_starts[*found]).count();
-  m_spans[*found].open = false;
-  m_open.erase(std::next(found).base());
+  const auto isIt = [&](const Span& span) { return span.open && span.label == label; };
+  const auto found = std::find_if(m_spans.rbegin(), m_spans.rend(), isIt);
+  if (found == m_spans.rend()) return;
+  found->seconds = std::chrono::duration<double>(now - found->start).count();
+  found->open = false;
+  --m_open;
 }
 
 cow_List<inps_Timings::Span> inps_Timings::Spans() const {

@@ -9,9 +9,11 @@
 // The resource monitor of one run: times of everything between a "…-Start" and its "…-End" mark.
 class inps_Timings final : public bcu_ResourceMonitor {
 public:
+  using Clock = std::chrono::steady_clock;
   struct Span {
     cow_String label; // without "-Start"
     int depth = 0;    // spans open around it
+    Clock::time_point start;
     double seconds = 0;
     bool open = true;
   };
@@ -29,7 +31,6 @@ public:
   void Print(aio_ostream& out) const;
 
 private:
-  using Clock = std::chrono::steady_clock;
   void Start(cow_String label);
   void End(const cow_String& label);
 
@@ -38,8 +39,7 @@ private:
   bcu_ResourceMonitor* m_previous;
   Clock::time_point m_begin;
   cow_List<Span> m_spans;
-  cow_List<Clock::time_point> m_starts; // of m_spans
-  cow_List<std::size_t> m_open;
+  int m_open = 0; // of m_spans
 };
 
 cow_String inps_secondsText(double seconds);         // "0.123 s"

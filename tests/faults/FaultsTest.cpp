@@ -4,6 +4,7 @@
 #include "database/eds_ModelReader.h"
 #include "database/engine/eds_Engine.h"
 #include "host/inps_LastResort.h"
+#include "host/inps_Timings.h"
 #include "tests/host/ProgramRun.h"
 #include <array>
 #include <cstdlib>
@@ -384,6 +385,26 @@ std::vector<FaultsTest::ParamType> allCases() {
     }
   }
   return all;
+}
+
+// A span that cannot begin takes nothing of those around it along.
+TEST(TimingsWithoutMemory, LeavesTheOpenSpansWhole) {
+  const cow_String longLabel(64, 'x');
+  for (int64_t call = 1, raised = 1; raised > 0; ++call) {
+    inps_Timings timings;
+    size_t begun = 0;
+    faultAt(Fault::Memory, call, false);
+    try {
+      for (int depth = 0; depth < 5; ++depth, ++begun) timings.Mark(longLabel + "-Start");
+    } catch (const std::bad_alloc&) {
+    }
+    raised = faultsRaised();
+    noFault();
+    for (size_t i = 0; i < begun; ++i) timings.Mark(longLabel + "-End");
+    const auto spans = timings.Spans();
+    ASSERT_EQ(spans.size(), begun) << "call " << call;
+    for (const inps_Timings::Span& span : spans) EXPECT_FALSE(span.open) << "call " << call;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, FaultsTest, testing::ValuesIn(allCases()), nameOf);
