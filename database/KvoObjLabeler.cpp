@@ -113,6 +113,7 @@ void KvoObjLabeler::Read() {
   for (int64_t id = 1; id <= rows.LastID(); ++id) {
     if (rows.Has(id) && rows.Int(id, eds_LabelSpace_Kind) == m_impl->kind) m_impl->ReadRecord(id);
   }
+  m_impl->SortFlat(); // here, since writers look up nodes on many threads
 }
 
 void KvoObjLabeler::Impl::ReadRecord(int64_t id) {

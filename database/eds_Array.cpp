@@ -26,6 +26,16 @@ struct eds_ArrayWriter::Impl {
   bool ownsTransaction = false; // nobody had opened one
   bool finished = false;
 
+  // Unfinished only when an exception passes: the transaction takes everything back.
+  ~Impl() {
+    if (finished || !ownsTransaction) return;
+    try {
+      store->Abandon();
+    } catch (const std::exception&) { // of the engine, or for lack of memory
+      store->Engine().MarkFailed();
+    }
+  }
+
   int64_t ChunkBytes() const { return itemsPerChunk * itemBytes; }
   int64_t Count() const { return written + static_cast<int64_t>(tail.size()) / itemBytes; }
 
@@ -65,8 +75,10 @@ eds_ArrayWriter::eds_ArrayWriter(eds_Store* store, eds_ValueType type, int width
   m_impl->type = type;
   m_impl->itemBytes = eds_sizeOf(type) * width;
   m_impl->itemsPerChunk = itemsPerChunk(m_impl->itemBytes);
-  m_impl->ownsTransaction = !store->InTransaction();
-  if (m_impl->ownsTransaction) store->Begin();
+  if (!store->InTransaction()) {
+    store->Begin();
+    m_impl->ownsTransaction = true;
+  }
   eds_RowTable& rows = store->Rows(eds_RecordKind::Array);
   m_impl->id = rows.Create();
   rows.SetInt(m_impl->id, eds_Array_ValueType, static_cast<int64_t>(type));
@@ -81,15 +93,7 @@ eds_ArrayWriter::eds_ArrayWriter(const KvoSimPosition& anyObject, eds_ValueType 
 eds_ArrayWriter::eds_ArrayWriter(eds_ArrayWriter&&) noexcept = default;
 eds_ArrayWriter& eds_ArrayWriter::operator=(eds_ArrayWriter&&) noexcept = default;
 
-eds_ArrayWriter::~eds_ArrayWriter() {
-  // Unfinished only when an exception passes: the transaction takes everything back.
-  if (m_impl == nullptr || m_impl->finished || !m_impl->ownsTransaction) return;
-  try {
-    m_impl->store->Abandon();
-  } catch (const eds_Exception&) {
-    m_impl->store->Engine().MarkFailed();
-  }
-}
+eds_ArrayWriter::~eds_ArrayWriter() = default;
 
 eds_ArrayID eds_ArrayWriter::ID() const {
   return {m_impl->store, m_impl->id};

@@ -71,6 +71,16 @@ private:
   inps_FileUnderWay m_journalUnderWay{m_journal};
 };
 
+struct Closing {
+  KvoObjDocument& document;
+  ~Closing() {
+    try {
+      document.Close();
+    } catch (const std::exception&) { // told already, by what brought us here
+    }
+  }
+};
+
 struct Job {
   Path deck;
   Path target;
@@ -161,6 +171,7 @@ private:
 
   bool GoOn(inps_Conversion& conversion, const Path& copy) {
     KvoObjDocument document = KvoObjDocument::Open(copy, KvoAccess::ReadWrite);
+    const Closing closing{document}; // others hold it too, and an open copy may not be removed
     if (!hasMesh(document))
       throw eds_DamagedFileException("\"" + utl_pathText(m_job.base) +
                                      "\" has no mesh from which to go on");

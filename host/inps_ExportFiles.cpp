@@ -28,11 +28,6 @@ void requireFreeFolder(const fs::path& path, bool force) {
                                   utl_pathText(entry.path().filename()));
 }
 
-void removeFolder(const fs::path& path) noexcept {
-  std::error_code ignored;
-  fs::remove_all(path, ignored);
-}
-
 // Letters, digits and a few signs of a name, for every file system.
 cow_String fileNameOf(const cow_String& name) {
   constexpr std::size_t longest = 60;
@@ -60,6 +55,7 @@ inps_ExportFiles::inps_ExportFiles(const fs::path& vtu, bool hasBlocks, bool for
   m_list.temporary = utl_temporaryBeside(m_list.final);
   m_folder.temporary = utl_temporaryBeside(m_folder.final);
   std::error_code failure;
+  m_blocks.name = m_folder.temporary;
   fs::create_directory(m_folder.temporary, failure);
   if (failure) throw utl_FileException("cannot create", m_folder.temporary, failure.message());
 }
@@ -68,15 +64,20 @@ inps_ExportFiles::~inps_ExportFiles() {
   utl_removeFile(m_mesh.temporary); // gone already once it has its own name
   if (!m_hasBlocks) return;
   utl_removeFile(m_list.temporary);
-  removeFolder(m_folder.temporary);
+  m_blocks.Remove();
+}
+
+void inps_ExportFiles::Folder::Remove() const noexcept {
+  for (const fs::path& file : files) utl_removeFile(file);
+  utl_removeFile(name);
 }
 
 fs::path inps_ExportFiles::BlockFile(const cow_String& kind, const cow_String& name,
                                      cow_String& reference) {
-  const fs::path file =
-      utl_pathOf(kind + "-" + std::to_string(++m_blocks) + "-" + fileNameOf(name) + ".vtu");
+  const fs::path file = utl_pathOf(kind + "-" + std::to_string(m_blocks.files.size() + 1) + "-" +
+                                   fileNameOf(name) + ".vtu");
   reference = utl_pathText(m_folder.final.filename()) + "/" + utl_pathText(file);
-  return m_folder.temporary / file;
+  return m_blocks.files.emplace_back(m_folder.temporary / file);
 }
 
 fs::path inps_ExportFiles::FinalOf(const fs::path& file) const {
@@ -90,20 +91,32 @@ cow_String inps_ExportFiles::MeshReference() const {
   return utl_pathText(m_mesh.final.filename());
 }
 
-// An old folder steps aside before the new one comes: folders are not replaced in one step.
-void inps_ExportFiles::RenameFolder() {
-  fs::path old;
-  if (m_force && utl_exists(m_folder.final)) {
-    old = utl_temporaryBeside(m_folder.final);
-    utl_renameFile(m_folder.final, old, utl_IfExists::Refuse);
-  }
-  utl_renameFile(m_folder.temporary, m_folder.final, utl_IfExists::Refuse);
-  if (!old.empty()) removeFolder(old);
+inps_ExportFiles::Folder inps_ExportFiles::SetOldAside() const {
+  Folder old;
+  if (!m_force || !utl_exists(m_folder.final)) return old;
+  old.name = utl_temporaryBeside(m_folder.final);
+  for (const fs::directory_entry& entry : fs::directory_iterator(m_folder.final))
+    old.files.push_back(old.name / entry.path().filename());
+  utl_renameFile(m_folder.final, old.name, utl_IfExists::Refuse);
+  return old;
 }
 
+// Folders are not replaced in one step: an old one steps aside, comes back when the new one cannot
+// take its place, and goes when all else is done.
 void inps_ExportFiles::Finish() {
   const utl_IfExists ifExists = m_force ? utl_IfExists::Replace : utl_IfExists::Refuse;
-  if (m_hasBlocks) RenameFolder();
+  Folder old;
+  if (m_hasBlocks) {
+    old = SetOldAside();
+    try {
+      utl_renameFile(m_folder.temporary, m_folder.final, utl_IfExists::Refuse);
+    } catch (const std::exception&) {
+      std::error_code ignored;
+      if (!old.name.empty()) fs::rename(old.name, m_folder.final, ignored);
+      throw;
+    }
+  }
   utl_renameFile(m_mesh.temporary, m_mesh.final, ifExists);
   if (m_hasBlocks) utl_renameFile(m_list.temporary, m_list.final, ifExists);
+  if (!old.name.empty()) old.Remove();
 }

@@ -31,12 +31,18 @@ private:
     std::filesystem::path final;
     std::filesystem::path temporary;
   };
-  void RenameFolder();
+  // A folder that goes again without asking for memory: there may be none left.
+  struct Folder {
+    std::filesystem::path name;
+    cow_List<std::filesystem::path> files;
+    void Remove() const noexcept;
+  };
+  Folder SetOldAside() const;
 
   bool m_hasBlocks;
   bool m_force;
   Place m_mesh;
   Place m_list;
   Place m_folder;
-  int m_blocks = 0;
+  Folder m_blocks; // under its temporary name
 };

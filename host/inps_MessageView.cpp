@@ -25,6 +25,13 @@ const Look& lookOf(inps_Severity severity) {
   return looks[static_cast<std::size_t>(severity)];
 }
 
+// A message is shown in one piece: standard error has no buffer, and memory may run out on the way.
+std::ostringstream wholePiece() {
+  std::ostringstream whole;
+  whole.exceptions(std::ios::badbit); // else a want of memory would cut it in silence
+  return whole;
+}
+
 // The characters of a text, a byte that belongs to none counted as one, as the parser counts.
 cow_List<std::string_view> charactersOf(std::string_view text) {
   cow_List<std::string_view> characters;
@@ -104,10 +111,8 @@ void inps_MessageView::ShowSource(aio_ostream& out, const wip_Place& place) cons
   out << '\n';
 }
 
-// In one piece: standard error has no buffer, and memory may run out on the way.
 void inps_MessageView::Show(inps_Severity severity, const wip_Message& message) const {
-  std::ostringstream whole;
-  whole.exceptions(std::ios::badbit); // else a want of memory would cut it in silence
+  std::ostringstream whole = wholePiece();
   ShowParts(whole, severity, message);
   m_out << whole.view();
 }
@@ -132,7 +137,7 @@ void inps_MessageView::ShowParts(aio_ostream& out, inps_Severity severity,
 }
 
 void inps_MessageView::ShowLine(inps_Severity severity, std::string_view text) const {
-  std::ostringstream whole;
+  std::ostringstream whole = wholePiece();
   ShowHead(whole, severity, {}, text);
   m_out << whole.view() << '\n';
 }

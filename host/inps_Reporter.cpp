@@ -2,6 +2,7 @@
 
 #include "host/inps_Progress.h"
 #include "host/inps_Session.h"
+#include <utility>
 
 cow_String inps_counted(long long count, std::string_view singular, std::string_view plural) {
   cow_String text = std::to_string(count) + " ";
@@ -33,12 +34,12 @@ void inps_Reporter::Take(inps_Severity severity, const wip_Message& message) {
 }
 
 void inps_Reporter::ShowFolded() {
-  for (const Kind* kind : m_folded) {
+  // Whatever fails on the way, none is told twice.
+  for (const Kind* kind : std::exchange(m_folded, {})) {
     cow_String text(kind->text);
     text += "\n  … and " + std::to_string(kind->count - shownOfEqual) + " more like this";
     m_view.ShowLine(kind->severity, text);
   }
-  m_folded.clear();
 }
 
 cow_String inps_Reporter::CountsText() const {

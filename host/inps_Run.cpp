@@ -7,6 +7,7 @@
 #include <new>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <utility>
 
 namespace {
 
@@ -33,7 +34,7 @@ inps_Run::~inps_Run() = default;
 
 void inps_Run::ShowCounts() {
   m_progress.Clear();
-  if (IsJson()) return;
+  if (IsJson() || std::exchange(m_countsShown, true)) return; // a failure may follow the end
   m_reporter.ShowFolded();
   if (!m_quiet && m_reporter.Errors() + m_reporter.Warnings() > 0)
     m_session.err << m_reporter.CountsText() << '\n';

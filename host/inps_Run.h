@@ -48,6 +48,7 @@ private:
   bool m_quiet;
   bool m_strict;
   bool m_showTimings;
+  bool m_countsShown = false;
   inps_Progress m_progress;
   inps_Reporter m_reporter;
   wip_ReporterScope m_installed;

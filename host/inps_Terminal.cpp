@@ -101,14 +101,18 @@ inps_StandardBuffer::~inps_StandardBuffer() {
   Drain();
 }
 
+cow_String inps_StandardBuffer::Failure() const {
+  return m_failure != 0 ? std::generic_category().message(m_failure) : cow_String();
+}
+
 bool inps_StandardBuffer::WriteAll(const char* data, std::size_t size) {
-  if (!m_failure.empty()) return false;
+  if (m_failure != 0) return false;
   while (size > 0) {
     const long long written = writeSome(m_handle, data, size);
     if (written < 0 && errno == EINTR) continue;
     if (written < 0) {
       m_readerIsGone = errno == EPIPE;
-      m_failure = std::generic_category().message(errno);
+      m_failure = errno;
       return false;
     }
     data += written;

@@ -27,8 +27,8 @@ public:
   explicit inps_StandardBuffer(Stream stream);
   ~inps_StandardBuffer() override;
 
-  bool ReaderIsGone() const { return m_readerIsGone; }    // of a pipe
-  const cow_String& Failure() const { return m_failure; } // the system's words, empty when none
+  bool ReaderIsGone() const { return m_readerIsGone; } // of a pipe
+  cow_String Failure() const;                          // the system's words, empty when none
 
 protected:
   int_type overflow(int_type c) override;
@@ -41,6 +41,6 @@ private:
 
   int m_handle;
   cow_List<char> m_room;
-  cow_String m_failure;
+  int m_failure = 0; // of the system: a text would need memory
   bool m_readerIsGone = false;
 };

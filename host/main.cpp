@@ -10,7 +10,6 @@
 namespace {
 
 int run(const cow_List<cow_String>& words) {
-  inps_installLastResort();
   inps_prepareStreams();
   inps_stopWhenAsked();
   inps_limitMemory();
@@ -31,6 +30,7 @@ int run(const cow_List<cow_String>& words) {
 
 #if defined(_WIN32)
 int wmain(int count, wchar_t** arguments) {
+  inps_installLastResort();
   cow_List<cow_String> words;
   for (int i = 1; i < count; ++i) {
     const std::u8string word = std::filesystem::path(arguments[i]).u8string();
@@ -40,6 +40,7 @@ int wmain(int count, wchar_t** arguments) {
 }
 #else
 int main(int count, char** arguments) {
+  inps_installLastResort(); // before anything that needs memory
   return run(cow_List<cow_String>(arguments + (count > 0 ? 1 : 0), arguments + count));
 }
 #endif

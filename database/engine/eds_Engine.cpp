@@ -180,18 +180,23 @@ void eds_Engine::RollbackPhysical() {
 }
 
 void eds_Engine::Fail(int code) {
+  // What the engine has kept of the transaction is not told; none of it is. The marks come first
+  // and the rollback last: the texts between may fail for want of memory, and the rollback would
+  // change what the engine says.
+  struct RollBack {
+    ~RollBack() {
+      if (database != nullptr && sqlite3_get_autocommit(database) == 0)
+        sqlite3_exec(database, "ROLLBACK", nullptr, nullptr, nullptr);
+    }
+    sqlite3* database;
+  } const rollBack{m_inPhysical ? m_database : nullptr};
+  m_failed = m_failed || m_inPhysical;
+  m_inPhysical = m_holdsCommits = m_hasMark = false;
   const cow_String file = m_mode == eds_OpenMode::Memory ? cow_String("the model in memory")
                                                          : "\"" + utl_pathText(m_shown) + "\"";
   const cow_String text =
       oneLine(m_database != nullptr ? sqlite3_errmsg(m_database) : sqlite3_errstr(code));
   const cow_String system = systemText(m_database);
-  if (m_inPhysical) {
-    // What the engine has kept of the transaction is not told; none of it is.
-    m_failed = true;
-    m_inPhysical = m_holdsCommits = m_hasMark = false;
-    if (sqlite3_get_autocommit(m_database) == 0)
-      sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
-  }
   switch (code) {
   case SQLITE_IOERR_NOMEM:
     throw eds_MemoryException("out of memory with " + file);

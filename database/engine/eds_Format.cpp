@@ -187,20 +187,39 @@ void checkPages(const cow_String& name, const unsigned char* header) {
                                    "form that models do not have");
 }
 
+// The engine's header; what is not there reads as zeros.
+struct Head {
+  unsigned char header[100] = {};
+  std::streamsize read = 0;
+  int64_t fileBytes = 0;
+};
+
+Head headOf(const std::filesystem::path& file) {
+  const auto failure = [&](const char* what, const char* why) {
+    return eds_FileAccessException(cow_String(what) + " \"" + utl_pathText(file) + '"' + why);
+  };
+  Head head;
+  std::ifstream stream(file, std::ios::binary | std::ios::ate);
+  if (!stream) throw failure("cannot open", ": not permitted");
+  head.fileBytes = static_cast<int64_t>(stream.tellg());
+  stream.seekg(0);
+  if (stream) stream.read(reinterpret_cast<char*>(head.header), sizeof head.header);
+  head.read = stream.gcount();
+  // An end within the header is no failure of reading, but the reader's to judge.
+  if (head.fileBytes < 0 || (!stream && !stream.eof())) throw failure("cannot read", "");
+  return head;
+}
+
 struct Length {
   int64_t bytes;
   int64_t expected; // by the engine's header
 };
 
 Length lengthOf(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary | std::ios::ate);
-  const auto bytes = static_cast<int64_t>(stream.tellg());
-  unsigned char header[100] = {};
-  stream.seekg(0);
-  stream.read(reinterpret_cast<char*>(header), sizeof header);
-  int64_t pageSize = header[16] << 8 | header[17];
+  const Head head = headOf(file);
+  int64_t pageSize = head.header[16] << 8 | head.header[17];
   if (pageSize == 1) pageSize = 65536;
-  return {bytes, pageSize * bigEndian(header + 28)};
+  return {head.fileBytes, pageSize * bigEndian(head.header + 28)};
 }
 
 } // namespace
@@ -274,14 +293,12 @@ void eds_checkHeader(const std::filesystem::path& file) {
   std::error_code ignored;
   if (!std::filesystem::is_regular_file(file, ignored)) // opening a pipe would wait for its writer
     throw eds_FileAccessException("cannot open " + name + ": no regular file");
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw eds_FileAccessException("cannot open " + name + ": not permitted");
-  unsigned char header[100] = {};
-  stream.read(reinterpret_cast<char*>(header), sizeof header);
-  if (stream.gcount() == 0) throw eds_NotOurFileException(name + " is not a model database: empty");
+  const Head head = headOf(file);
+  const unsigned char* header = head.header;
+  if (head.read == 0) throw eds_NotOurFileException(name + " is not a model database: empty");
   if (std::memcmp(header, "SQLite format 3", 16) != 0)
     throw eds_NotOurFileException(name + " is not a model database");
-  if (stream.gcount() < std::streamsize{sizeof header})
+  if (head.read < std::streamsize{sizeof head.header})
     throw eds_DamagedFileException(name + " is truncated");
   if (bigEndian(header + 68) != static_cast<uint32_t>(eds_applicationID))
     throw eds_NotOurFileException(name + " is a database of another program");

@@ -30,11 +30,16 @@ uint64_t eds_LinkIndex::BitOf(eds_Member member) {
 void eds_LinkIndex::Build(eds_RowTable& rows) {
   Forget();
   m_rows = &rows;
-  for (int64_t link = 1; link <= rows.LastID(); ++link) {
-    if (!rows.Has(link)) continue;
-    const eds_ObjectID owner = rows.Reference(link, eds_Link_Owner);
-    const int64_t member = rows.Int(link, eds_Link_Member);
-    Append(m_lists[{owner.Packed(), static_cast<uint64_t>(member)}], link);
+  try {
+    for (int64_t link = 1; link <= rows.LastID(); ++link) {
+      if (!rows.Has(link)) continue;
+      const eds_ObjectID owner = rows.Reference(link, eds_Link_Owner);
+      const int64_t member = rows.Int(link, eds_Link_Member);
+      Append(m_lists[{owner.Packed(), static_cast<uint64_t>(member)}], link);
+    }
+  } catch (...) {
+    Forget(); // half an index is none
+    throw;
   }
 }
 
@@ -173,6 +178,7 @@ void eds_LinkIndex::Remove(int64_t link) {
 
 std::vector<int64_t> eds_LinkIndex::LinksTo(eds_ObjectID target) {
   if (!m_hasTargets) {
+    m_byTarget.clear(); // of a try that failed
     for (int64_t link = 1; link <= m_rows->LastID(); ++link)
       if (m_rows->Has(link))
         m_byTarget.emplace(m_rows->Reference(link, eds_Link_Target).Packed(), link);

@@ -15,15 +15,15 @@ eds_RowTable::eds_RowTable(const eds_RecordInfo& info, eds_Engine& engine,
 // ---- rows
 
 size_t eds_RowTable::AppendRow() {
-  m_words.resize(m_words.size() + m_stride);
+  m_words.resize((m_flags.size() + 1) * m_stride);
   m_flags.push_back(0);
   return m_flags.size();
 }
 
 int64_t eds_RowTable::Create() {
   const auto id = static_cast<int64_t>(AppendRow());
-  m_flags[Row(id)] = dirty | unwritten;
-  m_dirty.push_back({this, id});
+  m_flags[Row(id)] = unwritten;
+  MarkDirty(id);
   return id;
 }
 
@@ -37,8 +37,8 @@ void eds_RowTable::Remove(int64_t id) {
 void eds_RowTable::MarkDirty(int64_t id) {
   uint8_t& flags = m_flags[Row(id)];
   if ((flags & dirty) != 0) return;
-  flags |= dirty;
   m_dirty.push_back({this, id});
+  flags |= dirty;
 }
 
 // ---- fields
@@ -99,13 +99,11 @@ void eds_RowTable::SetReal(int64_t id, int field, double value) {
 
 std::string& eds_RowTable::PoolText(int64_t id, int field) {
   utl_ASSERT(Has(id));
-  const bool isNew = IsNull(id, field);
-  uint64_t& word = Word(id, field);
-  if (isNew) {
-    word = m_texts.size();
+  if (IsNull(id, field)) {
     m_texts.emplace_back();
+    Word(id, field) = m_texts.size() - 1;
   }
-  return m_texts[static_cast<size_t>(word)];
+  return m_texts[static_cast<size_t>(Word(id, field))];
 }
 
 void eds_RowTable::SetText(int64_t id, int field, std::string_view value) {
@@ -164,8 +162,11 @@ constexpr int64_t fewMissing = 100'000;
 
 void eds_RowTable::Load() {
   Forget();
+  if (!m_stored.empty()) LoadRows(); // else a kind that this older file does not know
   m_loaded = true;
-  if (m_stored.empty()) return; // a kind that this older file does not know
+}
+
+void eds_RowTable::LoadRows() {
   cow_String sql = "SELECT id";
   std::vector<int> columnOf(m_info.fields.size(), -1);
   int columns = 1;

@@ -64,6 +64,7 @@ private:
 
   eds_Statement& InsertStatement();
   int64_t MostMissing();
+  void LoadRows();
   int64_t LoadRow(eds_Statement& row, const std::vector<int>& columnOf);
   void LoadField(eds_Statement& row, int column, int64_t id, int field);
   void BindField(eds_Statement& statement, int& parameter, int64_t id, int field);

@@ -28,6 +28,7 @@ eds_Store::~eds_Store() {
   } catch (const std::exception&) {
     // The last handle is gone: nobody is left to tell. What was physical stays.
     m_engine.Close();
+    if (m_temporary.empty()) RecoverIfPossible();
   }
   RemoveTemporary();
 }
@@ -261,6 +262,7 @@ void eds_Store::Commit() {
   try {
     Flush();
     m_engine.GatherCommit();
+    m_lastingTempDistributions = m_tempDistributions.size();
   } catch (...) {
     m_engine.MarkFailed();
     Abandon();
@@ -270,6 +272,8 @@ void eds_Store::Commit() {
 
 void eds_Store::Abandon() {
   m_depth = 0;
+  // Their numbers are given again.
+  m_tempDistributions.resize(std::min(m_tempDistributions.size(), m_lastingTempDistributions));
   // Records are written at the commit, so only chunks can have gone ahead.
   if (m_engine.HasFailed()) {
     m_engine.RollbackPhysical();
@@ -308,8 +312,10 @@ void eds_Store::BeforeChunk() {
 // One look at the list of tables: most kinds have none, and there are hundreds of them.
 bool eds_Store::IsStored(const eds_RecordInfo& info) {
   if (m_storedTables.empty()) {
+    std::unordered_set<cow_String> stored; // all of them, or none when the look fails
     eds_Statement names(m_engine, "SELECT lower(name) FROM sqlite_schema");
-    while (names.Step()) m_storedTables.emplace(names.Text(0));
+    while (names.Step()) stored.emplace(names.Text(0));
+    m_storedTables = std::move(stored);
   }
   return m_storedTables.contains(cow_String(info.table));
 }
@@ -355,6 +361,17 @@ void eds_Store::RemoveObject(eds_ObjectID object) {
 void eds_Store::RemoveTempDistributions() {
   if (m_tempDistributions.empty()) return;
   Begin();
+  try {
+    RemoveTempDistributionRecords();
+  } catch (...) {
+    Abandon();
+    throw;
+  }
+  m_tempDistributions.clear();
+  Commit();
+}
+
+void eds_Store::RemoveTempDistributionRecords() {
   eds_RowTable& drawers = Rows(eds_RecordKind::Drawer);
   for (int64_t distribution : m_tempDistributions) {
     const eds_ObjectID object(eds_RecordKind::Distribution, distribution);
@@ -369,8 +386,6 @@ void eds_Store::RemoveTempDistributions() {
     }
     RemoveObject(object);
   }
-  m_tempDistributions.clear();
-  Commit();
 }
 
 // ---- collections and component sets

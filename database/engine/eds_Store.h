@@ -90,6 +90,7 @@ private:
   void RecoverIfPossible();
   void RemoveTemporary() noexcept;
   void RemoveTempDistributions();
+  void RemoveTempDistributionRecords();
   void DropJournal();
   void WriteOut();
   void SyncClosed(const std::filesystem::path& file);
@@ -106,6 +107,7 @@ private:
   std::unordered_map<int64_t, std::weak_ptr<const eds_MemberSet>> m_csets;
   std::vector<TempCSet> m_tempCSets;
   std::vector<int64_t> m_tempDistributions;
+  size_t m_lastingTempDistributions = 0;         // those of what was committed
   std::unordered_set<cow_String> m_storedTables; // empty: not read yet
   std::map<cow_String, cow_String> m_meta;
   bool m_metaChanged = false;

@@ -19,6 +19,8 @@ std::atomic<int64_t> g_raised{0};
 } // namespace
 
 bool fails(Fault fault) {
+  const bool isMemory = fault >= Fault::EngineMemory && fault <= Fault::Buffer;
+  if (isMemory && g_fault == Fault::AnyMemory) fault = Fault::AnyMemory;
   const int64_t call = ++g_calls[static_cast<size_t>(fault)];
   if (fault != g_fault) return false;
   const bool hit = g_andLater ? call >= g_call : call == g_call;
@@ -40,6 +42,8 @@ void noFault() {
 }
 
 int64_t faultCalls(Fault fault) {
+  if (fault == Fault::AnyMemory)
+    return faultCalls(Fault::EngineMemory) + faultCalls(Fault::Memory) + faultCalls(Fault::Buffer);
   return g_calls[static_cast<size_t>(fault)];
 }
 

@@ -2,8 +2,21 @@
 
 #include <cstdint>
 
-// Places where the system may let the program down. Buffer: the memory of bulk arrays.
-enum class Fault { Read, Write, Sync, Open, Truncate, Delete, EngineMemory, Memory, Buffer, Count };
+// Places where the system may let the program down. Buffer: the memory of bulk arrays; AnyMemory:
+// of whatever asks.
+enum class Fault {
+  Read,
+  Write,
+  Sync,
+  Open,
+  Truncate,
+  Delete,
+  EngineMemory,
+  Memory,
+  Buffer,
+  AnyMemory,
+  Count
+};
 
 // Makes the n-th call of one kind fail (from 1), or that one and all behind it. Calls are counted
 // on all threads.

@@ -11,8 +11,9 @@ import sys
 LINE = re.compile(r"^(\d+) calls, (\d+) tried: (\d+) ended with a message, (\d+) were done all the "
                   r"same, (\d+) left a part$")
 NAME = re.compile(r"^\[ RUN +\] .*/(\w+?)(Read|Write|Sync|Open|Truncate|Delete|EngineMemory|Memory|"
-                  r"Buffer)(Once|FromThenOn)$")
-KINDS = ["Read", "Write", "Sync", "Open", "Truncate", "Delete", "EngineMemory", "Memory", "Buffer"]
+                  r"Buffer|AnyMemory)(Once|FromThenOn)$")
+KINDS = ["Read", "Write", "Sync", "Open", "Truncate", "Delete", "EngineMemory", "Memory", "Buffer",
+         "AnyMemory"]
 
 
 def start(program, part, parts, words):
