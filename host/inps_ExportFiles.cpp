@@ -16,16 +16,21 @@ void requireFreeFile(const fs::path& path, bool force) {
   if (!force) throw utl_FileException("cannot write", path, "it exists; --force replaces it");
 }
 
-// Nobody's own files go with a folder that is replaced.
-void requireFreeFolder(const fs::path& path, bool force) {
-  if (!utl_exists(path)) return;
+// The blocks in a folder that is replaced: nobody's own files go with it. Read before anything is
+// made, since the library ends the process when it finds no memory for looking into a folder.
+cow_List<fs::path> requireFreeFolder(const fs::path& path, bool force) {
+  cow_List<fs::path> blocks;
+  if (!utl_exists(path)) return blocks;
   if (!utl_isDirectory(path)) throw utl_FileException("cannot write", path, "it is a file");
   if (!force) throw utl_FileException("cannot write", path, "it exists; --force replaces it");
-  for (const fs::directory_entry& entry : fs::directory_iterator(path))
+  for (const fs::directory_entry& entry : fs::directory_iterator(path)) {
     if (!entry.is_regular_file() || entry.path().extension() != ".vtu")
       throw utl_FileException("cannot write", path,
                               "it holds more than the blocks of an export: " +
                                   utl_pathText(entry.path().filename()));
+    blocks.push_back(entry.path().filename());
+  }
+  return blocks;
 }
 
 // Letters, digits and a few signs of a name, for every file system.
@@ -51,7 +56,9 @@ inps_ExportFiles::inps_ExportFiles(const fs::path& vtu, bool hasBlocks, bool for
   m_list.final = fs::path(vtu).replace_extension(".vtm");
   m_folder.final = fs::path(vtu).replace_extension();
   requireFreeFile(m_list.final, force);
-  requireFreeFolder(m_folder.final, force);
+  m_old.files = requireFreeFolder(m_folder.final, force);
+  m_old.name = utl_temporaryBeside(m_folder.final);
+  for (fs::path& file : m_old.files) file = m_old.name / file;
   m_list.temporary = utl_temporaryBeside(m_list.final);
   m_folder.temporary = utl_temporaryBeside(m_folder.final);
   std::error_code failure;
@@ -91,32 +98,22 @@ cow_String inps_ExportFiles::MeshReference() const {
   return utl_pathText(m_mesh.final.filename());
 }
 
-inps_ExportFiles::Folder inps_ExportFiles::SetOldAside() const {
-  Folder old;
-  if (!m_force || !utl_exists(m_folder.final)) return old;
-  old.name = utl_temporaryBeside(m_folder.final);
-  for (const fs::directory_entry& entry : fs::directory_iterator(m_folder.final))
-    old.files.push_back(old.name / entry.path().filename());
-  utl_renameFile(m_folder.final, old.name, utl_IfExists::Refuse);
-  return old;
-}
-
 // Folders are not replaced in one step: an old one steps aside, comes back when the new one cannot
 // take its place, and goes when all else is done.
 void inps_ExportFiles::Finish() {
   const utl_IfExists ifExists = m_force ? utl_IfExists::Replace : utl_IfExists::Refuse;
-  Folder old;
+  const bool hasOld = m_hasBlocks && m_force && utl_exists(m_folder.final);
+  if (hasOld) utl_renameFile(m_folder.final, m_old.name, utl_IfExists::Refuse);
   if (m_hasBlocks) {
-    old = SetOldAside();
     try {
       utl_renameFile(m_folder.temporary, m_folder.final, utl_IfExists::Refuse);
     } catch (const std::exception&) {
       std::error_code ignored;
-      if (!old.name.empty()) fs::rename(old.name, m_folder.final, ignored);
+      if (hasOld) fs::rename(m_old.name, m_folder.final, ignored);
       throw;
     }
   }
   utl_renameFile(m_mesh.temporary, m_mesh.final, ifExists);
   if (m_hasBlocks) utl_renameFile(m_list.temporary, m_list.final, ifExists);
-  if (!old.name.empty()) old.Remove();
+  if (hasOld) m_old.Remove();
 }

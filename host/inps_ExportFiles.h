@@ -37,7 +37,6 @@ private:
     cow_List<std::filesystem::path> files;
     void Remove() const noexcept;
   };
-  Folder SetOldAside() const;
 
   bool m_hasBlocks;
   bool m_force;
@@ -45,4 +44,5 @@ private:
   Place m_list;
   Place m_folder;
   Folder m_blocks; // under its temporary name
+  Folder m_old;    // one that is replaced, under the name it has meanwhile
 };

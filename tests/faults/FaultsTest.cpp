@@ -248,10 +248,10 @@ protected:
     return {};
   }
 
-  // Its library needs memory even to give its own back.
-  bool UsesJson() const {
-    return m_case.job == Job::Plot || m_case.job == Job::Json || m_case.job == Job::RestartJson ||
-           m_case.job == Job::InfoJson;
+  // The library needs memory even to give its own back, or to look into a folder.
+  bool EndsByLibrary() const {
+    return m_case.job == Job::Plot || m_case.job == Job::ExportBlocks || m_case.job == Job::Json ||
+           m_case.job == Job::RestartJson || m_case.job == Job::InfoJson;
   }
 
   // Number of calls of the fault in a run without one.
@@ -272,7 +272,7 @@ protected:
     SCOPED_TRACE(cow_String(faultNames[static_cast<size_t>(fault)]) + " " + std::to_string(call) +
                  (andLater ? " and later" : ""));
     Clean();
-    const bool alone = (fault == Fault::Memory || fault == Fault::AnyMemory) && UsesJson();
+    const bool alone = (fault == Fault::Memory || fault == Fault::AnyMemory) && EndsByLibrary();
     const std::filesystem::path saidTo = m_folder / "said";
     faultAt(fault, call, andLater); // from here on nothing of ours may ask for anything
     const FaultyRun run = alone ? FaultyRun::InChild(words, saidTo) : FaultyRun(words);
