@@ -14,6 +14,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+void PrintTo(Fault fault, std::ostream* out) {
+  *out << static_cast<int>(fault);
+}
+
 // Runs of the program in which one call to the system, or all from one on, fail: each call in turn.
 // A run ends with one clear message and leaves whole things only.
 // So many calls of each kind are tried, evenly spread; with INPS_EVERY_FAULT=I/N every N-th one
@@ -138,6 +142,10 @@ struct Case {
   const char* name;
   bool reads; // an existing model, and writes none
 };
+// In the names of the tests: bytes would hold addresses.
+void PrintTo(const Case& job, std::ostream* out) {
+  *out << job.name;
+}
 constexpr Case cases[] = {
     {Job::Convert, "Convert", false},  {Job::ConvertMany, "ConvertMany", false},
     {Job::Json, "ConvertJson", false}, {Job::RestartJson, "RestartJson", false},
