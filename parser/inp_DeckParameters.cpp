@@ -48,6 +48,33 @@ bool isName(std::string_view text) {
          std::all_of(text.begin(), text.end(), inp_isNameChar);
 }
 
+inp_LineKind kindOf(std::string_view line) {
+  return inp_lineKind(line.data(), line.data() + line.size());
+}
+
+// Calls take(<name> as it stands, the name) until it returns false.
+template <class Take> void eachReference(std::string_view text, Take&& take) {
+  bool quotesPair = true;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '"' && quotesPair) {
+      const std::size_t close = text.find('"', i + 1);
+      quotesPair = close != std::string_view::npos;
+      if (quotesPair) i = close;
+      continue;
+    }
+    if (text[i] != '<') continue;
+    std::size_t stop = i + 1; // names are short: an open '<' must not be looked behind far
+    while (stop < text.size() && (inp_isNameChar(text[stop]) || inp_isBlank(text[stop]))) ++stop;
+    const std::string_view name = trim(text.substr(i + 1, stop - i - 1));
+    if (stop == text.size() || text[stop] != '>' || !isName(name)) {
+      i = stop - 1;
+      continue;
+    }
+    if (!take(text.substr(i, stop + 1 - i), name)) return;
+    i = stop;
+  }
+}
+
 } // namespace
 
 const inp_DeckParameters::Value* inp_DeckParameters::Find(std::string_view name) const {
@@ -108,42 +135,51 @@ void inp_DeckParameters::DefineLine(const inp_KeywordLine& line, const cow_Strin
 bool inp_DeckParameters::Substitute(const inp_KeywordLine& line, const cow_String& keyword,
                                     cow_String& out, cow_List<wip_Message>& errors) const {
   const std::string_view text = line.text;
-  std::size_t copied = 0; // what stands before it is in `out`
-  bool quotesPair = true;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '"' && quotesPair) {
-      const std::size_t close = text.find('"', i + 1);
-      quotesPair = close != std::string_view::npos;
-      if (quotesPair) i = close;
-      continue;
+  const char* copied = text.data(); // what stands before it is in `fresh`
+  cow_String fresh;
+  std::string_view first, last; // that got a value
+  const auto isTooLong = [&](std::size_t size) {
+    return size > static_cast<std::size_t>(inp_longestDataLine);
+  };
+  eachReference(text, [&](std::string_view at, std::string_view name) {
+    const Value* value = Find(name);
+    if (!value) {
+      errors.push_back(messageAt(line, keyword, at,
+                                 "there is no parameter \"" + inp_printable(name, shownName) +
+                                     "\" before this line"));
+      return true;
     }
-    if (text[i] != '<') continue;
-    std::size_t stop = i + 1; // names are short: an open '<' must not be looked behind far
-    while (stop < text.size() && (inp_isNameChar(text[stop]) || inp_isBlank(text[stop]))) ++stop;
-    const std::string_view name = trim(text.substr(i + 1, stop - i - 1));
-    if (stop == text.size() || text[stop] != '>' || !isName(name)) {
-      i = stop - 1;
-      continue;
-    }
-    if (const Value* value = Find(name)) {
-      out += text.substr(copied, i - copied);
-      out += value->value.AsDeckText();
-      copied = stop + 1;
-      if (out.size() > static_cast<std::size_t>(inp_longestDataLine)) {
-        errors.push_back(messageAt(line, keyword, text.substr(i, stop + 1 - i),
-                                   "with its parameters in place the line has more than " +
-                                       std::to_string(inp_longestDataLine) +
-                                       " bytes; it stays as it is"));
-        return false;
-      }
-    } else {
-      const cow_String shown = inp_printable(name, shownName);
-      errors.push_back(messageAt(line, keyword, text.substr(i, stop + 1 - i),
-                                 "there is no parameter \"" + shown + "\" before this line"));
-    }
-    i = stop;
+    fresh.append(copied, at.data());
+    fresh += value->value.AsDeckText();
+    copied = at.data() + at.size();
+    if (first.empty()) first = at;
+    last = at;
+    return !isTooLong(fresh.size());
+  });
+  if (first.empty()) return false;
+  fresh.append(copied, text.data() + text.size());
+  if (isTooLong(fresh.size())) {
+    errors.push_back(messageAt(line, keyword, last,
+                               "with its parameters in place the line has more than " +
+                                   std::to_string(inp_longestDataLine) +
+                                   " bytes; it stays as it is"));
+    return false;
   }
-  if (copied == 0) return false;
-  out += text.substr(copied);
+  if (kindOf(text) == inp_LineKind::Data && kindOf(fresh) != inp_LineKind::Data) {
+    errors.push_back(messageAt(line, keyword, first,
+                               "with its parameters in place the line begins with an asterisk; a "
+                               "parameter makes no keyword or comment line, and it is left out"));
+    fresh = "**";
+  }
+  out += fresh;
   return true;
+}
+
+std::string_view inp_findReference(std::string_view text) {
+  std::string_view found;
+  eachReference(text, [&](std::string_view at, std::string_view) {
+    found = at;
+    return false;
+  });
+  return found;
 }

@@ -18,7 +18,8 @@ public:
               cow_List<wip_Message>& warnings);
 
   // Puts values into the line; false when it holds none. Text between two quotes stays as it is,
-  // and so does every '<' that begins no <name>. Unknown names are errors and stay.
+  // and so does every '<' that begins no <name>. Unknown names are errors and stay; a data line
+  // that would become a keyword or comment line is an error and becomes an empty comment.
   bool Substitute(const inp_KeywordLine& line, const cow_String& keyword, cow_String& out,
                   cow_List<wip_Message>& errors) const;
 
@@ -34,3 +35,6 @@ private:
   cow_Map<cow_String, Value> m_values;                   // by the name as spelt
   cow_Map<cow_String, cow_List<cow_String>> m_spellings; // lower case to names
 };
+
+// The first <name> of a text as it stands there; empty when there is none.
+std::string_view inp_findReference(std::string_view text);

@@ -38,10 +38,18 @@ public:
       if (first || (!line.empty() && line.front() != '*')) Append(line);
       p = feed == m_body.end ? feed : feed + 1;
     }
+    if (m_body.data.Rows() > 0) DropLastCommas();
     m_out += '\n';
   }
 
 private:
+  // Data lines behind them would be read as a continuation, unless an open quote holds the comma.
+  void DropLastCommas() {
+    const auto parameters = std::find(m_out.begin(), m_out.end(), ',');
+    if (std::count(parameters, m_out.end(), '"') % 2 != 0) return;
+    while (m_out.ends_with(',') || inp_isBlank(m_out.back())) m_out.pop_back();
+  }
+
   void Append(std::string_view line) {
     const auto [cut, behind] = CutIn(line);
     cow_String kept(line.substr(0, cut));

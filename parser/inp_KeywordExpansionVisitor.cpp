@@ -1,8 +1,10 @@
 #include "parser/inp_KeywordExpansionVisitor.h"
 #include "parser/inp_KeywordTable.h"
+#include "parser/inp_Utf8Text.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <unordered_map>
 #include <utility>
 
@@ -92,7 +94,7 @@ void inp_KeywordExpansionVisitor::Visit(const inp_Keyword& keyword) {
   default:
     break;
   }
-  Substitute(*keyword.Body());
+  Substitute(m_keywords.back());
 }
 
 void inp_KeywordExpansionVisitor::DefineParameters(const inp_Keyword& keyword) {
@@ -113,17 +115,84 @@ void inp_KeywordExpansionVisitor::DefineParameters(const inp_Keyword& keyword) {
   m_keywords.back().MakeNull();
 }
 
-void inp_KeywordExpansionVisitor::Substitute(inp_KeywordBody& body) {
+void inp_KeywordExpansionVisitor::Substitute(inp_Keyword& keyword) {
+  inp_KeywordBody& body = *keyword.Body();
+  if (holdsOpening(body.begin, body.end)) {
+    if (HasComputedName(keyword)) return keyword.MakeNull();
+    if (!HasComputedParameter(keyword)) SubstituteInLine(keyword);
+  }
+  if (m_parameters.IsEmpty() || keepsText(body.kind)) return;
   cow_List<wip_Message> errors;
+  inp_rewriteData(
+      body, [](const inp_DataSegment& segment) { return holdsOpening(segment); },
+      [&](const inp_KeywordLine& line, cow_String& out) {
+        return m_parameters.Substitute(line, body.name, out, errors);
+      });
+  for (wip_Message& error : errors) AddError(std::move(error));
+}
+
+void inp_KeywordExpansionVisitor::SubstituteInLine(const inp_Keyword& keyword) {
+  inp_KeywordBody& body = *keyword.Body();
+  const cow_List<inp_Parameter> old = body.parameters;
+  cow_List<wip_Message> errors, warnings;
   const auto rewrite = [&](const inp_KeywordLine& line, cow_String& out) {
     return m_parameters.Substitute(line, body.name, out, errors);
   };
-  if (holdsOpening(body.begin, body.end) && inp_rewriteKeywordLine(body, rewrite, errors))
+  if (inp_rewriteKeywordLine(body, rewrite, errors, warnings)) {
     m_scopesRenamed = true;
-  if (!m_parameters.IsEmpty() && !keepsText(body.kind))
-    inp_rewriteData(
-        body, [](const inp_DataSegment& segment) { return holdsOpening(segment); }, rewrite);
+    if (errors.empty()) CheckParameters(keyword, old);
+  }
   for (wip_Message& error : errors) AddError(std::move(error));
+  for (wip_Message& warning : warnings) AddWarning(std::move(warning));
+}
+
+// The parser has gone by the names: they say what a keyword opens, belongs to and where its data
+// lines are.
+bool inp_KeywordExpansionVisitor::HasComputedName(const inp_Keyword& keyword) {
+  const inp_KeywordBody& body = *keyword.Body();
+  const char* const stop =
+      std::find_if(body.begin, body.end, [](char c) { return c == ',' || c == '=' || c == '\n'; });
+  const std::string_view name(body.begin, static_cast<std::size_t>(stop - body.begin));
+  if (inp_findReference(name).empty()) return false;
+  AddError(inp_Utils::MessageInKeyword(
+      keyword, "the name of a keyword cannot come from a parameter; the keyword and its data lines "
+               "are left out"));
+  return true;
+}
+
+bool inp_KeywordExpansionVisitor::HasComputedParameter(const inp_Keyword& keyword) {
+  bool has = false;
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (inp_findReference(parameter.name).empty()) continue;
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, parameter.name,
+        "the name of a keyword's parameter cannot come from a deck parameter, only its value can; "
+        "the keyword line stays as it is"));
+    has = true;
+  }
+  return has;
+}
+
+// A value with a comma in it would be more than a value, and one that holds a <name> would be
+// taken for another deck parameter when the line is written and read again.
+void inp_KeywordExpansionVisitor::CheckParameters(const inp_Keyword& keyword,
+                                                  const cow_List<inp_Parameter>& old) {
+  const cow_List<inp_Parameter>& now = keyword.Parameters();
+  const auto [other, oldOther] = std::mismatch(
+      now.begin(), now.end(), old.begin(), old.end(),
+      [](const inp_Parameter& a, const inp_Parameter& b) { return a.name == b.name; });
+  if (other != now.end() || oldOther != old.end())
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, oldOther == old.begin() ? "" : std::prev(oldOther)->name,
+        "with its deck parameters in place the keyword has other parameters; a deck parameter can "
+        "only be the value of one, and a text with a comma in it needs quotes"));
+  for (const inp_Parameter& parameter : now) {
+    const std::string_view left = inp_findReference(parameter.value.Verbatim());
+    if (!left.empty())
+      AddError(inp_Utils::MessageAtParameter(
+          keyword, parameter.name,
+          inp_printable(left, 80) + " comes from a deck parameter; values are put in only once"));
+  }
 }
 
 // Parts that an instance names and the deck does not have are for those who convert the instance.

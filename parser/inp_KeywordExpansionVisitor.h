@@ -7,10 +7,10 @@
 // - values of deck parameters (*PARAMETER) take the place of <name> in the keyword lines and data
 //   lines behind their definition. The keywords change in place; *PARAMETER itself becomes null.
 //   What we do not evaluate is an error at its place. Data that is kept as text (a heading, the
-//   title of a step) is left alone, and so are texts between quotes.
+//   title of a step) is left alone, and so are texts between quotes. Names of keywords and of their
+//   parameters, and what kind of line a line is, cannot come from a value.
 // - the keywords of a part are copied into each of its instances, right behind the *INSTANCE:
-// handles
-//   that share all the part's keywords hold. The part keeps its own.
+//   handles that share all the part's keywords hold. The part keeps its own.
 // Decks without *PARAMETER pay one look at each keyword line; data lines are not read.
 class inp_KeywordExpansionVisitor : public inp_Visitor {
 public:
@@ -29,7 +29,11 @@ public:
 
 private:
   void DefineParameters(const inp_Keyword& keyword);
-  void Substitute(inp_KeywordBody& body);
+  void Substitute(inp_Keyword& keyword);
+  bool HasComputedName(const inp_Keyword& keyword);
+  bool HasComputedParameter(const inp_Keyword& keyword);
+  void SubstituteInLine(const inp_Keyword& keyword);
+  void CheckParameters(const inp_Keyword& keyword, const cow_List<inp_Parameter>& old);
   void CopyParts();
 
   cow_String m_directory;

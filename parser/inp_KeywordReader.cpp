@@ -1,4 +1,5 @@
 #include "parser/inp_KeywordReader.h"
+#include "parser/inp_DeckParameters.h"
 #include "parser/inp_TextLines.h"
 #include "parser/inp_Utf8Text.h"
 #include "parser/inp_Utils.h"
@@ -130,8 +131,10 @@ std::string_view inp_KeywordReader::Spelt(std::string_view name) const {
   return {m_body->begin, static_cast<std::size_t>(name.data() + name.size() - m_body->begin)};
 }
 
-// An unknown keyword is kept as it stands and reported once per name.
+// An unknown keyword is kept as it stands and reported once per name. Of names with a <name> in
+// them expansion tells, here and with parameters.
 void inp_KeywordReader::WarnUnknownKeyword(const Line& line, std::string_view spelt) {
+  if (!inp_findReference(spelt).empty()) return;
   if (!m_unknown.insert(m_body->name.substr(0, shownName)).second) return;
   wip_Message message =
       Message("unknown keyword *" + inp_printable(m_body->name, shownName) + "; kept as it is",
@@ -242,6 +245,7 @@ cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& 
   using Kind = inp_ParameterMatch::Kind;
   if (match.kind == Kind::Exact || match.kind == Kind::Abbreviated) return cow_String(match.name);
   if (row->openParameters || NamesDataFile(m_body->kind, name)) return name;
+  if (!inp_findReference(spelt).empty()) return name;
 
   wip_Message message =
       Message((match.kind == Kind::Ambiguous ? "ambiguous parameter " : "unknown parameter ") +

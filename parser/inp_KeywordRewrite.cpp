@@ -51,6 +51,17 @@ template <class Look> void eachLineOf(const Stretch& stretch, Look&& look) {
   });
 }
 
+// Adds the messages that are not among the old ones of the same lines.
+void addNew(cow_List<wip_Message>& list, cow_List<wip_Message>&& fresh,
+            const cow_List<wip_Message>& old) {
+  for (wip_Message& message : fresh) {
+    const bool isOld = std::any_of(old.begin(), old.end(), [&](const wip_Message& other) {
+      return other.place.line == message.place.line && other.text == message.text;
+    });
+    if (!isOld) list.push_back(std::move(message));
+  }
+}
+
 // The new text, with as many lines as the old one; nothing when no line changes.
 std::optional<cow_String> rewritten(const Stretch& stretch, const inp_LineRewrite& rewrite) {
   cow_String out;
@@ -86,15 +97,19 @@ void inp_eachKeywordLine(const inp_KeywordBody& body, const inp_LineLook& look) 
 }
 
 bool inp_rewriteKeywordLine(inp_KeywordBody& body, const inp_LineRewrite& rewrite,
-                            cow_List<wip_Message>& errors) {
+                            cow_List<wip_Message>& errors, cow_List<wip_Message>& warnings) {
   if (!body.text) return false;
   const Stretch old = stretchOf(body);
   std::optional<cow_String> text = rewritten(old, rewrite);
   if (!text) return false;
   const inp_DeckTextPtr deck = inp_DeckText::Rewritten(std::move(*text), old.deck, old.firstLine);
-  cow_List<wip_Message> warnings; // the parser has given them already
+  cow_List<wip_Message> toldErrors, toldWarnings; // by the parser
+  inp_KeywordReader(toldErrors, toldWarnings).Read(body.text, body.begin, body.line);
+  cow_List<wip_Message> newErrors, newWarnings;
   const char* const asterisk = inp_skipBlanks(deck->Begin(), deck->End());
-  const auto result = inp_KeywordReader(errors, warnings).Read(deck, asterisk, body.line);
+  const auto result = inp_KeywordReader(newErrors, newWarnings).Read(deck, asterisk, body.line);
+  addNew(errors, std::move(newErrors), toldErrors);
+  addNew(warnings, std::move(newWarnings), toldWarnings);
   inp_KeywordBody& fresh = *result.body;
   for (std::size_t i = 0; i < std::min(fresh.parameters.size(), body.parameters.size()); ++i)
     fresh.parameters[i].referred = body.parameters[i].referred;
@@ -120,6 +135,8 @@ bool inp_rewriteData(inp_KeywordBody& body,
     segment.text = inp_DeckText::Rewritten(std::move(*text), old.text, old.firstLine);
     segment.begin = segment.text->Begin();
     segment.end = segment.text->End();
+    segment.rows = 0; // an empty last line is none, and a line may have become a comment
+    inp_eachLine(segment, [&](const inp_KeywordLine&) { ++segment.rows; });
     segment.ascii = std::all_of(segment.begin, segment.end,
                                 [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     changed = true;

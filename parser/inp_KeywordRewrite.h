@@ -25,9 +25,10 @@ void inp_eachKeywordLine(const inp_KeywordBody& body, const inp_LineLook& look);
 using inp_LineRewrite = std::function<bool(const inp_KeywordLine&, cow_String& out)>;
 
 // Replaces the keyword line and reads it again: its parameters are those of the new text. The body
-// changes in place, for all handles on it. Returns whether anything changed.
+// changes in place, for all handles on it. Gives the messages that the old line did not give, and
+// whether anything changed.
 bool inp_rewriteKeywordLine(inp_KeywordBody& body, const inp_LineRewrite& rewrite,
-                            cow_List<wip_Message>& errors);
+                            cow_List<wip_Message>& errors, cow_List<wip_Message>& warnings);
 // Replaces the data segments that `wanted` picks.
 bool inp_rewriteData(inp_KeywordBody& body,
                      const std::function<bool(const inp_DataSegment&)>& wanted,

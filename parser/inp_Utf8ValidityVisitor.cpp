@@ -134,9 +134,9 @@ void inp_Utf8ValidityVisitor::Convert(const inp_Keyword& keyword) {
     AddWarning(std::move(warning));
     return true;
   };
-  cow_List<wip_Message> errors;
+  cow_List<wip_Message> errors, warnings; // the parser has given these already, in other bytes
   inp_KeywordBody& body = *keyword.Body();
-  inp_rewriteKeywordLine(body, rewrite, errors);
+  inp_rewriteKeywordLine(body, rewrite, errors, warnings);
   inp_rewriteData(
       body, [](const inp_DataSegment& segment) { return !segment.ascii; }, rewrite);
   for (cow_String& comment : body.comments) {

@@ -1,5 +1,6 @@
 #include "parser/inp_KeywordExpansionVisitor.h"
 #include "tests/parser/Parsed.h"
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -95,6 +96,46 @@ TEST(Expansion, ReportsAtThePlace) {
     const Expanded expanded(c.deck);
     EXPECT_EQ(shown(expanded.visitor.Errors()), c.errors) << c.deck;
   }
+}
+
+// What the parser has found before anything is put in stays so: keywords, parameters and lines.
+TEST(Expansion, ValuesMakeNoNewLinesOrNames) {
+  const struct {
+    const char* value; // of k
+    const char* deck;
+    const char *place, *word; // of the error
+    const char* text;
+  } cases[] = {
+      {"'**'", "*NODE\n<k>1, 0\n2, 0\n", "4:1 ", "asterisk", "*NODE\n2, 0\n"},
+      {"' *NSET'", "*NODE\n1, 0\n** c\n<k>", "6:1 ", "asterisk", "*NODE\n1, 0\n"},
+      {"'*'", "*NODE\n<k>\n*NSET\n1, <k>", "4:1 ", "asterisk", "*NODE\n*NSET\n1, *\n"},
+      {"''", "*NODE\n<k>", "", "", "*NODE\n"},
+      {"''", "*NODE\n<k>\n1\n<k>", "", "", "*NODE\n\n1\n"},
+      {"'NODE'", "*<k>, NSET=A\n1, 0\n*NSET\n1", "3:1 ", "name", "*NSET\n1\n"},
+      {"'*'", "*NODE\n1, 0\n*<k>NODE\n2\n", "5:1 ", "name", "*NODE\n1, 0\n"},
+      {"'A=1'", "*FOO, <k>\n<k>\n", "3:7 ", "name", "*FOO, <k>\nA=1\n"},
+      {"'**'", "*FOO, A,\n<k>B\n1", "4:1 ", "name", "*FOO, A, <k>B\n1\n"},
+      {"'1, B'", "*FOO, A=<k>, C\n", "3:7 ", "other parameters", "*FOO, A=1, B, C\n"},
+      {"'\"1, B\"'", "*FOO, A=<k>, C\n", "", "", "*FOO, A=\"1, B\", C\n"},
+      {"','", "*FOO, A=1<k>\n1\n", "", "", "*FOO, A=1\n1\n"},
+      {"'<j>'", "*FOO, A=<k>\n<k>\n", "3:7 ", "only once", "*FOO, A=<j>\n<j>\n"},
+  };
+  for (const auto& c : cases) {
+    const Expanded expanded(cow_String("*Parameter\nk=") + c.value + "\n" + c.deck);
+    EXPECT_EQ(expanded.Text(), c.text) << c.deck;
+    const cow_String errors = shown(expanded.visitor.Errors());
+    EXPECT_TRUE(errors.starts_with(c.place)) << c.deck << errors;
+    EXPECT_NE(errors.find(c.word), cow_String::npos) << c.deck << errors;
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), *c.word ? 1 : 0) << c.deck << errors;
+  }
+}
+
+// A line that is read again says nothing twice, and what its values bring about it says.
+TEST(Expansion, KeywordLinesReadAgainTellWhatIsNew) {
+  const Expanded expanded("*Parameter\nk=''\n*NSET, NSET=A, WRONG=1, UNSORTED=<k>\n1\n");
+  EXPECT_EQ(shown(expanded.parsed.warnings), "3:16 unknown parameter \"WRONG\" of *NSET\n");
+  EXPECT_EQ(shown(expanded.visitor.Warnings()),
+            "3:25 parameter \"UNSORTED\" has no value behind its equal sign\n");
 }
 
 TEST(Expansion, WarnsOfASecondDefinition) {
