@@ -367,6 +367,14 @@ inp_DeckTextPtr inp_Parser::Impl::OpenNamed(const inp_KeywordBody& body,
     return nullptr;
   }
   if (!MayInclude(path, body, parameter)) return nullptr;
+  // A pipe may never come to its end, and a device has none. A folder is told when it is opened.
+  std::error_code unknownKind;
+  if (!fs::is_regular_file(path, unknownKind) && !unknownKind && !utl_isDirectory(path)) {
+    FileError(body, parameter,
+              "cannot read " + nameOf(path) +
+                  ": it is a pipe or a device; only files are included");
+    return nullptr;
+  }
   try {
     const long long line = body.line + std::count(body.begin, parameter.at, '\n');
     return inp_DeckText::Open(path, body.text, line);

@@ -101,6 +101,15 @@ TEST_F(Include, ReportsWhatCannotBeRead) {
   EXPECT_EQ(shown(parsed.keywords), "NODE; NSET");
 }
 
+TEST_F(Include, PipesAndDevicesAreNoFiles) {
+  if (!utl_exists("/dev/null")) GTEST_SKIP() << "no device to name";
+  const Parsed parsed =
+      Parse({{"a.inp", "*NODE, INPUT=/dev/null\n1, 2.\n*INCLUDE, INPUT=/dev/null\n"}});
+  const char* const reason =
+      "cannot read \"/dev/null\": it is a pipe or a device; only files are included\n";
+  EXPECT_EQ(shown(parsed.files), cow_String("1:8 ") + reason + "3:11 " + reason);
+}
+
 TEST_F(Include, CyclesAreCut) {
   const Parsed parsed = Parse({{"a.inp", "*NODE\n*INCLUDE, INPUT=b.inc\n*NSET\n"},
                                {"b.inc", "*ELEMENT\n*INCLUDE, INPUT=./a.inp\n*ELSET\n"}});
@@ -126,7 +135,7 @@ TEST_F(Include, DepthIsLimited) {
 
 TEST_F(Include, MeshDataMayStandInAFile) {
   const Parsed parsed =
-      Parse({{"a.inp", "*NODE, INPUT=Nodes.dat, NSET=A\n3, 0.\n*ELEMENT, TYPE=T3D2, FILE=els.dat\n"
+      Parse({{"a.inp", "*NODE, INPUT=Nodes.dat, NSET=A\n3, 0.\n*ELEMENT, TYPE=T3D2, FILE=els.dat,\n"
                        "*NODE, INPUT=bad.dat\n*ELEMENT,\nINPUT=els.dat,\nTYPE=T3D2\n"},
              {"Nodes.dat", "** nodes\n1, 0.\n2, 0."},
              {"els.dat", "1, 1, 2\n"},
