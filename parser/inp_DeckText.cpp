@@ -35,6 +35,12 @@ cow_String shownLine(const char* lineBegin, const char* end) {
   return inp_printable(line.substr(0, line.find_last_not_of("\r \t") + 1));
 }
 
+// The start of the field that stands at or ends at a place.
+const char* fieldBegin(const char* lineBegin, const char* at) {
+  while (at != lineBegin && at[-1] != ',') --at;
+  return at;
+}
+
 } // namespace
 
 struct inp_DeckText::Impl {
@@ -205,13 +211,23 @@ wip_Place inp_DeckText::PlaceInOrigin(const char* lineBegin, const char* at, int
   const char* const old = origin.StartOfLine(line - 1);
   const char* const oldEnd = inp_lineFeed(old, origin.end);
   const char* const lineEnd = inp_lineFeed(lineBegin, m_impl->end);
-  const auto [same, oldSame] = std::mismatch(lineBegin, lineEnd, old, oldEnd);
-  if (at < same) return m_impl->origin->PlaceInLine(old, old + (at - lineBegin), width, line);
-  const char* tail = lineEnd;
-  const char* oldTail = oldEnd;
+  const char *oldAt = old, *stretchEnd = lineEnd, *oldStretchEnd = oldEnd;
+  // Values seldom hold commas: field by field, what stands between two of them has its place too.
+  if (std::count(lineBegin, lineEnd, ',') == std::count(old, oldEnd, ',')) {
+    const char* const field = fieldBegin(lineBegin, at);
+    for (auto n = std::count(lineBegin, field, ','); n > 0; --n)
+      oldAt = std::find(oldAt, oldEnd, ',') + 1;
+    lineBegin = field;
+    stretchEnd = std::find(at, lineEnd, ',');
+    oldStretchEnd = std::find(oldAt, oldEnd, ',');
+  }
+  const auto [same, oldSame] = std::mismatch(lineBegin, stretchEnd, oldAt, oldStretchEnd);
+  if (at < same) return m_impl->origin->PlaceInLine(old, oldAt + (at - lineBegin), width, line);
+  const char* tail = stretchEnd;
+  const char* oldTail = oldStretchEnd;
   while (tail > same && oldTail > oldSame && tail[-1] == oldTail[-1]) --tail, --oldTail;
   if (at < tail) return m_impl->origin->PlaceInLine(old, oldSame, 1, line);
-  return m_impl->origin->PlaceInLine(old, oldEnd - (lineEnd - at), width, line);
+  return m_impl->origin->PlaceInLine(old, oldStretchEnd - (stretchEnd - at), width, line);
 }
 
 wip_Place inp_DeckText::PlaceOfLine(long long line) const {

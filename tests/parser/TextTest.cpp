@@ -32,6 +32,11 @@ TEST(DeckText, RewrittenTextPointsToItsOrigin) {
     EXPECT_EQ(place.sourceLine, "1, <x>, 7");
   }
   EXPECT_EQ(text->PlaceOf(text->Begin() + 12).line, 3);
+  const inp_DeckTextPtr two =
+      inp_DeckText::Rewritten("10, x, 10\n", //
+                              inp_DeckText::FromString("<a>, x, <a>\n", "deck.inp"), 1);
+  EXPECT_EQ(two->PlaceOf(two->Begin() + 4).column, 6);
+  EXPECT_EQ(two->PlaceOf(two->Begin() + 7).column, 9);
   const inp_DeckTextPtr twice = inp_DeckText::Rewritten("3, 0\n", text, 3);
   EXPECT_EQ(twice->PlaceOf(twice->Begin()).sourceLine, "2, 0");
 }
