@@ -27,6 +27,11 @@ class eds_FileAccessException : public eds_Exception {
   using eds_Exception::eds_Exception;
 };
 
+// Another process writes it, or has put another file in its place.
+class eds_InUseException : public eds_FileAccessException {
+  using eds_FileAccessException::eds_FileAccessException;
+};
+
 // The file is not a database, or a database of another program.
 class eds_NotOurFileException : public eds_Exception {
   using eds_Exception::eds_Exception;

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <memory>
 
+struct inps_Session;
+
 // One deck on its way into a model. Messages go to the reporter of this thread.
 class inps_Conversion {
 public:
@@ -38,4 +40,4 @@ bool inps_isModelFile(const std::filesystem::path& path);
 
 // A model, or a deck converted in memory; messages as above. Null when the deck has faults that
 // keep it from being converted at all.
-KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path);
+KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path, const inps_Session& session);

@@ -3,6 +3,7 @@
 #include "base/utl_File.h"
 #include "database/KvoObjMesh.h"
 #include "database/eds_Exception.h"
+#include "database/eds_ModelPlace.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
 #include "host/inps_LastResort.h"
@@ -30,10 +31,16 @@ public:
   RestartCopy(const Path& base, const Path& target)
       : m_path(utl_temporaryBeside(target)), m_journal(m_path) {
     m_journal += "-journal";
+    // Ours from now on: two restarts from one base would each lose what the other adds.
+    if (utl_isTaken(target)) m_place = std::make_unique<eds_ModelPlace>(target);
     // Held open while it is copied, so that nobody writes it meanwhile.
     const KvoObjDocument held = inps_openModel(base);
+    if (!held.IsFinished())
+      throw eds_DamagedFileException("\"" + utl_pathText(base) +
+                                     "\" is not finished: the conversion that made it did not end");
     try {
       Copy(base);
+      if (m_place) m_place->HoldAgain(); // the base may be what is replaced
     } catch (const utl_FileException& failure) {
       utl_removeFile(m_path);
       if (failure.Path() != m_path) throw;
@@ -51,8 +58,9 @@ public:
   RestartCopy& operator=(const RestartCopy&) = delete;
 
   const Path& File() const { return m_path; }
-  void BecomeTarget(const Path& target, bool force) const {
-    utl_renameFile(m_path, target, force ? utl_IfExists::Replace : utl_IfExists::Refuse);
+  void BecomeTarget(const Path& target, bool force) {
+    if (!m_place) m_place = std::make_unique<eds_ModelPlace>(target);
+    m_place->GiveTo(m_path, force ? utl_IfExists::Replace : utl_IfExists::Refuse);
     utl_syncFolderOf(target);
   }
 
@@ -67,6 +75,7 @@ private:
 
   Path m_path;
   Path m_journal; // left by a store that failed
+  std::unique_ptr<eds_ModelPlace> m_place;
   inps_FileUnderWay m_underWay{m_path};
   inps_FileUnderWay m_journalUnderWay{m_journal};
 };
@@ -183,7 +192,7 @@ private:
   }
 
   bool Restart(inps_Conversion& conversion) {
-    const RestartCopy copy(m_job.base, m_job.target);
+    RestartCopy copy(m_job.base, m_job.target);
     bool clean = false;
     try {
       clean = GoOn(conversion, copy.File());

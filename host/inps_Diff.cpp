@@ -14,8 +14,8 @@
 int inps_diff(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
   return run.Do([&]() -> int {
-    const KvoObjDocument a = inps_openModelOrDeck(arguments.Path(0));
-    const KvoObjDocument b = inps_openModelOrDeck(arguments.Path(1));
+    const KvoObjDocument a = inps_openModelOrDeck(arguments.Path(0), session);
+    const KvoObjDocument b = inps_openModelOrDeck(arguments.Path(1), session);
     if (a.IsNull() || b.IsNull()) return inps_ExitFaults;
     std::ostringstream lines;
     lines.exceptions(std::ios::badbit); // else a want of memory would cut them in silence

@@ -151,7 +151,7 @@ private:
 int inps_dump(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
   return run.Do([&]() -> int {
-    const KvoObjDocument document = inps_openModelOrDeck(arguments.Path(0));
+    const KvoObjDocument document = inps_openModelOrDeck(arguments.Path(0), session);
     if (document.IsNull()) return inps_ExitFaults;
     utl_Stream out(session.out);
     Dump(document, out).Print();

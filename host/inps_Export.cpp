@@ -36,8 +36,9 @@ public:
 
   int operator()() {
     const bool hasBlocks = m_arguments.Has(inps_Opt::Sets) || m_arguments.Has(inps_Opt::Surfaces);
-    inps_ExportFiles files(m_target, hasBlocks, m_arguments.Has(inps_Opt::Force));
-    const KvoObjDocument document = inps_openModelOrDeck(m_arguments.Path(0));
+    inps_ExportFiles files(m_target, m_arguments.Path(0), hasBlocks,
+                           m_arguments.Has(inps_Opt::Force));
+    const KvoObjDocument document = inps_openModelOrDeck(m_arguments.Path(0), m_session);
     if (document.IsNull()) return inps_ExitFaults;
     const inps_FlatMesh mesh(document);
     if (mesh.NodeCount() == 0 && !mesh.PartNames().empty())

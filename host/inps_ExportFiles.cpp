@@ -6,9 +6,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void requireFreeFile(const fs::path& path, bool force) {
+void requireFreeFile(const fs::path& path, const fs::path& read, bool force) {
   if (!utl_isTaken(path)) return;
   std::error_code ignored;
+  if (fs::equivalent(path, read, ignored))
+    throw utl_FileException("cannot write", path, "it is the file that is read");
   const fs::file_status status = fs::status(path, ignored);
   if (fs::is_directory(status)) throw utl_FileException("cannot write", path, "it is a folder");
   if (fs::exists(status) && !fs::is_regular_file(status))
@@ -47,15 +49,16 @@ cow_String fileNameOf(const cow_String& name) {
 
 } // namespace
 
-inps_ExportFiles::inps_ExportFiles(const fs::path& vtu, bool hasBlocks, bool force)
+inps_ExportFiles::inps_ExportFiles(const fs::path& vtu, const fs::path& read, bool hasBlocks,
+                                   bool force)
     : m_hasBlocks(hasBlocks), m_force(force) {
   m_mesh.final = vtu;
-  requireFreeFile(vtu, force);
+  requireFreeFile(vtu, read, force);
   m_mesh.temporary = utl_temporaryBeside(vtu);
   if (!hasBlocks) return;
   m_list.final = fs::path(vtu).replace_extension(".vtm");
   m_folder.final = fs::path(vtu).replace_extension();
-  requireFreeFile(m_list.final, force);
+  requireFreeFile(m_list.final, read, force);
   m_old.files = requireFreeFolder(m_folder.final, force);
   m_old.name = utl_temporaryBeside(m_folder.final);
   for (fs::path& file : m_old.files) file = m_old.name / file;

@@ -9,8 +9,10 @@
 class inps_ExportFiles {
 public:
   // Throws utl_FileException when something is in the way: anything without force; with force what
-  // is no file, and a folder that holds more than an earlier export's blocks.
-  inps_ExportFiles(const std::filesystem::path& vtu, bool hasBlocks, bool force);
+  // is no file or the one that is read, and a folder that holds more than an earlier export's
+  // blocks.
+  inps_ExportFiles(const std::filesystem::path& vtu, const std::filesystem::path& read,
+                   bool hasBlocks, bool force);
   ~inps_ExportFiles();
   inps_ExportFiles(const inps_ExportFiles&) = delete;
   inps_ExportFiles& operator=(const inps_ExportFiles&) = delete;

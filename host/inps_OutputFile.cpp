@@ -6,12 +6,15 @@
 #include <optional>
 
 void inps_writeFile(const std::filesystem::path& path, bool force,
+                    const std::filesystem::path& read,
                     const std::function<void(utl_Stream& out)>& print) {
   std::error_code ignored;
   const std::filesystem::file_status status = std::filesystem::status(path, ignored);
   const bool exists = std::filesystem::exists(status);
   if (std::filesystem::is_directory(status))
     throw utl_FileException("cannot write", path, "it is a folder");
+  if (exists && std::filesystem::equivalent(path, read, ignored))
+    throw utl_FileException("cannot write", path, "it is the file that is read");
   const bool inPlace = exists && !std::filesystem::is_regular_file(status);
   if (utl_isTaken(path) && !inPlace && !force)
     throw utl_FileException("cannot write", path, "it exists; --force replaces it");

@@ -94,7 +94,7 @@ cow_String factsOf(const inps_PlotPage& page) {
 
 int inps_plot(inps_Session& session, const inps_Arguments& arguments) {
   const std::filesystem::path file = arguments.Path(0);
-  const KvoObjDocument document = inps_openModel(file);
+  const KvoObjDocument document = inps_openModel(file, session);
   const auto names = std::span(arguments.Operands()).subspan(1);
   Choice choice(names);
   inps_PlotPage page;
@@ -111,7 +111,7 @@ int inps_plot(inps_Session& session, const inps_Arguments& arguments) {
   const bool named = arguments.Has(inps_Opt::Output);
   const std::filesystem::path target =
       named ? arguments.PathOf(inps_Opt::Output) : file.filename().replace_extension(".html");
-  inps_writeFile(target, arguments.Has(inps_Opt::Force),
+  inps_writeFile(target, arguments.Has(inps_Opt::Force), file,
                  [&](utl_Stream& out) { inps_printPlotPage(out, page); });
   session.out << utl_pathText(target) << ": " << page.facts << '\n';
   return inps_ExitDone;

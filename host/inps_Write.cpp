@@ -23,12 +23,10 @@ void print(const KvoObjDocument& document, utl_Stream& deck, aio_ostream& diagno
 int inps_write(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
   return run.Do([&] {
-    const KvoObjDocument document = inps_openModel(arguments.Path(0));
-    if (!document.IsFinished())
-      session.err << "inps: warning: the conversion that made " << arguments.Operands()[0]
-                  << " did not finish; the deck holds what the model holds\n";
+    const KvoObjDocument document = inps_openModel(arguments.Path(0), session);
     if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != "-") {
       inps_writeFile(arguments.PathOf(inps_Opt::Output), arguments.Has(inps_Opt::Force),
+                     arguments.Path(0),
                      [&](utl_Stream& deck) { print(document, deck, session.err); });
     } else {
       utl_Stream deck(session.out);

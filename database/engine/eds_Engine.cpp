@@ -9,7 +9,9 @@
 namespace {
 
 cow_String systemText(sqlite3* database) {
-  const int number = database != nullptr ? sqlite3_system_errno(database) : 0;
+  int number = eds_takeWriteError();
+  if (database != nullptr && sqlite3_system_errno(database) != 0)
+    number = sqlite3_system_errno(database);
   return number != 0 ? cow_String(": ") + std::strerror(number) : cow_String();
 }
 
@@ -113,6 +115,13 @@ void eds_Engine::Close() {
 void eds_Engine::Execute(const char* sql) {
   const int code = sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) Fail(code);
+}
+
+// Where the system cannot tell, an open file keeps its name.
+bool eds_Engine::HasMoved() const {
+  int moved = 0;
+  const int code = sqlite3_file_control(m_database, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return code == SQLITE_OK && moved != 0;
 }
 
 int64_t eds_Engine::QueryInt(const char* sql) {
@@ -222,7 +231,7 @@ void eds_Engine::Fail(int code) {
     throw eds_NotOurFileException(file + " is not a model database");
   case SQLITE_BUSY:
   case SQLITE_LOCKED:
-    throw eds_FileAccessException(file + " is in use by another process");
+    throw eds_InUseException(file + " is in use by another process");
   case SQLITE_CANTOPEN:
     throw eds_FileAccessException("cannot open " + file + system);
   case SQLITE_PERM:

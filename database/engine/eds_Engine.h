@@ -81,6 +81,8 @@ public:
   void SetShownFile(const std::filesystem::path& file) { m_shown = file; } // in messages
   eds_OpenMode Mode() const { return m_mode; }
 
+  bool HasMoved() const; // the open file has its name no more
+
   void Execute(const char* sql);
   int64_t QueryInt(const char* sql);
   eds_Statement& Prepare(cow_String sql); // owned by the engine

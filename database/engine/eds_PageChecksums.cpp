@@ -1,7 +1,9 @@
 #include "database/engine/eds_PageChecksums.h"
 #include "database/eds_Exception.h"
 #include "database/engine/eds_FileLayer.h"
+#include <cerrno>
 #include <cstring>
+#include <utility>
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 
@@ -51,6 +53,8 @@ int readFile(sqlite3_file* base, void* data, int size, sqlite3_int64 at) {
   return SQLITE_IOERR_DATA;
 }
 
+thread_local int t_writeError = 0; // of the system
+
 int writeFile(sqlite3_file* base, const void* data, int size, sqlite3_int64 at) {
   auto& file = *reinterpret_cast<File*>(base);
   noteHeader(file, data, size, at);
@@ -60,7 +64,9 @@ int writeFile(sqlite3_file* base, const void* data, int size, sqlite3_int64 at) 
     auto* page = static_cast<std::byte*>(const_cast<void*>(data));
     eds_stampPage({page, static_cast<std::size_t>(size)}, at);
   }
-  return eds_realFile(base)->pMethods->xWrite(eds_realFile(base), data, size, at);
+  const int code = eds_realFile(base)->pMethods->xWrite(eds_realFile(base), data, size, at);
+  if (code != SQLITE_OK) t_writeError = errno;
+  return code;
 }
 
 sqlite3_io_methods makeMethods() {
@@ -119,4 +125,8 @@ int64_t eds_mismatchedPage(sqlite3* database) {
   sqlite3_file* file = mainFile(database);
   const bool isOurs = file != nullptr && file->pMethods == &g_methods;
   return isOurs ? reinterpret_cast<File*>(file)->mismatchedPage : 0;
+}
+
+int eds_takeWriteError() {
+  return std::exchange(t_writeError, 0);
 }

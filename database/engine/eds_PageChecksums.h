@@ -26,3 +26,7 @@ int eds_reservePageChecksums(sqlite3* database);
 
 // The page, from 1, that did not match its checksum when it was read last; 0: none.
 int64_t eds_mismatchedPage(sqlite3* database);
+
+// Why the system refused to write last on this thread, and forgets it; 0: it did not. The engine
+// does not keep it for what fails at a commit.
+int eds_takeWriteError();

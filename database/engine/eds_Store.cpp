@@ -2,6 +2,7 @@
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
 #include "database/eds_Exception.h"
+#include "database/eds_ModelPlace.h"
 #include "database/engine/eds_Format.h"
 #include <algorithm>
 
@@ -65,6 +66,7 @@ void eds_Store::LayDown(const std::filesystem::path& file) {
 void eds_Store::Create(const std::filesystem::path& file) {
   if (utl_exists(file))
     throw eds_FileAccessException("\"" + utl_pathText(file) + "\" exists already");
+  const eds_ModelPlace place(file); // no journal of an older model is taken for the new one's
   LayDown(file);
   m_engine.BeginWrite();
   WriteMeta();
@@ -80,11 +82,24 @@ void eds_Store::Create(const std::filesystem::path& file) {
   m_engine.SetPatience(readersPatience);
   m_engine.Open(file, eds_OpenMode::New);
   m_engine.ApplyMode();
+  m_engine.Execute("BEGIN EXCLUSIVE"); // kept from now on: nobody else replaces the file
+  m_engine.Execute("COMMIT");
+  RequireOurs();
+}
+
+// Between two openings of a model that is being made, another process may put its own there.
+void eds_Store::RequireOurs() {
+  const bool finished =
+      m_engine.QueryInt("SELECT count(*) FROM meta WHERE key = 'finished' AND value = '1'") != 0;
+  if (finished || m_engine.HasMoved())
+    throw eds_InUseException("\"" + utl_pathText(m_path) +
+                             "\" was replaced by another process meanwhile");
 }
 
 void eds_Store::CreateReplacing(const std::filesystem::path& file) {
   if (utl_isDirectory(file))
     throw eds_FileAccessException("cannot write \"" + utl_pathText(file) + "\": a folder");
+  m_place = std::make_unique<eds_ModelPlace>(file); // ours already: nobody works for nothing
   LayDown(file);
   m_engine.ApplyMode();
 }
@@ -98,6 +113,7 @@ void eds_Store::CreateInMemory() {
 
 // A file whose writer died is put back to its last whole transaction before anybody reads it.
 void eds_Store::Recover(const std::filesystem::path& file) {
+  eds_requireRegularJournals(file);
   std::filesystem::path journal = file;
   journal += "-journal";
   if (!utl_exists(journal)) return;
@@ -157,16 +173,20 @@ void eds_Store::WriteOut() {
   // First all there is reaches the disk, then the flag that says so, then the name.
   const std::filesystem::path file = m_engine.File();
   m_engine.CommitPhysical();
+  const bool inPlace = m_temporary.empty() && Meta(finishedKey) == "0";
+  if (inPlace) RequireOurs();
   SyncClosed(file);
-  m_meta[finishedKey] = "1";
   m_engine.BeginWrite();
+  if (inPlace) RequireOurs();
+  m_meta[finishedKey] = "1";
   WriteMeta();
   m_engine.CommitPhysical();
   SyncClosed(file);
   if (!m_temporary.empty()) {
     m_engine.Close();
     utl_removeFile(m_temporaryJournal); // all is committed: it can only be one that would not go
-    utl_renameFile(m_temporary, m_path, utl_IfExists::Replace);
+    m_place->GiveTo(m_temporary, utl_IfExists::Replace);
+    m_place.reset();
     m_temporary.clear();
     Reopen(m_path);
   }

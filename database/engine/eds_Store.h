@@ -13,6 +13,8 @@
 
 // One open model: its records in memory, what of them has changed, and the file beneath. Everything
 // the Kvo handles do is done here.
+class eds_ModelPlace;
+
 class eds_Store {
 public:
   eds_Store();
@@ -88,6 +90,7 @@ private:
   void LayDown(const std::filesystem::path& file);
   void Recover(const std::filesystem::path& file);
   void RecoverIfPossible();
+  void RequireOurs();
   void RemoveTemporary() noexcept;
   void RemoveTempDistributions();
   void RemoveTempDistributionRecords();
@@ -115,6 +118,7 @@ private:
   std::filesystem::path m_path;      // the name the user knows
   std::filesystem::path m_temporary; // while the file has another one
   std::filesystem::path m_temporaryJournal;
+  std::unique_ptr<eds_ModelPlace> m_place; // that the temporary file will take
   int m_depth = 0;
   bool m_wroteChunks = false; // in the open transaction
 };

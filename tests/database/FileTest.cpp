@@ -16,7 +16,9 @@
 #include <sqlite3.h>
 #if defined(__unix__)
 #include <csignal>
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -363,10 +365,14 @@ int inChild(const std::function<int()>& body, useconds_t killAfter = 0,
   return WIFEXITED(status) ? WEXITSTATUS(status) : 256 + WTERMSIG(status);
 }
 
-int writeForEver(const fs::path& file) {
+// With `told`, each transaction is physical at once, and a byte in that file says so.
+int writeForEver(const fs::path& file, const fs::path& told = {}) {
   const KvoObjDocument document = KvoObjDocument::Create(file);
+  if (!told.empty()) eds_Engine::SetGatherTime(std::chrono::milliseconds(0));
+  const int progress = told.empty() ? -1 : creat(told.c_str(), 0600);
   for (int i = 0;; ++i) {
     addRecord(document, i);
+    if (progress >= 0 && write(progress, "x", 1) != 1) return 1;
     if (i % 500 == 0) addArray(document, 300000);
   }
 }
@@ -382,7 +388,8 @@ TEST(File, KilledWriterLeavesWholeTransactionsInOrder) {
     const TemporaryFolder folder;
     const fs::path file = folder / "m.sim";
     const auto after = static_cast<useconds_t>(500 + random() % 60000);
-    inChild([&] { return writeForEver(file); }, after, round % 4 == 0 ? fs::path() : file);
+    const fs::path told = round % 2 == 0 ? folder / "told" : fs::path();
+    inChild([&] { return writeForEver(file, told); }, after, round % 4 == 0 ? fs::path() : file);
     if (!fs::exists(file)) continue;
     const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
     EXPECT_FALSE(document.IsFinished());
@@ -390,6 +397,8 @@ TEST(File, KilledWriterLeavesWholeTransactionsInOrder) {
     const auto records = document.Context().GetRecords(eds_RecordKind::VerbatimKeyword);
     const auto count = static_cast<int64_t>(records.size());
     ASSERT_EQ(document.Focus().MemberCount(eds_Member::Parts), count);
+    const bool hasTold = !told.empty() && fs::exists(told);
+    ASSERT_GE(count, hasTold ? static_cast<int64_t>(fs::file_size(told)) : 0);
     for (int64_t i = 0; i < count; ++i) {
       const KvoSimDataRecord record = records[static_cast<size_t>(i)].DataRecord();
       ASSERT_EQ(record.GetInt64(eds_VerbatimKeyword_Position), i);
@@ -400,6 +409,72 @@ TEST(File, KilledWriterLeavesWholeTransactionsInOrder) {
     most = std::max(most, count);
   }
   EXPECT_GT(most, 100); // the rounds did get somewhere
+}
+
+// What a killed writer leaves beside the name must not be taken for the journal of the next model.
+TEST(File, JournalOfAKilledWriterDoesNotTouchTheNextModel) {
+  const auto isHot = [](const fs::path& journal) {
+    return std::ifstream(journal, std::ios::binary).get() == 0xd9;
+  };
+  int hot = 0;
+  for (int round = 0; round < 400 && hot < 12; ++round) {
+    const TemporaryFolder folder;
+    const fs::path file = folder / "m.sim";
+    inChild([&] { return writeForEver(file); }, static_cast<useconds_t>(2000 + 331 * round), file);
+    if (!isHot(folder / "m.sim-journal")) continue;
+    const bool replace = ++hot % 2 == 0;
+    if (!replace) fs::remove(file);
+    {
+      KvoObjDocument next =
+          replace ? KvoObjDocument::CreateReplacing(file) : KvoObjDocument::Create(file);
+      for (int i = 0; i < 700; ++i) addRecord(next, i);
+      addArray(next, 100000);
+      next.Finish();
+    }
+    EXPECT_FALSE(fs::exists(folder / "m.sim-journal"));
+    const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
+    EXPECT_TRUE(document.IsFinished());
+    EXPECT_EQ(eds_checkModel(document), eds_Faults());
+    EXPECT_EQ(document.Focus().MemberCount(eds_Member::Parts), 700);
+  }
+  EXPECT_GT(hot, 3);
+}
+
+// Who makes a model has its name to himself until it is done.
+TEST(File, NobodyElseTakesTheNameOfAModelUnderWay) {
+  const TemporaryFolder folder;
+  for (const bool replace : {false, true}) {
+    const fs::path file = folder / (replace ? "old.sim" : "new.sim");
+    if (replace) {
+      KvoObjDocument old = KvoObjDocument::Create(file);
+      old.Finish();
+    }
+    KvoObjDocument document =
+        replace ? KvoObjDocument::CreateReplacing(file) : KvoObjDocument::Create(file);
+    addRecord(document, 0);
+    EXPECT_EQ(inChild([&] {
+                try {
+                  KvoObjDocument::CreateReplacing(file);
+                } catch (const eds_InUseException& failure) {
+                  return cow_String(failure.what()).find("in use") != cow_String::npos ? 3 : 4;
+                }
+                return 0;
+              }),
+              3);
+    addRecord(document, 1);
+    document.Finish();
+    document.Close();
+    EXPECT_EQ(KvoObjDocument::Open(file, KvoAccess::ReadOnly).GetModel().Parts().size(), 2u);
+  }
+}
+
+TEST(File, JournalThatIsNoFileIsTold) {
+  const TemporaryFolder folder;
+  const fs::path file = folder / "m.sim";
+  KvoObjDocument::Create(file).Finish();
+  ASSERT_EQ(mkfifo((folder / "m.sim-journal").c_str(), 0600), 0);
+  EXPECT_THROW(KvoObjDocument::Open(file, KvoAccess::ReadOnly), eds_FileAccessException);
+  EXPECT_THROW(KvoObjDocument::CreateReplacing(file), eds_FileAccessException);
 }
 
 TEST(File, FullDiskIsToldAndLeavesAWholeFile) {

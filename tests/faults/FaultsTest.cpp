@@ -379,6 +379,8 @@ TEST_P(FaultsTest, EndsWithOneMessageAndLeavesWholeThings) {
   const auto [job, fault, andLater] = GetParam();
   const cow_List<cow_String> words = Words();
   const int64_t calls = CallsOf(fault, words);
+  // Nothing truncates, and small models need no large buffers.
+  EXPECT_TRUE(calls > 0 || fault == Fault::Truncate || fault == Fault::Buffer);
   // The engine gives up at the first memory it does not get, and what a model in the place of
   // another does until it has its name is what a fresh one does: an eighth of these calls is
   // enough.

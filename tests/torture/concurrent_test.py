@@ -43,22 +43,41 @@ def left_over(folder):
             if path.suffix != ".inp" and path.name != "model.sim"]
 
 
-def race(program, folder, force):
-    """Four conversions at once; the faults and how many of them won."""
+def race(program, folder, forced):
+    """Four conversions at once, some of them by force; the faults and how many of them won."""
     model = folder / "model.sim"
-    words = ["--force"] if force else []
-    runs = [start(program, "convert", folder / f"deck{i}.inp", "-o", model, "--quiet", *words)
-            for i in range(len(NODES))]
+    runs = [start(program, "convert", folder / f"deck{i}.inp", "-o", model, "--quiet",
+                  *(["--force"] if i in forced else [])) for i in range(len(NODES))]
     answers = [ended(run) for run in runs]
     faults = [f"ends with {code}: {text[-300:]}" for code, text in answers
               if code < 0 or "internal error" in text or (code != 0 and "model.sim" not in text)]
     winners = [NODES[i] for i, (code, _) in enumerate(answers) if code == 0]
-    if not winners or (not force and len(winners) != 1):
+    if not winners or (not forced and len(winners) != 1):
         faults.append(f"{len(winners)} winners: {answers}")
     found = nodes_in(program, model)
     if found not in winners:
         faults.append(f"the model has {found}, the winners {winners}")
     return faults + [f"{name} is left" for name in left_over(folder)], len(winners)
+
+
+def race_to_add(program, folder):
+    """Four restarts that replace their one base: what a winner added is there in the end."""
+    model = folder / "model.sim"
+    decks = [folder / f"more{i}.inp" for i in range(4)]
+    for i, deck in enumerate(decks):
+        deck.write_text(f"*DESIGN PARAMETER\nADDED{i}\n", encoding="ascii")
+    answers = [ended(run) for run in [start(program, "convert", deck, "--restart", model, "--force",
+                                            "--quiet") for deck in decks]]
+    faults = [f"a restart ends with {code}: {text[-300:]}" for code, text in answers
+              if code not in (0, 3) or (code == 3 and "model.sim" not in text)]
+    written = ended(start(program, "write", model))[1]
+    for i, (code, _) in enumerate(answers):
+        if (code == 0) != (f"ADDED{i}" in written):
+            faults.append(f"restart {i} ends with {code}, and what it adds is "
+                          f"{'' if f'ADDED{i}' in written else 'not '}there")
+    if all(code != 0 for code, _ in answers):
+        faults.append("no restart wins")
+    return faults + [f"{name} is left" for name in left_over(folder)]
 
 
 def race_to_print(program, folder):
@@ -114,10 +133,14 @@ def main():
             write_deck(folder / f"deck{i}.inp", nodes)
         for number in range(words.rounds):
             (folder / "model.sim").unlink(missing_ok=True)
-            faults += [f"round {number}: {fault}" for fault in race(words.program, folder, False)[0]]
-            found, count = race(words.program, folder, True)
+            faults += [f"round {number}: {fault}" for fault in race(words.program, folder, ())[0]]
+            found, count = race(words.program, folder, range(len(NODES)))
             faults += [f"round {number}, by force: {fault}" for fault in found]
             winners += count
+            (folder / "model.sim").unlink()
+            faults += [f"round {number}, some by force: {fault}"
+                       for fault in race(words.program, folder, (1, 3))[0]]
+            faults += [f"round {number}: {fault}" for fault in race_to_add(words.program, folder)]
             faults += [f"round {number}: {fault}" for fault in
                        race_to_print(words.program, folder)]
             for force in False, True:

@@ -14,6 +14,8 @@ import tempfile
 
 import kill_test
 
+REASONS = ("no space left", "file too large")
+
 
 @contextlib.contextmanager
 def small_disk(folder, size, mount):
@@ -35,12 +37,14 @@ def run(words, limit=None):
                           preexec_fn=restrict if limit else None)
 
 
-def fault_of(done, words):
+def fault_of(done, words, target):
     said = [line for line in done.stderr.splitlines() if line.startswith("inps: ") and
             not line.startswith("inps: warning: ")]
     if done.returncode != 3 or len(said) != 1:
         return f"{words[1]} ended with {done.returncode} and said: {done.stderr[-500:]!r}"
     print(f"  {words[1]}: {said[0]}")
+    if str(target) not in said[0] or not any(why in said[0].lower() for why in REASONS):
+        return f"{words[1]} does not say what is full: {said[0]}"
     return None
 
 
@@ -76,7 +80,7 @@ def try_job(words, target, old, limit, source):
         target.write_bytes(old)
     before = {path.name: path.read_bytes() for path in folder.iterdir()}
     done = run(words, limit)
-    fault = fault_of(done, words)
+    fault = fault_of(done, words, target)
     if not fault and not old and words[1] == "convert" and target.exists():
         fault = kill_test.fault_in(words[0], target, source)[0]
         for name in (target.name + "-journal", ):  # gone once the model has been opened

@@ -346,8 +346,8 @@ class Limits:
             wrong = f"does not end within {self.seconds} s"
         elif code not in (0, 1, 3) or "internal error" in text.lower():
             wrong = f"ends with {code}"
-        elif code == 3 and "memory" not in text:
-            wrong = "fails without a word of memory"
+        elif code == 3 and "memory" not in text and "is not finished" not in text:
+            wrong = "fails without a word of why"
         said.unlink()
         return wrong, code, took, processors() - before, peak, text
 

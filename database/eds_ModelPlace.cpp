@@ -1,0 +1,83 @@
+#include "database/eds_ModelPlace.h"
+
+#include "database/eds_Exception.h"
+#include "database/engine/eds_Engine.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Two that replace one model at once take turns; who holds it for long is not waited for.
+constexpr std::chrono::seconds patience{2};
+
+fs::path journalOf(const fs::path& file, const char* ending) {
+  fs::path journal = file;
+  journal += ending;
+  return journal;
+}
+
+} // namespace
+
+void eds_requireRegularJournals(const fs::path& file) {
+  for (const char* ending : {"-journal", "-wal", "-shm"}) {
+    const fs::path journal = journalOf(file, ending);
+    std::error_code ignored;
+    if (utl_isTaken(journal) && !fs::is_regular_file(journal, ignored))
+      throw eds_FileAccessException("cannot open \"" + utl_pathText(file) + "\": \"" +
+                                    utl_pathText(journal.filename()) +
+                                    "\" beside it is no regular file");
+  }
+}
+
+eds_ModelPlace::eds_ModelPlace(const fs::path& file) : m_file(file) {
+  eds_requireRegularJournals(file);
+  if (!utl_isTaken(file)) {
+    utl_removeFile(journalOf(file, "-journal")); // of a model that is gone
+    return;
+  }
+  m_held = std::make_unique<eds_Engine>();
+  try {
+    m_held->SetPatience(patience);
+    m_held->Open(file, eds_OpenMode::Durable);
+    m_held->QueryInt("SELECT count(*) FROM sqlite_schema");
+    // An idle journal goes on the way from mode to mode.
+    m_held->Execute("PRAGMA journal_mode = PERSIST");
+    m_held->Execute("PRAGMA journal_mode = DELETE");
+    Hold();
+  } catch (const eds_InUseException&) {
+    throw;
+  } catch (const eds_MemoryException&) {
+    throw;
+  } catch (const eds_Exception&) {
+    m_held.reset(); // no model, a damaged one, or one that nobody may write
+  }
+}
+
+eds_ModelPlace::~eds_ModelPlace() = default;
+
+void eds_ModelPlace::Hold() {
+  m_held->Execute("BEGIN IMMEDIATE");
+}
+
+void eds_ModelPlace::RequireSame() const {
+  if (m_held->HasMoved())
+    throw eds_InUseException("\"" + utl_pathText(m_file) +
+                             "\" was replaced by another process meanwhile");
+}
+
+void eds_ModelPlace::HoldAgain() {
+  if (m_held == nullptr) return;
+  m_held->Execute("ROLLBACK");
+  Hold();
+  RequireSame();
+}
+
+void eds_ModelPlace::GiveTo(const fs::path& model, utl_IfExists ifExists) {
+  if (m_held != nullptr) RequireSame();
+#ifdef _WIN32
+  m_held.reset(); // an open file keeps its name there
+#endif
+  utl_removeFile(journalOf(m_file, "-journal")); // of what was no model
+  utl_renameFile(model, m_file, ifExists);
+  m_held.reset();
+}
