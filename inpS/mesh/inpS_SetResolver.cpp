@@ -1,6 +1,7 @@
 #include "inpS/mesh/inpS_SetResolver.h"
 #include "database/KvoObjLabeler.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
+#include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/mesh/inpS_OldElements.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
@@ -51,7 +52,7 @@ private:
 struct inpS_SetResolver::Gathered {
   struct Run {
     int first;
-    long long count;
+    int count;
     int stride;
   };
   struct Missing {
@@ -62,20 +63,31 @@ struct inpS_SetResolver::Gathered {
   };
   std::vector<Run> runs;
   std::vector<Missing> missing;
+  long long total = 0;
+  bool isCut = false;  // there are more than there may be, and the runs no longer hold them
   bool unread = false; // nodes of elements that only the database knows were asked for
 
-  void Add(long long ordinal) {
-    const int value = static_cast<int>(ordinal);
-    if (!runs.empty() && runs.back().stride == 1 && runs.back().first + runs.back().count == value)
-      ++runs.back().count;
+  // Members that are no single run, which takes no room.
+  long long Listed() const { return isCut || runs.size() > 1 ? total : 0; }
+
+  void AddRun(long long first, long long count, int stride) {
+    total += count;
+    const bool goesOn = !runs.empty() && runs.back().stride == 1 && stride == 1 &&
+                        runs.back().first + static_cast<long long>(runs.back().count) == first;
+    if (goesOn)
+      runs.back().count += static_cast<int>(count);
     else
-      runs.push_back({value, 1, 1});
+      runs.push_back({static_cast<int>(first), static_cast<int>(count), stride});
   }
+  void Add(long long ordinal) { AddRun(ordinal, 1, 1); }
   void Add(const eds_MemberSet& members, long long offset) {
-    if (members.IsStrided()) {
-      if (!members.IsEmpty())
-        runs.push_back({static_cast<int>(members.First() + offset), members.Size(),
-                        members.Size() == 1 ? 1 : members.Stride()});
+    if (members.IsEmpty()) return;
+    if (members.IsStrided())
+      return AddRun(members.First() + offset, members.Size(),
+                    members.Size() == 1 ? 1 : members.Stride());
+    if (total + members.Size() > inpS_mostMembers) {
+      total += members.Size();
+      isCut = true;
       return;
     }
     for (const int member : members.List()) Add(member + offset);
@@ -146,7 +158,12 @@ void inpS_SetResolver::ResolveFirst(const inpS_MeshScope& scope, const inpS_SetD
 
 void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinition& set) {
   Gathered gathered;
-  for (const Entry& entry : set.entries) AddEntry(scope, set, entry, gathered);
+  bool isTooLarge = false;
+  for (const Entry& entry : set.entries) {
+    AddEntry(scope, set, entry, gathered);
+    isTooLarge = IsTooLarge(set, entry, gathered);
+    if (isTooLarge) break;
+  }
   ReportUndefined();
   ReportMissing(set, gathered);
   if (gathered.unread)
@@ -155,8 +172,38 @@ void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinit
         "The nodes of elements that the model held before the restart cannot be "
         "taken into a set; they are left out."));
   Result& result = m_results[&set];
+  result.state = isTooLarge ? State::TooLarge : State::Done;
+  if (isTooLarge) return;
   result.members = gathered.Members(set.unsorted);
-  result.state = State::Done;
+  m_listed += gathered.Listed();
+}
+
+// Told at the entry that goes too far.
+bool inpS_SetResolver::IsTooLarge(const inpS_SetDefinition& set, const Entry& entry,
+                                  const Gathered& gathered) {
+  const long long listed = gathered.Listed();
+  const bool inAll = listed <= inpS_mostMembers;
+  if (inAll && m_listed + listed <= inpS_mostMembersInAll) return false;
+  cow_String text =
+      inAll ? inp_Utils::Format("With set \"%s\" the sets of the deck have more than %lld members",
+                                set.name.c_str(), inpS_mostMembersInAll)
+            : inp_Utils::Format("Set \"%s\" has more than %lld members", set.name.c_str(),
+                                inpS_mostMembers);
+  ReportEntry(set, entry, text + ", the most there may be, here; it is left empty.");
+  return true;
+}
+
+// Whether the members of a set that an entry names are known.
+bool inpS_SetResolver::HasMembers(const inpS_SetDefinition& set, const Entry& entry,
+                                  const Target& target) {
+  if (!target.set) return false;
+  const State state = m_results[target.set].state;
+  if (state == State::TooLarge)
+    ReportEntry(set, entry,
+                "Set \"" + target.set->name +
+                    "\" has been left empty, since it names too many members; this entry gives "
+                    "none.");
+  return state == State::Done;
 }
 
 // A part knows nothing of the instances that are made of it.
@@ -245,13 +292,12 @@ void inpS_SetResolver::AddEntry(const inpS_MeshScope& scope, const inpS_SetDefin
   }
   case Entry::Kind::Set: {
     const Target target = Find(scope, set.kind, set, entry, true);
-    if (target.set && m_results[target.set].state == State::Done)
-      gathered.Add(m_results[target.set].members, target.offset);
+    if (HasMembers(set, entry, target)) gathered.Add(m_results[target.set].members, target.offset);
     return;
   }
   case Entry::Kind::NodesOfElset: {
     const Target target = Find(scope, inpS_SetKind::Elements, set, entry, true);
-    if (!target.set || m_results[target.set].state != State::Done) return;
+    if (!HasMembers(set, entry, target)) return;
     if (m_underway)
       AddNodesKnown(scope, m_results[target.set].members, gathered);
     else
@@ -363,8 +409,10 @@ void inpS_SetResolver::AddNodesKnown(const inpS_MeshScope& scope, const eds_Memb
 
 void inpS_SetResolver::ReportEntry(const inpS_SetDefinition& set, const Entry& entry,
                                    cow_String text) {
+  if (set.keywords.empty()) return m_messages.AddError({std::move(text)}); // of the base
   const inp_Keyword& keyword = set.keywords[static_cast<std::size_t>(entry.keyword)];
-  const bool fromData = entry.kind != Entry::Kind::NodesOfElset && keyword.Data().Rows() > 0;
+  const bool fromData = entry.kind != Entry::Kind::NodesOfElset &&
+                        entry.kind != Entry::Kind::Positions && keyword.Data().Rows() > 0;
   m_messages.AddError(
       fromData ? inp_Utils::MessageAtField(keyword, entry.row, entry.col, std::move(text))
                : inp_Utils::MessageInKeyword(keyword, std::move(text)));

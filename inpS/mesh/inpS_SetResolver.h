@@ -10,7 +10,8 @@ class inp_Visitor;
 
 // Turns set definitions into members: ordinals of the owner for sets of a part, flat ordinals of
 // the mesh for those of an instance, the assembly or a flat model. Sets may name sets defined
-// later; a set that holds itself, a name that no set has and labels that do not exist are reported.
+// later; a set that holds itself, a name that no set has and labels that do not exist are reported,
+// and so is a set of more members than there may be: it is left empty, and what names it is told.
 class inpS_SetResolver {
 public:
   inpS_SetResolver(const KvoObjLabeler& nodes, const KvoObjLabeler& elements,
@@ -31,7 +32,7 @@ private:
     const inpS_SetDefinition* set = nullptr;
     long long offset = 0;
   };
-  enum class State : unsigned char { New, Open, Done };
+  enum class State : unsigned char { New, Open, Done, TooLarge };
   struct Result {
     State state = State::New;
     eds_MemberSet members;
@@ -68,6 +69,9 @@ private:
                      Gathered& gathered);
   void NoteUndefined(bool inPart, const inpS_SetDefinition& set, const inpS_SetEntry& entry);
   void ReportUndefined();
+  bool HasMembers(const inpS_SetDefinition& set, const inpS_SetEntry& entry, const Target& target);
+  bool IsTooLarge(const inpS_SetDefinition& set, const inpS_SetEntry& entry,
+                  const Gathered& gathered);
   void ReportMissing(const inpS_SetDefinition& set, Gathered& gathered);
   void ReportEntry(const inpS_SetDefinition& set, const inpS_SetEntry& entry, cow_String text);
 
@@ -77,7 +81,8 @@ private:
   inp_Visitor& m_messages;
   bool m_underway = false;
   bool m_leftOut = false;
-  cow_List<Undefined> m_undefined;                                 // of the set at hand
+  long long m_listed = 0;          // members of all sets that are no single run
+  cow_List<Undefined> m_undefined; // of the set at hand
   std::map<std::pair<int, cow_String>, std::size_t> m_undefinedAt; // by keyword and instance
   std::unordered_map<const inpS_SetDefinition*, Result> m_results; // a set belongs to one scope
 };
