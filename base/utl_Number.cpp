@@ -72,7 +72,7 @@ utl_Field utl_classifyField(const char* begin, const char* end) {
   }
   field.integer = 0;
   if (utl_readDouble(begin, end, field.real) == end) {
-    field.kind = utl_FieldKind::Double;
+    field.kind = std::isinf(field.real) ? utl_FieldKind::String : utl_FieldKind::Double;
     return field;
   }
   field.real = 0;

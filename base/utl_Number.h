@@ -135,7 +135,7 @@ enum class utl_FieldKind : std::uint8_t { None, Integer, Double, String };
 struct utl_Field {
   utl_FieldKind kind = utl_FieldKind::None;
   std::int64_t integer = 0; // kind Integer
-  double real = 0;          // kinds Integer and Double
+  double real = 0;          // kinds Integer and Double; an infinity when out of range
   std::string_view text;
 
   bool IsNumber() const { return kind == utl_FieldKind::Integer || kind == utl_FieldKind::Double; }
@@ -143,7 +143,8 @@ struct utl_Field {
 };
 
 // Blanks, tabs and carriage returns around the field do not count. An integer beyond 64 bits is a
-// double.
+// double. A number too large for a double is a string, so that whoever wants a number tells of it
+// as of a word: no model holds an infinity.
 utl_Field utl_classifyField(const char* begin, const char* end);
 inline utl_Field utl_classifyField(std::string_view field) {
   return utl_classifyField(field.data(), field.data() + field.size());

@@ -36,6 +36,8 @@
 #include "inpS/properties/inpS_SectionVisitor.h"
 #include "inpS/sets/inpS_SurfaceNodalAreas.h"
 #include "inpS/sets/inpS_SurfaceVisitor.h"
+#include "parser/inp_Utils.h"
+#include <set>
 
 using Driver = inpS_Inp2Sim;
 
@@ -323,13 +325,46 @@ bool Driver::ProcessSurfaceNodalAreas() {
   return true;
 }
 
+namespace {
+
+// At the keywords that define them; one from before a restart has none.
+void tellAreasLeftOut(const cow_List<KvoObjSurface>& surfaces, const inp_KeywordList& keywords,
+                      const KvoObjModel& model) {
+  if (surfaces.empty()) return;
+  std::set<std::pair<unsigned long long, cow_String>> untold; // by owner
+  for (const KvoObjSurface& surface : surfaces)
+    untold.emplace(surface.Owner().Object().Packed(), surface.Name());
+  const auto ownerOf = [&](const inp_Scope& scope) {
+    if (scope.kind == inp_Scope::Kind::Part) return model.GetPart(scope.name);
+    if (scope.kind == inp_Scope::Kind::Instance) return model.GetOccurence(scope.name);
+    return model.GetAssembly().IsNull() ? model.Position() : model.GetAssembly();
+  };
+  const auto textFor = [](const cow_String& name) {
+    return "The nodal areas of surface \"" + name +
+           "\" are too large to be held; they are left out.";
+  };
+  inp_Visitor messages;
+  for (const inp_Keyword& keyword : keywords) {
+    if (keyword.Kind() != inp_KwSurface || keyword.IsInstanceCopy()) continue;
+    const KvoSimPosition owner = ownerOf(keyword.Scope());
+    const cow_String name = keyword.StringOf("name", "");
+    if (!owner.IsNull() && untold.erase({owner.Object().Packed(), name}) > 0)
+      messages.AddWarning(inp_Utils::MessageInKeyword(keyword, textFor(name)));
+  }
+  for (const auto& [owner, name] : untold) messages.AddWarning({textFor(name)});
+  messages.Report();
+}
+
+} // namespace
+
 // Of the surfaces that have none yet.
 void Driver::SaveSurfaceNodalAreas() {
   const KvoObjMesh mesh = m_document.GetMesh();
   if (mesh.IsNull() || m_document.Context().GetRecords(eds_RecordKind::Surface).empty()) return;
   KvoSimTransaction transaction(m_document.ContextID());
-  inpS_SurfaceNodalAreas(mesh).Save();
+  const cow_List<KvoObjSurface> leftOut = inpS_SurfaceNodalAreas(mesh).Save();
   transaction.Commit();
+  tellAreasLeftOut(leftOut, m_keywords, m_document.GetModel());
 }
 
 // ---- restart

@@ -1,8 +1,20 @@
 #include "inpS/framework/inpS_System.h"
 #include "base/utl_Assert.h"
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <ostream>
+
+// An exponent of ones alone is that of infinities and of what is no number; without a branch.
+bool inpS_isFinite(std::span<const double> values) {
+  constexpr std::uint64_t exponent = 0x7FF0000000000000;
+  std::uint64_t found = 0;
+  for (const double value : values)
+    found |=
+        static_cast<std::uint64_t>((std::bit_cast<std::uint64_t>(value) & exponent) == exponent);
+  return found == 0;
+}
 
 void inpS_System::FillIdentity() {
   for (int i = 0; i < 4; ++i)
@@ -14,6 +26,10 @@ bool inpS_System::IsIdentity() const {
     for (int j = 0; j < 4; ++j)
       if (m_matrix[i][j] != (i == j ? 1.0 : 0.0)) return false;
   return true;
+}
+
+bool inpS_System::IsFinite() const {
+  return inpS_isFinite({&m_matrix[0][0], 16});
 }
 
 void inpS_System::SetTranslation(double x, double y, double z) {
@@ -165,7 +181,7 @@ double inpS_System::Magnitude(const double v[3]) {
 
 bool inpS_System::Normalize(double v[3]) {
   const double length = Magnitude(v);
-  if (!(length >= tolerance)) return false;
+  if (!(length >= tolerance) || std::isinf(length)) return false;
   for (int i = 0; i < 3; ++i) v[i] /= length;
   return true;
 }

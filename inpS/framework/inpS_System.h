@@ -7,6 +7,9 @@
 
 class inp_Keyword;
 
+// Whether all are: looked at in bulk, so that whole meshes can be.
+bool inpS_isFinite(std::span<const double> values);
+
 // A rigid transformation: a 4 x 4 matrix whose upper left block is the rotation (its columns are
 // the local axes in global coordinates) and whose fourth column is the translation. Lengths are in
 // the deck's unit, angles in radians unless a deck line gives them.
@@ -19,6 +22,7 @@ public:
 
   void FillIdentity();
   bool IsIdentity() const; // every entry exactly
+  bool IsFinite() const;   // no entry has overflowed
 
   void SetTranslation(double x, double y, double z);
   void SetRotation(const double axis[3], double angle); // about a unit axis through the origin
@@ -54,7 +58,8 @@ public:
 
 private:
   static double Magnitude(const double v[3]);
-  static bool Normalize(double v[3]); // false, and v as it was, below the tolerance
+  // False, and v as it was, below the tolerance and beyond all numbers.
+  static bool Normalize(double v[3]);
   static void CrossProduct(const double a[3], const double b[3], double result[3]);
   bool SetFromPoints(const double a[3], const double b[3], const double* c);
 

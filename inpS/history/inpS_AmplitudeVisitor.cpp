@@ -13,6 +13,7 @@
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -149,10 +150,7 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
           keyword, "fixedinterval",
           inpS_messageText(inpS_app_InvalidParameterValue, {"FIXED INTERVAL"}) +
               " It must be greater than 0; it is kept as given."));
-    for (const double magnitude : ReadColumn(keyword, 0)) {
-      pairs.push_back(static_cast<double>(pairs.size() / 2) * interval + begin);
-      pairs.push_back(magnitude);
-    }
+    pairs = ReadMagnitudes(keyword, begin, interval);
   }
   if (form.kind == eds_RecordKind::AmplitudeTabular) ReadSmoothing(keyword, record);
   if (form.data == Data::Pairs) CheckSpacing(keyword);
@@ -281,6 +279,25 @@ cow_List<double> inpS_AmplitudeVisitor::ReadColumn(const inp_Keyword& keyword,
     }
   }
   return column;
+}
+
+// With the times at which they are.
+cow_List<double> inpS_AmplitudeVisitor::ReadMagnitudes(const inp_Keyword& keyword, double begin,
+                                                       double interval) {
+  cow_List<double> pairs;
+  for (const double magnitude : ReadColumn(keyword, 0)) {
+    const double time = static_cast<double>(pairs.size() / 2) * interval + begin;
+    if (!std::isfinite(time)) {
+      AddError(inp_Utils::MessageAtParameter(
+          keyword, "fixedinterval",
+          "The times become too large to be held; magnitudes from number " +
+              std::to_string(pairs.size() / 2 + 1) + " on are left out."));
+      break;
+    }
+    pairs.push_back(time);
+    pairs.push_back(magnitude);
+  }
+  return pairs;
 }
 
 cow_List<double> inpS_AmplitudeVisitor::ReadPairs(const inp_Keyword& keyword, long long firstLine) {

@@ -34,6 +34,7 @@ private:
   void CheckSpacing(const inp_Keyword& keyword);
   // The two readers of values, from a data line on; at most 8 fields of a line count.
   cow_List<double> ReadColumn(const inp_Keyword& keyword, long long firstLine);
+  cow_List<double> ReadMagnitudes(const inp_Keyword& keyword, double begin, double interval);
   cow_List<double> ReadPairs(const inp_Keyword& keyword, long long firstLine); // one after another
   double ValueAt(const inp_Keyword& keyword, long long row, int col);
   void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);

@@ -1,4 +1,5 @@
 #include "inpS/keywords/inpS_UnreadField.h"
+#include "base/utl_Number.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
 
@@ -7,6 +8,8 @@ namespace {
 cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field) {
   if (field.surplus) return "More values than belong on this line; from here on they are not used.";
   const cow_String word = keyword.Data().AsStringVerbatim(field.row, field.col);
+  if (utl_classifyField(word).IsOutOfRange())
+    return "\"" + word + "\" is larger than any number that can be held; 0 is used.";
   return "A number is expected instead of \"" + inp_Utils::RemoveQuotes(word) + "\"; 0 is used.";
 }
 

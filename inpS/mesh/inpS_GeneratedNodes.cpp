@@ -47,14 +47,14 @@ public:
   }
 
   // The middle of an eight-node face: minus a quarter of each corner, half of each middle node.
-  bool MiddleOf(const int* nodes, const int (&face)[8], double middle[3]) const {
+  bool MiddleOf(const int* nodes, const int (&face)[8], double (&middle)[3]) const {
     std::fill(middle, middle + 3, 0.0);
     for (int n = 0; n < 8; ++n) {
       double point[3];
       if (!Find(face[n], nodes[face[n]], point)) return false;
       for (int i = 0; i < 3; ++i) middle[i] += (n < 4 ? -0.25 : 0.5) * point[i];
     }
-    return true;
+    return inpS_isFinite(middle);
   }
 
 private:

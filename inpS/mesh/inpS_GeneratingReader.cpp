@@ -1,10 +1,11 @@
 #include "inpS/mesh/inpS_GeneratingReader.h"
+#include "inpS/framework/inpS_System.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -80,7 +81,7 @@ bool inpS_GeneratingReader::ReadReal(long long row, int col, double absent, doub
   if (!HasValue(row, col)) return true;
   const inp_DataArray& data = m_keyword->Data();
   value = data.AsDouble(row, col);
-  if (data.IsNumber(row, col) && std::isfinite(value)) return true;
+  if (data.IsNumber(row, col)) return true;
   return Fails(row, col, "\"" + data.AsStringVerbatim(row, col) + "\" is no number; line ignored.");
 }
 
@@ -193,6 +194,8 @@ void inpS_GeneratingReader::Collect(const inpS_KnownNodes::Set& nodes) {
 
 // Every normal of the mesh has unit length, interpolated ones too.
 void inpS_GeneratingReader::Emit(long long label, const inpS_NodeValues& node) {
+  if (!inpS_isFinite({node.value, node.hasNormal ? std::size_t{6} : std::size_t{3}}))
+    return NoteOverflow(static_cast<int>(label));
   if (node.hasNormal) {
     // Without negative zeros, which would not come back from a deck written.
     double normal[3] = {node.value[3] + 0.0, node.value[4] + 0.0, node.value[5] + 0.0};
@@ -205,6 +208,11 @@ void inpS_GeneratingReader::Emit(long long label, const inpS_NodeValues& node) {
   m_labels.Append(static_cast<int>(label));
   m_coordinates.Append({node.value, 3});
   if (m_labels.Size() == kPiece) Flush();
+}
+
+void inpS_GeneratingReader::Close() {
+  Flush();
+  TellOverflows(*m_keyword, m_messages);
 }
 
 void inpS_GeneratingReader::Flush() {

@@ -55,6 +55,7 @@ protected:
   void Collect(const inpS_KnownNodes::Set& nodes); // they go into the collection as they are
   void Emit(long long label, const inpS_NodeValues& node);
   void Flush();
+  void Close(); // at the end of the keyword
 
   const inp_Keyword& Keyword() const { return *m_keyword; }
   inpS_KnownNodes& Known() { return m_known; }

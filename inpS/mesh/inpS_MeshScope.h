@@ -7,6 +7,7 @@
 #include "inpS/mesh/inpS_ElementConnectivity.h"
 #include "inpS/mesh/inpS_NodeList.h"
 #include "inpS/sets/inpS_SetDefinition.h"
+#include "parser/inp_Keyword.h"
 #include <deque>
 #include <memory>
 
@@ -29,8 +30,10 @@ struct inpS_MeshScope {
   inpS_MeshScope* part = nullptr; // of an instance
   // Of an instance: it moves its part's nodes and those that the deck lists inside the instance.
   inpS_System placement;
-  inpS_System system;      // *SYSTEM in force for the nodes that follow
-  int nodeOccurrence = -1; // in the node labeler
+  inp_Keyword keyword;         // of an instance that this deck defines
+  long long unplacedNodes = 0; // whose place in the assembly would not be finite
+  inpS_System system;          // *SYSTEM in force for the nodes that follow
+  int nodeOccurrence = -1;     // in the node labeler
   int elementOccurrence = -1;
   inpS_NodeList nodes;
   inpS_ElementConnectivity elements;

@@ -11,6 +11,8 @@
 #include "database/KvoSimGrid.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_SetResolver.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
 #include <algorithm>
 
 namespace {
@@ -26,8 +28,9 @@ eds_ArrayID writeArray(const KvoSimPosition& anyObject, std::span<const T> value
   return writer.Finish();
 }
 
-// Points of an instance where its placement puts them.
-eds_ArrayID writePlaced(const inpS_MeshScope& scope, const eds_ArrayID& local) {
+// Points of an instance where its placement puts them. One that it would put at no finite place
+// stays where it was; these are counted.
+eds_ArrayID writePlaced(inpS_MeshScope& scope, const eds_ArrayID& local) {
   eds_ArrayReader reader(local);
   eds_ArrayWriter writer(scope.owner, eds_ValueType::Double, 3);
   utl_Buffer<double> moved;
@@ -35,6 +38,12 @@ eds_ArrayID writePlaced(const inpS_MeshScope& scope, const eds_ArrayID& local) {
     const std::span<const double> from = reader.Chunk<double>(chunk);
     moved.Resize(from.size());
     scope.placement.Transform(from, moved);
+    if (!inpS_isFinite(moved))
+      for (std::size_t n = 0; n + 2 < from.size(); n += 3) {
+        if (inpS_isFinite(std::span<const double>(moved).subspan(n, 3))) continue;
+        std::copy_n(&from[n], 3, &moved[n]);
+        ++scope.unplacedNodes;
+      }
     writer.Append(std::span<const double>(moved));
   }
   return writer.Finish();
@@ -127,11 +136,17 @@ void inpS_MeshStore::SaveExtraNodes() {
 
 // ---- nodes
 
-void inpS_MeshStore::SaveNodes() {
+void inpS_MeshStore::SaveNodes(inp_Visitor& messages) {
   for (inpS_MeshScope& scope : m_scopes.All()) {
     if (!isPart(scope)) m_nodes.SetFlatFirst(scope.nodeOccurrence, scope.nodeBase);
     if (scope.part && !scope.isStored) SaveCopiedNodes(scope, *scope.part);
     SaveOwnNodes(scope);
+    if (scope.unplacedNodes > 0)
+      messages.AddError(inp_Utils::MessageInKeyword(
+          scope.keyword,
+          inp_Utils::Format("The numbers are too large to reckon with: the placement has no finite "
+                            "place for %lld of the nodes; they stay where the deck lists them.",
+                            scope.unplacedNodes)));
   }
   SaveUserSets(true);
 }
@@ -163,7 +178,7 @@ void inpS_MeshStore::SaveOwnNodes(inpS_MeshScope& scope) {
   scope.normals = block.normals;
 }
 
-void inpS_MeshStore::SaveCopiedNodes(const inpS_MeshScope& scope, const inpS_MeshScope& part) {
+void inpS_MeshStore::SaveCopiedNodes(inpS_MeshScope& scope, const inpS_MeshScope& part) {
   if (part.nodes.Count() == 0) return;
   KvoMeshNodeBlock block;
   block.owner = scope.owner;

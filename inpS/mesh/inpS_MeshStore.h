@@ -7,6 +7,7 @@ class KvoObjLabeler;
 class KvoSimCollection;
 class inpS_ElementParameters;
 class inpS_SetResolver;
+class inp_Visitor;
 struct inpS_SetDefinition;
 
 // Writes a gathered mesh into the database, inside the caller's transaction. A part is a pattern
@@ -20,7 +21,7 @@ public:
   static KvoSimPosition SaveElementType(const KvoObjDocument& document,
                                         const inpS_ElementParameters& type, int dimension);
   void SaveExtraNodes(); // (element, node) pairs of flat ordinals
-  void SaveNodes();
+  void SaveNodes(inp_Visitor& messages);
   void SaveElements(const cow_List<KvoSimPosition>& specs); // by the visitor's type index
   void SaveSets(inpS_SetResolver& resolver);
   static eds_Member MemberOf(const inpS_SetDefinition& set); // by which its owner knows it
@@ -29,7 +30,7 @@ private:
   void SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& definition,
                inpS_SetResolver& resolver);
   void SaveOwnNodes(inpS_MeshScope& scope);
-  void SaveCopiedNodes(const inpS_MeshScope& scope, const inpS_MeshScope& part);
+  void SaveCopiedNodes(inpS_MeshScope& scope, const inpS_MeshScope& part);
   void SaveOwnElements(inpS_MeshScope& scope, const cow_List<KvoSimPosition>& specs);
   void SaveSharedElements(const inpS_MeshScope& scope, const inpS_MeshScope& part);
   void SaveCounts(const inpS_MeshScope& scope);

@@ -178,6 +178,7 @@ void inpS_MeshVisitor::VisitInstance(const inp_Keyword& keyword) {
   instance.owner = owner;
   instance.part = part;
   instance.placement.ReadInstance(keyword);
+  instance.keyword = keyword;
   OpenLabels(instance);
 }
 
@@ -571,7 +572,8 @@ void inpS_MeshVisitor::SaveBeamExtraNodes(KvoSimTransaction&) {
 }
 
 void inpS_MeshVisitor::SaveMeshAndUserNodes(KvoSimTransaction&) {
-  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveNodes();
+  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveNodes(*this);
+  Report(); // the walk over the deck is over
 }
 
 void inpS_MeshVisitor::SaveMeshAndUserElements(KvoSimTransaction&) {

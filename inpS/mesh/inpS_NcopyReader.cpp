@@ -22,7 +22,7 @@ void inpS_NcopyReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sin
     if (node.hasNormal) m_map.ApplyToVector(node.value + 3);
     Emit(Known().LabelOf(ordinal) + m_options.changeNumber, node);
   }
-  Flush();
+  Close();
 }
 
 // A copy that overwrites one of the old nodes must not change what is still to be copied.

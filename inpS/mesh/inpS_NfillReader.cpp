@@ -10,6 +10,7 @@ void inpS_NfillReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sin
   TellNoLines();
   for (long long row = 0; row < keyword.Data().Rows(); ++row)
     if (!IsBlank(row) && HasBothEnds(row)) ReadLine(row);
+  Close();
 }
 
 bool inpS_NfillReader::HasBothEnds(long long row) {

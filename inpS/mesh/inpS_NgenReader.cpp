@@ -45,6 +45,7 @@ void inpS_NgenReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sink
     Flush(); // the next line may look at these nodes
     Collect(last);
   }
+  Close();
 }
 
 bool inpS_NgenReader::ReadLine(Line& line, inpS_KnownNodes::Set& first,

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr double kRadians = 3.141592653589793 / 180;
+constexpr double kLargeFactor = 1e100;
 
 // The cosine and sine of an angle in degrees, exact zeros where they belong.
 struct Turn {
@@ -53,7 +54,7 @@ void inpS_NmapReader::Read(const inp_Keyword& keyword, const inpS_NodeSink& sink
     (this->*kind->map)(node);
     Emit(Known().LabelOf(ordinal), node);
   }
-  Flush();
+  Close();
 }
 
 // ---- the definition
@@ -130,7 +131,10 @@ bool inpS_NmapReader::PrepareDiamond() {
     if (!m_given[point]) continue;
     double* axis = axes[point - 1];
     for (int i = 0; i < 3; ++i) axis[i] = m_points[point][i] - m_points[0][i];
-    ToUnitLength(axis);
+    if (ToUnitLength(axis)) continue;
+    Messages().AddError(inp_Utils::MessageInKeyword(
+        Keyword(), "A point of the map lies at its origin; no nodes are mapped."));
+    return false;
   }
   SetLocal(axes);
   return true;
@@ -173,7 +177,13 @@ void inpS_NmapReader::SetLocal(const double axes[3][3]) {
 // A normal stays normal to the surface that its node lies on: the inverse transpose of the map, up
 // to a positive factor its cofactors with the sign of its determinant.
 void inpS_NmapReader::SetNormalMatrix() {
-  const auto& m = m_map.matrix;
+  double m[3][3], largest = 0;
+  std::copy(&m_map.matrix[0][0], &m_map.matrix[0][0] + 9, &m[0][0]);
+  for (const auto& line : m)
+    for (const double entry : line) largest = std::max(largest, std::fabs(entry));
+  if (largest > kLargeFactor || (largest > 0 && largest < 1 / kLargeFactor))
+    for (auto& line : m)
+      for (double& entry : line) entry /= largest; // or products of three go out of range
   auto& cofactors = m_normalMatrix;
   for (int i = 0; i < 3; ++i) {
     const int i1 = (i + 1) % 3, i2 = (i + 2) % 3;

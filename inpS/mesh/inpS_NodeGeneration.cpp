@@ -7,7 +7,6 @@
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
-#include <cmath>
 
 namespace {
 
@@ -121,7 +120,7 @@ void inpS_NodeGeneration::Nfill(const inp_Keyword& keyword) {
   double bias = 1.0;
   if (const inp_Item* item = keyword.Find("bias")) {
     bias = item->IsNumber() ? item->AsDouble() : 0.0;
-    if (!(bias > 0) || std::isinf(bias)) return Refuse(keyword, "bias");
+    if (!(bias > 0)) return Refuse(keyword, "bias");
   }
   Singular singular = Singular::None;
   if (const inp_Item* item = keyword.Find("singular")) {

@@ -4,6 +4,7 @@
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -11,6 +12,8 @@ namespace {
 constexpr double kRadians = 3.141592653589793 / 180.0;
 constexpr double kZeroBelow = 1e-12;
 constexpr double kUnitLength = 1e-14;
+constexpr double kShort = 1e-300;
+constexpr double kLong = 1e300;
 
 double snapped(double value) {
   return std::fabs(value) < kZeroBelow ? 0.0 : value;
@@ -56,10 +59,35 @@ void inpS_NodeGenerator::ReadLocalSystem(const inp_Keyword& keyword, inp_Visitor
                                           " The coordinates are taken as rectangular."));
 }
 
+// Where the length itself is out of range, or has lost its digits, it is taken of the vector
+// brought near 1 by a power of two.
 bool inpS_NodeGenerator::ToUnitLength(double vector[3]) {
-  const double length = std::hypot(vector[0], vector[1], vector[2]);
-  if (!(length > 0) || std::isinf(length)) return false;
+  double length = std::hypot(vector[0], vector[1], vector[2]);
+  if (length < kShort || length > kLong) {
+    const double largest =
+        std::max({std::fabs(vector[0]), std::fabs(vector[1]), std::fabs(vector[2])});
+    if (!(largest > 0) || !inpS_isFinite({vector, 3})) return false;
+    const int exponent = std::ilogb(largest);
+    for (int i = 0; i < 3; ++i) vector[i] = std::ldexp(vector[i], -exponent);
+    length = std::hypot(vector[0], vector[1], vector[2]);
+  }
+  if (!(length > 0)) return false; // not a number
   if (std::fabs(length - 1.0) > kUnitLength)
     for (int i = 0; i < 3; ++i) vector[i] /= length;
   return true;
+}
+
+void inpS_NodeGenerator::NoteOverflow(int label) {
+  if (m_overflows++ == 0) m_firstOverflow = label;
+}
+
+void inpS_NodeGenerator::TellOverflows(const inp_Keyword& keyword, inp_Visitor& messages) {
+  if (m_overflows > 0)
+    messages.AddError(inp_Utils::MessageInKeyword(
+        keyword,
+        inp_Utils::Format("The numbers are too large to reckon with: there is no finite place for "
+                          "%lld of the nodes, the first of them %d; they are neither made nor "
+                          "moved.",
+                          m_overflows, m_firstOverflow)));
+  m_overflows = 0;
 }

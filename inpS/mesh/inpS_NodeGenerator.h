@@ -37,15 +37,24 @@ public:
   static void SphericalToRectangular(double point[3]);
 
 protected:
-  // False, and the vector as it was, when it has no direction. One that is as good as of unit
-  // length already stays as it is, so that it reads the same when it is written back.
+  // False, and the vector as it was, when it has no direction or is not finite. One that is as good
+  // as of unit length already stays as it is, so that it reads the same when it is written back.
   static bool ToUnitLength(double vector[3]);
   void ToRectangular(double point[3]) const;
   // Coordinates as read to rectangular axes, then by the current coordinate system.
   void ConvertPoints(std::span<double> coordinates, const inpS_System& system) const;
 
+  // A node whose place or direction is not finite, which numbers too large for the arithmetic give,
+  // does not get into the mesh: it is noted, and all of a keyword are told at once.
+  void NoteOverflow(int label);
+  void TellOverflows(const inp_Keyword& keyword, inp_Visitor& messages);
+
   bool m_hasNormals = false;
   bool m_cylindrical = false;
   bool m_spherical = false;
   bool m_threeDimensional = false; // selects the spatial variant of circular generation
+
+private:
+  long long m_overflows = 0;
+  int m_firstOverflow = 0; // its label
 };

@@ -5,7 +5,7 @@
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
-#include <cmath>
+#include <atomic>
 #include <cstdlib>
 
 namespace {
@@ -17,9 +17,20 @@ constexpr long long kMaxLabel = 999999999;
 
 void inpS_NodeReader::Read(const inp_Keyword& keyword, const inpS_System& system,
                            const inpS_NodeSink& sink) {
+  const bool converts = m_cylindrical || m_spherical || !system.IsIdentity();
+  std::atomic<bool> overflowed = false; // the pieces are converted at the same time
   inp_streamNodes(
-      keyword.Data(), [&](const inp_NodePiece& piece) { ConvertPoints(piece.coords, system); },
-      [&](const inp_NodePiece& piece) { TakePiece(keyword, system, piece, sink); });
+      keyword.Data(),
+      [&](const inp_NodePiece& piece) {
+        if (!converts) return;
+        ConvertPoints(piece.coords, system);
+        if (!inpS_isFinite(piece.coords)) overflowed = true;
+      },
+      [&](const inp_NodePiece& piece) {
+        m_mayOverflow = overflowed || (converts && !piece.odd.empty());
+        TakePiece(keyword, system, piece, sink);
+      });
+  TellOverflows(keyword, m_messages);
 }
 
 void inpS_NodeReader::TakePiece(const inp_Keyword& keyword, const inpS_System& system,
@@ -30,6 +41,7 @@ void inpS_NodeReader::TakePiece(const inp_Keyword& keyword, const inpS_System& s
   for (const inp_OddRow& odd : piece.odd)
     if (!ReadOddRow(keyword, system, odd, piece))
       m_unreadable.push_back(static_cast<std::size_t>(odd.slot));
+  if (m_mayOverflow) LeaveOutOverflowed(piece);
   const std::size_t count = Remove(piece);
   sink({piece.labels.first(count), piece.coords.first(3 * count), m_normalAt, m_normals});
 }
@@ -49,7 +61,7 @@ bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, const inpS_System& 
   const int cols = data.Cols(row);
   for (int col = 1; col < cols; ++col) {
     if (!data.HasValue(row, col)) continue;
-    if (col > kValues || !data.IsNumber(row, col) || std::isinf(data.AsDouble(row, col))) {
+    if (col > kValues || !data.IsNumber(row, col)) {
       m_messages.AddError(inp_Utils::MessageAtField(
           keyword, row, col,
           col > kValues ? "A node has at most three coordinates and three normal components."
@@ -64,37 +76,66 @@ bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, const inpS_System& 
   const std::span<double> point = piece.coords.subspan(3 * slot, 3);
   std::copy(values, values + 3, point.begin());
   ConvertPoints(point, system);
-  if (cols > 4) AddNormal(values + 3, slot, system);
+  if (cols > 4 && !AddNormal(values + 3, slot, system))
+    m_messages.AddWarning(inp_Utils::MessageAtField(
+        keyword, row, 4, "The normal has no direction; the node is read without it."));
   return true;
 }
 
+// Of nodes whose numbers all were finite, as read.
+void inpS_NodeReader::LeaveOutOverflowed(const inp_NodePiece& piece) {
+  const std::size_t known = m_unreadable.size();
+  for (std::size_t slot = 0, next = 0; slot < piece.labels.size(); ++slot) {
+    if (next < known && m_unreadable[next] == slot) {
+      ++next;
+      continue;
+    }
+    if (inpS_isFinite(piece.coords.subspan(3 * slot, 3))) continue;
+    NoteOverflow(piece.labels[slot]);
+    m_unreadable.push_back(slot);
+  }
+  std::sort(m_unreadable.begin(), m_unreadable.end());
+}
+
 // The local direction is converted as the coordinates are, scaled to unit length and turned by the
-// current coordinate system.
-void inpS_NodeReader::AddNormal(const double values[3], std::size_t slot,
+// current coordinate system. False for one without a direction.
+bool inpS_NodeReader::AddNormal(const double values[3], std::size_t slot,
                                 const inpS_System& system) {
-  if (values[0] == 0.0 && values[1] == 0.0 && values[2] == 0.0) return;
+  if (values[0] == 0.0 && values[1] == 0.0 && values[2] == 0.0) return true;
   double normal[3] = {values[0], values[1], values[2]};
   ToRectangular(normal);
-  ToUnitLength(normal);
-  system.TransformVector(normal[0], normal[1], normal[2]);
+  if (!ToUnitLength(normal)) return false;
+  // As with points: times one, plus zeros, is not the same for a negative zero.
+  if (!system.IsIdentity()) system.TransformVector(normal[0], normal[1], normal[2]);
   m_normalAt.push_back(slot);
   m_normals.insert(m_normals.end(), normal, normal + 3);
   m_hasNormals = true;
+  return true;
 }
 
 // Closes the gaps that unreadable lines leave; returns how many nodes remain.
 std::size_t inpS_NodeReader::Remove(const inp_NodePiece& piece) {
   if (m_unreadable.empty()) return piece.labels.size();
   std::size_t kept = m_unreadable.front(), next = 0;
+  const auto behind = std::lower_bound(m_normalAt.begin(), m_normalAt.end(), kept);
+  auto normal = static_cast<std::size_t>(behind - m_normalAt.begin()), normalsKept = normal;
   for (std::size_t from = kept; from < piece.labels.size(); ++from) {
-    if (next < m_unreadable.size() && m_unreadable[next] == from) {
+    const bool hasNormal = normal < m_normalAt.size() && m_normalAt[normal] == from;
+    const bool isLeftOut = next < m_unreadable.size() && m_unreadable[next] == from;
+    if (isLeftOut) {
       ++next;
-      continue;
+    } else {
+      piece.labels[kept] = piece.labels[from];
+      std::copy_n(&piece.coords[3 * from], 3, &piece.coords[3 * kept]);
+      if (hasNormal) {
+        m_normalAt[normalsKept] = kept;
+        std::copy_n(&m_normals[3 * normal], 3, &m_normals[3 * normalsKept++]);
+      }
+      ++kept;
     }
-    piece.labels[kept] = piece.labels[from];
-    std::copy_n(&piece.coords[3 * from], 3, &piece.coords[3 * kept]);
-    std::replace(m_normalAt.begin(), m_normalAt.end(), from, kept);
-    ++kept;
+    normal += hasNormal ? 1 : 0;
   }
+  m_normalAt.resize(normalsKept);
+  m_normals.resize(3 * normalsKept);
   return kept;
 }

@@ -21,10 +21,12 @@ private:
                  const inpS_NodeSink& sink);
   bool ReadOddRow(const inp_Keyword& keyword, const inpS_System& system, const inp_OddRow& odd,
                   const inp_NodePiece& piece);
-  void AddNormal(const double values[3], std::size_t slot, const inpS_System& system);
+  void LeaveOutOverflowed(const inp_NodePiece& piece);
+  bool AddNormal(const double values[3], std::size_t slot, const inpS_System& system);
   std::size_t Remove(const inp_NodePiece& piece);
 
   inp_Visitor& m_messages;
+  bool m_mayOverflow = false;         // the piece at hand
   cow_List<std::size_t> m_unreadable; // of the piece at hand
   cow_List<std::size_t> m_normalAt;
   cow_List<double> m_normals;

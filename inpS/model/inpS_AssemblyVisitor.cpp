@@ -6,6 +6,7 @@
 #include "inpS/framework/inpS_System.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
+#include <cmath>
 
 namespace {
 
@@ -105,13 +106,18 @@ bool inpS_AssemblyVisitor::CheckPlacement(const inp_Keyword& keyword) {
       return false;
     }
   }
-  if (!isGiven(data, 1)) return true;
-  double square = 0;
-  for (int i = 0; i < 3; ++i) {
-    const double d = valueAt(data, 1, 3 + i) - valueAt(data, 1, i);
-    square += d * d;
+  const bool turns = isGiven(data, 1);
+  double axis[3] = {};
+  for (int i = 0; turns && i < 3; ++i) axis[i] = valueAt(data, 1, 3 + i) - valueAt(data, 1, i);
+  const double length = std::hypot(axis[0], axis[1], axis[2]);
+  inpS_System placement;
+  placement.ReadInstance(keyword);
+  if (!placement.IsFinite() || !std::isfinite(length)) {
+    Error(keyword, "The numbers of the placement are too large to reckon with; the instance is "
+                   "left out.");
+    return false;
   }
-  if (square < kCoincident * kCoincident)
+  if (turns && length < kCoincident)
     AddWarning(
         inp_Utils::MessageAtRow(keyword, 1, inpS_messageText(inpS_model_RotationAxisDegenerate)));
   return true;

@@ -43,7 +43,7 @@ void inpS_SurfaceLines::ReadNodes() {
     double area = 1; // where the deck gives none, a node stands for a unit of area
     if (!what.empty()) {
       const utl_Field field = utl_classifyField(what);
-      if (!field.IsNumber() || field.IsOutOfRange() || field.real < 0) {
+      if (!field.IsNumber() || field.real < 0) {
         Fault(row, 1, "\"" + cow_String(what) + "\" is no area of a node; the line is left out.");
         continue;
       }

@@ -2,6 +2,7 @@
 #include "base/utl_Assert.h"
 #include "base/utl_Threads.h"
 #include "database/KvoSimGrid.h"
+#include "inpS/framework/inpS_System.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
 #include <numeric>
@@ -234,7 +235,8 @@ KvoSimDistribution inpS_SurfaceNodalAreas::DistributionOf(const KvoSimPosition& 
   return made;
 }
 
-void inpS_SurfaceNodalAreas::Save() {
+cow_List<KvoObjSurface> inpS_SurfaceNodalAreas::Save() {
+  cow_List<KvoObjSurface> leftOut;
   for (const KvoSimPosition& position :
        m_mesh.Position().Context().GetRecords(eds_RecordKind::Surface)) {
     KvoObjSurface surface(position);
@@ -242,10 +244,15 @@ void inpS_SurfaceNodalAreas::Save() {
     const KvoSimPosition owner = surface.Owner();
     Areas areas = Measure(owner, surface.Faces());
     if (areas.nodes.empty()) continue;
+    if (!inpS_isFinite(areas.areas)) {
+      leftOut.push_back(surface);
+      continue;
+    }
     eds_ArrayWriter array(position, eds_ValueType::Double, 1);
     array.Append(std::span<const double>(areas.areas));
     const KvoSimCSet nodes =
         m_mesh.CollectionOf(owner, true).CreateCSet(eds_MemberSet::Ordered(std::move(areas.nodes)));
     surface.SetNodalAreas(DistributionOf(owner), nodes.ID(), array.Finish());
   }
+  return leftOut;
 }

@@ -30,8 +30,9 @@ public:
   Areas Measure(const KvoSimPosition& owner, const cow_List<KvoSurfaceFaces>& surface);
 
   // Measures every element-based surface that has no areas yet and writes them: the part's or the
-  // mesh's distribution gets a drawer for each surface. Inside the caller's transaction.
-  void Save();
+  // mesh's distribution gets a drawer for each surface. Inside the caller's transaction. Returns
+  // the surfaces that get none, since theirs are not finite.
+  cow_List<KvoObjSurface> Save();
 
 private:
   // Elements of one run with one face: `nodes` entries each, from `first` on.

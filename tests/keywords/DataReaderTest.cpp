@@ -18,7 +18,6 @@ TEST(DataReader, Items) {
     double asDouble, doubleOr9;
     const char* text;
   };
-  const double huge = HUGE_VAL;
   const Case cases[] = {
       {-1, false, false, false, 0, 9, 0, 9, ""},
       {0, true, true, false, 7, 7, 7, 7, ""},
@@ -26,7 +25,7 @@ TEST(DataReader, Items) {
       {2, false, false, true, 0, 9, 0, 9, "TOP"},
       {3, false, false, false, 0, 9, 0, 9, ""},
       {4, true, false, false, 0, -150, -150, -150, ""},
-      {5, true, false, false, 0, 2147483647, huge, huge, ""},
+      {5, false, false, true, 0, 9, 0, 9, "1E400"},
       {6, false, false, false, 0, 9, 0, 9, ""}, // behind the last comma
       {7, false, false, false, 0, 9, 0, 9, ""},
   };
