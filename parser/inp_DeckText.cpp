@@ -213,7 +213,8 @@ wip_Place inp_DeckText::PlaceInOrigin(const char* lineBegin, const char* at, int
   const char* const lineEnd = inp_lineFeed(lineBegin, m_impl->end);
   const char *oldAt = old, *stretchEnd = lineEnd, *oldStretchEnd = oldEnd;
   // Values seldom hold commas: field by field, what stands between two of them has its place too.
-  if (std::count(lineBegin, lineEnd, ',') == std::count(old, oldEnd, ',')) {
+  const bool isShort = std::max(lineEnd - lineBegin, oldEnd - old) <= longestCounted;
+  if (isShort && std::count(lineBegin, lineEnd, ',') == std::count(old, oldEnd, ',')) {
     const char* const field = fieldBegin(lineBegin, at);
     for (auto n = std::count(lineBegin, field, ','); n > 0; --n)
       oldAt = std::find(oldAt, oldEnd, ',') + 1;
