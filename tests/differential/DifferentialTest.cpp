@@ -108,7 +108,7 @@ void expectSameNodes(const Rows& rows, const inp_DataArray& data) {
     ASSERT_LT(slot, nodes.labels.Size());
     bool plain = fields[0].IsLabel(), quoted = false;
     for (std::size_t k = 1; k < fields.size(); ++k)
-      plain = plain && (fields[k].kind == PlainField::None || (k < 4 && fields[k].IsFinite()));
+      plain = plain && (fields[k].kind == PlainField::None || (k < 4 && fields[k].IsNumber()));
     for (const PlainField& one : fields) quoted |= one.text.find('"') != std::string::npos;
     if (!plain || quoted) {
       ASSERT_LT(odd, nodes.odd.size()) << "row " << row;
@@ -118,7 +118,7 @@ void expectSameNodes(const Rows& rows, const inp_DataArray& data) {
     if (!quoted) {
       ASSERT_EQ(nodes.labels[slot], fields[0].IsLabel() ? fields[0].integer : 0);
       for (std::size_t k = 1; k < 4; ++k) {
-        const bool given = k < fields.size() && fields[k].IsFinite();
+        const bool given = k < fields.size() && fields[k].IsNumber();
         ASSERT_EQ(bitsOf(nodes.coords[3 * slot + k - 1]), bitsOf(given ? fields[k].real : 0))
             << "row " << row << " field " << k << " " << (given ? fields[k].text : "");
       }
@@ -186,7 +186,7 @@ void expectSameRows(const Rows& rows, const inp_DataArray& data, std::size_t wid
   for (const std::vector<PlainField>& fields : rows) {
     all = all && fields.size() == width;
     for (const PlainField& one : fields) {
-      all = all && one.IsFinite();
+      all = all && one.IsNumber();
       wanted.push_back(bitsOf(one.real));
     }
   }

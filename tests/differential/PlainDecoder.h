@@ -25,9 +25,12 @@ struct PlainField {
     if (first == std::string::npos) return;
     text = written.substr(first, written.find_last_not_of(" \t\r") - first + 1);
     Classify();
+    if (!std::isinf(real)) return;
+    kind = Text; // too large to be a number
+    real = 0;
   }
   bool IsLabel() const { return kind == Integer && std::llabs(integer) <= 999999999; }
-  bool IsFinite() const { return (kind == Integer || kind == Double) && std::isfinite(real); }
+  bool IsNumber() const { return kind == Integer || kind == Double; }
 
 private:
   static std::size_t SkipDigits(const std::string& s, std::size_t at) {
