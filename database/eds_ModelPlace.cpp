@@ -2,6 +2,7 @@
 
 #include "database/eds_Exception.h"
 #include "database/engine/eds_Engine.h"
+#include "database/engine/eds_Journal.h"
 
 namespace fs = std::filesystem;
 
@@ -10,29 +11,18 @@ namespace {
 // Two that replace one model at once take turns; who holds it for long is not waited for.
 constexpr std::chrono::seconds patience{2};
 
-fs::path journalOf(const fs::path& file, const char* ending) {
+fs::path journalOf(const fs::path& file) {
   fs::path journal = file;
-  journal += ending;
+  journal += "-journal";
   return journal;
 }
 
 } // namespace
 
-void eds_requireRegularJournals(const fs::path& file) {
-  for (const char* ending : {"-journal", "-wal", "-shm"}) {
-    const fs::path journal = journalOf(file, ending);
-    std::error_code ignored;
-    if (utl_isTaken(journal) && !fs::is_regular_file(journal, ignored))
-      throw eds_FileAccessException("cannot open \"" + utl_pathText(file) + "\": \"" +
-                                    utl_pathText(journal.filename()) +
-                                    "\" beside it is no regular file");
-  }
-}
-
 eds_ModelPlace::eds_ModelPlace(const fs::path& file) : m_file(file) {
-  eds_requireRegularJournals(file);
+  eds_requireOwnJournals(file);
   if (!utl_isTaken(file)) {
-    utl_removeFile(journalOf(file, "-journal")); // of a model that is gone
+    utl_removeFile(journalOf(file)); // of a model that is gone
     return;
   }
   m_held = std::make_unique<eds_Engine>();
@@ -77,7 +67,7 @@ void eds_ModelPlace::GiveTo(const fs::path& model, utl_IfExists ifExists) {
 #ifdef _WIN32
   m_held.reset(); // an open file keeps its name there
 #endif
-  utl_removeFile(journalOf(m_file, "-journal")); // of what was no model
+  utl_removeFile(journalOf(m_file)); // of what was no model
   utl_renameFile(model, m_file, ifExists);
   m_held.reset();
 }

@@ -34,7 +34,3 @@ private:
   std::filesystem::path m_file;
   std::unique_ptr<eds_Engine> m_held; // null: nothing there, or no model
 };
-
-// Throws eds_FileAccessException when something other than a regular file has the name of one of
-// the file's journals: to open it would wait for ever, or do harm.
-void eds_requireRegularJournals(const std::filesystem::path& file);

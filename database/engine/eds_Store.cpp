@@ -4,6 +4,7 @@
 #include "database/eds_Exception.h"
 #include "database/eds_ModelPlace.h"
 #include "database/engine/eds_Format.h"
+#include "database/engine/eds_Journal.h"
 #include <algorithm>
 
 namespace {
@@ -113,7 +114,7 @@ void eds_Store::CreateInMemory() {
 
 // A file whose writer died is put back to its last whole transaction before anybody reads it.
 void eds_Store::Recover(const std::filesystem::path& file) {
-  eds_requireRegularJournals(file);
+  eds_requireOwnJournals(file);
   std::filesystem::path journal = file;
   journal += "-journal";
   if (!utl_exists(journal)) return;

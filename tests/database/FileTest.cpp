@@ -468,6 +468,31 @@ TEST(File, NobodyElseTakesTheNameOfAModelUnderWay) {
   }
 }
 
+// A sound model put where another's writer was killed is not rolled back by that one's journal.
+TEST(File, JournalOfAnotherModelIsTold) {
+  int tried = 0;
+  for (int round = 0; round < 400 && tried < 4; ++round) {
+    const TemporaryFolder folder;
+    const fs::path file = folder / "m.sim";
+    inChild([&] { return writeForEver(file); }, static_cast<useconds_t>(20000 + 331 * round), file);
+    if (std::ifstream(folder / "m.sim-journal", std::ios::binary).get() != 0xd9) continue;
+    {
+      KvoObjDocument other = KvoObjDocument::Create(folder / "other.sim");
+      for (int i = 0; i < 200; ++i) addRecord(other, i);
+      other.Finish();
+    }
+    fs::rename(folder / "other.sim", file);
+    const uintmax_t size = fs::file_size(file);
+    ++tried;
+    EXPECT_THROW(KvoObjDocument::Open(file, KvoAccess::ReadOnly), eds_FileAccessException);
+    EXPECT_THROW(KvoObjDocument::CreateReplacing(file), eds_FileAccessException);
+    EXPECT_EQ(fs::file_size(file), size);
+    fs::remove(folder / "m.sim-journal");
+    EXPECT_EQ(eds_checkModel(KvoObjDocument::Open(file, KvoAccess::ReadOnly)), eds_Faults());
+  }
+  EXPECT_EQ(tried, 4);
+}
+
 TEST(File, JournalThatIsNoFileIsTold) {
   const TemporaryFolder folder;
   const fs::path file = folder / "m.sim";
