@@ -55,7 +55,7 @@ void inpS_ElementConnectivity::AppendStreamed(std::span<const int> ordinals,
                                               std::span<const inpS_OpenEntry> open) {
   inpS_ElementBlock& block = m_blocks.back();
   for (const inpS_OpenEntry& entry : open)
-    block.open.push_back({block.count * block.width + entry.entry, entry.label});
+    block.open.push_back({block.count * block.width + entry.entry, entry.label, entry.element});
   m_writer->Append(ordinals);
   block.count += static_cast<long long>(ordinals.size()) / block.width;
 }
@@ -230,14 +230,14 @@ void inpS_ElementConnectivity::GatherOpen(const inpS_ElementBlock& block,
     unresolved.from = &from;
     auto& [at, unknown, faulty, firstUnknown, firstFaulty] = unresolved;
     for (; next < block.open.size() && block.open[next].entry < end * block.width; ++next) {
-      const auto& [entry, label] = block.open[next];
+      const auto& [entry, label, known] = block.open[next];
       const long long element = block.first + entry / block.width;
       if (label > 0) {
         if (unknown.empty()) firstUnknown = label;
         unknown.insert(label);
-      } else if (element < elements.Size(elementOccurrence)) {
+      } else if (known != 0 || element < elements.Size(elementOccurrence)) {
         if (faulty.empty()) firstFaulty = label;
-        faulty.insert(elements.GetInstanceLabel(elementOccurrence, element));
+        faulty.insert(known != 0 ? known : elements.GetInstanceLabel(elementOccurrence, element));
       }
     }
   }

@@ -16,6 +16,7 @@ struct inpS_MadeElements;
 struct inpS_OpenEntry {
   long long entry;
   int label;
+  int element = 0; // label of the element; 0: its ordinal tells it
 };
 
 // A run of elements of one type and width, stored as ordinals of the owner's nodes (-1: no node).

@@ -32,11 +32,18 @@ private:
     cow_List<inpS_OpenEntry> open;
     cow_List<int> labels;
   };
+  // What can be read of a piece with a fault: as many node labels for each as the type has.
+  struct Readable {
+    cow_List<int> labels;
+    cow_List<int> counts; // nodes that are given
+    cow_List<int> nodes;
+  };
   void Translate(const inp_ElementPiece& piece, const KvoObjLabeler& nodes, int occurrence,
                  Found& found) const;
-  void Take(const inp_Keyword& keyword, const inp_ElementPiece& piece, const Found& found,
-            const Sink& sink);
-  void Report(const inp_Keyword& keyword, const inp_ElementPiece& piece);
+  static void Translate(std::span<const int> elements, std::span<int> all,
+                        const KvoObjLabeler& nodes, int occurrence, Found& found);
+  Readable ReadFaulty(const inp_Keyword& keyword, const inp_ElementPiece& piece);
+  void Add(int label, std::span<const int> nodes, Readable& readable);
 
   const inpS_ElementParameters& m_type;
   inp_Visitor& m_messages;
