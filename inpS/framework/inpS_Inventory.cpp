@@ -196,7 +196,7 @@ void inpS_Inventory::VisitHeatTransfer(const inp_Keyword& keyword) {
 }
 
 void inpS_Inventory::VisitHeading(const inp_Keyword& keyword) {
-  if (keyword.Data().Rows() == 0) return;
+  if (keyword.Data().Rows() == 0 || keyword.IsInstanceCopy()) return;
   if (keyword.Data().Cols(0) != 1) utl_assertionFailed("keyword.data.Cols(0) == 1");
   m_heading = keyword.Data().Text();
 }

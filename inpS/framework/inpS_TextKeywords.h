@@ -7,8 +7,9 @@ struct inp_KeywordBody;
 
 // Where a keyword that is kept as text belongs.
 struct inpS_TextPlace {
-  KvoSimPosition owner;  // null: what its scope belongs to
-  KvoSimPosition behind; // of what the owner holds; the owner itself: before all; null: behind all
+  KvoSimPosition owner;   // null: what its scope belongs to
+  KvoSimPosition behind;  // of what the owner holds; the owner itself: before all; null: behind all
+  bool isLeftOut = false; // its owner has been replaced: it is not kept
 };
 
 // Keywords of converted kinds that their phase left to be kept as text.

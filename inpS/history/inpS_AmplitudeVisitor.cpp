@@ -128,7 +128,7 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   inpS_readParameters(keyword, form.parameters, record, *this);
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
     m_text.try_emplace(suboption.Body().get(), inpS_TextPlace{amplitude, {}});
-    m_suboptions.emplace(amplitude.Object().Packed(), suboption.Body().get());
+    m_suboptions.emplace(amplitude.Object().Packed(), suboption);
   }
   keyword.Find("input"); // the parser has read that file's lines
   CheckWidths(keyword, form);
@@ -171,13 +171,16 @@ void inpS_AmplitudeVisitor::GatherFormerTexts() {
   }
 }
 
-// With all that it holds: table, terms, and texts that an earlier conversion kept with it. Those of
-// this deck stay with the model.
+// With all that it holds: table, terms, and its texts of this deck and of an earlier conversion.
 void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
   GatherFormerTexts();
   const auto packed = amplitude.Object().Packed();
   const auto suboptions = m_suboptions.equal_range(packed);
-  for (auto at = suboptions.first; at != suboptions.second; ++at) m_text[at->second] = {};
+  for (auto at = suboptions.first; at != suboptions.second; ++at) {
+    m_text[at->second.Body().get()].isLeftOut = true;
+    Warning(at->second, "The amplitude of this *" + at->second.Name() +
+                            " is defined again; it is left out with it.");
+  }
   m_suboptions.erase(packed);
   const auto texts = m_formerTexts.equal_range(packed);
   for (auto at = texts.first; at != texts.second; ++at) at->second.Remove();
@@ -355,8 +358,20 @@ void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
 // What stands below it belongs to no other amplitude: it stays with the model.
 void inpS_AmplitudeVisitor::Ignore(const inp_Keyword& keyword) {
   keyword.ReferAll();
-  for (const inp_Keyword& suboption : keyword.Suboptions())
+  for (const inp_Keyword& suboption : keyword.Suboptions()) {
     m_text.try_emplace(suboption.Body().get());
+    TellOfStray(suboption, "the one before it has no name");
+  }
+}
+
+void inpS_AmplitudeVisitor::TellOfStray(const inp_Keyword& keyword, const char* why) {
+  Warning(keyword,
+          "*" + keyword.Name() + " belongs to an amplitude, and " + why + "; it is kept as text.");
+}
+
+void inpS_AmplitudeVisitor::VisitBaselineCorrection(const inp_Keyword& keyword) {
+  if (!keyword.IsInstanceCopy() && keyword.ParentKind() == inp_NullKeyword)
+    TellOfStray(keyword, "it stands behind none");
 }
 
 void inpS_AmplitudeVisitor::KeepAsText(const inp_Keyword& keyword) {

@@ -18,6 +18,7 @@ public:
   static bool IsModelled(const inp_Keyword& keyword);
 
   void VisitAmplitude(const inp_Keyword& keyword) override;
+  void VisitBaselineCorrection(const inp_Keyword& keyword) override;
 
   // What was left to be kept as text (the model's own: null positions).
   const inpS_TextKeywords& KeptAsText() const { return m_text; }
@@ -39,12 +40,13 @@ private:
   double ValueAt(const inp_Keyword& keyword, long long row, int col);
   void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);
   void Ignore(const inp_Keyword& keyword);
+  void TellOfStray(const inp_Keyword& keyword, const char* why);
   void KeepAsText(const inp_Keyword& keyword);
 
   const inpS_Inventory& m_inventory;
   inpS_TextKeywords m_text;
   // By amplitude: sub-options of this deck, and texts that an earlier conversion kept with it.
-  std::unordered_multimap<unsigned long long, const inp_KeywordBody*> m_suboptions;
+  std::unordered_multimap<unsigned long long, inp_Keyword> m_suboptions;
   std::unordered_multimap<unsigned long long, KvoSimPosition> m_formerTexts;
   bool m_hasFormerTexts = false;
 };

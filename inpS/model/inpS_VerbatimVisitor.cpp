@@ -1,5 +1,6 @@
 #include "inpS/model/inpS_VerbatimVisitor.h"
 #include "database/KvoObjDocument.h"
+#include "database/KvoObjMesh.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
@@ -11,24 +12,52 @@ namespace {
 
 constexpr int kHistoryBlock = 29;
 constexpr int kFirstBlock = 1;
+constexpr int kMaterials = 16;
+constexpr int kGasketBehaviors = 17;
 
-// The writer gives back the nodes and elements of mesh keywords, not the keywords: one that brings
-// none is not written, and what stood behind it then stands behind the one before.
-bool leavesNothing(const inp_Keyword& keyword) {
-  switch (keyword.Kind()) {
-  case inp_KwSystem:
-    return true;
-  case inp_KwNode:
-  case inp_KwElement:
-  case inp_KwAssemblyElement:
-    break;
+bool writesNodes(const KvoObjMesh& mesh, const KvoSimPosition& owner, long long ofPart) {
+  return std::ranges::any_of(mesh.NodeBlocks(owner), [ofPart](const KvoMeshNodeBlock& block) {
+    return block.first >= ofPart && block.generated < block.count;
+  });
+}
+
+bool writesElements(const KvoObjMesh& mesh, const KvoSimPosition& owner, long long ofPart) {
+  return std::ranges::any_of(mesh.ElementBlocks(owner), [ofPart](const KvoMeshElementBlock& block) {
+    return block.first >= ofPart;
+  });
+}
+
+// Whether the writer gives anything of what has been converted in this block of a scope: it writes
+// what the model holds, not the keywords that brought it, and some of that at the model's level
+// only. Unknown keywords behind a material are the material's own.
+bool writes(const KvoObjDocument& document, const KvoSimPosition& owner, int block) {
+  const KvoObjMesh mesh = document.GetMesh();
+  const bool isModel = owner.IsA(eds_RecordKind::Model);
+  KvoSimPosition part;
+  if (owner.IsA(eds_RecordKind::Instance))
+    part = owner.DataRecord().GetReference(eds_Instance_Part);
+  const auto ofPart = [&part](int field) {
+    return part.IsNull() ? 0LL : static_cast<long long>(part.DataRecord().GetInt64(field));
+  };
+  const auto holds = [&owner](eds_Member member) { return !owner.FollowMap(member).empty(); };
+  switch (block) {
+  case 3:
+    return !mesh.IsNull() && writesNodes(mesh, owner, ofPart(eds_Part_NodeCount));
+  case 4:
+    return holds(eds_Member::NodeSets) || holds(eds_Member::InternalNodeSets);
+  case 5:
+    return !mesh.IsNull() && writesElements(mesh, owner, ofPart(eds_Part_ElementCount));
+  case 6:
+    return holds(eds_Member::ElementSets) || holds(eds_Member::InternalElementSets);
+  case 10:
+    return holds(eds_Member::Surfaces) || holds(eds_Member::InternalSurfaces);
+  case 13:
+    return isModel && holds(eds_Member::Amplitudes);
+  case 14:
+    return isModel && !owner.Follow(eds_Member::PhysicalConstants).IsNull();
   default:
     return false;
   }
-  const inp_DataArray& data = keyword.Data();
-  for (long long row = 0; row < data.Rows(); ++row)
-    if (data.Cols(row) > 0) return false;
-  return true;
 }
 
 const char* levelUnder(const KvoSimPosition& owner) {
@@ -101,21 +130,23 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     // else.
     if (keyword.Scope().kind != inp_Scope::Kind::Model) m_block = 0;
   }
+  const int before = m_block;
   const int block = BlockOf(keyword);
   if (IsModelled(keyword)) return;
-  if (m_isRestart && keyword.Kind() == inp_KwRestart && keyword.HasParameter("read")) {
-    keyword.ReferAll(); // it has been carried out: the model is whole now
+  keyword.ReferAll();
+  const bool isDone = m_isRestart && keyword.Kind() == inp_KwRestart &&
+                      keyword.HasParameter("read"); // the model is whole now
+  const inpS_TextPlace* told = AsText(keyword);
+  if (isDone || (told && told->isLeftOut) || IsLeftOut(keyword) || IsTooLong(keyword)) {
+    m_block = before; // it takes nothing along
     return;
   }
-  keyword.ReferAll();
-  if (IsLeftOut(keyword) || IsTooLong(keyword)) return;
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (!row || row->role != inp_KeywordRole::Close) Count(keyword); // the opening one speaks for it
 
   const KvoObjDocument& document = m_inventory.GetDocument();
   KvoSimTransaction transaction(document.ContextID());
   Place place = m_place;
-  const inpS_TextPlace* told = AsText(keyword);
   if (told && !told->owner.IsNull()) place = {told->owner, levelUnder(told->owner)};
   // The texts of a step stand in its order, where another amplitude would take it over.
   const bool isStep = keyword.Scope().kind == inp_Scope::Kind::Step;
@@ -160,14 +191,12 @@ bool inpS_VerbatimVisitor::IsLeftOut(const inp_Keyword& keyword) {
   return true;
 }
 
-// A behaviour outside of any material, a sub-option of an amplitude that has been replaced: behind
-// the others of their block they would be taken for the last one's.
+// A behaviour outside of any material, a sub-option of an amplitude without a name: behind the
+// others of their block they would be taken for the last one's.
 bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
   const auto isOfMaterials = [](inp_KeywordEnm kind) {
-    constexpr int materials = 16;
-    constexpr int gasketBehaviors = 17;
     const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(kind);
-    return row && (row->block == materials || row->block == gasketBehaviors);
+    return row && (row->block == kMaterials || row->block == kGasketBehaviors);
   };
   const bool single = keyword.ParentKind() == inp_NullKeyword;
   const auto ownerless = [&] {
@@ -180,11 +209,12 @@ bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
   return single || (isOfMaterials(keyword.ParentKind()) && ownerless());
 }
 
-// A sub-option goes where its keyword goes, an unknown keyword where the one before it went.
+// A sub-option goes where its keyword goes, an unknown keyword behind what is written before it:
+// the written deck, read again, has it in the same block.
 int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
+  const inpS_TextPlace* told = AsText(keyword);
   if (keyword.Scope().kind == inp_Scope::Kind::Step) {
     m_block = kHistoryBlock;
-    const inpS_TextPlace* told = AsText(keyword);
     if (!told || keyword.Kind() != inp_KwBaselineCorrection) return m_block;
     if (told->owner.IsNull()) return kFirstBlock;
     return inp_KeywordTable::Instance().Row(inp_KwAmplitude)->block; // wherever it stands
@@ -196,10 +226,25 @@ int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
     return kFirstBlock;
   }
   if (IsStray(keyword)) return kFirstBlock; // what follows goes on where it was
-  if (keyword.Kind() == inp_UnknownKeyword || keyword.IsSuboption() || leavesNothing(keyword))
-    return m_block = m_block == 0 ? kFirstBlock : m_block;
-  const int block = inp_KeywordTable::Instance().Row(keyword.Kind())->block;
-  return m_block = block == 0 ? kFirstBlock : block;
+  const bool goesAlong = kind == inp_UnknownKeyword || keyword.IsSuboption();
+  if (!goesAlong) m_ownBlock = std::max(kFirstBlock, inp_KeywordTable::Instance().Row(kind)->block);
+  if (told && !told->owner.IsNull()) {
+    if (told->owner.IsA(eds_RecordKind::Material)) return kMaterials;
+    if (told->owner.IsA(eds_RecordKind::GasketBehavior)) return kGasketBehaviors;
+    return m_ownBlock;
+  }
+  if (!goesAlong && IsWrittenHere(keyword)) m_block = m_ownBlock;
+  return m_block = std::max(kFirstBlock, m_block);
+}
+
+// Whether the deck that is written has something of the keyword's block in its scope.
+bool inpS_VerbatimVisitor::IsWrittenHere(const inp_Keyword& keyword) {
+  if (!IsModelled(keyword)) return true;
+  if (inp_KeywordTable::Instance().Row(keyword.Kind())->role == inp_KeywordRole::Close) return true;
+  const auto [known, isNew] =
+      m_written.try_emplace({m_place.owner.Object().Packed(), m_ownBlock}, false);
+  if (isNew) known->second = writes(m_inventory.GetDocument(), m_place.owner, m_ownBlock);
+  return known->second;
 }
 
 inpS_VerbatimVisitor::Place inpS_VerbatimVisitor::PlaceOf(const inp_Scope& scope) {

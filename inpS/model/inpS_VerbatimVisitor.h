@@ -42,6 +42,7 @@ private:
   bool IsStray(const inp_Keyword& keyword) const;
   Place PlaceOf(const inp_Scope& scope);
   int BlockOf(const inp_Keyword& keyword);
+  bool IsWrittenHere(const inp_Keyword& keyword);
   const inpS_TextPlace* AsText(const inp_Keyword& keyword) const; // null: not among them
   void Count(const inp_Keyword& keyword);
 
@@ -54,7 +55,9 @@ private:
   const inp_Scope* m_scope = nullptr;                   // of the keyword before
   inp_ScopePtr m_scopeHeld;
   Place m_place{};
-  int m_block = 0;
+  int m_block = 0;    // of the scope, that of what is written before
+  int m_ownBlock = 0; // of the last keyword that goes with no other one
+  cow_Map<std::pair<unsigned long long, int>, bool> m_written;  // by owner and block
   cow_Map<std::pair<unsigned long long, int>, int> m_positions; // by owner and block
   cow_List<inpS_NotModelled> m_kept;
   cow_List<inp_Keyword> m_firsts;
