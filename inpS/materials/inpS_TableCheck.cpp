@@ -109,6 +109,13 @@ private:
     return {};
   }
 
+  // A blank line that may be one: what its zeros mean is held against the rules as if they stood
+  // there.
+  bool IsRowOfZeros(int row) const { return IsBlank(row) && FirstMissing(row).empty(); }
+  bool IsGiven(int row, int number) const {
+    return m_table.IsColumnSpecified(row, number) || IsRowOfZeros(row);
+  }
+
   int FirstVariable() const { return m_state + (m_table.HasTemperatureColumn() ? 1 : 0); }
   cow_String StateName(int number) const {
     if (number < FirstVariable()) return "temperature";
@@ -118,7 +125,7 @@ private:
   void CheckRange(const Column& column, int number) {
     int told = 0;
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
-      if (!m_table.IsColumnSpecified(row, number)) continue;
+      if (!IsGiven(row, number)) continue;
       const double value = Value(row, number);
       const bool low = column.lowOpen ? value > column.low : value >= column.low;
       const bool high = column.highOpen ? value < column.high : value <= column.high;
@@ -147,8 +154,7 @@ private:
     const bool open = low ? column.lowColumnOpen : column.highColumnOpen;
     int told = 0;
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
-      if (!m_table.IsColumnSpecified(row, number) || !m_table.IsColumnSpecified(row, other))
-        continue;
+      if (!IsGiven(row, number) || !IsGiven(row, other)) continue;
       const double value = Value(row, number);
       const double bound = Value(row, other);
       const double ahead = low ? value - bound : bound - value;
@@ -194,7 +200,7 @@ private:
     for (int row = 1; row < m_table.NumRows() && told < kMostTold; ++row) {
       int number = m_table.NumCols() - 1;
       while (number >= m_state && Value(row, number) == Value(row - 1, number)) --number;
-      if (IsBlank(row)) continue; // told
+      if (IsBlank(row) && !IsRowOfZeros(row)) continue; // an error by itself
       if (number < m_state) {
         if (repeats) continue;
         Tell(row, 0,
