@@ -228,10 +228,13 @@ void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) 
 void inp_KeywordReader::Add(inp_Parameter parameter, std::string_view spelt, const Line& line) {
   for (const inp_Parameter& other : m_body->parameters) {
     if (other.name != parameter.name) continue;
-    if (other.value.AsString() == parameter.value.AsString()) return;
+    const bool same = other.value.AsString() == parameter.value.AsString();
+    if (same && !namesFile(parameter.name)) return;
     const std::string_view token(parameter.at, static_cast<std::size_t>(parameter.width));
-    m_errors.push_back(Message(
-        "parameter " + quoted(spelt) + " is given twice with different values", token, line));
+    // A file is read once: when the keyword is written with its lines, the other would come again.
+    m_errors.push_back(Message("parameter " + quoted(spelt) + " is given twice" +
+                                   (same ? "; its file is read once" : " with different values"),
+                               token, line));
     return;
   }
   m_body->parameters.push_back(std::move(parameter));
