@@ -11,28 +11,18 @@ namespace {
 // Two that replace one model at once take turns; who holds it for long is not waited for.
 constexpr std::chrono::seconds patience{2};
 
-fs::path journalOf(const fs::path& file) {
-  fs::path journal = file;
-  journal += "-journal";
-  return journal;
-}
-
 } // namespace
 
 eds_ModelPlace::eds_ModelPlace(const fs::path& file) : m_file(file) {
   eds_requireOwnJournals(file);
   if (!utl_isTaken(file)) {
-    utl_removeFile(journalOf(file)); // of a model that is gone
+    utl_removeFile(eds_journalOf(file)); // of a model that is gone
     return;
   }
   m_held = std::make_unique<eds_Engine>();
   try {
     m_held->SetPatience(patience);
-    m_held->Open(file, eds_OpenMode::Durable);
-    m_held->QueryInt("SELECT count(*) FROM sqlite_schema");
-    // An idle journal goes on the way from mode to mode.
-    m_held->Execute("PRAGMA journal_mode = PERSIST");
-    m_held->Execute("PRAGMA journal_mode = DELETE");
+    m_held->OpenRecovered(file);
     Hold();
   } catch (const eds_InUseException&) {
     throw;
@@ -67,7 +57,7 @@ void eds_ModelPlace::GiveTo(const fs::path& model, utl_IfExists ifExists) {
 #ifdef _WIN32
   m_held.reset(); // an open file keeps its name there
 #endif
-  utl_removeFile(journalOf(m_file)); // of what was no model
+  utl_removeFile(eds_journalOf(m_file)); // of what was no model
   utl_renameFile(model, m_file, ifExists);
   m_held.reset();
 }

@@ -13,7 +13,7 @@ class eds_Engine;
 class eds_ModelPlace {
 public:
   // Throws eds_InUseException when another process writes what is there, and
-  // eds_FileAccessException when its journal is no regular file.
+  // eds_FileAccessException when what lies there as its journal is not its own.
   explicit eds_ModelPlace(const std::filesystem::path& file);
   ~eds_ModelPlace();
   eds_ModelPlace(const eds_ModelPlace&) = delete;

@@ -72,6 +72,14 @@ void eds_Engine::Open(const std::filesystem::path& file, eds_OpenMode mode) {
   Execute("PRAGMA temp_store = MEMORY");
 }
 
+void eds_Engine::OpenRecovered(const std::filesystem::path& file) {
+  Open(file, eds_OpenMode::Durable);
+  QueryInt("SELECT count(*) FROM sqlite_schema");
+  // A journal that is idle is deleted on the way from mode to mode.
+  Execute("PRAGMA journal_mode = PERSIST");
+  Execute("PRAGMA journal_mode = DELETE");
+}
+
 void eds_Engine::ReserveChecksums() {
   if (m_mode == eds_OpenMode::Memory) return;
   const int code = eds_reservePageChecksums(m_database);

@@ -69,6 +69,8 @@ public:
   eds_Engine& operator=(const eds_Engine&) = delete;
 
   void Open(const std::filesystem::path& file, eds_OpenMode mode);
+  // For writing, put back to its last whole transaction and without a journal.
+  void OpenRecovered(const std::filesystem::path& file);
   void Close();
   // Before anything is in a new file: its pages shall end with a checksum.
   void ReserveChecksums();

@@ -1,6 +1,7 @@
 #include "database/engine/eds_Format.h"
 #include "base/utl_File.h"
 #include "database/eds_Exception.h"
+#include "database/engine/eds_Journal.h"
 #include "database/engine/eds_PageChecksums.h"
 #include "database/schema/eds_Schema.h"
 #include <algorithm>
@@ -172,10 +173,6 @@ void writeNames(eds_Engine& engine) {
   }
 }
 
-uint32_t bigEndian(const unsigned char* bytes) {
-  return uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 | bytes[3];
-}
-
 // The marks of the engine's header that say how pages are read: with these changed, no page would
 // be held against its checksum.
 void checkPages(const cow_String& name, const unsigned char* header) {
@@ -219,7 +216,7 @@ Length lengthOf(const std::filesystem::path& file) {
   const Head head = headOf(file);
   int64_t pageSize = head.header[16] << 8 | head.header[17];
   if (pageSize == 1) pageSize = 65536;
-  return {head.fileBytes, pageSize * bigEndian(head.header + 28)};
+  return {head.fileBytes, pageSize * eds_bigEndian(head.header + 28)};
 }
 
 } // namespace
@@ -300,9 +297,9 @@ void eds_checkHeader(const std::filesystem::path& file) {
     throw eds_NotOurFileException(name + " is not a model database");
   if (head.read < std::streamsize{sizeof head.header})
     throw eds_DamagedFileException(name + " is truncated");
-  if (bigEndian(header + 68) != static_cast<uint32_t>(eds_applicationID))
+  if (eds_bigEndian(header + 68) != static_cast<uint32_t>(eds_applicationID))
     throw eds_NotOurFileException(name + " is a database of another program");
-  const uint32_t version = bigEndian(header + 60);
+  const uint32_t version = eds_bigEndian(header + 60);
   if (version > static_cast<uint32_t>(eds_formatVersion)) {
     throw eds_NewerFormatException(name + " has format " + std::to_string(version) +
                                    ", written by a newer version; this one reads formats up to " +

@@ -19,10 +19,6 @@ constexpr std::size_t pagesAt = 28;     // in the file's header: how many there 
 constexpr std::size_t counterAt = 24; // in the first page of a file: changes with its transactions
 constexpr uint32_t mostSector = 65536;
 
-uint32_t bigEndian(const unsigned char* bytes) {
-  return uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 | bytes[3];
-}
-
 bool read(std::ifstream& stream, std::vector<unsigned char>& bytes) {
   return static_cast<bool>(stream.read(reinterpret_cast<char*>(bytes.data()),
                                        static_cast<std::streamsize>(bytes.size())));
@@ -48,21 +44,21 @@ std::optional<Before> readJournal(const fs::path& journal) {
   std::ifstream stream(journal, std::ios::binary);
   std::vector<unsigned char> header(headerBytes);
   if (!read(stream, header) || std::memcmp(header.data(), magic, sizeof magic) != 0) return {};
-  const uint32_t records = bigEndian(&header[8]);
-  const uint32_t nonce = bigEndian(&header[12]);
-  const uint32_t sector = bigEndian(&header[20]);
-  const uint32_t pageSize = bigEndian(&header[24]);
+  const uint32_t records = eds_bigEndian(&header[8]);
+  const uint32_t nonce = eds_bigEndian(&header[12]);
+  const uint32_t sector = eds_bigEndian(&header[20]);
+  const uint32_t pageSize = eds_bigEndian(&header[24]);
   if (sector > mostSector || pageSize < 512 || pageSize > 65536) return {};
   Before before;
-  before.pages = bigEndian(&header[16]);
+  before.pages = eds_bigEndian(&header[16]);
   before.unsynced = records == 0xffffffff;
   stream.seekg(sector);
   std::vector<unsigned char> record(std::size_t{pageSize} + 8); // number, page, sum
   for (uint32_t n = 0; n < records && !before.hasCounter && read(stream, record); ++n) {
     const unsigned char* page = &record[4];
-    if (bigEndian(page + pageSize) != sumOf(page, pageSize, nonce)) break;
-    before.hasCounter = bigEndian(&record[0]) == 1;
-    before.counter = bigEndian(page + counterAt);
+    if (eds_bigEndian(page + pageSize) != sumOf(page, pageSize, nonce)) break;
+    before.hasCounter = eds_bigEndian(&record[0]) == 1;
+    before.counter = eds_bigEndian(page + counterAt);
   }
   return before;
 }
@@ -101,6 +97,12 @@ bool isFinished(const fs::path& file) {
 
 } // namespace
 
+fs::path eds_journalOf(const fs::path& file) {
+  fs::path journal = file;
+  journal += "-journal";
+  return journal;
+}
+
 void eds_requireOwnJournals(const fs::path& file) {
   for (const char* ending : {"-journal", "-wal", "-shm"}) {
     fs::path journal = file;
@@ -111,15 +113,14 @@ void eds_requireOwnJournals(const fs::path& file) {
                                     utl_pathText(journal.filename()) +
                                     "\" beside it is no regular file");
   }
-  fs::path journal = file;
-  journal += "-journal";
+  const fs::path journal = eds_journalOf(file);
   if (!utl_exists(journal)) return;
   const std::optional<Before> before = readJournal(journal);
   std::vector<unsigned char> head(pagesAt + 4);
   std::ifstream stream(file, std::ios::binary);
   if (!before || !read(stream, head)) return; // an empty file has nothing to lose
   // Only who makes a model does not wait for the disk, and its last transaction does.
-  if (!canBelong(*before, bigEndian(&head[counterAt]), bigEndian(&head[pagesAt])) ||
+  if (!canBelong(*before, eds_bigEndian(&head[counterAt]), eds_bigEndian(&head[pagesAt])) ||
       (before->unsynced && isFinished(file)))
     throw eds_FileAccessException("cannot open \"" + utl_pathText(file) + "\": \"" +
                                   utl_pathText(journal.filename()) +

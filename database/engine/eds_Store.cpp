@@ -53,8 +53,7 @@ void eds_Store::StartEmpty() {
 // one from its first instant.
 void eds_Store::LayDown(const std::filesystem::path& file) {
   m_temporary = utl_temporaryBeside(file);
-  m_temporaryJournal = m_temporary;
-  m_temporaryJournal += "-journal";
+  m_temporaryJournal = eds_journalOf(m_temporary);
   m_path = file;
   m_engine.SetShownFile(file);
   m_engine.Open(m_temporary, eds_OpenMode::New);
@@ -115,16 +114,10 @@ void eds_Store::CreateInMemory() {
 // A file whose writer died is put back to its last whole transaction before anybody reads it.
 void eds_Store::Recover(const std::filesystem::path& file) {
   eds_requireOwnJournals(file);
-  std::filesystem::path journal = file;
-  journal += "-journal";
-  if (!utl_exists(journal)) return;
+  if (!utl_exists(eds_journalOf(file))) return;
   eds_Engine engine;
   try {
-    engine.Open(file, eds_OpenMode::Durable);
-    engine.QueryInt("SELECT count(*) FROM sqlite_schema");
-    // One that is idle is deleted on the way from mode to mode.
-    engine.Execute("PRAGMA journal_mode = PERSIST");
-    engine.Execute("PRAGMA journal_mode = DELETE");
+    engine.OpenRecovered(file);
   } catch (const eds_FileAccessException&) {
     // Not permitted to write: the journal may be an idle one, and the file readable as it is.
   }
