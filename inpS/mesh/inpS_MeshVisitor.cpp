@@ -8,6 +8,7 @@
 #include "inpS/framework/inpS_UnusedLines.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
+#include "inpS/mesh/inpS_BaseSurfaces.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElementStream.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
@@ -84,7 +85,7 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   for (const inp_Keyword& keyword : keywords)
     if (!isOfParts(keyword)) Visit(keyword);
   Finish(keywords);
-  TellOfSurfaces();
+  inpS_tellOfBaseSurfaces(m_inventory.GetDocument(), m_scopes, *this);
   ReportUnreferredParameters(keywords, ModelledKinds());
   inpS_reportUnusedLines(keywords, {inp_KwElcopy}, *this);
 }
@@ -580,31 +581,6 @@ void inpS_MeshVisitor::SaveMeshAndUserElements(KvoSimTransaction&) {
   cow_List<KvoSimPosition> specs;
   for (const ElementType& type : m_types) specs.push_back(type.spec);
   inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveElements(specs);
-}
-
-// A surface of the base keeps the faces and nodes that its sets gave when it was read.
-void inpS_MeshVisitor::TellOfSurfaces() {
-  if (!m_scopes.Root().isStored) return;
-  cow_Map<unsigned long long, cow_String> surfaces; // by the set they name
-  const KvoSimContext context = m_inventory.GetDocument().Context();
-  for (const KvoSimPosition& piece : context.GetRecords(eds_RecordKind::SurfacePiece)) {
-    const KvoSimDataRecord record = piece.DataRecord();
-    const KvoSimPosition source = record.GetReference(eds_SurfacePiece_Source);
-    if (source.IsNull()) continue;
-    const KvoSimPosition surface = record.GetReference(eds_SurfacePiece_Surface);
-    surfaces.emplace(source.Object().Packed(), surface.DataRecord().ReturnString(eds_Surface_Name));
-  }
-  for (const inpS_MeshScope& scope : m_scopes.All())
-    for (const inpS_SetDefinition& set : scope.sets.All()) {
-      if (set.isStored || !scope.isStored || set.keywords.empty()) continue;
-      const KvoSimPosition stored =
-          scope.owner.FollowStringKey(inpS_MeshStore::MemberOf(set), set.name);
-      const auto known = stored.IsNull() ? surfaces.end() : surfaces.find(stored.Object().Packed());
-      if (known != surfaces.end())
-        Warning(set.keywords.back(), "Set \"" + set.name + "\" grows; surface \"" + known->second +
-                                         "\" of the model that is restarted, which names it, "
-                                         "keeps what it had.");
-    }
 }
 
 void inpS_MeshVisitor::SaveSets(KvoSimTransaction&) {

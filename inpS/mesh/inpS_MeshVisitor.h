@@ -86,7 +86,6 @@ private:
   void CompleteParts(inp_KeywordListRef keywords);
   void Finish(inp_KeywordListRef keywords);
   bool FitsOrdinals(inp_KeywordListRef keywords);
-  void TellOfSurfaces();
 
   KvoObjLabeler& m_nodes;
   KvoObjLabeler& m_elements;
