@@ -231,7 +231,7 @@ void Driver::RaiseDimensions(const inpS_MeshVisitor& mesh) {
 }
 
 // A failed mesh is committed as far as it got: element types and beams' extra nodes stay, nodes and
-// elements are not written.
+// elements are not written. A faulty set fails no mesh, though the phase.
 bool Driver::ProcessMesh(Labelers& labelers) {
   KvoSimTransaction transaction(m_document.ContextID()); // bulk arrays are stored as they are read
   inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
@@ -253,7 +253,7 @@ bool Driver::ProcessMesh(Labelers& labelers) {
     labelers.elements->Save(transaction);
   }
   transaction.Commit();
-  return good;
+  return good && !mesh.HasSetErrors();
 }
 
 bool Driver::ProcessSurfaces(Labelers& labelers) {
@@ -385,7 +385,7 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
     RaiseDimensions(mesh);
   }
   transaction.Commit();
-  good = Run<inpS_UserNodeVisitor>(labelers) && good;
+  good = Run<inpS_UserNodeVisitor>(labelers) && good && !mesh.HasSetErrors();
   labelers.hasSurfaces = true;
   good = Run<inpS_SurfaceVisitor>(labelers) && good;
   SaveSurfaceNodalAreas();

@@ -66,12 +66,12 @@ void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
         keyword, inpS_messageText(inpS_app_RequiredParameter, {nameParameter})));
     return;
   }
-  if (!instanceKnown) return;
 
   inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
   set.isStored = false;
   set.internal = set.internal || internal;
   set.unsorted = set.unsorted || unsorted;
+  if (!instanceKnown) return keyword.ReferAll(); // there is such a set, though with nothing of this
   inpS_SetReader reader(keyword, set, m_messages);
   reader.SetInstance(instance);
   if (ofElset) {
@@ -111,7 +111,7 @@ bool inpS_MeshSetReader::FindInstance(const inp_Keyword& keyword, const inpS_Mes
         inp_Utils::MessageAtParameter(keyword, "instance", "The name of the instance is missing."));
     return false;
   }
-  if (scope.kind == inpS_MeshScope::Kind::Instance) {
+  if (scope.kind != inpS_MeshScope::Kind::Root) {
     m_messages.AddError(inp_Utils::MessageAtParameter(
         keyword, "instance", "Instance parameter cannot be used at the part instance level."));
     return false;

@@ -43,7 +43,8 @@ bool isOriginAlone(const inp_DataArray& data) {
 
 inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory)
-    : m_nodes(nodes), m_elements(elements), m_inventory(inventory), m_setReader(m_scopes, *this) {
+    : m_nodes(nodes), m_elements(elements), m_inventory(inventory),
+      m_setReader(m_scopes, m_setMessages) {
   OpenRoot();
 }
 
@@ -226,8 +227,11 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
   if (!outside && ScopeOf(keyword)) return false;
   keyword.ReferAll(); // one word for all of it
   if (!outside) return true;
-  Error(keyword, "In a deck with an assembly, mesh and sets belong to a part, an instance or the "
-                 "assembly; ignored.");
+  const bool isSet = keyword.Kind() == inp_KwNset || keyword.Kind() == inp_KwElset;
+  (isSet ? m_setMessages : *this)
+      .AddError(inp_Utils::MessageInKeyword(
+          keyword, "In a deck with an assembly, mesh and sets belong to a part, an instance or the "
+                   "assembly; ignored."));
   return true;
 }
 
@@ -540,9 +544,14 @@ void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
                            *this);
   inpS_resolveScopedNodes(m_scopes, m_nodes, *this);
   for (inpS_MeshScope& scope : m_scopes.All()) scope.elements.StoreHeld(scope.owner);
-  m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, *this);
+  m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, m_setMessages);
   for (const inpS_MeshScope& scope : m_scopes.All())
     for (const inpS_SetDefinition& set : scope.sets.All()) m_resolver->Members(scope, set);
+}
+
+void inpS_MeshVisitor::Report() {
+  inpS_Visitor::Report();
+  m_setMessages.Report();
 }
 
 void inpS_MeshVisitor::Discard() {

@@ -22,6 +22,9 @@ public:
   static const cow_List<inp_KeywordEnm>& ModelledKinds();
 
   void VisitList(inp_KeywordListRef keywords) override; // walks, then resolves
+  void Report() override;
+  // A faulty line of a set costs that line: IsError tells of nodes and elements alone.
+  bool HasSetErrors() const { return m_setMessages.IsError(); }
 
   void VisitNode(const inp_Keyword& keyword) override;
   void VisitNgen(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
@@ -94,6 +97,7 @@ private:
   cow_List<ElementType> m_types;
   cow_Map<cow_String, int> m_typeIndex;
   inpS_MeshScopes m_scopes;
+  inp_Visitor m_setMessages; // what is told of sets, kept apart
   inpS_MeshSetReader m_setReader;
   inp_ScopePtr m_lastScope;
   inpS_MeshScope* m_current = nullptr;

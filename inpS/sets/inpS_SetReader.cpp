@@ -117,9 +117,8 @@ void inpS_SetReader::GenerateRow(long long row) {
         m_keyword, row, "Set generation start and end numbers are required."));
     return;
   }
-  const Id first = ReadId(row, 0);
-  Id last = ReadId(row, 1);
-  if (!last.valid) last.label = first.label;
+  const Id first = ReadId(row, 0, {});
+  const Id last = ReadId(row, 1, first);
   const cow_String& instance = first.instance.empty() ? m_instance : first.instance;
   if (!last.instance.empty() && last.instance != instance)
     AddFault(row, 1,
@@ -150,8 +149,10 @@ long long inpS_SetReader::ReadIncrement(long long row, int fields) {
   return increment == 0 ? 1 : increment;
 }
 
-inpS_SetReader::Id inpS_SetReader::ReadId(long long row, int col) {
+// Of a field that is no label it takes another one in its place.
+inpS_SetReader::Id inpS_SetReader::ReadId(long long row, int col, const Id& instead) {
   Id id;
+  bool isLabel = true;
   const inp_FieldType type = m_data.Type(row, col);
   const inpS_ScopedField field = inpS_scopedField(m_data.FieldText(row, col));
   if (type == inp_FieldType::Integer) {
@@ -161,13 +162,15 @@ inpS_SetReader::Id inpS_SetReader::ReadId(long long row, int col) {
     id.instance = field.instance;
     inpS_reportDropped(m_keyword, row, col, field, m_messages);
   } else {
-    id.valid = false;
+    isLabel = false;
   }
-  if (id.valid && std::llabs(id.label) <= kMaxLabel) return id;
-  AddFault(row, col, id.valid ? "Id must be an integer up to 999999999" : "Id must be an integer");
-  return {0, {}, false};
+  if (isLabel && std::llabs(id.label) <= kMaxLabel) return id;
+  AddFault(row, col,
+           inp_Utils::Format("Id must be an integer%s; %lld is taken.",
+                             isLabel ? " (up to 999999999)" : "", instead.label));
+  return {instead.label, {}};
 }
 
-void inpS_SetReader::AddFault(long long row, int col, const char* text) {
-  m_messages.AddError(inp_Utils::MessageAtField(m_keyword, row, col, text));
+void inpS_SetReader::AddFault(long long row, int col, cow_String text) {
+  m_messages.AddError(inp_Utils::MessageAtField(m_keyword, row, col, std::move(text)));
 }

@@ -19,15 +19,14 @@ private:
   struct Id {
     long long label = 0;
     cow_String instance;
-    bool valid = true;
   };
   void ReadMixed();
   void ReadField(long long row, int col);
   void ReadName(long long row, int col);
   void GenerateRow(long long row);
-  Id ReadId(long long row, int col);
+  Id ReadId(long long row, int col, const Id& instead);
   long long ReadIncrement(long long row, int fields);
-  void AddFault(long long row, int col, const char* text);
+  void AddFault(long long row, int col, cow_String text);
   void RefuseField(long long row, int col);
   inpS_SetEntry& NewEntry(inpS_SetEntry::Kind kind, long long row, int col);
   inpS_SetEntry& LabelsOf(const cow_String& instance, long long row, int col);
