@@ -1,5 +1,6 @@
 #include "database/KvoSimTransfer.h"
 #include "base/utl_Assert.h"
+#include "base/utl_BlockSize.h"
 #include "database/KvoSimPosition.h"
 #include "database/engine/eds_Store.h"
 #include <algorithm>
@@ -176,7 +177,7 @@ int64_t KvoSimTransfer::ExecMake() {
 void KvoSimTransfer::AppendBuffer(eds_ArrayWriter& writer, const Window& window, int64_t items) {
   const int64_t itemSize = m_range.ItemSize();
   if (IsPlain(window)) return writer.AppendItems({m_buffer, static_cast<size_t>(items * itemSize)});
-  const int64_t perPiece = std::max<int64_t>(1, pieceBytes / itemSize);
+  const int64_t perPiece = std::max<int64_t>(1, utl_blockSize(pieceBytes) / itemSize);
   std::vector<std::byte> piece;
   for (int64_t done = 0; done < items; done += perPiece) {
     const int64_t count = std::min(perPiece, items - done);
@@ -189,7 +190,7 @@ void KvoSimTransfer::AppendBuffer(eds_ArrayWriter& writer, const Window& window,
 
 void KvoSimTransfer::AppendInitial(eds_ArrayWriter& writer, int64_t items) {
   const int64_t itemSize = m_range.ItemSize();
-  const int64_t perPiece = std::max<int64_t>(1, pieceBytes / itemSize);
+  const int64_t perPiece = std::max<int64_t>(1, utl_blockSize(pieceBytes) / itemSize);
   std::vector<std::byte> piece(static_cast<size_t>(std::min(perPiece, items) * itemSize));
   fillWith(piece, m_range.ValueType(), m_initial);
   for (int64_t done = 0; done < items; done += perPiece) {
@@ -209,7 +210,7 @@ void KvoSimTransfer::ExecRead() {
     return reader.ReadItems(window.firstItem,
                             {m_buffer, static_cast<size_t>(window.items * itemSize)});
   }
-  const int64_t perPiece = std::max<int64_t>(1, pieceBytes / itemSize);
+  const int64_t perPiece = std::max<int64_t>(1, utl_blockSize(pieceBytes) / itemSize);
   std::vector<std::byte> piece;
   for (int64_t done = 0; done < window.items; done += perPiece) {
     const int64_t count = std::min(perPiece, window.items - done);
@@ -234,7 +235,7 @@ void KvoSimTransfer::ExecWrite() {
     return transaction.Commit();
   }
   // Items of which only some components are given keep the others.
-  const int64_t perPiece = std::max<int64_t>(1, pieceBytes / itemSize);
+  const int64_t perPiece = std::max<int64_t>(1, utl_blockSize(pieceBytes) / itemSize);
   std::vector<std::byte> piece;
   for (int64_t done = 0; done < window.items; done += perPiece) {
     const int64_t count = std::min(perPiece, window.items - done);

@@ -1,5 +1,6 @@
 #include "database/eds_Array.h"
 #include "base/utl_Assert.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_File.h"
 #include "database/KvoSimPosition.h"
 #include "database/eds_Exception.h"
@@ -63,7 +64,7 @@ struct eds_ArrayWriter::Impl {
 namespace {
 
 int64_t itemsPerChunk(int64_t itemBytes) {
-  return std::max<int64_t>(1, eds_chunkBytes / itemBytes);
+  return std::max<int64_t>(1, utl_blockSize(eds_chunkBytes) / itemBytes);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "host/inps_DuplicateNodes.h"
+#include "base/utl_BlockSize.h"
 
 #include "base/utl_Threads.h"
 #include "host/inps_FlatMesh.h"
@@ -39,15 +40,15 @@ uint32_t hashOf(const Place& cell) {
 
 // Calls take(first, coordinates) for blocks of nodes on all threads.
 template <class Make, class Take> void forPlaces(const inps_FlatMesh& mesh, Make make, Take take) {
-  const auto blocks =
-      static_cast<std::size_t>((mesh.NodeCount() + nodesPerBlock - 1) / nodesPerBlock);
+  const int64_t perBlock = utl_blockSize(nodesPerBlock);
+  const auto blocks = static_cast<std::size_t>((mesh.NodeCount() + perBlock - 1) / perBlock);
   using Result = decltype(make(int64_t{}, std::span<const double>{}));
   cow_List<Result> results(utl_slotCount());
   utl_orderedBlocks(
       blocks,
       [&](std::size_t block, std::size_t slot) {
-        const int64_t first = static_cast<int64_t>(block) * nodesPerBlock;
-        const int64_t count = std::min(nodesPerBlock, mesh.NodeCount() - first);
+        const int64_t first = static_cast<int64_t>(block) * perBlock;
+        const int64_t count = std::min(perBlock, mesh.NodeCount() - first);
         thread_local std::vector<double> places;
         places.resize(static_cast<std::size_t>(3 * count));
         mesh.ReadCoordinates(first, places);
@@ -159,7 +160,8 @@ public:
     std::vector<double> window;
     for (std::size_t begin = 0; begin < m_nodes.size();) {
       std::size_t end = begin + 1;
-      while (end < m_nodes.size() && m_nodes[end] - m_nodes[begin] < nodesPerBlock) ++end;
+      while (end < m_nodes.size() && m_nodes[end] - m_nodes[begin] < utl_blockSize(nodesPerBlock))
+        ++end;
       window.resize(3 * static_cast<std::size_t>(m_nodes[end - 1] - m_nodes[begin] + 1));
       mesh.ReadCoordinates(m_nodes[begin], window);
       for (std::size_t i = begin; i < end; ++i)

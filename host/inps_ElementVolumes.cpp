@@ -1,4 +1,5 @@
 #include "host/inps_ElementVolumes.h"
+#include "base/utl_BlockSize.h"
 
 #include "base/utl_Threads.h"
 #include "host/inps_FlatMesh.h"
@@ -27,7 +28,7 @@ public:
   // The place of node 0 in the coordinates is -first.
   std::span<const double> Of(int32_t first, int32_t last, std::vector<double>& window,
                              int64_t& begin) {
-    if (last - first < nodesOfWindow) {
+    if (last - first < utl_blockSize(nodesOfWindow)) {
       window.resize(3 * static_cast<std::size_t>(last - first + 1));
       m_mesh.ReadCoordinates(first, window);
       begin = first;
@@ -77,7 +78,8 @@ cow_List<Piece> cutIntoPieces(const inps_FlatMesh& mesh) {
     const Measured of = measuredOf(mesh, b);
     if (of.nodes == 0) continue;
     const KvoMeshElementBlock& block = mesh.ElementBlocks()[b].block;
-    const int64_t perPiece = std::max<int64_t>(1, entriesPerPiece / std::max(1, block.width));
+    const int64_t perPiece =
+        std::max<int64_t>(1, utl_blockSize(entriesPerPiece) / std::max(1, block.width));
     for (int64_t first = 0; first < block.count; first += perPiece)
       pieces.push_back({of, first, std::min(perPiece, block.count - first)});
   }

@@ -1,4 +1,5 @@
 #include "host/inps_MeshQuality.h"
+#include "base/utl_BlockSize.h"
 
 #include "base/utl_Threads.h"
 #include "host/inps_DuplicateNodes.h"
@@ -22,7 +23,8 @@ template <class Take> void forElements(const inps_FlatMesh& mesh, Take take) {
   std::vector<int32_t> nodes;
   for (std::size_t b = 0; b < mesh.ElementBlocks().size(); ++b) {
     const KvoMeshElementBlock& block = mesh.ElementBlocks()[b].block;
-    const int64_t perPiece = std::max<int64_t>(1, entriesPerPiece / std::max(1, block.width));
+    const int64_t perPiece =
+        std::max<int64_t>(1, utl_blockSize(entriesPerPiece) / std::max(1, block.width));
     for (int64_t first = 0; first < block.count; first += perPiece) {
       const int64_t count = std::min(perPiece, block.count - first);
       nodes.resize(static_cast<std::size_t>(count * block.width));

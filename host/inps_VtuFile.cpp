@@ -1,4 +1,5 @@
 #include "host/inps_VtuFile.h"
+#include "base/utl_BlockSize.h"
 
 #include "base/utl_Assert.h"
 #include "base/utl_Buffer.h"
@@ -134,7 +135,8 @@ private:
   // it is another, and every block's compressed size.
   void WriteArray(const inps_VtuArray& array, std::size_t offsetPlace) {
     m_patches.push_back({offsetPlace, std::to_string(m_written - m_dataBegin) + "\""});
-    const std::size_t itemsPerBlock = std::max<std::size_t>(1, bytesPerBlock / array.itemSize);
+    const std::size_t itemsPerBlock =
+        std::max<std::size_t>(1, utl_blockSize(bytesPerBlock) / array.itemSize);
     const auto items = static_cast<std::size_t>(array.items);
     const std::size_t blocks = (items + itemsPerBlock - 1) / itemsPerBlock;
     cow_List<std::uint64_t> sizes(3 + blocks);

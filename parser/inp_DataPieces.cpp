@@ -1,16 +1,14 @@
 #include "parser/inp_DataPieces.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Threads.h"
 #include "parser/inp_TextLines.h"
-#include <atomic>
 
 namespace {
 
 // Text, its separators and what it decodes to fit a second-level cache together.
-constexpr std::size_t usualPieceSize = 256 * 1024;
+constexpr std::ptrdiff_t pieceSize = 256 * 1024;
 constexpr std::ptrdiff_t releaseStep = 1024 * 1024; // a system call per piece would show
 constexpr std::ptrdiff_t cutReleaseStep = 16 * 1024 * 1024;
-
-std::atomic<std::size_t> pieceSize{usualPieceSize};
 
 const char* lineStartFrom(const char* p, const inp_TextRange& range) {
   if (p == range.begin || p[-1] == '\n') return p;
@@ -44,7 +42,7 @@ private:
 // Cuts one range; `open` says that its first lines belong to the piece before.
 void cutRange(const inp_TextRange& whole, const inp_CutRule* rule, bool open,
               cow_List<inp_DataPiece>& pieces) {
-  const auto size = static_cast<std::ptrdiff_t>(inp_pieceSize());
+  const std::ptrdiff_t size = utl_blockSize(pieceSize);
   const char* begin = whole.begin;
   const char* kept = begin; // each look at a line maps the pages around it: they go again
   while (begin != whole.end) {
@@ -64,14 +62,6 @@ void cutRange(const inp_TextRange& whole, const inp_CutRule* rule, bool open,
 }
 
 } // namespace
-
-std::size_t inp_pieceSize() {
-  return pieceSize;
-}
-
-void inp_setPieceSize(std::size_t bytes) {
-  pieceSize = bytes == 0 ? usualPieceSize : bytes;
-}
 
 cow_List<inp_DataPiece> inp_cutData(const inp_DataArray& data, const inp_CutRule* rule) {
   cow_List<inp_DataPiece> pieces;

@@ -31,10 +31,6 @@ public:
 // Without a rule every line is a record.
 cow_List<inp_DataPiece> inp_cutData(const inp_DataArray& data, const inp_CutRule* rule = nullptr);
 
-// Bytes of text per piece; tests make it small so that boundaries fall everywhere.
-std::size_t inp_pieceSize();
-void inp_setPieceSize(std::size_t bytes); // 0: the usual size
-
 // Calls decode(piece, slot) on all threads and publish(slot) one after the other in the order of
 // the pieces, and lets the text's pages go behind it.
 void inp_decodePieces(const cow_List<inp_DataPiece>& pieces,

@@ -1,4 +1,5 @@
 #include "parser/inp_Structure.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Threads.h"
 #include "parser/inp_ByteBlock.h"
 #include "parser/inp_TextLines.h"
@@ -7,8 +8,7 @@
 
 namespace {
 
-constexpr std::size_t pieceSize = 4 * 1024 * 1024;
-constexpr std::size_t splitFrom = 2 * pieceSize; // smaller texts are read in one go
+constexpr std::size_t usualPiece = 4 * 1024 * 1024; // texts of less than two are read in one go
 
 // The pass over one piece of a text. Lines and comments of its marks count from the piece's start.
 class PieceScan {
@@ -91,7 +91,7 @@ void append(inp_Structure& whole, inp_Structure& piece) {
   if (!whole.nul) whole.nul = piece.nul;
 }
 
-cow_List<inp_Structure> scanPieces(const inp_DeckText& text) {
+cow_List<inp_Structure> scanPieces(const inp_DeckText& text, std::size_t pieceSize) {
   const std::size_t count = (text.Size() + pieceSize - 1) / pieceSize;
   cow_List<inp_Structure> pieces(count);
   utl_parallelFor(count, [&](std::size_t i) {
@@ -103,15 +103,15 @@ cow_List<inp_Structure> scanPieces(const inp_DeckText& text) {
   return pieces;
 }
 
-inp_Structure findInPieces(const inp_DeckText& text) {
-  cow_List<inp_Structure> pieces = scanPieces(text);
+inp_Structure findInPieces(const inp_DeckText& text, std::size_t pieceSize) {
+  cow_List<inp_Structure> pieces = scanPieces(text, pieceSize);
   cow_List<long long> lineFeeds;
   std::size_t marks = 0;
   for (const inp_Structure& piece : pieces) {
     lineFeeds.push_back(piece.lines);
     marks += piece.marks.size();
   }
-  inp_UnreadTextFinder unread(text, pieceSize, lineFeeds);
+  inp_UnreadTextFinder unread(text, static_cast<std::ptrdiff_t>(pieceSize), lineFeeds);
   inp_Structure whole;
   whole.marks.reserve(marks);
   for (std::size_t i = 0; i < pieces.size(); ++i) {
@@ -128,8 +128,9 @@ inp_Structure findInPieces(const inp_DeckText& text) {
 inp_Structure inp_findStructure(const inp_DeckText& text) {
   const char* const begin = text.Begin();
   const char* const end = text.End();
-  inp_Structure found =
-      text.Size() < splitFrom ? PieceScan(begin, end, begin, end).Run() : findInPieces(text);
+  const std::size_t pieceSize = utl_blockSize(usualPiece);
+  inp_Structure found = text.Size() < 2 * pieceSize ? PieceScan(begin, end, begin, end).Run()
+                                                    : findInPieces(text, pieceSize);
   if (begin != end && end[-1] != '\n') ++found.lines;
   return found;
 }

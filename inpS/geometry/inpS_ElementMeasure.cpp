@@ -1,5 +1,6 @@
 #include "inpS/geometry/inpS_ElementMeasure.h"
 #include "base/utl_Assert.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Threads.h"
 #include <algorithm>
 #include <cmath>
@@ -124,12 +125,13 @@ void inpS_measureElements(inp_ShapeKind kind, inpS_Space space,
   const inpS_ShapeFunctions& functions = inpS_ShapeFunctions::Of(kind);
   const std::size_t used = functions.Nodes();
   utl_ASSERT(used <= width && connectivity.size() == measures.size() * width);
-  const std::size_t pieces = (measures.size() + kElementsOfPiece - 1) / kElementsOfPiece;
+  const std::size_t perPiece = utl_blockSize(kElementsOfPiece);
+  const std::size_t pieces = (measures.size() + perPiece - 1) / perPiece;
   utl_parallelFor(pieces, [&](std::size_t piece) {
-    const std::size_t end = std::min((piece + 1) * kElementsOfPiece, measures.size());
+    const std::size_t end = std::min((piece + 1) * perPiece, measures.size());
     inpS_Point nodes[kMostNodes] = {};
     bool isAbsent[kMostNodes];
-    for (std::size_t element = piece * kElementsOfPiece; element < end; ++element) {
+    for (std::size_t element = piece * perPiece; element < end; ++element) {
       bool whole = used > 0;
       for (std::size_t n = 0; n < used; ++n) {
         const int64_t entry = connectivity[element * width + n];

@@ -1,5 +1,6 @@
 #include "inpS/geometry/inpS_FaceSearch.h"
 #include "base/utl_Assert.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Threads.h"
 #include <algorithm>
 #include <cstring>
@@ -108,7 +109,7 @@ void inpS_FaceSearch::Run() {
 }
 
 void inpS_FaceSearch::Cut() {
-  const int64_t size = std::max(kLeastPiece, m_elements / kMostPieces + 1);
+  const int64_t size = std::max(utl_blockSize(kLeastPiece), m_elements / kMostPieces + 1);
   for (int64_t first = 0; first < m_elements; first += size)
     m_pieces.push_back({first, std::min(first + size, m_elements), {}});
 }

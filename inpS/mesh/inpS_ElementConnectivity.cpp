@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_ElementConnectivity.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Threads.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoSimPosition.h"
@@ -14,6 +15,7 @@
 namespace {
 
 constexpr std::size_t kEntries = 6 << 10; // labels translated at a time: 24 KiB, in the first cache
+constexpr long long kStoredEntries = 1 << 18; // read and written again at a time
 
 } // namespace
 
@@ -86,7 +88,7 @@ void inpS_ElementConnectivity::AppendMade(inpS_ElementBlock& block, const inpS_M
   }
   const auto width = static_cast<std::size_t>(block.width);
   if (width > 0) { // elements without nodes were told
-    const std::size_t perPiece = std::max<std::size_t>(1, kEntries / width);
+    const std::size_t perPiece = std::max<std::size_t>(1, utl_blockSize(kEntries) / width);
     const auto count = static_cast<std::size_t>(made.count);
     int* to = block.nodes.AppendSpace(count * width);
     utl_parallelFor((count + perPiece - 1) / perPiece, [&](std::size_t piece) {
@@ -149,11 +151,12 @@ void inpS_ElementConnectivity::ResolveHeld(inpS_ElementBlock& block, const KvoOb
   for (const inpS_ScopedNode& node : block.scoped) // looked up in their instance afterwards
     block.nodes[static_cast<std::size_t>(node.element * block.width + node.index)] = 0;
   std::mutex guard;
-  const std::size_t pieces = (block.nodes.Size() + kEntries - 1) / kEntries;
+  const std::size_t most = utl_blockSize(kEntries);
+  const std::size_t pieces = (block.nodes.Size() + most - 1) / most;
   utl_parallelFor(pieces, [&](std::size_t piece) {
     int labels[kEntries];
-    const std::size_t at = piece * kEntries;
-    const std::size_t size = std::min(kEntries, block.nodes.Size() - at);
+    const std::size_t at = piece * most;
+    const std::size_t size = std::min(most, block.nodes.Size() - at);
     const std::span<int> entries(block.nodes.Data() + at, size);
     std::copy(entries.begin(), entries.end(), labels);
     nodes.ConvertInstanceLabels(occurrence, std::span<const int>(labels, size), entries);
@@ -178,7 +181,7 @@ void inpS_ElementConnectivity::ResolveOpen(inpS_ElementBlock& block, const KvoOb
                                            int occurrence) {
   if (block.open.empty()) return;
   const auto width = static_cast<long long>(block.width);
-  const long long perPiece = std::max(1LL, (1LL << 18) / width);
+  const long long perPiece = std::max(1LL, utl_blockSize(kStoredEntries) / width);
   std::vector<int> piece;
   std::size_t left = 0;
   for (std::size_t n = 0; n < block.open.size();) {

@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_ElementCopies.h"
+#include "base/utl_BlockSize.h"
 #include "database/KvoObjLabeler.h"
 #include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/keywords/inpS_Flag.h"
@@ -116,8 +117,10 @@ void inpS_ElementCopies::Append(const inp_Keyword& keyword, inpS_MeshScope& scop
   if (made.count == 0) return;
   const long long first = m_elements.Size(scope.elementOccurrence);
   // One line of thousands may make a few elements: room is asked for when it pays.
-  if (made.count > kManyLabels) m_elements.Reserve(scope.elementOccurrence, first + made.count);
-  std::vector<int> labels(std::min<std::size_t>(kLabels, static_cast<std::size_t>(made.count)));
+  if (made.count > utl_blockSize(kManyLabels))
+    m_elements.Reserve(scope.elementOccurrence, first + made.count);
+  std::vector<int> labels(
+      std::min<std::size_t>(utl_blockSize(kLabels), static_cast<std::size_t>(made.count)));
   for (long long at = 0; at < made.count; at += static_cast<long long>(labels.size())) {
     const std::span<int> piece(labels.data(),
                                std::min(labels.size(), static_cast<std::size_t>(made.count - at)));

@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_ElementStream.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Threads.h"
 #include "database/KvoObjLabeler.h"
 #include "parser/inp_BulkDecode.h"
@@ -50,9 +51,10 @@ void inpS_ElementStream::Translate(const inp_ElementPiece& piece, const KvoObjLa
 
 void inpS_ElementStream::Translate(std::span<const int> elements, std::span<int> all,
                                    const KvoObjLabeler& nodes, int occurrence, Found& found) {
-  found.labels.resize(kEntries);
-  for (std::size_t at = 0; at < all.size(); at += kEntries) {
-    const std::span<int> entries = all.subspan(at, std::min(kEntries, all.size() - at));
+  const std::size_t most = utl_blockSize(kEntries);
+  found.labels.resize(most);
+  for (std::size_t at = 0; at < all.size(); at += most) {
+    const std::span<int> entries = all.subspan(at, std::min(most, all.size() - at));
     const std::span<int> labels(found.labels.data(), entries.size());
     std::copy(entries.begin(), entries.end(), labels.begin());
     const long long unknown = nodes.ConvertInstanceLabels(occurrence, labels, entries);

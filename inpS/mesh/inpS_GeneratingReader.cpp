@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_GeneratingReader.h"
+#include "base/utl_BlockSize.h"
 #include "inpS/framework/inpS_System.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -207,7 +208,7 @@ void inpS_GeneratingReader::Emit(long long label, const inpS_NodeValues& node) {
   }
   m_labels.Append(static_cast<int>(label));
   m_coordinates.Append({node.value, 3});
-  if (m_labels.Size() == kPiece) Flush();
+  if (m_labels.Size() >= utl_blockSize(kPiece)) Flush();
 }
 
 void inpS_GeneratingReader::Close() {

@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_LabelFaults.h"
+#include "base/utl_BlockSize.h"
 #include "database/KvoObjLabeler.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElementSearch.h"
@@ -25,9 +26,9 @@ void inpS_LabelFaults::Define(const inpS_MeshScope& scope, std::span<const int> 
                               KvoObjLabeler& elements) {
   constexpr std::size_t kBlock = 1 << 14;
   int ordinals[kBlock];
-  for (std::size_t begin = 0; begin < labels.size(); begin += kBlock) {
-    const std::span<const int> block =
-        labels.subspan(begin, std::min(kBlock, labels.size() - begin));
+  const std::size_t most = utl_blockSize(kBlock);
+  for (std::size_t begin = 0; begin < labels.size(); begin += most) {
+    const std::span<const int> block = labels.subspan(begin, std::min(most, labels.size() - begin));
     long long next = elements.Size(scope.elementOccurrence);
     const auto fresh = static_cast<std::size_t>(elements.AddInstanceLabels(
         scope.elementOccurrence, block, std::span<int>(ordinals, block.size())));

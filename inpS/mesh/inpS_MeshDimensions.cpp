@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_MeshDimensions.h"
+#include "base/utl_BlockSize.h"
 #include "database/KvoObjMesh.h"
 #include "database/KvoSimContext.h"
 #include "database/KvoSimDataRecord.h"
@@ -15,7 +16,7 @@ bool hasNonZeroZ(const KvoMeshNodeBlock& block) {
   eds_ArrayReader reader(inpS_asListed(block.localCoordinates, block.coordinates));
   std::vector<double> points;
   for (long long first = 0, end = block.count - block.generated; first < end;) {
-    const long long count = std::min(kNodesPerPiece, end - first);
+    const long long count = std::min(utl_blockSize(kNodesPerPiece), end - first);
     points.resize(static_cast<std::size_t>(3 * count));
     reader.ReadPiece(first, std::span<double>(points));
     for (std::size_t n = 2; n < points.size(); n += 3)

@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_NodeList.h"
+#include "base/utl_BlockSize.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoSimPosition.h"
 #include "inpS/mesh/inpS_NodeGenerator.h"
@@ -62,7 +63,7 @@ void inpS_NodeList::Scatter(const inpS_NodePiece& nodes, std::span<const int> or
       m_moved.push_back({static_cast<int>(at), {point[0], point[1], point[2]}});
     }
   }
-  if (m_moved.size() > kMostMoved) FlushMoved();
+  if (m_moved.size() > utl_blockSize(kMostMoved)) FlushMoved();
 }
 
 void inpS_NodeList::FlushMoved() {

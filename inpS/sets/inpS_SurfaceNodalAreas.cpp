@@ -1,5 +1,6 @@
 #include "inpS/sets/inpS_SurfaceNodalAreas.h"
 #include "base/utl_Assert.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Threads.h"
 #include "database/KvoSimGrid.h"
 #include "inpS/framework/inpS_System.h"
@@ -183,12 +184,13 @@ void inpS_SurfaceNodalAreas::ReadCoordinates(const cow_List<KvoMeshNodeBlock>& b
 
 void inpS_SurfaceNodalAreas::MeasureFaces(const Group& group) {
   const std::size_t width = group.functions->Nodes();
-  const std::size_t pieces = (group.count + kFacesOfPiece - 1) / kFacesOfPiece;
+  const std::size_t perPiece = utl_blockSize(kFacesOfPiece);
+  const std::size_t pieces = (group.count + perPiece - 1) / perPiece;
   utl_parallelFor(pieces, [&](std::size_t piece) {
     inpS_Point nodes[inpS_ShapeFunctions::kMostNodes] = {};
     bool isAbsent[inpS_ShapeFunctions::kMostNodes];
-    const std::size_t end = std::min((piece + 1) * kFacesOfPiece, group.count);
-    for (std::size_t face = piece * kFacesOfPiece; face < end; ++face) {
+    const std::size_t end = std::min((piece + 1) * perPiece, group.count);
+    for (std::size_t face = piece * perPiece; face < end; ++face) {
       const std::size_t first = group.first + face * width;
       for (std::size_t n = 0; n < width; ++n) {
         const int32_t place = m_entries[first + n];

@@ -1,4 +1,5 @@
 #include "inpS/writer/inpS_MeshPrinter.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Buffer.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
@@ -98,28 +99,30 @@ void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMesh
   const eds_LabelMap& labels = m_labels.nodes.Labels(scope.nodes);
   constexpr std::size_t kLine = utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;
   const long long given = block.count - block.generated;
-  const long long pieces = (given + kNodesPerPiece - 1) / kNodesPerPiece;
-  utl_printBlocks(
-      m_out, static_cast<std::size_t>(pieces), kLine * kNodesPerPiece,
-      [&](std::size_t piece, char* out) {
-        const long long begin = static_cast<long long>(piece) * kNodesPerPiece;
-        const long long count = std::min(kNodesPerPiece, given - begin);
-        thread_local std::vector<double> points(3 * kNodesPerPiece);
-        coordinates.Read(begin,
-                         std::span<double>(points).first(static_cast<std::size_t>(3 * count)));
-        std::size_t normal = normals.From(begin);
-        for (long long n = 0; n < count; ++n) {
-          out = utl_printInt(out, labels.Label(block.first + begin + n));
-          const double* point = points.data() + 3 * n;
-          for (int i = 0; i < 3; ++i) out = utl_printDouble(separate(out), point[i]);
-          if (normal < normals.ordinals.size() && normals.ordinals[normal] == begin + n) {
-            const double* direction = normals.values.data() + 3 * normal++;
-            for (int i = 0; i < 3; ++i) out = utl_printDouble(separate(out), direction[i]);
-          }
-          *out++ = '\n';
-        }
-        return out;
-      });
+  const long long perPiece = utl_blockSize(kNodesPerPiece);
+  const long long pieces = (given + perPiece - 1) / perPiece;
+  utl_printBlocks(m_out, static_cast<std::size_t>(pieces),
+                  kLine * static_cast<std::size_t>(perPiece), [&](std::size_t piece, char* out) {
+                    const long long begin = static_cast<long long>(piece) * perPiece;
+                    const long long count = std::min(perPiece, given - begin);
+                    thread_local std::vector<double> points;
+                    points.resize(static_cast<std::size_t>(3 * count));
+                    coordinates.Read(begin, std::span<double>(points));
+                    std::size_t normal = normals.From(begin);
+                    for (long long n = 0; n < count; ++n) {
+                      out = utl_printInt(out, labels.Label(block.first + begin + n));
+                      const double* point = points.data() + 3 * n;
+                      for (int i = 0; i < 3; ++i) out = utl_printDouble(separate(out), point[i]);
+                      if (normal < normals.ordinals.size() &&
+                          normals.ordinals[normal] == begin + n) {
+                        const double* direction = normals.values.data() + 3 * normal++;
+                        for (int i = 0; i < 3; ++i)
+                          out = utl_printDouble(separate(out), direction[i]);
+                      }
+                      *out++ = '\n';
+                    }
+                    return out;
+                  });
 }
 
 // ---- elements
@@ -237,7 +240,7 @@ void inpS_MeshPrinter::PrintElementBlock(const inpS_DeckScope& scope,
   SharedReader<int> connectivity(block.connectivity);
   constexpr std::size_t kMostRoom = std::size_t{16} << 20; // names of instances may be long
   const long long perPiece =
-      std::max(1LL, std::min(kEntriesPerPiece / std::max(1, block.width),
+      std::max(1LL, std::min(utl_blockSize(kEntriesPerPiece) / std::max(1, block.width),
                              static_cast<long long>(kMostRoom / lines.Room())));
   const long long pieces = (block.count + perPiece - 1) / perPiece;
   utl_printBlocks(m_out, static_cast<std::size_t>(pieces),

@@ -1,4 +1,5 @@
 #include "inpS/writer/inpS_SetPrinter.h"
+#include "base/utl_BlockSize.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr long long kPiece = 16 * 4096; // whole data lines
+constexpr long long kLinesOfPiece = 4096; // of sixteen labels each
 
 // A file from anybody: members are looked at here for the first time.
 [[noreturn]] void noSuchMember(const KvoObjMesh& mesh, long long member) {
@@ -80,7 +81,8 @@ void inpS_SetPrinter::PrintMembers(const eds_MemberSet& members, long long first
   const eds_LabelMap& labels =
       nodes ? m_labels.nodes.Labels(occurrence) : m_labels.elements.Labels(occurrence);
   const bool rising = labels.IsStrided() && labels.Stride() > 0;
-  const long long pieceSize = sorted && !rising ? count : std::min(count, kPiece);
+  const long long pieceSize =
+      sorted && !rising ? count : std::min(count, 16 * utl_blockSize(kLinesOfPiece));
   cow_List<int> piece(static_cast<std::size_t>(pieceSize));
   for (long long done = 0; done < count; done += pieceSize) {
     const long long size = std::min(pieceSize, count - done);

@@ -15,8 +15,12 @@
 // the dump of the model (surrounding blanks do not count; empty lines and lines that begin with #
 // are skipped). A deck whose first line is "** options: WORDS" is converted with these words.
 //
+// Every deck runs twice: once as usual, and once with all bulk work cut into blocks of a few bytes,
+// rows or elements. Both must give the same model.
+//
 // Files that decks include have another ending than .inp.
 
+#include "base/utl_BlockSize.h"
 #include "tests/host/ProgramRun.h"
 #include <algorithm>
 #include <cmath>
@@ -155,14 +159,26 @@ void compareDump(const cow_String& dump, const Path& excerpt) {
   }
 }
 
-class Deck : public testing::TestWithParam<Path> {
+struct Case {
+  Path deck;
+  std::size_t blockSize = 0; // 0: the usual ones
+};
+
+void PrintTo(const Case& one, std::ostream* out) {
+  *out << utl_pathText(one.deck.filename()) << ", blocks of " << one.blockSize;
+}
+
+class Deck : public testing::TestWithParam<Case> {
 protected:
+  Deck() { utl_limitBlockSize(GetParam().blockSize); }
+  ~Deck() override { utl_limitBlockSize(0); }
+
   cow_String File(std::string_view name) const { return utl_pathText(m_folder / name); }
 
   ProgramRun Convert(const cow_String& deck, const cow_String& model) const {
     cow_List<cow_String> words = {"convert", deck, "-o", model, "--json"};
     constexpr std::string_view mark = "** options: ";
-    const cow_List<cow_String> lines = linesOf(readFile(GetParam()));
+    const cow_List<cow_String> lines = linesOf(readFile(GetParam().deck));
     if (!lines.empty() && lines[0].starts_with(mark)) {
       std::istringstream options(lines[0].substr(mark.size()));
       for (cow_String word; options >> word;) words.push_back(word);
@@ -180,15 +196,27 @@ protected:
     EXPECT_EQ(readFile(m_folder / "a.inp"), readFile(m_folder / "b.inp"));
   }
 
+  // What comes of a deck does not depend on the blocks it goes by. (The chunks of a stored array
+  // are blocks, too: each file is read with the sizes it was written with.)
+  void CompareWithUsualBlocks() const {
+    const cow_String small = ProgramRun({"dump", File("a.sim")}).out;
+    utl_limitBlockSize(0);
+    Convert(utl_pathText(GetParam().deck), File("usual.sim"));
+    const bool same = small == ProgramRun({"dump", File("usual.sim")}).out;
+    utl_limitBlockSize(GetParam().blockSize);
+    EXPECT_TRUE(same) << "the model is another than with the usual blocks";
+  }
+
   TemporaryFolder m_folder;
 };
 
 TEST_P(Deck, SaysAndGivesWhatIsExpected) {
-  const cow_List<Expected> expectations = expectationsOf(GetParam());
+  const Path& deck = GetParam().deck;
+  const cow_List<Expected> expectations = expectationsOf(deck);
   const bool faulty = std::ranges::any_of(
       expectations, [](const Expected& expected) { return expected.severity == "error"; });
 
-  const ProgramRun run = Convert(utl_pathText(GetParam()), File("a.sim"));
+  const ProgramRun run = Convert(utl_pathText(deck), File("a.sim"));
   const json object = json::parse(run.out, nullptr, false);
   ASSERT_TRUE(object.is_object() && object.contains("messages")) << run.err << run.out;
   EXPECT_EQ(run.exitCode == 1, faulty);
@@ -197,9 +225,10 @@ TEST_P(Deck, SaysAndGivesWhatIsExpected) {
   if (!utl_exists(m_folder / "a.sim")) return;
 
   EXPECT_EQ(ProgramRun({"check", File("a.sim")}).exitCode, 0);
-  const Path excerpt = Path(GetParam()).replace_extension(".dump");
+  const Path excerpt = Path(deck).replace_extension(".dump");
   if (utl_exists(excerpt)) compareDump(ProgramRun({"dump", File("a.sim")}).out, excerpt);
   if (!faulty) RoundTrip();
+  if (GetParam().blockSize != 0) CompareWithUsualBlocks();
 }
 
 Path treeOfDecks() {
@@ -209,7 +238,10 @@ Path examples() {
   return Path(INPS_TESTS_DIR).parent_path() / "examples";
 }
 
-cow_List<Path> allDecks() {
+// Once as usual, and once with blocks of a few bytes, rows or elements each.
+constexpr std::size_t fewPerBlock = 3;
+
+cow_List<Case> allDecks(std::size_t blockSize) {
   cow_List<Path> decks;
   const auto isDeck = [](const Path& path) { return path.extension() == ".inp"; };
   for (const auto& entry : std::filesystem::recursive_directory_iterator(treeOfDecks()))
@@ -219,19 +251,22 @@ cow_List<Path> allDecks() {
        at != std::filesystem::recursive_directory_iterator(); ++at)
     if (at.depth() < 2 && isDeck(at->path())) decks.push_back(at->path());
   std::ranges::sort(decks);
-  return decks;
+  cow_List<Case> cases;
+  for (const Path& deck : decks) cases.push_back({deck, blockSize});
+  return cases;
 }
 
-cow_String nameOf(const testing::TestParamInfo<Path>& info) {
-  const Path root = info.param.native().starts_with(treeOfDecks().native())
-                        ? treeOfDecks()
-                        : examples().parent_path();
-  cow_String name = utl_pathText(info.param.lexically_relative(root).replace_extension());
+cow_String nameOf(const testing::TestParamInfo<Case>& info) {
+  const Path& deck = info.param.deck;
+  const Path root =
+      deck.native().starts_with(treeOfDecks().native()) ? treeOfDecks() : examples().parent_path();
+  cow_String name = utl_pathText(deck.lexically_relative(root).replace_extension());
   std::ranges::replace_if(
       name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
   return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Deck, testing::ValuesIn(allDecks()), nameOf);
+INSTANTIATE_TEST_SUITE_P(All, Deck, testing::ValuesIn(allDecks(0)), nameOf);
+INSTANTIATE_TEST_SUITE_P(SmallBlocks, Deck, testing::ValuesIn(allDecks(fewPerBlock)), nameOf);
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/utl_BlockSize.h"
 #include "base/utl_InstructionSet.h"
 #include "base/utl_Threads.h"
 #include "parser/inp_BulkDecode.h"
@@ -35,12 +36,12 @@ struct BulkSetting {
   BulkSetting(int threads, std::size_t pieceSize,
               utl_InstructionSet instructions = utl_InstructionSet::Avx2) {
     utl_setThreadCount(threads);
-    inp_setPieceSize(pieceSize);
+    utl_limitBlockSize(pieceSize);
     utl_limitInstructionSet(instructions);
   }
   ~BulkSetting() {
     utl_setThreadCount(0);
-    inp_setPieceSize(0);
+    utl_limitBlockSize(0);
     utl_limitInstructionSet(utl_InstructionSet::Avx2);
   }
 };

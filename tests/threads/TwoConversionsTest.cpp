@@ -2,6 +2,7 @@
 // two threads.
 // Meant for the thread sanitizer as well (cmake --preset tsan).
 
+#include "base/utl_BlockSize.h"
 #include "base/utl_Stream.h"
 #include "base/utl_Threads.h"
 #include "base/wip_WIPBase.h"
@@ -89,7 +90,7 @@ TEST(TwoConversions, ReportSeparately) {
     std::ofstream(decks[i]) << plate(sizes[i], names[i]);
   }
   utl_setThreadCount(2);
-  inp_setPieceSize(4000); // so that each of them has work for several threads
+  utl_limitBlockSize(4000); // so that each of them has work for several threads
 
   for (int round = 0; round < 5; ++round) {
     Outcome outcomes[2];
@@ -110,7 +111,7 @@ TEST(TwoConversions, ReportSeparately) {
       }
     }
   }
-  inp_setPieceSize(0);
+  utl_limitBlockSize(0);
   utl_setThreadCount(0);
 }
 
