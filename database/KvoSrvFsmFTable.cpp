@@ -3,6 +3,7 @@
 #include "database/KvoSimTransaction.h"
 #include "database/eds_Array.h"
 #include "database/eds_DamagedModel.h"
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -33,7 +34,8 @@ KvoSrvFsmFTable KvoSrvFsmFTable::CreateTable(const KvoSimPosition& property, int
                                              const std::vector<cow_String>& dependentColumns,
                                              const std::vector<cow_String>& independentColumns,
                                              int rowKind, std::span<const double> values,
-                                             int columns, bool temperatureDependent) {
+                                             int columns, bool temperatureDependent,
+                                             const std::vector<cow_String>& names) {
   KvoSimTransaction transaction(property.Context());
   KvoSrvFsmFTable table = property.CreateFTable(eds_RecordKind::PropertyTable);
   KvoSimDataRecord record = table.m_position.DataRecord();
@@ -43,6 +45,7 @@ KvoSrvFsmFTable KvoSrvFsmFTable::CreateTable(const KvoSimPosition& property, int
   createColumns(table.m_position, dependentColumns, dependent);
   createColumns(table.m_position, independentColumns, independent);
   table.SetValues(rows, values, columns, temperatureDependent);
+  if (!names.empty()) table.SetColumnNames(names);
   transaction.Commit();
   return table;
 }
@@ -53,6 +56,8 @@ void KvoSrvFsmFTable::SetValues(int64_t rows, std::span<const double> values, in
   utl_ASSERT(static_cast<int64_t>(values.size()) == rows * columns);
   KvoSimTransaction transaction(m_position.Context());
   KvoSimDataRecord record = m_position.DataRecord();
+  std::vector<cow_String> names = ColumnNames();
+  if (!names.empty()) names.resize(static_cast<size_t>(DataColumns()));
   record.SetInt(eds_PropertyTable_Rows, rows);
   record.SetInt(eds_PropertyTable_Columns, columns);
   record.SetBool(eds_PropertyTable_TemperatureDependent, temperatureDependent);
@@ -69,7 +74,42 @@ void KvoSrvFsmFTable::SetValues(int64_t rows, std::span<const double> values, in
     writer.Append(values);
     record.SetReference(eds_PropertyTable_Values, writer.Finish().Position());
   }
+  if (!names.empty()) SetColumnNames(names);
   transaction.Commit();
+}
+
+int KvoSrvFsmFTable::DataColumns() const {
+  return Columns() - FieldVariables() - (IsTemperatureDependent() ? 1 : 0);
+}
+
+// One text for all columns: a record for each would double what a small table costs.
+void KvoSrvFsmFTable::SetColumnNames(const std::vector<cow_String>& dataColumns) {
+  utl_ASSERT(static_cast<int>(dataColumns.size()) == DataColumns());
+  cow_String text;
+  for (const cow_String& name : dataColumns) {
+    utl_ASSERT(!name.empty() && name.find(',') == cow_String::npos);
+    text += name + ',';
+  }
+  if (IsTemperatureDependent()) text += "Temperature,";
+  for (int n = 1; n <= FieldVariables(); ++n) text += "Field" + std::to_string(n) + ',';
+  text.pop_back();
+  m_position.DataRecord().SetString(eds_PropertyTable_ColumnNames, text);
+}
+
+std::vector<cow_String> KvoSrvFsmFTable::ColumnNames() const {
+  const KvoSimDataRecord record = m_position.DataRecord();
+  std::vector<cow_String> names;
+  if (record.IsMemberNull(eds_PropertyTable_ColumnNames)) return names;
+  const std::string_view text = record.GetString(eds_PropertyTable_ColumnNames);
+  for (size_t at = 0; at <= text.size();) {
+    const size_t end = std::min(text.find(',', at), text.size());
+    names.emplace_back(text.substr(at, end - at));
+    at = end + 1;
+  }
+  if (static_cast<int>(names.size()) != Columns())
+    eds_tellDamaged(m_position, "a property table has " + std::to_string(names.size()) +
+                                    " names for " + std::to_string(Columns()) + " columns");
+  return names;
 }
 
 void KvoSrvFsmFTable::Remove() {

@@ -11,13 +11,15 @@ public:
   explicit KvoSrvFsmFTable(const KvoSimPosition& table) : m_position(table) {}
 
   // `values` is row-major, rows x columns. Dependent columns are what the table gives, independent
-  // ones what it is given for; both lists together name the data columns, and may be empty.
+  // ones what it is given for: the columns that bear a role, whose presence a reader asks for.
+  // `names` are the names of all data columns in order, without commas; empty: none is known.
   static KvoSrvFsmFTable CreateTable(const KvoSimPosition& property, int tableKind, int64_t rows,
                                      int fieldVariables,
                                      const std::vector<cow_String>& dependentColumns,
                                      const std::vector<cow_String>& independentColumns, int rowKind,
                                      std::span<const double> values, int columns,
-                                     bool temperatureDependent);
+                                     bool temperatureDependent,
+                                     const std::vector<cow_String>& names = {});
 
   // Replaces all rows; the columns' names and the number of field variables stay.
   void SetValues(int64_t rows, std::span<const double> values, int columns,
@@ -35,9 +37,14 @@ public:
   bool IsTemperatureDependent() const;
   std::vector<cow_String> DependentColumns() const;
   std::vector<cow_String> IndependentColumns() const;
+  // Of all columns, those of the data, then "Temperature" and "Field1", ...; empty where the
+  // table's maker told none.
+  std::vector<cow_String> ColumnNames() const;
   std::vector<double> Values() const; // row-major
 
 private:
+  void SetColumnNames(const std::vector<cow_String>& dataColumns);
+  int DataColumns() const;
   std::vector<cow_String> ColumnsOf(int role) const;
   KvoSimPosition m_position;
 };

@@ -158,7 +158,8 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   if (pairs.empty()) return Warning(keyword, "Amplitude \"" + name + "\" has no values.");
   const int kind = static_cast<int>(form.kind);
   KvoSrvFsmFTable::CreateTable(amplitude, kind, static_cast<int64_t>(pairs.size() / 2), 0,
-                               {"Magnitude"}, {"Time"}, kind, pairs, 2, false);
+                               {"Magnitude"}, {"Time"}, kind, pairs, 2, false,
+                               {"Time", "Magnitude"});
 }
 
 // Once: a deck may define a hundred thousand amplitudes again. Texts of this deck come later.

@@ -60,10 +60,10 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(kind);
   inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
   const int tableKind = inpS_PropertyUtils::TableKindOf(kind);
-  KvoSrvFsmFTable::CreateTable(property, tableKind, table.NumRows(), table.NumDependencies(), {},
-                               {"PlasticStrain", "PlasticStrainRate"}, tableKind,
-                               table.GetDataAsBuffer(), table.NumCols(),
-                               table.HasTemperatureColumn());
+  KvoSrvFsmFTable::CreateTable(
+      property, tableKind, table.NumRows(), table.NumDependencies(), {},
+      {"PlasticStrain", "PlasticStrainRate"}, tableKind, table.GetDataAsBuffer(), table.NumCols(),
+      table.HasTemperatureColumn(), {"YieldStress", "PlasticStrain", "PlasticStrainRate"});
   CreateSuboptions(keyword, property);
   return property;
 }

@@ -23,6 +23,12 @@ inpS_ExtraColumns extraColumns(const cow_List<Column>& columns, Column::Role rol
   return extra;
 }
 
+cow_List<cow_String> namesOf(const cow_List<Column>& columns) {
+  cow_List<cow_String> names;
+  for (const Column& column : columns) names.push_back(column.name);
+  return names;
+}
+
 bool isContainer(const KvoSimPosition& owner) {
   return owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
 }
@@ -407,9 +413,9 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword,
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
   KeepOthers(keyword, behavior, property.DataRecord());
   const int kind = inpS_PropertyUtils::TableKindOf(behavior.kind);
-  inpS_PropertyUtils::CreateProperty(property, kind, kind, std::move(table),
-                                     extraColumns(columns, Column::Role::Dependent),
-                                     extraColumns(columns, Column::Role::Independent));
+  inpS_PropertyUtils::CreateProperty(
+      property, kind, kind, std::move(table), extraColumns(columns, Column::Role::Dependent),
+      extraColumns(columns, Column::Role::Independent), namesOf(columns));
   CreateSuboptions(keyword, property);
   transaction.Commit();
   return property;

@@ -45,7 +45,8 @@ KvoSrvFsmFTable inpS_PropertyUtils::CreateProperty(const KvoSimPosition& propert
 KvoSrvFsmFTable inpS_PropertyUtils::CreateProperty(const KvoSimPosition& property, int tableKind,
                                                    int rowKind, inpS_KeywordDataTable table,
                                                    inpS_ExtraColumns dependent,
-                                                   inpS_ExtraColumns independent) {
+                                                   inpS_ExtraColumns independent,
+                                                   const cow_List<cow_String>& names) {
   if (dependent.numbers.size() != dependent.names.size())
     utl_assertionFailed("posDepExtraColNumbers.size() == posDepExtraColNames.size()");
   if (independent.numbers.size() != independent.names.size())
@@ -55,13 +56,17 @@ KvoSrvFsmFTable inpS_PropertyUtils::CreateProperty(const KvoSimPosition& propert
   inpS_ExtraColumns given[] = {dependent, independent};
   for (inpS_ExtraColumns& columns : given) dropUnspecified(table, columns, keep);
   const auto kept = std::ranges::count(keep, 1);
+  cow_List<cow_String> keptNames = names;
   if (kept > 0 && kept < table.NumCols()) { // rows of nothing but blanks stay rows of zeros
     table.KeepColumns(keep);
+    keptNames.clear();
+    for (std::size_t n = 0; n < names.size(); ++n)
+      if (keep[n] != 0) keptNames.push_back(names[n]);
     dependent = std::move(given[0]);
     independent = std::move(given[1]);
   }
   return KvoSrvFsmFTable::CreateTable(property, tableKind, table.NumRows(), table.NumDependencies(),
                                       dependent.names, independent.names, rowKind,
                                       table.GetDataAsBuffer(), table.NumCols(),
-                                      table.HasTemperatureColumn());
+                                      table.HasTemperatureColumn(), keptNames);
 }

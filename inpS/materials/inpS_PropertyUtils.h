@@ -23,10 +23,12 @@ public:
   static KvoSrvFsmFTable CreateProperty(const KvoSimPosition& property, const inp_Keyword& keyword,
                                         int tableKind, int values, int rowKind, bool temperature,
                                         inpS_ExtraColumns dependent, inpS_ExtraColumns independent);
-  // From a table that has been read.
+  // From a table that has been read. `names` are those of its data columns, all of them; none: not
+  // known.
   static KvoSrvFsmFTable CreateProperty(const KvoSimPosition& property, int tableKind, int rowKind,
                                         inpS_KeywordDataTable table, inpS_ExtraColumns dependent,
-                                        inpS_ExtraColumns independent);
+                                        inpS_ExtraColumns independent,
+                                        const cow_List<cow_String>& names = {});
 
   // Table and row kind of a property kind: one each, under its own number.
   static int TableKindOf(eds_RecordKind property) { return static_cast<int>(property); }

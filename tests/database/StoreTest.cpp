@@ -308,12 +308,16 @@ TEST(Store, ServicesGiveBackWhatTheyWereGiven) {
   const KvoSimPosition material = document.CreateDataRecord(eds_RecordKind::Material);
   const std::vector<double> values{200e3, 0, 20, 250e3, 0.1, 40};
   KvoSrvFsmFTable::CreateTable(material, 7, 2, 0, {"YieldStress"}, {"PlasticStrain"}, 8, values, 3,
-                               true);
-  const KvoSrvFsmFTable table = material.GetFTable();
+                               true, {"YieldStress", "PlasticStrain"});
+  KvoSrvFsmFTable table = material.GetFTable();
   EXPECT_EQ(table.Values(), values);
   EXPECT_EQ(table.DependentColumns(), std::vector<cow_String>{"YieldStress"});
   EXPECT_EQ(table.IndependentColumns(), std::vector<cow_String>{"PlasticStrain"});
   EXPECT_TRUE(table.IsTemperatureDependent());
+  using Names = std::vector<cow_String>;
+  EXPECT_EQ(table.ColumnNames(), (Names{"YieldStress", "PlasticStrain", "Temperature"}));
+  table.SetValues(1, std::vector<double>{200e3, 0}, 2, false);
+  EXPECT_EQ(table.ColumnNames(), (Names{"YieldStress", "PlasticStrain"}));
   KvoSrvShellSection section = KvoSrvShellSection::Create(document.Context(), "S", true);
   section.AddPly({"top", 0.5, 3, material, {}, 45});
   section.AddPly({"core", 2.5, 5, {}, {}, -45});
