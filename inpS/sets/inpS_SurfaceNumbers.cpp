@@ -25,6 +25,17 @@ bool inpS_SurfaceNumbers::Fault(long long row, cow_String text) {
   return false;
 }
 
+bool inpS_SurfaceNumbers::BeginsWithSegments() const {
+  const inp_DataArray& data = m_keyword.Data();
+  long long row = 0;
+  while (row < data.Rows() && inpS_isBlank(data, row)) ++row;
+  if (row == data.Rows()) return false;
+  const std::span<const inpS_SegmentRow> kinds = inpS_segmentRows();
+  return std::any_of(kinds.begin(), kinds.end(), [&](const inpS_SegmentRow& kind) {
+    return kind.word == data.AsString(row, 0);
+  });
+}
+
 // A coordinate that is not given is zero, as long as one on the line is.
 bool inpS_SurfaceNumbers::ReadNumbers(long long row, int firstCol, int count, double* numbers) {
   const inp_DataArray& data = m_keyword.Data();

@@ -15,7 +15,8 @@ public:
   // Lines of points from a data row on; `row` becomes the one behind them.
   bool ReadPoints(const inpS_PointLines& lines, int optionalLines, long long& row,
                   cow_List<double>& coordinates);
-  void TellUnused(long long row); // warns of what stands from a row on
+  bool BeginsWithSegments() const; // no point stands in front of them
+  void TellUnused(long long row);  // warns of what stands from a row on
   // All rows from one on. Rows of eds_segmentWidth numbers.
   bool ReadSegments(long long row, bool aroundAxis, cow_List<double>& segments);
   // The points that turn a box on the given row; true when there are none.

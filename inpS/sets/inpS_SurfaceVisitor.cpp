@@ -174,8 +174,8 @@ bool inpS_SurfaceVisitor::IsFree(const inp_Keyword& keyword, const cow_String& n
 }
 
 bool inpS_SurfaceVisitor::IsSecondAnalytical(const inp_Keyword& keyword) {
+  if (!IsPlaced()) return false;
   const bool inPart = Owner().IsA(eds_RecordKind::Part);
-  if (!inPart && !Owner().IsA(eds_RecordKind::Instance)) return false;
   cow_List<KvoSimPosition> known = KvoObjSurface::OfOwner(Owner());
   if (!inPart) {
     const KvoSimPosition part = Owner().DataRecord().GetReference(eds_Instance_Part);
@@ -254,9 +254,23 @@ void inpS_SurfaceVisitor::ReadData(const inp_Keyword& keyword, KvoObjSurface& su
 bool inpS_SurfaceVisitor::ReadAnalytical(const inp_Keyword& keyword, cow_List<double>& points,
                                          cow_List<double>& segments) {
   const Type type = static_cast<Type>(typeOf(keyword));
+  const inpS_PointLines lines = inpS_pointLinesOf(type, Operation::Defined);
   inpS_SurfaceNumbers numbers(keyword, *this);
   long long row = 0;
-  return numbers.ReadPoints(inpS_pointLinesOf(type, Operation::Defined), 0, row, points) &&
-         numbers.CheckPoints(type, points) &&
-         numbers.ReadSegments(row, type == Type::Revolution, segments);
+  // Points may be left out where an instance places the surface: it stands in the part's own axes.
+  const bool hasPoints = lines.lines > 0 && !numbers.BeginsWithSegments();
+  if (!hasPoints && lines.lines > 0 && !IsPlaced()) {
+    Error(keyword, "The points of the surface's axes are missing in front of START; only within a "
+                   "part or an instance, which are placed, may they be left out.");
+    return false;
+  }
+  if (hasPoints &&
+      !(numbers.ReadPoints(lines, 0, row, points) && numbers.CheckPoints(type, points)))
+    return false;
+  return numbers.ReadSegments(row, type == Type::Revolution, segments);
+}
+
+// Whether what is open is, or is made, an instance.
+bool inpS_SurfaceVisitor::IsPlaced() const {
+  return Owner().IsA(eds_RecordKind::Part) || Owner().IsA(eds_RecordKind::Instance);
 }

@@ -33,6 +33,7 @@ private:
   void TellKept(const inp_Keyword& keyword, eds_SurfaceType type, eds_SurfaceOperation operation);
   bool ReadOperation(const inp_Keyword& keyword, eds_SurfaceOperation& operation);
   bool IsFree(const inp_Keyword& keyword, const cow_String& name, bool internal);
+  bool IsPlaced() const;
   bool IsSecondAnalytical(const inp_Keyword& keyword);
   bool LacksMesh();
   bool LacksAny(Kind kind);

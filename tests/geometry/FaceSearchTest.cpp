@@ -84,8 +84,10 @@ TEST(FaceSearchTest, FaceOfThreeElementsIsNotFree) {
 }
 
 TEST(FaceSearchTest, AbsentCornerMakesNoFace) {
-  const auto found = search({{Kind::Quad4, {0, 1, -1, 3}}});
+  // Nor one with node 4, the last in front of the base.
+  const auto found = search({{Kind::Quad4, {0, 1, -1, 3}, 5}, {Kind::Quad4, {6, 4, 9, 10}}});
   EXPECT_EQ(found[0], (std::set<std::pair<int, int>>{{0, 1}, {0, 4}}));
+  EXPECT_EQ(found[1], allBut(4, {}));
 }
 
 TEST(FaceSearchTest, NothingGiven) {
