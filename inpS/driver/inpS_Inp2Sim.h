@@ -45,8 +45,8 @@ public:
   const inpS_Inventory& Inventory() const { return m_inventory; }
   // After a conversion: what was kept verbatim instead of modelled, in deck order of first places.
   const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
-  // After a conversion: whether the deck's nodes, elements and their sets had errors, which leave
-  // out all of them.
+  // After a conversion: whether the deck's nodes or elements had errors, which leave out all of
+  // them and the sets.
   bool IsMeshLeftOut() const { return m_meshLeftOut; }
   // The keyword kinds that some phase converts.
   static cow_List<inp_KeywordEnm> ModelledKinds(bool restart = false);

@@ -9,6 +9,7 @@
 #include "inpS/mesh/inpS_GeneratedNodes.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 #include "inpS/messages/inpS_LocatedText.h"
+#include "inpS/sets/inpS_SetServices.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
@@ -18,6 +19,10 @@ namespace {
 constexpr long long kMaxLabel = 999999999;
 constexpr std::size_t kLabels = 1 << 14; // at a time: 64 KiB
 constexpr long long kManyLabels = 1 << 16;
+
+eds_MemberSet newElements(long long first, long long count) {
+  return eds_MemberSet::Strided(static_cast<int>(first), count);
+}
 
 } // namespace
 
@@ -32,8 +37,9 @@ void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& sc
     const long long first = m_elements.Size(scope.elementOccurrence);
     Append(keyword, scope, reader.Made());
     const long long count = m_elements.Size(scope.elementOccurrence) - first;
-    if (set) inpS_addRun(*set, reader.Master(), 1);
-    if (set && count > 0) inpS_addRun(*set, first, count);
+    if (!set) continue;
+    inpS_SetServices::UnionElementSets(*set, newElements(reader.Master(), 1));
+    inpS_SetServices::UnionElementSets(*set, newElements(first, count));
   }
   Report(keyword, scope);
 }
@@ -54,7 +60,7 @@ void inpS_ElementCopies::Copy(const inp_Keyword& keyword, inpS_MeshScope& scope)
   for (std::size_t run = 0; run < reader.ElementTypes().size(); ++run)
     Append(keyword, scope, reader.Connectivity(run));
   const long long count = m_elements.Size(scope.elementOccurrence) - first;
-  if (set && count > 0) inpS_addRun(*set, first, count);
+  if (set) inpS_SetServices::UnionElementSets(*set, newElements(first, count));
   Report(keyword, scope);
 }
 

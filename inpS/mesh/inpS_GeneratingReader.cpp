@@ -3,6 +3,7 @@
 #include "inpS/framework/inpS_System.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/messages/inpS_LocatedText.h"
+#include "inpS/sets/inpS_SetServices.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
@@ -184,13 +185,7 @@ void inpS_GeneratingReader::Gather(const inpS_KnownNodes::Set& nodes,
 }
 
 void inpS_GeneratingReader::Collect(const inpS_KnownNodes::Set& nodes) {
-  if (!m_collection) return;
-  const eds_MemberSet& ordinals = nodes.ordinals;
-  if (ordinals.IsStrided() && ordinals.Stride() == 1) {
-    if (!ordinals.IsEmpty()) inpS_addRun(*m_collection, ordinals.First(), ordinals.Size());
-    return;
-  }
-  for (long long n = 0; n < ordinals.Size(); ++n) inpS_addRun(*m_collection, ordinals[n], 1);
+  if (m_collection) inpS_SetServices::UnionNodeSets(*m_collection, nodes.ordinals);
 }
 
 // Every normal of the mesh has unit length, interpolated ones too.

@@ -1,9 +1,8 @@
 #include "inpS/mesh/inpS_KnownNodes.h"
 #include "database/KvoObjLabeler.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
+#include "inpS/sets/inpS_SetServices.h"
 #include "parser/inp_Visitor.h"
-#include <algorithm>
-#include <vector>
 
 inpS_KnownNodes::inpS_KnownNodes(inpS_MeshScope& scope, inpS_MeshScopes& scopes,
                                  const KvoObjLabeler& nodes, const KvoObjLabeler& elements)
@@ -53,20 +52,7 @@ bool inpS_KnownNodes::FindSet(const cow_String& name, Set& set) {
   set.ordinals = resolver.Members(*owner, *definition);
   set.unsorted = definition->unsorted;
   set.leftOut = resolver.HasLeftOut();
-  if (!set.unsorted) set.ordinals = ByLabel(set.ordinals);
+  if (!set.unsorted)
+    set.ordinals = inpS_SetServices::SortNodeSet(m_nodes, m_scope.nodeOccurrence, set.ordinals);
   return true;
-}
-
-// Ascending ordinals as they come from a sorted set; most often their labels ascend as well.
-eds_MemberSet inpS_KnownNodes::ByLabel(const eds_MemberSet& ordinals) const {
-  const eds_LabelMap& labels = m_nodes.Labels(m_scope.nodeOccurrence);
-  if (labels.IsStrided() && labels.Stride() > 0) return ordinals;
-  bool ascending = true;
-  for (long long n = 1; n < ordinals.Size() && ascending; ++n)
-    ascending = labels.Label(ordinals[n - 1]) < labels.Label(ordinals[n]);
-  if (ascending) return ordinals;
-  std::vector<int> sorted = ordinals.Members();
-  std::sort(sorted.begin(), sorted.end(),
-            [&](int a, int b) { return labels.Label(a) < labels.Label(b); });
-  return eds_MemberSet::Ordered(std::move(sorted));
 }

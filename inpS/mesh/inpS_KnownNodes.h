@@ -28,7 +28,6 @@ public:
 private:
   bool IsStored(long long ordinal) const;
   inpS_NodeList& ListOf(long long ordinal);
-  eds_MemberSet ByLabel(const eds_MemberSet& ordinals) const;
 
   inpS_MeshScope& m_scope;
   inpS_MeshScopes& m_scopes;

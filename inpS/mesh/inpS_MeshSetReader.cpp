@@ -1,11 +1,11 @@
 #include "inpS/mesh/inpS_MeshSetReader.h"
 #include "database/KvoObjMesh.h"
-#include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/sets/inpS_ScopedField.h"
 #include "inpS/sets/inpS_SetReader.h"
+#include "inpS/sets/inpS_SetServices.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 
@@ -22,10 +22,7 @@ void inpS_MeshSetReader::ReadStored(const KvoObjMesh& mesh, inpS_MeshScope& scop
         set.internal = internal;
         set.unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
         set.isStored = true;
-        const KvoSimCSet members =
-            record.GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
-        for (long long n = 0; !members.IsNull() && n < members.Size(); ++n)
-          inpS_addRun(set, members.Set()[n] - base, 1);
+        inpS_SetServices::CopySet(position, base, set);
       }
     }
   }
@@ -49,57 +46,68 @@ inpS_SetDefinition* inpS_MeshSetReader::Open(const inp_Keyword& keyword, inpS_Me
   return &set;
 }
 
-void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
-                              inpS_SetKind kind) {
+// Null: there is none, or nothing to be read into it.
+inpS_SetDefinition* inpS_MeshSetReader::Begin(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                              inpS_SetKind kind, cow_String& instance) {
   const char* nameParameter = kind == inpS_SetKind::Nodes ? "nset" : "elset";
   const inp_Item* name = keyword.Find(nameParameter);
   keyword.Find("input"); // the parser has read that file's lines
   const bool internal = inpS_readFlag(keyword, "internal", m_messages);
   const bool unsorted =
       kind == inpS_SetKind::Nodes && inpS_readFlag(keyword, "unsorted", m_messages);
-  const bool generate = inpS_readFlag(keyword, "generate", m_messages);
-  const inp_Item* ofElset = kind == inpS_SetKind::Nodes ? FindName(keyword, "elset") : nullptr;
-  cow_String instance;
   const bool instanceKnown = FindInstance(keyword, scope, instance);
   if (!name || name->AsString().empty()) {
     m_messages.AddError(inp_Utils::MessageInKeyword(
         keyword, inpS_messageText(inpS_app_RequiredParameter, {nameParameter})));
-    return;
+    return nullptr;
   }
-
   inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
   set.isStored = false;
   set.internal = set.internal || internal;
   set.unsorted = set.unsorted || unsorted;
-  if (!instanceKnown) return keyword.ReferAll(); // there is such a set, though with nothing of this
-  inpS_SetReader reader(keyword, set, m_messages);
+  return instanceKnown ? &set : nullptr; // what names it finds it, with nothing of this keyword
+}
+
+void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                              inpS_SetKind kind) {
+  const bool generate = inpS_readFlag(keyword, "generate", m_messages);
+  if (kind == inpS_SetKind::Nodes) FindName(keyword, "elset"); // told where it is without a value
+  cow_String instance;
+  inpS_SetDefinition* const set = Begin(keyword, scope, kind, instance);
+  if (!set) return;
+  inpS_SetReader reader(keyword, *set, m_messages);
   reader.SetInstance(instance);
-  if (ofElset) {
-    const inp_DataArray& data = keyword.Data();
-    for (long long row = 0; row < data.Rows(); ++row)
-      if (data.Cols(row) > 0) {
-        m_messages.AddWarning(inp_Utils::MessageAtRow(
-            keyword, row,
-            "A set of the nodes of elements takes no data lines; from here on they are not used."));
-        break;
-      }
-    inpS_SetEntry& entry = set.entries.emplace_back();
-    entry.kind = inpS_SetEntry::Kind::NodesOfElset;
-    entry.name = ofElset->AsString();
-    entry.instance = instance;
-    entry.keyword = static_cast<int>(set.keywords.size()) - 1;
-    const inpS_ScopedField field = inpS_scopedField(ofElset->Verbatim());
-    if (field.IsScoped()) {
-      inpS_reportDropped(keyword, -1, 0, field, m_messages);
-      entry.instance = field.instance;
-      entry.name = field.name;
-    }
-    return;
-  }
   if (generate)
     reader.GenerateSetIds();
   else
     reader.Read();
+}
+
+void inpS_MeshSetReader::ReadElsetNodes(const inp_Keyword& keyword, inpS_MeshScope& scope) {
+  inpS_readFlag(keyword, "generate", m_messages);
+  const inp_Item& elset = *keyword.Find("elset");
+  cow_String instance;
+  inpS_SetDefinition* const set = Begin(keyword, scope, inpS_SetKind::Nodes, instance);
+  if (!set) return;
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row)
+    if (data.Cols(row) > 0) {
+      m_messages.AddWarning(inp_Utils::MessageAtRow(
+          keyword, row,
+          "A set of the nodes of elements takes no data lines; from here on they are not used."));
+      break;
+    }
+  set->keywords.push_back(keyword);
+  inpS_SetEntry& entry = set->entries.emplace_back();
+  entry.kind = inpS_SetEntry::Kind::NodesOfElset;
+  entry.name = elset.AsString();
+  entry.instance = instance;
+  entry.keyword = static_cast<int>(set->keywords.size()) - 1;
+  const inpS_ScopedField field = inpS_scopedField(elset.Verbatim());
+  if (!field.IsScoped()) return;
+  inpS_reportDropped(keyword, -1, 0, field, m_messages);
+  entry.instance = field.instance;
+  entry.name = field.name;
 }
 
 bool inpS_MeshSetReader::FindInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope,

@@ -13,6 +13,7 @@ public:
       : m_scopes(scopes), m_messages(messages) {}
 
   void Read(const inp_Keyword& keyword, inpS_MeshScope& scope, inpS_SetKind kind);
+  void ReadElsetNodes(const inp_Keyword& keyword, inpS_MeshScope& scope); // with ELSET=NAME
 
   // The set that a mesh keyword's nodes or elements also go into, opened for them; null: none, or
   // one without a name, which is told.
@@ -25,6 +26,8 @@ public:
   static void ReadStored(const KvoObjMesh& mesh, inpS_MeshScope& scope);
 
 private:
+  inpS_SetDefinition* Begin(const inp_Keyword& keyword, inpS_MeshScope& scope, inpS_SetKind kind,
+                            cow_String& instance);
   bool FindInstance(const inp_Keyword& keyword, const inpS_MeshScope& scope, cow_String& instance);
 
   inpS_MeshScopes& m_scopes;

@@ -11,6 +11,7 @@
 #include "database/KvoSimGrid.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_SetResolver.h"
+#include "inpS/sets/inpS_SetServices.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
@@ -322,21 +323,15 @@ eds_Member inpS_MeshStore::MemberOf(const inpS_SetDefinition& set) {
 void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& definition,
                              inpS_SetResolver& resolver) {
   const KvoObjMesh mesh = m_document.GetModel().GetMesh();
-  const KvoSimContext context = m_document.Context();
   const bool nodes = definition.kind == inpS_SetKind::Nodes;
   KvoSimCollection collection = mesh.CollectionOf(scope.owner, nodes);
   const KvoSimCSetID members = collection.CreateCSet(resolver.Members(scope, definition)).ID();
-  // What refers to a set of the model that a restart adds to goes on referring to it.
-  const KvoSimPosition known =
-      scope.isStored ? scope.owner.FollowStringKey(MemberOf(definition), definition.name)
-                     : KvoSimPosition();
   const auto save = [&](auto set) {
     set.SetUnsorted(definition.unsorted);
     set.SetMembership(members);
-    if (known.IsNull()) set.Bind(scope.owner, definition.internal);
   };
   if (nodes)
-    save(known.IsNull() ? KvoObjNodeSet(context, definition.name) : KvoObjNodeSet(known));
+    save(inpS_SetServices::InsertNodeSet(scope.owner, definition.name, definition.internal));
   else
-    save(known.IsNull() ? KvoObjElementSet(context, definition.name) : KvoObjElementSet(known));
+    save(inpS_SetServices::InsertElementSet(scope.owner, definition.name, definition.internal));
 }

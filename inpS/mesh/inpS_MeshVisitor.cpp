@@ -467,7 +467,15 @@ void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& 
 // ---- sets
 
 void inpS_MeshVisitor::VisitNset(const inp_Keyword& keyword) {
-  if (!Skip(keyword)) m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Nodes);
+  if (Skip(keyword)) return;
+  if (keyword.StringOf("elset", "").empty())
+    m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Nodes);
+  else
+    NsetFromElset(keyword);
+}
+
+void inpS_MeshVisitor::NsetFromElset(const inp_Keyword& keyword) {
+  m_setReader.ReadElsetNodes(keyword, *ScopeOf(keyword));
 }
 
 void inpS_MeshVisitor::VisitElset(const inp_Keyword& keyword) {

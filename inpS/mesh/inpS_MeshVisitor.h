@@ -8,13 +8,14 @@
 #include "inpS/mesh/inpS_MeshSetReader.h"
 #include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_SetResolver.h"
+#include "inpS/sets/inpS_SetServices.h"
 
 class KvoSimTransaction;
 
 // Converts the mesh: nodes, elements, node and element sets of the model, of parts, of instances
 // and of the assembly. Everything is gathered while the deck is walked, references are resolved
 // when the walk ends, and the Save operations write it.
-class inpS_MeshVisitor : public inpS_Visitor {
+class inpS_MeshVisitor : public inpS_Visitor, public inpS_SetServices {
 public:
   inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
   ~inpS_MeshVisitor() override;
@@ -39,6 +40,7 @@ public:
   void VisitElset(const inp_Keyword& keyword) override;
   void VisitAssemblyNset(const inp_Keyword& keyword) override { VisitNset(keyword); }
   void VisitAssemblyElset(const inp_Keyword& keyword) override { VisitElset(keyword); }
+  void NsetFromElset(const inp_Keyword& keyword); // a node set of the nodes of an element set
   void VisitSystem(const inp_Keyword& keyword) override;
   void VisitInstance(const inp_Keyword& keyword) override;
 

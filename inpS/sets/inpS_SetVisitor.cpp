@@ -3,8 +3,9 @@
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/sets/inpS_ScopedField.h"
+#include "inpS/sets/inpS_SetServices.h"
 #include "parser/inp_Utils.h"
-#include <cstdlib>
+#include <limits>
 
 namespace {
 
@@ -129,14 +130,24 @@ KvoSimPosition inpS_SetVisitor::GetSurface(const cow_String& name) {
   return Find(Kind::Surfaces, name).set;
 }
 
-bool inpS_SetVisitor::MembersOf(const Found& found, eds_MemberSet& ordinals) {
+// The members as the set has them: in the order of their labels, unless it is unsorted.
+eds_MemberSet inpS_SetVisitor::InOrder(Kind kind, const KvoSimPosition& set) const {
+  const KvoSimCSet stored = membershipOf(set);
+  if (stored.IsNull()) return {};
+  const KvoSimDataRecord record = set.DataRecord();
+  const bool nodes = kind == Kind::Nodes;
+  if (record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted)) return stored.Set();
+  const KvoSimPosition owner =
+      record.GetReference(nodes ? eds_NodeSet_Owner : eds_ElementSet_Owner);
+  const KvoObjLabeler& labeler = LabelerOf(kind);
+  const int occurrence = owner.IsA(eds_RecordKind::Part) ? labeler.FindOccurrence(owner) : -1;
+  return nodes ? inpS_SetServices::SortNodeSet(labeler, occurrence, stored.Set())
+               : inpS_SetServices::SortElementSet(labeler, occurrence, stored.Set());
+}
+
+bool inpS_SetVisitor::MembersOf(Kind kind, const Found& found, eds_MemberSet& ordinals) const {
   if (found.set.IsNull()) return false;
-  const KvoSimCSet members = membershipOf(found.set);
-  if (members.IsNull()) {
-    ordinals = {};
-    return true;
-  }
-  ordinals = Moved(members.Set(), found.offset);
+  ordinals = Moved(InOrder(kind, found.set), found.offset);
   return true;
 }
 
@@ -151,28 +162,27 @@ eds_MemberSet inpS_SetVisitor::Moved(const eds_MemberSet& members, long long off
 }
 
 bool inpS_SetVisitor::GetNodeSetMembers(const cow_String& name, eds_MemberSet& ordinals) {
-  return MembersOf(Find(Kind::Nodes, name), ordinals);
+  return MembersOf(Kind::Nodes, Find(Kind::Nodes, name), ordinals);
 }
 
 bool inpS_SetVisitor::GetElementSetMembers(const cow_String& name, eds_MemberSet& ordinals) {
-  return MembersOf(Find(Kind::Elements, name), ordinals);
+  return MembersOf(Kind::Elements, Find(Kind::Elements, name), ordinals);
 }
 
 void inpS_SetVisitor::LabelsOf(Kind kind, const KvoSimPosition& set, cow_List<int>& labels) const {
   labels.clear();
-  const KvoSimCSet members = membershipOf(set);
-  if (members.IsNull()) return;
+  const eds_MemberSet members = InOrder(kind, set);
   const KvoObjLabeler& labeler = LabelerOf(kind);
   const KvoSimPosition owner =
       set.DataRecord().GetReference(kind == Kind::Nodes ? eds_NodeSet_Owner : eds_ElementSet_Owner);
   if (owner.IsA(eds_RecordKind::Part)) {
-    labels = labeler.GetInstanceSetLabels(labeler.FindOccurrence(owner), members.Set());
+    labels = labeler.GetInstanceSetLabels(labeler.FindOccurrence(owner), members);
     return;
   }
   labels.reserve(static_cast<std::size_t>(members.Size()));
   for (long long n = 0; n < members.Size(); ++n) {
     int64_t ordinal = 0;
-    const int occurrence = labeler.OccurrenceOfFlat(members.Set()[n], ordinal);
+    const int occurrence = labeler.OccurrenceOfFlat(members[n], ordinal);
     labels.push_back(labeler.GetInstanceLabel(occurrence, ordinal));
   }
 }
@@ -203,12 +213,14 @@ int inpS_SetVisitor::GetElementLabel(long long ordinal) const {
   return m_elements.GetInstanceLabel(occurrence, local);
 }
 
-bool inpS_SetVisitor::OrdinalOf(Kind kind, const KvoSimPosition& owner, int label,
+bool inpS_SetVisitor::OrdinalOf(Kind kind, const KvoSimPosition& owner, long long label,
                                 long long& ordinal) const {
+  using Label = std::numeric_limits<int32_t>;
+  if (label < Label::min() || label > Label::max()) return false;
   const KvoObjLabeler& labeler = LabelerOf(kind);
   const int occurrence = owner.IsNull() ? -1 : labeler.FindOccurrence(owner);
   if (occurrence < 0) return false;
-  const int local = labeler.ConvertInstanceLabel(occurrence, label);
+  const int local = labeler.ConvertInstanceLabel(occurrence, static_cast<int32_t>(label));
   if (local < 0) return false;
   const bool flat = !owner.IsA(eds_RecordKind::Part) && labeler.FlatFirst(occurrence) > 0;
   ordinal = local + (flat ? labeler.FlatFirst(occurrence) : 0);
@@ -225,24 +237,21 @@ bool inpS_SetVisitor::GetElementOrdinal(int label, long long& ordinal) const {
 
 // ---- fields and parameters that are labels or names of sets
 
-bool inpS_SetVisitor::AddField(Kind kind, const cow_String& asWritten, bool isLabel,
-                               cow_List<int>& ordinals) {
+bool inpS_SetVisitor::AddLabel(Kind kind, const KvoSimPosition& owner, long long label,
+                               cow_List<int>& ordinals) const {
   long long ordinal = 0;
-  if (isLabel) {
-    if (!OrdinalOf(kind, m_owner, std::atoi(asWritten.c_str()), ordinal)) return false;
-    ordinals.push_back(static_cast<int>(ordinal));
-    return true;
-  }
+  if (!OrdinalOf(kind, owner, label, ordinal)) return false;
+  ordinals.push_back(static_cast<int>(ordinal));
+  return true;
+}
+
+// What is no plain label.
+bool inpS_SetVisitor::AddNamed(Kind kind, std::string_view asWritten,
+                               cow_List<int>& ordinals) const {
   const inpS_ScopedField field = inpS_scopedField(asWritten);
-  if (field.isLabel) {
-    const KvoSimPosition instance =
-        m_inventory.GetDocument().GetModel().GetOccurence(field.instance);
-    if (!OrdinalOf(kind, instance, std::atoi(field.name.c_str()), ordinal)) return false;
-    ordinals.push_back(static_cast<int>(ordinal));
-    return true;
-  }
+  if (field.isLabel) return AddLabel(kind, OccurrenceOf(field.instance), field.Label(), ordinals);
   eds_MemberSet members;
-  if (!MembersOf(FindField(kind, asWritten), members)) return false;
+  if (!MembersOf(kind, FindField(kind, asWritten), members)) return false;
   for (long long n = 0; n < members.Size(); ++n) ordinals.push_back(members[n]);
   return true;
 }
@@ -252,9 +261,10 @@ void inpS_SetVisitor::ReadData(Kind kind, const inp_Keyword& keyword, long long 
   const inp_DataArray& data = keyword.Data();
   for (int cols = data.Cols(row); col < cols; ++col) {
     if (!data.HasValue(row, col)) continue;
-    const cow_String text = data.AsStringVerbatim(row, col);
-    if (!AddField(kind, text, data.Type(row, col) == inp_FieldType::Integer, ordinals))
-      unknown.push_back(data.AsString(row, col));
+    const bool isKnown = data.Type(row, col) == inp_FieldType::Integer
+                             ? AddLabel(kind, m_owner, data.AsInt64(row, col), ordinals)
+                             : AddNamed(kind, data.FieldText(row, col), ordinals);
+    if (!isKnown) unknown.push_back(data.AsString(row, col));
   }
 }
 
@@ -263,8 +273,10 @@ void inpS_SetVisitor::ReadParameter(Kind kind, const inp_Keyword& keyword,
                                     cow_List<cow_String>& unknown) {
   const inp_Item* item = keyword.Find(parameter);
   if (!item || item->IsFlag()) return;
-  if (!AddField(kind, item->Verbatim(), item->GetKind() == inp_Item::Kind::Integer, ordinals))
-    unknown.push_back(item->AsString());
+  const bool isKnown = item->GetKind() == inp_Item::Kind::Integer
+                           ? AddLabel(kind, m_owner, item->AsInt(), ordinals)
+                           : AddNamed(kind, item->Verbatim(), ordinals);
+  if (!isKnown) unknown.push_back(item->AsString());
 }
 
 void inpS_SetVisitor::ReadNodeData(const inp_Keyword& keyword, long long row, int col,

@@ -52,11 +52,12 @@ public:
     return kind == Kind::Nodes ? m_nodes : m_elements;
   }
   const KvoSimPosition& Owner() const { return m_owner; } // that is open; null: it was refused
-  // The members of a named set as ordinals; false when there is no such set.
+  // The members of a named set as ordinals, in the order of their labels unless the set is
+  // unsorted; false when there is no such set.
   bool GetNodeSetMembers(const cow_String& name, eds_MemberSet& ordinals);
   bool GetElementSetMembers(const cow_String& name, eds_MemberSet& ordinals);
 
-  // Labels of a set's members within their owners.
+  // Labels of a set's members within their owners, in the same order.
   void GetNodeLabels(const KvoSimPosition& set, cow_List<int>& labels) const;
   void GetElementLabels(const KvoSimPosition& set, cow_List<int>& labels) const;
 
@@ -91,10 +92,13 @@ private:
   KvoSimPosition OccurrenceOf(const cow_String& instance) const;
   Found FindIn(Kind kind, const KvoSimPosition& owner, const cow_String& key) const;
   Found Find(Kind kind, const cow_String& name) const;
-  static bool MembersOf(const Found& found, eds_MemberSet& ordinals);
-  bool OrdinalOf(Kind kind, const KvoSimPosition& owner, int label, long long& ordinal) const;
+  eds_MemberSet InOrder(Kind kind, const KvoSimPosition& set) const;
+  bool MembersOf(Kind kind, const Found& found, eds_MemberSet& ordinals) const;
+  bool OrdinalOf(Kind kind, const KvoSimPosition& owner, long long label, long long& ordinal) const;
   void LabelsOf(Kind kind, const KvoSimPosition& set, cow_List<int>& labels) const;
-  bool AddField(Kind kind, const cow_String& asWritten, bool isLabel, cow_List<int>& ordinals);
+  bool AddLabel(Kind kind, const KvoSimPosition& owner, long long label,
+                cow_List<int>& ordinals) const;
+  bool AddNamed(Kind kind, std::string_view asWritten, cow_List<int>& ordinals) const;
   void ReadData(Kind kind, const inp_Keyword& keyword, long long row, int col,
                 cow_List<int>& ordinals, cow_List<cow_String>& unknown);
   void ReadParameter(Kind kind, const inp_Keyword& keyword, std::string_view parameter,
