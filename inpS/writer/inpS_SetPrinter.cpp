@@ -6,6 +6,7 @@
 #include "database/eds_DamagedModel.h"
 #include "database/eds_LabelMap.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "inpS/writer/inpS_SetNames.h"
 #include <algorithm>
 
 namespace {
@@ -38,7 +39,7 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
       record.GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
   const eds_MemberSet members = membership.IsNull() ? eds_MemberSet() : membership.Set();
   cow_String start = nodes ? "*NSET, NSET=" : "*ELSET, ELSET=";
-  start += inpS_quoted(record.ReturnString(nodes ? eds_NodeSet_Name : eds_ElementSet_Name));
+  start += inpS_quoted(SetName(set));
   if (record.GetBool(nodes ? eds_NodeSet_Internal : eds_ElementSet_Internal)) start += ", INTERNAL";
   const bool unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
   if (unsorted) start += ", UNSORTED";

@@ -3,6 +3,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/sets/inpS_SurfaceTable.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "inpS/writer/inpS_SetNames.h"
 
 namespace {
 
@@ -12,7 +13,8 @@ cow_String nameOf(const KvoSurfacePiece& piece) {
   cow_String text;
   if (!piece.instance.IsNull())
     text = inpS_quoted(piece.instance.DataRecord().ReturnString(eds_Instance_Name)) + ".";
-  return text + inpS_quoted(piece.source.Name());
+  const bool isSurface = piece.source.IsA(eds_RecordKind::Surface);
+  return text + inpS_quoted(isSurface ? GetSurfaceName(piece.source) : SetName(piece.source));
 }
 
 } // namespace

@@ -1,5 +1,9 @@
 #include "base/utl_Stream.h"
 #include "database/KvoObjDocument.h"
+#include "database/KvoObjElementSet.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoObjNodeSet.h"
+#include "inpS/writer/inpS_SetNames.h"
 #include "inpS/writer/inpS_Sim2Inp.h"
 #include <gtest/gtest.h>
 #include <sstream>
@@ -13,4 +17,21 @@ TEST(Writer, WritesAnEmptyModel) {
   out.Flush();
   EXPECT_EQ(deck, "*HEADING\n"); // what is written can be read
   EXPECT_EQ(diagnostics.str().rfind("inpS_Sim2Inp::Print\ninpS_Sim2Inp::PrintHeading\n", 0), 0u);
+}
+
+// Another program may have made sets without names; what takes the place of these is nobody's.
+TEST(Writer, NamesSetsThatHaveNoName) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  const KvoSimPosition owner = document.GetModel().Position();
+  const auto add = [&](auto set, bool internal) {
+    set.Bind(owner, internal);
+    return set.Position();
+  };
+  const KvoSimPosition nameless = add(KvoObjNodeSet(document.Context(), ""), false);
+  const cow_String usual = "NSET-" + std::to_string(nameless.ID());
+  EXPECT_EQ(SetName(nameless), usual);
+  EXPECT_EQ(SetName(add(KvoObjNodeSet(document.Context(), usual), true)), usual);
+  EXPECT_EQ(SetName(nameless), usual + "-1");
+  const KvoSimPosition elements = add(KvoObjElementSet(document.Context(), ""), true);
+  EXPECT_EQ(SetName(elements), "ELSET-" + std::to_string(elements.ID()));
 }
