@@ -1,7 +1,11 @@
+#include "base/utl_BlockSize.h"
 #include "host/inps_ExportShapes.h"
 #include "tests/host/ProgramRun.h"
 #include <algorithm>
+#include <cstring>
+#include <map>
 #include <set>
+#include <zlib.h>
 
 namespace {
 
@@ -12,7 +16,73 @@ constexpr inp_ShapeKind shapes[] = {
 #include "parser/inp_shapes.def"
 };
 
-// What the files hold is read by VTK in tests/export; here is what goes wrong.
+// The bytes of an array that begins at data, in blocks as the format has them: their number, the
+// size of each, the size of the last (0: as the others), their compressed sizes, the blocks.
+cow_String unpacked(std::string_view data) {
+  const auto word = [&](std::size_t at) {
+    std::uint64_t value = 0;
+    std::memcpy(&value, data.substr(8 * at, 8).data(), 8);
+    return value;
+  };
+  const std::size_t blocks = word(0);
+  std::size_t at = 8 * (3 + blocks);
+  cow_String bytes;
+  for (std::size_t block = 0; block < blocks; ++block) {
+    const bool isShort = block + 1 == blocks && word(2) != 0;
+    cow_String piece(word(isShort ? 2 : 1), '\0');
+    uLongf size = piece.size();
+    const std::string_view packed = data.substr(at, word(3 + block));
+    EXPECT_EQ(uncompress(reinterpret_cast<Bytef*>(piece.data()), &size,
+                         reinterpret_cast<const Bytef*>(packed.data()), packed.size()),
+              Z_OK);
+    EXPECT_EQ(size, piece.size());
+    bytes += piece;
+    at += packed.size();
+  }
+  return bytes;
+}
+
+// All arrays of all files of an export, by file and declaration without its offset.
+std::map<cow_String, cow_String> arraysOf(const std::filesystem::path& folder) {
+  std::map<cow_String, cow_String> arrays;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    if (entry.path().extension() != ".vtu") continue;
+    const cow_String file = readFile(entry.path());
+    const std::string_view data = std::string_view(file).substr(file.find("\n   _") + 5);
+    cow_String section;
+    std::istringstream lines(file.substr(0, file.find("<AppendedData")));
+    for (cow_String line; std::getline(lines, line);) {
+      const std::size_t offset = line.find(" offset=\"");
+      if (offset == cow_String::npos)
+        section = line;
+      else
+        arrays[utl_pathText(entry.path().filename()) + section + line.substr(0, offset)] =
+            unpacked(data.substr(std::stoull(line.substr(offset + 9))));
+    }
+  }
+  return arrays;
+}
+
+// What the files hold is read by VTK in tests/export; here is what goes wrong, and what the size of
+// blocks must not change.
+
+TEST_F(Export, IsTheSameInBlocksOfAnySize) {
+  const auto examples = std::filesystem::path(INPS_TESTS_DIR).parent_path() / "examples";
+  for (const char* name : {"assembly.inp", "plate.inp", "gearbox/gearbox.inp"}) {
+    std::map<cow_String, cow_String> usual;
+    for (const std::size_t limit : {0, 1, 5, 64}) {
+      const TemporaryFolder folder;
+      utl_limitBlockSize(limit);
+      const ProgramRun run({"export", utl_pathText(examples / name), utl_pathText(folder / "m.vtu"),
+                            "--sets", "--surfaces", "--quiet"});
+      utl_limitBlockSize(0);
+      ASSERT_EQ(run.exitCode, 0) << run.err;
+      if (limit == 0) usual = arraysOf(folder.Path());
+      EXPECT_GT(usual.size(), 20u) << name;
+      EXPECT_EQ(arraysOf(folder.Path()) == usual, true) << name << ", blocks of " << limit;
+    }
+  }
+}
 
 TEST_F(Export, EveryShapeHasACellOfItsOwnNodes) {
   for (const inp_ShapeKind kind : shapes) {
