@@ -44,7 +44,7 @@ TURNED = """*PART, NAME=BLOCK
 *ELEMENT, TYPE=CONN3D2, ELSET=LINK
 1, 1, MOVED.1
 2, , 1
-*ELSET, ELSET="A & B", INSTANCE=STILL
+*ELSET, ELSET="A & <B>", INSTANCE=STILL
 7
 *END ASSEMBLY
 """
@@ -220,8 +220,8 @@ class Exports(unittest.TestCase):
         self.assertEqual(members("GROUND"), [(-1, 1)])
         self.assertEqual(members("TWO"), [(1, 1), (1, 14)])
         self.assertEqual(members("MOVED.TOP"), [(1, 11), (1, 12), (1, 13), (1, 14)])
-        self.assertEqual(values(grid.GetCellData(), "Set A & B")[by_name["STILL"]], 1)
-        self.assertEqual(sum(values(grid.GetCellData(), "Set A & B")), 1)
+        self.assertEqual(values(grid.GetCellData(), "Set A & <B>")[by_name["STILL"]], 1)
+        self.assertEqual(sum(values(grid.GetCellData(), "Set A & <B>")), 1)
         normals = grid.GetPointData().GetArray("Normal")
         given = [i for i in range(grid.GetNumberOfPoints()) if any(normals.GetTuple(i))]
         self.assertEqual([node_labels[i] for i in given], [14, 14])
@@ -252,7 +252,7 @@ class Exports(unittest.TestCase):
                  for name, block in found.items()}
         self.assertEqual(sizes, {
             "Mesh": (grid.GetNumberOfPoints(), 4), "Element sets/LINK": (2, 2),
-            "Element sets/A & B": (8, 1), "Element sets/STILL.BODY": (8, 1),
+            "Element sets/A & <B>": (8, 1), "Element sets/STILL.BODY": (8, 1),
             "Element sets/MOVED.BODY": (8, 1), "Node sets/GROUND": (1, 1), "Node sets/TWO": (2, 2),
             "Node sets/STILL.ALL": (8, 8), "Node sets/STILL.TOP": (4, 4),
             "Node sets/MOVED.ALL": (8, 8), "Node sets/MOVED.TOP": (4, 4)})

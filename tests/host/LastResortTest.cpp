@@ -1,5 +1,7 @@
 #include "host/inps_LastResort.h"
+#include "host/inps_Terminal.h"
 #include "tests/host/ProgramRun.h"
+#include <csignal>
 #include <deque>
 #include <optional>
 #include <stdexcept>
@@ -47,6 +49,22 @@ TEST_F(LastResort, FilesGoWhoeverFailsMeanwhile) {
   EXPECT_NE(said.find("internal error"), cow_String::npos);
   EXPECT_EQ(said.find("internal error"), said.rfind("internal error"));
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 1);
+}
+
+// The first request is heeded where the work is; the second ends the process at once.
+TEST_F(LastResort, WhoAsksTwiceDoesNotWait) {
+  for (const int request : {SIGINT, SIGTERM, SIGHUP}) {
+    const auto asked = [&](int times) {
+      return [=] {
+        std::signal(request, SIG_DFL);
+        inps_stopWhenAsked();
+        for (int n = 0; n < times; ++n) std::raise(request);
+        return 42;
+      };
+    };
+    EXPECT_EQ(inChild(m_folder / "said", asked(1)), 42) << request;
+    EXPECT_EQ(inChild(m_folder / "said", asked(2)), -1) << request;
+  }
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)

@@ -36,6 +36,7 @@ CASES = [
     ("#ifdef _WIN32\nx = a < b;\n#else\n;\n#endif", []),
     ("constexpr std::size_t pieceBytes = 64 << 10;", []),
     ("void f(const double point[3]);", []),
+    ("public: Table(const Keyword& keyword, int columns);", []),
     ("template <class T, int N> void f(T&& a, const T& b);", []),
     ("text += \"a < b, \" + name + \" 1\";", [";"]),
     ("R\"x(a < b)\" == 1)x\"", []),

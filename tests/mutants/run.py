@@ -61,6 +61,7 @@ def main():
     parser.add_argument("seed", nargs="?", type=int, default=1, help="what is drawn (1)")
     parser.add_argument("--only", default="", metavar="PATH", help="faults below PATH alone")
     parser.add_argument("--again", action="store_true", help="what survived the last run")
+    parser.add_argument("--quick", action="store_true", help="without the tests that take long")
     parser.add_argument("--list", action="store_true", help="show what would be tried, try nothing")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     arguments = parser.parse_args()
@@ -79,7 +80,7 @@ def main():
             show(mutant)
         return 3 if stale else 0
 
-    workshop = Workshop(arguments.root, place, arguments.jobs)
+    workshop = Workshop(arguments.root, place, arguments.jobs, arguments.quick)
     workshop.prepare()
     survivors, tried, drawn_again = run(arguments, workshop, texts, mutants)
     with open(last, "w", encoding="utf-8") as file:

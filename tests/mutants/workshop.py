@@ -15,6 +15,8 @@ import source
 SKIPPED = {"build", ".git", ".cache", "__pycache__"}
 # Slow ones come last, but for those that know the mutant's folder best.
 SLOW = ["random", "host", "database", "faults"]
+# Most of the time of all is theirs.
+LONG = ["random", "faults", "scripts"]
 # What ctest runs besides the test programs. Kills by the clock are no proof of a mutant's end.
 SCRIPTS = "^(export|plot)[.]|^torture[.](damage|full_disk)"
 MEMORY = 12 << 30  # bytes a test program may ask for
@@ -28,8 +30,9 @@ class Trouble(Exception):
 
 
 class Workshop:
-    def __init__(self, root, place, jobs):
-        self.root, self.tree, self.jobs = root, os.path.join(place, "tree"), jobs
+    def __init__(self, root, place, jobs, quick):
+        self.root, self.tree = root, os.path.join(place, "tree")
+        self.jobs, self.quick = jobs, quick
         # Where a release build of the tree itself would be: a compiler cache knows its objects.
         self.build = os.path.join(self.tree, "build", "release")
         self.known = os.path.join(place, "sound.json")
@@ -102,21 +105,22 @@ class Workshop:
             folders[:] = [name for name in folders if name not in SKIPPED]
             for name in sorted(names):
                 state.update(content(os.path.join(place, name)))
+        kept = {}
         if os.path.exists(self.known):
             with open(self.known, encoding="utf-8") as file:
                 kept = json.load(file)
-            if kept["state"] == state.hexdigest():
-                return kept["seconds"]
-        seconds = {}
+        seconds = kept["seconds"] if kept.get("state") == state.hexdigest() else {}
         for name in [*self.links, "scripts"]:
+            if name in seconds or (self.quick and name in LONG):
+                continue
             used, start = resource.getrusage(resource.RUSAGE_CHILDREN), time.monotonic()
             if not self._passes(name, (600, 600)):
                 raise Trouble(f"without any fault {name} fails:\n{self.words}")
             now = resource.getrusage(resource.RUSAGE_CHILDREN)
             seconds[name] = [time.monotonic() - start,
                              now.ru_utime + now.ru_stime - used.ru_utime - used.ru_stime]
-        with open(self.known, "w", encoding="utf-8") as file:
-            json.dump({"state": state.hexdigest(), "seconds": seconds}, file)
+            with open(self.known, "w", encoding="utf-8") as file:
+                json.dump({"state": state.hexdigest(), "seconds": seconds}, file)
         return seconds
 
     def order(self, path):
@@ -128,7 +132,8 @@ class Workshop:
             own = library in self.links[name]
             return (0 if name == library[len("inps_"):] else 1 if own and name not in SLOW else
                     2 if name == "decks" else 4 + SLOW.index(name) if name in SLOW else 3)
-        return sorted(self.links, key=rank) + ["scripts"]
+        names = sorted(self.links, key=rank) + ["scripts"]
+        return [name for name in names if not self.quick or name not in LONG]
 
     def try_mutant(self, mutant, text):
         """What came of it: "compiler", "same", the name of the test that noticed, or None."""
@@ -142,10 +147,11 @@ class Workshop:
                     return "compiler"
                 if digest(unit) == self.objects[mutant.path]:
                     return "same"
-            for name in self.order(mutant.path):
+            names = self.order(mutant.path)
+            for name in names:
                 if not self._ninja("all" if name == "scripts" else f"test_{name}"):
                     return "compiler"
-                if name == "scripts" and all(digest(output) == self.objects[path]
+                if name == names[-1] and all(digest(output) == self.objects[path]
                                              for path, output in self.units.items()):
                     return "same"
                 limits = [max(least, times * seconds) for least, times, seconds in
@@ -181,10 +187,10 @@ class Workshop:
 
     def _start(self, words, folder, more, limits):
         def bound():
-            resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
             resource.setrlimit(resource.RLIMIT_FSIZE, (FILE, FILE))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-            if limits[1] != resource.RLIM_INFINITY:
+            if limits[1] != resource.RLIM_INFINITY:  # not a browser, which reserves without measure
+                resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
                 resource.setrlimit(resource.RLIMIT_CPU, (int(limits[1]) + 1, int(limits[1]) + 5))
         told = tempfile.TemporaryFile(dir=folder)
         environment = dict(os.environ, TMPDIR=folder, HOME=folder, **more)
@@ -213,10 +219,12 @@ class Workshop:
 def end(process):
     """Ends a process and all that it started: it is the head of a session of its own."""
     if process.poll() is None or process.returncode:
-        try:
-            os.killpg(process.pid, signal.SIGKILL)
-        except ProcessLookupError:
-            pass
+        for number in filter(str.isdigit, os.listdir("/proc")):
+            try:
+                if os.getsid(int(number)) == process.pid:
+                    os.kill(int(number), signal.SIGKILL)
+            except OSError:
+                pass  # it has ended meanwhile
     process.wait()
 
 

@@ -94,6 +94,8 @@ TEST(Expression, Faults) {
       {"2*x", "at 2: there is no parameter \"x\" before this line"},
       {"bessel(1)", "at 0: the function \"bessel\" is not known"},
       {"sin(1,2)", "at 0: the function \"sin\" takes 1 arguments, not 2"},
+      {"pow(2)", "at 0: the function \"pow\" takes 2 arguments, not 1"},
+      {"hypot(3)", "at 0: the function \"hypot\" takes 2 arguments, not 1"},
       {"max()", "at 0: the function \"max\" takes 1 or more arguments, not 0"},
       {"mat*2", "at 0: the parameter \"mat\" is a text; it cannot be calculated with"},
       {"'open", "at 0: a quote that is not closed"},
