@@ -21,6 +21,11 @@ inline void utl_askToStop() noexcept {
   utl_interruption::g_asked = true;
 }
 
+// For those who may not throw: what they break off asks again by utl_stopIfAsked.
+inline bool utl_isAskedToStop() noexcept {
+  return utl_interruption::g_asked.load(std::memory_order_relaxed);
+}
+
 // Stands where long work comes past every few milliseconds and where it may end. Throws
 // utl_Interruption once for each asking: what then puts things back is not stopped itself.
 inline void utl_stopIfAsked() {

@@ -1,8 +1,10 @@
 #include "database/engine/eds_Engine.h"
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
+#include "base/utl_Interruption.h"
 #include "database/eds_Exception.h"
 #include "database/engine/eds_PageChecksums.h"
+#include <algorithm>
 #include <cstring>
 #include <sqlite3.h>
 
@@ -68,8 +70,38 @@ void eds_Engine::Open(const std::filesystem::path& file, eds_OpenMode mode) {
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(m_database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+  LimitWork();
   Execute("PRAGMA cell_size_check = ON");
   Execute("PRAGMA temp_store = MEMORY");
+}
+
+// A stranger's file may be built to keep the engine busy: a tree of pages that come again and again
+// holds more rows than anybody can count. Our statements take a few steps for each byte that they
+// read, so one that takes many more ends.
+constexpr int stepsPerLook = 50'000; // some milliseconds at most
+constexpr int64_t stepsPerByte = 20;
+constexpr int64_t leastLooks = 200;
+constexpr int longestStatement =
+    4'000'000; // of the schema; a table of ours has some thousand bytes
+constexpr int deepestExpression = 100;
+
+void eds_Engine::LimitWork() {
+  sqlite3_limit(m_database, SQLITE_LIMIT_SQL_LENGTH, longestStatement);
+  sqlite3_limit(m_database, SQLITE_LIMIT_EXPR_DEPTH, deepestExpression);
+  m_work = m_mostWork = 0;
+  const bool isMade = m_mode == eds_OpenMode::New || m_mode == eds_OpenMode::Memory;
+  if (isMade) return;
+  std::error_code ignored;
+  const auto bytes = static_cast<int64_t>(std::filesystem::file_size(m_file, ignored));
+  m_mostWork = leastLooks + std::max<int64_t>(bytes, 0) * stepsPerByte / stepsPerLook;
+  sqlite3_progress_handler(m_database, stepsPerLook, &eds_Engine::Watch, this);
+}
+
+// A write is not broken off: it is short, and what gives it up asks by itself.
+int eds_Engine::Watch(void* engine) noexcept {
+  auto& self = *static_cast<eds_Engine*>(engine);
+  if (self.m_inPhysical) return 0;
+  return utl_isAskedToStop() || ++self.m_work > self.m_mostWork ? 1 : 0;
 }
 
 void eds_Engine::OpenRecovered(const std::filesystem::path& file) {
@@ -121,6 +153,7 @@ void eds_Engine::Close() {
 }
 
 void eds_Engine::Execute(const char* sql) {
+  m_work = 0;
   const int code = sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) Fail(code);
 }
@@ -227,6 +260,10 @@ void eds_Engine::Fail(int code) {
     break;
   }
   switch (code & 0xff) {
+  case SQLITE_INTERRUPT:
+    utl_stopIfAsked();
+    throw eds_DamagedFileException(file + " is damaged: it takes more work to read than a model of "
+                                          "its size can");
   case SQLITE_FULL:
     throw eds_DiskException("cannot write " + file + ": no space left");
   case SQLITE_IOERR:
@@ -290,10 +327,17 @@ void eds_Statement::BindNull(int parameter) {
   Check(sqlite3_bind_null(m_statement, parameter));
 }
 
-bool eds_Statement::Step() {
+void eds_Statement::Begin() {
   if (m_statement == nullptr) Prepare();
+  m_engine->m_work = 0;
+  m_runs = true;
+}
+
+bool eds_Statement::Step() {
+  if (!m_runs) Begin();
   const int code = sqlite3_step(m_statement);
   if (code == SQLITE_ROW) return true;
+  m_runs = false;
   if (code == SQLITE_DONE) return false;
   sqlite3_reset(m_statement);
   m_engine->Fail(code);
@@ -306,12 +350,14 @@ void eds_Statement::Run() {
 }
 
 void eds_Statement::Reset() {
+  m_runs = false;
   if (m_statement != nullptr) sqlite3_reset(m_statement);
 }
 
 void eds_Statement::Finalize() {
   sqlite3_finalize(m_statement);
   m_statement = nullptr;
+  m_runs = false;
 }
 
 eds_Statement::Type eds_Statement::ColumnType(int column) const {

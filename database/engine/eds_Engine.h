@@ -48,11 +48,13 @@ public:
 
 private:
   void Prepare();
+  void Begin(); // a run of the statement
   void Check(int code) const;
 
   eds_Engine* m_engine;
   cow_String m_sql;
   sqlite3_stmt* m_statement = nullptr;
+  bool m_runs = false;
 };
 
 enum class eds_OpenMode { New, ReadOnly, Durable, Memory };
@@ -111,6 +113,9 @@ private:
 
   static std::chrono::milliseconds s_gatherTime;
 
+  static int Watch(void* engine) noexcept;
+  void LimitWork();
+
   sqlite3* m_database = nullptr;
   std::filesystem::path m_file;
   std::filesystem::path m_shown;
@@ -118,6 +123,8 @@ private:
   std::chrono::milliseconds m_patience{0};
   std::deque<eds_Statement> m_statements;
   Clock::time_point m_physicalSince;
+  int64_t m_mostWork = 0; // of one statement, in looks of Watch; 0: no limit
+  int64_t m_work = 0;
   bool m_inPhysical = false;
   bool m_holdsCommits = false; // logical ones, not yet physical
   bool m_hasMark = false;

@@ -3,6 +3,7 @@
 #include "database/eds_Exception.h"
 #include "database/engine/eds_Journal.h"
 #include "database/engine/eds_PageChecksums.h"
+#include "database/engine/eds_StoredSchema.h"
 #include "database/schema/eds_Schema.h"
 #include <algorithm>
 #include <cstring>
@@ -10,30 +11,18 @@
 
 namespace {
 
-std::string_view sqlType(eds_FieldType type) {
-  switch (type) {
-  case eds_FieldType::Real:
-    return "REAL";
-  case eds_FieldType::Text:
-    return "TEXT";
-  case eds_FieldType::Bytes:
-    return "BLOB";
-  default:
-    return "INTEGER";
-  }
-}
-
 // The columns of one field, each behind `before`.
 cow_String fieldColumns(const eds_FieldInfo& field, std::string_view before) {
   cow_String columns;
   if (field.type == eds_FieldType::AnyRef)
     columns += cow_String(before) + eds_sqlName(cow_String(field.column) + "_kind") + " INTEGER";
   return columns + cow_String(before) + eds_sqlName(field.column) + " " +
-         cow_String(sqlType(field.type));
+         cow_String(eds_columnType(field.type));
 }
 
 cow_String createTable(const eds_RecordInfo& record) {
-  cow_String sql = "CREATE TABLE " + eds_sqlName(record.table) + " (\n  id INTEGER PRIMARY KEY";
+  cow_String sql =
+      "CREATE TABLE IF NOT EXISTS " + eds_sqlName(record.table) + " (\n  id INTEGER PRIMARY KEY";
   for (const eds_FieldInfo& field : record.fields) sql += fieldColumns(field, ",\n  ");
   return sql + "\n) STRICT";
 }
@@ -78,7 +67,7 @@ cow_String readable(const eds_FieldInfo& field) {
 }
 
 cow_String createView(const eds_RecordInfo& record) {
-  cow_String sql = "CREATE VIEW v_" + cow_String(record.table) + " AS SELECT\n  r.id";
+  cow_String sql = "CREATE VIEW IF NOT EXISTS v_" + cow_String(record.table) + " AS SELECT\n  r.id";
   for (const eds_FieldInfo& field : record.fields) {
     const cow_String column = "r." + eds_sqlName(field.column);
     const cow_String text = readable(field);
@@ -242,14 +231,15 @@ void eds_createTable(eds_Engine& engine, const eds_RecordInfo& record) {
   engine.Execute(createView(record).c_str());
 }
 
-void eds_upgradeTables(eds_Engine& engine) {
+void eds_upgradeTables(eds_Engine& engine, const eds_StoredSchema& stored) {
   engine.Execute("BEGIN IMMEDIATE");
   for (const eds_RecordInfo& record : eds_schemaRecords()) {
-    const std::vector<cow_String> columns = eds_storedColumns(engine, record.table);
-    if (columns.empty()) {
+    const std::vector<cow_String>* const known = stored.Columns(record.table);
+    if (known == nullptr) {
       if (!eds_isLateKind(record.kind)) eds_createTable(engine, record);
       continue;
     }
+    const std::vector<cow_String>& columns = *known;
     bool grown = false;
     for (const eds_FieldInfo& field : record.fields) {
       if (std::find(columns.begin(), columns.end(), field.column) != columns.end()) continue;
@@ -267,20 +257,26 @@ void eds_upgradeTables(eds_Engine& engine) {
   engine.Execute("COMMIT");
 }
 
-std::vector<cow_String> eds_storedColumns(eds_Engine& engine, std::string_view table) {
-  eds_Statement plain(engine, "SELECT type, sql LIKE 'CREATE TABLE %' FROM sqlite_schema WHERE "
-                              "name = ? COLLATE NOCASE AND type IN ('table', 'view')");
-  plain.BindText(1, table);
-  if (!plain.Step()) return {};
-  if (plain.Text(0) != "table" || plain.Int(1) != 1) {
-    throw eds_DamagedFileException("\"" + utl_pathText(engine.File()) +
-                                   "\" is damaged: " + cow_String(table) + " is no plain table");
+std::string_view eds_columnType(eds_FieldType type) {
+  switch (type) {
+  case eds_FieldType::Real:
+    return "REAL";
+  case eds_FieldType::Text:
+    return "TEXT";
+  case eds_FieldType::Bytes:
+    return "BLOB";
+  default:
+    return "INTEGER";
   }
-  std::vector<cow_String> columns;
-  eds_Statement statement(engine, "SELECT name FROM pragma_table_xinfo(?) WHERE hidden = 0");
-  statement.BindText(1, table);
-  while (statement.Step()) columns.emplace_back(statement.Text(0));
-  return columns;
+}
+
+bool eds_isFixedTable(std::string_view table, std::string_view sql) {
+  const auto isIt = [&](std::string_view statement) {
+    constexpr std::string_view begin = "CREATE TABLE ";
+    return sql == statement && statement.substr(begin.size()).starts_with(table) &&
+           statement[begin.size() + table.size()] == ' ';
+  };
+  return std::ranges::any_of(fixedTables, isIt) || std::ranges::any_of(schemaTables, isIt);
 }
 
 void eds_checkHeader(const std::filesystem::path& file) {

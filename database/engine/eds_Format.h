@@ -14,15 +14,26 @@ constexpr int eds_pageSize = 16384;
 // Lays down the tables, the views and the stored schema in an empty file.
 void eds_createTables(eds_Engine& engine);
 
-// The table and the view of one record kind.
+// The table and the view of one record kind, when they are not there.
 void eds_createTable(eds_Engine& engine, const eds_RecordInfo& record);
 
 // Adds the tables and columns that an older file lacks.
-void eds_upgradeTables(eds_Engine& engine);
+class eds_StoredSchema;
+void eds_upgradeTables(eds_Engine& engine, const eds_StoredSchema& stored);
 
-// The columns of one table on disk; empty when there is no such table. Refuses what is not a plain
-// table.
-std::vector<cow_String> eds_storedColumns(eds_Engine& engine, std::string_view table);
+// The engine's type of a field's column.
+std::string_view eds_columnType(eds_FieldType type);
+// A table that is no record kind's, by the statement that lays it down.
+bool eds_isFixedTable(std::string_view table, std::string_view sql);
+// A file without these is none of ours, whatever its marks say: every version lays them down first.
+constexpr std::string_view eds_requiredTables[] = {"meta",
+                                                   "chunk",
+                                                   "model",
+                                                   "schema_record",
+                                                   "schema_field",
+                                                   "schema_member",
+                                                   "schema_collection",
+                                                   "schema_symbol"};
 
 // Looks at the first bytes of a file before the engine does: is it one of ours, in a format we
 // know? Throws eds_FileAccessException, eds_NotOurFileException, eds_NewerFormatException.

@@ -1,4 +1,5 @@
 #include "database/engine/eds_PageChecksums.h"
+#include "base/utl_Interruption.h"
 #include "database/eds_Exception.h"
 #include "database/engine/eds_FileLayer.h"
 #include <cerrno>
@@ -17,6 +18,7 @@ constexpr int smallestPage = 512;
 struct File {
   eds_LayeredFile layered;
   bool hasChecksums;
+  bool readOnly;
   int64_t mismatchedPage;
 };
 
@@ -41,6 +43,9 @@ XXH64_hash_t checksumOf(std::span<const std::byte> page, int64_t at) {
 
 int readFile(sqlite3_file* base, void* data, int size, sqlite3_int64 at) {
   auto& file = *reinterpret_cast<File*>(base);
+  // The engine looks at all pages of a file in one step. Whoever only reads has nothing to put
+  // back.
+  if (file.readOnly && utl_isAskedToStop()) return SQLITE_INTERRUPT;
   const int code = eds_realFile(base)->pMethods->xRead(eds_realFile(base), data, size, at);
   if (code != SQLITE_OK) return code;
   noteHeader(file, data, size, at);
@@ -83,6 +88,7 @@ int openFile(sqlite3_vfs*, const char* name, sqlite3_file* base, int flags, int*
   if ((flags & SQLITE_OPEN_MAIN_DB) == 0)
     return g_system->xOpen(g_system, name, base, flags, flagsOut);
   *reinterpret_cast<File*>(base) = {};
+  reinterpret_cast<File*>(base)->readOnly = (flags & SQLITE_OPEN_READONLY) != 0;
   return eds_openReal(*g_system, name, base, sizeof(File), flags, flagsOut, g_methods);
 }
 

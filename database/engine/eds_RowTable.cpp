@@ -276,8 +276,7 @@ void eds_RowTable::LoadField(eds_Statement& row, int column, int64_t id, int fie
 
 eds_Statement& eds_RowTable::InsertStatement() {
   if (m_insert != nullptr) return *m_insert;
-  if (eds_isLateKind(m_info.kind) && eds_storedColumns(m_engine, m_info.table).empty())
-    eds_createTable(m_engine, m_info);
+  if (eds_isLateKind(m_info.kind)) eds_createTable(m_engine, m_info);
   cow_String columns = "id";
   cow_String values = "?";
   for (const eds_FieldInfo& field : m_info.fields) {

@@ -138,10 +138,13 @@ void eds_Store::Open(const std::filesystem::path& file, bool readOnly) {
   m_engine.Open(file, readOnly ? eds_OpenMode::ReadOnly : eds_OpenMode::Durable);
   eds_checkLength(m_engine);
   m_engine.ApplyMode();
-  m_engine.QueryInt("SELECT count(*) FROM sqlite_schema");
+  m_schema.Read(m_engine); // before anything else of it is read
   LoadMeta();
-  if (!readOnly && m_engine.QueryInt("SELECT count(*) FROM schema_field") != eds_schemaFieldCount())
-    eds_upgradeTables(m_engine);
+  if (!readOnly &&
+      m_engine.QueryInt("SELECT count(*) FROM schema_field") != eds_schemaFieldCount()) {
+    eds_upgradeTables(m_engine, m_schema);
+    m_schema.Forget();
+  }
 }
 
 void eds_Store::DropJournal() {
@@ -304,7 +307,7 @@ void eds_Store::ForgetAll() {
   for (eds_RowTable& table : m_tables) table.Forget();
   m_links.Forget();
   m_csets.clear();
-  m_storedTables.clear();
+  m_schema.Forget();
 }
 
 void eds_Store::Save() {
@@ -323,21 +326,11 @@ void eds_Store::BeforeChunk() {
 
 // ---- objects
 
-// One look at the list of tables: most kinds have none, and there are hundreds of them.
-bool eds_Store::IsStored(const eds_RecordInfo& info) {
-  if (m_storedTables.empty()) {
-    std::unordered_set<cow_String> stored; // all of them, or none when the look fails
-    eds_Statement names(m_engine, "SELECT lower(name) FROM sqlite_schema");
-    while (names.Step()) stored.emplace(names.Text(0));
-    m_storedTables = std::move(stored);
-  }
-  return m_storedTables.contains(cow_String(info.table));
-}
-
 void eds_Store::Load(eds_RowTable& table) {
   utl_ASSERT(!IsClosed());
-  table.SetStoredColumns(IsStored(table.Info()) ? eds_storedColumns(m_engine, table.Info().table)
-                                                : std::vector<cow_String>());
+  if (!m_schema.IsRead()) m_schema.Read(m_engine);
+  const std::vector<cow_String>* const columns = m_schema.Columns(table.Info().table);
+  table.SetStoredColumns(columns != nullptr ? *columns : std::vector<cow_String>());
   table.Load();
 }
 

@@ -5,11 +5,11 @@
 #include "database/engine/eds_ChunkStore.h"
 #include "database/engine/eds_LinkIndex.h"
 #include "database/engine/eds_RowTable.h"
+#include "database/engine/eds_StoredSchema.h"
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <unordered_map>
-#include <unordered_set>
 
 // One open model: its records in memory, what of them has changed, and the file beneath. Everything
 // the Kvo handles do is done here.
@@ -80,7 +80,6 @@ private:
     std::shared_ptr<const eds_MemberSet> members;
   };
 
-  bool IsStored(const eds_RecordInfo& info);
   void Load(eds_RowTable& table);
   void ForgetAll();
   void StartEmpty();
@@ -110,8 +109,8 @@ private:
   std::unordered_map<int64_t, std::weak_ptr<const eds_MemberSet>> m_csets;
   std::vector<TempCSet> m_tempCSets;
   std::vector<int64_t> m_tempDistributions;
-  size_t m_lastingTempDistributions = 0;         // those of what was committed
-  std::unordered_set<cow_String> m_storedTables; // empty: not read yet
+  size_t m_lastingTempDistributions = 0; // those of what was committed
+  eds_StoredSchema m_schema;
   std::map<cow_String, cow_String> m_meta;
   bool m_metaChanged = false;
 

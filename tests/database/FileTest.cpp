@@ -1,3 +1,4 @@
+#include "base/utl_Interruption.h"
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjModel.h"
 #include "database/eds_Array.h"
@@ -35,7 +36,8 @@ void addRecord(const KvoObjDocument& document, int number) {
   KvoSimTransaction transaction(document.ContextID());
   const KvoSimPosition record = document.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   record.DataRecord().SetInt(eds_VerbatimKeyword_Position, number);
-  record.DataRecord().SetString(eds_VerbatimKeyword_Text, "*KEPT");
+  record.DataRecord().SetString(eds_VerbatimKeyword_Keyword, "KEPT");
+  record.DataRecord().SetString(eds_VerbatimKeyword_Text, "*KEPT\n");
   document.Focus().AssociateStringKey(eds_Member::Parts, std::to_string(number),
                                       document.CreateDataRecord(eds_RecordKind::Part));
   transaction.Commit();
@@ -165,7 +167,7 @@ const Refusal refusals[] = {
      [](const fs::path& f) {
        runSql(f, "DROP TABLE part; CREATE VIEW part AS SELECT 1 AS id, 'x' AS name");
      },
-     "no plain table", isA<eds_DamagedFileException>},
+     "its schema holds the view part, which no model has", isA<eds_NotOurFileException>},
     {"absurd number",
      [](const fs::path& f) { runSql(f, "INSERT INTO part (id, name) VALUES (1 << 40, 'x')"); },
      "table part: record number", isA<eds_DamagedFileException>},
@@ -243,6 +245,21 @@ TEST(File, RecordsThatDoNotHoldTogetherAreRefused) {
     EXPECT_EQ(refusal.empty(), text == nullptr) << sql << "\n" << refusal;
     EXPECT_NE(refusal.find(text ? text : ""), std::string::npos) << sql << "\n" << refusal;
   }
+}
+
+// Whatever keeps the engine busy, a limit ends it, and the user sooner.
+TEST(File, NoStatementRunsForEver) {
+  const TemporaryFolder folder;
+  KvoObjDocument::Create(folder / "m.sim").Finish();
+  eds_Engine engine;
+  engine.Open(folder / "m.sim", eds_OpenMode::ReadOnly);
+  constexpr const char* endless = "WITH RECURSIVE r(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM r) "
+                                  "SELECT count(*) FROM r";
+  for (int round = 0; round < 2; ++round) // each has the whole allowance
+    EXPECT_THROW(engine.QueryInt(endless), eds_DamagedFileException);
+  EXPECT_GT(engine.QueryInt("SELECT count(*) FROM schema_field"), 500);
+  utl_askToStop();
+  EXPECT_THROW(engine.QueryInt(endless), utl_Interruption);
 }
 
 // Any byte may be wrong: reading ends in our exceptions or in a fault found, never in a crash.
