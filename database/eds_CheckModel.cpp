@@ -1,6 +1,8 @@
 #include "base/utl_File.h"
+#include "base/utl_Interruption.h"
 #include "database/eds_CheckLinks.h"
 #include "database/eds_CheckRecords.h"
+#include "database/eds_CheckTexts.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
 #include "database/engine/eds_Format.h"
@@ -89,6 +91,7 @@ private:
     eds_Statement rows(m_store.Engine(), "PRAGMA integrity_check(20)");
     while (rows.Step())
       if (rows.Text(0) != "ok") Fault(cow_String(rows.Text(0)));
+    utl_stopIfAsked();                           // what was not read then is no fault of the file
     if (m_store.Meta("finished") != "1") return; // one that died may leave a page behind its last
     if (const int64_t more = eds_bytesBehindPages(m_store.Engine()); more > 0)
       Fault("behind the last page stand " + std::to_string(more) + " bytes that are of none");
@@ -108,15 +111,35 @@ private:
 
   void CheckField(const eds_RowTable& rows, int64_t id, int field) {
     const eds_FieldInfo& info = rows.Field(field);
-    const cow_String where = Name(rows.Info().kind, id) + ", " + cow_String(info.column) + ": ";
-    if (info.type == eds_FieldType::Symbol) {
+    const auto fault = [&](const cow_String& what) {
+      Fault(Name(rows.Info().kind, id) + ", " + cow_String(info.column) + ": " + what);
+    };
+    switch (info.type) {
+    case eds_FieldType::Symbol: {
       const int64_t symbol = rows.Int(id, field);
       if (symbol >= static_cast<int64_t>(eds_schemaSymbols(info.vocabulary).size()))
-        Fault(where + "no symbol " + std::to_string(symbol));
+        fault("no symbol " + std::to_string(symbol));
+      break;
     }
-    if (info.type != eds_FieldType::Ref && info.type != eds_FieldType::AnyRef) return;
-    const eds_ObjectID target = rows.Reference(id, field);
-    if (!m_store.Exists(target)) Fault(where + m_reader.Describe(target));
+    case eds_FieldType::Text:
+      if (const cow_String what = TextFault(rows, id, field); !what.empty()) fault(what);
+      break;
+    case eds_FieldType::Ref:
+    case eds_FieldType::AnyRef:
+      if (const eds_ObjectID target = rows.Reference(id, field); !m_store.Exists(target))
+        fault(m_reader.Describe(target));
+      break;
+    default:
+      break;
+    }
+  }
+
+  static cow_String TextFault(const eds_RowTable& rows, int64_t id, int field) {
+    const eds_RecordKind kind = rows.Info().kind;
+    const std::string_view keyword = kind == eds_RecordKind::VerbatimKeyword
+                                         ? rows.Text(id, eds_VerbatimKeyword_Keyword)
+                                         : std::string_view();
+    return eds_textFault(kind, rows.Field(field), rows.Text(id, field), keyword);
   }
 
   void CheckLinks() {
@@ -272,23 +295,79 @@ private:
     CheckLength(name, rows, id, eds_ElementBlock_Connectivity, eds_ValueType::Int32, width, count);
   }
 
+  // What the entries of a block may be, as the writer makes them: nodes of its own owner (in the
+  // assembly, of the whole mesh), and no node only where its type can do without one.
+  struct Connectivity {
+    int64_t first = 0;
+    int64_t end = 0;
+    int64_t least = 0;     // nodes of an element
+    bool anyPlace = false; // a connector's first node may be the ground
+    int64_t width = 0;
+  };
+
+  Connectivity ConnectivityOf(const eds_RowTable& rows, int64_t id) {
+    const eds_ObjectID owner = rows.Reference(id, eds_ElementBlock_Owner);
+    Connectivity all;
+    all.width = rows.Int(id, eds_ElementBlock_Width);
+    all.end = OwnNodes(owner);
+    if (rows.Int(id, eds_ElementBlock_FlatFirst) >= 0) {
+      const int64_t base = rows.Int(id, eds_ElementBlock_NodeBase);
+      all.end = FlatNodes() - base;
+      const eds_RowTable& instances = m_store.Rows(eds_RecordKind::Instance);
+      if (owner.RecordKind() == eds_RecordKind::Instance && instances.Has(owner.id)) {
+        all.first = std::max<int64_t>(0, instances.Int(owner.id, eds_Instance_FirstNode) - base);
+        all.end = instances.Int(owner.id, eds_Instance_FirstNode) - base +
+                  instances.Int(owner.id, eds_Instance_NodeCount);
+      }
+    }
+    const eds_RowTable& specs = m_store.Rows(eds_RecordKind::ElementSpec);
+    const int64_t spec = rows.Reference(id, eds_ElementBlock_Spec).id;
+    if (!specs.Has(spec)) return all;
+    all.least = specs.Int(spec, eds_ElementSpec_MinNodes);
+    all.anyPlace = specs.Text(spec, eds_ElementSpec_Name).starts_with("CONN");
+    return all;
+  }
+
+  // Of the elements of one piece of the array, the first is `element` of its block.
+  void CheckNodes(const cow_String& name, const Connectivity& all, std::span<const int32_t> nodes,
+                  int64_t element) {
+    const auto [low, high] = std::ranges::minmax(nodes); // nearly always that is all
+    if (low >= all.first && high < all.end) return;
+    const auto width = static_cast<size_t>(all.width);
+    for (; !nodes.empty(); nodes = nodes.subspan(width), ++element) {
+      int64_t present = 0;
+      for (size_t place = 0; place < width; ++place) {
+        const int32_t node = nodes[place];
+        present += node != -1;
+        const bool mayLack = all.anyPlace || static_cast<int64_t>(place) >= all.least;
+        if (node == -1 ? mayLack : node >= all.first && node < all.end) continue;
+        const cow_String where = name + ": its element " + std::to_string(element);
+        if (node == -1) return Fault(where + " lacks its node " + std::to_string(place + 1));
+        return Fault(where + " refers to node " + std::to_string(node) + ", not one of " +
+                     std::to_string(all.first) + " to " + std::to_string(all.end - 1));
+      }
+      if (present < all.least) // of a connector
+        return Fault(name + ": its element " + std::to_string(element) + " has too few nodes");
+    }
+  }
+
   void CheckElementBlock(int64_t id) {
     CheckElementLength(id);
     const eds_RowTable& rows = m_store.Rows(eds_RecordKind::ElementBlock);
     const cow_String name = Name(eds_RecordKind::ElementBlock, id);
     const eds_ObjectID array = rows.Reference(id, eds_ElementBlock_Connectivity);
-    if (array.IsNull()) return;
-    const bool flat = rows.Int(id, eds_ElementBlock_FlatFirst) >= 0;
-    const int64_t base = rows.Int(id, eds_ElementBlock_NodeBase);
-    const int64_t nodes =
-        flat ? FlatNodes() - base : OwnNodes(rows.Reference(id, eds_ElementBlock_Owner));
+    if (array.IsNull() || !m_store.Exists(array)) return; // the latter is told
+    const Connectivity all = ConnectivityOf(rows, id);
     eds_ArrayReader reader = m_reader.Array(array.id);
+    if (all.width < 1 || reader.Width() != all.width) return; // told, too
+    if (all.width < all.least)
+      return Fault(name + ": its elements have " + std::to_string(all.width) +
+                   " nodes, their type has " + std::to_string(all.least));
+    int64_t element = 0;
     for (int64_t chunk = 0; chunk < reader.ChunkCount(); ++chunk) {
-      for (int32_t node : reader.Chunk<int32_t>(chunk)) {
-        if (node >= -1 && node < nodes) continue;
-        return Fault(name + ": refers to node " + std::to_string(node) + " of " +
-                     std::to_string(nodes));
-      }
+      const std::span<const int32_t> nodes = reader.Chunk<int32_t>(chunk);
+      if (!nodes.empty()) CheckNodes(name, all, nodes, element);
+      element += static_cast<int64_t>(nodes.size()) / all.width;
     }
   }
 

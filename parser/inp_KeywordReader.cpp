@@ -1,4 +1,5 @@
 #include "parser/inp_KeywordReader.h"
+#include "base/utl_Controls.h"
 #include "parser/inp_DeckParameters.h"
 #include "parser/inp_TextLines.h"
 #include "parser/inp_Utf8Text.h"
@@ -25,14 +26,14 @@ char upper(char c) {
 
 cow_String foldName(std::string_view name) {
   cow_String out;
-  for (const char c : name)
+  for (const char c : utl_withoutControls(name))
     if (!inp_isBlank(c)) out += lower(c);
   return out;
 }
 
 cow_String singleBlanks(std::string_view name) {
   cow_String out;
-  for (const char c : name) {
+  for (const char c : utl_withoutControls(name)) {
     if (!inp_isBlank(c))
       out += upper(c);
     else if (!out.ends_with(' '))
@@ -75,7 +76,7 @@ inp_KeywordReader::Result inp_KeywordReader::Read(const inp_DeckTextPtr& text, c
   ReadName(name);
   const bool tooLong = IsTooLong(line);
   line.begin = name.begin;
-  if (!tooLong) CheckReturns(line);
+  if (!tooLong) CheckCharacters(line);
   bool goesOn = !tooLong && line.begin != line.end && ReadParameters(line);
   m_body->end = tooLong ? name.begin : firstEnd; // nobody may work on gigabytes of damage
   m_result.lines = 1;
@@ -84,7 +85,7 @@ inp_KeywordReader::Result inp_KeywordReader::Read(const inp_DeckTextPtr& text, c
     goesOn = !IsTooLong(line);
     if (!goesOn) break;
     m_body->end = line.end;
-    CheckReturns(line);
+    CheckCharacters(line);
     goesOn = ReadParameters(line);
   }
   m_body = nullptr;
@@ -181,13 +182,21 @@ const char* inp_KeywordReader::TokenEnd(const Line& line, const char* p,
   return p;
 }
 
-void inp_KeywordReader::CheckReturns(const Line& line) {
+// No name may hold a control character: it could be written into no deck. A tab is a blank.
+void inp_KeywordReader::CheckCharacters(const Line& line) {
   const std::string_view text = inp_trim(line.lineBegin, line.end);
-  const std::size_t at = text.find('\r');
-  if (at == text.npos) return;
-  m_errors.push_back(Message("a carriage return within a keyword line: does the file end its lines "
-                             "by carriage returns alone? They must end by line feeds",
-                             text.substr(at, 1), line));
+  std::size_t at = text.find('\r');
+  if (at != text.npos) {
+    m_errors.push_back(
+        Message("a carriage return within a keyword line: does the file end its lines "
+                "by carriage returns alone? They must end by line feeds",
+                text.substr(at, 1), line));
+  }
+  at = utl_findControl(text);
+  while (at != text.npos && inp_isBlank(text[at])) at = utl_findControl(text, at + 1);
+  if (at != text.npos)
+    m_errors.push_back(Message("a control character within a keyword line; such are left out",
+                               text.substr(at, 1), line));
 }
 
 void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) {
@@ -213,7 +222,8 @@ void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) 
   if (equal == token.npos) {
     parameter.value = inp_Item(true);
   } else {
-    const cow_String value(inp_trim(token.data() + equal + 1, tokenEnd));
+    const cow_String value =
+        utl_withoutControls(inp_trim(token.data() + equal + 1, tokenEnd)); // told already
     if (value.empty())
       m_warnings.push_back(Message(
           "parameter " + quoted(spelt) + " has no value behind its equal sign", token, line));

@@ -1,4 +1,5 @@
 #include "inpS/keywords/inpS_QuotedName.h"
+#include "base/utl_Controls.h"
 #include "base/utl_Number.h"
 #include <algorithm>
 
@@ -19,6 +20,8 @@ cow_String inQuotes(const cow_String& name) {
 } // namespace
 
 cow_String& QuotedName(cow_String& name) {
+  // A deck cannot hold one, and a model that does is refused: only a host's own can come here.
+  if (utl_findControl(name) != cow_String::npos) name = utl_withoutControls(name);
   if (std::any_of(name.begin(), name.end(), needsQuotes)) name = inQuotes(name);
   return name;
 }

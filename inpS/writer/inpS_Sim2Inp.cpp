@@ -305,8 +305,8 @@ void Impl::PrintInstance(const KvoSimPosition& instance) {
     *out << ", PART=" << inpS_quoted(part.DataRecord().ReturnString(eds_Part_Name));
   const cow_String library = record.ReturnString(eds_Instance_Library);
   const cow_String source = record.ReturnString(eds_Instance_SourceInstance);
-  if (!library.empty()) *out << ", LIBRARY=" << library;
-  if (!source.empty()) *out << ", INSTANCE=" << source;
+  if (!library.empty()) *out << ", LIBRARY=" << inpS_quoted(library);
+  if (!source.empty()) *out << ", INSTANCE=" << inpS_quoted(source);
   *out << '\n';
   const bool rotated = record.GetBool(eds_Instance_RotationGiven);
   if (record.GetBool(eds_Instance_TranslationGiven) || rotated) {

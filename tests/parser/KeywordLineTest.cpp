@@ -77,6 +77,10 @@ TEST(KeywordLine, FaultsAreReportedAndReadingGoesOn) {
       {"*NSET, NSET=A\rELSET",
        "1:14 a carriage return within a keyword line: does the file end its "
        "lines by carriage returns alone? They must end by line feeds\n"},
+      {"*NSET, NSET=\"A\x1b[2J\"",
+       "1:15 a control character within a keyword line; such are left out\n"},
+      {"*NSET, NSET=\"A\tB\xc2\x9bJ\"",
+       "1:17 a control character within a keyword line; such are left out\n"},
   };
   for (const auto& [line, messages] : cases) {
     const Parsed parsed(cow_String(line) + "\n1, 2\n*ELEMENT, TYPE=S4\n1, 1, 2, 3, 4\n");
@@ -85,6 +89,11 @@ TEST(KeywordLine, FaultsAreReportedAndReadingGoesOn) {
     EXPECT_EQ(shown(parsed.keywords.back()), "ELEMENT type=S4") << line;
     EXPECT_EQ(parsed.keywords.back().Data().Rows(), 1) << line;
   }
+}
+
+TEST(KeywordLine, NamesHoldNoControlCharacters) {
+  const Parsed parsed("*NSET, NSET=\"A\x1b[2J\tB\x7f\xc2\x9b\"\n");
+  EXPECT_EQ(parsed.keywords.at(0).Find("nset")->AsString(), "A[2J B");
 }
 
 TEST(KeywordLine, SuggestsTheNearestName) {

@@ -57,6 +57,8 @@ TEST(PrintPrimitives, NamesAreQuotedWhereNeeded) {
     EXPECT_EQ(QuotedName(text), expected);
     EXPECT_EQ(text, expected);
   }
+  cow_String hostile = "A\n*NODE\x1b\xc2\x9b\x7f\xc2\xa3";
+  EXPECT_EQ(QuotedName(hostile), "\"A *NODE\xc2\xa3\"");
   const auto value = [](const char* text) {
     return printed([&](utl_Stream& out) { inpS_printInpParamValueString(out, text); });
   };

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "base/cow_Value.h"
+#include <string_view>
+
+// Control characters in text that stands on a line with others (names, values): those below a
+// blank, the one of code 127, and in UTF-8 those from 128 to 159. No deck can hold them in a name,
+// and a terminal obeys them.
+
+// Where the first stands from `from` on; npos: nowhere.
+std::size_t utl_findControl(std::string_view text, std::size_t from = 0);
+
+// The text without them; what parts words (a tab, a line end) becomes a blank.
+cow_String utl_withoutControls(std::string_view text);

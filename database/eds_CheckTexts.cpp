@@ -1,0 +1,80 @@
+#include "database/eds_CheckTexts.h"
+#include "base/utl_Controls.h"
+#include <algorithm>
+
+namespace {
+
+enum class Form { Name, Lines, Keyword };
+
+Form formOf(eds_RecordKind kind, const eds_FieldInfo& field) {
+  if (kind == eds_RecordKind::VerbatimKeyword && field.column == "text") return Form::Keyword;
+  if (kind == eds_RecordKind::Annotation) return Form::Lines;
+  return field.column == "lines" || field.column == "dof_lines" ? Form::Lines : Form::Name;
+}
+
+// What a reader of decks passes over before the first character of a line.
+std::string_view withoutBlanks(std::string_view line) {
+  line.remove_prefix(std::min(line.find_first_not_of(" \t\r\v\f"), line.size()));
+  return line;
+}
+
+// Not a comment line, which begins with two asterisks.
+bool isKeywordLine(std::string_view line) {
+  line = withoutBlanks(line);
+  return line.starts_with('*') && !line.starts_with("**");
+}
+
+std::string_view takeLine(std::string_view& text) {
+  const std::size_t end = std::min(text.find('\n'), text.size());
+  const std::string_view line = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return line;
+}
+
+// Texts may be long: a line is looked at only where an asterisk stands.
+bool hasKeywordLine(std::string_view text) {
+  for (std::size_t star = text.find('*'); star != text.npos; star = text.find('*', star + 1)) {
+    const std::size_t feed = star == 0 ? text.npos : text.rfind('\n', star - 1);
+    const std::size_t begin = feed == text.npos ? 0 : feed + 1;
+    const std::size_t end = std::min(text.find('\n', star), text.size());
+    if (isKeywordLine(text.substr(begin, end - begin))) return true;
+    if (end == text.size()) return false;
+    star = end; // to the next line
+  }
+  return false;
+}
+
+// As names of keywords are told apart, whatever blanks and case a deck has them in.
+cow_String folded(std::string_view name) {
+  cow_String letters;
+  for (const char c : utl_withoutControls(name)) {
+    if (c == ' ' || c == '_' || c == '-') continue;
+    letters += static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+  }
+  return letters;
+}
+
+cow_String keywordFault(std::string_view text, std::string_view keyword) {
+  if (!text.ends_with('\n')) return "lacks the end of its last line";
+  const std::string_view first = takeLine(text);
+  if (!isKeywordLine(first)) return "does not begin with a keyword line";
+  if (hasKeywordLine(text)) return "holds another keyword line than its own";
+  std::string_view name = withoutBlanks(first).substr(1);
+  name = name.substr(0, name.find(','));
+  return folded(name) == folded(keyword) ? "" : "is another keyword than it is said to be";
+}
+
+} // namespace
+
+cow_String eds_textFault(eds_RecordKind kind, const eds_FieldInfo& field, std::string_view text,
+                         std::string_view keyword) {
+  switch (formOf(kind, field)) {
+  case Form::Name:
+    return utl_findControl(text) != text.npos ? "holds a control character" : "";
+  case Form::Lines:
+    return hasKeywordLine(text) ? "holds a keyword line" : "";
+  case Form::Keyword:
+    return keywordFault(text, keyword);
+  }
+  return {};
+}
