@@ -1,0 +1,107 @@
+#!/usr/bin/env python3
+"""The page on the model file, as a stranger reads it: its example runs, and finds what the deck says.
+
+The numbers are the deck's own (examples/assembly.inp), turned and moved by hand."""
+import argparse
+import math
+import pathlib
+import re
+import runpy
+import sqlite3
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+FAULTS = []
+
+
+def same(what, found, wanted):
+    if found != wanted:
+        FAULTS.append(f"{what}: {found}, not {wanted}")
+
+
+def run_example(page, model, folder):
+    code = re.findall(r"```python\n(.*?)```", page, re.S)
+    same("examples in the page", len(code), 1)
+    (folder / "example.py").write_text(code[0], encoding="utf-8")
+    sys.argv = ["example.py", str(model)]
+    return runpy.run_path(str(folder / "example.py"))
+
+
+def check_assembly(found):
+    # Node 199 of the plate is (0, 0, 10); the upper plate is lifted by 50 and turned by 30 degrees
+    # about the line through (25, 20) along z.
+    c, s = math.cos(math.radians(30)), math.sin(math.radians(30))
+    wanted = (25 - 25 * c + 20 * s, 20 - 25 * s - 20 * c, 60)
+    here = found["xyz"]["PLATE-2", 199]
+    same("place of node 199", max(abs(a - b) for a, b in zip(here, wanted)) < 1e-9, True)
+    same("place of node 11", found["xyz"]["PLATE-1", 11], (50.0, 0.0, 0.0))
+    same("nodes", len(found["xyz"]), 297 + 297 + 153 + 1)
+    ring = [2, 10, 11, 3, 19, 27, 28, 20]
+    same("element 9", found["nodes"]["PIN-1", 9], ("C3D8R", [("PIN-1", n) for n in ring]))
+    core = [1, 2, 3, 18, 19, 20]
+    same("element 1", found["nodes"]["PIN-1", 1], ("C3D6", [("PIN-1", n) for n in core]))
+    corners = [("PLATE-1", 1), ("PLATE-1", 99), ("PLATE-2", 199), ("PLATE-2", 297)]
+    same("CORNERS", found["sets"]["CORNERS"], corners)
+    same("CLAMPED", found["sets"]["CLAMPED"], [("PLATE-1", n) for n in range(1, 100)])
+    edges = [(plate, n) for plate in ("PLATE-1", "PLATE-2") for n in range(1, 90, 11)]
+    same("EDGES", found["sets"]["EDGES"], edges)
+    pad = found["db"].execute("SELECT membership FROM node_set WHERE name = 'PAD'").fetchone()[0]
+    same("PAD", [found["node"][n] for n in found["members"](pad, len(found["node"]))],
+         [("PLATE-2", row + n) for row in (236, 247, 258) for n in range(3)])
+    same("ELASTIC", found["table"]("BRONZE", "ElasticIsotropic"), [{"E": 110000.0, "nu": 0.34}])
+    plastic = found["table"]("BRONZE", "PlasticIsotropic")
+    same("PLASTIC", plastic[1],
+         {"YieldStress": 250.0, "PlasticStrain": 0.05, "PlasticStrainRate": 0.0})
+
+
+def check_materials(found):
+    steel = found["table"]("STEEL", "PlasticIsotropic")
+    same("PLASTIC of two rates", (len(steel), steel[-1]),
+         (20, {"YieldStress": 640.0, "PlasticStrain": 0.3, "PlasticStrainRate": 100.0,
+               "Temperature": 20.0}))
+
+
+# What the page tells of numbers and links is what the file has.
+def check_words(page, model):
+    db = sqlite3.connect(model)
+    for vocabulary in ("ValueType", "LabelKind", "CSetForm"):
+        for number, name in db.execute(
+                "SELECT number, name FROM schema_symbol WHERE vocabulary = ?", (vocabulary,)):
+            same(f"{name} in the page", re.search(rf"\b{number},?\s{name}\b", page) is not None, True)
+    links = page.split("### Links")[1].split("###")[0]
+    told = set(re.findall(r"`([A-Z][A-Za-z]+)`", links))
+    known = {name for name, in db.execute("SELECT name FROM schema_member")}
+    same("members that the page tells and no file has", told - known, set())
+    used = {name for name, in db.execute("SELECT DISTINCT member_name FROM v_link WHERE "
+            "owner_kind IN ('Model', 'Part', 'Instance', 'Assembly', 'Surface', 'Material')")}
+    same("members that the page does not tell",
+         used - told - {"Annotation", "Collections", "MeshDefaults", "SurfaceNodalAreas"}, set())
+    unnamed = db.execute("SELECT count(*) FROM property_table WHERE column_names IS NULL")
+    same("tables without names", unnamed.fetchone()[0], 0)
+    wrong = db.execute("SELECT count(*) FROM property_table WHERE columns <> "
+                       "1 + length(column_names) - length(replace(column_names, ',', ''))")
+    same("tables with other names than columns", wrong.fetchone()[0], 0)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--program", required=True)
+    program = parser.parse_args().program
+    page = (ROOT / "docs/database.md").read_text(encoding="utf-8")
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        for deck, check in (("assembly", check_assembly), ("materials", check_materials)):
+            model = folder / f"{deck}.sim"
+            subprocess.run([program, "convert", ROOT / f"examples/{deck}.inp", "-o", model, "-q"],
+                           check=True)
+            check(run_example(page, model, folder))
+            check_words(page, model)
+    for fault in FAULTS:
+        print(fault)
+    return 1 if FAULTS else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
