@@ -11,6 +11,7 @@
 #include "database/engine/eds_ChunkStore.h"
 #include "database/engine/eds_Format.h"
 #include "database/engine/eds_PageChecksums.h"
+#include "database/engine/eds_StoredSchema.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Session.h"
 #include <bit>
@@ -129,8 +130,10 @@ Model makeModel(const char* deck) {
   utl_ASSERT(!model.bytes.empty());
   eds_Engine engine;
   engine.Open(files().sound, eds_OpenMode::ReadOnly);
+  eds_StoredSchema stored;
+  stored.Read(engine);
   for (const eds_RecordInfo& info : eds_schemaRecords()) {
-    if (eds_storedColumns(engine, info.table).empty()) continue;
+    if (stored.Columns(info.table) == nullptr) continue;
     const cow_String count = "SELECT count(*) FROM " + eds_sqlName(info.table);
     if (const int64_t rows = engine.QueryInt(count.c_str())) model.tables.push_back({&info, rows});
   }

@@ -195,8 +195,8 @@ void inp_KeywordReader::CheckCharacters(const Line& line) {
   at = utl_findControl(text);
   while (at != text.npos && inp_isBlank(text[at])) at = utl_findControl(text, at + 1);
   if (at != text.npos)
-    m_errors.push_back(Message("a control character within a keyword line; such are left out",
-                               text.substr(at, 1), line));
+    m_warnings.push_back(Message("a control character within a keyword line; such are left out",
+                                 text.substr(at, 1), line));
 }
 
 void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) {

@@ -260,6 +260,10 @@ TEST(File, NoStatementRunsForEver) {
   EXPECT_GT(engine.QueryInt("SELECT count(*) FROM schema_field"), 500);
   utl_askToStop();
   EXPECT_THROW(engine.QueryInt(endless), utl_Interruption);
+  const KvoObjDocument document = KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadOnly);
+  utl_askToStop();
+  EXPECT_THROW(eds_checkModel(document), utl_Interruption);
+  EXPECT_EQ(eds_checkModel(document), eds_Faults()); // one asking, one end
 }
 
 // Any byte may be wrong: reading ends in our exceptions or in a fault found, never in a crash.
