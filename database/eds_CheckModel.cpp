@@ -300,8 +300,7 @@ private:
   struct Connectivity {
     int64_t first = 0;
     int64_t end = 0;
-    int64_t least = 0;     // nodes of an element
-    bool anyPlace = false; // a connector's first node may be the ground
+    int64_t least = 0; // nodes that an element must have, its first ones
     int64_t width = 0;
   };
 
@@ -315,16 +314,19 @@ private:
       all.end = FlatNodes() - base;
       const eds_RowTable& instances = m_store.Rows(eds_RecordKind::Instance);
       if (owner.RecordKind() == eds_RecordKind::Instance && instances.Has(owner.id)) {
-        all.first = std::max<int64_t>(0, instances.Int(owner.id, eds_Instance_FirstNode) - base);
-        all.end = instances.Int(owner.id, eds_Instance_FirstNode) - base +
-                  instances.Int(owner.id, eds_Instance_NodeCount);
+        const int64_t first = instances.Int(owner.id, eds_Instance_FirstNode);
+        const int64_t count = instances.Int(owner.id, eds_Instance_NodeCount);
+        if (!IsRun(first, count, -1)) return all; // told
+        all.first = std::max<int64_t>(0, first - base);
+        all.end = first - base + count;
       }
     }
     const eds_RowTable& specs = m_store.Rows(eds_RecordKind::ElementSpec);
     const int64_t spec = rows.Reference(id, eds_ElementBlock_Spec).id;
     if (!specs.Has(spec)) return all;
-    all.least = specs.Int(spec, eds_ElementSpec_MinNodes);
-    all.anyPlace = specs.Text(spec, eds_ElementSpec_Name).starts_with("CONN");
+    // Any node of a connector may be the ground.
+    if (!specs.Text(spec, eds_ElementSpec_Name).starts_with("CONN"))
+      all.least = specs.Int(spec, eds_ElementSpec_MinNodes);
     return all;
   }
 
@@ -335,19 +337,15 @@ private:
     if (low >= all.first && high < all.end) return;
     const auto width = static_cast<size_t>(all.width);
     for (; !nodes.empty(); nodes = nodes.subspan(width), ++element) {
-      int64_t present = 0;
       for (size_t place = 0; place < width; ++place) {
         const int32_t node = nodes[place];
-        present += node != -1;
-        const bool mayLack = all.anyPlace || static_cast<int64_t>(place) >= all.least;
+        const bool mayLack = static_cast<int64_t>(place) >= all.least;
         if (node == -1 ? mayLack : node >= all.first && node < all.end) continue;
         const cow_String where = name + ": its element " + std::to_string(element);
         if (node == -1) return Fault(where + " lacks its node " + std::to_string(place + 1));
         return Fault(where + " refers to node " + std::to_string(node) + ", not one of " +
                      std::to_string(all.first) + " to " + std::to_string(all.end - 1));
       }
-      if (present < all.least) // of a connector
-        return Fault(name + ": its element " + std::to_string(element) + " has too few nodes");
     }
   }
 
@@ -356,7 +354,8 @@ private:
     const eds_RowTable& rows = m_store.Rows(eds_RecordKind::ElementBlock);
     const cow_String name = Name(eds_RecordKind::ElementBlock, id);
     const eds_ObjectID array = rows.Reference(id, eds_ElementBlock_Connectivity);
-    if (array.IsNull() || !m_store.Exists(array)) return; // the latter is told
+    if (array.IsNull() || !m_store.Exists(array)) return;           // the latter is told
+    if (!IsRun(rows.Int(id, eds_ElementBlock_NodeBase), 0)) return; // told
     const Connectivity all = ConnectivityOf(rows, id);
     eds_ArrayReader reader = m_reader.Array(array.id);
     if (all.width < 1 || reader.Width() != all.width) return; // told, too
