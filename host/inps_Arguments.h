@@ -22,6 +22,7 @@ enum class inps_Opt : unsigned char {
   Materials,
   Quiet,
   Memory,
+  Color,
   Help,
   Count
 };

@@ -25,10 +25,12 @@ constexpr inps_Option options[] = {
     {Opt::Quiet, 'q', "--quiet", "", "errors only"},
     {Opt::Memory, 0, "--memory", "SIZE",
      "the most memory to take, as 512M or 40G; without it seven eighths of what there is"},
+    {Opt::Color, 0, "--color", "WHEN",
+     "auto, always or never; auto: on a terminal, unless NO_COLOR is set"},
     {Opt::Help, 'h', "--help", "", "this help"},
 };
 
-constexpr Opt commonOptions[] = {Opt::Memory, Opt::Help};
+constexpr Opt commonOptions[] = {Opt::Memory, Opt::Color, Opt::Help};
 constexpr Opt convertOptions[] = {Opt::Output,  Opt::Force, Opt::Strict, Opt::Restart,
                                   Opt::Timings, Opt::Json,  Opt::Quiet};
 constexpr Text convertExamples[] = {

@@ -114,8 +114,7 @@ bool inps_isModelFile(const std::filesystem::path& path) {
   return std::string_view(begin, sizeof begin) == signature;
 }
 
-KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path,
-                                    const inps_Session& session) {
+KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path, inps_Session& session) {
   if (inps_isModelFile(path)) return inps_openModel(path, session);
   inps_Conversion conversion(path);
   if (!conversion.Prepare()) return {};

@@ -40,4 +40,4 @@ bool inps_isModelFile(const std::filesystem::path& path);
 
 // A model, or a deck converted in memory; messages as above. Null when the deck has faults that
 // keep it from being converted at all.
-KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path, const inps_Session& session);
+KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path, inps_Session& session);

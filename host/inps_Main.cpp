@@ -17,12 +17,12 @@
 
 namespace {
 
-void say(const inps_Session& session, std::string_view text) {
+void say(inps_Session& session, std::string_view text) {
   session.err << "inps: " << text << '\n' << std::flush;
 }
 
 // INPS_THREADS: how many threads bulk work may use; a number from 1 on.
-bool readThreadCount(const inps_Session& session) {
+bool readThreadCount(inps_Session& session) {
   const char* text = std::getenv("INPS_THREADS");
   if (!text || !*text) return true;
   char* end = nullptr;
@@ -36,9 +36,19 @@ bool readThreadCount(const inps_Session& session) {
   return true;
 }
 
+// A usage fault in words, empty when there is none. "auto" stays what the terminal is fit for.
+cow_String chooseColour(inps_Session& session, const inps_Arguments& arguments) {
+  if (!arguments.Has(inps_Opt::Color)) return {};
+  const cow_String& when = arguments.ValueOf(inps_Opt::Color);
+  if (when != "auto" && when != "always" && when != "never")
+    return "\"--color\" takes auto, always or never, not \"" + when + "\"";
+  if (when != "auto") session.colour = when == "always";
+  return {};
+}
+
 int runCommand(const cow_List<cow_String>& words, inps_Session& session) {
   const cow_String& word = words.front();
-  if (word == "--version") {
+  if (word == "--version" || word == "-V") {
     session.out << "inps " << inps_version << '\n';
     return inps_ExitDone;
   }
@@ -50,6 +60,7 @@ int runCommand(const cow_List<cow_String>& words, inps_Session& session) {
   cow_String fault = arguments.Read(*command, std::span(words).subspan(1));
   if (fault.empty() && arguments.Has(inps_Opt::Memory))
     fault = inps_limitMemory(arguments.ValueOf(inps_Opt::Memory));
+  if (fault.empty()) fault = chooseColour(session, arguments);
   if (!fault.empty()) {
     say(session, fault);
     inps_printUsage(session.err, *command);
@@ -62,7 +73,7 @@ int runCommand(const cow_List<cow_String>& words, inps_Session& session) {
   return command->run(session, arguments);
 }
 
-int internalError(const inps_Session& session, const utl_Assertion& fault) {
+int internalError(inps_Session& session, const utl_Assertion& fault) {
   cow_String file = fault.Where().file_name();
   if (const std::size_t slash = file.find_last_of("/\\"); slash != cow_String::npos)
     file.erase(0, slash + 1);
@@ -73,8 +84,8 @@ int internalError(const inps_Session& session, const utl_Assertion& fault) {
 }
 
 // Nobody left to read our output is no news to anybody; everything else is said.
-int outputFailed(const inps_Session& session) {
-  const auto* buffer = dynamic_cast<const inps_StandardBuffer*>(session.out.rdbuf());
+int outputFailed(inps_Session& session) {
+  const auto* buffer = dynamic_cast<const inps_StandardBuffer*>(session.data.rdbuf());
   if (!buffer || !buffer->ReaderIsGone())
     say(session,
         "cannot write standard output" +

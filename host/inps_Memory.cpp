@@ -52,7 +52,7 @@ cow_String inps_limitMemory(std::string_view size) {
   return {};
 }
 
-void inps_tellOutOfMemory(const inps_Session& session, std::string_view text) {
+void inps_tellOutOfMemory(inps_Session& session, std::string_view text) {
   session.err << "inps: " << text;
   constexpr double mega = 1024.0 * 1024.0;
   constexpr double giga = 1024.0 * mega;

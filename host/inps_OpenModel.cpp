@@ -11,7 +11,7 @@ KvoObjDocument inps_openModel(const std::filesystem::path& file) {
   return document;
 }
 
-KvoObjDocument inps_openModel(const std::filesystem::path& file, const inps_Session& session) {
+KvoObjDocument inps_openModel(const std::filesystem::path& file, inps_Session& session) {
   KvoObjDocument document = inps_openModel(file);
   if (!document.IsFinished())
     session.err << "inps: warning: the conversion that made " << utl_pathText(file)

@@ -10,4 +10,4 @@ struct inps_Session;
 KvoObjDocument inps_openModel(const std::filesystem::path& file);
 
 // Likewise, and tells the user of a model whose conversion did not end.
-KvoObjDocument inps_openModel(const std::filesystem::path& file, const inps_Session& session);
+KvoObjDocument inps_openModel(const std::filesystem::path& file, inps_Session& session);

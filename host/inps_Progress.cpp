@@ -12,12 +12,12 @@ void inps_Progress::Show(const cow_String& text) {
   constexpr std::chrono::milliseconds patience{300};
   if (!m_session.progress || std::chrono::steady_clock::now() - m_start < patience) return;
   const auto room = static_cast<std::size_t>(std::max(20, m_session.width - 4));
-  m_session.err << "\r\x1b[K" << inp_printable(text, room) << std::flush;
+  inps_writeOwn(m_session.err, "\r\x1b[K" + inp_printable(text, room));
   m_shown = true;
 }
 
 void inps_Progress::Clear() {
   if (!m_shown) return;
-  m_session.err << "\r\x1b[K" << std::flush;
+  inps_writeOwn(m_session.err, "\r\x1b[K");
   m_shown = false;
 }

@@ -29,7 +29,7 @@ int inps_write(inps_Session& session, const inps_Arguments& arguments) {
                      arguments.Path(0),
                      [&](utl_Stream& deck) { print(document, deck, session.err); });
     } else {
-      utl_Stream deck(session.out);
+      utl_Stream deck(session.data);
       print(document, deck, session.err);
       deck.Close();
     }
