@@ -93,9 +93,9 @@ int outputFailed(inps_Session& session) {
   return inps_ExitFailure;
 }
 
-int runTold(const cow_List<cow_String>& words, inps_Session& session) {
+int toldFailures(inps_Session& session, const std::function<int()>& work) {
   try {
-    return runCommand(words, session);
+    return work();
   } catch (const utl_Assertion& fault) {
     return internalError(session, fault);
   } catch (const utl_Interruption&) {
@@ -106,22 +106,22 @@ int runTold(const cow_List<cow_String>& words, inps_Session& session) {
   } catch (const eds_MemoryException& failure) {
     inps_tellOutOfMemory(session, failure.what());
   } catch (const std::exception& failure) {
-    if (session.out) say(session, failure.what()); // else outputFailed has the better words
-  }
-  return inps_ExitFailure;
-}
-
-// Memory may run out while a failure is put in words, too.
-int runGuarded(const cow_List<cow_String>& words, inps_Session& session) {
-  try {
-    return runTold(words, session);
-  } catch (const std::bad_alloc&) {
-    inps_tellOutOfMemory(session, "out of memory");
+    if (session.data) say(session, failure.what()); // else outputFailed has the better words
   }
   return inps_ExitFailure;
 }
 
 } // namespace
+
+// Memory may run out while a failure is put in words, too.
+int inps_tellFailures(inps_Session& session, const std::function<int()>& work) {
+  try {
+    return toldFailures(session, work);
+  } catch (const std::bad_alloc&) {
+    inps_tellOutOfMemory(session, "out of memory");
+  }
+  return inps_ExitFailure;
+}
 
 int inps_main(const cow_List<cow_String>& words, inps_Session& session) {
   if (words.empty()) {
@@ -129,10 +129,10 @@ int inps_main(const cow_List<cow_String>& words, inps_Session& session) {
     return inps_ExitUsage;
   }
   if (!readThreadCount(session)) return inps_ExitUsage;
-  const int exitCode = runGuarded(words, session);
+  const int exitCode = inps_tellFailures(session, [&] { return runCommand(words, session); });
   session.out.flush();
   session.err.flush();
-  return session.out ? exitCode : outputFailed(session);
+  return session.out && session.data ? exitCode : outputFailed(session);
 }
 
 int inps_main(const cow_List<cow_String>& words, aio_ostream& out, aio_ostream& err) {

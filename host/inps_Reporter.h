@@ -32,6 +32,13 @@ public:
   void Milestone(const cow_String& text) override;
   void Milestone(const cow_String& task, const cow_String& item, int number, int total) override;
 
+  // Messages that tell only what is kept as text are neither shown nor counted.
+  void HideKept() { m_hideKept = true; }
+  void Count(long long errors, long long warnings) { // those of others
+    m_errors += errors;
+    m_warnings += warnings;
+  }
+
   // Tells of the messages that were only counted.
   void ShowFolded();
 
@@ -54,6 +61,7 @@ private:
   inps_MessageView m_view;
   Mode m_mode;
   inps_Progress* m_progress;
+  bool m_hideKept = false;
   long long m_errors = 0;
   long long m_warnings = 0;
   cow_List<inps_Reported> m_messages;

@@ -30,9 +30,13 @@ struct inps_Session {
   aio_ostream err;
   bool colour = false;
   bool progress = false;
+  bool isOutTerminal = false;               // standard output is looked at, too
   std::chrono::milliseconds patience{2000}; // work that takes longer has a progress line
   int width = 0;                            // columns for source lines; 0: no terminal
 };
+
+// The work's exit code; a failure that leaves it is told and has one of its own.
+int inps_tellFailures(inps_Session& session, const std::function<int()>& work);
 
 // The whole program but the process around it. The words do not include the program's name.
 int inps_main(const cow_List<cow_String>& words, inps_Session& session);

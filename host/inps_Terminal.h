@@ -1,12 +1,14 @@
 #pragma once
 
 #include "base/cow_Value.h"
+#include <filesystem>
 #include <streambuf>
 
 // What the system says of the streams a program was started with.
 struct inps_TerminalFacts {
-  bool isTerminal = false; // messages go to a terminal
-  int width = 0;           // its columns, 0 when unknown
+  bool isTerminal = false;       // messages go to a terminal
+  bool isOutputTerminal = false; // and standard output does
+  int width = 0;                 // its columns, 0 when unknown
 };
 
 inps_TerminalFacts inps_messageTerminal();
@@ -18,6 +20,12 @@ void inps_prepareStreams();
 // Ctrl-C, and a system that asks the program to end, stop the work where it may end. Who asks
 // again does not wait for that.
 void inps_stopWhenAsked();
+
+// A word as the shell of this system takes it: quoted where it has to be.
+cow_String inps_shellWord(const cow_String& word);
+
+// Standard input as a file that can be opened by name; empty where the system has no such name.
+std::filesystem::path inps_standardInput();
 
 // A standard stream of the process as a stream buffer that remembers why it failed.
 class inps_StandardBuffer final : public std::streambuf {

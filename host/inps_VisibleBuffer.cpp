@@ -52,13 +52,10 @@ inps_VisibleBuffer::~inps_VisibleBuffer() {
 
 bool inps_VisibleBuffer::Send(std::string_view bytes) {
   if (bytes.empty()) return m_target.good();
-  const auto write = [&] {
-    m_target.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  };
-  if (around)
-    around(write);
+  if (m_writer)
+    m_writer(m_target, bytes);
   else
-    write();
+    m_target.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   return m_target.good();
 }
 

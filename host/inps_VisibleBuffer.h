@@ -17,8 +17,10 @@ public:
 
   // What the program itself has to say to a terminal: colours, the progress line.
   void WriteOwn(std::string_view bytes);
-  // Called around every write to the target, from the thread that prints.
-  std::function<void(const std::function<void()>& write)> around;
+  // Does the writing to the target in this one's place, as long as it is set.
+  using Writer = std::function<void(aio_ostream& target, std::string_view bytes)>;
+  void WriteBy(Writer writer) { m_writer = std::move(writer); }
+  aio_ostream& Target() const { return m_target; }
 
 protected:
   int_type overflow(int_type c) override;
@@ -31,6 +33,7 @@ private:
   bool Send(std::string_view bytes);
 
   aio_ostream& m_target;
+  Writer m_writer;
   cow_String m_begun; // of a character whose other bytes are still to come
 };
 
