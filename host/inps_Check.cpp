@@ -95,6 +95,7 @@ public:
       m_run.Json()["command"] = "check";
       m_run.Json()["decks"] = inps_Json::array();
     }
+    m_run.Progress().Show("checked 0 of " + std::to_string(m_results.size()));
     for (std::size_t begin = 0; begin < m_results.size();) {
       std::size_t end = begin;
       while (end < m_results.size() && !WantsAllCores(end)) ++end;

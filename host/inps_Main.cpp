@@ -78,8 +78,7 @@ int internalError(inps_Session& session, const utl_Assertion& fault) {
   if (const std::size_t slash = file.find_last_of("/\\"); slash != cow_String::npos)
     file.erase(0, slash + 1);
   say(session, "internal error: " + cow_String(fault.what()) + " (" + file + ":" +
-                   std::to_string(fault.Where().line()) +
-                   "); what was converted before it is kept. This is a fault of the program.");
+                   std::to_string(fault.Where().line()) + "). This is a fault of the program.");
   return inps_ExitFailure;
 }
 

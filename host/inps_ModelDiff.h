@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/aio_ostream.h"
+#include "host/inps_Tolerance.h"
 
 class KvoObjDocument;
-struct inps_Tolerance;
 
 // Compares two models record by record and prints what differs, arrays by their first difference
 // and the number of items that differ. Records belong together when their owners and names are the
@@ -11,4 +11,4 @@ struct inps_Tolerance;
 // in an order. Real numbers within the tolerance are the same. Returns the number of differences
 // printed.
 long long inps_diffModels(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out,
-                          const inps_Tolerance& tolerance);
+                          const inps_Tolerance& tolerance = {});

@@ -22,8 +22,7 @@ constexpr std::size_t mostDrawn = 300; // materials, and as many amplitudes
 enum class Fate { Drawn, Listed, Absent };
 
 // All, up to a number, or what is named on the command line.
-Fate fateOf(const inps_Nameconst inps_NameChoice& choice, const cow_String& name,
-            std::size_t drawn) {
+Fate fateOf(const inps_NameChoice& choice, const cow_String& name, std::size_t drawn) {
   if (!choice.Has(name)) return Fate::Absent;
   return choice.IsAll() && drawn >= mostDrawn ? Fate::Listed : Fate::Drawn;
 }

@@ -33,7 +33,7 @@ inps_Run::inps_Run(inps_Session& session, const inps_Arguments& arguments, Kind 
       m_hideKept(arguments.Has(inps_Opt::NoKept)), m_progress(session),
       m_reporter(session, modeOf(arguments), &m_progress), m_installed(m_reporter),
       m_timings([this](const cow_String& label) { m_progress.Show(phaseText(label)); },
-                kind != Kind::Part),
+                kind == Kind::Whole || kind == Kind::TimedPart),
       // An object from the start: the library that turns nothing into one leaves half of it behind
       // when memory runs out.
       m_json(arguments.Has(inps_Opt::Json) ? std::make_unique<inps_Json>(inps_Json::object())
