@@ -3,6 +3,7 @@
 #include "base/utl_File.h"
 #include "host/inps_Timings.h"
 #include "parser/inp_Utf8Text.h"
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -107,7 +108,7 @@ void inps_printJson(aio_ostream& out, const inps_Json& json) {
   const char* const end = text.data() + text.size();
   const char* rest = text.data();
   for (const char* p = rest; p != end;) {
-    const std::size_t length = inp_utf8CharLength(p, end);
+    const std::size_t length = std::max<std::size_t>(1, inp_utf8CharLength(p, end));
     if (*p != '\n' && !inp_isPrintable({p, length})) {
       const cow_String escaped = inp_escaped({p, length});
       out << std::string_view(rest, p) << (length == 1 ? "\\u00" + escaped.substr(2) : escaped);

@@ -44,10 +44,11 @@ void inps_Progress::End() {
 
 void inps_Progress::Tick() {
   constexpr std::chrono::milliseconds pace{250};
+  constexpr std::chrono::milliseconds untilFirst{10}; // there is nothing to say yet
   std::unique_lock hold(m_mutex);
   const auto ended = [this] { return m_isEnd; };
   for (auto next = m_start + m_session.patience; !m_ended.wait_until(hold, next, ended);
-       next = std::chrono::steady_clock::now() + pace)
+       next = std::chrono::steady_clock::now() + (m_isShown ? pace : untilFirst))
     Draw();
   Erase();
 }

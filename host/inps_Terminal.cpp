@@ -71,10 +71,6 @@ cow_String inps_shellWord(const cow_String& word) {
   return isPlainWord(word, "\\:") ? word : '"' + word + '"'; // no name holds a quote
 }
 
-std::filesystem::path inps_standardInput() {
-  return {};
-}
-
 void inps_prepareStreams() {
   _setmode(0, _O_BINARY);
   _setmode(1, _O_BINARY);
@@ -100,10 +96,6 @@ cow_String inps_shellWord(const cow_String& word) {
   cow_String quoted = word.starts_with('-') ? "./'" : "'";
   for (const char c : word) quoted += c == '\'' ? cow_String("'\\''") : cow_String(1, c);
   return quoted + '\'';
-}
-
-std::filesystem::path inps_standardInput() {
-  return "/dev/stdin";
 }
 
 void inps_prepareStreams() {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/cow_Value.h"
-#include <filesystem>
 #include <streambuf>
 
 // What the system says of the streams a program was started with.
@@ -23,9 +22,6 @@ void inps_stopWhenAsked();
 
 // A word as the shell of this system takes it: quoted where it has to be.
 cow_String inps_shellWord(const cow_String& word);
-
-// Standard input as a file that can be opened by name; empty where the system has no such name.
-std::filesystem::path inps_standardInput();
 
 // A standard stream of the process as a stream buffer that remembers why it failed.
 class inps_StandardBuffer final : public std::streambuf {

@@ -78,7 +78,7 @@ TEST_F(Visible, NoCommandSendsWhatADeckOrANameHolds) {
                "\"\n*ELASTIC\n1., 0.3\n" + "*AMPLITUDE, NAME=\"amp" + evil +
                "\"\n0., 1., 1., 2.\n" + "*NOSUCH" + evil + ", P" + evil + "=" + evil + "\ndata " +
                evil + "\n" + "*SOLID SECTION, ELSET=\"" + evil + "\", MATERIAL=M" + evil + "\n" +
-               "*NODE, FOO" + evil + "=1\n" + "*PART, NAME=\"part" + evil + "\"\n*END PART\n");
+               "*NODE, FOO" + evil + "=1\n");
   const cow_String odd = Deck("odd" + evil + ".inp", oneBrick);
   const cow_String model = File("m" + evil + ".sim");
   const cow_String good = File("good" + evil + ".sim");
@@ -124,15 +124,12 @@ TEST_F(Visible, NoCommandSendsWhatADeckOrANameHolds) {
     EXPECT_EQ(firstObeyed(run.err), cow_String::npos) << words[0] << ": " << run.err;
   }
   // JSON and written decks hold the very bytes.
-  const auto info = nlohmann::json::parse(ProgramRun({"info", model, "--json"}).out);
-  EXPECT_NE(info["summary"]["heading"].get<cow_String>().find(evil.substr(evil.size() - 6)),
-            cow_String::npos);
-  const cow_String plain = Deck("plain.inp", "*HEADING\n\xe2\x80\xae"
-                                             "\xc3\xa4\n" +
-                                                 cow_String(oneBrick));
+  const cow_String odder = "\xe2\x80\xae\xc3\xa4";
+  const cow_String plain = Deck("plain.inp", "*HEADING\n" + odder + "\n" + oneBrick);
   ASSERT_EQ(ProgramRun({"convert", plain, "-o", File("plain.sim"), "-q"}).exitCode, 0);
-  EXPECT_NE(ProgramRun({"write", File("plain.sim")}).out.find("\xe2\x80\xae\xc3\xa4\n"),
-            cow_String::npos);
+  const auto info = nlohmann::json::parse(ProgramRun({"info", File("plain.sim"), "--json"}).out);
+  EXPECT_EQ(info["summary"]["heading"], odder);
+  EXPECT_NE(ProgramRun({"write", File("plain.sim")}).out.find(odder + "\n"), cow_String::npos);
 }
 
 TEST_F(Visible, ColoursAreAskedForOrNot) {
@@ -168,7 +165,7 @@ TEST_F(Visible, ProgressGivesWayAndGoes) {
     EXPECT_EQ(erased == cow_String::npos, patience > 0) << said.substr(0, 300);
     if (patience > 0) continue;
     EXPECT_NE(said.find(", 0 s\r\x1b[K"), cow_String::npos) << said.substr(0, 300);
-    EXPECT_EQ(said.find(" s", erased), cow_String::npos) << said.substr(erased);
+    EXPECT_EQ(said.find(", 0 s", erased), cow_String::npos) << said.substr(erased);
   }
 }
 
