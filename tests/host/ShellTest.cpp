@@ -62,7 +62,7 @@ TEST_F(Shell, AFailedModelSaysSo) {
 
 TEST_F(Shell, DiffOfFaultyDecksIsNoSuccess) {
   const cow_String a = Deck("a.inp", brokenNode);
-  const cow_String b = Deck("b.inp", "*NODE\n1, 5., 5., 5.\n7, y, 0., 0.\n");
+  const cow_String b = Deck("b.inp", "*NODE\n1, 5., 5., 0.\n7, y, 0., 0.\n");
   const ProgramRun run({"diff", a, b});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.out, "what could be converted is the same, but there are errors in the decks\n");
