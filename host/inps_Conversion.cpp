@@ -59,7 +59,7 @@ bool phase(const char* tag, inpS_Inp2Sim& driver, bool (inpS_Inp2Sim::*step)()) 
 inps_Conversion::inps_Conversion(const inps_Input& deck, const inps_Reporter& reporter)
     : m_deck(deck.File()), m_name(deck.IsStandardInput() ? deck.Name() : cow_String()),
       m_reporter(reporter), m_errorsBefore(reporter.Errors()),
-      m_warningsBefore(reporter.Warnings()) {
+      m_warningsBefore(reporter.AllWarnings()) {
   requireReadable(m_deck);
 }
 
@@ -93,7 +93,7 @@ template <class Work> bool inps_Conversion::Run(const KvoObjDocument& document, 
   }
   m_notModelled = m_driver->NotModelled();
   m_driver->DescribeResult(document, m_reporter.Errors() - m_errorsBefore,
-                           m_reporter.Warnings() - m_warningsBefore);
+                           m_reporter.AllWarnings() - m_warningsBefore);
   return done;
 }
 

@@ -168,6 +168,13 @@ TEST_F(Shell, NoKeptSilencesThatAlone) {
   const ProgramRun run({"check", deck, "--no-kept"});
   EXPECT_EQ((run.out + run.err).find("DESIGN PARAMETER"), cow_String::npos) << run.err;
   EXPECT_NE(run.out.find("  *NOSUCHWORD"), cow_String::npos) << run.out;
+  // What the model tells of itself does not depend on what was shown.
+  cow_List<cow_String> told;
+  for (const char* option : {"--timings", "--no-kept"}) {
+    ProgramRun({"convert", deck, "-o", File("m.sim"), "--force", option});
+    told.push_back(json::parse(ProgramRun({"info", File("m.sim"), "--json"}).out)["meta"].dump());
+  }
+  EXPECT_EQ(told[0], told[1]);
   EXPECT_TRUE(run.Says("unknown keyword *NOSUCHWORD")) << run.err;
 }
 
