@@ -60,6 +60,10 @@ void limitSystem(std::uint64_t bytes) {
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
 }
 
+std::uint64_t systemAddressLimit() {
+  return 0;
+}
+
 std::uint64_t systemLimit() {
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
   if (!QueryInformationJobObject(nullptr, JobObjectExtendedLimitInformation, &limits, sizeof limits,
@@ -122,6 +126,12 @@ void limitSystem(std::uint64_t bytes) {
   setrlimit(RLIMIT_DATA, &limit);
 }
 
+std::uint64_t systemAddressLimit() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return 0;
+  return limit.rlim_cur;
+}
+
 std::uint64_t systemLimit() {
   rlimit limit{};
   if (getrlimit(RLIMIT_DATA, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return 0;
@@ -142,4 +152,8 @@ void utl_limitMemory(std::uint64_t bytes) {
 
 std::uint64_t utl_memoryLimit() {
   return systemLimit();
+}
+
+std::uint64_t utl_addressLimit() {
+  return systemAddressLimit();
 }

@@ -17,3 +17,7 @@ void utl_limitMemory(std::uint64_t bytes);
 
 // What holds; 0: no bound.
 std::uint64_t utl_memoryLimit();
+
+// The bound on all addresses, mapped files too, that whoever started this process gave it (ulimit
+// -v); 0: none. It is the one that is hit where it is the narrower one.
+std::uint64_t utl_addressLimit();

@@ -32,5 +32,6 @@ struct wip_Message {
   cow_String keyword; // deck name in upper case without the asterisk; empty when about none
   wip_Place place;
   cow_List<wip_Note> notes;
-  long long count = 1; // of the faults it tells of: more for those that are only counted
+  bool tellsKept = false; // tells only that a keyword of the language is kept as text
+  long long count = 1;    // of the faults it tells of: more for those that are only counted
 };

@@ -2,6 +2,7 @@
 
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
+#include "host/inps_Input.h"
 #include <algorithm>
 
 namespace {
@@ -119,5 +120,11 @@ cow_String inps_Arguments::Read(const inps_Command& command, std::span<const cow
     return "\"" + cow_String(command.name) + "\" needs " + cow_String(command.operands);
   for (const cow_String& operand : m_operands)
     if (operand.empty()) return "\"" + cow_String(command.name) + "\" is given an empty name";
+  const auto read =
+      m_operands.begin() +
+      static_cast<std::ptrdiff_t>(std::min(m_operands.size(), command.most - command.written));
+  const auto dashes = std::count(m_operands.begin(), read, inps_dash) +
+                      (ValueOf(inps_Opt::Restart) == inps_dash ? 1 : 0);
+  if (dashes > 1) return "standard input can be read only once, and \"-\" is given twice";
   return {};
 }

@@ -19,9 +19,12 @@ enum class inps_Opt : unsigned char {
   Timings,
   Json,
   Markdown,
+  NoKept,
+  Tolerance,
   Materials,
   Quiet,
   Memory,
+  Color,
   Help,
   Count
 };
@@ -45,6 +48,7 @@ struct inps_Command {
   std::span<const inps_Opt> options;
   std::span<const std::string_view> examples;
   int (*run)(inps_Session& session, const inps_Arguments& arguments);
+  std::size_t written = 0; // of the operands, at their end: what is made
 };
 
 std::span<const inps_Command> inps_commands();

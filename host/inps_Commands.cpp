@@ -20,17 +20,22 @@ constexpr inps_Option options[] = {
     {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
     {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
     {Opt::Markdown, 0, "--markdown", "", "as a table for documents"},
+    {Opt::NoKept, 0, "--no-kept", "", "say nothing of keywords that are kept as text"},
+    {Opt::Tolerance, 0, "--tolerance", "ABS[,REL]",
+     "numbers are the same that differ by ABS at most, or by REL times the larger one"},
     {Opt::Materials, 0, "--materials", "",
      "every material with its behaviors, their rows and ranges"},
     {Opt::Quiet, 'q', "--quiet", "", "errors only"},
     {Opt::Memory, 0, "--memory", "SIZE",
      "the most memory to take, as 512M or 40G; without it seven eighths of what there is"},
+    {Opt::Color, 0, "--color", "WHEN",
+     "auto, always or never; auto: on a terminal, unless NO_COLOR is set"},
     {Opt::Help, 'h', "--help", "", "this help"},
 };
 
-constexpr Opt commonOptions[] = {Opt::Memory, Opt::Help};
-constexpr Opt convertOptions[] = {Opt::Output,  Opt::Force, Opt::Strict, Opt::Restart,
-                                  Opt::Timings, Opt::Json,  Opt::Quiet};
+constexpr Opt commonOptions[] = {Opt::Memory, Opt::Color, Opt::Help};
+constexpr Opt convertOptions[] = {Opt::Output, Opt::Force,   Opt::Strict, Opt::Restart,
+                                  Opt::NoKept, Opt::Timings, Opt::Json,   Opt::Quiet};
 constexpr Text convertExamples[] = {
     "inps convert bracket.inp", "inps convert bracket.inp -o models/bracket.sim --force",
     "inps convert next_steps.inp --restart bracket.sim -o bracket2.sim"};
@@ -41,16 +46,19 @@ constexpr Opt exportOptions[] = {Opt::Force,   Opt::Sets, Opt::Surfaces,
                                  Opt::Timings, Opt::Json, Opt::Quiet};
 constexpr Text exportExamples[] = {"inps export bracket.sim bracket.vtu",
                                    "inps export bracket.sim bracket.vtu --sets --surfaces --force"};
-constexpr Opt checkOptions[] = {Opt::Strict, Opt::Timings, Opt::Json, Opt::Quiet};
-constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check bracket.sim"};
+constexpr Opt checkOptions[] = {Opt::Strict, Opt::NoKept, Opt::Timings, Opt::Json, Opt::Quiet};
+constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check decks/*.inp --no-kept",
+                                  "inps check bracket.sim"};
 constexpr Opt infoOptions[] = {Opt::Materials, Opt::Json};
 constexpr Text infoExamples[] = {"inps info bracket.sim", "inps info bracket.sim --materials",
+                                 "inps info bracket.sim --materials steel",
                                  "inps info bracket.sim --json"};
 constexpr Opt plotOptions[] = {Opt::Output, Opt::Force};
 constexpr Text plotExamples[] = {"inps plot bracket.sim -o plots.html",
                                  "inps plot bracket.sim STEEL BOLT-LOAD --force"};
-constexpr Opt diffOptions[] = {Opt::Json, Opt::Quiet};
-constexpr Text diffExamples[] = {"inps diff old.sim new.sim", "inps diff bracket.inp bracket.sim"};
+constexpr Opt diffOptions[] = {Opt::Tolerance, Opt::NoKept, Opt::Json, Opt::Quiet};
+constexpr Text diffExamples[] = {"inps diff old.sim new.sim", "inps diff bracket.inp bracket.sim",
+                                 "inps diff old.sim new.sim --tolerance 1e-12,1e-9"};
 constexpr Text dumpExamples[] = {"inps dump bracket.sim | less"};
 constexpr Opt keywordsOptions[] = {Opt::Json, Opt::Markdown};
 constexpr Text keywordsExamples[] = {"inps keywords", "inps keywords --json"};
@@ -62,29 +70,41 @@ constexpr inps_Command commands[] = {
     {"convert", "DECK", 1, 1, "fill a simulation database from a keyword deck",
      "Without -o the model is named as the deck, with .sim, in the current folder. A deck with\n"
      "errors still gives a model of what could be converted. With --restart, give -o too, or\n"
-     "--force to have BASE.sim itself replaced.",
+     "--force to have BASE.sim itself replaced. With -o - the finished model goes to standard\n"
+     "output.",
      convertOptions, convertExamples, inps_convert},
     {"write", "MODEL.sim", 1, 1, "write a keyword deck from a model",
-     "Without -o the deck goes to standard output.", writeOptions, writeExamples, inps_write},
+     "Without -o, or with -o -, the deck goes to standard output.", writeOptions, writeExamples,
+     inps_write},
     {"export", "MODEL.sim MESH.vtu", 2, 2, "the mesh as a VTK file to look at",
      "An unstructured grid with instances in their places: labels of nodes and elements, element\n"
      "types, instances and parts with their names, and the sets as arrays of 0 and 1. With --sets\n"
      "or --surfaces, MESH.vtm lists the mesh and its blocks, which go into a folder MESH beside "
      "it.\n"
-     "A deck is taken too.",
-     exportOptions, exportExamples, inps_export},
-    {"check", "DECK|MODEL.sim", 1, 1, "report every problem, make no file",
-     "A deck is converted in memory. Of a model, every checksum and reference is verified.",
+     "A deck is taken too. With - for MESH.vtu the mesh goes to standard output.",
+     exportOptions, exportExamples, inps_export, 1},
+    {"check", "DECK|MODEL.sim...", 1, anyNumber, "report every problem, make no file",
+     "A deck is converted in memory. Of a model, every checksum and reference is verified. "
+     "Several\n"
+     "are checked at once, told of one after the other in the order given, with a line for each "
+     "at\n"
+     "its end; the exit code is the worst: 3, then 1, then 4.",
      checkOptions, checkExamples, inps_check},
-    {"info", "MODEL.sim", 1, 1, "what a model holds", "", infoOptions, infoExamples, inps_info},
+    {"info", "MODEL.sim [NAME...]", 1, anyNumber, "what a model holds",
+     "With --materials, names choose the materials and gasket behaviors that are listed. The case\n"
+     "of letters counts only where the model has both spellings.",
+     infoOptions, infoExamples, inps_info},
     {"plot", "MODEL.sim [NAME...]", 1, anyNumber, "draw materials and amplitudes in one HTML page",
      "Without -o the page is named as the model, with .html, in the current folder. It needs no\n"
      "network and no other file. Of large models the first 300 materials and amplitudes are drawn\n"
      "and the rest is listed; names choose what is drawn.",
      plotOptions, plotExamples, inps_plot},
     {"diff", "A B", 2, 2, "compare two models or decks record by record",
-     "Exits with 0 when they are the same, 1 when they differ. Where a keyword stood in its deck\n"
-     "does not count.",
+     "Exits with 0 when they are the same, 1 when they differ or a deck has errors. Where a "
+     "keyword\n"
+     "stood in its deck does not count. A tolerance is for stored real numbers; texts, also those "
+     "of\n"
+     "keywords kept as text, are compared letter by letter.",
      diffOptions, diffExamples, inps_diff},
     {"dump",
      "MODEL.sim",

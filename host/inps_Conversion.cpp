@@ -2,7 +2,10 @@
 
 #include "base/bcu_ResourceMonitor.h"
 #include "base/utl_File.h"
+#include "host/inps_Input.h"
 #include "host/inps_OpenModel.h"
+#include "host/inps_Run.h"
+#include "host/inps_Terminal.h"
 #include "inpS/driver/inpS_Module.h"
 #include <algorithm>
 #include <exception>
@@ -18,6 +21,7 @@ public:
   ~ModuleUse() noexcept(false) {
     try {
       KvoI2sInpS_finalize(m_uses);
+      inpS_Inp2Sim::ReportGathered(); // other threads may use the module still
     } catch (const std::exception&) {
       if (std::uncaught_exceptions() == 0) throw;
     }
@@ -39,6 +43,10 @@ void requireReadable(const std::filesystem::path& deck) {
   if (std::filesystem::is_directory(status))
     throw utl_FileException("cannot read", deck, "it is a folder");
   if (!std::filesystem::is_fifo(status)) utl_requireReadable(deck);
+  if (inps_beginsAsModel(deck))
+    throw utl_FileException("cannot read", deck,
+                            "it is a model and not a deck; write it as one first: inps write " +
+                                inps_shellWord(utl_pathText(deck)));
 }
 
 bool phase(const char* tag, inpS_Inp2Sim& driver, bool (inpS_Inp2Sim::*step)()) {
@@ -48,7 +56,10 @@ bool phase(const char* tag, inpS_Inp2Sim& driver, bool (inpS_Inp2Sim::*step)()) 
 
 } // namespace
 
-inps_Conversion::inps_Conversion(std::filesystem::path deck) : m_deck(std::move(deck)) {
+inps_Conversion::inps_Conversion(const inps_Input& deck, const inps_Reporter& reporter)
+    : m_deck(deck.File()), m_name(deck.IsStandardInput() ? deck.Name() : cow_String()),
+      m_reporter(reporter), m_errorsBefore(reporter.Errors()),
+      m_warningsBefore(reporter.AllWarnings()) {
   requireReadable(m_deck);
 }
 
@@ -57,8 +68,8 @@ inps_Conversion::~inps_Conversion() = default;
 bool inps_Conversion::Prepare() {
   const ModuleUse use;
   // Include files are looked for beside the deck whatever folder the program runs in.
-  m_driver =
-      std::make_unique<inpS_Inp2Sim>(utl_pathText(m_deck), utl_pathText(m_deck.parent_path()));
+  const std::filesystem::path folder = m_name.empty() ? m_deck.parent_path() : "";
+  m_driver = std::make_unique<inpS_Inp2Sim>(utl_pathText(m_deck), utl_pathText(folder), m_name);
   bool good = true;
   for (const auto& [tag, step] : {std::pair("parse", &inpS_Inp2Sim::Parse),
                                   std::pair("utf8", &inpS_Inp2Sim::CheckUtf8Compliance),
@@ -77,10 +88,12 @@ template <class Work> bool inps_Conversion::Run(const KvoObjDocument& document, 
   bool done = false;
   {
     const ModuleUse use;
-    inpS_Inp2Sim::DescribeSource(document, utl_pathText(m_deck));
+    inpS_Inp2Sim::DescribeSource(document, utl_pathText(m_deck), m_name);
     done = work();
   }
   m_notModelled = m_driver->NotModelled();
+  m_driver->DescribeResult(document, m_reporter.Errors() - m_errorsBefore,
+                           m_reporter.AllWarnings() - m_warningsBefore);
   return done;
 }
 
@@ -100,24 +113,9 @@ const inp_Keyword* inps_Conversion::RestartKeyword() const {
   return nullptr;
 }
 
-bool inps_isModelFile(const std::filesystem::path& path) {
-  constexpr std::string_view signature = "SQLite format 3";
-  cow_String extension = utl_pathText(path.extension());
-  std::ranges::transform(extension, extension.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-  });
-  if (extension == ".sim") return true;
-  std::error_code ignored;
-  if (!std::filesystem::is_regular_file(path, ignored)) return false;
-  char begin[signature.size()] = {};
-  std::ifstream(path, std::ios::binary).read(begin, sizeof begin);
-  return std::string_view(begin, sizeof begin) == signature;
-}
-
-KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path,
-                                    const inps_Session& session) {
-  if (inps_isModelFile(path)) return inps_openModel(path, session);
-  inps_Conversion conversion(path);
+KvoObjDocument inps_openModelOrDeck(const inps_Input& input, inps_Run& run) {
+  if (inps_isModelFile(input.File())) return inps_openModel(input, run);
+  inps_Conversion conversion(input, run.Reporter());
   if (!conversion.Prepare()) return {};
   KvoObjDocument document = KvoObjDocument::InMemory();
   conversion.Convert(document);

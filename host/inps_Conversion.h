@@ -6,13 +6,15 @@
 #include <filesystem>
 #include <memory>
 
-struct inps_Session;
+class inps_Input;
+class inps_Reporter;
+class inps_Run;
 
-// One deck on its way into a model. Messages go to the reporter of this thread.
+// One deck on its way into a model. Messages go to the reporter, which is that of this thread.
 class inps_Conversion {
 public:
   // Throws utl_FileException when the deck cannot be read at all.
-  explicit inps_Conversion(std::filesystem::path deck);
+  inps_Conversion(const inps_Input& deck, const inps_Reporter& reporter);
   ~inps_Conversion();
 
   // Reads the deck up to where it can be converted; false: it cannot, and the messages say why.
@@ -31,13 +33,14 @@ private:
   template <class Work> bool Run(const KvoObjDocument& document, Work work);
 
   std::filesystem::path m_deck;
+  cow_String m_name; // of standard input; else empty: the path
+  const inps_Reporter& m_reporter;
+  long long m_errorsBefore;
+  long long m_warningsBefore;
   std::unique_ptr<inpS_Inp2Sim> m_driver;
   cow_List<inpS_NotModelled> m_notModelled;
 };
 
-// Whether the file is to be taken for a model: it begins like one or is named like one.
-bool inps_isModelFile(const std::filesystem::path& path);
-
-// A model, or a deck converted in memory; messages as above. Null when the deck has faults that
-// keep it from being converted at all.
-KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path, const inps_Session& session);
+// A model, or a deck converted in memory; messages as above, and warnings of a model that does not
+// hold all of its deck. Null when the deck has faults that keep it from being converted at all.
+KvoObjDocument inps_openModelOrDeck(const inps_Input& input, inps_Run& run);

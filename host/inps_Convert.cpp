@@ -6,12 +6,14 @@
 #include "database/eds_ModelPlace.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
+#include "host/inps_Input.h"
 #include "host/inps_LastResort.h"
 #include "host/inps_OpenModel.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include "parser/inp_Utils.h"
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 
 namespace {
@@ -91,49 +93,59 @@ struct Closing {
 };
 
 struct Job {
-  Path deck;
-  Path target;
-  Path base; // empty: no restart
+  cow_String deck; // as given, "-" for standard input
+  cow_String base; // likewise; empty: no restart
+  Path target;     // empty: standard output
   bool force = false;
 };
 
 // A usage fault in words, empty when the job is clear.
-cow_String describeJob(const inps_Arguments& arguments, Job& job) {
-  job.deck = arguments.Path(0);
+cow_String describeJob(const inps_Session& session, const inps_Arguments& arguments, Job& job) {
+  job.deck = arguments.Operands()[0];
   job.force = arguments.Has(inps_Opt::Force);
-  if (arguments.Has(inps_Opt::Restart)) job.base = arguments.PathOf(inps_Opt::Restart);
+  job.base = arguments.ValueOf(inps_Opt::Restart);
+  if (arguments.ValueOf(inps_Opt::Output) == inps_dash) {
+    if (arguments.Has(inps_Opt::Json))
+      return "the model and \"--json\" cannot both go to standard output";
+    if (session.isOutTerminal)
+      return "a model is no text, and standard output is a terminal; \"-o FILE\" names a file";
+    return {};
+  }
+  const bool isUnnamed = job.deck == inps_dash && job.base.empty();
   if (arguments.Has(inps_Opt::Output)) {
     job.target = arguments.PathOf(inps_Opt::Output);
+  } else if (isUnnamed || job.base == inps_dash) {
+    return "what comes from standard input has no name for its model; \"-o FILE\" gives it one";
   } else if (job.base.empty()) {
-    job.target = job.deck.filename().replace_extension(".sim");
+    job.target = utl_pathOf(job.deck).filename().replace_extension(".sim");
   } else if (job.force) {
-    job.target = job.base;
+    job.target = utl_pathOf(job.base);
   } else {
     return "\"--restart\" needs \"-o FILE\" for the new model, or \"--force\" to replace " +
-           utl_pathText(job.base);
+           job.base;
   }
   std::error_code ignored;
-  if (std::filesystem::equivalent(job.deck, job.target, ignored))
-    return "the model would replace its own deck " + utl_pathText(job.deck);
+  if (job.deck != inps_dash &&
+      std::filesystem::equivalent(utl_pathOf(job.deck), job.target, ignored))
+    return "the model would replace its own deck " + job.deck;
   return {};
 }
 
 // Devices and pipes are never replaced, not even by force.
-void requireFree(const Job& job) {
-  if (!utl_isTaken(job.target)) return;
+void requireFree(const Path& target, bool force) {
+  if (!utl_isTaken(target)) return;
   std::error_code ignored;
-  const std::filesystem::file_status status = std::filesystem::status(job.target, ignored);
+  const std::filesystem::file_status status = std::filesystem::status(target, ignored);
   if (std::filesystem::is_directory(status))
-    throw utl_FileException("cannot write", job.target, "it is a folder");
+    throw utl_FileException("cannot write", target, "it is a folder");
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-    throw utl_FileException("cannot write", job.target, "it is a device or a pipe");
-  if (!job.force)
-    throw utl_FileException("cannot write", job.target, "it exists; --force replaces it");
+    throw utl_FileException("cannot write", target, "it is a device or a pipe");
+  if (!force) throw utl_FileException("cannot write", target, "it exists; --force replaces it");
 }
 
-KvoObjDocument makeModel(const Job& job) {
-  const bool replace = job.force && utl_isTaken(job.target);
-  return replace ? KvoObjDocument::CreateReplacing(job.target) : KvoObjDocument::Create(job.target);
+KvoObjDocument makeModel(const Path& target, bool force) {
+  const bool replace = force && utl_isTaken(target);
+  return replace ? KvoObjDocument::CreateReplacing(target) : KvoObjDocument::Create(target);
 }
 
 void finish(KvoObjDocument& document) {
@@ -144,33 +156,40 @@ void finish(KvoObjDocument& document) {
 class Convert {
 public:
   Convert(inps_Session& session, inps_Run& run, Job job)
-      : m_session(session), m_run(run), m_job(std::move(job)) {}
+      : m_session(session), m_run(run), m_job(std::move(job)),
+        m_held(m_job.target.empty() ? std::make_unique<inps_TemporaryFile>("model.sim") : nullptr),
+        m_target(m_held ? m_held->Path() : m_job.target),
+        m_targetName(m_held ? "<stdout>" : utl_pathText(m_target)) {
+    if (!m_job.base.empty()) m_base.emplace(m_job.base);
+  }
 
   int operator()() {
     Note("command", "convert");
-    Note("deck", utl_pathText(m_job.deck));
-    requireFree(m_job);
-    inps_Conversion conversion(m_job.deck);
+    Note("deck", m_job.deck);
+    requireFree(m_target, m_job.force);
+    const inps_Input deck(m_job.deck);
+    inps_Conversion conversion(deck, m_run.Reporter());
     if (!conversion.Prepare()) {
-      Say("the deck cannot be converted; " + utl_pathText(m_job.target) + " was not written");
+      Say("the deck cannot be converted; " + m_targetName + " was not written");
       return inps_ExitFaults;
     }
-    if (const inp_Keyword* restart = conversion.RestartKeyword(); restart && m_job.base.empty())
+    if (const inp_Keyword* restart = conversion.RestartKeyword(); restart && !m_base)
       m_run.Reporter().Warning(inp_Utils::MessageInKeyword(
           *restart, "this deck goes on from another model; --restart names that model"));
-    const bool clean = m_job.base.empty() ? Fresh(conversion) : Restart(conversion);
-    const int notModelled = m_run.NotModelled(conversion.NotModelled());
+    const bool clean = !m_base ? Fresh(conversion) : Restart(conversion);
+    const int notModelled = m_run.NotModelled(conversion.NotModelled(), m_held != nullptr);
+    if (m_held) m_held->SendTo(m_run.Data());
     if (clean && m_run.Reporter().Errors() == 0) return notModelled;
     const bool noMesh = conversion.IsMeshLeftOut();
     if (m_run.IsJson()) m_run.Json()["meshLeftOut"] = noMesh;
-    Say("the deck has errors; " + utl_pathText(m_job.target) + " holds what could be converted" +
+    Say("the deck has errors; " + m_targetName + " holds what could be converted" +
         (noMesh ? "; the mesh is left out because of its errors" : ""));
     return inps_ExitFaults;
   }
 
 private:
   bool Fresh(inps_Conversion& conversion) {
-    KvoObjDocument document = makeModel(m_job);
+    KvoObjDocument document = makeModel(m_target, m_job.force);
     const bool clean = conversion.Convert(document);
     finish(document);
     Summarize(document);
@@ -182,8 +201,7 @@ private:
     KvoObjDocument document = KvoObjDocument::Open(copy, KvoAccess::ReadWrite);
     const Closing closing{document}; // others hold it too, and an open copy may not be removed
     if (!hasMesh(document))
-      throw eds_DamagedFileException("\"" + utl_pathText(m_job.base) +
-                                     "\" has no mesh from which to go on");
+      throw eds_DamagedFileException("\"" + m_base->Name() + "\" has no mesh from which to go on");
     const bool clean = conversion.ConvertRestart(document);
     finish(document);
     Summarize(document);
@@ -192,7 +210,7 @@ private:
   }
 
   bool Restart(inps_Conversion& conversion) {
-    RestartCopy copy(m_job.base, m_job.target);
+    RestartCopy copy(m_base->File(), m_target);
     bool clean = false;
     try {
       clean = GoOn(conversion, copy.File());
@@ -201,23 +219,24 @@ private:
       cow_String text = failure.what();
       const cow_String name = utl_pathText(copy.File());
       if (const size_t at = text.find(name); at != cow_String::npos)
-        text.replace(at, name.size(), utl_pathText(m_job.target));
+        text.replace(at, name.size(), m_targetName);
       throw eds_DiskException(text);
     }
-    copy.BecomeTarget(m_job.target, m_job.force);
+    copy.BecomeTarget(m_target, m_job.force);
     return clean;
   }
 
   void Summarize(const KvoObjDocument& document) {
-    Note("model", utl_pathText(m_job.target));
+    Note("model", m_targetName);
     if (m_run.IsQuiet() && !m_run.IsJson()) return;
     const inps_ModelSummary summary = inps_summarize(document);
     if (m_run.IsJson())
       m_run.Json()["summary"] = inps_jsonOf(summary);
     else
-      m_session.out << utl_pathText(m_job.target) << ": " << inps_summaryLine(summary) << "; "
-                    << m_run.Reporter().CountsText() << "; "
-                    << inps_secondsText(m_run.Timings().Seconds()) << '\n';
+      (m_held ? m_session.err : m_session.out)
+          << m_targetName << ": " << inps_summaryLine(summary) << "; "
+          << m_run.Reporter().CountsText() << "; " << inps_secondsText(m_run.Timings().Seconds())
+          << '\n';
   }
 
   void Note(const char* name, const cow_String& value) {
@@ -230,16 +249,20 @@ private:
   inps_Session& m_session;
   inps_Run& m_run;
   Job m_job;
+  std::unique_ptr<inps_TemporaryFile> m_held; // of a model for standard output
+  std::optional<inps_Input> m_base;           // of a restart
+  Path m_target;
+  cow_String m_targetName;
 };
 
 } // namespace
 
 int inps_convert(inps_Session& session, const inps_Arguments& arguments) {
   Job job;
-  if (const cow_String fault = describeJob(arguments, job); !fault.empty()) {
+  if (const cow_String fault = describeJob(session, arguments, job); !fault.empty()) {
     session.err << "inps: " << fault << '\n';
     return inps_ExitUsage;
   }
   inps_Run run(session, arguments);
-  return run.Do(Convert(session, run, std::move(job)));
+  return run.Do([&] { return Convert(session, run, std::move(job))(); });
 }

@@ -4,6 +4,7 @@
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
 #include "host/inps_Fields.h"
+#include "host/inps_Input.h"
 #include "host/inps_ModelWalk.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
@@ -151,7 +152,8 @@ private:
 int inps_dump(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
   return run.Do([&]() -> int {
-    const KvoObjDocument document = inps_openModelOrDeck(arguments.Path(0), session);
+    const inps_Input input(arguments.Operands()[0]);
+    const KvoObjDocument document = inps_openModelOrDeck(input, run);
     if (document.IsNull()) return inps_ExitFaults;
     utl_Stream out(session.out);
     Dump(document, out).Print();

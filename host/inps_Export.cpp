@@ -6,6 +6,7 @@
 #include "host/inps_Conversion.h"
 #include "host/inps_ExportFiles.h"
 #include "host/inps_ExportGrid.h"
+#include "host/inps_Input.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include <algorithm>
@@ -32,13 +33,16 @@ struct BlockGroup {
 class Export {
 public:
   Export(inps_Session& session, inps_Run& run, const inps_Arguments& arguments)
-      : m_session(session), m_run(run), m_arguments(arguments), m_target(arguments.Path(1)) {}
+      : m_session(session), m_run(run), m_arguments(arguments), m_input(arguments.Operands()[0]),
+        m_held(arguments.Operands()[1] == inps_dash
+                   ? std::make_unique<inps_TemporaryFile>("mesh.vtu")
+                   : nullptr),
+        m_target(m_held ? m_held->Path() : arguments.Path(1)) {}
 
   int operator()() {
     const bool hasBlocks = m_arguments.Has(inps_Opt::Sets) || m_arguments.Has(inps_Opt::Surfaces);
-    inps_ExportFiles files(m_target, m_arguments.Path(0), hasBlocks,
-                           m_arguments.Has(inps_Opt::Force));
-    const KvoObjDocument document = inps_openModelOrDeck(m_arguments.Path(0), m_session);
+    inps_ExportFiles files(m_target, m_input.File(), hasBlocks, m_arguments.Has(inps_Opt::Force));
+    const KvoObjDocument document = inps_openModelOrDeck(m_input, m_run);
     if (document.IsNull()) return inps_ExitFaults;
     const inps_FlatMesh mesh(document);
     if (mesh.NodeCount() == 0 && !mesh.PartNames().empty())
@@ -50,6 +54,7 @@ public:
       throw utl_FileException("cannot write", files.FinalOf(failure.Path()), failure.Reason());
     }
     files.Finish();
+    if (m_held) m_held->SendTo(m_run.Data());
     Summarize(mesh, hasBlocks ? files.ListPath() : m_target);
     return m_run.Reporter().Errors() > 0 ? inps_ExitFaults : inps_ExitDone; // of a deck
   }
@@ -187,7 +192,7 @@ private:
       m_run.Json()["nodes"] = mesh.NodeCount();
       m_run.Json()["elements"] = mesh.ElementCount();
       m_run.Json()["blocks"] = m_blocks;
-    } else if (!m_run.IsQuiet()) {
+    } else if (!m_run.IsQuiet() && !m_held) {
       m_session.out << file << ": " << inps_counted(mesh.NodeCount(), "node") << ", "
                     << inps_counted(mesh.ElementCount(), "element");
       if (m_blocks > 0) m_session.out << ", " << inps_counted(m_blocks, "block");
@@ -200,6 +205,8 @@ private:
   inps_Session& m_session;
   inps_Run& m_run;
   const inps_Arguments& m_arguments;
+  inps_Input m_input;
+  std::unique_ptr<inps_TemporaryFile> m_held; // of a mesh for standard output
   Path m_target;
   int64_t m_blocks = 0;
 };
@@ -207,11 +214,18 @@ private:
 } // namespace
 
 int inps_export(inps_Session& session, const inps_Arguments& arguments) {
-  if (arguments.Path(1).extension() != ".vtu") {
+  if (arguments.Operands()[1] == inps_dash) {
+    if (arguments.Has(inps_Opt::Sets) || arguments.Has(inps_Opt::Surfaces) ||
+        arguments.Has(inps_Opt::Json)) {
+      session.err << "inps: on standard output there is room for the mesh alone; --sets, "
+                     "--surfaces and --json need a file\n";
+      return inps_ExitUsage;
+    }
+  } else if (arguments.Path(1).extension() != ".vtu") {
     session.err << "inps: the mesh goes to a file that is named *.vtu, not "
                 << arguments.Operands()[1] << '\n';
     return inps_ExitUsage;
   }
   inps_Run run(session, arguments);
-  return run.Do(Export(session, run, arguments));
+  return run.Do([&] { return Export(session, run, arguments)(); });
 }

@@ -68,11 +68,14 @@ void inps_printHelp(aio_ostream& out) {
     rows.emplace_back(std::move(name), command.summary);
   }
   printColumns(out, rows);
-  out << "\n\"inps help COMMAND\" tells a command's options, \"inps --version\" the version.\n"
-         "Data goes to standard output, messages to standard error. Exit codes: 0 done, 1 the\n"
-         "deck has errors or the models differ, 2 wrong usage, 3 file or system failure, 4\n"
-         "something was not modelled under --strict, 130 interrupted. INPS_THREADS sets the\n"
-         "number of threads; NO_COLOR is heeded.\n";
+  out << "\n\"inps help COMMAND\" tells a command's options, \"inps -V\" the version. Data goes "
+         "to\n"
+         "standard output, messages to standard error; \"-\" is standard input where a file is "
+         "read\n"
+         "and standard output where one is made. Exit codes: 0 done, 1 a deck has errors, a model\n"
+         "faults, or two models differ, 2 wrong usage, 3 file or system failure, 4 something was\n"
+         "not modelled under --strict, 130 interrupted. INPS_THREADS sets the number of threads;\n"
+         "NO_COLOR is heeded.\n";
 }
 
 int inps_reportUnknownCommand(inps_Session& session, std::string_view name) {

@@ -3,9 +3,12 @@
 #include "base/utl_File.h"
 #include "database/eds_ModelReader.h"
 #include "host/inps_Arguments.h"
+#include "host/inps_Input.h"
 #include "host/inps_Json.h"
 #include "host/inps_MaterialList.h"
 #include "host/inps_MeshQuality.h"
+#include "host/inps_NameChoice.h"
+#include "host/inps_NamedTable.h"
 #include "host/inps_OpenModel.h"
 #include "host/inps_Session.h"
 #include "host/inps_Timings.h"
@@ -57,46 +60,77 @@ void printInfo(aio_ostream& out, const inps_ModelSummary& summary, const KvoObjD
 
 int listMaterials(inps_Session& session, const inps_Arguments& arguments,
                   const KvoObjDocument& document) {
+  cow_List<cow_String> have;
+  inps_forPropertyOwners(document,
+                         [&](const inps_PropertyOwner& owner) { have.push_back(owner.name); });
+  const inps_NameChoice choice(std::span(arguments.Operands()).subspan(1), have);
+  for (const cow_String& name : choice.Missing())
+    session.err << "inps: the model has no material or gasket behavior \"" << name << "\"\n";
+  if (!choice.Missing().empty()) return inps_ExitUsage;
   if (arguments.Has(inps_Opt::Json))
     inps_printJson(session.out, {{"command", "info"},
                                  {"model", arguments.Operands()[0]},
-                                 {"materials", inps_jsonOfMaterials(document)}});
+                                 {"materials", inps_jsonOfMaterials(document, choice)}});
   else
-    inps_printMaterials(session.out, document);
+    inps_printMaterials(session.out, document, choice);
   return inps_ExitDone;
+}
+
+inps_Json jsonOf(const inps_Input& input, const KvoObjDocument& document,
+                 const inps_ModelSummary& summary, uintmax_t bytes) {
+  inps_Json json{{"command", "info"},
+                 {"model", input.Name()},
+                 {"bytes", bytes},
+                 {"finished", document.IsFinished()}};
+  if (summary.outcome.isKnown) {
+    json["errors"] = summary.outcome.errors;
+    json["warnings"] = summary.outcome.warnings;
+    json["leftOut"] = summary.outcome.leftOut;
+    json["meshLeftOut"] = summary.outcome.IsMeshLeftOut();
+  }
+  inps_Json facts = inps_Json::object();
+  for (const auto& [name, value] : eds_ModelReader(document).Meta()) facts[name] = value;
+  json["meta"] = std::move(facts);
+  json["summary"] = inps_jsonOf(summary);
+  json["quality"] = inps_jsonOf(inps_assessMesh(document));
+  return json;
+}
+
+// Facts that the first lines tell already.
+bool isToldAbove(std::string_view fact) {
+  return fact == "finished" || fact == "errors" || fact == "warnings" || fact == "left_out";
 }
 
 } // namespace
 
 int inps_info(inps_Session& session, const inps_Arguments& arguments) {
-  const std::filesystem::path file = arguments.Path(0);
-  const KvoObjDocument document = inps_openModel(file);
+  const bool named = arguments.Operands().size() > 1;
+  if (named && !arguments.Has(inps_Opt::Materials)) {
+    session.err << "inps: names choose from what \"--materials\" lists, which is not given\n";
+    return inps_ExitUsage;
+  }
+  const inps_Input input(arguments.Operands()[0]);
+  const KvoObjDocument document = inps_openModel(input.File());
   if (arguments.Has(inps_Opt::Materials)) return listMaterials(session, arguments, document);
   const inps_ModelSummary summary = inps_summarize(document);
-  const auto meta = eds_ModelReader(document).Meta();
   std::error_code ignored;
-  const auto size = std::filesystem::file_size(file, ignored);
-
+  const auto size = std::filesystem::file_size(input.File(), ignored);
   if (arguments.Has(inps_Opt::Json)) {
-    inps_Json json{{"command", "info"},
-                   {"model", arguments.Operands()[0]},
-                   {"bytes", size},
-                   {"finished", document.IsFinished()}};
-    inps_Json facts = inps_Json::object();
-    for (const auto& [name, value] : meta) facts[name] = value;
-    json["meta"] = std::move(facts);
-    json["summary"] = inps_jsonOf(summary);
-    json["quality"] = inps_jsonOf(inps_assessMesh(document));
-    inps_printJson(session.out, json);
+    inps_printJson(session.out, jsonOf(input, document, summary, size));
     return inps_ExitDone;
   }
-  session.out << arguments.Operands()[0] << ": " << inps_bytesText(size) << ", "
+  session.out << input.Name() << ": " << inps_bytesText(size) << ", "
               << (document.IsFinished()
                       ? "finished"
                       : "not finished: its conversion was cut short or still goes on")
               << '\n';
-  for (const auto& [name, value] : meta)
-    if (name != "finished") session.out << name << ": " << value << '\n';
+  if (summary.outcome.isKnown) {
+    session.out << (summary.outcome.errors > 0 ? "does not hold all of its deck: "
+                                               : "converted with ")
+                << summary.outcome.Text() << '\n';
+  }
+  for (const auto& [name, value] : eds_ModelReader(document).Meta())
+    if (!isToldAbove(name)) session.out << name << ": " << value << '\n';
   printInfo(session.out, summary, document);
   return inps_ExitDone;
 }

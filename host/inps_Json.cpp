@@ -2,6 +2,8 @@
 
 #include "base/utl_File.h"
 #include "host/inps_Timings.h"
+#include "parser/inp_Utf8Text.h"
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -100,5 +102,19 @@ void inps_addMessages(inps_Json& object, const inps_Reporter& reporter) {
 }
 
 void inps_printJson(aio_ostream& out, const inps_Json& json) {
-  out << json.dump(2, ' ', false, inps_Json::error_handler_t::replace) << '\n';
+  const cow_String text = json.dump(2, ' ', false, inps_Json::error_handler_t::replace);
+  // JSON leaves some characters as they are that no terminal should see; they stand in its texts
+  // only, and an escape of its own says the same.
+  const char* const end = text.data() + text.size();
+  const char* rest = text.data();
+  for (const char* p = rest; p != end;) {
+    const std::size_t length = std::max<std::size_t>(1, inp_utf8CharLength(p, end));
+    if (*p != '\n' && !inp_isPrintable({p, length})) {
+      const cow_String escaped = inp_escaped({p, length});
+      out << std::string_view(rest, p) << (length == 1 ? "\\u00" + escaped.substr(2) : escaped);
+      rest = p + length;
+    }
+    p += length;
+  }
+  out << std::string_view(rest, end) << '\n';
 }

@@ -17,12 +17,12 @@
 
 namespace {
 
-void say(const inps_Session& session, std::string_view text) {
+void say(inps_Session& session, std::string_view text) {
   session.err << "inps: " << text << '\n' << std::flush;
 }
 
 // INPS_THREADS: how many threads bulk work may use; a number from 1 on.
-bool readThreadCount(const inps_Session& session) {
+bool readThreadCount(inps_Session& session) {
   const char* text = std::getenv("INPS_THREADS");
   if (!text || !*text) return true;
   char* end = nullptr;
@@ -36,9 +36,19 @@ bool readThreadCount(const inps_Session& session) {
   return true;
 }
 
+// A usage fault in words, empty when there is none. "auto" stays what the terminal is fit for.
+cow_String chooseColour(inps_Session& session, const inps_Arguments& arguments) {
+  if (!arguments.Has(inps_Opt::Color)) return {};
+  const cow_String& when = arguments.ValueOf(inps_Opt::Color);
+  if (when != "auto" && when != "always" && when != "never")
+    return "\"--color\" takes auto, always or never, not \"" + when + "\"";
+  if (when != "auto") session.colour = when == "always";
+  return {};
+}
+
 int runCommand(const cow_List<cow_String>& words, inps_Session& session) {
   const cow_String& word = words.front();
-  if (word == "--version") {
+  if (word == "--version" || word == "-V") {
     session.out << "inps " << inps_version << '\n';
     return inps_ExitDone;
   }
@@ -50,6 +60,7 @@ int runCommand(const cow_List<cow_String>& words, inps_Session& session) {
   cow_String fault = arguments.Read(*command, std::span(words).subspan(1));
   if (fault.empty() && arguments.Has(inps_Opt::Memory))
     fault = inps_limitMemory(arguments.ValueOf(inps_Opt::Memory));
+  if (fault.empty()) fault = chooseColour(session, arguments);
   if (!fault.empty()) {
     say(session, fault);
     inps_printUsage(session.err, *command);
@@ -62,19 +73,18 @@ int runCommand(const cow_List<cow_String>& words, inps_Session& session) {
   return command->run(session, arguments);
 }
 
-int internalError(const inps_Session& session, const utl_Assertion& fault) {
+int internalError(inps_Session& session, const utl_Assertion& fault) {
   cow_String file = fault.Where().file_name();
   if (const std::size_t slash = file.find_last_of("/\\"); slash != cow_String::npos)
     file.erase(0, slash + 1);
   say(session, "internal error: " + cow_String(fault.what()) + " (" + file + ":" +
-                   std::to_string(fault.Where().line()) +
-                   "); what was converted before it is kept. This is a fault of the program.");
+                   std::to_string(fault.Where().line()) + "). This is a fault of the program.");
   return inps_ExitFailure;
 }
 
 // Nobody left to read our output is no news to anybody; everything else is said.
-int outputFailed(const inps_Session& session) {
-  const auto* buffer = dynamic_cast<const inps_StandardBuffer*>(session.out.rdbuf());
+int outputFailed(inps_Session& session) {
+  const auto* buffer = dynamic_cast<const inps_StandardBuffer*>(session.data.rdbuf());
   if (!buffer || !buffer->ReaderIsGone())
     say(session,
         "cannot write standard output" +
@@ -82,9 +92,9 @@ int outputFailed(const inps_Session& session) {
   return inps_ExitFailure;
 }
 
-int runTold(const cow_List<cow_String>& words, inps_Session& session) {
+int toldFailures(inps_Session& session, const std::function<int()>& work) {
   try {
-    return runCommand(words, session);
+    return work();
   } catch (const utl_Assertion& fault) {
     return internalError(session, fault);
   } catch (const utl_Interruption&) {
@@ -95,22 +105,22 @@ int runTold(const cow_List<cow_String>& words, inps_Session& session) {
   } catch (const eds_MemoryException& failure) {
     inps_tellOutOfMemory(session, failure.what());
   } catch (const std::exception& failure) {
-    if (session.out) say(session, failure.what()); // else outputFailed has the better words
-  }
-  return inps_ExitFailure;
-}
-
-// Memory may run out while a failure is put in words, too.
-int runGuarded(const cow_List<cow_String>& words, inps_Session& session) {
-  try {
-    return runTold(words, session);
-  } catch (const std::bad_alloc&) {
-    inps_tellOutOfMemory(session, "out of memory");
+    if (session.data) say(session, failure.what()); // else outputFailed has the better words
   }
   return inps_ExitFailure;
 }
 
 } // namespace
+
+// Memory may run out while a failure is put in words, too.
+int inps_tellFailures(inps_Session& session, const std::function<int()>& work) {
+  try {
+    return toldFailures(session, work);
+  } catch (const std::bad_alloc&) {
+    inps_tellOutOfMemory(session, "out of memory");
+  }
+  return inps_ExitFailure;
+}
 
 int inps_main(const cow_List<cow_String>& words, inps_Session& session) {
   if (words.empty()) {
@@ -118,10 +128,10 @@ int inps_main(const cow_List<cow_String>& words, inps_Session& session) {
     return inps_ExitUsage;
   }
   if (!readThreadCount(session)) return inps_ExitUsage;
-  const int exitCode = runGuarded(words, session);
+  const int exitCode = inps_tellFailures(session, [&] { return runCommand(words, session); });
   session.out.flush();
   session.err.flush();
-  return session.out ? exitCode : outputFailed(session);
+  return session.out && session.data ? exitCode : outputFailed(session);
 }
 
 int inps_main(const cow_List<cow_String>& words, aio_ostream& out, aio_ostream& err) {

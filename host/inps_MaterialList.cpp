@@ -1,4 +1,5 @@
 #include "host/inps_MaterialList.h"
+#include "host/inps_NameChoice.h"
 
 #include "host/inps_Fields.h"
 #include "host/inps_NamedTable.h"
@@ -72,7 +73,8 @@ inps_Json jsonOf(const inpS_PropertyDescription& behavior) {
 
 } // namespace
 
-void inps_printMaterials(aio_ostream& out, const KvoObjDocument& document) {
+void inps_printMaterials(aio_ostream& out, const KvoObjDocument& document,
+                         const inps_NameChoice& choice) {
   const KeptKeywords kept = keptKeywords(document);
   const auto printKept = [&](const KvoSimPosition& owner, std::size_t indent) {
     for (const cow_String& keyword : keptOf(kept, owner))
@@ -80,6 +82,7 @@ void inps_printMaterials(aio_ostream& out, const KvoObjDocument& document) {
   };
   bool any = false;
   inps_forPropertyOwners(document, [&](const inps_PropertyOwner& owner) {
+    if (!choice.Has(owner.name)) return;
     any = true;
     out << owner.kind << ' ' << inps_quoted(owner.name) << '\n';
     for (const inpS_PropertyDescription& behavior : inpS_describeProperties(owner.position)) {
@@ -94,10 +97,11 @@ void inps_printMaterials(aio_ostream& out, const KvoObjDocument& document) {
   if (!any) out << "no materials\n";
 }
 
-inps_Json inps_jsonOfMaterials(const KvoObjDocument& document) {
+inps_Json inps_jsonOfMaterials(const KvoObjDocument& document, const inps_NameChoice& choice) {
   const KeptKeywords kept = keptKeywords(document);
   inps_Json list = inps_Json::array();
   inps_forPropertyOwners(document, [&](const inps_PropertyOwner& owner) {
+    if (!choice.Has(owner.name)) return;
     inps_Json behaviors = inps_Json::array();
     inps_Json texts = keptOf(kept, owner.position);
     for (const inpS_PropertyDescription& behavior : inpS_describeProperties(owner.position)) {

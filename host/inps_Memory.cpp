@@ -52,18 +52,22 @@ cow_String inps_limitMemory(std::string_view size) {
   return {};
 }
 
-void inps_tellOutOfMemory(const inps_Session& session, std::string_view text) {
+void inps_tellOutOfMemory(inps_Session& session, std::string_view text) {
   session.err << "inps: " << text;
   constexpr double mega = 1024.0 * 1024.0;
   constexpr double giga = 1024.0 * mega;
-  const auto limit = static_cast<double>(utl_memoryLimit());
+  const std::uint64_t own = utl_memoryLimit();
+  const std::uint64_t outer = utl_addressLimit();
+  const bool isOuter = outer > 0 && (own == 0 || outer <= own); // the one that was hit
+  const auto limit = static_cast<double>(isOuter ? outer : own);
   if (limit > 0) {
-    std::array<char, 120> hint{};
-    const int length = std::snprintf(hint.data(), hint.size(),
-                                     "; this run may have %.*f %s, \"--memory SIZE\" gives it "
-                                     "another bound",
-                                     limit < giga ? 0 : 2, limit / (limit < giga ? mega : giga),
-                                     limit < giga ? "MB" : "GB");
+    std::array<char, 160> hint{};
+    const int length = std::snprintf(
+        hint.data(), hint.size(),
+        isOuter ? "; this run was started with %.*f %s of addresses for everything, mapped files "
+                  "too (ulimit -v)"
+                : "; this run may have %.*f %s, \"--memory SIZE\" gives it another bound",
+        limit < giga ? 0 : 2, limit / (limit < giga ? mega : giga), limit < giga ? "MB" : "GB");
     session.err << std::string_view(hint.data(), static_cast<std::size_t>(length));
   }
   session.err << '\n' << std::flush;

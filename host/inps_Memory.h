@@ -18,4 +18,4 @@ cow_String inps_limitMemory(std::string_view size);
 
 // Says what ran out of memory ("" or " with FILE"), what the bound is and how to raise it. Needs
 // no memory.
-void inps_tellOutOfMemory(const inps_Session& session, std::string_view text);
+void inps_tellOutOfMemory(inps_Session& session, std::string_view text);

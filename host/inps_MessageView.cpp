@@ -1,5 +1,6 @@
 #include "host/inps_MessageView.h"
 
+#include "host/inps_VisibleBuffer.h"
 #include "parser/inp_Utf8Text.h"
 #include <algorithm>
 #include <ostream>
@@ -26,11 +27,23 @@ const Look& lookOf(inps_Severity severity) {
 }
 
 // A message is shown in one piece: standard error has no buffer, and memory may run out on the way.
-std::ostringstream wholePiece() {
-  std::ostringstream whole;
-  whole.exceptions(std::ios::badbit); // else a want of memory would cut it in silence
-  return whole;
-}
+class Piece {
+public:
+  Piece() {
+    m_whole.exceptions(std::ios::badbit); // else a want of memory would cut it in silence
+    m_out.exceptions(std::ios::badbit);
+  }
+  aio_ostream& Out() { return m_out; }
+  void SendTo(aio_ostream& out) {
+    m_out.flush();
+    inps_writeOwn(out, m_whole.view()); // it came through a door already
+  }
+
+private:
+  std::ostringstream m_whole;
+  inps_VisibleBuffer m_door{m_whole};
+  aio_ostream m_out{&m_door};
+};
 
 // The characters of a text, a byte that belongs to none counted as one, as the parser counts.
 cow_List<std::string_view> charactersOf(std::string_view text) {
@@ -68,7 +81,7 @@ void inps_MessageView::ShowText(aio_ostream& out, std::string_view text) const {
 void inps_MessageView::ShowHead(aio_ostream& out, inps_Severity severity, const wip_Place& place,
                                 std::string_view text) const {
   const Look& look = lookOf(severity);
-  if (m_colour) out << bold;
+  if (m_colour) inps_writeOwn(out, bold);
   const bool note = severity == inps_Severity::Note; // one without a place belongs to its message
   if (place.file.empty())
     out << (note ? " " : "inps:");
@@ -79,9 +92,9 @@ void inps_MessageView::ShowHead(aio_ostream& out, inps_Severity severity, const 
     if (place.column > 0) out << ':' << place.column;
   }
   out << (place.file.empty() ? " " : ": ");
-  if (m_colour) out << look.colour;
+  if (m_colour) inps_writeOwn(out, look.colour);
   out << look.name << ": ";
-  if (m_colour) out << plain;
+  if (m_colour) inps_writeOwn(out, plain);
   ShowText(out, text);
 }
 
@@ -105,16 +118,16 @@ void inps_MessageView::ShowSource(aio_ostream& out, const wip_Place& place) cons
   const auto asked = static_cast<std::size_t>(std::max(1, place.width));
   const std::size_t width =
       std::min(asked, std::max<std::size_t>(1, last - std::min(last, column)));
-  if (m_colour) out << green;
+  if (m_colour) inps_writeOwn(out, green);
   out << '^' << cow_String(width - 1, '~');
-  if (m_colour) out << plain;
+  if (m_colour) inps_writeOwn(out, plain);
   out << '\n';
 }
 
 void inps_MessageView::Show(inps_Severity severity, const wip_Message& message) const {
-  std::ostringstream whole = wholePiece();
-  ShowParts(whole, severity, message);
-  m_out << whole.view();
+  Piece whole;
+  ShowParts(whole.Out(), severity, message);
+  whole.SendTo(m_out);
 }
 
 void inps_MessageView::ShowParts(aio_ostream& out, inps_Severity severity,
@@ -137,7 +150,8 @@ void inps_MessageView::ShowParts(aio_ostream& out, inps_Severity severity,
 }
 
 void inps_MessageView::ShowLine(inps_Severity severity, std::string_view text) const {
-  std::ostringstream whole = wholePiece();
-  ShowHead(whole, severity, {}, text);
-  m_out << whole.view() << '\n';
+  Piece whole;
+  ShowHead(whole.Out(), severity, {}, text);
+  whole.Out() << '\n';
+  whole.SendTo(m_out);
 }

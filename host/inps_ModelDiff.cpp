@@ -5,6 +5,7 @@
 #include "host/inps_Matching.h"
 #include "host/inps_ModelWalk.h"
 #include "host/inps_Reporter.h"
+#include "host/inps_Tolerance.h"
 #include <algorithm>
 #include <cstring>
 #include <ostream>
@@ -97,8 +98,9 @@ private:
 
 class Diff {
 public:
-  Diff(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out)
-      : m_a(a), m_b(b), m_out(out) {}
+  Diff(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out,
+       const inps_Tolerance& tolerance)
+      : m_a(a), m_b(b), m_out(out), m_tolerance(tolerance) {}
 
   long long Run() {
     const cow_List<const eds_RecordInfo*> kinds = Kinds();
@@ -190,10 +192,22 @@ private:
       if (SameObject(*objectA, *objectB)) return;
     } else if (a == b || (inps_isDefault(info, a) && inps_isDefault(info, b))) {
       return;
+    } else if (m_tolerance.IsGiven() && std::holds_alternative<double>(a) &&
+               std::holds_alternative<double>(b) &&
+               m_tolerance.Allows(std::get<double>(a), std::get<double>(b))) {
+      return;
     }
     if (info.name == "Grid" && SameGrid(a, b)) return;
     if (info.type == eds_FieldType::Bytes) return CompareRows(a, b);
     Differ(info.column, inps_valueText(m_a.Model(), info, a), inps_valueText(m_b.Model(), info, b));
+  }
+
+  bool SameNumber(const void* a, const void* b) const {
+    if (std::memcmp(a, b, sizeof(double)) == 0) return true;
+    double values[2];
+    std::memcpy(&values[0], a, sizeof(double));
+    std::memcpy(&values[1], b, sizeof(double));
+    return m_tolerance.IsGiven() && m_tolerance.Allows(values[0], values[1]);
   }
 
   // The values that a property table holds itself: the first that differs.
@@ -204,8 +218,9 @@ private:
     const std::string_view bytesB = rowsB ? *rowsB : std::string_view();
     std::size_t at = 0;
     while (at + sizeof(double) <= std::min(bytesA.size(), bytesB.size()) &&
-           bytesA.substr(at, sizeof(double)) == bytesB.substr(at, sizeof(double)))
+           SameNumber(bytesA.data() + at, bytesB.data() + at))
       at += sizeof(double);
+    if (at == bytesA.size() && at == bytesB.size()) return; // within the tolerance
     const auto text = [at](std::string_view bytes) {
       const auto count = static_cast<int64_t>(bytes.size() / sizeof(double));
       cow_String line = inps_counted(count, "value");
@@ -266,6 +281,7 @@ private:
   Side m_a;
   Side m_b;
   aio_ostream& m_out;
+  const inps_Tolerance& m_tolerance;
   std::unordered_map<uint64_t, int64_t> m_partner; // of A's records in B
   std::unordered_set<uint64_t> m_sameArrays;       // those found equal before, by both numbers
   cow_String m_record;                             // its head is still to be printed
@@ -277,15 +293,16 @@ cow_String shapeText(const eds_ArrayReader& array) {
          cow_String(inps_valueTypeName(array.ValueType()));
 }
 
-// The items of two arrays of one type and width that are not the same bit by bit.
+// The items of two arrays of one type and width that are not the same: bit by bit, or real numbers
+// within a tolerance.
 struct ItemDifferences {
   int64_t count = 0;
   int64_t first = -1;
   cow_String inA;
   cow_String inB;
 
-  ItemDifferences(eds_ArrayReader& a, eds_ArrayReader& b)
-      : m_type(a.ValueType()),
+  ItemDifferences(eds_ArrayReader& a, eds_ArrayReader& b, const inps_Tolerance& tolerance)
+      : m_tolerance(tolerance), m_type(a.ValueType()),
         m_itemSize(static_cast<std::size_t>(eds_sizeOf(m_type) * a.Width())) {
     const int64_t common = std::min(a.Count(), b.Count());
     cow_List<std::byte> other;
@@ -304,11 +321,23 @@ struct ItemDifferences {
 private:
   void ComparePiece(int64_t firstItem, std::span<const std::byte> a, std::span<const std::byte> b) {
     for (std::size_t at = 0; at < a.size(); at += m_itemSize) {
-      if (std::memcmp(&a[at], &b[at], m_itemSize) == 0 || count++ > 0) continue;
+      if (SameItem(&a[at], &b[at]) || count++ > 0) continue;
       first = firstItem + static_cast<int64_t>(at / m_itemSize);
       inA = Text(&a[at]);
       inB = Text(&b[at]);
     }
+  }
+
+  bool SameItem(const std::byte* a, const std::byte* b) const {
+    if (std::memcmp(a, b, m_itemSize) == 0) return true;
+    if (m_type != eds_ValueType::Double || !m_tolerance.IsGiven()) return false;
+    for (std::size_t at = 0; at < m_itemSize; at += sizeof(double)) {
+      double values[2];
+      std::memcpy(&values[0], a + at, sizeof(double));
+      std::memcpy(&values[1], b + at, sizeof(double));
+      if (!m_tolerance.Allows(values[0], values[1])) return false;
+    }
+    return true;
   }
 
   cow_String Text(const std::byte* item) const {
@@ -318,6 +347,7 @@ private:
     return values;
   }
 
+  const inps_Tolerance& m_tolerance;
   eds_ValueType m_type;
   std::size_t m_itemSize;
 };
@@ -332,7 +362,7 @@ void Diff::CompareArrays(std::string_view what, int64_t a, int64_t b) {
   const bool sameShape = sameItems && arrayA.Count() == arrayB.Count();
   if (!sameShape) Differ(what, shapeText(arrayA), shapeText(arrayB));
   if (!sameItems) return;
-  const ItemDifferences items(arrayA, arrayB);
+  const ItemDifferences items(arrayA, arrayB, m_tolerance);
   if (items.count > 0)
     Differ(cow_String(what) + ", " + inps_counted(items.count, "item differs", "items differ") +
                ", first item " + std::to_string(items.first),
@@ -363,6 +393,7 @@ void Diff::CompareLinks(const std::vector<eds_LinkInfo>& a, const std::vector<ed
 
 } // namespace
 
-long long inps_diffModels(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out) {
-  return Diff(a, b, out).Run();
+long long inps_diffModels(const KvoObjDocument& a, const KvoObjDocument& b, aio_ostream& out,
+                          const inps_Tolerance& tolerance) {
+  return Diff(a, b, out, tolerance).Run();
 }

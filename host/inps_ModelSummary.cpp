@@ -59,6 +59,7 @@ void addParts(const eds_ModelReader& model, inps_ModelSummary& summary) {
 inps_ModelSummary inps_summarize(const KvoObjDocument& document) {
   const eds_ModelReader model(document);
   inps_ModelSummary summary;
+  summary.outcome = inps_outcomeOf(document);
   for (const int64_t id : model.RecordIDs(Kind::Model)) {
     summary.heading = cow_String(model.Annotation(Kind::Model, id));
     while (summary.heading.ends_with('\n')) summary.heading.pop_back();
@@ -95,6 +96,7 @@ cow_String inps_summaryLine(const inps_ModelSummary& summary) {
   for (const auto& [name, count] : summary.elementTypes)
     types += (types.empty() ? "" : ", ") + name + " " + std::to_string(count);
   if (!types.empty()) text += " (" + types + ")";
+  if (summary.outcome.IsMeshLeftOut()) text += " (the mesh is left out because of its errors)";
   text += ", " + inps_counted(summary.nodeSets, "node set");
   text += ", " + inps_counted(summary.elementSets, "element set");
   if (summary.surfaces > 0) text += ", " + inps_counted(summary.surfaces, "surface");

@@ -2,6 +2,7 @@
 
 #include "base/aio_ostream.h"
 #include "base/cow_Value.h"
+#include "host/inps_Outcome.h"
 #include <cstdint>
 #include <utility>
 
@@ -17,6 +18,7 @@ struct inps_ModelSummary {
   };
   using Counts = cow_List<std::pair<cow_String, int64_t>>; // in order of first appearance
 
+  inps_Outcome outcome;
   cow_String heading;
   int64_t dimensions = 0;
   int64_t nodes = 0; // of the flat mesh: parts count once per instance

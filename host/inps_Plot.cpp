@@ -4,37 +4,39 @@
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
 #include "host/inps_Arguments.h"
+#include "host/inps_Input.h"
+#include "host/inps_NameChoice.h"
 #include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
 #include "host/inps_PlotPage.h"
 #include "host/inps_Reporter.h"
+#include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include <algorithm>
 #include <ostream>
-#include <unordered_set>
 
 namespace {
 
 constexpr std::size_t mostDrawn = 300; // materials, and as many amplitudes
 
-// Chooses what is drawn: all, up to a number, or what is named on the command line.
-class Choice {
-public:
-  explicit Choice(std::span<const cow_String> names) : m_wanted(names.begin(), names.end()) {}
+enum class Fate { Drawn, Listed, Absent };
 
-  enum class Fate { Drawn, Listed, Absent };
-  Fate Of(const cow_String& name, std::size_t drawn) {
-    if (m_wanted.empty()) return drawn < mostDrawn ? Fate::Drawn : Fate::Listed;
-    if (!m_wanted.contains(name)) return Fate::Absent;
-    m_found.insert(name);
-    return Fate::Drawn;
-  }
-  bool IsWanted(const cow_String& name) const { return !m_found.contains(name); }
+// All, up to a number, or what is named on the command line.
+Fate fateOf(const inps_NameChoice& choice, const cow_String& name, std::size_t drawn) {
+  if (!choice.Has(name)) return Fate::Absent;
+  return choice.IsAll() && drawn >= mostDrawn ? Fate::Listed : Fate::Drawn;
+}
 
-private:
-  std::unordered_set<cow_String> m_wanted;
-  std::unordered_set<cow_String> m_found;
-};
+cow_List<cow_String> namesOf(const KvoObjDocument& document) {
+  cow_List<cow_String> names;
+  inps_forPropertyOwners(document,
+                         [&](const inps_PropertyOwner& owner) { names.push_back(owner.name); });
+  const KvoSimPosition model = document.GetModel().Position();
+  if (model.IsNull()) return names; // cut short at its very start
+  for (const KvoSimPosition& amplitude : model.FollowMap(eds_Member::Amplitudes))
+    names.push_back(amplitude.Name());
+  return names;
+}
 
 void list(inps_PlotPage& page, const cow_String& kind, const cow_String& name) {
   if (page.notDrawn.empty() || page.notDrawn.back().kind != kind)
@@ -42,11 +44,12 @@ void list(inps_PlotPage& page, const cow_String& kind, const cow_String& name) {
   page.notDrawn.back().names.push_back(name);
 }
 
-void addMaterials(const KvoObjDocument& document, Choice& choice, inps_PlotPage& page) {
+void addMaterials(const KvoObjDocument& document, const inps_NameChoice& choice,
+                  inps_PlotPage& page) {
   inps_forPropertyOwners(document, [&](const inps_PropertyOwner& owner) {
-    const Choice::Fate fate = choice.Of(owner.name, page.sections.size());
-    if (fate == Choice::Fate::Listed) list(page, owner.kind, owner.name);
-    if (fate != Choice::Fate::Drawn) return;
+    const Fate fate = fateOf(choice, owner.name, page.sections.size());
+    if (fate == Fate::Listed) list(page, owner.kind, owner.name);
+    if (fate != Fate::Drawn) return;
     inps_PlotSection section{owner.kind, owner.name, {}, {}};
     for (const inpS_PropertyDescription& behavior : inpS_describeProperties(owner.position))
       inps_plotBehavior(behavior, inps_NamedTable(behavior), section);
@@ -54,15 +57,16 @@ void addMaterials(const KvoObjDocument& document, Choice& choice, inps_PlotPage&
   });
 }
 
-void addAmplitudes(const KvoObjDocument& document, Choice& choice, inps_PlotPage& page) {
+void addAmplitudes(const KvoObjDocument& document, const inps_NameChoice& choice,
+                   inps_PlotPage& page) {
   const KvoSimPosition model = document.GetModel().Position();
   if (model.IsNull()) return; // cut short at its very start
   inps_PlotSection section{"amplitudes", "Amplitudes", {}, {}};
   for (const KvoSimPosition& amplitude : model.FollowMap(eds_Member::Amplitudes)) {
     const cow_String name = amplitude.Name();
-    const Choice::Fate fate = choice.Of(name, section.charts.size());
-    if (fate == Choice::Fate::Listed) list(page, section.kind, name);
-    if (fate == Choice::Fate::Drawn) section.charts.push_back(inps_plotAmplitude(amplitude));
+    const Fate fate = fateOf(choice, name, section.charts.size());
+    if (fate == Fate::Listed) list(page, section.kind, name);
+    if (fate == Fate::Drawn) section.charts.push_back(inps_plotAmplitude(amplitude));
   }
   if (!section.charts.empty()) page.sections.push_back(std::move(section));
 }
@@ -93,26 +97,38 @@ cow_String factsOf(const inps_PlotPage& page) {
 } // namespace
 
 int inps_plot(inps_Session& session, const inps_Arguments& arguments) {
-  const std::filesystem::path file = arguments.Path(0);
-  const KvoObjDocument document = inps_openModel(file, session);
-  const auto names = std::span(arguments.Operands()).subspan(1);
-  Choice choice(names);
-  inps_PlotPage page;
-  page.title = utl_pathText(file.filename());
-  addMaterials(document, choice, page);
-  addAmplitudes(document, choice, page);
-  page.facts = factsOf(page);
-  for (const cow_String& name : names) {
-    if (!choice.IsWanted(name)) continue;
-    session.err << "inps: the model has no material, gasket behavior or amplitude \"" << name
-                << "\"; nothing was written\n";
-    return inps_ExitUsage;
-  }
-  const bool named = arguments.Has(inps_Opt::Output);
-  const std::filesystem::path target =
-      named ? arguments.PathOf(inps_Opt::Output) : file.filename().replace_extension(".html");
-  inps_writeFile(target, arguments.Has(inps_Opt::Force), file,
-                 [&](utl_Stream& out) { inps_printPlotPage(out, page); });
-  session.out << utl_pathText(target) << ": " << page.facts << '\n';
-  return inps_ExitDone;
+  inps_Run run(session, arguments);
+  return run.Do([&]() -> int {
+    const bool named = arguments.Has(inps_Opt::Output);
+    const bool toOutput = named && arguments.ValueOf(inps_Opt::Output) == inps_dash;
+    const inps_Input input(arguments.Operands()[0]);
+    if (input.IsStandardInput() && !named) {
+      session.err << "inps: a model from standard input has no name for its page; give -o\n";
+      return inps_ExitUsage;
+    }
+    const KvoObjDocument document = inps_openModel(input, run);
+    const inps_NameChoice choice(std::span(arguments.Operands()).subspan(1), namesOf(document));
+    for (const cow_String& name : choice.Missing())
+      session.err << "inps: the model has no material, gasket behavior or amplitude \"" << name
+                  << "\"; nothing was written\n";
+    if (!choice.Missing().empty()) return inps_ExitUsage;
+    inps_PlotPage page;
+    page.title = input.IsStandardInput() ? input.Name() : utl_pathText(input.File().filename());
+    addMaterials(document, choice, page);
+    addAmplitudes(document, choice, page);
+    page.facts = factsOf(page);
+    if (toOutput) {
+      utl_Stream out(run.Data());
+      inps_printPlotPage(out, page);
+      out.Close();
+      session.err << page.facts << '\n';
+      return inps_ExitDone;
+    }
+    const std::filesystem::path target = named ? arguments.PathOf(inps_Opt::Output)
+                                               : input.File().filename().replace_extension(".html");
+    inps_writeFile(target, arguments.Has(inps_Opt::Force), input.File(),
+                   [&](utl_Stream& out) { inps_printPlotPage(out, page); });
+    session.out << utl_pathText(target) << ": " << page.facts << '\n';
+    return inps_ExitDone;
+  });
 }

@@ -14,6 +14,10 @@ inps_Reporter::inps_Reporter(inps_Session& session, Mode mode, inps_Progress* pr
     : m_view(session.err, session.colour, session.width), m_mode(mode), m_progress(progress) {}
 
 void inps_Reporter::Take(inps_Severity severity, const wip_Message& message) {
+  if (m_hideKept && message.tellsKept) {
+    m_hidden += message.count;
+    return;
+  }
   (severity == inps_Severity::Error ? m_errors : m_warnings) += message.count;
   if (m_mode == Mode::Keep) {
     m_messages.push_back({severity, message});
@@ -29,7 +33,6 @@ void inps_Reporter::Take(inps_Severity severity, const wip_Message& message) {
   if (isNew) kind.text = std::string_view(entry->first).substr(textAt);
   if (++kind.count == shownOfEqual + 1) m_folded.push_back(&kind);
   if (kind.count > shownOfEqual) return;
-  if (m_progress) m_progress->Clear();
   m_view.Show(severity, message);
 }
 

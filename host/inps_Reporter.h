@@ -32,11 +32,19 @@ public:
   void Milestone(const cow_String& text) override;
   void Milestone(const cow_String& task, const cow_String& item, int number, int total) override;
 
+  // Warnings that tell only what is kept as text are neither shown nor counted among the others.
+  void HideKept() { m_hideKept = true; }
+  void Count(long long errors, long long warnings) { // those of others
+    m_errors += errors;
+    m_warnings += warnings;
+  }
+
   // Tells of the messages that were only counted.
   void ShowFolded();
 
   long long Errors() const { return m_errors; }
   long long Warnings() const { return m_warnings; }
+  long long AllWarnings() const { return m_warnings + m_hidden; }
   const cow_List<inps_Reported>& Messages() const { return m_messages; }
   cow_String CountsText() const; // "2 errors, 1 warning"
 
@@ -54,6 +62,8 @@ private:
   inps_MessageView m_view;
   Mode m_mode;
   inps_Progress* m_progress;
+  bool m_hideKept = false;
+  long long m_hidden = 0;
   long long m_errors = 0;
   long long m_warnings = 0;
   cow_List<inps_Reported> m_messages;

@@ -17,26 +17,36 @@ inps_Reporter::Mode modeOf(const inps_Arguments& arguments) {
                                         : inps_Reporter::Mode::Show;
 }
 
+// "inp2sim-mesh": the mark of a phase, as people read it.
+cow_String phaseText(std::string_view label) {
+  for (const std::string_view prefix : {"inp2sim-", "Sim2Inp-", "inps-"})
+    if (label.starts_with(prefix)) label.remove_prefix(prefix.size());
+  return cow_String(label);
+}
+
 } // namespace
 
-inps_Run::inps_Run(inps_Session& session, const inps_Arguments& arguments)
-    : m_session(session), m_quiet(arguments.Has(inps_Opt::Quiet)),
-      m_strict(arguments.Has(inps_Opt::Strict)), m_showTimings(arguments.Has(inps_Opt::Timings)),
-      m_progress(session), m_reporter(session, modeOf(arguments), &m_progress),
-      m_installed(m_reporter),
-      m_timings([this](const cow_String& label) { m_progress.Show(label); }),
+inps_Run::inps_Run(inps_Session& session, const inps_Arguments& arguments, Kind kind)
+    : m_session(session), m_kind(kind), m_quiet(arguments.Has(inps_Opt::Quiet)),
+      m_strict(arguments.Has(inps_Opt::Strict)),
+      m_showTimings(arguments.Has(inps_Opt::Timings) && kind != Kind::Part && kind != Kind::Sum),
+      m_hideKept(arguments.Has(inps_Opt::NoKept)), m_progress(session),
+      m_reporter(session, modeOf(arguments), &m_progress), m_installed(m_reporter),
+      m_timings([this](const cow_String& label) { m_progress.Show(phaseText(label)); },
+                kind == Kind::Whole || kind == Kind::TimedPart),
       // An object from the start: the library that turns nothing into one leaves half of it behind
       // when memory runs out.
       m_json(arguments.Has(inps_Opt::Json) ? std::make_unique<inps_Json>(inps_Json::object())
-                                           : nullptr) {}
+                                           : nullptr) {
+  if (m_hideKept) m_reporter.HideKept();
+}
 
 inps_Run::~inps_Run() = default;
 
 void inps_Run::ShowCounts() {
-  m_progress.Clear();
   if (IsJson() || std::exchange(m_countsShown, true)) return; // a failure may follow the end
   m_reporter.ShowFolded();
-  if (!m_quiet && m_reporter.Errors() + m_reporter.Warnings() > 0)
+  if (!m_quiet && !IsPart() && m_reporter.Errors() + m_reporter.Warnings() > 0)
     m_session.err << m_reporter.CountsText() << '\n';
 }
 
@@ -47,7 +57,7 @@ int inps_Run::End(int exitCode) {
     if (m_showTimings) (*m_json)["timings"] = inps_jsonOf(m_timings);
     (*m_json)["seconds"] = m_timings.Seconds();
     (*m_json)["exit"] = exitCode;
-    inps_printJson(m_session.out, *m_json);
+    if (!IsPart()) inps_printJson(m_session.out, *m_json);
   } else if (m_showTimings) {
     m_timings.Print(m_session.err);
   }
@@ -62,23 +72,33 @@ void inps_Run::Fail(const std::exception& failure) {
   inps_addMessages(*m_json, m_reporter);
   const bool asked = dynamic_cast<const utl_Interruption*>(&failure) != nullptr;
   (*m_json)["exit"] = static_cast<int>(asked ? inps_ExitInterrupted : inps_ExitFailure);
-  inps_printJson(m_session.out, *m_json);
+  if (!IsPart()) inps_printJson(m_session.out, *m_json);
 }
 
-int inps_Run::NotModelled(const cow_List<inpS_NotModelled>& kinds) {
+aio_ostream& inps_Run::Data() {
+  if (m_session.isOutTerminal) m_progress.End();
+  return m_session.data;
+}
+
+int inps_Run::NotModelled(const cow_List<inpS_NotModelled>& kinds, bool isDataOut, bool withTable) {
+  aio_ostream& out = isDataOut ? m_session.err : m_session.out;
   if (IsJson()) Json()["notModelled"] = inps_jsonOf(kinds);
   if (kinds.empty()) return inps_ExitDone;
-  const bool show = !IsJson() && !m_quiet;
-  if (show) m_session.out << "not modelled:\n";
+  // Unknown words may be misspelt, and parameters are lost: those are never hidden.
+  const auto isShown = [this](const inpS_NotModelled& kind) {
+    return !m_hideKept || !kind.kept || !kind.known;
+  };
+  const bool show = withTable && !IsJson() && !m_quiet && std::ranges::any_of(kinds, isShown);
+  if (show) out << "not modelled:\n";
   std::size_t widest = 0;
-  for (const inpS_NotModelled& kind : kinds) widest = std::max(widest, kind.keyword.size());
+  for (const inpS_NotModelled& kind : kinds)
+    if (isShown(kind)) widest = std::max(widest, kind.keyword.size());
   for (const inpS_NotModelled& kind : kinds) {
-    if (!show) break;
-    m_session.out << "  *" << kind.keyword << cow_String(widest - kind.keyword.size() + 2, ' ')
-                  << inps_counted(kind.count, "time") << (kind.count == 1 ? ", at " : ", first at ")
-                  << kind.file << ':' << kind.line
-                  << (kind.kept ? "; kept as text" : "; parameter left out")
-                  << (kind.known ? "" : " (no keyword of the language)") << '\n';
+    if (!show || !isShown(kind)) continue;
+    out << "  *" << kind.keyword << cow_String(widest - kind.keyword.size() + 2, ' ')
+        << inps_counted(kind.count, "time") << (kind.count == 1 ? ", at " : ", first at ")
+        << kind.file << ':' << kind.line << (kind.kept ? "; kept as text" : "; parameter left out")
+        << (kind.known ? "" : " (no keyword of the language)") << '\n';
   }
   return m_strict ? inps_ExitNotModelled : inps_ExitDone;
 }

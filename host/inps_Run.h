@@ -13,13 +13,20 @@ class inps_Arguments;
 // the JSON object that takes the place of all texts under --json.
 class inps_Run {
 public:
-  inps_Run(inps_Session& session, const inps_Arguments& arguments);
+  // A part is one of several that may run at once: its JSON object is for the sum of them to take,
+  // the number of its messages goes into the sum's, and it has timings only where it runs alone.
+  enum class Kind { Whole, Part, TimedPart, Sum };
+  inps_Run(inps_Session& session, const inps_Arguments& arguments, Kind kind = Kind::Whole);
   ~inps_Run();
   inps_Run(const inps_Run&) = delete;
   inps_Run& operator=(const inps_Run&) = delete;
 
   bool IsJson() const { return m_json != nullptr; }
   bool IsQuiet() const { return m_quiet; }
+  bool IsPart() const { return m_kind == Kind::Part || m_kind == Kind::TimedPart; }
+  inps_Progress& Progress() { return m_progress; }
+  // For what must arrive byte by byte; nothing else is on a terminal from then on.
+  aio_ostream& Data();
   inps_Json& Json() { return *m_json; }
   inps_Reporter& Reporter() { return m_reporter; }
   const inps_Timings& Timings() const { return m_timings; }
@@ -36,8 +43,10 @@ public:
     }
   }
 
-  // The table of what was not modelled; the exit code that follows from it.
-  int NotModelled(const cow_List<inpS_NotModelled>& kinds);
+  // The table of what was not modelled, on standard error where data takes standard output; the
+  // exit code that follows from it.
+  int NotModelled(const cow_List<inpS_NotModelled>& kinds, bool isDataOut = false,
+                  bool withTable = true);
 
 private:
   int End(int exitCode);
@@ -45,9 +54,11 @@ private:
   void ShowCounts();
 
   inps_Session& m_session;
+  Kind m_kind;
   bool m_quiet;
   bool m_strict;
   bool m_showTimings;
+  bool m_hideKept;
   bool m_countsShown = false;
   inps_Progress m_progress;
   inps_Reporter m_reporter;

@@ -2,6 +2,9 @@
 
 #include "base/aio_ostream.h"
 #include "base/cow_Value.h"
+#include "host/inps_VisibleBuffer.h"
+#include <chrono>
+#include <ostream>
 
 // How a run of the program ended, as the shell sees it.
 enum inps_Exit : int {
@@ -13,14 +16,27 @@ enum inps_Exit : int {
   inps_ExitInterrupted = 130, // as shells tell of a program ended from the keyboard
 };
 
-// The streams of one run and what they are fit for. Data goes to `out`, messages to `err`.
+// The streams of one run and what they are fit for. Texts go to `out`, messages to `err`; `data` is
+// standard output as it is, for decks and other files that must arrive byte by byte.
 struct inps_Session {
-  aio_ostream& out;
-  aio_ostream& err;
+  inps_Session(aio_ostream& standardOut, aio_ostream& standardErr)
+      : outDoor(standardOut), errDoor(standardErr), data(standardOut), out(&outDoor),
+        err(&errDoor) {}
+
+  inps_VisibleBuffer outDoor;
+  inps_VisibleBuffer errDoor;
+  aio_ostream& data;
+  aio_ostream out;
+  aio_ostream err;
   bool colour = false;
   bool progress = false;
-  int width = 0; // columns for source lines; 0: no terminal
+  bool isOutTerminal = false;               // standard output is looked at, too
+  std::chrono::milliseconds patience{2000}; // work that takes longer has a progress line
+  int width = 0;                            // columns for source lines; 0: no terminal
 };
+
+// The work's exit code; a failure that leaves it is told and has one of its own.
+int inps_tellFailures(inps_Session& session, const std::function<int()>& work);
 
 // The whole program but the process around it. The words do not include the program's name.
 int inps_main(const cow_List<cow_String>& words, inps_Session& session);

@@ -1,6 +1,7 @@
 #include "host/inps_Terminal.h"
 
 #include "base/utl_Interruption.h"
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -40,6 +41,15 @@ void onAsked(int) {
 }
 #endif
 
+// Letters, digits and a few signs that no shell takes for something else.
+bool isPlainWord(std::string_view word, std::string_view alsoPlain) {
+  return !word.empty() && word.front() != '-' && std::ranges::all_of(word, [&](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+           std::string_view("_-./+=,@").find(c) != std::string_view::npos ||
+           alsoPlain.find(c) != std::string_view::npos;
+  });
+}
+
 } // namespace
 
 #if defined(_WIN32)
@@ -47,6 +57,7 @@ inps_TerminalFacts inps_messageTerminal() {
   inps_TerminalFacts facts;
   HANDLE handle = GetStdHandle(STD_ERROR_HANDLE);
   DWORD mode = 0;
+  facts.isOutputTerminal = _isatty(1) != 0;
   if (!_isatty(2) || !GetConsoleMode(handle, &mode)) return facts;
   // Consoles that do not understand colours are treated as files.
   facts.isTerminal = SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
@@ -56,7 +67,12 @@ inps_TerminalFacts inps_messageTerminal() {
   return facts;
 }
 
+cow_String inps_shellWord(const cow_String& word) {
+  return isPlainWord(word, "\\:") ? word : '"' + word + '"'; // no name holds a quote
+}
+
 void inps_prepareStreams() {
+  _setmode(0, _O_BINARY);
   _setmode(1, _O_BINARY);
   _setmode(2, _O_BINARY);
   SetConsoleOutputCP(CP_UTF8);
@@ -69,9 +85,17 @@ void inps_stopWhenAsked() {
 inps_TerminalFacts inps_messageTerminal() {
   inps_TerminalFacts facts;
   facts.isTerminal = isatty(STDERR_FILENO) != 0;
+  facts.isOutputTerminal = isatty(STDOUT_FILENO) != 0;
   winsize size{};
   if (facts.isTerminal && ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0) facts.width = size.ws_col;
   return facts;
+}
+
+cow_String inps_shellWord(const cow_String& word) {
+  if (isPlainWord(word, "")) return word;
+  cow_String quoted = word.starts_with('-') ? "./'" : "'";
+  for (const char c : word) quoted += c == '\'' ? cow_String("'\\''") : cow_String(1, c);
+  return quoted + '\'';
 }
 
 void inps_prepareStreams() {

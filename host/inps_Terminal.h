@@ -5,8 +5,9 @@
 
 // What the system says of the streams a program was started with.
 struct inps_TerminalFacts {
-  bool isTerminal = false; // messages go to a terminal
-  int width = 0;           // its columns, 0 when unknown
+  bool isTerminal = false;       // messages go to a terminal
+  bool isOutputTerminal = false; // and standard output does
+  int width = 0;                 // its columns, 0 when unknown
 };
 
 inps_TerminalFacts inps_messageTerminal();
@@ -18,6 +19,9 @@ void inps_prepareStreams();
 // Ctrl-C, and a system that asks the program to end, stop the work where it may end. Who asks
 // again does not wait for that.
 void inps_stopWhenAsked();
+
+// A word as the shell of this system takes it: quoted where it has to be.
+cow_String inps_shellWord(const cow_String& word);
 
 // A standard stream of the process as a stream buffer that remembers why it failed.
 class inps_StandardBuffer final : public std::streambuf {

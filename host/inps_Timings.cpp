@@ -22,12 +22,12 @@ cow_String inps_bytesText(unsigned long long bytes) {
   return text;
 }
 
-inps_Timings::inps_Timings(std::function<void(const cow_String&)> onStart)
-    : m_onStart(std::move(onStart)), m_previous(bcu_ResourceMonitor::Install(this)),
-      m_begin(Clock::now()) {}
+inps_Timings::inps_Timings(std::function<void(const cow_String&)> onStart, bool install)
+    : m_onStart(std::move(onStart)), m_isInstalled(install),
+      m_previous(install ? bcu_ResourceMonitor::Install(this) : nullptr), m_begin(Clock::now()) {}
 
 inps_Timings::~inps_Timings() {
-  bcu_ResourceMonitor::Install(m_previous);
+  if (m_isInstalled) bcu_ResourceMonitor::Install(m_previous);
 }
 
 void inps_Timings::Mark(const cow_String& label) {

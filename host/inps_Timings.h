@@ -19,7 +19,8 @@ public:
   };
 
   // onStart is called with the label of every span that opens, on the thread that marks it.
-  explicit inps_Timings(std::function<void(const cow_String&)> onStart = {});
+  // There is one monitor in a process: one that is not installed only tells the time.
+  explicit inps_Timings(std::function<void(const cow_String&)> onStart = {}, bool install = true);
   ~inps_Timings() override;
   inps_Timings(const inps_Timings&) = delete;
   inps_Timings& operator=(const inps_Timings&) = delete;
@@ -36,6 +37,7 @@ private:
 
   mutable std::mutex m_mutex;
   std::function<void(const cow_String&)> m_onStart;
+  bool m_isInstalled;
   bcu_ResourceMonitor* m_previous;
   Clock::time_point m_begin;
   cow_List<Span> m_spans;

@@ -3,6 +3,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoObjDocument.h"
 #include "host/inps_Arguments.h"
+#include "host/inps_Input.h"
 #include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
 #include "host/inps_Run.h"
@@ -23,13 +24,13 @@ void print(const KvoObjDocument& document, utl_Stream& deck, aio_ostream& diagno
 int inps_write(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
   return run.Do([&] {
-    const KvoObjDocument document = inps_openModel(arguments.Path(0), session);
-    if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != "-") {
+    const inps_Input input(arguments.Operands()[0]);
+    const KvoObjDocument document = inps_openModel(input, run);
+    if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != inps_dash) {
       inps_writeFile(arguments.PathOf(inps_Opt::Output), arguments.Has(inps_Opt::Force),
-                     arguments.Path(0),
-                     [&](utl_Stream& deck) { print(document, deck, session.err); });
+                     input.File(), [&](utl_Stream& deck) { print(document, deck, session.err); });
     } else {
-      utl_Stream deck(session.out);
+      utl_Stream deck(run.Data());
       print(document, deck, session.err);
       deck.Close();
     }

@@ -22,6 +22,7 @@ int run(const cow_List<cow_String>& words) {
   inps_Session session{out, err};
   session.colour = terminal.isTerminal && (!noColour || !*noColour);
   session.progress = terminal.isTerminal;
+  session.isOutTerminal = terminal.isOutputTerminal;
   session.width = terminal.isTerminal && terminal.width <= 0 ? 80 : terminal.width;
   return inps_main(words, session);
 }

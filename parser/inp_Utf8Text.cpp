@@ -21,6 +21,16 @@ Lead leadOf(unsigned first) {
   return {0, 0, 0};
 }
 
+// The number of one valid character, 0 for the empty text.
+unsigned codeOf(std::string_view character) {
+  if (character.empty()) return 0;
+  static constexpr unsigned char leadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  unsigned code = byteAt(character.data()) & leadBits[character.size()];
+  for (std::size_t i = 1; i < character.size(); ++i)
+    code = (code << 6) | (byteAt(character.data() + i) & 0x3Fu);
+  return code;
+}
+
 } // namespace
 
 std::size_t inp_utf8CharLength(const char* p, const char* end) {
@@ -44,6 +54,25 @@ std::size_t inp_countChars(std::string_view text) {
   return count;
 }
 
+bool inp_isPrintable(std::string_view character) {
+  const unsigned code = codeOf(character);
+  if (code < 0x20) return character == "\t";
+  if (code >= 0x7F && code < 0xA0) return false;
+  const bool turns = code == 0x061C || code == 0x200E || code == 0x200F ||
+                     (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+  return !turns;
+}
+
+cow_String inp_escaped(std::string_view character) {
+  static constexpr char hex[] = "0123456789abcdef";
+  const bool isByte = character.size() == 1;
+  const unsigned code = isByte ? byteAt(character.data()) : codeOf(character);
+  cow_String text = isByte ? "\\x" : "\\u";
+  for (int shift = isByte ? 4 : code > 0xFFFF ? 20 : 12; shift >= 0; shift -= 4)
+    text += hex[(code >> shift) & 15];
+  return text;
+}
+
 cow_String inp_printable(std::string_view text, std::size_t maxBytes) {
   static constexpr std::string_view replacement = "\xEF\xBF\xBD"; // U+FFFD
   cow_String out;
@@ -51,15 +80,13 @@ cow_String inp_printable(std::string_view text, std::size_t maxBytes) {
   const char* const end = begin + text.size();
   for (const char* p = begin; p != end;) {
     const std::size_t length = inp_utf8CharLength(p, end);
-    if (static_cast<std::size_t>(p - begin) + (length ? length : 1) > maxBytes) return out + "…";
-    const bool control = (byteAt(p) < 0x20 && *p != '\t') || byteAt(p) == 0x7F;
-    if (length == 0 || control) {
+    const std::size_t taken = length ? length : 1;
+    if (static_cast<std::size_t>(p - begin) + taken > maxBytes) return out + "…";
+    if (inp_isPrintable({p, length}))
+      out.append(p, length);
+    else
       out += replacement;
-      ++p;
-      continue;
-    }
-    out.append(p, length);
-    p += length;
+    p += taken;
   }
   return out;
 }

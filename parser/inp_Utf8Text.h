@@ -12,6 +12,13 @@ std::size_t inp_utf8CharLength(const char* p, const char* end);
 // Characters of the text; a byte that belongs to no character counts as one.
 std::size_t inp_countChars(std::string_view text);
 
-// The text fit for a message: at most maxBytes of it (then "…"), tabs kept, other control bytes and
-// bytes that are no UTF-8 replaced one by one, so that columns stay where they are.
+// Whether one character may meet a terminal as it is: no control character but the tab, and none
+// that turns the direction of the text around it. False for the empty text, which is no character.
+bool inp_isPrintable(std::string_view character);
+
+// One character, or one byte that belongs to none, in letters: "\x1b", "\u202e".
+cow_String inp_escaped(std::string_view character);
+
+// The text fit for a message: at most maxBytes of it (then "…"), what is not printable and bytes
+// that are no UTF-8 replaced one by one, so that columns stay where they are.
 cow_String inp_printable(std::string_view text, std::size_t maxBytes = 320);

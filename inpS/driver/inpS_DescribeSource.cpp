@@ -2,6 +2,9 @@
 #include "base/utl_File.h"
 #include "database/KvoObjDocument.h"
 #include "inpS/driver/inpS_Inp2Sim.h"
+#include "inpS/messages/inpS_MessageContainer.h"
+#include <algorithm>
+#include <charconv>
 #include <memory>
 #include <xxhash.h>
 
@@ -36,14 +39,52 @@ cow_String digestOf(const utl_MappedFile& deck) {
   return text;
 }
 
+// What the base of a restart tells of itself; 0 for a number that is none.
+long long countIn(const cow_String& text) {
+  long long count = 0;
+  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), count);
+  return fault == std::errc() && end == text.data() + text.size() && count > 0 ? count : 0;
+}
+
 } // namespace
 
 // A deck that is no regular file (a pipe) can be read only once and has no digest.
-void inpS_Inp2Sim::DescribeSource(const KvoObjDocument& document, const cow_String& deckPath) {
+void inpS_Inp2Sim::DescribeSource(const KvoObjDocument& document, const cow_String& deckPath,
+                                  const cow_String& deckName) {
   KvoObjDocument described = document;
-  described.SetMeta("source_deck", deckPath);
+  described.SetMeta("source_deck", deckName.empty() ? deckPath : deckName);
   const std::filesystem::path path = utl_pathOf(deckPath);
   std::error_code ignored;
   if (std::filesystem::is_regular_file(path, ignored))
     described.SetMeta("source_digest", digestOf(utl_MappedFile(path)));
+}
+
+// "mesh; *NODE, FOO; *STEP, BAR": the mesh as a whole, and the parameters that nothing read.
+void inpS_Inp2Sim::DescribeResult(const KvoObjDocument& document, long long errors,
+                                  long long warnings) const {
+  KvoObjDocument described = document;
+  constexpr long long most = 1'000'000'000'000'000; // a file from elsewhere may claim anything
+  const auto add = [&](const char* key, long long count) {
+    const long long before = std::min(most, countIn(described.GetMeta(key)));
+    described.SetMeta(key, std::to_string(before + std::min(most, count)));
+  };
+  add("errors", errors);
+  add("warnings", warnings);
+  cow_String leftOut = described.GetMeta("left_out");
+  const auto leave = [&](const cow_String& what) {
+    const cow_String inList = "; " + leftOut + ";";
+    if (inList.find("; " + what + ";") == cow_String::npos)
+      leftOut += (leftOut.empty() ? "" : "; ") + what;
+  };
+  if (m_meshLeftOut) leave("mesh");
+  constexpr std::size_t mostNamed = 20;
+  std::size_t named = 0;
+  for (const inpS_NotModelled& entry : m_notModelled)
+    if (!entry.kept && named++ < mostNamed) leave("*" + entry.keyword);
+  if (named > mostNamed) leave(std::to_string(named - mostNamed) + " more parameters");
+  if (!leftOut.empty()) described.SetMeta("left_out", leftOut);
+}
+
+void inpS_Inp2Sim::ReportGathered() {
+  inpS_MessageContainer::Finalize();
 }

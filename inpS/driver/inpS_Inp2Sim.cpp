@@ -14,8 +14,9 @@
 #include "parser/inp_Parser.h"
 #include "parser/inp_Utf8ValidityVisitor.h"
 
-inpS_Inp2Sim::inpS_Inp2Sim(const cow_String& deckPath, const cow_String& directory)
-    : m_deckPath(deckPath), m_directory(directory) {
+inpS_Inp2Sim::inpS_Inp2Sim(const cow_String& deckPath, const cow_String& directory,
+                           const cow_String& deckName)
+    : m_deckPath(deckPath), m_directory(directory), m_deckName(deckName) {
   m_inventory.SetInputDir(directory);
 }
 
@@ -25,7 +26,7 @@ inpS_Inp2Sim::~inpS_Inp2Sim() = default;
 
 bool inpS_Inp2Sim::Parse() {
   // Flags: follow *INCLUDE, attach sub-options, keep no comments.
-  inp_Parser parser(m_deckPath, m_directory, {}, "", true, true, false);
+  inp_Parser parser(m_deckPath, m_directory, {}, m_deckName, true, true, false);
   m_keywords = parser.Parse(true);
   wip_WIPBase& host = wip_WIPBase::Instance();
   // All that the text tells is told in one run. Its faults leave keywords behind, so that a host

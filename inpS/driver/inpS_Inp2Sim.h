@@ -19,7 +19,9 @@ class inpS_SurfaceVisitor;
 // string is the deck's path, the second the folder where relative include files are looked for.
 class INPS_EXPORT inpS_Inp2Sim {
 public:
-  inpS_Inp2Sim(const cow_String& deckPath, const cow_String& directory);
+  // The name is what messages call the deck; empty: its path.
+  inpS_Inp2Sim(const cow_String& deckPath, const cow_String& directory,
+               const cow_String& deckName = {});
   ~inpS_Inp2Sim();
   inpS_Inp2Sim(const inpS_Inp2Sim&) = delete;
   inpS_Inp2Sim& operator=(const inpS_Inp2Sim&) = delete;
@@ -51,7 +53,14 @@ public:
   // The keyword kinds that some phase converts.
   static cow_List<inp_KeywordEnm> ModelledKinds(bool restart = false);
   // Lays the deck's digest and name into the database's own description.
-  static void DescribeSource(const KvoObjDocument& document, const cow_String& deckPath);
+  static void DescribeSource(const KvoObjDocument& document, const cow_String& deckPath,
+                             const cow_String& deckName = {});
+  // How it went, likewise: "errors" and "warnings" as the host's reporter counted them, "left_out"
+  // for what of the deck is not in the model. A restart adds to what its base tells of itself.
+  void DescribeResult(const KvoObjDocument& document, long long errors, long long warnings) const;
+  // Hands what the calling thread has gathered in structured messages to its reporter. For a host
+  // that converts on several threads: the end of the module's last use speaks for one of them.
+  static void ReportGathered();
 
 private:
   struct Labelers;
@@ -97,6 +106,7 @@ private:
   cow_String m_stepString;
   cow_String m_deckPath;
   cow_String m_directory;
+  cow_String m_deckName;
   inp_KeywordList m_keywords;
   bool m_featureEnhanced = false;
   inpS_Inventory m_inventory;

@@ -290,10 +290,13 @@ void inpS_VerbatimVisitor::Report() {
   for (std::size_t n = 0; n < m_kept.size(); ++n) {
     if (!m_kept[n].known) continue; // reported where it was read
     const long long count = m_kept[n].count;
-    Warning(m_firsts[n], "Keyword *" + m_kept[n].keyword + " is not converted; " +
-                             (count == 1 ? cow_String("it is")
-                                         : "its " + std::to_string(count) + " occurrences are") +
-                             " kept as text.");
+    wip_Message message = inp_Utils::MessageInKeyword(
+        m_firsts[n], "Keyword *" + m_kept[n].keyword + " is not converted; " +
+                         (count == 1 ? cow_String("it is")
+                                     : "its " + std::to_string(count) + " occurrences are") +
+                         " kept as text.");
+    message.tellsKept = true;
+    AddWarning(std::move(message));
   }
   inpS_Visitor::Report();
 }
