@@ -106,7 +106,7 @@ bool Driver::InitializeSIM(const KvoObjDocument& document, const cow_String& mod
   KvoSimTransaction transaction(document.ContextID());
   const KvoObjModel owner = document.GetModel();
   const KvoSimPosition model(document.Context());
-  if (!m_inventory.Heading().empty()) model.SetAnnotation(m_inventory.Heading());
+  if (m_inventory.HasHeading()) model.SetAnnotation(m_inventory.Heading());
   KvoSimDataRecord record = owner.DataRecord();
   if (!modelString.empty()) record.SetString(eds_Model_ModelString, modelString);
   record.SetInt(eds_Model_Dimensions, m_inventory.NumberSpatialDimensions());
