@@ -166,7 +166,7 @@ bool Driver::ProcessAssembly() {
   return !visitor.IsError();
 }
 
-void Driver::KeepVerbatim(bool restart) {
+bool Driver::KeepVerbatim(bool restart) {
   inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds(restart));
   visitor.SetAsText(&m_asText);
   visitor.SetUnmodelled([](const inp_Keyword& keyword) {
@@ -179,6 +179,7 @@ void Driver::KeepVerbatim(bool restart) {
   }
   visitor.VisitListAndReport(m_keywords);
   m_notModelled = visitor.AllKept();
+  return !visitor.IsError();
 }
 
 bool Driver::ReadNodeLabeler(Labelers& labelers) {
