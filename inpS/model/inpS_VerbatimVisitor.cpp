@@ -133,6 +133,8 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const int before = m_block;
   const Along* along = AlongOf(keyword);
   const int block = along ? along->block : BlockOf(keyword);
+  if (!AsText(keyword) && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
+    m_places.Look(keyword, IsModelled(keyword));
   if (!along && IsModelled(keyword)) return;
   keyword.ReferAll();
   const bool isDone = m_isRestart && keyword.Kind() == inp_KwRestart &&
@@ -309,6 +311,7 @@ void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword) {
 }
 
 void inpS_VerbatimVisitor::Report() {
+  m_places.TellTo(*this);
   for (std::size_t n = 0; n < m_kept.size(); ++n) {
     if (!m_kept[n].known) continue; // reported where it was read
     const long long count = m_kept[n].count;

@@ -5,6 +5,7 @@
 #include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/model/inpS_NotModelled.h"
+#include "inpS/model/inpS_PlaceCheck.h"
 #include "inpS/model/inpS_RestartDefinitions.h"
 #include <functional>
 #include <optional>
@@ -70,6 +71,7 @@ private:
   cow_Map<std::pair<unsigned long long, int>, bool> m_written;  // by owner and block
   cow_Map<std::pair<unsigned long long, int>, int> m_positions; // by owner and block
   std::unordered_map<const inp_KeywordBody*, Along> m_along;    // sub-options of what is kept
+  inpS_PlaceCheck m_places;
   cow_List<inpS_NotModelled> m_kept;
   cow_List<inp_Keyword> m_firsts;
   cow_Map<cow_String, std::size_t> m_byName;
