@@ -23,10 +23,12 @@ const Level& levelOf(inp_Scope::Kind scope) {
   return kLevels[0];
 }
 
-// The assembly may hold what the model may: decks in use put such data there.
+// The assembly may hold what the model may, for decks in use put such data there; and steps have
+// sets of their own.
 bool mayStand(inp_KeywordEnm kind, inp_Scope::Kind scope) {
   const inp_KeywordTable& table = inp_KeywordTable::Instance();
   if (table.MayStandAt(kind, levelOf(scope).bit)) return true;
+  if (scope == inp_Scope::Kind::Step) return kind == inp_KwNset || kind == inp_KwElset;
   return scope == inp_Scope::Kind::Assembly && table.MayStandAt(kind, inp_LevelsModel);
 }
 
