@@ -11,6 +11,7 @@
 #include "host/inps_Memory.h"
 #include "host/inps_MessageView.h"
 #include "host/inps_Terminal.h"
+#include "inpS/messages/inpS_Exception.h"
 #include <cstdlib>
 #include <new>
 #include <ostream>
@@ -102,6 +103,8 @@ int toldFailures(inps_Session& session, const std::function<int()>& work) {
     return inps_ExitInterrupted;
   } catch (const std::bad_alloc&) {
     throw;
+  } catch (const inpS_MemoryException&) {
+    inps_tellOutOfMemory(session, "out of memory");
   } catch (const eds_MemoryException& failure) {
     inps_tellOutOfMemory(session, failure.what());
   } catch (const std::exception& failure) {

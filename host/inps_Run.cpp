@@ -3,6 +3,7 @@
 #include "base/utl_Interruption.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Session.h"
+#include "inpS/messages/inpS_Exception.h"
 #include <algorithm>
 #include <new>
 #include <nlohmann/json.hpp>
@@ -67,7 +68,8 @@ int inps_Run::End(int exitCode) {
 void inps_Run::Fail(const std::exception& failure) {
   ShowCounts();
   if (!IsJson()) return;
-  const bool memory = dynamic_cast<const std::bad_alloc*>(&failure) != nullptr;
+  const bool memory = dynamic_cast<const std::bad_alloc*>(&failure) != nullptr ||
+                      dynamic_cast<const inpS_MemoryException*>(&failure) != nullptr;
   (*m_json)["failure"] = memory ? "out of memory" : failure.what();
   inps_addMessages(*m_json, m_reporter);
   const bool asked = dynamic_cast<const utl_Interruption*>(&failure) != nullptr;

@@ -37,7 +37,10 @@ enum inp_ElementFlags : unsigned {
   inp_ElemDisplacement = 1u << 19,   // has displacement degrees of freedom
   inp_ElemCoupling = 1u << 20,       // distributing coupling, fastener, drag chain
   inp_ElemThreeD = 1u << 21,         // makes the model three-dimensional
-  inp_ElemThreeDExplicit = 1u << 22, // makes it so in an explicit analysis
+  // Makes it so in an explicit analysis. Of the types that serve both spaces rotary inertia alone
+  // does: its data are a full tensor about three axes, and explicit dynamics turns the node about
+  // all of them. A mass, spring or dashpot acts along what its nodes have anyway.
+  inp_ElemThreeDExplicit = 1u << 22,
 };
 
 // One row of the element type table.

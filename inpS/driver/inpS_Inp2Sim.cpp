@@ -5,6 +5,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/driver/inpS_Phases.h"
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
+#include "inpS/framework/inpS_MemoryDoor.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
 #include "inpS/messages/inpS_MessageContainer.h"
@@ -24,7 +25,7 @@ inpS_Inp2Sim::~inpS_Inp2Sim() = default;
 
 // ---- preparation
 
-bool inpS_Inp2Sim::Parse() {
+bool inpS_Inp2Sim::Parse() try {
   // Flags: follow *INCLUDE, attach sub-options, keep no comments.
   inp_Parser parser(m_deckPath, m_directory, {}, m_deckName, true, true, false);
   m_keywords = parser.Parse(true);
@@ -36,16 +37,20 @@ bool inpS_Inp2Sim::Parse() {
     if (!errors->empty()) host.ErrorList(*errors, 1);
   if (!parser.Warnings().empty()) host.WarningList(parser.Warnings());
   return parser.FileErrors().empty() && parser.SyntaxErrors().empty();
+} catch (...) {
+  inpS_passOn();
 }
 
-bool inpS_Inp2Sim::CheckUtf8Compliance() {
+bool inpS_Inp2Sim::CheckUtf8Compliance() try {
   inp_Utf8ValidityVisitor visitor;
   visitor.VisitListAndReport(m_keywords);
   m_keywords = visitor.Keywords();
   return !visitor.IsError();
+} catch (...) {
+  inpS_passOn();
 }
 
-bool inpS_Inp2Sim::Expand() {
+bool inpS_Inp2Sim::Expand() try {
   inp_KeywordExpansionVisitor visitor;
   visitor.SetDirectory(m_directory);
   visitor.SetFlag(false);
@@ -54,14 +59,18 @@ bool inpS_Inp2Sim::Expand() {
   m_featureEnhanced = visitor.IsFeatureEnhanced();
   DiscardEmptyKeywords(m_keywords);
   return !visitor.IsError();
+} catch (...) {
+  inpS_passOn();
 }
 
-bool inpS_Inp2Sim::Reorganize() {
+bool inpS_Inp2Sim::Reorganize() try {
   inp_OrganizerVisitor visitor(m_featureEnhanced);
   visitor.VisitListAndReport(m_keywords);
   m_keywords = visitor.Keywords();
   DiscardEmptyKeywords(m_keywords);
   return !visitor.IsError();
+} catch (...) {
+  inpS_passOn();
 }
 
 void inpS_Inp2Sim::DiscardEmptyKeywords(inp_KeywordList& keywords) {
@@ -69,16 +78,20 @@ void inpS_Inp2Sim::DiscardEmptyKeywords(inp_KeywordList& keywords) {
                 [](const inp_Keyword& keyword) { return keyword.Kind() == inp_NullKeyword; });
 }
 
-bool inpS_Inp2Sim::BuildInventory() {
+bool inpS_Inp2Sim::BuildInventory() try {
   m_inventory.VisitListAndReport(m_keywords);
   return !m_inventory.IsError();
+} catch (...) {
+  inpS_passOn();
 }
 
-bool inpS_Inp2Sim::ReportUnsupportedFeatures(const KvoObjDocument& document) {
+bool inpS_Inp2Sim::ReportUnsupportedFeatures(const KvoObjDocument& document) try {
   inpS_UnSupportedFeatureVisitor visitor(document);
   if (m_unsupportedFeaturesAsWarnings) visitor.SetErrorsAsWarnings(true);
   visitor.VisitListAndReport(m_keywords);
   return !visitor.IsError();
+} catch (...) {
+  inpS_passOn();
 }
 
 bool inpS_Inp2Sim::IsSimDatabaseFeatureEnhanced(const KvoObjDocument& document) {
@@ -113,6 +126,21 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
 
 // ---- the three conversions
 
+// What a conversion before this one left belongs to its document, which may be closed by now.
+void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
+  m_surfaceVisitor.reset();
+  m_asText.clear();
+  m_notModelled.clear();
+  m_meshLeftOut = false;
+  m_document = document;
+  m_inventory.SetDocument(document);
+}
+
+void inpS_Inp2Sim::End() {
+  m_asText.clear();
+  ListUnreadParameters();
+}
+
 bool inpS_Inp2Sim::RunPhases(const Phase* phases, const char* prefix, Labelers& labelers) {
   bool good = true;
   const auto structuredErrors = [] { return inpS_MessageContainer::Instance().ErrorCount(); };
@@ -125,15 +153,24 @@ bool inpS_Inp2Sim::RunPhases(const Phase* phases, const char* prefix, Labelers& 
   return good && structuredErrors() == before; // those reach the host when the container goes
 }
 
-bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) {
-  m_document = document;
-  m_inventory.SetDocument(document);
+bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) try {
+  Begin(document);
+  if (!document.GetMesh().IsNull()) {
+    wip_WIPBase::Instance().Error(
+        {"The database holds a model already; a conversion fills an empty one, and only a restart "
+         "goes on with what is there. Nothing is converted."},
+        1);
+    return false;
+  }
   Labelers labelers;
   const bcu_MarkScope mark("inp2sim-", "convert");
-  const bool good = RunPhases(Phases(), "inp2sim-", labelers);
-  KeepVerbatim(false); // last: its texts stand in deck order behind everything that was converted
-  ListUnreadParameters();
-  return good;
+  const bool converted = RunPhases(Phases(), "inp2sim-", labelers);
+  // Last: its texts stand in deck order behind everything that was converted.
+  const bool kept = KeepVerbatim(false);
+  End();
+  return converted && kept;
+} catch (...) {
+  inpS_passOn();
 }
 
 // Every look-up marks its parameter; what no reader asked for is not in the model.
@@ -160,28 +197,31 @@ void inpS_Inp2Sim::ListUnreadParameters() {
   }
 }
 
-bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) {
-  m_document = document;
-  m_inventory.SetDocument(document);
+bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) try {
+  Begin(document);
   if (IsSimDatabaseFeatureEnhanced(document)) {
     m_inventory.SetFeatureEnhanced(true);
     m_modelString = document.GetModel().DataRecord().ReturnString(eds_Model_ModelString);
     m_featureEnhanced = true;
   }
   Labelers labelers;
-  const bool good = RunPhases(RestartPhases(), "inp2sim-", labelers);
-  KeepVerbatim(true); // last, as the phases tell what else goes with them as text
-  ListUnreadParameters();
-  return good;
+  const bool converted = RunPhases(RestartPhases(), "inp2sim-", labelers);
+  const bool kept = KeepVerbatim(true); // last, as the phases tell what else goes with them
+  End();
+  return converted && kept;
+} catch (...) {
+  inpS_passOn();
 }
 
-bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document, const cow_String&) {
-  m_document = document;
-  m_inventory.SetDocument(document);
+bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
+                                               const cow_String&) try {
+  Begin(document);
   Labelers labelers;
   labelers.nodes.emplace(document, 0); // not read: recovery refers to no label of the mesh
   labelers.elements.emplace(document, 1);
   ProcessSteps(labelers);
   ProcessOutput(labelers);
   return true;
+} catch (...) {
+  inpS_passOn();
 }

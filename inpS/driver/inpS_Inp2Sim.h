@@ -15,7 +15,9 @@ class inpS_SurfaceVisitor;
 //
 // The host constructs it, calls Parse, CheckUtf8Compliance, Expand, Reorganize and BuildInventory,
 // each after the previous succeeded, and then one of the three conversions. A conversion never
-// stops at the first problem; every operation returns true when no error was recorded. The first
+// stops at the first problem; every operation returns true when no error was recorded. One object
+// may convert several times, each time into a document of its own: Convert fills an empty one and
+// touches no other. Memory that runs out ends any of them with inpS_MemoryException. The first
 // string is the deck's path, the second the folder where relative include files are looked for.
 class INPS_EXPORT inpS_Inp2Sim {
 public:
@@ -69,11 +71,13 @@ private:
   static const Phase* RestartPhases();
   bool RunPhases(const Phase* phases, const char* prefix, Labelers& labelers);
 
+  void Begin(const KvoObjDocument& document);
+  void End();
   bool InitializeSIM(const KvoObjDocument& document, const cow_String& modelString);
   bool ProcessModel();
   bool ProcessAssembly();
   void ListUnreadParameters();
-  void KeepVerbatim(bool restart); // the keywords that no phase converts
+  bool KeepVerbatim(bool restart); // the keywords that no phase converts
   bool ReadNodeLabeler(Labelers& labelers);
   bool ReadElementLabeler(Labelers& labelers);
   bool ProcessAmplitudes();

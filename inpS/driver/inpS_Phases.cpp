@@ -106,7 +106,7 @@ bool Driver::InitializeSIM(const KvoObjDocument& document, const cow_String& mod
   KvoSimTransaction transaction(document.ContextID());
   const KvoObjModel owner = document.GetModel();
   const KvoSimPosition model(document.Context());
-  if (!m_inventory.Heading().empty()) model.SetAnnotation(m_inventory.Heading());
+  if (m_inventory.HasHeading()) model.SetAnnotation(m_inventory.Heading());
   KvoSimDataRecord record = owner.DataRecord();
   if (!modelString.empty()) record.SetString(eds_Model_ModelString, modelString);
   record.SetInt(eds_Model_Dimensions, m_inventory.NumberSpatialDimensions());
@@ -166,7 +166,7 @@ bool Driver::ProcessAssembly() {
   return !visitor.IsError();
 }
 
-void Driver::KeepVerbatim(bool restart) {
+bool Driver::KeepVerbatim(bool restart) {
   inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds(restart));
   visitor.SetAsText(&m_asText);
   visitor.SetUnmodelled([](const inp_Keyword& keyword) {
@@ -179,6 +179,7 @@ void Driver::KeepVerbatim(bool restart) {
   }
   visitor.VisitListAndReport(m_keywords);
   m_notModelled = visitor.AllKept();
+  return !visitor.IsError();
 }
 
 bool Driver::ReadNodeLabeler(Labelers& labelers) {

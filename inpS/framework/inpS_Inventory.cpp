@@ -2,6 +2,7 @@
 #include "base/utl_Assert.h"
 #include "base/utl_Number.h"
 #include "inpS/framework/inpS_ComponentSets.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_ElementInfo.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_KeywordTable.h"
@@ -195,8 +196,12 @@ void inpS_Inventory::VisitHeatTransfer(const inp_Keyword& keyword) {
   if (type && type->AsString() == "THERMALFLOW") VisitCfd(keyword);
 }
 
+// A step keeps its own as text.
 void inpS_Inventory::VisitHeading(const inp_Keyword& keyword) {
-  if (keyword.Data().Rows() == 0 || keyword.IsInstanceCopy()) return;
+  if (keyword.IsInstanceCopy() || keyword.Scope().kind == inp_Scope::Kind::Step) return;
+  m_headingSeen = true;
+  m_heading.clear();
+  if (keyword.Data().Rows() == 0) return;
   if (keyword.Data().Cols(0) != 1) utl_assertionFailed("keyword.data.Cols(0) == 1");
   m_heading = keyword.Data().Text();
 }
@@ -240,9 +245,9 @@ void inpS_Inventory::VisitStatic(const inp_Keyword& keyword) {
 
 void inpS_Inventory::VisitSystem(const inp_Keyword& keyword) {
   const inp_DataArray& data = keyword.Data();
-  const bool secondLine = data.Rows() > 1;
-  const bool sixthNonZero = isNonZero(data, 0, 5);
-  if (isNonZero(data, 0, 2) || sixthNonZero || secondLine) SetDimensions(3);
+  // A blank line says nothing here, as where the system is read.
+  const bool secondLine = data.Rows() > 1 && !inpS_KeywordReader::IsBlankRow(data, 1);
+  if (isNonZero(data, 0, 2) || isNonZero(data, 0, 5) || secondLine) SetDimensions(3);
 }
 
 void inpS_Inventory::VisitNgen(const inp_Keyword& keyword) {

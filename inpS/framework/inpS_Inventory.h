@@ -34,6 +34,7 @@ public:
   bool IsFeatureEnhanced() const { return m_featureEnhanced; }
   int NumberSpatialDimensions() const { return m_dimensions; }
   const cow_String& Heading() const { return m_heading; }
+  bool HasHeading() const { return m_headingSeen; } // its text may be empty
   const cow_String& AssemblyName() const { return m_assemblyName; }
   const cow_String& InputDir() const { return m_inputDir; }
   const KvoObjDocument& GetDocument() const { return m_document; }
@@ -43,7 +44,9 @@ public:
   int RestartNumber() const { return m_restartNumber; }
   bool RestartEndStep() const { return m_restartEndStep; }
 
-  // Estimates from which the mesh phase sizes its blocks.
+  // Estimates for a host that wants to size something before it reads. The mesh phase does not: the
+  // store cuts arrays into chunks of a fixed number of bytes, so that whoever reads a model needs
+  // the same small buffer whatever the deck.
   int NodeChunkSize() const;
   int ElementChunkSize() const;
   cow_Map<cow_String, int> ElementChunkSizes() const;
@@ -104,6 +107,7 @@ private:
   int m_restartStep = -1;
   int m_restartNumber = -1;
   bool m_restartEndStep = false;
+  bool m_headingSeen = false;
   cow_String m_heading;
   cow_String m_assemblyName;
   cow_String m_inputDir;

@@ -2,12 +2,17 @@
 #include "base/utl_Controls.h"
 #include "base/utl_Number.h"
 #include <algorithm>
+#include <string_view>
 
 namespace {
 
+// What a bare value cannot hold, for it would end there or be read as something else, and what the
+// language wants in quotes all the same.
 bool needsQuotes(char c) {
-  if (c == '-' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z')) return false;
-  return c != '\0' && static_cast<unsigned char>(c) < 128;
+  constexpr std::string_view special = "_ .,=\"'<>*";
+  const auto byte = static_cast<unsigned char>(c);
+  return special.find(c) != special.npos || (c >= 'a' && c <= 'z') || (byte < 32 && c != '\0') ||
+         byte == 127;
 }
 
 // A quote of the name's own is doubled.

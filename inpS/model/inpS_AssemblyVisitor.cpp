@@ -82,8 +82,8 @@ void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
   KvoSimDataRecord record = instance.DataRecord();
   record.SetString(eds_Instance_Name, name->AsString());
   if (!part.IsNull()) record.SetReference(eds_Instance_Part, part);
-  if (library) record.SetString(eds_Instance_Library, library->Verbatim());
-  if (source) record.SetString(eds_Instance_SourceInstance, source->Verbatim());
+  if (library) record.SetString(eds_Instance_Library, library->AsString());
+  if (source) record.SetString(eds_Instance_SourceInstance, source->AsString());
   WritePlacement(keyword, instance);
   model.AssociateStringKey(eds_Member::Occurrences, name->AsString(), instance);
   transaction.Commit();

@@ -6,7 +6,7 @@
 #include "inpS/messages/inpS_LocatedText.h"
 
 void inpS_ModelVisitor::VisitHeading(const inp_Keyword& keyword) {
-  if (keyword.IsInstanceCopy()) return;
+  if (keyword.IsInstanceCopy() || keyword.Scope().kind == inp_Scope::Kind::Step) return;
   if (m_hasHeading)
     Warning(keyword, "A deck has one heading; this one takes the place of the first.");
   m_hasHeading = true;

@@ -131,8 +131,11 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     if (keyword.Scope().kind != inp_Scope::Kind::Model) m_block = 0;
   }
   const int before = m_block;
-  const int block = BlockOf(keyword);
-  if (IsModelled(keyword)) return;
+  const Along* along = AlongOf(keyword);
+  const int block = along ? along->block : BlockOf(keyword);
+  if (!AsText(keyword) && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
+    m_places.Look(keyword, IsModelled(keyword));
+  if (!along && IsModelled(keyword)) return;
   keyword.ReferAll();
   const bool isDone = m_isRestart && keyword.Kind() == inp_KwRestart &&
                       keyword.HasParameter("read"); // the model is whole now
@@ -144,24 +147,45 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (!row || row->role != inp_KeywordRole::Close) Count(keyword); // the opening one speaks for it
 
-  const KvoObjDocument& document = m_inventory.GetDocument();
-  KvoSimTransaction transaction(document.ContextID());
-  Place place = m_place;
-  if (told && !told->owner.IsNull()) place = {told->owner, levelUnder(told->owner)};
+  const Along at = along ? *along : AtOwn(keyword, block);
+  Keep(keyword, at);
+  for (const inp_Keyword& suboption : keyword.Suboptions())
+    m_along.try_emplace(suboption.Body().get(), at);
+}
+
+// Of a sub-option whose keyword is kept as text: it stands where that one stands, whoever converts
+// its kind elsewhere. Null for any other.
+const inpS_VerbatimVisitor::Along* inpS_VerbatimVisitor::AlongOf(const inp_Keyword& keyword) const {
+  if (!keyword.IsSuboption()) return nullptr;
+  const auto known = m_along.find(keyword.Body().get());
+  return known == m_along.end() ? nullptr : &known->second;
+}
+
+inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keyword,
+                                                        int block) const {
+  const inpS_TextPlace* told = AsText(keyword);
+  Along at{m_place, block, told ? told->behind : KvoSimPosition()};
+  if (told && !told->owner.IsNull()) at.place = {told->owner, levelUnder(told->owner)};
   // The texts of a step stand in its order, where another amplitude would take it over.
   const bool isStep = keyword.Scope().kind == inp_Scope::Kind::Step;
   if (isStep && block == kFirstBlock)
-    place = {m_inventory.GetDocument().GetModel().Position(), "LEVEL_MODEL"};
+    at.place = {m_inventory.GetDocument().GetModel().Position(), "LEVEL_MODEL"};
+  return at;
+}
+
+void inpS_VerbatimVisitor::Keep(const inp_Keyword& keyword, const Along& at) {
+  const Place& place = at.place;
+  KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
   const KvoSimPosition kept = m_place.owner.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   KvoSimDataRecord record = kept.DataRecord();
   record.SetString(eds_VerbatimKeyword_Keyword, keyword.Name());
   record.SetSymb(eds_VerbatimKeyword_Level, place.level);
   record.SetReference(eds_VerbatimKeyword_Owner, place.owner);
-  record.SetInt(eds_VerbatimKeyword_Block, block);
+  record.SetInt(eds_VerbatimKeyword_Block, at.block);
   record.SetInt(eds_VerbatimKeyword_Position,
-                m_positions[{place.owner.Object().Packed(), block}]++);
+                m_positions[{place.owner.Object().Packed(), at.block}]++);
   record.SetString(eds_VerbatimKeyword_Text, keyword.Text());
-  if (told && !told->behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, told->behind);
+  if (!at.behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, at.behind);
   transaction.Commit();
 }
 
@@ -287,6 +311,7 @@ void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword) {
 }
 
 void inpS_VerbatimVisitor::Report() {
+  m_places.TellTo(*this);
   for (std::size_t n = 0; n < m_kept.size(); ++n) {
     if (!m_kept[n].known) continue; // reported where it was read
     const long long count = m_kept[n].count;

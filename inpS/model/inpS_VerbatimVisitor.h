@@ -5,9 +5,11 @@
 #include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/model/inpS_NotModelled.h"
+#include "inpS/model/inpS_PlaceCheck.h"
 #include "inpS/model/inpS_RestartDefinitions.h"
 #include <functional>
 #include <optional>
+#include <unordered_map>
 
 // Keeps as text, at its level, every keyword that no phase converts, so that nothing of a deck is
 // lost: the writer puts it back in its place. One warning per kind of keyword, at its first place.
@@ -36,6 +38,15 @@ private:
     KvoSimPosition owner;
     const char* level;
   };
+  // Where a kept keyword goes, and its sub-options with it.
+  struct Along {
+    Place place;
+    int block;
+    KvoSimPosition behind; // null: behind all
+  };
+  const Along* AlongOf(const inp_Keyword& keyword) const;
+  Along AtOwn(const inp_Keyword& keyword, int block) const;
+  void Keep(const inp_Keyword& keyword, const Along& at);
   bool IsModelled(const inp_Keyword& keyword) const;
   bool IsLeftOut(const inp_Keyword& keyword);
   bool IsTooLong(const inp_Keyword& keyword);
@@ -59,6 +70,8 @@ private:
   int m_ownBlock = 0; // of the last keyword that goes with no other one
   cow_Map<std::pair<unsigned long long, int>, bool> m_written;  // by owner and block
   cow_Map<std::pair<unsigned long long, int>, int> m_positions; // by owner and block
+  std::unordered_map<const inp_KeywordBody*, Along> m_along;    // sub-options of what is kept
+  inpS_PlaceCheck m_places;
   cow_List<inpS_NotModelled> m_kept;
   cow_List<inp_Keyword> m_firsts;
   cow_Map<cow_String, std::size_t> m_byName;

@@ -94,7 +94,8 @@ void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {
   if (table.IsNull()) return;
   const inpS_Behavior& behavior =
       *inpS_BehaviorTable::Instance().Find(property.Object().RecordKind());
-  inpS_RowLayout(behavior, property.DataRecord(), table).Print(m_out, table.Values());
+  const inpS_RowLayout layout(behavior, property.DataRecord(), table);
+  inpS_printFTable(m_out, {&layout, {}}, table);
 }
 
 // One keyword for each run of rows of one rate.
@@ -120,7 +121,8 @@ void inpS_MaterialPrinter::PrintIsotropicHardening(const KvoSimPosition& propert
     if (rateOf(first) != 0.0) m_out << ", RATE=" << rateOf(first);
     printDependencies(m_out, table);
     m_out << '\n';
-    inpS_RowLayout(columns - 1, lacksTemperature ? kRateColumn : -1).Print(m_out, run);
+    const inpS_RowLayout layout(columns - 1, lacksTemperature ? kRateColumn : -1);
+    inpS_printFTable(m_out, {&layout, run}, table);
   }
 }
 

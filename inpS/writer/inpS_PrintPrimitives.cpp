@@ -3,6 +3,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSrvFsmFTable.h"
+#include "inpS/writer/inpS_RowLayout.h"
 #include <algorithm>
 
 namespace {
@@ -53,15 +54,11 @@ void inpS_printComponentsOnDataline(cow_String& line, const KvoSimPosition& comp
 
 void inpS_printFTable(utl_Stream& out, const inpS_FTableOptions& options,
                       const KvoSrvFsmFTable& table) {
-  const cow_List<double> values = table.Values();
-  const int columns = table.Columns();
-  for (long long row = 0; row < table.Rows(); ++row) {
-    const double* at = values.data() + row * columns;
-    for (int first = 0; first < columns; first += options.valuesPerLine) {
-      const int n = std::min(columns - first, options.valuesPerLine);
-      inpS_printArray(out, at + first, n);
-      if (first + n < columns) out << ',';
-      out << '\n';
-    }
-  }
+  if (table.IsNull()) return;
+  const inpS_RowLayout asTheyStand(table.Columns(), -1);
+  const inpS_RowLayout& layout = options.layout ? *options.layout : asTheyStand;
+  if (options.rows.empty())
+    layout.Print(out, table.Values());
+  else
+    layout.Print(out, options.rows);
 }

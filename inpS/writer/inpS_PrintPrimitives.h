@@ -7,6 +7,7 @@
 
 class utl_Stream;
 class KvoSrvFsmFTable;
+class inpS_RowLayout;
 
 // The printing primitives that every keyword printer uses.
 
@@ -23,9 +24,11 @@ void inpS_printInpParamValueString(utl_Stream& out, const cow_String& value);
 // Appends the members of a component set, counted from 1 and separated by ", ", to a data line.
 void inpS_printComponentsOnDataline(cow_String& line, const KvoSimPosition& componentSet);
 
-// A property table: eight values to a data line, one table row after the other.
+// How a property table is printed: where its columns stand on a line, and which rows.
 struct inpS_FTableOptions {
-  int valuesPerLine = 8;
+  const inpS_RowLayout* layout = nullptr; // null: the columns as they stand
+  std::span<const double> rows{};         // some of the table's own, row by row; none: all of them
 };
+// A property table: eight values to a data line, one table row after the other.
 void inpS_printFTable(utl_Stream& out, const inpS_FTableOptions& options,
                       const KvoSrvFsmFTable& table);

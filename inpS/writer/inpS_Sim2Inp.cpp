@@ -4,6 +4,7 @@
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/framework/inpS_MemoryDoor.h"
 #include "inpS/writer/inpS_AmplitudePrinter.h"
 #include "inpS/writer/inpS_MaterialPrinter.h"
 #include "inpS/writer/inpS_MeshPrinter.h"
@@ -149,7 +150,7 @@ inpS_Sim2Inp::inpS_Sim2Inp(const KvoObjDocument& document, int threads, bool ver
 
 inpS_Sim2Inp::~inpS_Sim2Inp() = default;
 
-void inpS_Sim2Inp::Print(utl_Stream& out) {
+void inpS_Sim2Inp::Print(utl_Stream& out) try {
   Impl& deck = *m_impl;
   if (deck.verbose) deck.diagnostics << "inpS_Sim2Inp::Print\n";
   const bcu_MarkScope whole(kMarks, "Print");
@@ -165,6 +166,8 @@ void inpS_Sim2Inp::Print(utl_Stream& out) {
   if (!model.Parts().empty()) deck.PrintParts();
   if (hasAssembly) deck.PrintAssembly();
   deck.PrintScope(root, 2, kStepsBlock);
+} catch (...) {
+  inpS_passOn();
 }
 
 // ---- what is loaded before any block

@@ -11,9 +11,11 @@
 // Every error and warning must be expected and every expectation met; warnings that a keyword is
 // kept as text need not be. A deck without expected errors converts without any; then it is
 // written, converted again and written again: the models must be the same and both written decks
-// the same byte for byte. Beside it, <case>.dump may hold lines that must occur in this order in
-// the dump of the model (surrounding blanks do not count; empty lines and lines that begin with #
-// are skipped). A deck whose first line is "** options: WORDS" is converted with these words.
+// the same byte for byte, and in them each sub-option stands under the keyword that it stood under,
+// and each step's keywords stand in their order. Beside it, <case>.dump may hold lines that must
+// occur in this order in the dump of the model (surrounding blanks do not count; empty lines and
+// lines that begin with # are skipped). A deck whose first line is "** options: WORDS" is converted
+// with these words.
 //
 // Every deck runs twice: once as usual, and once with all bulk work cut into blocks of a few bytes,
 // rows or elements. Both must give the same model.
@@ -21,6 +23,7 @@
 // Files that decks include have another ending than .inp.
 
 #include "base/utl_BlockSize.h"
+#include "tests/decks/DeckOrder.h"
 #include "tests/host/ProgramRun.h"
 #include <algorithm>
 #include <cmath>
@@ -186,8 +189,29 @@ protected:
     return ProgramRun(words);
   }
 
-  void RoundTrip() const {
+  // Of what a message tells (a second potential, a material without a name) less may come back.
+  void CompareOrder(const json& messages) const {
+    const auto isTold = [&](const cow_String& file, long long line) {
+      return std::ranges::any_of(messages, [&](const json& message) {
+        return message["line"] == line &&
+               message["text"].get<cow_String>().find("is not converted") == cow_String::npos &&
+               utl_pathOf(message["file"].get<cow_String>()).filename() ==
+                   utl_pathOf(file).filename();
+      });
+    };
+    const DeckOrder before = orderOfDeck(GetParam().deck, isTold);
+    const DeckOrder after =
+        orderOfDeck(m_folder / "a.inp", [](const cow_String&, long long) { return false; });
+    cow_List<cow_String> lost;
+    std::ranges::set_difference(before.suboptions, after.suboptions, std::back_inserter(lost));
+    EXPECT_EQ(lost, cow_List<cow_String>()) << "no longer stand where they stood";
+    EXPECT_EQ(before.steps, after.steps);
+    EXPECT_TRUE(after.hasHeading || !before.hasHeading);
+  }
+
+  void RoundTrip(const json& messages) const {
     ASSERT_EQ(ProgramRun({"write", File("a.sim"), "-o", File("a.inp")}).exitCode, 0);
+    CompareOrder(messages);
     const ProgramRun again = Convert(File("a.inp"), File("b.sim"));
     ASSERT_TRUE(again.exitCode == 0 || again.exitCode == 4) << again.out.substr(0, 5000);
     const ProgramRun diff({"diff", File("a.sim"), File("b.sim")});
@@ -227,7 +251,7 @@ TEST_P(Deck, SaysAndGivesWhatIsExpected) {
   EXPECT_EQ(ProgramRun({"check", File("a.sim")}).exitCode, 0);
   const Path excerpt = Path(deck).replace_extension(".dump");
   if (utl_exists(excerpt)) compareDump(ProgramRun({"dump", File("a.sim")}).out, excerpt);
-  if (!faulty) RoundTrip();
+  if (!faulty) RoundTrip(object["messages"]);
   if (GetParam().blockSize != 0) CompareWithUsualBlocks();
 }
 

@@ -1,17 +1,22 @@
 #include "base/bcu_ResourceMonitor.h"
 #include "base/utl_Assert.h"
+#include "base/utl_Stream.h"
 #include "base/wip_WIPBase.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjMesh.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoObjSurface.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/eds_Exception.h"
 #include "inpS/driver/inpS_Inp2Sim.h"
 #include "inpS/driver/inpS_Module.h"
+#include "inpS/messages/inpS_Exception.h"
+#include "inpS/writer/inpS_Sim2Inp.h"
 #include "tests/base/TemporaryFolder.h"
 #include <cmath>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace {
 
@@ -172,6 +177,65 @@ TEST_F(Driver, AFailedRestartLeavesNoLabelsBehind) {
   labeler.Read();
   EXPECT_EQ(labeler.Size(0), 3);
   EXPECT_TRUE(Prepare("*NODE\n77, 1., 1., 1.\n").ConvertRestart(document));
+}
+
+TEST_F(Driver, ConvertsTwiceIntoDocumentsOfTheirOwn) {
+  // A keyword that a phase leaves to be kept as text with a record of the first document.
+  inpS_Inp2Sim& driver =
+      Prepare(cow_String(kTwoNodes) + "*MATERIAL, NAME=M\n*ELASTIC\n1., 0.3\n*UNHEARD OF\n1\n");
+  KvoObjDocument first = KvoObjDocument::InMemory();
+  EXPECT_TRUE(driver.Convert(first));
+  const auto leftOut = driver.NotModelled().size();
+  first.Close();
+  const KvoObjDocument second = KvoObjDocument::InMemory();
+  EXPECT_TRUE(driver.Convert(second));
+  EXPECT_EQ(driver.NotModelled().size(), leftOut);
+  EXPECT_EQ(second.GetMesh().NodeBlocks().size(), 1u);
+  const auto kept = second.Context().GetRecords(eds_RecordKind::VerbatimKeyword);
+  ASSERT_EQ(kept.size(), 1u);
+  EXPECT_EQ(kept[0].DataRecord().GetReference(eds_VerbatimKeyword_Owner).Object(),
+            second.GetModel().Position().FollowStringKey(eds_Member::Materials, "M").Object());
+
+  EXPECT_TRUE(m_recorder.errors.empty());
+  EXPECT_FALSE(driver.Convert(second));
+  ASSERT_EQ(m_recorder.errors.size(), 1u);
+  EXPECT_NE(m_recorder.errors[0].find("holds a model already"), cow_String::npos);
+  EXPECT_EQ(second.GetMesh().NodeBlocks().size(), 1u);
+  EXPECT_EQ(second.Context().GetRecords(eds_RecordKind::VerbatimKeyword).size(), 1u);
+}
+
+TEST_F(Driver, ErrorsOfKeptTextsCount) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  ASSERT_TRUE(Prepare(kTwoNodes).Convert(document));
+  EXPECT_FALSE(Prepare("*PART, NAME=NEW\n*END PART\n").ConvertRestart(document));
+  EXPECT_EQ(m_recorder.errors.size(), 1u);
+}
+
+// Memory that runs out anywhere beneath comes through the module's door with its own text.
+TEST_F(Driver, MemoryThatRunsOutComesThroughTheDoorWithItsText) {
+  struct Failing : bcu_ResourceMonitor {
+    void Mark(const cow_String& label) override {
+      if (label == "inp2sim-mesh-Start") throw std::bad_alloc();
+      if (label == "Sim2Inp-Nodes-Start") throw eds_MemoryException("the engine's");
+    }
+  } failing;
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  ASSERT_TRUE(Prepare(kTwoNodes).Convert(document));
+  bcu_ResourceMonitor::Install(&failing);
+  const auto textOf = [](auto&& work) {
+    try {
+      work();
+    } catch (const inpS_MemoryException& failure) {
+      return failure.Text();
+    }
+    return cow_String();
+  };
+  const char* const text = "Memory allocation error. Insufficient physical memory or swap space.";
+  EXPECT_EQ(textOf([&] { Prepare(kTwoNodes).Convert(KvoObjDocument::InMemory()); }), text);
+  std::ostringstream deck, diagnostics;
+  utl_Stream out(deck);
+  EXPECT_EQ(textOf([&] { inpS_Sim2Inp(document, 1, false, "", nullptr, diagnostics).Print(out); }),
+            text);
 }
 
 TEST_F(Driver, RecoveryAlwaysSucceeds) {

@@ -181,6 +181,7 @@ TEST(Vocabulary, TellsSuboptions) {
       {inp_KwCreep, inp_KwGasketBehavior, true},
       {inp_KwFriction, inp_KwSurfaceInteraction, true},
       {inp_KwFriction, inp_KwChangeFriction, true},
+      {inp_KwSpring, inp_KwIts, true},
       {inp_KwRebarLayer, inp_KwMembraneSection, true},
       {inp_KwDamageStabilization, inp_KwDamageEvolution, true},
       {inp_KwContactInclusions, inp_KwContact, true},
@@ -222,7 +223,10 @@ TEST(Vocabulary, ResolvesParameters) {
       {inp_KwEndPart, "name", Kind::Unknown, ""},
       {inp_KwRestart, "inc", Kind::Exact, "inc"}, // though "increment" begins so
       {inp_KwSolidSection, "mat", Kind::Abbreviated, "material"},
-      {inp_KwSolidSection, "ma", Kind::Unknown, ""}, // too short for a list that is open
+      {inp_KwDiscreteSection, "ma", Kind::Unknown, ""}, // too short for a list that is open
+      {inp_KwOutput, "mode list", Kind::Exact, "modelist"},
+      {inp_KwField, "number", Kind::Exact, "number"}, // though "numberfields" begins so
+      {inp_KwCoSimulationControls, "Scheme Modifier", Kind::Exact, "schememodifier"},
       {inp_UnknownKeyword, "name", Kind::Unknown, ""},
   };
   for (const auto& c : cases) {

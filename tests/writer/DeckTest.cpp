@@ -1,3 +1,4 @@
+#include "base/bcu_ResourceMonitor.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjElementSet.h"
@@ -34,4 +35,32 @@ TEST(Writer, NamesSetsThatHaveNoName) {
   EXPECT_EQ(SetName(nameless), usual + "-1");
   const KvoSimPosition elements = add(KvoObjElementSet(document.Context(), ""), true);
   EXPECT_EQ(SetName(elements), "ELSET-" + std::to_string(elements.ID()));
+}
+
+// Whoever measures a host's memory or time by the marks relies on their names and their order.
+TEST(Writer, MarksItsBlocksInOrder) {
+  struct Recorder : bcu_ResourceMonitor {
+    void Mark(const cow_String& label) override { marks.push_back(label); }
+    cow_List<cow_String> marks;
+  } recorder;
+  const char* const names[] = {
+      "LoadElemSpec", "LoadNodesMap", "LoadElemsMap", "CycSym",  "Nodes",    "Nsets",   "Elems",
+      "Elsets",       "Distribs",     "Orients",      "Xforms",  "Surfs",    "Constrs", "RigBods",
+      "Amps",         "PhyConsts",    "ContactInit",  "Mats",    "GaskBeh",  "ConnBeh", "Sects",
+      "Preten",       "NonStrMass",   "Filts",        "TimePts", "IntProps", "Inters",  "FluidCav",
+      "ICs",          "IntOutSecs",   "Steps"};
+  cow_List<cow_String> expected = {"Sim2Inp-Print-Start"};
+  for (const char* const name : names)
+    for (const char* const end : {"-Start", "-End"})
+      expected.push_back(cow_String("Sim2Inp-") + name + end);
+  expected.push_back("Sim2Inp-Print-End");
+
+  bcu_ResourceMonitor* const before = bcu_ResourceMonitor::Install(&recorder);
+  std::ostringstream deck, diagnostics;
+  {
+    utl_Stream out(deck);
+    inpS_Sim2Inp(KvoObjDocument::InMemory(), 0, false, "", nullptr, diagnostics).Print(out);
+  }
+  bcu_ResourceMonitor::Install(before);
+  EXPECT_EQ(recorder.marks, expected);
 }

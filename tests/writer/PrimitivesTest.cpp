@@ -49,6 +49,8 @@ TEST(PrintPrimitives, NamesAreQuotedWhereNeeded) {
       {"plate", "\"plate\""},
       {"A,B", "\"A,B\""},
       {"5\" PIPE", "\"5\"\" PIPE\""},
+      {"A#1+2/3", "A#1+2/3"},
+      {"A=B", "\"A=B\""},
       {"", ""},
       {"\xc3\x84RGER", "\xc3\x84RGER"},
   };
