@@ -230,6 +230,7 @@ void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) 
     parameter.value = namesFile(parameter.name)
                           ? inp_Item::FromText(inp_Utils::RemoveQuotes(value), value)
                           : inp_Item::FromText(inp_Utils::Fold(value), value);
+    if (!value.empty()) CompleteValue(parameter, line);
   }
   Add(std::move(parameter), spelt, line);
 }
@@ -273,6 +274,28 @@ cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& 
   }
   m_warnings.push_back(std::move(message));
   return name;
+}
+
+// A value may be shortened as names may, where the language has words for it. What is none of them
+// stays as it is: whoever reads the keyword says what becomes of it.
+void inp_KeywordReader::CompleteValue(inp_Parameter& parameter, const Line& line) {
+  using Kind = inp_WordMatch::Kind;
+  const cow_String verbatim = parameter.value.Verbatim();
+  const inp_WordMatch match =
+      m_table.ResolveWord(m_body->kind, parameter.name, parameter.value.AsString());
+  if (match.kind == Kind::Any || !inp_findReference(verbatim).empty()) return;
+  if (match.kind == Kind::Known) {
+    parameter.value = inp_Item::FromText(inp_KeywordTable::BareWord(match.word), verbatim);
+    return;
+  }
+  cow_String words;
+  for (const std::string_view word : match.candidates)
+    words += (words.empty() ? "" : ", ") + cow_String(word);
+  const std::string_view token(parameter.at, static_cast<std::size_t>(parameter.width));
+  m_warnings.push_back(
+      Message(quoted(token) + " of *" + m_body->name +
+                  (match.kind == Kind::Ambiguous ? " may stand for " : " is none of ") + words,
+              token, line));
 }
 
 // A keyword line that ends in a comma goes on with the next line that is no comment; where a

@@ -3,6 +3,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "parser/inp_Keyword.h"
+#include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 
@@ -118,8 +119,5 @@ cow_String inpS_wordList(const inpS_ParameterBinding& row) {
 }
 
 cow_String inpS_bareWord(std::string_view text) {
-  cow_String bare;
-  for (const char c : text)
-    if (c != ' ' && c != '_') bare += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-  return bare;
+  return inp_KeywordTable::BareWord(text);
 }
