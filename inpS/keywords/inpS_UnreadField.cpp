@@ -6,9 +6,11 @@
 
 namespace {
 
-cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field) {
+cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field,
+                   const char* leftOver) {
   if (field.surplus)
-    return "More values than belong on this line; from here on they are kept, but not used.";
+    return cow_String("More values than belong on this line; from here on they are ") + leftOver +
+           ".";
   const cow_String word = keyword.Data().AsStringVerbatim(field.row, field.col);
   if (utl_classifyField(word).IsOutOfRange())
     return "\"" + word + "\" is larger than any number that can be held; 0 is used.";
@@ -18,10 +20,10 @@ cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field) {
 } // namespace
 
 void inpS_reportUnreadFields(const inp_Keyword& keyword, const cow_List<inpS_UnreadField>& fields,
-                             inp_Visitor& messages) {
+                             inp_Visitor& messages, const char* leftOver) {
   for (const inpS_UnreadField& field : fields) {
     wip_Message message =
-        inp_Utils::MessageAtField(keyword, field.row, field.col, textFor(keyword, field));
+        inp_Utils::MessageAtField(keyword, field.row, field.col, textFor(keyword, field, leftOver));
     if (field.surplus)
       messages.AddWarning(std::move(message));
     else

@@ -14,6 +14,6 @@ struct inpS_UnreadField {
 };
 
 // One message per field, at its place, that says what was done: a warning of what is left over, an
-// error for what is no number.
+// error for what is no number. leftOver: what is done with that.
 void inpS_reportUnreadFields(const inp_Keyword& keyword, const cow_List<inpS_UnreadField>& fields,
-                             inp_Visitor& messages);
+                             inp_Visitor& messages, const char* leftOver = "kept, but not used");

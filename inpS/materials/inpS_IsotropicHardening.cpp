@@ -82,7 +82,7 @@ bool inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
   const inpS_KeywordDataTable added = ReadIsotropicHardening(keyword);
   if (added.NumRows() == 0) return false;
   KvoSrvFsmFTable table = property.GetFTable();
-  if (added.NumDependencies() != table.FieldVariables()) {
+  if (added.NumDependencies() != table.NumberFieldVariables()) {
     Warning(keyword, "The number of field variables is another than that of the material's first "
                      "*PLASTIC; the keyword is kept as text.");
     return false;
@@ -92,16 +92,17 @@ bool inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
             "The material has a *PLASTIC of this rate already; its rows are joined to those.");
   // The record holds the parameters of the first keyword. Of this one they are kept as they stand,
   // and where it begins, when its rate does not tell.
-  inpS_KeptPart part{table.Rows()};
+  inpS_KeptPart part{table.NumOfRows()};
   if (!added.Unread().empty()) part.lines = inpS_dataLines(keyword);
   KeepParts(keyword, property, std::move(part), rateOf(keyword) == m_rates.back());
   m_rates.push_back(rateOf(keyword));
   const bool temperature = table.IsTemperatureDependent() || added.HasTemperatureColumn();
   cow_List<double> rows;
-  appendRows(rows, table.Values(), table.Columns(), temperature && !table.IsTemperatureDependent());
+  appendRows(rows, table.Values(), table.NumOfCols(),
+             temperature && !table.IsTemperatureDependent());
   appendRows(rows, added.GetDataAsBuffer(), added.NumCols(),
              temperature && !added.HasTemperatureColumn());
-  table.SetValues(table.Rows() + added.NumRows(), rows,
-                  kStateColumn + table.FieldVariables() + (temperature ? 1 : 0), temperature);
+  table.SetValues(table.NumOfRows() + added.NumRows(), rows,
+                  kStateColumn + table.NumberFieldVariables() + (temperature ? 1 : 0), temperature);
   return true;
 }

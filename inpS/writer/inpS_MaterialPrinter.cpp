@@ -16,7 +16,7 @@ constexpr int kRateColumn = 2; // of isotropic hardening, behind yield stress an
 
 // A table of another program may lack them.
 bool hasRates(const KvoSrvFsmFTable& table) {
-  return !table.IsNull() && table.Columns() > kRateColumn;
+  return !table.IsNull() && table.NumOfCols() > kRateColumn;
 }
 
 std::string_view nameOf(inp_KeywordEnm keyword) {
@@ -24,8 +24,8 @@ std::string_view nameOf(inp_KeywordEnm keyword) {
 }
 
 void printDependencies(utl_Stream& out, const KvoSrvFsmFTable& table) {
-  if (!table.IsNull() && table.FieldVariables() > 0)
-    out << ", DEPENDENCIES=" << table.FieldVariables();
+  if (!table.IsNull() && table.NumberFieldVariables() > 0)
+    out << ", DEPENDENCIES=" << table.NumberFieldVariables();
 }
 
 // The record's fields as parameters, for what has no row of its own.
@@ -105,9 +105,9 @@ void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {
 void inpS_MaterialPrinter::PrintIsotropicHardening(const KvoSimPosition& property,
                                                    const inpS_Behavior& behavior) {
   const KvoSrvFsmFTable table = property.GetFTable();
-  const int columns = table.Columns();
+  const int columns = table.NumOfCols();
   const cow_List<double> values = table.Values();
-  const long long rows = table.Rows();
+  const long long rows = table.NumOfRows();
   const auto at = [&](long long row) { return values.begin() + row * columns; };
   const auto parts = m_parts.Of(property);
   auto next = parts.begin();
@@ -134,8 +134,8 @@ void inpS_MaterialPrinter::PrintIsotropicHardening(const KvoSimPosition& propert
 
 // Of one keyword, without their rate.
 void inpS_MaterialPrinter::PrintRows(const KvoSrvFsmFTable& table, const cow_List<double>& run) {
-  const bool lacksTemperature = table.FieldVariables() > 0 && !table.IsTemperatureDependent();
-  inpS_RowLayout(table.Columns() - 1, lacksTemperature ? kRateColumn : -1).Print(m_out, run);
+  const bool lacksTemperature = table.NumberFieldVariables() > 0 && !table.IsTemperatureDependent();
+  inpS_RowLayout(table.NumOfCols() - 1, lacksTemperature ? kRateColumn : -1).Print(m_out, run);
 }
 
 void inpS_MaterialPrinter::PrintSuboptions(const KvoSimPosition& property) {
