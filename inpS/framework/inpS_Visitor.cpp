@@ -1,4 +1,5 @@
 #include "inpS/framework/inpS_Visitor.h"
+#include "parser/inp_DeckParameters.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
 
@@ -13,12 +14,14 @@ void inpS_Visitor::ReportUnreferredParameters(const inp_KeywordList& keywords,
     if (keyword.IsInstanceCopy()) continue; // its original in the part has been judged
     if (std::find(kinds.begin(), kinds.end(), keyword.Kind()) == kinds.end()) continue;
     for (const inp_Parameter& parameter : keyword.Parameters()) {
-      if (parameter.referred) continue;
+      if (parameter.referred || !inp_findReference(parameter.name).empty()) continue;
       AddWarning(inp_Utils::MessageAtParameter(
           keyword, parameter.name,
           "Parameter \"" + parameter.name +
-              "\" is not used; ignored: the model holds what keywords of this kind give, not the "
-              "keywords."));
+              (parameter.told
+                   ? "\" is left out: the model holds what keywords of this kind give, not "
+                     "the keywords."
+                   : "\" is not used; ignored.")));
     }
   }
 }
