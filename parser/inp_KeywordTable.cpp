@@ -2,6 +2,7 @@
 
 #include "parser/inp_NameIndex.h"
 #include "parser/inp_NearestName.h"
+#include "parser/inp_TextLines.h"
 #include "parser/inp_Vocabulary.h"
 #include <algorithm>
 
@@ -67,6 +68,39 @@ inp_ParameterMatch inp_KeywordTable::ResolveParameter(inp_KeywordEnm kind,
   if (row->openParameters && name.size() < leastAbbreviationOfOpenList) return match;
   if (last - first == 1) return {Kind::Abbreviated, *first, {}};
   return {Kind::Ambiguous, {}, {first, last}};
+}
+
+std::span<const std::string_view> inp_KeywordTable::WordsOf(inp_KeywordEnm kind,
+                                                            std::string_view parameter) const {
+  return m_vocabulary.WordsOf(kind, parameter);
+}
+
+cow_String inp_KeywordTable::BareWord(std::string_view text) {
+  cow_String bare;
+  for (const char c : text)
+    if (!inp_isBlank(c) && c != '_')
+      bare += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return bare;
+}
+
+inp_WordMatch inp_KeywordTable::ResolveWord(inp_KeywordEnm kind, std::string_view parameter,
+                                            std::string_view value) const {
+  using Kind = inp_WordMatch::Kind;
+  const auto words = WordsOf(kind, parameter);
+  if (words.empty()) return {};
+  const cow_String bare = BareWord(value);
+  inp_WordMatch match{Kind::Unknown};
+  for (const std::string_view word : words) {
+    const cow_String known = BareWord(word);
+    if (known == bare) return {Kind::Known, word};
+    if (!bare.empty() && known.starts_with(bare)) match.candidates.push_back(word);
+  }
+  if (match.candidates.size() == 1) return {Kind::Known, match.candidates.front()};
+  if (match.candidates.empty())
+    match.candidates.assign(words.begin(), words.end());
+  else
+    match.kind = Kind::Ambiguous;
+  return match;
 }
 
 std::string_view inp_KeywordTable::NearestKeyword(std::string_view name) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/cow_Value.h"
 #include "parser/inp_ElementInfo.h"
 #include "parser/inp_KeywordEnm.h"
 #include <span>
@@ -63,6 +64,19 @@ struct inp_ParameterMatch {
   std::span<const std::string_view> candidates;
 };
 
+// What a value means for a parameter whose values are words of the language.
+struct inp_WordMatch {
+  enum class Kind : unsigned char {
+    Any,       // the parameter takes any value
+    Known,     // one of the words, or the only one that begins so
+    Ambiguous, // several begin so
+    Unknown,
+  };
+  Kind kind = Kind::Any;
+  std::string_view word{};                    // as it is written; empty unless Known
+  cow_List<std::string_view> candidates = {}; // several that begin so; when unknown all there are
+};
+
 class inp_Vocabulary;
 
 // The deck language's vocabulary: keywords, their parameters, and the element types. It never
@@ -85,6 +99,13 @@ public:
   inp_KeywordEnm CloserOf(inp_KeywordEnm opener) const;
 
   inp_ParameterMatch ResolveParameter(inp_KeywordEnm kind, std::string_view text) const;
+
+  // The words that a parameter may have for its value, in the order of the row; none: any value.
+  std::span<const std::string_view> WordsOf(inp_KeywordEnm kind, std::string_view parameter) const;
+  inp_WordMatch ResolveWord(inp_KeywordEnm kind, std::string_view parameter,
+                            std::string_view value) const;
+  // How values are compared: in upper case, without blanks and underscores.
+  static cow_String BareWord(std::string_view text);
 
   // The known name closest to a misspelt one; empty when none is close.
   std::string_view NearestKeyword(std::string_view name) const;

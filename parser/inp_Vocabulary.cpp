@@ -28,6 +28,17 @@ constexpr std::pair<inp_KeywordEnm, inp_KeywordEnm> suboptions[] = {
 #include "parser/inp_keywords.def"
 };
 
+struct ValueRow {
+  std::string_view parameter;
+  std::string_view words;
+  std::initializer_list<inp_KeywordEnm> keywords;
+};
+
+#define INP_VALUES(Parameter, Words, ...) {Parameter, Words, {__VA_ARGS__}},
+const ValueRow valueRows[] = {
+#include "parser/inp_values.def"
+};
+
 // The names of a list separated by blanks, each once it is cut off the list's front.
 std::string_view cutWord(std::string_view& list) {
   list.remove_prefix(std::min(list.find_first_not_of(' '), list.size()));
@@ -67,6 +78,7 @@ inp_Vocabulary::inp_Vocabulary()
   CutParameters();
   LinkSuboptions();
   IndexNames();
+  CutWords();
 }
 
 void inp_Vocabulary::CutParameters() {
@@ -117,6 +129,36 @@ void inp_Vocabulary::IndexNames() {
   }
   int place = 0;
   for (const inp_ElementInfo& info : inp_elementTable()) m_elementIndex.Add(info.name, place++);
+}
+
+void inp_Vocabulary::CutWords() {
+  constexpr std::string_view between = ", ";
+  std::size_t words = 0;
+  for (const ValueRow& row : valueRows)
+    words += static_cast<std::size_t>(std::ranges::count(row.words, ',')) + 1;
+  m_words.reserve(words); // the spans must not move
+  for (const ValueRow& row : valueRows) {
+    const auto first = m_words.end();
+    for (std::string_view rest = row.words; !rest.empty();) {
+      const std::string_view word = rest.substr(0, rest.find(between));
+      m_words.push_back(word);
+      rest.remove_prefix(std::min(word.size() + between.size(), rest.size()));
+    }
+    for (const inp_KeywordEnm keyword : row.keywords)
+      m_values.push_back({keyword, row.parameter, {first, m_words.end()}});
+  }
+  std::ranges::sort(m_values, {}, [](const Values& row) {
+    return std::pair(row.keyword, row.parameter);
+  });
+}
+
+std::span<const std::string_view> inp_Vocabulary::WordsOf(inp_KeywordEnm keyword,
+                                                          std::string_view parameter) const {
+  const std::pair wanted(keyword, parameter);
+  const auto key = [](const Values& row) { return std::pair(row.keyword, row.parameter); };
+  const auto found = std::ranges::lower_bound(m_values, wanted, {}, key);
+  if (found == m_values.end() || key(*found) != wanted) return {};
+  return found->words;
 }
 
 inp_KeywordEnm inp_Vocabulary::CloserOf(const inp_KeywordRow& opener) const {

@@ -5,16 +5,6 @@
 
 namespace {
 
-struct Vocabulary {
-  std::string_view column;
-  std::initializer_list<std::string_view> words;
-};
-
-#define INPS_WORDS(column, ...) {#column, {__VA_ARGS__}},
-const Vocabulary vocabularies[] = {
-#include "inpS/keywords/inpS_words.def"
-};
-
 inpS_Codec codecOf(eds_FieldType type, bool hasWords) {
   switch (type) {
   case eds_FieldType::Int:
@@ -30,16 +20,15 @@ inpS_Codec codecOf(eds_FieldType type, bool hasWords) {
   }
 }
 
-inpS_ParameterBinding bindingOf(const eds_FieldInfo& field, int number) {
+inpS_ParameterBinding bindingOf(inp_KeywordEnm keyword, const eds_FieldInfo& field, int number) {
   inpS_ParameterBinding binding;
   binding.field = number;
   for (const char c : field.column) {
     if (c != '_') binding.key += c;
     binding.name += c == '_' ? ' ' : static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
   }
-  for (const Vocabulary& vocabulary : vocabularies)
-    if (vocabulary.column == field.column)
-      binding.words.assign(vocabulary.words.begin(), vocabulary.words.end());
+  const auto words = inp_KeywordTable::Instance().WordsOf(keyword, binding.key);
+  binding.words.assign(words.begin(), words.end());
   binding.codec = codecOf(field.type, !binding.words.empty());
   return binding;
 }
@@ -52,7 +41,7 @@ inpS_ParameterBindings inpS_bindParameters(inp_KeywordEnm keyword, eds_RecordKin
   const eds_RecordInfo* info = eds_ModelReader::Info(kind);
   if (!row || !info) return bindings;
   for (std::size_t n = 0; n < info->fields.size(); ++n) {
-    inpS_ParameterBinding binding = bindingOf(info->fields[n], static_cast<int>(n));
+    inpS_ParameterBinding binding = bindingOf(keyword, info->fields[n], static_cast<int>(n));
     const std::string_view key = binding.key;
     if (std::ranges::find(row->parameters, key) != row->parameters.end())
       bindings.push_back(std::move(binding));

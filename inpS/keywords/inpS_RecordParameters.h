@@ -6,7 +6,7 @@
 
 // Parameters that are bound to the fields of a record kind by their columns' names: the column
 // "number_backstresses" holds NUMBER BACKSTRESSES, and its type tells how the value is written. A
-// text with a vocabulary (inpS_words.def) takes one of its words only.
+// text for which the language has words takes one of them only.
 
 // The fields of a record kind that stand for parameters of the keyword, in the order of the fields.
 inpS_ParameterBindings inpS_bindParameters(inp_KeywordEnm keyword, eds_RecordKind kind);

@@ -30,7 +30,6 @@ struct inpS_Behavior {
     cow_String key;   // as the parser delivers it
     cow_String name;  // as it is printed
     cow_String word;  // bare; empty: a flag
-    cow_String alias; // another word for it
     cow_String text;  // the word as it is printed
     bool isDefault = false;
     bool isField = false; // its value is kept: any value chooses the row

@@ -55,7 +55,7 @@ void inpS_printComponentsOnDataline(cow_String& line, const KvoSimPosition& comp
 void inpS_printFTable(utl_Stream& out, const inpS_FTableOptions& options,
                       const KvoSrvFsmFTable& table) {
   if (table.IsNull()) return;
-  const inpS_RowLayout asTheyStand(table.Columns(), -1);
+  const inpS_RowLayout asTheyStand(table.NumOfCols(), -1);
   const inpS_RowLayout& layout = options.layout ? *options.layout : asTheyStand;
   if (options.rows.empty())
     layout.Print(out, table.Values());
