@@ -2,8 +2,10 @@
 """Makes small faults in the product's own code and lists those that no test notices
 (docs/reliability.md). Exit code: 0 all were noticed, 1 some were not, 3 the tool could not work."""
 import argparse
+import fcntl
 import json
 import os
+import signal
 import subprocess
 import sys
 import time
@@ -80,6 +82,12 @@ def main():
             show(mutant)
         return 3 if stale else 0
 
+    os.makedirs(place, exist_ok=True)
+    lock = open(os.path.join(place, "lock"), "w", encoding="utf-8")  # held until the end
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except OSError:
+        raise Trouble("another run works in build/mutants") from None
     workshop = Workshop(arguments.root, place, arguments.jobs, arguments.quick)
     workshop.prepare()
     survivors, tried, drawn_again = run(arguments, workshop, texts, mutants)
@@ -94,6 +102,8 @@ def main():
 
 
 if __name__ == "__main__":
+    for request in (signal.SIGINT, signal.SIGTERM):  # also when started in the background
+        signal.signal(request, signal.default_int_handler)
     try:
         sys.exit(main())
     except (Trouble, ValueError, OSError, subprocess.SubprocessError) as trouble:
