@@ -36,7 +36,7 @@ def wanted(arguments, texts, table, last):
             and one.path.startswith(arguments.only)]
 
 
-def run(arguments, workshop, texts, mutants):
+def run(arguments, workshop, texts, mutants, last):
     """Tries mutants until so many were built; returns the survivors, their number and the others'."""
     survivors, tried, drawn_again = [], 0, {"compiler": 0, "same": 0}
     for mutant in mutants:
@@ -53,6 +53,8 @@ def run(arguments, workshop, texts, mutants):
         show(mutant, sys.stderr)
         if not result:
             survivors.append(mutant)
+        with open(last, "w", encoding="utf-8") as file:  # whoever stops the run keeps what it found
+            json.dump([(one.path, one.before, one.after) for one in survivors], file)
     return survivors, tried, drawn_again
 
 
@@ -90,9 +92,7 @@ def main():
         raise Trouble("another run works in build/mutants") from None
     workshop = Workshop(arguments.root, place, arguments.jobs, arguments.quick)
     workshop.prepare()
-    survivors, tried, drawn_again = run(arguments, workshop, texts, mutants)
-    with open(last, "w", encoding="utf-8") as file:
-        json.dump([(one.path, one.before, one.after) for one in survivors], file)
+    survivors, tried, drawn_again = run(arguments, workshop, texts, mutants, last)
     for mutant in sorted(survivors, key=lambda one: (one.path, one.line, one.start)):
         show(mutant)
     print(f"{tried} mutants, {tried - len(survivors)} noticed, {len(survivors)} survived; drawn "

@@ -87,6 +87,11 @@ TEST(KeywordLine, FaultsAreReportedAndReadingGoesOn) {
   }
 }
 
+TEST(KeywordLine, TheFirstValueOfAParameterCounts) {
+  EXPECT_EQ(shown(Parsed("*NSET, NSET=A, NSET=B\n1\n").keywords), "NSET nset=A");
+  EXPECT_EQ(shown(Parsed("*NSET, NSET=A, NSET=A\n1\n").keywords), "NSET nset=A");
+}
+
 TEST(KeywordLine, SuggestsTheNearestName) {
   const Parsed parsed("*NODDE\n*NSET, NSTE=A\n");
   ASSERT_EQ(parsed.warnings.size(), 2u);
