@@ -297,6 +297,12 @@ TEST(Store, CollectionsAndSymbols) {
   EXPECT_EQ(points.ExtendSpace(3), 5);
   EXPECT_EQ(KvoSimCSet(all).Size(), 8);
   EXPECT_THROW(points.CreateCSet(std::vector<int32_t>{8}), utl_Assertion);
+  // Sets are the same within one collection only.
+  const KvoSimCSet first = points.CreateTempCSetStrided(0, 3);
+  EXPECT_TRUE(first.SameSet(points.CreateTempCSetStrided(0, 3)));
+  EXPECT_FALSE(first.SameSet(points.CreateTempCSetStrided(0, 2)));
+  KvoSimCollection others = document.GetComponentCollection();
+  EXPECT_FALSE(first.SameSet(others.CreateTempCSetStrided(0, 3)));
   EXPECT_LT(points.CreateTempCSetStrided(0, 3).ID().Number(), 0);
   EXPECT_EQ(document.GetCMembersFromDynamicIDs(document.GetMaterialCollection(), {1, 7}),
             (std::vector<int32_t>{-1, -1}));

@@ -36,10 +36,10 @@ TUNED = re.compile(r"\bconstexpr\b[^;={(]*=[^;\n]*")
 # A larger array is as good, and a parameter's length is not looked at.
 LENGTH = re.compile(r"\b(?:double|float|char|bool|int|long|unsigned|std::\w+|u?int\d+_t) \w+(?:\[\d+\])+")
 
-CONDITION = re.compile(r"\b(?:else if|if|while) \(|\? ")
+CONDITION = re.compile(r"\bif \(")
 NOT = re.compile(r"(?<=[(\s])!(?=[\w(:])")
 # A statement that is a call or an assignment; what declares something has two names in a row.
-STATEMENT = re.compile(r"(?:(?<=[;{})\x02])|(?<=[^:]:))(?P<space>\s*)(?P<what>(?:\+\+|--|\*)?(?!(?:return|if|for|"
+STATEMENT = re.compile(r"(?:(?<=[;{})])|(?<=[^:]:)|\A)(?P<space>\s*)(?P<what>(?:\+\+|--|\*)?(?!(?:return|if|for|"
                        r"else|while|do|case|default|goto|throw|using|namespace|public|private|"
                        r"protected|struct|class|template|delete|switch|try|static|const|constexpr|"
                        r"auto|std::swap)\b)[A-Za-z_][\w:.]*(?:->[\w.]+|\[[^\]\n;]*\])*"
@@ -98,7 +98,8 @@ def _numbers(masked):
             continue
         digits = match[0].replace("'", "")
         if not re.fullmatch(r"\d+|0x[0-9a-fA-F]+", digits):
-            yield "constant", match.start(), match.end(), f"({match[0]} * 2)"
+            if float(digits) != 0:
+                yield "constant", match.start(), match.end(), f"({match[0]} * 2)"
             continue
         value = int(digits, 0) if digits.startswith("0x") else int(digits)
         if value > 0xFFFF or any(start <= match.start() < end and (value >= 16 or shifted)
@@ -111,8 +112,6 @@ def _numbers(masked):
 
 def _conditions(masked):
     for match in CONDITION.finditer(masked):
-        if match[0].startswith("?") or match[0].startswith("while"):
-            continue
         opening = match.end() - 1
         end = source.closing(masked, opening)
         inner = masked[opening + 1:end - 1]
@@ -123,7 +122,8 @@ def _conditions(masked):
         yield "condition", match.start(), match.end(), ""
     for match in CHOICE.finditer(masked):
         if match["yes"] != match["no"]:
-            yield "choice", match.start("yes"), match.end("no"), ("yes", "no", match)
+            exchanged = (*match.span("yes"), *match.span("no"))
+            yield "choice", match.start("yes"), match.end("no"), exchanged
 
 
 def _statements(masked):
@@ -174,9 +174,6 @@ def _replacement(text, start, end, made):
         return f"!({text[start:end]})"
     if isinstance(made, str):
         return made
-    if made[0] == "yes":
-        match = made[2]
-        return f"{text[match.start('no'):match.end('no')]} : {text[match.start('yes'):match.end('yes')]}"
     first, behind, second, last = made
     return text[second:last] + text[behind:second] + text[first:behind]
 
@@ -187,15 +184,14 @@ def _joined(lines):
 
 def of(path, text):
     """All mutants of a file, in the order of their places."""
-    masked = "\x02" + source.code(text)  # so that a statement may begin the text
+    masked = source.code(text)
     made = []
     # Of the tables only the bounds in materials are code: all else is held against frozen lists.
     rows = path.endswith(".def")
     for rule in () if rows else (_operators, _words, _numbers, _conditions, _statements, _calls):
-        made += [(name, start - 1, end - 1, what if not isinstance(what, tuple) else
-                  _shifted(what)) for name, start, end, what in rule(masked)]
+        made += list(rule(masked))
     if rows and path.startswith("inpS/materials/"):
-        made += list(_table_rows(text, masked[1:]))
+        made += list(_table_rows(text, masked))
     found = []
     lines = [match.start() for match in re.finditer("\n", text)]
     for rule, start, end, what in sorted(made, key=lambda one: (one[1], one[2], one[0])):
@@ -207,25 +203,6 @@ def of(path, text):
                             _joined(text[first:last]),
                             _joined(text[first:start] + replacement + text[end:last])))
     return [mutant for mutant in found if mutant.before != mutant.after]
-
-
-def _shifted(what):
-    if what[0] == "yes":
-        return what[:2] + (_Moved(what[2]),)
-    return tuple(place - 1 for place in what)
-
-
-class _Moved:
-    """A match whose places count from one further left."""
-
-    def __init__(self, match):
-        self.match = match
-
-    def start(self, name):
-        return self.match.start(name) - 1
-
-    def end(self, name):
-        return self.match.end(name) - 1
 
 
 def draw(texts, seed):

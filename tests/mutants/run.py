@@ -2,8 +2,10 @@
 """Makes small faults in the product's own code and lists those that no test notices
 (docs/reliability.md). Exit code: 0 all were noticed, 1 some were not, 3 the tool could not work."""
 import argparse
+import fcntl
 import json
 import os
+import signal
 import subprocess
 import sys
 import time
@@ -34,7 +36,7 @@ def wanted(arguments, texts, table, last):
             and one.path.startswith(arguments.only)]
 
 
-def run(arguments, workshop, texts, mutants):
+def run(arguments, workshop, texts, mutants, last):
     """Tries mutants until so many were built; returns the survivors, their number and the others'."""
     survivors, tried, drawn_again = [], 0, {"compiler": 0, "same": 0}
     for mutant in mutants:
@@ -51,6 +53,8 @@ def run(arguments, workshop, texts, mutants):
         show(mutant, sys.stderr)
         if not result:
             survivors.append(mutant)
+        with open(last, "w", encoding="utf-8") as file:  # whoever stops the run keeps what it found
+            json.dump([(one.path, one.before, one.after) for one in survivors], file)
     return survivors, tried, drawn_again
 
 
@@ -80,11 +84,15 @@ def main():
             show(mutant)
         return 3 if stale else 0
 
+    os.makedirs(place, exist_ok=True)
+    lock = open(os.path.join(place, "lock"), "w", encoding="utf-8")  # held until the end
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except OSError:
+        raise Trouble("another run works in build/mutants") from None
     workshop = Workshop(arguments.root, place, arguments.jobs, arguments.quick)
     workshop.prepare()
-    survivors, tried, drawn_again = run(arguments, workshop, texts, mutants)
-    with open(last, "w", encoding="utf-8") as file:
-        json.dump([(one.path, one.before, one.after) for one in survivors], file)
+    survivors, tried, drawn_again = run(arguments, workshop, texts, mutants, last)
     for mutant in sorted(survivors, key=lambda one: (one.path, one.line, one.start)):
         show(mutant)
     print(f"{tried} mutants, {tried - len(survivors)} noticed, {len(survivors)} survived; drawn "
@@ -94,6 +102,8 @@ def main():
 
 
 if __name__ == "__main__":
+    for request in (signal.SIGINT, signal.SIGTERM):  # also when started in the background
+        signal.signal(request, signal.default_int_handler)
     try:
         sys.exit(main())
     except (Trouble, ValueError, OSError, subprocess.SubprocessError) as trouble:

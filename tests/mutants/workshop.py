@@ -101,8 +101,8 @@ class Workshop:
         """Seconds of each test program without a fault, by the clock and of processors. Taken again
         when a source has changed."""
         state = hashlib.sha256()
-        for place, folders, names in sorted(os.walk(self.tree)):
-            folders[:] = [name for name in folders if name not in SKIPPED]
+        for place, folders, names in os.walk(self.tree):
+            folders[:] = sorted(name for name in folders if name not in SKIPPED)
             for name in sorted(names):
                 state.update(content(os.path.join(place, name)))
         kept = {}

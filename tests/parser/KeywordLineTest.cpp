@@ -96,6 +96,11 @@ TEST(KeywordLine, NamesHoldNoControlCharacters) {
   EXPECT_EQ(parsed.keywords.at(0).Find("nset")->AsString(), "A[2J B");
 }
 
+TEST(KeywordLine, TheFirstValueOfAParameterCounts) {
+  EXPECT_EQ(shown(Parsed("*NSET, NSET=A, NSET=B\n1\n").keywords), "NSET nset=A");
+  EXPECT_EQ(shown(Parsed("*NSET, NSET=A, NSET=A\n1\n").keywords), "NSET nset=A");
+}
+
 TEST(KeywordLine, SuggestsTheNearestName) {
   const Parsed parsed("*NODDE\n*NSET, NSTE=A\n");
   ASSERT_EQ(parsed.warnings.size(), 2u);
