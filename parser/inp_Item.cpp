@@ -45,10 +45,9 @@ inp_Item inp_Item::FromText(cow_String folded, cow_String verbatim) {
   return item;
 }
 
-bool inp_Item::IsWhole() const {
-  constexpr double most = std::numeric_limits<int>::max();
-  return m_kind == Kind::Integer ||
-         (m_kind == Kind::Double && std::abs(m_number) <= most && m_number == std::trunc(m_number));
+bool inp_Item::IsInteger() const {
+  return m_kind == Kind::Integer || (m_kind == Kind::Double && m_number == std::trunc(m_number) &&
+                                     std::fabs(m_number) <= std::numeric_limits<int>::max());
 }
 
 int inp_Item::AsInt() const {

@@ -17,7 +17,7 @@ int dependenciesOf(const inp_Keyword& keyword) {
   const inp_Item* item = keyword.Find("dependencies");
   if (!item) return 0;
   const int count = item->AsInt();
-  if (item->IsWhole() && count >= 0 && count <= mostDependencies) return count;
+  if (item->IsInteger() && count >= 0 && count <= mostDependencies) return count;
   if (!keyword.LeaveUnread("dependencies")) return 0;
   inpS_MessageContainer::Instance().AddMessage(
       inpS_Message(keyword, inpS_messageText(inpS_app_InvalidParameterValue, {"dependencies"}) +

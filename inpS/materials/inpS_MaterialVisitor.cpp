@@ -376,7 +376,7 @@ bool inpS_MaterialVisitor::CheckCounts(const inp_Keyword& keyword, const inpS_Be
   for (const inpS_ParameterBinding& binding : behavior.parameters) {
     const inp_Item* item = keyword.Find(binding.key);
     if (!item || std::ranges::find(counts, binding.key) == counts.end()) continue;
-    if (item->IsWhole() && item->AsInt() >= least) continue;
+    if (item->IsInteger() && item->AsInt() >= least) continue;
     AddError(inp_Utils::MessageAtParameter(
         keyword, binding.key,
         inpS_messageText(inpS_app_InvalidParameterValue, {binding.name}) +

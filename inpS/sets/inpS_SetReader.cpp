@@ -72,13 +72,11 @@ void inpS_SetReader::ReadField(long long row, int col) {
     ReadName(row, col);
     return;
   case inp_FieldType::Integer:
-    if (std::llabs(m_data.AsInt64(row, col)) <= kMaxLabel) {
+  case inp_FieldType::Double:
+    if (m_data.IsInteger(row, col) && std::llabs(m_data.AsInt64(row, col)) <= kMaxLabel) {
       LabelsOf(m_instance, row, col).labels.Append(m_data.AsInt(row, col));
       return;
     }
-    break;
-  case inp_FieldType::Double:
-    break;
   }
   RefuseField(row, col);
 }
@@ -142,10 +140,11 @@ long long inpS_SetReader::ReadIncrement(long long row, int fields) {
   if (fields > 3)
     AddFault(row, 3, "Set generation takes three numbers per line; the rest is left out.");
   if (fields < 3 || m_data.IsNone(row, 2)) return 1;
-  if (m_data.Type(row, 2) != inp_FieldType::Integer)
+  if (!m_data.IsInteger(row, 2)) {
     AddFault(row, 2, "The increment must be an integer; 1 is taken.");
-  const long long increment =
-      m_data.Type(row, 2) == inp_FieldType::Integer ? m_data.AsInt64(row, 2) : 0;
+    return 1;
+  }
+  const long long increment = m_data.AsInt64(row, 2);
   return increment == 0 ? 1 : increment;
 }
 
@@ -155,7 +154,7 @@ inpS_SetReader::Id inpS_SetReader::ReadId(long long row, int col, const Id& inst
   bool isLabel = true;
   const inp_FieldType type = m_data.Type(row, col);
   const inpS_ScopedField field = inpS_scopedField(m_data.FieldText(row, col));
-  if (type == inp_FieldType::Integer) {
+  if (m_data.IsInteger(row, col)) {
     id.label = m_data.AsInt64(row, col);
   } else if (type == inp_FieldType::String && field.isLabel) {
     id.label = field.Label();

@@ -261,7 +261,7 @@ void inpS_SetVisitor::ReadData(Kind kind, const inp_Keyword& keyword, long long 
   const inp_DataArray& data = keyword.Data();
   for (int cols = data.Cols(row); col < cols; ++col) {
     if (!data.HasValue(row, col)) continue;
-    const bool isKnown = data.Type(row, col) == inp_FieldType::Integer
+    const bool isKnown = data.IsInteger(row, col)
                              ? AddLabel(kind, m_owner, data.AsInt64(row, col), ordinals)
                              : AddNamed(kind, data.FieldText(row, col), ordinals);
     if (!isKnown) unknown.push_back(data.AsString(row, col));
@@ -273,9 +273,8 @@ void inpS_SetVisitor::ReadParameter(Kind kind, const inp_Keyword& keyword,
                                     cow_List<cow_String>& unknown) {
   const inp_Item* item = keyword.Find(parameter);
   if (!item || item->IsFlag()) return;
-  const bool isKnown = item->GetKind() == inp_Item::Kind::Integer
-                           ? AddLabel(kind, m_owner, item->AsInt(), ordinals)
-                           : AddNamed(kind, item->Verbatim(), ordinals);
+  const bool isKnown = item->IsInteger() ? AddLabel(kind, m_owner, item->AsInt(), ordinals)
+                                         : AddNamed(kind, item->Verbatim(), ordinals);
   if (!isKnown) unknown.push_back(item->AsString());
 }
 

@@ -108,22 +108,29 @@ void inpS_SurfaceLines::Take(long long row, int col, std::string_view who, eds_S
     TakeNamed(row, col, who, face, area);
 }
 
+const inpS_SetVisitor::LabelSpace& inpS_SurfaceLines::OwnSpace() {
+  if (!m_hasOwnSpace) m_ownSpace = m_visitor.SpaceOf(m_kind);
+  m_hasOwnSpace = true;
+  return m_ownSpace;
+}
+
 // A label, alone or behind an instance's name and a dot.
 bool inpS_SurfaceLines::ReadLabel(long long row, int col, std::string_view who, long long& label,
                                   inpS_SetVisitor::LabelSpace& space) {
-  const std::size_t dot = who.rfind('.');
-  if (dot == std::string_view::npos || dot == 0) {
-    std::int64_t value = 0;
-    const char* const end = who.data() + who.size();
-    if (utl_readInt(who.data(), end, value) != end) return false;
+  std::int64_t value = 0;
+  const char* const end = who.data() + who.size();
+  if (utl_readInt(who.data(), end, value) == end) {
     label = value;
-    if (!m_hasOwnSpace) {
-      m_ownSpace = m_visitor.SpaceOf(m_kind);
-      m_hasOwnSpace = true;
-    }
-    space = m_ownSpace;
+    space = OwnSpace();
     return true;
   }
+  if (const utl_Field number = utl_classifyField(who); number.IsWhole()) { // 3. or 3.0
+    label = static_cast<long long>(number.real);
+    space = OwnSpace();
+    return true;
+  }
+  const std::size_t dot = who.rfind('.');
+  if (dot == std::string_view::npos || dot == 0) return false;
   const std::string_view digits = who.substr(dot + 1);
   if (!isDigits(digits) || digits.size() > 9) return false;
   if (who.substr(0, dot) != m_prefix) {
@@ -133,7 +140,6 @@ bool inpS_SurfaceLines::ReadLabel(long long row, int col, std::string_view who, 
     m_prefix = who.substr(0, dot);
     m_prefixSpace = m_visitor.SpaceOf(m_kind, field.instance);
   }
-  std::int64_t value = 0;
   utl_readInt(digits.data(), digits.data() + digits.size(), value);
   label = value;
   space = m_prefixSpace;

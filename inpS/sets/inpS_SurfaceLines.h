@@ -42,6 +42,7 @@ private:
 
   bool SplitRow(long long row, std::string_view& who, std::string_view& what);
   void Take(long long row, int col, std::string_view who, eds_SurfaceFace face, double area);
+  const inpS_SetVisitor::LabelSpace& OwnSpace(); // of plain labels
   bool ReadLabel(long long row, int col, std::string_view who, long long& label,
                  inpS_SetVisitor::LabelSpace& space);
   void TakeNamed(long long row, int col, std::string_view who, eds_SurfaceFace face, double area);
