@@ -139,6 +139,12 @@ struct utl_Field {
   std::string_view text;
 
   bool IsNumber() const { return kind == utl_FieldKind::Integer || kind == utl_FieldKind::Double; }
+  // A number without a fraction that 64 bits hold, however it is spelled: 3, 3. or 3.0.
+  bool IsWhole() const {
+    constexpr double most = 9007199254740992.0; // 2^53: beyond it there are no fractions to tell
+    return kind == utl_FieldKind::Integer ||
+           (kind == utl_FieldKind::Double && real == std::trunc(real) && std::fabs(real) <= most);
+  }
   bool IsOutOfRange() const { return std::isinf(real); } // a number too large for a double
 };
 

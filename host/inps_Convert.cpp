@@ -95,12 +95,14 @@ struct Job {
   Path target;
   Path base; // empty: no restart
   bool force = false;
+  bool salvage = false;
 };
 
 // A usage fault in words, empty when the job is clear.
 cow_String describeJob(const inps_Arguments& arguments, Job& job) {
   job.deck = arguments.Path(0);
   job.force = arguments.Has(inps_Opt::Force);
+  job.salvage = arguments.Has(inps_Opt::Salvage);
   if (arguments.Has(inps_Opt::Restart)) job.base = arguments.PathOf(inps_Opt::Restart);
   if (arguments.Has(inps_Opt::Output)) {
     job.target = arguments.PathOf(inps_Opt::Output);
@@ -155,6 +157,7 @@ public:
       Say("the deck cannot be converted; " + utl_pathText(m_job.target) + " was not written");
       return inps_ExitFaults;
     }
+    conversion.SetSalvage(m_job.salvage);
     if (const inp_Keyword* restart = conversion.RestartKeyword(); restart && m_job.base.empty())
       m_run.Reporter().Warning(inp_Utils::MessageInKeyword(
           *restart, "this deck goes on from another model; --restart names that model"));
@@ -164,7 +167,9 @@ public:
     const bool noMesh = conversion.IsMeshLeftOut();
     if (m_run.IsJson()) m_run.Json()["meshLeftOut"] = noMesh;
     Say("the deck has errors; " + utl_pathText(m_job.target) + " holds what could be converted" +
-        (noMesh ? "; the mesh is left out because of its errors" : ""));
+        (noMesh ? cow_String("; the mesh is left out because of its errors") +
+                      (m_job.salvage ? "" : "; --salvage stores what is sound of it")
+                : ""));
     return inps_ExitFaults;
   }
 

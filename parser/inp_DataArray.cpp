@@ -212,6 +212,9 @@ bool inp_DataArray::HasValue(long long row, int col) const {
 bool inp_DataArray::IsNumber(long long row, int col) const {
   return utl_classifyField(FieldText(row, col)).IsNumber();
 }
+bool inp_DataArray::IsInteger(long long row, int col) const {
+  return utl_classifyField(FieldText(row, col)).IsWhole();
+}
 int inp_DataArray::AsInt(long long row, int col) const {
   return toInt<int>(utl_classifyField(FieldText(row, col)));
 }

@@ -34,6 +34,8 @@ public:
   bool IsNone(long long row, int col) const;
   bool HasValue(long long row, int col) const;
   bool IsNumber(long long row, int col) const;
+  // A number without a fraction, however it is spelled: 3, 3. or 3.0.
+  bool IsInteger(long long row, int col) const;
   int AsInt(long long row, int col) const; // 0 for what is no number; clamped to int
   long long AsInt64(long long row, int col) const;
   double AsDouble(long long row, int col) const;     // 0 for what is no number

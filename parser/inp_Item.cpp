@@ -1,6 +1,7 @@
 #include "parser/inp_Item.h"
 #include "base/utl_Number.h"
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -42,6 +43,11 @@ inp_Item inp_Item::FromText(cow_String folded, cow_String verbatim) {
   }
   if (item.IsNumber()) item.m_number = field.real;
   return item;
+}
+
+bool inp_Item::IsInteger() const {
+  return m_kind == Kind::Integer || (m_kind == Kind::Double && m_number == std::trunc(m_number) &&
+                                     std::fabs(m_number) <= std::numeric_limits<int>::max());
 }
 
 int inp_Item::AsInt() const {

@@ -19,6 +19,7 @@ public:
   Kind GetKind() const { return m_kind; }
   bool IsFlag() const { return m_kind == Kind::Flag; }
   bool IsNumber() const { return m_kind == Kind::Integer || m_kind == Kind::Double; }
+  bool IsInteger() const; // a number without a fraction, within int: 3, 3. or 3.0
   bool IsString() const { return m_kind == Kind::String; }
 
   int AsInt() const;                  // 0 for what is no number

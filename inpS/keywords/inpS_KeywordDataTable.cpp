@@ -17,7 +17,7 @@ int dependenciesOf(const inp_Keyword& keyword) {
   const inp_Item* item = keyword.Find("dependencies");
   if (!item) return 0;
   const int count = item->AsInt();
-  const bool whole = item->GetKind() == inp_Item::Kind::Integer;
+  const bool whole = item->IsInteger();
   if (whole && count >= 0 && count <= mostDependencies) return count;
   inpS_MessageContainer::Instance().AddMessage(
       inpS_Message(keyword, inpS_messageText(inpS_app_InvalidParameterValue, {"dependencies"}) +

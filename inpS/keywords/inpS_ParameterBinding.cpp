@@ -34,7 +34,7 @@ cow_String take(const inpS_ParameterBinding& row, const inp_Item& item, KvoSimDa
   if (item.IsFlag() && row.codec != inpS_Codec::Name) return "has no value";
   switch (row.codec) {
   case inpS_Codec::Int:
-    if (item.GetKind() != inp_Item::Kind::Integer) return "is no integer";
+    if (!item.IsInteger()) return "is no integer";
     record.SetInt(row.field, item.AsInt());
     return {};
   case inpS_Codec::Real:
