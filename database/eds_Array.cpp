@@ -149,6 +149,18 @@ void eds_ArrayWriter::OverwriteBytes(int64_t firstItem, std::span<const std::byt
   }
 }
 
+void eds_ArrayWriter::ReadBytes(int64_t item, std::span<std::byte> bytes, eds_ValueType type) {
+  Impl& impl = *m_impl;
+  utl_ASSERT(type == impl.type && !impl.finished);
+  utl_ASSERT(item >= 0 && item < impl.Count());
+  utl_ASSERT(static_cast<int64_t>(bytes.size()) == impl.itemBytes);
+  const bool inTail = item >= impl.written;
+  if (!inTail) impl.TakePatch(item / impl.itemsPerChunk);
+  const std::vector<std::byte>& chunk = inTail ? impl.tail : impl.patch;
+  std::memcpy(bytes.data(), chunk.data() + item % impl.itemsPerChunk * impl.itemBytes,
+              bytes.size());
+}
+
 eds_ArrayID eds_ArrayWriter::Finish() {
   Impl& impl = *m_impl;
   utl_ASSERT(!impl.finished);

@@ -53,9 +53,14 @@ public:
   template <class T> void Overwrite(int64_t firstItem, std::span<const T> values) {
     OverwriteBytes(firstItem, std::as_bytes(values), eds_valueTypeOf<T>());
   }
+  // An item as it stands, before it is overwritten.
+  template <class T> void ReadItem(int64_t item, std::span<T> values) {
+    ReadBytes(item, std::as_writable_bytes(values), eds_valueTypeOf<T>());
+  }
   eds_ArrayID Finish();
 
 private:
+  void ReadBytes(int64_t item, std::span<std::byte> bytes, eds_ValueType type);
   void AppendBytes(std::span<const std::byte> bytes, eds_ValueType type);
   void OverwriteBytes(int64_t firstItem, std::span<const std::byte> bytes, eds_ValueType type);
   struct Impl;

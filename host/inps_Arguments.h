@@ -13,6 +13,7 @@ enum class inps_Opt : unsigned char {
   Output,
   Force,
   Strict,
+  Salvage,
   Restart,
   Sets,
   Surfaces,

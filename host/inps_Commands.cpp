@@ -13,6 +13,7 @@ constexpr inps_Option options[] = {
     {Opt::Output, 'o', "--output", "FILE", "the file to make"},
     {Opt::Force, 0, "--force", "", "replace an existing file, once the new one is finished"},
     {Opt::Strict, 0, "--strict", "", "exit with 4 when something was not modelled"},
+    {Opt::Salvage, 0, "--salvage", "", "store what is sound of a mesh that has errors"},
     {Opt::Restart, 0, "--restart", "BASE.sim",
      "go on from this model; it stays as it is and a copy is changed"},
     {Opt::Sets, 0, "--sets", "", "every set as a block of its own, listed in MESH.vtm"},
@@ -34,8 +35,9 @@ constexpr inps_Option options[] = {
 };
 
 constexpr Opt commonOptions[] = {Opt::Memory, Opt::Color, Opt::Help};
-constexpr Opt convertOptions[] = {Opt::Output, Opt::Force,   Opt::Strict, Opt::Restart,
-                                  Opt::NoKept, Opt::Timings, Opt::Json,   Opt::Quiet};
+constexpr Opt convertOptions[] = {Opt::Output,  Opt::Force,  Opt::Strict,  Opt::Salvage,
+                                  Opt::Restart, Opt::NoKept, Opt::Timings, Opt::Json,
+                                  Opt::Quiet};
 constexpr Text convertExamples[] = {
     "inps convert bracket.inp", "inps convert bracket.inp -o models/bracket.sim --force",
     "inps convert next_steps.inp --restart bracket.sim -o bracket2.sim"};

@@ -19,6 +19,7 @@ public:
 
   // Reads the deck up to where it can be converted; false: it cannot, and the messages say why.
   bool Prepare();
+  void SetSalvage(bool salvage) { m_driver->SetSalvage(salvage); } // once it is prepared
   bool Convert(const KvoObjDocument& document);
   bool ConvertRestart(const KvoObjDocument& document); // into a model that exists
 

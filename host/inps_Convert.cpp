@@ -97,12 +97,14 @@ struct Job {
   cow_String base; // likewise; empty: no restart
   Path target;     // empty: standard output
   bool force = false;
+  bool salvage = false;
 };
 
 // A usage fault in words, empty when the job is clear.
 cow_String describeJob(const inps_Session& session, const inps_Arguments& arguments, Job& job) {
   job.deck = arguments.Operands()[0];
   job.force = arguments.Has(inps_Opt::Force);
+  job.salvage = arguments.Has(inps_Opt::Salvage);
   job.base = arguments.ValueOf(inps_Opt::Restart);
   if (arguments.ValueOf(inps_Opt::Output) == inps_dash) {
     if (arguments.Has(inps_Opt::Json))
@@ -173,6 +175,7 @@ public:
       Say("the deck cannot be converted; " + m_targetName + " was not written");
       return inps_ExitFaults;
     }
+    conversion.SetSalvage(m_job.salvage);
     if (const inp_Keyword* restart = conversion.RestartKeyword(); restart && !m_base)
       m_run.Reporter().Warning(inp_Utils::MessageInKeyword(
           *restart, "this deck goes on from another model; --restart names that model"));
@@ -183,7 +186,9 @@ public:
     const bool noMesh = conversion.IsMeshLeftOut();
     if (m_run.IsJson()) m_run.Json()["meshLeftOut"] = noMesh;
     Say("the deck has errors; " + m_targetName + " holds what could be converted" +
-        (noMesh ? "; the mesh is left out because of its errors" : ""));
+        (noMesh ? cow_String("; the mesh is left out because of its errors") +
+                      (m_job.salvage ? "" : "; --salvage stores what is sound of it")
+                : ""));
     return inps_ExitFaults;
   }
 

@@ -5,8 +5,10 @@
 #include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/inpS_Export.h"
 #include "inpS/model/inpS_NotModelled.h"
+#include "inpS/sets/inpS_TextElements.h"
 #include "parser/inp_Keyword.h"
 #include <memory>
+#include <optional>
 
 class inpS_MeshVisitor;
 class inpS_SurfaceVisitor;
@@ -49,6 +51,8 @@ public:
   const inpS_Inventory& Inventory() const { return m_inventory; }
   // After a conversion: what was kept verbatim instead of modelled, in deck order of first places.
   const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
+  // A mesh with faults is stored all the same, without what is faulty; the result stays false.
+  void SetSalvage(bool salvage) { m_salvage = salvage; }
   // After a conversion: whether the deck's nodes or elements had errors, which leave out all of
   // them and the sets.
   bool IsMeshLeftOut() const { return m_meshLeftOut; }
@@ -84,6 +88,9 @@ private:
   bool ProcessMaterials();
   bool ProcessConnectorBehaviors();
   void RaiseDimensions(const inpS_MeshVisitor& mesh);
+  void KeepTextOf(const inpS_MeshVisitor& mesh);
+  bool ReadMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh);
+  bool ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh);
   bool ProcessMesh(Labelers& labelers);
   bool ProcessRestartMesh(Labelers& labelers);
   bool ProcessSurfaces(Labelers& labelers);
@@ -118,8 +125,10 @@ private:
   KvoObjDocument m_document;
   std::unique_ptr<inpS_SurfaceVisitor> m_surfaceVisitor;
   bool m_unsupportedFeaturesAsWarnings = false;
+  bool m_salvage = false;
   bool m_meshLeftOut = false;
   cow_List<inpS_NotModelled> m_notModelled;
   // Keywords of converted kinds that their phase left to be kept as text, with what they belong to.
   inpS_TextKeywords m_asText;
+  inpS_TextElements m_textElements; // that stand in some of them
 };

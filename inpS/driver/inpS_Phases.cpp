@@ -24,6 +24,7 @@
 #include "inpS/materials/inpS_MaterialVisitor.h"
 #include "inpS/mesh/inpS_MeshDimensions.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
+#include "inpS/mesh/inpS_Salvage.h"
 #include "inpS/mesh/inpS_UserNodeVisitor.h"
 #include "inpS/model/inpS_AssemblyVisitor.h"
 #include "inpS/model/inpS_ModelVisitor.h"
@@ -231,22 +232,26 @@ void Driver::RaiseDimensions(const inpS_MeshVisitor& mesh) {
     m_document.GetModel().DataRecord().SetInt(eds_Model_Dimensions, 3);
 }
 
+void Driver::KeepTextOf(const inpS_MeshVisitor& mesh) {
+  m_asText.insert(mesh.KeptAsText().begin(), mesh.KeptAsText().end());
+  m_textElements = mesh.TextElements();
+}
+
 // A failed mesh is committed as far as it got: element types and beams' extra nodes stay, nodes and
 // elements are not written. A faulty set fails no mesh, though the phase.
 bool Driver::ProcessMesh(Labelers& labelers) {
   KvoSimTransaction transaction(m_document.ContextID()); // bulk arrays are stored as they are read
-  inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
-  mesh.VisitListAndReport(m_keywords);
-  mesh.SaveBeamExtraNodes(transaction);
-  mesh.SaveElementTypes(transaction);
-  bool good = !mesh.IsError();
-  m_meshLeftOut = !good;
-  if (!good) mesh.Discard();
+  std::optional<inpS_MeshVisitor> mesh;
+  const bool isSound = ReadMesh(labelers, mesh);
+  mesh->SaveBeamExtraNodes(transaction);
+  mesh->SaveElementTypes(transaction);
+  bool good = !m_meshLeftOut;
+  if (!good) mesh->Discard();
   if (good) {
-    mesh.SaveMeshAndUserNodes(transaction);
-    mesh.SaveMeshAndUserElements(transaction);
-    mesh.SaveSets(transaction);
-    RaiseDimensions(mesh);
+    mesh->SaveMeshAndUserNodes(transaction);
+    mesh->SaveMeshAndUserElements(transaction);
+    mesh->SaveSets(transaction);
+    RaiseDimensions(*mesh);
     good = Run<inpS_UserNodeVisitor>(labelers);
   }
   if (good) {
@@ -254,13 +259,49 @@ bool Driver::ProcessMesh(Labelers& labelers) {
     labelers.elements->Save(transaction);
   }
   transaction.Commit();
-  return good && !mesh.HasSetErrors();
+  KeepTextOf(*mesh);
+  return good && isSound;
+}
+
+// False when anything of it is in error; m_meshLeftOut says whether it can be stored.
+bool Driver::ReadMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh) {
+  mesh.emplace(*labelers.nodes, *labelers.elements, m_inventory);
+  mesh->VisitListAndReport(m_keywords);
+  const bool good = !mesh->IsError();
+  const bool isSound = good && !mesh->HasSetErrors() && !mesh->HasTextErrors();
+  m_meshLeftOut = !good && !(m_salvage && ReadSoundMesh(labelers, mesh));
+  return isSound;
+}
+
+// Once more from the start, as often as it takes: labels that the labelers have taken in stay
+// there.
+bool Driver::ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh) {
+  inpS_Salvage salvage;
+  do {
+    mesh->Discard();
+    mesh.reset();
+    labelers.nodes.emplace(m_document, 0).Read();
+    labelers.elements.emplace(m_document, 1).Read();
+    mesh.emplace(*labelers.nodes, *labelers.elements, m_inventory);
+    salvage.Begin();
+    mesh->SetSalvage(&salvage);
+    mesh->VisitList(m_keywords);
+  } while (mesh->IsWhole() && salvage.IsToBeRepeated());
+  mesh->SetSalvage(nullptr);
+  if (!mesh->IsWhole()) return false;
+  inp_Visitor messages;
+  messages.AddWarning({inp_Utils::Format("The mesh is stored without what is faulty: the lines that "
+                                         "cannot be read, and %lld elements besides.",
+                                         salvage.LeftOut())});
+  messages.Report();
+  return true;
 }
 
 bool Driver::ProcessSurfaces(Labelers& labelers) {
   if (!m_surfaceVisitor)
     m_surfaceVisitor =
         std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements, m_inventory);
+  m_surfaceVisitor->SetTextElements(m_textElements);
   if (labelers.hasSurfaces) m_surfaceVisitor->SkipConverted();
   m_surfaceVisitor->VisitListAndReport(m_keywords);
   return !m_surfaceVisitor->IsError();
@@ -372,23 +413,26 @@ void Driver::SaveSurfaceNodalAreas() {
 
 bool Driver::ProcessRestartMesh(Labelers& labelers) {
   KvoSimTransaction transaction(m_document.ContextID());
-  inpS_MeshVisitor mesh(*labelers.nodes, *labelers.elements, m_inventory);
-  mesh.VisitListAndReport(m_keywords);
-  bool good = !mesh.IsError();
-  mesh.SaveElementTypes(transaction);
-  m_meshLeftOut = !good;
-  if (!good) mesh.Discard();
-  labelers.holdUnstored = !good;
-  if (good) {
-    mesh.SaveMeshAndUserNodes(transaction);
-    mesh.SaveMeshAndUserElements(transaction);
-    mesh.SaveSets(transaction);
-    RaiseDimensions(mesh);
+  std::optional<inpS_MeshVisitor> mesh;
+  bool good = ReadMesh(labelers, mesh);
+  mesh->SaveElementTypes(transaction);
+  labelers.holdUnstored = m_meshLeftOut;
+  if (m_meshLeftOut) {
+    mesh->Discard();
+  } else {
+    mesh->SaveMeshAndUserNodes(transaction);
+    mesh->SaveMeshAndUserElements(transaction);
+    mesh->SaveSets(transaction);
+    RaiseDimensions(*mesh);
   }
   transaction.Commit();
-  good = Run<inpS_UserNodeVisitor>(labelers) && good && !mesh.HasSetErrors();
+  KeepTextOf(*mesh);
+  good = Run<inpS_UserNodeVisitor>(labelers) && good;
   labelers.hasSurfaces = true;
-  good = Run<inpS_SurfaceVisitor>(labelers) && good;
+  inpS_SurfaceVisitor surfaces(*labelers.nodes, *labelers.elements, m_inventory);
+  surfaces.SetTextElements(m_textElements);
+  surfaces.VisitListAndReport(m_keywords);
+  good = !surfaces.IsError() && good;
   SaveSurfaceNodalAreas();
   return good;
 }

@@ -14,6 +14,10 @@ public:
   // can be skipped becomes a warning.
   void SetErrorsAsWarnings(bool on) { m_errorsAsWarnings = on; }
 
+  // A keyword of a part is told there, once for all instances.
+  void Visit(const inp_Keyword& keyword) override {
+    if (!keyword.IsInstanceCopy()) inpS_Visitor::Visit(keyword);
+  }
   void VisitDirectCyclic(const inp_Keyword& keyword) override;
   void VisitRebar(const inp_Keyword& keyword) override;
   void VisitSurface(const inp_Keyword& keyword) override;

@@ -33,7 +33,7 @@ bool inpS_KeywordDataReader::IsItemNumber(int item) const {
 }
 
 bool inpS_KeywordDataReader::HasItemAsInt(int item) const {
-  return IsWithinLine(item) && m_keyword.Data().Type(m_row, item) == inp_FieldType::Integer;
+  return IsWithinLine(item) && m_keyword.Data().IsInteger(m_row, item);
 }
 
 bool inpS_KeywordDataReader::HasItemAsString(int item) const {

@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_ElcopyReader.h"
+#include "base/utl_Assert.h"
 #include "database/KvoObjLabeler.h"
 #include "inpS/mesh/inpS_ReflectedNodes.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -142,6 +143,7 @@ std::size_t inpS_ElcopyReader::SegmentOf(long long copy) const {
 }
 
 int inpS_ElcopyReader::NumberOfNodes(long long copy) const {
+  if (copy < 0 || copy >= Count()) utl_assertionFailed("m_ElementNodes.size() > elementNum");
   return m_elements.CountOf(BlockOf(copy), m_old[static_cast<std::size_t>(copy)]);
 }
 

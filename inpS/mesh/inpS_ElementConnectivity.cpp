@@ -222,7 +222,7 @@ void inpS_ElementConnectivity::Unresolved::Report(inp_Visitor& messages) {
 // One keyword may make elements of several blocks, which then follow each other.
 void inpS_ElementConnectivity::GatherOpen(const inpS_ElementBlock& block,
                                           const KvoObjLabeler& elements, int elementOccurrence,
-                                          Unresolved& unresolved, inp_Visitor& messages) const {
+                                          Unresolved& unresolved, inp_Visitor& messages) {
   std::size_t next = 0;
   for (std::size_t n = 0; n < block.from.size() && next < block.open.size(); ++n) {
     const long long end = n + 1 < block.from.size() ? block.from[n + 1].firstElement : block.count;
@@ -235,6 +235,7 @@ void inpS_ElementConnectivity::GatherOpen(const inpS_ElementBlock& block,
     for (; next < block.open.size() && block.open[next].entry < end * block.width; ++next) {
       const auto& [entry, label, known] = block.open[next];
       const long long element = block.first + entry / block.width;
+      if (m_faulty.empty() || m_faulty.back() != element) NoteFaulty(element);
       if (label > 0) {
         if (unknown.empty()) firstUnknown = label;
         unknown.insert(label);

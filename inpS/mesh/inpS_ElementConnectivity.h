@@ -83,6 +83,10 @@ public:
   // reported, one message per keyword with the labels listed, at the first one's place.
   void Resolve(const KvoObjLabeler& nodes, int occurrence, const KvoObjLabeler& elements,
                int elementOccurrence, inp_Visitor& messages);
+  // Elements, by ordinal, that refer to a node which does not exist. Of a mesh without repeated
+  // labels.
+  void NoteFaulty(long long element) { m_faulty.push_back(element); }
+  const cow_List<long long>& Faulty() const { return m_faulty; }
   // Stores the held blocks, once nodes named by their instance are in their place.
   void StoreHeld(const KvoSimPosition& owner);
   void Discard(); // the mesh failed: takes back what was stored
@@ -101,9 +105,10 @@ private:
     void Report(inp_Visitor& messages); // and is empty then
   };
   void GatherOpen(const inpS_ElementBlock& block, const KvoObjLabeler& elements,
-                  int elementOccurrence, Unresolved& unresolved, inp_Visitor& messages) const;
+                  int elementOccurrence, Unresolved& unresolved, inp_Visitor& messages);
 
   cow_List<inpS_ElementBlock> m_blocks;
+  cow_List<long long> m_faulty;
   std::optional<eds_ArrayWriter> m_writer; // of the last block
   mutable std::size_t m_lastFound = 0;
 };

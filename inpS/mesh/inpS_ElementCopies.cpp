@@ -7,6 +7,7 @@
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElgenReader.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
+#include "inpS/mesh/inpS_Salvage.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/sets/inpS_SetServices.h"
@@ -73,7 +74,7 @@ std::optional<long long> inpS_ElementCopies::ReadShift(const inp_Keyword& keywor
         keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter})));
     return {};
   }
-  const bool isInteger = item->GetKind() == inp_Item::Kind::Integer;
+  const bool isInteger = item->IsInteger();
   if (isInteger && item->AsInt() >= -kMaxLabel && item->AsInt() <= kMaxLabel) return item->AsInt();
   m_messages.AddError(inp_Utils::MessageAtParameter(
       keyword, parameter,
@@ -120,6 +121,12 @@ bool inpS_ElementCopies::FindOldSet(const inp_Keyword& keyword, const inpS_MeshS
 
 void inpS_ElementCopies::Append(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                 const inpS_MadeElements& made) {
+  if (!m_salvage) return AppendAll(keyword, scope, made);
+  AppendAll(keyword, scope, m_salvage->SoundOf(made, scope.elementOccurrence, m_elements));
+}
+
+void inpS_ElementCopies::AppendAll(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                   const inpS_MadeElements& made) {
   if (made.count == 0) return;
   const long long first = m_elements.Size(scope.elementOccurrence);
   // One line of thousands may make a few elements: room is asked for when it pays.

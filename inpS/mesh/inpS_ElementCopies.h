@@ -8,6 +8,7 @@
 #include <vector>
 
 struct inpS_MadeElements;
+class inpS_Salvage;
 
 // Makes elements from those that their owner has so far: *ELGEN and *ELCOPY. They join the owner's
 // as if *ELEMENT had listed them; nodes may be defined later, and those that never are, are told at
@@ -17,9 +18,9 @@ public:
   // typeNames: of the element types by their index.
   inpS_ElementCopies(const KvoObjLabeler& nodes, KvoObjLabeler& elements, inpS_MeshScopes& scopes,
                      inpS_MeshSetReader& sets, const inpS_BasicElemTypeData& types,
-                     cow_List<cow_String> typeNames, inp_Visitor& messages)
+                     cow_List<cow_String> typeNames, inpS_Salvage* salvage, inp_Visitor& messages)
       : m_nodes(nodes), m_elements(elements), m_scopes(scopes), m_sets(sets), m_types(types),
-        m_typeNames(std::move(typeNames)), m_messages(messages) {}
+        m_typeNames(std::move(typeNames)), m_salvage(salvage), m_messages(messages) {}
 
   void Generate(const inp_Keyword& keyword, inpS_MeshScope& scope);
   void Copy(const inp_Keyword& keyword, inpS_MeshScope& scope);
@@ -29,6 +30,7 @@ private:
   bool FindOldSet(const inp_Keyword& keyword, const inpS_MeshScope& scope,
                   std::vector<int>& ordinals);
   void Append(const inp_Keyword& keyword, inpS_MeshScope& scope, const inpS_MadeElements& made);
+  void AppendAll(const inp_Keyword& keyword, inpS_MeshScope& scope, const inpS_MadeElements& made);
   void Report(const inp_Keyword& keyword, const inpS_MeshScope& scope);
 
   const KvoObjLabeler& m_nodes;
@@ -37,6 +39,7 @@ private:
   inpS_MeshSetReader& m_sets;
   const inpS_BasicElemTypeData& m_types;
   cow_List<cow_String> m_typeNames;
+  inpS_Salvage* m_salvage; // null: elements with faults are not passed over
   inp_Visitor& m_messages;
   inpS_LabelFaults m_faults;
 };

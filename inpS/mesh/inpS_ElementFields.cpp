@@ -31,7 +31,7 @@ cow_String faultText(const inp_DataArray& data, long long row, int col,
   if (isElement && kind == inp_FieldType::None)
     return inp_Utils::Format(inpS_messageText(inpS_mesh_ElementNumberMissing).c_str(),
                              type.Name().c_str());
-  if (isElement && kind == inp_FieldType::Integer)
+  if (isElement && data.IsInteger(row, col))
     return inpS_messageText(inpS_mesh_ElementNumberTooLarge);
   return "\"" + data.AsStringVerbatim(row, col) + "\" is no " + (isElement ? "element" : "node") +
          " label: an integer of at most 999999999 was expected; element ignored.";
@@ -59,7 +59,7 @@ bool inpS_readElementFields(const inp_Keyword& keyword, const inp_ElementForm& f
         fields.push_back(0);
         continue;
       }
-      if (kind == inp_FieldType::Integer && std::llabs(data.AsInt64(row, col)) <= kMaxLabel) {
+      if (data.IsInteger(row, col) && std::llabs(data.AsInt64(row, col)) <= kMaxLabel) {
         fields.push_back(data.AsInt(row, col));
         continue;
       }
@@ -83,6 +83,13 @@ bool inpS_FaultyElements::Count(int label, long long nodes, const inpS_ElementPa
   return !many && !few;
 }
 
+bool inpS_FaultyElements::Has(int label) const {
+  const auto holds = [label](const cow_List<int>& labels) {
+    return std::find(labels.begin(), labels.end(), label) != labels.end();
+  };
+  return holds(m_tooMany) || holds(m_tooFew);
+}
+
 void inpS_FaultyElements::Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
                                  inp_Visitor& messages) const {
   const inp_ElementForm form = type.Form();
@@ -99,4 +106,12 @@ void inpS_FaultyElements::Report(const inp_Keyword& keyword, const inpS_ElementP
   };
   report("Too many nodes for element(s) of type \"%s\" ", m_tooMany);
   report("Too few nodes for element(s) of type \"%s\" ", m_tooFew);
+  // Nothing is lost by reading them as they stand.
+  if (!m_longFirstLine.empty())
+    messages.AddWarning(inp_Utils::MessageInKeyword(
+        keyword,
+        inp_Utils::Format("With its midside nodes an element of type \"%s\" holds at most %d nodes "
+                          "on its first line; read as they stand: ",
+                          type.Name().c_str(), form.firstLineNodes),
+        m_longFirstLine));
 }

@@ -30,6 +30,9 @@ class inpS_FaultyElements {
 public:
   // nodes: how many the element has; extra: how many besides its topology the type asks for.
   bool Count(int label, long long nodes, const inpS_ElementParameters& type, int extra);
+  // A first line may not hold all of them.
+  void NoteFirstLine(int label) { m_longFirstLine.push_back(label); }
+  bool Has(int label) const; // too many or too few
   // At the line of the first one of each kind.
   void Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
               inp_Visitor& messages) const;
@@ -37,4 +40,5 @@ public:
 private:
   cow_List<int> m_tooMany;
   cow_List<int> m_tooFew;
+  cow_List<int> m_longFirstLine;
 };

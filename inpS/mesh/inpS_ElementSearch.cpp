@@ -27,8 +27,7 @@ inpS_ElementSearch::Place inpS_ElementSearch::OfNode(int node) const {
   inp_elementFields(m_data, m_form, first, end);
   for (long long row = first; row < end; ++row)
     for (int col = row == first ? 1 : 0; col < m_data.Cols(row); ++col)
-      if (m_data.Type(row, col) == inp_FieldType::Integer && m_data.AsInt64(row, col) == node)
-        return {row, col};
+      if (m_data.IsInteger(row, col) && m_data.AsInt64(row, col) == node) return {row, col};
   return {first};
 }
 

@@ -55,6 +55,11 @@ void inpS_ElementTopologyReader::Rebuild(const inp_Keyword& keyword, const inp_E
     if (read.usable && nodes > m_type.MaxNodesPerElement() + m_extra)
       read.usable = m_faulty.Count(read.fields[0], nodes, m_type, m_extra);
     if (!read.usable) m_scopedNodes.resize(read.firstScoped);
+    const inp_DataArray& data = keyword.Data();
+    const int onFirst = data.Cols(odd.row) - 1 - (data.HasRowContinuation(odd.row) ? 1 : 0);
+    if (read.usable && form.firstLineNodes > 0 && onFirst > form.firstLineNodes &&
+        nodes > m_type.MinNodesPerElement()) // less are given without midside nodes
+      m_faulty.NoteFirstLine(read.fields[0]);
     if (read.usable) m_width = std::max(m_width, static_cast<int>(nodes));
   }
   std::size_t next = 0, scoped = 0;
@@ -87,6 +92,44 @@ void inpS_ElementTopologyReader::Add(int label, const int* nodes, int count) {
   std::copy_n(nodes, count, m_nodes.Data() + first);
   MarkZeros(m_nodes.Data() + first, count);
   std::fill(m_nodes.Data() + first + count, m_nodes.Data() + first + m_width, 0);
+}
+
+// What an element with too many nodes has made wider is narrow again.
+long long inpS_ElementTopologyReader::Keep(const std::function<bool(int label)>& isKept) {
+  const auto width = static_cast<std::size_t>(m_width);
+  cow_List<std::size_t> kept;
+  int widest = 0;
+  for (std::size_t n = 0; n < m_labels.Size(); ++n) {
+    if (m_faulty.Has(m_labels[n]) || !isKept(m_labels[n])) continue;
+    kept.push_back(n);
+    int count = m_width;
+    while (count > 0 && m_nodes[n * width + static_cast<std::size_t>(count) - 1] == 0) --count;
+    widest = std::max(widest, count);
+  }
+  const auto leftOut = static_cast<long long>(m_labels.Size() - kept.size());
+  if (leftOut == 0) return 0;
+  const auto narrow = static_cast<std::size_t>(std::max(widest, m_type.MinNodesPerElement()));
+  utl_Buffer<int> labels(kept.size()), nodes(kept.size() * std::min(narrow, width));
+  m_width = static_cast<int>(std::min(narrow, width));
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    labels[i] = m_labels[kept[i]];
+    std::copy_n(m_nodes.Data() + kept[i] * width, m_width,
+                nodes.Data() + i * static_cast<std::size_t>(m_width));
+  }
+  cow_List<inpS_ScopedNode> scoped;
+  for (inpS_ScopedNode node : m_scopedNodes) {
+    const auto at =
+        std::lower_bound(kept.begin(), kept.end(), static_cast<std::size_t>(node.element));
+    if (at == kept.end() || *at != static_cast<std::size_t>(node.element)) continue;
+    node.element = at - kept.begin();
+    scoped.push_back(std::move(node));
+  }
+  m_labels = std::move(labels);
+  m_nodes = std::move(nodes);
+  m_scopedNodes = std::move(scoped);
+  m_ragged = std::find(m_nodes.begin(), m_nodes.end(), 0) != m_nodes.end();
+  m_topology = m_type.TopologyNodes(m_width);
+  return leftOut;
 }
 
 bool inpS_ElementTopologyReader::HasReferenceNodes() const {

@@ -3,6 +3,7 @@
 #include "base/utl_Buffer.h"
 #include "inpS/mesh/inpS_ElementFields.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
+#include <functional>
 
 struct inp_ElementRows;
 struct inp_OddRow;
@@ -16,6 +17,10 @@ public:
 
   // scopedNodes: node fields may name an instance (elements of the assembly).
   void Read(const inp_Keyword& keyword, bool scopedNodes);
+
+  // Leaves out the elements of which this is not true, and those with too many or too few nodes.
+  // Returns how many that are.
+  long long Keep(const std::function<bool(int label)>& isKept);
 
   long long Count() const { return static_cast<long long>(m_labels.Size()); }
   int Width() const { return m_width; }      // nodes per element; 0 where an element has fewer

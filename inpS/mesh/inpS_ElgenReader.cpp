@@ -48,7 +48,7 @@ bool inpS_ElgenReader::ReadLine(long long row) {
 bool inpS_ElgenReader::ReadField(long long row, int col, long long& value) {
   const inp_DataArray& data = m_keyword.Data();
   if (col >= data.Cols(row) || !data.HasValue(row, col)) return true;
-  if (data.Type(row, col) != inp_FieldType::Integer)
+  if (!data.IsInteger(row, col))
     return Refuse(row, col, "\"" + data.AsStringVerbatim(row, col) + "\" is not an integer.");
   value = data.AsInt64(row, col);
   return true;

@@ -2,6 +2,9 @@
 #include "database/KvoObjLabeler.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
 #include <algorithm>
 
 namespace {
@@ -125,12 +128,19 @@ long long countOf(const int* nodes, long long width) {
 
 } // namespace
 
-inpS_GeneratedNodes::Planes
-inpS_GeneratedNodes::AddFourierPlanes(const inp_Keyword& keyword,
-                                      const inpS_ElementParameters& type,
-                                      inpS_ElementTopologyReader& reader, inpS_MeshScope& scope) {
+int inpS_GeneratedNodes::OffsetOf(const inp_Keyword& keyword, inp_Visitor& messages) {
   const inp_Item* item = keyword.Find("offset");
-  const int offset = item && item->IsNumber() ? item->AsInt() : kDefaultOffset;
+  if (!item) return kDefaultOffset;
+  if (item->IsInteger()) return item->AsInt();
+  messages.AddError(inp_Utils::MessageAtParameter(
+      keyword, "offset", inpS_messageText(inpS_app_InvalidParameterValue, {"offset"})));
+  return kDefaultOffset;
+}
+
+inpS_GeneratedNodes::Planes
+inpS_GeneratedNodes::AddFourierPlanes(const inpS_ElementParameters& type,
+                                      inpS_ElementTopologyReader& reader, inpS_MeshScope& scope) {
+  const int offset = type.Offset();
   const int plane = type.MinNodesPerElement(), width = type.MaxNodesPerElement();
   const auto elements = static_cast<std::size_t>(reader.Count());
   const auto given = static_cast<std::size_t>(reader.Width());

@@ -6,6 +6,7 @@ class inp_Keyword;
 class inpS_ElementParameters;
 class inpS_ElementTopologyReader;
 class KvoObjLabeler;
+class inp_Visitor;
 
 // Nodes that elements bring along without the deck listing them.
 class inpS_GeneratedNodes {
@@ -17,7 +18,8 @@ public:
     int offset = 0;
     cow_List<int> tooFar; // elements whose nodes would get labels that no node may have
   };
-  static Planes AddFourierPlanes(const inp_Keyword& keyword, const inpS_ElementParameters& type,
+  static int OffsetOf(const inp_Keyword& keyword, inp_Visitor& messages);
+  static Planes AddFourierPlanes(const inpS_ElementParameters& type,
                                  inpS_ElementTopologyReader& reader, inpS_MeshScope& scope);
 
   // The same for elements copied from such ones, from the given one of the block on.

@@ -72,7 +72,7 @@ bool inpS_GeneratingReader::ReadInteger(long long row, int col, long long absent
   if (!HasValue(row, col)) return true;
   const inp_DataArray& data = m_keyword->Data();
   value = data.AsInt64(row, col);
-  if (data.Type(row, col) == inp_FieldType::Integer && std::llabs(value) <= kMaxLabel) return true;
+  if (data.IsInteger(row, col) && std::llabs(value) <= kMaxLabel) return true;
   return Fails(row, col,
                "\"" + data.AsStringVerbatim(row, col) +
                    "\" is no integer of at most 999999999; line ignored.");

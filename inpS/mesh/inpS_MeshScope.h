@@ -7,6 +7,7 @@
 #include "inpS/mesh/inpS_ElementConnectivity.h"
 #include "inpS/mesh/inpS_NodeList.h"
 #include "inpS/sets/inpS_SetDefinition.h"
+#include "inpS/sets/inpS_TextElements.h"
 #include "parser/inp_Keyword.h"
 #include <deque>
 #include <memory>
@@ -65,6 +66,8 @@ public:
   inpS_MeshScope* FindPart(const cow_String& name);
   inpS_MeshScope* FindInstance(const cow_String& name);
   std::deque<inpS_MeshScope>& All() { return m_scopes; }
+  inpS_TextElements& TextElements() { return m_textElements; } // by the scopes' elementOccurrence
+  const inpS_TextElements& TextElements() const { return m_textElements; }
 
   // Once everything is read. What the database holds already stays where it is.
   void AssignFlatOrdinals(long long storedNodes, long long storedElements);
@@ -74,6 +77,7 @@ public:
 
 private:
   std::deque<inpS_MeshScope> m_scopes;
+  inpS_TextElements m_textElements;
   cow_List<const inpS_MeshScope*> m_flat; // with elements, by elementBase
   cow_Map<cow_String, inpS_MeshScope*> m_parts;
   cow_Map<cow_String, inpS_MeshScope*> m_instances;

@@ -15,6 +15,7 @@
 #include "inpS/mesh/inpS_MeshStore.h"
 #include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_NodeReader.h"
+#include "inpS/mesh/inpS_Salvage.h"
 #include "inpS/mesh/inpS_ScopedNodes.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_KeywordTable.h"
@@ -44,7 +45,7 @@ bool isOriginAlone(const inp_DataArray& data) {
 inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory)
     : m_nodes(nodes), m_elements(elements), m_inventory(inventory),
-      m_setReader(m_scopes, m_setMessages) {
+      m_setReader(m_scopes, m_setMessages), m_asText(m_scopes, m_elements, m_setReader) {
   OpenRoot();
 }
 
@@ -182,6 +183,7 @@ void inpS_MeshVisitor::VisitInstance(const inp_Keyword& keyword) {
   instance.placement.ReadInstance(keyword);
   instance.keyword = keyword;
   OpenLabels(instance);
+  if (part) m_scopes.TextElements().Share(instance.elementOccurrence, part->elementOccurrence);
 }
 
 // Sets of the assembly may name instances from before a restart.
@@ -264,6 +266,7 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
   inpS_SetDefinition* set = m_setReader.Open(keyword, scope, inpS_SetKind::Nodes, "nset");
   m_nodes.Reserve(scope.nodeOccurrence, m_nodes.Size(scope.nodeOccurrence) + keyword.Data().Rows());
   cow_List<int> refused;
+  scope.nodes.SetKeyword(keyword, 0);
   reader.Read(keyword, scope.system,
               [&](const inpS_NodePiece& nodes) { TakeNodes(scope, nodes, set, refused); });
   ReportRefused(keyword, refused);
@@ -303,6 +306,7 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
                                    m_hasLeftPlane |= left;
                                    TakeNodes(scope, nodes, set, refused);
                                  });
+  scope.nodes.SetKeyword(keyword, inpS_NodeGeneration::ToleranceOf(keyword));
   try {
     generation.Read(keyword);
   } catch (const utl_Assertion& fault) { // the deck's other faults are told all the same
@@ -318,8 +322,8 @@ void inpS_MeshVisitor::ReadUserElement(const inp_Keyword& keyword) {
   const inp_Item* type = keyword.Find("type");
   const inp_Item* nodes = keyword.Find("nodes");
   if (!type || !nodes) return;
-  const bool usable = nodes->GetKind() == inp_Item::Kind::Integer && nodes->AsInt() > 0 &&
-                      nodes->AsInt() <= kMostNodesOfUserElement;
+  const bool usable =
+      nodes->IsInteger() && nodes->AsInt() > 0 && nodes->AsInt() <= kMostNodesOfUserElement;
   if (!usable)
     return AddError(inp_Utils::MessageAtParameter(
         keyword, "nodes",
@@ -334,21 +338,26 @@ void inpS_MeshVisitor::ReadUserElement(const inp_Keyword& keyword) {
   m_typeData.UpdateUserElemType(name, nodes->AsInt());
 }
 
-bool inpS_MeshVisitor::CheckElementType(const inp_Keyword& keyword, const cow_String& type) {
+// Why its elements cannot be read; nothing when they can.
+std::optional<wip_Message> inpS_MeshVisitor::TypeFault(const inp_Keyword& keyword) const {
+  const inp_Item* item = keyword.Find("type");
+  if (!item || item->AsString().empty())
+    return inp_Utils::MessageInKeyword(keyword,
+                                       inpS_messageText(inpS_app_RequiredParameter, {"type"}) +
+                                           " The keyword is kept as text.");
+  const cow_String type = inp_Utils::Fold(item->AsString());
   const inpS_ElementParameters parameters(m_typeData, type);
   if (m_typeData.IsSupported(type) || parameters.IsSubstructure() || parameters.IsUserElement())
-    return true;
-  if (m_typeData.IsObsolete(type)) {
-    AddError(inp_Utils::MessageAtParameter(
-        keyword, "type", "Element type \"" + type + "\" is obsolete; its elements are left out."));
-    return false;
-  }
+    return {};
+  const bool isObsolete = m_typeData.IsObsolete(type);
   wip_Message message = inp_Utils::MessageAtParameter(
-      keyword, "type", "Element type \"" + type + "\" is not known; its elements are left out.");
-  const std::string_view near = inp_KeywordTable::Instance().NearestElement(type);
+      keyword, "type",
+      "Element type \"" + type + (isObsolete ? "\" is obsolete" : "\" is not known") +
+          "; the keyword is kept as text.");
+  const std::string_view near =
+      isObsolete ? std::string_view() : inp_KeywordTable::Instance().NearestElement(type);
   if (!near.empty()) message.notes.push_back({"did you mean " + cow_String(near) + "?", {}});
-  AddError(std::move(message));
-  return false;
+  return message;
 }
 
 int inpS_MeshVisitor::FindElementType(const inpS_ElementParameters& parameters) {
@@ -366,19 +375,17 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (!MayGrow(keyword, scope)) return;
   keyword.Find("input"); // the parser has read that file's lines
   const inp_Item* file = keyword.Find("file");
-  const inp_Item* elset = m_setReader.FindName(keyword, "elset");
   const bool solidNumbering = inpS_readFlag(keyword, "solidelementnumbering", *this);
-  const inp_Item* typeItem = keyword.Find("type");
-  if (!typeItem || typeItem->AsString().empty()) {
-    Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {"type"}));
-    return;
-  }
-  const cow_String type = inp_Utils::Fold(typeItem->AsString());
-  if (!CheckElementType(keyword, type)) return;
-  const inpS_ElementParameters parameters(m_typeData, type);
+  if (std::optional<wip_Message> fault = TypeFault(keyword))
+    return m_asText.Keep(keyword, scope, *std::move(fault));
+  const inp_Item* elset = m_setReader.FindName(keyword, "elset");
+  const cow_String& type = keyword.Find("type")->AsString();
+  const bool hasPlanes = inpS_ElementParameters(m_typeData, type).IsOffsetElement();
+  const int offset = hasPlanes ? inpS_GeneratedNodes::OffsetOf(keyword, *this) : 0;
+  const inpS_ElementParameters parameters(m_typeData, type, solidNumbering, offset);
   inpS_ElementConnectivity::Kind kind = {
       FindElementType(parameters), parameters.MaxNodesPerElement(),
-      solidNumbering                        ? "SOLID ELEMENT NUMBERING"
+      parameters.HasSolidElementNumbering() ? "SOLID ELEMENT NUMBERING"
       : file && parameters.IsSubstructure() ? "FILE=" + file->Verbatim()
                                             : "",
       false, parameters.Form()};
@@ -389,7 +396,8 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   // where others will be made from these elements, they are to stay at hand as the deck has them.
   const bool mayStream = m_nodes.Size(scope.nodeOccurrence) > 0 &&
                          !(scope.kind == inpS_MeshScope::Kind::Root && m_hasInstances) &&
-                         !m_copyScopes.Holds(scope) && inpS_ElementStream::Serves(parameters);
+                         !m_salvage && !m_copyScopes.Holds(scope) &&
+                         inpS_ElementStream::Serves(parameters);
   // Elements that stood in front of all nodes make one block with those behind.
   kind.held = true;
   kind.held = !mayStream || scope.elements.Continues(kind);
@@ -406,20 +414,22 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
 }
 
 inpS_ElementCopies inpS_MeshVisitor::Copies() {
-  return {m_nodes, m_elements, m_scopes, m_setReader, m_typeData, TypeNames(), *this};
+  return {m_nodes, m_elements, m_scopes, m_setReader, m_typeData, TypeNames(), m_salvage, *this};
 }
 
 void inpS_MeshVisitor::VisitElgen(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
-  if (MayGrow(keyword, scope)) Copies().Generate(keyword, scope);
+  if (MayGrow(keyword, scope) && !m_asText.KeepMadeFromText(keyword, scope))
+    Copies().Generate(keyword, scope);
 }
 
 void inpS_MeshVisitor::VisitElcopy(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   m_hasGenerated = true;
   inpS_MeshScope& scope = *ScopeOf(keyword);
-  if (MayGrow(keyword, scope)) Copies().Copy(keyword, scope);
+  if (MayGrow(keyword, scope) && !m_asText.KeepMadeFromText(keyword, scope))
+    Copies().Copy(keyword, scope);
 }
 
 void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
@@ -442,14 +452,17 @@ void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& 
                                     inpS_ElementConnectivity::Kind kind, inpS_LabelFaults& faults) {
   inpS_ElementTopologyReader reader(parameters, *this);
   reader.Read(keyword, scope.kind == inpS_MeshScope::Kind::Root);
+  if (m_salvage) LeaveOutFaulty(scope, reader);
   if (reader.Count() == 0) return;
   const cow_List<int> across = inpS_GeneratedNodes::AcrossInstances(parameters, reader);
+  NoteFaulty(scope, across);
   if (!across.empty())
     AddError(inp_Utils::MessageInKeyword(
         keyword, "Elements with nodes of instances must list all their nodes: ", across));
   if (parameters.IsOffsetElement()) {
-    const auto planes = inpS_GeneratedNodes::AddFourierPlanes(keyword, parameters, reader, scope);
+    const auto planes = inpS_GeneratedNodes::AddFourierPlanes(parameters, reader, scope);
     kind.offset = planes.offset;
+    NoteFaulty(scope, planes.tooFar);
     if (!planes.tooFar.empty())
       AddError(inp_Utils::MessageInKeyword(
           keyword, "OFFSET leads to node labels that are not from 1 to 999999999 in elements: ",
@@ -461,6 +474,32 @@ void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& 
   faults.Define(scope, reader.Labels(), m_elements);
   inpS_ElementBlock& block = scope.elements.BlockFor(kind, first, keyword, scope.owner);
   scope.elements.AppendHeld(block, reader, reader.IsRagged() || parameters.IsConnectorElement());
+}
+
+// ---- a mesh with faults
+
+void inpS_MeshVisitor::LeaveOutFaulty(const inpS_MeshScope& scope,
+                                      inpS_ElementTopologyReader& reader) {
+  std::set<int> seen; // the first definition of a label counts
+  long long leftOut = reader.Keep([&](int label) {
+    return m_salvage->IsSound(scope.elementOccurrence, label, m_elements) &&
+           seen.insert(label).second;
+  });
+  for (; leftOut > 0; --leftOut) m_salvage->PassOver();
+}
+
+void inpS_MeshVisitor::NoteFaulty(const inpS_MeshScope& scope, const cow_List<int>& labels) {
+  if (!m_salvage) return;
+  for (const int label : labels) m_salvage->Note(scope.elementOccurrence, label);
+}
+
+// Those that refer to nodes which do not exist.
+void inpS_MeshVisitor::NoteFaulty() {
+  if (!m_salvage) return;
+  for (const inpS_MeshScope& scope : m_scopes.All())
+    for (const long long ordinal : scope.elements.Faulty())
+      m_salvage->Note(scope.elementOccurrence,
+                      m_elements.GetInstanceLabel(scope.elementOccurrence, ordinal));
 }
 
 // ---- sets
@@ -501,14 +540,14 @@ void inpS_MeshVisitor::CompleteParts(inp_KeywordListRef keywords) {
         continue;
       const inp_DataArray& data = keyword.Data();
       for (long long row = 0; row < data.Rows(); ++row)
-        if (data.Cols(row) > 0 && data.Type(row, 0) == inp_FieldType::Integer &&
-            data.AsInt64(row, 0) <= kMaxLabel)
+        if (data.Cols(row) > 0 && data.IsInteger(row, 0) && data.AsInt64(row, 0) <= kMaxLabel)
           m_largestNodeLabel = std::max(m_largestNodeLabel, data.AsInt(row, 0));
     }
   }
   for (inpS_MeshScope& scope : m_scopes.All()) {
     if (scope.kind != inpS_MeshScope::Kind::Part) continue;
     scope.nodes.Finish();
+    scope.nodes.TellRedefined(m_nodes, scope.nodeOccurrence, *this);
     inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
   }
 }
@@ -536,9 +575,11 @@ bool inpS_MeshVisitor::FitsOrdinals(inp_KeywordListRef keywords) {
 }
 
 void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
+  m_asText.AddSets();
   const cow_List<cow_String> types = TypeNames();
   const auto complete = [&](inpS_MeshScope& scope) {
     scope.nodes.Finish();
+    scope.nodes.TellRedefined(m_nodes, scope.nodeOccurrence, *this);
     inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
   };
   for (inpS_MeshScope& scope : m_scopes.All())
@@ -550,6 +591,7 @@ void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
     scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
                            *this);
   inpS_resolveScopedNodes(m_scopes, m_nodes, *this);
+  NoteFaulty();
   for (inpS_MeshScope& scope : m_scopes.All()) scope.elements.StoreHeld(scope.owner);
   m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, m_setMessages);
   for (const inpS_MeshScope& scope : m_scopes.All())
@@ -558,6 +600,7 @@ void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
 
 void inpS_MeshVisitor::Report() {
   inpS_Visitor::Report();
+  m_asText.Report();
   m_setMessages.Report();
 }
 
@@ -589,7 +632,9 @@ void inpS_MeshVisitor::SaveBeamExtraNodes(KvoSimTransaction&) {
 }
 
 void inpS_MeshVisitor::SaveMeshAndUserNodes(KvoSimTransaction&) {
-  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveNodes(*this);
+  inpS_MeshStore store(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes);
+  store.SaveNodes(m_isTold ? m_lateMessages : *this);
+  if (m_isTold) return m_lateMessages.Report();
   Report(); // the walk over the deck is over
 }
 

@@ -4,12 +4,15 @@
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/mesh/inpS_BasicElemTypeData.h"
 #include "inpS/mesh/inpS_ElementCopies.h"
+#include "inpS/mesh/inpS_ElementsAsText.h"
 #include "inpS/mesh/inpS_LabelFaults.h"
 #include "inpS/mesh/inpS_MeshSetReader.h"
 #include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 #include "inpS/sets/inpS_SetServices.h"
+#include <optional>
 
+class inpS_Salvage;
 class KvoSimTransaction;
 
 // Converts the mesh: nodes, elements, node and element sets of the model, of parts, of instances
@@ -22,10 +25,22 @@ public:
 
   static const cow_List<inp_KeywordEnm>& ModelledKinds();
 
+  // Before the walk: passes over the elements that have faults. Nothing is told, for another walk
+  // has told it.
+  void SetSalvage(inpS_Salvage* salvage) {
+    m_salvage = salvage;
+    m_isTold = true;
+  }
+  bool IsWhole() const { return m_resolver != nullptr; } // the walk came to its end
+
   void VisitList(inp_KeywordListRef keywords) override; // walks, then resolves
   void Report() override;
   // A faulty line of a set costs that line: IsError tells of nodes and elements alone.
   bool HasSetErrors() const { return m_setMessages.IsError(); }
+  // Nor does an element type that nobody knows fail the mesh: its keyword is kept as text.
+  bool HasTextErrors() const { return m_asText.Messages().IsError(); }
+  const inpS_TextKeywords& KeptAsText() const { return m_asText.Keywords(); }
+  const inpS_TextElements& TextElements() const { return m_scopes.TextElements(); }
 
   void VisitNode(const inp_Keyword& keyword) override;
   void VisitNgen(const inp_Keyword& keyword) override { GenerateNodes(keyword); }
@@ -79,7 +94,7 @@ private:
   void ReadUserElement(const inp_Keyword& keyword);
 
   int FindElementType(const inpS_ElementParameters& parameters);
-  bool CheckElementType(const inp_Keyword& keyword, const cow_String& type);
+  std::optional<wip_Message> TypeFault(const inp_Keyword& keyword) const;
   inpS_ElementCopies Copies();
   void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                       const inpS_ElementParameters& parameters,
@@ -88,6 +103,9 @@ private:
                     const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
                     inpS_LabelFaults& faults);
   cow_List<cow_String> TypeNames() const;
+  void LeaveOutFaulty(const inpS_MeshScope& scope, inpS_ElementTopologyReader& reader);
+  void NoteFaulty(const inpS_MeshScope& scope, const cow_List<int>& labels);
+  void NoteFaulty();
   void CompleteParts(inp_KeywordListRef keywords);
   void Finish(inp_KeywordListRef keywords);
   bool FitsOrdinals(inp_KeywordListRef keywords);
@@ -99,8 +117,12 @@ private:
   cow_List<ElementType> m_types;
   cow_Map<cow_String, int> m_typeIndex;
   inpS_MeshScopes m_scopes;
-  inp_Visitor m_setMessages; // what is told of sets, kept apart
+  inp_Visitor m_setMessages;  // what is told of sets, kept apart
+  inp_Visitor m_lateMessages; // of a walk of which nothing else is told
+  inpS_Salvage* m_salvage = nullptr;
+  bool m_isTold = false; // what the walk tells
   inpS_MeshSetReader m_setReader;
+  inpS_ElementsAsText m_asText;
   inp_ScopePtr m_lastScope;
   inpS_MeshScope* m_current = nullptr;
   std::unique_ptr<inpS_SetResolver> m_resolver;

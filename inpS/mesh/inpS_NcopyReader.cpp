@@ -118,9 +118,16 @@ bool inpS_NcopyReader::ReadLine() {
   double a[3], along[3];
   if (!ReadPoint(0, 0, a) || !ReadPoint(0, 3, along)) return false;
   for (int i = 0; i < 3; ++i) along[i] -= a[i];
-  if (!ToUnitLength(along)) return Fails(0, "The two points of the line coincide.");
+  // 2 d (d . x) / (d . d) - x: exact about lines like y = x, where a direction of unit length has
+  // its digits cut off. That is for lengths whose squares leave the range.
+  double square = along[0] * along[0] + along[1] * along[1] + along[2] * along[2];
+  if (!(square > 1e-200 && square < 1e200)) {
+    if (!ToUnitLength(along)) return Fails(0, "The two points of the line coincide.");
+    square = 1;
+  }
   for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) m_map.matrix[i][j] = 2 * along[i] * along[j] - (i == j ? 1 : 0);
+    for (int j = 0; j < 3; ++j)
+      m_map.matrix[i][j] = 2 * along[i] * along[j] / square - (i == j ? 1 : 0);
   m_map.Fix(a);
   return true;
 }

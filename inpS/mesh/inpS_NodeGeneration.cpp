@@ -15,7 +15,7 @@ bool isGenerator(inp_KeywordEnm kind) {
 }
 
 bool isInteger(const inp_Item& item) {
-  return item.GetKind() == inp_Item::Kind::Integer;
+  return item.IsInteger();
 }
 
 } // namespace
@@ -41,6 +41,16 @@ bool inpS_GeneratorScopes::Holds(const inpS_MeshScope& scope) const {
   default:
     return m_root;
   }
+}
+
+// What is reckoned comes out a little different from what is listed. A copy without a change of
+// labels tells itself that it moves the nodes.
+double inpS_NodeGeneration::ToleranceOf(const inp_Keyword& keyword) {
+  constexpr double samePlace = 1e-6;
+  if (keyword.Kind() == inp_KwNmap) return -1;
+  const inp_Item* change = keyword.Find("changenumber");
+  const bool movesOld = keyword.Kind() == inp_KwNcopy && change && change->AsInt() == 0;
+  return movesOld ? -1 : samePlace;
 }
 
 void inpS_NodeGeneration::Read(const inp_Keyword& keyword) {

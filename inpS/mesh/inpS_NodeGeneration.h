@@ -33,6 +33,9 @@ public:
         m_messages(messages), m_sink(std::move(sink)) {}
 
   void Read(const inp_Keyword& keyword); // *NGEN, *NFILL, *NCOPY or *NMAP
+  // By how much of its largest coordinate a node may move when it is made once more, before that is
+  // told; below 0: the keyword is there to move nodes.
+  static double ToleranceOf(const inp_Keyword& keyword);
 
 private:
   void Ngen(const inp_Keyword& keyword);

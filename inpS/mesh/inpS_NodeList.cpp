@@ -4,11 +4,15 @@
 #include "database/KvoSimPosition.h"
 #include "inpS/mesh/inpS_NodeGenerator.h"
 #include "inpS/sets/inpS_SetDefinition.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 namespace {
 
+constexpr long long kMostNamed = 10;
 constexpr std::size_t kMostMoved = std::size_t{1} << 20; // 32 MB
 
 } // namespace
@@ -58,9 +62,11 @@ void inpS_NodeList::Scatter(const inpS_NodePiece& nodes, std::span<const int> or
       AppendPoints(point);
       ++m_count;
     } else if (m_keep) {
-      std::copy(point.begin(), point.end(), m_points.Data() + 3 * at);
+      double* const known = m_points.Data() + 3 * at;
+      Compare(known, point.data(), static_cast<int>(at), KeywordNumber());
+      std::copy(point.begin(), point.end(), known);
     } else {
-      m_moved.push_back({static_cast<int>(at), {point[0], point[1], point[2]}});
+      m_moved.push_back({static_cast<int>(at), KeywordNumber(), {point[0], point[1], point[2]}});
     }
   }
   if (m_moved.size() > utl_blockSize(kMostMoved)) FlushMoved();
@@ -69,9 +75,59 @@ void inpS_NodeList::Scatter(const inpS_NodePiece& nodes, std::span<const int> or
 void inpS_NodeList::FlushMoved() {
   std::stable_sort(m_moved.begin(), m_moved.end(),
                    [](const Moved& a, const Moved& b) { return a.at < b.at; });
-  for (const Moved& node : m_moved)
+  for (const Moved& node : m_moved) {
+    double known[3];
+    m_writer->ReadItem(node.at, std::span<double>(known));
+    Compare(known, node.point, node.at, node.keyword);
     m_writer->Overwrite(node.at, std::span<const double>(node.point));
+  }
   m_moved.clear();
+}
+
+// ---- nodes that are defined again
+
+void inpS_NodeList::SetKeyword(const inp_Keyword& keyword, double tolerance) {
+  m_keyword = keyword;
+  m_tolerance = tolerance;
+  m_keywordNumber = -1;
+}
+
+int inpS_NodeList::KeywordNumber() {
+  if (m_keywordNumber < 0 && m_tolerance >= 0) {
+    m_keywordNumber = static_cast<int>(m_redefined.size());
+    m_redefined.push_back({m_keyword, m_tolerance, 0, {}});
+  }
+  return m_keywordNumber;
+}
+
+void inpS_NodeList::Compare(const double old[3], const double given[3], int at, int keyword) {
+  if (keyword < 0) return;
+  Redefined& redefined = m_redefined[static_cast<std::size_t>(keyword)];
+  double largest = 0, change = 0;
+  for (int i = 0; i < 3; ++i) {
+    largest = std::max({largest, std::fabs(old[i]), std::fabs(given[i])});
+    change = std::max(change, std::fabs(given[i] - old[i]));
+  }
+  if (change <= redefined.tolerance * largest) return;
+  if (redefined.count++ < kMostNamed) redefined.some.push_back(at);
+}
+
+void inpS_NodeList::TellRedefined(const KvoObjLabeler& labeler, int occurrence,
+                                  inp_Visitor& messages) {
+  for (const Redefined& redefined : m_redefined) {
+    if (redefined.count == 0) continue;
+    cow_List<cow_String> labels;
+    for (const int at : redefined.some)
+      labels.push_back(std::to_string(labeler.GetInstanceLabel(occurrence, m_base + at)));
+    messages.AddWarning(inp_Utils::MessageInKeyword(
+        redefined.keyword,
+        inp_Utils::Format("Nodes are defined again in another place (%lld); the last definition of "
+                          "each holds: ",
+                          redefined.count),
+        labels));
+  }
+  m_redefined.clear();
+  m_keywordNumber = -1;
 }
 
 void inpS_NodeList::MergeNormals(const inpS_NodePiece& nodes, std::span<const int> ordinals,

@@ -3,10 +3,12 @@
 #include "base/cow_Value.h"
 #include "base/utl_Buffer.h"
 #include "database/eds_Array.h"
+#include "parser/inp_Keyword.h"
 #include <optional>
 #include <vector>
 
 class KvoObjLabeler;
+class inp_Visitor;
 class KvoSimPosition;
 struct inpS_NodePiece;
 struct inpS_SetDefinition;
@@ -22,6 +24,12 @@ public:
   void SetBase(long long base) { m_base = base; }
   long long Base() const { return m_base; }
   void KeepPoints() { m_keep = true; } // before any node comes
+
+  // The keyword that the nodes come from. Those that it gives another place than they had, by more
+  // than the tolerance times their largest coordinate, are told once all is read; a negative
+  // tolerance: it is there to move them.
+  void SetKeyword(const inp_Keyword& keyword, double tolerance);
+  void TellRedefined(const KvoObjLabeler& labeler, int occurrence, inp_Visitor& messages);
 
   // A label already known is overwritten in place: the last definition of a label wins, its first
   // position is kept. The nodes also go into the set, if one is given. Labels of nodes below the
@@ -50,8 +58,18 @@ public:
 private:
   struct Moved {
     int at; // within this list
+    int keyword;
     double point[3];
   };
+  // What one keyword gave another place.
+  struct Redefined {
+    inp_Keyword keyword;
+    double tolerance = 0;
+    long long count = 0;
+    cow_List<int> some; // of them
+  };
+  int KeywordNumber();
+  void Compare(const double old[3], const double given[3], int at, int keyword);
   void Open(const KvoSimPosition& owner);
   void AppendPoints(std::span<const double> points);
   void Scatter(const inpS_NodePiece& nodes, std::span<const int> ordinals, inpS_SetDefinition* set,
@@ -67,6 +85,10 @@ private:
   long long m_count = 0;
   std::optional<eds_ArrayWriter> m_writer;
   eds_ArrayID m_array;
+  inp_Keyword m_keyword;
+  double m_tolerance = -1;
+  int m_keywordNumber = -1; // among the redefined; -1: not yet there
+  cow_List<Redefined> m_redefined;
   std::vector<Moved> m_moved;  // nodes defined again, written together: they may lie anywhere
   utl_Buffer<double> m_points; // kept, or read by Point
   long long m_given = 0;       // without the generated ones

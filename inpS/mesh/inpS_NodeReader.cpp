@@ -50,7 +50,7 @@ bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, const inpS_System& 
                                  const inp_OddRow& odd, const inp_NodePiece& piece) {
   const inp_DataArray& data = keyword.Data();
   const long long row = odd.row;
-  if (data.Type(row, 0) != inp_FieldType::Integer || std::llabs(data.AsInt64(row, 0)) > kMaxLabel) {
+  if (!data.IsInteger(row, 0) || std::llabs(data.AsInt64(row, 0)) > kMaxLabel) {
     m_messages.AddError(inp_Utils::MessageAtField(
         keyword, row, 0,
         "\"" + data.AsStringVerbatim(row, 0) +
@@ -61,12 +61,17 @@ bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, const inpS_System& 
   const int cols = data.Cols(row);
   for (int col = 1; col < cols; ++col) {
     if (!data.HasValue(row, col)) continue;
-    if (col > kValues || !data.IsNumber(row, col)) {
+    if (col > kValues) {
+      m_messages.AddWarning(inp_Utils::MessageAtField(
+          keyword, row, col,
+          "A node has at most three coordinates and three normal components; what is behind them "
+          "is not used."));
+      break;
+    }
+    if (!data.IsNumber(row, col)) {
       m_messages.AddError(inp_Utils::MessageAtField(
           keyword, row, col,
-          col > kValues ? "A node has at most three coordinates and three normal components."
-                        : "\"" + data.AsStringVerbatim(row, col) +
-                              "\" is no coordinate: a number was expected."));
+          "\"" + data.AsStringVerbatim(row, col) + "\" is no coordinate: a number was expected."));
       return false;
     }
     values[col - 1] = data.AsDouble(row, col);

@@ -49,8 +49,8 @@ private:
   cow_List<const inpS_ScopedNode*> m_nodes;
 };
 
-void resolve(inpS_ElementBlock& block, inpS_MeshScopes& scopes, const KvoObjLabeler& nodes,
-             Missing& missing, inp_Visitor& messages) {
+void resolve(inpS_ElementBlock& block, inpS_ElementConnectivity& owner, inpS_MeshScopes& scopes,
+             const KvoObjLabeler& nodes, Missing& missing, inp_Visitor& messages) {
   auto node = block.scoped.begin();
   for (std::size_t n = 0; n < block.from.size() && node != block.scoped.end(); ++n) {
     const long long end = n + 1 < block.from.size() ? block.from[n + 1].firstElement : block.count;
@@ -59,11 +59,13 @@ void resolve(inpS_ElementBlock& block, inpS_MeshScopes& scopes, const KvoObjLabe
       const inpS_MeshScope* instance = scopes.FindInstance(node->instance);
       if (!instance) {
         missing.AddInstance(*node);
+        owner.NoteFaulty(block.first + node->element);
         continue;
       }
       const int ordinal = nodes.ConvertInstanceLabel(instance->nodeOccurrence, node->label);
       if (ordinal < 0) {
         missing.AddNode(*node);
+        owner.NoteFaulty(block.first + node->element);
         continue;
       }
       block.nodes[static_cast<std::size_t>(node->element * block.width + node->index)] =
@@ -77,7 +79,8 @@ void resolve(inpS_ElementBlock& block, inpS_MeshScopes& scopes, const KvoObjLabe
 void inpS_resolveScopedNodes(inpS_MeshScopes& scopes, const KvoObjLabeler& nodes,
                              inp_Visitor& messages) {
   Missing missing;
-  for (inpS_ElementBlock& block : scopes.Root().elements.Blocks())
-    resolve(block, scopes, nodes, missing, messages);
+  inpS_ElementConnectivity& owner = scopes.Root().elements;
+  for (inpS_ElementBlock& block : owner.Blocks())
+    resolve(block, owner, scopes, nodes, missing, messages);
   missing.Report(messages);
 }

@@ -315,10 +315,19 @@ void inpS_SetResolver::AddLabels(const inpS_MeshScope& owner, inpS_SetKind kind,
   labeler.ConvertInstanceLabels(occurrenceOf(owner, kind), entry.labels, ordinals);
   for (std::size_t n = 0; n < ordinals.Size(); ++n) {
     if (ordinals[n] < 0)
-      gathered.Miss(entry.keyword, entry.labels[n]);
+      Miss(owner, kind, entry, entry.labels[n], gathered);
     else
       gathered.Add(ordinals[n] + base);
   }
+}
+
+// An element of a keyword that is kept as text is told there.
+void inpS_SetResolver::Miss(const inpS_MeshScope& owner, inpS_SetKind kind, const Entry& entry,
+                            long long label, Gathered& gathered) const {
+  const bool isInText =
+      kind == inpS_SetKind::Elements &&
+      m_scopes.TextElements().Has(owner.elementOccurrence, static_cast<int>(label));
+  if (!isInText) gathered.Miss(entry.keyword, label);
 }
 
 // A range costs no more than the labels there are, however long it is.
@@ -343,7 +352,7 @@ void inpS_SetResolver::AddRange(const inpS_MeshScope& owner, inpS_SetKind kind, 
     for (long long n = 0, label = entry.first; n < entry.count; ++n, label += entry.increment) {
       const int ordinal = labeler.ConvertInstanceLabel(occurrence, static_cast<int>(label));
       if (ordinal < 0)
-        gathered.Miss(entry.keyword, label);
+        Miss(owner, kind, entry, label, gathered);
       else
         gathered.Add(ordinal + base);
     }
@@ -357,8 +366,11 @@ void inpS_SetResolver::AddRange(const inpS_MeshScope& owner, inpS_SetKind kind, 
   }
   std::sort(found.begin(), found.end());
   for (const auto& [step, ordinal] : found) gathered.Add(ordinal + base);
-  gathered.missing.push_back(
-      {entry.keyword, entry.first, last, entry.count - static_cast<long long>(found.size())});
+  long long known = static_cast<long long>(found.size());
+  if (kind == inpS_SetKind::Elements)
+    known += m_scopes.TextElements().CountOf(occurrence, entry.first, entry.count, entry.increment);
+  if (known < entry.count)
+    gathered.missing.push_back({entry.keyword, entry.first, last, entry.count - known});
 }
 
 // The nodes of elements of one part, or of the flat mesh.

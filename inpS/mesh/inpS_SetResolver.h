@@ -61,6 +61,8 @@ private:
                 const inpS_SetEntry& entry, Gathered& gathered);
   void AddLabels(const inpS_MeshScope& owner, inpS_SetKind kind, const inpS_SetEntry& entry,
                  Gathered& gathered) const;
+  void Miss(const inpS_MeshScope& owner, inpS_SetKind kind, const inpS_SetEntry& entry,
+            long long label, Gathered& gathered) const;
   void AddRange(const inpS_MeshScope& owner, inpS_SetKind kind, const inpS_SetEntry& entry,
                 Gathered& gathered) const;
   void AddNodesOf(const inpS_MeshScope& scope, const eds_MemberSet& elements, long long offset,

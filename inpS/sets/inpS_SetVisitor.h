@@ -6,6 +6,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_System.h"
 #include "inpS/framework/inpS_Visitor.h"
+#include "inpS/sets/inpS_TextElements.h"
 
 // Base of the visitors that refer to nodes, elements and sets: it knows where in the deck the walk
 // stands (part, instance, step, coordinate system) and looks labels and sets up from there.
@@ -48,6 +49,11 @@ public:
   // A field as it is written: name, "name", instance.name.
   Found FindField(Kind kind, std::string_view asWritten) const;
   LabelSpace SpaceOf(Kind kind, const cow_String& instance = {}) const; // empty: no instance
+  // Elements that the deck has in keywords kept as text: a label of theirs is no fault.
+  void SetTextElements(inpS_TextElements elements) { m_textElements = std::move(elements); }
+  bool IsInText(Kind kind, const LabelSpace& space, int label) const {
+    return kind == Kind::Elements && m_textElements.Has(space.occurrence, label);
+  }
   const KvoObjLabeler& LabelerOf(Kind kind) const {
     return kind == Kind::Nodes ? m_nodes : m_elements;
   }
@@ -107,6 +113,7 @@ private:
   KvoObjLabeler& m_nodes;
   KvoObjLabeler& m_elements;
   const inpS_Inventory& m_inventory;
+  inpS_TextElements m_textElements;
   inp_ScopePtr m_scope;
   KvoSimPosition m_owner;
   cow_String m_part;

@@ -212,6 +212,7 @@ void inpS_SurfaceLines::Flush() {
   for (std::size_t n = 0; n < count; ++n) {
     const long long row = piece.rows[first + n];
     if (ordinals[n] < 0) {
+      if (m_visitor.IsInText(m_kind, m_run.space, m_run.labels[n])) continue;
       if (m_missing++ < kMostMissingTold)
         Fault(row, 0,
               inp_Utils::Format("%s %d does not exist; left out.",

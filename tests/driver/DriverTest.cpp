@@ -268,6 +268,9 @@ TEST_F(Driver, ScreensWhatTheDatabaseCannotHold) {
       {"*STEP\n*DIRECT CYCLIC\n*END STEP\n", "", ""},
       {"*STEP\n*DIRECT CYCLIC, FATIGUE\n*END STEP\n", refused, refused},
       {"*ELEMENT, TYPE=C9D9\n", refused, skipped},
+      {"*PART, NAME=P\n*ELEMENT, TYPE=C9D9\n*END PART\n*ASSEMBLY, NAME=A\n*INSTANCE, NAME=I, "
+       "PART=P\n*END INSTANCE\n*INSTANCE, NAME=J, PART=P\n*END INSTANCE\n*END ASSEMBLY\n",
+       refused, skipped},
       {"*ELEMENT, TYPE=u17\n*ELEMENT, TYPE=Z3\n*ELEMENT, TYPE=conn3d2\n", "", ""},
   };
   for (const auto& [deck, strict, tolerant] : cases) {

@@ -70,10 +70,15 @@ TEST_F(Commands, ErrorsOfTheMeshLeaveItOutAndThatIsSaid) {
   const cow_String deck = Deck("mesh.inp", "*NODE\n1, 0., 0., 0.\n2, x, 0., 0.\n");
   const ProgramRun run({"convert", deck, "-o", File("m.sim")});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_TRUE(run.Says("; the mesh is left out because of its errors\n")) << run.err;
+  EXPECT_TRUE(run.Says("; the mesh is left out because of its errors; --salvage stores"))
+      << run.err;
   EXPECT_NE(ProgramRun({"info", File("m.sim")}).out.find("\n0 nodes"), cow_String::npos);
   const ProgramRun json({"convert", deck, "-o", File("m.sim"), "--force", "--json"});
   EXPECT_NE(json.out.find("\"meshLeftOut\": true"), cow_String::npos);
+  const ProgramRun saved({"convert", deck, "-o", File("m.sim"), "--force", "--salvage"});
+  EXPECT_EQ(saved.exitCode, 1);
+  EXPECT_FALSE(saved.Says("the mesh is left out")) << saved.err;
+  EXPECT_NE(ProgramRun({"info", File("m.sim")}).out.find("\n1 node,"), cow_String::npos);
   const cow_String other = cow_String(oneBrick) + "*AMPLITUDE, NAME=A\n0., x\n";
   const ProgramRun kept({"convert", Deck("other.inp", other), "-o", File("o.sim")});
   EXPECT_EQ(kept.exitCode, 1);

@@ -1,0 +1,108 @@
+#include "inpS/mesh/inpS_ElementsAsText.h"
+#include "database/KvoObjLabeler.h"
+#include "inpS/mesh/inpS_GenerationLimit.h"
+#include "inpS/mesh/inpS_MeshSetReader.h"
+#include "parser/inp_BulkDecode.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+constexpr int kMostNodes = 100000; // as of a type that nobody describes
+constexpr long long kMaxLabel = 999999999;
+
+// As far as they can be told without knowing how many nodes an element has: one that ends in a
+// comma goes on.
+cow_List<int> elementLabels(const inp_Keyword& keyword) {
+  inp_ElementForm form;
+  form.maxNodes = kMostNodes;
+  cow_List<int> labels;
+  inp_streamElements(
+      keyword.Data(), form, [](const inp_ElementPiece&) {},
+      [&](const inp_ElementPiece& piece) {
+        labels.insert(labels.end(), piece.labels.begin(), piece.labels.end());
+      });
+  return labels;
+}
+
+long long integerAt(const inp_DataArray& data, long long row, int col, long long absent) {
+  return col < data.Cols(row) && data.IsInteger(row, col) ? data.AsInt64(row, col) : absent;
+}
+
+} // namespace
+
+void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                               wip_Message message) {
+  Keep(keyword, scope, std::move(message), "elset", elementLabels(keyword));
+}
+
+bool inpS_ElementsAsText::KeepMadeFromText(const inp_Keyword& keyword, inpS_MeshScope& scope) {
+  if (m_keywords.empty()) return false; // as nearly always
+  const bool copies = keyword.Kind() == inp_KwElcopy;
+  const cow_List<int> labels =
+      copies ? CopiedLabels(keyword, scope) : GeneratedLabels(keyword, scope);
+  if (labels.empty()) return false;
+  Keep(keyword, scope,
+       inp_Utils::MessageInKeyword(keyword, "Elements of a keyword that is kept as text cannot be "
+                                            "repeated; this one is kept as text, too."),
+       copies ? "newset" : "elset", labels);
+  return true;
+}
+
+void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                               wip_Message message, std::string_view setParameter,
+                               const cow_List<int>& labels) {
+  message.notes.push_back({"sets and surfaces that name its elements are stored without them", {}});
+  m_messages.AddError(std::move(message));
+  m_keywords.emplace(keyword.Body().get(), inpS_TextPlace{});
+  m_scopes.TextElements().Add(scope.elementOccurrence, labels);
+  if (const inp_Item* name = m_sets.FindName(keyword, setParameter))
+    m_textSets.push_back({&scope, name->AsString(), keyword, labels});
+  keyword.ReferAll(); // the text has all of it
+}
+
+// Those of all lines, when one of them starts from an element that is text alone.
+cow_List<int> inpS_ElementsAsText::GeneratedLabels(const inp_Keyword& keyword,
+                                                   const inpS_MeshScope& scope) const {
+  const inp_DataArray& data = keyword.Data();
+  cow_List<int> labels;
+  bool fromText = false;
+  for (long long row = 0; row < data.Rows(); ++row) {
+    const long long master = integerAt(data, row, 0, 0);
+    if (master < 1 || master > kMaxLabel) continue;
+    const int label = static_cast<int>(master);
+    fromText = fromText || (m_scopes.TextElements().Has(scope.elementOccurrence, label) &&
+                            m_elements.ConvertInstanceLabel(scope.elementOccurrence, label) < 0);
+    cow_List<long long> made{master};
+    for (const int col : {1, 4, 7}) {
+      const long long count = std::max(1LL, integerAt(data, row, col, 1));
+      const long long step = integerAt(data, row, col + 2, 1);
+      const std::size_t before = made.size();
+      if (count > inpS_mostGenerated / static_cast<long long>(before)) break; // a slip of the pen
+      for (long long n = 1; n < count; ++n)
+        for (std::size_t i = 0; i < before; ++i) made.push_back(made[i] + n * step);
+    }
+    for (const long long one : made)
+      if (one > 0 && one <= kMaxLabel) labels.push_back(static_cast<int>(one));
+  }
+  if (!fromText) labels.clear();
+  return labels;
+}
+
+cow_List<int> inpS_ElementsAsText::CopiedLabels(const inp_Keyword& keyword,
+                                                const inpS_MeshScope& scope) const {
+  const inp_Item* old = keyword.Find("oldset");
+  const inp_Item* shift = keyword.Find("elementshift");
+  cow_List<int> labels;
+  if (!old || !shift) return labels;
+  for (const TextSet& set : m_textSets)
+    if (set.scope == &scope && set.name == old->AsString())
+      for (const int label : set.labels) labels.push_back(label + shift->AsInt());
+  return labels;
+}
+
+void inpS_ElementsAsText::AddSets() {
+  for (const TextSet& set : m_textSets)
+    if (!set.scope->sets.Find(inpS_SetKind::Elements, set.name))
+      inpS_beginRuns(set.scope->sets.FindOrAdd(inpS_SetKind::Elements, set.name), set.keyword);
+}

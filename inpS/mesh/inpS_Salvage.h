@@ -1,0 +1,30 @@
+#pragma once
+
+#include "inpS/mesh/inpS_MadeElements.h"
+#include <set>
+#include <utility>
+
+class KvoObjLabeler;
+
+// What is sound of a mesh with faults: the deck is read once more, and each element that has a
+// fault is passed over. Elements whose nodes do not exist are known only when all is read, and go
+// the next time; the walk is repeated until no more are found.
+class inpS_Salvage {
+public:
+  void Begin(); // a walk
+  // Whether the walk has found elements that the next one is to pass over.
+  bool IsToBeRepeated() const { return m_grown; }
+  long long LeftOut() const { return m_passedOver; } // elements, in the last walk
+
+  // Of elements of one owner, by the occurrence and labeler of it.
+  void Note(int occurrence, int label); // has a fault
+  void PassOver() { ++m_passedOver; }
+  bool IsSound(int occurrence, int label, const KvoObjLabeler& elements) const;
+  inpS_MadeElements SoundOf(const inpS_MadeElements& made, int occurrence,
+                            const KvoObjLabeler& elements);
+
+private:
+  std::set<std::pair<int, int>> m_faulty; // occurrence, label
+  bool m_grown = false;
+  long long m_passedOver = 0;
+};
