@@ -143,3 +143,13 @@ void utl_limitMemory(std::uint64_t bytes) {
 std::uint64_t utl_memoryLimit() {
   return systemLimit();
 }
+
+std::uint64_t utl_addressLimit() {
+#ifdef _WIN32
+  return 0;
+#else
+  rlimit limit{};
+  if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return 0;
+  return limit.rlim_cur;
+#endif
+}

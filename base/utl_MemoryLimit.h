@@ -17,3 +17,6 @@ void utl_limitMemory(std::uint64_t bytes);
 
 // What holds; 0: no bound.
 std::uint64_t utl_memoryLimit();
+// Another bound that whoever started this process may have set (ulimit -v): of all addresses, those
+// of mapped files and of the program itself too. 0: none.
+std::uint64_t utl_addressLimit();

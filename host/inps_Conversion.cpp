@@ -3,6 +3,7 @@
 #include "base/bcu_ResourceMonitor.h"
 #include "base/utl_File.h"
 #include "host/inps_OpenModel.h"
+#include "host/inps_ReadFiles.h"
 #include "inpS/driver/inpS_Module.h"
 #include <algorithm>
 #include <exception>
@@ -80,6 +81,9 @@ template <class Work> bool inps_Conversion::Run(const KvoObjDocument& document, 
     inpS_Inp2Sim::DescribeSource(document, utl_pathText(m_deck));
     done = work();
   }
+  for (const inp_DeckTextPtr& file : m_driver->Files())
+    if (!file->IsFileAsItWas())
+      throw utl_FileException("cannot read", file->Path(), "its size changed while it was read");
   m_notModelled = m_driver->NotModelled();
   return done;
 }
@@ -90,6 +94,12 @@ bool inps_Conversion::Convert(const KvoObjDocument& document) {
 
 bool inps_Conversion::ConvertRestart(const KvoObjDocument& document) {
   return Run(document, [&] { return m_driver->ConvertRestart(document); });
+}
+
+cow_List<std::filesystem::path> inps_Conversion::Files() const {
+  cow_List<std::filesystem::path> paths;
+  for (const inp_DeckTextPtr& file : m_driver->Files()) paths.push_back(file->Path());
+  return paths;
 }
 
 const inp_Keyword* inps_Conversion::RestartKeyword() const {
@@ -114,11 +124,13 @@ bool inps_isModelFile(const std::filesystem::path& path) {
   return std::string_view(begin, sizeof begin) == signature;
 }
 
-KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path,
-                                    const inps_Session& session) {
+KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path, const inps_Session& session,
+                                    inps_ReadFiles* read) {
+  if (read) read->Add(path);
   if (inps_isModelFile(path)) return inps_openModel(path, session);
   inps_Conversion conversion(path);
   if (!conversion.Prepare()) return {};
+  if (read) read->Add(conversion.Files());
   KvoObjDocument document = KvoObjDocument::InMemory();
   conversion.Convert(document);
   return document;

@@ -7,6 +7,7 @@
 #include <memory>
 
 struct inps_Session;
+class inps_ReadFiles;
 
 // One deck on its way into a model. Messages go to the reporter of this thread.
 class inps_Conversion {
@@ -20,6 +21,8 @@ public:
   bool Convert(const KvoObjDocument& document);
   bool ConvertRestart(const KvoObjDocument& document); // into a model that exists
 
+  // The deck, its includes and data files, once it is prepared.
+  cow_List<std::filesystem::path> Files() const;
   // The keyword with which the deck itself says that it goes on from another model, or null.
   const inp_Keyword* RestartKeyword() const;
   // What was kept as text; empty before a conversion.
@@ -39,5 +42,6 @@ private:
 bool inps_isModelFile(const std::filesystem::path& path);
 
 // A model, or a deck converted in memory; messages as above. Null when the deck has faults that
-// keep it from being converted at all.
-KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path, const inps_Session& session);
+// keep it from being converted at all. The files that were read are added to `read` if it is given.
+KvoObjDocument inps_openModelOrDeck(const std::filesystem::path& path, const inps_Session& session,
+                                    inps_ReadFiles* read = nullptr);

@@ -1,13 +1,16 @@
 #include "host/inps_Commands.h"
 
 #include "base/utl_File.h"
+#include "base/utl_FileUnderWay.h"
+#include "base/utl_MappedFile.h"
+#include "base/utl_OutputFile.h"
 #include "database/KvoObjMesh.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelPlace.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
-#include "host/inps_LastResort.h"
 #include "host/inps_OpenModel.h"
+#include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include "parser/inp_Utils.h"
@@ -68,16 +71,23 @@ private:
   // By ourselves: the library's own copying tells a full disk as a fault of reading.
   void Copy(const Path& base) const {
     const utl_MappedFile from(base);
-    utl_OutputFile to(m_path);
-    to.Write(from.Text().data(), from.Text().size());
+    utl_OutputFile to(m_path, utl_OutputFile::Mode::CreateNew);
+    try {
+      to.Write(from.Text().data(), from.Text().size());
+    } catch (const utl_FileException&) {
+      // The system itself reads the pages here, and blames the writing for what it finds.
+      std::error_code ignored;
+      if (std::filesystem::file_size(base, ignored) >= from.Size()) throw;
+      throw utl_FileException("cannot read", base, "it was cut short while it was read");
+    }
     to.Close();
   }
 
   Path m_path;
   Path m_journal; // left by a store that failed
   std::unique_ptr<eds_ModelPlace> m_place;
-  inps_FileUnderWay m_underWay{m_path};
-  inps_FileUnderWay m_journalUnderWay{m_journal};
+  utl_FileUnderWay m_underWay{m_path};
+  utl_FileUnderWay m_journalUnderWay{m_journal};
 };
 
 struct Closing {
@@ -131,6 +141,16 @@ void requireFree(const Job& job) {
     throw utl_FileException("cannot write", job.target, "it exists; --force replaces it");
 }
 
+// What is read is not replaced; but a base may be, by who says so.
+void requireOther(const Job& job, const inps_Conversion& conversion) {
+  inps_ReadFiles read;
+  read.Add(conversion.Files());
+  std::error_code ignored;
+  if (!job.base.empty() && !std::filesystem::equivalent(job.base, job.target, ignored))
+    read.Add(job.base);
+  read.RequireOther(job.target);
+}
+
 KvoObjDocument makeModel(const Job& job) {
   const bool replace = job.force && utl_isTaken(job.target);
   return replace ? KvoObjDocument::CreateReplacing(job.target) : KvoObjDocument::Create(job.target);
@@ -155,6 +175,7 @@ public:
       Say("the deck cannot be converted; " + utl_pathText(m_job.target) + " was not written");
       return inps_ExitFaults;
     }
+    requireOther(m_job, conversion);
     if (const inp_Keyword* restart = conversion.RestartKeyword(); restart && m_job.base.empty())
       m_run.Reporter().Warning(inp_Utils::MessageInKeyword(
           *restart, "this deck goes on from another model; --restart names that model"));

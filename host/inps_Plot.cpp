@@ -7,6 +7,7 @@
 #include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
 #include "host/inps_PlotPage.h"
+#include "host/inps_ReadFiles.h"
 #include "host/inps_Reporter.h"
 #include "host/inps_Session.h"
 #include <algorithm>
@@ -111,7 +112,7 @@ int inps_plot(inps_Session& session, const inps_Arguments& arguments) {
   const bool named = arguments.Has(inps_Opt::Output);
   const std::filesystem::path target =
       named ? arguments.PathOf(inps_Opt::Output) : file.filename().replace_extension(".html");
-  inps_writeFile(target, arguments.Has(inps_Opt::Force), file,
+  inps_writeFile(target, arguments.Has(inps_Opt::Force), {file},
                  [&](utl_Stream& out) { inps_printPlotPage(out, page); });
   session.out << utl_pathText(target) << ": " << page.facts << '\n';
   return inps_ExitDone;

@@ -2,6 +2,7 @@
 
 #include "base/cow_Value.h"
 #include <streambuf>
+#include <string_view>
 
 // What the system says of the streams a program was started with.
 struct inps_TerminalFacts {
@@ -18,6 +19,9 @@ void inps_prepareStreams();
 // Ctrl-C, and a system that asks the program to end, stop the work where it may end. Who asks
 // again does not wait for that.
 void inps_stopWhenAsked();
+
+// To standard error past all buffers: takes no memory, may be called from a signal handler.
+void inps_sayAtOnce(std::string_view text) noexcept;
 
 // A standard stream of the process as a stream buffer that remembers why it failed.
 class inps_StandardBuffer final : public std::streambuf {

@@ -5,6 +5,7 @@
 #include "host/inps_Arguments.h"
 #include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
+#include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include "inpS/writer/inpS_Sim2Inp.h"
@@ -26,7 +27,7 @@ int inps_write(inps_Session& session, const inps_Arguments& arguments) {
     const KvoObjDocument document = inps_openModel(arguments.Path(0), session);
     if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != "-") {
       inps_writeFile(arguments.PathOf(inps_Opt::Output), arguments.Has(inps_Opt::Force),
-                     arguments.Path(0),
+                     {arguments.Path(0)},
                      [&](utl_Stream& deck) { print(document, deck, session.err); });
     } else {
       utl_Stream deck(session.out);

@@ -10,6 +10,7 @@
 #include "database/KvoSimTransfer.h"
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/history/inpS_AmplitudeForm.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -265,6 +266,7 @@ double inpS_AmplitudeVisitor::ValueAt(const inp_Keyword& keyword, long long row,
   const inp_DataArray& data = keyword.Data();
   if (data.Type(row, col) == inp_FieldType::String)
     AddError(inp_Utils::MessageAtField(keyword, row, col, "This is no number; it is read as 0."));
+  if (auto tiny = inpS_tinyNumberMessage(keyword, row, col)) AddWarning(std::move(*tiny));
   return data.AsDouble(row, col);
 }
 

@@ -2,6 +2,7 @@
 #include "base/utl_Assert.h"
 #include "inpS/keywords/inpS_ArrayDouble.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/messages/inpS_MessageContainer.h"
 #include "parser/inp_BulkDecode.h"
@@ -83,6 +84,7 @@ void inpS_KeywordDataTable::Read(int firstColumn) {
   m_given.reset();
   m_lines.clear();
   m_unread.clear();
+  m_tiny.clear();
   if (firstColumn == 0 && m_defaultDataCols.empty() && ReadAlikeRows()) {
     m_tempDependent = m_temperature && IsDependentOnColumn(m_dataColumns);
     return;
@@ -111,6 +113,7 @@ void inpS_KeywordDataTable::Read(int firstColumn) {
     AppendRecord(record, reader.Given());
   }
   m_unread = reader.Unread();
+  m_tiny = reader.Tiny();
   m_tempDependent = m_temperature && IsDependentOnColumn(m_dataColumns);
 }
 
@@ -247,6 +250,7 @@ void inpS_KeywordDataTable::ClearAll() {
   m_table.Reset(m_table.Cols());
   m_given.reset();
   m_unread.clear();
+  m_tiny.clear();
   m_tempDependent = false;
 }
 
@@ -259,4 +263,12 @@ cow_List<const double*> inpS_KeywordDataTable::GetDataAsPtr() const {
 
 cow_List<wip_Message> inpS_KeywordDataTable::UnreadMessages() const {
   return inpS_unreadFieldMessages(m_keyword, m_unread);
+}
+
+cow_List<wip_Message> inpS_KeywordDataTable::TinyMessages() const {
+  cow_List<wip_Message> messages;
+  for (const inpS_UnreadField& field : m_tiny)
+    if (auto message = inpS_tinyNumberMessage(m_keyword, field.row, field.col))
+      messages.push_back(std::move(*message));
+  return messages;
 }

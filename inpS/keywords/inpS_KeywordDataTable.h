@@ -71,6 +71,7 @@ public:
   // their places.
   const cow_List<inpS_UnreadField>& Unread() const { return m_unread; }
   cow_List<wip_Message> UnreadMessages() const;
+  cow_List<wip_Message> TinyMessages() const; // warnings: numbers that cannot be held as they are
 
 private:
   void CheckColumn(int colNum) const;
@@ -91,4 +92,5 @@ private:
   // The same shape as the table, 1 where the deck gave the value; none while it gave all of them.
   std::optional<inpS_FlatTable<char>> m_given;
   cow_List<inpS_UnreadField> m_unread;
+  cow_List<inpS_UnreadField> m_tiny;
 };

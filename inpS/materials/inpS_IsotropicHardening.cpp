@@ -37,6 +37,7 @@ inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Key
   inpS_KeywordDataTable table(keyword, static_cast<int>(row.columns.Fixed().size()), 0, true);
   table.Read();
   for (wip_Message& message : table.UnreadMessages()) AddError(std::move(message));
+  for (wip_Message& message : table.TinyMessages()) AddWarning(std::move(message));
   inpS_checkTable(keyword, table, row.columns.Fixed(), *this);
   table.RemoveTempColumnIfIndependent();
   if (const inp_Item* rate = keyword.Find("rate"); rate && !rate->IsNumber())

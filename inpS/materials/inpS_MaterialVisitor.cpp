@@ -394,6 +394,7 @@ bool inpS_MaterialVisitor::ReadTable(const inp_Keyword& keyword, const inpS_Beha
   if (size == 0) return true;
   table.Read();
   for (wip_Message& message : table.UnreadMessages()) AddError(std::move(message));
+  for (wip_Message& message : table.TinyMessages()) AddWarning(std::move(message));
   inpS_checkTable(keyword, table, columns, *this);
   table.RemoveTempColumnIfIndependent();
   return table.NumRows() > 0 || behavior.MayLackRows();
