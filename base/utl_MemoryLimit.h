@@ -17,7 +17,6 @@ void utl_limitMemory(std::uint64_t bytes);
 
 // What holds; 0: no bound.
 std::uint64_t utl_memoryLimit();
-
-// The bound on all addresses, mapped files too, that whoever started this process gave it (ulimit
-// -v); 0: none. It is the one that is hit where it is the narrower one.
+// Another bound that whoever started this process may have set (ulimit -v): of all addresses, those
+// of mapped files and of the program itself too. 0: none.
 std::uint64_t utl_addressLimit();

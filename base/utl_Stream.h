@@ -4,6 +4,7 @@
 #include "base/utl_Buffer.h"
 #include "base/utl_File.h"
 #include "base/utl_Number.h"
+#include "base/utl_OutputFile.h"
 #include <concepts>
 #include <cstddef>
 #include <functional>

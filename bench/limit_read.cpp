@@ -1,6 +1,7 @@
 #include "bench/limit_program.h"
 
 #include "base/utl_File.h"
+#include "base/utl_MappedFile.h"
 
 #include <algorithm>
 #include <array>

@@ -2,6 +2,7 @@
 
 #include "base/utl_File.h"
 #include "base/utl_Number.h"
+#include "base/utl_OutputFile.h"
 
 #include <cstring>
 #include <string_view>

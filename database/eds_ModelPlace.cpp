@@ -16,7 +16,7 @@ constexpr std::chrono::seconds patience{2};
 eds_ModelPlace::eds_ModelPlace(const fs::path& file) : m_file(file) {
   eds_requireOwnJournals(file);
   if (!utl_isTaken(file)) {
-    utl_removeFile(eds_journalOf(file)); // of a model that is gone
+    eds_removeJournal(file); // of a model that is gone
     return;
   }
   m_held = std::make_unique<eds_Engine>();
@@ -57,7 +57,8 @@ void eds_ModelPlace::GiveTo(const fs::path& model, utl_IfExists ifExists) {
 #ifdef _WIN32
   m_held.reset(); // an open file keeps its name there
 #endif
-  utl_removeFile(eds_journalOf(m_file)); // of what was no model
+  if (m_held == nullptr) eds_requireOwnJournals(m_file); // may have come meanwhile
+  eds_removeJournal(m_file);                             // of what was no model
   utl_renameFile(model, m_file, ifExists);
   m_held.reset();
 }

@@ -6,6 +6,7 @@
 
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
+#include "base/utl_OutputFile.h"
 #include "base/utl_Stream.h"
 #include "base/utl_Threads.h"
 #include "database/KvoObjDocument.h"

@@ -4,6 +4,7 @@
 #include "base/utl_File.h"
 #include "host/inps_Input.h"
 #include "host/inps_OpenModel.h"
+#include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Terminal.h"
 #include "inpS/driver/inpS_Module.h"
@@ -91,6 +92,9 @@ template <class Work> bool inps_Conversion::Run(const KvoObjDocument& document, 
     inpS_Inp2Sim::DescribeSource(document, utl_pathText(m_deck), m_name);
     done = work();
   }
+  for (const inp_DeckTextPtr& file : m_driver->Files())
+    if (!file->IsFileAsItWas())
+      throw utl_FileException("cannot read", file->Path(), "its size changed while it was read");
   m_notModelled = m_driver->NotModelled();
   m_driver->DescribeResult(document, m_reporter.Errors() - m_errorsBefore,
                            m_reporter.AllWarnings() - m_warningsBefore);
@@ -105,6 +109,12 @@ bool inps_Conversion::ConvertRestart(const KvoObjDocument& document) {
   return Run(document, [&] { return m_driver->ConvertRestart(document); });
 }
 
+cow_List<std::filesystem::path> inps_Conversion::Files() const {
+  cow_List<std::filesystem::path> paths;
+  for (const inp_DeckTextPtr& file : m_driver->Files()) paths.push_back(file->Path());
+  return paths;
+}
+
 const inp_Keyword* inps_Conversion::RestartKeyword() const {
   const auto reads = [](const inp_Parameter& parameter) { return parameter.name == "read"; };
   for (const inp_Keyword& keyword : m_driver->Keywords())
@@ -113,10 +123,12 @@ const inp_Keyword* inps_Conversion::RestartKeyword() const {
   return nullptr;
 }
 
-KvoObjDocument inps_openModelOrDeck(const inps_Input& input, inps_Run& run) {
+KvoObjDocument inps_openModelOrDeck(const inps_Input& input, inps_Run& run, inps_ReadFiles* read) {
+  if (read) read->Add(input.File());
   if (inps_isModelFile(input.File())) return inps_openModel(input, run);
   inps_Conversion conversion(input, run.Reporter());
   if (!conversion.Prepare()) return {};
+  if (read) read->Add(conversion.Files());
   KvoObjDocument document = KvoObjDocument::InMemory();
   conversion.Convert(document);
   return document;

@@ -7,6 +7,7 @@
 #include <memory>
 
 class inps_Input;
+class inps_ReadFiles;
 class inps_Reporter;
 class inps_Run;
 
@@ -23,6 +24,8 @@ public:
   bool Convert(const KvoObjDocument& document);
   bool ConvertRestart(const KvoObjDocument& document); // into a model that exists
 
+  // The deck, its includes and data files, once it is prepared.
+  cow_List<std::filesystem::path> Files() const;
   // The keyword with which the deck itself says that it goes on from another model, or null.
   const inp_Keyword* RestartKeyword() const;
   // What was kept as text; empty before a conversion.
@@ -43,5 +46,7 @@ private:
 };
 
 // A model, or a deck converted in memory; messages as above, and warnings of a model that does not
-// hold all of its deck. Null when the deck has faults that keep it from being converted at all.
-KvoObjDocument inps_openModelOrDeck(const inps_Input& input, inps_Run& run);
+// hold all of its deck. Null when the deck has faults that keep it from being converted at all. The
+// files that were read are added to `read` if it is given.
+KvoObjDocument inps_openModelOrDeck(const inps_Input& input, inps_Run& run,
+                                    inps_ReadFiles* read = nullptr);

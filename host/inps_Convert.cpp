@@ -1,14 +1,17 @@
 #include "host/inps_Commands.h"
 
 #include "base/utl_File.h"
+#include "base/utl_FileUnderWay.h"
+#include "base/utl_MappedFile.h"
+#include "base/utl_OutputFile.h"
 #include "database/KvoObjMesh.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelPlace.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
 #include "host/inps_Input.h"
-#include "host/inps_LastResort.h"
 #include "host/inps_OpenModel.h"
+#include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include "parser/inp_Utils.h"
@@ -70,16 +73,23 @@ private:
   // By ourselves: the library's own copying tells a full disk as a fault of reading.
   void Copy(const Path& base) const {
     const utl_MappedFile from(base);
-    utl_OutputFile to(m_path);
-    to.Write(from.Text().data(), from.Text().size());
+    utl_OutputFile to(m_path, utl_OutputFile::Mode::CreateNew);
+    try {
+      to.Write(from.Text().data(), from.Text().size());
+    } catch (const utl_FileException&) {
+      // The system itself reads the pages here, and blames the writing for what it finds.
+      std::error_code ignored;
+      if (std::filesystem::file_size(base, ignored) >= from.Size()) throw;
+      throw utl_FileException("cannot read", base, "it was cut short while it was read");
+    }
     to.Close();
   }
 
   Path m_path;
   Path m_journal; // left by a store that failed
   std::unique_ptr<eds_ModelPlace> m_place;
-  inps_FileUnderWay m_underWay{m_path};
-  inps_FileUnderWay m_journalUnderWay{m_journal};
+  utl_FileUnderWay m_underWay{m_path};
+  utl_FileUnderWay m_journalUnderWay{m_journal};
 };
 
 struct Closing {
@@ -145,6 +155,16 @@ void requireFree(const Path& target, bool force) {
   if (!force) throw utl_FileException("cannot write", target, "it exists; --force replaces it");
 }
 
+// What is read is not replaced; but a base may be, by who says so.
+void requireOther(const Path& target, const std::optional<inps_Input>& base,
+                  const inps_Conversion& conversion) {
+  inps_ReadFiles read;
+  read.Add(conversion.Files());
+  std::error_code ignored;
+  if (base && !std::filesystem::equivalent(base->File(), target, ignored)) read.Add(base->File());
+  read.RequireOther(target);
+}
+
 KvoObjDocument makeModel(const Path& target, bool force) {
   const bool replace = force && utl_isTaken(target);
   return replace ? KvoObjDocument::CreateReplacing(target) : KvoObjDocument::Create(target);
@@ -175,6 +195,7 @@ public:
       Say("the deck cannot be converted; " + m_targetName + " was not written");
       return inps_ExitFaults;
     }
+    requireOther(m_target, m_base, conversion);
     conversion.SetSalvage(m_job.salvage);
     if (const inp_Keyword* restart = conversion.RestartKeyword(); restart && !m_base)
       m_run.Reporter().Warning(inp_Utils::MessageInKeyword(

@@ -7,6 +7,7 @@
 #include "host/inps_ExportFiles.h"
 #include "host/inps_ExportGrid.h"
 #include "host/inps_Input.h"
+#include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include <algorithm>
@@ -41,9 +42,11 @@ public:
 
   int operator()() {
     const bool hasBlocks = m_arguments.Has(inps_Opt::Sets) || m_arguments.Has(inps_Opt::Surfaces);
-    inps_ExportFiles files(m_target, m_input.File(), hasBlocks, m_arguments.Has(inps_Opt::Force));
-    const KvoObjDocument document = inps_openModelOrDeck(m_input, m_run);
+    inps_ReadFiles read{m_input.File()};
+    inps_ExportFiles files(m_target, read, hasBlocks, m_arguments.Has(inps_Opt::Force));
+    const KvoObjDocument document = inps_openModelOrDeck(m_input, m_run, &read);
     if (document.IsNull()) return inps_ExitFaults;
+    files.RequireOther(read); // a deck's includes, too
     const inps_FlatMesh mesh(document);
     if (mesh.NodeCount() == 0 && !mesh.PartNames().empty())
       Warn("the model has no instances, and parts alone have no place: the mesh is empty");
@@ -53,7 +56,7 @@ public:
     } catch (const utl_FileException& failure) { // under the name that the user knows
       throw utl_FileException("cannot write", files.FinalOf(failure.Path()), failure.Reason());
     }
-    files.Finish();
+    TellLeftOver(files.Finish());
     if (m_held) m_held->SendTo(m_run.Data());
     Summarize(mesh, hasBlocks ? files.ListPath() : m_target);
     return m_run.Reporter().Errors() > 0 ? inps_ExitFaults : inps_ExitDone; // of a deck
@@ -163,14 +166,16 @@ private:
     });
   }
 
+  // Not silenced: who does not hear of it keeps it for ever.
+  void TellLeftOver(const cow_List<Path>& files) {
+    for (const Path& file : files)
+      m_session.err << "inps: warning: \"" << utl_pathText(file)
+                    << "\", a part of the export that was replaced, could not be removed\n";
+  }
+
   static void WriteList(const inps_ExportFiles& files, const cow_List<BlockGroup>& groups) {
-    utl_Stream out(files.ListFile());
-    out << "<?xml version=\"1.0\"?>\n"
-           "<VTKFile type=\"vtkMultiBlockDataSet\" version=\"1.0\" byte_order=\"LittleEndian\""
-           " header_type=\"UInt64\">\n"
-           "  <vtkMultiBlockDataSet>\n"
-        << "    <DataSet index=\"0\" name=\"Mesh\" file=\"" << inps_xmlText(files.MeshReference())
-        << "\"/>\n";
+    utl_Stream out(utl_OutputFile(files.ListFile(), utl_OutputFile::Mode::CreateNew));
+    out << inps_exportListHead << inps_xmlText(files.MeshReference()) << "\"/>\n";
     int index = 0;
     for (const BlockGroup& group : groups) {
       out << "    <Block index=\"" << ++index << "\" name=\"" << group.name << "\">\n";

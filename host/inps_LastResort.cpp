@@ -1,43 +1,17 @@
 #include "host/inps_LastResort.h"
 
-#include "base/utl_File.h"
+#include "base/utl_FileUnderWay.h"
+#include "base/utl_Mapping.h"
 #include "host/inps_Session.h"
+#include "host/inps_Terminal.h"
+#include <array>
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <new>
+#include <string_view>
 #include <thread>
-#include <utility>
-
-struct inps_FilesUnderWay {
-  static inline const inps_FileUnderWay* s_last = nullptr;
-  static inline std::atomic_flag s_busy = ATOMIC_FLAG_INIT;
-
-  static void Lock() noexcept {
-    while (s_busy.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
-  }
-  static void Unlock() noexcept { s_busy.clear(std::memory_order_release); }
-
-  // For good: from now on no name comes or goes until the process ends.
-  static void Remove() noexcept {
-    Lock();
-    for (; s_last != nullptr; s_last = s_last->m_before) utl_removeFile(s_last->m_name);
-  }
-};
-
-inps_FileUnderWay::inps_FileUnderWay(const std::filesystem::path& name) noexcept : m_name(name) {
-  inps_FilesUnderWay::Lock();
-  m_before = std::exchange(inps_FilesUnderWay::s_last, this);
-  inps_FilesUnderWay::Unlock();
-}
-
-inps_FileUnderWay::~inps_FileUnderWay() {
-  inps_FilesUnderWay::Lock();
-  inps_FilesUnderWay::s_last = m_before;
-  inps_FilesUnderWay::Unlock();
-}
 
 namespace {
 
@@ -55,23 +29,47 @@ bool isMemoryGone() noexcept {
 
 // Takes no memory. Whatever fails in here ends the process at once; what fails on another thread
 // meanwhile waits for that end.
-[[noreturn]] void lastResort() noexcept {
+void beTheOnlyOne() noexcept {
   static std::atomic<std::thread::id> first{};
   std::thread::id nobody;
-  if (!first.compare_exchange_strong(nobody, std::this_thread::get_id())) {
-    if (nobody == std::this_thread::get_id()) std::_Exit(inps_ExitFailure);
-    while (true) std::this_thread::sleep_for(std::chrono::hours(1));
-  }
-  std::fputs(isMemoryGone() ? "inps: out of memory\n"
-                            : "inps: internal error: a failure that nobody could catch. This is a "
-                              "fault of the program.\n",
-             stderr);
-  inps_FilesUnderWay::Remove();
+  if (first.compare_exchange_strong(nobody, std::this_thread::get_id())) return;
+  if (nobody == std::this_thread::get_id()) std::_Exit(inps_ExitFailure);
+  while (true) std::this_thread::sleep_for(std::chrono::hours(1));
+}
+
+[[noreturn]] void end() noexcept {
+  utl_FileUnderWay::RemoveAll();
   std::_Exit(inps_ExitFailure); // nothing half-told leaves the buffer of standard output
+}
+
+[[noreturn]] void lastResort() noexcept {
+  beTheOnlyOne();
+  inps_sayAtOnce(isMemoryGone() ? "inps: out of memory\n"
+                                : "inps: internal error: a failure that nobody could catch. This "
+                                  "is a fault of the program.\n");
+  end();
+}
+
+// What was committed of a fresh model stays, as after any failure.
+[[noreturn]] void fileIsGone(const char* file, const char* reason) noexcept {
+  beTheOnlyOne();
+  static std::array<char, 5000> line; // a path has at most 4096 bytes
+  std::size_t size = 0;
+  for (const std::string_view part :
+       {std::string_view("inps: cannot read \""), std::string_view(file), std::string_view("\": "),
+        std::string_view(reason)})
+    for (const char c : part) { // nothing that a terminal would obey
+      const bool isPlain = static_cast<unsigned char>(c) >= ' ' && c != '\x7f';
+      if (size + 1 < line.size()) line[size++] = isPlain ? c : '?';
+    }
+  line[size++] = '\n';
+  inps_sayAtOnce({line.data(), size});
+  end();
 }
 
 } // namespace
 
 void inps_installLastResort() noexcept {
   std::set_terminate(lastResort);
+  utl_onMappingFailure(fileIsGone);
 }

@@ -54,21 +54,25 @@ cow_String inps_limitMemory(std::string_view size) {
 
 void inps_tellOutOfMemory(inps_Session& session, std::string_view text) {
   session.err << "inps: " << text;
-  constexpr double mega = 1024.0 * 1024.0;
-  constexpr double giga = 1024.0 * mega;
-  const std::uint64_t own = utl_memoryLimit();
-  const std::uint64_t outer = utl_addressLimit();
-  const bool isOuter = outer > 0 && (own == 0 || outer <= own); // the one that was hit
-  const auto limit = static_cast<double>(isOuter ? outer : own);
-  if (limit > 0) {
-    std::array<char, 160> hint{};
-    const int length = std::snprintf(
-        hint.data(), hint.size(),
-        isOuter ? "; this run was started with %.*f %s of addresses for everything, mapped files "
-                  "too (ulimit -v)"
-                : "; this run may have %.*f %s, \"--memory SIZE\" gives it another bound",
-        limit < giga ? 0 : 2, limit / (limit < giga ? mega : giga), limit < giga ? "MB" : "GB");
+  const auto tell = [&](const char* before, std::uint64_t limit, const char* behind) {
+    constexpr double mega = 1024.0 * 1024.0;
+    constexpr double giga = 1024.0 * mega;
+    const auto bytes = static_cast<double>(limit);
+    std::array<char, 160> hint{}; // no string: memory may still be short
+    const bool isLarge = bytes >= giga;
+    const int length =
+        std::snprintf(hint.data(), hint.size(), "%s%.*f %s%s", before, isLarge ? 2 : 0,
+                      bytes / (isLarge ? giga : mega), isLarge ? "GB" : "MB", behind);
     session.err << std::string_view(hint.data(), static_cast<std::size_t>(length));
-  }
+  };
+  // Who has fewer addresses than memory ran out of those. With more, either may have been short:
+  // mapped files count among addresses alone.
+  const std::uint64_t memory = utl_memoryLimit();
+  const std::uint64_t addresses = utl_addressLimit();
+  if (memory > 0 && (addresses == 0 || memory < addresses))
+    tell("; this run may have ", memory, ", \"--memory SIZE\" gives it another bound");
+  if (addresses > 0)
+    tell("; its addresses, with those of mapped files, are bounded to ", addresses,
+         " by who started it (\"ulimit -v\")");
   session.err << '\n' << std::flush;
 }

@@ -1,29 +1,29 @@
 #include "host/inps_OutputFile.h"
 
 #include "base/utl_File.h"
+#include "base/utl_FileUnderWay.h"
 #include "base/utl_Stream.h"
-#include "host/inps_LastResort.h"
+#include "host/inps_ReadFiles.h"
 #include <optional>
 
-void inps_writeFile(const std::filesystem::path& path, bool force,
-                    const std::filesystem::path& read,
+void inps_writeFile(const std::filesystem::path& path, bool force, const inps_ReadFiles& read,
                     const std::function<void(utl_Stream& out)>& print) {
   std::error_code ignored;
   const std::filesystem::file_status status = std::filesystem::status(path, ignored);
   const bool exists = std::filesystem::exists(status);
   if (std::filesystem::is_directory(status))
     throw utl_FileException("cannot write", path, "it is a folder");
-  if (exists && std::filesystem::equivalent(path, read, ignored))
-    throw utl_FileException("cannot write", path, "it is the file that is read");
+  read.RequireOther(path);
   const bool inPlace = exists && !std::filesystem::is_regular_file(status);
   if (utl_isTaken(path) && !inPlace && !force)
     throw utl_FileException("cannot write", path, "it exists; --force replaces it");
 
   const std::filesystem::path file = inPlace ? path : utl_temporaryBeside(path);
-  std::optional<inps_FileUnderWay> underWay;
+  std::optional<utl_FileUnderWay> underWay;
   if (!inPlace) underWay.emplace(file);
   try {
-    utl_Stream out(file);
+    utl_Stream out(utl_OutputFile(file, inPlace ? utl_OutputFile::Mode::Overwrite
+                                                : utl_OutputFile::Mode::CreateNew));
     print(out);
     out.Close();
     if (inPlace) return;

@@ -3,11 +3,11 @@
 #include <filesystem>
 #include <functional>
 
+class inps_ReadFiles;
 class utl_Stream;
 
 // A file that takes its name when it is whole; it is not forced to the disk, for the model can make
-// it again. The file that is read is never replaced. What is no regular file (a pipe, a device) is
+// it again. What is read is never replaced. What is no regular file (a pipe, a device) is
 // written as it stands. An existing file is replaced by force only. Throws utl_FileException.
-void inps_writeFile(const std::filesystem::path& path, bool force,
-                    const std::filesystem::path& read,
+void inps_writeFile(const std::filesystem::path& path, bool force, const inps_ReadFiles& read,
                     const std::function<void(utl_Stream& out)>& print);

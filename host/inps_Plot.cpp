@@ -9,6 +9,7 @@
 #include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
 #include "host/inps_PlotPage.h"
+#include "host/inps_ReadFiles.h"
 #include "host/inps_Reporter.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
@@ -126,7 +127,7 @@ int inps_plot(inps_Session& session, const inps_Arguments& arguments) {
     }
     const std::filesystem::path target = named ? arguments.PathOf(inps_Opt::Output)
                                                : input.File().filename().replace_extension(".html");
-    inps_writeFile(target, arguments.Has(inps_Opt::Force), input.File(),
+    inps_writeFile(target, arguments.Has(inps_Opt::Force), {input.File()},
                    [&](utl_Stream& out) { inps_printPlotPage(out, page); });
     session.out << utl_pathText(target) << ": " << page.facts << '\n';
     return inps_ExitDone;

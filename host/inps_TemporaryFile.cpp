@@ -2,6 +2,8 @@
 
 #include "base/utl_File.h"
 #include "base/utl_Interruption.h"
+#include "base/utl_MappedFile.h"
+#include "base/utl_OutputFile.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>

@@ -2,7 +2,7 @@
 
 #include "base/aio_ostream.h"
 #include "base/cow_Value.h"
-#include "host/inps_LastResort.h"
+#include "base/utl_FileUnderWay.h"
 #include <filesystem>
 
 // A name in a folder of its own that only this user may look into, for what comes from standard
@@ -22,5 +22,5 @@ public:
 private:
   std::filesystem::path m_folder;
   std::filesystem::path m_path;
-  inps_FileUnderWay m_underWay{m_path};
+  utl_FileUnderWay m_underWay{m_path};
 };

@@ -116,6 +116,15 @@ void inps_stopWhenAsked() {
 }
 #endif
 
+void inps_sayAtOnce(std::string_view text) noexcept {
+  while (!text.empty()) {
+    const long long written = writeSome(2, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
 inps_StandardBuffer::inps_StandardBuffer(Stream stream)
     : m_handle(static_cast<int>(stream)), m_room(stream == Stream::Out ? roomSize : 0) {
   setp(m_room.data(), m_room.data() + m_room.size());

@@ -2,6 +2,7 @@
 
 #include "base/cow_Value.h"
 #include <streambuf>
+#include <string_view>
 
 // What the system says of the streams a program was started with.
 struct inps_TerminalFacts {
@@ -22,6 +23,9 @@ void inps_stopWhenAsked();
 
 // A word as the shell of this system takes it: quoted where it has to be.
 cow_String inps_shellWord(const cow_String& word);
+
+// To standard error past all buffers: takes no memory, may be called from a signal handler.
+void inps_sayAtOnce(std::string_view text) noexcept;
 
 // A standard stream of the process as a stream buffer that remembers why it failed.
 class inps_StandardBuffer final : public std::streambuf {

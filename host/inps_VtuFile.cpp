@@ -3,7 +3,7 @@
 
 #include "base/utl_Assert.h"
 #include "base/utl_Buffer.h"
-#include "base/utl_File.h"
+#include "base/utl_OutputFile.h"
 #include "base/utl_Threads.h"
 #include "parser/inp_Utf8Text.h"
 #include <algorithm>
@@ -64,7 +64,7 @@ struct Slot {
 class VtuWriter {
 public:
   VtuWriter(const std::filesystem::path& path, const inps_VtuGrid& grid)
-      : m_file(path), m_slots(utl_slotCount()) {
+      : m_file(path, utl_OutputFile::Mode::CreateNew), m_slots(utl_slotCount()) {
     WriteHead(grid);
     for (std::size_t i = 0; i < m_arrays.size(); ++i) WriteArray(*m_arrays[i], m_offsetPlaces[i]);
     Write("\n  </AppendedData>\n</VTKFile>\n");

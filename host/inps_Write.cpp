@@ -6,6 +6,7 @@
 #include "host/inps_Input.h"
 #include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
+#include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include "inpS/writer/inpS_Sim2Inp.h"
@@ -28,7 +29,8 @@ int inps_write(inps_Session& session, const inps_Arguments& arguments) {
     const KvoObjDocument document = inps_openModel(input, run);
     if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != inps_dash) {
       inps_writeFile(arguments.PathOf(inps_Opt::Output), arguments.Has(inps_Opt::Force),
-                     input.File(), [&](utl_Stream& deck) { print(document, deck, session.err); });
+                     {input.File()},
+                     [&](utl_Stream& deck) { print(document, deck, session.err); });
     } else {
       utl_Stream deck(run.Data());
       print(document, deck, session.err);

@@ -1,4 +1,5 @@
 #include "parser/inp_BulkDecode.h"
+#include "base/utl_TinyNumber.h"
 #include "parser/inp_BulkPiece.h"
 #include "parser/inp_LineScan.h"
 #include <algorithm>
@@ -192,7 +193,7 @@ bool inp_readOtherReal(const char* begin, const char* end, double& value) {
   // As long as the spelling is an integer's, nought has no sign.
   const bool isNought = number == 0 && text.find_first_not_of("+-0") == std::string_view::npos;
   value = isNought ? 0 : number;
-  return true;
+  return !utl_isTinyNumber(text, number); // the general road tells of it
 }
 
 bool inp_readOtherInt(const char* begin, const char* end, int& value) {

@@ -1,6 +1,7 @@
 #include "parser/inp_DeckText.h"
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
+#include "base/utl_MappedFile.h"
 #include "parser/inp_TextLines.h"
 #include "parser/inp_Utf8Text.h"
 #include <algorithm>
@@ -41,11 +42,28 @@ const char* fieldBegin(const char* lineBegin, const char* at) {
   return at;
 }
 
+// Old systems and some exporters end lines by a carriage return alone. Of such a file no line feed
+// comes in its first stretch, but for the very end, where an editor may have put one.
+bool endsLinesByReturns(std::string_view text) {
+  static constexpr std::size_t stretch = 64 * 1024;
+  text = text.substr(0, std::min(stretch, text.find_last_not_of("\r\n") + 1));
+  return text.find('\n') == text.npos && text.find('\r') != text.npos;
+}
+
+// Of such a file, which is a rare guest, the whole text is held in memory.
+cow_String withLineFeeds(std::string_view text) {
+  cow_String copy(text);
+  for (std::size_t i = 0; i < copy.size(); ++i)
+    if (copy[i] == '\r' && (i + 1 == copy.size() || copy[i + 1] != '\n')) copy[i] = '\n';
+  return copy;
+}
+
 } // namespace
 
 struct inp_DeckText::Impl {
   utl_MappedFile file; // or
   cow_String buffer;
+  std::filesystem::path path;  // of a file
   const char* begin = nullptr; // behind a byte-order mark
   const char* end = nullptr;
   cow_String name;
@@ -60,6 +78,20 @@ struct inp_DeckText::Impl {
   mutable std::mutex mutex;
   mutable cow_List<long long> lineFeedsBefore{0};
 
+  void Read(const std::filesystem::path& from) {
+    file = utl_MappedFile(from);
+    path = from;
+    folder = from.parent_path();
+    if (endsLinesByReturns(file.Text())) {
+      buffer = withLineFeeds(file.Text());
+      file.Release(0, file.Size());
+    }
+    if (buffer.empty())
+      SetText(file.Data(), file.Size());
+    else
+      SetText(buffer.data(), buffer.size());
+  }
+
   void SetText(const char* data, std::size_t size) {
     static constexpr std::string_view mark = "\xEF\xBB\xBF";
     const std::string_view text(data, size);
@@ -70,7 +102,7 @@ struct inp_DeckText::Impl {
   std::size_t Size() const { return static_cast<std::size_t>(end - begin); }
 
   void Release(const char* from, const char* to) const {
-    if (!file.IsMapped() || from >= to) return;
+    if (!file.IsMapped() || !buffer.empty() || from >= to) return;
     file.Release(static_cast<std::size_t>(from - file.Data()), static_cast<std::size_t>(to - from));
   }
 
@@ -127,10 +159,8 @@ inp_DeckText::~inp_DeckText() = default;
 inp_DeckTextPtr inp_DeckText::Open(const std::filesystem::path& path, inp_DeckTextPtr includedFrom,
                                    long long includedAtLine) {
   auto impl = std::make_unique<Impl>();
-  impl->file = utl_MappedFile(path);
-  impl->SetText(impl->file.Data(), impl->file.Size());
+  impl->Read(path);
   impl->name = utl_pathText(path);
-  impl->folder = path.parent_path();
   impl->includedFrom = std::move(includedFrom);
   impl->includedAtLine = includedAtLine;
   return inp_DeckTextPtr(new inp_DeckText(std::move(impl)));
@@ -138,10 +168,8 @@ inp_DeckTextPtr inp_DeckText::Open(const std::filesystem::path& path, inp_DeckTe
 
 inp_DeckTextPtr inp_DeckText::OpenAs(const std::filesystem::path& path, cow_String name) {
   auto impl = std::make_unique<Impl>();
-  impl->file = utl_MappedFile(path);
-  impl->SetText(impl->file.Data(), impl->file.Size());
+  impl->Read(path);
   impl->name = std::move(name);
-  impl->folder = path.parent_path();
   return inp_DeckTextPtr(new inp_DeckText(std::move(impl)));
 }
 
@@ -178,7 +206,10 @@ const cow_String& inp_DeckText::FileName() const {
   return m_impl->name;
 }
 const std::filesystem::path& inp_DeckText::Path() const {
-  return m_impl->file.Path();
+  return m_impl->path;
+}
+bool inp_DeckText::IsFileAsItWas() const {
+  return m_impl->file.IsAsItWas();
 }
 const std::filesystem::path& inp_DeckText::Folder() const {
   return m_impl->folder;

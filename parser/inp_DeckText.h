@@ -10,7 +10,8 @@
 class inp_DeckText;
 using inp_DeckTextPtr = std::shared_ptr<const inp_DeckText>;
 
-// The text of one deck file, mapped and never copied, or of a generated buffer. Keywords cut from
+// The text of one deck file, mapped and never copied (unless its lines end by carriage returns
+// alone, which are read as line feeds), or of a generated buffer. Keywords cut from
 // it share it; lines and columns are counted only when a message asks for them.
 class inp_DeckText {
 public:
@@ -33,6 +34,10 @@ public:
   const cow_String& FileName() const;        // as users know it, UTF-8
   const std::filesystem::path& Path() const; // empty for text that is no file
   const std::filesystem::path& Folder() const;
+
+  // Whether the file it was read from still has the size it had: what is mapped of one that was cut
+  // short reads as zeros up to the end of its page, and what is added to it is never seen.
+  bool IsFileAsItWas() const;
 
   // Place of a character for a message: file, line, column, the line itself and the include chain.
   wip_Place PlaceOf(const char* at, int width = 1) const;

@@ -13,6 +13,7 @@
 #include "parser/inp_Utils.h"
 #include <algorithm>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -67,6 +68,12 @@ struct inp_Parser::Impl {
   inp_ParametersSoFar parameters{};
   cow_List<fs::path> reading{}; // the chain of files being read
   int includes = 0;
+  cow_List<inp_DeckTextPtr> files{};
+  std::unordered_set<fs::path::string_type> fileNames{};
+
+  void Opened(const inp_DeckTextPtr& text) {
+    if (fileNames.insert(text->Path().native()).second) files.push_back(text);
+  }
 
   void ParseText(const inp_DeckTextPtr& text);
   void ParseKeyword(const inp_DeckTextPtr& text, const inp_Structure& found, std::size_t mark);
@@ -116,6 +123,10 @@ const cow_List<wip_Message>& inp_Parser::Warnings() const {
   return m_impl->warnings;
 }
 
+const cow_List<inp_DeckTextPtr>& inp_Parser::Files() const {
+  return m_impl->files;
+}
+
 inp_KeywordList inp_Parser::Parse(bool expectFile) {
   const inp_DeckTextPtr root = m_impl->OpenRoot(expectFile);
   if (!root) return {};
@@ -139,6 +150,7 @@ inp_DeckTextPtr inp_Parser::Impl::OpenRoot(bool expectFile) {
   try {
     inp_DeckTextPtr text = inp_DeckText::OpenAs(path, jobName.empty() ? inputPath : jobName);
     reading.push_back(identityOf(path));
+    Opened(text);
     return text;
   } catch (const utl_FileException& failure) {
     wip_Message message(failure.what());
@@ -377,7 +389,9 @@ inp_DeckTextPtr inp_Parser::Impl::OpenNamed(const inp_KeywordBody& body,
   }
   try {
     const long long line = body.line + std::count(body.begin, parameter.at, '\n');
-    return inp_DeckText::Open(path, body.text, line);
+    inp_DeckTextPtr text = inp_DeckText::Open(path, body.text, line);
+    Opened(text);
+    return text;
   } catch (const utl_FileException& failure) {
     FileError(body, parameter, failure.what());
     return nullptr;

@@ -281,7 +281,12 @@ bool eds_isFixedTable(std::string_view table, std::string_view sql) {
 
 void eds_checkHeader(const std::filesystem::path& file) {
   const cow_String name = "\"" + utl_pathText(file) + "\"";
-  if (!utl_exists(file)) throw eds_FileAccessException("cannot open " + name + ": no such file");
+  std::error_code failure;
+  if (!std::filesystem::exists(std::filesystem::status(file, failure)))
+    throw eds_FileAccessException("cannot open " + name + ": " +
+                                  (failure && failure != std::errc::no_such_file_or_directory
+                                       ? failure.message()
+                                       : "no such file"));
   if (utl_isDirectory(file)) throw eds_FileAccessException("cannot open " + name + ": a folder");
   std::error_code ignored;
   if (!std::filesystem::is_regular_file(file, ignored)) // opening a pipe would wait for its writer

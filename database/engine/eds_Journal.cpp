@@ -31,6 +31,21 @@ uint32_t sumOf(const unsigned char* page, uint32_t size, uint32_t nonce) {
   return sum;
 }
 
+// Whether our engine made a file of this name, as its first bytes tell. Without any it was about
+// to; those of a journal are zeros while its content is on the way to the disk. Logs it never
+// writes.
+bool isEngines(const fs::path& journal, std::string_view ending) {
+  if (ending != "-journal") return ending != "-wal";
+  std::ifstream stream(journal, std::ios::binary);
+  unsigned char begin[sizeof magic] = {};
+  stream.read(reinterpret_cast<char*>(begin), sizeof begin);
+  if (stream.gcount() == 0) return !stream.bad();
+  if (stream.gcount() < static_cast<std::streamsize>(sizeof begin)) return false;
+  constexpr unsigned char zeros[sizeof magic] = {};
+  return std::memcmp(begin, magic, sizeof magic) == 0 ||
+         std::memcmp(begin, zeros, sizeof zeros) == 0;
+}
+
 // What a journal says of the file that it belongs to.
 struct Before {
   uint32_t pages = 0;      // that the file had before the transaction
@@ -103,15 +118,27 @@ fs::path eds_journalOf(const fs::path& file) {
   return journal;
 }
 
+void eds_removeJournal(const fs::path& file) {
+  const fs::path journal = eds_journalOf(file);
+  if (utl_isTaken(journal) && !utl_removeFile(journal))
+    throw eds_FileAccessException("cannot remove \"" + utl_pathText(journal) +
+                                  "\": " + utl_fileFailure());
+}
+
 void eds_requireOwnJournals(const fs::path& file) {
   for (const char* ending : {"-journal", "-wal", "-shm"}) {
     fs::path journal = file;
     journal += ending;
     std::error_code ignored;
-    if (utl_isTaken(journal) && !fs::is_regular_file(journal, ignored))
+    const auto refuse = [&](const char* why) {
       throw eds_FileAccessException("cannot open \"" + utl_pathText(file) + "\": \"" +
-                                    utl_pathText(journal.filename()) +
-                                    "\" beside it is no regular file");
+                                    utl_pathText(journal.filename()) + "\" beside it " + why);
+    };
+    if (!utl_isTaken(journal)) continue;
+    if (!fs::is_regular_file(journal, ignored)) refuse("is no regular file");
+    if (!isEngines(journal, ending))
+      refuse(
+          "has the name of its journal and is none; it would be removed, so give it another name");
   }
   const fs::path journal = eds_journalOf(file);
   if (!utl_exists(journal)) return;

@@ -1,6 +1,7 @@
 #include "database/engine/eds_Store.h"
 #include "base/utl_Assert.h"
 #include "base/utl_File.h"
+#include "base/utl_OutputFile.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelPlace.h"
 #include "database/engine/eds_Format.h"
@@ -54,13 +55,30 @@ void eds_Store::StartEmpty() {
 void eds_Store::LayDown(const std::filesystem::path& file) {
   m_temporary = utl_temporaryBeside(file);
   m_temporaryJournal = eds_journalOf(m_temporary);
+  m_underWay.emplace(m_temporary);
+  m_journalUnderWay.emplace(m_temporaryJournal);
   m_path = file;
+  // By ourselves: of a folder that may not be written the engine says that it does not exist. Nor
+  // does a file that has this name by now become ours.
+  try {
+    utl_OutputFile(m_temporary, utl_OutputFile::Mode::CreateNew).Close();
+  } catch (const utl_FileException& failure) {
+    RemoveTemporary(); // an empty one that could not be closed
+    throw eds_FileAccessException("cannot create \"" + utl_pathText(file) +
+                                  "\": " + failure.Reason());
+  }
   m_engine.SetShownFile(file);
   m_engine.Open(m_temporary, eds_OpenMode::New);
   m_engine.Execute("PRAGMA journal_mode = MEMORY");
   m_engine.Execute("PRAGMA synchronous = OFF");
   eds_createTables(m_engine);
   StartEmpty();
+}
+
+void eds_Store::HasItsName() {
+  m_underWay.reset();
+  m_journalUnderWay.reset();
+  m_temporary.clear();
 }
 
 void eds_Store::Create(const std::filesystem::path& file) {
@@ -78,7 +96,7 @@ void eds_Store::Create(const std::filesystem::path& file) {
     utl_removeFile(m_temporary);
     throw eds_FileAccessException(failure.what());
   }
-  m_temporary.clear();
+  HasItsName();
   m_engine.SetPatience(readersPatience);
   m_engine.Open(file, eds_OpenMode::New);
   m_engine.ApplyMode();
@@ -184,7 +202,7 @@ void eds_Store::WriteOut() {
     utl_removeFile(m_temporaryJournal); // all is committed: it can only be one that would not go
     m_place->GiveTo(m_temporary, utl_IfExists::Replace);
     m_place.reset();
-    m_temporary.clear();
+    HasItsName();
     Reopen(m_path);
   }
   utl_syncFolderOf(m_path);

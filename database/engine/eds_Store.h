@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/utl_FileUnderWay.h"
 #include "database/eds_Array.h"
 #include "database/eds_MemberSet.h"
 #include "database/engine/eds_ChunkStore.h"
@@ -9,6 +10,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 
 // One open model: its records in memory, what of them has changed, and the file beneath. Everything
@@ -87,6 +89,7 @@ private:
   void Flush();
   void WriteMeta();
   void LayDown(const std::filesystem::path& file);
+  void HasItsName(); // its final one
   void Recover(const std::filesystem::path& file);
   void RecoverIfPossible();
   void RequireOurs();
@@ -117,6 +120,8 @@ private:
   std::filesystem::path m_path;      // the name the user knows
   std::filesystem::path m_temporary; // while the file has another one
   std::filesystem::path m_temporaryJournal;
+  std::optional<utl_FileUnderWay> m_underWay;
+  std::optional<utl_FileUnderWay> m_journalUnderWay;
   std::unique_ptr<eds_ModelPlace> m_place; // that the temporary file will take
   int m_depth = 0;
   bool m_wroteChunks = false; // in the open transaction

@@ -1,5 +1,6 @@
 #define XXH_INLINE_ALL
 #include "base/utl_File.h"
+#include "base/utl_MappedFile.h"
 #include "database/KvoObjDocument.h"
 #include "inpS/driver/inpS_Inp2Sim.h"
 #include "inpS/messages/inpS_MessageContainer.h"

@@ -48,6 +48,8 @@ public:
   void Print(aio_ostream& out) const;
 
   const inp_KeywordList& Keywords() const { return m_keywords; }
+  // After Parse: the deck, its includes and data files as they were opened.
+  const cow_List<inp_DeckTextPtr>& Files() const { return m_files; }
   const inpS_Inventory& Inventory() const { return m_inventory; }
   // After a conversion: what was kept verbatim instead of modelled, in deck order of first places.
   const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
@@ -119,6 +121,7 @@ private:
   cow_String m_directory;
   cow_String m_deckName;
   inp_KeywordList m_keywords;
+  cow_List<inp_DeckTextPtr> m_files;
   bool m_featureEnhanced = false;
   inpS_Inventory m_inventory;
   cow_String m_modelString;

@@ -11,6 +11,7 @@
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/history/inpS_AmplitudeForm.h"
 #include "inpS/keywords/inpS_KeptParts.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -308,6 +309,7 @@ double inpS_AmplitudeVisitor::ValueAt(const inp_Keyword& keyword, long long row,
     AddError(inp_Utils::MessageAtField(keyword, row, col, "This is no number; it is read as 0."));
     m_isWhole = false;
   }
+  if (auto tiny = inpS_tinyNumberMessage(keyword, row, col)) AddWarning(std::move(*tiny));
   return data.AsDouble(row, col);
 }
 

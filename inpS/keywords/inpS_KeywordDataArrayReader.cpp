@@ -1,6 +1,7 @@
 #include "inpS/keywords/inpS_KeywordDataArrayReader.h"
 #include "base/utl_Assert.h"
 #include "base/utl_Number.h"
+#include "base/utl_TinyNumber.h"
 #include <algorithm>
 
 inpS_KeywordDataArrayReader::inpS_KeywordDataArrayReader(const inp_DataArray& data, long long rows)
@@ -31,6 +32,8 @@ void inpS_KeywordDataArrayReader::ReadFields(long long rowNum, int begin, int en
     const utl_Field field = utl_classifyField(m_data.FieldText(rowNum, col));
     const bool empty = field.kind == utl_FieldKind::None;
     if (field.kind == utl_FieldKind::String) m_unread.push_back({rowNum, col, false});
+    if (utl_isTinyNumber(field.text, field.real) && field.kind == utl_FieldKind::Double)
+      m_tiny.push_back({rowNum, col, false});
     m_record.push_back(empty ? DefaultOf(m_record.size()) : field.IsNumber() ? field.real : 0.0);
     m_given.push_back(empty ? 0 : 1);
   }

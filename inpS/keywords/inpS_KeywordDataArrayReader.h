@@ -26,6 +26,9 @@ public:
   long long RowsConsumed() const { return m_rowsConsumed; }             // by all records
   const cow_List<inpS_UnreadField>& Unread() const { return m_unread; } // of all records
 
+  // Numbers of all records that are nearer to zero than they can be held.
+  const cow_List<inpS_UnreadField>& Tiny() const { return m_tiny; }
+
 private:
   int FieldCount(long long row) const;
   void ReadLine(long long row, int firstColumn, int target);
@@ -41,4 +44,5 @@ private:
   cow_List<double> m_record;
   cow_List<char> m_given;
   cow_List<inpS_UnreadField> m_unread;
+  cow_List<inpS_UnreadField> m_tiny;
 };

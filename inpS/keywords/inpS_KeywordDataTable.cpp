@@ -2,9 +2,11 @@
 #include "base/utl_Assert.h"
 #include "inpS/keywords/inpS_ArrayDouble.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/messages/inpS_MessageContainer.h"
 #include "parser/inp_BulkDecode.h"
+#include "parser/inp_Visitor.h"
 #include <algorithm>
 
 namespace {
@@ -83,6 +85,7 @@ void inpS_KeywordDataTable::Read(int firstColumn) {
   m_given.reset();
   m_lines.clear();
   m_unread.clear();
+  m_tiny.clear();
   if (firstColumn == 0 && m_defaultDataCols.empty() && ReadAlikeRows()) {
     m_tempDependent = m_temperature && IsDependentOnColumn(m_dataColumns);
     return;
@@ -111,6 +114,7 @@ void inpS_KeywordDataTable::Read(int firstColumn) {
     AppendRecord(record, reader.Given());
   }
   m_unread = reader.Unread();
+  m_tiny = reader.Tiny();
   m_tempDependent = m_temperature && IsDependentOnColumn(m_dataColumns);
 }
 
@@ -253,6 +257,7 @@ void inpS_KeywordDataTable::ClearAll() {
   m_table.Reset(m_table.Cols());
   m_given.reset();
   m_unread.clear();
+  m_tiny.clear();
   m_tempDependent = false;
 }
 
@@ -261,4 +266,11 @@ cow_List<const double*> inpS_KeywordDataTable::GetDataAsPtr() const {
   rows.reserve(m_table.Rows());
   for (std::size_t row = 0; row < m_table.Rows(); ++row) rows.push_back(m_table.Row(row).data());
   return rows;
+}
+
+void inpS_KeywordDataTable::ReportUnread(inp_Visitor& messages) const {
+  inpS_reportUnreadFields(m_keyword, m_unread, messages);
+  for (const inpS_UnreadField& field : m_tiny)
+    if (auto message = inpS_tinyNumberMessage(m_keyword, field.row, field.col))
+      messages.AddWarning(std::move(*message));
 }

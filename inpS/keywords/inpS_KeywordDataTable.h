@@ -70,9 +70,8 @@ public:
 
   // Words and surplus fields met by Read, for the caller to report.
   const cow_List<inpS_UnreadField>& Unread() const { return m_unread; }
-  void ReportUnread(inp_Visitor& messages) const {
-    inpS_reportUnreadFields(m_keyword, m_unread, messages);
-  }
+  // And warnings of numbers that cannot be held as they are.
+  void ReportUnread(inp_Visitor& messages) const;
 
 private:
   void CheckColumn(int colNum) const;
@@ -93,4 +92,5 @@ private:
   // The same shape as the table, 1 where the deck gave the value; none while it gave all of them.
   std::optional<inpS_FlatTable<char>> m_given;
   cow_List<inpS_UnreadField> m_unread;
+  cow_List<inpS_UnreadField> m_tiny;
 };

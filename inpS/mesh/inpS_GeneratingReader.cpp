@@ -1,6 +1,7 @@
 #include "inpS/mesh/inpS_GeneratingReader.h"
 #include "base/utl_BlockSize.h"
 #include "inpS/framework/inpS_System.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/sets/inpS_SetServices.h"
@@ -83,6 +84,8 @@ bool inpS_GeneratingReader::ReadReal(long long row, int col, double absent, doub
   if (!HasValue(row, col)) return true;
   const inp_DataArray& data = m_keyword->Data();
   value = data.AsDouble(row, col);
+  if (auto tiny = inpS_tinyNumberMessage(*m_keyword, row, col))
+    m_messages.AddWarning(std::move(*tiny));
   if (data.IsNumber(row, col)) return true;
   return Fails(row, col, "\"" + data.AsStringVerbatim(row, col) + "\" is no number; line ignored.");
 }

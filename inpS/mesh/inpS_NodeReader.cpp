@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_NodeReader.h"
 #include "inpS/framework/inpS_System.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
@@ -75,6 +76,8 @@ bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, const inpS_System& 
       return false;
     }
     values[col - 1] = data.AsDouble(row, col);
+    if (auto tiny = inpS_tinyNumberMessage(keyword, row, col))
+      m_messages.AddWarning(std::move(*tiny));
   }
   const auto slot = static_cast<std::size_t>(odd.slot);
   piece.labels[slot] = data.AsInt(row, 0);

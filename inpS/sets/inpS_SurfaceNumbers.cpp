@@ -1,5 +1,6 @@
 #include "inpS/sets/inpS_SurfaceNumbers.h"
 #include "inpS/keywords/inpS_BlankLine.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
@@ -43,6 +44,8 @@ bool inpS_SurfaceNumbers::ReadNumbers(long long row, int firstCol, int count, do
     if (!data.HasValue(row, col)) continue;
     if (col - firstCol < count && data.IsNumber(row, col)) {
       numbers[col - firstCol] = data.AsDouble(row, col);
+      if (auto tiny = inpS_tinyNumberMessage(m_keyword, row, col))
+        m_messages.AddWarning(std::move(*tiny));
       continue;
     }
     m_messages.AddError(inp_Utils::MessageAtField(

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "base/utl_File.h"
+#include "base/utl_MappedFile.h"
+#include "base/utl_OutputFile.h"
 #include <filesystem>
 #include <string_view>
 

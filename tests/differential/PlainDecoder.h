@@ -30,6 +30,12 @@ struct PlainField {
     real = 0;
   }
   bool IsLabel() const { return kind == Integer && std::llabs(integer) <= 999999999; }
+  // Nearer to zero than a number can be held with all its digits.
+  bool IsTiny() const {
+    const std::string mantissa = text.substr(0, text.find_first_of("eEdD"));
+    return IsNumber() && std::fabs(real) < 2.2250738585072014e-308 &&
+           mantissa.find_first_of("123456789") != std::string::npos;
+  }
   bool IsNumber() const { return kind == Integer || kind == Double; }
 
 private:

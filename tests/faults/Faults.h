@@ -2,7 +2,8 @@
 
 #include <cstdint>
 
-// Places where the system may let the program down. Buffer: the memory of bulk arrays; AnyMemory:
+// Places where the system may let the program down: calls of the engine for its files, our own for
+// ours, memory. Buffer: the memory of bulk arrays; AnyMemory:
 // of whatever asks.
 enum class Fault {
   Read,
@@ -11,6 +12,12 @@ enum class Fault {
   Open,
   Truncate,
   Delete,
+  FileOpen,
+  FileCreate,
+  FileWrite,
+  FileSync,
+  FileRename,
+  FileRemove,
   EngineMemory,
   Memory,
   Buffer,

@@ -155,8 +155,34 @@ constexpr Case cases[] = {
     {Job::Plot, "Plot", true},         {Job::ConvertAtOnce, "ConvertAtOnce", false},
     {Job::Info, "Info", true},         {Job::Diff, "Diff", true},
 };
-constexpr const char* faultNames[] = {"Read",   "Write",        "Sync",   "Open",   "Truncate",
-                                      "Delete", "EngineMemory", "Memory", "Buffer", "AnyMemory"};
+constexpr const char* faultNames[] = {"Read",         "Write",    "Sync",       "Open",
+                                      "Truncate",     "Delete",   "FileOpen",   "FileCreate",
+                                      "FileWrite",    "FileSync", "FileRename", "FileRemove",
+                                      "EngineMemory", "Memory",   "Buffer",     "AnyMemory"};
+
+// Whether a job, when all goes well, comes to calls for our own files of this kind.
+bool usesFiles(Job job, Fault fault) {
+  const bool restarts = job == Job::Restart || job == Job::RestartJson;
+  const bool converts = restarts || job == Job::Convert || job == Job::ConvertAtOnce ||
+                        job == Job::Json || job == Job::Replace;
+  const bool prints =
+      job == Job::Write || job == Job::Export || job == Job::ExportBlocks || job == Job::Plot;
+  switch (fault) {
+  case Fault::FileOpen:
+    return converts || job == Job::Diff;
+  case Fault::FileWrite:
+    return restarts || prints;
+  case Fault::FileSync:
+    return converts;
+  case Fault::FileRemove:
+    return restarts || job == Job::Replace || job == Job::ExportBlocks;
+  default:
+    return converts || prints;
+  }
+}
+bool isOfFiles(Fault fault) {
+  return fault >= Fault::FileOpen && fault <= Fault::FileRemove;
+}
 
 class FaultsTest : public testing::TestWithParam<std::tuple<Case, Fault, bool>> {
 protected:
@@ -218,7 +244,7 @@ protected:
     if (m_case.job == Job::ExportBlocks) kept.insert({"out.vtu", "out.vtm", "out"});
     for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path()))
       if (!kept.contains(utl_pathText(entry.path().filename())))
-        std::filesystem::remove(entry.path());
+        std::filesystem::remove_all(entry.path());
     if (m_case.job == Job::Replace) writeFile(m_folder / "model.sim", m_old);
   }
 
@@ -290,8 +316,9 @@ protected:
     if (run.exitCode == 0) {
       EXPECT_EQ(run.Messages(), 0) << run.said;
     } else {
-      EXPECT_EQ(run.exitCode, 3) << run.said;
-      EXPECT_EQ(run.Messages(), 1) << run.said;
+      // A file that a deck names and that cannot be opened is a fault of the deck.
+      EXPECT_TRUE(run.exitCode == 3 || (run.exitCode == 1 && fault == Fault::FileOpen)) << run.said;
+      EXPECT_TRUE(run.Messages() == 1 || run.exitCode == 1) << run.said;
     }
     LookAtWhatIsLeft(run);
     EXPECT_TRUE(readFile(m_folder / "base.sim") == m_base) << run.said;
@@ -301,7 +328,9 @@ protected:
     if (!m_case.reads) {
       LookAtModel(run);
     } else if (m_case.job == Job::ExportBlocks) {
-      EXPECT_TRUE(Exported() == m_output) << run.said;
+      // Where nothing can be renamed any more, it is told under what name the old blocks lie.
+      const bool isAside = run.said.find("what was there is now") != cow_String::npos;
+      EXPECT_TRUE(isAside ? !Exists("out") : Exported() == m_output) << run.said;
     } else if (run.exitCode != 0) {
       // The last words may fail when all is done: what has its name then is whole.
       for (const char* name : {"out", "out.vtu", "out.html"})
@@ -313,13 +342,14 @@ protected:
       static const std::set<cow_String> known = {"base.sim", "base.inp",  "old.inp",
                                                  "old.sim",  "model.sim", "out",
                                                  "out.vtu",  "out.html",  "out.vtm"};
-      EXPECT_TRUE(known.contains(name)) << name << " is left; " << run.said;
+      const bool isTold = run.said.find(name) != cow_String::npos;
+      EXPECT_TRUE(known.contains(name) || isTold) << name << " is left; " << run.said;
     }
   }
 
   void LookAtModel(const FaultyRun& run) {
     if (!Exists("model.sim")) {
-      EXPECT_TRUE(run.exitCode == 3 && m_case.job != Job::Replace) << run.said;
+      EXPECT_TRUE(run.exitCode != 0 && m_case.job != Job::Replace) << run.said;
       return;
     }
     if (run.exitCode != 0 && m_case.job == Job::Replace &&
@@ -407,8 +437,10 @@ std::vector<FaultsTest::ParamType> allCases() {
   for (const Case& job : cases) {
     for (int fault = 0; fault < static_cast<int>(Fault::Count); ++fault) {
       if (job.job == Job::ConvertMany && fault != static_cast<int>(Fault::Buffer)) continue;
+      if (isOfFiles(static_cast<Fault>(fault)) && !usesFiles(job.job, static_cast<Fault>(fault)))
+        continue;
       const bool changes = fault != static_cast<int>(Fault::Read) &&
-                           fault < static_cast<int>(Fault::EngineMemory) &&
+                           fault < static_cast<int>(Fault::FileOpen) &&
                            fault != static_cast<int>(Fault::Open);
       if (job.reads && changes) continue;
       const bool json =

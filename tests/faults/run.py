@@ -10,9 +10,10 @@ import sys
 
 LINE = re.compile(r"^(\d+) calls, (\d+) tried: (\d+) ended with a message, (\d+) were done all the "
                   r"same, (\d+) left a part$")
-NAME = re.compile(r"^\[ RUN +\] .*/(\w+?)(Read|Write|Sync|Open|Truncate|Delete|EngineMemory|Memory|"
+NAME = re.compile(r"^\[ RUN +\] .*/(\w+?)(File[A-Z][a-z]+|Read|Write|Sync|Open|Truncate|Delete|EngineMemory|Memory|"
                   r"Buffer|AnyMemory)(Once|FromThenOn)$")
-KINDS = ["Read", "Write", "Sync", "Open", "Truncate", "Delete", "EngineMemory", "Memory", "Buffer",
+KINDS = ["Read", "Write", "Sync", "Open", "Truncate", "Delete", "FileOpen", "FileCreate",
+         "FileWrite", "FileSync", "FileRename", "FileRemove", "EngineMemory", "Memory", "Buffer",
          "AnyMemory"]
 
 

@@ -163,6 +163,126 @@ TEST_F(BadInput, WhatIsReadIsNotReplaced) {
   EXPECT_TRUE(readFile(m_folder / "m.sim") == model && readFile(m_folder / "m.vtu") == model);
 }
 
+// A deck's includes and data files, the base of a restart; by other spellings, through links; and
+// as the journal of what is written or of what is read.
+TEST_F(BadInput, NoFileOfADeckIsReplaced) {
+  std::filesystem::create_directory(m_folder / "sub");
+  const cow_String deck =
+      Deck("d.inp", "*HEADING\n*INCLUDE, INPUT=sub/mesh.inp\n*AMPLITUDE, NAME=A, INPUT=a.csv\n");
+  Deck("sub/mesh.inp", oneBrick);
+  Deck("a.csv", "0., 0., 1., 1.\n");
+  Deck("j.sim-journal", oneBrick);
+  std::filesystem::create_hard_link(m_folder / "a.csv", m_folder / "a.vtu");
+#ifndef _WIN32
+  std::filesystem::create_directory_symlink("sub", m_folder / "link");
+  std::filesystem::create_symlink("sub/mesh.inp", m_folder / "mesh.vtu");
+#else
+  std::filesystem::create_directory(m_folder / "link");
+  std::filesystem::create_hard_link(m_folder / "sub/mesh.inp", m_folder / "link/mesh.inp");
+  std::filesystem::create_hard_link(m_folder / "sub/mesh.inp", m_folder / "mesh.vtu");
+#endif
+  ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("m.sim"), "-q"}).exitCode, 0);
+  const auto content = [&] {
+    cow_String all;
+    for (const char* name : {"d.inp", "sub/mesh.inp", "a.csv", "j.sim-journal", "m.sim"})
+      all += readFile(m_folder / name);
+    return all;
+  };
+  const cow_String before = content();
+  const cow_String more = Deck("more.inp", "*AMPLITUDE, NAME=B\n0., 1.\n");
+  const cow_List<cow_List<cow_String>> runs = {
+      {"convert", deck, "-o", File("sub/mesh.inp")},
+      {"convert", deck, "-o", File("sub/../sub/./mesh.inp")},
+      {"convert", deck, "-o", File("link/mesh.inp")},
+      {"convert", deck, "-o", File("a.csv")},
+      {"convert", deck, "-o", File("a.vtu")},
+      {"convert", File("j.sim-journal"), "-o", File("j.sim")},
+      {"convert", more, "--restart", File("m.sim"), "-o", File("m.sim-journal")},
+      {"convert", more, "--restart", File("m.sim"), "-o", File("m.sim-wal")},
+      {"convert", more, "--restart", File("m.sim"), "-o", more + "-journal"},
+      {"write", File("m.sim"), "-o", File("m.sim-journal")},
+      {"plot", File("m.sim"), "-o", File("m.sim-shm")},
+      {"export", deck, File("a.vtu")},
+      {"export", deck, File("mesh.vtu")}};
+  for (cow_List<cow_String> words : runs) {
+    words.emplace_back("--force");
+    const ProgramRun run(words);
+    EXPECT_EQ(run.exitCode, 3) << words[0] << ' ' << words[3] << run.err;
+    EXPECT_TRUE(run.Says("it is the file that is read") || run.Says(", which is read"))
+        << words[0] << ' ' << run.err;
+    EXPECT_TRUE(content() == before) << words[0] << ' ' << words[3];
+  }
+  // A base may be replaced by who says so.
+  EXPECT_EQ(ProgramRun({"convert", more, "--restart", File("m.sim"), "--force"}).exitCode, 0);
+}
+
+// By itself, with the line feed that an editor put at its end, and in an include.
+TEST_F(BadInput, LinesThatEndByReturnsAreLines) {
+  cow_String text = "*HEADING\nLines\n** a comment\n\n" + cow_String(oneBrick);
+  for (int n = 100; n < 6000; ++n) text += std::to_string(n) + ", 1, 2, 3, 4, 5, 6, 7, 8\n";
+  ASSERT_EQ(ProgramRun({"convert", Deck("feeds.inp", text), "-o", File("a.sim"), "-q"}).exitCode,
+            0);
+  std::ranges::replace(text, '\n', '\r');
+  Deck("returns.inp", text);
+  Deck("last.inp", text + "\n");
+  Deck("mixed.inp", "*INCLUDE, INPUT=returns.inp\r\n");
+  for (const char* name : {"returns.inp", "last.inp", "mixed.inp"}) {
+    const ProgramRun run({"diff", File("a.sim"), File(name)});
+    EXPECT_EQ(run.exitCode, 0) << name << run.out << run.err;
+    EXPECT_EQ(run.err, "") << name;
+  }
+  // What is told stands in its line.
+  const ProgramRun faulty({"check", Deck("f.inp", "*NODE\r1, 0.\r2, zero\r")});
+  EXPECT_TRUE(faulty.Says("f.inp:3:4")) << faulty.err;
+  // One return in a deck with line feeds is a fault of its line.
+  const ProgramRun one({"check", Deck("o.inp", "*NODE\n1, 0.\n*NSET, \rNSET=A\n1\n")});
+  EXPECT_TRUE(one.Says("o.inp:3:8")) << one.err;
+}
+
+#ifndef _WIN32
+// The way through the links grows with each round; the file is the same.
+TEST_F(BadInput, AnIncludeCycleThroughFolderLinksIsTold) {
+  std::filesystem::create_directory_symlink(m_folder.Path(), m_folder / "loop");
+  std::filesystem::create_directory(m_folder / "sub");
+  std::filesystem::create_directory_symlink("../sub", m_folder / "sub/again");
+  const cow_String deck = Deck("d.inp", "*NODE\n1, 0.\n*INCLUDE, INPUT=loop/d.inp\n");
+  const ProgramRun own({"check", deck});
+  EXPECT_TRUE(own.Says("d.inp:3:") && own.Says("loop/d.inp\" includes itself")) << own.err;
+  Deck("sub/a.inc", "*INCLUDE, INPUT=again/b.inc\n");
+  Deck("sub/b.inc", "*INCLUDE, INPUT=again/a.inc\n");
+  const ProgramRun two({"check", Deck("e.inp", "*NODE\n1, 0.\n*INCLUDE, INPUT=sub/a.inc\n")});
+  EXPECT_TRUE(two.Says("again/b.inc:1:") && two.Says("a.inc\" includes itself")) << two.err;
+  for (const ProgramRun& run : {own, two}) {
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.Says("1 error")) << run.err;
+  }
+}
+#endif
+
+// A file of somebody's own that has the name of a journal.
+TEST_F(BadInput, WhatIsNoJournalStays) {
+  const cow_String deck = Deck("d.inp", oneBrick);
+  ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("m.sim"), "-q"}).exitCode, 0);
+  writeFile(m_folder / "text.sim", "no model");
+  for (const char* name : {"new.sim", "m.sim", "text.sim"}) {
+    for (const char* ending : {"-journal", "-wal"}) {
+      const cow_String journal = name + cow_String(ending);
+      writeFile(m_folder / journal, "my own notes");
+      for (const cow_List<cow_String>& words : cow_List<cow_List<cow_String>>{
+               {"convert", deck, "-o", File(name), "--force"}, {"info", File(name)}}) {
+        if (words[0] == "info" && cow_String(name) != "m.sim") continue;
+        const ProgramRun run(words);
+        EXPECT_EQ(run.exitCode, 3) << words[0] << ' ' << journal;
+        EXPECT_TRUE(run.Says(journal + "\" beside it has the name of its journal and is none"))
+            << run.err;
+        EXPECT_EQ(readFile(m_folder / journal), "my own notes");
+      }
+      std::filesystem::remove(m_folder / journal);
+    }
+  }
+  EXPECT_EQ(readFile(m_folder / "text.sim"), "no model");
+}
+
 // What a conversion left that was cut off is told as a part, and is no base to go on from.
 TEST_F(BadInput, UnfinishedModelsAreTold) {
   {

@@ -120,6 +120,62 @@ TEST_F(Export, ReplacesByForceOnlyAndOnlyWhatIsFinished) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 4);
 }
 
+// Beside MESH.vtu goes only what an export made.
+TEST_F(Export, ReplacesNobodysOwnFiles) {
+  const cow_String deck = Deck("m.inp", oneBrick);
+  const cow_List<cow_String> words = {"export", deck, File("m.vtu"), "--sets", "--force", "-q"};
+  ASSERT_EQ(ProgramRun(words).exitCode, 0);
+  ASSERT_TRUE(Exists("m/elements-1-SOLID.vtu"));
+  EXPECT_EQ(ProgramRun(words).exitCode, 0); // over its own
+  const auto refused = [&](std::string_view reason) {
+    const ProgramRun run(words);
+    EXPECT_EQ(run.exitCode, 3) << reason;
+    EXPECT_TRUE(run.Says(reason)) << run.err;
+    EXPECT_TRUE(Exists("m/elements-1-SOLID.vtu")) << reason;
+  };
+  const cow_List<const char*> names = {"result.vtu",        "elements-SOLID.vtu", "nodes-2.vtu",
+                                       "elements-2-A.vtu2", "nodes-1-a b.vtu",    "edges-1-A.vtu"};
+  for (const cow_String name : names) {
+    writeFile(m_folder / "m" / name, "mine");
+    refused("it holds more than the blocks of an export: " + name);
+    EXPECT_EQ(readFile(m_folder / "m" / name), "mine");
+    std::filesystem::remove(m_folder / "m" / name);
+  }
+  const cow_String list = readFile(m_folder / "m.vtm");
+  writeFile(m_folder / "m.vtm", "<VTKFile type=\"vtkMultiBlockDataSet\"/>");
+  refused("m.vtm\": it is not the list of an export");
+  writeFile(m_folder / "m.vtm", list);
+#ifndef _WIN32
+  writeFile(m_folder / "mine.vtu", "mine");
+  std::filesystem::create_symlink("../mine.vtu", m_folder / "m/nodes-9-A.vtu");
+  refused("it holds more than the blocks of an export: nodes-9-A.vtu");
+  std::filesystem::remove(m_folder / "m/nodes-9-A.vtu");
+  std::filesystem::rename(m_folder / "m", m_folder / "other");
+  std::filesystem::create_directory_symlink("other", m_folder / "m");
+  refused("m\": it is a link");
+  std::filesystem::remove(m_folder / "m");
+  std::filesystem::rename(m_folder / "other", m_folder / "m");
+  std::filesystem::rename(m_folder / "m.vtm", m_folder / "real.vtm");
+  std::filesystem::create_symlink("real.vtm", m_folder / "m.vtm");
+  refused("m.vtm\": it is a link");
+  EXPECT_EQ(readFile(m_folder / "real.vtm"), list);
+  std::filesystem::remove(m_folder / "m.vtm");
+#endif
+  EXPECT_EQ(ProgramRun(words).exitCode, 0);
+}
+
+// A deck's include that lies where the blocks go.
+TEST_F(Export, KeepsTheFolderThatIsRead) {
+  std::filesystem::create_directory(m_folder / "m");
+  Deck("m/nodes-1-MESH.vtu", oneBrick);
+  const cow_String deck = Deck("m.inp", "*INCLUDE, INPUT=m/nodes-1-MESH.vtu\n");
+  const ProgramRun run({"export", deck, File("m.vtu"), "--sets", "--force"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_TRUE(run.Says("which is read, lies in it")) << run.err;
+  EXPECT_EQ(readFile(m_folder / "m/nodes-1-MESH.vtu"), oneBrick);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 2);
+}
+
 TEST_F(Export, WrongWordsAndPlaces) {
   const cow_String deck = Deck("m.inp", oneBrick);
   EXPECT_EQ(ProgramRun({"export", deck, File("m.stl")}).exitCode, 2);

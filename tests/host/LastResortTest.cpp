@@ -1,9 +1,12 @@
+#include "base/utl_FileUnderWay.h"
+#include "base/utl_Threads.h"
 #include "host/inps_LastResort.h"
 #include "host/inps_Terminal.h"
 #include "tests/host/ProgramRun.h"
 #include <csignal>
 #include <deque>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <thread>
 
@@ -33,7 +36,7 @@ TEST_F(LastResort, FilesGoWhoeverFailsMeanwhile) {
   const auto work = [&] {
     inps_installLastResort();
     std::deque<std::filesystem::path> names;
-    std::deque<std::optional<inps_FileUnderWay>> files;
+    std::deque<std::optional<utl_FileUnderWay>> files;
     for (int n = 0; n < 2000; ++n) {
       names.push_back(m_folder / ("f" + std::to_string(n)));
       writeFile(names.back(), "x");
@@ -64,6 +67,98 @@ TEST_F(LastResort, WhoAsksTwiceDoesNotWait) {
     };
     EXPECT_EQ(inChild(m_folder / "said", asked(1)), 42) << request;
     EXPECT_EQ(inChild(m_folder / "said", asked(2)), -1) << request;
+  }
+}
+
+// Cuts a deck short as soon as the program tells a fault of it.
+class CuttingBuffer : public std::stringbuf {
+public:
+  explicit CuttingBuffer(std::filesystem::path deck, std::size_t size = 10)
+      : m_deck(std::move(deck)), m_size(size) {}
+
+protected:
+  std::streamsize xsputn(const char* text, std::streamsize size) override {
+    if (!m_deck.empty()) std::filesystem::resize_file(std::exchange(m_deck, {}), m_size);
+    return std::stringbuf::xsputn(text, size);
+  }
+
+private:
+  std::filesystem::path m_deck;
+  std::size_t m_size;
+};
+
+// The deck itself, an include and a data file, read on one thread and on many; a fresh model, one
+// in the place of another, and an export that has begun.
+TEST_F(LastResort, AFileThatIsCutShortIsToldAndLeavesNoTemporaryFile) {
+  cow_String lines;
+  for (int n = 1; n <= 300000; ++n)
+    lines += std::to_string(n) + ", " + std::to_string(n) + "., 1.\n";
+  const cow_String told = "*NO SUCH KEYWORD\n";
+  Deck("nodes.csv", lines);
+  Deck("mesh.inp", "*NODE\n" + lines);
+  const cow_String whole = Deck("whole.inp", told + "*NODE\n" + lines);
+  const cow_String includes = Deck("includes.inp", told + "*INCLUDE, INPUT=mesh.inp\n");
+  const cow_String names = Deck("names.inp", told + "*NODE, INPUT=nodes.csv\n");
+  struct Case {
+    cow_List<cow_String> words;
+    const char* cut;
+  };
+  const Case cases[] = {
+      {{"convert", whole, "-o", File("new.sim")}, "whole.inp"},
+      {{"convert", includes, "-o", File("old.sim"), "--force"}, "mesh.inp"},
+      {{"convert", whole, "-o", File("next.sim"), "--restart", File("old.sim")}, "whole.inp"},
+      {{"convert", names, "-o", File("new.sim")}, "nodes.csv"},
+      {{"export", whole, File("m.vtu"), "--sets"}, "whole.inp"},
+      {{"check", names}, "nodes.csv"},
+  };
+  ASSERT_EQ(ProgramRun({"convert", Deck("o.inp", oneBrick), "-o", File("old.sim")}).exitCode, 0);
+  const cow_String old = readFile(m_folder / "old.sim");
+  const std::set<cow_String> known = {"nodes.csv", "mesh.inp", "whole.inp", "includes.inp",
+                                      "names.inp", "old.sim",  "o.inp",     "new.sim"};
+  for (const Case& cut : cases) {
+    for (const int threads : {1, 4}) {
+      const cow_String content = readFile(m_folder / cut.cut);
+      const auto work = [&] {
+        inps_installLastResort();
+        utl_setThreadCount(threads);
+        CuttingBuffer buffer(m_folder / cut.cut);
+        std::ostringstream out;
+        aio_ostream err(&buffer);
+        inps_Session session{out, err};
+        return inps_main(cut.words, session);
+      };
+      EXPECT_EQ(inChild(m_folder / "said", work), 3) << cut.words[0] << ' ' << cut.cut;
+      EXPECT_EQ(readFile(m_folder / "said"), "inps: cannot read \"" + File(cut.cut) +
+                                                 "\": it was cut short while it was read\n");
+      std::filesystem::remove(m_folder / "said");
+      writeFile(m_folder / cut.cut, content);
+      for (const auto& entry : std::filesystem::directory_iterator(m_folder.Path()))
+        EXPECT_TRUE(known.contains(utl_pathText(entry.path().filename()))) << entry.path();
+      EXPECT_TRUE(readFile(m_folder / "old.sim") == old);
+      if (Exists("new.sim")) { // whole keywords: none of these
+        EXPECT_EQ(ProgramRun({"check", File("new.sim")}).exitCode, 0);
+        EXPECT_EQ(ProgramRun({"info", File("new.sim")}).out.find("300000"), cow_String::npos);
+        std::filesystem::remove(m_folder / "new.sim");
+      }
+    }
+  }
+}
+
+// What is left of a page reads as zeros, and what is added is never seen: told at the end.
+TEST_F(LastResort, AFileWhoseSizeChangesIsTold) {
+  const cow_String text = "*NO SUCH KEYWORD\n" + cow_String(oneBrick);
+  for (const std::size_t size : {text.size() - 20, text.size() + 20}) {
+    const cow_String deck = Deck("d.inp", text);
+    writeFile(m_folder / "m.sim", "old");
+    std::ostringstream out;
+    CuttingBuffer buffer(m_folder / "d.inp", size);
+    aio_ostream err(&buffer);
+    inps_Session session{out, err};
+    EXPECT_EQ(inps_main({"convert", deck, "-o", File("m.sim"), "--force"}, session), 3);
+    EXPECT_NE(buffer.view().find("d.inp\": its size changed while it was read"), cow_String::npos)
+        << buffer.view();
+    EXPECT_EQ(readFile(m_folder / "m.sim"), "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 2);
   }
 }
 

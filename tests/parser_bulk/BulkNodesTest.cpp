@@ -100,6 +100,10 @@ void expectAsArray(const inp_DataArray& data, const inp_NodeRows& rows) {
       double value = given ? data.AsDouble(row, col) : 0;
       plain = plain && (!given || (data.IsNumber(row, col) && std::isfinite(value)));
       if (std::isinf(value)) value = 0;
+      const std::string_view text = given ? data.FieldText(row, col) : "";
+      const bool hasDigits =
+          text.substr(0, text.find_first_of("eEdD")).find_first_of("123456789") != text.npos;
+      plain = plain && (!hasDigits || !given || !data.IsNumber(row, col) || std::isnormal(value));
       EXPECT_EQ(std::bit_cast<std::uint64_t>(rows.coords[3 * slot + col - 1]),
                 std::bit_cast<std::uint64_t>(value))
           << data.RowText(row);
