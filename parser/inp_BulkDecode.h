@@ -21,7 +21,8 @@ struct inp_NodeRows {
   utl_Buffer<int> labels;    // one per row with at least one field
   utl_Buffer<double> coords; // 3 per row, 0 where not given
   // Rows with a value behind the fourth field (normals), a text, a quote, a number out of range or
-  // too near to zero for all its digits, or a label that is no integer of at most nine digits. Their slots hold what could be read, else 0.
+  // too near to zero for all its digits, or a label that is no integer of at most nine digits.
+  // Their slots hold what could be read, else 0.
   cow_List<inp_OddRow> odd;
   long long Count() const { return static_cast<long long>(labels.Size()); }
 };
@@ -94,7 +95,7 @@ cow_List<std::string_view> inp_elementFields(const inp_DataArray& data, const in
 bool inp_decodeLabels(const inp_DataArray& data, utl_Buffer<int>& labels, long long& badRow,
                       int& badCol);
 
-// Lines of exactly `width` numbers each, none of them empty or too near to zero (comment lines count as little as
-// ever). False, and the values of no use, when any line is another: the caller then reads all of
-// them by the general road.
+// Lines of exactly `width` numbers each, none of them empty or too near to zero (comment lines
+// count as little as ever). False, and the values of no use, when any line is another: the caller
+// then reads all of them by the general road.
 bool inp_decodeRows(const inp_DataArray& data, int width, utl_Buffer<double>& values);
