@@ -290,9 +290,10 @@ bool Driver::ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& 
   mesh->SetSalvage(nullptr);
   if (!mesh->IsWhole()) return false;
   inp_Visitor messages;
-  messages.AddWarning({inp_Utils::Format("The mesh is stored without what is faulty: the lines that "
-                                         "cannot be read, and %lld elements besides.",
-                                         salvage.LeftOut())});
+  messages.AddWarning(
+      {inp_Utils::Format("The mesh is stored without what is faulty: the lines that "
+                         "cannot be read, and %lld elements besides.",
+                         salvage.LeftOut())});
   messages.Report();
   return true;
 }
