@@ -79,7 +79,7 @@ void KvoSrvFsmFTable::SetValues(int64_t rows, std::span<const double> values, in
 }
 
 int KvoSrvFsmFTable::DataColumns() const {
-  return Columns() - FieldVariables() - (IsTemperatureDependent() ? 1 : 0);
+  return NumOfCols() - NumberFieldVariables() - (IsTemperatureDependent() ? 1 : 0);
 }
 
 // One text for all columns: a record for each would double what a small table costs.
@@ -91,7 +91,7 @@ void KvoSrvFsmFTable::SetColumnNames(const std::vector<cow_String>& dataColumns)
     text += name + ',';
   }
   if (IsTemperatureDependent()) text += "Temperature,";
-  for (int n = 1; n <= FieldVariables(); ++n) text += "Field" + std::to_string(n) + ',';
+  for (int n = 1; n <= NumberFieldVariables(); ++n) text += "Field" + std::to_string(n) + ',';
   text.pop_back();
   m_position.DataRecord().SetString(eds_PropertyTable_ColumnNames, text);
 }
@@ -106,9 +106,9 @@ std::vector<cow_String> KvoSrvFsmFTable::ColumnNames() const {
     names.emplace_back(text.substr(at, end - at));
     at = end + 1;
   }
-  if (static_cast<int>(names.size()) != Columns())
+  if (static_cast<int>(names.size()) != NumOfCols())
     eds_tellDamaged(m_position, "a property table has " + std::to_string(names.size()) +
-                                    " names for " + std::to_string(Columns()) + " columns");
+                                    " names for " + std::to_string(NumOfCols()) + " columns");
   return names;
 }
 
@@ -130,15 +130,15 @@ int KvoSrvFsmFTable::RowKind() const {
   return m_position.DataRecord().GetInt(eds_PropertyTable_RowKind);
 }
 
-int64_t KvoSrvFsmFTable::Rows() const {
+int64_t KvoSrvFsmFTable::NumOfRows() const {
   return m_position.DataRecord().GetInt64(eds_PropertyTable_Rows);
 }
 
-int KvoSrvFsmFTable::Columns() const {
+int KvoSrvFsmFTable::NumOfCols() const {
   return m_position.DataRecord().GetInt(eds_PropertyTable_Columns);
 }
 
-int KvoSrvFsmFTable::FieldVariables() const {
+int KvoSrvFsmFTable::NumberFieldVariables() const {
   return m_position.DataRecord().GetInt(eds_PropertyTable_FieldVariables);
 }
 
@@ -171,16 +171,43 @@ std::vector<double> KvoSrvFsmFTable::Values() const {
     const std::string_view bytes = record.GetString(eds_PropertyTable_FewValues);
     std::vector<double> values(bytes.size() / sizeof(double));
     if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(double));
-    if (static_cast<int64_t>(values.size()) != Rows() * Columns())
+    if (static_cast<int64_t>(values.size()) != NumOfRows() * NumOfCols())
       eds_tellDamaged(m_position, "a property table has " + std::to_string(values.size()) +
-                                      " values for " + std::to_string(Rows()) + " rows of " +
-                                      std::to_string(Columns()));
+                                      " values for " + std::to_string(NumOfRows()) + " rows of " +
+                                      std::to_string(NumOfCols()));
     return values;
   }
   eds_ArrayReader reader(eds_ArrayID{array.Store(), array.ID()});
-  if (reader.Width() != Columns() || reader.Count() != Rows())
+  if (reader.Width() != NumOfCols() || reader.Count() != NumOfRows())
     eds_tellDamaged(m_position, "a property table does not fit its array");
   std::vector<double> values(static_cast<size_t>(reader.Count() * reader.Width()));
   reader.ReadPiece(0, std::span(values));
   return values;
+}
+
+int KvoSrvFsmFTable::PlaceOf(std::string_view column) const {
+  const std::vector<cow_String> names = ColumnNames();
+  const auto found = std::find(names.begin(), names.end(), column);
+  return found == names.end() ? -1 : static_cast<int>(found - names.begin());
+}
+
+bool KvoSrvFsmFTable::HasColumn(std::string_view name) const {
+  return PlaceOf(name) >= 0;
+}
+
+std::vector<double> KvoSrvFsmFTable::GetColumnData(std::string_view name) const {
+  const int place = PlaceOf(name);
+  const int width = NumOfCols();
+  utl_ASSERT(place >= 0 && place < width);
+  const std::vector<double> values = Values();
+  std::vector<double> column;
+  column.reserve(static_cast<size_t>(NumOfRows()));
+  for (auto at = static_cast<size_t>(place); at < values.size(); at += static_cast<size_t>(width))
+    column.push_back(values[at]);
+  return column;
+}
+
+void KvoSrvFsmFTable::FillPointer(double* values) const {
+  const std::vector<double> all = Values();
+  std::copy(all.begin(), all.end(), values);
 }

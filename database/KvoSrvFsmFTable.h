@@ -31,20 +31,25 @@ public:
   const KvoSimPosition& Position() const { return m_position; }
   int TableKind() const;
   int RowKind() const;
-  int64_t Rows() const;
-  int Columns() const;
-  int FieldVariables() const;
+  int64_t NumOfRows() const;
+  int NumOfCols() const;
+  int NumberFieldVariables() const;
   bool IsTemperatureDependent() const;
   std::vector<cow_String> DependentColumns() const;
   std::vector<cow_String> IndependentColumns() const;
   // Of all columns, those of the data, then "Temperature" and "Field1", ...; empty where the
   // table's maker told none.
   std::vector<cow_String> ColumnNames() const;
-  std::vector<double> Values() const; // row-major
+  bool HasColumn(std::string_view name) const;
+  std::vector<double> GetColumnData(std::string_view name) const; // one value for each row
+  std::vector<double> Values() const;                             // row-major
+  // The same into memory of the caller's, which has room for rows x columns.
+  void FillPointer(double* values) const;
 
 private:
   void SetColumnNames(const std::vector<cow_String>& dataColumns);
   int DataColumns() const;
+  int PlaceOf(std::string_view column) const; // -1: none of that name
   std::vector<cow_String> ColumnsOf(int role) const;
   KvoSimPosition m_position;
 };

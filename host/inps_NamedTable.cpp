@@ -11,10 +11,10 @@ inps_NamedTable::inps_NamedTable(const inpS_PropertyDescription& description)
   if (description.property.IsNull()) return;
   const KvoSrvFsmFTable table = description.property.GetFTable();
   if (table.IsNull()) return;
-  rows = table.Rows();
-  width = table.Columns();
+  rows = table.NumOfRows();
+  width = table.NumOfCols();
   hasTemperature = table.IsTemperatureDependent();
-  fieldVariables = table.FieldVariables();
+  fieldVariables = table.NumberFieldVariables();
   values = table.Values();
 }
 

@@ -1,6 +1,7 @@
 #include "parser/inp_Item.h"
 #include "base/utl_Number.h"
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -42,6 +43,12 @@ inp_Item inp_Item::FromText(cow_String folded, cow_String verbatim) {
   }
   if (item.IsNumber()) item.m_number = field.real;
   return item;
+}
+
+bool inp_Item::IsWhole() const {
+  constexpr double most = std::numeric_limits<int>::max();
+  return m_kind == Kind::Integer ||
+         (m_kind == Kind::Double && std::abs(m_number) <= most && m_number == std::trunc(m_number));
 }
 
 int inp_Item::AsInt() const {

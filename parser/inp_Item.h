@@ -19,6 +19,7 @@ public:
   Kind GetKind() const { return m_kind; }
   bool IsFlag() const { return m_kind == Kind::Flag; }
   bool IsNumber() const { return m_kind == Kind::Integer || m_kind == Kind::Double; }
+  bool IsWhole() const; // an integer, or a number without a fraction ("3.") that an int holds
   bool IsString() const { return m_kind == Kind::String; }
 
   int AsInt() const;                  // 0 for what is no number

@@ -121,6 +121,13 @@ const cow_List<inp_Parameter>& inp_Keyword::Parameters() const {
   return bodyOf(*this).parameters;
 }
 
+bool inp_Keyword::LeaveUnread(std::string_view name) const {
+  const inp_Parameter* parameter = findParameter(bodyOf(*this), name);
+  if (!parameter) return false;
+  parameter->referred = false;
+  return !std::exchange(parameter->told, true);
+}
+
 void inp_Keyword::ReferAll() const {
   for (const inp_Parameter& parameter : Parameters()) parameter.referred = true;
 }

@@ -23,7 +23,8 @@ struct inp_Parameter {
   inp_Item value;
   const char* at = nullptr; // where it stands in the keyword's text
   int width = 0;
-  mutable bool referred = false; // some reader looked at it
+  mutable bool referred = false; // some reader looked at it, and took it
+  mutable bool told = false;     // what is wrong with it has been said
 };
 
 class inp_Keyword;
@@ -61,6 +62,8 @@ public:
   cow_String StringOf(std::string_view name,
                       const cow_String& absent) const; // a default may be a temporary
   const cow_List<inp_Parameter>& Parameters() const;
+  // The parameter's value was not taken; false when what is wrong with it has been said before.
+  bool LeaveUnread(std::string_view name) const;
   void ReferAll() const; // the whole keyword has been dealt with (kept verbatim)
 
   const inp_DataArray& Data() const;

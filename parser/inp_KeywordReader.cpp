@@ -216,7 +216,7 @@ void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) 
     return;
   }
   inp_Parameter parameter;
-  parameter.name = CanonicalName(spelt, line);
+  parameter.name = CanonicalName(spelt, line, parameter.told);
   parameter.at = token.data();
   parameter.width = static_cast<int>(token.size());
   if (equal == token.npos) {
@@ -251,7 +251,7 @@ void inp_KeywordReader::Add(inp_Parameter parameter, std::string_view spelt, con
   m_body->parameters.push_back(std::move(parameter));
 }
 
-cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& line) {
+cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& line, bool& told) {
   cow_String name = foldName(spelt);
   const inp_KeywordRow* row = m_table.Row(m_body->kind);
   if (!row) return name;
@@ -272,6 +272,7 @@ cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& 
     const std::string_view nearest = m_table.NearestParameter(m_body->kind, name);
     if (!nearest.empty()) message.notes.push_back({"did you mean " + quoted(nearest) + "?", {}});
   }
+  told = true;
   m_warnings.push_back(std::move(message));
   return name;
 }
@@ -292,6 +293,7 @@ void inp_KeywordReader::CompleteValue(inp_Parameter& parameter, const Line& line
   for (const std::string_view word : match.candidates)
     words += (words.empty() ? "" : ", ") + cow_String(word);
   const std::string_view token(parameter.at, static_cast<std::size_t>(parameter.width));
+  parameter.told = true;
   m_warnings.push_back(
       Message(quoted(token) + " of *" + m_body->name +
                   (match.kind == Kind::Ambiguous ? " may stand for " : " is none of ") + words,

@@ -10,7 +10,9 @@
 #include "database/KvoSimTransfer.h"
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/history/inpS_AmplitudeForm.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
 #include <cmath>
@@ -95,6 +97,7 @@ const inpS_AmplitudeForm* inpS_AmplitudeVisitor::FormOf(const inp_Keyword& keywo
   const bool cfd = m_inventory.IsCFD();
   if ((definition == "ACTUATOR" || definition == "SOLUTIONDEPENDENT") && !cfd) return nullptr;
   const inpS_AmplitudeForm* form = inpS_amplitudeForm(definition);
+  if (form && keyword.HasParameter("value") && !HasKnown(keyword, "value")) return nullptr;
   if (form) return form;
   const cow_String text = inp_Utils::Format(
       "Amplitude type %s is not available for this analysis type.", definition.c_str());
@@ -104,6 +107,13 @@ const inpS_AmplitudeForm* inpS_AmplitudeVisitor::FormOf(const inp_Keyword& keywo
   else
     Warning(keyword, text);
   return nullptr;
+}
+
+// What is no word of the language has been told by the parser.
+bool inpS_AmplitudeVisitor::HasKnown(const inp_Keyword& keyword, const char* parameter) {
+  return inp_KeywordTable::Instance()
+             .ResolveWord(keyword.Kind(), parameter, keyword.StringOf(parameter, {}))
+             .kind == inp_WordMatch::Kind::Known;
 }
 
 void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
@@ -116,23 +126,33 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   }
   const KvoSimPosition amplitude = model.CreateDataRecord(form.kind);
   KvoSimDataRecord record = amplitude.DataRecord();
+  const auto packed = amplitude.Object().Packed();
   record.SetString(form.name, name);
   model.AssociateStringKey(eds_Member::Amplitudes, name, amplitude);
   const cow_String span = keyword.StringOf("time", "STEPTIME");
   record.SetSymb(form.timeSpan, span == "STEPTIME" ? 0 : 1);
   if (span != "STEPTIME" && span != "TOTALTIME")
-    AddError(
-        inp_Utils::MessageAtParameter(keyword, "time",
-                                      inpS_messageText(inpS_app_InvalidParameterValue, {"TIME"}) +
-                                          " It is taken for TOTAL TIME."));
+    AddWarning(inp_Utils::MessageAtParameter(keyword, "time", "This is taken for TOTAL TIME."));
   inpS_readParameters(keyword, form.parameters, record, *this);
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
     m_text.try_emplace(suboption.Body().get(), inpS_TextPlace{amplitude, {}});
-    m_suboptions.emplace(amplitude.Object().Packed(), suboption);
+    m_suboptions.emplace(packed, suboption);
   }
   keyword.Find("input"); // the parser has read that file's lines
+  m_isWhole = true;
   CheckWidths(keyword, form);
   ReadFirstLine(keyword, form, record);
+  ReadValues(keyword, form, amplitude, name);
+  inpS_tellOtherParameters(keyword, *this);
+  const inpS_KeptPart part{0, inpS_takeOtherParameters(keyword),
+                           m_isWhole ? cow_String() : inpS_dataLines(keyword)};
+  if (!part.parameters.empty() || !part.lines.empty())
+    m_parts.emplace(packed, inpS_keepPart(amplitude, part));
+}
+
+void inpS_AmplitudeVisitor::ReadValues(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
+                                       const KvoSimPosition& amplitude, const cow_String& name) {
+  KvoSimDataRecord record = amplitude.DataRecord();
   cow_List<double> pairs;
   if (form.data == Data::Pairs) pairs = ReadPairs(keyword, 0);
   if (form.data == Data::Coefficients) {
@@ -146,7 +166,7 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
     const double interval = record.GetDouble(eds_AmplitudeTabular_FixedInterval);
     const double begin = record.GetDouble(eds_AmplitudeTabular_Begin);
     if (interval <= 0)
-      AddError(inp_Utils::MessageAtParameter(
+      AddWarning(inp_Utils::MessageAtParameter(
           keyword, "fixedinterval",
           inpS_messageText(inpS_app_InvalidParameterValue, {"FIXED INTERVAL"}) +
               " It must be greater than 0; it is kept as given."));
@@ -170,6 +190,8 @@ void inpS_AmplitudeVisitor::GatherFormerTexts() {
     const KvoSimPosition owner = text.DataRecord().GetReference(eds_VerbatimKeyword_Owner);
     if (!owner.IsNull()) m_formerTexts.emplace(owner.Object().Packed(), text);
   }
+  for (const KvoSimPosition& part : context.GetRecords(eds_RecordKind::KeptPart))
+    m_parts.emplace(part.DataRecord().GetReference(eds_KeptPart_Owner).Object().Packed(), part);
 }
 
 // With all that it holds: table, terms, and its texts of this deck and of an earlier conversion.
@@ -186,6 +208,10 @@ void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
   const auto texts = m_formerTexts.equal_range(packed);
   for (auto at = texts.first; at != texts.second; ++at) at->second.Remove();
   m_formerTexts.erase(packed);
+  if (const auto part = m_parts.find(packed); part != m_parts.end()) {
+    part->second.Remove();
+    m_parts.erase(part);
+  }
   for (const KvoSimPosition& values : amplitude.GetVector(eds_Member::Distributions))
     removeDistribution(values);
   if (KvoSrvFsmFTable table = amplitude.GetFTable(); !table.IsNull()) table.Remove();
@@ -201,7 +227,8 @@ void inpS_AmplitudeVisitor::CheckWidths(const inp_Keyword& keyword,
     const bool isFirst = row == 0 && !form.lineFields.empty();
     if (firstOnly && !isFirst) {
       AddWarning(inp_Utils::MessageAtRow(
-          keyword, row, "The amplitude takes one data line; the others are left out."));
+          keyword, row, "The amplitude takes one data line; the others are kept, but not used."));
+      m_isWhole = false;
       return;
     }
     const int most = isFirst ? static_cast<int>(form.lineFields.size()) : kFieldsPerLine;
@@ -209,7 +236,8 @@ void inpS_AmplitudeVisitor::CheckWidths(const inp_Keyword& keyword,
       if (isEmpty(data, row, col)) continue;
       AddWarning(inp_Utils::MessageAtField(keyword, row, col,
                                            "The line holds at most " + std::to_string(most) +
-                                               " values; those beyond are left out."));
+                                               " values; those beyond are kept, but not used."));
+      m_isWhole = false;
       break;
     }
   }
@@ -220,36 +248,49 @@ void inpS_AmplitudeVisitor::ReadFirstLine(const inp_Keyword& keyword,
   const inp_DataArray& data = keyword.Data();
   if (form.lineFields.empty()) return;
   if (data.Rows() == 0 || isBlank(data, 0))
-    Error(keyword, "The values of the amplitude are missing; they read as 0.");
+    Warning(keyword, "The values of the amplitude are missing; they read as 0.");
   for (std::size_t n = 0; n < form.lineFields.size(); ++n) {
     const int col = static_cast<int>(n);
     const bool given = data.Rows() > 0 && col < data.Cols(0);
     const bool terms = form.kind == eds_RecordKind::AmplitudePeriodic &&
                        form.lineFields[n] == eds_AmplitudePeriodic_Terms;
     if (terms) {
-      const bool whole = given && data.Type(0, col) == inp_FieldType::Integer;
-      if (given && !whole && !isEmpty(data, 0, col))
-        AddError(inp_Utils::MessageAtField(
-            keyword, 0, col, "The number of terms is no whole number; it is read as 0."));
-      record.SetInt(form.lineFields[n], whole ? data.AsInt64(0, col) : 0);
+      const long long count = given ? TermsAt(keyword, col) : 0;
+      record.SetInt(form.lineFields[n], count);
     } else {
       record.SetDouble(form.lineFields[n], given ? ValueAt(keyword, 0, col) : 0.0);
     }
   }
 }
 
+long long inpS_AmplitudeVisitor::TermsAt(const inp_Keyword& keyword, int col) {
+  constexpr double most = 1e15; // beyond, doubles have no fractions
+  const inp_DataArray& data = keyword.Data();
+  const double count = data.AsDouble(0, col);
+  const bool isNumber = data.Type(0, col) != inp_FieldType::String;
+  if (isNumber && std::abs(count) <= most && count == std::trunc(count))
+    return static_cast<long long>(count);
+  AddError(inp_Utils::MessageAtField(keyword, 0, col,
+                                     "The number of terms is no whole number; it is read as 0."));
+  m_isWhole = false;
+  return 0;
+}
+
 void inpS_AmplitudeVisitor::ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record) {
   const inp_Item* smooth = keyword.Find("smooth");
   const double absent = m_inventory.IsExplicit() || m_inventory.IsCFD() ? 0.0 : kUsualSmoothing;
-  record.SetDouble(eds_AmplitudeTabular_Smoothing, smooth ? smooth->AsDouble() : absent);
+  record.SetDouble(eds_AmplitudeTabular_Smoothing,
+                   smooth && smooth->IsNumber() ? smooth->AsDouble() : absent);
   if (!smooth) return;
-  record.SetBool(eds_AmplitudeTabular_SmoothingGiven, true);
+  if (smooth->IsNumber()) record.SetBool(eds_AmplitudeTabular_SmoothingGiven, true);
   const double value = smooth->AsDouble();
   if (smooth->IsNumber() && value >= 0 && value <= 0.5) return;
-  AddError(inp_Utils::MessageAtParameter(
-      keyword, "smooth",
-      inpS_messageText(inpS_app_InvalidParameterValue, {"SMOOTH"}) +
-          " It must be a number from 0 to 0.5; it is kept as given."));
+  wip_Message message =
+      inp_Utils::MessageAtParameter(keyword, "smooth",
+                                    inpS_messageText(inpS_app_InvalidParameterValue, {"SMOOTH"}) +
+                                        " It must be a number from 0 to 0.5; it is kept as given.");
+  if (smooth->IsNumber()) return AddWarning(std::move(message));
+  if (keyword.LeaveUnread("smooth")) AddError(std::move(message));
 }
 
 // Times that are given need no rule to make them.
@@ -263,8 +304,10 @@ void inpS_AmplitudeVisitor::CheckSpacing(const inp_Keyword& keyword) {
 
 double inpS_AmplitudeVisitor::ValueAt(const inp_Keyword& keyword, long long row, int col) {
   const inp_DataArray& data = keyword.Data();
-  if (data.Type(row, col) == inp_FieldType::String)
+  if (data.Type(row, col) == inp_FieldType::String) {
     AddError(inp_Utils::MessageAtField(keyword, row, col, "This is no number; it is read as 0."));
+    m_isWhole = false;
+  }
   return data.AsDouble(row, col);
 }
 
@@ -295,7 +338,8 @@ cow_List<double> inpS_AmplitudeVisitor::ReadMagnitudes(const inp_Keyword& keywor
       AddError(inp_Utils::MessageAtParameter(
           keyword, "fixedinterval",
           "The times become too large to be held; magnitudes from number " +
-              std::to_string(pairs.size() / 2 + 1) + " on are left out."));
+              std::to_string(pairs.size() / 2 + 1) + " on are kept, but not used."));
+      m_isWhole = false;
       break;
     }
     pairs.push_back(time);
@@ -314,8 +358,9 @@ cow_List<double> inpS_AmplitudeVisitor::ReadPairs(const inp_Keyword& keyword, lo
     int cols = std::min(data.Cols(row), kFieldsPerLine);
     if (cols % 2 == 1 && isEmpty(data, row, cols - 1)) --cols; // a trailing comma
     if (cols % 2 == 1) {
-      AddError(inp_Utils::MessageAtField(keyword, row, cols - 1,
-                                         "This time has no magnitude; it is left out."));
+      AddWarning(inp_Utils::MessageAtField(
+          keyword, row, cols - 1, "This time has no magnitude; it is kept, but not used."));
+      m_isWhole = false;
       --cols;
     }
     for (int col = 0; col < cols; ++col) {
@@ -330,9 +375,9 @@ cow_List<double> inpS_AmplitudeVisitor::ReadPairs(const inp_Keyword& keyword, lo
   cow_List<double> pairs;
   for (std::size_t n = 0; n < times.size(); ++n) {
     if (firstLine == 0 && n > 0 && times[n] < times[n - 1])
-      AddError(inp_Utils::MessageAtRow(keyword, rows[n],
-                                       "The times of an amplitude must rise; value " +
-                                           std::to_string(n + 1) + " does not."));
+      AddWarning(inp_Utils::MessageAtRow(keyword, rows[n],
+                                         "The times of an amplitude must rise; value " +
+                                             std::to_string(n + 1) + " does not."));
     pairs.push_back(times[n]);
     pairs.push_back(magnitudes[n]);
   }

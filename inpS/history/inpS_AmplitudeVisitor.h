@@ -26,11 +26,15 @@ public:
 private:
   const inpS_AmplitudeForm* FormOf(const inp_Keyword& keyword);
   void Create(const inp_Keyword& keyword, const inpS_AmplitudeForm& form, const cow_String& name);
+  void ReadValues(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
+                  const KvoSimPosition& amplitude, const cow_String& name);
+  static bool HasKnown(const inp_Keyword& keyword, const char* parameter);
   void Remove(const KvoSimPosition& amplitude);
   void GatherFormerTexts();
   void CheckWidths(const inp_Keyword& keyword, const inpS_AmplitudeForm& form);
   void ReadFirstLine(const inp_Keyword& keyword, const inpS_AmplitudeForm& form,
                      KvoSimDataRecord record);
+  long long TermsAt(const inp_Keyword& keyword, int col);
   void ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record);
   void CheckSpacing(const inp_Keyword& keyword);
   // The two readers of values, from a data line on; at most 8 fields of a line count.
@@ -48,5 +52,8 @@ private:
   // By amplitude: sub-options of this deck, and texts that an earlier conversion kept with it.
   std::unordered_multimap<unsigned long long, inp_Keyword> m_suboptions;
   std::unordered_multimap<unsigned long long, KvoSimPosition> m_formerTexts;
+  // What is kept of a keyword beside its record.
+  std::unordered_map<unsigned long long, KvoSimPosition> m_parts;
   bool m_hasFormerTexts = false;
+  bool m_isWhole = true; // all that stands on the lines at hand has been taken
 };

@@ -17,8 +17,8 @@ int dependenciesOf(const inp_Keyword& keyword) {
   const inp_Item* item = keyword.Find("dependencies");
   if (!item) return 0;
   const int count = item->AsInt();
-  const bool whole = item->GetKind() == inp_Item::Kind::Integer;
-  if (whole && count >= 0 && count <= mostDependencies) return count;
+  if (item->IsWhole() && count >= 0 && count <= mostDependencies) return count;
+  if (!keyword.LeaveUnread("dependencies")) return 0;
   inpS_MessageContainer::Instance().AddMessage(
       inpS_Message(keyword, inpS_messageText(inpS_app_InvalidParameterValue, {"dependencies"}) +
                                 " It must be a whole number from 0 to " +
@@ -219,6 +219,12 @@ void inpS_KeywordDataTable::SetColumnToValue(int colNum, double value) {
   m_table.FillColumn(index(colNum), value);
 }
 
+void inpS_KeywordDataTable::SetUnspecified(int colNum, double value) {
+  CheckColumn(colNum);
+  for (int row = 0; row < NumRows(); ++row)
+    if (!IsColumnSpecified(row, colNum)) m_table.At(index(row), index(colNum)) = value;
+}
+
 void inpS_KeywordDataTable::InsertValueToColumn(double value, int colNum) {
   if (colNum != NumCols()) CheckColumn(colNum);
   m_table.InsertColumns(index(colNum), 1, value);
@@ -255,8 +261,4 @@ cow_List<const double*> inpS_KeywordDataTable::GetDataAsPtr() const {
   rows.reserve(m_table.Rows());
   for (std::size_t row = 0; row < m_table.Rows(); ++row) rows.push_back(m_table.Row(row).data());
   return rows;
-}
-
-cow_List<wip_Message> inpS_KeywordDataTable::UnreadMessages() const {
-  return inpS_unreadFieldMessages(m_keyword, m_unread);
 }

@@ -56,6 +56,7 @@ public:
   void RemoveTempColumnIfIndependent();
   void ExpandTableNumColsTo(int cols); // with 0.0
   void SetColumnToValue(int colNum, double value);
+  void SetUnspecified(int colNum, double value);      // where the deck gave none
   void InsertValueToColumn(double value, int colNum); // a new column before the present one
   void SwapColumn(int a, int b);
   // The other's rows behind these; the narrower of the two is padded with 0.0.
@@ -67,10 +68,11 @@ public:
   std::span<const double> GetDataAsBuffer() const { return m_table.Values(); }
   cow_List<const double*> GetDataAsPtr() const;
 
-  // Words and surplus fields met by Read, for the caller to report: as they are, or as messages at
-  // their places.
+  // Words and surplus fields met by Read, for the caller to report.
   const cow_List<inpS_UnreadField>& Unread() const { return m_unread; }
-  cow_List<wip_Message> UnreadMessages() const;
+  void ReportUnread(inp_Visitor& messages) const {
+    inpS_reportUnreadFields(m_keyword, m_unread, messages);
+  }
 
 private:
   void CheckColumn(int colNum) const;

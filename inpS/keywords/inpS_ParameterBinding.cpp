@@ -6,6 +6,7 @@
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
+#include <algorithm>
 
 namespace {
 
@@ -35,7 +36,7 @@ cow_String take(const inpS_ParameterBinding& row, const inp_Item& item, KvoSimDa
   if (item.IsFlag() && row.codec != inpS_Codec::Name) return "has no value";
   switch (row.codec) {
   case inpS_Codec::Int:
-    if (item.GetKind() != inp_Item::Kind::Integer) return "is no integer";
+    if (!item.IsWhole()) return "is no integer";
     record.SetInt(row.field, item.AsInt());
     return {};
   case inpS_Codec::Real:
@@ -91,10 +92,22 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
     if (fault.empty()) continue;
     good = false;
     const cow_String value = item->IsFlag() ? cow_String() : "=" + item->Verbatim();
-    messages.AddError(inp_Utils::MessageAtParameter(
-        keyword, row.key, row.name + value + " " + fault + "; it is left out."));
+    if (keyword.LeaveUnread(row.key))
+      messages.AddError(inp_Utils::MessageAtParameter(
+          keyword, row.key, row.name + value + " " + fault + "; it is kept as it stands."));
   }
   return good;
+}
+
+bool inpS_hasUnknownWord(const inp_Keyword& keyword) {
+  using Kind = inp_WordMatch::Kind;
+  const inp_KeywordTable& table = inp_KeywordTable::Instance();
+  return std::ranges::any_of(keyword.Parameters(), [&](const inp_Parameter& parameter) {
+    if (!parameter.told || parameter.value.IsFlag()) return false;
+    const Kind kind =
+        table.ResolveWord(keyword.Kind(), parameter.name, parameter.value.AsString()).kind;
+    return kind == Kind::Unknown || kind == Kind::Ambiguous;
+  });
 }
 
 void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding> rows,

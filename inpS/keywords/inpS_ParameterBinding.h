@@ -33,9 +33,13 @@ struct inpS_ParameterBinding {
 using inpS_ParameterBindings = cow_List<inpS_ParameterBinding>;
 
 // Fills the fields of the record. A value that a row does not take is reported at its place and
-// leaves the field unset; true when there was none.
+// leaves the field unset and the parameter unread, for whoever keeps what is left; true when there
+// was none.
 bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_ParameterBinding> rows,
                          KvoSimDataRecord record, inp_Visitor& messages);
+
+// Whether some value is none of the words that the language has for it; the parser has told that.
+bool inpS_hasUnknownWord(const inp_Keyword& keyword);
 
 // ", NAME=VALUE" for every field that is set.
 void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding> rows,

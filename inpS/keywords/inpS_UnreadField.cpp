@@ -2,11 +2,15 @@
 #include "base/utl_Number.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
 
 namespace {
 
-cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field) {
-  if (field.surplus) return "More values than belong on this line; from here on they are not used.";
+cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field,
+                   const char* leftOver) {
+  if (field.surplus)
+    return cow_String("More values than belong on this line; from here on they are ") + leftOver +
+           ".";
   const cow_String word = keyword.Data().AsStringVerbatim(field.row, field.col);
   if (utl_classifyField(word).IsOutOfRange())
     return "\"" + word + "\" is larger than any number that can be held; 0 is used.";
@@ -15,12 +19,14 @@ cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field) {
 
 } // namespace
 
-cow_List<wip_Message> inpS_unreadFieldMessages(const inp_Keyword& keyword,
-                                               const cow_List<inpS_UnreadField>& fields) {
-  cow_List<wip_Message> messages;
-  messages.reserve(fields.size());
-  for (const inpS_UnreadField& field : fields)
-    messages.push_back(
-        inp_Utils::MessageAtField(keyword, field.row, field.col, textFor(keyword, field)));
-  return messages;
+void inpS_reportUnreadFields(const inp_Keyword& keyword, const cow_List<inpS_UnreadField>& fields,
+                             inp_Visitor& messages, const char* leftOver) {
+  for (const inpS_UnreadField& field : fields) {
+    wip_Message message =
+        inp_Utils::MessageAtField(keyword, field.row, field.col, textFor(keyword, field, leftOver));
+    if (field.surplus)
+      messages.AddWarning(std::move(message));
+    else
+      messages.AddError(std::move(message));
+  }
 }

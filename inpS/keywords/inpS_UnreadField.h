@@ -1,17 +1,19 @@
 #pragma once
 
-#include "base/wip_Message.h"
+#include "base/cow_Value.h"
 
 class inp_Keyword;
+class inp_Visitor;
 
 // A field of a data line that gave no value though something stands in it: a word where a number
 // belongs, or the first field of a line that its record has no room for.
 struct inpS_UnreadField {
   long long row;
   int col;
-  bool surplus;
+  bool surplus; // no fault: what is read stands before it
 };
 
-// One message per field, at its place, that says what was done.
-cow_List<wip_Message> inpS_unreadFieldMessages(const inp_Keyword& keyword,
-                                               const cow_List<inpS_UnreadField>& fields);
+// One message per field, at its place, that says what was done: a warning of what is left over, an
+// error for what is no number. leftOver: what is done with that.
+void inpS_reportUnreadFields(const inp_Keyword& keyword, const cow_List<inpS_UnreadField>& fields,
+                             inp_Visitor& messages, const char* leftOver = "kept, but not used");

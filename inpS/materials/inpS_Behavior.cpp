@@ -55,7 +55,7 @@ cow_String lowerCase(cow_String text) {
   return text;
 }
 
-inpS_Behavior::Selector selectorOf(std::string_view text) {
+inpS_Behavior::Selector selectorOf(inp_KeywordEnm keyword, std::string_view text) {
   inpS_Behavior::Selector selector;
   if (text.ends_with('*')) {
     selector.isDefault = true;
@@ -65,23 +65,23 @@ inpS_Behavior::Selector selectorOf(std::string_view text) {
   selector.name = text.substr(0, equals);
   selector.key = lowerCase(inpS_bareWord(selector.name));
   if (equals != text.npos) selector.text = text.substr(equals + 1);
-  if (const std::size_t bar = selector.text.find('|'); bar != cow_String::npos) {
-    selector.alias = inpS_bareWord(std::string_view(selector.text).substr(bar + 1));
-    selector.text.erase(bar);
-  }
   selector.word = inpS_bareWord(selector.text);
+  const auto words = inp_KeywordTable::Instance().WordsOf(keyword, selector.key);
+  utl_ASSERT(selector.word.empty() || std::ranges::find(words, selector.text) != words.end());
   return selector;
 }
 
 // "TYPE=LAMINA", "TYPE=ISOTROPIC*" (also when TYPE is absent), "USER", "IN HYPERFOAM" (only as a
 // sub-option of that keyword), "IN CREEP:LAW=TIME" (of that keyword in that variant).
 void readSelector(std::string_view text, inpS_Behavior& behavior) {
-  if (!text.starts_with("IN ")) return behavior.selectors.push_back(selectorOf(text));
+  if (!text.starts_with("IN "))
+    return behavior.selectors.push_back(selectorOf(behavior.keyword, text));
   text.remove_prefix(3);
   const std::size_t colon = text.find(':');
   behavior.parent = inp_KeywordTable::Instance().Find(text.substr(0, colon));
   utl_ASSERT(behavior.parent != inp_UnknownKeyword);
-  if (colon != text.npos) behavior.parentSelectors.push_back(selectorOf(text.substr(colon + 1)));
+  if (colon != text.npos)
+    behavior.parentSelectors.push_back(selectorOf(behavior.parent, text.substr(colon + 1)));
 }
 
 inpS_Behavior behaviorOf(const Row& row) {
@@ -113,8 +113,7 @@ bool meets(const inpS_Behavior::Selector& selector, const inp_Keyword& keyword) 
   const inp_Item* item = keyword.Find(selector.key);
   if (!item) return selector.isDefault;
   if (selector.word.empty()) return true;
-  const cow_String word = inpS_bareWord(item->AsString());
-  return word == selector.word || (!selector.alias.empty() && word == selector.alias);
+  return inpS_bareWord(item->AsString()) == selector.word;
 }
 
 } // namespace

@@ -72,6 +72,7 @@ Column readColumn(Scanner& scan) {
   column.role = scan.Take("~") ? Role::Independent : scan.Take("=") ? Role::Dependent : Role::Plain;
   column.name = column.tableName = scan.Word(kStops);
   column.optional = scan.Take("?");
+  if (column.optional && scan.Take("=")) column.absent = scan.Number();
   while (readBound(scan, column)) {
   }
   column.order = readOrder(scan);

@@ -8,17 +8,18 @@
 //
 //   columns    := item { " " item }
 //   item       := column | "(" columns ")*" parameter [ "=" default ] [ ":" law ]
-//   column     := [ "~" | "=" ] name [ "?" ] { bound } [ order ]
+//   column     := [ "~" | "=" ] name [ "?" [ "=" number ] ] { bound } [ order ]
 //   bound      := ( ">" | ">=" | "<" | "<=" ) ( number | name of a column before it )
 //   order      := ( "+" | "++" ) [ "@0" ] | "!"
 //
 // "~" marks what the row is given for and "=" what it gives, where the table holds them under their
 // names (its extra columns): one that no row of the deck gives is no column of the table, so that a
-// blank which stands for a default stays one. "?" marks a value that may be missing. Values of an
-// ordered column rise from row to row ("++"; "+": do not fall) as long as temperature and field
-// variables stay the same; "@0": the first of them is 0. What a row is given for rises by itself;
-// "!" marks where any order is meant, as in test data. A group is repeated as often as the
-// keyword's parameter says; the law "polynomial" stands for all C_ij with i + j from 1 to N.
+// blank which stands for a default stays one. "?" marks a value that may be missing; it is then 0,
+// or the number behind the "=". Values of an ordered column rise from row to row ("++"; "+": do not
+// fall) as long as temperature and field variables stay the same; "@0": the first of them is 0.
+// What a row is given for rises by itself; "!" marks where any order is meant, as in test data. A
+// group is repeated as often as the keyword's parameter says; the law "polynomial" stands for all
+// C_ij with i + j from 1 to N.
 class inpS_BehaviorColumns {
 public:
   struct Column {
@@ -30,6 +31,7 @@ public:
     Order order = Order::None;
     bool fromZero = false;
     bool optional = false;
+    double absent = 0;       // what holds where the value is missing
     bool mayBeBlank = false; // where another value follows
     double low = -std::numeric_limits<double>::infinity();
     double high = std::numeric_limits<double>::infinity();

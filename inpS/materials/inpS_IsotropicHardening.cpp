@@ -36,10 +36,11 @@ inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Key
   const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(eds_RecordKind::PlasticIsotropic);
   inpS_KeywordDataTable table(keyword, static_cast<int>(row.columns.Fixed().size()), 0, true);
   table.Read();
-  for (wip_Message& message : table.UnreadMessages()) AddError(std::move(message));
+  table.ReportUnread(*this);
   inpS_checkTable(keyword, table, row.columns.Fixed(), *this);
   table.RemoveTempColumnIfIndependent();
-  if (const inp_Item* rate = keyword.Find("rate"); rate && !rate->IsNumber())
+  const inp_Item* rate = keyword.Find("rate");
+  if (rate && !rate->IsNumber() && keyword.LeaveUnread("rate"))
     AddError(inp_Utils::MessageAtParameter(
         keyword, "rate",
         inpS_messageText(inpS_app_InvalidParameterValue, {"RATE"}) + " It is read as 0."));
@@ -59,6 +60,7 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   m_rates = {rateOf(keyword)};
   const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(kind);
   inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
+  KeepOthers(keyword, row, property, table);
   const int tableKind = inpS_PropertyUtils::TableKindOf(kind);
   KvoSrvFsmFTable::CreateTable(
       property, tableKind, table.NumRows(), table.NumDependencies(), {},
@@ -73,31 +75,34 @@ bool inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
                                                            const inp_Keyword& keyword,
                                                            const KvoSimPosition& property) {
   if (m_rates.size() >= kMostRates) {
-    Error(keyword, "A material has at most " + std::to_string(kMostRates) +
-                       " *PLASTIC with isotropic hardening; the keyword is kept as text.");
+    Warning(keyword, "A material has at most " + std::to_string(kMostRates) +
+                         " *PLASTIC with isotropic hardening; the keyword is kept as text.");
     return false;
   }
   const inpS_KeywordDataTable added = ReadIsotropicHardening(keyword);
   if (added.NumRows() == 0) return false;
   KvoSrvFsmFTable table = property.GetFTable();
-  if (added.NumDependencies() != table.FieldVariables()) {
-    Error(keyword, "The number of field variables is another than that of the material's first "
-                   "*PLASTIC; the keyword is kept as text.");
+  if (added.NumDependencies() != table.NumberFieldVariables()) {
+    Warning(keyword, "The number of field variables is another than that of the material's first "
+                     "*PLASTIC; the keyword is kept as text.");
     return false;
   }
-  // Of two curves at one rate none is the better; joined they would be a third one.
-  if (std::ranges::find(m_rates, rateOf(keyword)) != m_rates.end()) {
-    Error(keyword,
-          "The material has a *PLASTIC of this rate already; the keyword is kept as text.");
-    return false;
-  }
+  if (std::ranges::find(m_rates, rateOf(keyword)) != m_rates.end())
+    Warning(keyword,
+            "The material has a *PLASTIC of this rate already; its rows are joined to those.");
+  // The record holds the parameters of the first keyword. Of this one they are kept as they stand,
+  // and where it begins, when its rate does not tell.
+  inpS_KeptPart part{table.NumOfRows()};
+  if (!added.Unread().empty()) part.lines = inpS_dataLines(keyword);
+  KeepParts(keyword, property, std::move(part), rateOf(keyword) == m_rates.back());
   m_rates.push_back(rateOf(keyword));
   const bool temperature = table.IsTemperatureDependent() || added.HasTemperatureColumn();
   cow_List<double> rows;
-  appendRows(rows, table.Values(), table.Columns(), temperature && !table.IsTemperatureDependent());
+  appendRows(rows, table.Values(), table.NumOfCols(),
+             temperature && !table.IsTemperatureDependent());
   appendRows(rows, added.GetDataAsBuffer(), added.NumCols(),
              temperature && !added.HasTemperatureColumn());
-  table.SetValues(table.Rows() + added.NumRows(), rows,
-                  kStateColumn + table.FieldVariables() + (temperature ? 1 : 0), temperature);
+  table.SetValues(table.NumOfRows() + added.NumRows(), rows,
+                  kStateColumn + table.NumberFieldVariables() + (temperature ? 1 : 0), temperature);
   return true;
 }

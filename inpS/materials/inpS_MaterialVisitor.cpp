@@ -2,12 +2,14 @@
 #include "base/utl_Assert.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/materials/inpS_TableCheck.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -44,19 +46,6 @@ bool mayOwn(const KvoSimPosition& owner, inp_KeywordEnm keyword) {
   return isContainer(owner) || std::ranges::find(parents, inp_KwMaterial) == parents.end();
 }
 
-// ", NAME=VALUE" for each parameter that nothing asked for.
-cow_String otherParameters(const inp_Keyword& keyword) {
-  cow_String others;
-  for (const inp_Parameter& parameter : keyword.Parameters()) {
-    if (parameter.referred) continue;
-    parameter.referred = true;
-    for (const char c : ", " + parameter.name)
-      others += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
-  }
-  return others;
-}
-
 bool hasData(const inp_Keyword& keyword) {
   const inp_DataArray& data = keyword.Data();
   for (long long row = 0; row < data.Rows(); ++row)
@@ -73,11 +62,14 @@ bool namesDistribution(const inp_Keyword& keyword) {
          data.FieldText(0, 0).find_first_of("0123456789+-.") != 0;
 }
 
-cow_String allLines(const inp_Keyword& keyword) {
-  cow_String lines;
-  const inp_DataArray& data = keyword.Data();
-  for (long long row = 0; row < data.Rows(); ++row) lines += cow_String(data.RowText(row)) + '\n';
-  return lines;
+// "*PLASTIC, *CREEP or *VISCOUS": the keywords that it may be a sub-option of.
+cow_String namesOf(std::span<const inp_KeywordEnm> keywords) {
+  cow_String names;
+  for (std::size_t n = 0; n < keywords.size(); ++n) {
+    if (n > 0) names += n + 1 < keywords.size() ? ", " : " or ";
+    names += '*' + cow_String(inp_KeywordTable::Instance().Row(keywords[n])->name);
+  }
+  return names;
 }
 
 } // namespace
@@ -121,9 +113,21 @@ KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_R
   KvoSimDataRecord record = opened.DataRecord();
   record.SetString(0, name->AsString());
   model.AssociateStringKey(member, name->AsString(), opened);
-  inpS_readParameters(keyword, inpS_bindParameters(keyword.Kind(), kind), record, *this);
+  if (kind == eds_RecordKind::Material)
+    CreateMaterialRegularization(keyword, opened);
+  else
+    inpS_readParameters(keyword, inpS_bindParameters(keyword.Kind(), kind), record, *this);
+  KeepParts(keyword, opened, {});
   transaction.Commit();
   return opened;
+}
+
+// How tables that depend on rates are regularized, and how they go on beyond their ends: the
+// parameters of *MATERIAL as they are given.
+void inpS_MaterialVisitor::CreateMaterialRegularization(const inp_Keyword& keyword,
+                                                        const KvoSimPosition& material) {
+  inpS_readParameters(keyword, inpS_bindParameters(keyword.Kind(), eds_RecordKind::Material),
+                      material.DataRecord(), *this);
 }
 
 // Without a name nothing is opened: what follows belongs to the one before it.
@@ -141,16 +145,14 @@ void inpS_MaterialVisitor::TellOfData(const inp_Keyword& keyword) {
 void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
   const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
   if (opened.IsNull()) return;
-  m_owner = m_material = opened;
-  m_hasPotential = false;
+  m_owner = m_material = m_latest = opened;
 }
 
 void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
   const KvoSimPosition opened =
       OpenNamed(keyword, eds_RecordKind::GasketBehavior, eds_Member::GasketBehaviors);
   if (opened.IsNull()) return;
-  m_owner = m_gasket = opened;
-  m_hasPotential = false;
+  m_owner = m_gasket = m_latest = opened;
 }
 
 // There is one set of constants; each parameter given again takes the place of the former.
@@ -169,7 +171,7 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
       AddWarning(inp_Utils::MessageAtParameter(
           keyword, binding.key, binding.name + " is given again; the last one holds."));
   inpS_readParameters(keyword, bindings, constants.DataRecord(), *this);
-  if (const cow_String others = otherParameters(keyword); !others.empty()) {
+  if (const cow_String others = inpS_takeOtherParameters(keyword); !others.empty()) {
     const cow_String former =
         constants.DataRecord().ReturnString(eds_PhysicalConstants_OtherParameters);
     constants.DataRecord().SetString(eds_PhysicalConstants_OtherParameters, former + others);
@@ -202,18 +204,37 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
   case inp_KwGasketBehavior:
     m_owner = m_gasket;
     break;
-  case inp_NullKeyword:
-    m_owner = {};
+  case inp_NullKeyword: // behind a keyword of another subject, or before any material
+    m_open = m_owner = StillOpenFor(kind);
     break;
   default: // dealt with where its own parent is converted, or kept with it
     if (!table.Knows(keyword.ParentKind())) KeepAsText(keyword, {});
     return;
   }
-  if (m_owner.IsNull())
-    Error(keyword, "*" + keyword.Name() +
-                       " belongs to a material and stands outside of any; it is kept as text.");
+  if (m_owner.IsNull()) TellOfStray(keyword);
   if (m_owner.IsNull() || !table.Knows(kind)) return KeepAsText(keyword, m_owner);
   inpS_Visitor::Visit(keyword);
+}
+
+// A material stays open until the next one.
+KvoSimPosition inpS_MaterialVisitor::StillOpenFor(inp_KeywordEnm kind) const {
+  const inp_KeywordTable& table = inp_KeywordTable::Instance();
+  const bool ofMaterials = table.IsSuboptionOf(kind, inp_KwMaterial);
+  const bool ofGaskets = table.IsSuboptionOf(kind, inp_KwGasketBehavior);
+  if (ofMaterials && ofGaskets) return m_latest;
+  return ofMaterials ? m_material : ofGaskets ? m_gasket : KvoSimPosition();
+}
+
+void inpS_MaterialVisitor::TellOfStray(const inp_Keyword& keyword) {
+  const auto parents = inp_KeywordTable::Instance().Row(keyword.Kind())->parents;
+  const bool ofContainers = std::ranges::any_of(parents, [](inp_KeywordEnm parent) {
+    return parent == inp_KwMaterial || parent == inp_KwGasketBehavior;
+  });
+  Error(keyword, "*" + keyword.Name() +
+                     (ofContainers ? " belongs to a material and stands outside of any"
+                                   : " belongs to " + namesOf(parents) + " and stands under " +
+                                         (parents.size() > 1 ? "none of them" : "none")) +
+                     "; it is kept as text.");
 }
 
 // With all its sub-options: none of them can be converted without it. It stands behind what the
@@ -284,8 +305,8 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
     ReportChoice(keyword);
     return false;
   }
+  if (inpS_hasUnknownWord(keyword)) return false; // told
   if (behavior->HasTable() && namesDistribution(keyword)) return false;
-  CheckConflicts(keyword, *behavior);
   if (behavior->form == inpS_DataForm::None) TellOfData(keyword);
   if (behavior->repeat == inpS_Repeat::Many) return true;
   return !IsSecond(keyword, *behavior, owner);
@@ -299,54 +320,51 @@ bool inpS_MaterialVisitor::IsSecond(const inp_Keyword& keyword, const inpS_Behav
                           ? present.IsA(behavior.kind)
                           : other->keyword == keyword.Kind();
     if (!same) continue;
-    Error(keyword, "*" + keyword.Name() + " is given a second time for the same " +
-                       (memberOf(owner) == eds_Member::Properties ? "material" : "behavior") +
-                       "; the first one holds, this one is kept as text.");
+    Warning(keyword, "*" + keyword.Name() + " is given a second time for the same " +
+                         (memberOf(owner) == eds_Member::Properties ? "material" : "behavior") +
+                         "; the first one holds, this one is kept as text.");
     return true;
   }
   return false;
 }
 
+// A value that is no word of the language has been told by the parser, and what *ELASTIC does not
+// know it leaves alone without a word of its own.
 void inpS_MaterialVisitor::ReportChoice(const inp_Keyword& keyword) {
   const cow_String parameter = inpS_BehaviorTable::Instance().UnknownChoice(keyword);
-  // What *ELASTIC does not know it leaves alone without a word of its own.
-  if (keyword.Kind() == inp_KwElastic && parameter == "TYPE") return;
-  if (parameter.empty()) {
+  if (keyword.Kind() == inp_KwExpansion && parameter == "TYPE")
+    return AddWarning(inp_Utils::MessageAtParameter(keyword, "type", "Unsupported type."));
+  if (inpS_hasUnknownWord(keyword) || keyword.Kind() == inp_KwElastic) return;
+  const bool says =
+      std::ranges::any_of(inpS_BehaviorTable::Instance().Rows(), [&](const inpS_Behavior& row) {
+        return row.keyword == keyword.Kind() &&
+               std::ranges::any_of(row.selectors,
+                                   [&](const auto& one) { return keyword.HasParameter(one.key); });
+      });
+  if (says)
+    Warning(keyword,
+            "*" + keyword.Name() + " is none of the kinds that are converted; it is kept as text.");
+  else
     Error(keyword,
           "*" + keyword.Name() + " lacks a parameter that tells what it is; it is kept as text.");
-    return;
-  }
-  const cow_String text = keyword.Kind() == inp_KwExpansion
-                              ? cow_String("Unsupported type.")
-                              : inpS_messageText(inpS_app_InvalidParameterValue, {parameter}) +
-                                    " The keyword is kept as text.";
-  cow_String key;
-  for (const char c : parameter)
-    if (c != ' ') key += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  AddError(inp_Utils::MessageAtParameter(keyword, key, text));
 }
 
-// Two bare parameters that choose different rows.
-void inpS_MaterialVisitor::CheckConflicts(const inp_Keyword& keyword,
-                                          const inpS_Behavior& behavior) {
+// Bare parameters that choose different rows: the first row holds.
+void inpS_MaterialVisitor::TellConflicts(const inp_Keyword& keyword) {
   for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (parameter.referred || parameter.told) continue;
     const auto chooses = [&](const inpS_Behavior& row) {
       return row.keyword == keyword.Kind() &&
              std::ranges::any_of(row.selectors, [&](const inpS_Behavior::Selector& selector) {
-               return selector.word.empty() && selector.key == parameter.name;
+               return selector.key == parameter.name;
              });
     };
-    const bool isRead =
-        behavior.Binds(parameter.name) ||
-        std::ranges::find(behavior.selectors, parameter.name, &inpS_Behavior::Selector::key) !=
-            behavior.selectors.end();
-    if (isRead) continue;
-    const auto& rows = inpS_BehaviorTable::Instance().Rows();
-    if (std::ranges::none_of(rows, chooses)) continue;
-    parameter.referred = true; // told here, and once is enough
-    AddError(inp_Utils::MessageAtParameter(
+    if (std::ranges::none_of(inpS_BehaviorTable::Instance().Rows(), chooses)) continue;
+    parameter.told = true;
+    AddWarning(inp_Utils::MessageAtParameter(
         keyword, parameter.name,
-        "\"" + parameter.name + "\" does not go with the other parameters; it is ignored."));
+        "\"" + parameter.name +
+            "\" does not go with the other parameters; it is kept, but not used."));
   }
 }
 
@@ -358,7 +376,7 @@ bool inpS_MaterialVisitor::CheckCounts(const inp_Keyword& keyword, const inpS_Be
   for (const inpS_ParameterBinding& binding : behavior.parameters) {
     const inp_Item* item = keyword.Find(binding.key);
     if (!item || std::ranges::find(counts, binding.key) == counts.end()) continue;
-    if (item->GetKind() == inp_Item::Kind::Integer && item->AsInt() >= least) continue;
+    if (item->IsWhole() && item->AsInt() >= least) continue;
     AddError(inp_Utils::MessageAtParameter(
         keyword, binding.key,
         inpS_messageText(inpS_app_InvalidParameterValue, {binding.name}) +
@@ -393,7 +411,9 @@ bool inpS_MaterialVisitor::ReadTable(const inp_Keyword& keyword, const inpS_Beha
   table = inpS_KeywordDataTable(keyword, static_cast<int>(size), 0, behavior.HasTemperature());
   if (size == 0) return true;
   table.Read();
-  for (wip_Message& message : table.UnreadMessages()) AddError(std::move(message));
+  table.ReportUnread(*this);
+  for (std::size_t n = 0; n < columns.size(); ++n)
+    if (columns[n].absent != 0) table.SetUnspecified(static_cast<int>(n), columns[n].absent);
   inpS_checkTable(keyword, table, columns, *this);
   table.RemoveTempColumnIfIndependent();
   return table.NumRows() > 0 || behavior.MayLackRows();
@@ -411,7 +431,9 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword,
   owner.Associate(memberOf(owner), property);
   PlacePotential(potential, property);
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
-  KeepOthers(keyword, behavior, property.DataRecord());
+  if (behavior.linesField >= 0 && keyword.Data().Rows() > 0)
+    property.DataRecord().SetString(behavior.linesField, inpS_dataLines(keyword));
+  KeepOthers(keyword, behavior, property, table);
   const int kind = inpS_PropertyUtils::TableKindOf(behavior.kind);
   inpS_PropertyUtils::CreateProperty(
       property, kind, kind, std::move(table), extraColumns(columns, Column::Role::Dependent),
@@ -421,14 +443,27 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword,
   return property;
 }
 
-// What has no field and no column: parameters that nothing asked for, lines that are no table.
+// What has no field and no column: parameters that nothing took, lines that hold more than rows.
 void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_Behavior& behavior,
-                                      KvoSimDataRecord record) {
-  if (behavior.linesField >= 0 && keyword.Data().Rows() > 0)
-    record.SetString(behavior.linesField, allLines(keyword));
-  if (behavior.othersField < 0) return;
-  const cow_String others = otherParameters(keyword);
-  if (!others.empty()) record.SetString(behavior.othersField, others);
+                                      const KvoSimPosition& property,
+                                      const inpS_KeywordDataTable& table) {
+  if (behavior.othersField >= 0) {
+    const cow_String others = inpS_takeOtherParameters(keyword);
+    if (!others.empty()) property.DataRecord().SetString(behavior.othersField, others);
+  }
+  inpS_KeptPart part;
+  if (!table.Unread().empty()) part.lines = inpS_dataLines(keyword);
+  KeepParts(keyword, property, std::move(part));
+}
+
+void inpS_MaterialVisitor::KeepParts(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                                     inpS_KeptPart part, bool always) {
+  if (!keyword.Parameters().empty()) {
+    TellConflicts(keyword);
+    inpS_tellOtherParameters(keyword, *this);
+    part.parameters = inpS_takeOtherParameters(keyword);
+  }
+  if (always || !part.parameters.empty() || !part.lines.empty()) inpS_keepPart(owner, part);
 }
 
 // A sub-option is a record of its own; one without data may be a flag of the property, in the field
@@ -463,29 +498,33 @@ void inpS_MaterialVisitor::Elasticity(const inp_Keyword& keyword) {
   transaction.Commit();
 }
 
-// The material keeps the first potential it is given.
+// The material keeps the first potential that it is given; another, or one without rows, is text.
 inpS_MaterialVisitor::Potential inpS_MaterialVisitor::CreatePotential(const inp_Keyword& keyword) {
   Potential potential;
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
     if (suboption.Kind() != inp_KwPotential) continue;
-    if (m_hasPotential) {
-      suboption.ReferAll();
-      Warning(suboption, "The material has a potential already; this one is ignored.");
-      continue;
-    }
-    m_hasPotential = true;
-    const inpS_Behavior* behavior = inpS_BehaviorTable::Instance().Select(suboption);
-    if (behavior) potential.made = Create(suboption, *behavior, m_owner);
-    if (potential.made.IsNull()) potential.text = &suboption;
+    const auto present = m_owner.GetVector(eds_Member::Properties);
+    const bool isSecond = std::ranges::any_of(present, [](const KvoSimPosition& property) {
+      return property.IsA(eds_RecordKind::Potential);
+    });
+    KvoSimPosition made;
+    if (isSecond)
+      Warning(suboption, "The material has a potential already; this one is kept as text.");
+    else if (const auto* behavior = inpS_BehaviorTable::Instance().Select(suboption))
+      made = Create(suboption, *behavior, m_owner);
+    if (made.IsNull())
+      potential.texts.push_back(&suboption);
+    else
+      potential.made = made;
   }
   return potential;
 }
 
 void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
                                           const KvoSimPosition& property) {
-  if (potential.text) {
-    potential.text->ReferAll();
-    m_text.try_emplace(potential.text->Body().get(), inpS_TextPlace{m_owner, property});
+  for (const inp_Keyword* text : potential.texts) {
+    text->ReferAll();
+    m_text.try_emplace(text->Body().get(), inpS_TextPlace{m_owner, property});
   }
   if (!potential.made.IsNull())
     potential.made.DataRecord().SetReference(eds_Potential_GivenWith, property);
@@ -493,6 +532,7 @@ void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
 
 void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
   if (keyword.StringOf("hardening", "ISOTROPIC") != "ISOTROPIC") return Behavior(keyword);
+  if (inpS_hasUnknownWord(keyword)) return KeepAsText(keyword, m_owner);
   constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
   KvoSimPosition property = GetProperty(kind);
   if (property.IsNull() && IsSecond(keyword, *inpS_BehaviorTable::Instance().Find(kind), m_owner))
@@ -521,15 +561,19 @@ void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
 // variables may follow.
 void inpS_MaterialVisitor::Depvar(const inp_Keyword& keyword) {
   const inp_DataArray& data = keyword.Data();
-  const bool given = data.Rows() > 0 && data.Cols(0) > 0 &&
-                     data.Type(0, 0) == inp_FieldType::Integer && data.AsInt64(0, 0) >= 0;
-  if (!given) {
+  const bool isNumber =
+      data.Rows() > 0 && data.Cols(0) > 0 &&
+      (data.Type(0, 0) == inp_FieldType::Integer || data.Type(0, 0) == inp_FieldType::Double);
+  const double count = isNumber ? data.AsDouble(0, 0) : -1;
+  constexpr double most = 1e15; // beyond, doubles have no fractions
+  if (!(count >= 0 && count <= most && count == std::trunc(count))) {
     Error(keyword, "*DEPVAR does not tell the number of variables; it is kept as text.");
     return KeepAsText(keyword, m_owner);
   }
   KvoSimTransaction transaction(m_document.ContextID());
   const KvoSimPosition property = Convert(keyword, m_owner);
-  if (!property.IsNull()) property.DataRecord().SetInt(eds_Depvar_Count, data.AsInt64(0, 0));
+  if (!property.IsNull())
+    property.DataRecord().SetInt(eds_Depvar_Count, static_cast<long long>(count));
   transaction.Commit();
 }
 

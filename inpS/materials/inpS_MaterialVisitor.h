@@ -5,6 +5,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/materials/inpS_Behavior.h"
 #include "inpS/materials/inpS_PropertyUtils.h"
 
@@ -66,7 +67,10 @@ private:
   void TellOfData(const inp_Keyword& keyword);
   void TellOfNoName(const inp_Keyword& keyword);
   void ReportChoice(const inp_Keyword& keyword);
-  void CheckConflicts(const inp_Keyword& keyword, const inpS_Behavior& behavior);
+  void TellConflicts(const inp_Keyword& keyword);
+  KvoSimPosition StillOpenFor(inp_KeywordEnm kind) const;
+  void TellOfStray(const inp_Keyword& keyword);
+  void CreateMaterialRegularization(const inp_Keyword& keyword, const KvoSimPosition& material);
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                          const inp_Keyword* parent = nullptr);
   KvoSimPosition Create(const inp_Keyword& keyword, const inpS_Behavior& behavior,
@@ -78,13 +82,15 @@ private:
   // property; once that is there, it is told what it was given with, or kept as text behind it.
   struct Potential {
     KvoSimPosition made;
-    const inp_Keyword* text = nullptr;
+    cow_List<const inp_Keyword*> texts{};
   };
   Potential CreatePotential(const inp_Keyword& keyword);
   void PlacePotential(const Potential& potential, const KvoSimPosition& property);
   inpS_KeywordDataTable ReadIsotropicHardening(const inp_Keyword& keyword);
   void KeepOthers(const inp_Keyword& keyword, const inpS_Behavior& behavior,
-                  KvoSimDataRecord record);
+                  const KvoSimPosition& property, const inpS_KeywordDataTable& table);
+  void KeepParts(const inp_Keyword& keyword, const KvoSimPosition& owner, inpS_KeptPart part,
+                 bool always = false);
   void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner);
   KvoSimPosition OpenNamed(const inp_Keyword& keyword, eds_RecordKind kind, eds_Member member);
 
@@ -95,9 +101,9 @@ private:
   KvoSimCollection m_componentCollection;
   KvoSimPosition m_material;
   cow_List<double> m_rates; // of its isotropic hardening so far
-  bool m_hasPotential = false;
   KvoSimPosition m_gasket;
-  KvoSimPosition m_owner; // of the keyword at hand
-  KvoSimPosition m_open;  // to which an unknown keyword would belong
+  KvoSimPosition m_latest; // of these two the one opened last
+  KvoSimPosition m_owner;  // of the keyword at hand
+  KvoSimPosition m_open;   // to which an unknown keyword would belong
   inpS_TextKeywords m_text;
 };

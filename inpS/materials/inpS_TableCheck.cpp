@@ -60,8 +60,9 @@ private:
     return field >= 0 ? inp_Utils::MessageAtField(m_keyword, line, field, fault)
                       : inp_Utils::MessageAtRow(m_keyword, line, fault);
   }
+  // A row that looks wrong is kept all the same: what it means is the analyst's to say.
   void Tell(int row, int column, const cow_String& fault) {
-    m_messages.AddError(At(row, column, fault));
+    m_messages.AddWarning(At(row, column, fault));
   }
 
   bool IsBlank(int row) const {
@@ -70,8 +71,8 @@ private:
     return true;
   }
 
-  // A blank line is a row all of whose values are left to their default, 0. So is a value that the
-  // row lacks.
+  // A blank line is a row all of whose values are left to their defaults, mostly 0. So is a value
+  // that the row lacks.
   void CheckLengths() {
     if (m_table.IsWhole()) return;
     int told = 0;
@@ -80,16 +81,19 @@ private:
       const cow_String variable = missing.empty() ? FirstMissingVariable(row) : cow_String();
       const bool blank = IsBlank(row);
       if (missing.empty() && variable.empty() && !blank) continue;
-      wip_Message message = At(row, blank ? 0 : m_table.NumCols(),
-                               blank ? "A blank data line is read as a row of zeros."
-                                     : "Row " + std::to_string(row + 1) + " has no value for " +
-                                           missing + variable + "; it is read as 0.");
-      if (missing.empty())
-        m_messages.AddWarning(std::move(message));
-      else
-        m_messages.AddError(std::move(message));
+      wip_Message message =
+          At(row, blank ? 0 : m_table.NumCols(),
+             blank ? HasDefaults() ? "A blank data line is read as a row of defaults."
+                                   : "A blank data line is read as a row of zeros."
+                   : "Row " + std::to_string(row + 1) + " has no value for " + missing + variable +
+                         "; it is read as 0.");
+      m_messages.AddWarning(std::move(message));
       ++told;
     }
+  }
+
+  bool HasDefaults() const {
+    return std::ranges::any_of(m_columns, [](const Column& one) { return one.absent != 0; });
   }
 
   // The name of the first value that a row lacks; empty when it has all that it needs.
@@ -157,6 +161,8 @@ private:
       if (!IsGiven(row, number) || !IsGiven(row, other)) continue;
       const double value = Value(row, number);
       const double bound = Value(row, other);
+      // Both 0 where neither is needed: as if not given, a law without temperature.
+      if (column.optional && value == 0 && bound == 0) continue;
       const double ahead = low ? value - bound : bound - value;
       if (!(open ? ahead <= 0 : ahead < 0)) continue;
       const char* words =
@@ -200,7 +206,7 @@ private:
     for (int row = 1; row < m_table.NumRows() && told < kMostTold; ++row) {
       int number = m_table.NumCols() - 1;
       while (number >= m_state && Value(row, number) == Value(row - 1, number)) --number;
-      if (IsBlank(row) && !IsRowOfZeros(row)) continue; // an error by itself
+      if (IsBlank(row) && !IsRowOfZeros(row)) continue; // told by itself
       if (number < m_state) {
         if (repeats) continue;
         Tell(row, 0,

@@ -240,8 +240,7 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
 void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
-  for (wip_Message& message : inpS_unreadFieldMessages(keyword, inpS_System::UnreadFields(keyword)))
-    AddError(std::move(message));
+  inpS_reportUnreadFields(keyword, inpS_System::UnreadFields(keyword), *this, "not used");
   scope.system.FillIdentity();
   if (scope.system.ReadSystem(keyword)) {
     if (scope.system.IsIdentity() && isOriginAlone(keyword.Data()))

@@ -198,11 +198,10 @@ bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
     const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(kind);
     return row && (row->block == kMaterials || row->block == kGasketBehaviors);
   };
-  const bool single = keyword.ParentKind() == inp_NullKeyword;
-  const auto ownerless = [&] {
-    const inpS_TextPlace* told = AsText(keyword);
-    return told && told->owner.IsNull();
-  };
+  const inpS_TextPlace* told = AsText(keyword);
+  // A material stays open behind keywords of other subjects.
+  const bool single = keyword.ParentKind() == inp_NullKeyword && !(told && !told->owner.IsNull());
+  const auto ownerless = [&] { return told && told->owner.IsNull(); };
   if (keyword.Kind() == inp_KwBaselineCorrection) return single || ownerless();
   if (keyword.Kind() == inp_KwMaterial || keyword.Kind() == inp_KwGasketBehavior) return false;
   if (!isOfMaterials(keyword.Kind())) return false;

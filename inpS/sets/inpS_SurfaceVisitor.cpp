@@ -5,6 +5,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "inpS/keywords/inpS_BlankLine.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordParameterReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/sets/inpS_SurfaceCombiner.h"
@@ -44,23 +45,11 @@ inpS_SurfaceVisitor::~inpS_SurfaceVisitor() = default;
 
 // A cutting plane through nodes would have to follow them; it stays text.
 bool inpS_SurfaceVisitor::IsModelled(const inp_Keyword& keyword) {
+  if (inpS_hasUnknownWord(keyword)) return false; // told by the parser
   const int type = typeOf(keyword);
   if (type != static_cast<int>(Type::Cutting)) return type >= 0;
   const inp_Item* definition = keyword.Find("definition");
   return !definition || definition->AsString() != "NODES";
-}
-
-// A type that the deck language does not have is a slip of the pen.
-void inpS_SurfaceVisitor::CheckType(const inp_Keyword& keyword) {
-  static constexpr std::string_view kept[] = {"EULERIANMATERIAL", "BSPLINE", "XFEM",
-                                              "BEZIER",           "USER",    "CUTTINGSURFACE"};
-  const inp_Item* type = keyword.Find("type");
-  if (!type || std::find(std::begin(kept), std::end(kept), type->AsString()) != std::end(kept))
-    return;
-  AddError(inp_Utils::MessageAtParameter(keyword, "type",
-                                         "TYPE=" + type->Verbatim() + " is none of " +
-                                             inpS_wordList(rowOf("type")) +
-                                             "; the surface is kept as text."));
 }
 
 void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
@@ -87,7 +76,6 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (m_isConverted || keyword.IsInstanceCopy()) return;
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll(); // text, and told
   if (!IsModelled(keyword)) {
-    CheckType(keyword);
     keyword.ReferAll();
     m_combiner->AddKeptAsText(Owner(), keyword.StringOf("name", {}));
     return;
@@ -122,6 +110,7 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
     m_combiner->Add(keyword, surface);
   else if (!isAnalytical(type))
     ReadData(keyword, surface);
+  inpS_keepOthers(keyword, surface.Position(), *this);
   transaction.Commit();
 }
 

@@ -29,7 +29,6 @@ public:
   void VisitSurface(const inp_Keyword& keyword) override;
 
 private:
-  void CheckType(const inp_Keyword& keyword);
   void TellKept(const inp_Keyword& keyword, eds_SurfaceType type, eds_SurfaceOperation operation);
   bool ReadOperation(const inp_Keyword& keyword, eds_SurfaceOperation& operation);
   bool IsFree(const inp_Keyword& keyword, const cow_String& name, bool internal);

@@ -5,6 +5,7 @@
 #include "database/KvoSimDistribution.h"
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/history/inpS_AmplitudeForm.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "inpS/writer/inpS_PropertyDescription.h"
 #include <algorithm>
@@ -66,12 +67,17 @@ void printKeyword(utl_Stream& out, const inpS_AmplitudeForm& form, const KvoSimD
     out << ", SMOOTH=" << record.GetDouble(eds_AmplitudeTabular_Smoothing);
 }
 
-void printAmplitude(utl_Stream& out, const KvoSimPosition& amplitude) {
+} // namespace
+
+void inpS_printAmplitude(utl_Stream& out, const KvoSimPosition& amplitude,
+                         const inpS_KeptParts& parts) {
   const KvoSimDataRecord record = amplitude.DataRecord();
   const inpS_AmplitudeForm* form = inpS_amplitudeForm(record);
   if (!form) return; // of a newer version's kind: nothing is known of it
+  const inpS_KeptPart& part = parts.FirstOf(amplitude);
   printKeyword(out, *form, record);
-  out << '\n';
+  out << part.parameters << '\n' << part.lines;
+  if (!part.lines.empty()) return;
   printFirstLine(out, *form, record);
   cow_List<double> values = pairsOf(amplitude, *form);
   if (form->data == Data::Magnitudes) {
@@ -81,12 +87,10 @@ void printAmplitude(utl_Stream& out, const KvoSimPosition& amplitude) {
   printValues(out, values);
 }
 
-} // namespace
-
-void inpS_printAmplitudes(utl_Stream& out, const KvoObjModel& model,
+void inpS_printAmplitudes(utl_Stream& out, const KvoObjModel& model, const inpS_KeptParts& parts,
                           const std::function<void(const KvoSimPosition&)>& printTexts) {
   for (const KvoSimPosition& amplitude : model.Position().FollowMap(eds_Member::Amplitudes)) {
-    printAmplitude(out, amplitude);
+    inpS_printAmplitude(out, amplitude, parts);
     printTexts(amplitude);
   }
 }

@@ -16,7 +16,7 @@ constexpr int kRateColumn = 2; // of isotropic hardening, behind yield stress an
 
 // A table of another program may lack them.
 bool hasRates(const KvoSrvFsmFTable& table) {
-  return !table.IsNull() && table.Columns() > kRateColumn;
+  return !table.IsNull() && table.NumOfCols() > kRateColumn;
 }
 
 std::string_view nameOf(inp_KeywordEnm keyword) {
@@ -24,8 +24,8 @@ std::string_view nameOf(inp_KeywordEnm keyword) {
 }
 
 void printDependencies(utl_Stream& out, const KvoSrvFsmFTable& table) {
-  if (!table.IsNull() && table.FieldVariables() > 0)
-    out << ", DEPENDENCIES=" << table.FieldVariables();
+  if (!table.IsNull() && table.NumberFieldVariables() > 0)
+    out << ", DEPENDENCIES=" << table.NumberFieldVariables();
 }
 
 // The record's fields as parameters, for what has no row of its own.
@@ -58,7 +58,7 @@ void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEn
   const inpS_OwnedProperties owned(owner);
   m_potentials = owned.potentials;
   printPlain(m_out, keyword, owner);
-  m_out << '\n';
+  m_out << m_parts.FirstOf(owner).parameters << '\n';
   m_texts(owner, owner);
   for (const KvoSimPosition& property : owned.properties) {
     PrintProperty(property);
@@ -74,10 +74,14 @@ void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
   if (property.IsA(eds_RecordKind::PlasticIsotropic) && hasRates(property.GetFTable())) {
     PrintIsotropicHardening(property, *behavior);
   } else {
+    const inpS_KeptPart& part = m_parts.FirstOf(property);
     PrintKeyword(property, *behavior);
     printDependencies(m_out, property.GetFTable());
-    m_out << '\n';
-    PrintTable(property);
+    m_out << part.parameters << '\n';
+    if (part.lines.empty())
+      PrintTable(property);
+    else
+      m_out << part.lines;
     if (behavior->linesField >= 0) m_out << property.DataRecord().GetString(behavior->linesField);
   }
   PrintSuboptions(property);
@@ -97,31 +101,41 @@ void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {
   inpS_RowLayout(behavior, property.DataRecord(), table).Print(m_out, table.Values());
 }
 
-// One keyword for each run of rows of one rate.
+// One keyword for each run of rows of one rate, and for each that keeps something of its own.
 void inpS_MaterialPrinter::PrintIsotropicHardening(const KvoSimPosition& property,
                                                    const inpS_Behavior& behavior) {
   const KvoSrvFsmFTable table = property.GetFTable();
-  const int columns = table.Columns();
-  cow_List<double> values = table.Values();
-  const auto rows = static_cast<std::size_t>(table.Rows());
-  const auto width = static_cast<std::size_t>(columns);
-  const auto rateOf = [&](std::size_t row) { return values[row * width + kRateColumn]; };
-  const int variables = table.FieldVariables();
-  const bool lacksTemperature = variables > 0 && !table.IsTemperatureDependent();
-  for (std::size_t row = 0; row < rows;) {
-    const std::size_t first = row;
-    cow_List<double> run;
-    for (; row < rows && rateOf(row) == rateOf(first); ++row) {
-      const auto at = values.begin() + static_cast<std::ptrdiff_t>(row * width);
-      run.insert(run.end(), at, at + kRateColumn);
-      run.insert(run.end(), at + kRateColumn + 1, at + columns);
-    }
-    PrintKeyword(property, behavior);
-    if (rateOf(first) != 0.0) m_out << ", RATE=" << rateOf(first);
+  const int columns = table.NumOfCols();
+  const cow_List<double> values = table.Values();
+  const long long rows = table.NumOfRows();
+  const auto at = [&](long long row) { return values.begin() + row * columns; };
+  const auto parts = m_parts.Of(property);
+  auto next = parts.begin();
+  for (long long row = 0; row < rows;) {
+    static const inpS_KeptPart none;
+    while (next != parts.end() && next->firstRow < row) ++next; // of another program
+    const inpS_KeptPart& part = next != parts.end() && next->firstRow == row ? *next++ : none;
+    const double rate = at(row)[kRateColumn];
+    const long long end = next == parts.end() ? rows : std::min(rows, next->firstRow);
+    inpS_printVariant(m_out, behavior);
+    if (row == 0) inpS_printOtherParameters(m_out, behavior, property.DataRecord());
+    if (rate != 0.0) m_out << ", RATE=" << rate;
     printDependencies(m_out, table);
-    m_out << '\n';
-    inpS_RowLayout(columns - 1, lacksTemperature ? kRateColumn : -1).Print(m_out, run);
+    m_out << part.parameters << '\n' << part.lines;
+    cow_List<double> run;
+    do { // the first in any case: a number that is none equals nothing
+      run.insert(run.end(), at(row), at(row) + kRateColumn);
+      run.insert(run.end(), at(row) + kRateColumn + 1, at(row) + columns);
+      ++row;
+    } while (row < end && at(row)[kRateColumn] == rate);
+    if (part.lines.empty()) PrintRows(table, run);
   }
+}
+
+// Of one keyword, without their rate.
+void inpS_MaterialPrinter::PrintRows(const KvoSrvFsmFTable& table, const cow_List<double>& run) {
+  const bool lacksTemperature = table.NumberFieldVariables() > 0 && !table.IsTemperatureDependent();
+  inpS_RowLayout(table.NumOfCols() - 1, lacksTemperature ? kRateColumn : -1).Print(m_out, run);
 }
 
 void inpS_MaterialPrinter::PrintSuboptions(const KvoSimPosition& property) {

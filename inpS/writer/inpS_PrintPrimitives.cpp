@@ -54,8 +54,8 @@ void inpS_printComponentsOnDataline(cow_String& line, const KvoSimPosition& comp
 void inpS_printFTable(utl_Stream& out, const inpS_FTableOptions& options,
                       const KvoSrvFsmFTable& table) {
   const cow_List<double> values = table.Values();
-  const int columns = table.Columns();
-  for (long long row = 0; row < table.Rows(); ++row) {
+  const int columns = table.NumOfCols();
+  for (long long row = 0; row < table.NumOfRows(); ++row) {
     const double* at = values.data() + row * columns;
     for (int first = 0; first < columns; first += options.valuesPerLine) {
       const int n = std::min(columns - first, options.valuesPerLine);

@@ -39,7 +39,7 @@ cow_List<Description::Column> columnsOf(const inpS_Behavior& behavior,
   }
   for (; independents < independent.size(); ++independents)
     columns.push_back({independent[independents], true});
-  const auto held = static_cast<std::size_t>(table.Columns() - table.FieldVariables() -
+  const auto held = static_cast<std::size_t>(table.NumOfCols() - table.NumberFieldVariables() -
                                              (table.IsTemperatureDependent() ? 1 : 0));
   while (columns.size() < held) columns.push_back({"Value" + std::to_string(columns.size() + 1)});
   columns.resize(held);

@@ -37,10 +37,10 @@ inpS_RowLayout::inpS_RowLayout(int columns, int zeroAt) : m_columns(columns) {
 
 inpS_RowLayout::inpS_RowLayout(const inpS_Behavior& behavior, const KvoSimDataRecord& record,
                                const KvoSrvFsmFTable& table)
-    : m_columns(table.Columns()) {
+    : m_columns(table.NumOfCols()) {
   Names dependent(table.DependentColumns());
   Names independent(table.IndependentColumns());
-  const int variables = table.FieldVariables();
+  const int variables = table.NumberFieldVariables();
   const bool temperature = table.IsTemperatureDependent();
   int next = 0;
   for (const Column& column : behavior.columns.Expand(behavior.CountIn(record))) {

@@ -71,10 +71,10 @@ struct inpS_Sim2Inp::Impl {
     if (HasMesh()) inpS_SetPrinter(*labels, *out).PrintElsets(scope);
   }
   void PrintSurfaces(const inpS_DeckScope& scope) {
-    inpS_SurfacePrinter(*labels, *out).PrintSurfaces(scope);
+    inpS_SurfacePrinter(*labels, parts, *out).PrintSurfaces(scope);
   }
   inpS_MaterialPrinter Materials() {
-    return {*out, [this](const KvoSimPosition& owner, const KvoSimPosition& behind) {
+    return {*out, parts, [this](const KvoSimPosition& owner, const KvoSimPosition& behind) {
               PrintKeptOf(owner, behind);
             }};
   }
@@ -84,7 +84,7 @@ struct inpS_Sim2Inp::Impl {
   }
   void PrintAmplitudes(const inpS_DeckScope& scope) {
     if (IsModel(scope))
-      inpS_printAmplitudes(*out, doc.GetModel(),
+      inpS_printAmplitudes(*out, doc.GetModel(), parts,
                            [this](const KvoSimPosition& owner) { PrintKeptOf(owner); });
   }
   void PrintMaterials(const inpS_DeckScope& scope) {
@@ -107,6 +107,7 @@ struct inpS_Sim2Inp::Impl {
   utl_Stream* out = nullptr;
   std::unique_ptr<inpS_DeckLabels> labels;
   cow_Map<unsigned long long, std::size_t> printed; // how many of what an object keeps
+  inpS_KeptParts parts;
   cow_Map<unsigned long long, cow_List<Kept>> kept; // by owner, sorted by block and position
 };
 
@@ -197,6 +198,7 @@ void Impl::LoadTables() {
 }
 
 void Impl::LoadKept() {
+  parts = inpS_KeptParts(doc.Context());
   for (const KvoSimPosition& position : doc.Context().GetRecords(eds_RecordKind::VerbatimKeyword)) {
     const KvoSimDataRecord record = position.DataRecord();
     const auto owner = record.GetReference(eds_VerbatimKeyword_Owner).Object().Packed();

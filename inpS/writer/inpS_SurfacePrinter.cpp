@@ -27,7 +27,7 @@ void inpS_SurfacePrinter::PrintSurfaces(const inpS_DeckScope& scope) {
 void inpS_SurfacePrinter::PrintSurface(const inpS_DeckScope& scope, const KvoObjSurface& surface) {
   m_out << "*SURFACE";
   inpS_printParameters(m_out, inpS_surfaceParameters(), surface.Position().DataRecord());
-  m_out << '\n';
+  m_out << m_parts.FirstOf(surface.Position()).parameters << '\n';
   const cow_List<KvoSurfacePiece> pieces = surface.Pieces();
   const bool isMade = surface.Operation() != Operation::Defined;
   if (isMade) PrintNames(pieces);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/KvoObjSurface.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/writer/inpS_DeckScope.h"
 
 class utl_Stream;
@@ -9,8 +10,8 @@ class utl_Stream;
 // name, labels one to a line. What lies in an instance is named by it.
 class inpS_SurfacePrinter {
 public:
-  inpS_SurfacePrinter(const inpS_DeckLabels& labels, utl_Stream& out)
-      : m_labels(labels), m_out(out) {}
+  inpS_SurfacePrinter(const inpS_DeckLabels& labels, const inpS_KeptParts& parts, utl_Stream& out)
+      : m_labels(labels), m_parts(parts), m_out(out) {}
 
   void PrintSurfaces(const inpS_DeckScope& scope);
 
@@ -23,5 +24,6 @@ private:
   void PrintListed(const inpS_DeckScope& scope, const KvoSurfacePiece& piece, bool nodes);
 
   const inpS_DeckLabels& m_labels;
+  const inpS_KeptParts& m_parts;
   utl_Stream& m_out;
 };

@@ -1,6 +1,7 @@
 #include "base/utl_Assert.h"
 #include "inpS/keywords/inpS_2DArrayDouble.h"
 #include "inpS/keywords/inpS_KeywordDataTable.h"
+#include "parser/inp_Visitor.h"
 #include "tests/keywords/DeckKeyword.h"
 #include <gtest/gtest.h>
 #include <limits>
@@ -118,14 +119,20 @@ TEST(DataTable, DefaultsFillEmptyFieldsOnly) {
 TEST(DataTable, TellsWhatItCouldNotRead) {
   const auto table = tableOf({2}, "1,2\n x,2\n1,2,,3,4\n1,2,,\n" + one8 + ",9\n");
   EXPECT_EQ(rowsOf(table), (Rows{{1, 2}, {0, 2}, {1, 2}, {1, 2}, {1, 2}}));
-  cow_List<cow_String> told;
-  for (const wip_Message& message : table.UnreadMessages())
-    told.push_back(std::to_string(message.place.line) + ":" + std::to_string(message.place.column) +
-                   " " + message.text);
+  inp_Visitor visitor;
+  table.ReportUnread(visitor);
+  const auto told = [](const cow_List<wip_Message>& messages) {
+    cow_List<cow_String> texts;
+    for (const wip_Message& message : messages)
+      texts.push_back(std::to_string(message.place.line) + ":" +
+                      std::to_string(message.place.column) + " " + message.text);
+    return texts;
+  };
   const cow_String surplus =
-      "More values than belong on this line; from here on they are not used.";
-  EXPECT_EQ(told, (cow_List<cow_String>{"3:2 A number is expected instead of \"x\"; 0 is used.",
-                                        "4:6 " + surplus, "6:5 " + surplus}));
+      "More values than belong on this line; from here on they are kept, but not used.";
+  EXPECT_EQ(told(visitor.Errors()),
+            (cow_List<cow_String>{"3:2 A number is expected instead of \"x\"; 0 is used."}));
+  EXPECT_EQ(told(visitor.Warnings()), (cow_List<cow_String>{"4:6 " + surplus, "6:5 " + surplus}));
 
   const auto ninth = tableOf({9}, one8 + ",9\n10\n"); // no line holds nine
   EXPECT_EQ(rowsOf(ninth), (Rows{{1, 2, 3, 4, 5, 6, 7, 8, 10}}));

@@ -1,0 +1,75 @@
+#include "inpS/keywords/inpS_KeptParts.h"
+#include "database/KvoSimDataRecord.h"
+#include "parser/inp_Keyword.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+#include <algorithm>
+
+inpS_KeptParts::inpS_KeptParts(const KvoSimContext& context) {
+  for (const KvoSimPosition& position : context.GetRecords(eds_RecordKind::KeptPart)) {
+    const KvoSimDataRecord record = position.DataRecord();
+    m_byOwner[record.GetReference(eds_KeptPart_Owner).Object().Packed()].push_back(
+        {record.GetInt64(eds_KeptPart_FirstRow), record.ReturnString(eds_KeptPart_Parameters),
+         record.ReturnString(eds_KeptPart_Lines)});
+  }
+  for (auto& [owner, parts] : m_byOwner)
+    std::ranges::stable_sort(parts, {}, &inpS_KeptPart::firstRow);
+}
+
+std::span<const inpS_KeptPart> inpS_KeptParts::Of(const KvoSimPosition& owner) const {
+  if (m_byOwner.empty()) return {};
+  const auto known = m_byOwner.find(owner.Object().Packed());
+  return known == m_byOwner.end() ? std::span<const inpS_KeptPart>() : known->second;
+}
+
+const inpS_KeptPart& inpS_KeptParts::FirstOf(const KvoSimPosition& owner) const {
+  static const inpS_KeptPart none;
+  const auto parts = Of(owner);
+  return parts.empty() ? none : parts.front();
+}
+
+KvoSimPosition inpS_keepPart(const KvoSimPosition& owner, const inpS_KeptPart& part) {
+  const KvoSimPosition kept = owner.CreateDataRecord(eds_RecordKind::KeptPart);
+  KvoSimDataRecord record = kept.DataRecord();
+  record.SetReference(eds_KeptPart_Owner, owner);
+  record.SetInt(eds_KeptPart_FirstRow, part.firstRow);
+  if (!part.parameters.empty()) record.SetString(eds_KeptPart_Parameters, part.parameters);
+  if (!part.lines.empty()) record.SetString(eds_KeptPart_Lines, part.lines);
+  return kept;
+}
+
+cow_String inpS_takeOtherParameters(const inp_Keyword& keyword) {
+  cow_String others;
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (parameter.referred) continue;
+    parameter.referred = true;
+    for (const char c : ", " + parameter.name)
+      others += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
+  }
+  return others;
+}
+
+void inpS_tellOtherParameters(const inp_Keyword& keyword, inp_Visitor& messages) {
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (parameter.referred || parameter.told) continue;
+    parameter.told = true;
+    messages.AddWarning(inp_Utils::MessageAtParameter(
+        keyword, parameter.name,
+        "Parameter \"" + parameter.name + "\" is not used; it is kept as it stands."));
+  }
+}
+
+void inpS_keepOthers(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                     inp_Visitor& messages) {
+  inpS_tellOtherParameters(keyword, messages);
+  const inpS_KeptPart part{0, inpS_takeOtherParameters(keyword)};
+  if (!part.parameters.empty()) inpS_keepPart(owner, part);
+}
+
+cow_String inpS_dataLines(const inp_Keyword& keyword) {
+  cow_String lines;
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row) lines += cow_String(data.RowText(row)) + '\n';
+  return lines;
+}

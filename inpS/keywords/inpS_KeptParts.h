@@ -1,0 +1,44 @@
+#pragma once
+
+#include "database/KvoSimContext.h"
+#include "database/KvoSimPosition.h"
+#include <span>
+
+class inp_Keyword;
+class inp_Visitor;
+
+// What a record cannot hold of the keyword it was made from: parameters that it has no field for,
+// or whose values no field takes, and data lines with values that are left over. They are kept as
+// they stood in the deck, and written back.
+struct inpS_KeptPart {
+  long long firstRow = 0;  // of the owner's table: the first that the keyword gave
+  cow_String parameters{}; // ", NAME=VALUE" for each
+  cow_String lines{};      // all of them, or none
+};
+
+// Of a whole model, read once.
+class inpS_KeptParts {
+public:
+  inpS_KeptParts() = default;
+  explicit inpS_KeptParts(const KvoSimContext& context);
+
+  std::span<const inpS_KeptPart> Of(const KvoSimPosition& owner) const; // by first row
+  // Of the first keyword; empty where nothing is kept.
+  const inpS_KeptPart& FirstOf(const KvoSimPosition& owner) const;
+
+private:
+  cow_Map<unsigned long long, cow_List<inpS_KeptPart>> m_byOwner;
+};
+
+KvoSimPosition inpS_keepPart(const KvoSimPosition& owner, const inpS_KeptPart& part);
+
+// ", NAME=VALUE" for each parameter that nothing asked for, or whose value nothing took; from now
+// on they count as read.
+cow_String inpS_takeOtherParameters(const inp_Keyword& keyword);
+// A warning for each of them of which nobody has spoken yet.
+void inpS_tellOtherParameters(const inp_Keyword& keyword, inp_Visitor& messages);
+// Both, and keeps what there is beside the record.
+void inpS_keepOthers(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                     inp_Visitor& messages);
+
+cow_String inpS_dataLines(const inp_Keyword& keyword); // as they stand
