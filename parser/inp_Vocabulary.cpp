@@ -147,9 +147,8 @@ void inp_Vocabulary::CutWords() {
     for (const inp_KeywordEnm keyword : row.keywords)
       m_values.push_back({keyword, row.parameter, {first, m_words.end()}});
   }
-  std::ranges::sort(m_values, {}, [](const Values& row) {
-    return std::pair(row.keyword, row.parameter);
-  });
+  std::ranges::sort(m_values, {},
+                    [](const Values& row) { return std::pair(row.keyword, row.parameter); });
 }
 
 std::span<const std::string_view> inp_Vocabulary::WordsOf(inp_KeywordEnm keyword,

@@ -27,10 +27,10 @@ enum class inpS_Repeat : unsigned char {
 struct inpS_Behavior {
   // A parameter whose value belongs to the row: TYPE=LAMINA, or a bare USER.
   struct Selector {
-    cow_String key;   // as the parser delivers it
-    cow_String name;  // as it is printed
-    cow_String word;  // bare; empty: a flag
-    cow_String text;  // the word as it is printed
+    cow_String key;  // as the parser delivers it
+    cow_String name; // as it is printed
+    cow_String word; // bare; empty: a flag
+    cow_String text; // the word as it is printed
     bool isDefault = false;
     bool isField = false; // its value is kept: any value chooses the row
     bool IsPrinted() const { return !isDefault && !isField; }
