@@ -58,6 +58,8 @@ void inpS_PlaceCheck::Look(const inp_Keyword& keyword, bool isConverted) {
   if (row->role == inp_KeywordRole::Open || row->role == inp_KeywordRole::Close) return;
   const inp_Scope::Kind scope = keyword.Scope().kind;
   if (mayStand(keyword.Kind(), scope)) return;
+  // A material stays open behind keywords of other subjects: what was converted had its owner.
+  if (row->levels == inp_LevelsSub && isConverted) return;
   const auto [known, isNew] = m_known.try_emplace({keyword.Kind(), scope}, m_found.size());
   if (isNew) m_found.push_back({keyword, 0, isConverted});
   ++m_found[known->second].count;

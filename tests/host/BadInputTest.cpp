@@ -31,7 +31,7 @@ TEST_F(BadInput, DecksThatAreNone) {
       {"binary", "*NODE\n1, \0\x01\x02, 3\n"s, "d.inp:2:4: error: "},
       {"long name", "*" + megabytes + "\n1, 0.\n", "d.inp:1:1: error: "},
       {"long value", "*NODE, NSET=" + megabytes + "\n1, 0.\n", "d.inp:1:1: error: "},
-      {"100,000 fields", "*NODE\n" + fields + "\n", "d.inp:2:15: error: "},
+      {"100,000 fields", "*ELEMENT, TYPE=C3D8\n" + fields + "\n", "d.inp:2:1: error: "},
       {"number too large", "*NODE\n1, 1e999, 0., 0.\n", "d.inp:2:4: error: "},
       {"label too large", "*NODE\n 1000000000, 1., 0., 0.\n", "d.inp:2:2: error: "},
       {"label far too large", "*NODE\n99999999999999999999, 1.\n", "d.inp:2:1: error: "},

@@ -24,7 +24,7 @@ TEST(DataReader, Items) {
       {1, true, false, false, 0, 2, 2.5, 2.5, ""},
       {2, false, false, true, 0, 9, 0, 9, "TOP"},
       {3, false, false, false, 0, 9, 0, 9, ""},
-      {4, true, false, false, 0, -150, -150, -150, ""},
+      {4, true, true, false, -150, -150, -150, -150, ""}, // without a fraction it is an integer
       {5, false, false, true, 0, 9, 0, 9, "1E400"},
       {6, false, false, false, 0, 9, 0, 9, ""}, // behind the last comma
       {7, false, false, false, 0, 9, 0, 9, ""},
