@@ -35,9 +35,9 @@ constexpr inps_Option options[] = {
 };
 
 constexpr Opt commonOptions[] = {Opt::Memory, Opt::Color, Opt::Help};
-constexpr Opt convertOptions[] = {Opt::Output,  Opt::Force,  Opt::Strict,  Opt::Salvage,
-                                  Opt::Restart, Opt::NoKept, Opt::Timings, Opt::Json,
-                                  Opt::Quiet};
+constexpr Opt convertOptions[] = {Opt::Output,  Opt::Force,   Opt::Strict,
+                                  Opt::Salvage, Opt::Restart, Opt::NoKept,
+                                  Opt::Timings, Opt::Json,    Opt::Quiet};
 constexpr Text convertExamples[] = {
     "inps convert bracket.inp", "inps convert bracket.inp -o models/bracket.sim --force",
     "inps convert next_steps.inp --restart bracket.sim -o bracket2.sim"};

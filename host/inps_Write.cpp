@@ -29,8 +29,7 @@ int inps_write(inps_Session& session, const inps_Arguments& arguments) {
     const KvoObjDocument document = inps_openModel(input, run);
     if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != inps_dash) {
       inps_writeFile(arguments.PathOf(inps_Opt::Output), arguments.Has(inps_Opt::Force),
-                     {input.File()},
-                     [&](utl_Stream& deck) { print(document, deck, session.err); });
+                     {input.File()}, [&](utl_Stream& deck) { print(document, deck, session.err); });
     } else {
       utl_Stream deck(run.Data());
       print(document, deck, session.err);

@@ -33,10 +33,10 @@ enum inp_ElementFlags : unsigned {
   inp_ElemContact = 1u << 15,  // interface, slide line or tube contact
   inp_ElemMeshOnly = 1u << 16, // mesh without physics
   inp_ElemElectromagnetic = 1u << 17,
-  inp_ElemThermal = 1u << 18,        // has temperature degrees of freedom
-  inp_ElemDisplacement = 1u << 19,   // has displacement degrees of freedom
-  inp_ElemCoupling = 1u << 20,       // distributing coupling, fastener, drag chain
-  inp_ElemThreeD = 1u << 21,         // makes the model three-dimensional
+  inp_ElemThermal = 1u << 18,      // has temperature degrees of freedom
+  inp_ElemDisplacement = 1u << 19, // has displacement degrees of freedom
+  inp_ElemCoupling = 1u << 20,     // distributing coupling, fastener, drag chain
+  inp_ElemThreeD = 1u << 21,       // makes the model three-dimensional
   // Makes it so in an explicit analysis. Of the types that serve both spaces rotary inertia alone
   // does: its data are a full tensor about three axes, and explicit dynamics turns the node about
   // all of them. A mass, spring or dashpot acts along what its nodes have anyway.
