@@ -57,7 +57,7 @@ bool inpS_Inp2Sim::Expand() try {
   visitor.SetFlag(false);
   visitor.VisitListAndReport(m_keywords);
   m_keywords = visitor.Keywords();
-  m_featureEnhanced = visitor.IsFeatureEnhanced();
+  SetFeatureEnhanced(visitor.IsFeatureEnhanced());
   DiscardEmptyKeywords(m_keywords);
   return !visitor.IsError();
 } catch (...) {
@@ -100,7 +100,7 @@ bool inpS_Inp2Sim::IsSimDatabaseFeatureEnhanced(const KvoObjDocument& document) 
 }
 
 void inpS_Inp2Sim::SetFeatureEnhanced(bool enhanced) {
-  m_featureEnhanced = enhanced;
+  m_featureEnhanced = m_isDeckFeatureEnhanced = enhanced;
 }
 
 void inpS_Inp2Sim::SetUnsupportedFeaturesAsWarnings(bool warnings) {
@@ -127,12 +127,16 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
 
 // ---- the three conversions
 
-// What a conversion before this one left belongs to its document, which may be closed by now.
+// What a conversion before this one left belongs to its document, which may be closed by now; so
+// does what a restart learned of its base.
 void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
   m_surfaceVisitor.reset();
   m_asText.clear();
   m_notModelled.clear();
   m_meshLeftOut = false;
+  m_featureEnhanced = m_isDeckFeatureEnhanced;
+  m_modelString.clear();
+  m_inventory.SetFeatureEnhanced(false);
   m_document = document;
   m_inventory.SetDocument(document);
 }

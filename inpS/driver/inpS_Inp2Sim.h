@@ -100,6 +100,8 @@ private:
   bool ProcessDistributions(Labelers& labelers);
   bool ProcessOrientations(Labelers& labelers);
   bool ProcessSections(Labelers& labelers);
+  // Rebars of the old style. No phase calls it and it converts nothing: *REBAR is kept as text.
+  bool ProcessOldStyleRebars(Labelers& labelers);
   bool ProcessConstraints(Labelers& labelers);
   bool ProcessSteps(Labelers& labelers);
   bool ProcessInteractions(Labelers& labelers);
@@ -123,6 +125,7 @@ private:
   inp_KeywordList m_keywords;
   cow_List<inp_DeckTextPtr> m_files;
   bool m_featureEnhanced = false;
+  bool m_isDeckFeatureEnhanced = false; // the same without what a restart's base says
   inpS_Inventory m_inventory;
   cow_String m_modelString;
   KvoObjDocument m_document;

@@ -326,6 +326,10 @@ bool Driver::ProcessSections(Labelers& labelers) {
   return Run<inpS_SectionVisitor>(labelers);
 }
 
+bool Driver::ProcessOldStyleRebars(Labelers&) {
+  return true;
+}
+
 bool Driver::ProcessConstraints(Labelers& labelers) {
   return Run<inpS_ConstraintVisitor>(labelers);
 }

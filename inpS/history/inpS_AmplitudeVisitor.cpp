@@ -283,6 +283,7 @@ void inpS_AmplitudeVisitor::ReadSmoothing(const inp_Keyword& keyword, KvoSimData
   record.SetDouble(eds_AmplitudeTabular_Smoothing,
                    smooth && smooth->IsNumber() ? smooth->AsDouble() : absent);
   if (!smooth) return;
+  if (auto tiny = inpS_tinyNumberMessage(keyword, "smooth")) AddWarning(std::move(*tiny));
   if (smooth->IsNumber()) record.SetBool(eds_AmplitudeTabular_SmoothingGiven, true);
   const double value = smooth->AsDouble();
   if (smooth->IsNumber() && value >= 0 && value <= 0.5) return;

@@ -4,7 +4,8 @@
 #include "parser/inp_Keyword.h"
 
 // A line cursor over one keyword's data. Items are counted from 0 within the current line; none of
-// them has to be there.
+// them has to be there. It tells nothing of numbers that are nearer to zero than they can be held:
+// inpS_reportTinyNumbers does.
 class inpS_KeywordDataReader : public inpS_KwdDataIterator {
 public:
   explicit inpS_KeywordDataReader(const inp_Keyword& keyword);

@@ -2,6 +2,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/keywords/inpS_QuotedName.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -89,7 +90,12 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
     const inp_Item* item = keyword.Find(row.key);
     if (!item) continue;
     const cow_String fault = take(row, *item, record);
-    if (fault.empty()) continue;
+    if (fault.empty()) {
+      if (row.codec == inpS_Codec::Real)
+        if (auto tiny = inpS_tinyNumberMessage(keyword, row.key))
+          messages.AddWarning(std::move(*tiny));
+      continue;
+    }
     good = false;
     const cow_String value = item->IsFlag() ? cow_String() : "=" + item->Verbatim();
     if (keyword.LeaveUnread(row.key))

@@ -1,4 +1,5 @@
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
 #include "inpS/materials/inpS_TableCheck.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -44,6 +45,7 @@ inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Key
     AddError(inp_Utils::MessageAtParameter(
         keyword, "rate",
         inpS_messageText(inpS_app_InvalidParameterValue, {"RATE"}) + " It is read as 0."));
+  if (auto tiny = inpS_tinyNumberMessage(keyword, "rate")) AddWarning(std::move(*tiny));
   table.InsertValueToColumn(rateOf(keyword), kRateColumn);
   return table;
 }

@@ -7,6 +7,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/framework/inpS_UnusedLines.h"
 #include "inpS/keywords/inpS_Flag.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_BaseSurfaces.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
@@ -240,9 +241,11 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
 // ---- nodes
 
 void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
+  static constexpr int kFieldsOfSystem[] = {6, 3}; // as inpS_System reads them
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   inpS_reportUnreadFields(keyword, inpS_System::UnreadFields(keyword), *this, "not used");
+  inpS_reportTinyNumbers(keyword, kFieldsOfSystem, *this);
   scope.system.FillIdentity();
   if (scope.system.ReadSystem(keyword)) {
     if (scope.system.IsIdentity() && isOriginAlone(keyword.Data()))

@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/keywords/inpS_Flag.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/mesh/inpS_NcopyReader.h"
 #include "inpS/mesh/inpS_NfillReader.h"
 #include "inpS/mesh/inpS_NgenReader.h"
@@ -130,6 +131,8 @@ void inpS_NodeGeneration::Nfill(const inp_Keyword& keyword) {
   double bias = 1.0;
   if (const inp_Item* item = keyword.Find("bias")) {
     bias = item->IsNumber() ? item->AsDouble() : 0.0;
+    if (auto tiny = inpS_tinyNumberMessage(keyword, "bias"))
+      m_messages.AddWarning(std::move(*tiny));
     if (!(bias > 0)) return Refuse(keyword, "bias");
   }
   Singular singular = Singular::None;

@@ -4,6 +4,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "inpS/framework/inpS_System.h"
+#include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include <cmath>
@@ -106,6 +107,7 @@ bool inpS_AssemblyVisitor::CheckPlacement(const inp_Keyword& keyword) {
       return false;
     }
   }
+  inpS_reportTinyNumbers(keyword, kFields, *this);
   const bool turns = isGiven(data, 1);
   double axis[3] = {};
   for (int i = 0; turns && i < 3; ++i) axis[i] = valueAt(data, 1, 3 + i) - valueAt(data, 1, i);

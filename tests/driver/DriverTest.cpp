@@ -204,6 +204,22 @@ TEST_F(Driver, ConvertsTwiceIntoDocumentsOfTheirOwn) {
   EXPECT_EQ(second.Context().GetRecords(eds_RecordKind::VerbatimKeyword).size(), 1u);
 }
 
+TEST_F(Driver, WhatARestartLearnsOfItsBaseStaysThere) {
+  const KvoObjDocument base = KvoObjDocument::InMemory(), fresh = KvoObjDocument::InMemory();
+  ASSERT_TRUE(Prepare("*PART, NAME=P\n*NODE\n1, 0., 0., 0.\n*END PART\n*ASSEMBLY, NAME=A\n"
+                      "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*END ASSEMBLY\n")
+                  .Convert(base));
+  base.GetModel().DataRecord().SetString(eds_Model_ModelString, "of the base");
+  inpS_Inp2Sim& driver = Prepare("*AMPLITUDE, NAME=A\n0., 0., 1., 1.\n");
+  EXPECT_TRUE(driver.ConvertRestart(base));
+  EXPECT_TRUE(driver.Inventory().IsFeatureEnhanced());
+  EXPECT_TRUE(driver.Convert(fresh));
+  EXPECT_FALSE(driver.Inventory().IsFeatureEnhanced());
+  const KvoSimDataRecord record = fresh.GetModel().DataRecord();
+  EXPECT_TRUE(record.IsMemberNull(eds_Model_ModelString));
+  EXPECT_FALSE(record.GetBool(eds_Model_FeatureEnhanced));
+}
+
 TEST_F(Driver, ErrorsOfKeptTextsCount) {
   const KvoObjDocument document = KvoObjDocument::InMemory();
   ASSERT_TRUE(Prepare(kTwoNodes).Convert(document));
