@@ -130,7 +130,7 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
 // What a conversion before this one left belongs to its document, which may be closed by now.
 void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
   m_surfaceVisitor.reset();
-  m_asText.clear();
+  m_ledger.Clear();
   m_notModelled.clear();
   m_meshLeftOut = false;
   m_document = document;
@@ -138,7 +138,7 @@ void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
 }
 
 void inpS_Inp2Sim::End() {
-  m_asText.clear();
+  m_ledger.Clear();
   ListUnreadParameters();
 }
 
