@@ -97,7 +97,7 @@ std::vector<KvoSimPosition> KvoSimPosition::ReferrersSet() const {
 
 KvoSimPosition KvoSimPosition::CreateDataRecord(eds_TypeID kind) const {
   utl_ASSERT(kind.fragment == eds_Fragment::Record && m_store != nullptr);
-  utl_ASSERT(kind.index < eds_firstOwnKind);
+  utl_ASSERT(!eds_isOwnKind(static_cast<eds_RecordKind>(kind.index)));
   eds_RowTable& rows = m_store->Rows(static_cast<eds_RecordKind>(kind.index));
   return {m_store, rows.Object(rows.Create())};
 }

@@ -25,6 +25,8 @@ constexpr Targets only(eds_Member member, Kind kind) {
 // Properties of materials are the kinds between the first elasticity and the amplitudes. A member
 // that is not here leads anywhere.
 constexpr int propertiesEnd = static_cast<int>(Kind::AmplitudeTabular);
+constexpr Kind formsBegin = static_cast<Kind>(eds_firstFormKind);
+constexpr int formsEnd = 0xffff;
 constexpr Targets targetsOf[] = {
     only(eds_Member::Mesh, Kind::Mesh),
     only(eds_Member::Occurrences, Kind::Instance),
@@ -75,6 +77,10 @@ constexpr Targets targetsOf[] = {
     only(eds_Member::SurfacePieces, Kind::SurfacePiece),
     only(eds_Member::SurfaceFaces, Kind::SurfaceFaces),
     {eds_Member::Suboptions, Kind::ElasticIsotropic, propertiesEnd},
+    {eds_Member::Transforms, formsBegin, formsEnd},
+    {eds_Member::Sections, formsBegin, formsEnd},
+    {eds_Member::Constraints, formsBegin, formsEnd},
+    {eds_Member::Lines, formsBegin, formsEnd},
 };
 
 const Targets* findTargets(eds_Member member) {
@@ -119,6 +125,10 @@ bool isHeldOnce(eds_Member member) {
   case eds_Member::SurfaceFaces:
   case eds_Member::Properties:
   case eds_Member::Suboptions:
+  case eds_Member::Transforms:
+  case eds_Member::Sections:
+  case eds_Member::Constraints:
+  case eds_Member::Lines:
     return true;
   default:
     return false;

@@ -9,6 +9,8 @@ enum class eds_RecordKind : uint16_t {
 #define EDS_RECORD(kind, number, table) kind = number,
 #define EDS_FIELD(kind, number, name, column, type, argument)
 #include "database/schema/records.def"
+#define EDS_KIND(kind, number) kind = number,
+#include "database/schema/kinds.def"
 };
 
 enum class eds_CollectionKind : uint16_t {

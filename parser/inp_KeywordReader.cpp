@@ -281,10 +281,11 @@ cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& 
 // stays as it is: whoever reads the keyword says what becomes of it.
 void inp_KeywordReader::CompleteValue(inp_Parameter& parameter, const Line& line) {
   using Kind = inp_WordMatch::Kind;
-  const cow_String verbatim = parameter.value.Verbatim();
   const inp_WordMatch match =
       m_table.ResolveWord(m_body->kind, parameter.name, parameter.value.AsString());
-  if (match.kind == Kind::Any || !inp_findReference(verbatim).empty()) return;
+  if (match.kind == Kind::Any || match.word == parameter.value.AsString()) return;
+  const cow_String verbatim = parameter.value.Verbatim();
+  if (!inp_findReference(verbatim).empty()) return;
   if (match.kind == Kind::Known) {
     parameter.value = inp_Item::FromText(inp_KeywordTable::BareWord(match.word), verbatim);
     return;

@@ -11,6 +11,32 @@ namespace {
 // Where the list of parameters is open, a short spelling may be a parameter the list lacks.
 constexpr std::size_t leastAbbreviationOfOpenList = 3;
 
+bool counts(char c) {
+  return !inp_isBlank(c) && c != '_';
+}
+
+char upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// Whether a value is the word or its beginning; every keyword of a deck comes past here.
+enum class Fit { None, Begin, Whole };
+Fit fitOf(std::string_view word, std::string_view value) {
+  const auto skip = [](std::string_view& text) {
+    while (!text.empty() && !counts(text.front())) text.remove_prefix(1);
+  };
+  bool any = false;
+  for (;;) {
+    skip(word);
+    skip(value);
+    if (value.empty()) return !any ? Fit::None : word.empty() ? Fit::Whole : Fit::Begin;
+    if (word.empty() || upper(word.front()) != upper(value.front())) return Fit::None;
+    any = true;
+    word.remove_prefix(1);
+    value.remove_prefix(1);
+  }
+}
+
 } // namespace
 
 inp_KeywordTable::inp_KeywordTable() : m_vocabulary(inp_Vocabulary::Instance()) {}
@@ -78,8 +104,7 @@ std::span<const std::string_view> inp_KeywordTable::WordsOf(inp_KeywordEnm kind,
 cow_String inp_KeywordTable::BareWord(std::string_view text) {
   cow_String bare;
   for (const char c : text)
-    if (!inp_isBlank(c) && c != '_')
-      bare += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    if (counts(c)) bare += upper(c);
   return bare;
 }
 
@@ -88,12 +113,11 @@ inp_WordMatch inp_KeywordTable::ResolveWord(inp_KeywordEnm kind, std::string_vie
   using Kind = inp_WordMatch::Kind;
   const auto words = WordsOf(kind, parameter);
   if (words.empty()) return {};
-  const cow_String bare = BareWord(value);
   inp_WordMatch match{Kind::Unknown};
   for (const std::string_view word : words) {
-    const cow_String known = BareWord(word);
-    if (known == bare) return {Kind::Known, word};
-    if (!bare.empty() && known.starts_with(bare)) match.candidates.push_back(word);
+    const Fit fit = fitOf(word, value);
+    if (fit == Fit::Whole) return {Kind::Known, word};
+    if (fit == Fit::Begin) match.candidates.push_back(word);
   }
   if (match.candidates.size() == 1) return {Kind::Known, match.candidates.front()};
   if (match.candidates.empty())

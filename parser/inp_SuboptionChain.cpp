@@ -22,20 +22,28 @@ void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
   const inp_KeywordRow* row = table.Row(keyword.Kind());
   // A misspelt sub-option must not tear those behind it from their keyword.
   if (!row) return;
-  if (!m_open.empty() && m_open.back().ScopePtr() != keyword.ScopePtr()) m_open.clear();
-  if (row->parents.empty() || standsAlone(*row, *keyword.Body())) m_open.clear();
+  for (inp_KeywordList* chain : {&m_open, &m_apart})
+    if (!chain->empty() && chain->back().ScopePtr() != keyword.ScopePtr()) chain->clear();
+  if (row->parents.empty() || standsAlone(*row, *keyword.Body())) {
+    m_open.clear();
+    m_apart.clear();
+  }
   const auto admits = [&](const inp_Keyword& open) {
     return table.IsSuboptionOf(keyword.Kind(), open.Kind());
   };
-  const auto parent = std::find_if(m_open.rbegin(), m_open.rend(), admits);
-  // Nor must one in a wrong place.
-  if (parent == m_open.rend() && row->levels == inp_LevelsSub && !m_open.empty()) return;
-  m_open.erase(parent.base(), m_open.end());
-  if (!m_open.empty()) {
-    inp_KeywordBody& owner = *m_open.back().Body();
+  // Nor must one in a wrong place, which may have sub-options of its own: a behavior of the
+  // material that is open behind keywords of other subjects.
+  const bool isApart =
+      row->levels == inp_LevelsSub && !m_open.empty() && std::ranges::none_of(m_open, admits);
+  inp_KeywordList& chain = isApart ? m_apart : m_open;
+  if (!isApart) m_apart.clear();
+  const auto parent = std::find_if(chain.rbegin(), chain.rend(), admits);
+  chain.erase(parent.base(), chain.end());
+  if (!chain.empty()) {
+    inp_KeywordBody& owner = *chain.back().Body();
     keyword.Body()->parent = owner.kind;
     if (!owner.suboptions) owner.suboptions = std::make_shared<inp_KeywordList>();
     owner.suboptions->push_back(keyword);
   }
-  m_open.push_back(keyword);
+  chain.push_back(keyword);
 }

@@ -10,5 +10,6 @@ public:
   void Attach(const inp_Keyword& keyword);
 
 private:
-  cow_List<inp_Keyword> m_open;
+  inp_KeywordList m_open;
+  inp_KeywordList m_apart; // of what nothing open admits
 };

@@ -22,9 +22,10 @@ void eds_LinkIndex::Forget() {
   m_hasMembers = false;
 }
 
-uint64_t eds_LinkIndex::BitOf(eds_Member member) {
-  utl_ASSERT(static_cast<uint64_t>(member) < 64);
-  return uint64_t{1} << static_cast<uint64_t>(member);
+size_t eds_LinkIndex::BitOf(eds_Member member) {
+  const auto bit = static_cast<size_t>(member);
+  utl_ASSERT(bit < MemberBits().size());
+  return bit;
 }
 
 void eds_LinkIndex::Build(eds_RowTable& rows) {
@@ -155,7 +156,7 @@ void eds_LinkIndex::Enter(eds_ObjectID owner, eds_Member member, std::string_vie
   m_rows->SetReference(link, eds_Link_Target, target);
   if (isNew) Append(list, link);
   if (m_hasTargets) m_byTarget.emplace(target.Packed(), link);
-  if (m_hasMembers) m_membersOf[owner.Packed()] |= BitOf(member);
+  if (m_hasMembers) m_membersOf[owner.Packed()].set(BitOf(member));
 }
 
 void eds_LinkIndex::ForgetTarget(int64_t link) {
@@ -195,7 +196,7 @@ std::vector<int64_t> eds_LinkIndex::LinksFrom(eds_ObjectID owner) {
   if (!m_hasMembers) {
     for (const auto& entry : m_lists) {
       const auto member = static_cast<eds_Member>(entry.first.member);
-      if (eds_schemaMember(member)) m_membersOf[entry.first.owner] |= BitOf(member);
+      if (eds_schemaMember(member)) m_membersOf[entry.first.owner].set(BitOf(member));
     }
     m_hasMembers = true;
   }
@@ -203,7 +204,7 @@ std::vector<int64_t> eds_LinkIndex::LinksFrom(eds_ObjectID owner) {
   const auto members = m_membersOf.find(owner.Packed());
   if (members == m_membersOf.end()) return links;
   for (const eds_MemberInfo& member : eds_schemaMembers()) {
-    if ((members->second & BitOf(member.member)) == 0) continue;
+    if (!members->second.test(BitOf(member.member))) continue;
     const List* list = Find(owner, member.member);
     if (list != nullptr) links.insert(links.end(), list->links.begin(), list->links.end());
   }

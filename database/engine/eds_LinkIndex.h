@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/engine/eds_RowTable.h"
+#include <bitset>
 #include <string>
 #include <unordered_map>
 
@@ -45,7 +46,8 @@ private:
     }
   };
 
-  static uint64_t BitOf(eds_Member member); // all members that a schema has fit
+  using MemberBits = std::bitset<128>; // all members that a schema has fit
+  static size_t BitOf(eds_Member member);
   void Append(List& list, int64_t link);
   void RemoveIn(List& list, int64_t link);
   void ForgetTarget(int64_t link);
@@ -58,7 +60,7 @@ private:
   std::unordered_multimap<uint64_t, int64_t> m_byTarget;
   bool m_hasTargets = false;
   // The members each owner has or had links of; a walk over a model asks for all of every record.
-  std::unordered_map<uint64_t, uint64_t> m_membersOf;
+  std::unordered_map<uint64_t, MemberBits> m_membersOf;
   bool m_hasMembers = false;
 };
 

@@ -1,5 +1,6 @@
 #include "database/schema/eds_Schema.h"
 #include "base/utl_Assert.h"
+#include "database/schema/eds_Form.h"
 #include <algorithm>
 #include <array>
 
@@ -77,6 +78,9 @@ std::vector<eds_RecordInfo> buildRecords() {
     utl_ASSERT(row.number == static_cast<int>(record->fields.size()));
     record->fields.push_back(row.info);
   }
+  for (const eds_FormKeyword& form : eds_formKeywords())
+    records.push_back(*eds_formRecord(form.kind));
+  std::ranges::sort(records, {}, &eds_RecordInfo::kind);
   return records;
 }
 

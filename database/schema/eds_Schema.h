@@ -38,12 +38,17 @@ bool eds_schemaHasDataType(int number);
 std::span<const eds_SymbolInfo> eds_schemaSymbols();
 std::span<const eds_SymbolInfo> eds_schemaSymbols(eds_Vocabulary vocabulary);
 std::string_view eds_vocabularyName(eds_Vocabulary vocabulary); // "" when there is none
-// The kinds from this number on are the store's own.
+// The kinds from this number on are the store's own, up to those of forms.
 constexpr int eds_firstOwnKind = 900;
-// The kinds between these and the store's own are many, and a model has few of them: their tables
+// The other kinds from here on are many, and a model has few of them: their tables
 // are made with their first record.
 constexpr int eds_firstLateKind = 100;
+constexpr int eds_firstFormKind = 1000; // forms.def
+inline bool eds_isOwnKind(eds_RecordKind kind) {
+  const int number = static_cast<int>(kind);
+  return number >= eds_firstOwnKind && number < eds_firstFormKind;
+}
 inline bool eds_isLateKind(eds_RecordKind kind) {
   const int number = static_cast<int>(kind);
-  return number >= eds_firstLateKind && number < eds_firstOwnKind;
+  return number >= eds_firstLateKind && !eds_isOwnKind(kind);
 }

@@ -131,7 +131,7 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
 // does what a restart learned of its base.
 void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
   m_surfaceVisitor.reset();
-  m_asText.clear();
+  m_ledger.Clear();
   m_notModelled.clear();
   m_meshLeftOut = false;
   m_featureEnhanced = m_isDeckFeatureEnhanced;
@@ -142,7 +142,7 @@ void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
 }
 
 void inpS_Inp2Sim::End() {
-  m_asText.clear();
+  m_ledger.Clear();
   ListUnreadParameters();
 }
 

@@ -2,7 +2,7 @@
 
 #include "base/aio_ostream.h"
 #include "inpS/framework/inpS_Inventory.h"
-#include "inpS/framework/inpS_TextKeywords.h"
+#include "inpS/framework/inpS_Ledger.h"
 #include "inpS/inpS_Export.h"
 #include "inpS/model/inpS_NotModelled.h"
 #include "inpS/sets/inpS_TextElements.h"
@@ -116,6 +116,7 @@ private:
   bool SaveNodeLabels(Labelers& labelers);
   bool SaveElementLabels(Labelers& labelers);
   template <class Visitor> bool Run(Labelers& labelers);
+  template <class Visitor> bool RunForms(Labelers& labelers);
   static void DiscardEmptyKeywords(inp_KeywordList& keywords);
 
   cow_String m_stepString;
@@ -134,7 +135,6 @@ private:
   bool m_salvage = false;
   bool m_meshLeftOut = false;
   cow_List<inpS_NotModelled> m_notModelled;
-  // Keywords of converted kinds that their phase left to be kept as text, with what they belong to.
-  inpS_TextKeywords m_asText;
+  inpS_Ledger m_ledger;
   inpS_TextElements m_textElements; // that stand in some of them
 };

@@ -101,6 +101,12 @@ template <class Visitor> bool Driver::Run(Labelers& labelers) {
   return !visitor.IsError();
 }
 
+template <class Visitor> bool Driver::RunForms(Labelers& labelers) {
+  Visitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
+}
+
 // ---- skeleton, parts, assembly
 
 bool Driver::InitializeSIM(const KvoObjDocument& document, const cow_String& modelString) {
@@ -169,7 +175,7 @@ bool Driver::ProcessAssembly() {
 
 bool Driver::KeepVerbatim(bool restart) {
   inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds(restart));
-  visitor.SetAsText(&m_asText);
+  visitor.SetLedger(&m_ledger);
   visitor.SetUnmodelled([](const inp_Keyword& keyword) {
     return (keyword.Kind() == inp_KwSurface && !inpS_SurfaceVisitor::IsModelled(keyword)) ||
            (keyword.Kind() == inp_KwAmplitude && !inpS_AmplitudeVisitor::IsModelled(keyword));
@@ -205,7 +211,7 @@ bool Driver::ProcessAmplitudes() {
   visitor.VisitList(m_keywords);
   visitor.ReportUnreferredParameters(m_keywords, {inp_KwAmplitude});
   visitor.Report();
-  m_asText.insert(visitor.KeptAsText().begin(), visitor.KeptAsText().end());
+  m_ledger.Add(visitor.KeptAsText());
   return !visitor.IsError();
 }
 
@@ -214,7 +220,7 @@ bool Driver::ProcessMaterials() {
   visitor.VisitList(m_keywords);
   visitor.ReportUnreferredParameters(m_keywords, inpS_MaterialVisitor::ModelledKinds());
   visitor.Report();
-  m_asText.insert(visitor.KeptAsText().begin(), visitor.KeptAsText().end());
+  m_ledger.Add(visitor.KeptAsText());
   return !visitor.IsError();
 }
 
@@ -233,7 +239,7 @@ void Driver::RaiseDimensions(const inpS_MeshVisitor& mesh) {
 }
 
 void Driver::KeepTextOf(const inpS_MeshVisitor& mesh) {
-  m_asText.insert(mesh.KeptAsText().begin(), mesh.KeptAsText().end());
+  m_ledger.Add(mesh.KeptAsText());
   m_textElements = mesh.TextElements();
 }
 
@@ -317,13 +323,13 @@ bool Driver::ProcessDistributions(Labelers& labelers) {
 }
 
 bool Driver::ProcessOrientations(Labelers& labelers) {
-  return Run<inpS_OrientationVisitor>(labelers);
+  return RunForms<inpS_OrientationVisitor>(labelers);
 }
 
 bool Driver::ProcessSections(Labelers& labelers) {
   if (!Run<inpS_SectionInventory>(labelers)) return false;
   Run<inpS_NodalThicknessVisitor>(labelers);
-  return Run<inpS_SectionVisitor>(labelers);
+  return RunForms<inpS_SectionVisitor>(labelers);
 }
 
 bool Driver::ProcessOldStyleRebars(Labelers&) {
@@ -331,7 +337,7 @@ bool Driver::ProcessOldStyleRebars(Labelers&) {
 }
 
 bool Driver::ProcessConstraints(Labelers& labelers) {
-  return Run<inpS_ConstraintVisitor>(labelers);
+  return RunForms<inpS_ConstraintVisitor>(labelers);
 }
 
 // ---- history

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
 
-// The constraints phase. It converts no keyword yet: they are kept as text.
-class inpS_ConstraintVisitor : public inpS_SetVisitor {
+// The constraints phase. What has no form yet is kept as text.
+class inpS_ConstraintVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_ConstraintVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                         const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::Constraints, nodes, elements, inventory, ledger) {}
 };

@@ -18,6 +18,7 @@ constexpr std::size_t kMostRates = 1000;
 
 double rateOf(const inp_Keyword& keyword) {
   const inp_Item* rate = keyword.Find("rate");
+  if (rate && !rate->IsNumber()) keyword.LeaveUnread("rate"); // told where it is read first
   return rate ? rate->AsDouble() : 0.0;
 }
 
@@ -89,15 +90,16 @@ bool inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
                      "*PLASTIC; the keyword is kept as text.");
     return false;
   }
-  if (std::ranges::find(m_rates, rateOf(keyword)) != m_rates.end())
+  const double rate = rateOf(keyword);
+  if (std::ranges::find(m_rates, rate) != m_rates.end())
     Warning(keyword,
             "The material has a *PLASTIC of this rate already; its rows are joined to those.");
   // The record holds the parameters of the first keyword. Of this one they are kept as they stand,
   // and where it begins, when its rate does not tell.
   inpS_KeptPart part{table.NumOfRows()};
   if (!added.Unread().empty()) part.lines = inpS_dataLines(keyword);
-  KeepParts(keyword, property, std::move(part), rateOf(keyword) == m_rates.back());
-  m_rates.push_back(rateOf(keyword));
+  KeepParts(keyword, property, std::move(part), rate == m_rates.back());
+  m_rates.push_back(rate);
   const bool temperature = table.IsTemperatureDependent() || added.HasTemperatureColumn();
   cow_List<double> rows;
   appendRows(rows, table.Values(), table.NumOfCols(),

@@ -4,6 +4,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/forms/inpS_Blocks.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -105,6 +106,7 @@ void inpS_VerbatimVisitor::RefuseNewOwners(const inp_KeywordList& keywords) {
 }
 
 bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
+  if (m_ledger && m_ledger->RecordOf(keyword)) return true;
   const auto index = static_cast<std::size_t>(keyword.Kind());
   if (index >= m_modelled.size() || !m_modelled[index]) return false;
   if (AsText(keyword) || (m_unmodelled && m_unmodelled(keyword))) return false;
@@ -115,9 +117,7 @@ bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
 }
 
 const inpS_TextPlace* inpS_VerbatimVisitor::AsText(const inp_Keyword& keyword) const {
-  if (!m_asText) return nullptr;
-  const auto known = m_asText->find(keyword.Body().get());
-  return known == m_asText->end() ? nullptr : &known->second;
+  return m_ledger ? m_ledger->TextOf(keyword) : nullptr;
 }
 
 void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
@@ -133,6 +133,8 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const int before = m_block;
   const Along* along = AlongOf(keyword);
   const int block = along ? along->block : BlockOf(keyword);
+  if (const KvoSimPosition* record = m_ledger ? m_ledger->RecordOf(keyword) : nullptr)
+    m_records.insert_or_assign({m_place.owner.Object().Packed(), block}, *record);
   if (!AsText(keyword) && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
     m_places.Look(keyword, IsModelled(keyword));
   if (!along && IsModelled(keyword)) return;
@@ -166,6 +168,9 @@ inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keywo
   const inpS_TextPlace* told = AsText(keyword);
   Along at{m_place, block, told ? told->behind : KvoSimPosition()};
   if (told && !told->owner.IsNull()) at.place = {told->owner, levelUnder(told->owner)};
+  const auto before = m_records.find({at.place.owner.Object().Packed(), block});
+  if (at.behind.IsNull() && before != m_records.end()) at.behind = before->second;
+  if (at.behind.IsNull() && inpS_block(block).HasForms()) at.behind = at.place.owner;
   // The texts of a step stand in its order, where another amplitude would take it over.
   const bool isStep = keyword.Scope().kind == inp_Scope::Kind::Step;
   if (isStep && block == kFirstBlock)
@@ -264,6 +269,7 @@ int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
 bool inpS_VerbatimVisitor::IsWrittenHere(const inp_Keyword& keyword) {
   if (!IsModelled(keyword)) return true;
   if (inp_KeywordTable::Instance().Row(keyword.Kind())->role == inp_KeywordRole::Close) return true;
+  if (m_ledger && m_ledger->RecordOf(keyword)) return true;
   const auto [known, isNew] =
       m_written.try_emplace({m_place.owner.Object().Packed(), m_ownBlock}, false);
   if (isNew) known->second = writes(m_inventory.GetDocument(), m_place.owner, m_ownBlock);

@@ -2,7 +2,7 @@
 
 #include "database/KvoSimPosition.h"
 #include "inpS/framework/inpS_Inventory.h"
-#include "inpS/framework/inpS_TextKeywords.h"
+#include "inpS/framework/inpS_Ledger.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/model/inpS_NotModelled.h"
 #include "inpS/model/inpS_PlaceCheck.h"
@@ -19,7 +19,7 @@ public:
   inpS_VerbatimVisitor(const inpS_Inventory& inventory, const cow_List<inp_KeywordEnm>& modelled);
 
   // Keywords of converted kinds that are kept all the same.
-  void SetAsText(const inpS_TextKeywords* keywords) { m_asText = keywords; }
+  void SetLedger(const inpS_Ledger* ledger) { m_ledger = ledger; }
   // Keywords of modelled kinds that no phase converts all the same.
   void SetUnmodelled(std::function<bool(const inp_Keyword&)> unmodelled) {
     m_unmodelled = std::move(unmodelled);
@@ -59,7 +59,7 @@ private:
 
   const inpS_Inventory& m_inventory;
   cow_List<bool> m_modelled;
-  const inpS_TextKeywords* m_asText = nullptr;
+  const inpS_Ledger* m_ledger = nullptr;
   std::function<bool(const inp_Keyword&)> m_unmodelled;
   bool m_isRestart = false;
   std::optional<inpS_RestartDefinitions> m_definitions; // of a restart
@@ -68,6 +68,8 @@ private:
   Place m_place{};
   int m_block = 0;    // of the scope, that of what is written before
   int m_ownBlock = 0; // of the last keyword that goes with no other one
+  // The last record of an owner's block of those that phases spoke of.
+  cow_Map<std::pair<unsigned long long, int>, KvoSimPosition> m_records;
   cow_Map<std::pair<unsigned long long, int>, bool> m_written;  // by owner and block
   cow_Map<std::pair<unsigned long long, int>, int> m_positions; // by owner and block
   std::unordered_map<const inp_KeywordBody*, Along> m_along;    // sub-options of what is kept

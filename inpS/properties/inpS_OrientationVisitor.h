@@ -1,9 +1,12 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
 
-// The orientations phase. It converts no keyword yet: they are kept as text.
-class inpS_OrientationVisitor : public inpS_SetVisitor {
+// The orientations phase: coordinate systems of sets (*TRANSFORM). What has no form yet is kept as
+// text.
+class inpS_OrientationVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_OrientationVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                          const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::Orientations, nodes, elements, inventory, ledger) {}
 };

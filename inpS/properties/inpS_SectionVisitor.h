@@ -1,9 +1,11 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
 
-// The sections phase. It converts no keyword yet: they are kept as text.
-class inpS_SectionVisitor : public inpS_SetVisitor {
+// The sections phase. What has no form yet is kept as text.
+class inpS_SectionVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_SectionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                      const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::Sections, nodes, elements, inventory, ledger) {}
 };

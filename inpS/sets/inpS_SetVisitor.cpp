@@ -30,6 +30,14 @@ KvoSimPosition inpS_SetVisitor::OwnerOf(const inp_Scope& scope) const {
   return assembly.IsNull() ? model.Position() : assembly;
 }
 
+KvoSimPosition inpS_SetVisitor::Model() const {
+  return m_inventory.GetDocument().GetModel().Position();
+}
+
+KvoSimPosition inpS_SetVisitor::Holder() const {
+  return m_scope && m_scope->kind == inp_Scope::Kind::Model ? Model() : m_owner;
+}
+
 void inpS_SetVisitor::Visit(const inp_Keyword& keyword) {
   Enter(keyword);
   inpS_Visitor::Visit(keyword);

@@ -58,6 +58,10 @@ public:
     return kind == Kind::Nodes ? m_nodes : m_elements;
   }
   const KvoSimPosition& Owner() const { return m_owner; } // that is open; null: it was refused
+  // What the keywords of this place belong to: as the owner, but for the model's own beside an
+  // assembly.
+  KvoSimPosition Holder() const;
+  KvoSimPosition Model() const;
   // The members of a named set as ordinals, in the order of their labels unless the set is
   // unsorted; false when there is no such set.
   bool GetNodeSetMembers(const cow_String& name, eds_MemberSet& ordinals);

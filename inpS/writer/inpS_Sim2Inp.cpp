@@ -4,6 +4,8 @@
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/forms/inpS_Blocks.h"
+#include "inpS/forms/inpS_FormPrinter.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
 #include "inpS/writer/inpS_AmplitudePrinter.h"
 #include "inpS/writer/inpS_MaterialPrinter.h"
@@ -31,13 +33,7 @@ struct Kept {
 
 struct inpS_Sim2Inp::Impl {
   using Printer = void (Impl::*)(const inpS_DeckScope&);
-  struct Block {
-    int number;
-    const char* name;
-    const char* mark; // null: printed without marks
-    Printer print;
-  };
-  static const Block blocks[29];
+  static Printer PrinterOf(int block); // null: there is none
 
   Impl(const KvoObjDocument& document, int threadCount, bool verboseFlag, const cow_String& title,
        const char* comment, aio_ostream& stream)
@@ -51,7 +47,7 @@ struct inpS_Sim2Inp::Impl {
   inpS_DeckScope ScopeOf(const KvoSimPosition& owner) const;
   void PrintScope(const inpS_DeckScope& scope, int from, int to);
   void PrintWithin(const inpS_DeckScope& scope);
-  void PrintKept(const inpS_DeckScope& scope, int block);
+  void PrintKept(const inpS_DeckScope& scope, const inpS_Block& block);
   void PrintParts();
   void PrintAssembly();
   void PrintInstance(const KvoSimPosition& instance);
@@ -96,8 +92,6 @@ struct inpS_Sim2Inp::Impl {
   }
   bool IsModel(const inpS_DeckScope& scope) const { return scope.owner.IsA(eds_RecordKind::Model); }
   void PrintKeptOf(const KvoSimPosition& owner, const KvoSimPosition& behind = {});
-  // A block whose keywords no phase converts: it holds what was kept as text, and nothing else.
-  void PrintKeptOnly(const inpS_DeckScope&) {}
 
   KvoObjDocument doc;
   int threads;
@@ -114,36 +108,33 @@ struct inpS_Sim2Inp::Impl {
 
 using Impl = inpS_Sim2Inp::Impl;
 
-const Impl::Block Impl::blocks[29] = {
-    {1, "PrintHeading", nullptr, &Impl::PrintHeading},
-    {2, "PrintCyclicSymmetryModel", "CycSym", &Impl::PrintKeptOnly},
-    {3, "PrintNodes", "Nodes", &Impl::PrintNodes},
-    {4, "PrintNsets", "Nsets", &Impl::PrintNsets},
-    {5, "PrintElements", "Elems", &Impl::PrintElements},
-    {6, "PrintElsets", "Elsets", &Impl::PrintElsets},
-    {7, "PrintDistributions", "Distribs", &Impl::PrintKeptOnly},
-    {8, "PrintOrientations", "Orients", &Impl::PrintKeptOnly},
-    {9, "PrintTransforms", "Xforms", &Impl::PrintKeptOnly},
-    {10, "PrintSurfaces", "Surfs", &Impl::PrintSurfaces},
-    {11, "PrintConstraints", "Constrs", &Impl::PrintKeptOnly},
-    {12, "PrintRigidBodies", "RigBods", &Impl::PrintKeptOnly},
-    {13, "PrintAmplitudes", "Amps", &Impl::PrintAmplitudes},
-    {14, "PrintPhysicalConstants", "PhyConsts", &Impl::PrintPhysicalConstants},
-    {15, "PrintContactInitializationData", "ContactInit", &Impl::PrintKeptOnly},
-    {16, "PrintMaterials", "Mats", &Impl::PrintMaterials},
-    {17, "PrintGasketBehaviors", "GaskBeh", &Impl::PrintGasketBehaviors},
-    {18, "PrintConnectorBehaviors", "ConnBeh", &Impl::PrintKeptOnly},
-    {19, "PrintSections", "Sects", &Impl::PrintKeptOnly},
-    {20, "PrintPretensionSections", "Preten", &Impl::PrintKeptOnly},
-    {21, "PrintNonstructuralMasses", "NonStrMass", &Impl::PrintKeptOnly},
-    {22, "PrintFilters", "Filts", &Impl::PrintKeptOnly},
-    {23, "PrintTimePoints", "TimePts", &Impl::PrintKeptOnly},
-    {24, "PrintInteractionProperties", "IntProps", &Impl::PrintKeptOnly},
-    {25, "PrintInteractions", "Inters", &Impl::PrintKeptOnly},
-    {26, "PrintFluidCavities", "FluidCav", &Impl::PrintKeptOnly},
-    {27, "PrintInitialConditions", "ICs", &Impl::PrintKeptOnly},
-    {28, "PrintIntegratedOutputSection", "IntOutSecs", &Impl::PrintKeptOnly},
-    {29, "PrintSteps", "Steps", &Impl::PrintKeptOnly}};
+// The blocks that are more than forms and what was kept as text.
+Impl::Printer Impl::PrinterOf(int block) {
+  switch (block) {
+  case 1:
+    return &Impl::PrintHeading;
+  case 3:
+    return &Impl::PrintNodes;
+  case 4:
+    return &Impl::PrintNsets;
+  case 5:
+    return &Impl::PrintElements;
+  case 6:
+    return &Impl::PrintElsets;
+  case 10:
+    return &Impl::PrintSurfaces;
+  case 13:
+    return &Impl::PrintAmplitudes;
+  case 14:
+    return &Impl::PrintPhysicalConstants;
+  case 16:
+    return &Impl::PrintMaterials;
+  case 17:
+    return &Impl::PrintGasketBehaviors;
+  default:
+    return nullptr;
+  }
+}
 
 inpS_Sim2Inp::inpS_Sim2Inp(const KvoObjDocument& document, int threads, bool verbose,
                            const cow_String& name, const char* comment, aio_ostream& diagnostics)
@@ -235,30 +226,41 @@ inpS_DeckScope Impl::ScopeOf(const KvoSimPosition& owner) const {
 // ---- blocks
 
 void Impl::PrintScope(const inpS_DeckScope& scope, int from, int to) {
-  for (const Block& block : blocks) {
+  for (const inpS_Block& block : inpS_blockRows) {
     if (block.number < from || block.number > to) continue;
     std::unique_ptr<bcu_MarkScope> mark;
     if (block.mark) mark = std::make_unique<bcu_MarkScope>(kMarks, block.mark);
     if (verbose) diagnostics << "inpS_Sim2Inp::" << block.name << '\n';
-    (this->*block.print)(scope);
-    PrintKept(scope, block.number);
+    if (const Printer print = PrinterOf(block.number)) (this->*print)(scope);
+    PrintKept(scope, block);
   }
 }
 
 // What lies within the model: all but its heading and its steps.
 void Impl::PrintWithin(const inpS_DeckScope& scope) {
-  PrintKept(scope, 1);
+  PrintKept(scope, inpS_block(1));
   PrintScope(scope, 2, kStepsBlock - 1);
 }
 
-void Impl::PrintKept(const inpS_DeckScope& scope, int block) {
+// The forms of a block, and the texts of it: each behind the form that it stood behind.
+void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
+  static const cow_List<Kept> none;
   const auto known = kept.find(scope.owner.Object().Packed());
-  if (known == kept.end()) return;
-  const auto& list = known->second;
-  auto at = std::lower_bound(list.begin(), list.end(), block,
-                             [](const Kept& keyword, int n) { return keyword.block < n; });
-  for (; at != list.end() && at->block == block; ++at)
-    *out << at->record.DataRecord().GetString(eds_VerbatimKeyword_Text);
+  const cow_List<Kept>& list = known == kept.end() ? none : known->second;
+  auto at = std::ranges::lower_bound(list, block.number, {}, &Kept::block);
+  const auto printTexts = [&](const KvoSimPosition* behind) {
+    for (; at != list.end() && at->block == block.number && (!behind || at->behind == *behind);
+         ++at)
+      *out << at->record.DataRecord().GetString(eds_VerbatimKeyword_Text);
+  };
+  printTexts(&scope.owner);
+  if (block.HasForms()) {
+    for (const KvoSimPosition& record : scope.owner.GetVector(block.member)) {
+      inpS_printForm(*out, record, parts.FirstOf(record));
+      printTexts(&record);
+    }
+  }
+  printTexts(nullptr);
 }
 
 // What is kept with an object that is no scope of the deck: what stands behind one of its own, or

@@ -1,14 +1,18 @@
 #include "tests/decks/DeckOrder.h"
 #include "base/utl_File.h"
 #include "parser/inp_KeywordExpansionVisitor.h"
+#include "parser/inp_KeywordTable.h"
 #include "parser/inp_OrganizerVisitor.h"
 #include "parser/inp_Parser.h"
 #include <algorithm>
 
 namespace {
 
-// By its name, and without one by its line, which is kept as it stands.
+// By its name, and without one by its line, which is kept as it stands. A behavior that stands
+// apart from its material, which is still open, comes under it.
 cow_String identityOf(const inp_Keyword& keyword) {
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
+  if (row && row->levels == inp_LevelsSub) return keyword.Name();
   const cow_String name = keyword.StringOf("name", "");
   if (!name.empty()) return keyword.Name() + ' ' + name;
   const cow_String text = keyword.Text();
@@ -17,13 +21,14 @@ cow_String identityOf(const inp_Keyword& keyword) {
 
 using IsTold = std::function<bool(const cow_String& file, long long line)>;
 
-void addSuboptions(const inp_Keyword& parent, const cow_String& path, const IsTold& isTold,
+// Each under the keyword right above it: a behavior may come under its material only now.
+void addSuboptions(const inp_Keyword& parent, const cow_String& title, const IsTold& isTold,
                    cow_List<cow_String>& lines) {
   if (isTold(parent.FileName(), parent.Line())) return;
   for (const inp_Keyword& suboption : parent.Suboptions()) {
-    const cow_String own = path + " / " + suboption.Name();
-    if (!isTold(suboption.FileName(), suboption.Line())) lines.push_back(own);
-    addSuboptions(suboption, own, isTold, lines);
+    if (!isTold(suboption.FileName(), suboption.Line()))
+      lines.push_back(title + " / " + suboption.Name());
+    addSuboptions(suboption, suboption.Name(), isTold, lines);
   }
 }
 

@@ -1,0 +1,282 @@
+#include "database/schema/eds_Form.h"
+#include "base/utl_Assert.h"
+#include "database/schema/eds_Schema.h"
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <memory>
+#include <mutex>
+
+namespace {
+
+struct Row {
+  eds_RecordKind kind;
+  std::string_view name;
+  std::string_view keyword;
+  std::string_view selectors;
+  std::string_view parameters;
+  std::string_view data;
+  eds_FormRepeat repeat;
+};
+
+constexpr Row rows[] = {
+#define EDS_FORM(Kind, Keyword, Selectors, Parameters, Data, Repeat)                               \
+  {eds_RecordKind::Kind, #Kind, #Keyword, Selectors, Parameters, Data, eds_FormRepeat::Repeat},
+#include "database/schema/forms.def"
+};
+
+constexpr auto keywords = [] {
+  std::array<eds_FormKeyword, std::size(rows)> all{};
+  for (std::size_t n = 0; n < all.size(); ++n) all[n] = {rows[n].kind, rows[n].keyword};
+  return all;
+}();
+
+struct KindRow {
+  eds_RecordKind kind;
+  std::size_t row;
+};
+constexpr auto rowsByKind = [] {
+  std::array<KindRow, std::size(rows)> all{};
+  for (std::size_t n = 0; n < all.size(); ++n) all[n] = {rows[n].kind, n};
+  std::ranges::sort(all, {}, &KindRow::kind);
+  return all;
+}();
+
+constexpr eds_Referable referables[] = {
+#define EDS_REFERABLE(word, Kind, Place, Member, InternalMember, Text)                             \
+  {#word,                                                                                          \
+   eds_RecordKind::Kind,                                                                           \
+   std::string_view(#Place) == "Scope",                                                            \
+   eds_Member::Member,                                                                             \
+   eds_Member::InternalMember,                                                                     \
+   Text},
+#include "database/schema/referables.def"
+};
+
+// ---- the text of a row
+
+// The words of a text, blanks within braces and brackets not counting.
+cow_List<std::string_view> wordsOf(std::string_view text) {
+  cow_List<std::string_view> words;
+  std::size_t begin = 0;
+  int depth = 0;
+  for (std::size_t n = 0; n <= text.size(); ++n) {
+    const char c = n < text.size() ? text[n] : ' ';
+    depth += (c == '{' || c == '[') - (c == '}' || c == ']');
+    if (c != ' ' || depth > 0) continue;
+    if (n > begin) words.push_back(text.substr(begin, n - begin));
+    begin = n + 1;
+  }
+  return words;
+}
+
+// Pieces between bars, those within braces not counting.
+cow_List<std::string_view> piecesOf(std::string_view text) {
+  cow_List<std::string_view> pieces;
+  std::size_t begin = 0;
+  int depth = 0;
+  for (std::size_t n = 0; n <= text.size(); ++n) {
+    const char c = n < text.size() ? text[n] : '|';
+    depth += (c == '{') - (c == '}');
+    if (c != '|' || depth > 0) continue;
+    pieces.push_back(text.substr(begin, n - begin));
+    begin = n + 1;
+  }
+  return pieces;
+}
+
+eds_FormItem::Alternative alternativeOf(std::string_view type) {
+  eds_FormItem::Alternative alternative;
+  if (type.starts_with('{')) {
+    alternative.type = eds_FormType::Choice;
+    for (const std::string_view word : piecesOf(type.substr(1, type.size() - 2)))
+      alternative.words.emplace_back(word);
+    return alternative;
+  }
+  constexpr std::pair<std::string_view, eds_FormType> plain[] = {{"flag", eds_FormType::Flag},
+                                                                 {"int", eds_FormType::Int},
+                                                                 {"real", eds_FormType::Real},
+                                                                 {"text", eds_FormType::Text}};
+  for (const auto& [word, known] : plain) {
+    if (word != type) continue;
+    alternative.type = known;
+    return alternative;
+  }
+  const auto referable = std::ranges::find(referables, type, &eds_Referable::word);
+  utl_ASSERT(referable != std::end(referables));
+  alternative.type = eds_FormType::Reference;
+  alternative.referable = referable;
+  return alternative;
+}
+
+eds_FormItem itemOf(std::string_view text) {
+  eds_FormItem item;
+  item.isRequired = text.ends_with('!');
+  item.isOptional = text.ends_with('?');
+  if (item.isRequired || item.isOptional) text.remove_suffix(1);
+  const std::size_t colon = text.find(':');
+  item.name = text.substr(0, colon);
+  const std::string_view types = colon == text.npos ? text : text.substr(colon + 1);
+  for (const std::string_view type : piecesOf(types))
+    item.alternatives.push_back(alternativeOf(type));
+  return item;
+}
+
+cow_List<eds_FormItem> itemsOf(std::string_view text) {
+  cow_List<eds_FormItem> items;
+  for (const std::string_view word : wordsOf(text)) items.push_back(itemOf(word));
+  return items;
+}
+
+eds_RecordKind kindNamed(std::string_view name) {
+  const auto row = std::ranges::find(rows, name, &Row::name);
+  utl_ASSERT(row != std::end(rows));
+  return row->kind;
+}
+
+void readData(std::string_view text, eds_FormInfo& form) {
+  if (text.empty()) return;
+  if (text == "text") {
+    form.data = eds_FormData::Text;
+  } else if (text.starts_with("*{")) {
+    form.data = eds_FormData::Records;
+    form.record = kindNamed(text.substr(2, text.size() - 3));
+  } else {
+    form.data = eds_FormData::Lines;
+    for (const std::string_view line : wordsOf(text))
+      form.lines.push_back(itemsOf(line.substr(1, line.size() - 2)));
+  }
+}
+
+// ---- the record kind of a form
+
+eds_FieldType fieldTypeOf(const eds_FormItem::Alternative& alternative) {
+  switch (alternative.type) {
+  case eds_FormType::Flag:
+    return eds_FieldType::Bool;
+  case eds_FormType::Int:
+    return eds_FieldType::Int;
+  case eds_FormType::Real:
+    return eds_FieldType::Real;
+  case eds_FormType::Reference:
+    return alternative.referable->kind == eds_RecordKind::None ? eds_FieldType::AnyRef
+                                                               : eds_FieldType::Ref;
+  default:
+    return eds_FieldType::Text;
+  }
+}
+
+// "SolidSection" and "solid_section": names in code and on disk.
+cow_String tableNameOf(std::string_view kind) {
+  cow_String name;
+  for (const char c : kind) {
+    const bool isCapital = c >= 'A' && c <= 'Z';
+    if (isCapital && !name.empty()) name += '_';
+    name += isCapital ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  return name;
+}
+
+cow_String codeNameOf(std::string_view column) {
+  cow_String name;
+  bool capital = true;
+  for (const char c : column) {
+    if (c != '_') name += capital && c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    capital = c == '_';
+  }
+  return name;
+}
+
+// A row that has been read.
+class Form {
+public:
+  explicit Form(const Row& row) {
+    m_form.kind = row.kind;
+    m_form.keyword = row.keyword;
+    m_form.selectors = row.selectors;
+    m_form.repeat = row.repeat;
+    m_form.parameters = itemsOf(row.parameters);
+    readData(row.data, m_form);
+    m_record.kind = row.kind;
+    m_record.name = row.name;
+    m_record.table = m_texts.emplace_back(tableNameOf(row.name));
+    for (eds_FormItem& item : m_form.parameters) AddItem(item);
+    for (cow_List<eds_FormItem>& line : m_form.lines)
+      for (eds_FormItem& item : line) AddItem(item);
+    if (m_form.data == eds_FormData::Text)
+      m_form.textField = AddField("lines", eds_FieldType::Text);
+  }
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+
+  const eds_FormInfo& Info() const { return m_form; }
+  const eds_RecordInfo& Record() const { return m_record; }
+
+private:
+  int AddField(const cow_String& column, eds_FieldType type,
+               eds_RecordKind target = eds_RecordKind::None) {
+    eds_FieldInfo field;
+    field.column = m_texts.emplace_back(column);
+    field.name = m_texts.emplace_back(codeNameOf(column));
+    field.type = type;
+    field.target = target;
+    m_record.fields.push_back(field);
+    return static_cast<int>(m_record.fields.size()) - 1;
+  }
+
+  // The first type's field has the item's name, the others that of their type behind it.
+  void AddItem(eds_FormItem& item) {
+    for (eds_FormItem::Alternative& one : item.alternatives) {
+      cow_String column = item.name;
+      if (&one != &item.alternatives.front())
+        column += one.referable                    ? "_" + cow_String(one.referable->word)
+                  : one.type == eds_FormType::Text ? "_text"
+                                                   : "_value";
+      const bool isScoped = one.referable && one.referable->isScoped;
+      one.field = AddField(column, fieldTypeOf(one),
+                           one.referable ? one.referable->kind : eds_RecordKind::None);
+      if (isScoped)
+        one.instanceField =
+            AddField(column + "_instance", eds_FieldType::Ref, eds_RecordKind::Instance);
+    }
+  }
+
+  eds_FormInfo m_form;
+  eds_RecordInfo m_record;
+  std::deque<cow_String> m_texts; // what names and columns lie in
+};
+
+// Read when first asked for, by whatever thread.
+struct Entry {
+  std::once_flag once;
+  std::unique_ptr<const Form> form;
+};
+Entry entries[std::size(rows)];
+
+const Form* formOf(eds_RecordKind kind) {
+  const auto row = std::ranges::lower_bound(rowsByKind, kind, {}, &KindRow::kind);
+  if (row == std::end(rowsByKind) || row->kind != kind) return nullptr;
+  Entry& entry = entries[row->row];
+  std::call_once(entry.once, [&] { entry.form = std::make_unique<const Form>(rows[row->row]); });
+  return entry.form.get();
+}
+
+} // namespace
+
+std::span<const eds_Referable> eds_referables() {
+  return referables;
+}
+
+std::span<const eds_FormKeyword> eds_formKeywords() {
+  return keywords;
+}
+
+const eds_FormInfo* eds_formOf(eds_RecordKind kind) {
+  const Form* form = formOf(kind);
+  return form ? &form->Info() : nullptr;
+}
+
+const eds_RecordInfo* eds_formRecord(eds_RecordKind kind) {
+  const Form* form = formOf(kind);
+  return form ? &form->Record() : nullptr;
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "base/cow_Value.h"
+#include "database/eds_ModelReader.h"
+#include <span>
+#include <string_view>
+
+// The forms of forms.def as data. A row's text is read when its form is first asked for: a model
+// has few kinds, whatever the number of forms.
+
+// What has a name by which others refer to it (referables.def).
+struct eds_Referable {
+  std::string_view word;
+  eds_RecordKind kind; // None: of several kinds
+  bool isScoped;       // has an owner: the model, a part, an instance, the assembly
+  eds_Member member;
+  eds_Member internalMember;
+  std::string_view missing; // "%s" stands for the name
+};
+std::span<const eds_Referable> eds_referables();
+
+enum class eds_FormType : uint8_t { Flag, Int, Real, Text, Choice, Reference };
+
+// A value of a keyword: a parameter, or a field of a line.
+struct eds_FormItem {
+  struct Alternative {
+    eds_FormType type = eds_FormType::Text;
+    cow_List<cow_String> words;               // Choice: as decks have them
+    const eds_Referable* referable = nullptr; // Reference
+    int field = -1;                           // of the record
+    int instanceField = -1;                   // Reference to what may belong to an instance
+  };
+  cow_String name;                    // as the field's column
+  cow_List<Alternative> alternatives; // one at least
+  bool isRequired = false;
+  bool isOptional = false; // no place is kept for it at the end of a line
+};
+
+enum class eds_FormRepeat : uint8_t { Once, Many };
+enum class eds_FormData : uint8_t { None, Text, Lines, Records };
+
+struct eds_FormInfo {
+  eds_RecordKind kind = eds_RecordKind::None;
+  std::string_view keyword; // suffix in the vocabulary; "None": of another form's lines
+  std::string_view selectors;
+  eds_FormRepeat repeat = eds_FormRepeat::Many;
+  cow_List<eds_FormItem> parameters;
+  eds_FormData data = eds_FormData::None;
+  cow_List<cow_List<eds_FormItem>> lines;       // Lines
+  eds_RecordKind record = eds_RecordKind::None; // Records: one for each line
+  int textField = -1;                           // Text
+};
+
+// The kinds of all forms and the keyword of each, in the order of forms.def.
+struct eds_FormKeyword {
+  eds_RecordKind kind;
+  std::string_view keyword;
+};
+std::span<const eds_FormKeyword> eds_formKeywords();
+// Null for a kind that is no form's.
+const eds_FormInfo* eds_formOf(eds_RecordKind kind);
+const eds_RecordInfo* eds_formRecord(eds_RecordKind kind);

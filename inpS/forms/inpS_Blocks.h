@@ -1,0 +1,29 @@
+#pragma once
+
+#include "database/eds_Type.h"
+#include <span>
+
+// The blocks of a written deck (inpS_blocks.def), read by the writer, by the phases that convert
+// forms, and by what keeps text in its place.
+
+enum class inpS_Phase : unsigned char { None, Orientations, Constraints, Sections };
+
+struct inpS_Block {
+  int number;
+  const char* name;
+  const char* mark; // null: printed without marks
+  inpS_Phase phase;
+  eds_Member member;
+  bool HasForms() const { return phase != inpS_Phase::None; }
+};
+
+inline constexpr inpS_Block inpS_blockRows[] = {
+#define INPS_BLOCK(number, Name, mark, Phase, Member)                                              \
+  {number, #Name, mark, inpS_Phase::Phase, eds_Member::Member},
+#include "inpS/forms/inpS_blocks.def"
+};
+
+inline constexpr int inpS_blockCount = static_cast<int>(std::size(inpS_blockRows));
+inline constexpr const inpS_Block& inpS_block(int number) {
+  return inpS_blockRows[number - 1];
+}

@@ -1,0 +1,153 @@
+#include "inpS/forms/inpS_FormValue.h"
+#include "base/utl_Stream.h"
+#include "database/KvoObjModel.h"
+#include "inpS/keywords/inpS_ParameterBinding.h"
+#include "inpS/keywords/inpS_QuotedName.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+using Alternative = eds_FormItem::Alternative;
+using Kind = inpS_SetVisitor::Kind;
+
+// What is wrong with the value for this type; empty when it has been taken.
+cow_String takeReference(const Alternative& one, const inpS_FormValue& value,
+                         const inpS_FormNames& names, KvoSimDataRecord& record) {
+  const inpS_SetVisitor::Found found = names.Find(*one.referable, value.text);
+  if (found.set.IsNull())
+    return inp_Utils::Format(cow_String(one.referable->missing).c_str(),
+                             inp_Utils::Fold(value.text).c_str());
+  record.SetReference(one.field, found.set);
+  if (one.instanceField >= 0 && !found.instance.IsNull())
+    record.SetReference(one.instanceField, found.instance);
+  return {};
+}
+
+cow_String takeWord(const Alternative& one, const inpS_FormValue& value, KvoSimDataRecord& record) {
+  const cow_String bare = inpS_bareWord(inp_Utils::Fold(value.text));
+  cow_String list;
+  for (const cow_String& word : one.words) {
+    if (inpS_bareWord(word) == bare) {
+      record.SetString(one.field, word);
+      return {};
+    }
+    list += (list.empty() ? "" : ", ") + word;
+  }
+  return "\"" + value.text + "\" is none of " + list + ".";
+}
+
+cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inpS_FormNames& names,
+                  KvoSimDataRecord& record) {
+  const bool isNumber = value.type == inp_FieldType::Integer || value.type == inp_FieldType::Double;
+  switch (one.type) {
+  case eds_FormType::Flag: {
+    const cow_String word = inp_Utils::Fold(value.text);
+    const bool no = word == "NO" || word == "OFF";
+    if (!no && !word.empty() && word != "YES" && word != "ON")
+      return "\"" + value.text + "\" is neither YES nor NO.";
+    record.SetBool(one.field, !no);
+    return {};
+  }
+  case eds_FormType::Int:
+    if (value.type != inp_FieldType::Integer) return "\"" + value.text + "\" is no integer.";
+    record.SetInt(one.field, value.integer);
+    return {};
+  case eds_FormType::Real:
+    if (!isNumber) return "\"" + value.text + "\" is no number.";
+    record.SetDouble(one.field, value.real);
+    return {};
+  case eds_FormType::Choice:
+    return takeWord(one, value, record);
+  case eds_FormType::Reference:
+    return takeReference(one, value, names, record);
+  case eds_FormType::Text:
+    break;
+  }
+  record.SetString(one.field, inp_Utils::Fold(value.text));
+  return {};
+}
+
+void printReference(utl_Stream& out, const Alternative& one, const KvoSimDataRecord& record) {
+  if (one.instanceField >= 0 && !record.IsMemberNull(one.instanceField)) {
+    const KvoSimPosition instance = record.GetReference(one.instanceField);
+    out << inpS_quoted(instance.DataRecord().ReturnString(eds_Instance_Name)) << '.';
+  }
+  out << inpS_quoted(record.GetReference(one.field).Name());
+}
+
+} // namespace
+
+inpS_FormValue inpS_FormValue::Of(const inp_Item& parameter) {
+  inpS_FormValue value;
+  if (parameter.IsFlag()) return value;
+  value.text = parameter.Verbatim();
+  value.type = parameter.GetKind() == inp_Item::Kind::Integer ? inp_FieldType::Integer
+               : parameter.IsNumber()                         ? inp_FieldType::Double
+                                                              : inp_FieldType::String;
+  value.real = parameter.AsDouble();
+  value.integer = parameter.AsInt();
+  return value;
+}
+
+inpS_FormValue inpS_FormValue::Of(const inp_DataArray& data, long long row, int col) {
+  inpS_FormValue value;
+  if (col >= data.Cols(row)) return value;
+  value.type = data.Type(row, col);
+  value.text = data.AsStringVerbatim(row, col);
+  value.real = data.AsDouble(row, col);
+  value.integer = data.AsInt64(row, col);
+  return value;
+}
+
+inpS_SetVisitor::Found inpS_FormNames::Find(const eds_Referable& referable,
+                                            const cow_String& asWritten) const {
+  if (!referable.isScoped)
+    return {m_place.Model().FollowStringKey(referable.member, inp_Utils::Fold(asWritten)), 0, {}};
+  const Kind kind = referable.kind == eds_RecordKind::NodeSet      ? Kind::Nodes
+                    : referable.kind == eds_RecordKind::ElementSet ? Kind::Elements
+                                                                   : Kind::Surfaces;
+  return m_place.FindField(kind, asWritten);
+}
+
+cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
+                          const inpS_FormNames& names, KvoSimDataRecord record) {
+  cow_String fault;
+  for (const Alternative& one : item.alternatives) {
+    const cow_String other = takeAs(one, value, names, record);
+    if (other.empty()) return {};
+    if (fault.empty()) fault = other;
+  }
+  return fault;
+}
+
+bool inpS_hasValue(const eds_FormItem& item, const KvoSimDataRecord& record) {
+  return std::ranges::any_of(
+      item.alternatives, [&](const Alternative& one) { return !record.IsMemberNull(one.field); });
+}
+
+void inpS_printValue(utl_Stream& out, const eds_FormItem& item, const KvoSimDataRecord& record) {
+  for (const Alternative& one : item.alternatives) {
+    if (record.IsMemberNull(one.field)) continue;
+    switch (one.type) {
+    case eds_FormType::Flag:
+      out << (record.GetBool(one.field) ? "YES" : "NO");
+      return;
+    case eds_FormType::Int:
+      out << record.GetInt64(one.field);
+      return;
+    case eds_FormType::Real:
+      out << record.GetDouble(one.field);
+      return;
+    case eds_FormType::Choice:
+      out << record.GetString(one.field);
+      return;
+    case eds_FormType::Text:
+      out << inpS_quoted(record.ReturnString(one.field));
+      return;
+    case eds_FormType::Reference:
+      printReference(out, one, record);
+      return;
+    }
+  }
+}

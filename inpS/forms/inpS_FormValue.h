@@ -1,0 +1,40 @@
+#pragma once
+
+#include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_Form.h"
+#include "inpS/sets/inpS_SetVisitor.h"
+
+class utl_Stream;
+
+// A value as decks have it and the fields of a record that keep it: both ways, by the item of the
+// form that describes it.
+
+// What a deck gives: a parameter's value, or a field of a data line.
+struct inpS_FormValue {
+  inp_FieldType type = inp_FieldType::None;
+  cow_String text; // as written
+  double real = 0;
+  long long integer = 0;
+
+  static inpS_FormValue Of(const inp_Item& parameter);
+  static inpS_FormValue Of(const inp_DataArray& data, long long row, int col);
+};
+
+// Looks names up from where the walk of a visitor stands.
+class inpS_FormNames {
+public:
+  explicit inpS_FormNames(const inpS_SetVisitor& place) : m_place(place) {}
+  inpS_SetVisitor::Found Find(const eds_Referable& referable, const cow_String& asWritten) const;
+
+private:
+  const inpS_SetVisitor& m_place;
+};
+
+// The value goes to the first alternative that takes it. What is wrong with it; empty when it has
+// been taken.
+cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
+                          const inpS_FormNames& names, KvoSimDataRecord record);
+// Whether some field holds it.
+bool inpS_hasValue(const eds_FormItem& item, const KvoSimDataRecord& record);
+// As a deck has it; nothing for one that is not given.
+void inpS_printValue(utl_Stream& out, const eds_FormItem& item, const KvoSimDataRecord& record);

@@ -1,0 +1,182 @@
+#include "inpS/forms/inpS_FormVisitor.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimTransaction.h"
+#include "inpS/keywords/inpS_KeptParts.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
+#include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_KeywordTable.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+bool isBlankLine(const inp_DataArray& data, long long row) {
+  return inpS_KeywordReader::IsBlankRow(data, row);
+}
+
+} // namespace
+
+inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                                   const inpS_Inventory& inventory, inpS_Ledger& ledger)
+    : inpS_SetVisitor(nodes, elements, inventory), m_phase(phase), m_ledger(ledger),
+      m_names(*this) {}
+
+// What a part says is said once, for all its instances. A step, which is kept as text, keeps its
+// own.
+void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
+  inpS_SetVisitor::Visit(keyword);
+  if (keyword.IsInstanceCopy() || keyword.IsSuboption()) return;
+  if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step) return;
+  const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
+  if (block.phase == m_phase) Convert(keyword, block.member);
+}
+
+void inpS_FormVisitor::Convert(const inp_Keyword& keyword, eds_Member member) {
+  const inpS_Form* form = inpS_FormTable::Instance().Select(keyword);
+  const KvoSimPosition owner = Holder();
+  if (!form || owner.IsNull() || !MayBe(keyword, *form, owner, member))
+    return m_ledger.KeepAsText(keyword);
+  KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
+  const KvoSimPosition record = owner.CreateDataRecord(form->info->kind);
+  owner.Associate(member, record);
+  ReadParameters(keyword, *form, record.DataRecord());
+  const bool whole = ReadData(keyword, *form->info, record);
+  inpS_tellOtherParameters(keyword, *this);
+  const inpS_KeptPart beside{0, inpS_takeOtherParameters(keyword),
+                             whole ? cow_String() : inpS_dataLines(keyword)};
+  if (!beside.parameters.empty() || !beside.lines.empty()) inpS_keepPart(record, beside);
+  transaction.Commit();
+  m_ledger.Take(keyword, record);
+}
+
+bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
+                             const KvoSimPosition& owner, eds_Member member) {
+  if (!keyword.Suboptions().empty()) return false; // none is modelled yet: they stay together
+  if (!CheckReferences(keyword, form)) return false;
+  if (form.info->repeat == eds_FormRepeat::Many) return true;
+  for (const KvoSimPosition& present : owner.GetVector(member)) {
+    if (!present.IsA(form.info->kind)) continue;
+    Warning(keyword, "*" + keyword.Name() +
+                         " is given a second time; the first one holds, this one is kept as text.");
+    return false;
+  }
+  return true;
+}
+
+// What the keyword is about must be there: half of it would be a lie. It stays as text, so nothing
+// is lost, and what it names may be a keyword that is kept as text itself: no error.
+bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Form& form) {
+  bool good = true;
+  for (const inpS_Form::Parameter& parameter : form.parameters) {
+    const inp_Item* item = keyword.Find(parameter.binding.key);
+    if (!item) {
+      if (!parameter.item->isRequired) continue;
+      Warning(keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter.binding.name}) +
+                           " The keyword is kept as text.");
+      good = false;
+      continue;
+    }
+    if (!parameter.IsReference()) continue;
+    const eds_Referable& referable = *parameter.item->alternatives.front().referable;
+    if (!m_names.Find(referable, item->Verbatim()).set.IsNull()) continue;
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, parameter.binding.key,
+        inp_Utils::Format(cow_String(referable.missing).c_str(), item->AsString().c_str()) +
+            " The keyword is kept as text."));
+    good = false;
+  }
+  return good;
+}
+
+void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_Form& form,
+                                      KvoSimDataRecord record) {
+  for (const inpS_Form::Parameter& parameter : form.parameters) {
+    if (!parameter.IsReference()) {
+      inpS_readParameters(keyword, std::span(&parameter.binding, 1), record, *this);
+      continue;
+    }
+    if (const inp_Item* item = keyword.Find(parameter.binding.key))
+      inpS_takeValue(*parameter.item, inpS_FormValue::Of(*item), m_names, record);
+  }
+  for (const inpS_Form::Selector& selector : form.selectors) keyword.Find(selector.key);
+}
+
+// Whether the record holds all that the lines say.
+bool inpS_FormVisitor::ReadData(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                const KvoSimPosition& record) {
+  const inp_DataArray& data = keyword.Data();
+  if (form.data == eds_FormData::Records) return ReadRecords(keyword, form.record, record);
+  if (form.data == eds_FormData::Text) {
+    if (data.Rows() > 0) record.DataRecord().SetString(form.textField, inpS_dataLines(keyword));
+    return true;
+  }
+  bool whole = true;
+  const auto lines = static_cast<long long>(form.lines.size());
+  for (long long row = 0; row < std::min(lines, data.Rows()); ++row)
+    whole =
+        ReadLine(keyword, row, form.lines[static_cast<std::size_t>(row)], record) == Line::Whole &&
+        whole;
+  for (long long row = lines; row < data.Rows(); ++row) {
+    if (isBlankLine(data, row)) continue;
+    AddWarning(inp_Utils::MessageAtRow(
+        keyword, row,
+        lines == 0
+            ? "The data lines of *" + keyword.Name() +
+                  " mean nothing here; they are kept as they stand."
+            : "*" + keyword.Name() + " takes " + std::to_string(lines) +
+                  (lines == 1 ? " data line" : " data lines") + "; all are kept as they stand."));
+    return false;
+  }
+  return whole;
+}
+
+// A record for each line; one that lacks what it is about costs that line.
+bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, eds_RecordKind kind,
+                                   const KvoSimPosition& record) {
+  const cow_List<eds_FormItem>& items = eds_formOf(kind)->lines.front();
+  const inp_DataArray& data = keyword.Data();
+  bool whole = true;
+  for (long long row = 0; row < data.Rows(); ++row) {
+    if (isBlankLine(data, row)) continue;
+    const KvoSimPosition line = record.CreateDataRecord(kind);
+    const Line read = ReadLine(keyword, row, items, line);
+    whole = whole && read == Line::Whole;
+    if (read == Line::Nothing)
+      line.Remove();
+    else
+      record.Associate(eds_Member::Lines, line);
+  }
+  return whole;
+}
+
+// What cannot be taken is told.
+inpS_FormVisitor::Line inpS_FormVisitor::ReadLine(const inp_Keyword& keyword, long long row,
+                                                  const cow_List<eds_FormItem>& items,
+                                                  const KvoSimPosition& record) {
+  Line read = Line::Whole;
+  const int cols = static_cast<int>(items.size());
+  for (int col = 0; col < cols; ++col) {
+    const eds_FormItem& item = items[static_cast<std::size_t>(col)];
+    const inpS_FormValue value = inpS_FormValue::Of(keyword.Data(), row, col);
+    const bool isBlank = value.type == inp_FieldType::None;
+    if (isBlank && !item.isRequired) continue;
+    const cow_String fault = isBlank ? "The line does not tell its " + item.name + "."
+                                     : inpS_takeValue(item, value, m_names, record.DataRecord());
+    if (fault.empty()) continue;
+    if (read != Line::Nothing) read = item.isRequired ? Line::Nothing : Line::Partly;
+    const cow_String text =
+        fault + (item.isRequired ? " The line is kept as it stands, and nothing is made of it."
+                                 : " It is kept as it stands.");
+    AddWarning(col < keyword.Data().Cols(row) ? inp_Utils::MessageAtField(keyword, row, col, text)
+                                              : inp_Utils::MessageAtRow(keyword, row, text));
+  }
+  for (int col = cols; col < keyword.Data().Cols(row); ++col) {
+    if (!keyword.Data().HasValue(row, col)) continue;
+    AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                         "The line has more values than it can have; it is kept "
+                                         "as it stands."));
+    return read == Line::Nothing ? read : Line::Partly;
+  }
+  return read;
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "parser/inp_BulkDecode.h"
+#include <climits>
+#include <cmath>
+#include <limits>
+
+// Bulk decode of lines of like fields, such as `set or label, degree, magnitude`: each field goes
+// to the column of its place, a million lines to a few typed arrays. Names are told apart once for
+// each piece, so that whoever looks them up does it once for each name and not for each line.
+
+enum class inp_ColumnType : unsigned char {
+  Target, // a label, or a name
+  Word,   // a name, also where it looks like a number
+  Int,    // at most nine digits
+  Real,
+};
+
+// What stands for a field that is blank, or that its line does not have. No number that is read is
+// not finite.
+inline constexpr int inp_blankInt = INT_MIN;
+inline constexpr double inp_blankReal = std::numeric_limits<double>::quiet_NaN();
+inline bool inp_isBlankReal(double value) {
+  return std::isnan(value);
+}
+
+// Names in a column of integers: place n in a list of names. Labels have at most nine digits.
+inline constexpr int inp_firstNameCode = INT_MIN + 1;
+inline constexpr int inp_mostNames = 1'000'000'000;
+inline constexpr bool inp_isNameCode(int code) {
+  return code >= inp_firstNameCode && code < inp_firstNameCode + inp_mostNames;
+}
+inline constexpr int inp_nameCode(int place) {
+  return inp_firstNameCode + place;
+}
+inline constexpr int inp_namePlace(int code) {
+  return code - inp_firstNameCode;
+}
+
+// Some thousand rows, still in the cache. Blank lines are no rows.
+struct inp_ColumnPiece {
+  struct Column {
+    std::span<int> ints;     // Target, Word (codes of names), Int
+    std::span<double> reals; // Real
+  };
+  std::size_t count = 0;                   // rows
+  std::span<const Column> columns;         // as asked for
+  std::span<const std::string_view> names; // each once, as written, without the blanks around it
+  // Rows with a field that is not of its column's type, a quote, or more fields than columns, but
+  // for blank ones. Their slots hold what could be read, else blanks.
+  std::span<inp_OddRow> odd; // slots within the piece; rows of the keyword once it is taken
+  long long firstRow = 0;    // of the keyword, once it is taken: blank lines count
+};
+
+// prepare is called for pieces on all threads at once, take for one after the other in deck order.
+void inp_streamColumns(const inp_DataArray& data, std::span<const inp_ColumnType> columns,
+                       const std::function<void(const inp_ColumnPiece&)>& prepare,
+                       const std::function<void(const inp_ColumnPiece&)>& take);
