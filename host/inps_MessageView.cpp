@@ -10,6 +10,7 @@ namespace {
 
 constexpr int widthWithoutTerminal = 160;
 constexpr std::size_t longestText = 4000; // bytes of one line of a message
+constexpr std::size_t mostItems = 10;     // of a list within it
 
 struct Look {
   std::string_view name;
@@ -57,6 +58,29 @@ cow_List<std::string_view> charactersOf(std::string_view text) {
   return characters;
 }
 
+// Lists of single words (labels, names) with their first items only: a message has all of them, and
+// they may be millions.
+cow_String foldLists(std::string_view text) {
+  constexpr std::string_view comma = ", ";
+  cow_String out;
+  std::size_t begin = 0; // of what is not yet out
+  for (std::size_t at = text.find(comma); at != text.npos; at = text.find(comma, at)) {
+    std::size_t items = 1, end = at, folded = 0;
+    while (text.substr(end).starts_with(comma)) {
+      if (items == mostItems) folded = end;
+      end = std::min(text.find_first_of(", \n", end + comma.size()), text.size());
+      ++items;
+    }
+    if (folded > 0) {
+      out += text.substr(begin, folded - begin);
+      out += " … and " + std::to_string(items - mostItems) + " more";
+      begin = end;
+    }
+    at = end;
+  }
+  return out += text.substr(begin);
+}
+
 } // namespace
 
 inps_MessageView::inps_MessageView(aio_ostream& out, bool colour, int width)
@@ -95,7 +119,7 @@ void inps_MessageView::ShowHead(aio_ostream& out, inps_Severity severity, const 
   if (m_colour) inps_writeOwn(out, look.colour);
   out << look.name << ": ";
   if (m_colour) inps_writeOwn(out, plain);
-  ShowText(out, text);
+  ShowText(out, foldLists(text));
 }
 
 // The stretch of the line around the column that fits, and the caret under the column.

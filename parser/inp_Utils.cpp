@@ -23,19 +23,16 @@ cow_String textOf(int item) {
   return std::to_string(item);
 }
 
-// So many items stand in the text itself; who has more of them looks at the first ones anyway.
-constexpr std::size_t mostItems = 10;
-
+// The list is whole: who shows it on a console may fold it.
 template <class T> cow_String withItems(const cow_String& text, const cow_List<T>& items) {
   cow_String out = text;
   if (!items.empty() && !out.empty() && !inp_isBlank(out.back())) out += ' ';
   std::unordered_set<T> told; // a list of faults often names the same one again
   for (const T& item : items) {
-    if (!told.insert(item).second || told.size() > mostItems) continue;
+    if (!told.insert(item).second) continue;
     if (told.size() > 1) out += ", ";
     out += textOf(item);
   }
-  if (told.size() > mostItems) out += " … and " + std::to_string(told.size() - mostItems) + " more";
   return out;
 }
 

@@ -298,8 +298,8 @@ bool Driver::ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& 
   inp_Visitor messages;
   messages.AddWarning(
       {inp_Utils::Format("The mesh is stored without what is faulty: the lines that "
-                         "cannot be read, and %lld elements besides.",
-                         salvage.LeftOut())});
+                         "cannot be read, and %lld element%s besides.",
+                         salvage.LeftOut(), salvage.LeftOut() == 1 ? "" : "s")});
   messages.Report();
   return true;
 }

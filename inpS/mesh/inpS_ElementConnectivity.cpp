@@ -127,6 +127,24 @@ const inpS_ElementBlock::From* inpS_ElementConnectivity::DefinitionOf(long long 
   return next == from.begin() ? nullptr : &*(next - 1);
 }
 
+void inpS_ElementConnectivity::Hold(inpS_ElementBlock& block, const KvoObjLabeler& nodes,
+                                    int occurrence) {
+  if (block.held) return;
+  if (&block == &m_blocks.back()) CloseLast();
+  block.nodes.Resize(static_cast<std::size_t>(block.count * block.width));
+  eds_ArrayReader(block.array).ReadPiece(0, std::span<int>(block.nodes));
+  for (int& node : block.nodes) {
+    if (node < 0) block.ragged = true; // a place without a node, if it is not open
+    node = node < 0 ? 0 : static_cast<int>(nodes.GetInstanceLabel(occurrence, node));
+  }
+  for (const inpS_OpenEntry& open : block.open) // zero is told from the place of no node
+    block.nodes[static_cast<std::size_t>(open.entry)] = open.label == 0 ? -1 : open.label;
+  block.open = {};
+  block.array.Position().Remove();
+  block.array = {};
+  block.held = true;
+}
+
 // ---- once it is read
 
 void inpS_ElementConnectivity::Resolve(const KvoObjLabeler& nodes, int occurrence,

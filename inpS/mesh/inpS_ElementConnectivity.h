@@ -67,10 +67,13 @@ public:
   // Elements of a streamed block: ordinals where known, and the entries that are open.
   void AppendStreamed(std::span<const int> ordinals, std::span<const inpS_OpenEntry> open);
   // Elements of a held block: takes over what the reader read.
-  void AppendHeld(inpS_ElementBlock& block, inpS_ElementTopologyReader& reader, bool ragged);
+  static void AppendHeld(inpS_ElementBlock& block, inpS_ElementTopologyReader& reader, bool ragged);
 
   // Elements of a held block that are made from others.
-  void AppendMade(inpS_ElementBlock& block, const inpS_MadeElements& made);
+  static void AppendMade(inpS_ElementBlock& block, const inpS_MadeElements& made);
+
+  // A streamed block becomes a held one: its elements are to change.
+  void Hold(inpS_ElementBlock& block, const KvoObjLabeler& nodes, int occurrence);
 
   cow_List<inpS_ElementBlock>& Blocks() { return m_blocks; }
   const cow_List<inpS_ElementBlock>& Blocks() const { return m_blocks; }

@@ -34,6 +34,7 @@ void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& sc
     m_messages.AddWarning(inp_Utils::MessageInKeyword(
         keyword, "There are no data lines; no elements are generated."));
   for (long long row = 0; row < keyword.Data().Rows(); ++row) {
+    scope.SettleElements(m_nodes, m_elements, m_messages);
     if (!reader.ReadLine(row)) continue;
     const long long first = m_elements.Size(scope.elementOccurrence);
     Append(keyword, scope, reader.Made());
@@ -41,14 +42,16 @@ void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& sc
     if (!set) continue;
     inpS_SetServices::UnionElementSets(*set, newElements(reader.Master(), 1));
     inpS_SetServices::UnionElementSets(*set, newElements(first, count));
+    AddAgain(*set);
   }
-  Report(keyword, scope);
+  Report(keyword);
 }
 
 void inpS_ElementCopies::Copy(const inp_Keyword& keyword, inpS_MeshScope& scope) {
   const bool reflect = inpS_readFlag(keyword, "reflect", m_messages);
   const std::optional<long long> elementShift = ReadShift(keyword, "elementshift");
   const std::optional<long long> nodeShift = ReadShift(keyword, "shiftnodes");
+  scope.SettleElements(m_nodes, m_elements, m_messages);
   std::vector<int> old;
   // Before the new set, which may hide one of the part that has its name.
   const bool hasOld = FindOldSet(keyword, scope, old);
@@ -62,7 +65,8 @@ void inpS_ElementCopies::Copy(const inp_Keyword& keyword, inpS_MeshScope& scope)
     Append(keyword, scope, reader.Connectivity(run));
   const long long count = m_elements.Size(scope.elementOccurrence) - first;
   if (set) inpS_SetServices::UnionElementSets(*set, newElements(first, count));
-  Report(keyword, scope);
+  if (set) AddAgain(*set);
+  Report(keyword);
 }
 
 // Without it a copy would be made that nobody asked for, so it is required.
@@ -122,7 +126,7 @@ bool inpS_ElementCopies::FindOldSet(const inp_Keyword& keyword, const inpS_MeshS
 void inpS_ElementCopies::Append(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                 const inpS_MadeElements& made) {
   if (!m_salvage) return AppendAll(keyword, scope, made);
-  AppendAll(keyword, scope, m_salvage->SoundOf(made, scope.elementOccurrence, m_elements));
+  AppendAll(keyword, scope, m_salvage->SoundOf(made, scope, m_elements));
 }
 
 void inpS_ElementCopies::AppendAll(const inp_Keyword& keyword, inpS_MeshScope& scope,
@@ -134,19 +138,56 @@ void inpS_ElementCopies::AppendAll(const inp_Keyword& keyword, inpS_MeshScope& s
     m_elements.Reserve(scope.elementOccurrence, first + made.count);
   std::vector<int> labels(
       std::min<std::size_t>(utl_blockSize(kLabels), static_cast<std::size_t>(made.count)));
+  cow_List<inpS_KnownElement> known;
   for (long long at = 0; at < made.count; at += static_cast<long long>(labels.size())) {
     const std::span<int> piece(labels.data(),
                                std::min(labels.size(), static_cast<std::size_t>(made.count - at)));
     made.labels(at, piece);
-    m_faults.Define(scope, piece, m_elements);
+    for (inpS_KnownElement element : m_faults.Define(scope, piece, m_elements)) {
+      element.at += static_cast<std::size_t>(at);
+      known.push_back(element);
+    }
   }
+  if (known.empty()) return AppendFresh(keyword, scope, first, made);
+  std::vector<long long> again, fresh;
+  for (const inpS_KnownElement& element : known) {
+    again.push_back(static_cast<long long>(element.at));
+    if (element.ordinal >= 0) m_again.push_back(element.ordinal);
+  }
+  std::size_t next = 0;
+  for (long long at = 0; at < made.count; ++at) {
+    if (next < again.size() && again[next] == at)
+      ++next;
+    else
+      fresh.push_back(at);
+  }
+  long long before = 0;
+  inpS_ElementBlock& block =
+      scope.redefined.Take(inpS_someOf(made, std::move(again)), keyword, known, before);
+  Complete(block, before, scope);
+  if (!fresh.empty()) AppendFresh(keyword, scope, first, inpS_someOf(made, std::move(fresh)));
+}
+
+void inpS_ElementCopies::AppendFresh(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                     long long first, const inpS_MadeElements& made) {
   inpS_ElementBlock& block = scope.elements.BlockFor(made.kind, first, keyword, scope.owner);
   const long long before = block.count;
   scope.elements.AppendMade(block, made);
+  Complete(block, before, scope);
+}
+
+void inpS_ElementCopies::Complete(inpS_ElementBlock& block, long long before,
+                                  inpS_MeshScope& scope) {
   const inpS_ElementParameters type(m_types, m_typeNames[static_cast<std::size_t>(block.spec)]);
   if (block.offset != 0) inpS_GeneratedNodes::ImplyFourierPlanes(block, before, type, scope);
 }
 
-void inpS_ElementCopies::Report(const inp_Keyword& keyword, const inpS_MeshScope& scope) {
-  m_faults.Report(keyword, inpS_ElementParameters(m_types, ""), scope, m_elements, m_messages);
+// Elements that had their labels already belong to the keyword's set as its new ones do.
+void inpS_ElementCopies::AddAgain(inpS_SetDefinition& set) {
+  for (const int ordinal : m_again) inpS_addRun(set, ordinal, 1);
+  m_again.clear();
+}
+
+void inpS_ElementCopies::Report(const inp_Keyword& keyword) {
+  m_faults.Report(keyword, inpS_ElementParameters(m_types, ""), m_messages);
 }

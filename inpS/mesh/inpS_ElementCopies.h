@@ -31,7 +31,11 @@ private:
                   std::vector<int>& ordinals);
   void Append(const inp_Keyword& keyword, inpS_MeshScope& scope, const inpS_MadeElements& made);
   void AppendAll(const inp_Keyword& keyword, inpS_MeshScope& scope, const inpS_MadeElements& made);
-  void Report(const inp_Keyword& keyword, const inpS_MeshScope& scope);
+  void AppendFresh(const inp_Keyword& keyword, inpS_MeshScope& scope, long long first,
+                   const inpS_MadeElements& made);
+  void Complete(inpS_ElementBlock& block, long long before, inpS_MeshScope& scope);
+  void AddAgain(inpS_SetDefinition& set);
+  void Report(const inp_Keyword& keyword);
 
   const KvoObjLabeler& m_nodes;
   KvoObjLabeler& m_elements;
@@ -42,4 +46,5 @@ private:
   inpS_Salvage* m_salvage; // null: elements with faults are not passed over
   inp_Visitor& m_messages;
   inpS_LabelFaults m_faults;
+  cow_List<int> m_again; // elements that the keyword's set is to hold besides its new ones
 };

@@ -108,13 +108,40 @@ long long inpS_ElementTopologyReader::Keep(const std::function<bool(int label)>&
   }
   const auto leftOut = static_cast<long long>(m_labels.Size() - kept.size());
   if (leftOut == 0) return 0;
-  const auto narrow = static_cast<std::size_t>(std::max(widest, m_type.MinNodesPerElement()));
-  utl_Buffer<int> labels(kept.size()), nodes(kept.size() * std::min(narrow, width));
-  m_width = static_cast<int>(std::min(narrow, width));
+  Select(kept, std::min(std::max(widest, m_type.MinNodesPerElement()), m_width));
+  m_ragged = std::find(m_nodes.begin(), m_nodes.end(), 0) != m_nodes.end();
+  m_topology = m_type.TopologyNodes(m_width);
+  return leftOut;
+}
+
+inpS_ElementTopologyReader
+inpS_ElementTopologyReader::TakeOut(std::span<const std::size_t> places) {
+  inpS_ElementTopologyReader taken(m_type, m_messages);
+  taken.m_width = m_width;
+  taken.m_topology = m_topology;
+  taken.m_ragged = m_ragged;
+  taken.m_labels = m_labels.Copy();
+  taken.m_nodes = m_nodes.Copy();
+  taken.m_scopedNodes = m_scopedNodes;
+  taken.Select({places.begin(), places.end()}, m_width);
+  cow_List<std::size_t> left;
+  for (std::size_t n = 0, next = 0; n < m_labels.Size(); ++n) {
+    if (next < places.size() && places[next] == n)
+      ++next;
+    else
+      left.push_back(n);
+  }
+  Select(left, m_width);
+  return taken;
+}
+
+void inpS_ElementTopologyReader::Select(const cow_List<std::size_t>& kept, int width) {
+  const auto old = static_cast<std::size_t>(m_width);
+  const auto narrow = static_cast<std::size_t>(width);
+  utl_Buffer<int> labels(kept.size()), nodes(kept.size() * narrow);
   for (std::size_t i = 0; i < kept.size(); ++i) {
     labels[i] = m_labels[kept[i]];
-    std::copy_n(m_nodes.Data() + kept[i] * width, m_width,
-                nodes.Data() + i * static_cast<std::size_t>(m_width));
+    std::copy_n(m_nodes.Data() + kept[i] * old, width, nodes.Data() + i * narrow);
   }
   cow_List<inpS_ScopedNode> scoped;
   for (inpS_ScopedNode node : m_scopedNodes) {
@@ -127,9 +154,7 @@ long long inpS_ElementTopologyReader::Keep(const std::function<bool(int label)>&
   m_labels = std::move(labels);
   m_nodes = std::move(nodes);
   m_scopedNodes = std::move(scoped);
-  m_ragged = std::find(m_nodes.begin(), m_nodes.end(), 0) != m_nodes.end();
-  m_topology = m_type.TopologyNodes(m_width);
-  return leftOut;
+  m_width = width;
 }
 
 bool inpS_ElementTopologyReader::HasReferenceNodes() const {

@@ -22,6 +22,9 @@ public:
   // Returns how many that are.
   long long Keep(const std::function<bool(int label)>& isKept);
 
+  // Takes out the elements at these places, ascending: what they are is handed over.
+  inpS_ElementTopologyReader TakeOut(std::span<const std::size_t> places);
+
   long long Count() const { return static_cast<long long>(m_labels.Size()); }
   int Width() const { return m_width; }      // nodes per element; 0 where an element has fewer
   bool IsRagged() const { return m_ragged; } // some elements have fewer nodes than Width()
@@ -41,6 +44,8 @@ public:
 private:
   void TakeRegular(inp_ElementRows& rows);
   void Rebuild(const inp_Keyword& keyword, const inp_ElementRows& rows, bool scopedNodes);
+  // Keeps the elements at these places with so many of their nodes.
+  void Select(const cow_List<std::size_t>& kept, int width);
   void MarkZeros(int* nodes, int count) const;
   void Add(int label, const int* nodes, int count);
 

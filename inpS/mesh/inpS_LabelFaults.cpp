@@ -3,15 +3,12 @@
 #include "database/KvoObjLabeler.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElementSearch.h"
+#include "inpS/mesh/inpS_MeshScope.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 
 namespace {
-
-// Reading the lines of a long keyword again for each of thousands of short ones that repeat its
-// elements would take hours: behind so many lines the keyword's own place has to do.
-constexpr long long kLinesToSearch = 1000;
 
 wip_Message messageAt(const inp_Keyword& keyword, const inpS_ElementSearch::Place& place,
                       cow_String text) {
@@ -20,12 +17,17 @@ wip_Message messageAt(const inp_Keyword& keyword, const inpS_ElementSearch::Plac
 
 } // namespace
 
-// An element label may be defined once: unlike a node, which is only moved, a second element would
-// silently take the first one's nodes away.
-void inpS_LabelFaults::Define(const inpS_MeshScope& scope, std::span<const int> labels,
-                              KvoObjLabeler& elements) {
+long long inpS_firstOwnElement(const inpS_MeshScope& scope, const KvoObjLabeler& elements) {
+  if (scope.isStored || !scope.part) return scope.storedElements;
+  return elements.Size(scope.part->elementOccurrence);
+}
+
+cow_List<inpS_KnownElement> inpS_LabelFaults::Define(const inpS_MeshScope& scope,
+                                                     std::span<const int> labels,
+                                                     KvoObjLabeler& elements) {
   constexpr std::size_t kBlock = 1 << 14;
   int ordinals[kBlock];
+  cow_List<inpS_KnownElement> known;
   const std::size_t most = utl_blockSize(kBlock);
   for (std::size_t begin = 0; begin < labels.size(); begin += most) {
     const std::span<const int> block = labels.subspan(begin, std::min(most, labels.size() - begin));
@@ -35,22 +37,21 @@ void inpS_LabelFaults::Define(const inpS_MeshScope& scope, std::span<const int> 
     for (const int label : block)
       if (label <= 0) m_notPositive.push_back(label);
     if (fresh == block.size()) continue;
+    const long long own = inpS_firstOwnElement(scope, elements);
     for (std::size_t n = 0; n < block.size(); ++n) {
-      if (ordinals[n] == next)
+      if (ordinals[n] == next) {
         ++next;
-      else
-        AddRepeated(block[n], ordinals[n]);
+        continue;
+      }
+      const bool isOwn = ordinals[n] >= own;
+      if (!isOwn) m_notOwn.push_back(block[n]);
+      known.push_back({begin + n, isOwn ? ordinals[n] : -1});
     }
   }
-}
-
-void inpS_LabelFaults::AddRepeated(int label, int ordinal) {
-  if (m_repeated.empty()) m_firstDefinition = ordinal;
-  m_repeated.push_back(label);
+  return known;
 }
 
 void inpS_LabelFaults::Report(const inp_Keyword& keyword, const inpS_ElementParameters& type,
-                              const inpS_MeshScope& scope, const KvoObjLabeler& elements,
                               inp_Visitor& messages) {
   const inpS_ElementSearch search(keyword, type.Form());
   if (std::erase(m_notPositive, 0) > 0)
@@ -62,29 +63,10 @@ void inpS_LabelFaults::Report(const inp_Keyword& keyword, const inpS_ElementPara
     messages.AddError(messageAt(
         keyword, search.OfLabel(m_notPositive.front()),
         inp_Utils::MessageWithItems("Element labels must be positive integers: ", m_notPositive)));
-  if (!m_repeated.empty()) ReportRepeated(keyword, type.Form(), scope, elements, messages);
-}
-
-void inpS_LabelFaults::ReportRepeated(const inp_Keyword& keyword, const inp_ElementForm& form,
-                                      const inpS_MeshScope& scope, const KvoObjLabeler& elements,
-                                      inp_Visitor& messages) const {
-  const bool ofPart =
-      scope.part && m_firstDefinition < elements.Size(scope.part->elementOccurrence);
-  const inpS_ElementBlock::From* from =
-      (ofPart ? scope.part : &scope)->elements.DefinitionOf(m_firstDefinition);
-  const bool isHere = from && from->keyword.Body() == keyword.Body();
-  const int label = m_repeated.front();
-  wip_Message message = messageAt(
-      keyword, inpS_ElementSearch(keyword, form).OfLabel(label, isHere ? 2 : 1),
-      inp_Utils::MessageWithItems(
-          "Elements are defined more than once; only the first definition counts: ", m_repeated));
-  if (from) {
-    inpS_ElementSearch::Place place;
-    if (isHere || from->keyword.Data().Rows() <= kLinesToSearch)
-      place = inpS_ElementSearch(from->keyword, from->form).OfLabel(label);
-    message.notes.push_back(
-        {"first defined here",
-         inp_Utils::MessageAtField(from->keyword, place.row, place.col, {}).place});
-  }
-  messages.AddError(std::move(message));
+  if (!m_notOwn.empty())
+    messages.AddError(messageAt(
+        keyword, search.OfLabel(m_notOwn.front()),
+        inp_Utils::MessageWithItems("These elements are not this deck section's own and cannot be "
+                                    "defined again here: ",
+                                    m_notOwn)));
 }

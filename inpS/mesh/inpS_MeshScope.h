@@ -6,6 +6,7 @@
 #include "inpS/framework/inpS_System.h"
 #include "inpS/mesh/inpS_ElementConnectivity.h"
 #include "inpS/mesh/inpS_NodeList.h"
+#include "inpS/mesh/inpS_RedefinedElements.h"
 #include "inpS/sets/inpS_SetDefinition.h"
 #include "inpS/sets/inpS_TextElements.h"
 #include "parser/inp_Keyword.h"
@@ -38,6 +39,7 @@ struct inpS_MeshScope {
   int elementOccurrence = -1;
   inpS_NodeList nodes;
   inpS_ElementConnectivity elements;
+  inpS_RedefinedElements redefined;
   inpS_SetTable sets;
   utl_Buffer<ImpliedNode> impliedNodes;
   long long generatedFrom = -1; // ordinal from which nodes were generated, not given; -1: none
@@ -53,6 +55,12 @@ struct inpS_MeshScope {
   eds_ArrayID normalOrdinals; // once they are stored: what instances share
   eds_ArrayID normals;
   cow_List<KvoMeshElementBlock> stored;
+
+  // Elements defined again take their places: before somebody looks at them, and at the end.
+  void SettleElements(const KvoObjLabeler& nodeLabels, const KvoObjLabeler& labels,
+                      inp_Visitor& messages) {
+    redefined.Settle(elements, nodeLabels, nodeOccurrence, labels, elementOccurrence, messages);
+  }
 };
 
 // All owners of a deck's mesh: the root first, then parts and instances in deck order. In the flat

@@ -41,6 +41,12 @@ bool isOriginAlone(const inp_DataArray& data) {
   return isOrigin;
 }
 
+// Of elements that are the owner's own.
+void addOrdinals(const cow_List<inpS_KnownElement>& known, cow_List<int>& ordinals) {
+  for (const inpS_KnownElement& element : known)
+    if (element.ordinal >= 0) ordinals.push_back(element.ordinal);
+}
+
 } // namespace
 
 inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -299,6 +305,7 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
   m_hasGenerated = true;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
+  if (m_copyScopes.Holds(scope)) scope.SettleElements(m_nodes, m_elements, *this);
   inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements);
   cow_List<int> refused;
   inpS_NodeGeneration generation(known, scope, m_setReader, IsInSpace(), *this,
@@ -395,6 +402,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   const long long first = m_elements.Size(scope.elementOccurrence);
   m_elements.Reserve(scope.elementOccurrence, first + keyword.Data().Rows());
   inpS_LabelFaults faults;
+  cow_List<int> again; // ordinals of elements that it defines again
   // Without any node to refer to, or with nodes named by instance, nothing can be translated yet;
   // where others will be made from these elements, they are to stay at hand as the deck has them.
   const bool mayStream = m_nodes.Size(scope.nodeOccurrence) > 0 &&
@@ -405,15 +413,16 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   kind.held = true;
   kind.held = !mayStream || scope.elements.Continues(kind);
   if (!kind.held)
-    StreamElements(keyword, scope, parameters, kind, faults);
+    StreamElements(keyword, scope, parameters, kind, faults, again);
   else
-    HoldElements(keyword, scope, parameters, kind, faults);
-  faults.Report(keyword, parameters, scope, m_elements, *this);
+    HoldElements(keyword, scope, parameters, kind, faults, again);
+  faults.Report(keyword, parameters, *this);
   const long long count = m_elements.Size(scope.elementOccurrence) - first;
   if (!elset) return;
   inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString());
   inpS_beginRuns(set, keyword);
   if (count > 0) inpS_addRun(set, first, count);
+  for (const int ordinal : again) inpS_addRun(set, ordinal, 1);
 }
 
 inpS_ElementCopies inpS_MeshVisitor::Copies() {
@@ -438,21 +447,31 @@ void inpS_MeshVisitor::VisitElcopy(const inp_Keyword& keyword) {
 void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                       const inpS_ElementParameters& parameters,
                                       const inpS_ElementConnectivity::Kind& kind,
-                                      inpS_LabelFaults& faults) {
+                                      inpS_LabelFaults& faults, cow_List<int>& again) {
   inpS_ElementStream stream(parameters, *this);
-  bool begun = false;
+  const inpS_ElementBlock* block = nullptr;
+  const auto append = [&](long long first, std::span<const int> ordinals,
+                          std::span<const inpS_OpenEntry> open) {
+    if (!block) block = &scope.elements.BlockFor(kind, first, keyword, scope.owner);
+    scope.elements.AppendStreamed(ordinals, open);
+  };
   stream.Read(keyword, m_nodes, scope.nodeOccurrence, [&](const inpS_ElementStream::Piece& piece) {
-    if (!begun)
-      scope.elements.BlockFor(kind, m_elements.Size(scope.elementOccurrence), keyword, scope.owner);
-    begun = true;
-    faults.Define(scope, piece.labels, m_elements);
-    scope.elements.AppendStreamed(piece.ordinals, piece.open);
+    const long long first = m_elements.Size(scope.elementOccurrence);
+    const cow_List<inpS_KnownElement> known = faults.Define(scope, piece.labels, m_elements);
+    if (known.empty()) return append(first, piece.ordinals, piece.open);
+    addOrdinals(known, again);
+    cow_List<int> fresh;
+    cow_List<inpS_OpenEntry> open;
+    scope.redefined.Take(kind, keyword, piece.ordinals, piece.open, known, m_nodes,
+                         scope.nodeOccurrence, fresh, open);
+    if (!fresh.empty()) append(first, fresh, open);
   });
 }
 
 void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                     const inpS_ElementParameters& parameters,
-                                    inpS_ElementConnectivity::Kind kind, inpS_LabelFaults& faults) {
+                                    inpS_ElementConnectivity::Kind kind, inpS_LabelFaults& faults,
+                                    cow_List<int>& again) {
   inpS_ElementTopologyReader reader(parameters, *this);
   reader.Read(keyword, scope.kind == inpS_MeshScope::Kind::Root);
   if (m_salvage) LeaveOutFaulty(scope, reader);
@@ -474,20 +493,25 @@ void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& 
   kind.width = reader.Width();
   kind.held = true;
   const long long first = m_elements.Size(scope.elementOccurrence);
-  faults.Define(scope, reader.Labels(), m_elements);
+  const cow_List<inpS_KnownElement> known = faults.Define(scope, reader.Labels(), m_elements);
+  const bool ragged = reader.IsRagged() || parameters.IsConnectorElement();
+  if (!known.empty()) {
+    addOrdinals(known, again);
+    cow_List<std::size_t> places;
+    for (const inpS_KnownElement& element : known) places.push_back(element.at);
+    scope.redefined.Take(kind, keyword, reader.TakeOut(places), ragged, known);
+    if (reader.Count() == 0) return;
+  }
   inpS_ElementBlock& block = scope.elements.BlockFor(kind, first, keyword, scope.owner);
-  scope.elements.AppendHeld(block, reader, reader.IsRagged() || parameters.IsConnectorElement());
+  scope.elements.AppendHeld(block, reader, ragged);
 }
 
 // ---- a mesh with faults
 
 void inpS_MeshVisitor::LeaveOutFaulty(const inpS_MeshScope& scope,
                                       inpS_ElementTopologyReader& reader) {
-  std::set<int> seen; // the first definition of a label counts
-  long long leftOut = reader.Keep([&](int label) {
-    return m_salvage->IsSound(scope.elementOccurrence, label, m_elements) &&
-           seen.insert(label).second;
-  });
+  long long leftOut =
+      reader.Keep([&](int label) { return m_salvage->IsSound(scope, label, m_elements); });
   for (; leftOut > 0; --leftOut) m_salvage->PassOver();
 }
 
@@ -531,9 +555,17 @@ cow_List<cow_String> inpS_MeshVisitor::TypeNames() const {
   return names;
 }
 
+void inpS_MeshVisitor::FinishScope(inpS_MeshScope& scope) {
+  scope.nodes.Finish();
+  scope.nodes.TellRedefined(m_nodes, scope.nodeOccurrence, *this);
+  scope.SettleElements(m_nodes, m_elements, *this);
+}
+
 // New labels must not meet those of the nodes that instances add to their part's.
 void inpS_MeshVisitor::CompleteParts(inp_KeywordListRef keywords) {
   const cow_List<cow_String> types = TypeNames();
+  for (inpS_MeshScope& scope : m_scopes.All())
+    if (scope.kind == inpS_MeshScope::Kind::Part) FinishScope(scope);
   const auto takesLabels = [&](const inpS_MeshScope& scope) {
     return inpS_GeneratedNodes::TakesNewLabels(scope, types);
   };
@@ -549,8 +581,6 @@ void inpS_MeshVisitor::CompleteParts(inp_KeywordListRef keywords) {
   }
   for (inpS_MeshScope& scope : m_scopes.All()) {
     if (scope.kind != inpS_MeshScope::Kind::Part) continue;
-    scope.nodes.Finish();
-    scope.nodes.TellRedefined(m_nodes, scope.nodeOccurrence, *this);
     inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
   }
 }
@@ -581,8 +611,7 @@ void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
   m_asText.AddSets();
   const cow_List<cow_String> types = TypeNames();
   const auto complete = [&](inpS_MeshScope& scope) {
-    scope.nodes.Finish();
-    scope.nodes.TellRedefined(m_nodes, scope.nodeOccurrence, *this);
+    FinishScope(scope);
     inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
   };
   for (inpS_MeshScope& scope : m_scopes.All())

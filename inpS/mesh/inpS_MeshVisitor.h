@@ -98,14 +98,16 @@ private:
   inpS_ElementCopies Copies();
   void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                       const inpS_ElementParameters& parameters,
-                      const inpS_ElementConnectivity::Kind& kind, inpS_LabelFaults& faults);
+                      const inpS_ElementConnectivity::Kind& kind, inpS_LabelFaults& faults,
+                      cow_List<int>& again);
   void HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
                     const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
-                    inpS_LabelFaults& faults);
+                    inpS_LabelFaults& faults, cow_List<int>& again);
   cow_List<cow_String> TypeNames() const;
   void LeaveOutFaulty(const inpS_MeshScope& scope, inpS_ElementTopologyReader& reader);
   void NoteFaulty(const inpS_MeshScope& scope, const cow_List<int>& labels);
   void NoteFaulty();
+  void FinishScope(inpS_MeshScope& scope);
   void CompleteParts(inp_KeywordListRef keywords);
   void Finish(inp_KeywordListRef keywords);
   bool FitsOrdinals(inp_KeywordListRef keywords);

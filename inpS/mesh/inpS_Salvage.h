@@ -5,6 +5,7 @@
 #include <utility>
 
 class KvoObjLabeler;
+struct inpS_MeshScope;
 
 // What is sound of a mesh with faults: the deck is read once more, and each element that has a
 // fault is passed over. Elements whose nodes do not exist are known only when all is read, and go
@@ -19,8 +20,8 @@ public:
   // Of elements of one owner, by the occurrence and labeler of it.
   void Note(int occurrence, int label); // has a fault
   void PassOver() { ++m_passedOver; }
-  bool IsSound(int occurrence, int label, const KvoObjLabeler& elements) const;
-  inpS_MadeElements SoundOf(const inpS_MadeElements& made, int occurrence,
+  bool IsSound(const inpS_MeshScope& scope, int label, const KvoObjLabeler& elements) const;
+  inpS_MadeElements SoundOf(const inpS_MadeElements& made, const inpS_MeshScope& scope,
                             const KvoObjLabeler& elements);
 
 private:

@@ -81,4 +81,14 @@ TEST(MessageView, DecksDoNotSteerTheTerminal) {
   EXPECT_NE(text.find("\nsecond line\n"), cow_String::npos);
 }
 
+TEST(MessageView, FoldsLists) {
+  const auto text = [](const char* whole) {
+    const cow_String out = shown(wip_Message(whole));
+    return out.substr(out.find("error: ") + 7);
+  };
+  EXPECT_EQ(text("few: 1, 2, 3, 4, 5, 6, 7, 8, 9, 10"), "few: 1, 2, 3, 4, 5, 6, 7, 8, 9, 10\n");
+  EXPECT_EQ(text("of 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12 is one; a, b"),
+            "of 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 … and 2 more is one; a, b\n");
+}
+
 } // namespace

@@ -87,7 +87,7 @@ TEST(Utils, ListsItems) {
   EXPECT_EQ(inp_Utils::MessageWithItems("none", cow_List<int>{}), "none");
   EXPECT_EQ(inp_Utils::MessageWithItems("x", cow_List<int>(1234, 8)), "x 8");
   EXPECT_EQ(inp_Utils::MessageWithItems("x", {9, 8, 9, 7, 6, 5, 4, 3, 2, 1, 0, 9, 11, 8}),
-            "x 9, 8, 7, 6, 5, 4, 3, 2, 1, 0 … and 1 more");
+            "x 9, 8, 7, 6, 5, 4, 3, 2, 1, 0, 11");
 }
 
 TEST(Utils, PlacesMessages) {
