@@ -55,31 +55,16 @@ constexpr eds_Referable referables[] = {
 
 // ---- the text of a row
 
-// The words of a text, blanks within braces and brackets not counting.
-cow_List<std::string_view> wordsOf(std::string_view text) {
-  cow_List<std::string_view> words;
-  std::size_t begin = 0;
-  int depth = 0;
-  for (std::size_t n = 0; n <= text.size(); ++n) {
-    const char c = n < text.size() ? text[n] : ' ';
-    depth += (c == '{' || c == '[') - (c == '}' || c == ']');
-    if (c != ' ' || depth > 0) continue;
-    if (n > begin) words.push_back(text.substr(begin, n - begin));
-    begin = n + 1;
-  }
-  return words;
-}
-
-// Pieces between bars, those within braces not counting.
-cow_List<std::string_view> piecesOf(std::string_view text) {
+// What stands between separators, those within braces and brackets not counting.
+cow_List<std::string_view> piecesOf(std::string_view text, char separator) {
   cow_List<std::string_view> pieces;
   std::size_t begin = 0;
   int depth = 0;
   for (std::size_t n = 0; n <= text.size(); ++n) {
-    const char c = n < text.size() ? text[n] : '|';
-    depth += (c == '{') - (c == '}');
-    if (c != '|' || depth > 0) continue;
-    pieces.push_back(text.substr(begin, n - begin));
+    const char c = n < text.size() ? text[n] : separator;
+    depth += (c == '{' || c == '[') - (c == '}' || c == ']');
+    if (c != separator || depth > 0) continue;
+    if (n > begin) pieces.push_back(text.substr(begin, n - begin));
     begin = n + 1;
   }
   return pieces;
@@ -89,7 +74,7 @@ eds_FormItem::Alternative alternativeOf(std::string_view type) {
   eds_FormItem::Alternative alternative;
   if (type.starts_with('{')) {
     alternative.type = eds_FormType::Choice;
-    for (const std::string_view word : piecesOf(type.substr(1, type.size() - 2)))
+    for (const std::string_view word : piecesOf(type.substr(1, type.size() - 2), '|'))
       alternative.words.emplace_back(word);
     return alternative;
   }
@@ -117,14 +102,14 @@ eds_FormItem itemOf(std::string_view text) {
   const std::size_t colon = text.find(':');
   item.name = text.substr(0, colon);
   const std::string_view types = colon == text.npos ? text : text.substr(colon + 1);
-  for (const std::string_view type : piecesOf(types))
+  for (const std::string_view type : piecesOf(types, '|'))
     item.alternatives.push_back(alternativeOf(type));
   return item;
 }
 
 cow_List<eds_FormItem> itemsOf(std::string_view text) {
   cow_List<eds_FormItem> items;
-  for (const std::string_view word : wordsOf(text)) items.push_back(itemOf(word));
+  for (const std::string_view word : piecesOf(text, ' ')) items.push_back(itemOf(word));
   return items;
 }
 
@@ -143,7 +128,7 @@ void readData(std::string_view text, eds_FormInfo& form) {
     form.record = kindNamed(text.substr(2, text.size() - 3));
   } else {
     form.data = eds_FormData::Lines;
-    for (const std::string_view line : wordsOf(text))
+    for (const std::string_view line : piecesOf(text, ' '))
       form.lines.push_back(itemsOf(line.substr(1, line.size() - 2)));
   }
 }
