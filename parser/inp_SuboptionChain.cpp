@@ -15,29 +15,74 @@ bool standsAlone(const inp_KeywordRow& row, const inp_KeywordBody& keyword) {
   return row.levels != inp_LevelsSub && hasElset(keyword);
 }
 
+bool isContainer(inp_KeywordEnm kind) {
+  return kind == inp_KwMaterial || kind == inp_KwGasketBehavior;
+}
+
+bool isInStep(const inp_Keyword& keyword) {
+  return keyword.Scope().kind == inp_Scope::Kind::Step;
+}
+
+bool admits(const inp_Keyword& open, const inp_Keyword& keyword) {
+  return inp_KeywordTable::Instance().IsSuboptionOf(keyword.Kind(), open.Kind());
+}
+
+bool anyAdmits(const inp_KeywordList& chain, const inp_Keyword& keyword) {
+  return std::ranges::any_of(chain, [&](const inp_Keyword& open) { return admits(open, keyword); });
+}
+
+// One without a name opens nothing.
+bool isNameless(const inp_Keyword& keyword) {
+  return isContainer(keyword.Kind()) && keyword.StringOf("name", "").empty();
+}
+
 } // namespace
 
-void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
-  const inp_KeywordTable& table = inp_KeywordTable::Instance();
-  const inp_KeywordRow* row = table.Row(keyword.Kind());
-  // A misspelt sub-option must not tear those behind it from their keyword.
-  if (!row) return;
-  for (inp_KeywordList* chain : {&m_open, &m_apart})
-    if (!chain->empty() && chain->back().ScopePtr() != keyword.ScopePtr()) chain->clear();
-  if (row->parents.empty() || standsAlone(*row, *keyword.Body())) {
-    m_open.clear();
-    m_apart.clear();
+// A step, which is kept as text, keeps its own; the model's materials know nothing of them.
+void inp_SuboptionChain::CloseOpen() {
+  if (!m_open.empty() && isContainer(m_open.front().Kind()) && !isInStep(m_open.front())) {
+    const inp_KeywordEnm kind = m_open.front().Kind();
+    std::erase_if(m_held, [&](const auto& held) { return held.front().Kind() == kind; });
+    m_held.insert(m_held.begin(), std::move(m_open));
   }
-  const auto admits = [&](const inp_Keyword& open) {
-    return table.IsSuboptionOf(keyword.Kind(), open.Kind());
-  };
-  // Nor must one in a wrong place, which may have sub-options of its own: a behavior of the
-  // material that is open behind keywords of other subjects.
-  const bool isApart =
-      row->levels == inp_LevelsSub && !m_open.empty() && std::ranges::none_of(m_open, admits);
-  inp_KeywordList& chain = isApart ? m_apart : m_open;
-  if (!isApart) m_apart.clear();
-  const auto parent = std::find_if(chain.rbegin(), chain.rend(), admits);
+  m_open.clear();
+  m_apart.clear();
+  m_isResumed = false;
+}
+
+inp_KeywordList& inp_SuboptionChain::ChainFor(const inp_Keyword& keyword) {
+  // One in a wrong place, which may have sub-options of its own, must not tear those behind it from
+  // their keyword either.
+  const bool isSub = inp_KeywordTable::Instance().Row(keyword.Kind())->levels == inp_LevelsSub;
+  if (anyAdmits(m_open, keyword)) return m_open;
+  if (!isSub) {
+    CloseOpen();
+    return m_open;
+  }
+  if (anyAdmits(m_apart, keyword)) return m_apart;
+  if (m_isResumed && anyAdmits(m_held.front(), keyword)) return m_held.front();
+  if (const auto held = std::ranges::find_if(
+          m_held, [&](const auto& chain) { return admits(chain.front(), keyword); });
+      held != m_held.end() && !isInStep(keyword)) {
+    std::rotate(m_held.begin(), held, std::next(held));
+    m_isResumed = true;
+    return m_held.front();
+  }
+  return m_open.empty() ? m_open : m_apart;
+}
+
+void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
+  // A misspelt sub-option must not tear those behind it from their keyword.
+  if (!row || isNameless(keyword)) return;
+  if (!m_open.empty() && m_open.back().ScopePtr() != keyword.ScopePtr()) CloseOpen();
+  if (m_isResumed && m_held.front().back().ScopePtr() != keyword.ScopePtr()) m_isResumed = false;
+  if (!m_apart.empty() && m_apart.back().ScopePtr() != keyword.ScopePtr()) m_apart.clear();
+  if (row->parents.empty() || standsAlone(*row, *keyword.Body())) CloseOpen();
+  inp_KeywordList& chain = ChainFor(keyword);
+  if (&chain != &m_apart) m_apart.clear();
+  const auto parent = std::find_if(chain.rbegin(), chain.rend(),
+                                   [&](const inp_Keyword& open) { return admits(open, keyword); });
   chain.erase(parent.base(), chain.end());
   if (!chain.empty()) {
     inp_KeywordBody& owner = *chain.back().Body();

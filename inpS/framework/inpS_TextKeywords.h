@@ -10,6 +10,10 @@ struct inpS_TextPlace {
   KvoSimPosition owner;   // null: what its scope belongs to
   KvoSimPosition behind;  // of what the owner holds; the owner itself: before all; null: behind all
   bool isLeftOut = false; // its owner has been replaced: it is not kept
+  // Why it is kept: "has no data lines"; or that is told, and nobody needs to say it again. With
+  // neither the first keyword of its name speaks for all.
+  cow_String reason{};
+  bool isTold = false;
 };
 
 // Keywords of converted kinds that their phase left to be kept as text.

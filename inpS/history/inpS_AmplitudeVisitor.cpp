@@ -408,7 +408,7 @@ void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
 void inpS_AmplitudeVisitor::Ignore(const inp_Keyword& keyword) {
   keyword.ReferAll();
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
-    m_text.try_emplace(suboption.Body().get());
+    m_text[suboption.Body().get()].isTold = true;
     TellOfStray(suboption, "the one before it has no name");
   }
 }

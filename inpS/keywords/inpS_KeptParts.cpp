@@ -1,5 +1,6 @@
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_ParameterBinding.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -38,13 +39,28 @@ KvoSimPosition inpS_keepPart(const KvoSimPosition& owner, const inpS_KeptPart& p
   return kept;
 }
 
+cow_String inpS_spelledName(const inp_Parameter& parameter) {
+  const std::string_view text(parameter.at, parameter.at ? parameter.width : 0);
+  std::string_view spelled = text.substr(0, text.find('='));
+  while (!spelled.empty() && (spelled.back() == ' ' || spelled.back() == '\t'))
+    spelled.remove_suffix(1);
+  // A name that a deck parameter gave, or a shortened one, stands otherwise in the text; and one
+  // that goes on over a line is put on one.
+  const bool isName = inpS_bareWord(spelled) == inpS_bareWord(parameter.name) &&
+                      spelled.find('\n') == std::string_view::npos;
+  if (isName) return cow_String(spelled);
+  cow_String name;
+  for (const char c : parameter.name)
+    name += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return name;
+}
+
 cow_String inpS_takeOtherParameters(const inp_Keyword& keyword) {
   cow_String others;
   for (const inp_Parameter& parameter : keyword.Parameters()) {
     if (parameter.referred) continue;
     parameter.referred = true;
-    for (const char c : ", " + parameter.name)
-      others += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    others += ", " + inpS_spelledName(parameter);
     if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
   }
   return others;

@@ -6,6 +6,7 @@
 
 class inp_Keyword;
 class inp_Visitor;
+struct inp_Parameter;
 
 // What a record cannot hold of the keyword it was made from: parameters that it has no field for,
 // or whose values no field takes, and data lines with values that are left over. They are kept as
@@ -31,6 +32,9 @@ private:
 };
 
 KvoSimPosition inpS_keepPart(const KvoSimPosition& owner, const inpS_KeptPart& part);
+
+// The parameter's name as the deck spells it.
+cow_String inpS_spelledName(const inp_Parameter& parameter);
 
 // ", NAME=VALUE" for each parameter that nothing asked for, or whose value nothing took; from now
 // on they count as read.

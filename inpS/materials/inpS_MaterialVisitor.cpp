@@ -62,6 +62,21 @@ bool namesDistribution(const inp_Keyword& keyword) {
          data.FieldText(0, 0).find_first_of("0123456789+-.") != 0;
 }
 
+// Why a keyword is not converted where nothing is wrong enough for a message of its own; empty for
+// any other.
+cow_String untoldReason(const inp_Keyword& keyword) {
+  if (inpS_hasUnknownWord(keyword)) return {};
+  if (keyword.Kind() == inp_KwNoCompression || keyword.Kind() == inp_KwNoTension)
+    return "stands under no *ELASTIC that is converted";
+  for (const inp_Parameter& parameter : keyword.Parameters())
+    if (parameter.value.IsFlag() &&
+        !inp_KeywordTable::Instance().WordsOf(keyword.Kind(), parameter.name).empty())
+      return "has \"" + inpS_spelledName(parameter) + "\" without a value";
+  if (namesDistribution(keyword)) return "takes its values from a distribution";
+  if (!hasData(keyword)) return "has no data lines";
+  return {};
+}
+
 // "*PLASTIC, *CREEP or *VISCOUS": the keywords that it may be a sub-option of.
 cow_String namesOf(std::span<const inp_KeywordEnm> keywords) {
   cow_String names;
@@ -145,14 +160,14 @@ void inpS_MaterialVisitor::TellOfData(const inp_Keyword& keyword) {
 void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
   const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
   if (opened.IsNull()) return;
-  m_owner = m_material = m_latest = opened;
+  m_owner = m_material = opened;
 }
 
 void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
   const KvoSimPosition opened =
       OpenNamed(keyword, eds_RecordKind::GasketBehavior, eds_Member::GasketBehaviors);
   if (opened.IsNull()) return;
-  m_owner = m_gasket = m_latest = opened;
+  m_owner = m_gasket = opened;
 }
 
 // There is one set of constants; each parameter given again takes the place of the former.
@@ -191,38 +206,35 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
     if (!m_open.IsNull()) KeepAsText(keyword, m_open);
     return;
   }
-  if (!keyword.IsSuboption()) m_open = {};
-  if (!table.Knows(kind) && kind != inp_KwNoCompression && kind != inp_KwNoTension) {
+  const bool isOurs = table.Knows(kind) || kind == inp_KwNoCompression || kind == inp_KwNoTension;
+  if (keyword.ParentKind() == inp_NullKeyword) {
+    const bool isMisplaced = inp_KeywordTable::Instance().Row(kind)->levels == inp_LevelsSub;
+    if (isMisplaced && (isOurs || !m_open.IsNull())) { // within a material it stays there
+      if (isOurs) TellOfStray(keyword);
+      return KeepAsText(keyword, m_open, isOurs);
+    }
+    m_open = {};
+  }
+  if (!isOurs) {
     inpS_Visitor::Visit(keyword);
     if (kind == inp_KwMaterial || kind == inp_KwGasketBehavior) m_open = m_owner;
     return;
   }
   switch (keyword.ParentKind()) {
   case inp_KwMaterial:
-    m_owner = m_material;
+    m_open = m_owner = m_material;
     break;
   case inp_KwGasketBehavior:
-    m_owner = m_gasket;
-    break;
-  case inp_NullKeyword: // behind a keyword of another subject, or before any material
-    m_open = m_owner = StillOpenFor(kind);
+    m_open = m_owner = m_gasket;
     break;
   default: // dealt with where its own parent is converted, or kept with it
     if (!table.Knows(keyword.ParentKind())) KeepAsText(keyword, {});
     return;
   }
   if (m_owner.IsNull()) TellOfStray(keyword);
-  if (m_owner.IsNull() || !table.Knows(kind)) return KeepAsText(keyword, m_owner);
+  if (m_owner.IsNull()) return KeepAsText(keyword, m_owner, true);
+  if (!table.Knows(kind)) return KeepUnconverted(keyword, m_owner);
   inpS_Visitor::Visit(keyword);
-}
-
-// A material stays open until the next one.
-KvoSimPosition inpS_MaterialVisitor::StillOpenFor(inp_KeywordEnm kind) const {
-  const inp_KeywordTable& table = inp_KeywordTable::Instance();
-  const bool ofMaterials = table.IsSuboptionOf(kind, inp_KwMaterial);
-  const bool ofGaskets = table.IsSuboptionOf(kind, inp_KwGasketBehavior);
-  if (ofMaterials && ofGaskets) return m_latest;
-  return ofMaterials ? m_material : ofGaskets ? m_gasket : KvoSimPosition();
 }
 
 void inpS_MaterialVisitor::TellOfStray(const inp_Keyword& keyword) {
@@ -239,14 +251,28 @@ void inpS_MaterialVisitor::TellOfStray(const inp_Keyword& keyword) {
 
 // With all its sub-options: none of them can be converted without it. It stands behind what the
 // owner holds by now, but for potentials, which are written under the keyword they were given with.
-void inpS_MaterialVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner) {
+void inpS_MaterialVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                                      bool isTold, cow_String reason) {
   keyword.ReferAll();
   KvoSimPosition behind = owner;
   if (!owner.IsNull())
     for (const KvoSimPosition& present : owner.GetVector(memberOf(owner)))
       if (!present.IsA(eds_RecordKind::Potential)) behind = present;
-  m_text.try_emplace(keyword.Body().get(), inpS_TextPlace{owner, behind});
+  m_text.try_emplace(keyword.Body().get(),
+                     inpS_TextPlace{owner, behind, false, std::move(reason), isTold});
   for (const inp_Keyword& suboption : keyword.Suboptions()) KeepAsText(suboption, owner);
+}
+
+// What has been tried: where no message has said so, why it could not be converted.
+void inpS_MaterialVisitor::KeepUnconverted(const inp_Keyword& keyword,
+                                           const KvoSimPosition& owner) {
+  cow_String reason = untoldReason(keyword);
+  // What was said then says nothing of the text.
+  const bool isUntold =
+      inpS_hasUnknownWord(keyword) ||
+      (keyword.Kind() == inp_KwExpansion && !inpS_BehaviorTable::Instance().Select(keyword));
+  const bool isTold = reason.empty() && !isUntold;
+  KeepAsText(keyword, owner, isTold, std::move(reason));
 }
 
 // ---- behaviours
@@ -293,7 +319,7 @@ KvoSimPosition inpS_MaterialVisitor::Convert(const inp_Keyword& keyword,
                                              const inp_Keyword* parent) {
   KvoSimPosition created;
   if (MayConvert(keyword, owner, parent)) created = CreateBehavior(keyword, owner, parent);
-  if (created.IsNull()) KeepAsText(keyword, owner);
+  if (created.IsNull()) KeepUnconverted(keyword, owner);
   return created;
 }
 
@@ -524,7 +550,10 @@ void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
                                           const KvoSimPosition& property) {
   for (const inp_Keyword* text : potential.texts) {
     text->ReferAll();
-    m_text.try_emplace(text->Body().get(), inpS_TextPlace{m_owner, property});
+    cow_String reason = untoldReason(*text);
+    const bool isTold = reason.empty();
+    m_text.try_emplace(text->Body().get(),
+                       inpS_TextPlace{m_owner, property, false, std::move(reason), isTold});
   }
   if (!potential.made.IsNull())
     potential.made.DataRecord().SetReference(eds_Potential_GivenWith, property);
@@ -536,7 +565,7 @@ void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
   constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
   KvoSimPosition property = GetProperty(kind);
   if (property.IsNull() && IsSecond(keyword, *inpS_BehaviorTable::Instance().Find(kind), m_owner))
-    return KeepAsText(keyword, m_owner); // beside another hardening
+    return KeepAsText(keyword, m_owner, true); // beside another hardening
   KvoSimTransaction transaction(m_document.ContextID());
   if (property.IsNull()) {
     property = CreateIsotropicHardeningPlastic(transaction, keyword);
@@ -551,7 +580,7 @@ void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
   } else {
     property = {};
   }
-  if (property.IsNull()) KeepAsText(keyword, m_owner);
+  if (property.IsNull()) KeepUnconverted(keyword, m_owner);
   transaction.Commit();
 }
 
@@ -568,7 +597,7 @@ void inpS_MaterialVisitor::Depvar(const inp_Keyword& keyword) {
   constexpr double most = 1e15; // beyond, doubles have no fractions
   if (!(count >= 0 && count <= most && count == std::trunc(count))) {
     Error(keyword, "*DEPVAR does not tell the number of variables; it is kept as text.");
-    return KeepAsText(keyword, m_owner);
+    return KeepAsText(keyword, m_owner, true);
   }
   KvoSimTransaction transaction(m_document.ContextID());
   const KvoSimPosition property = Convert(keyword, m_owner);

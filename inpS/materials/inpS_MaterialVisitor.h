@@ -68,7 +68,6 @@ private:
   void TellOfNoName(const inp_Keyword& keyword);
   void ReportChoice(const inp_Keyword& keyword);
   void TellConflicts(const inp_Keyword& keyword);
-  KvoSimPosition StillOpenFor(inp_KeywordEnm kind) const;
   void TellOfStray(const inp_Keyword& keyword);
   void CreateMaterialRegularization(const inp_Keyword& keyword, const KvoSimPosition& material);
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
@@ -91,7 +90,9 @@ private:
                   const KvoSimPosition& property, const inpS_KeywordDataTable& table);
   void KeepParts(const inp_Keyword& keyword, const KvoSimPosition& owner, inpS_KeptPart part,
                  bool always = false);
-  void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner);
+  void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner, bool isTold = false,
+                  cow_String reason = {});
+  void KeepUnconverted(const inp_Keyword& keyword, const KvoSimPosition& owner);
   KvoSimPosition OpenNamed(const inp_Keyword& keyword, eds_RecordKind kind, eds_Member member);
 
   const inpS_Inventory& m_inventory;
@@ -102,8 +103,7 @@ private:
   KvoSimPosition m_material;
   cow_List<double> m_rates; // of its isotropic hardening so far
   KvoSimPosition m_gasket;
-  KvoSimPosition m_latest; // of these two the one opened last
-  KvoSimPosition m_owner;  // of the keyword at hand
-  KvoSimPosition m_open;   // to which an unknown keyword would belong
+  KvoSimPosition m_owner; // of the keyword at hand
+  KvoSimPosition m_open;  // to which an unknown keyword would belong
   inpS_TextKeywords m_text;
 };

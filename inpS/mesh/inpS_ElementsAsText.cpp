@@ -54,7 +54,7 @@ void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope
                                const cow_List<int>& labels) {
   message.notes.push_back({"sets and surfaces that name its elements are stored without them", {}});
   m_messages.AddError(std::move(message));
-  m_keywords.emplace(keyword.Body().get(), inpS_TextPlace{});
+  m_keywords[keyword.Body().get()].isTold = true;
   m_scopes.TextElements().Add(scope.elementOccurrence, labels);
   if (const inp_Item* name = m_sets.FindName(keyword, setParameter))
     m_textSets.push_back({&scope, name->AsString(), keyword, labels});

@@ -73,8 +73,7 @@ void inpS_PlaceCheck::TellTo(inp_Visitor& messages) const {
                                                    : cow_String(", and stands ") +
                                                          levelOf(found.first.Scope().kind).inside);
     if (found.count > 1) text += " " + std::to_string(found.count) + " times";
-    text += found.isConverted ? "; it is converted all the same."
-                              : "; it is kept as text where it stood.";
+    text += found.isConverted ? "; it is converted all the same." : "; it is kept as text.";
     messages.AddWarning(inp_Utils::MessageInKeyword(found.first, std::move(text)));
   }
 }

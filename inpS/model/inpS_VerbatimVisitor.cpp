@@ -135,13 +135,14 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const int block = along ? along->block : BlockOf(keyword);
   if (const KvoSimPosition* record = m_ledger ? m_ledger->RecordOf(keyword) : nullptr)
     m_records.insert_or_assign({m_place.owner.Object().Packed(), block}, *record);
-  if (!AsText(keyword) && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
+  const inpS_TextPlace* told = AsText(keyword);
+  const bool isExplained = told && (told->isTold || !told->reason.empty());
+  if (!isExplained && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
     m_places.Look(keyword, IsModelled(keyword));
   if (!along && IsModelled(keyword)) return;
   keyword.ReferAll();
   const bool isDone = m_isRestart && keyword.Kind() == inp_KwRestart &&
                       keyword.HasParameter("read"); // the model is whole now
-  const inpS_TextPlace* told = AsText(keyword);
   if (isDone || (told && told->isLeftOut) || IsLeftOut(keyword) || IsTooLong(keyword)) {
     m_block = before; // it takes nothing along
     return;
@@ -220,21 +221,21 @@ bool inpS_VerbatimVisitor::IsLeftOut(const inp_Keyword& keyword) {
   return true;
 }
 
-// A behaviour outside of any material, a sub-option of an amplitude without a name: behind the
-// others of their block they would be taken for the last one's.
+// What belongs to something else and stands under none of it: behind the others of its block it
+// would be taken for the last one's, so it goes before all. Within a material it stays there.
 bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
-  const auto isOfMaterials = [](inp_KeywordEnm kind) {
-    const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(kind);
-    return row && (row->block == kMaterials || row->block == kGasketBehaviors);
-  };
   const inpS_TextPlace* told = AsText(keyword);
-  // A material stays open behind keywords of other subjects.
-  const bool single = keyword.ParentKind() == inp_NullKeyword && !(told && !told->owner.IsNull());
-  const auto ownerless = [&] { return told && told->owner.IsNull(); };
-  if (keyword.Kind() == inp_KwBaselineCorrection) return single || ownerless();
-  if (keyword.Kind() == inp_KwMaterial || keyword.Kind() == inp_KwGasketBehavior) return false;
-  if (!isOfMaterials(keyword.Kind())) return false;
-  return single || (isOfMaterials(keyword.ParentKind()) && ownerless());
+  if (told && !told->owner.IsNull()) return false;
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
+  if (keyword.ParentKind() == inp_NullKeyword) return row && row->levels == inp_LevelsSub;
+  // Of an amplitude without a name, of a material that could not be opened.
+  const inp_KeywordRow* parent = inp_KeywordTable::Instance().Row(keyword.ParentKind());
+  const auto isOfMaterials = [](const inp_KeywordRow* one) {
+    return one && (one->block == kMaterials || one->block == kGasketBehaviors);
+  };
+  if (!told) return false;
+  return keyword.Kind() == inp_KwBaselineCorrection ||
+         (isOfMaterials(row) && isOfMaterials(parent));
 }
 
 // A sub-option goes where its keyword goes, an unknown keyword behind what is written before it:
@@ -310,23 +311,31 @@ void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword) {
   if (isNew) {
     m_kept.push_back({keyword.Name(), 0, keyword.FileName(), keyword.Line(),
                       keyword.Kind() != inp_UnknownKeyword});
-    m_firsts.push_back(keyword);
+    m_untold.emplace_back();
   }
   ++m_kept[known->second].count;
+  const inpS_TextPlace* place = AsText(keyword);
+  if (place && place->isTold) return;
+  if (place && !place->reason.empty())
+    return TellKept(keyword, "*" + keyword.Name() + ' ' + place->reason + "; it is");
+  Untold& untold = m_untold[known->second];
+  if (untold.count++ == 0) untold.first = keyword;
+}
+
+void inpS_VerbatimVisitor::TellKept(const inp_Keyword& keyword, const cow_String& text) {
+  wip_Message message = inp_Utils::MessageInKeyword(keyword, text + " kept as text.");
+  message.tellsKept = true;
+  AddWarning(std::move(message));
 }
 
 void inpS_VerbatimVisitor::Report() {
   m_places.TellTo(*this);
   for (std::size_t n = 0; n < m_kept.size(); ++n) {
-    if (!m_kept[n].known) continue; // reported where it was read
-    const long long count = m_kept[n].count;
-    wip_Message message = inp_Utils::MessageInKeyword(
-        m_firsts[n], "Keyword *" + m_kept[n].keyword + " is not converted; " +
-                         (count == 1 ? cow_String("it is")
-                                     : "its " + std::to_string(count) + " occurrences are") +
-                         " kept as text.");
-    message.tellsKept = true;
-    AddWarning(std::move(message));
+    const auto& [first, count] = m_untold[n];
+    if (!m_kept[n].known || count == 0) continue; // reported where it was read
+    TellKept(first, "Keyword *" + m_kept[n].keyword + " is not converted; " +
+                        (count == 1 ? cow_String("it is")
+                                    : "its " + std::to_string(count) + " occurrences are"));
   }
   inpS_Visitor::Report();
 }

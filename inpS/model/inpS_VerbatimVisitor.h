@@ -56,6 +56,7 @@ private:
   bool IsWrittenHere(const inp_Keyword& keyword);
   const inpS_TextPlace* AsText(const inp_Keyword& keyword) const; // null: not among them
   void Count(const inp_Keyword& keyword);
+  void TellKept(const inp_Keyword& keyword, const cow_String& text);
 
   const inpS_Inventory& m_inventory;
   cow_List<bool> m_modelled;
@@ -75,6 +76,10 @@ private:
   std::unordered_map<const inp_KeywordBody*, Along> m_along;    // sub-options of what is kept
   inpS_PlaceCheck m_places;
   cow_List<inpS_NotModelled> m_kept;
-  cow_List<inp_Keyword> m_firsts;
+  struct Untold { // keywords of one name of which nobody has said why they are kept
+    inp_Keyword first;
+    long long count = 0;
+  };
+  cow_List<Untold> m_untold; // as m_kept
   cow_Map<cow_String, std::size_t> m_byName;
 };
