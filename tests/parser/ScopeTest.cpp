@@ -72,11 +72,19 @@ TEST(Suboptions, AttachToTheNearestThatAdmitsThem) {
       {"*Material, name=m\n*Elastic\n*Plastic\n*Rate dependent\n*Density",
        "ELASTIC<MATERIAL PLASTIC<MATERIAL DENSITY<MATERIAL RATE DEPENDENT<PLASTIC "},
       {"*Elastic\n*Rate dependent", ""},
-      {"*Material, name=m\n*Node\n*Elastic", ""},
+      // A material stays open, for what may stand right under it and what it then has.
+      {"*Material, name=m\n*Node\n*Elastic", "ELASTIC<MATERIAL "},
+      {"*Material, name=m\n*Plastic\n*Node\n*Rate dependent", "PLASTIC<MATERIAL "},
+      {"*Material, name=m\n*Plastic\n*Node\n*Anneal temperature",
+       "PLASTIC<MATERIAL ANNEAL TEMPERATURE<PLASTIC "},
+      {"*Material, name=m\n*Node\n*Plastic\n*Rate dependent",
+       "PLASTIC<MATERIAL RATE DEPENDENT<PLASTIC "},
+      {"*Material, name=m\n*Material\n*Elastic", "ELASTIC<MATERIAL "},
+      {"*Material, name=m\n*Step\n*Elastic\n*End step", ""},
       {"*Material, name=m\n*Elastik\n*Plastic", "PLASTIC<MATERIAL "},
       {"*Material, name=m\n*Elastic\n*Material, name=n\n*Elastic",
        "ELASTIC<MATERIAL ELASTIC<MATERIAL "},
-      {"*Part, name=p\n*Material, name=m\n*End part\n*Elastic", ""},
+      {"*Part, name=p\n*Material, name=m\n*End part\n*Elastic", "ELASTIC<MATERIAL "},
   };
   for (const auto& [deck, expected] : cases)
     EXPECT_EQ(parents(Parsed(deck).keywords), expected) << deck;
