@@ -40,6 +40,9 @@ void KvoObjDocument::Finish() {
 void KvoObjDocument::Close() {
   m_store->Close();
 }
+void KvoObjDocument::GiveUp() {
+  m_store->GiveUp();
+}
 
 void KvoObjDocument::SetMeta(const cow_String& key, const cow_String& value) {
   utl_ASSERT(!IsReadOnly());

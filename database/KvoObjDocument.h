@@ -34,6 +34,8 @@ public:
   // open for reading; a later change clears the flag again.
   void Finish();
   void Close(); // for all copies
+  // The same, but of a file that Create made and that is not finished nothing is left.
+  void GiveUp();
 
   // Facts kept beside the model: "writer", "source_deck", "source_digest", ... Empty when absent.
   void SetMeta(const cow_String& key, const cow_String& value);

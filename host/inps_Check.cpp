@@ -52,7 +52,9 @@ private:
 
   int Deck() {
     inps_Conversion conversion(m_input, m_run.Reporter());
-    if (!conversion.Prepare()) {
+    const bool canConvert = conversion.Prepare();
+    if (m_run.IsJson()) m_run.Json()["converted"] = canConvert;
+    if (!canConvert) {
       Line("it cannot be converted");
       return inps_ExitFaults;
     }
@@ -152,7 +154,7 @@ private:
       result.exitCode = inps_tellFailures(session, [&] {
         run.emplace(session, m_arguments, kind);
         return run->Do([&] {
-          const inps_Input input(m_arguments.Operands()[index]);
+          const inps_Input input(m_arguments.Operands()[index], session);
           return Check(session, *run, input, true)();
         });
       });
@@ -222,7 +224,7 @@ int inps_check(inps_Session& session, const inps_Arguments& arguments) {
   if (arguments.Operands().size() == 1) {
     inps_Run run(session, arguments);
     return run.Do([&] {
-      const inps_Input input(arguments.Operands()[0]);
+      const inps_Input input(arguments.Operands()[0], session);
       return Check(session, run, input, false)();
     });
   }

@@ -102,11 +102,10 @@ constexpr inps_Command commands[] = {
      "and the rest is listed; names choose what is drawn.",
      plotOptions, plotExamples, inps_plot},
     {"diff", "A B", 2, 2, "compare two models or decks record by record",
-     "Exits with 0 when they are the same, 1 when they differ or a deck has errors. Where a "
-     "keyword\n"
-     "stood in its deck does not count. A tolerance is for stored real numbers; texts, also those "
-     "of\n"
-     "keywords kept as text, are compared letter by letter.",
+     "Exits with 0 when they are the same, 1 when they differ or a deck has errors, also the one\n"
+     "that a model was made from. Where a keyword stood in its deck does not count. A tolerance\n"
+     "is for stored real numbers; texts, also those of keywords kept as text, are compared letter\n"
+     "by letter.",
      diffOptions, diffExamples, inps_diff},
     {"dump",
      "MODEL.sim",

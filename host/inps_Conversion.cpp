@@ -36,7 +36,8 @@ private:
 
 // The system's own words for a deck that is not there, is a folder or may not be read. A pipe can
 // be read only once and is left to the parser.
-void requireReadable(const std::filesystem::path& deck) {
+void requireReadable(const inps_Input& input) {
+  const std::filesystem::path& deck = input.File();
   std::error_code ignored;
   const std::filesystem::file_status status = std::filesystem::status(deck, ignored);
   if (std::filesystem::is_socket(status))
@@ -45,9 +46,10 @@ void requireReadable(const std::filesystem::path& deck) {
     throw utl_FileException("cannot read", deck, "it is a folder");
   if (!std::filesystem::is_fifo(status)) utl_requireReadable(deck);
   if (inps_beginsAsModel(deck))
-    throw utl_FileException("cannot read", deck,
-                            "it is a model and not a deck; write it as one first: inps write " +
-                                inps_shellWord(utl_pathText(deck)));
+    throw utl_FileException(
+        "cannot read", deck,
+        "it is a model and not a deck; write it as one first: inps write " +
+            (input.IsStandardInput() ? cow_String(inps_dash) : inps_shellWord(utl_pathText(deck))));
 }
 
 bool phase(const char* tag, inpS_Inp2Sim& driver, bool (inpS_Inp2Sim::*step)()) {
@@ -61,7 +63,7 @@ inps_Conversion::inps_Conversion(const inps_Input& deck, const inps_Reporter& re
     : m_deck(deck.File()), m_name(deck.IsStandardInput() ? deck.Name() : cow_String()),
       m_reporter(reporter), m_errorsBefore(reporter.Errors()),
       m_warningsBefore(reporter.AllWarnings()) {
-  requireReadable(m_deck);
+  requireReadable(deck);
 }
 
 inps_Conversion::~inps_Conversion() = default;
@@ -109,10 +111,9 @@ bool inps_Conversion::ConvertRestart(const KvoObjDocument& document) {
   return Run(document, [&] { return m_driver->ConvertRestart(document); });
 }
 
-cow_List<std::filesystem::path> inps_Conversion::Files() const {
-  cow_List<std::filesystem::path> paths;
-  for (const inp_DeckTextPtr& file : m_driver->Files()) paths.push_back(file->Path());
-  return paths;
+void inps_Conversion::TellFiles(inps_ReadFiles& read) const {
+  for (const inp_DeckTextPtr& file : m_driver->Files()) read.Add(file->Path());
+  read.AddNamed(m_driver->NamedFiles());
 }
 
 const inp_Keyword* inps_Conversion::RestartKeyword() const {
@@ -128,7 +129,7 @@ KvoObjDocument inps_openModelOrDeck(const inps_Input& input, inps_Run& run, inps
   if (inps_isModelFile(input.File())) return inps_openModel(input, run);
   inps_Conversion conversion(input, run.Reporter());
   if (!conversion.Prepare()) return {};
-  if (read) read->Add(conversion.Files());
+  if (read) conversion.TellFiles(*read);
   KvoObjDocument document = KvoObjDocument::InMemory();
   conversion.Convert(document);
   return document;

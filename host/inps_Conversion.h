@@ -24,8 +24,8 @@ public:
   bool Convert(const KvoObjDocument& document);
   bool ConvertRestart(const KvoObjDocument& document); // into a model that exists
 
-  // The deck, its includes and data files, once it is prepared.
-  cow_List<std::filesystem::path> Files() const;
+  // The deck, its includes and data files, and what kept keywords name, once it is prepared.
+  void TellFiles(inps_ReadFiles& read) const;
   // The keyword with which the deck itself says that it goes on from another model, or null.
   const inp_Keyword* RestartKeyword() const;
   // What was kept as text; empty before a conversion.

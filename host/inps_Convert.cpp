@@ -2,6 +2,7 @@
 
 #include "base/utl_File.h"
 #include "base/utl_FileUnderWay.h"
+#include "base/utl_Interruption.h"
 #include "base/utl_MappedFile.h"
 #include "base/utl_OutputFile.h"
 #include "database/KvoObjMesh.h"
@@ -33,13 +34,14 @@ bool hasMesh(const KvoObjDocument& document) {
 // The base is never changed: a copy beside the target is, and takes the target's name at the end.
 class RestartCopy {
 public:
-  RestartCopy(const Path& base, const Path& target)
+  RestartCopy(const inps_Input& input, const Path& target)
       : m_path(utl_temporaryBeside(target)), m_journal(m_path) {
     m_journal += "-journal";
     // Ours from now on: two restarts from one base would each lose what the other adds.
     if (utl_isTaken(target)) m_place = std::make_unique<eds_ModelPlace>(target);
     // Held open while it is copied, so that nobody writes it meanwhile.
-    const KvoObjDocument held = inps_openModel(base);
+    const Path& base = input.File();
+    const KvoObjDocument held = inps_openModel(input);
     if (!held.IsFinished())
       throw eds_DamagedFileException("\"" + utl_pathText(base) +
                                      "\" is not finished: the conversion that made it did not end");
@@ -159,7 +161,7 @@ void requireFree(const Path& target, bool force) {
 void requireOther(const Path& target, const std::optional<inps_Input>& base,
                   const inps_Conversion& conversion) {
   inps_ReadFiles read;
-  read.Add(conversion.Files());
+  conversion.TellFiles(read);
   std::error_code ignored;
   if (base && !std::filesystem::equivalent(base->File(), target, ignored)) read.Add(base->File());
   read.RequireOther(target);
@@ -182,16 +184,19 @@ public:
         m_held(m_job.target.empty() ? std::make_unique<inps_TemporaryFile>("model.sim") : nullptr),
         m_target(m_held ? m_held->Path() : m_job.target),
         m_targetName(m_held ? "<stdout>" : utl_pathText(m_target)) {
-    if (!m_job.base.empty()) m_base.emplace(m_job.base);
+    if (m_held) m_held->ShowAsOutput(session);
+    if (!m_job.base.empty()) m_base.emplace(m_job.base, session);
   }
 
   int operator()() {
     Note("command", "convert");
     Note("deck", m_job.deck);
     requireFree(m_target, m_job.force);
-    const inps_Input deck(m_job.deck);
+    const inps_Input deck(m_job.deck, m_session);
     inps_Conversion conversion(deck, m_run.Reporter());
-    if (!conversion.Prepare()) {
+    const bool canConvert = conversion.Prepare();
+    if (m_run.IsJson()) m_run.Json()["converted"] = canConvert;
+    if (!canConvert) {
       Say("the deck cannot be converted; " + m_targetName + " was not written");
       return inps_ExitFaults;
     }
@@ -216,8 +221,17 @@ public:
 private:
   bool Fresh(inps_Conversion& conversion) {
     KvoObjDocument document = makeModel(m_target, m_job.force);
-    const bool clean = conversion.Convert(document);
-    finish(document);
+    bool clean = false;
+    try {
+      clean = conversion.Convert(document);
+      finish(document);
+    } catch (const utl_Interruption&) {
+      document.GiveUp();
+      throw;
+    } catch (const utl_FileException&) { // of the deck
+      document.GiveUp();
+      throw;
+    }
     Summarize(document);
     document.Close();
     return clean;
@@ -236,18 +250,10 @@ private:
   }
 
   bool Restart(inps_Conversion& conversion) {
-    RestartCopy copy(m_base->File(), m_target);
-    bool clean = false;
-    try {
-      clean = GoOn(conversion, copy.File());
-    } catch (const eds_DiskException& failure) {
-      // The store knows the copy's name, people know the target's.
-      cow_String text = failure.what();
-      const cow_String name = utl_pathText(copy.File());
-      if (const size_t at = text.find(name); at != cow_String::npos)
-        text.replace(at, name.size(), m_targetName);
-      throw eds_DiskException(text);
-    }
+    RestartCopy copy(*m_base, m_target);
+    // The store knows the copy's name, people know the target's.
+    m_session.ShowAs(copy.File(), '"' + m_targetName + '"');
+    const bool clean = GoOn(conversion, copy.File());
     copy.BecomeTarget(m_target, m_job.force);
     return clean;
   }

@@ -5,6 +5,7 @@
 #include "host/inps_Input.h"
 #include "host/inps_Json.h"
 #include "host/inps_ModelDiff.h"
+#include "host/inps_Outcome.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
 #include "host/inps_Tolerance.h"
@@ -45,8 +46,13 @@ int inps_diff(inps_Session& session, const inps_Arguments& arguments) {
   }
   inps_Run run(session, arguments);
   return run.Do([&]() -> int {
-    const inps_Input inputA(arguments.Operands()[0]);
-    const inps_Input inputB(arguments.Operands()[1]);
+    if (run.IsJson()) {
+      run.Json()["command"] = "diff";
+      run.Json()["a"] = arguments.Operands()[0];
+      run.Json()["b"] = arguments.Operands()[1];
+    }
+    const inps_Input inputA(arguments.Operands()[0], session);
+    const inps_Input inputB(arguments.Operands()[1], session);
     const KvoObjDocument a = inps_openModelOrDeck(inputA, run);
     const KvoObjDocument b = inps_openModelOrDeck(inputB, run);
     if (a.IsNull() || b.IsNull()) return inps_ExitFaults;
@@ -54,8 +60,9 @@ int inps_diff(inps_Session& session, const inps_Arguments& arguments) {
     lines.exceptions(std::ios::badbit); // else a want of memory would cut them in silence
     const long long differences =
         inps_diffModels(a, b, run.IsJson() ? lines : session.out, tolerance);
-    // Two decks whose meshes were left out are not known to be the same.
-    const bool hasErrors = run.Reporter().Errors() > 0;
+    // Two decks whose meshes were left out are not known to be the same, nor are their models.
+    const bool hasErrors =
+        run.Reporter().Errors() > 0 || inps_outcomeOf(a).errors > 0 || inps_outcomeOf(b).errors > 0;
     if (run.IsJson()) {
       run.Json()["same"] = differences == 0 && !hasErrors;
       run.Json()["differences"] = differences;

@@ -152,7 +152,7 @@ private:
 int inps_dump(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
   return run.Do([&]() -> int {
-    const inps_Input input(arguments.Operands()[0]);
+    const inps_Input input(arguments.Operands()[0], session);
     const KvoObjDocument document = inps_openModelOrDeck(input, run);
     if (document.IsNull()) return inps_ExitFaults;
     utl_Stream out(session.out);

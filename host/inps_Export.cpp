@@ -34,14 +34,21 @@ struct BlockGroup {
 class Export {
 public:
   Export(inps_Session& session, inps_Run& run, const inps_Arguments& arguments)
-      : m_session(session), m_run(run), m_arguments(arguments), m_input(arguments.Operands()[0]),
+      : m_session(session), m_run(run), m_arguments(arguments),
+        m_input(arguments.Operands()[0], session),
         m_held(arguments.Operands()[1] == inps_dash
                    ? std::make_unique<inps_TemporaryFile>("mesh.vtu")
                    : nullptr),
-        m_target(m_held ? m_held->Path() : arguments.Path(1)) {}
+        m_target(m_held ? m_held->Path() : arguments.Path(1)) {
+    if (m_held) m_held->ShowAsOutput(session);
+  }
 
   int operator()() {
     const bool hasBlocks = m_arguments.Has(inps_Opt::Sets) || m_arguments.Has(inps_Opt::Surfaces);
+    if (m_run.IsJson()) {
+      m_run.Json()["command"] = "export";
+      m_run.Json()["model"] = m_input.Name();
+    }
     inps_ReadFiles read{m_input.File()};
     inps_ExportFiles files(m_target, read, hasBlocks, m_arguments.Has(inps_Opt::Force));
     const KvoObjDocument document = inps_openModelOrDeck(m_input, m_run, &read);
@@ -191,8 +198,6 @@ private:
   void Summarize(const inps_FlatMesh& mesh, const Path& written) {
     const cow_String file = utl_pathText(written);
     if (m_run.IsJson()) {
-      m_run.Json()["command"] = "export";
-      m_run.Json()["model"] = m_arguments.Operands()[0];
       m_run.Json()["file"] = file;
       m_run.Json()["nodes"] = mesh.NodeCount();
       m_run.Json()["elements"] = mesh.ElementCount();

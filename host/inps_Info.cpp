@@ -1,6 +1,7 @@
 #include "host/inps_Commands.h"
 
 #include "base/utl_File.h"
+#include "base/utl_Interruption.h"
 #include "database/eds_ModelReader.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Input.h"
@@ -70,7 +71,9 @@ int listMaterials(inps_Session& session, const inps_Arguments& arguments,
   if (arguments.Has(inps_Opt::Json))
     inps_printJson(session.out, {{"command", "info"},
                                  {"model", arguments.Operands()[0]},
-                                 {"materials", inps_jsonOfMaterials(document, choice)}});
+                                 {"materials", inps_jsonOfMaterials(document, choice)},
+                                 {"failure", nullptr},
+                                 {"exit", inps_ExitDone}});
   else
     inps_printMaterials(session.out, document, choice);
   return inps_ExitDone;
@@ -78,10 +81,9 @@ int listMaterials(inps_Session& session, const inps_Arguments& arguments,
 
 inps_Json jsonOf(const inps_Input& input, const KvoObjDocument& document,
                  const inps_ModelSummary& summary, uintmax_t bytes) {
-  inps_Json json{{"command", "info"},
-                 {"model", input.Name()},
-                 {"bytes", bytes},
-                 {"finished", document.IsFinished()}};
+  inps_Json json{{"command", "info"},  {"model", input.Name()},
+                 {"bytes", bytes},     {"finished", document.IsFinished()},
+                 {"failure", nullptr}, {"exit", inps_ExitDone}};
   if (summary.outcome.isKnown) {
     json["errors"] = summary.outcome.errors;
     json["warnings"] = summary.outcome.warnings;
@@ -101,16 +103,14 @@ bool isToldAbove(std::string_view fact) {
   return fact == "finished" || fact == "errors" || fact == "warnings" || fact == "left_out";
 }
 
-} // namespace
-
-int inps_info(inps_Session& session, const inps_Arguments& arguments) {
+int info(inps_Session& session, const inps_Arguments& arguments) {
   const bool named = arguments.Operands().size() > 1;
   if (named && !arguments.Has(inps_Opt::Materials)) {
     session.err << "inps: names choose from what \"--materials\" lists, which is not given\n";
     return inps_ExitUsage;
   }
-  const inps_Input input(arguments.Operands()[0]);
-  const KvoObjDocument document = inps_openModel(input.File());
+  const inps_Input input(arguments.Operands()[0], session);
+  const KvoObjDocument document = inps_openModel(input);
   if (arguments.Has(inps_Opt::Materials)) return listMaterials(session, arguments, document);
   const inps_ModelSummary summary = inps_summarize(document);
   std::error_code ignored;
@@ -133,4 +133,21 @@ int inps_info(inps_Session& session, const inps_Arguments& arguments) {
     if (!isToldAbove(name)) session.out << name << ": " << value << '\n';
   printInfo(session.out, summary, document);
   return inps_ExitDone;
+}
+
+} // namespace
+
+int inps_info(inps_Session& session, const inps_Arguments& arguments) {
+  if (!arguments.Has(inps_Opt::Json)) return info(session, arguments);
+  try {
+    return info(session, arguments);
+  } catch (const std::exception& failure) {
+    const bool asked = dynamic_cast<const utl_Interruption*>(&failure) != nullptr;
+    inps_printJson(session.out,
+                   {{"command", "info"},
+                    {"model", arguments.Operands()[0]},
+                    {"failure", session.Shown(failure.what())},
+                    {"exit", static_cast<int>(asked ? inps_ExitInterrupted : inps_ExitFailure)}});
+    throw;
+  }
 }

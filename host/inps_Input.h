@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <memory>
 
+struct inps_Session;
+
 inline constexpr const char* inps_dash = "-"; // standard input or output, where a file may stand
 
 // A file to be read under the name that messages use: a word of the command line, or standard input
@@ -12,7 +14,7 @@ inline constexpr const char* inps_dash = "-"; // standard input or output, where
 // "-" is refused by the arguments.
 class inps_Input {
 public:
-  explicit inps_Input(const cow_String& word); // throws utl_FileException
+  inps_Input(const cow_String& word, inps_Session& session); // throws utl_FileException
 
   const std::filesystem::path& File() const { return m_file; }
   const cow_String& Name() const { return m_name; }

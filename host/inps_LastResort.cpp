@@ -50,7 +50,6 @@ void beTheOnlyOne() noexcept {
   end();
 }
 
-// What was committed of a fresh model stays, as after any failure.
 [[noreturn]] void fileIsGone(const char* file, const char* reason) noexcept {
   beTheOnlyOne();
   static std::array<char, 5000> line; // a path has at most 4096 bytes

@@ -106,14 +106,27 @@ int toldFailures(inps_Session& session, const std::function<int()>& work) {
   } catch (const inpS_MemoryException&) {
     inps_tellOutOfMemory(session, "out of memory");
   } catch (const eds_MemoryException& failure) {
-    inps_tellOutOfMemory(session, failure.what());
+    inps_tellOutOfMemory(session, session.Shown(failure.what()));
   } catch (const std::exception& failure) {
-    if (session.data) say(session, failure.what()); // else outputFailed has the better words
+    if (session.data)
+      say(session, session.Shown(failure.what())); // else outputFailed has the
+                                                   // better words
   }
   return inps_ExitFailure;
 }
 
 } // namespace
+
+void inps_Session::ShowAs(const std::filesystem::path& file, cow_String name) {
+  m_standIns.emplace_back('"' + utl_pathText(file) + '"', std::move(name));
+}
+
+cow_String inps_Session::Shown(cow_String failure) const {
+  for (const auto& [quoted, name] : m_standIns)
+    if (const std::size_t at = failure.find(quoted); at != cow_String::npos)
+      failure.replace(at, quoted.size(), name);
+  return failure;
+}
 
 // Memory may run out while a failure is put in words, too.
 int inps_tellFailures(inps_Session& session, const std::function<int()>& work) {

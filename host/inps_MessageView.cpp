@@ -81,6 +81,24 @@ cow_String foldLists(std::string_view text) {
   return out += text.substr(begin);
 }
 
+// A line as it is shown, letter by letter: what is not printable takes several.
+struct ShownLine {
+  cow_List<cow_String> letters;
+  cow_List<std::size_t> starts{0}; // of each character, and behind the last one
+
+  explicit ShownLine(std::string_view text) {
+    for (const std::string_view character : charactersOf(text)) {
+      const bool isCharacter =
+          inp_utf8CharLength(character.data(), character.data() + character.size()) > 0;
+      if (isCharacter && inp_isPrintable(character))
+        letters.emplace_back(character);
+      else
+        for (const char letter : inp_escaped(character)) letters.emplace_back(1, letter);
+      starts.push_back(letters.size());
+    }
+  }
+};
+
 } // namespace
 
 inps_MessageView::inps_MessageView(aio_ostream& out, bool colour, int width)
@@ -125,10 +143,12 @@ void inps_MessageView::ShowHead(aio_ostream& out, inps_Severity severity, const 
 // The stretch of the line around the column that fits, and the caret under the column.
 void inps_MessageView::ShowSource(aio_ostream& out, const wip_Place& place) const {
   if (place.sourceLine.empty()) return;
-  const cow_List<std::string_view> line = charactersOf(place.sourceLine);
+  const ShownLine shown(place.sourceLine);
+  const cow_List<cow_String>& line = shown.letters;
   const auto room = static_cast<std::size_t>(std::max(20, m_width - 1));
-  const auto column = static_cast<std::size_t>(std::max(1, place.column)) - 1;
-  if (column > line.size()) return; // the line itself was cut before the place
+  const auto character = static_cast<std::size_t>(std::max(1, place.column)) - 1;
+  if (character >= shown.starts.size()) return; // the line itself was cut before the place
+  const std::size_t column = shown.starts[character];
   std::size_t first = 0;
   if (line.size() > room && column > room * 2 / 3) first = column - room * 2 / 3 + 1;
   const std::size_t last = std::min(line.size(), first + room - (first > 0 ? 1 : 0));
@@ -139,7 +159,9 @@ void inps_MessageView::ShowSource(aio_ostream& out, const wip_Place& place) cons
   if (place.column <= 0) return;
   if (first > 0) out << ' ';
   for (std::size_t i = first; i < column; ++i) out << (line[i] == "\t" ? '\t' : ' ');
-  const auto asked = static_cast<std::size_t>(std::max(1, place.width));
+  const std::size_t behind = character + static_cast<std::size_t>(std::max(1, place.width));
+  const std::size_t asked =
+      (behind < shown.starts.size() ? shown.starts[behind] : line.size() + 1) - column;
   const std::size_t width =
       std::min(asked, std::max<std::size_t>(1, last - std::min(last, column)));
   if (m_colour) inps_writeOwn(out, green);

@@ -38,7 +38,9 @@ bool isNamedAsModel(const std::filesystem::path& path) {
 }
 
 // As a user would type it; a deck that is named like a model gives its model another name.
-cow_String convertCommand(const std::filesystem::path& deck) {
+cow_String convertCommand(const inps_Input& input) {
+  if (input.IsStandardInput()) return "inps convert - -o MODEL.sim";
+  const std::filesystem::path& deck = input.File();
   cow_String command = "inps convert " + inps_shellWord(utl_pathText(deck));
   if (!isNamedAsModel(deck)) return command;
   std::filesystem::path target = deck.stem();
@@ -56,11 +58,12 @@ bool inps_isModelFile(const std::filesystem::path& path) {
   return isNamedAsModel(path) || inps_beginsAsModel(path);
 }
 
-KvoObjDocument inps_openModel(const std::filesystem::path& file) {
+KvoObjDocument inps_openModel(const inps_Input& input) {
+  const std::filesystem::path& file = input.File();
   if (beginsAsDeck(file))
     throw utl_FileException("cannot open", file,
                             "it is a deck and not a model; convert it first: " +
-                                convertCommand(file));
+                                convertCommand(input));
   KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
   eds_checkRecords(document);
   return document;
@@ -81,7 +84,7 @@ void inps_warnOfOutcome(const KvoObjDocument& document, const inps_Input& input,
 }
 
 KvoObjDocument inps_openModel(const inps_Input& input, inps_Run& run) {
-  KvoObjDocument document = inps_openModel(input.File());
+  KvoObjDocument document = inps_openModel(input);
   inps_warnOfOutcome(document, input, run);
   return document;
 }

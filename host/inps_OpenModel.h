@@ -8,7 +8,7 @@ class inps_Run;
 // A model to read, which may come from anybody: a file whose records do not hold together is
 // refused (eds_DamagedFileException) before anything follows them, and a deck with the command that
 // makes a model of it (utl_FileException). `check` does without, to tell all faults.
-KvoObjDocument inps_openModel(const std::filesystem::path& file);
+KvoObjDocument inps_openModel(const inps_Input& input);
 
 // Likewise, and warns of a model whose conversion did not end or had errors.
 KvoObjDocument inps_openModel(const inps_Input& input, inps_Run& run);

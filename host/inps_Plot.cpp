@@ -102,7 +102,7 @@ int inps_plot(inps_Session& session, const inps_Arguments& arguments) {
   return run.Do([&]() -> int {
     const bool named = arguments.Has(inps_Opt::Output);
     const bool toOutput = named && arguments.ValueOf(inps_Opt::Output) == inps_dash;
-    const inps_Input input(arguments.Operands()[0]);
+    const inps_Input input(arguments.Operands()[0], session);
     if (input.IsStandardInput() && !named) {
       session.err << "inps: a model from standard input has no name for its page; give -o\n";
       return inps_ExitUsage;

@@ -16,6 +16,9 @@ public:
   void Add(const std::filesystem::path& file) { m_files.push_back(file); }
   void Add(const cow_List<std::filesystem::path>& files);
 
+  // What a deck names, and nobody reads: its keywords are kept as text.
+  void AddNamed(const cow_List<std::filesystem::path>& files);
+
   // Throws utl_FileException.
   void RequireOther(const std::filesystem::path& written) const;
   // The same for a folder that is replaced with all that lies in it.
@@ -23,4 +26,5 @@ public:
 
 private:
   cow_List<std::filesystem::path> m_files;
+  cow_List<std::filesystem::path> m_named;
 };

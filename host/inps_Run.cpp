@@ -51,14 +51,20 @@ void inps_Run::ShowCounts() {
     m_session.err << m_reporter.CountsText() << '\n';
 }
 
+// The same members whatever became of the run.
+void inps_Run::EndJson(inps_Json failure, int exitCode) {
+  inps_addMessages(*m_json, m_reporter);
+  if (m_showTimings) (*m_json)["timings"] = inps_jsonOf(m_timings);
+  (*m_json)["seconds"] = m_timings.Seconds();
+  (*m_json)["failure"] = std::move(failure);
+  (*m_json)["exit"] = exitCode;
+  if (!IsPart()) inps_printJson(m_session.out, *m_json);
+}
+
 int inps_Run::End(int exitCode) {
   ShowCounts();
   if (IsJson()) {
-    inps_addMessages(*m_json, m_reporter);
-    if (m_showTimings) (*m_json)["timings"] = inps_jsonOf(m_timings);
-    (*m_json)["seconds"] = m_timings.Seconds();
-    (*m_json)["exit"] = exitCode;
-    if (!IsPart()) inps_printJson(m_session.out, *m_json);
+    EndJson(nullptr, exitCode);
   } else if (m_showTimings) {
     m_timings.Print(m_session.err);
   }
@@ -70,11 +76,9 @@ void inps_Run::Fail(const std::exception& failure) {
   if (!IsJson()) return;
   const bool memory = dynamic_cast<const std::bad_alloc*>(&failure) != nullptr ||
                       dynamic_cast<const inpS_MemoryException*>(&failure) != nullptr;
-  (*m_json)["failure"] = memory ? "out of memory" : failure.what();
-  inps_addMessages(*m_json, m_reporter);
   const bool asked = dynamic_cast<const utl_Interruption*>(&failure) != nullptr;
-  (*m_json)["exit"] = static_cast<int>(asked ? inps_ExitInterrupted : inps_ExitFailure);
-  if (!IsPart()) inps_printJson(m_session.out, *m_json);
+  EndJson(memory ? "out of memory" : m_session.Shown(failure.what()),
+          asked ? inps_ExitInterrupted : inps_ExitFailure);
 }
 
 aio_ostream& inps_Run::Data() {

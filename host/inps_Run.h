@@ -51,6 +51,7 @@ public:
 private:
   int End(int exitCode);
   void Fail(const std::exception& failure);
+  void EndJson(inps_Json failure, int exitCode);
   void ShowCounts();
 
   inps_Session& m_session;

@@ -4,7 +4,10 @@
 #include "base/cow_Value.h"
 #include "host/inps_VisibleBuffer.h"
 #include <chrono>
+#include <filesystem>
+#include <functional>
 #include <ostream>
+#include <utility>
 
 // How a run of the program ended, as the shell sees it.
 enum inps_Exit : int {
@@ -33,6 +36,13 @@ struct inps_Session {
   bool isOutTerminal = false;               // standard output is looked at, too
   std::chrono::milliseconds patience{2000}; // work that takes longer has a progress line
   int width = 0;                            // columns for source lines; 0: no terminal
+
+  // Temporary files whose own names people need not know, with what failures call them.
+  void ShowAs(const std::filesystem::path& file, cow_String name);
+  cow_String Shown(cow_String failure) const;
+
+private:
+  cow_List<std::pair<cow_String, cow_String>> m_standIns;
 };
 
 // The work's exit code; a failure that leaves it is told and has one of its own.

@@ -4,6 +4,7 @@
 #include "base/utl_Interruption.h"
 #include "base/utl_MappedFile.h"
 #include "base/utl_OutputFile.h"
+#include "host/inps_Session.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -14,13 +15,22 @@ namespace {
 
 constexpr std::size_t pieceSize = std::size_t{1} << 20;
 
+std::filesystem::path folderOfAll() {
+  std::error_code failure;
+  const std::filesystem::path folder = std::filesystem::temp_directory_path(failure);
+  if (failure)
+    throw utl_FileException("cannot find the folder for temporary files (TMPDIR)", {},
+                            failure.message());
+  return folder;
+}
+
 // Made anew, or not at all: nobody else's folder is taken for ours.
 std::filesystem::path ownFolder() {
-  const std::filesystem::path folder =
-      utl_temporaryBeside(std::filesystem::temp_directory_path() / "inps");
+  const std::filesystem::path all = folderOfAll();
+  const std::filesystem::path folder = utl_temporaryBeside(all / "inps");
   std::error_code failure;
   if (!std::filesystem::create_directory(folder, failure))
-    throw utl_FileException("cannot make folder", folder,
+    throw utl_FileException("cannot make a folder in", all,
                             failure ? failure.message() : "it exists");
   std::filesystem::permissions(folder, std::filesystem::perms::owner_all, failure);
   return folder;
@@ -37,7 +47,12 @@ inps_TemporaryFile::~inps_TemporaryFile() {
   std::filesystem::remove(m_folder, ignored);
 }
 
-void inps_TemporaryFile::FillFromStandardInput() const {
+void inps_TemporaryFile::ShowAsOutput(inps_Session& session) const {
+  session.ShowAs(m_path, "\"<stdout>\", kept in \"" + utl_pathText(m_folder.parent_path()) +
+                             "\" meanwhile");
+}
+
+void inps_TemporaryFile::FillFromStandardInput() const try {
   utl_OutputFile file(m_path, utl_OutputFile::Mode::CreateNew);
   cow_List<char> room(pieceSize);
   for (bool more = true; more;) {
@@ -51,6 +66,10 @@ void inps_TemporaryFile::FillFromStandardInput() const {
     more = size == room.size();
   }
   file.Close();
+} catch (const utl_FileException& failure) {
+  if (failure.Path() != m_path) throw;
+  throw utl_FileException("cannot keep standard input in", m_folder.parent_path(),
+                          failure.Reason());
 }
 
 void inps_TemporaryFile::SendTo(aio_ostream& out) const {

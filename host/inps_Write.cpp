@@ -25,7 +25,7 @@ void print(const KvoObjDocument& document, utl_Stream& deck, aio_ostream& diagno
 int inps_write(inps_Session& session, const inps_Arguments& arguments) {
   inps_Run run(session, arguments);
   return run.Do([&] {
-    const inps_Input input(arguments.Operands()[0]);
+    const inps_Input input(arguments.Operands()[0], session);
     const KvoObjDocument document = inps_openModel(input, run);
     if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != inps_dash) {
       inps_writeFile(arguments.PathOf(inps_Opt::Output), arguments.Has(inps_Opt::Force),

@@ -33,7 +33,7 @@ cow_String shownLine(const char* lineBegin, const char* end) {
   const char* const limit = end - lineBegin > most ? lineBegin + most : end;
   const char* const lineEnd = inp_lineFeed(lineBegin, limit);
   const std::string_view line(lineBegin, static_cast<std::size_t>(lineEnd - lineBegin));
-  return inp_printable(line.substr(0, line.find_last_not_of("\r \t") + 1));
+  return inp_shortened(line.substr(0, line.find_last_not_of("\r \t") + 1));
 }
 
 // The start of the field that stands at or ends at a place.
@@ -166,9 +166,11 @@ inp_DeckTextPtr inp_DeckText::Open(const std::filesystem::path& path, inp_DeckTe
   return inp_DeckTextPtr(new inp_DeckText(std::move(impl)));
 }
 
-inp_DeckTextPtr inp_DeckText::OpenAs(const std::filesystem::path& path, cow_String name) {
+inp_DeckTextPtr inp_DeckText::OpenAs(const std::filesystem::path& path, cow_String name,
+                                     std::filesystem::path folder) {
   auto impl = std::make_unique<Impl>();
   impl->Read(path);
+  impl->folder = std::move(folder);
   impl->name = std::move(name);
   return inp_DeckTextPtr(new inp_DeckText(std::move(impl)));
 }

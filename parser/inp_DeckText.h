@@ -18,8 +18,10 @@ public:
   // Throws utl_FileException when the file cannot be read.
   static inp_DeckTextPtr Open(const std::filesystem::path& path, inp_DeckTextPtr includedFrom = {},
                               long long includedAtLine = 0);
-  // The same for a deck that messages call by another name than its path.
-  static inp_DeckTextPtr OpenAs(const std::filesystem::path& path, cow_String name);
+  // The same for a deck that messages call by another name than its path, and one that stands in
+  // another folder than its file.
+  static inp_DeckTextPtr OpenAs(const std::filesystem::path& path, cow_String name,
+                                std::filesystem::path folder);
   static inp_DeckTextPtr FromString(cow_String text, cow_String name);
   // A rewritten stretch of another text: line n of it (from 0) is line firstLine + n of the file
   // the origin is or stems from.

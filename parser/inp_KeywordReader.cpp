@@ -42,13 +42,6 @@ cow_String singleBlanks(std::string_view name) {
   return out;
 }
 
-// Values that are file names: on some systems case and blanks matter in them.
-bool namesFile(std::string_view parameter) {
-  static constexpr std::string_view names[] = {"file", "filename", "input", "library",
-                                               "outputfile"};
-  return std::find(std::begin(names), std::end(names), parameter) != std::end(names);
-}
-
 cow_String quoted(std::string_view name) {
   return '"' + inp_printable(name, shownName) + '"';
 }
@@ -102,6 +95,13 @@ bool inp_KeywordReader::NamesDataFile(inp_KeywordEnm kind, std::string_view para
   const auto& names = row->parameters;
   return parameter == "input" &&
          (mesh || std::find(names.begin(), names.end(), parameter) != names.end());
+}
+
+// Values that are file names: on some systems case and blanks matter in them.
+bool inp_KeywordReader::NamesFile(std::string_view parameter) {
+  static constexpr std::string_view names[] = {"file", "filename", "input", "library",
+                                               "outputfile"};
+  return std::find(std::begin(names), std::end(names), parameter) != std::end(names);
 }
 
 // Takes the name off the front of the line.
@@ -227,7 +227,7 @@ void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) 
     if (value.empty())
       m_warnings.push_back(Message(
           "parameter " + quoted(spelt) + " has no value behind its equal sign", token, line));
-    parameter.value = namesFile(parameter.name)
+    parameter.value = NamesFile(parameter.name)
                           ? inp_Item::FromText(inp_Utils::RemoveQuotes(value), value)
                           : inp_Item::FromText(inp_Utils::Fold(value), value);
     if (!value.empty()) CompleteValue(parameter, line);
@@ -240,7 +240,7 @@ void inp_KeywordReader::Add(inp_Parameter parameter, std::string_view spelt, con
   for (const inp_Parameter& other : m_body->parameters) {
     if (other.name != parameter.name) continue;
     const bool same = other.value.AsString() == parameter.value.AsString();
-    if (same && !namesFile(parameter.name)) return;
+    if (same && !NamesFile(parameter.name)) return;
     const std::string_view token(parameter.at, static_cast<std::size_t>(parameter.width));
     // A file is read once: when the keyword is written with its lines, the other would come again.
     m_errors.push_back(Message("parameter " + quoted(spelt) + " is given twice" +

@@ -70,6 +70,8 @@ struct inp_Parser::Impl {
   int includes = 0;
   cow_List<inp_DeckTextPtr> files{};
   std::unordered_set<fs::path::string_type> fileNames{};
+  cow_List<fs::path> namedFiles{};
+  fs::path rootFolder{};
 
   void Opened(const inp_DeckTextPtr& text) {
     if (fileNames.insert(text->Path().native()).second) files.push_back(text);
@@ -90,6 +92,7 @@ struct inp_Parser::Impl {
   void ReportHeadless(const inp_DataSegment& segment);
   void Include(const inp_KeywordBody& include);
   void TakeDataFile(inp_KeywordBody& body);
+  void NoteNamedFile(const inp_KeywordBody& body, const inp_Parameter& parameter);
   static bool IsSubstructureLibrary(const inp_KeywordBody& body, const inp_Parameter& parameter);
   void ReadDataFile(const inp_DeckTextPtr& text);
   inp_DeckTextPtr OpenNamed(const inp_KeywordBody& body, const inp_Parameter& parameter);
@@ -127,6 +130,10 @@ const cow_List<inp_DeckTextPtr>& inp_Parser::Files() const {
   return m_impl->files;
 }
 
+const cow_List<fs::path>& inp_Parser::NamedFiles() const {
+  return m_impl->namedFiles;
+}
+
 inp_KeywordList inp_Parser::Parse(bool expectFile) {
   const inp_DeckTextPtr root = m_impl->OpenRoot(expectFile);
   if (!root) return {};
@@ -147,14 +154,19 @@ inp_KeywordList inp_Parser::Parse(bool expectFile) {
 inp_DeckTextPtr inp_Parser::Impl::OpenRoot(bool expectFile) {
   if (!expectFile) return inp_DeckText::FromString(inputPath, jobName.empty() ? "deck" : jobName);
   const fs::path path = utl_pathOf(inputPath);
+  // A file of another name only holds what came from elsewhere: nothing is looked for beside it.
+  const bool isStandIn = !jobName.empty();
   try {
-    inp_DeckTextPtr text = inp_DeckText::OpenAs(path, jobName.empty() ? inputPath : jobName);
+    inp_DeckTextPtr text = inp_DeckText::OpenAs(path, isStandIn ? jobName : inputPath,
+                                                isStandIn ? fs::path() : path.parent_path());
     reading.push_back(identityOf(path));
+    rootFolder = text->Folder();
     Opened(text);
     return text;
   } catch (const utl_FileException& failure) {
-    wip_Message message(failure.what());
-    message.place.file = jobName.empty() ? inputPath : jobName;
+    wip_Message message(isStandIn ? "cannot read \"" + jobName + "\": " + failure.Reason()
+                                  : cow_String(failure.what()));
+    message.place.file = isStandIn ? jobName : inputPath;
     fileErrors.push_back(std::move(message));
     return nullptr;
   }
@@ -426,13 +438,39 @@ bool inp_Parser::Impl::IsSubstructureLibrary(const inp_KeywordBody& body,
 void inp_Parser::Impl::TakeDataFile(inp_KeywordBody& body) {
   for (std::size_t i = 0; i < body.parameters.size(); ++i) {
     const inp_Parameter& parameter = body.parameters[i];
-    if (!inp_KeywordReader::NamesDataFile(body.kind, parameter.name)) continue;
-    if (parameter.value.IsFlag() || IsSubstructureLibrary(body, parameter)) continue;
+    if (parameter.value.IsFlag() || !inp_KeywordReader::NamesFile(parameter.name)) continue;
+    if (body.dataFile >= 0 || !inp_KeywordReader::NamesDataFile(body.kind, parameter.name) ||
+        IsSubstructureLibrary(body, parameter)) {
+      NoteNamedFile(body, parameter);
+      continue;
+    }
     parameter.referred = true;
     body.dataFile = static_cast<int>(i);
     if (const inp_DeckTextPtr text = OpenNamed(body, parameter)) ReadDataFile(text);
-    return;
   }
+}
+
+// The name stands in a text that is written back as it is, into one deck without includes.
+void inp_Parser::Impl::NoteNamedFile(const inp_KeywordBody& body, const inp_Parameter& parameter) {
+  cow_List<wip_Message> unknown;
+  const cow_String name =
+      parameters.FileName(keywords, open.get(), segments, body, parameter, unknown);
+  if (name.empty() || !unknown.empty()) return;
+  cow_List<cow_String> passed;
+  const fs::path path = finder.Find(name, body.text->Folder(), passed);
+  if (path.empty()) return; // what makes it may run later
+  namedFiles.push_back(path);
+  const fs::path& folder = body.text->Folder();
+  const bool liesBeside = passed.empty() && !utl_pathOf(name).has_root_path();
+  if (!liesBeside || identityOf(folder) == identityOf(rootFolder)) return;
+  wip_Message message(nameOf(utl_pathOf(name)) + " lies in " + nameOf(folder) +
+                      ", beside the file that names it; a written deck names it without this "
+                      "folder");
+  message.keyword = body.name;
+  const long long line = body.line + std::count(body.begin, parameter.at, '\n');
+  message.place = body.text->PlaceInLine(inp_lineBegin(parameter.at, body.text->Begin()),
+                                         parameter.at, parameter.width, line);
+  warnings.push_back(std::move(message));
 }
 
 // The data lines of a file that holds nothing else.

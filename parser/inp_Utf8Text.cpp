@@ -1,4 +1,5 @@
 #include "parser/inp_Utf8Text.h"
+#include <algorithm>
 
 namespace {
 
@@ -74,7 +75,6 @@ cow_String inp_escaped(std::string_view character) {
 }
 
 cow_String inp_printable(std::string_view text, std::size_t maxBytes) {
-  static constexpr std::string_view replacement = "\xEF\xBF\xBD"; // U+FFFD
   cow_String out;
   const char* const begin = text.data();
   const char* const end = begin + text.size();
@@ -82,11 +82,23 @@ cow_String inp_printable(std::string_view text, std::size_t maxBytes) {
     const std::size_t length = inp_utf8CharLength(p, end);
     const std::size_t taken = length ? length : 1;
     if (static_cast<std::size_t>(p - begin) + taken > maxBytes) return out + "…";
-    if (inp_isPrintable({p, length}))
+    if (length > 0 && inp_isPrintable({p, length}))
       out.append(p, length);
     else
-      out += replacement;
+      out += inp_escaped({p, taken});
     p += taken;
   }
   return out;
+}
+
+cow_String inp_shortened(std::string_view text, std::size_t maxBytes) {
+  if (text.size() <= maxBytes) return cow_String(text);
+  const char* p = text.data();
+  const char* const end = p + text.size();
+  for (const char* const limit = p + maxBytes; p < limit;) {
+    const std::size_t taken = std::max<std::size_t>(1, inp_utf8CharLength(p, end));
+    if (taken > static_cast<std::size_t>(limit - p)) break;
+    p += taken;
+  }
+  return cow_String(text.data(), p) + "…";
 }

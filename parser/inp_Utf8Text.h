@@ -19,6 +19,12 @@ bool inp_isPrintable(std::string_view character);
 // One character, or one byte that belongs to none, in letters: "\x1b", "\u202e".
 cow_String inp_escaped(std::string_view character);
 
+inline constexpr std::size_t inp_longestShown = 320; // bytes of a line or a name
+
 // The text fit for a message: at most maxBytes of it (then "…"), what is not printable and bytes
-// that are no UTF-8 replaced one by one, so that columns stay where they are.
-cow_String inp_printable(std::string_view text, std::size_t maxBytes = 320);
+// that are no UTF-8 written out.
+cow_String inp_printable(std::string_view text, std::size_t maxBytes = inp_longestShown);
+
+// The text as it is, but no longer than that: columns stay where they are, and whoever shows it
+// writes out what is not printable.
+cow_String inp_shortened(std::string_view text, std::size_t maxBytes = inp_longestShown);

@@ -103,6 +103,9 @@ void eds_Store::Create(const std::filesystem::path& file) {
   m_engine.Execute("BEGIN EXCLUSIVE"); // kept from now on: nobody else replaces the file
   m_engine.Execute("COMMIT");
   RequireOurs();
+  m_freshJournal = eds_journalOf(file);
+  m_freshJournalUnderWay.emplace(m_freshJournal);
+  m_freshUnderWay.emplace(m_path);
 }
 
 // Between two openings of a model that is being made, another process may put its own there.
@@ -197,6 +200,7 @@ void eds_Store::WriteOut() {
   WriteMeta();
   m_engine.CommitPhysical();
   SyncClosed(file);
+  IsFreshNoMore();
   if (!m_temporary.empty()) {
     m_engine.Close();
     utl_removeFile(m_temporaryJournal); // all is committed: it can only be one that would not go
@@ -222,7 +226,27 @@ void eds_Store::Reopen(const std::filesystem::path& file) {
   m_engine.ApplyMode();
 }
 
+void eds_Store::IsFreshNoMore() {
+  m_freshJournalUnderWay.reset();
+  m_freshUnderWay.reset();
+}
+
+// The names go while the file is held, for afterwards another process may give them to its own.
+void eds_Store::GiveUp() {
+  if (IsClosed() || !m_freshUnderWay || m_engine.HasMoved()) return Close();
+  const bool gone = utl_removeFile(m_path) && utl_removeFile(m_freshJournal);
+  m_depth = 0;
+  m_engine.Close();
+  ForgetAll();
+  if (!gone) { // some systems keep the name of an open file
+    utl_removeFile(m_path);
+    utl_removeFile(m_freshJournal);
+  }
+  IsFreshNoMore();
+}
+
 void eds_Store::Close() {
+  IsFreshNoMore();
   if (IsClosed()) return;
   if (m_depth > 0) {
     Abandon();

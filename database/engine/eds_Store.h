@@ -31,6 +31,7 @@ public:
   void Open(const std::filesystem::path& file, bool readOnly);
   void Finish();
   void Close();
+  void GiveUp(); // Close, and nothing is left of a file that Create made and Finish did not end
   bool IsClosed() const { return !m_engine.IsOpen(); }
   bool IsReadOnly() const { return m_engine.Mode() == eds_OpenMode::ReadOnly; }
   const std::filesystem::path& Path() const { return m_path; }
@@ -90,6 +91,7 @@ private:
   void WriteMeta();
   void LayDown(const std::filesystem::path& file);
   void HasItsName(); // its final one
+  void IsFreshNoMore();
   void Recover(const std::filesystem::path& file);
   void RecoverIfPossible();
   void RequireOurs();
@@ -122,7 +124,11 @@ private:
   std::filesystem::path m_temporaryJournal;
   std::optional<utl_FileUnderWay> m_underWay;
   std::optional<utl_FileUnderWay> m_journalUnderWay;
-  std::unique_ptr<eds_ModelPlace> m_place; // that the temporary file will take
+  // Of a file that has its final name from the begin, until it is finished.
+  std::filesystem::path m_freshJournal;
+  std::optional<utl_FileUnderWay> m_freshJournalUnderWay;
+  std::optional<utl_FileUnderWay> m_freshUnderWay; // goes first: without its journal it is damaged
+  std::unique_ptr<eds_ModelPlace> m_place;         // that the temporary file will take
   int m_depth = 0;
   bool m_wroteChunks = false; // in the open transaction
 };

@@ -30,6 +30,7 @@ bool inpS_Inp2Sim::Parse() try {
   inp_Parser parser(m_deckPath, m_directory, {}, m_deckName, true, true, false);
   m_keywords = parser.Parse(true);
   m_files = parser.Files();
+  m_namedFiles = parser.NamedFiles();
   wip_WIPBase& host = wip_WIPBase::Instance();
   // All that the text tells is told in one run. Its faults leave keywords behind, so that a host
   // may look for what else there is; without one of its files a deck's model tells nothing.

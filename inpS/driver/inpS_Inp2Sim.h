@@ -50,6 +50,8 @@ public:
   const inp_KeywordList& Keywords() const { return m_keywords; }
   // After Parse: the deck, its includes and data files as they were opened.
   const cow_List<inp_DeckTextPtr>& Files() const { return m_files; }
+  // Likewise: files that keywords name which are kept as text.
+  const cow_List<std::filesystem::path>& NamedFiles() const { return m_namedFiles; }
   const inpS_Inventory& Inventory() const { return m_inventory; }
   // After a conversion: what was kept verbatim instead of modelled, in deck order of first places.
   const cow_List<inpS_NotModelled>& NotModelled() const { return m_notModelled; }
@@ -125,6 +127,7 @@ private:
   cow_String m_deckName;
   inp_KeywordList m_keywords;
   cow_List<inp_DeckTextPtr> m_files;
+  cow_List<std::filesystem::path> m_namedFiles;
   bool m_featureEnhanced = false;
   bool m_isDeckFeatureEnhanced = false; // the same without what a restart's base says
   inpS_Inventory m_inventory;

@@ -78,7 +78,7 @@ cow_String inpS_toUtf8(std::string_view text) {
   for (const char* at = text.data(); at != end;) {
     const std::size_t length = inp_utf8CharLength(at, end);
     if (length == 0) {
-      result += "\xEF\xBF\xBD";
+      result += inp_escaped({at, 1});
       ++at;
     } else {
       result.append(at, length);

@@ -18,5 +18,5 @@ cow_String inpS_wrapText(std::string_view text, int width, std::string_view inde
 // The text with every "%n$s" that has an argument replaced by it, n counting from 1.
 cow_String inpS_substitutePlaceholders(std::string_view text, const cow_List<inpS_MsgArg>& args);
 
-// The text with every byte that is part of no UTF-8 character replaced by U+FFFD.
+// The text with every byte that is part of no UTF-8 character written out: "\xe4".
 cow_String inpS_toUtf8(std::string_view text);

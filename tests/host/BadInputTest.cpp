@@ -188,6 +188,15 @@ TEST_F(BadInput, NoFileOfADeckIsReplaced) {
       all += readFile(m_folder / name);
     return all;
   };
+  Deck("sub/kept.inp", "*BOUNDARY, INPUT=b.txt\n");
+  Deck("sub/b.txt", "1, 1\n");
+  Deck("e.txt", "1., 0.3\n");
+  Deck("e-wal", "1., 0.3\n");
+  Deck("e.vtu", "1.\n");
+  const cow_String kept =
+      Deck("kept.inp", cow_String(oneBrick) +
+                           "*INCLUDE, INPUT=sub/kept.inp\n*MATERIAL, NAME=M\n*ELASTIC, "
+                           "INPUT=e.txt\n*DENSITY, INPUT=e-wal\n*EXPANSION, INPUT=e.vtu\n");
   const cow_String before = content();
   const cow_String more = Deck("more.inp", "*AMPLITUDE, NAME=B\n0., 1.\n");
   const cow_List<cow_List<cow_String>> runs = {
@@ -203,12 +212,18 @@ TEST_F(BadInput, NoFileOfADeckIsReplaced) {
       {"write", File("m.sim"), "-o", File("m.sim-journal")},
       {"plot", File("m.sim"), "-o", File("m.sim-shm")},
       {"export", deck, File("a.vtu")},
-      {"export", deck, File("mesh.vtu")}};
+      {"export", deck, File("mesh.vtu")},
+      // named by keywords that are kept as text
+      {"convert", kept, "-o", File("sub/b.txt")},
+      {"convert", kept, "-o", File("e.txt")},
+      {"convert", kept, "-o", File("e")},
+      {"export", kept, File("e.vtu")}};
   for (cow_List<cow_String> words : runs) {
     words.emplace_back("--force");
     const ProgramRun run(words);
     EXPECT_EQ(run.exitCode, 3) << words[0] << ' ' << words[3] << run.err;
-    EXPECT_TRUE(run.Says("it is the file that is read") || run.Says(", which is read"))
+    EXPECT_TRUE(run.Says("it is the file that is read") || run.Says(", which is read") ||
+                run.Says("the deck names it") || run.Says(", which the deck names"))
         << words[0] << ' ' << run.err;
     EXPECT_TRUE(content() == before) << words[0] << ' ' << words[3];
   }

@@ -79,6 +79,11 @@ TEST(MessageView, DecksDoNotSteerTheTerminal) {
   EXPECT_EQ(text.find("\x1b[2J"), cow_String::npos);
   EXPECT_EQ(text.find('\x07'), cow_String::npos);
   EXPECT_NE(text.find("\nsecond line\n"), cow_String::npos);
+  EXPECT_NE(text.find("name \"\\x1b[2Jx\\x07\"\n"), cow_String::npos) << text;
+  // The caret stands below what is written out.
+  const cow_String caret = shown(messageAt("a\xff\x1b\xe2\x80\xae, x\x07y", 7, 2), 80);
+  EXPECT_NE(caret.find("\na\\xff\\x1b\\u202e, x\\x07y\n                 ^~~~~\n"), cow_String::npos)
+      << caret;
 }
 
 TEST(MessageView, FoldsLists) {

@@ -38,7 +38,7 @@ TEST_F(Shell, AFailedModelSaysSo) {
                                                   {"check", model}};
   for (const cow_List<cow_String>& words : readers) {
     const ProgramRun run(words);
-    EXPECT_EQ(run.exitCode, 0) << words[0] << run.err;
+    EXPECT_EQ(run.exitCode, words[0] == "diff" ? 1 : 0) << words[0] << run.err;
     EXPECT_TRUE(run.Says("m.sim: warning: this model was made from a deck with errors"))
         << words[0] << run.err;
     EXPECT_TRUE(run.Says("(1 error, 0 warnings; left out: mesh)")) << words[0] << run.err;
@@ -69,6 +69,14 @@ TEST_F(Shell, DiffOfFaultyDecksIsNoSuccess) {
   const json both = json::parse(ProgramRun({"diff", a, b, "--json"}).out);
   EXPECT_EQ(both["same"], false);
   EXPECT_EQ(both["exit"], 1);
+  for (const char* name : {"a", "b"}) // their models are no better
+    ASSERT_EQ(ProgramRun({"convert", File(name + cow_String(".inp")), "-q", "-o",
+                          File(name + cow_String(".sim"))})
+                  .exitCode,
+              1);
+  const ProgramRun models({"diff", File("a.sim"), File("b.sim")});
+  EXPECT_EQ(models.exitCode, 1);
+  EXPECT_EQ(models.out, run.out);
 }
 
 TEST_F(Shell, DiffWithinATolerance) {
@@ -221,6 +229,53 @@ TEST_F(Shell, NamesKeepNoCase) {
   EXPECT_EQ(ProgramRun({"info", model, "steel"}).exitCode, 2);
 }
 
+// Whoever reads JSON finds the same members whatever became of the run.
+TEST_F(Shell, JsonHasTheSameMembersWhateverHappens) {
+  const cow_String good = Deck("good.inp", oneBrick);
+  const cow_String bad = Deck("bad.inp", brokenNode);
+  const cow_String without = Deck("without.inp", "*INCLUDE, INPUT=nowhere.inp\n");
+  ASSERT_EQ(ProgramRun({"convert", good, "-o", File("m.sim"), "-q"}).exitCode, 0);
+  struct Case {
+    cow_List<cow_String> words;
+    int exitCode;
+    int errors;
+    const char* failure;
+  };
+  const Case cases[] = {
+      {{"check", good}, 0, 0, ""},
+      {{"check", bad}, 1, 1, ""},
+      {{"check", without}, 1, 1, ""},
+      {{"check", File("none.inp")}, 3, 0, "No such file"},
+      {{"check", m_folder.Path().string()}, 3, 0, "it is a folder"},
+      {{"check", File("m.sim")}, 0, 0, ""},
+      {{"check", good, File("none.inp")}, 3, 0, ""},
+      {{"convert", bad, "-o", File("b.sim")}, 1, 1, ""},
+      {{"convert", good, "-o", File("m.sim")}, 3, 0, "it exists"},
+      {{"diff", good, bad}, 1, 1, ""},
+      {{"diff", File("none.sim"), bad}, 3, 0, "none.sim"},
+      {{"export", File("none.sim"), File("m.vtu")}, 3, 0, "none.sim"},
+      {{"info", good}, 3, -1, "convert it first"},
+  };
+  for (Case c : cases) {
+    c.words.emplace_back("--json");
+    const ProgramRun run(c.words);
+    const json told = json::parse(run.out, nullptr, false);
+    ASSERT_TRUE(told.is_object()) << c.words[1] << run.out;
+    EXPECT_EQ(run.exitCode, c.exitCode) << run.out;
+    EXPECT_EQ(told["exit"], c.exitCode) << run.out;
+    EXPECT_EQ(told["command"], c.words[0]) << run.out;
+    if (c.errors >= 0) {
+      EXPECT_EQ(told["errors"], c.errors) << run.out;
+      EXPECT_TRUE(told["messages"].is_array() && told["seconds"].is_number()) << run.out;
+    }
+    ASSERT_TRUE(told.contains("failure")) << run.out;
+    if (*c.failure)
+      EXPECT_NE(told["failure"].get<std::string>().find(c.failure), cow_String::npos) << run.out;
+    else
+      EXPECT_TRUE(told["failure"].is_null()) << run.out;
+  }
+}
+
 #if defined(__linux__)
 // The program's standard input comes from the file while this lives.
 class InputFrom {
@@ -242,6 +297,47 @@ private:
 ProgramRun runOn(const cow_String& file, const cow_List<cow_String>& words) {
   const InputFrom input(file);
   return ProgramRun(words);
+}
+
+// What comes from standard input stands in the current folder, and its temporary file is nobody's
+// concern.
+TEST_F(Shell, StandardInputHasTheCurrentFolderAndNoOtherName) {
+  const std::filesystem::path here = std::filesystem::current_path();
+  std::filesystem::create_directory(m_folder / "sub");
+  Deck("sub/nodes.inp", "*NODE\n1, 0., 0., 0.\n");
+  Deck("sub/last.inp", "*INCLUDE, INPUT=nodes.inp\n");
+  std::filesystem::current_path(m_folder.Path());
+  const auto saidOf = [&](const char* text, const cow_List<cow_String>& words) {
+    const ProgramRun run = runOn(Deck("in", text), words);
+    return std::to_string(run.exitCode) + ' ' + run.out + run.err;
+  };
+  EXPECT_TRUE(saidOf("*INCLUDE, INPUT=sub/last.inp\n", {"check", "-"}).starts_with("0 1 node"));
+  EXPECT_NE(saidOf("*INCLUDE, INPUT=stdin\n", {"check", "-"}).find("note: looked for in: .\n"),
+            cow_String::npos);
+  ASSERT_EQ(ProgramRun({"convert", "sub/nodes.inp", "-o", "m.sim", "-q"}).exitCode, 0);
+  const cow_String model = readFile("m.sim");
+  const cow_String cut = model.substr(0, 20000);
+  cow_String changed = model;
+  changed[9000] = static_cast<char>(changed[9000] ^ 1);
+  for (const cow_String& text : {cow_String("*NODE\n1\n"), cut, changed, cow_String("?")})
+    for (const cow_List<cow_String>& words :
+         {cow_List<cow_String>{"info", "-"},
+          {"info", "-", "--json"},
+          {"write", "-"},
+          {"check", "-", "--json"},
+          {"dump", "-"},
+          {"export", "-", "-"},
+          {"convert", "-", "-o", "-"},
+          {"convert", "sub/nodes.inp", "--restart", "-", "-o", "-"}}) {
+      writeFile("in", text);
+      const ProgramRun run = runOn("in", words);
+      const cow_String said = run.err + (words.back() == "--json" ? run.out : cow_String());
+      EXPECT_EQ(said.find("/inps."), cow_String::npos) << words[0] << said;
+      if (run.exitCode == 3) {
+        EXPECT_NE(said.find("<stdin>"), cow_String::npos) << words[0] << said;
+      }
+    }
+  std::filesystem::current_path(here);
 }
 
 TEST_F(Shell, ADashIsStandardInputOrOutput) {

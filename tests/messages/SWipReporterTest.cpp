@@ -54,7 +54,7 @@ TEST(SWipReporter, SaysExactly) {
        "***Error: 1\n\n***Error: 2\n\n", "Error: 1\n       2"},
       {"one error", [](auto& r) { r.ErrorList({"1"}, 1); }, "***Error: 1\n\n", "Error: 1"},
       {"no error", [](auto& r) { r.ErrorList({}, 1); }, "", ""},
-      {"warning", [](auto& r) { r.Warning("Tr\xE4ger"); }, "***Warning: Tr\xEF\xBF\xBDger\n", ""},
+      {"warning", [](auto& r) { r.Warning("Tr\xE4ger"); }, "***Warning: Tr\\xe4ger\n", ""},
       {"warnings",
        [](auto& r) {
          r.WarningList({"1", "2"});

@@ -162,8 +162,8 @@ TEST(Hostile, FilesThatAreNoDecks) {
 
 TEST(Hostile, MessagesAreFitToShow) {
   const Parsed parsed("*NODE\xFF\x1B[31m\n");
-  EXPECT_EQ(parsed.warnings.at(0).text, "unknown keyword *NODE\xEF\xBF\xBD[31M; kept as it is");
-  EXPECT_EQ(parsed.warnings.at(0).place.sourceLine, "*NODE\xEF\xBF\xBD\xEF\xBF\xBD[31m");
+  EXPECT_EQ(parsed.warnings.at(0).text, "unknown keyword *NODE\\xff[31M; kept as it is");
+  EXPECT_EQ(parsed.warnings.at(0).place.sourceLine, "*NODE\xFF\x1B[31m");
 }
 
 // The fast pass against the plain definition, with marks on every border of blocks and pieces.

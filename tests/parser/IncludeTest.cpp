@@ -165,8 +165,31 @@ TEST_F(Include, OtherFilesAreNoDataLines) {
   EXPECT_EQ(shown(parsed.warnings), "");
 }
 
+// Of what nobody opens, the name alone goes into another deck.
+TEST_F(Include, NamesThatAreKeptAreKnown) {
+  const Parsed parsed =
+      Parse({{"a.inp", "*BOUNDARY, FILE=main.txt\n*INCLUDE, INPUT=sub/b.inp\n"},
+             {"sub/b.inp", "*TEMPERATURE, FILE=beside.txt\n*TEMPERATURE, FILE=main.txt\n"
+                           "*TEMPERATURE, FILE=later.txt\n*TEMPERATURE, FILE=" +
+                               PathOf("sub/beside.txt") + "\n"},
+             {"main.txt", ""},
+             {"sub/beside.txt", ""}},
+            utl_pathText(folder.Path()));
+  cow_String told;
+  for (const wip_Message& message : parsed.warnings)
+    if (message.text.find(" lies in ") != cow_String::npos)
+      told += std::to_string(message.place.line) + ' ' + message.text + '\n';
+  EXPECT_EQ(told, "1 \"beside.txt\" lies in \"" + PathOf("sub") +
+                      "\", beside the file that names it; a written deck names it without this "
+                      "folder\n");
+}
+
 TEST_F(Include, AJobNameStandsForThePath) {
-  writeFile(folder / "a.inp", "*NODE");
+  writeFile(folder / "a.inp", "*NODE\n*INCLUDE, INPUT=b.inp");
+  writeFile(folder / "b.inp", "*ELEMENT");
   inp_Parser parser(PathOf("a.inp"), "", {}, "Job-1", true, true, false);
   EXPECT_EQ(parser.Parse(true).at(0).FileName(), "Job-1");
+  EXPECT_EQ(parser.FileErrors().at(0).notes.at(0).text, "looked for in: .");
+  inp_Parser found(PathOf("a.inp"), utl_pathText(folder.Path()), {}, "Job-1", true, true, false);
+  EXPECT_EQ(found.Parse(true).size(), 2u);
 }

@@ -282,6 +282,7 @@ def torture_asked(words, folder):
     old = folder / "old.sim"
     old.write_bytes(b"whatever")
     commands = [["convert", deck, "-o", old, "--force"],
+                ["convert", deck, "-o", folder / "fresh.sim"],
                 ["convert", more, "--restart", base, "-o", folder / "model.sim"],
                 ["write", base, "-o", folder / "written.inp"],
                 ["export", base, folder / "mesh.vtu", "--sets"],
