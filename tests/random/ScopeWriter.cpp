@@ -18,7 +18,11 @@ void ScopeWriter::Name(const cow_String& letter, cow_String& name, cow_String& t
 }
 
 void ScopeWriter::Kept() {
-  m_form->Text(m_random.Of(keptOfModel));
+  const cow_String text = m_random.Of(keptOfModel);
+  const bool defines =
+      text.find("NAME=") != cow_String::npos || text.find("name =") != cow_String::npos;
+  if (defines && !m_defined.insert(text).second) return; // a name can be defined once
+  m_form->Text(text);
 }
 
 void ScopeWriter::KeptStep() {

@@ -2,6 +2,7 @@
 
 #include "tests/random/RandomDeck.h"
 #include <functional>
+#include <set>
 
 // Writes the nodes, elements and sets of one part, instance, assembly or flat model in any order of
 // keywords, with keywords among them that are kept as text.
@@ -57,5 +58,6 @@ private:
   // Rotation (by columns) and origin of *SYSTEM.
   std::array<double, 12> m_system = {};
   bool m_hasSystem = false;
-  int m_userNodes = 0; // of U1; 0: not defined yet
+  int m_userNodes = 0;            // of U1; 0: not defined yet
+  std::set<cow_String> m_defined; // of what is kept as text
 };
