@@ -174,6 +174,10 @@ void inpS_Inventory::VisitCfd(const inp_Keyword&) {
   m_standard = false;
 }
 
+void inpS_Inventory::VisitDistribution(const inp_Keyword& keyword) {
+  m_distributions.insert(keyword.StringOf("name", ""));
+}
+
 void inpS_Inventory::VisitDynamic(const inp_Keyword& keyword) {
   if (!keyword.HasParameter("explicit")) return;
   m_standard = false;

@@ -4,6 +4,7 @@
 #include "database/KvoObjDocument.h"
 #include "parser/inp_Visitor.h"
 #include <memory>
+#include <set>
 
 class KvoSimCSetID;
 class inpS_ComponentSets;
@@ -37,6 +38,8 @@ public:
   bool HasHeading() const { return m_headingSeen; } // its text may be empty
   const cow_String& AssemblyName() const { return m_assemblyName; }
   const cow_String& InputDir() const { return m_inputDir; }
+  // Whether some *DISTRIBUTION of the deck has the name.
+  bool HasDistribution(const cow_String& name) const { return m_distributions.contains(name); }
   const KvoObjDocument& GetDocument() const { return m_document; }
 
   inpS_RestartKind RestartKind() const { return m_restartKind; }
@@ -66,6 +69,7 @@ public:
   void VisitStep(const inp_Keyword& keyword) override;
   void VisitAnneal(const inp_Keyword& keyword) override;
   void VisitCfd(const inp_Keyword& keyword) override;
+  void VisitDistribution(const inp_Keyword& keyword) override;
   void VisitDynamic(const inp_Keyword& keyword) override;
   void VisitEndStep(const inp_Keyword& keyword) override;
   void VisitNcopy(const inp_Keyword& keyword) override;
@@ -111,6 +115,7 @@ private:
   cow_String m_heading;
   cow_String m_assemblyName;
   cow_String m_inputDir;
+  std::set<cow_String> m_distributions;
   long long m_nodeCount = 0;
   cow_Map<cow_String, long long> m_elementCounts;
   cow_Map<cow_String, PartFacts> m_parts;

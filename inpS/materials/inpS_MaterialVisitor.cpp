@@ -53,13 +53,11 @@ bool hasData(const inp_Keyword& keyword) {
   return false;
 }
 
-// A name instead of numbers, where the deck language allows one: the values come from a
-// distribution. A name begins with a letter, so a slip within a number is none.
-bool namesDistribution(const inp_Keyword& keyword) {
+// A word where the deck language allows the name of a distribution instead of numbers.
+bool mayNameDistribution(const inp_Keyword& keyword) {
   const inp_DataArray& data = keyword.Data();
   return inp_KeywordTable::Instance().Row(keyword.Kind())->data == inp_DataKind::Mixed &&
-         data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String &&
-         data.FieldText(0, 0).find_first_of("0123456789+-.") != 0;
+         data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
 }
 
 // Why a keyword is not converted where nothing is wrong enough for a message of its own; empty for
@@ -332,10 +330,22 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
     return false;
   }
   if (inpS_hasUnknownWord(keyword)) return false; // told
-  if (behavior->HasTable() && namesDistribution(keyword)) return false;
+  if (behavior->HasTable() && NamesDistribution(keyword)) return false;
   if (behavior->form == inpS_DataForm::None) TellOfData(keyword);
   if (behavior->repeat == inpS_Repeat::Many) return true;
   return !IsSecond(keyword, *behavior, owner);
+}
+
+// Any other word is no number, and told like one wherever it stands.
+bool inpS_MaterialVisitor::NamesDistribution(const inp_Keyword& keyword) {
+  if (!mayNameDistribution(keyword)) return false;
+  const cow_String name = keyword.Data().AsString(0, 0);
+  if (!m_inventory.HasDistribution(name)) return false;
+  AddWarning(inp_Utils::MessageAtField(keyword, 0, 0,
+                                       "The values of the distribution \"" + name +
+                                           "\" are not converted; *" + keyword.Name() +
+                                           " is kept as text."));
+  return true;
 }
 
 bool inpS_MaterialVisitor::IsSecond(const inp_Keyword& keyword, const inpS_Behavior& behavior,

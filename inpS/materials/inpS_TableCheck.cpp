@@ -56,13 +56,25 @@ private:
   static int Number(std::size_t column) { return static_cast<int>(column); }
 
   wip_Message At(int row, int column, const cow_String& fault) const {
-    const auto [line, field] = m_table.PlaceOf(row, column);
+    return At(m_table.PlaceOf(row, column), fault);
+  }
+  wip_Message At(const inpS_KeywordDataTable::Place& place, const cow_String& fault) const {
+    const auto [line, field] = place;
     return field >= 0 ? inp_Utils::MessageAtField(m_keyword, line, field, fault)
                       : inp_Utils::MessageAtRow(m_keyword, line, fault);
   }
-  // A row that looks wrong is kept all the same: what it means is the analyst's to say.
+  // A row that looks wrong is kept all the same: what it means is the analyst's to say. A word that
+  // is no number has been told, and what it reads as is nobody's.
   void Tell(int row, int column, const cow_String& fault) {
-    m_messages.AddWarning(At(row, column, fault));
+    const inpS_KeywordDataTable::Place place = m_table.PlaceOf(row, column);
+    if (!IsUnread(place)) m_messages.AddWarning(At(place, fault));
+  }
+  bool IsUnread(const inpS_KeywordDataTable::Place& place) const {
+    const auto placeOf = [](const inpS_UnreadField& field) {
+      return std::pair(field.row, field.col);
+    };
+    return std::ranges::binary_search(m_table.Unread(), std::pair(place.line, place.field), {},
+                                      placeOf);
   }
 
   bool IsBlank(int row) const {
