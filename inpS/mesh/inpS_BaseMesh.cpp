@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_BaseMesh.h"
+#include "base/utl_Assert.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjMesh.h"
 #include "database/KvoSimDataRecord.h"
@@ -33,13 +34,17 @@ void inpS_BaseMesh::LoadNodes() {
                                      3 * static_cast<std::size_t>(block.count)));
     if (block.normals.IsNull()) continue;
     eds_ArrayReader ordinals(block.normalOrdinals);
-    utl_Buffer<int> with(static_cast<std::size_t>(ordinals.Count()));
+    const int64_t len = ordinals.Count() * ordinals.Width() * eds_sizeOf(ordinals.ValueType());
+    const auto n = static_cast<std::size_t>(ordinals.Count());
+    if (n * sizeof(int) != static_cast<std::size_t>(len))
+      utl_assertionFailed("n*sizeof(int) == len");
+    utl_Buffer<int> with(n);
     ordinals.ReadPiece(0, std::span<int>(with));
     const std::size_t first = m_normals.Size();
     m_normals.Resize(first + 3 * with.Size());
     eds_ArrayReader(block.normals).ReadPiece(0, std::span<double>(m_normals).subspan(first));
-    for (std::size_t n = 0; n < with.Size(); ++n)
-      m_normalAt[static_cast<std::size_t>(block.first + with[n])] = static_cast<int>(first / 3 + n);
+    for (std::size_t i = 0; i < n; ++i)
+      m_normalAt[static_cast<std::size_t>(block.first + with[i])] = static_cast<int>(first / 3 + i);
   }
 }
 

@@ -113,6 +113,20 @@ const inpS_ElementBlock* inpS_ElementConnectivity::BlockOf(long long element) co
   return &m_blocks[m_lastFound];
 }
 
+utl_Buffer<int> inpS_ElementConnectivity::ExtraNodes(bool reference) const {
+  utl_Buffer<int> pairs;
+  for (const inpS_ElementBlock& block : m_blocks) {
+    if (block.width <= block.topology || block.referenceNode != reference) continue;
+    for (long long n = 0; n < block.count; ++n) {
+      const int node = block.nodes[static_cast<std::size_t>(n * block.width + block.topology)];
+      if (node < 0) continue;
+      pairs.Append(static_cast<int>(block.first + n));
+      pairs.Append(node);
+    }
+  }
+  return pairs;
+}
+
 // Elements whose label was taken have got no ordinal of their own, so blocks are not asked for
 // their count here.
 const inpS_ElementBlock::From* inpS_ElementConnectivity::DefinitionOf(long long ordinal) const {

@@ -79,6 +79,11 @@ public:
   const cow_List<inpS_ElementBlock>& Blocks() const { return m_blocks; }
   const inpS_ElementBlock* BlockOf(long long element) const; // null when none holds it
 
+  // Pairs of element and node, ordinals of both: the nodes that give beams their directions, and
+  // the reference nodes of axisymmetric rigid surfaces and drag chains.
+  utl_Buffer<int> BeamExtraNodes() const { return ExtraNodes(false); }
+  utl_Buffer<int> ReferenceNodes() const { return ExtraNodes(true); }
+
   // Where the element of this ordinal got its label.
   const inpS_ElementBlock::From* DefinitionOf(long long ordinal) const;
 
@@ -95,6 +100,7 @@ public:
   void Discard(); // the mesh failed: takes back what was stored
 
 private:
+  utl_Buffer<int> ExtraNodes(bool reference) const;
   void CloseLast();
   void ResolveHeld(inpS_ElementBlock& block, const KvoObjLabeler& nodes, int occurrence);
   void ResolveOpen(inpS_ElementBlock& block, const KvoObjLabeler& nodes, int occurrence);

@@ -74,6 +74,7 @@ public:
   inpS_MeshScope* FindPart(const cow_String& name);
   inpS_MeshScope* FindInstance(const cow_String& name);
   std::deque<inpS_MeshScope>& All() { return m_scopes; }
+  const std::deque<inpS_MeshScope>& All() const { return m_scopes; }
   inpS_TextElements& TextElements() { return m_textElements; } // by the scopes' elementOccurrence
   const inpS_TextElements& TextElements() const { return m_textElements; }
 

@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_MeshStore.h"
+#include "base/utl_Assert.h"
 #include "database/KvoObjElementSet.h"
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjMesh.h"
@@ -62,13 +63,15 @@ eds_ArrayID writePlacedNormals(const inpS_MeshScope& scope, const utl_Buffer<dou
 // A restart meets pairs of elements that were there before; they come first.
 void addStored(const KvoSimDistribution& before, utl_Buffer<int>& pairs) {
   if (before.IsNull() || before.IsEmpty()) return;
-  utl_Buffer<int> all;
-  for (const int64_t drawer : before.DrawerIDArray()) {
-    eds_ArrayReader array(before.DrawerArray(drawer));
-    const std::size_t first = all.Size();
-    all.Resize(first + 2 * static_cast<std::size_t>(array.Count()));
-    array.ReadPiece(0, std::span<int>(all).subspan(first));
-  }
+  const std::vector<int64_t> drawers = before.DrawerIDArray();
+  if (drawers.size() != 1) utl_assertionFailed("drawers.Size() == 1");
+  eds_ArrayReader array(before.DrawerArray(drawers.front()));
+  const int64_t size = array.Count() * array.Width() * eds_sizeOf(array.ValueType());
+  const auto n = static_cast<std::size_t>(2 * array.Count());
+  if (n * sizeof(int) != static_cast<std::size_t>(size))
+    utl_assertionFailed("n*sizeof(int) == size");
+  utl_Buffer<int> all(n);
+  array.ReadPiece(0, std::span<int>(all));
   all.Append(std::span<const int>(pairs));
   pairs = std::move(all);
 }
@@ -98,22 +101,19 @@ KvoSimPosition inpS_MeshStore::SaveElementType(const KvoObjDocument& document,
 void inpS_MeshStore::SaveExtraNodes() {
   KvoObjMesh mesh = m_document.GetModel().GetMesh();
   utl_Buffer<int> beams, references;
-  for (inpS_MeshScope& scope : m_scopes.All()) {
+  for (const inpS_MeshScope& scope : m_scopes.All()) {
     if (isPart(scope)) continue;
-    const auto gather = [&](const inpS_MeshScope& from) {
-      for (const inpS_ElementBlock& block : from.elements.Blocks()) {
-        if (block.width <= block.topology) continue;
-        utl_Buffer<int>& pairs = block.referenceNode ? references : beams;
-        for (long long n = 0; n < block.count; ++n) {
-          const int node = block.nodes[static_cast<std::size_t>(n * block.width + block.topology)];
-          if (node < 0) continue;
-          pairs.Append(static_cast<int>(scope.elementBase + block.first + n));
-          pairs.Append(static_cast<int>(scope.nodeBase + node));
-        }
+    const auto gather = [&scope](const utl_Buffer<int>& own, utl_Buffer<int>& pairs) {
+      for (std::size_t n = 0; n < own.Size(); n += 2) {
+        pairs.Append(static_cast<int>(scope.elementBase + own[n]));
+        pairs.Append(static_cast<int>(scope.nodeBase + own[n + 1]));
       }
     };
-    if (scope.part) gather(*scope.part);
-    gather(scope);
+    for (const inpS_MeshScope* from : {static_cast<const inpS_MeshScope*>(scope.part), &scope}) {
+      if (!from) continue;
+      gather(from->elements.BeamExtraNodes(), beams);
+      gather(from->elements.ReferenceNodes(), references);
+    }
   }
   const auto save = [&](utl_Buffer<int> pairs, const KvoSimDistribution& before,
                         eds_DataType type) {

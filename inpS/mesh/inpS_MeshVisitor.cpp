@@ -6,20 +6,17 @@
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/framework/inpS_UnusedLines.h"
-#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_BaseSurfaces.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
-#include "inpS/mesh/inpS_ElementStream.h"
+#include "inpS/mesh/inpS_ElementReading.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
 #include "inpS/mesh/inpS_MeshStore.h"
 #include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_NodeReader.h"
 #include "inpS/mesh/inpS_Salvage.h"
 #include "inpS/mesh/inpS_ScopedNodes.h"
-#include "inpS/messages/inpS_LocatedText.h"
-#include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
 #include <limits>
@@ -27,7 +24,6 @@
 namespace {
 
 constexpr long long kMaxLabel = 999999999;
-constexpr int kMostNodesOfUserElement = 100000; // as of a type that nobody describes
 
 // The first point of a system is given and is not the global origin, and there is no other one.
 bool isOriginAlone(const inp_DataArray& data) {
@@ -39,12 +35,6 @@ bool isOriginAlone(const inp_DataArray& data) {
       isOrigin = true;
     }
   return isOrigin;
-}
-
-// Of elements that are the owner's own.
-void addOrdinals(const cow_List<inpS_KnownElement>& known, cow_List<int>& ordinals) {
-  for (const inpS_KnownElement& element : known)
-    if (element.ordinal >= 0) ordinals.push_back(element.ordinal);
 }
 
 } // namespace
@@ -70,7 +60,8 @@ const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
 void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   // User element types hold for the whole deck, wherever in it they are defined.
   for (const inp_Keyword& keyword : keywords)
-    if (keyword.Kind() == inp_KwUserElement && !keyword.IsInstanceCopy()) ReadUserElement(keyword);
+    if (keyword.Kind() == inp_KwUserElement && !keyword.IsInstanceCopy())
+      m_types.ReadUserElement(keyword, *this);
   m_hasInstances = std::any_of(keywords.begin(), keywords.end(), [](const inp_Keyword& keyword) {
     return keyword.Kind() == inp_KwInstance;
   });
@@ -143,9 +134,9 @@ void inpS_MeshVisitor::OpenLabels(inpS_MeshScope& scope) {
 void inpS_MeshVisitor::LoadBaseElements(inpS_MeshScope& scope) {
   if (!scope.base) return;
   scope.base->LoadElements([this](const cow_String& name, int width) {
-    const inpS_ElementParameters type(m_typeData, name);
+    const inpS_ElementParameters type(m_types.Data(), name);
     const int topology = type.TopologyNodes(width);
-    return inpS_BaseMesh::Type{FindElementType(type), topology,
+    return inpS_BaseMesh::Type{m_types.IndexOf(type), topology,
                                width > topology && type.CarriesReferenceNode(),
                                inpS_GeneratedNodes::IsCompleted(name)};
   });
@@ -328,105 +319,31 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
 
 // ---- elements
 
-void inpS_MeshVisitor::ReadUserElement(const inp_Keyword& keyword) {
-  const inp_Item* type = keyword.Find("type");
-  const inp_Item* nodes = keyword.Find("nodes");
-  if (!type || !nodes) return;
-  const bool usable =
-      nodes->IsInteger() && nodes->AsInt() > 0 && nodes->AsInt() <= kMostNodesOfUserElement;
-  if (!usable)
-    return AddError(inp_Utils::MessageAtParameter(
-        keyword, "nodes",
-        "A user element has from 1 to " + std::to_string(kMostNodesOfUserElement) + " nodes."));
-  const cow_String& name = type->AsString();
-  const int known = m_typeData.MinNodesPerElement(name);
-  if (known > 0 && known != nodes->AsInt())
-    AddWarning(inp_Utils::MessageAtParameter(keyword, "nodes",
-                                             "Element type \"" + name + "\" has " +
-                                                 std::to_string(known) +
-                                                 " nodes already; this number is not used."));
-  m_typeData.UpdateUserElemType(name, nodes->AsInt());
-}
-
-// Why its elements cannot be read; nothing when they can.
-std::optional<wip_Message> inpS_MeshVisitor::TypeFault(const inp_Keyword& keyword) const {
-  const inp_Item* item = keyword.Find("type");
-  if (!item || item->AsString().empty())
-    return inp_Utils::MessageInKeyword(keyword,
-                                       inpS_messageText(inpS_app_RequiredParameter, {"type"}) +
-                                           " The keyword is kept as text.");
-  const cow_String type = inp_Utils::Fold(item->AsString());
-  const inpS_ElementParameters parameters(m_typeData, type);
-  if (m_typeData.IsSupported(type) || parameters.IsSubstructure() || parameters.IsUserElement())
-    return {};
-  const bool isObsolete = m_typeData.IsObsolete(type);
-  wip_Message message = inp_Utils::MessageAtParameter(
-      keyword, "type",
-      "Element type \"" + type + (isObsolete ? "\" is obsolete" : "\" is not known") +
-          "; the keyword is kept as text.");
-  const std::string_view near =
-      isObsolete ? std::string_view() : inp_KeywordTable::Instance().NearestElement(type);
-  if (!near.empty()) message.notes.push_back({"did you mean " + cow_String(near) + "?", {}});
-  return message;
-}
-
-int inpS_MeshVisitor::FindElementType(const inpS_ElementParameters& parameters) {
-  const auto [known, isNew] =
-      m_typeIndex.try_emplace(parameters.Name(), static_cast<int>(m_types.size()));
-  if (isNew)
-    m_types.push_back(
-        {parameters.Name(), parameters.MinNodesPerElement(), parameters.MaxNodesPerElement(), {}});
-  return known->second;
-}
-
 void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
   keyword.Find("input"); // the parser has read that file's lines
-  const inp_Item* file = keyword.Find("file");
-  const bool solidNumbering = inpS_readFlag(keyword, "solidelementnumbering", *this);
-  if (std::optional<wip_Message> fault = TypeFault(keyword))
+  if (std::optional<wip_Message> fault = m_types.FaultOf(keyword))
     return m_asText.Keep(keyword, scope, *std::move(fault));
   const inp_Item* elset = m_setReader.FindName(keyword, "elset");
-  const cow_String& type = keyword.Find("type")->AsString();
-  const bool hasPlanes = inpS_ElementParameters(m_typeData, type).IsOffsetElement();
-  const int offset = hasPlanes ? inpS_GeneratedNodes::OffsetOf(keyword, *this) : 0;
-  const inpS_ElementParameters parameters(m_typeData, type, solidNumbering, offset);
-  inpS_ElementConnectivity::Kind kind = {
-      FindElementType(parameters), parameters.MaxNodesPerElement(),
-      parameters.HasSolidElementNumbering() ? "SOLID ELEMENT NUMBERING"
-      : file && parameters.IsSubstructure() ? "FILE=" + file->Verbatim()
-                                            : "",
-      false, parameters.Form()};
-  const long long first = m_elements.Size(scope.elementOccurrence);
-  m_elements.Reserve(scope.elementOccurrence, first + keyword.Data().Rows());
-  inpS_LabelFaults faults;
-  cow_List<int> again; // ordinals of elements that it defines again
+  inpS_ElementReading reading(keyword, m_types, m_nodes, m_elements, m_salvage, *this);
   // Without any node to refer to, or with nodes named by instance, nothing can be translated yet;
   // where others will be made from these elements, they are to stay at hand as the deck has them.
   const bool mayStream = m_nodes.Size(scope.nodeOccurrence) > 0 &&
                          !(scope.kind == inpS_MeshScope::Kind::Root && m_hasInstances) &&
-                         !m_salvage && !m_copyScopes.Holds(scope) &&
-                         inpS_ElementStream::Serves(parameters);
-  // Elements that stood in front of all nodes make one block with those behind.
-  kind.held = true;
-  kind.held = !mayStream || scope.elements.Continues(kind);
-  if (!kind.held)
-    StreamElements(keyword, scope, parameters, kind, faults, again);
-  else
-    HoldElements(keyword, scope, parameters, kind, faults, again);
-  faults.Report(keyword, parameters, *this);
-  const long long count = m_elements.Size(scope.elementOccurrence) - first;
+                         !m_copyScopes.Holds(scope);
+  reading.Read(scope, mayStream);
   if (!elset) return;
   inpS_SetDefinition& set = scope.sets.FindOrAdd(inpS_SetKind::Elements, elset->AsString());
   inpS_beginRuns(set, keyword);
-  if (count > 0) inpS_addRun(set, first, count);
-  for (const int ordinal : again) inpS_addRun(set, ordinal, 1);
+  if (reading.Count() > 0) inpS_addRun(set, reading.First(), reading.Count());
+  for (const int ordinal : reading.Again()) inpS_addRun(set, ordinal, 1);
 }
 
 inpS_ElementCopies inpS_MeshVisitor::Copies() {
-  return {m_nodes, m_elements, m_scopes, m_setReader, m_typeData, TypeNames(), m_salvage, *this};
+  return {m_nodes,        m_elements,      m_scopes,  m_setReader,
+          m_types.Data(), m_types.Names(), m_salvage, *this};
 }
 
 void inpS_MeshVisitor::VisitElgen(const inp_Keyword& keyword) {
@@ -442,91 +359,6 @@ void inpS_MeshVisitor::VisitElcopy(const inp_Keyword& keyword) {
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (MayGrow(keyword, scope) && !m_asText.KeepMadeFromText(keyword, scope))
     Copies().Copy(keyword, scope);
-}
-
-void inpS_MeshVisitor::StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
-                                      const inpS_ElementParameters& parameters,
-                                      const inpS_ElementConnectivity::Kind& kind,
-                                      inpS_LabelFaults& faults, cow_List<int>& again) {
-  inpS_ElementStream stream(parameters, *this);
-  const inpS_ElementBlock* block = nullptr;
-  const auto append = [&](long long first, std::span<const int> ordinals,
-                          std::span<const inpS_OpenEntry> open) {
-    if (!block) block = &scope.elements.BlockFor(kind, first, keyword, scope.owner);
-    scope.elements.AppendStreamed(ordinals, open);
-  };
-  stream.Read(keyword, m_nodes, scope.nodeOccurrence, [&](const inpS_ElementStream::Piece& piece) {
-    const long long first = m_elements.Size(scope.elementOccurrence);
-    const cow_List<inpS_KnownElement> known = faults.Define(scope, piece.labels, m_elements);
-    if (known.empty()) return append(first, piece.ordinals, piece.open);
-    addOrdinals(known, again);
-    cow_List<int> fresh;
-    cow_List<inpS_OpenEntry> open;
-    scope.redefined.Take(kind, keyword, piece.ordinals, piece.open, known, m_nodes,
-                         scope.nodeOccurrence, fresh, open);
-    if (!fresh.empty()) append(first, fresh, open);
-  });
-}
-
-void inpS_MeshVisitor::HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
-                                    const inpS_ElementParameters& parameters,
-                                    inpS_ElementConnectivity::Kind kind, inpS_LabelFaults& faults,
-                                    cow_List<int>& again) {
-  inpS_ElementTopologyReader reader(parameters, *this);
-  reader.Read(keyword, scope.kind == inpS_MeshScope::Kind::Root);
-  if (m_salvage) LeaveOutFaulty(scope, reader);
-  if (reader.Count() == 0) return;
-  const cow_List<int> across = inpS_GeneratedNodes::AcrossInstances(parameters, reader);
-  NoteFaulty(scope, across);
-  if (!across.empty())
-    AddError(inp_Utils::MessageInKeyword(
-        keyword, "Elements with nodes of instances must list all their nodes: ", across));
-  if (parameters.IsOffsetElement()) {
-    const auto planes = inpS_GeneratedNodes::AddFourierPlanes(parameters, reader, scope);
-    kind.offset = planes.offset;
-    NoteFaulty(scope, planes.tooFar);
-    if (!planes.tooFar.empty())
-      AddError(inp_Utils::MessageInKeyword(
-          keyword, "OFFSET leads to node labels that are not from 1 to 999999999 in elements: ",
-          planes.tooFar));
-  }
-  kind.width = reader.Width();
-  kind.held = true;
-  const long long first = m_elements.Size(scope.elementOccurrence);
-  const cow_List<inpS_KnownElement> known = faults.Define(scope, reader.Labels(), m_elements);
-  const bool ragged = reader.IsRagged() || parameters.IsConnectorElement();
-  if (!known.empty()) {
-    addOrdinals(known, again);
-    cow_List<std::size_t> places;
-    for (const inpS_KnownElement& element : known) places.push_back(element.at);
-    scope.redefined.Take(kind, keyword, reader.TakeOut(places), ragged, known);
-    if (reader.Count() == 0) return;
-  }
-  inpS_ElementBlock& block = scope.elements.BlockFor(kind, first, keyword, scope.owner);
-  scope.elements.AppendHeld(block, reader, ragged);
-}
-
-// ---- a mesh with faults
-
-void inpS_MeshVisitor::LeaveOutFaulty(const inpS_MeshScope& scope,
-                                      inpS_ElementTopologyReader& reader) {
-  long long leftOut =
-      reader.Keep([&](int label) { return m_salvage->IsSound(scope, label, m_elements); });
-  for (; leftOut > 0; --leftOut) m_salvage->PassOver();
-}
-
-void inpS_MeshVisitor::NoteFaulty(const inpS_MeshScope& scope, const cow_List<int>& labels) {
-  if (!m_salvage) return;
-  for (const int label : labels) m_salvage->Note(scope.elementOccurrence, label);
-}
-
-// Those that refer to nodes which do not exist.
-void inpS_MeshVisitor::NoteFaulty() {
-  if (!m_salvage) return;
-  for (const inpS_MeshScope& scope : m_scopes.All())
-    for (const long long ordinal : scope.elements.Faulty())
-      m_salvage->Note(scope.elementOccurrence,
-                      m_elements.GetInstanceLabel(scope.elementOccurrence, ordinal));
 }
 
 // ---- sets
@@ -549,12 +381,6 @@ void inpS_MeshVisitor::VisitElset(const inp_Keyword& keyword) {
 
 // ---- the end of the walk
 
-cow_List<cow_String> inpS_MeshVisitor::TypeNames() const {
-  cow_List<cow_String> names;
-  for (const ElementType& type : m_types) names.push_back(type.name);
-  return names;
-}
-
 void inpS_MeshVisitor::FinishScope(inpS_MeshScope& scope) {
   scope.nodes.Finish();
   scope.nodes.TellRedefined(m_nodes, scope.nodeOccurrence, *this);
@@ -563,7 +389,7 @@ void inpS_MeshVisitor::FinishScope(inpS_MeshScope& scope) {
 
 // New labels must not meet those of the nodes that instances add to their part's.
 void inpS_MeshVisitor::CompleteParts(inp_KeywordListRef keywords) {
-  const cow_List<cow_String> types = TypeNames();
+  const cow_List<cow_String> types = m_types.Names();
   for (inpS_MeshScope& scope : m_scopes.All())
     if (scope.kind == inpS_MeshScope::Kind::Part) FinishScope(scope);
   const auto takesLabels = [&](const inpS_MeshScope& scope) {
@@ -609,7 +435,7 @@ bool inpS_MeshVisitor::FitsOrdinals(inp_KeywordListRef keywords) {
 
 void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
   m_asText.AddSets();
-  const cow_List<cow_String> types = TypeNames();
+  const cow_List<cow_String> types = m_types.Names();
   const auto complete = [&](inpS_MeshScope& scope) {
     FinishScope(scope);
     inpS_GeneratedNodes::Complete(m_scopes, scope, types, m_nodes, m_largestNodeLabel);
@@ -623,7 +449,7 @@ void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
     scope.elements.Resolve(m_nodes, scope.nodeOccurrence, m_elements, scope.elementOccurrence,
                            *this);
   inpS_resolveScopedNodes(m_scopes, m_nodes, *this);
-  NoteFaulty();
+  if (m_salvage) m_salvage->NoteFaulty(m_scopes, m_elements);
   for (inpS_MeshScope& scope : m_scopes.All()) scope.elements.StoreHeld(scope.owner);
   m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, m_setMessages);
   for (const inpS_MeshScope& scope : m_scopes.All())
@@ -645,18 +471,8 @@ void inpS_MeshVisitor::Discard() {
 
 // ---- writing
 
-// In the order in which the mesh holds them, which is that of a deck written back.
 void inpS_MeshVisitor::SaveElementTypes(KvoSimTransaction&) {
-  for (const inpS_MeshScope& scope : m_scopes.All()) {
-    for (const inpS_ElementBlock& block : scope.elements.Blocks()) {
-      ElementType& type = m_types[static_cast<std::size_t>(block.spec)];
-      if (!type.spec.IsNull()) continue;
-      const inp_ElementInfo* info = inp_KeywordTable::Instance().FindElement(type.name);
-      const inpS_ElementParameters parameters(m_typeData, type.name);
-      type.spec = inpS_MeshStore::SaveElementType(m_inventory.GetDocument(), parameters,
-                                                  info ? info->dimension : 0);
-    }
-  }
+  m_types.Save(m_inventory.GetDocument(), m_scopes);
 }
 
 void inpS_MeshVisitor::SaveBeamExtraNodes(KvoSimTransaction&) {
@@ -671,9 +487,8 @@ void inpS_MeshVisitor::SaveMeshAndUserNodes(KvoSimTransaction&) {
 }
 
 void inpS_MeshVisitor::SaveMeshAndUserElements(KvoSimTransaction&) {
-  cow_List<KvoSimPosition> specs;
-  for (const ElementType& type : m_types) specs.push_back(type.spec);
-  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes).SaveElements(specs);
+  inpS_MeshStore(m_inventory.GetDocument(), m_nodes, m_elements, m_scopes)
+      .SaveElements(m_types.Records());
 }
 
 void inpS_MeshVisitor::SaveSets(KvoSimTransaction&) {

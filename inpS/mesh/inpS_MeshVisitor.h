@@ -2,10 +2,9 @@
 
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
-#include "inpS/mesh/inpS_BasicElemTypeData.h"
 #include "inpS/mesh/inpS_ElementCopies.h"
+#include "inpS/mesh/inpS_ElementTypes.h"
 #include "inpS/mesh/inpS_ElementsAsText.h"
-#include "inpS/mesh/inpS_LabelFaults.h"
 #include "inpS/mesh/inpS_MeshSetReader.h"
 #include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/mesh/inpS_SetResolver.h"
@@ -72,13 +71,6 @@ public:
   bool IsInSpace() const; // by the lines of this deck, what it has generated so far, or its base
 
 private:
-  struct ElementType {
-    cow_String name;
-    int minNodes = 0;
-    int maxNodes = 0;
-    KvoSimPosition spec;
-  };
-
   inpS_MeshScope* ScopeOf(const inp_Keyword& keyword); // null: it belongs to a refused instance
   inpS_MeshScope* OpenPart(const cow_String& name);
   void OpenRoot();
@@ -91,22 +83,7 @@ private:
   void TakeNodes(inpS_MeshScope& scope, const inpS_NodePiece& nodes, inpS_SetDefinition* set,
                  cow_List<int>& refused);
   void ReportRefused(const inp_Keyword& keyword, const cow_List<int>& refused);
-  void ReadUserElement(const inp_Keyword& keyword);
-
-  int FindElementType(const inpS_ElementParameters& parameters);
-  std::optional<wip_Message> TypeFault(const inp_Keyword& keyword) const;
   inpS_ElementCopies Copies();
-  void StreamElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
-                      const inpS_ElementParameters& parameters,
-                      const inpS_ElementConnectivity::Kind& kind, inpS_LabelFaults& faults,
-                      cow_List<int>& again);
-  void HoldElements(const inp_Keyword& keyword, inpS_MeshScope& scope,
-                    const inpS_ElementParameters& parameters, inpS_ElementConnectivity::Kind kind,
-                    inpS_LabelFaults& faults, cow_List<int>& again);
-  cow_List<cow_String> TypeNames() const;
-  void LeaveOutFaulty(const inpS_MeshScope& scope, inpS_ElementTopologyReader& reader);
-  void NoteFaulty(const inpS_MeshScope& scope, const cow_List<int>& labels);
-  void NoteFaulty();
   void FinishScope(inpS_MeshScope& scope);
   void CompleteParts(inp_KeywordListRef keywords);
   void Finish(inp_KeywordListRef keywords);
@@ -115,9 +92,7 @@ private:
   KvoObjLabeler& m_nodes;
   KvoObjLabeler& m_elements;
   const inpS_Inventory& m_inventory;
-  inpS_BasicElemTypeData m_typeData;
-  cow_List<ElementType> m_types;
-  cow_Map<cow_String, int> m_typeIndex;
+  inpS_ElementTypes m_types;
   inpS_MeshScopes m_scopes;
   inp_Visitor m_setMessages;  // what is told of sets, kept apart
   inp_Visitor m_lateMessages; // of a walk of which nothing else is told

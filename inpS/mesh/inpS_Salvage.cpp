@@ -19,6 +19,21 @@ void inpS_Salvage::Note(int occurrence, int label) {
   m_grown = m_faulty.insert({occurrence, label}).second || m_grown;
 }
 
+void inpS_Salvage::Note(const inpS_MeshScope& scope, std::span<const int> labels) {
+  for (const int label : labels) Note(scope.elementOccurrence, label);
+}
+
+void inpS_Salvage::NoteFaulty(const inpS_MeshScopes& scopes, const KvoObjLabeler& elements) {
+  for (const inpS_MeshScope& scope : scopes.All())
+    for (const long long ordinal : scope.elements.Faulty())
+      Note(scope.elementOccurrence, elements.GetInstanceLabel(scope.elementOccurrence, ordinal));
+}
+
+void inpS_Salvage::LeaveOutFaulty(const inpS_MeshScope& scope, const KvoObjLabeler& elements,
+                                  inpS_ElementTopologyReader& reader) {
+  m_passedOver += reader.Keep([&](int label) { return IsSound(scope, label, elements); });
+}
+
 bool inpS_Salvage::IsSound(const inpS_MeshScope& scope, int label,
                            const KvoObjLabeler& elements) const {
   if (label <= 0 || label > kMaxLabel || m_faulty.contains({scope.elementOccurrence, label}))

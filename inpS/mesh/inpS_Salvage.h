@@ -2,8 +2,11 @@
 
 #include "inpS/mesh/inpS_MadeElements.h"
 #include <set>
+#include <span>
 #include <utility>
 
+class inpS_ElementTopologyReader;
+class inpS_MeshScopes;
 class KvoObjLabeler;
 struct inpS_MeshScope;
 
@@ -17,14 +20,20 @@ public:
   bool IsToBeRepeated() const { return m_grown; }
   long long LeftOut() const { return m_passedOver; } // elements, in the last walk
 
-  // Of elements of one owner, by the occurrence and labeler of it.
-  void Note(int occurrence, int label); // has a fault
-  void PassOver() { ++m_passedOver; }
+  // Of elements of one owner.
+  void Note(const inpS_MeshScope& scope, std::span<const int> labels); // have a fault
+  // Those of all owners that refer to nodes which do not exist.
+  void NoteFaulty(const inpS_MeshScopes& scopes, const KvoObjLabeler& elements);
+  // Takes what is not sound out of what one keyword lists.
+  void LeaveOutFaulty(const inpS_MeshScope& scope, const KvoObjLabeler& elements,
+                      inpS_ElementTopologyReader& reader);
   bool IsSound(const inpS_MeshScope& scope, int label, const KvoObjLabeler& elements) const;
   inpS_MadeElements SoundOf(const inpS_MadeElements& made, const inpS_MeshScope& scope,
                             const KvoObjLabeler& elements);
 
 private:
+  void Note(int occurrence, int label);
+
   std::set<std::pair<int, int>> m_faulty; // occurrence, label
   bool m_grown = false;
   long long m_passedOver = 0;

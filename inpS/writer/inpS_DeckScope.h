@@ -26,7 +26,11 @@ struct inpS_DeckLabels {
   // By occurrence of either labeler, quoted where needed; empty: not an instance.
   cow_List<cow_String> nodeInstances;
   cow_List<cow_String> elementInstances;
+  cow_Map<unsigned long long, cow_String> elementTypes; // names, by the packed record
 
+  const cow_String& TypeOf(const KvoMeshElementBlock& block) const {
+    return elementTypes.at(block.spec.Object().Packed());
+  }
   const cow_String& InstanceOf(bool nodes, int occurrence) const {
     return (nodes ? nodeInstances : elementInstances)[static_cast<std::size_t>(occurrence)];
   }

@@ -230,7 +230,7 @@ void inpS_MeshPrinter::PrintElements(const inpS_DeckScope& scope) {
 
 void inpS_MeshPrinter::PrintElementBlock(const inpS_DeckScope& scope,
                                          const KvoMeshElementBlock& block) {
-  const cow_String type = block.spec.DataRecord().ReturnString(eds_ElementSpec_Name);
+  const cow_String& type = m_labels.TypeOf(block);
   m_out << "*ELEMENT, TYPE=" << type;
   if (!block.source.empty()) m_out << ", " << block.source;
   if (block.offset != 0) m_out << ", OFFSET=" << block.offset;

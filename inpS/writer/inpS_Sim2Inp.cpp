@@ -41,6 +41,7 @@ struct inpS_Sim2Inp::Impl {
         remark(comment ? comment : ""), diagnostics(stream) {}
 
   void LoadTables();
+  void LoadElemSpec2TypeMap();
   void LoadNodeLabels() { labels->nodes.Read(); }
   void LoadElementLabels() { labels->elements.Read(); }
   void LoadKept();
@@ -168,7 +169,8 @@ void Impl::LoadTables() {
   {
     const bcu_MarkScope mark(kMarks, "LoadElemSpec");
     labels = std::make_unique<inpS_DeckLabels>(
-        inpS_DeckLabels{doc.GetMesh(), KvoObjLabeler(doc, 0), KvoObjLabeler(doc, 1), {}, {}});
+        inpS_DeckLabels{doc.GetMesh(), KvoObjLabeler(doc, 0), KvoObjLabeler(doc, 1), {}, {}, {}});
+    LoadElemSpec2TypeMap();
     LoadKept();
   }
   {
@@ -189,6 +191,12 @@ void Impl::LoadTables() {
   };
   labels->nodeInstances = instancesOf(labels->nodes);
   labels->elementInstances = instancesOf(labels->elements);
+}
+
+void Impl::LoadElemSpec2TypeMap() {
+  for (const KvoSimPosition& spec : doc.Context().GetRecords(eds_RecordKind::ElementSpec))
+    labels->elementTypes[spec.Object().Packed()] =
+        spec.DataRecord().ReturnString(eds_ElementSpec_Name);
 }
 
 void Impl::LoadKept() {
