@@ -65,6 +65,7 @@ void inpS_BaseMesh::LoadElements(const TypeOf& typeOf) {
     block.count = stored.count;
     block.source = stored.source;
     block.offset = stored.offset;
+    block.plane = type.plane;
     block.completed = true;
     block.array = stored.connectivity;
     m_isGasket.push_back(type.isGasket);

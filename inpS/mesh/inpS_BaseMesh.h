@@ -15,6 +15,7 @@ public:
     int topology;       // nodes of an element as wide as the block that are its topology
     bool referenceNode; // one behind them is a reference node
     bool isGasket;      // completed by two nodes that were not given
+    int plane;          // nodes of one plane; 0: it has none
   };
   using TypeOf = std::function<Type(const cow_String& name, int width)>;
 

@@ -63,7 +63,7 @@ void inpS_ElcopyReader::AddTo(const inpS_ElementBlock& block, long long copy) {
                       m_runs.back().kind.offset == block.offset;
   if (!goesOn) {
     Run& run = m_runs.emplace_back();
-    run.kind = {block.spec, 0, block.source, true, {}, block.offset};
+    run.kind = {block.spec, 0, block.source, true, {}, block.offset, block.plane};
     run.first = copy;
   }
   Run& run = m_runs.back();

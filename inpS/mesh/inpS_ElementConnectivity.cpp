@@ -19,6 +19,30 @@ constexpr long long kStoredEntries = 1 << 18; // read and written again at a tim
 
 } // namespace
 
+std::span<const int> inpS_ElementBlock::NodesOf(long long element) const {
+  const auto size = static_cast<std::size_t>(width);
+  return {nodes.Data() + static_cast<std::size_t>(element) * size, size};
+}
+
+std::span<const inpS_ScopedNode> inpS_ElementBlock::ScopedOf(long long element) const {
+  const auto begin = std::partition_point(scoped.begin(), scoped.end(),
+                                          [&](const auto& node) { return node.element < element; });
+  const auto end = std::partition_point(begin, scoped.end(),
+                                        [&](const auto& node) { return node.element == element; });
+  return {begin, end};
+}
+
+bool inpS_ElementBlock::ImpliesPlanes(long long element) const {
+  if (offset == 0 || plane == 0 || !ScopedOf(element).empty()) return false;
+  const std::span<const int> labels = NodesOf(element);
+  for (int n = plane; n < width; ++n) {
+    const long long first = labels[static_cast<std::size_t>(n % plane)];
+    const long long further = n / plane;
+    if (labels[static_cast<std::size_t>(n)] != first + further * offset) return false;
+  }
+  return true;
+}
+
 // ---- while the deck is read
 
 void inpS_ElementConnectivity::CloseLast() {
@@ -45,6 +69,7 @@ inpS_ElementBlock& inpS_ElementConnectivity::BlockFor(const Kind& kind, long lon
     block.source = kind.source;
     block.held = kind.held;
     block.offset = kind.offset;
+    block.plane = kind.plane;
     block.first = first;
     if (!kind.held) m_writer.emplace(owner, eds_ValueType::Int32, kind.width);
   }

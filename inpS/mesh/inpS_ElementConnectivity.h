@@ -35,7 +35,8 @@ struct inpS_ElementBlock {
   bool referenceNode = false; // the extra node is a reference node, not a beam's direction
   long long first = 0;        // ordinal of the first element within the owner
   cow_String source;          // parameters of the keyword that the writer gives back
-  int offset = 0;             // between the node labels of planes, where some were implied
+  int offset = 0;             // between the node labels of planes, where some are implied
+  int plane = 0;              // nodes of one plane; 0: the type has none
   bool ragged = false;        // some elements have fewer nodes than width
   bool held = false;          // in `nodes`, as labels
   bool completed = false;     // has the nodes that its elements bring along
@@ -45,6 +46,12 @@ struct inpS_ElementBlock {
   cow_List<inpS_OpenEntry> open;
   cow_List<From> from;
   cow_List<inpS_ScopedNode> scoped; // element counted within the block
+
+  // What the block holds of an element, while it is held.
+  std::span<const int> NodesOf(long long element) const;
+  std::span<const inpS_ScopedNode> ScopedOf(long long element) const;
+  // Whether its nodes are those that the first plane and the offset imply.
+  bool ImpliesPlanes(long long element) const;
 };
 
 // The elements of one owner in deck order, as blocks of equal type and width.
@@ -58,6 +65,7 @@ public:
     bool held;
     inp_ElementForm form; // of its data lines
     int offset = 0;
+    int plane = 0;
   };
   // Whether the last block takes such elements.
   bool Continues(const Kind& kind) const;

@@ -161,25 +161,14 @@ void inpS_ElementCopies::AppendAll(const inp_Keyword& keyword, inpS_MeshScope& s
     else
       fresh.push_back(at);
   }
-  long long before = 0;
-  inpS_ElementBlock& block =
-      scope.redefined.Take(inpS_someOf(made, std::move(again)), keyword, known, before);
-  Complete(block, before, scope);
+  scope.redefined.Take(inpS_someOf(made, std::move(again)), keyword, known);
   if (!fresh.empty()) AppendFresh(keyword, scope, first, inpS_someOf(made, std::move(fresh)));
 }
 
 void inpS_ElementCopies::AppendFresh(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                      long long first, const inpS_MadeElements& made) {
   inpS_ElementBlock& block = scope.elements.BlockFor(made.kind, first, keyword, scope.owner);
-  const long long before = block.count;
   scope.elements.AppendMade(block, made);
-  Complete(block, before, scope);
-}
-
-void inpS_ElementCopies::Complete(inpS_ElementBlock& block, long long before,
-                                  inpS_MeshScope& scope) {
-  const inpS_ElementParameters type(m_types, m_typeNames[static_cast<std::size_t>(block.spec)]);
-  if (block.offset != 0) inpS_GeneratedNodes::ImplyFourierPlanes(block, before, type, scope);
 }
 
 // Elements that had their labels already belong to the keyword's set as its new ones do.

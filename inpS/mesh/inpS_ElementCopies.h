@@ -33,7 +33,6 @@ private:
   void AppendAll(const inp_Keyword& keyword, inpS_MeshScope& scope, const inpS_MadeElements& made);
   void AppendFresh(const inp_Keyword& keyword, inpS_MeshScope& scope, long long first,
                    const inpS_MadeElements& made);
-  void Complete(inpS_ElementBlock& block, long long before, inpS_MeshScope& scope);
   void AddAgain(inpS_SetDefinition& set);
   void Report(const inp_Keyword& keyword);
 

@@ -39,6 +39,7 @@ public:
   bool IsUserElement() const;
   bool IsBeamElement() const;
   bool IsOffsetElement() const; // axisymmetric solid or shell with Fourier modes
+  int NodesOfPlane() const { return IsOffsetElement() ? m_minNodes : 0; } // 0: has no planes
   bool IsConnectorElement() const;
   bool IsVariableNodeElement() const;
   bool VariableTemperatureDOF() const; // temperatures through the thickness of a shell

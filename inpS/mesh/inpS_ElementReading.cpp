@@ -107,8 +107,9 @@ void inpS_ElementReading::ImplyNodes(inpS_MeshScope& scope, inpS_ElementTopology
   TellFaulty(scope, inpS_GeneratedNodes::AcrossInstances(m_type, reader),
              "Elements with nodes of instances must list all their nodes: ");
   if (!m_type.IsOffsetElement()) return;
-  const auto planes = inpS_GeneratedNodes::AddFourierPlanes(m_type, reader, scope);
+  const auto planes = inpS_GeneratedNodes::AddFourierPlanes(m_type, reader);
   m_kind.offset = planes.offset;
+  m_kind.plane = m_type.NodesOfPlane();
   TellFaulty(scope, planes.tooFar,
              "OFFSET leads to node labels that are not from 1 to 999999999 in elements: ");
 }

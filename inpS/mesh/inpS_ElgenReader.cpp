@@ -101,7 +101,7 @@ bool inpS_ElgenReader::FindMaster(long long row) {
   m_nodes.assign(nodes.begin(), nodes.end());
   m_scoped.assign(scoped.begin(), scoped.end());
   m_made = {};
-  m_made.kind = {block.spec, count, block.source, true, {}, block.offset};
+  m_made.kind = {block.spec, count, block.source, true, {}, block.offset, block.plane};
   m_made.topology = block.topology;
   m_made.referenceNode = block.referenceNode;
   m_made.ragged = block.ragged;

@@ -78,6 +78,24 @@ private:
   inpS_MeshScope* m_owners[kGasketNodes] = {}; // null: an instance that does not exist
 };
 
+// The nodes of further planes lie where those of the first one do.
+void addImpliedNodes(inpS_MeshScope& scope, const inpS_ElementBlock& block, KvoObjLabeler& labeler,
+                     int& largestLabel) {
+  const auto plane = static_cast<std::size_t>(block.plane);
+  for (long long element = 0; element < block.count; ++element) {
+    if (!block.ImpliesPlanes(element)) continue;
+    const std::span<const int> labels = block.NodesOf(element);
+    for (std::size_t n = plane; n < labels.size(); ++n) {
+      if (labeler.HasInstanceLabel(scope.nodeOccurrence, labels[n])) continue;
+      const double* at = pointOf(scope, labeler, labels[n % plane]);
+      if (!at) continue; // reported when the element is resolved
+      const double point[3] = {at[0], at[1], at[2]};
+      largestLabel = std::max(largestLabel, labels[n]);
+      addNode(scope, labeler, labels[n], point);
+    }
+  }
+}
+
 // Labels above the largest of the deck, as long as there are any.
 int newLabel(const inpS_MeshScope& scope, const KvoObjLabeler& labeler, int& largestLabel) {
   if (largestLabel < kMaxLabel) return ++largestLabel;
@@ -139,7 +157,7 @@ int inpS_GeneratedNodes::OffsetOf(const inp_Keyword& keyword, inp_Visitor& messa
 
 inpS_GeneratedNodes::Planes
 inpS_GeneratedNodes::AddFourierPlanes(const inpS_ElementParameters& type,
-                                      inpS_ElementTopologyReader& reader, inpS_MeshScope& scope) {
+                                      inpS_ElementTopologyReader& reader) {
   const int offset = type.Offset();
   const int plane = type.MinNodesPerElement(), width = type.MaxNodesPerElement();
   const auto elements = static_cast<std::size_t>(reader.Count());
@@ -167,23 +185,10 @@ inpS_GeneratedNodes::AddFourierPlanes(const inpS_ElementParameters& type,
         break;
       }
       all[i] = static_cast<int>(label);
-      scope.impliedNodes.Append({all[i], from});
     }
   }
   reader.Widen(std::move(nodes), width);
   return planes;
-}
-
-void inpS_GeneratedNodes::ImplyFourierPlanes(const inpS_ElementBlock& block, long long first,
-                                             const inpS_ElementParameters& type,
-                                             inpS_MeshScope& scope) {
-  const int plane = type.MinNodesPerElement();
-  for (long long element = first; element < block.count; ++element) {
-    const int* nodes = block.nodes.Data() + element * block.width;
-    for (int i = plane; i < block.width; ++i)
-      if (nodes[i] == nodes[i % plane] + i / plane * block.offset)
-        scope.impliedNodes.Append({nodes[i], nodes[i % plane]});
-  }
 }
 
 bool inpS_GeneratedNodes::IsCompleted(const cow_String& type) {
@@ -214,15 +219,8 @@ bool inpS_GeneratedNodes::TakesNewLabels(const inpS_MeshScope& scope,
 void inpS_GeneratedNodes::Complete(inpS_MeshScopes& scopes, inpS_MeshScope& scope,
                                    const cow_List<cow_String>& types, KvoObjLabeler& labeler,
                                    int& largestLabel) {
-  for (const auto& [label, from] : scope.impliedNodes) {
-    if (labeler.HasInstanceLabel(scope.nodeOccurrence, label)) continue;
-    const double* at = pointOf(scope, labeler, from);
-    if (!at) continue; // reported when the element is resolved
-    const double point[3] = {at[0], at[1], at[2]};
-    largestLabel = std::max(largestLabel, label);
-    addNode(scope, labeler, label, point);
-  }
-  scope.impliedNodes = {};
+  for (const inpS_ElementBlock& block : scope.elements.Blocks())
+    if (block.offset != 0 && block.held) addImpliedNodes(scope, block, labeler, largestLabel);
   for (inpS_ElementBlock& block : scope.elements.Blocks()) {
     if (isGasketToComplete(block, types))
       completeGaskets(scopes, scope, block, labeler, largestLabel);

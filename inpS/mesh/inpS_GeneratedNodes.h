@@ -20,11 +20,7 @@ public:
   };
   static int OffsetOf(const inp_Keyword& keyword, inp_Visitor& messages);
   static Planes AddFourierPlanes(const inpS_ElementParameters& type,
-                                 inpS_ElementTopologyReader& reader, inpS_MeshScope& scope);
-
-  // The same for elements copied from such ones, from the given one of the block on.
-  static void ImplyFourierPlanes(const inpS_ElementBlock& block, long long first,
-                                 const inpS_ElementParameters& type, inpS_MeshScope& scope);
+                                 inpS_ElementTopologyReader& reader);
 
   // Elements that give their first plane only and name nodes of it by instance: nodes of further
   // planes cannot be told from their labels.
@@ -37,7 +33,8 @@ public:
   // Whether Complete will take labels above the largest of the deck.
   static bool TakesNewLabels(const inpS_MeshScope& scope, const cow_List<cow_String>& types);
 
-  // When everything is read: adds the implied nodes that the deck does not define, and the middle
+  // When everything is read: adds the nodes that elements as they are by now imply and the deck
+  // does not define, and the middle
   // nodes of 18-node gaskets given with 16, which take the labels above the largest of the deck and
   // lie in the middle of their face (the serendipity interpolation of its eight nodes).
   // The instances come before the assembly, whose gaskets may name their nodes.

@@ -18,13 +18,6 @@ class inpS_BaseMesh;
 // The mesh of one owner as the deck gives it: the flat model or the assembly (the root), a part, or
 // what an instance holds of its own besides its part's.
 struct inpS_MeshScope {
-  // A node that an element implies: where no node of that label is given, it lies where `from`
-  // does.
-  struct ImpliedNode {
-    int label;
-    int from;
-  };
-
   enum class Kind : unsigned char { Root, Part, Instance };
   Kind kind = Kind::Root;
   cow_String name;
@@ -41,7 +34,6 @@ struct inpS_MeshScope {
   inpS_ElementConnectivity elements;
   inpS_RedefinedElements redefined;
   inpS_SetTable sets;
-  utl_Buffer<ImpliedNode> impliedNodes;
   long long generatedFrom = -1; // ordinal from which nodes were generated, not given; -1: none
   // A restart meets owners that the database holds already, with so many nodes and elements.
   bool isStored = false;

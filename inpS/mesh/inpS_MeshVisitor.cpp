@@ -138,7 +138,7 @@ void inpS_MeshVisitor::LoadBaseElements(inpS_MeshScope& scope) {
     const int topology = type.TopologyNodes(width);
     return inpS_BaseMesh::Type{m_types.IndexOf(type), topology,
                                width > topology && type.CarriesReferenceNode(),
-                               inpS_GeneratedNodes::IsCompleted(name)};
+                               inpS_GeneratedNodes::IsCompleted(name), type.NodesOfPlane()};
   });
   if (m_copyScopes.Holds(scope)) scope.base->LoadLabels(m_nodes, scope.nodeOccurrence);
   if (scope.part) return; // whose labels it has

@@ -78,18 +78,12 @@ inpS_OldElements::Place inpS_OldElements::Find(long long ordinal) const {
 }
 
 std::span<const int> inpS_OldElements::NodesOf(const inpS_ElementBlock& block, long long ordinal) {
-  const auto width = static_cast<std::size_t>(block.width);
-  return {block.nodes.Data() + static_cast<std::size_t>(ordinal - block.first) * width, width};
+  return block.NodesOf(ordinal - block.first);
 }
 
 std::span<const inpS_ScopedNode> inpS_OldElements::ScopedOf(const inpS_ElementBlock& block,
                                                             long long ordinal) {
-  const long long element = ordinal - block.first;
-  const auto begin = std::partition_point(block.scoped.begin(), block.scoped.end(),
-                                          [&](const auto& node) { return node.element < element; });
-  const auto end = std::partition_point(begin, block.scoped.end(),
-                                        [&](const auto& node) { return node.element == element; });
-  return {begin, end};
+  return block.ScopedOf(ordinal - block.first);
 }
 
 int inpS_OldElements::CountOf(const inpS_ElementBlock& block, long long ordinal) const {

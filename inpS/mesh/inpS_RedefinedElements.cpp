@@ -51,14 +51,56 @@ bool isSame(const Element& a, const Element& b) {
                     isOneNode);
 }
 
+// How many places of the block's elements the widest of them takes.
+int widestOf(const inpS_ElementBlock& block) {
+  int widest = 1;
+  for (long long n = 0; n < block.count && widest < block.width; ++n) {
+    const std::span<const int> nodes = block.NodesOf(n);
+    for (int i = block.width; i > widest; --i)
+      if (nodes[static_cast<std::size_t>(i) - 1] != 0) widest = i;
+  }
+  for (const inpS_ScopedNode& node : block.scoped) widest = std::max(widest, node.index + 1);
+  return widest;
+}
+
+// Without the elements that made it wider or have planes implied, the block is what the others
+// alone would have made it.
+void fitTo(inpS_ElementBlock& block) {
+  bool implies = false;
+  for (long long n = 0; n < block.count && !implies; ++n) implies = block.ImpliesPlanes(n);
+  if (!implies) block.offset = 0;
+  const int widest = widestOf(block);
+  if (widest == block.width) return;
+  utl_Buffer<int> nodes;
+  for (long long n = 0; n < block.count; ++n)
+    nodes.Append(block.NodesOf(n).first(static_cast<std::size_t>(widest)));
+  block.nodes = std::move(nodes);
+  block.topology = block.topology == block.width ? widest : std::min(block.topology, widest);
+  block.referenceNode = block.referenceNode && widest > block.topology;
+  block.width = widest;
+}
+
 // Puts runs of elements of several blocks together in blocks.
 class Joiner {
 public:
   cow_List<inpS_ElementBlock>& Blocks() { return m_blocks; }
+  // Whether the block was put together here.
+  bool IsNew(std::size_t block) const { return m_isNew[block]; }
+  // Each run has its block from here on: it may be another kind by itself.
+  void FitNew() {
+    for (std::size_t n = 0; n < m_blocks.size(); ++n)
+      if (m_isNew[n]) fitTo(m_blocks[n]);
+  }
 
   void Add(inpS_ElementBlock block) {
     m_blocks.push_back(std::move(block));
+    m_isNew.push_back(false);
     m_mayJoin = false;
+  }
+  // Behind the last one, which is of its kind.
+  void AddToLast(const inpS_ElementBlock& block) {
+    m_mayJoin = true;
+    Add(block, 0, block.count);
   }
   // What follows takes the places from this ordinal on.
   void Begin(long long ordinal) {
@@ -93,12 +135,14 @@ public:
 private:
   void Open(const inpS_ElementBlock& like) {
     inpS_ElementBlock& block = m_blocks.emplace_back();
+    m_isNew.push_back(true);
     block.spec = like.spec;
     block.width = like.width;
     block.topology = like.topology;
     block.referenceNode = like.referenceNode;
     block.source = like.source;
     block.offset = like.offset;
+    block.plane = like.plane;
     block.held = true;
     block.first = m_next;
     m_mayJoin = true;
@@ -110,6 +154,7 @@ private:
   }
 
   cow_List<inpS_ElementBlock> m_blocks;
+  std::vector<bool> m_isNew;
   long long m_next = 0;
   bool m_mayJoin = false;
 };
@@ -157,6 +202,7 @@ inpS_RedefinedElements::BlockFor(const inpS_ElementConnectivity::Kind& kind,
     block.width = block.topology = kind.width;
     block.source = kind.source;
     block.offset = kind.offset;
+    block.plane = kind.plane;
     block.held = true;
   }
   inpS_ElementBlock& block = m_again.back().block;
@@ -177,15 +223,11 @@ void inpS_RedefinedElements::Take(const inpS_ElementConnectivity::Kind& kind,
   AddOrdinals(to, known);
 }
 
-inpS_ElementBlock& inpS_RedefinedElements::Take(const inpS_MadeElements& again,
-                                                const inp_Keyword& keyword,
-                                                const cow_List<inpS_KnownElement>& known,
-                                                long long& before) {
+void inpS_RedefinedElements::Take(const inpS_MadeElements& again, const inp_Keyword& keyword,
+                                  const cow_List<inpS_KnownElement>& known) {
   Again& to = BlockFor(again.kind, keyword);
-  before = to.block.count;
   inpS_ElementConnectivity::AppendMade(to.block, again);
   AddOrdinals(to, known);
-  return to.block;
 }
 
 void inpS_RedefinedElements::Take(const inpS_ElementConnectivity::Kind& kind,
@@ -261,12 +303,13 @@ void inpS_RedefinedElements::Settle(inpS_ElementConnectivity& elements, const Kv
     if (!isSame(first, before)) last.push_back(all[n - 1]);
   }
   for (const auto& [place, one] : changed) tell(one, messages);
-  if (!last.empty()) Replace(elements, last);
+  if (!last.empty()) Replace(elements, last, nodes, nodeOccurrence);
   m_again.clear();
 }
 
 void inpS_RedefinedElements::Replace(inpS_ElementConnectivity& elements,
-                                     std::span<const Definition> last) const {
+                                     std::span<const Definition> last, const KvoObjLabeler& nodes,
+                                     int nodeOccurrence) const {
   Joiner joiner;
   auto next = last.begin();
   for (inpS_ElementBlock& block : elements.Blocks()) {
@@ -283,5 +326,23 @@ void inpS_RedefinedElements::Replace(inpS_ElementConnectivity& elements,
     }
     joiner.Add(block, at, block.count);
   }
+  joiner.FitNew();
   elements.Blocks() = std::move(joiner.Blocks());
+  // Blocks of one kind side by side are one, as those of a deck that defines nothing again.
+  cow_List<inpS_ElementBlock>& blocks = elements.Blocks();
+  std::vector<bool> joins(blocks.size());
+  for (std::size_t n = 1; n < blocks.size(); ++n) {
+    joins[n] = (joiner.IsNew(n - 1) || joiner.IsNew(n)) && isOneKind(blocks[n - 1], blocks[n]);
+    if (!joins[n]) continue;
+    elements.Hold(blocks[n - 1], nodes, nodeOccurrence);
+    elements.Hold(blocks[n], nodes, nodeOccurrence);
+  }
+  Joiner all;
+  for (std::size_t n = 0; n < blocks.size(); ++n) {
+    if (joins[n])
+      all.AddToLast(blocks[n]);
+    else
+      all.Add(std::move(blocks[n]));
+  }
+  blocks = std::move(all.Blocks());
 }

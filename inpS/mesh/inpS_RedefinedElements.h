@@ -14,9 +14,8 @@ public:
   void Take(const inpS_ElementConnectivity::Kind& kind, const inp_Keyword& keyword,
             inpS_ElementTopologyReader again, bool ragged,
             const cow_List<inpS_KnownElement>& known);
-  // Returns the new elements' block, whose nodes may imply others from element `before` on.
-  inpS_ElementBlock& Take(const inpS_MadeElements& again, const inp_Keyword& keyword,
-                          const cow_List<inpS_KnownElement>& known, long long& before);
+  void Take(const inpS_MadeElements& again, const inp_Keyword& keyword,
+            const cow_List<inpS_KnownElement>& known);
   // From a streamed piece; what it has besides goes into `fresh` and `freshOpen`.
   void Take(const inpS_ElementConnectivity::Kind& kind, const inp_Keyword& keyword,
             std::span<const int> ordinals, std::span<const inpS_OpenEntry> open,
@@ -40,7 +39,8 @@ private:
   Again& BlockFor(const inpS_ElementConnectivity::Kind& kind, const inp_Keyword& keyword);
   static void AddOrdinals(Again& again, const cow_List<inpS_KnownElement>& known);
   cow_List<Definition> Definitions() const;
-  void Replace(inpS_ElementConnectivity& elements, std::span<const Definition> last) const;
+  void Replace(inpS_ElementConnectivity& elements, std::span<const Definition> last,
+               const KvoObjLabeler& nodes, int nodeOccurrence) const;
 
   std::deque<Again> m_again;
 };

@@ -122,6 +122,29 @@ TEST_F(Restart, FillsNoEmptyPartOfItsBase) {
   }
 }
 
+// Even with the nodes that they have; what is new may be defined again.
+TEST_F(Restart, DefinesNoElementOfItsBaseAgain) {
+  const cow_String more = "*NODE\n4, 3., 0., 0.\n*ELEMENT, TYPE=T3D2\n1, 1, 2\n7, 3, 4\n7, 2, 4\n"
+                          "*ELGEN\n7, 2, 1, -1\n"
+                          "*ELCOPY, OLDSET=B, ELEMENT SHIFT=0, SHIFT NODES=1\n";
+  Deck("base.inp", kBase);
+  ProgramRun({"convert", File("base.inp"), "-o", File("base.sim")});
+  const ProgramRun run({"convert", Deck("more.inp", more), "--restart", File("base.sim"), "-o",
+                        File("more.sim"), "--salvage"});
+  const cow_String refused =
+      "error: These elements are not this deck section's own and cannot be defined again here: ";
+  for (const cow_String& text : {"more.inp:4:1: " + refused + "1", "more.inp:7:1: " + refused + "6",
+                                 "more.inp:9:1: " + refused + "5, 6",
+                                 cow_String("more.inp:6:1: warning: Elements are defined again")})
+    EXPECT_TRUE(run.Says(text)) << text << run.err;
+  ProgramRun({"write", File("more.sim"), "-o", File("more.out")});
+  const cow_String deck = readFile(m_folder / "more.out");
+  EXPECT_NE(deck.find("*ELEMENT, TYPE=T3D2\n1, 1, 2\n*ELEMENT, TYPE=B31\n5, 1, 2, 3\n6, 2, 3\n"
+                      "*ELEMENT, TYPE=T3D2\n7, 2, 4\n"),
+            cow_String::npos)
+      << deck;
+}
+
 TEST_F(Restart, TellsOfSurfacesWhoseSetsGrow) {
   Written(kBase + cow_String("*SURFACE, NAME=S\nT, END1\n"), "*NSET, NSET=N\n1\n");
   const ProgramRun run({"convert", Deck("e.inp", "*ELEMENT, TYPE=T3D2, ELSET=T\n9, 2, 3\n"),
