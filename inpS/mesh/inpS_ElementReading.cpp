@@ -104,9 +104,10 @@ void inpS_ElementReading::Hold(inpS_MeshScope& scope) {
 
 // Elements that list the nodes of their first plane alone have the others by their labels.
 void inpS_ElementReading::ImplyNodes(inpS_MeshScope& scope, inpS_ElementTopologyReader& reader) {
-  TellFaulty(scope, inpS_GeneratedNodes::AcrossInstances(m_type, reader),
-             "Elements with nodes of instances must list all their nodes: ");
   if (!m_type.IsOffsetElement()) return;
+  const cow_List<int> across = inpS_GeneratedNodes::AcrossInstances(m_type, reader);
+  TellFaulty(scope, across, "Elements with nodes of instances must list all their nodes: ");
+  if (!across.empty()) return; // the mesh fails
   const auto planes = inpS_GeneratedNodes::AddFourierPlanes(m_type, reader);
   m_kind.offset = planes.offset;
   m_kind.plane = m_type.NodesOfPlane();

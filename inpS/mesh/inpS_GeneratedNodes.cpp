@@ -198,7 +198,6 @@ bool inpS_GeneratedNodes::IsCompleted(const cow_String& type) {
 cow_List<int> inpS_GeneratedNodes::AcrossInstances(const inpS_ElementParameters& type,
                                                    inpS_ElementTopologyReader& reader) {
   cow_List<int> elements;
-  if (!type.IsOffsetElement()) return elements;
   const long long given = reader.Width();
   for (const inpS_ScopedNode& node : reader.ScopedNodes()) {
     const long long count = countOf(reader.Nodes().Data() + node.element * given, given);
