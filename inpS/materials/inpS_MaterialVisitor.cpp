@@ -60,21 +60,6 @@ bool mayNameDistribution(const inp_Keyword& keyword) {
          data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
 }
 
-// Why a keyword is not converted where nothing is wrong enough for a message of its own; empty for
-// any other.
-cow_String untoldReason(const inp_Keyword& keyword) {
-  if (inpS_hasUnknownWord(keyword)) return {};
-  if (keyword.Kind() == inp_KwNoCompression || keyword.Kind() == inp_KwNoTension)
-    return "stands under no *ELASTIC that is converted";
-  for (const inp_Parameter& parameter : keyword.Parameters())
-    if (parameter.value.IsFlag() &&
-        !inp_KeywordTable::Instance().WordsOf(keyword.Kind(), parameter.name).empty())
-      return "has \"" + inpS_spelledName(parameter) + "\" without a value";
-  if (namesDistribution(keyword)) return "takes its values from a distribution";
-  if (!hasData(keyword)) return "has no data lines";
-  return {};
-}
-
 // "*PLASTIC, *CREEP or *VISCOUS": the keywords that it may be a sub-option of.
 cow_String namesOf(std::span<const inp_KeywordEnm> keywords) {
   cow_String names;
@@ -264,7 +249,7 @@ void inpS_MaterialVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPo
 // What has been tried: where no message has said so, why it could not be converted.
 void inpS_MaterialVisitor::KeepUnconverted(const inp_Keyword& keyword,
                                            const KvoSimPosition& owner) {
-  cow_String reason = untoldReason(keyword);
+  cow_String reason = UntoldReason(keyword);
   // What was said then says nothing of the text.
   const bool isUntold =
       inpS_hasUnknownWord(keyword) ||
@@ -337,15 +322,23 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
 }
 
 // Any other word is no number, and told like one wherever it stands.
-bool inpS_MaterialVisitor::NamesDistribution(const inp_Keyword& keyword) {
-  if (!mayNameDistribution(keyword)) return false;
-  const cow_String name = keyword.Data().AsString(0, 0);
-  if (!m_inventory.HasDistribution(name)) return false;
-  AddWarning(inp_Utils::MessageAtField(keyword, 0, 0,
-                                       "The values of the distribution \"" + name +
-                                           "\" are not converted; *" + keyword.Name() +
-                                           " is kept as text."));
-  return true;
+bool inpS_MaterialVisitor::NamesDistribution(const inp_Keyword& keyword) const {
+  return mayNameDistribution(keyword) && m_inventory.HasDistribution(keyword.Data().AsString(0, 0));
+}
+
+// Why a keyword is not converted where nothing is wrong enough for a message of its own; empty for
+// any other.
+cow_String inpS_MaterialVisitor::UntoldReason(const inp_Keyword& keyword) const {
+  if (inpS_hasUnknownWord(keyword)) return {};
+  if (keyword.Kind() == inp_KwNoCompression || keyword.Kind() == inp_KwNoTension)
+    return "stands under no *ELASTIC that is converted";
+  for (const inp_Parameter& parameter : keyword.Parameters())
+    if (parameter.value.IsFlag() &&
+        !inp_KeywordTable::Instance().WordsOf(keyword.Kind(), parameter.name).empty())
+      return "has \"" + inpS_spelledName(parameter) + "\" without a value";
+  if (NamesDistribution(keyword)) return "takes its values from a distribution";
+  if (!hasData(keyword)) return "has no data lines";
+  return {};
 }
 
 bool inpS_MaterialVisitor::IsSecond(const inp_Keyword& keyword, const inpS_Behavior& behavior,
@@ -560,7 +553,7 @@ void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
                                           const KvoSimPosition& property) {
   for (const inp_Keyword* text : potential.texts) {
     text->ReferAll();
-    cow_String reason = untoldReason(*text);
+    cow_String reason = UntoldReason(*text);
     const bool isTold = reason.empty();
     m_text.try_emplace(text->Body().get(),
                        inpS_TextPlace{m_owner, property, false, std::move(reason), isTold});

@@ -61,7 +61,8 @@ private:
   void Depvar(const inp_Keyword& keyword);
   bool MayConvert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                   const inp_Keyword* parent);
-  bool NamesDistribution(const inp_Keyword& keyword);
+  bool NamesDistribution(const inp_Keyword& keyword) const;
+  cow_String UntoldReason(const inp_Keyword& keyword) const;
   bool IsSecond(const inp_Keyword& keyword, const inpS_Behavior& behavior,
                 const KvoSimPosition& owner);
   bool CheckCounts(const inp_Keyword& keyword, const inpS_Behavior& behavior);

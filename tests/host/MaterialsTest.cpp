@@ -70,7 +70,8 @@ TEST_F(Materials, ListSaysWhatTheDeckSays) {
 
 // A distribution's name stands in the place of numbers: such a keyword is kept as text.
 TEST_F(Materials, ListNamesWhatIsKeptAsText) {
-  const cow_String model = Model("*MATERIAL, NAME=A\n*DENSITY\n2.,\n*ELASTIC\nMODULI-BY-ELEMENT\n");
+  const cow_String model = Model("*MATERIAL, NAME=A\n*DENSITY\n2.,\n*ELASTIC\nMODULI-BY-ELEMENT\n"
+                                 "*DISTRIBUTION, NAME=MODULI-BY-ELEMENT, TABLE=T\n1, 2., 0.3\n");
   EXPECT_EQ(ProgramRun({"info", model, "--materials"}).out,
             "material \"A\"\n  *DENSITY: 1 row, rho 2\n  *ELASTIC (kept as text)\n");
   const json listed = json::parse(ProgramRun({"info", model, "--materials", "--json"}).out);
