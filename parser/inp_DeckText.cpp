@@ -97,6 +97,7 @@ struct inp_DeckText::Impl {
     const std::string_view text(data, size);
     begin = data + (text.starts_with(mark) ? mark.size() : 0);
     end = data + size;
+    if (end != begin && end[-1] == '\x1a') --end; // how old systems end a text
   }
 
   std::size_t Size() const { return static_cast<std::size_t>(end - begin); }

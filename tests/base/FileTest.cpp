@@ -118,6 +118,14 @@ TEST(File, NewFilesAndReplacedOnes) {
   EXPECT_FALSE(utl_exists(folder / "fresh"));
 }
 
+#ifndef _WIN32
+TEST(File, WhatHasNothingToSyncIsSynced) {
+  utl_OutputFile device("/dev/null");
+  device.Write("x", 1);
+  EXPECT_EQ(faultOf([&] { device.Sync(); }), "no fault");
+}
+#endif
+
 TEST(File, ATemporaryNameFitsBesideTheLongestName) {
   const TemporaryFolder folder;
   const auto path = folder / cow_String(255, 'n');

@@ -70,6 +70,13 @@ TEST(MemberSet, KeepsOrderAndRepeats) {
   EXPECT_EQ(eds_MemberSet::Ordered({5, 5}).Members(), (std::vector<int32_t>{5, 5}));
 }
 
+TEST(MemberSet, WithoutMembersAllAreTheSame) {
+  for (const eds_MemberSet& none :
+       {eds_MemberSet::Strided(7, 0, 3), eds_MemberSet::Ordered({}),
+        eds_MemberSet::Strided(0, 4).Intersection(eds_MemberSet::Strided(9, 4))})
+    EXPECT_TRUE(none.SameSet(eds_MemberSet()));
+}
+
 TEST(MemberSet, HugeRangesStayRanges) {
   const eds_MemberSet even = eds_MemberSet::Strided(0, 1'000'000'000, 2);
   const eds_MemberSet third = eds_MemberSet::Strided(0, 700'000'000, 3);

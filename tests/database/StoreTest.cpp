@@ -297,6 +297,16 @@ TEST(Store, CollectionsAndSymbols) {
   EXPECT_EQ(points.ExtendSpace(3), 5);
   EXPECT_EQ(KvoSimCSet(all).Size(), 8);
   EXPECT_THROW(points.CreateCSet(std::vector<int32_t>{8}), utl_Assertion);
+  // Few members lie in the set's own record, more in an array: readers of the file know both.
+  points.ExtendSpace(4000);
+  std::vector<int32_t> members(1024);
+  for (int32_t i = 0; i < 1024; ++i) members[static_cast<std::size_t>(i)] = 2 * i + i % 3 / 2;
+  points.CreateCSet(members);
+  EXPECT_FALSE(document.HasRecord(eds_RecordKind::Array, 1));
+  members.push_back(3000);
+  const KvoSimCSet many = points.CreateCSet(members);
+  EXPECT_TRUE(document.HasRecord(eds_RecordKind::Array, 1));
+  EXPECT_EQ(many.Size(), 1025);
   // Sets are the same within one collection only.
   const KvoSimCSet first = points.CreateTempCSetStrided(0, 3);
   EXPECT_TRUE(first.SameSet(points.CreateTempCSetStrided(0, 3)));

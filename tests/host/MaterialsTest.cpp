@@ -76,6 +76,15 @@ TEST_F(Materials, ListNamesWhatIsKeptAsText) {
             "material \"A\"\n  *DENSITY: 1 row, rho 2\n  *ELASTIC (kept as text)\n");
   const json listed = json::parse(ProgramRun({"info", model, "--materials", "--json"}).out);
   EXPECT_EQ(listed["materials"][0]["keptAsText"], json({"ELASTIC"}));
+  // One that stands under a behavior, too.
+  const cow_String below =
+      Model("*MATERIAL, NAME=A\n*PLASTIC\n1., 0.\n*RATE DEPENDENT, TYPE=NO SUCH\n1., 2.\n");
+  EXPECT_NE(ProgramRun({"info", below, "--materials"}).out.find("\n    *RATE DEPENDENT (kept as "),
+            cow_String::npos);
+  EXPECT_EQ(
+      json::parse(
+          ProgramRun({"info", below, "--materials", "--json"}).out)["materials"][0]["keptAsText"],
+      json({"RATE DEPENDENT"}));
 }
 
 TEST_F(Materials, JsonHoldsRangesAndRoles) {

@@ -160,6 +160,13 @@ TEST(Hostile, FilesThatAreNoDecks) {
   }
 }
 
+TEST(Hostile, TheEndMarkOfOldSystemsIsNoLine) {
+  const Parsed parsed("*NODE\r\n1, 2.\r\n\x1a");
+  EXPECT_EQ(shown(parsed.files) + shown(parsed.errors), "");
+  EXPECT_EQ(parsed.keywords.at(0).Data().Rows(), 1);
+  EXPECT_EQ(Parsed("*NODE\n\x1a 1\n").keywords.at(0).Data().Rows(), 1); // elsewhere it is a letter
+}
+
 TEST(Hostile, MessagesAreFitToShow) {
   const Parsed parsed("*NODE\xFF\x1B[31m\n");
   EXPECT_EQ(parsed.warnings.at(0).text, "unknown keyword *NODE\\xff[31M; kept as it is");
