@@ -24,7 +24,7 @@ enum class eds_DataType : uint16_t {
 };
 
 enum class eds_Member : uint16_t {
-#define EDS_MEMBER(name, number, shape) name = number,
+#define EDS_MEMBER(name, number, shape, target, holding) name = number,
 #include "database/schema/members.def"
 };
 

@@ -1,6 +1,7 @@
 #include "host/inps_Chart.h"
 
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_Form.h"
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -12,6 +13,10 @@ constexpr int stepsPerInterval = 24;
 constexpr int fewestSteps = 400;
 constexpr double mostSteps = 20000;
 constexpr double tau = 2 * std::numbers::pi;
+
+double real(const KvoSimDataRecord& record, std::string_view column) {
+  return record.GetDouble(eds_formField(record.Object().RecordKind(), column));
+}
 
 // A course from the start of things (or its own start, if earlier) for so long behind its start;
 // `initial` up to there.
@@ -47,91 +52,72 @@ Points smoothSteps(const Points& pairs) {
 // Fourier series: A0 + sum (A_n cos n w (t - t0) + B_n sin n w (t - t0)), A0 before t0; two periods
 // are shown.
 Points periodic(const KvoSimDataRecord& record, const Points& coefficients) {
-  const double omega = record.GetDouble(eds_AmplitudePeriodic_Omega);
-  const double initial = record.GetDouble(eds_AmplitudePeriodic_Initial);
+  const double omega = real(record, "omega");
+  const double initial = real(record, "initial");
   const double period = omega != 0 ? tau / std::fabs(omega) : 1;
   const auto terms = static_cast<double>(coefficients.size()) / 2;
-  return sampled(record.GetDouble(eds_AmplitudePeriodic_Start), 2 * period, 80 * terms, initial,
-                 [&](double since) {
-                   double value = initial;
-                   for (std::size_t n = 0; n + 1 < coefficients.size(); n += 2) {
-                     const double angle = static_cast<double>(n / 2 + 1) * omega * since;
-                     value +=
-                         coefficients[n] * std::cos(angle) + coefficients[n + 1] * std::sin(angle);
-                   }
-                   return value;
-                 });
+  return sampled(real(record, "start"), 2 * period, 80 * terms, initial, [&](double since) {
+    double value = initial;
+    for (std::size_t n = 0; n + 1 < coefficients.size(); n += 2) {
+      const double angle = static_cast<double>(n / 2 + 1) * omega * since;
+      value += coefficients[n] * std::cos(angle) + coefficients[n + 1] * std::sin(angle);
+    }
+    return value;
+  });
 }
 
 // Exponential decay: A0 + A exp(-(t - t0) / td), A0 before t0; shown until 1/150 is left.
 Points decay(const KvoSimDataRecord& record) {
-  const double initial = record.GetDouble(eds_AmplitudeDecay_Initial);
-  const double amplitude = record.GetDouble(eds_AmplitudeDecay_Amplitude);
-  const double time = record.GetDouble(eds_AmplitudeDecay_DecayTime);
-  return sampled(record.GetDouble(eds_AmplitudeDecay_Start), 5 * std::fabs(time), fewestSteps,
-                 initial,
+  const double initial = real(record, "initial");
+  const double amplitude = real(record, "amplitude");
+  const double time = real(record, "decay_time");
+  return sampled(real(record, "start"), 5 * std::fabs(time), fewestSteps, initial,
                  [&](double since) { return initial + amplitude * std::exp(-since / time); });
 }
 
 // Product of two sines: A0 + A sin w1 (t - t0) sin w2 (t - t0), A0 before t0; shown for the slower
 // one's period.
 Points modulated(const KvoSimDataRecord& record) {
-  const double initial = record.GetDouble(eds_AmplitudeModulated_Initial);
-  const double amplitude = record.GetDouble(eds_AmplitudeModulated_Amplitude);
-  const double first = record.GetDouble(eds_AmplitudeModulated_Omega1);
-  const double second = record.GetDouble(eds_AmplitudeModulated_Omega2);
+  const double initial = real(record, "initial");
+  const double amplitude = real(record, "amplitude");
+  const double first = real(record, "omega1");
+  const double second = real(record, "omega2");
   const double fast = std::max(std::fabs(first), std::fabs(second));
   const double slower = std::min(std::fabs(first), std::fabs(second));
   const double slow = slower > 0 ? slower : fast;
-  return sampled(record.GetDouble(eds_AmplitudeModulated_Start), slow > 0 ? tau / slow : 1,
-                 slow > 0 ? 40 * fast / slow : 0, initial, [&](double since) {
+  return sampled(real(record, "start"), slow > 0 ? tau / slow : 1, slow > 0 ? 40 * fast / slow : 0,
+                 initial, [&](double since) {
                    return initial + amplitude * std::sin(first * since) * std::sin(second * since);
                  });
 }
 
 // SCALEX and SHIFTX act on times, SCALEY and SHIFTY on magnitudes: first the factor, then the
 // shift.
-struct Scaling {
-  int scaleX;
-  int shiftX;
-  int scaleY;
-  int shiftY;
-};
-
-void scale(Points& points, const KvoSimDataRecord& record, const Scaling& fields) {
-  const double scaleX = record.GetDouble(fields.scaleX);
-  const double shiftX = record.GetDouble(fields.shiftX);
-  const double scaleY = record.GetDouble(fields.scaleY);
-  const double shiftY = record.GetDouble(fields.shiftY);
+void scale(Points& points, const KvoSimDataRecord& record) {
+  const double scaleX = real(record, "scalex");
+  const double shiftX = real(record, "shiftx");
+  const double scaleY = real(record, "scaley");
+  const double shiftY = real(record, "shifty");
   for (std::size_t n = 0; n + 1 < points.size(); n += 2) {
     points[n] = scaleX * points[n] + shiftX;
     points[n + 1] = scaleY * points[n + 1] + shiftY;
   }
 }
 
-// The five kinds have the same scaling fields under their own numbers.
-#define INPS_SCALING(Kind)                                                                         \
-  { eds_##Kind##_Scalex, eds_##Kind##_Shiftx, eds_##Kind##_Scaley, eds_##Kind##_Shifty }
-
 struct Kind {
   eds_RecordKind record;
-  eds_FieldID name;
-  Scaling scaling;
   Points (*course)(const KvoSimDataRecord& record, const Points& pairs);
 };
 
 const Kind kinds[] = {
-    {eds_RecordKind::AmplitudeTabular, eds_AmplitudeTabular_Name, INPS_SCALING(AmplitudeTabular),
+    {eds_RecordKind::AmplitudeTabular,
      [](const KvoSimDataRecord&, const Points& pairs) { return pairs; }},
-    {eds_RecordKind::AmplitudeSmoothStep, eds_AmplitudeSmoothStep_Name,
-     INPS_SCALING(AmplitudeSmoothStep),
+    {eds_RecordKind::AmplitudeSmoothStep,
      [](const KvoSimDataRecord&, const Points& pairs) { return smoothSteps(pairs); }},
-    {eds_RecordKind::AmplitudePeriodic, eds_AmplitudePeriodic_Name, INPS_SCALING(AmplitudePeriodic),
-     periodic},
-    {eds_RecordKind::AmplitudeDecay, eds_AmplitudeDecay_Name, INPS_SCALING(AmplitudeDecay),
+    {eds_RecordKind::AmplitudePeriodic, periodic},
+    {eds_RecordKind::AmplitudeDecay,
      [](const KvoSimDataRecord& record, const Points&) { return decay(record); }},
-    {eds_RecordKind::AmplitudeModulated, eds_AmplitudeModulated_Name,
-     INPS_SCALING(AmplitudeModulated),
+    {eds_RecordKind::AmplitudeModulated,
      [](const KvoSimDataRecord& record, const Points&) { return modulated(record); }},
 };
 
@@ -146,9 +132,9 @@ inps_Chart inps_plotAmplitude(const KvoSimPosition& amplitude) {
   chart.y = "Amplitude";
   for (const Kind& kind : kinds) {
     if (!amplitude.IsA(kind.record)) continue;
-    chart.title = record.ReturnString(kind.name);
+    chart.title = record.ReturnString(eds_formField(kind.record, "name"));
     Points points = kind.course(record, description.pairs);
-    scale(points, record, kind.scaling);
+    scale(points, record);
     const std::size_t given = points.size();
     inps_thin(points);
     if (points.size() < given && !description.pairs.empty())

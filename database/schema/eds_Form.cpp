@@ -3,6 +3,7 @@
 #include "database/schema/eds_Schema.h"
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -53,16 +54,26 @@ constexpr eds_Referable referables[] = {
 #include "database/schema/referables.def"
 };
 
+struct Vocabulary {
+  std::string_view name;
+  eds_Vocabulary number;
+};
+constexpr Vocabulary vocabularies[] = {
+#define EDS_VOCABULARY(name, number) {#name, eds_Vocabulary::name},
+#define EDS_SYMBOL(vocabulary, number, name)
+#include "database/schema/symbols.def"
+};
+
 // ---- the text of a row
 
-// What stands between separators, those within braces and brackets not counting.
+// What stands between separators, those within braces, brackets and parentheses not counting.
 cow_List<std::string_view> piecesOf(std::string_view text, char separator) {
   cow_List<std::string_view> pieces;
   std::size_t begin = 0;
   int depth = 0;
   for (std::size_t n = 0; n <= text.size(); ++n) {
     const char c = n < text.size() ? text[n] : separator;
-    depth += (c == '{' || c == '[') - (c == '}' || c == ']');
+    depth += (c == '{' || c == '[' || c == '(') - (c == '}' || c == ']' || c == ')');
     if (c != separator || depth > 0) continue;
     if (n > begin) pieces.push_back(text.substr(begin, n - begin));
     begin = n + 1;
@@ -81,10 +92,17 @@ eds_FormItem::Alternative alternativeOf(std::string_view type) {
   constexpr std::pair<std::string_view, eds_FormType> plain[] = {{"flag", eds_FormType::Flag},
                                                                  {"int", eds_FormType::Int},
                                                                  {"real", eds_FormType::Real},
-                                                                 {"text", eds_FormType::Text}};
+                                                                 {"text", eds_FormType::Text},
+                                                                 {"any", eds_FormType::Any}};
   for (const auto& [word, known] : plain) {
     if (word != type) continue;
     alternative.type = known;
+    return alternative;
+  }
+  if (const auto known = std::ranges::find(vocabularies, type, &Vocabulary::name);
+      known != std::end(vocabularies)) {
+    alternative.type = eds_FormType::Symbol;
+    alternative.vocabulary = known->number;
     return alternative;
   }
   const auto referable = std::ranges::find(referables, type, &eds_Referable::word);
@@ -99,6 +117,13 @@ eds_FormItem itemOf(std::string_view text) {
   item.isRequired = text.ends_with('!');
   item.isOptional = text.ends_with('?');
   if (item.isRequired || item.isOptional) text.remove_suffix(1);
+  item.isParameter = !text.starts_with('.');
+  if (!item.isParameter) text.remove_prefix(1);
+  if (const std::size_t equals = text.find('='); equals != text.npos) {
+    const char* end = text.data() + text.size();
+    utl_ASSERT(std::from_chars(text.data() + equals + 1, end, item.unset).ptr == end);
+    text = text.substr(0, equals);
+  }
   const std::size_t colon = text.find(':');
   item.name = text.substr(0, colon);
   const std::string_view types = colon == text.npos ? text : text.substr(colon + 1);
@@ -119,17 +144,32 @@ eds_RecordKind kindNamed(std::string_view name) {
   return row->kind;
 }
 
+// "table?(E>0 nu)": its columns, and whether there may be no rows.
+void readTable(std::string_view text, eds_FormInfo& form) {
+  const std::size_t open = text.find('(');
+  utl_ASSERT(open != text.npos && text.ends_with(')'));
+  form.columns = text.substr(open + 1, text.size() - open - 2);
+  std::string_view word = text.substr(0, open);
+  form.mayLackRows = word.ends_with('?');
+  if (form.mayLackRows) word.remove_suffix(1);
+  utl_ASSERT(word == "table" || word == "plain");
+  form.data = word == "table" ? eds_FormData::Table : eds_FormData::Plain;
+}
+
 void readData(std::string_view text, eds_FormInfo& form) {
-  if (text.empty()) return;
-  if (text == "text") {
-    form.data = eds_FormData::Text;
-  } else if (text.starts_with("*{")) {
-    form.data = eds_FormData::Records;
-    form.record = kindNamed(text.substr(2, text.size() - 3));
-  } else {
-    form.data = eds_FormData::Lines;
-    for (const std::string_view line : piecesOf(text, ' '))
-      form.lines.push_back(itemsOf(line.substr(1, line.size() - 2)));
+  for (const std::string_view piece : piecesOf(text, ' ')) {
+    if (piece.starts_with('[')) {
+      form.lines.push_back(itemsOf(piece.substr(1, piece.size() - 2)));
+    } else if (piece == "text") {
+      form.data = eds_FormData::Text;
+    } else if (piece == "pairs") {
+      form.data = eds_FormData::Pairs;
+    } else if (piece.starts_with("*{")) {
+      form.data = eds_FormData::Records;
+      form.record = kindNamed(piece.substr(2, piece.size() - 3));
+    } else {
+      readTable(piece, form);
+    }
   }
 }
 
@@ -143,6 +183,10 @@ eds_FieldType fieldTypeOf(const eds_FormItem::Alternative& alternative) {
     return eds_FieldType::Int;
   case eds_FormType::Real:
     return eds_FieldType::Real;
+  case eds_FormType::Symbol:
+    return eds_FieldType::Symbol;
+  case eds_FormType::Any:
+    return eds_FieldType::AnyRef;
   case eds_FormType::Reference:
     return alternative.referable->kind == eds_RecordKind::None ? eds_FieldType::AnyRef
                                                                : eds_FieldType::Ref;
@@ -151,13 +195,17 @@ eds_FieldType fieldTypeOf(const eds_FormItem::Alternative& alternative) {
   }
 }
 
-// "SolidSection" and "solid_section": names in code and on disk.
+bool isCapital(char c) {
+  return c >= 'A' && c <= 'Z';
+}
+
+// "SolidSection" and "solid_section", "NonlinearBH" and "nonlinear_bh": names in code and on disk.
 cow_String tableNameOf(std::string_view kind) {
   cow_String name;
-  for (const char c : kind) {
-    const bool isCapital = c >= 'A' && c <= 'Z';
-    if (isCapital && !name.empty()) name += '_';
-    name += isCapital ? static_cast<char>(c - 'A' + 'a') : c;
+  for (std::size_t n = 0; n < kind.size(); ++n) {
+    const char c = kind[n];
+    if (isCapital(c) && n > 0 && !isCapital(kind[n - 1])) name += '_';
+    name += isCapital(c) ? static_cast<char>(c - 'A' + 'a') : c;
   }
   return name;
 }
@@ -189,7 +237,8 @@ public:
     for (cow_List<eds_FormItem>& line : m_form.lines)
       for (eds_FormItem& item : line) AddItem(item);
     if (m_form.data == eds_FormData::Text)
-      m_form.textField = AddField("lines", eds_FieldType::Text);
+      m_form.textField = static_cast<int>(AddField("lines", eds_FieldType::Text).number);
+    if (const int field = FieldOf("other_parameters"); field >= 0) m_form.othersField = field;
   }
   Form(const Form&) = delete;
   Form& operator=(const Form&) = delete;
@@ -197,16 +246,25 @@ public:
   const eds_FormInfo& Info() const { return m_form; }
   const eds_RecordInfo& Record() const { return m_record; }
 
+  int FieldOf(std::string_view column) const {
+    const auto field = std::ranges::find(m_record.fields, column, &eds_FieldInfo::column);
+    return field == m_record.fields.end() ? -1 : static_cast<int>(field - m_record.fields.begin());
+  }
+
 private:
-  int AddField(const cow_String& column, eds_FieldType type,
-               eds_RecordKind target = eds_RecordKind::None) {
+  struct Field {
+    eds_FieldInfo& info;
+    std::size_t number;
+  };
+  Field AddField(const cow_String& column, eds_FieldType type,
+                 eds_RecordKind target = eds_RecordKind::None) {
     eds_FieldInfo field;
     field.column = m_texts.emplace_back(column);
     field.name = m_texts.emplace_back(codeNameOf(column));
     field.type = type;
     field.target = target;
     m_record.fields.push_back(field);
-    return static_cast<int>(m_record.fields.size()) - 1;
+    return {m_record.fields.back(), m_record.fields.size() - 1};
   }
 
   // The first type's field has the item's name, the others that of their type behind it.
@@ -217,12 +275,15 @@ private:
         column += one.referable                    ? "_" + cow_String(one.referable->word)
                   : one.type == eds_FormType::Text ? "_text"
                                                    : "_value";
-      const bool isScoped = one.referable && one.referable->isScoped;
-      one.field = AddField(column, fieldTypeOf(one),
-                           one.referable ? one.referable->kind : eds_RecordKind::None);
-      if (isScoped)
-        one.instanceField =
-            AddField(column + "_instance", eds_FieldType::Ref, eds_RecordKind::Instance);
+      const Field field = AddField(column, fieldTypeOf(one),
+                                   one.referable ? one.referable->kind : eds_RecordKind::None);
+      field.info.vocabulary = one.vocabulary;
+      field.info.intDefault = static_cast<int64_t>(item.unset);
+      field.info.realDefault = item.unset;
+      one.field = static_cast<int>(field.number);
+      if (one.referable && one.referable->isScoped)
+        one.instanceField = static_cast<int>(
+            AddField(column + "_instance", eds_FieldType::Ref, eds_RecordKind::Instance).number);
     }
   }
 
@@ -264,4 +325,11 @@ const eds_FormInfo* eds_formOf(eds_RecordKind kind) {
 const eds_RecordInfo* eds_formRecord(eds_RecordKind kind) {
   const Form* form = formOf(kind);
   return form ? &form->Record() : nullptr;
+}
+
+int eds_formField(eds_RecordKind kind, std::string_view column) {
+  const Form* form = formOf(kind);
+  const int field = form ? form->FieldOf(column) : -1;
+  utl_ASSERT(field >= 0);
+  return field;
 }

@@ -19,25 +19,41 @@ struct eds_Referable {
 };
 std::span<const eds_Referable> eds_referables();
 
-enum class eds_FormType : uint8_t { Flag, Int, Real, Text, Choice, Reference };
+enum class eds_FormType : uint8_t { Flag, Int, Real, Text, Choice, Symbol, Any, Reference };
 
-// A value of a keyword: a parameter, or a field of a line.
+// A value of a keyword: a parameter, or a field of a line; or what operations put into a field.
 struct eds_FormItem {
   struct Alternative {
     eds_FormType type = eds_FormType::Text;
     cow_List<cow_String> words;               // Choice: as decks have them
     const eds_Referable* referable = nullptr; // Reference
+    eds_Vocabulary vocabulary{};              // Symbol
     int field = -1;                           // of the record
     int instanceField = -1;                   // Reference to what may belong to an instance
   };
   cow_String name;                    // as the field's column
   cow_List<Alternative> alternatives; // one at least
+  double unset = 0;                   // what a number reads as that was never set
+  bool isParameter = true;
   bool isRequired = false;
   bool isOptional = false; // no place is kept for it at the end of a line
 };
 
-enum class eds_FormRepeat : uint8_t { Once, Many };
-enum class eds_FormData : uint8_t { None, Text, Lines, Records };
+// How often an owner may have one.
+enum class eds_FormRepeat : uint8_t {
+  Once,   // of this keyword, whatever its kind
+  Beside, // of this kind, beside others of the keyword
+  Many,
+};
+// What the data lines hold, behind lines of items.
+enum class eds_FormData : uint8_t {
+  None,
+  Text,    // lines as they stand
+  Records, // one for each line
+  Pairs,   // of time and magnitude
+  Table,   // rows of values, then the temperature, then the field variables
+  Plain,   // rows of values, then the field variables
+};
 
 struct eds_FormInfo {
   eds_RecordKind kind = eds_RecordKind::None;
@@ -46,9 +62,12 @@ struct eds_FormInfo {
   eds_FormRepeat repeat = eds_FormRepeat::Many;
   cow_List<eds_FormItem> parameters;
   eds_FormData data = eds_FormData::None;
-  cow_List<cow_List<eds_FormItem>> lines;       // Lines
-  eds_RecordKind record = eds_RecordKind::None; // Records: one for each line
+  bool mayLackRows = false;                     // of its table
+  std::string_view columns;                     // of its table
+  cow_List<cow_List<eds_FormItem>> lines;       // the first ones, of items
+  eds_RecordKind record = eds_RecordKind::None; // Records
   int textField = -1;                           // Text
+  int othersField = -1; // for the parameters that have no field of their own; -1: kept beside
 };
 
 // The kinds of all forms and the keyword of each, in the order of forms.def.
@@ -60,3 +79,5 @@ std::span<const eds_FormKeyword> eds_formKeywords();
 // Null for a kind that is no form's.
 const eds_FormInfo* eds_formOf(eds_RecordKind kind);
 const eds_RecordInfo* eds_formRecord(eds_RecordKind kind);
+// The number of a form's field, which there must be.
+int eds_formField(eds_RecordKind kind, std::string_view column);

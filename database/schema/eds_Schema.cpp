@@ -99,8 +99,31 @@ std::vector<const eds_RecordInfo*> buildRecordIndex() {
   return index;
 }
 
+// What members lead to.
+namespace target {
+struct Kinds {
+  int first;
+  int last;
+};
+#define EDS_RECORD(kind, number, table) constexpr Kinds kind{number, number};
+#define EDS_FIELD(kind, number, name, column, type, argument)
+#include "database/schema/records.def"
+#define EDS_KIND(kind, number) constexpr Kinds kind{number, number};
+#include "database/schema/kinds.def"
+constexpr Kinds AnyKind{1, 0xfffe};
+constexpr Kinds AnyField{Field.first, MeshedField.last};
+constexpr Kinds AnyProperty{ElasticIsotropic.first, AmplitudeTabular.first - 1};
+constexpr Kinds AnyAmplitude{AmplitudeTabular.first, eds_firstOwnKind - 1};
+constexpr Kinds AnyForm{eds_firstFormKind, 0xfffe};
+} // namespace target
+
+enum class Holding : uint8_t { Alone, Shared };
+
 constexpr eds_MemberInfo members[] = {
-#define EDS_MEMBER(name, number, shape) {eds_Member::name, #name, eds_MemberShape::shape},
+#define EDS_MEMBER(name, number, shape, kinds, holding)                                            \
+  {eds_Member::name,       #name,                                                                  \
+   eds_MemberShape::shape, target::kinds.first,                                                    \
+   target::kinds.last,     Holding::holding == Holding::Alone},
 #include "database/schema/members.def"
 };
 

@@ -17,6 +17,9 @@ struct eds_MemberInfo {
   eds_Member member;
   std::string_view name;
   eds_MemberShape shape;
+  int firstTarget; // the kinds that it leads to, from here
+  int lastTarget;  // to here
+  bool isAlone;    // what it leads to has no other holder
 };
 
 // What the members of a collection are: nothing but positions, the symbols of a vocabulary, or the

@@ -11,16 +11,17 @@ namespace {
 void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord& record,
                   const inpS_KeptPart& beside) {
   out << '*' << inp_KeywordTable::Instance().Row(form.keyword)->name;
-  for (const inpS_Form::Parameter& parameter : form.parameters) {
-    if (!parameter.IsReference()) {
-      inpS_printParameters(out, std::span(&parameter.binding, 1), record);
-    } else if (inpS_hasValue(*parameter.item, record)) {
-      out << ", " << parameter.binding.name << '=';
-      inpS_printValue(out, *parameter.item, record);
+  for (std::size_t n = 0; n < form.parameters.size(); ++n) {
+    const inpS_ParameterBinding& parameter = form.parameters[n];
+    if (parameter.codec != inpS_Codec::Reference) {
+      inpS_printParameters(out, std::span(&parameter, 1), record);
+    } else if (inpS_hasValue(*form.items[n], record)) {
+      out << ", " << parameter.name << '=';
+      inpS_printValue(out, *form.items[n], record);
     }
   }
   for (const inpS_Form::Selector& selector : form.selectors) {
-    if (selector.isDefault) continue;
+    if (!selector.IsPrinted()) continue;
     out << ", " << selector.name;
     if (!selector.text.empty()) out << '=' << selector.text;
   }
@@ -51,18 +52,9 @@ void inpS_printForm(utl_Stream& out, const KvoSimPosition& position, const inpS_
     out << beside.lines;
     return;
   }
-  switch (form->info->data) {
-  case eds_FormData::None:
-    return;
-  case eds_FormData::Text:
-    out << record.GetString(form->info->textField);
-    return;
-  case eds_FormData::Lines:
-    for (const cow_List<eds_FormItem>& line : form->info->lines) printLine(out, line, record);
-    return;
-  case eds_FormData::Records:
+  for (const cow_List<eds_FormItem>& line : form->info->lines) printLine(out, line, record);
+  if (form->info->data == eds_FormData::Text) out << record.GetString(form->info->textField);
+  if (form->info->data == eds_FormData::Records)
     for (const KvoSimPosition& line : position.GetVector(eds_Member::Lines))
       printLine(out, eds_formOf(form->info->record)->lines.front(), line.DataRecord());
-    return;
-  }
 }

@@ -1,4 +1,7 @@
 #include "inpS/forms/inpS_FormTable.h"
+#include "base/utl_Assert.h"
+#include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_RecordParameters.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
 #include <memory>
@@ -13,7 +16,7 @@ cow_String lowerCase(cow_String text) {
   return text;
 }
 
-inpS_Form::Selector selectorOf(std::string_view text) {
+inpS_Form::Selector selectorOf(inp_KeywordEnm keyword, std::string_view text) {
   inpS_Form::Selector selector;
   if (text.ends_with('*')) {
     selector.isDefault = true;
@@ -27,30 +30,41 @@ inpS_Form::Selector selectorOf(std::string_view text) {
     selector.alias = inpS_bareWord(std::string_view(selector.text).substr(bar + 1));
     selector.text.erase(bar);
   }
+  selector.word = inpS_bareWord(selector.text);
+  const auto words = inp_KeywordTable::Instance().WordsOf(keyword, selector.key);
+  utl_ASSERT(selector.word.empty() || words.empty() ||
+             std::ranges::find(words, selector.text) != words.end());
   return selector;
+}
+
+void readSelector(std::string_view text, inpS_Form& form) {
+  if (!text.starts_with("IN ")) return form.selectors.push_back(selectorOf(form.keyword, text));
+  text.remove_prefix(3);
+  const std::size_t colon = text.find(':');
+  form.parent = inp_KeywordTable::Instance().Find(text.substr(0, colon));
+  utl_ASSERT(form.parent != inp_UnknownKeyword);
+  if (colon != text.npos)
+    form.parentSelectors.push_back(selectorOf(form.parent, text.substr(colon + 1)));
 }
 
 bool isMet(const inpS_Form::Selector& selector, const inp_Keyword& keyword) {
   const inp_Item* item = keyword.Find(selector.key);
   if (!item) return selector.isDefault;
-  if (selector.text.empty()) return true;
+  if (selector.word.empty()) return true;
   const cow_String word = inpS_bareWord(item->AsString());
-  return word == inpS_bareWord(selector.text) ||
-         (!selector.alias.empty() && word == selector.alias);
+  return word == selector.word || (!selector.alias.empty() && word == selector.alias);
 }
 
-inpS_ParameterBinding bindingOf(const eds_FormItem& item) {
+inpS_ParameterBinding bindingOf(inp_KeywordEnm keyword, eds_RecordKind kind,
+                                const eds_FormItem& item) {
   const eds_FormItem::Alternative& value = item.alternatives.front();
-  inpS_ParameterBinding binding;
-  binding.field = value.field;
-  for (const char c : item.name) {
-    if (c != '_') binding.key += c;
-    binding.name += c == '_' ? ' ' : static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+  const eds_FieldInfo& field = eds_formRecord(kind)->fields[static_cast<std::size_t>(value.field)];
+  inpS_ParameterBinding binding = inpS_bindParameter(keyword, field, value.field);
+  if (value.type == eds_FormType::Reference) binding.codec = inpS_Codec::Reference;
+  if (value.type == eds_FormType::Choice) {
+    binding.codec = inpS_Codec::Choice;
+    binding.words.assign(value.words.begin(), value.words.end());
   }
-  constexpr inpS_Codec codecs[] = {inpS_Codec::Flag, inpS_Codec::Int,    inpS_Codec::Real,
-                                   inpS_Codec::Name, inpS_Codec::Choice, inpS_Codec::Name};
-  binding.codec = codecs[static_cast<int>(value.type)];
-  binding.words.assign(value.words.begin(), value.words.end());
   return binding;
 }
 
@@ -66,27 +80,60 @@ inp_KeywordEnm keywordOf(std::string_view suffix) {
   return found == bySuffix.end() ? inp_NullKeyword : found->second;
 }
 
-std::unique_ptr<const inpS_Form> formOf(eds_RecordKind kind) {
-  const eds_FormInfo* info = eds_formOf(kind);
-  if (!info) return nullptr;
-  auto form = std::make_unique<inpS_Form>();
-  form->info = info;
-  form->keyword = keywordOf(info->keyword);
-  for (std::string_view rest = info->selectors; !rest.empty();) {
+inpS_Form formOf(eds_RecordKind kind) {
+  inpS_Form form;
+  form.info = eds_formOf(kind);
+  form.kind = kind;
+  form.keyword = keywordOf(form.info->keyword);
+  form.columns = inpS_TableColumns(form.info->columns);
+  for (std::string_view rest = form.info->selectors; !rest.empty();) {
     const std::size_t end = std::min(rest.find(", "), rest.size());
-    form->selectors.push_back(selectorOf(rest.substr(0, end)));
+    readSelector(rest.substr(0, end), form);
     rest.remove_prefix(std::min(end + 2, rest.size()));
   }
-  for (const eds_FormItem& item : info->parameters)
-    form->parameters.push_back({bindingOf(item), &item});
+  for (const eds_FormItem& item : form.info->parameters) {
+    if (!item.isParameter) continue;
+    form.parameters.push_back(bindingOf(form.keyword, kind, item));
+    form.items.push_back(&item);
+  }
+  for (inpS_Form::Selector& selector : form.selectors)
+    selector.isField = selector.word.empty() && form.Binds(selector.key);
   return form;
 }
 
+struct Entry {
+  std::once_flag once;
+  std::unique_ptr<const inpS_Form> form;
+};
+
 } // namespace
 
-bool inpS_Form::Matches(const inp_Keyword& deckKeyword) const {
-  return std::ranges::all_of(selectors,
-                             [&](const Selector& one) { return isMet(one, deckKeyword); });
+bool inpS_Form::Matches(const inp_Keyword& deckKeyword, const inp_Keyword* owner) const {
+  const auto met = [](const cow_List<Selector>& list, const inp_Keyword& of) {
+    return std::ranges::all_of(list, [&](const Selector& one) { return isMet(one, of); });
+  };
+  if (parent != inp_NullKeyword && deckKeyword.ParentKind() != parent) return false;
+  if (!parentSelectors.empty() && !(owner && met(parentSelectors, *owner))) return false;
+  return met(selectors, deckKeyword);
+}
+
+bool inpS_Form::Binds(const cow_String& parameter) const {
+  return std::ranges::find(parameters, parameter, &inpS_ParameterBinding::key) != parameters.end();
+}
+
+inpS_TableColumns::Count inpS_Form::CountIn(const inp_Keyword& keyword) {
+  return [&keyword](const cow_String& parameter, long long absent) {
+    const inp_Item* item = keyword.Find(parameter);
+    return item ? static_cast<long long>(item->AsInt()) : absent;
+  };
+}
+
+inpS_TableColumns::Count inpS_Form::CountIn(const KvoSimDataRecord& record) const {
+  return [this, &record](const cow_String& parameter, long long absent) {
+    const auto binding = std::ranges::find(parameters, parameter, &inpS_ParameterBinding::key);
+    if (binding == parameters.end()) return absent; // a group of fixed length
+    return record.IsMemberNull(binding->field) ? absent : record.GetInt64(binding->field);
+  };
 }
 
 const inpS_FormTable& inpS_FormTable::Instance() {
@@ -95,7 +142,11 @@ const inpS_FormTable& inpS_FormTable::Instance() {
 }
 
 inpS_FormTable::inpS_FormTable() {
+  short place = 0;
   for (const auto& [kind, suffix] : eds_formKeywords()) {
+    const auto number = static_cast<std::size_t>(kind);
+    if (number >= m_places.size()) m_places.resize(number + 1, -1);
+    m_places[number] = place++;
     const inp_KeywordEnm keyword = keywordOf(suffix);
     if (keyword == inp_NullKeyword) continue;
     const auto index = static_cast<std::size_t>(keyword);
@@ -111,16 +162,35 @@ std::span<const eds_RecordKind> inpS_FormTable::KindsOf(inp_KeywordEnm keyword) 
                                     : std::span<const eds_RecordKind>();
 }
 
-// Each thread has its own: conversions go side by side.
 const inpS_Form* inpS_FormTable::Find(eds_RecordKind kind) const {
-  static thread_local std::unordered_map<eds_RecordKind, std::unique_ptr<const inpS_Form>> forms;
-  const auto [known, isNew] = forms.try_emplace(kind);
-  if (isNew) known->second = formOf(kind);
-  return known->second.get();
+  static std::vector<Entry> forms(eds_formKeywords().size());
+  const auto number = static_cast<std::size_t>(kind);
+  if (number >= m_places.size() || m_places[number] < 0) return nullptr;
+  Entry& entry = forms[static_cast<std::size_t>(m_places[number])];
+  std::call_once(entry.once, [&] { entry.form = std::make_unique<const inpS_Form>(formOf(kind)); });
+  return entry.form.get();
 }
 
-const inpS_Form* inpS_FormTable::Select(const inp_Keyword& keyword) const {
+const inpS_Form* inpS_FormTable::Select(const inp_Keyword& keyword,
+                                        const inp_Keyword* parent) const {
   for (const eds_RecordKind kind : KindsOf(keyword.Kind()))
-    if (const inpS_Form* form = Find(kind); form->Matches(keyword)) return form;
+    if (const inpS_Form* form = Find(kind); form->Matches(keyword, parent)) return form;
   return nullptr;
+}
+
+cow_String inpS_FormTable::UnknownChoice(const inp_Keyword& keyword) const {
+  const auto kinds = KindsOf(keyword.Kind());
+  for (const eds_RecordKind kind : kinds) {
+    for (const inpS_Form::Selector& selector : Find(kind)->selectors) {
+      if (!keyword.HasParameter(selector.key) || selector.word.empty()) continue;
+      const bool known = std::ranges::any_of(kinds, [&](eds_RecordKind other) {
+        const auto& selectors = Find(other)->selectors;
+        return std::ranges::any_of(selectors, [&](const inpS_Form::Selector& one) {
+          return one.key == selector.key && isMet(one, keyword);
+        });
+      });
+      if (!known) return selector.name;
+    }
+  }
+  return {};
 }

@@ -1,34 +1,51 @@
 #pragma once
 
 #include "database/schema/eds_Form.h"
+#include "inpS/forms/inpS_TableColumns.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
 #include "parser/inp_Keyword.h"
 
+class KvoSimDataRecord;
+
 // One form as the conversion uses it: its row, the keyword it is of, what chooses it, and how each
-// parameter and its field become each other.
+// parameter and its field become each other. It serves both directions: what reads a keyword
+// selects the form by its parameters, what prints a record finds it by its kind.
 struct inpS_Form {
-  // A parameter whose value belongs to the row: TYPE=LAMINA, or a bare COMPOSITE.
+  // A parameter whose value belongs to the row: TYPE=LAMINA, or a bare USER.
   struct Selector {
     cow_String key;   // as the parser delivers it
     cow_String name;  // as it is printed
-    cow_String text;  // the word as it is printed; empty: a bare parameter
+    cow_String word;  // bare; empty: a flag
+    cow_String text;  // the word as it is printed
     cow_String alias; // another word for it, bare
     bool isDefault = false;
-  };
-  struct Parameter {
-    inpS_ParameterBinding binding; // of what is no reference
-    const eds_FormItem* item = nullptr;
-    bool IsReference() const { return item->alternatives.front().referable != nullptr; }
+    bool isField = false; // its value is kept: any value chooses the row
+    bool IsPrinted() const { return !isDefault && !isField; }
   };
   const eds_FormInfo* info = nullptr;
+  eds_RecordKind kind = eds_RecordKind::None;
   inp_KeywordEnm keyword = inp_NullKeyword; // null: of another form's lines
+  inp_KeywordEnm parent = inp_NullKeyword;  // only as its sub-option; null: wherever it may stand
+  cow_List<Selector> parentSelectors;       // of that keyword
   cow_List<Selector> selectors;
-  cow_List<Parameter> parameters;
+  inpS_TableColumns columns{""};
+  inpS_ParameterBindings parameters;   // in the order of the row
+  cow_List<const eds_FormItem*> items; // of the parameters
 
-  bool Matches(const inp_Keyword& deckKeyword) const;
+  bool HasTable() const {
+    return info->data == eds_FormData::Table || info->data == eds_FormData::Plain;
+  }
+  bool HasTemperature() const { return info->data == eds_FormData::Table; }
+  bool MayLackRows() const { return info->mayLackRows; }
+  // parent: the keyword it is a sub-option of; null for one that stands in an owner.
+  bool Matches(const inp_Keyword& keyword, const inp_Keyword* parent) const;
+  bool Binds(const cow_String& parameter) const; // some field holds it
+  // How often a group of columns is repeated, from the keyword or from the record.
+  static inpS_TableColumns::Count CountIn(const inp_Keyword& keyword);
+  inpS_TableColumns::Count CountIn(const KvoSimDataRecord& record) const;
 };
 
-// All forms, each made when it is first asked for.
+// All forms, each made when it is first asked for, by whatever thread.
 class inpS_FormTable {
 public:
   static const inpS_FormTable& Instance();
@@ -37,12 +54,16 @@ public:
   const cow_List<inp_KeywordEnm>& Keywords() const { return m_keywords; }
   bool Knows(inp_KeywordEnm keyword) const { return !KindsOf(keyword).empty(); }
   std::span<const eds_RecordKind> KindsOf(inp_KeywordEnm keyword) const;
-  const inpS_Form* Find(eds_RecordKind kind) const;          // null: no form's
-  const inpS_Form* Select(const inp_Keyword& keyword) const; // the first that it meets, or null
+  const inpS_Form* Find(eds_RecordKind kind) const; // null: no form's
+  // The first whose selectors the keyword meets; null when there is none.
+  const inpS_Form* Select(const inp_Keyword& keyword, const inp_Keyword* parent = nullptr) const;
+  // The parameter by whose value no form of the keyword can be selected; empty when it is none.
+  cow_String UnknownChoice(const inp_Keyword& keyword) const;
 
 private:
   inpS_FormTable();
 
   cow_List<inp_KeywordEnm> m_keywords;
   cow_List<cow_List<eds_RecordKind>> m_byKeyword;
+  cow_List<short> m_places; // of forms, by kind; -1: none
 };

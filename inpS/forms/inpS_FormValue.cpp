@@ -1,4 +1,5 @@
 #include "inpS/forms/inpS_FormValue.h"
+#include "base/utl_Assert.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
@@ -63,6 +64,9 @@ cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inp
     return takeReference(one, value, names, record);
   case eds_FormType::Text:
     break;
+  case eds_FormType::Symbol: // of parameters alone
+  case eds_FormType::Any:
+    utl_assertionFailed("a value of a line has a type of decks");
   }
   record.SetString(one.field, inp_Utils::Fold(value.text));
   return {};
@@ -147,6 +151,9 @@ void inpS_printValue(utl_Stream& out, const eds_FormItem& item, const KvoSimData
       return;
     case eds_FormType::Reference:
       printReference(out, one, record);
+      return;
+    case eds_FormType::Symbol:
+    case eds_FormType::Any:
       return;
     }
   }

@@ -68,20 +68,21 @@ bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
 // is lost, and what it names may be a keyword that is kept as text itself: no error.
 bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Form& form) {
   bool good = true;
-  for (const inpS_Form::Parameter& parameter : form.parameters) {
-    const inp_Item* item = keyword.Find(parameter.binding.key);
+  for (std::size_t n = 0; n < form.parameters.size(); ++n) {
+    const inpS_ParameterBinding& parameter = form.parameters[n];
+    const inp_Item* item = keyword.Find(parameter.key);
     if (!item) {
-      if (!parameter.item->isRequired) continue;
-      Warning(keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter.binding.name}) +
+      if (!form.items[n]->isRequired) continue;
+      Warning(keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter.name}) +
                            " The keyword is kept as text.");
       good = false;
       continue;
     }
-    if (!parameter.IsReference()) continue;
-    const eds_Referable& referable = *parameter.item->alternatives.front().referable;
+    if (parameter.codec != inpS_Codec::Reference) continue;
+    const eds_Referable& referable = *form.items[n]->alternatives.front().referable;
     if (!m_names.Find(referable, item->Verbatim()).set.IsNull()) continue;
     AddWarning(inp_Utils::MessageAtParameter(
-        keyword, parameter.binding.key,
+        keyword, parameter.key,
         inp_Utils::Format(cow_String(referable.missing).c_str(), item->AsString().c_str()) +
             " The keyword is kept as text."));
     good = false;
@@ -91,14 +92,11 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
 
 void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_Form& form,
                                       KvoSimDataRecord record) {
-  for (const inpS_Form::Parameter& parameter : form.parameters) {
-    if (!parameter.IsReference()) {
-      inpS_readParameters(keyword, std::span(&parameter.binding, 1), record, *this);
-      continue;
-    }
-    if (const inp_Item* item = keyword.Find(parameter.binding.key))
-      inpS_takeValue(*parameter.item, inpS_FormValue::Of(*item), m_names, record);
-  }
+  inpS_readParameters(keyword, form.parameters, record, *this);
+  for (std::size_t n = 0; n < form.parameters.size(); ++n)
+    if (form.parameters[n].codec == inpS_Codec::Reference)
+      if (const inp_Item* item = keyword.Find(form.parameters[n].key))
+        inpS_takeValue(*form.items[n], inpS_FormValue::Of(*item), m_names, record);
   for (const inpS_Form::Selector& selector : form.selectors) keyword.Find(selector.key);
 }
 

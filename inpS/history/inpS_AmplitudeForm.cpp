@@ -5,45 +5,21 @@ const cow_List<inpS_AmplitudeForm>& inpS_amplitudeForms() {
   using Kind = eds_RecordKind;
   using Data = inpS_AmplitudeForm::Data;
   static const cow_List<inpS_AmplitudeForm> forms = [] {
-    cow_List<inpS_AmplitudeForm> rows = {{"TABULAR",
-                                          Kind::AmplitudeTabular,
-                                          Data::Pairs,
-                                          {},
-                                          eds_AmplitudeTabular_TimeSpan,
-                                          eds_AmplitudeTabular_Name},
-                                         {"EQUALLY SPACED",
-                                          Kind::AmplitudeTabular,
-                                          Data::Magnitudes,
-                                          {},
-                                          eds_AmplitudeTabular_TimeSpan,
-                                          eds_AmplitudeTabular_Name},
-                                         {"DECAY",
-                                          Kind::AmplitudeDecay,
-                                          Data::None,
-                                          {1, 2, 3, 4},
-                                          eds_AmplitudeDecay_TimeSpan,
-                                          eds_AmplitudeDecay_Name},
-                                         // The crossed order of the record is intended.
-                                         {"MODULATED",
-                                          Kind::AmplitudeModulated,
-                                          Data::None,
-                                          {1, 2, 5, 3, 4},
-                                          eds_AmplitudeModulated_TimeSpan,
-                                          eds_AmplitudeModulated_Name},
-                                         {"PERIODIC",
-                                          Kind::AmplitudePeriodic,
-                                          Data::Coefficients,
-                                          {eds_AmplitudePeriodic_Terms, 2, 3, 1},
-                                          eds_AmplitudePeriodic_TimeSpan,
-                                          eds_AmplitudePeriodic_Name},
-                                         {"SMOOTH STEP",
-                                          Kind::AmplitudeSmoothStep,
-                                          Data::Pairs,
-                                          {},
-                                          eds_AmplitudeSmoothStep_TimeSpan,
-                                          eds_AmplitudeSmoothStep_Name}};
+    cow_List<inpS_AmplitudeForm> rows = {
+        {"TABULAR", Kind::AmplitudeTabular, Data::Pairs},
+        {"EQUALLY SPACED", Kind::AmplitudeTabular, Data::Magnitudes},
+        {"DECAY", Kind::AmplitudeDecay, Data::None},
+        {"MODULATED", Kind::AmplitudeModulated, Data::None},
+        {"PERIODIC", Kind::AmplitudePeriodic, Data::Coefficients},
+        {"SMOOTH STEP", Kind::AmplitudeSmoothStep, Data::Pairs}};
     for (inpS_AmplitudeForm& row : rows) {
-      row.parameters = inpS_bindParameters(inp_KwAmplitude, row.kind);
+      const inpS_Form& form = *inpS_FormTable::Instance().Find(row.kind);
+      row.timeSpan = eds_formField(row.kind, "time_span");
+      row.name = eds_formField(row.kind, "name");
+      for (const cow_List<eds_FormItem>& line : form.info->lines)
+        for (const eds_FormItem& item : line)
+          row.lineFields.push_back(item.alternatives.front().field);
+      row.parameters = form.parameters;
       std::erase_if(row.parameters, [&](const auto& one) { return one.field == row.name; });
     }
     return rows;
@@ -58,8 +34,9 @@ const inpS_AmplitudeForm* inpS_amplitudeForm(const cow_String& definition) {
 }
 
 const inpS_AmplitudeForm* inpS_amplitudeForm(const KvoSimDataRecord& record) {
-  const bool spaced = record.IsA(eds_RecordKind::AmplitudeTabular) &&
-                      record.GetBool(eds_AmplitudeTabular_EquallySpaced);
+  const bool spaced =
+      record.IsA(eds_RecordKind::AmplitudeTabular) &&
+      record.GetBool(eds_formField(eds_RecordKind::AmplitudeTabular, "equally_spaced"));
   for (const inpS_AmplitudeForm& form : inpS_amplitudeForms())
     if (record.IsA(form.kind) && (form.data == inpS_AmplitudeForm::Data::Magnitudes) == spaced)
       return &form;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "inpS/keywords/inpS_RecordParameters.h"
+#include "inpS/forms/inpS_FormTable.h"
 
-// One row: a definition of *AMPLITUDE and the record it is kept as; read and printed by it.
+// A definition of *AMPLITUDE: its form, and what its values are; read and printed by it.
 struct inpS_AmplitudeForm {
   enum class Data : unsigned char {
     None,         // nothing behind the first line
@@ -14,9 +14,9 @@ struct inpS_AmplitudeForm {
   eds_RecordKind kind;
   Data data;
   // The fields that the first line's values go to, in the order of the line.
-  cow_List<int> lineFields;
-  int timeSpan;
-  int name;
+  cow_List<int> lineFields{};
+  int timeSpan = 0;
+  int name = 0;
   inpS_ParameterBindings parameters{};
 };
 

@@ -158,14 +158,16 @@ void inpS_AmplitudeVisitor::ReadValues(const inp_Keyword& keyword, const inpS_Am
   if (form.data == Data::Pairs) pairs = ReadPairs(keyword, 0);
   if (form.data == Data::Coefficients) {
     pairs = ReadPairs(keyword, 1);
-    if (record.GetInt64(eds_AmplitudePeriodic_Terms) != static_cast<int64_t>(pairs.size() / 2))
+    if (record.GetInt64(eds_formField(eds_RecordKind::AmplitudePeriodic, "terms")) !=
+        static_cast<int64_t>(pairs.size() / 2))
       Warning(keyword, "The first line tells another number of terms than there are pairs.");
     return StoreTerms(amplitude, pairs);
   }
   if (form.data == Data::Magnitudes) {
-    record.SetBool(eds_AmplitudeTabular_EquallySpaced, true);
-    const double interval = record.GetDouble(eds_AmplitudeTabular_FixedInterval);
-    const double begin = record.GetDouble(eds_AmplitudeTabular_Begin);
+    record.SetBool(eds_formField(eds_RecordKind::AmplitudeTabular, "equally_spaced"), true);
+    const double interval =
+        record.GetDouble(eds_formField(eds_RecordKind::AmplitudeTabular, "fixed_interval"));
+    const double begin = record.GetDouble(eds_formField(eds_RecordKind::AmplitudeTabular, "begin"));
     if (interval <= 0)
       AddWarning(inp_Utils::MessageAtParameter(
           keyword, "fixedinterval",
@@ -253,8 +255,9 @@ void inpS_AmplitudeVisitor::ReadFirstLine(const inp_Keyword& keyword,
   for (std::size_t n = 0; n < form.lineFields.size(); ++n) {
     const int col = static_cast<int>(n);
     const bool given = data.Rows() > 0 && col < data.Cols(0);
-    const bool terms = form.kind == eds_RecordKind::AmplitudePeriodic &&
-                       form.lineFields[n] == eds_AmplitudePeriodic_Terms;
+    const bool terms =
+        form.kind == eds_RecordKind::AmplitudePeriodic &&
+        form.lineFields[n] == eds_formField(eds_RecordKind::AmplitudePeriodic, "terms");
     if (terms) {
       const long long count = given ? TermsAt(keyword, col) : 0;
       record.SetInt(form.lineFields[n], count);
@@ -280,11 +283,12 @@ long long inpS_AmplitudeVisitor::TermsAt(const inp_Keyword& keyword, int col) {
 void inpS_AmplitudeVisitor::ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record) {
   const inp_Item* smooth = keyword.Find("smooth");
   const double absent = m_inventory.IsExplicit() || m_inventory.IsCFD() ? 0.0 : kUsualSmoothing;
-  record.SetDouble(eds_AmplitudeTabular_Smoothing,
+  record.SetDouble(eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing"),
                    smooth && smooth->IsNumber() ? smooth->AsDouble() : absent);
   if (!smooth) return;
   if (auto tiny = inpS_tinyNumberMessage(keyword, "smooth")) AddWarning(std::move(*tiny));
-  if (smooth->IsNumber()) record.SetBool(eds_AmplitudeTabular_SmoothingGiven, true);
+  if (smooth->IsNumber())
+    record.SetBool(eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing_given"), true);
   const double value = smooth->AsDouble();
   if (smooth->IsNumber() && value >= 0 && value <= 0.5) return;
   wip_Message message =

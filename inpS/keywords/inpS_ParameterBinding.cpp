@@ -77,6 +77,8 @@ void print(utl_Stream& out, const inpS_ParameterBinding& row, const KvoSimDataRe
     if (const cow_String text = record.ReturnString(row.field); !text.empty())
       out << '=' << inpS_quoted(text);
     break;
+  case inpS_Codec::Reference:
+    break;
   }
 }
 
@@ -87,6 +89,7 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
   if (keyword.Parameters().empty()) return true;
   bool good = true;
   for (const inpS_ParameterBinding& row : rows) {
+    if (row.codec == inpS_Codec::Reference) continue;
     const inp_Item* item = keyword.Find(row.key);
     if (!item) continue;
     const cow_String fault = take(row, *item, record);
@@ -125,9 +128,13 @@ void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding
 int inpS_wordPlace(const inpS_ParameterBinding& row, const cow_String& word) {
   const cow_String bare = inpS_bareWord(word);
   if (bare.empty()) return -1;
-  for (std::size_t place = 0; place < row.words.size(); ++place)
-    if (inpS_bareWord(row.words[place]) == bare) return static_cast<int>(place);
-  return -1;
+  int begins = -1;
+  for (std::size_t place = 0; place < row.words.size(); ++place) {
+    const cow_String known = inpS_bareWord(row.words[place]);
+    if (known == bare) return static_cast<int>(place);
+    if (known.starts_with(bare)) begins = begins == -1 ? static_cast<int>(place) : -2;
+  }
+  return std::max(begins, -1);
 }
 
 cow_String inpS_wordList(const inpS_ParameterBinding& row) {

@@ -10,12 +10,13 @@ class utl_Stream;
 
 // How a parameter's value and the record's field become each other.
 enum class inpS_Codec : unsigned char {
-  Flag,   // a bare name or YES; NO. Bool field
-  Int,    // Int field
-  Real,   // Real field
-  Word,   // one of the words; Symbol field: the word's place among them is the symbol's number
-  Choice, // one of the words, kept as text; Text field
-  Name    // any text; empty for a bare name. Text field
+  Flag,     // a bare name or YES; NO. Bool field
+  Int,      // Int field
+  Real,     // Real field
+  Word,     // one of the words; Symbol field: the word's place among them is the symbol's number
+  Choice,   // one of the words, kept as text; Text field
+  Name,     // any text; empty for a bare name. Text field
+  Reference // a name of what has one: forms read and print it
 };
 
 // One parameter of a keyword and the field that keeps it: read and written back by one row. What is
@@ -45,7 +46,8 @@ bool inpS_hasUnknownWord(const inp_Keyword& keyword);
 void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding> rows,
                           const KvoSimDataRecord& record);
 
-// The place of a word in the row's words, blanks not counting; -1 when it is none of them.
+// The place of a word in the row's words, blanks not counting: the word itself, or the only one
+// that begins with it; -1 when there is none.
 int inpS_wordPlace(const inpS_ParameterBinding& row, const cow_String& word);
 
 cow_String inpS_wordList(const inpS_ParameterBinding& row); // for people, separated by ", "

@@ -20,7 +20,10 @@ inpS_Codec codecOf(eds_FieldType type, bool hasWords) {
   }
 }
 
-inpS_ParameterBinding bindingOf(inp_KeywordEnm keyword, const eds_FieldInfo& field, int number) {
+} // namespace
+
+inpS_ParameterBinding inpS_bindParameter(inp_KeywordEnm keyword, const eds_FieldInfo& field,
+                                         int number) {
   inpS_ParameterBinding binding;
   binding.field = number;
   for (const char c : field.column) {
@@ -33,15 +36,14 @@ inpS_ParameterBinding bindingOf(inp_KeywordEnm keyword, const eds_FieldInfo& fie
   return binding;
 }
 
-} // namespace
-
 inpS_ParameterBindings inpS_bindParameters(inp_KeywordEnm keyword, eds_RecordKind kind) {
   inpS_ParameterBindings bindings;
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword);
   const eds_RecordInfo* info = eds_ModelReader::Info(kind);
   if (!row || !info) return bindings;
   for (std::size_t n = 0; n < info->fields.size(); ++n) {
-    inpS_ParameterBinding binding = bindingOf(keyword, info->fields[n], static_cast<int>(n));
+    inpS_ParameterBinding binding =
+        inpS_bindParameter(keyword, info->fields[n], static_cast<int>(n));
     const std::string_view key = binding.key;
     if (std::ranges::find(row->parameters, key) != row->parameters.end())
       bindings.push_back(std::move(binding));

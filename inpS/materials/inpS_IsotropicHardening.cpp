@@ -35,7 +35,7 @@ void appendRows(cow_List<double>& all, std::span<const double> rows, int columns
 } // namespace
 
 inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Keyword& keyword) {
-  const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(eds_RecordKind::PlasticIsotropic);
+  const inpS_Form& row = *inpS_FormTable::Instance().Find(eds_RecordKind::PlasticIsotropic);
   inpS_KeywordDataTable table(keyword, static_cast<int>(row.columns.Fixed().size()), 0, true);
   table.Read();
   table.ReportUnread(*this);
@@ -61,7 +61,7 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   m_owner.Associate(eds_Member::Properties, property);
   PlacePotential(potential, property);
   m_rates = {rateOf(keyword)};
-  const inpS_Behavior& row = *inpS_BehaviorTable::Instance().Find(kind);
+  const inpS_Form& row = *inpS_FormTable::Instance().Find(kind);
   inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
   KeepOthers(keyword, row, property, table);
   const int tableKind = inpS_PropertyUtils::TableKindOf(kind);

@@ -4,6 +4,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
+#include "inpS/keywords/inpS_RecordParameters.h"
 #include "inpS/materials/inpS_TableCheck.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_KeywordTable.h"
@@ -13,7 +14,7 @@
 
 namespace {
 
-using Column = inpS_BehaviorColumns::Column;
+using Column = inpS_TableColumns::Column;
 
 inpS_ExtraColumns extraColumns(const cow_List<Column>& columns, Column::Role role) {
   inpS_ExtraColumns extra;
@@ -81,7 +82,7 @@ inpS_MaterialVisitor::inpS_MaterialVisitor(const inpS_Inventory& inventory)
 cow_List<inp_KeywordEnm> inpS_MaterialVisitor::ModelledKinds() {
   cow_List<inp_KeywordEnm> kinds = {inp_KwMaterial, inp_KwGasketBehavior, inp_KwPhysicalConstants,
                                     inp_KwNoCompression, inp_KwNoTension};
-  const cow_List<inp_KeywordEnm>& behaviors = inpS_BehaviorTable::Instance().Keywords();
+  const cow_List<inp_KeywordEnm>& behaviors = inpS_behaviorKeywords();
   kinds.insert(kinds.end(), behaviors.begin(), behaviors.end());
   return kinds;
 }
@@ -170,9 +171,9 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
           keyword, binding.key, binding.name + " is given again; the last one holds."));
   inpS_readParameters(keyword, bindings, constants.DataRecord(), *this);
   if (const cow_String others = inpS_takeOtherParameters(keyword); !others.empty()) {
-    const cow_String former =
-        constants.DataRecord().ReturnString(eds_PhysicalConstants_OtherParameters);
-    constants.DataRecord().SetString(eds_PhysicalConstants_OtherParameters, former + others);
+    const int field = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
+    const cow_String former = constants.DataRecord().ReturnString(field);
+    constants.DataRecord().SetString(field, former + others);
   }
   transaction.Commit();
 }
@@ -183,13 +184,13 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
 void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.IsInstanceCopy()) return;
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll();
-  const inpS_BehaviorTable& table = inpS_BehaviorTable::Instance();
   const inp_KeywordEnm kind = keyword.Kind();
   if (kind == inp_UnknownKeyword) { // stays where it stands in its material
     if (!m_open.IsNull()) KeepAsText(keyword, m_open);
     return;
   }
-  const bool isOurs = table.Knows(kind) || kind == inp_KwNoCompression || kind == inp_KwNoTension;
+  const bool isOurs =
+      inpS_isBehavior(kind) || kind == inp_KwNoCompression || kind == inp_KwNoTension;
   if (keyword.ParentKind() == inp_NullKeyword) {
     const bool isMisplaced = inp_KeywordTable::Instance().Row(kind)->levels == inp_LevelsSub;
     if (isMisplaced && (isOurs || !m_open.IsNull())) { // within a material it stays there
@@ -211,12 +212,12 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
     m_open = m_owner = m_gasket;
     break;
   default: // dealt with where its own parent is converted, or kept with it
-    if (!table.Knows(keyword.ParentKind())) KeepAsText(keyword, {});
+    if (!inpS_isBehavior(keyword.ParentKind())) KeepAsText(keyword, {});
     return;
   }
   if (m_owner.IsNull()) TellOfStray(keyword);
   if (m_owner.IsNull()) return KeepAsText(keyword, m_owner, true);
-  if (!table.Knows(kind)) return KeepUnconverted(keyword, m_owner);
+  if (!inpS_isBehavior(kind)) return KeepUnconverted(keyword, m_owner);
   inpS_Visitor::Visit(keyword);
 }
 
@@ -253,7 +254,7 @@ void inpS_MaterialVisitor::KeepUnconverted(const inp_Keyword& keyword,
   // What was said then says nothing of the text.
   const bool isUntold =
       inpS_hasUnknownWord(keyword) ||
-      (keyword.Kind() == inp_KwExpansion && !inpS_BehaviorTable::Instance().Select(keyword));
+      (keyword.Kind() == inp_KwExpansion && !inpS_FormTable::Instance().Select(keyword));
   const bool isTold = reason.empty() && !isUntold;
   KeepAsText(keyword, owner, isTold, std::move(reason));
 }
@@ -285,13 +286,13 @@ KvoSimPosition inpS_MaterialVisitor::GetProperty(eds_RecordKind kind) const {
 KvoSimPosition inpS_MaterialVisitor::CreateBehavior(const inp_Keyword& keyword,
                                                     const KvoSimPosition& owner,
                                                     const inp_Keyword* parent) {
-  const inpS_BehaviorTable& table = inpS_BehaviorTable::Instance();
-  const inpS_Behavior* behavior = table.Select(keyword, parent);
-  const std::string_view assertion = inpS_BehaviorTable::AssertionOf(keyword.Kind());
+  const inpS_FormTable& table = inpS_FormTable::Instance();
+  const inpS_Form* behavior = table.Select(keyword, parent);
+  const std::string_view assertion = inpS_valueAssertion(keyword.Kind());
   if (behavior && behavior->kind == eds_RecordKind::Depvar && keyword.Data().Rows() == 0)
     utl_assertionFailed("numRows>= 1");
   if (!behavior && !assertion.empty()) utl_assertionFailed(cow_String(assertion).c_str());
-  const std::string_view misplaced = inpS_BehaviorTable::OwnerAssertionOf(keyword.Kind());
+  const std::string_view misplaced = inpS_ownerAssertion(keyword.Kind());
   if (!misplaced.empty() && !mayOwn(owner, keyword.Kind()))
     utl_assertionFailed(cow_String(misplaced).c_str());
   return behavior ? Create(keyword, *behavior, owner) : KvoSimPosition();
@@ -309,15 +310,15 @@ KvoSimPosition inpS_MaterialVisitor::Convert(const inp_Keyword& keyword,
 // Whether a row takes the keyword here; what stands against it is reported.
 bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                                       const inp_Keyword* parent) {
-  const inpS_Behavior* behavior = inpS_BehaviorTable::Instance().Select(keyword, parent);
+  const inpS_Form* behavior = inpS_FormTable::Instance().Select(keyword, parent);
   if (!behavior) {
     ReportChoice(keyword);
     return false;
   }
   if (inpS_hasUnknownWord(keyword)) return false; // told
   if (behavior->HasTable() && NamesDistribution(keyword)) return false;
-  if (behavior->form == inpS_DataForm::None) TellOfData(keyword);
-  if (behavior->repeat == inpS_Repeat::Many) return true;
+  if (behavior->info->data == eds_FormData::None) TellOfData(keyword);
+  if (behavior->info->repeat == eds_FormRepeat::Many) return true;
   return !IsSecond(keyword, *behavior, owner);
 }
 
@@ -341,11 +342,11 @@ cow_String inpS_MaterialVisitor::UntoldReason(const inp_Keyword& keyword) const 
   return {};
 }
 
-bool inpS_MaterialVisitor::IsSecond(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+bool inpS_MaterialVisitor::IsSecond(const inp_Keyword& keyword, const inpS_Form& behavior,
                                     const KvoSimPosition& owner) {
   for (const KvoSimPosition& present : owner.GetVector(memberOf(owner))) {
-    const inpS_Behavior* other = inpS_BehaviorTable::Instance().Find(present.Object().RecordKind());
-    const bool same = behavior.repeat == inpS_Repeat::Beside || !other
+    const inpS_Form* other = inpS_FormTable::Instance().Find(present.Object().RecordKind());
+    const bool same = behavior.info->repeat == eds_FormRepeat::Beside || !other
                           ? present.IsA(behavior.kind)
                           : other->keyword == keyword.Kind();
     if (!same) continue;
@@ -360,16 +361,15 @@ bool inpS_MaterialVisitor::IsSecond(const inp_Keyword& keyword, const inpS_Behav
 // A value that is no word of the language has been told by the parser, and what *ELASTIC does not
 // know it leaves alone without a word of its own.
 void inpS_MaterialVisitor::ReportChoice(const inp_Keyword& keyword) {
-  const cow_String parameter = inpS_BehaviorTable::Instance().UnknownChoice(keyword);
+  const cow_String parameter = inpS_FormTable::Instance().UnknownChoice(keyword);
   if (keyword.Kind() == inp_KwExpansion && parameter == "TYPE")
     return AddWarning(inp_Utils::MessageAtParameter(keyword, "type", "Unsupported type."));
   if (inpS_hasUnknownWord(keyword) || keyword.Kind() == inp_KwElastic) return;
-  const bool says =
-      std::ranges::any_of(inpS_BehaviorTable::Instance().Rows(), [&](const inpS_Behavior& row) {
-        return row.keyword == keyword.Kind() &&
-               std::ranges::any_of(row.selectors,
-                                   [&](const auto& one) { return keyword.HasParameter(one.key); });
-      });
+  const bool says = std::ranges::any_of(inpS_behaviorForms(), [&](const inpS_Form* row) {
+    return row->keyword == keyword.Kind() &&
+           std::ranges::any_of(row->selectors,
+                               [&](const auto& one) { return keyword.HasParameter(one.key); });
+  });
   if (says)
     Warning(keyword,
             "*" + keyword.Name() + " is none of the kinds that are converted; it is kept as text.");
@@ -382,13 +382,13 @@ void inpS_MaterialVisitor::ReportChoice(const inp_Keyword& keyword) {
 void inpS_MaterialVisitor::TellConflicts(const inp_Keyword& keyword) {
   for (const inp_Parameter& parameter : keyword.Parameters()) {
     if (parameter.referred || parameter.told) continue;
-    const auto chooses = [&](const inpS_Behavior& row) {
-      return row.keyword == keyword.Kind() &&
-             std::ranges::any_of(row.selectors, [&](const inpS_Behavior::Selector& selector) {
+    const auto chooses = [&](const inpS_Form* row) {
+      return row->keyword == keyword.Kind() &&
+             std::ranges::any_of(row->selectors, [&](const inpS_Form::Selector& selector) {
                return selector.key == parameter.name;
              });
     };
-    if (std::ranges::none_of(inpS_BehaviorTable::Instance().Rows(), chooses)) continue;
+    if (std::ranges::none_of(inpS_behaviorForms(), chooses)) continue;
     parameter.told = true;
     AddWarning(inp_Utils::MessageAtParameter(
         keyword, parameter.name,
@@ -398,10 +398,10 @@ void inpS_MaterialVisitor::TellConflicts(const inp_Keyword& keyword) {
 }
 
 // Whether the parameters that say how many values there are can be right.
-bool inpS_MaterialVisitor::CheckCounts(const inp_Keyword& keyword, const inpS_Behavior& behavior) {
+bool inpS_MaterialVisitor::CheckCounts(const inp_Keyword& keyword, const inpS_Form& behavior) {
   if (behavior.columns.IsFixed()) return true;
   const cow_List<cow_String> counts = behavior.columns.Parameters();
-  const long long least = behavior.MayLackRows() && behavior.form == inpS_DataForm::Bare ? 0 : 1;
+  const long long least = behavior.MayLackRows() && !behavior.HasTemperature() ? 0 : 1;
   for (const inpS_ParameterBinding& binding : behavior.parameters) {
     const inp_Item* item = keyword.Find(binding.key);
     if (!item || std::ranges::find(counts, binding.key) == counts.end()) continue;
@@ -416,11 +416,11 @@ bool inpS_MaterialVisitor::CheckCounts(const inp_Keyword& keyword, const inpS_Be
   return true;
 }
 
-bool inpS_MaterialVisitor::ReadTable(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+bool inpS_MaterialVisitor::ReadTable(const inp_Keyword& keyword, const inpS_Form& behavior,
                                      cow_List<Column>& columns, inpS_KeywordDataTable& table) {
   constexpr long long mostValues = 100000; // of a row; beyond, the number is a slip of the pen
   if (!CheckCounts(keyword, behavior)) return false;
-  const auto count = inpS_Behavior::CountIn(keyword);
+  const auto count = inpS_Form::CountIn(keyword);
   const long long size = behavior.columns.Size(count);
   const inp_DataArray& data = keyword.Data();
   if (size == 0 && hasData(keyword)) {
@@ -448,8 +448,7 @@ bool inpS_MaterialVisitor::ReadTable(const inp_Keyword& keyword, const inpS_Beha
   return table.NumRows() > 0 || behavior.MayLackRows();
 }
 
-KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword,
-                                            const inpS_Behavior& behavior,
+KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const inpS_Form& behavior,
                                             const KvoSimPosition& owner) {
   cow_List<Column> columns;
   inpS_KeywordDataTable table;
@@ -460,8 +459,8 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword,
   owner.Associate(memberOf(owner), property);
   PlacePotential(potential, property);
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
-  if (behavior.linesField >= 0 && keyword.Data().Rows() > 0)
-    property.DataRecord().SetString(behavior.linesField, inpS_dataLines(keyword));
+  if (behavior.info->textField >= 0 && keyword.Data().Rows() > 0)
+    property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword));
   KeepOthers(keyword, behavior, property, table);
   const int kind = inpS_PropertyUtils::TableKindOf(behavior.kind);
   inpS_PropertyUtils::CreateProperty(
@@ -473,12 +472,12 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword,
 }
 
 // What has no field and no column: parameters that nothing took, lines that hold more than rows.
-void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_Form& behavior,
                                       const KvoSimPosition& property,
                                       const inpS_KeywordDataTable& table) {
-  if (behavior.othersField >= 0) {
+  if (behavior.info->othersField >= 0) {
     const cow_String others = inpS_takeOtherParameters(keyword);
-    if (!others.empty()) property.DataRecord().SetString(behavior.othersField, others);
+    if (!others.empty()) property.DataRecord().SetString(behavior.info->othersField, others);
   }
   inpS_KeptPart part;
   if (!table.Unread().empty()) part.lines = inpS_dataLines(keyword);
@@ -501,7 +500,7 @@ void inpS_MaterialVisitor::CreateSuboptions(const inp_Keyword& keyword,
                                             const KvoSimPosition& property) {
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
     if (suboption.Kind() == inp_KwPotential) continue; // of the material, made beforehand
-    if (inpS_BehaviorTable::Instance().Knows(suboption.Kind())) {
+    if (inpS_isBehavior(suboption.Kind())) {
       Convert(suboption, property, &keyword);
       continue;
     }
@@ -511,7 +510,7 @@ void inpS_MaterialVisitor::CreateSuboptions(const inp_Keyword& keyword,
       property.DataRecord().SetBool(flag, true);
       continue;
     }
-    const std::string_view assertion = inpS_BehaviorTable::SuboptionAssertionOf(keyword.Kind());
+    const std::string_view assertion = inpS_suboptionAssertion(keyword.Kind());
     if (!assertion.empty()) utl_assertionFailed(cow_String(assertion).c_str());
     KeepAsText(suboption, property);
   }
@@ -523,7 +522,7 @@ void inpS_MaterialVisitor::Elasticity(const inp_Keyword& keyword) {
   const KvoSimPosition property = Convert(keyword, m_owner);
   if (property.IsNull() || keyword.StringOf("moduli", "LONGTERM") == "INSTANTANEOUS") return;
   KvoSimTransaction transaction(m_document.ContextID());
-  property.DataRecord().UnsetMember(eds_ElasticIsotropic_Moduli); // the same of all its kinds
+  property.DataRecord().UnsetMember(eds_formField(property.Object().RecordKind(), "moduli"));
   transaction.Commit();
 }
 
@@ -539,7 +538,7 @@ inpS_MaterialVisitor::Potential inpS_MaterialVisitor::CreatePotential(const inp_
     KvoSimPosition made;
     if (isSecond)
       Warning(suboption, "The material has a potential already; this one is kept as text.");
-    else if (const auto* behavior = inpS_BehaviorTable::Instance().Select(suboption))
+    else if (const auto* behavior = inpS_FormTable::Instance().Select(suboption))
       made = Create(suboption, *behavior, m_owner);
     if (made.IsNull())
       potential.texts.push_back(&suboption);
@@ -559,7 +558,8 @@ void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
                        inpS_TextPlace{m_owner, property, false, std::move(reason), isTold});
   }
   if (!potential.made.IsNull())
-    potential.made.DataRecord().SetReference(eds_Potential_GivenWith, property);
+    potential.made.DataRecord().SetReference(eds_formField(eds_RecordKind::Potential, "given_with"),
+                                             property);
 }
 
 void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
@@ -567,7 +567,7 @@ void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
   if (inpS_hasUnknownWord(keyword)) return KeepAsText(keyword, m_owner);
   constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
   KvoSimPosition property = GetProperty(kind);
-  if (property.IsNull() && IsSecond(keyword, *inpS_BehaviorTable::Instance().Find(kind), m_owner))
+  if (property.IsNull() && IsSecond(keyword, *inpS_FormTable::Instance().Find(kind), m_owner))
     return KeepAsText(keyword, m_owner, true); // beside another hardening
   KvoSimTransaction transaction(m_document.ContextID());
   if (property.IsNull()) {
@@ -605,7 +605,8 @@ void inpS_MaterialVisitor::Depvar(const inp_Keyword& keyword) {
   KvoSimTransaction transaction(m_document.ContextID());
   const KvoSimPosition property = Convert(keyword, m_owner);
   if (!property.IsNull())
-    property.DataRecord().SetInt(eds_Depvar_Count, static_cast<long long>(count));
+    property.DataRecord().SetInt(eds_formField(eds_RecordKind::Depvar, "count"),
+                                 static_cast<long long>(count));
   transaction.Commit();
 }
 

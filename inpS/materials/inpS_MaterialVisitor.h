@@ -6,12 +6,12 @@
 #include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/keywords/inpS_KeptParts.h"
-#include "inpS/materials/inpS_Behavior.h"
+#include "inpS/materials/inpS_Behaviors.h"
 #include "inpS/materials/inpS_PropertyUtils.h"
 
 // Converts materials and gasket behaviours: every behaviour keyword becomes a property record of
 // the material that is open, its sub-options records of that property. What a keyword holds stands
-// in its row of inpS_behaviors.def; only what a row cannot say has an operation of its own here.
+// in its form; only what a row cannot say has an operation of its own here.
 class inpS_MaterialVisitor : public inpS_Visitor {
 public:
   explicit inpS_MaterialVisitor(const inpS_Inventory& inventory);
@@ -63,9 +63,8 @@ private:
                   const inp_Keyword* parent);
   bool NamesDistribution(const inp_Keyword& keyword) const;
   cow_String UntoldReason(const inp_Keyword& keyword) const;
-  bool IsSecond(const inp_Keyword& keyword, const inpS_Behavior& behavior,
-                const KvoSimPosition& owner);
-  bool CheckCounts(const inp_Keyword& keyword, const inpS_Behavior& behavior);
+  bool IsSecond(const inp_Keyword& keyword, const inpS_Form& behavior, const KvoSimPosition& owner);
+  bool CheckCounts(const inp_Keyword& keyword, const inpS_Form& behavior);
   void TellOfData(const inp_Keyword& keyword);
   void TellOfNoName(const inp_Keyword& keyword);
   void ReportChoice(const inp_Keyword& keyword);
@@ -74,10 +73,10 @@ private:
   void CreateMaterialRegularization(const inp_Keyword& keyword, const KvoSimPosition& material);
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                          const inp_Keyword* parent = nullptr);
-  KvoSimPosition Create(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+  KvoSimPosition Create(const inp_Keyword& keyword, const inpS_Form& behavior,
                         const KvoSimPosition& owner);
-  bool ReadTable(const inp_Keyword& keyword, const inpS_Behavior& behavior,
-                 cow_List<inpS_BehaviorColumns::Column>& columns, inpS_KeywordDataTable& table);
+  bool ReadTable(const inp_Keyword& keyword, const inpS_Form& behavior,
+                 cow_List<inpS_TableColumns::Column>& columns, inpS_KeywordDataTable& table);
   void CreateSuboptions(const inp_Keyword& keyword, const KvoSimPosition& property);
   // The *POTENTIAL of a keyword belongs to the material and is made before the keyword's own
   // property; once that is there, it is told what it was given with, or kept as text behind it.
@@ -88,7 +87,7 @@ private:
   Potential CreatePotential(const inp_Keyword& keyword);
   void PlacePotential(const Potential& potential, const KvoSimPosition& property);
   inpS_KeywordDataTable ReadIsotropicHardening(const inp_Keyword& keyword);
-  void KeepOthers(const inp_Keyword& keyword, const inpS_Behavior& behavior,
+  void KeepOthers(const inp_Keyword& keyword, const inpS_Form& behavior,
                   const KvoSimPosition& property, const inpS_KeywordDataTable& table);
   void KeepParts(const inp_Keyword& keyword, const KvoSimPosition& owner, inpS_KeptPart part,
                  bool always = false);

@@ -8,7 +8,7 @@
 
 namespace {
 
-using Column = inpS_BehaviorColumns::Column;
+using Column = inpS_TableColumns::Column;
 
 cow_String text(double value) {
   char buffer[utl_doubleTextRoom];
@@ -313,6 +313,6 @@ private:
 } // namespace
 
 void inpS_checkTable(const inp_Keyword& keyword, const inpS_KeywordDataTable& table,
-                     const cow_List<inpS_BehaviorColumns::Column>& columns, inp_Visitor& messages) {
+                     const cow_List<inpS_TableColumns::Column>& columns, inp_Visitor& messages) {
   Check(keyword, table, columns, messages).Run();
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "inpS/forms/inpS_TableColumns.h"
 #include "inpS/keywords/inpS_KeywordDataTable.h"
-#include "inpS/materials/inpS_BehaviorColumns.h"
 
 class inp_Visitor;
 
@@ -9,4 +9,4 @@ class inp_Visitor;
 // their range, columns that do not rise. Each fault is an error at its row (a few of a kind; the
 // table is kept as it was given).
 void inpS_checkTable(const inp_Keyword& keyword, const inpS_KeywordDataTable& table,
-                     const cow_List<inpS_BehaviorColumns::Column>& columns, inp_Visitor& messages);
+                     const cow_List<inpS_TableColumns::Column>& columns, inp_Visitor& messages);

@@ -28,7 +28,7 @@ void printFirstLine(utl_Stream& out, const inpS_AmplitudeForm& form,
   for (std::size_t n = 0; n < form.lineFields.size(); ++n) {
     if (n > 0) out << ", ";
     if (form.kind == eds_RecordKind::AmplitudePeriodic &&
-        form.lineFields[n] == eds_AmplitudePeriodic_Terms)
+        form.lineFields[n] == eds_formField(eds_RecordKind::AmplitudePeriodic, "terms"))
       out << record.GetInt64(form.lineFields[n]);
     else
       out << record.GetDouble(form.lineFields[n]);
@@ -63,8 +63,9 @@ void printKeyword(utl_Stream& out, const inpS_AmplitudeForm& form, const KvoSimD
   if (record.GetSymb(form.timeSpan) != 0) out << ", TIME=TOTAL TIME";
   inpS_printParameters(out, form.parameters, record);
   if (form.kind == eds_RecordKind::AmplitudeTabular &&
-      record.GetBool(eds_AmplitudeTabular_SmoothingGiven))
-    out << ", SMOOTH=" << record.GetDouble(eds_AmplitudeTabular_Smoothing);
+      record.GetBool(eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing_given")))
+    out << ", SMOOTH="
+        << record.GetDouble(eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing"));
 }
 
 } // namespace

@@ -3,7 +3,8 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSrvFsmFTable.h"
-#include "inpS/materials/inpS_Behavior.h"
+#include "inpS/forms/inpS_FormTable.h"
+#include "inpS/keywords/inpS_RecordParameters.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "inpS/writer/inpS_PropertyWords.h"
 #include "inpS/writer/inpS_RowLayout.h"
@@ -51,7 +52,8 @@ void inpS_MaterialPrinter::PrintPhysicalConstants(const KvoObjModel& model) {
   const KvoSimPosition constants = model.Position().Follow(eds_Member::PhysicalConstants);
   if (constants.IsNull()) return;
   printPlain(m_out, inp_KwPhysicalConstants, constants);
-  m_out << constants.DataRecord().GetString(eds_PhysicalConstants_OtherParameters) << '\n';
+  const int others = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
+  m_out << constants.DataRecord().GetString(others) << '\n';
 }
 
 void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEnm keyword) {
@@ -68,8 +70,7 @@ void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEn
 }
 
 void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
-  const inpS_Behavior* behavior =
-      inpS_BehaviorTable::Instance().Find(property.Object().RecordKind());
+  const inpS_Form* behavior = inpS_FormTable::Instance().Find(property.Object().RecordKind());
   if (!behavior) return; // of a newer version's kind: nothing is known of it
   if (property.IsA(eds_RecordKind::PlasticIsotropic) && hasRates(property.GetFTable())) {
     PrintIsotropicHardening(property, *behavior);
@@ -82,13 +83,13 @@ void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
       PrintTable(property);
     else
       m_out << part.lines;
-    if (behavior->linesField >= 0) m_out << property.DataRecord().GetString(behavior->linesField);
+    if (behavior->info->textField >= 0)
+      m_out << property.DataRecord().GetString(behavior->info->textField);
   }
   PrintSuboptions(property);
 }
 
-void inpS_MaterialPrinter::PrintKeyword(const KvoSimPosition& property,
-                                        const inpS_Behavior& behavior) {
+void inpS_MaterialPrinter::PrintKeyword(const KvoSimPosition& property, const inpS_Form& behavior) {
   inpS_printVariant(m_out, behavior);
   inpS_printOtherParameters(m_out, behavior, property.DataRecord());
 }
@@ -96,15 +97,14 @@ void inpS_MaterialPrinter::PrintKeyword(const KvoSimPosition& property,
 void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {
   const KvoSrvFsmFTable table = property.GetFTable();
   if (table.IsNull()) return;
-  const inpS_Behavior& behavior =
-      *inpS_BehaviorTable::Instance().Find(property.Object().RecordKind());
+  const inpS_Form& behavior = *inpS_FormTable::Instance().Find(property.Object().RecordKind());
   const inpS_RowLayout layout(behavior, property.DataRecord(), table);
   inpS_printFTable(m_out, {&layout, {}}, table);
 }
 
 // One keyword for each run of rows of one rate, and for each that keeps something of its own.
 void inpS_MaterialPrinter::PrintIsotropicHardening(const KvoSimPosition& property,
-                                                   const inpS_Behavior& behavior) {
+                                                   const inpS_Form& behavior) {
   const KvoSrvFsmFTable table = property.GetFTable();
   const int columns = table.NumOfCols();
   const cow_List<double> values = table.Values();

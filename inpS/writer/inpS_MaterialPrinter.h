@@ -7,7 +7,7 @@
 
 class KvoObjModel;
 class utl_Stream;
-struct inpS_Behavior;
+struct inpS_Form;
 
 // Materials, gasket behaviours and physical constants as keywords: each property by the row that it
 // was read by.
@@ -26,9 +26,9 @@ public:
 private:
   void PrintNamed(const KvoSimPosition& owner, inp_KeywordEnm keyword);
   void PrintProperty(const KvoSimPosition& property);
-  void PrintKeyword(const KvoSimPosition& property, const inpS_Behavior& behavior);
+  void PrintKeyword(const KvoSimPosition& property, const inpS_Form& behavior);
   void PrintTable(const KvoSimPosition& property);
-  void PrintIsotropicHardening(const KvoSimPosition& property, const inpS_Behavior& behavior);
+  void PrintIsotropicHardening(const KvoSimPosition& property, const inpS_Form& behavior);
   void PrintRows(const KvoSrvFsmFTable& table, const cow_List<double>& run);
   void PrintSuboptions(const KvoSimPosition& property);
 

@@ -2,14 +2,14 @@
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSrvFsmFTable.h"
-#include "inpS/materials/inpS_Behavior.h"
+#include "inpS/forms/inpS_FormTable.h"
 #include "inpS/writer/inpS_PropertyWords.h"
 #include "parser/inp_KeywordTable.h"
 
 namespace {
 
 using Description = inpS_PropertyDescription;
-using Role = inpS_BehaviorColumns::Column::Role;
+using Role = inpS_TableColumns::Column::Role;
 
 // Takes the next of the names that a table holds for its columns, when it is this one.
 bool takeName(const cow_List<cow_String>& names, std::size_t& next, const cow_String& name) {
@@ -20,8 +20,7 @@ bool takeName(const cow_List<cow_String>& names, std::size_t& next, const cow_St
 
 // The row's columns but those that no line of the deck gave, for the table does not hold them. What
 // the table holds beyond them, such as the rate of hardening rows, stands behind them.
-cow_List<Description::Column> columnsOf(const inpS_Behavior& behavior,
-                                        const KvoSimPosition& property) {
+cow_List<Description::Column> columnsOf(const inpS_Form& behavior, const KvoSimPosition& property) {
   cow_List<Description::Column> columns;
   const KvoSrvFsmFTable table = property.GetFTable();
   if (table.IsNull()) return columns;
@@ -66,8 +65,7 @@ private:
 
   void Add(const KvoSimPosition& property, int depth) {
     Description description{property, depth, {}, {}, {}};
-    const inpS_Behavior* behavior =
-        inpS_BehaviorTable::Instance().Find(property.Object().RecordKind());
+    const inpS_Form* behavior = inpS_FormTable::Instance().Find(property.Object().RecordKind());
     if (!behavior) return; // of a newer version's kind: nothing is known of it
     description.variant = Text([&] { inpS_printVariant(m_out, *behavior); });
     description.parameters =

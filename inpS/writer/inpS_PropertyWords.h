@@ -4,14 +4,14 @@
 #include "parser/inp_KeywordEnm.h"
 
 class utl_Stream;
-struct inpS_Behavior;
+struct inpS_Form;
 
 // Property records in the words of decks, from the rows that read and print them.
 
 // "*ELASTIC, TYPE=LAMINA": the keyword and what chooses the row.
-void inpS_printVariant(utl_Stream& out, const inpS_Behavior& behavior);
+void inpS_printVariant(utl_Stream& out, const inpS_Form& behavior);
 // ", MODULI=INSTANTANEOUS": its other parameters.
-void inpS_printOtherParameters(utl_Stream& out, const inpS_Behavior& behavior,
+void inpS_printOtherParameters(utl_Stream& out, const inpS_Form& behavior,
                                const KvoSimDataRecord& record);
 
 // What stands under a property: flags of its record, the material's potential, its sub-options, in

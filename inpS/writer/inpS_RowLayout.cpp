@@ -2,13 +2,13 @@
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSrvFsmFTable.h"
-#include "inpS/materials/inpS_Behavior.h"
+#include "inpS/forms/inpS_FormTable.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include <algorithm>
 
 namespace {
 
-using Column = inpS_BehaviorColumns::Column;
+using Column = inpS_TableColumns::Column;
 constexpr int kBlank = -1;
 constexpr int kZero = -2;
 constexpr int kPerLine = 8;
@@ -35,7 +35,7 @@ inpS_RowLayout::inpS_RowLayout(int columns, int zeroAt) : m_columns(columns) {
   if (zeroAt >= 0) m_fields.insert(m_fields.begin() + zeroAt, kZero);
 }
 
-inpS_RowLayout::inpS_RowLayout(const inpS_Behavior& behavior, const KvoSimDataRecord& record,
+inpS_RowLayout::inpS_RowLayout(const inpS_Form& behavior, const KvoSimDataRecord& record,
                                const KvoSrvFsmFTable& table)
     : m_columns(table.NumOfCols()) {
   Names dependent(table.DependentColumns());

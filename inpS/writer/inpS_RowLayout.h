@@ -3,7 +3,7 @@
 #include "base/cow_Value.h"
 #include <span>
 
-struct inpS_Behavior;
+struct inpS_Form;
 class KvoSimDataRecord;
 class KvoSrvFsmFTable;
 class utl_Stream;
@@ -15,7 +15,7 @@ class inpS_RowLayout {
 public:
   // Of `columns` columns as they stand, with a zero before one of them; -1: with none.
   inpS_RowLayout(int columns, int zeroAt);
-  inpS_RowLayout(const inpS_Behavior& behavior, const KvoSimDataRecord& record,
+  inpS_RowLayout(const inpS_Form& behavior, const KvoSimDataRecord& record,
                  const KvoSrvFsmFTable& table);
 
   // Rows of the table, eight values to a line.

@@ -114,6 +114,9 @@ TEST(Amplitudes, SmoothingLeftOutFollowsTheAnalysis) {
     const KvoSimPosition amplitude =
         deck.document.GetModel().Position().FollowStringKey(eds_Member::Amplitudes, "A");
     ASSERT_FALSE(amplitude.IsNull());
-    EXPECT_EQ(amplitude.DataRecord().GetDouble(eds_AmplitudeTabular_Smoothing), smoothing) << step;
+    EXPECT_EQ(amplitude.DataRecord().GetDouble(
+                  eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing")),
+              smoothing)
+        << step;
   }
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-using Column = inpS_BehaviorColumns::Column;
+using Column = inpS_TableColumns::Column;
 constexpr int kRepeats = 2; // of a group of columns
 constexpr double kTemperature = 400;
 
@@ -15,14 +15,14 @@ bool isPoint(const Column& column) {
   return column.role == Column::Role::Independent || column.order != Column::Order::None;
 }
 
-bool hasPoints(const inpS_Behavior& behavior) {
+bool hasPoints(const inpS_Form& behavior) {
   const auto once = [](const cow_String&, long long) { return 1; };
   return std::ranges::any_of(behavior.columns.Expand(once), isPoint);
 }
 
 class Maker {
 public:
-  Maker(const inpS_Behavior& behavior, BehaviorForm form, int& number)
+  Maker(const inpS_Form& behavior, BehaviorForm form, int& number)
       : m_behavior(behavior), m_form(form), m_number(number) {}
 
   BehaviorCase Make() {
@@ -39,7 +39,7 @@ private:
   }
 
   // The keywords that have to stand above this one, outermost first.
-  void AddParents(const inpS_Behavior& behavior) {
+  void AddParents(const inpS_Form& behavior) {
     inp_KeywordEnm parent = behavior.parent;
     if (parent == inp_NullKeyword) {
       const auto parents = RowOf(behavior.keyword).parents;
@@ -50,21 +50,21 @@ private:
       }
       parent = FirstConverted(parents);
     }
-    for (const inpS_Behavior& row : inpS_BehaviorTable::Instance().Rows()) {
-      if (row.keyword != parent || !Serves(row, behavior)) continue;
-      AddParents(row);
-      m_case.keywords.push_back(KeywordText(row, {1, false, 0}, nullptr));
+    for (const inpS_Form* row : inpS_behaviorForms()) {
+      if (row->keyword != parent || !Serves(*row, behavior)) continue;
+      AddParents(*row);
+      m_case.keywords.push_back(KeywordText(*row, {1, false, 0}, nullptr));
       return;
     }
   }
 
   static inp_KeywordEnm FirstConverted(std::span<const inp_KeywordEnm> parents) {
     for (const inp_KeywordEnm parent : parents)
-      if (inpS_BehaviorTable::Instance().Knows(parent)) return parent;
+      if (inpS_isBehavior(parent)) return parent;
     return inp_NullKeyword;
   }
 
-  static bool Serves(const inpS_Behavior& parent, const inpS_Behavior& child) {
+  static bool Serves(const inpS_Form& parent, const inpS_Form& child) {
     return std::ranges::all_of(child.parentSelectors, [&](const auto& wanted) {
       return std::ranges::any_of(parent.selectors, [&](const auto& has) {
         return has.key == wanted.key && has.word == wanted.word;
@@ -72,7 +72,7 @@ private:
     });
   }
 
-  cow_String KeywordText(const inpS_Behavior& behavior, BehaviorForm form, BehaviorCase* expected) {
+  cow_String KeywordText(const inpS_Form& behavior, BehaviorForm form, BehaviorCase* expected) {
     cow_String text = "*" + cow_String(RowOf(behavior.keyword).name);
     for (const auto& selector : behavior.selectors) {
       if (selector.isField && expected) continue;
@@ -88,7 +88,7 @@ private:
     if (form.variables > 0) text += ", DEPENDENCIES=" + std::to_string(form.variables);
     text += '\n';
     if (behavior.HasTable()) text += RowsText(behavior, form, expected);
-    if (behavior.linesField >= 0) text += "3\n";
+    if (behavior.info->textField >= 0) text += "3\n";
     return text;
   }
 
@@ -134,7 +134,7 @@ private:
     return (std::isfinite(column.low) ? column.low : 0) + Next();
   }
 
-  cow_String RowsText(const inpS_Behavior& behavior, BehaviorForm form, BehaviorCase* expected) {
+  cow_String RowsText(const inpS_Form& behavior, BehaviorForm form, BehaviorCase* expected) {
     const auto count = [](const cow_String& parameter, long long absent) {
       return parameter == "b" ? absent : kRepeats; // a group of fixed length
     };
@@ -174,7 +174,7 @@ private:
     }
   }
 
-  const inpS_Behavior& m_behavior;
+  const inpS_Form& m_behavior;
   BehaviorForm m_form;
   int& m_number;
   BehaviorCase m_case;
@@ -182,7 +182,7 @@ private:
 
 } // namespace
 
-cow_List<BehaviorCase> behaviorCases(const inpS_Behavior& behavior, int& number) {
+cow_List<BehaviorCase> behaviorCases(const inpS_Form& behavior, int& number) {
   const inp_KeywordRow& row = *inp_KeywordTable::Instance().Row(behavior.keyword);
   const bool mayDepend = std::ranges::find(row.parameters, "dependencies") != row.parameters.end();
   cow_List<BehaviorCase> cases;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "inpS/materials/inpS_Behavior.h"
+#include "inpS/materials/inpS_Behaviors.h"
 
 // One way to write a keyword of the material table.
 struct BehaviorForm {
@@ -13,7 +13,7 @@ struct BehaviorForm {
 // (or gasket behaviour) of its own; and what the model must hold of it.
 struct BehaviorCase {
   cow_String name; // of the material
-  const inpS_Behavior* behavior = nullptr;
+  const inpS_Form* behavior = nullptr;
   bool gasket = false;
   cow_List<cow_String> keywords; // as deck text, the case's own last
   cow_List<double> values;       // row by row, as the table must hold them
@@ -22,4 +22,4 @@ struct BehaviorCase {
 };
 
 // All cases of a row of the table; `number` makes their numbers and names differ from others'.
-cow_List<BehaviorCase> behaviorCases(const inpS_Behavior& behavior, int& number);
+cow_List<BehaviorCase> behaviorCases(const inpS_Form& behavior, int& number);

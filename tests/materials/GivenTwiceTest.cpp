@@ -59,15 +59,15 @@ TEST_F(MaterialTable, WhatMayBeGivenTwice) {
   cow_List<Second> seconds;
   cow_String deck;
   int number = 0;
-  for (const inpS_Behavior& behavior : inpS_BehaviorTable::Instance().Rows()) {
-    const BehaviorCase one = behaviorCases(behavior, number).front();
+  for (const inpS_Form* behavior : inpS_behaviorForms()) {
+    const BehaviorCase one = behaviorCases(*behavior, number).front();
     deck += (one.gasket ? "*GASKET BEHAVIOR, NAME=" : "*MATERIAL, NAME=") + one.name + "\n";
     for (const cow_String& keyword : one.keywords) deck += keyword;
     const cow_String& last = one.keywords.back();
     const cow_String name = last.substr(1, last.find_first_of(",\n") - 1);
     seconds.push_back({lineCount(deck) + 1, last,
                        severalByName.contains(name) ||
-                           severalByVariant.contains(eds_ModelReader::Info(behavior.kind)->name)});
+                           severalByVariant.contains(eds_ModelReader::Info(behavior->kind)->name)});
     deck += last;
   }
   const ProgramRun run({"check", Deck("twice.inp", deck), "--json"});

@@ -27,8 +27,8 @@ protected:
   void ExpectTold(const char* what, const Spoil& spoil) const {
     cow_List<BehaviorCase> cases;
     int number = 0;
-    for (const inpS_Behavior& behavior : inpS_BehaviorTable::Instance().Rows())
-      cases.push_back(behaviorCases(behavior, number).front());
+    for (const inpS_Form* behavior : inpS_behaviorForms())
+      cases.push_back(behaviorCases(*behavior, number).front());
     cow_String deck = "*HEADING\nsurplus\n";
     cow_List<Surplus> surplus;
     for (const BehaviorCase& one : cases) {
@@ -57,7 +57,7 @@ protected:
 
 // What is kept as lines keeps all of them.
 bool holdsLines(const BehaviorCase& one) {
-  return one.behavior->linesField >= 0;
+  return one.behavior->info->textField >= 0;
 }
 
 cow_String withParameter(const cow_String& keyword, const cow_String& parameter) {
@@ -69,7 +69,7 @@ cow_String withParameter(const cow_String& keyword, const cow_String& parameter)
 
 TEST_F(MaterialSurplus, ParametersThatNobodyKnows) {
   ExpectTold("parameter: ", [](const BehaviorCase& one, cow_String keyword) {
-    if (one.behavior->othersField >= 0) return cow_String(); // it keeps them all
+    if (one.behavior->info->othersField >= 0) return cow_String(); // it keeps them all
     return withParameter(keyword, ", NOBODY KNOWS=3");
   });
 }
@@ -106,11 +106,9 @@ TEST_F(MaterialSurplus, WordsInPlaceOfNumbers) {
 TEST_F(MaterialSurplus, RowsOfTheSameState) {
   ExpectTold("row: ", [](const BehaviorCase& one, cow_String keyword) {
     if (!one.behavior->HasTemperature()) return cow_String();
-    const bool any =
-        std::ranges::any_of(one.behavior->columns.Expand([](const auto&, long long) { return 1; }),
-                            [](const auto& column) {
-                              return column.order == inpS_BehaviorColumns::Column::Order::Any;
-                            });
+    const bool any = std::ranges::any_of(
+        one.behavior->columns.Expand([](const auto&, long long) { return 1; }),
+        [](const auto& column) { return column.order == inpS_TableColumns::Column::Order::Any; });
     if (any) return cow_String();
     return keyword + keyword.substr(keyword.find('\n') + 1);
   });

@@ -57,8 +57,8 @@ using MaterialTable = ProgramTest;
 TEST_F(MaterialTable, EveryRowGoesBothWays) {
   cow_List<BehaviorCase> cases;
   int number = 0;
-  for (const inpS_Behavior& behavior : inpS_BehaviorTable::Instance().Rows())
-    for (BehaviorCase& one : behaviorCases(behavior, number)) cases.push_back(std::move(one));
+  for (const inpS_Form* behavior : inpS_behaviorForms())
+    for (BehaviorCase& one : behaviorCases(*behavior, number)) cases.push_back(std::move(one));
   cow_String deck = "*HEADING\nall behaviours\n";
   for (const BehaviorCase& one : cases) {
     deck += (one.gasket ? "*GASKET BEHAVIOR, NAME=" : "*MATERIAL, NAME=") + one.name + "\n";
@@ -78,27 +78,12 @@ TEST_F(MaterialTable, EveryRowGoesBothWays) {
   run({"diff", File("a.sim"), File("b.sim")});
 }
 
-// A field that no parameter fills would be read by nobody, a keyword without a row be lost.
+// A keyword without a form would be lost.
 TEST_F(MaterialTable, RowsAreWhole) {
-  const std::set<cow_String> byHand = {"Potential.GivenWith", "Depvar.Count"};
   const inp_KeywordTable& keywords = inp_KeywordTable::Instance();
-  for (const inpS_Behavior& behavior : inpS_BehaviorTable::Instance().Rows()) {
-    const eds_RecordInfo& info = *eds_ModelReader::Info(behavior.kind);
-    for (std::size_t n = 0; n < info.fields.size(); ++n) {
-      const int field = static_cast<int>(n);
-      const cow_String name = cow_String(info.name) + "." + cow_String(info.fields[n].name);
-      bool bound =
-          field == behavior.linesField || field == behavior.othersField || byHand.contains(name);
-      for (const inpS_ParameterBinding& binding : behavior.parameters)
-        bound = bound || binding.field == field;
-      for (const inp_KeywordEnm flag : {inp_KwNoCompression, inp_KwNoTension})
-        bound = bound || inpS_flagField(behavior.kind, flag) == field;
-      EXPECT_TRUE(bound) << name;
-    }
-  }
   for (const inp_KeywordEnm outer : {inp_KwMaterial, inp_KwGasketBehavior})
     for (const inp_KeywordEnm child : keywords.Row(outer)->children)
-      EXPECT_TRUE(inpS_BehaviorTable::Instance().Knows(child) || child == inp_KwNoCompression ||
+      EXPECT_TRUE(inpS_isBehavior(child) || child == inp_KwNoCompression ||
                   child == inp_KwNoTension)
           << keywords.Row(child)->name;
 }

@@ -1,11 +1,11 @@
-#include "inpS/materials/inpS_BehaviorColumns.h"
+#include "inpS/forms/inpS_TableColumns.h"
 #include "base/utl_Assert.h"
 #include <algorithm>
 #include <charconv>
 
 namespace {
 
-using Column = inpS_BehaviorColumns::Column;
+using Column = inpS_TableColumns::Column;
 
 // Walks the text of a table's columns; a fault in it is a fault of ours.
 class Scanner {
@@ -87,7 +87,7 @@ long long polynomialSize(long long n) {
 
 } // namespace
 
-inpS_BehaviorColumns::inpS_BehaviorColumns(std::string_view text) {
+inpS_TableColumns::inpS_TableColumns(std::string_view text) {
   Scanner scan(text);
   while (!scan.AtEnd()) {
     if (scan.Take(" ")) continue;
@@ -109,13 +109,13 @@ inpS_BehaviorColumns::inpS_BehaviorColumns(std::string_view text) {
     for (const Group& group : m_groups) m_fixed.push_back(group.columns.front());
 }
 
-long long inpS_BehaviorColumns::Repeats(const Group& group, const Count& count) {
+long long inpS_TableColumns::Repeats(const Group& group, const Count& count) {
   if (group.parameter.empty()) return 1;
   const long long n = std::max<long long>(0, count(group.parameter, group.absent));
   return group.polynomial ? polynomialSize(n) : n;
 }
 
-long long inpS_BehaviorColumns::Size(const Count& count) const {
+long long inpS_TableColumns::Size(const Count& count) const {
   if (m_isFixed) return static_cast<long long>(m_fixed.size());
   long long size = 0;
   for (const Group& group : m_groups)
@@ -123,7 +123,7 @@ long long inpS_BehaviorColumns::Size(const Count& count) const {
   return size;
 }
 
-cow_List<Column> inpS_BehaviorColumns::Expand(const Count& count) const {
+cow_List<Column> inpS_TableColumns::Expand(const Count& count) const {
   if (m_isFixed) return m_fixed;
   cow_List<Column> columns;
   for (const Group& group : m_groups) {
@@ -148,7 +148,7 @@ cow_List<Column> inpS_BehaviorColumns::Expand(const Count& count) const {
   return columns;
 }
 
-cow_List<cow_String> inpS_BehaviorColumns::Parameters() const {
+cow_List<cow_String> inpS_TableColumns::Parameters() const {
   cow_List<cow_String> parameters;
   for (const Group& group : m_groups)
     if (!group.parameter.empty()) parameters.push_back(group.parameter);

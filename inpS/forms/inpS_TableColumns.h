@@ -20,7 +20,7 @@
 // What a row is given for rises by itself; "!" marks where any order is meant, as in test data. A
 // group is repeated as often as the keyword's parameter says; the law "polynomial" stands for all
 // C_ij with i + j from 1 to N.
-class inpS_BehaviorColumns {
+class inpS_TableColumns {
 public:
   struct Column {
     enum class Role : unsigned char { Plain, Independent, Dependent };
@@ -49,7 +49,7 @@ public:
   // The value of an integer parameter; the default where the keyword does not carry it.
   using Count = std::function<long long(const cow_String& parameter, long long absent)>;
 
-  explicit inpS_BehaviorColumns(std::string_view text);
+  explicit inpS_TableColumns(std::string_view text);
 
   bool IsEmpty() const { return m_groups.empty(); }
   bool IsFixed() const { return m_isFixed; } // no group depends on a parameter

@@ -1,0 +1,216 @@
+// Every form in both directions: a keyword with a value of its own in every place is converted,
+// written and converted again; each value must lie in its field, and the two decks must be equal.
+// Behaviours of materials have a walk of their own, for their tables.
+
+#include "database/KvoObjDocument.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/eds_ModelReader.h"
+#include "inpS/forms/inpS_Blocks.h"
+#include "inpS/materials/inpS_Behaviors.h"
+#include "parser/inp_KeywordTable.h"
+#include "tests/host/ProgramRun.h"
+#include <cmath>
+
+namespace {
+
+// What forms refer to, by the words of referables.def.
+const cow_Map<std::string_view, cow_String> targets = {{"nset", "NODES-1"},
+                                                       {"elset", "SOLID"},
+                                                       {"surface", "TOP"},
+                                                       {"material", "STEEL"},
+                                                       {"amplitude", "RAMP"}};
+const cow_String model = cow_String("*HEADING\nall forms\n") + oneBrick +
+                         "*NSET, NSET=NODES-1\n1, 2\n*SURFACE, NAME=TOP\nSOLID, S2\n"
+                         "*AMPLITUDE, NAME=RAMP\n0., 0., 1., 1.\n"
+                         "*MATERIAL, NAME=STEEL\n*ELASTIC\n210., 0.3\n";
+
+// A keyword's text, and what the fields of its record must hold.
+struct Given {
+  cow_String text;
+  cow_Map<int, cow_String> values; // as text
+};
+
+class FormDeck {
+public:
+  explicit FormDeck(const inpS_Form& form) : m_form(form) {}
+
+  // missing: the item of a reference that names nothing; null: all are there.
+  Given Keyword(const eds_FormItem* missing) {
+    Given given;
+    given.text = "*" + cow_String(inp_KeywordTable::Instance().Row(m_form.keyword)->name);
+    for (const inpS_Form::Selector& selector : m_form.selectors) {
+      if (selector.isField) continue;
+      given.text += ", " + selector.name;
+      if (!selector.text.empty()) given.text += "=" + selector.text;
+    }
+    for (std::size_t n = 0; n < m_form.items.size(); ++n) {
+      const eds_FormItem& item = *m_form.items[n];
+      given.text += ", " + m_form.parameters[n].name;
+      const cow_String value =
+          Value(item, m_form.parameters[n].words, &item == missing, given.values);
+      if (!value.empty()) given.text += "=" + value;
+    }
+    given.text += "\n";
+    for (const auto& line : m_form.info->lines) given.text += Line(line, missing, given.values);
+    if (m_form.info->data == eds_FormData::Text) given.text += "1, TWO, 3.\n";
+    if (m_form.info->data == eds_FormData::Pairs) given.text += "0., 0.5, 1., 0.25\n";
+    if (m_form.info->data == eds_FormData::Records)
+      for (int row = 0; row < 2; ++row)
+        given.text += Line(eds_formOf(m_form.info->record)->lines.front(), missing, m_lost);
+    return given;
+  }
+
+private:
+  cow_String Line(const cow_List<eds_FormItem>& items, const eds_FormItem* missing,
+                  cow_Map<int, cow_String>& values) {
+    cow_String text;
+    for (const eds_FormItem& item : items)
+      text += (text.empty() ? "" : ", ") + Value(item, {}, &item == missing, values);
+    return text + "\n";
+  }
+
+  // Of the item's first type.
+  cow_String Value(const eds_FormItem& item, const cow_List<std::string_view>& words,
+                   bool isMissing, cow_Map<int, cow_String>& values) {
+    const eds_FormItem::Alternative& one = item.alternatives.front();
+    cow_String& value = values[one.field];
+    switch (one.type) {
+    case eds_FormType::Flag:
+      value = "1";
+      return {};
+    case eds_FormType::Int:
+      return value = std::to_string(++m_number);
+    case eds_FormType::Real:
+      return value = std::to_string(++m_number) + ".5";
+    case eds_FormType::Reference:
+      value = targets.at(one.referable->word);
+      return isMissing ? "NOWHERE" : value;
+    default:
+      break;
+    }
+    if (words.empty() && one.words.empty()) return value = "W" + std::to_string(++m_number);
+    return value = words.empty() ? one.words.back() : cow_String(words.back());
+  }
+
+  const inpS_Form& m_form;
+  cow_Map<int, cow_String> m_lost;
+  int m_number = 0;
+};
+
+cow_String textOf(const KvoSimDataRecord& record, int field, eds_FieldType type) {
+  if (record.IsMemberNull(field)) return "nothing";
+  switch (type) {
+  case eds_FieldType::Bool:
+    return record.GetBool(field) ? "1" : "0";
+  case eds_FieldType::Int:
+    return std::to_string(record.GetInt64(field));
+  case eds_FieldType::Real: {
+    const double value = record.GetDouble(field);
+    return std::to_string(static_cast<long long>(value)) + (std::fmod(value, 1) == 0.5 ? ".5" : "");
+  }
+  case eds_FieldType::Ref:
+  case eds_FieldType::AnyRef:
+    return record.GetReference(field).Name();
+  default:
+    return record.ReturnString(field);
+  }
+}
+
+cow_List<const inpS_Form*> walkedForms() {
+  cow_List<const inpS_Form*> forms;
+  for (const eds_FormKeyword& row : eds_formKeywords()) {
+    const inpS_Form* form = inpS_FormTable::Instance().Find(row.kind);
+    if (form->keyword != inp_NullKeyword && !inpS_isBehavior(form->keyword)) forms.push_back(form);
+  }
+  return forms;
+}
+
+class FormWalk : public ProgramTest {
+protected:
+  cow_String Name(const inpS_Form& form) const {
+    return cow_String(eds_ModelReader::Info(form.kind)->name);
+  }
+  void Check(const inpS_Form& form, const Given& given, const char* file) const {
+    const KvoObjDocument document = KvoObjDocument::Open(File(file), KvoAccess::ReadOnly);
+    const auto records = document.Context().GetRecords(form.kind);
+    ASSERT_FALSE(records.empty()) << "nothing makes a record of " << Name(form);
+    const KvoSimDataRecord record = records.back().DataRecord();
+    const eds_RecordInfo& info = *eds_ModelReader::Info(form.kind);
+    for (const auto& [field, value] : given.values) {
+      const eds_FieldInfo& column = info.fields[static_cast<std::size_t>(field)];
+      if (column.type == eds_FieldType::Symbol) continue; // its word is checked by the way back
+      EXPECT_EQ(textOf(record, field, column.type), value) << Name(form) << "." << column.name;
+    }
+    if (form.info->data == eds_FormData::Records)
+      EXPECT_EQ(records.back().GetVector(eds_Member::Lines).size(), 2u) << Name(form);
+  }
+};
+
+} // namespace
+
+TEST_F(FormWalk, EveryFormGoesBothWays) {
+  for (const inpS_Form* form : walkedForms()) {
+    const Given given = FormDeck(*form).Keyword(nullptr);
+    const ProgramRun first(
+        {"convert", Deck("a.inp", model + given.text), "-o", File("a.sim"), "--force", "--strict"});
+    EXPECT_EQ(first.exitCode, 0) << first.err;
+    Check(*form, given, "a.sim");
+    ProgramRun({"write", File("a.sim"), "-o", File("b.inp"), "--force"});
+    ProgramRun({"convert", File("b.inp"), "-o", File("b.sim"), "--force"});
+    Check(*form, given, "b.sim");
+    ProgramRun({"write", File("b.sim"), "-o", File("c.inp"), "--force"});
+    EXPECT_EQ(readFile(File("b.inp")), readFile(File("c.inp")));
+    EXPECT_NE(readFile(File("b.inp")).find(given.text.substr(0, given.text.find(','))),
+              cow_String::npos)
+        << "nobody prints " << Name(*form);
+  }
+}
+
+// A name of what is not there is told by the text of what it would be, and nothing is lost.
+TEST_F(FormWalk, WhatIsMissingIsTold) {
+  cow_Map<cow_String, bool> told;
+  for (const eds_Referable& referable : eds_referables()) told[cow_String(referable.word)];
+  const auto check = [&](const inpS_Form& form, const eds_FormItem& item) {
+    const eds_Referable* referable = item.alternatives.front().referable;
+    if (!referable || item.alternatives.size() > 1) return;
+    const Given given = FormDeck(form).Keyword(&item);
+    const ProgramRun run(
+        {"convert", Deck("a.inp", model + given.text), "-o", File("a.sim"), "--force"});
+    cow_String text(referable->missing);
+    const std::size_t at = text.find("%s");
+    ASSERT_NE(at, cow_String::npos) << referable->word << " names nothing";
+    EXPECT_TRUE(run.Says(text.replace(at, 2, "NOWHERE"))) << Name(form) << ": " << run.err;
+    const ProgramRun written({"write", File("a.sim"), "-o", "-"});
+    EXPECT_NE(written.out.find("NOWHERE"), cow_String::npos) << Name(form) << "." << item.name;
+    told[cow_String(referable->word)] = true;
+  };
+  for (const inpS_Form* form : walkedForms()) {
+    for (const eds_FormItem* item : form->items) check(*form, *item);
+    for (const auto& line : form->info->lines)
+      for (const eds_FormItem& item : line) check(*form, item);
+    if (form->info->data != eds_FormData::Records) continue;
+    for (const eds_FormItem& item : eds_formOf(form->info->record)->lines.front())
+      check(*form, item);
+  }
+  told.erase("amplitude"); // of loads, which no form has yet
+  for (const auto& [word, isTold] : told) EXPECT_TRUE(isTold) << "no form refers to " << word;
+}
+
+// A parameter that the vocabulary does not have would never be read, a block without a member hold
+// nothing.
+TEST_F(FormWalk, RowsAreWhole) {
+  const inp_KeywordTable& keywords = inp_KeywordTable::Instance();
+  for (const eds_FormKeyword& row : eds_formKeywords()) {
+    const inpS_Form& form = *inpS_FormTable::Instance().Find(row.kind);
+    if (form.keyword == inp_NullKeyword) {
+      EXPECT_EQ(row.keyword, "None") << Name(form) << " is of no keyword of the vocabulary";
+      continue;
+    }
+    const inp_KeywordRow& keyword = *keywords.Row(form.keyword);
+    for (const inpS_ParameterBinding& one : form.parameters)
+      EXPECT_NE(std::ranges::find(keyword.parameters, one.key), keyword.parameters.end())
+          << Name(form) << ": *" << keyword.name << " has no parameter " << one.name;
+    EXPECT_NE(inpS_block(keyword.block).member, eds_Member::Mesh)
+        << Name(form) << ": block " << inpS_block(keyword.block).name << " holds no forms";
+  }
+}
