@@ -75,8 +75,8 @@ private:
   }
   void Line(const cow_String& text) {
     if (m_isOneOfMany && !m_run.IsJson() && !m_run.IsQuiet())
-      m_session.out << m_input.Name() << ": " << m_run.Reporter().CountsText() << "; " << text
-                    << '\n';
+      m_session.out << inps_oneLine(m_input.Name()) << ": " << m_run.Reporter().CountsText() << "; "
+                    << text << '\n';
   }
 
   inps_Session& m_session;

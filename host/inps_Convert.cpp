@@ -266,7 +266,7 @@ private:
       m_run.Json()["summary"] = inps_jsonOf(summary);
     else
       (m_held ? m_session.err : m_session.out)
-          << m_targetName << ": " << inps_summaryLine(summary) << "; "
+          << inps_oneLine(m_targetName) << ": " << inps_summaryLine(summary) << "; "
           << m_run.Reporter().CountsText() << "; " << inps_secondsText(m_run.Timings().Seconds())
           << '\n';
   }
@@ -275,7 +275,7 @@ private:
     if (m_run.IsJson()) m_run.Json()[name] = value;
   }
   void Say(const cow_String& text) {
-    if (!m_run.IsJson()) m_session.err << "inps: " << text << '\n';
+    if (!m_run.IsJson()) m_session.err << "inps: " << inps_oneLine(text) << '\n';
   }
 
   inps_Session& m_session;
@@ -292,7 +292,7 @@ private:
 int inps_convert(inps_Session& session, const inps_Arguments& arguments) {
   Job job;
   if (const cow_String fault = describeJob(session, arguments, job); !fault.empty()) {
-    session.err << "inps: " << fault << '\n';
+    session.err << "inps: " << inps_oneLine(fault) << '\n';
     return inps_ExitUsage;
   }
   inps_Run run(session, arguments);

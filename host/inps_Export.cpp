@@ -176,7 +176,7 @@ private:
   // Not silenced: who does not hear of it keeps it for ever.
   void TellLeftOver(const cow_List<Path>& files) {
     for (const Path& file : files)
-      m_session.err << "inps: warning: \"" << utl_pathText(file)
+      m_session.err << "inps: warning: \"" << inps_oneLine(utl_pathText(file))
                     << "\", a part of the export that was replaced, could not be removed\n";
   }
 
@@ -203,7 +203,7 @@ private:
       m_run.Json()["elements"] = mesh.ElementCount();
       m_run.Json()["blocks"] = m_blocks;
     } else if (!m_run.IsQuiet() && !m_held) {
-      m_session.out << file << ": " << inps_counted(mesh.NodeCount(), "node") << ", "
+      m_session.out << inps_oneLine(file) << ": " << inps_counted(mesh.NodeCount(), "node") << ", "
                     << inps_counted(mesh.ElementCount(), "element");
       if (m_blocks > 0) m_session.out << ", " << inps_counted(m_blocks, "block");
       m_session.out << "; " << inps_secondsText(m_run.Timings().Seconds()) << '\n';

@@ -81,8 +81,8 @@ void inps_printHelp(aio_ostream& out) {
 int inps_reportUnknownCommand(inps_Session& session, std::string_view name) {
   cow_List<std::string_view> names;
   for (const inps_Command& command : inps_commands()) names.push_back(command.name);
-  session.err << "inps: there is no command \"" << name << '"' << inps_didYouMean(name, names)
-              << "; \"inps help\" lists them\n";
+  session.err << "inps: there is no command \"" << inps_oneLine(name) << '"'
+              << inps_didYouMean(name, names) << "; \"inps help\" lists them\n";
   return inps_ExitUsage;
 }
 

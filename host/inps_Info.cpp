@@ -119,7 +119,7 @@ int info(inps_Session& session, const inps_Arguments& arguments) {
     inps_printJson(session.out, jsonOf(input, document, summary, size));
     return inps_ExitDone;
   }
-  session.out << input.Name() << ": " << inps_bytesText(size) << ", "
+  session.out << inps_oneLine(input.Name()) << ": " << inps_bytesText(size) << ", "
               << (document.IsFinished()
                       ? "finished"
                       : "not finished: its conversion was cut short or still goes on")
@@ -130,7 +130,7 @@ int info(inps_Session& session, const inps_Arguments& arguments) {
                 << summary.outcome.Text() << '\n';
   }
   for (const auto& [name, value] : eds_ModelReader(document).Meta())
-    if (!isToldAbove(name)) session.out << name << ": " << value << '\n';
+    if (!isToldAbove(name)) session.out << name << ": " << inps_oneLine(value) << '\n';
   printInfo(session.out, summary, document);
   return inps_ExitDone;
 }

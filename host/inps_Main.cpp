@@ -19,7 +19,7 @@
 namespace {
 
 void say(inps_Session& session, std::string_view text) {
-  session.err << "inps: " << text << '\n' << std::flush;
+  session.err << "inps: " << inps_oneLine(text) << '\n' << std::flush;
 }
 
 // INPS_THREADS: how many threads bulk work may use; a number from 1 on.

@@ -129,7 +129,7 @@ int inps_plot(inps_Session& session, const inps_Arguments& arguments) {
                                                : input.File().filename().replace_extension(".html");
     inps_writeFile(target, arguments.Has(inps_Opt::Force), {input.File()},
                    [&](utl_Stream& out) { inps_printPlotPage(out, page); });
-    session.out << utl_pathText(target) << ": " << page.facts << '\n';
+    session.out << inps_oneLine(utl_pathText(target)) << ": " << page.facts << '\n';
     return inps_ExitDone;
   });
 }

@@ -103,7 +103,8 @@ int inps_Run::NotModelled(const cow_List<inpS_NotModelled>& kinds, bool isDataOu
     if (!show || !isShown(kind)) continue;
     out << "  *" << kind.keyword << cow_String(widest - kind.keyword.size() + 2, ' ')
         << inps_counted(kind.count, "time") << (kind.count == 1 ? ", at " : ", first at ")
-        << kind.file << ':' << kind.line << (kind.kept ? "; kept as text" : "; parameter left out")
+        << inps_oneLine(kind.file) << ':' << kind.line
+        << (kind.kept ? "; kept as text" : "; parameter left out")
         << (kind.known ? "" : " (no keyword of the language)") << '\n';
   }
   return m_strict ? inps_ExitNotModelled : inps_ExitDone;

@@ -125,6 +125,10 @@ int inps_VisibleBuffer::sync() {
   return m_target.good() ? 0 : -1;
 }
 
+cow_String inps_oneLine(std::string_view text) {
+  return inp_printable(text, text.size());
+}
+
 void inps_writeOwn(aio_ostream& out, std::string_view bytes) {
   if (auto* door = dynamic_cast<inps_VisibleBuffer*>(out.rdbuf()))
     door->WriteOwn(bytes);

@@ -37,5 +37,9 @@ private:
   cow_String m_begun; // of a character whose other bytes are still to come
 };
 
+// A name or a failure that stands in a line of the program's own: a line end in it, which the door
+// lets pass, could begin a line that looks like another message.
+cow_String inps_oneLine(std::string_view text);
+
 // Past the door of the stream, when it has one.
 void inps_writeOwn(aio_ostream& out, std::string_view bytes);

@@ -79,9 +79,10 @@ TEST_F(Visible, NoCommandSendsWhatADeckOrANameHolds) {
                "\"\n0., 1., 1., 2.\n" + "*NOSUCH" + evil + ", P" + evil + "=" + evil + "\ndata " +
                evil + "\n" + "*SOLID SECTION, ELSET=\"" + evil + "\", MATERIAL=M" + evil + "\n" +
                "*NODE, FOO" + evil + "=1\n");
-  const cow_String odd = Deck("odd" + evil + ".inp", oneBrick);
-  const cow_String model = File("m" + evil + ".sim");
-  const cow_String good = File("good" + evil + ".sim");
+  const cow_String line = evil + "\ninps: forged"; // looks like a message of ours
+  const cow_String odd = Deck("odd" + line + ".inp", oneBrick);
+  const cow_String model = File("m" + line + ".sim");
+  const cow_String good = File("good" + line + ".sim");
   const cow_List<cow_List<cow_String>> runs = {
       {"convert", odd, "-o", good},
       {"convert", deck, "-o", model},
@@ -89,8 +90,9 @@ TEST_F(Visible, NoCommandSendsWhatADeckOrANameHolds) {
       {"convert", deck, "-o", model, "--force", "--timings", "--strict"},
       {"convert", deck, "-o", model},
       {"convert", model},
-      {"convert", evil},
+      {"convert", line},
       {"check", deck},
+      {"check", odd, "--strict"},
       {"check", deck, odd, evil, "--strict"},
       {"check", deck, odd, evil, "--json"},
       {"check", model},
@@ -105,9 +107,9 @@ TEST_F(Visible, NoCommandSendsWhatADeckOrANameHolds) {
       {"diff", deck, odd},
       {"diff", model, good, "--json"},
       {"diff", model, evil, "--tolerance", evil},
-      {"plot", model, "-o", File("p" + evil + ".html")},
+      {"plot", model, "-o", File("p" + line + ".html")},
       {"plot", model, evil},
-      {"export", model, File("p" + evil + ".vtu"), "--sets"},
+      {"export", model, File("p" + line + ".vtu"), "--sets"},
       {"export", model, evil},
       {"write", good, "-o", File("w" + evil + ".inp")},
       {"write", deck},
@@ -115,13 +117,15 @@ TEST_F(Visible, NoCommandSendsWhatADeckOrANameHolds) {
       {"info", model, "--color", evil},
       {"info", model, "--" + evil},
       {"help", evil},
-      {evil},
+      {line},
   };
   for (const cow_List<cow_String>& words : runs) {
     const ProgramRun run(words);
     EXPECT_EQ(firstObeyed(run.out), cow_String::npos)
         << words[0] << ": " << run.out.substr(0, 2000);
     EXPECT_EQ(firstObeyed(run.err), cow_String::npos) << words[0] << ": " << run.err;
+    EXPECT_EQ(('\n' + run.out + run.err).find("\ninps: forged"), cow_String::npos)
+        << words[0] << ": " << run.out.substr(0, 2000) << run.err;
   }
   // JSON and written decks hold the very bytes.
   const cow_String odder = "\xe2\x80\xae\xc3\xa4";
