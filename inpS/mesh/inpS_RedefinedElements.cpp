@@ -53,7 +53,7 @@ bool isSame(const Element& a, const Element& b) {
 
 // How many places of the block's elements the widest of them takes.
 int widestOf(const inpS_ElementBlock& block) {
-  int widest = 1;
+  int widest = std::min(1, block.width);
   for (long long n = 0; n < block.count && widest < block.width; ++n) {
     const std::span<const int> nodes = block.NodesOf(n);
     for (int i = block.width; i > widest; --i)
@@ -63,10 +63,9 @@ int widestOf(const inpS_ElementBlock& block) {
   return widest;
 }
 
-// Without the elements that made it wider or have planes implied, the block is what the others
-// alone would have made it.
-void fitTo(inpS_ElementBlock& block) {
-  bool implies = false;
+// The block as what it holds by now would have made it.
+void fit(inpS_ElementBlock& block) {
+  bool implies = block.offset == 0;
   for (long long n = 0; n < block.count && !implies; ++n) implies = block.ImpliesPlanes(n);
   if (!implies) block.offset = 0;
   const int widest = widestOf(block);
@@ -84,17 +83,9 @@ void fitTo(inpS_ElementBlock& block) {
 class Joiner {
 public:
   cow_List<inpS_ElementBlock>& Blocks() { return m_blocks; }
-  // Whether the block was put together here.
-  bool IsNew(std::size_t block) const { return m_isNew[block]; }
-  // Each run has its block from here on: it may be another kind by itself.
-  void FitNew() {
-    for (std::size_t n = 0; n < m_blocks.size(); ++n)
-      if (m_isNew[n]) fitTo(m_blocks[n]);
-  }
 
   void Add(inpS_ElementBlock block) {
     m_blocks.push_back(std::move(block));
-    m_isNew.push_back(false);
     m_mayJoin = false;
   }
   // Behind the last one, which is of its kind.
@@ -135,7 +126,6 @@ public:
 private:
   void Open(const inpS_ElementBlock& like) {
     inpS_ElementBlock& block = m_blocks.emplace_back();
-    m_isNew.push_back(true);
     block.spec = like.spec;
     block.width = like.width;
     block.topology = like.topology;
@@ -154,7 +144,6 @@ private:
   }
 
   cow_List<inpS_ElementBlock> m_blocks;
-  std::vector<bool> m_isNew;
   long long m_next = 0;
   bool m_mayJoin = false;
 };
@@ -303,13 +292,13 @@ void inpS_RedefinedElements::Settle(inpS_ElementConnectivity& elements, const Kv
     if (!isSame(first, before)) last.push_back(all[n - 1]);
   }
   for (const auto& [place, one] : changed) tell(one, messages);
-  if (!last.empty()) Replace(elements, last, nodes, nodeOccurrence);
+  if (!last.empty()) Replace(elements, last);
+  Tidy(elements, nodes, nodeOccurrence);
   m_again.clear();
 }
 
 void inpS_RedefinedElements::Replace(inpS_ElementConnectivity& elements,
-                                     std::span<const Definition> last, const KvoObjLabeler& nodes,
-                                     int nodeOccurrence) const {
+                                     std::span<const Definition> last) const {
   Joiner joiner;
   auto next = last.begin();
   for (inpS_ElementBlock& block : elements.Blocks()) {
@@ -326,23 +315,31 @@ void inpS_RedefinedElements::Replace(inpS_ElementConnectivity& elements,
     }
     joiner.Add(block, at, block.count);
   }
-  joiner.FitNew();
   elements.Blocks() = std::move(joiner.Blocks());
-  // Blocks of one kind side by side are one, as those of a deck that defines nothing again.
+}
+
+// Blocks without elements that went elsewhere, or got others in their places, are what a deck that
+// defines nothing again would have made them: as wide as they need to be, and one where they are of
+// one kind side by side.
+void inpS_RedefinedElements::Tidy(inpS_ElementConnectivity& elements, const KvoObjLabeler& nodes,
+                                  int nodeOccurrence) {
   cow_List<inpS_ElementBlock>& blocks = elements.Blocks();
+  for (inpS_ElementBlock& block : blocks)
+    if (block.held) fit(block);
   std::vector<bool> joins(blocks.size());
   for (std::size_t n = 1; n < blocks.size(); ++n) {
-    joins[n] = (joiner.IsNew(n - 1) || joiner.IsNew(n)) && isOneKind(blocks[n - 1], blocks[n]);
+    joins[n] = isOneKind(blocks[n - 1], blocks[n]);
     if (!joins[n]) continue;
     elements.Hold(blocks[n - 1], nodes, nodeOccurrence);
     elements.Hold(blocks[n], nodes, nodeOccurrence);
   }
-  Joiner all;
+  if (std::find(joins.begin(), joins.end(), true) == joins.end()) return;
+  Joiner joiner;
   for (std::size_t n = 0; n < blocks.size(); ++n) {
     if (joins[n])
-      all.AddToLast(blocks[n]);
+      joiner.AddToLast(blocks[n]);
     else
-      all.Add(std::move(blocks[n]));
+      joiner.Add(std::move(blocks[n]));
   }
-  blocks = std::move(all.Blocks());
+  blocks = std::move(joiner.Blocks());
 }

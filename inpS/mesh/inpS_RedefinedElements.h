@@ -39,8 +39,9 @@ private:
   Again& BlockFor(const inpS_ElementConnectivity::Kind& kind, const inp_Keyword& keyword);
   static void AddOrdinals(Again& again, const cow_List<inpS_KnownElement>& known);
   cow_List<Definition> Definitions() const;
-  void Replace(inpS_ElementConnectivity& elements, std::span<const Definition> last,
-               const KvoObjLabeler& nodes, int nodeOccurrence) const;
+  void Replace(inpS_ElementConnectivity& elements, std::span<const Definition> last) const;
+  static void Tidy(inpS_ElementConnectivity& elements, const KvoObjLabeler& nodes,
+                   int nodeOccurrence);
 
   std::deque<Again> m_again;
 };
