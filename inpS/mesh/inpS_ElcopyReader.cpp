@@ -162,11 +162,8 @@ cow_List<int> inpS_ElcopyReader::ElementTypes() const {
 
 inpS_MadeElements inpS_ElcopyReader::Connectivity(std::size_t number) const {
   const Run& run = m_runs[number];
-  const inpS_ElementBlock& block = BlockOf(run.first);
   inpS_MadeElements made;
   made.kind = run.kind;
-  made.topology = block.topology;
-  made.referenceNode = block.referenceNode;
   made.ragged = run.ragged;
   made.count = run.count;
   made.labels = [this, &run](long long first, std::span<int> labels) {

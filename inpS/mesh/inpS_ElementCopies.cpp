@@ -125,8 +125,12 @@ bool inpS_ElementCopies::FindOldSet(const inp_Keyword& keyword, const inpS_MeshS
 
 void inpS_ElementCopies::Append(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                 const inpS_MadeElements& made) {
-  if (!m_salvage) return AppendAll(keyword, scope, made);
-  AppendAll(keyword, scope, m_salvage->SoundOf(made, scope, m_elements));
+  inpS_MadeElements all = made;
+  // Blocks of one type may be of several widths: what of a node is topology goes by that of all.
+  const inpS_ElementParameters type(m_types, m_typeNames[static_cast<std::size_t>(made.kind.spec)]);
+  all.topology = type.TopologyNodes(made.kind.width);
+  all.referenceNode = made.kind.width > all.topology && type.CarriesReferenceNode();
+  AppendAll(keyword, scope, m_salvage ? m_salvage->SoundOf(all, scope, m_elements) : all);
 }
 
 void inpS_ElementCopies::AppendAll(const inp_Keyword& keyword, inpS_MeshScope& scope,
