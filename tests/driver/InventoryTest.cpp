@@ -39,6 +39,7 @@ TEST(Inventory, RaisesTheModelToThreeDimensions) {
       {"*SYSTEM\n1., 2., 0., 1., 1., 1.\n", 3},
       {"*SYSTEM\n1., 2., 0., 1., 1., 0.\n", 2},
       {"*SYSTEM\n1., 2., 0., 1., 1., 0.\n0., 1., 0.\n", 3},
+      {"*SYSTEM\n1., 2., 0., 1., 1., 0.\n\n*NODE\n1, 1., 2.\n", 2}, // a blank line is none
       {"*SURFACE, TYPE=REVOLUTION, NAME=A\n", 3},
       {"*SURFACE, TYPE=SEGMENTS, NAME=A\n", 2},
       {"*STEP\n*STATIC, RIKS\n1.,1.,1e-5,1.,1.,7,3\n*END STEP\n", 3},
