@@ -16,6 +16,8 @@ public:
   virtual void Warning(const wip_Message& message) = 0;
   virtual void WarningList(const cow_List<wip_Message>& messages) = 0;
 
+  // What of the input is not in what comes of it, for a summary: "set entry" and how many.
+  virtual void LeftOut(const cow_String&, long long) {}
   virtual void Landmark(const cow_String&) {}
   virtual void Milestone(const cow_String&) {}
   virtual void Milestone(const cow_String&, const cow_String&, int, int) {}

@@ -59,7 +59,7 @@ bool phase(const char* tag, inpS_Inp2Sim& driver, bool (inpS_Inp2Sim::*step)()) 
 
 } // namespace
 
-inps_Conversion::inps_Conversion(const inps_Input& deck, const inps_Reporter& reporter)
+inps_Conversion::inps_Conversion(const inps_Input& deck, inps_Reporter& reporter)
     : m_deck(deck.File()), m_name(deck.IsStandardInput() ? deck.Name() : cow_String()),
       m_reporter(reporter), m_errorsBefore(reporter.Errors()),
       m_warningsBefore(reporter.AllWarnings()) {
@@ -89,6 +89,7 @@ bool inps_Conversion::Prepare() {
 
 template <class Work> bool inps_Conversion::Run(const KvoObjDocument& document, Work work) {
   bool done = false;
+  m_reporter.TakeLeftOut(); // of what ran before
   {
     const ModuleUse use;
     inpS_Inp2Sim::DescribeSource(document, utl_pathText(m_deck), m_name);
@@ -99,7 +100,7 @@ template <class Work> bool inps_Conversion::Run(const KvoObjDocument& document, 
       throw utl_FileException("cannot read", file->Path(), "its size changed while it was read");
   m_notModelled = m_driver->NotModelled();
   m_driver->DescribeResult(document, m_reporter.Errors() - m_errorsBefore,
-                           m_reporter.AllWarnings() - m_warningsBefore);
+                           m_reporter.AllWarnings() - m_warningsBefore, m_reporter.TakeLeftOut());
   return done;
 }
 

@@ -15,7 +15,7 @@ class inps_Run;
 class inps_Conversion {
 public:
   // Throws utl_FileException when the deck cannot be read at all.
-  inps_Conversion(const inps_Input& deck, const inps_Reporter& reporter);
+  inps_Conversion(const inps_Input& deck, inps_Reporter& reporter);
   ~inps_Conversion();
 
   // Reads the deck up to where it can be converted; false: it cannot, and the messages say why.
@@ -38,7 +38,7 @@ private:
 
   std::filesystem::path m_deck;
   cow_String m_name; // of standard input; else empty: the path
-  const inps_Reporter& m_reporter;
+  inps_Reporter& m_reporter;
   long long m_errorsBefore;
   long long m_warningsBefore;
   std::unique_ptr<inpS_Inp2Sim> m_driver;

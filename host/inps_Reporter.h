@@ -3,6 +3,7 @@
 #include "base/wip_WIPBase.h"
 #include "host/inps_MessageView.h"
 #include <unordered_map>
+#include <utility>
 
 class inps_Progress;
 struct inps_Session;
@@ -28,6 +29,7 @@ public:
   void ErrorList(const cow_List<wip_Message>& messages, int level) override;
   void Warning(const wip_Message& message) override;
   void WarningList(const cow_List<wip_Message>& messages) override;
+  void LeftOut(const cow_String& what, long long count) override { m_leftOut[what] += count; }
   void Landmark(const cow_String& text) override;
   void Milestone(const cow_String& text) override;
   void Milestone(const cow_String& task, const cow_String& item, int number, int total) override;
@@ -45,6 +47,7 @@ public:
   long long Errors() const { return m_errors; }
   long long Warnings() const { return m_warnings; }
   long long AllWarnings() const { return m_warnings + m_hidden; }
+  cow_Map<cow_String, long long> TakeLeftOut() { return std::exchange(m_leftOut, {}); }
   const cow_List<inps_Reported>& Messages() const { return m_messages; }
   cow_String CountsText() const; // "2 errors, 1 warning"
 
@@ -66,6 +69,7 @@ private:
   long long m_hidden = 0;
   long long m_errors = 0;
   long long m_warnings = 0;
+  cow_Map<cow_String, long long> m_leftOut; // since it was last taken
   cow_List<inps_Reported> m_messages;
   std::unordered_map<cow_String, Kind> m_kinds;
   cow_List<const Kind*> m_folded; // in the order of their first unshown message

@@ -206,13 +206,17 @@ wip_Place inp_Keyword::PlaceOfParameter(std::string_view name) const {
 }
 
 cow_String inp_Keyword::Text() const {
+  return m_body ? HeadText() + m_body->data.Text() : cow_String();
+}
+
+cow_String inp_Keyword::HeadText() const {
   cow_String out;
   if (!m_body) return out;
   if (m_body->text)
     LineJoiner(*m_body, out).Join();
   else
     appendGenerated(*m_body, out);
-  return out + m_body->data.Text();
+  return out;
 }
 
 void inp_Keyword::Print(aio_ostream& out) const {

@@ -88,6 +88,7 @@ public:
   // data lines, line ends \n, comments left out. Data lines taken from another file stand in the
   // text, and the parameter that named the file does not. Read again, it gives the same text.
   cow_String Text() const;
+  cow_String HeadText() const; // of the keyword line
   void Print(aio_ostream& out) const;
 
   const std::shared_ptr<inp_KeywordBody>& Body() const { return m_body; }

@@ -50,6 +50,7 @@ void inp_Visitor::Report() {
   if (!errors.empty()) reporter.ErrorList(errors, errorLevel);
   const cow_List<wip_Message> warnings = std::exchange(m_warnings, {}).TakeNew();
   if (!warnings.empty()) reporter.WarningList(warnings);
+  for (const auto& [what, count] : std::exchange(m_leftOut, {})) reporter.LeftOut(what, count);
 }
 
 void inp_Visitor::AddDiagnostics(const cow_List<std::pair<int, cow_String>>& lines) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "parser/inp_MessageList.h"
+#include <string_view>
 #include <utility>
 
 class inp_Keyword;
@@ -23,6 +24,10 @@ public:
 
   void AddError(wip_Message message) { m_errors.Add(std::move(message)); }
   void AddWarning(wip_Message message) { m_warnings.Add(std::move(message)); }
+  // What of the deck is not in what comes of it, beside the message that tells so: "set entry".
+  void LeaveOut(std::string_view what, long long count = 1) {
+    if (count > 0) m_leftOut[cow_String(what)] += count;
+  }
   const cow_List<wip_Message>& Errors() const { return m_errors.Messages(); }
   const cow_List<wip_Message>& Warnings() const { return m_warnings.Messages(); }
 
@@ -32,4 +37,5 @@ public:
 private:
   inp_MessageList m_errors; // those handed over stay: a second Report repeats none
   inp_MessageList m_warnings;
+  cow_Map<cow_String, long long> m_leftOut;
 };

@@ -40,6 +40,15 @@ cow_String digestOf(const utl_MappedFile& deck) {
   return text;
 }
 
+// "1 set entry", "2 set entries"
+cow_String counted(long long count, const cow_String& what) {
+  cow_String text = std::to_string(count) + ' ' + what;
+  if (count == 1) return text;
+  if (!text.ends_with('y')) return text + 's';
+  text.pop_back();
+  return text + "ies";
+}
+
 // What the base of a restart tells of itself; 0 for a number that is none.
 long long countIn(const cow_String& text) {
   long long count = 0;
@@ -60,9 +69,11 @@ void inpS_Inp2Sim::DescribeSource(const KvoObjDocument& document, const cow_Stri
     described.SetMeta("source_digest", digestOf(utl_MappedFile(path)));
 }
 
-// "mesh; *NODE, FOO; *STEP, BAR": the mesh as a whole, and the parameters that nothing read.
+// "mesh; 2 surfaces; *NODE, FOO; *STEP, BAR": the mesh as a whole, what messages told of, and the
+// parameters that nothing read.
 void inpS_Inp2Sim::DescribeResult(const KvoObjDocument& document, long long errors,
-                                  long long warnings) const {
+                                  long long warnings,
+                                  const cow_Map<cow_String, long long>& leftOutByKind) const {
   KvoObjDocument described = document;
   constexpr long long most = 1'000'000'000'000'000; // a file from elsewhere may claim anything
   const auto add = [&](const char* key, long long count) {
@@ -78,6 +89,7 @@ void inpS_Inp2Sim::DescribeResult(const KvoObjDocument& document, long long erro
       leftOut += (leftOut.empty() ? "" : "; ") + what;
   };
   if (m_meshLeftOut) leave("mesh");
+  for (const auto& [what, count] : leftOutByKind) leave(counted(count, what));
   constexpr std::size_t mostNamed = 20;
   std::size_t named = 0;
   for (const inpS_NotModelled& entry : m_notModelled)

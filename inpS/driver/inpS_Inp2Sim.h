@@ -66,8 +66,10 @@ public:
   static void DescribeSource(const KvoObjDocument& document, const cow_String& deckPath,
                              const cow_String& deckName = {});
   // How it went, likewise: "errors" and "warnings" as the host's reporter counted them, "left_out"
-  // for what of the deck is not in the model. A restart adds to what its base tells of itself.
-  void DescribeResult(const KvoObjDocument& document, long long errors, long long warnings) const;
+  // for what of the deck is not in the model: leftOut has what messages told of, by kind ("set
+  // entry"). A restart adds to what its base tells of itself.
+  void DescribeResult(const KvoObjDocument& document, long long errors, long long warnings,
+                      const cow_Map<cow_String, long long>& leftOut = {}) const;
   // Hands what the calling thread has gathered in structured messages to its reporter. For a host
   // that converts on several threads: the end of the module's last use speaks for one of them.
   static void ReportGathered();

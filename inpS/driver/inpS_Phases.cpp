@@ -165,11 +165,7 @@ bool Driver::ProcessAssembly() {
   visitor.VisitList(m_keywords);
   visitor.ReportUnreferredParameters(m_keywords,
                                      {inp_KwPart, inp_KwAssembly, inp_KwInstance, inp_KwHeading});
-  inpS_reportUnusedLines(
-      m_keywords, {inp_KwPart, inp_KwEndPart, inp_KwAssembly, inp_KwEndAssembly, inp_KwEndInstance},
-      visitor);
   visitor.Report();
-
   return !visitor.IsError();
 }
 
@@ -282,6 +278,7 @@ bool Driver::ReadMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh)
 // Once more from the start, as often as it takes: labels that the labelers have taken in stay
 // there.
 bool Driver::ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh) {
+  const auto faults = static_cast<long long>(mesh->Errors().size());
   inpS_Salvage salvage;
   do {
     mesh->Discard();
@@ -300,6 +297,8 @@ bool Driver::ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& 
       {inp_Utils::Format("The mesh is stored without what is faulty: the lines that "
                          "cannot be read, and %lld element%s besides.",
                          salvage.LeftOut(), salvage.LeftOut() == 1 ? "" : "s")});
+  messages.LeaveOut("element", salvage.LeftOut());
+  messages.LeaveOut("mesh fault", faults);
   messages.Report();
   return true;
 }

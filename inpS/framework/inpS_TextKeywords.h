@@ -14,6 +14,7 @@ struct inpS_TextPlace {
   // neither the first keyword of its name speaks for all.
   cow_String reason{};
   bool isTold = false;
+  cow_String text{}; // what is kept, where that is not the whole keyword
 };
 
 // Keywords of converted kinds that their phase left to be kept as text.

@@ -27,6 +27,7 @@ void inpS_reportUnusedLines(const inp_KeywordList& keywords, const cow_List<inp_
     if (given < 0) continue;
     messages.AddWarning(inp_Utils::MessageAtRow(
         keyword, given,
-        "*" + keyword.Name() + " takes no data lines; from here on they are not used."));
+        "*" + keyword.Name() + " takes no data lines; from here on they are left out."));
+    messages.LeaveOut("data line", keyword.Data().Rows() - given);
   }
 }

@@ -1,6 +1,8 @@
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
+#include "parser/inp_DeckParameters.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -27,6 +29,13 @@ const inpS_KeptPart& inpS_KeptParts::FirstOf(const KvoSimPosition& owner) const 
   static const inpS_KeptPart none;
   const auto parts = Of(owner);
   return parts.empty() ? none : parts.front();
+}
+
+const inpS_KeptPart& inpS_KeptParts::At(const KvoSimPosition& owner, long long firstRow) const {
+  static const inpS_KeptPart none;
+  const auto parts = Of(owner);
+  const auto found = std::ranges::find(parts, firstRow, &inpS_KeptPart::firstRow);
+  return found == parts.end() ? none : *found;
 }
 
 KvoSimPosition inpS_keepPart(const KvoSimPosition& owner, const inpS_KeptPart& part) {
@@ -69,6 +78,7 @@ cow_String inpS_takeOtherParameters(const inp_Keyword& keyword) {
 void inpS_tellOtherParameters(const inp_Keyword& keyword, inp_Visitor& messages) {
   for (const inp_Parameter& parameter : keyword.Parameters()) {
     if (parameter.referred || parameter.told) continue;
+    if (!inp_findReference(parameter.name).empty()) continue; // told by the parser
     parameter.told = true;
     messages.AddWarning(inp_Utils::MessageAtParameter(
         keyword, parameter.name,
@@ -88,4 +98,23 @@ cow_String inpS_dataLines(const inp_Keyword& keyword) {
   const inp_DataArray& data = keyword.Data();
   for (long long row = 0; row < data.Rows(); ++row) lines += cow_String(data.RowText(row)) + '\n';
   return lines;
+}
+
+cow_String inpS_takeUnusedLines(const inp_Keyword& keyword, inp_Visitor& messages) {
+  const inp_DataArray& data = keyword.Data();
+  long long row = 0;
+  while (row < data.Rows() && inpS_isBlank(data, row)) ++row;
+  if (row == data.Rows()) return {};
+  messages.AddWarning(inp_Utils::MessageAtRow(
+      keyword, row,
+      "*" + keyword.Name() + " takes no data lines; from here on they are kept, but not used."));
+  return inpS_dataLines(keyword);
+}
+
+void inpS_keepUnused(const inp_Keyword& keyword, const KvoSimPosition& owner, inp_Visitor& messages,
+                     long long row) {
+  inpS_tellOtherParameters(keyword, messages);
+  const inpS_KeptPart part{row, inpS_takeOtherParameters(keyword),
+                           inpS_takeUnusedLines(keyword, messages)};
+  if (!part.parameters.empty() || !part.lines.empty()) inpS_keepPart(owner, part);
 }

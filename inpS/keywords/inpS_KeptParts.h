@@ -26,6 +26,7 @@ public:
   std::span<const inpS_KeptPart> Of(const KvoSimPosition& owner) const; // by first row
   // Of the first keyword; empty where nothing is kept.
   const inpS_KeptPart& FirstOf(const KvoSimPosition& owner) const;
+  const inpS_KeptPart& At(const KvoSimPosition& owner, long long firstRow) const;
 
 private:
   cow_Map<unsigned long long, cow_List<inpS_KeptPart>> m_byOwner;
@@ -46,3 +47,14 @@ void inpS_keepOthers(const inp_Keyword& keyword, const KvoSimPosition& owner,
                      inp_Visitor& messages);
 
 cow_String inpS_dataLines(const inp_Keyword& keyword); // as they stand
+
+// Of a keyword that takes no data lines: those that it has all the same, with a warning.
+cow_String inpS_takeUnusedLines(const inp_Keyword& keyword, inp_Visitor& messages);
+// What a record without a table has no field for: parameters and data lines. What closes a scope
+// has none of its own: it is kept with the scope's record, as row inpS_closingRow.
+constexpr long long inpS_closingRow = 1;
+// Of a surface: lines behind its own, and lines in the place of all of them.
+constexpr long long inpS_moreLines = 1;
+constexpr long long inpS_wholeLines = 2;
+void inpS_keepUnused(const inp_Keyword& keyword, const KvoSimPosition& owner, inp_Visitor& messages,
+                     long long row = 0);

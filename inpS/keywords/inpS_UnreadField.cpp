@@ -19,6 +19,13 @@ cow_String textFor(const inp_Keyword& keyword, const inpS_UnreadField& field,
 
 } // namespace
 
+long long inpS_countGiven(const inp_Keyword& keyword, long long row, int col) {
+  const inp_DataArray& data = keyword.Data();
+  long long count = 0;
+  for (const int cols = data.Cols(row); col < cols; ++col) count += data.HasValue(row, col);
+  return count;
+}
+
 void inpS_reportUnreadFields(const inp_Keyword& keyword, const cow_List<inpS_UnreadField>& fields,
                              inp_Visitor& messages, const char* leftOver) {
   for (const inpS_UnreadField& field : fields) {

@@ -13,6 +13,9 @@ struct inpS_UnreadField {
   bool surplus; // no fault: what is read stands before it
 };
 
+// How many fields of the row have a value from this column on.
+long long inpS_countGiven(const inp_Keyword& keyword, long long row, int col);
+
 // One message per field, at its place, that says what was done: a warning of what is left over, an
 // error for what is no number. leftOver: what is done with that.
 void inpS_reportUnreadFields(const inp_Keyword& keyword, const cow_List<inpS_UnreadField>& fields,

@@ -5,6 +5,7 @@
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/keywords/inpS_RecordParameters.h"
+#include "inpS/keywords/inpS_UnreadField.h"
 #include "inpS/materials/inpS_TableCheck.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_KeywordTable.h"
@@ -98,13 +99,13 @@ KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_R
     TellOfNoName(keyword);
     return {};
   }
-  TellOfData(keyword);
   const KvoSimPosition model = m_document.GetModel().Position();
   if (!model.FollowStringKey(member, name->AsString()).IsNull()) {
     const char* text = kind == eds_RecordKind::Material
                            ? "Material with name \"%s\" has already been defined"
                            : "Gasket behavior with name \"%s\" has already been defined";
     Error(keyword, inp_Utils::Format(text, name->AsString().c_str()));
+    LeaveOut("material keyword");
     return {};
   }
   KvoSimTransaction transaction(m_document.ContextID());
@@ -116,7 +117,7 @@ KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_R
     CreateMaterialRegularization(keyword, opened);
   else
     inpS_readParameters(keyword, inpS_bindParameters(keyword.Kind(), kind), record, *this);
-  KeepParts(keyword, opened, {});
+  KeepParts(keyword, opened, {0, {}, inpS_takeUnusedLines(keyword, *this)});
   transaction.Commit();
   return opened;
 }
@@ -134,11 +135,6 @@ void inpS_MaterialVisitor::TellOfNoName(const inp_Keyword& keyword) {
   Warning(keyword,
           "*" + keyword.Name() + " has no name and opens nothing; what follows is taken for the " +
               (keyword.Kind() == inp_KwMaterial ? "material" : "gasket behavior") + " before it.");
-}
-
-void inpS_MaterialVisitor::TellOfData(const inp_Keyword& keyword) {
-  if (hasData(keyword))
-    Warning(keyword, "The data lines of *" + keyword.Name() + " mean nothing here; left out.");
 }
 
 void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
@@ -163,13 +159,20 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
     constants = model.CreateDataRecord(eds_RecordKind::PhysicalConstants);
     model.SetPosition(eds_Member::PhysicalConstants, constants);
   }
-  TellOfData(keyword);
   const auto bindings = inpS_bindParameters(keyword.Kind(), eds_RecordKind::PhysicalConstants);
   for (const inpS_ParameterBinding& binding : bindings)
     if (keyword.HasParameter(binding.key) && !constants.DataRecord().IsMemberNull(binding.field))
       AddWarning(inp_Utils::MessageAtParameter(
           keyword, binding.key, binding.name + " is given again; the last one holds."));
   inpS_readParameters(keyword, bindings, constants.DataRecord(), *this);
+  if (const cow_String lines = inpS_takeUnusedLines(keyword, *this); !lines.empty()) {
+    m_constantsLines += lines; // one keyword is written for all
+    if (m_constantsPart.IsNull())
+      m_constantsPart = inpS_keepPart(constants, {0, {}, m_constantsLines});
+    else
+      m_constantsPart.DataRecord().SetString(eds_KeptPart_Lines, m_constantsLines);
+  }
+  TellUnknown(keyword);
   if (const cow_String others = inpS_takeOtherParameters(keyword); !others.empty()) {
     const int field = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
     const cow_String former = constants.DataRecord().ReturnString(field);
@@ -317,7 +320,6 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
   }
   if (inpS_hasUnknownWord(keyword)) return false; // told
   if (behavior->HasTable() && NamesDistribution(keyword)) return false;
-  if (behavior->info->data == eds_FormData::None) TellOfData(keyword);
   if (behavior->info->repeat == eds_FormRepeat::Many) return true;
   return !IsSecond(keyword, *behavior, owner);
 }
@@ -395,6 +397,16 @@ void inpS_MaterialVisitor::TellConflicts(const inp_Keyword& keyword) {
         "\"" + parameter.name +
             "\" does not go with the other parameters; it is kept, but not used."));
   }
+}
+
+// Of a record that has one field for the parameters without one of their own: those that the
+// language does not know either.
+void inpS_MaterialVisitor::TellUnknown(const inp_Keyword& keyword) {
+  const auto known = inp_KeywordTable::Instance().Row(keyword.Kind())->parameters;
+  for (const inp_Parameter& parameter : keyword.Parameters())
+    if (!parameter.referred && std::ranges::binary_search(known, parameter.name))
+      parameter.told = true;
+  inpS_tellOtherParameters(keyword, *this);
 }
 
 // Whether the parameters that say how many values there are can be right.
@@ -476,11 +488,14 @@ void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_For
                                       const KvoSimPosition& property,
                                       const inpS_KeywordDataTable& table) {
   if (behavior.info->othersField >= 0) {
+    TellUnknown(keyword);
     const cow_String others = inpS_takeOtherParameters(keyword);
     if (!others.empty()) property.DataRecord().SetString(behavior.info->othersField, others);
   }
   inpS_KeptPart part;
   if (!table.Unread().empty()) part.lines = inpS_dataLines(keyword);
+  if (behavior.info->data == eds_FormData::None)
+    part.lines = inpS_takeUnusedLines(keyword, *this);
   KeepParts(keyword, property, std::move(part));
 }
 
@@ -505,8 +520,12 @@ void inpS_MaterialVisitor::CreateSuboptions(const inp_Keyword& keyword,
       continue;
     }
     const int flag = inpS_flagField(property.Object().RecordKind(), suboption.Kind());
+    if (flag >= 0 && (hasData(suboption) || !suboption.Parameters().empty())) {
+      KeepAsText(suboption, property, false,
+                 "takes neither parameters nor data lines, and has some");
+      continue;
+    }
     if (flag >= 0) {
-      TellOfData(suboption);
       property.DataRecord().SetBool(flag, true);
       continue;
     }
@@ -604,9 +623,13 @@ void inpS_MaterialVisitor::Depvar(const inp_Keyword& keyword) {
   }
   KvoSimTransaction transaction(m_document.ContextID());
   const KvoSimPosition property = Convert(keyword, m_owner);
-  if (!property.IsNull())
+  if (!property.IsNull()) {
     property.DataRecord().SetInt(eds_formField(eds_RecordKind::Depvar, "count"),
                                  static_cast<long long>(count));
+    int col = 1; // the lines are kept as they stand
+    while (col < data.Cols(0) && !data.HasValue(0, col)) ++col;
+    if (col < data.Cols(0)) inpS_reportUnreadFields(keyword, {{0, col, true}}, *this);
+  }
   transaction.Commit();
 }
 

@@ -65,10 +65,10 @@ private:
   cow_String UntoldReason(const inp_Keyword& keyword) const;
   bool IsSecond(const inp_Keyword& keyword, const inpS_Form& behavior, const KvoSimPosition& owner);
   bool CheckCounts(const inp_Keyword& keyword, const inpS_Form& behavior);
-  void TellOfData(const inp_Keyword& keyword);
   void TellOfNoName(const inp_Keyword& keyword);
   void ReportChoice(const inp_Keyword& keyword);
   void TellConflicts(const inp_Keyword& keyword);
+  void TellUnknown(const inp_Keyword& keyword);
   void TellOfStray(const inp_Keyword& keyword);
   void CreateMaterialRegularization(const inp_Keyword& keyword, const KvoSimPosition& material);
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
@@ -104,7 +104,9 @@ private:
   KvoSimPosition m_material;
   cow_List<double> m_rates; // of its isotropic hardening so far
   KvoSimPosition m_gasket;
-  KvoSimPosition m_owner; // of the keyword at hand
-  KvoSimPosition m_open;  // to which an unknown keyword would belong
+  KvoSimPosition m_owner;         // of the keyword at hand
+  KvoSimPosition m_open;          // to which an unknown keyword would belong
+  KvoSimPosition m_constantsPart; // the data lines of *PHYSICAL CONSTANTS
+  cow_String m_constantsLines;
   inpS_TextKeywords m_text;
 };

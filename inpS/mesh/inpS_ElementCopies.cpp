@@ -27,13 +27,15 @@ eds_MemberSet newElements(long long first, long long count) {
 
 } // namespace
 
-void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& scope) {
+void inpS_ElementCopies::Generate(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                                  const cow_List<long long>& except) {
   inpS_SetDefinition* set = m_sets.Open(keyword, scope, inpS_SetKind::Elements, "elset");
   inpS_ElgenReader reader(keyword, scope, m_nodes, m_elements, m_messages);
   if (inpS_isBlank(keyword.Data()))
     m_messages.AddWarning(inp_Utils::MessageInKeyword(
         keyword, "There are no data lines; no elements are generated."));
   for (long long row = 0; row < keyword.Data().Rows(); ++row) {
+    if (std::ranges::binary_search(except, row)) continue;
     scope.SettleElements(m_nodes, m_elements, m_messages);
     if (!reader.ReadLine(row)) continue;
     const long long first = m_elements.Size(scope.elementOccurrence);

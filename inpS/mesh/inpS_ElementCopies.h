@@ -22,7 +22,9 @@ public:
       : m_nodes(nodes), m_elements(elements), m_scopes(scopes), m_sets(sets), m_types(types),
         m_typeNames(std::move(typeNames)), m_salvage(salvage), m_messages(messages) {}
 
-  void Generate(const inp_Keyword& keyword, inpS_MeshScope& scope);
+  // except: data lines that are passed over, ascending
+  void Generate(const inp_Keyword& keyword, inpS_MeshScope& scope,
+                const cow_List<long long>& except);
   void Copy(const inp_Keyword& keyword, inpS_MeshScope& scope);
 
 private:

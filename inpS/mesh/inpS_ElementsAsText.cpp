@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_ElementsAsText.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/mesh/inpS_MeshSetReader.h"
 #include "parser/inp_BulkDecode.h"
@@ -36,23 +37,57 @@ void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope
   Keep(keyword, scope, std::move(message), "elset", elementLabels(keyword));
 }
 
-bool inpS_ElementsAsText::KeepMadeFromText(const inp_Keyword& keyword, inpS_MeshScope& scope) {
+bool inpS_ElementsAsText::KeepCopiedFromText(const inp_Keyword& keyword, inpS_MeshScope& scope) {
   if (m_keywords.empty()) return false; // as nearly always
-  const bool copies = keyword.Kind() == inp_KwElcopy;
-  const cow_List<int> labels =
-      copies ? CopiedLabels(keyword, scope) : GeneratedLabels(keyword, scope);
+  const cow_List<int> labels = CopiedLabels(keyword, scope);
   if (labels.empty()) return false;
   Keep(keyword, scope,
        inp_Utils::MessageInKeyword(keyword, "Elements of a keyword that is kept as text cannot be "
-                                            "repeated; this one is kept as text, too."),
-       copies ? "newset" : "elset", labels);
+                                            "copied; this one is kept as text, too."),
+       "newset", labels);
   return true;
+}
+
+cow_List<long long> inpS_ElementsAsText::KeepLinesFromText(const inp_Keyword& keyword,
+                                                           inpS_MeshScope& scope) {
+  cow_List<long long> rows;
+  if (m_keywords.empty()) return rows; // as nearly always
+  const inp_DataArray& data = keyword.Data();
+  cow_List<int> labels;
+  cow_String lines;
+  bool isAll = true;
+  for (long long row = 0; row < data.Rows(); ++row) {
+    if (inpS_isBlank(data, row)) continue;
+    const cow_List<int> made = GeneratedLabels(data, row, scope);
+    isAll = isAll && !made.empty();
+    if (made.empty()) continue;
+    rows.push_back(row);
+    lines += cow_String(data.RowText(row)) + '\n';
+    labels.insert(labels.end(), made.begin(), made.end());
+    m_scopes.TextElements().Add(scope.elementOccurrence, made); // the next line may start from them
+  }
+  if (rows.empty()) return rows;
+  const long long first = rows.front();
+  wip_Message message = inp_Utils::MessageAtRow(
+      keyword, first,
+      isAll ? cow_String("Elements of a keyword that is kept as text cannot be repeated; this one "
+                         "is kept as text, too.")
+            : "Elements of a keyword that is kept as text cannot be repeated; " +
+                  (rows.size() == 1 ? cow_String("this line is")
+                                    : std::to_string(rows.size()) + " lines are") +
+                  " kept as text, too.");
+  Keep(keyword, scope, std::move(message), "elset", labels);
+  if (!isAll) m_keywords[keyword.Body().get()].text = keyword.HeadText() + lines;
+  return rows;
 }
 
 void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                wip_Message message, std::string_view setParameter,
                                const cow_List<int>& labels) {
-  message.notes.push_back({"sets and surfaces that name its elements are stored without them", {}});
+  message.notes.push_back(
+      {"sets and surfaces that name its elements are stored without them, and written with "
+       "them again",
+       {}});
   m_messages.AddError(std::move(message));
   m_keywords[keyword.Body().get()].isTold = true;
   m_scopes.TextElements().Add(scope.elementOccurrence, labels);
@@ -61,31 +96,27 @@ void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope
   keyword.ReferAll(); // the text has all of it
 }
 
-// Those of all lines, when one of them starts from an element that is text alone.
-cow_List<int> inpS_ElementsAsText::GeneratedLabels(const inp_Keyword& keyword,
+// None, when the line does not start from an element that is text alone.
+cow_List<int> inpS_ElementsAsText::GeneratedLabels(const inp_DataArray& data, long long row,
                                                    const inpS_MeshScope& scope) const {
-  const inp_DataArray& data = keyword.Data();
   cow_List<int> labels;
-  bool fromText = false;
-  for (long long row = 0; row < data.Rows(); ++row) {
-    const long long master = integerAt(data, row, 0, 0);
-    if (master < 1 || master > kMaxLabel) continue;
-    const int label = static_cast<int>(master);
-    fromText = fromText || (m_scopes.TextElements().Has(scope.elementOccurrence, label) &&
-                            m_elements.ConvertInstanceLabel(scope.elementOccurrence, label) < 0);
-    cow_List<long long> made{master};
-    for (const int col : {1, 4, 7}) {
-      const long long count = std::max(1LL, integerAt(data, row, col, 1));
-      const long long step = integerAt(data, row, col + 2, 1);
-      const std::size_t before = made.size();
-      if (count > inpS_mostGenerated / static_cast<long long>(before)) break; // a slip of the pen
-      for (long long n = 1; n < count; ++n)
-        for (std::size_t i = 0; i < before; ++i) made.push_back(made[i] + n * step);
-    }
-    for (const long long one : made)
-      if (one > 0 && one <= kMaxLabel) labels.push_back(static_cast<int>(one));
+  const long long master = integerAt(data, row, 0, 0);
+  if (master < 1 || master > kMaxLabel) return labels;
+  const int label = static_cast<int>(master);
+  if (!m_scopes.TextElements().Has(scope.elementOccurrence, label) ||
+      m_elements.ConvertInstanceLabel(scope.elementOccurrence, label) >= 0)
+    return labels;
+  cow_List<long long> made{master};
+  for (const int col : {1, 4, 7}) {
+    const long long count = std::max(1LL, integerAt(data, row, col, 1));
+    const long long step = integerAt(data, row, col + 2, 1);
+    const std::size_t before = made.size();
+    if (count > inpS_mostGenerated / static_cast<long long>(before)) break; // a slip of the pen
+    for (long long n = 1; n < count; ++n)
+      for (std::size_t i = 0; i < before; ++i) made.push_back(made[i] + n * step);
   }
-  if (!fromText) labels.clear();
+  for (const long long one : made)
+    if (one > 0 && one <= kMaxLabel) labels.push_back(static_cast<int>(one));
   return labels;
 }
 
@@ -102,7 +133,12 @@ cow_List<int> inpS_ElementsAsText::CopiedLabels(const inp_Keyword& keyword,
 }
 
 void inpS_ElementsAsText::AddSets() {
-  for (const TextSet& set : m_textSets)
-    if (!set.scope->sets.Find(inpS_SetKind::Elements, set.name))
-      inpS_beginRuns(set.scope->sets.FindOrAdd(inpS_SetKind::Elements, set.name), set.keyword);
+  for (const TextSet& set : m_textSets) {
+    const bool isNew = !set.scope->sets.Find(inpS_SetKind::Elements, set.name);
+    inpS_SetDefinition& named = set.scope->sets.FindOrAdd(inpS_SetKind::Elements, set.name);
+    if (isNew) inpS_beginRuns(named, set.keyword);
+    cow_List<int>& labels = named.elementsAsText;
+    labels.insert(labels.end(), set.labels.begin(), set.labels.end());
+    std::ranges::sort(labels);
+  }
 }

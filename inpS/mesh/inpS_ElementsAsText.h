@@ -18,8 +18,15 @@ public:
 
   // *ELEMENT; the message says why.
   void Keep(const inp_Keyword& keyword, inpS_MeshScope& scope, wip_Message message);
-  // *ELGEN and *ELCOPY; false when they start from no such element.
-  bool KeepMadeFromText(const inp_Keyword& keyword, inpS_MeshScope& scope);
+  // *ELCOPY; false when it starts from no such element.
+  bool KeepCopiedFromText(const inp_Keyword& keyword, inpS_MeshScope& scope);
+  // *ELGEN: the lines that start from such elements, ascending. Only these are kept.
+  cow_List<long long> KeepLinesFromText(const inp_Keyword& keyword, inpS_MeshScope& scope);
+
+  bool IsWhollyText(const inp_Keyword& keyword) const {
+    const auto kept = m_keywords.find(keyword.Body().get());
+    return kept != m_keywords.end() && kept->second.text.empty();
+  }
 
   // At the end of the walk: a set that such keywords alone name is there, and empty. It comes
   // behind all others, as in a deck written, which has texts before sets.
@@ -32,7 +39,8 @@ public:
 private:
   void Keep(const inp_Keyword& keyword, inpS_MeshScope& scope, wip_Message message,
             std::string_view setParameter, const cow_List<int>& labels);
-  cow_List<int> GeneratedLabels(const inp_Keyword& keyword, const inpS_MeshScope& scope) const;
+  cow_List<int> GeneratedLabels(const inp_DataArray& data, long long row,
+                                const inpS_MeshScope& scope) const;
   cow_List<int> CopiedLabels(const inp_Keyword& keyword, const inpS_MeshScope& scope) const;
 
   inpS_MeshScopes& m_scopes;

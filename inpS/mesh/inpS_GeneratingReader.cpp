@@ -2,6 +2,7 @@
 #include "base/utl_BlockSize.h"
 #include "inpS/framework/inpS_System.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
+#include "inpS/keywords/inpS_UnreadField.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/sets/inpS_SetServices.h"
@@ -55,16 +56,19 @@ void inpS_GeneratingReader::TellUnused(long long row, int fields) {
   int col = fields;
   const int cols = m_keyword->Data().Cols(row);
   while (col < cols && !HasValue(row, col)) ++col;
-  if (col < cols)
-    m_messages.AddWarning(inp_Utils::MessageAtField(
-        *m_keyword, row, col, "This field and those behind it have no meaning here; not used."));
+  if (col >= cols) return;
+  m_messages.AddWarning(inp_Utils::MessageAtField(
+      *m_keyword, row, col,
+      "This field and those behind it have no meaning here; they are left out."));
+  m_messages.LeaveOut("value", inpS_countGiven(*m_keyword, row, col));
 }
 
 void inpS_GeneratingReader::TellUnusedRows(long long row) {
   while (row < m_keyword->Data().Rows() && IsBlank(row)) ++row;
-  if (row < m_keyword->Data().Rows())
-    m_messages.AddWarning(inp_Utils::MessageAtRow(
-        *m_keyword, row, "This line and those behind it have no meaning here; not used."));
+  if (row >= m_keyword->Data().Rows()) return;
+  m_messages.AddWarning(inp_Utils::MessageAtRow(
+      *m_keyword, row, "This line and those behind it have no meaning here; they are left out."));
+  m_messages.LeaveOut("data line", m_keyword->Data().Rows() - row);
 }
 
 bool inpS_GeneratingReader::ReadInteger(long long row, int col, long long absent,

@@ -2,6 +2,7 @@
 #include "database/KvoObjMesh.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/keywords/inpS_Flag.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "inpS/sets/inpS_ScopedField.h"
 #include "inpS/sets/inpS_SetReader.h"
@@ -59,13 +60,20 @@ inpS_SetDefinition* inpS_MeshSetReader::Begin(const inp_Keyword& keyword, inpS_M
   if (!name || name->AsString().empty()) {
     m_messages.AddError(inp_Utils::MessageInKeyword(
         keyword, inpS_messageText(inpS_app_RequiredParameter, {nameParameter})));
+    m_messages.LeaveOut("set keyword");
     return nullptr;
   }
   inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
   set.isStored = false;
+  inpS_tellOtherParameters(keyword, m_messages);
+  if (const cow_String others = inpS_takeOtherParameters(keyword);
+      set.otherParameters.find(others) == cow_String::npos) // of another keyword of the set
+    set.otherParameters += others;
   set.internal = set.internal || internal;
   set.unsorted = set.unsorted || unsorted;
-  return instanceKnown ? &set : nullptr; // what names it finds it, with nothing of this keyword
+  if (instanceKnown) return &set;
+  m_messages.LeaveOut("set keyword");
+  return nullptr; // what names it finds it, with nothing of this keyword
 }
 
 void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
@@ -94,7 +102,8 @@ void inpS_MeshSetReader::ReadElsetNodes(const inp_Keyword& keyword, inpS_MeshSco
     if (data.Cols(row) > 0) {
       m_messages.AddWarning(inp_Utils::MessageAtRow(
           keyword, row,
-          "A set of the nodes of elements takes no data lines; from here on they are not used."));
+          "A set of the nodes of elements takes no data lines; from here on they are left out."));
+      m_messages.LeaveOut("data line", data.Rows() - row);
       break;
     }
   set->keywords.push_back(keyword);

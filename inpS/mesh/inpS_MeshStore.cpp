@@ -10,6 +10,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimDistribution.h"
 #include "database/KvoSimGrid.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_SetResolver.h"
 #include "inpS/sets/inpS_SetServices.h"
@@ -329,6 +330,8 @@ void inpS_MeshStore::SaveSet(inpS_MeshScope& scope, const inpS_SetDefinition& de
   const auto save = [&](auto set) {
     set.SetUnsorted(definition.unsorted);
     set.SetMembership(members);
+    const inpS_KeptPart part{0, definition.otherParameters, resolver.LinesOfText(definition)};
+    if (!part.parameters.empty() || !part.lines.empty()) inpS_keepPart(set.Position(), part);
   };
   if (nodes)
     save(inpS_SetServices::InsertNodeSet(scope.owner, definition.name, definition.internal));

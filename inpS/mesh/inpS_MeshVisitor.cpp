@@ -7,6 +7,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/framework/inpS_UnusedLines.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
+#include "inpS/keywords/inpS_UnreadField.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_BaseSurfaces.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
@@ -241,7 +242,10 @@ void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
   static constexpr int kFieldsOfSystem[] = {6, 3}; // as inpS_System reads them
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
-  inpS_reportUnreadFields(keyword, inpS_System::UnreadFields(keyword), *this, "not used");
+  const cow_List<inpS_UnreadField> unread = inpS_System::UnreadFields(keyword);
+  inpS_reportUnreadFields(keyword, unread, *this, "left out");
+  for (const inpS_UnreadField& field : unread)
+    if (field.surplus) LeaveOut("value", inpS_countGiven(keyword, field.row, field.col));
   inpS_reportTinyNumbers(keyword, kFieldsOfSystem, *this);
   scope.system.FillIdentity();
   if (scope.system.ReadSystem(keyword)) {
@@ -349,15 +353,16 @@ inpS_ElementCopies inpS_MeshVisitor::Copies() {
 void inpS_MeshVisitor::VisitElgen(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
-  if (MayGrow(keyword, scope) && !m_asText.KeepMadeFromText(keyword, scope))
-    Copies().Generate(keyword, scope);
+  if (!MayGrow(keyword, scope)) return;
+  const cow_List<long long> asText = m_asText.KeepLinesFromText(keyword, scope);
+  if (!m_asText.IsWhollyText(keyword)) Copies().Generate(keyword, scope, asText);
 }
 
 void inpS_MeshVisitor::VisitElcopy(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   m_hasGenerated = true;
   inpS_MeshScope& scope = *ScopeOf(keyword);
-  if (MayGrow(keyword, scope) && !m_asText.KeepMadeFromText(keyword, scope))
+  if (MayGrow(keyword, scope) && !m_asText.KeepCopiedFromText(keyword, scope))
     Copies().Copy(keyword, scope);
 }
 

@@ -71,7 +71,7 @@ bool inpS_NfillReader::Divide(long long row, long long intervals) {
     const double before = m > 2 ? m_ratios[m - 3] : 0.0;
     m_ratios[m - 2] = sum - 0.25 * (sum - before);
   }
-  for (double& ratio : m_ratios) ratio /= sum;
+  m_sum = sum;
   m_ratios.pop_back(); // the last set itself
   return true;
 }
@@ -85,7 +85,8 @@ void inpS_NfillReader::Biased(const cow_List<inpS_NodeValues>& a,
     node.hasNormal = a[n].hasNormal && z[n].hasNormal;
     long long label = Known().LabelOf(first.ordinals[static_cast<long long>(n)]);
     for (const double r : m_ratios) {
-      for (int i = 0; i < 6; ++i) node.value[i] = r * z[n].value[i] + (1.0 - r) * a[n].value[i];
+      for (int i = 0; i < 6; ++i)
+        node.value[i] = inpS_between(a[n].value[i], z[n].value[i], r, m_sum);
       Emit(label += increment, node);
     }
   }

@@ -27,5 +27,6 @@ private:
   double m_bias;
   bool m_twoStep;
   Singular m_singular;
-  cow_List<double> m_ratios; // of the inner nodes' way from the first set to the second
+  cow_List<double> m_ratios; // the way of the inner nodes from the first set to the second
+  double m_sum = 1;          // the whole of it
 };

@@ -19,6 +19,12 @@ double dot(const double a[3], const double b[3]) {
   return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
+// Of the values at -m, 0 and m that at x: whole numbers as long as they can be, and one division.
+double onParabola(double a, double c, double b, double x, double m) {
+  if (a == b && b == c) return a;
+  return (x * (x - m) * a - 2.0 * (x - m) * (x + m) * c + x * (x + m) * b) / (2.0 * m * m);
+}
+
 void cross(const double a[3], const double b[3], double result[3]) {
   result[0] = a[1] * b[2] - a[2] * b[1];
   result[1] = a[2] * b[0] - a[0] * b[2];
@@ -125,9 +131,8 @@ void inpS_NgenReader::Straight(const Line& line, long long label, long long inte
   node.hasNormal = a.hasNormal && b.hasNormal;
   const auto m = static_cast<double>(intervals);
   for (long long k = 1; k < intervals; ++k) {
-    const double xi = 2.0 * static_cast<double>(k) / m - 1.0;
     for (int i = 0; i < 6; ++i)
-      node.value[i] = 0.5 * ((1.0 + xi) * b.value[i] - (xi - 1.0) * a.value[i]);
+      node.value[i] = inpS_between(a.value[i], b.value[i], static_cast<double>(k), m);
     Emit(label + k * line.increment, node);
   }
 }
@@ -141,10 +146,9 @@ void inpS_NgenReader::Parabola(const Line& line, long long label, long long inte
   node.hasNormal = a.hasNormal && b.hasNormal;
   const auto m = static_cast<double>(intervals);
   for (long long k = 1; k < intervals; ++k) {
-    const double xi = 2.0 * static_cast<double>(k) / m - 1.0;
+    const double x = 2.0 * static_cast<double>(k) - m;
     for (int i = 0; i < 6; ++i)
-      node.value[i] = 0.5 * xi * (xi - 1.0) * a.value[i] - (xi - 1.0) * (xi + 1.0) * c.value[i] +
-                      0.5 * xi * (xi + 1.0) * b.value[i];
+      node.value[i] = onParabola(a.value[i], c.value[i], b.value[i], x, m);
     Emit(label + k * line.increment, node);
   }
 }

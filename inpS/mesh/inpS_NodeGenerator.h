@@ -17,6 +17,12 @@ struct inpS_NodePiece {
 };
 using inpS_NodeSink = std::function<void(const inpS_NodePiece&)>;
 
+// The value at part / whole of the way from a to b, with one division, so that round values come
+// out round; a where both are the same.
+inline double inpS_between(double a, double b, double part, double whole) {
+  return a == b ? a : (a * (whole - part) + b * part) / whole;
+}
+
 // Base of what reads or generates nodes: the local system of its keyword.
 class inpS_NodeGenerator {
 public:

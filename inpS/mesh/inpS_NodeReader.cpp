@@ -1,6 +1,7 @@
 #include "inpS/mesh/inpS_NodeReader.h"
 #include "inpS/framework/inpS_System.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
+#include "inpS/keywords/inpS_UnreadField.h"
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
@@ -66,7 +67,8 @@ bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, const inpS_System& 
       m_messages.AddWarning(inp_Utils::MessageAtField(
           keyword, row, col,
           "A node has at most three coordinates and three normal components; what is behind them "
-          "is not used."));
+          "is left out."));
+      m_messages.LeaveOut("value", inpS_countGiven(keyword, row, col));
       break;
     }
     if (!data.IsNumber(row, col)) {

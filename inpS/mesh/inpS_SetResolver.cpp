@@ -1,5 +1,6 @@
 #include "inpS/mesh/inpS_SetResolver.h"
 #include "database/KvoObjLabeler.h"
+#include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/mesh/inpS_OldElements.h"
@@ -63,6 +64,7 @@ struct inpS_SetResolver::Gathered {
   };
   std::vector<Run> runs;
   std::vector<Missing> missing;
+  std::vector<Scoped> asText; // elements that the model has as text alone
   long long total = 0;
   bool isCut = false;  // there are more than there may be, and the runs no longer hold them
   bool unread = false; // nodes of elements that only the database knows were asked for
@@ -173,6 +175,10 @@ void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinit
         "taken into a set; they are left out."));
   Result& result = m_results[&set];
   result.state = isTooLarge ? State::TooLarge : State::Done;
+  std::ranges::sort(gathered.asText);
+  const auto again = std::ranges::unique(gathered.asText);
+  gathered.asText.erase(again.begin(), again.end());
+  result.asText = std::move(gathered.asText);
   if (isTooLarge) return;
   result.members = gathered.Members(set.unsorted);
   m_listed += gathered.Listed();
@@ -238,6 +244,7 @@ void inpS_SetResolver::ReportUndefined() {
     if (undefined.count > 1)
       text += " The " + std::to_string(undefined.count) + " entries that name it are left out.";
     ReportEntry(*undefined.set, *undefined.entry, std::move(text));
+    if (undefined.count > 1) m_messages.LeaveOut("set entry", undefined.count - 1);
   }
   m_undefined.clear();
   m_undefinedAt.clear();
@@ -292,12 +299,15 @@ void inpS_SetResolver::AddEntry(const inpS_MeshScope& scope, const inpS_SetDefin
   }
   case Entry::Kind::Set: {
     const Target target = Find(scope, set.kind, set, entry, true);
-    if (HasMembers(set, entry, target)) gathered.Add(m_results[target.set].members, target.offset);
+    if (!HasMembers(set, entry, target)) return;
+    gathered.Add(m_results[target.set].members, target.offset);
+    AddTextOf(set, entry, *target.set, gathered);
     return;
   }
   case Entry::Kind::NodesOfElset: {
     const Target target = Find(scope, inpS_SetKind::Elements, set, entry, true);
     if (!HasMembers(set, entry, target)) return;
+    AddTextOf(set, entry, *target.set, gathered);
     if (m_underway)
       AddNodesKnown(scope, m_results[target.set].members, gathered);
     else
@@ -327,7 +337,45 @@ void inpS_SetResolver::Miss(const inpS_MeshScope& owner, inpS_SetKind kind, cons
   const bool isInText =
       kind == inpS_SetKind::Elements &&
       m_scopes.TextElements().Has(owner.elementOccurrence, static_cast<int>(label));
-  if (!isInText) gathered.Miss(entry.keyword, label);
+  if (isInText)
+    gathered.asText.emplace_back(entry.instance, static_cast<int>(label));
+  else
+    gathered.Miss(entry.keyword, label);
+}
+
+// What a set that is named has of them. Nobody knows the nodes of an element that is kept as text.
+void inpS_SetResolver::AddTextOf(const inpS_SetDefinition& set, const Entry& entry,
+                                 const inpS_SetDefinition& other, Gathered& gathered) {
+  if (m_scopes.TextElements().IsEmpty()) return; // as nearly always
+  const std::vector<Scoped>& named = m_results[&other].asText;
+  if (named.empty() && other.elementsAsText.empty()) return;
+  if (entry.kind == Entry::Kind::NodesOfElset) {
+    if (!m_underway)
+      m_messages.AddWarning(inp_Utils::MessageInKeyword(
+          set.keywords[static_cast<std::size_t>(entry.keyword)],
+          "Set \"" + other.name +
+              "\" has elements of a keyword that is kept as text; their nodes are left out."));
+    return;
+  }
+  for (const auto& [instance, label] : named)
+    gathered.asText.emplace_back(instance.empty() ? entry.instance : instance, label);
+  for (const int label : other.elementsAsText) gathered.asText.emplace_back(entry.instance, label);
+}
+
+cow_String inpS_SetResolver::LinesOfText(const inpS_SetDefinition& set) const {
+  constexpr int perLine = 16;
+  cow_String lines;
+  const auto known = m_results.find(&set);
+  if (known == m_results.end()) return lines;
+  int onLine = 0;
+  for (const auto& [instance, label] : known->second.asText) {
+    if (instance.empty() && std::ranges::binary_search(set.elementsAsText, label)) continue;
+    if (onLine > 0) lines += onLine % perLine ? ", " : "\n";
+    ++onLine;
+    if (!instance.empty()) lines += inpS_quoted(instance) + '.';
+    lines += std::to_string(label);
+  }
+  return onLine > 0 ? lines + '\n' : lines;
 }
 
 // A range costs no more than the labels there are, however long it is.
@@ -368,7 +416,11 @@ void inpS_SetResolver::AddRange(const inpS_MeshScope& owner, inpS_SetKind kind, 
   for (const auto& [step, ordinal] : found) gathered.Add(ordinal + base);
   long long known = static_cast<long long>(found.size());
   if (kind == inpS_SetKind::Elements)
-    known += m_scopes.TextElements().CountOf(occurrence, entry.first, entry.count, entry.increment);
+    for (const int label :
+         m_scopes.TextElements().Among(occurrence, entry.first, entry.count, entry.increment)) {
+      gathered.asText.emplace_back(entry.instance, label);
+      ++known;
+    }
   if (known < entry.count)
     gathered.missing.push_back({entry.keyword, entry.first, last, entry.count - known});
 }
@@ -421,6 +473,7 @@ void inpS_SetResolver::AddNodesKnown(const inpS_MeshScope& scope, const eds_Memb
 
 void inpS_SetResolver::ReportEntry(const inpS_SetDefinition& set, const Entry& entry,
                                    cow_String text) {
+  m_messages.LeaveOut("set entry");
   if (set.keywords.empty()) return m_messages.AddError({std::move(text)}); // of the base
   const inp_Keyword& keyword = set.keywords[static_cast<std::size_t>(entry.keyword)];
   const bool fromData = entry.kind != Entry::Kind::NodesOfElset &&
@@ -446,5 +499,6 @@ void inpS_SetResolver::ReportMissing(const inpS_SetDefinition& set, Gathered& ga
         inp_Utils::Format("Set \"%s\" names %s that do not exist (%lld left out): ",
                           set.name.c_str(), nounOf(set.kind), count),
         labels));
+    m_messages.LeaveOut("set member", count);
   }
 }

@@ -4,6 +4,7 @@
 #include "inpS/mesh/inpS_MeshScope.h"
 #include <map>
 #include <unordered_map>
+#include <vector>
 
 class KvoObjLabeler;
 class inp_Visitor;
@@ -18,6 +19,9 @@ public:
                    inpS_MeshScopes& scopes, inp_Visitor& messages);
 
   const eds_MemberSet& Members(const inpS_MeshScope& scope, const inpS_SetDefinition& set);
+  // Data lines that name what the set has besides: elements that stand in keywords kept as text,
+  // but for those that these keywords put into it themselves. Once its members are known.
+  cow_String LinesOfText(const inpS_SetDefinition& set) const;
 
   // While the deck is still read: ordinals of the owner, by what is known so far. What belongs to
   // instances cannot be told yet; such entries are left out. The elements of owners whose sets name
@@ -33,9 +37,11 @@ private:
     long long offset = 0;
   };
   enum class State : unsigned char { New, Open, Done, TooLarge };
+  using Scoped = std::pair<cow_String, int>; // an instance's name, or none, and a label
   struct Result {
     State state = State::New;
     eds_MemberSet members;
+    std::vector<Scoped> asText; // ascending, each once
   };
   struct Frame {
     const inpS_MeshScope* scope;
@@ -63,6 +69,8 @@ private:
                  Gathered& gathered) const;
   void Miss(const inpS_MeshScope& owner, inpS_SetKind kind, const inpS_SetEntry& entry,
             long long label, Gathered& gathered) const;
+  void AddTextOf(const inpS_SetDefinition& set, const inpS_SetEntry& entry,
+                 const inpS_SetDefinition& other, Gathered& gathered);
   void AddRange(const inpS_MeshScope& owner, inpS_SetKind kind, const inpS_SetEntry& entry,
                 Gathered& gathered) const;
   void AddNodesOf(const inpS_MeshScope& scope, const eds_MemberSet& elements, long long offset,

@@ -4,6 +4,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "inpS/framework/inpS_System.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
@@ -39,24 +40,48 @@ void inpS_AssemblyVisitor::VisitAssembly(const inp_Keyword& keyword) {
   if (name && !name->AsString().empty())
     assembly.DataRecord().SetString(eds_Assembly_Name, name->AsString());
   model.SetPosition(eds_Member::Assembly, assembly);
+  inpS_keepUnused(keyword, assembly, *this);
   transaction.Commit();
+  m_assembly = assembly;
+}
+
+void inpS_AssemblyVisitor::VisitEndAssembly(const inp_Keyword& keyword) {
+  KeepClosing(keyword, m_assembly);
+}
+
+void inpS_AssemblyVisitor::VisitEndInstance(const inp_Keyword& keyword) {
+  KeepClosing(keyword, m_instance);
+}
+
+void inpS_AssemblyVisitor::KeepClosing(const inp_Keyword& keyword, KvoSimPosition& open) {
+  if (open.IsNull()) return; // refused
+  KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
+  inpS_keepUnused(keyword, open, *this, inpS_closingRow);
+  transaction.Commit();
+  open = {};
 }
 
 void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
+  m_instance = {};
+  if (!Place(keyword)) LeaveOut("instance");
+}
+
+// False, with a message, when the model does not get it.
+bool inpS_AssemblyVisitor::Place(const inp_Keyword& keyword) {
   const inp_Item* name = keyword.Find("name");
   if (!name || name->AsString().empty()) {
     Error(keyword, inpS_messageText(inpS_model_InstanceNameMissing));
-    return;
+    return false;
   }
   if (keyword.Scope().kind != inp_Scope::Kind::Assembly) {
     Error(keyword, "An instance belongs to an assembly, and none is open here; it is left out.");
-    return;
+    return false;
   }
   const KvoObjDocument& document = m_inventory.GetDocument();
   const KvoSimPosition model = document.GetModel().Position();
   if (!model.FollowStringKey(eds_Member::Occurrences, name->AsString()).IsNull()) {
     Error(keyword, inpS_messageText(inpS_model_InstanceNameTaken, {name->AsString()}));
-    return;
+    return false;
   }
   const inp_Item* partName = keyword.Find("part");
   const inp_Item* library = keyword.Find("library");
@@ -65,18 +90,19 @@ void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
   if (partName) part = model.FollowStringKey(eds_Member::Parts, partName->AsString());
   if (!partName && !library) {
     Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {"part"}));
-    return;
+    return false;
   }
   if (partName && part.IsNull()) {
     AddError(inp_Utils::MessageAtParameter(keyword, "part",
                                            "Part \"" + partName->AsString() +
                                                "\" is not defined; the instance is left out."));
-    return;
+    return false;
   }
   if (library)
     Warning(keyword, "The mesh of an instance imported from \"" + library->Verbatim() +
                          "\" is not read: only what this deck gives of it is converted.");
-  if (!CheckPlacement(keyword)) return;
+  bool isWhole = true;
+  if (!CheckPlacement(keyword, isWhole)) return false;
 
   KvoSimTransaction transaction(document.ContextID());
   const KvoSimPosition instance = model.CreateDataRecord(eds_RecordKind::Instance);
@@ -87,24 +113,37 @@ void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
   if (source) record.SetString(eds_Instance_SourceInstance, source->AsString());
   WritePlacement(keyword, instance);
   model.AssociateStringKey(eds_Member::Occurrences, name->AsString(), instance);
+  inpS_tellOtherParameters(keyword, *this);
+  const inpS_KeptPart kept{0, inpS_takeOtherParameters(keyword),
+                           isWhole ? cow_String() : inpS_dataLines(keyword)};
+  if (!kept.parameters.empty() || !kept.lines.empty()) inpS_keepPart(instance, kept);
   transaction.Commit();
+  m_instance = instance;
+  return true;
 }
 
-bool inpS_AssemblyVisitor::CheckPlacement(const inp_Keyword& keyword) {
+// False when it cannot be placed. What is beyond the values that it takes is told and leaves them
+// as they are.
+bool inpS_AssemblyVisitor::CheckPlacement(const inp_Keyword& keyword, bool& isWhole) {
   const inp_DataArray& data = keyword.Data();
   constexpr int kFields[] = {3, 7};
   for (long long row = 0; row < data.Rows(); ++row) {
     for (int col = 0, cols = data.Cols(row); col < cols; ++col) {
       if (!data.HasValue(row, col)) continue;
       if (row < 2 && col < kFields[row] && data.IsNumber(row, col)) continue;
-      AddError(inp_Utils::MessageAtField(
-          keyword, row, col,
-          row < 2 && col < kFields[row]
-              ? "\"" + data.AsStringVerbatim(row, col) +
-                    "\" is no number; the instance is left out."
-              : cow_String("An instance takes a translation (3 values) and a rotation (two points "
-                           "and an angle); the instance is left out.")));
-      return false;
+      const bool isTaken = row < 2 && col < kFields[row];
+      if (isTaken) {
+        AddError(inp_Utils::MessageAtField(keyword, row, col,
+                                           "\"" + data.AsStringVerbatim(row, col) +
+                                               "\" is no number; the instance is left out."));
+        return false;
+      }
+      if (isWhole)
+        AddWarning(inp_Utils::MessageAtField(
+            keyword, row, col,
+            "An instance takes a translation (3 values) and a rotation (two points and an angle); "
+            "what is beyond is kept, but not used."));
+      isWhole = false;
     }
   }
   inpS_reportTinyNumbers(keyword, kFields, *this);

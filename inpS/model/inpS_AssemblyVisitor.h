@@ -10,11 +10,17 @@ public:
   explicit inpS_AssemblyVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
 
   void VisitAssembly(const inp_Keyword& keyword) override;
+  void VisitEndAssembly(const inp_Keyword& keyword) override;
   void VisitInstance(const inp_Keyword& keyword) override;
+  void VisitEndInstance(const inp_Keyword& keyword) override;
 
 private:
-  bool CheckPlacement(const inp_Keyword& keyword);
+  bool Place(const inp_Keyword& keyword);
+  bool CheckPlacement(const inp_Keyword& keyword, bool& isWhole);
+  void KeepClosing(const inp_Keyword& keyword, KvoSimPosition& open);
   void WritePlacement(const inp_Keyword& keyword, const KvoSimPosition& instance);
 
   const inpS_Inventory& m_inventory;
+  KvoSimPosition m_assembly; // that is open
+  KvoSimPosition m_instance;
 };

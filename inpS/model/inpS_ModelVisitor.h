@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/KvoSimPosition.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Visitor.h"
 
@@ -10,8 +11,11 @@ public:
 
   void VisitHeading(const inp_Keyword& keyword) override;
   void VisitPart(const inp_Keyword& keyword) override;
+  void VisitEndPart(const inp_Keyword& keyword) override;
 
 private:
   const inpS_Inventory& m_inventory;
   bool m_hasHeading = false;
+  KvoSimPosition m_headingPart; // what the heading's line says beside its name
+  KvoSimPosition m_part;        // that is open
 };

@@ -190,7 +190,9 @@ void inpS_VerbatimVisitor::Keep(const inp_Keyword& keyword, const Along& at) {
   record.SetInt(eds_VerbatimKeyword_Block, at.block);
   record.SetInt(eds_VerbatimKeyword_Position,
                 m_positions[{place.owner.Object().Packed(), at.block}]++);
-  record.SetString(eds_VerbatimKeyword_Text, keyword.Text());
+  const inpS_TextPlace* told = AsText(keyword);
+  record.SetString(eds_VerbatimKeyword_Text,
+                   told && !told->text.empty() ? told->text : keyword.Text());
   if (!at.behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, at.behind);
   transaction.Commit();
 }
@@ -203,6 +205,7 @@ bool inpS_VerbatimVisitor::IsTooLong(const inp_Keyword& keyword) {
   for (const inp_DataSegment& segment : keyword.Data().Segments())
     bytes += segment.end - segment.begin;
   if (bytes <= longestText) return false;
+  LeaveOut("keyword");
   Error(keyword, "Keyword *" + keyword.Name() + " is not converted, and its " +
                      std::to_string(bytes) +
                      " bytes are too many to be kept as text, which may "
@@ -257,6 +260,12 @@ int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
   if (IsStray(keyword)) return kFirstBlock; // what follows goes on where it was
   const bool goesAlong = kind == inp_UnknownKeyword || keyword.IsSuboption();
   if (!goesAlong) m_ownBlock = std::max(kFirstBlock, inp_KeywordTable::Instance().Row(kind)->block);
+  // One of a material that is open behind keywords of other subjects.
+  const inp_KeywordRow* parent = inp_KeywordTable::Instance().Row(keyword.ParentKind());
+  if (keyword.ParentKind() == inp_KwMaterial ||
+      (parent && parent->block == kMaterials && m_ownBlock != kGasketBehaviors))
+    m_ownBlock = kMaterials;
+  if (keyword.ParentKind() == inp_KwGasketBehavior) m_ownBlock = kGasketBehaviors;
   if (told && !told->owner.IsNull()) {
     if (told->owner.IsA(eds_RecordKind::Material)) return kMaterials;
     if (told->owner.IsA(eds_RecordKind::GasketBehavior)) return kGasketBehaviors;

@@ -37,6 +37,8 @@ struct inpS_SetDefinition {
   bool unsorted = false; // members keep the order in which they were read
   cow_List<inpS_SetEntry> entries;
   cow_List<inp_Keyword> keywords;
+  cow_String otherParameters;   // that nothing reads, as given
+  cow_List<int> elementsAsText; // that keywords of elements kept as text put into it
 };
 
 // The sets of one owner (model, part, instance or assembly) in order of first definition.

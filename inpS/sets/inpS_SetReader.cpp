@@ -1,4 +1,5 @@
 #include "inpS/sets/inpS_SetReader.h"
+#include "inpS/keywords/inpS_UnreadField.h"
 #include "inpS/sets/inpS_ScopedField.h"
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_Utils.h"
@@ -86,6 +87,7 @@ void inpS_SetReader::RefuseField(long long row, int col) {
       m_keyword, row, col,
       "\"" + m_data.AsStringVerbatim(row, col) +
           "\" is neither a label (an integer up to 999999999) nor the name of a set; left out."));
+  m_messages.LeaveOut("set entry");
 }
 
 void inpS_SetReader::ReadName(long long row, int col) {
@@ -113,6 +115,7 @@ void inpS_SetReader::GenerateRow(long long row) {
   if (fields < 2) {
     m_messages.AddError(inp_Utils::MessageAtRow(
         m_keyword, row, "Set generation start and end numbers are required."));
+    m_messages.LeaveOut("set entry");
     return;
   }
   const Id first = ReadId(row, 0, {});
@@ -127,6 +130,7 @@ void inpS_SetReader::GenerateRow(long long row) {
   if (d % increment != 0 || (d != 0 && (d < 0) != (increment < 0))) {
     m_messages.AddError(
         inp_Utils::MessageAtRow(m_keyword, row, incrementText(increment, first.label, last.label)));
+    m_messages.LeaveOut("set entry");
     return;
   }
   inpS_SetEntry& entry = NewEntry(inpS_SetEntry::Kind::Range, row, 0);
@@ -137,8 +141,10 @@ void inpS_SetReader::GenerateRow(long long row) {
 }
 
 long long inpS_SetReader::ReadIncrement(long long row, int fields) {
-  if (fields > 3)
+  if (fields > 3) {
     AddFault(row, 3, "Set generation takes three numbers per line; the rest is left out.");
+    m_messages.LeaveOut("value", inpS_countGiven(m_keyword, row, 3));
+  }
   if (fields < 3 || m_data.IsNone(row, 2)) return 1;
   if (!m_data.IsInteger(row, 2)) {
     AddFault(row, 2, "The increment must be an integer; 1 is taken.");

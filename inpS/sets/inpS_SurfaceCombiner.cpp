@@ -1,6 +1,7 @@
 #include "inpS/sets/inpS_SurfaceCombiner.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/sets/inpS_SurfaceCrop.h"
 #include "inpS/sets/inpS_SurfaceNumbers.h"
 #include "parser/inp_Utils.h"
@@ -65,13 +66,15 @@ void inpS_SurfaceCombiner::ReadOperands(Entry& entry) {
   }
   if (!isCrop(operation)) return;
   long long row = 1;
-  inpS_SurfaceNumbers numbers(entry.keyword, m_visitor);
+  inpS_SurfaceNumbers numbers(entry.keyword, m_visitor, " The surface is left empty.");
   entry.good =
       numbers.ReadPoints(inpS_pointLinesOf(entry.surface.Type(), operation), 1, row, entry.box) &&
       numbers.CheckBox(row - 1, entry.box) && entry.good;
   if (!entry.good) return;
   numbers.TellUnused(row);
   entry.surface.SetPoints(entry.box);
+  if (!numbers.IsWhole())
+    inpS_keepPart(entry.surface.Position(), {inpS_wholeLines, {}, inpS_dataLines(entry.keyword)});
 }
 
 void inpS_SurfaceCombiner::CheckCount(Entry& entry) {

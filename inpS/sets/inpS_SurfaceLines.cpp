@@ -186,6 +186,8 @@ void inpS_SurfaceLines::TakeLabel(long long row, int col, long long label,
   }
   const auto at = static_cast<std::size_t>(listed - 1);
   if (at != m_run.piece || space.occurrence != m_run.space.occurrence) Flush();
+  if (m_run.labels.IsEmpty())
+    m_run.prefix = space.occurrence == OwnSpace().occurrence ? std::string_view() : m_prefix;
   m_run.piece = at;
   m_run.space = space;
   m_run.labels.Append(static_cast<int>(label));
@@ -212,7 +214,14 @@ void inpS_SurfaceLines::Flush() {
   for (std::size_t n = 0; n < count; ++n) {
     const long long row = piece.rows[first + n];
     if (ordinals[n] < 0) {
-      if (m_visitor.IsInText(m_kind, m_run.space, m_run.labels[n])) continue;
+      if (m_visitor.IsInText(m_kind, m_run.space, m_run.labels[n])) {
+        if (!m_run.prefix.empty()) m_asText += cow_String(m_run.prefix) + '.';
+        m_asText += std::to_string(m_run.labels[n]) + ',';
+        if (piece.face != eds_SurfaceFace::Whole)
+          m_asText += ' ' + cow_String(inpS_faceName(piece.face));
+        m_asText += '\n';
+        continue;
+      }
       if (m_missing++ < kMostMissingTold)
         Fault(row, 0,
               inp_Utils::Format("%s %d does not exist; left out.",
@@ -233,6 +242,8 @@ void inpS_SurfaceLines::Flush() {
 void inpS_SurfaceLines::Finish() {
   Flush();
   if (m_missing > kMostMissingTold)
+    m_visitor.LeaveOut("surface line", m_missing - kMostMissingTold);
+  if (m_missing > kMostMissingTold)
     m_visitor.AddError(inp_Utils::MessageInKeyword(
         m_keyword, inp_Utils::Format("%lld more %s of this surface do not exist; left out.",
                                      m_missing - kMostMissingTold,
@@ -244,4 +255,5 @@ void inpS_SurfaceLines::Finish() {
 
 void inpS_SurfaceLines::Fault(long long row, int col, cow_String text) {
   m_visitor.AddError(inp_Utils::MessageAtField(m_keyword, row, col, std::move(text)));
+  m_visitor.LeaveOut("surface line");
 }

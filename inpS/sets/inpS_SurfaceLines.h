@@ -30,6 +30,9 @@ public:
   void ReadSurfaces(long long row, long long rows); // names, as many as there are
 
   cow_List<Piece>& Pieces() { return m_pieces; }
+  // Lines that name elements which the deck has in keywords kept as text, as the others are
+  // written.
+  cow_String TakeAsText() { return std::move(m_asText); }
 
 private:
   // Labels read and not yet looked up: all of one piece and of one owner.
@@ -37,6 +40,7 @@ private:
     std::size_t piece = 0;
     inpS_SetVisitor::LabelSpace space;
     utl_Buffer<int> labels;
+    std::string_view prefix; // the instance's name as written, where the labels have one
   };
   using Kind = inpS_SetVisitor::Kind;
 
@@ -64,4 +68,5 @@ private:
   std::string_view m_prefix; // the instance that the last scoped label named, as written
   inpS_SetVisitor::LabelSpace m_prefixSpace;
   long long m_missing = 0;
+  cow_String m_asText;
 };

@@ -20,6 +20,7 @@ double distance(const double* a, const double* b) {
 } // namespace
 
 bool inpS_SurfaceNumbers::Fault(long long row, cow_String text) {
+  text += m_consequence;
   m_messages.AddError(row < m_keyword.Data().Rows()
                           ? inp_Utils::MessageAtRow(m_keyword, row, std::move(text))
                           : inp_Utils::MessageInKeyword(m_keyword, std::move(text)));
@@ -48,11 +49,18 @@ bool inpS_SurfaceNumbers::ReadNumbers(long long row, int firstCol, int count, do
         m_messages.AddWarning(std::move(*tiny));
       continue;
     }
-    m_messages.AddError(inp_Utils::MessageAtField(
-        m_keyword, row, col,
-        data.IsNumber(row, col)
-            ? inp_Utils::Format("%d numbers are expected here, not more.", count)
-            : "\"" + data.AsStringVerbatim(row, col) + "\" is no number."));
+    if (col - firstCol >= count) {
+      m_isWhole = false;
+      m_messages.AddWarning(inp_Utils::MessageAtField(
+          m_keyword, row, col,
+          inp_Utils::Format("%d numbers are expected here, not more; those beyond are kept, but "
+                            "not used.",
+                            count)));
+      return true;
+    }
+    m_messages.AddError(inp_Utils::MessageAtField(m_keyword, row, col,
+                                                  "\"" + data.AsStringVerbatim(row, col) +
+                                                      "\" is no number." + m_consequence));
     return false;
   }
   return true;
@@ -77,9 +85,12 @@ bool inpS_SurfaceNumbers::ReadPoints(const inpS_PointLines& lines, int optionalL
 void inpS_SurfaceNumbers::TellUnused(long long row) {
   const inp_DataArray& data = m_keyword.Data();
   while (row < data.Rows() && inpS_isBlank(data, row)) ++row;
-  if (row < data.Rows())
-    m_messages.AddWarning(inp_Utils::MessageAtRow(
-        m_keyword, row, "This line and those behind it have no meaning here; not used."));
+  if (row >= data.Rows()) return;
+  m_isWhole = false;
+  m_messages.AddWarning(inp_Utils::MessageAtRow(
+      m_keyword, row,
+      "This line and those behind it have no meaning here; they are kept, but not "
+      "used."));
 }
 
 bool inpS_SurfaceNumbers::CheckPoints(eds_SurfaceType type, const cow_List<double>& points) {

@@ -9,8 +9,11 @@ class inp_Visitor;
 // analytical surface. Faults are reported at their place; a shape with a fault is none.
 class inpS_SurfaceNumbers {
 public:
-  inpS_SurfaceNumbers(const inp_Keyword& keyword, inp_Visitor& messages)
-      : m_keyword(keyword), m_messages(messages) {}
+  // consequence: what a fault costs, a sentence with a blank before it
+  inpS_SurfaceNumbers(const inp_Keyword& keyword, inp_Visitor& messages, const char* consequence)
+      : m_keyword(keyword), m_messages(messages), m_consequence(consequence) {}
+
+  bool IsWhole() const { return m_isWhole; } // no line holds more than it may
 
   // Lines of points from a data row on; `row` becomes the one behind them.
   bool ReadPoints(const inpS_PointLines& lines, int optionalLines, long long& row,
@@ -37,4 +40,6 @@ private:
 
   const inp_Keyword& m_keyword;
   inp_Visitor& m_messages;
+  cow_String m_consequence;
+  bool m_isWhole = true;
 };

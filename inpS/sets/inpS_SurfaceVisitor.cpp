@@ -63,6 +63,7 @@ void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
   m_combiner.reset();
   m_store.reset();
   ReportUnreferredParameters(keywords, {inp_KwSurface});
+  LeaveOut("surface", m_withoutMesh);
   if (m_withoutMesh > 0)
     Warning(
         m_firstWithoutMesh,
@@ -82,20 +83,24 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   }
   const inp_Item* name = keyword.Find("name");
   if (!name || name->AsString().empty())
-    return Error(keyword, inpS_messageText(inpS_app_RequiredParameter, {"name"}));
+    return Refuse(keyword, inpS_messageText(inpS_app_RequiredParameter, {"name"}) +
+                               " The surface is left out.");
   if (Owner().IsNull()) return keyword.ReferAll(); // its part or instance was refused
   const bool internal = inpS_KeywordParameterReader::GetParameterBoolValue(
       keyword, "internal", keyword.HasParameter("internal"));
   Operation operation = Operation::Defined;
   if (!ReadOperation(keyword, operation) || !IsFree(keyword, name->AsString(), internal)) {
-    keyword.ReferAll();
-    return;
+    LeaveOut("surface");
+    return keyword.ReferAll();
   }
   const Type type = static_cast<Type>(typeOf(keyword));
   cow_List<double> points, segments;
+  bool isWhole = true;
   if (isAnalytical(type) && operation == Operation::Defined) {
-    if (IsSecondAnalytical(keyword) || !ReadAnalytical(keyword, points, segments))
+    if (IsSecondAnalytical(keyword) || !ReadAnalytical(keyword, points, segments, isWhole)) {
+      LeaveOut("surface");
       return keyword.ReferAll();
+    }
   } else if (LacksMesh()) {
     if (m_withoutMesh++ == 0) m_firstWithoutMesh = keyword;
     return keyword.ReferAll();
@@ -109,7 +114,8 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (operation != Operation::Defined)
     m_combiner->Add(keyword, surface);
   else if (!isAnalytical(type))
-    ReadData(keyword, surface);
+    isWhole = ReadData(keyword, surface);
+  if (!isWhole) inpS_keepPart(surface.Position(), {inpS_wholeLines, {}, inpS_dataLines(keyword)});
   inpS_keepOthers(keyword, surface.Position(), *this);
   transaction.Commit();
 }
@@ -210,8 +216,10 @@ bool inpS_SurfaceVisitor::LacksAny(Kind kind) {
   return false;
 }
 
-void inpS_SurfaceVisitor::ReadData(const inp_Keyword& keyword, KvoObjSurface& surface) {
+// Whether the model has all that the lines say.
+bool inpS_SurfaceVisitor::ReadData(const inp_Keyword& keyword, KvoObjSurface& surface) {
   inpS_SurfaceLines lines(keyword, *this);
+  bool isWhole = true;
   switch (surface.Type()) {
   case Type::Element:
     lines.ReadFaces();
@@ -222,41 +230,57 @@ void inpS_SurfaceVisitor::ReadData(const inp_Keyword& keyword, KvoObjSurface& su
     m_store->SaveNodes(surface, lines);
     break;
   case Type::Cutting: {
-    inpS_SurfaceNumbers numbers(keyword, *this);
+    inpS_SurfaceNumbers numbers(keyword, *this,
+                                " The surface is left without its plane and elements.");
     cow_List<double> plane;
     long long row = 0;
     if (!numbers.ReadPoints(inpS_pointLinesOf(Type::Cutting, Operation::Defined), 0, row, plane) ||
-        !numbers.CheckPoints(Type::Cutting, plane))
-      return;
+        !numbers.CheckPoints(Type::Cutting, plane)) {
+      LeaveOut("surface");
+      return true;
+    }
     surface.SetPoints(plane);
     lines.ReadElements(row);
     m_store->SaveCut(surface, lines);
-    return;
+    isWhole = numbers.IsWhole();
+    break;
   }
   default:
-    return;
+    return true;
   }
+  if (const cow_String asText = lines.TakeAsText(); !asText.empty() && isWhole)
+    inpS_keepPart(surface.Position(), {inpS_moreLines, {}, asText});
+  if (surface.Type() == Type::Cutting) return isWhole;
   if (inpS_isBlank(keyword.Data()))
     Warning(keyword, "Surface \"" + surface.Name() + "\" has no data lines; it is empty.");
+  return isWhole;
 }
 
 bool inpS_SurfaceVisitor::ReadAnalytical(const inp_Keyword& keyword, cow_List<double>& points,
-                                         cow_List<double>& segments) {
+                                         cow_List<double>& segments, bool& isWhole) {
   const Type type = static_cast<Type>(typeOf(keyword));
   const inpS_PointLines lines = inpS_pointLinesOf(type, Operation::Defined);
-  inpS_SurfaceNumbers numbers(keyword, *this);
+  inpS_SurfaceNumbers numbers(keyword, *this, " The surface is left out.");
   long long row = 0;
   // Points may be left out where an instance places the surface: it stands in the part's own axes.
   const bool hasPoints = lines.lines > 0 && !numbers.BeginsWithSegments();
   if (!hasPoints && lines.lines > 0 && !IsPlaced()) {
     Error(keyword, "The points of the surface's axes are missing in front of START; only within a "
-                   "part or an instance, which are placed, may they be left out.");
+                   "part or an instance, which are placed, may they be left out. The surface is "
+                   "left out.");
     return false;
   }
   if (hasPoints &&
       !(numbers.ReadPoints(lines, 0, row, points) && numbers.CheckPoints(type, points)))
     return false;
-  return numbers.ReadSegments(row, type == Type::Revolution, segments);
+  const bool good = numbers.ReadSegments(row, type == Type::Revolution, segments);
+  isWhole = numbers.IsWhole();
+  return good;
+}
+
+void inpS_SurfaceVisitor::Refuse(const inp_Keyword& keyword, cow_String text) {
+  Error(keyword, std::move(text));
+  LeaveOut("surface");
 }
 
 // Whether what is open is, or is made, an instance.

@@ -36,9 +36,10 @@ private:
   bool IsSecondAnalytical(const inp_Keyword& keyword);
   bool LacksMesh();
   bool LacksAny(Kind kind);
-  void ReadData(const inp_Keyword& keyword, KvoObjSurface& surface);
+  bool ReadData(const inp_Keyword& keyword, KvoObjSurface& surface);
+  void Refuse(const inp_Keyword& keyword, cow_String text);
   bool ReadAnalytical(const inp_Keyword& keyword, cow_List<double>& points,
-                      cow_List<double>& segments);
+                      cow_List<double>& segments, bool& isWhole);
 
   bool m_isConverted = false;
   std::optional<bool> m_lacksMesh; // once it is known

@@ -24,13 +24,13 @@ bool inpS_TextElements::Has(int occurrence, int label) const {
   });
 }
 
-long long inpS_TextElements::CountOf(int occurrence, long long first, long long count,
-                                     long long increment) const {
-  long long found = 0;
+std::vector<int> inpS_TextElements::Among(int occurrence, long long first, long long count,
+                                          long long increment) const {
+  std::vector<int> found;
   AnyOf(occurrence, [&](const std::vector<int>& labels) {
     for (const int label : labels) {
       const long long d = label - first;
-      found += d % increment == 0 && d / increment >= 0 && d / increment < count;
+      if (d % increment == 0 && d / increment >= 0 && d / increment < count) found.push_back(label);
     }
     return false; // the other list, too
   });

@@ -14,8 +14,10 @@ public:
     m_parts[instance] = part;
   } // an instance has its part's, too
   bool Has(int occurrence, int label) const;
-  // How many of first, first + increment, … (count of them) are among them.
-  long long CountOf(int occurrence, long long first, long long count, long long increment) const;
+  bool IsEmpty() const { return m_labels.empty(); }
+  // Which of first, first + increment, … (count of them) are among them.
+  std::vector<int> Among(int occurrence, long long first, long long count,
+                         long long increment) const;
 
 private:
   template <class Look> bool AnyOf(int occurrence, Look look) const;

@@ -53,14 +53,14 @@ void inpS_MaterialPrinter::PrintPhysicalConstants(const KvoObjModel& model) {
   if (constants.IsNull()) return;
   printPlain(m_out, inp_KwPhysicalConstants, constants);
   const int others = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
-  m_out << constants.DataRecord().GetString(others) << '\n';
+  m_out << constants.DataRecord().GetString(others) << '\n' << m_parts.FirstOf(constants).lines;
 }
 
 void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEnm keyword) {
   const inpS_OwnedProperties owned(owner);
   m_potentials = owned.potentials;
   printPlain(m_out, keyword, owner);
-  m_out << m_parts.FirstOf(owner).parameters << '\n';
+  m_out << m_parts.FirstOf(owner).parameters << '\n' << m_parts.FirstOf(owner).lines;
   m_texts(owner, owner);
   for (const KvoSimPosition& property : owned.properties) {
     PrintProperty(property);

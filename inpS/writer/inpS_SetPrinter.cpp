@@ -44,13 +44,16 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
   const bool unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
   if (unsorted) start += ", UNSORTED";
 
+  const inpS_KeptPart& part = m_parts.FirstOf(set);
   const KvoObjLabeler& labeler = nodes ? m_labels.nodes : m_labels.elements;
   const int own = nodes ? scope.nodes : scope.elements;
   if (scope.isPart || members.IsEmpty()) {
-    m_out << start << '\n';
+    m_out << start << part.parameters << '\n';
     PrintMembers(members, 0, members.Size(), nodes, own, 0, !unsorted);
+    m_out << part.lines;
     return;
   }
+  bool isOfOthers = false; // the keyword that is open
   for (long long begin = 0; begin < members.Size();) {
     int64_t local = 0;
     const int occurrence = labeler.OccurrenceOfFlat(members[begin], local);
@@ -62,16 +65,20 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
       end = members.Size();
     while (end < members.Size() && members[end] >= low && members[end] < high) ++end;
     m_out << start;
+    if (begin == 0) m_out << part.parameters;
     // Within an instance the language has no such parameter, and names others by their labels.
     const bool foreign = occurrence != own;
     const bool within = scope.owner.IsA(eds_RecordKind::Instance);
-    if (foreign && !within) m_out << ", INSTANCE=" << m_labels.InstanceOf(nodes, occurrence);
+    isOfOthers = foreign && !within;
+    if (isOfOthers) m_out << ", INSTANCE=" << m_labels.InstanceOf(nodes, occurrence);
     m_out << '\n';
     const cow_String prefix =
         foreign && within ? m_labels.InstanceOf(nodes, occurrence) + "." : cow_String();
     PrintMembers(members, begin, end - begin, nodes, occurrence, low, !unsorted, prefix);
     begin = end;
   }
+  if (isOfOthers && !part.lines.empty()) m_out << start << '\n';
+  m_out << part.lines;
 }
 
 void inpS_SetPrinter::PrintMembers(const eds_MemberSet& members, long long first, long long count,

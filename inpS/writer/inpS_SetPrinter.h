@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/eds_MemberSet.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/writer/inpS_DeckScope.h"
 #include <string_view>
 
@@ -10,7 +11,8 @@ class utl_Stream;
 // assembly that reaches into instances is written as one keyword for each instance.
 class inpS_SetPrinter {
 public:
-  inpS_SetPrinter(const inpS_DeckLabels& labels, utl_Stream& out) : m_labels(labels), m_out(out) {}
+  inpS_SetPrinter(const inpS_DeckLabels& labels, const inpS_KeptParts& parts, utl_Stream& out)
+      : m_labels(labels), m_parts(parts), m_out(out) {}
 
   void PrintNsets(const inpS_DeckScope& scope) { Print(scope, true); }
   void PrintElsets(const inpS_DeckScope& scope) { Print(scope, false); }
@@ -22,5 +24,6 @@ private:
                     int occurrence, long long flatFirst, bool sorted, std::string_view prefix = {});
 
   const inpS_DeckLabels& m_labels;
+  const inpS_KeptParts& m_parts;
   utl_Stream& m_out;
 };

@@ -52,6 +52,8 @@ struct inpS_Sim2Inp::Impl {
   void PrintParts();
   void PrintAssembly();
   void PrintInstance(const KvoSimPosition& instance);
+  void PrintPlacement(const KvoSimDataRecord& record);
+  void PrintUnused(const KvoSimPosition& owner, long long row);
 
   // A model whose conversion was cut off at its very start has none.
   bool HasMesh() const { return !labels->mesh.IsNull(); }
@@ -60,13 +62,13 @@ struct inpS_Sim2Inp::Impl {
     if (HasMesh()) inpS_MeshPrinter(*labels, *out).PrintNodes(scope);
   }
   void PrintNsets(const inpS_DeckScope& scope) {
-    if (HasMesh()) inpS_SetPrinter(*labels, *out).PrintNsets(scope);
+    if (HasMesh()) inpS_SetPrinter(*labels, parts, *out).PrintNsets(scope);
   }
   void PrintElements(const inpS_DeckScope& scope) {
     if (HasMesh()) inpS_MeshPrinter(*labels, *out).PrintElements(scope);
   }
   void PrintElsets(const inpS_DeckScope& scope) {
-    if (HasMesh()) inpS_SetPrinter(*labels, *out).PrintElsets(scope);
+    if (HasMesh()) inpS_SetPrinter(*labels, parts, *out).PrintElsets(scope);
   }
   void PrintSurfaces(const inpS_DeckScope& scope) {
     inpS_SurfacePrinter(*labels, parts, *out).PrintSurfaces(scope);
@@ -289,15 +291,17 @@ void Impl::PrintHeading(const inpS_DeckScope& scope) {
                        (!HasMesh() || labels->mesh.NodeBlocks().empty());
   if (!scope.owner.HasAnnotation() && !isEmpty) return; // a deck holds one keyword at least
   const cow_String heading = scope.owner.GetAnnotation();
-  *out << "*HEADING\n" << heading;
+  *out << "*HEADING" << parts.At(scope.owner, 0).parameters << '\n' << heading;
   if (!heading.empty() && heading.back() != '\n') *out << '\n';
 }
 
 void Impl::PrintParts() {
   for (const KvoSimPosition& part : doc.GetModel().Parts()) {
-    *out << "*PART, NAME=" << inpS_quoted(part.DataRecord().ReturnString(eds_Part_Name)) << '\n';
+    *out << "*PART, NAME=" << inpS_quoted(part.DataRecord().ReturnString(eds_Part_Name));
+    PrintUnused(part, 0);
     PrintWithin(ScopeOf(part));
-    *out << "*END PART\n";
+    *out << "*END PART";
+    PrintUnused(part, inpS_closingRow);
   }
 }
 
@@ -306,10 +310,11 @@ void Impl::PrintAssembly() {
   const cow_String title = assembly.DataRecord().ReturnString(eds_Assembly_Name);
   *out << "*ASSEMBLY";
   if (!title.empty()) *out << ", NAME=" << inpS_quoted(title);
-  *out << '\n';
+  PrintUnused(assembly, 0);
   for (const KvoSimPosition& instance : doc.GetModel().Occurences()) PrintInstance(instance);
   PrintWithin(ScopeOf(assembly));
-  *out << "*END ASSEMBLY\n";
+  *out << "*END ASSEMBLY";
+  PrintUnused(assembly, inpS_closingRow);
 }
 
 void Impl::PrintInstance(const KvoSimPosition& instance) {
@@ -322,7 +327,14 @@ void Impl::PrintInstance(const KvoSimPosition& instance) {
   const cow_String source = record.ReturnString(eds_Instance_SourceInstance);
   if (!library.empty()) *out << ", LIBRARY=" << inpS_quoted(library);
   if (!source.empty()) *out << ", INSTANCE=" << inpS_quoted(source);
-  *out << '\n';
+  PrintUnused(instance, 0);
+  if (parts.At(instance, 0).lines.empty()) PrintPlacement(record);
+  PrintWithin(ScopeOf(instance));
+  *out << "*END INSTANCE";
+  PrintUnused(instance, inpS_closingRow);
+}
+
+void Impl::PrintPlacement(const KvoSimDataRecord& record) {
   const bool rotated = record.GetBool(eds_Instance_RotationGiven);
   if (record.GetBool(eds_Instance_TranslationGiven) || rotated) {
     double values[7];
@@ -335,6 +347,10 @@ void Impl::PrintInstance(const KvoSimPosition& instance) {
       *out << '\n';
     }
   }
-  PrintWithin(ScopeOf(instance));
-  *out << "*END INSTANCE\n";
+}
+
+// The end of a keyword line, and what the keyword has beside what its record holds.
+void Impl::PrintUnused(const KvoSimPosition& owner, long long row) {
+  const inpS_KeptPart& part = parts.At(owner, row);
+  *out << part.parameters << '\n' << part.lines;
 }

@@ -27,7 +27,10 @@ void inpS_SurfacePrinter::PrintSurfaces(const inpS_DeckScope& scope) {
 void inpS_SurfacePrinter::PrintSurface(const inpS_DeckScope& scope, const KvoObjSurface& surface) {
   m_out << "*SURFACE";
   inpS_printParameters(m_out, inpS_surfaceParameters(), surface.Position().DataRecord());
-  m_out << m_parts.FirstOf(surface.Position()).parameters << '\n';
+  m_out << m_parts.At(surface.Position(), 0).parameters << '\n';
+  const inpS_KeptPart& whole = m_parts.At(surface.Position(), inpS_wholeLines);
+  m_out << whole.lines;
+  if (!whole.lines.empty()) return;
   const cow_List<KvoSurfacePiece> pieces = surface.Pieces();
   const bool isMade = surface.Operation() != Operation::Defined;
   if (isMade) PrintNames(pieces);
@@ -36,6 +39,7 @@ void inpS_SurfacePrinter::PrintSurface(const inpS_DeckScope& scope, const KvoObj
   if (isMade) return;
   for (const KvoSurfacePiece& piece : pieces)
     PrintPiece(scope, piece, surface.Type() == eds_SurfaceType::Node);
+  m_out << m_parts.At(surface.Position(), inpS_moreLines).lines;
 }
 
 void inpS_SurfacePrinter::PrintPoints(const KvoObjSurface& surface) {

@@ -60,6 +60,40 @@ TEST_F(Shell, AFailedModelSaysSo) {
   EXPECT_EQ(json::parse(ProgramRun({"info", File("next.sim"), "--json"}).out)["errors"], 2);
 }
 
+// What messages say is left out is counted with the model, by kind; what is kept beside is not.
+TEST_F(Shell, WhatIsLeftOutIsCounted) {
+  const cow_String deck = Deck("m.inp", "*PART, NAME=P\n*NODE\n1, 0., 0., 0., 0., 0., 1., 9., 9.\n"
+                                        "2, 1.\nx, 2.\n*ELEMENT, TYPE=T3D2\n1, 1, 2\n2, 1, 7\n"
+                                        "*NSET, NSET=N\n1, NONE, 2\n*NSET, NSET=G, GENERATE\n"
+                                        "1, 4, 2\n5, 6\n*END PART\n*ASSEMBLY, NAME=A\n"
+                                        "*INSTANCE, NAME=I, PART=P\n1., 2., 3., 4.\n"
+                                        "*END INSTANCE\n*INSTANCE, NAME=J, PART=Q\n"
+                                        "*END INSTANCE\n*INSTANCE, NAME=K, PART=P\n1., y\n"
+                                        "*END INSTANCE\n*END ASSEMBLY\n"
+                                        "*SURFACE, NAME=S, TYPE=CYLINDER\nSTART, 1., x\n");
+  const cow_String model = File("m.sim");
+  ASSERT_EQ(ProgramRun({"convert", deck, "-o", model, "--salvage", "-q"}).exitCode, 1);
+  const json facts = json::parse(ProgramRun({"info", model, "--json"}).out);
+  EXPECT_EQ(facts["leftOut"],
+            "1 element; 2 instances; 2 mesh faults; 2 set entries; 2 set members; "
+            "1 surface; 2 values");
+  EXPECT_EQ(facts["meshLeftOut"], false);
+}
+
+// Ends and round places between them come out as a hand would write them.
+TEST_F(Shell, GeneratedNodesAreRound) {
+  const cow_String deck = Deck("m.inp", "*NODE\n1, 0., 0.1, 10.\n11, 3., 0.1, 0.\n"
+                                        "21, 0., 0., 0.\n33, 0., 10., 3.\n*NGEN\n1, 11\n"
+                                        "*NGEN, LINE=P\n21, 33, 3, 27\n");
+  const cow_String parabola = "*NODE\n27, 0., 5., 0.\n";
+  const cow_String whole = Deck("p.inp", parabola + readFile(utl_pathOf(deck)));
+  ASSERT_EQ(ProgramRun({"convert", whole, "-o", File("m.sim"), "-q"}).exitCode, 0);
+  const ProgramRun written({"write", File("m.sim"), "-o", "-"});
+  for (const char* line : {"\n2, 0.3, 0.1, 9.\n", "\n7, 1.8, 0.1, 4.\n", "\n10, 2.7, 0.1, 1.\n",
+                           "\n24, 0., 2.5, -0.375\n", "\n30, 0., 7.5, 1.125\n"})
+    EXPECT_NE(written.out.find(line), cow_String::npos) << line << written.out;
+}
+
 TEST_F(Shell, DiffOfFaultyDecksIsNoSuccess) {
   const cow_String a = Deck("a.inp", brokenNode);
   const cow_String b = Deck("b.inp", "*NODE\n1, 5., 5., 0.\n7, y, 0., 0.\n");
