@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <span>
 #include <utility>
 
 namespace {
@@ -44,6 +45,12 @@ cow_String singleBlanks(std::string_view name) {
 
 cow_String quoted(std::string_view name) {
   return '"' + inp_printable(name, shownName) + '"';
+}
+
+cow_String listed(std::span<const std::string_view> words) {
+  cow_String text;
+  for (const std::string_view word : words) text += (text.empty() ? "" : ", ") + cow_String(word);
+  return text;
 }
 
 } // namespace
@@ -224,9 +231,14 @@ void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) 
   } else {
     const cow_String value =
         utl_withoutControls(inp_trim(token.data() + equal + 1, tokenEnd)); // told already
-    if (value.empty())
-      m_warnings.push_back(Message(
-          "parameter " + quoted(spelt) + " has no value behind its equal sign", token, line));
+    if (value.empty()) {
+      const auto words = m_table.WordsOf(m_body->kind, parameter.name);
+      parameter.told = parameter.told || !words.empty(); // as a word that is none of them
+      m_warnings.push_back(Message("parameter " + quoted(spelt) +
+                                       " has no value behind its equal sign" +
+                                       (words.empty() ? "" : "; it is one of " + listed(words)),
+                                   token, line));
+    }
     parameter.value = NamesFile(parameter.name)
                           ? inp_Item::FromText(inp_Utils::RemoveQuotes(value), value)
                           : inp_Item::FromText(inp_Utils::Fold(value), value);
@@ -290,9 +302,7 @@ void inp_KeywordReader::CompleteValue(inp_Parameter& parameter, const Line& line
     parameter.value = inp_Item::FromText(inp_KeywordTable::BareWord(match.word), verbatim);
     return;
   }
-  cow_String words;
-  for (const std::string_view word : match.candidates)
-    words += (words.empty() ? "" : ", ") + cow_String(word);
+  const cow_String words = listed(match.candidates);
   const std::string_view token(parameter.at, static_cast<std::size_t>(parameter.width));
   parameter.told = true;
   m_warnings.push_back(

@@ -96,6 +96,7 @@ bool inpS_AmplitudeVisitor::IsModelled(const inp_Keyword& keyword) {
 const inpS_AmplitudeForm* inpS_AmplitudeVisitor::FormOf(const inp_Keyword& keyword) {
   const cow_String definition = keyword.StringOf("definition", "TABULAR");
   const bool cfd = m_inventory.IsCFD();
+  if (definition.empty()) return nullptr; // told by the parser
   if ((definition == "ACTUATOR" || definition == "SOLUTIONDEPENDENT") && !cfd) return nullptr;
   const inpS_AmplitudeForm* form = inpS_amplitudeForm(definition);
   if (form && keyword.HasParameter("value") && !HasKnown(keyword, "value")) return nullptr;

@@ -92,7 +92,7 @@ void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope
   m_keywords[keyword.Body().get()].isTold = true;
   m_scopes.TextElements().Add(scope.elementOccurrence, labels);
   if (const inp_Item* name = m_sets.FindName(keyword, setParameter))
-    m_textSets.push_back({&scope, name->AsString(), keyword, labels});
+    m_textSets.push_back({&scope, inpS_SetKind::Elements, name->AsString(), keyword, labels});
   keyword.ReferAll(); // the text has all of it
 }
 
@@ -127,15 +127,26 @@ cow_List<int> inpS_ElementsAsText::CopiedLabels(const inp_Keyword& keyword,
   cow_List<int> labels;
   if (!old || !shift) return labels;
   for (const TextSet& set : m_textSets)
-    if (set.scope == &scope && set.name == old->AsString())
+    if (set.kind == inpS_SetKind::Elements && set.scope == &scope && set.name == old->AsString())
       for (const int label : set.labels) labels.push_back(label + shift->AsInt());
   return labels;
 }
 
+void inpS_ElementsAsText::KeepGenerator(const inp_Keyword& keyword, inpS_MeshScope& scope) {
+  const bool copies = keyword.Kind() == inp_KwNcopy;
+  if (keyword.Kind() != inp_KwNmap)
+    if (const inp_Item* name = m_sets.FindName(keyword, copies ? "newset" : "nset"))
+      m_textSets.push_back({&scope, inpS_SetKind::Nodes, name->AsString(), keyword, {}});
+  m_keywords[keyword.Body().get()].reason = keyword.Kind() == inp_KwNmap
+                                                ? "moves no nodes, since its kind is not known"
+                                                : "makes no nodes, since its kind is not known";
+  keyword.ReferAll();
+}
+
 void inpS_ElementsAsText::AddSets() {
   for (const TextSet& set : m_textSets) {
-    const bool isNew = !set.scope->sets.Find(inpS_SetKind::Elements, set.name);
-    inpS_SetDefinition& named = set.scope->sets.FindOrAdd(inpS_SetKind::Elements, set.name);
+    const bool isNew = !set.scope->sets.Find(set.kind, set.name);
+    inpS_SetDefinition& named = set.scope->sets.FindOrAdd(set.kind, set.name);
     if (isNew) inpS_beginRuns(named, set.keyword);
     cow_List<int>& labels = named.elementsAsText;
     labels.insert(labels.end(), set.labels.begin(), set.labels.end());

@@ -23,6 +23,10 @@ public:
   // *ELGEN: the lines that start from such elements, ascending. Only these are kept.
   cow_List<long long> KeepLinesFromText(const inp_Keyword& keyword, inpS_MeshScope& scope);
 
+  // A keyword that would make or move nodes, if its kind were known. Where the set that it names is
+  // nobody's else, there is none of its nodes in it.
+  void KeepGenerator(const inp_Keyword& keyword, inpS_MeshScope& scope);
+
   bool IsWhollyText(const inp_Keyword& keyword) const {
     const auto kept = m_keywords.find(keyword.Body().get());
     return kept != m_keywords.end() && kept->second.text.empty();
@@ -50,6 +54,7 @@ private:
   inpS_TextKeywords m_keywords;
   struct TextSet {
     inpS_MeshScope* scope;
+    inpS_SetKind kind;
     cow_String name;
     inp_Keyword keyword;
     cow_List<int> labels; // that it has as text

@@ -300,6 +300,7 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
   m_hasGenerated = true;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
+  if (!inpS_NodeGeneration::KnowsKind(keyword)) return m_asText.KeepGenerator(keyword, scope);
   if (m_copyScopes.Holds(scope)) scope.SettleElements(m_nodes, m_elements, *this);
   inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements);
   cow_List<int> refused;

@@ -1,13 +1,16 @@
 #include "inpS/mesh/inpS_NodeGeneration.h"
 #include "inpS/keywords/inpS_Flag.h"
+#include "inpS/keywords/inpS_ParameterBinding.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/mesh/inpS_NcopyReader.h"
 #include "inpS/mesh/inpS_NfillReader.h"
 #include "inpS/mesh/inpS_NgenReader.h"
 #include "inpS/mesh/inpS_NmapReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
+#include <algorithm>
 
 namespace {
 
@@ -54,6 +57,17 @@ double inpS_NodeGeneration::ToleranceOf(const inp_Keyword& keyword) {
   return movesOld ? -1 : samePlace;
 }
 
+bool inpS_NodeGeneration::KnowsKind(const inp_Keyword& keyword) {
+  const bool isMoved = keyword.HasParameter("shift") || keyword.HasParameter("pole");
+  if (keyword.Kind() == inp_KwNcopy && isMoved) return true; // asks for no word
+  const inp_KeywordTable& table = inp_KeywordTable::Instance();
+  return !inpS_hasUnknownWord(keyword) &&
+         std::ranges::none_of(keyword.Parameters(), [&](const inp_Parameter& parameter) {
+           return parameter.value.IsFlag() &&
+                  !table.WordsOf(keyword.Kind(), parameter.name).empty();
+         });
+}
+
 void inpS_NodeGeneration::Read(const inp_Keyword& keyword) {
   switch (keyword.Kind()) {
   case inp_KwNgen:
@@ -70,21 +84,6 @@ void inpS_NodeGeneration::Read(const inp_Keyword& keyword) {
 void inpS_NodeGeneration::Refuse(const inp_Keyword& keyword, const char* parameter) {
   m_messages.AddError(inp_Utils::MessageAtParameter(
       keyword, parameter, inpS_messageText(inpS_app_InvalidParameterValue, {parameter})));
-}
-
-// Whether a value is one of the words that the readers know; else it is reported with them.
-bool inpS_NodeGeneration::Takes(const inp_Keyword& keyword, const char* parameter,
-                                const cow_String& value, std::initializer_list<const char*> words) {
-  cow_String known;
-  for (const char* word : words) {
-    if (value == word) return true;
-    known += (known.empty() ? "" : ", ") + cow_String(word);
-  }
-  m_messages.AddError(
-      inp_Utils::MessageAtParameter(keyword, parameter,
-                                    inpS_messageText(inpS_app_InvalidParameterValue, {parameter}) +
-                                        " It is one of " + known + "; the keyword is ignored."));
-  return false;
 }
 
 inpS_NodeSink inpS_NodeGeneration::SinkTo(inpS_SetDefinition* set) const {
@@ -117,7 +116,6 @@ bool inpS_NodeGeneration::FindSet(const inp_Keyword& keyword, const char* parame
 }
 
 void inpS_NodeGeneration::Ngen(const inp_Keyword& keyword) {
-  if (!Takes(keyword, "line", keyword.StringOf("line", "RC"), {"RC", "C", "P"})) return;
   inpS_SetDefinition* set = m_sets.Open(keyword, m_scope, inpS_SetKind::Nodes, "nset");
   inpS_NgenReader reader(keyword.StringOf("line", "RC"), m_threeDimensional, m_scope.system,
                          m_known, m_messages);
@@ -157,7 +155,6 @@ void inpS_NodeGeneration::Ncopy(const inp_Keyword& keyword) {
       return m_messages.AddError(inp_Utils::MessageInKeyword(
           keyword, "*NCOPY needs one of SHIFT, POLE and REFLECT; the keyword is ignored."));
     options.reflect = keyword.StringOf("reflect", "");
-    if (!Takes(keyword, "reflect", options.reflect, {"LINE", "MIRROR", "POINT"})) return;
   }
   const inp_Item* changeNumber = keyword.Find("changenumber");
   const inp_Item* multiple = options.shift ? keyword.Find("multiple") : nullptr;
@@ -193,11 +190,6 @@ void inpS_NodeGeneration::Nmap(const inp_Keyword& keyword) {
   if (type->AsString() == "BLENDED")
     return m_messages.AddError(inp_Utils::MessageAtParameter(
         keyword, "type", "*NMAP, TYPE=BLENDED is not provided; the nodes stay where they are."));
-  if (!Takes(keyword, "type", type->AsString(),
-             {"RECTANGULAR", "CYLINDRICAL", "SPHERICAL", "TOROIDAL", "DIAMOND", "TRANSLATION",
-              "ROTATION", "SCALE"}) ||
-      !Takes(keyword, "definition", definition, {"COORDINATES", "NODES"}))
-    return;
   if (type->AsString() == "SCALE" && keyword.Data().Rows() < 2)
     return m_messages.AddError(inp_Utils::MessageInKeyword(
         keyword, inpS_messageText(inpS_mesh_IncompleteData) +

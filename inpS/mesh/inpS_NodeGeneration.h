@@ -35,6 +35,9 @@ public:
   void Read(const inp_Keyword& keyword); // *NGEN, *NFILL, *NCOPY or *NMAP
   // By how much of its largest coordinate a node may move when it is made once more, before that is
   // told; below 0: the keyword is there to move nodes.
+  // Whether its words tell what it makes: RC, LINE, SPHERICAL. What is wrong with them was told
+  // where they were read.
+  static bool KnowsKind(const inp_Keyword& keyword);
   static double ToleranceOf(const inp_Keyword& keyword);
 
 private:
@@ -43,8 +46,6 @@ private:
   void Ncopy(const inp_Keyword& keyword);
   void Nmap(const inp_Keyword& keyword);
   bool FindSet(const inp_Keyword& keyword, const char* parameter, inpS_KnownNodes::Set& set);
-  bool Takes(const inp_Keyword& keyword, const char* parameter, const cow_String& value,
-             std::initializer_list<const char*> words);
   void Refuse(const inp_Keyword& keyword, const char* parameter);
   inpS_NodeSink SinkTo(inpS_SetDefinition* set) const;
 

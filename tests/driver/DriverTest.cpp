@@ -337,13 +337,9 @@ TEST_F(Driver, GeneratorsTellWhatTheyDoNotKnow) {
     const char* keyword;
     const char* message;
   } cases[] = {
-      {"*NGEN, LINE=X\n1, 3", "It is one of RC, C, P;"},
       {"*NFILL\n1", "Line ignored."},
       {"*NCOPY, OLD SET=N, CHANGE NUMBER=1", "needs one of SHIFT, POLE and REFLECT"},
-      {"*NCOPY, OLD SET=N, CHANGE NUMBER=1, REFLECT=X", "It is one of LINE, MIRROR, POINT;"},
       {"*NMAP, NSET=N, TYPE=BLENDED", "TYPE=BLENDED is not provided"},
-      {"*NMAP, NSET=N, TYPE=X", "It is one of RECTANGULAR, CYLINDRICAL"},
-      {"*NMAP, NSET=N, TYPE=SCALE, DEFINITION=X", "It is one of COORDINATES, NODES;"},
       {"*NMAP, NSET=N, TYPE=SCALE\n0., 0., 0.", "A scale takes a line with its point"},
   };
   for (const auto& [keyword, message] : cases) {
