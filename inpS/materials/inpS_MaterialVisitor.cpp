@@ -494,7 +494,7 @@ void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_For
   }
   inpS_KeptPart part;
   if (!table.Unread().empty()) part.lines = inpS_dataLines(keyword);
-  if (behavior.info->data == eds_FormData::None)
+  if (behavior.info->data == eds_FormData::None && behavior.info->lines.empty())
     part.lines = inpS_takeUnusedLines(keyword, *this);
   KeepParts(keyword, property, std::move(part));
 }
