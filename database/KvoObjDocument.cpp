@@ -4,15 +4,23 @@
 #include "database/KvoSrvFsmFTable.h"
 #include "database/engine/eds_Store.h"
 
-KvoObjDocument KvoObjDocument::Create(const std::filesystem::path& file) {
+namespace {
+
+eds_ModelSize modelSize(KvoSize size) {
+  return size == KvoSize::Small ? eds_ModelSize::Small : eds_ModelSize::Large;
+}
+
+} // namespace
+
+KvoObjDocument KvoObjDocument::Create(const std::filesystem::path& file, KvoSize size) {
   auto store = std::make_shared<eds_Store>();
-  store->Create(file);
+  store->Create(file, modelSize(size));
   return KvoObjDocument(std::move(store));
 }
 
-KvoObjDocument KvoObjDocument::CreateReplacing(const std::filesystem::path& file) {
+KvoObjDocument KvoObjDocument::CreateReplacing(const std::filesystem::path& file, KvoSize size) {
   auto store = std::make_shared<eds_Store>();
-  store->CreateReplacing(file);
+  store->CreateReplacing(file, modelSize(size));
   return KvoObjDocument(std::move(store));
 }
 

@@ -10,6 +10,9 @@ class KvoObjMesh;
 class KvoSrvFsmFTable;
 
 enum class KvoAccess { ReadOnly, ReadWrite };
+// What is expected of a new model. Any model may be made as either: a small one is the smaller file
+// for it, a large one the faster.
+enum class KvoSize { Small, Large };
 
 // The handle of one open model; copies share it, and the last one gone closes it. Closing without
 // Finish leaves what was committed, marked as unfinished.
@@ -18,10 +21,11 @@ public:
   KvoObjDocument() = default; // none
   // A new file. Written in place: a process that dies leaves a file that opens and holds whole
   // transactions in order. An existing path is refused (eds_FileAccessException).
-  static KvoObjDocument Create(const std::filesystem::path& file);
+  static KvoObjDocument Create(const std::filesystem::path& file, KvoSize size = KvoSize::Large);
   // The same under a temporary name beside; Finish renames it over `file`, which stays as it is
   // until then. Closing without Finish removes the temporary file.
-  static KvoObjDocument CreateReplacing(const std::filesystem::path& file);
+  static KvoObjDocument CreateReplacing(const std::filesystem::path& file,
+                                        KvoSize size = KvoSize::Large);
   // An existing file. A file that is not ours, newer, truncated or damaged is refused with one of
   // the types of eds_Exception.h. ReadWrite keeps it safe against power loss too.
   static KvoObjDocument Open(const std::filesystem::path& file, KvoAccess access);

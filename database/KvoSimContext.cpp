@@ -20,7 +20,7 @@ bool KvoSimContext::IsReadOnly() const {
 }
 
 int KvoSimContext::Schema() const {
-  return static_cast<int>(m_store->Engine().QueryInt("PRAGMA user_version"));
+  return eds_formatVersion; // no other is opened
 }
 
 KvoSimCollection KvoSimContext::CreateCollection(eds_TypeID type, const cow_String& name) const {

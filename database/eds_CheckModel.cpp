@@ -22,8 +22,8 @@ public:
 
   eds_Faults Run() {
     Guarded([&] { CheckEngine(); });
-    for (const eds_RecordInfo& info : eds_schemaRecords())
-      Guarded([&] { CheckReferences(m_store.Rows(info.kind)); });
+    for (const eds_RecordKind kind : m_store.Kinds())
+      Guarded([&] { CheckReferences(m_store.Rows(kind)); });
     Guarded([&] { CheckLinks(); });
     Guarded([&] { CheckLinkKeys(); });
     ForEach(eds_RecordKind::Array, [&](int64_t id) { CheckArray(id); });
@@ -42,7 +42,7 @@ public:
   // What is known without the arrays' contents; ends at the first fault.
   eds_Faults RunRecords() {
     m_forReaders = true;
-    for (const eds_RecordInfo& info : eds_schemaRecords()) CheckReferences(m_store.Rows(info.kind));
+    for (const eds_RecordKind kind : m_store.Kinds()) CheckReferences(m_store.Rows(kind));
     CheckLinks();
     ForAll(eds_RecordKind::Instance, [&](int64_t id) { CheckInstance(id); });
     ForAll(eds_RecordKind::NodeBlock, [&](int64_t id) { CheckNodeBlock(id); });
@@ -430,9 +430,15 @@ private:
   }
 
   void CheckOrphans() {
-    const int64_t orphans = m_store.Engine().QueryInt(
-        "SELECT count(*) FROM chunk WHERE array NOT IN (SELECT id FROM array) OR id <> array * "
-        "16777216 + number");
+    const eds_RowTable& arrays = m_store.Rows(eds_RecordKind::Array);
+    int64_t orphans = 0;
+    eds_Statement chunks(m_store.Engine(), "SELECT id, array, number FROM chunk");
+    while (chunks.Step()) {
+      const int64_t array = chunks.Int(1), number = chunks.Int(2);
+      const bool isIts = arrays.Has(array) && number >= 0 && number < eds_mostChunks &&
+                         chunks.Int(0) == array * eds_mostChunks + number;
+      if (!isIts) ++orphans;
+    }
     if (orphans > 0) Fault(std::to_string(orphans) + " chunks belong to no array");
   }
 

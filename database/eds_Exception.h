@@ -37,8 +37,8 @@ class eds_NotOurFileException : public eds_Exception {
   using eds_Exception::eds_Exception;
 };
 
-// A model written by a newer version.
-class eds_NewerFormatException : public eds_Exception {
+// A model in another format than ours: written by a newer version, or by an older one.
+class eds_OtherFormatException : public eds_Exception {
   using eds_Exception::eds_Exception;
 };
 

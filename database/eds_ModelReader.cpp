@@ -14,8 +14,9 @@ eds_Store& storeOf(const KvoObjDocument& document) {
 
 std::vector<const eds_RecordInfo*> eds_ModelReader::Kinds() const {
   std::vector<const eds_RecordInfo*> kinds;
-  for (const eds_RecordInfo& info : eds_schemaRecords())
-    if (info.kind != eds_RecordKind::Link && RecordCount(info.kind) > 0) kinds.push_back(&info);
+  for (const eds_RecordKind kind : storeOf(m_document).Kinds())
+    if (kind != eds_RecordKind::Link && RecordCount(kind) > 0)
+      kinds.push_back(eds_schemaRecord(kind));
   return kinds;
 }
 

@@ -222,9 +222,12 @@ void patch(cow_String& bytes, Input& input) {
 }
 
 void stampPages(cow_String& bytes) {
-  for (std::size_t at = 0; at + eds_pageSize <= bytes.size(); at += eds_pageSize) {
+  constexpr std::size_t small = eds_pageSizeOf(eds_ModelSize::Small);
+  constexpr std::size_t large = eds_pageSizeOf(eds_ModelSize::Large);
+  const std::size_t pageSize = bytes[16] == small >> 8 ? small : large;
+  for (std::size_t at = 0; at + pageSize <= bytes.size(); at += pageSize) {
     auto* page = reinterpret_cast<std::byte*>(bytes.data() + at);
-    eds_stampPage({page, eds_pageSize}, static_cast<int64_t>(at));
+    eds_stampPage({page, pageSize}, static_cast<int64_t>(at));
   }
 }
 

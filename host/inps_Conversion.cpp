@@ -112,6 +112,33 @@ bool inps_Conversion::ConvertRestart(const KvoObjDocument& document) {
   return Run(document, [&] { return m_driver->ConvertRestart(document); });
 }
 
+namespace {
+
+// From about here on a model of small pages is no smaller than one of large pages by a share that
+// anybody would notice, and takes longer.
+constexpr std::ptrdiff_t mostOfSmall = 1 << 20;
+
+// A line of these may stand for a million nodes.
+bool isGenerator(inp_KeywordEnm kind) {
+  constexpr inp_KeywordEnm generators[] = {inp_KwNgen, inp_KwNfill, inp_KwNcopy, inp_KwElgen,
+                                           inp_KwElcopy};
+  return std::ranges::find(generators, kind) != std::end(generators);
+}
+
+} // namespace
+
+KvoSize inps_Conversion::ExpectedSize() const {
+  constexpr std::ptrdiff_t keywordLine = 32;
+  std::ptrdiff_t bytes = 0;
+  for (const inp_Keyword& keyword : m_driver->Keywords()) {
+    bytes += keywordLine;
+    for (const inp_DataSegment& segment : keyword.Data().Segments())
+      bytes += segment.end - segment.begin;
+    if (bytes > mostOfSmall || isGenerator(keyword.Kind())) return KvoSize::Large;
+  }
+  return KvoSize::Small;
+}
+
 void inps_Conversion::TellFiles(inps_ReadFiles& read) const {
   for (const inp_DeckTextPtr& file : m_driver->Files()) read.Add(file->Path());
   read.AddNamed(m_driver->NamedFiles());

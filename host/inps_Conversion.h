@@ -24,6 +24,9 @@ public:
   bool Convert(const KvoObjDocument& document);
   bool ConvertRestart(const KvoObjDocument& document); // into a model that exists
 
+  // What the model will be, by the text that goes into it; once it is prepared.
+  KvoSize ExpectedSize() const;
+
   // The deck, its includes and data files, and what kept keywords name, once it is prepared.
   void TellFiles(inps_ReadFiles& read) const;
   // The keyword with which the deck itself says that it goes on from another model, or null.

@@ -167,9 +167,10 @@ void requireOther(const Path& target, const std::optional<inps_Input>& base,
   read.RequireOther(target);
 }
 
-KvoObjDocument makeModel(const Path& target, bool force) {
+KvoObjDocument makeModel(const Path& target, bool force, KvoSize size) {
   const bool replace = force && utl_isTaken(target);
-  return replace ? KvoObjDocument::CreateReplacing(target) : KvoObjDocument::Create(target);
+  return replace ? KvoObjDocument::CreateReplacing(target, size)
+                 : KvoObjDocument::Create(target, size);
 }
 
 void finish(KvoObjDocument& document) {
@@ -220,7 +221,7 @@ public:
 
 private:
   bool Fresh(inps_Conversion& conversion) {
-    KvoObjDocument document = makeModel(m_target, m_job.force);
+    KvoObjDocument document = makeModel(m_target, m_job.force, conversion.ExpectedSize());
     bool clean = false;
     try {
       clean = conversion.Convert(document);

@@ -174,12 +174,16 @@ eds_Statement& eds_Engine::Prepare(cow_String sql) {
   return m_statements.emplace_back(*this, std::move(sql));
 }
 
-void eds_Engine::BeginWrite() {
-  if (m_inPhysical) return;
+void eds_Engine::RequireWorking() const {
   if (m_failed) {
     throw eds_EngineException("nothing more is written to \"" + utl_pathText(m_shown) +
                               "\" after the first failure");
   }
+}
+
+void eds_Engine::BeginWrite() {
+  if (m_inPhysical) return;
+  RequireWorking();
   utl_ASSERT(m_mode != eds_OpenMode::ReadOnly);
   Execute("BEGIN IMMEDIATE");
   m_inPhysical = true;

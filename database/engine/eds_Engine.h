@@ -91,7 +91,8 @@ public:
   int64_t QueryInt(const char* sql);
   eds_Statement& Prepare(cow_String sql); // owned by the engine
 
-  void BeginWrite(); // opens the physical transaction if none is open
+  void RequireWorking() const; // throws when a write has failed
+  void BeginWrite();           // opens the physical transaction if none is open
   // A place inside the physical transaction to come back to: whole logical ones stand before it.
   void SetMark();
   void BackToMark();

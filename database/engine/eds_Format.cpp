@@ -3,7 +3,6 @@
 #include "database/eds_Exception.h"
 #include "database/engine/eds_Journal.h"
 #include "database/engine/eds_PageChecksums.h"
-#include "database/engine/eds_StoredSchema.h"
 #include "database/schema/eds_Schema.h"
 #include <algorithm>
 #include <cstring>
@@ -20,152 +19,20 @@ cow_String fieldColumns(const eds_FieldInfo& field, std::string_view before) {
          cow_String(eds_columnType(field.type));
 }
 
-cow_String createTable(const eds_RecordInfo& record) {
-  cow_String sql =
-      "CREATE TABLE IF NOT EXISTS " + eds_sqlName(record.table) + " (\n  id INTEGER PRIMARY KEY";
-  for (const eds_FieldInfo& field : record.fields) sql += fieldColumns(field, ",\n  ");
-  return sql + "\n) STRICT";
-}
-
-bool hasName(const eds_RecordInfo& record) {
-  for (const eds_FieldInfo& field : record.fields)
-    if (field.column == "name" && field.type == eds_FieldType::Text) return true;
-  return false;
-}
-
-cow_String nameOf(const eds_RecordInfo& record, const cow_String& id) {
-  return "(SELECT name FROM " + eds_sqlName(record.table) + " t WHERE t.id = " + id + ")";
-}
-
-cow_String nameOfAny(const cow_String& kind, const cow_String& id) {
-  cow_String sql = "CASE " + kind;
-  for (const eds_RecordInfo& record : eds_schemaRecords()) {
-    if (!hasName(record) || eds_isLateKind(record.kind)) continue; // that table may not be there
-    sql += "\n    WHEN " + std::to_string(static_cast<int>(record.kind)) + " THEN " +
-           nameOf(record, id);
-  }
-  return sql + " END";
-}
-
-// What people want to read instead of a number; empty when the column says it all.
-cow_String readable(const eds_FieldInfo& field) {
-  const cow_String column = "r." + eds_sqlName(field.column);
-  const cow_String kind = "r." + eds_sqlName(cow_String(field.column) + "_kind");
-  switch (field.type) {
-  case eds_FieldType::Symbol:
-    return "(SELECT name FROM schema_symbol s WHERE s.vocabulary = '" +
-           cow_String(eds_vocabularyName(field.vocabulary)) + "' AND s.number = " + column + ")";
-  case eds_FieldType::Ref: {
-    const eds_RecordInfo* target = eds_schemaRecord(field.target);
-    return target != nullptr && hasName(*target) ? nameOf(*target, column) : cow_String();
-  }
-  case eds_FieldType::AnyRef:
-    return nameOfAny(kind, column);
-  default:
-    return {};
-  }
-}
-
-cow_String createView(const eds_RecordInfo& record) {
-  cow_String sql = "CREATE VIEW IF NOT EXISTS v_" + cow_String(record.table) + " AS SELECT\n  r.id";
-  for (const eds_FieldInfo& field : record.fields) {
-    const cow_String column = "r." + eds_sqlName(field.column);
-    const cow_String text = readable(field);
-    if (field.type == eds_FieldType::AnyRef) {
-      sql += ",\n  (SELECT name FROM schema_record s WHERE s.number = r." +
-             eds_sqlName(cow_String(field.column) + "_kind") + ") AS " +
-             eds_sqlName(cow_String(field.column) + "_kind");
-    }
-    if (field.type != eds_FieldType::Symbol)
-      sql += ",\n  " + (field.type == eds_FieldType::Bytes
-                            ? "length(" + column + ") AS " + eds_sqlName(field.column)
-                            : column);
-    if (field.type == eds_FieldType::Symbol)
-      sql += ",\n  " + text + " AS " + eds_sqlName(field.column);
-    if (!text.empty() && field.type != eds_FieldType::Symbol)
-      sql += ",\n  " + text + " AS " + eds_sqlName(cow_String(field.column) + "_name");
-  }
-  if (record.kind == eds_RecordKind::Link)
-    sql += ",\n  (SELECT name FROM schema_member m WHERE m.number = r.member) AS member_name";
-  return sql + "\nFROM " + eds_sqlName(record.table) + " r";
-}
-
-constexpr const char* fixedTables[] = {
-    "CREATE TABLE meta (key TEXT PRIMARY KEY, value TEXT) STRICT, WITHOUT ROWID",
-    // id = array * 2^24 + number, so that the chunks of an array lie together.
+// id = array * 2^24 + number, so that the chunks of an array lie together.
+constexpr const char* chunkTable =
     "CREATE TABLE chunk (id INTEGER PRIMARY KEY, array INTEGER, number INTEGER, checksum INTEGER, "
-    "data BLOB) STRICT",
-};
-
-constexpr const char* schemaTables[] = {
-    "CREATE TABLE schema_record (number INTEGER PRIMARY KEY, name TEXT, table_name TEXT) STRICT",
-    "CREATE TABLE schema_field (record INTEGER, number INTEGER, name TEXT, column_name TEXT, type "
-    "TEXT, target TEXT, PRIMARY KEY (record, number)) STRICT, WITHOUT ROWID",
-    "CREATE TABLE schema_member (number INTEGER PRIMARY KEY, name TEXT, shape TEXT) STRICT",
-    "CREATE TABLE schema_collection (number INTEGER PRIMARY KEY, name TEXT) STRICT",
-    "CREATE TABLE schema_symbol (vocabulary TEXT, number INTEGER, name TEXT, PRIMARY KEY "
-    "(vocabulary, number)) STRICT, WITHOUT ROWID",
-};
-
-cow_String fieldTarget(const eds_FieldInfo& field) {
-  if (field.type == eds_FieldType::Symbol) return cow_String(eds_vocabularyName(field.vocabulary));
-  const eds_RecordInfo* target = eds_schemaRecord(field.target);
-  return target != nullptr ? cow_String(target->name) : cow_String();
-}
-
-void writeRecords(eds_Engine& engine) {
-  constexpr std::string_view types[] = {"Int",   "Real",   "Bool", "Text",
-                                        "Bytes", "Symbol", "Ref",  "AnyRef"};
-  eds_Statement insert(engine, "INSERT OR REPLACE INTO schema_record VALUES (?, ?, ?)");
-  eds_Statement insertField(engine,
-                            "INSERT OR REPLACE INTO schema_field VALUES (?, ?, ?, ?, ?, ?)");
-  for (const eds_RecordInfo& record : eds_schemaRecords()) {
-    insert.Bind(1, static_cast<int64_t>(record.kind));
-    insert.BindText(2, record.name);
-    insert.BindText(3, record.table);
-    insert.Run();
-    for (size_t i = 0; i < record.fields.size(); ++i) {
-      const eds_FieldInfo& field = record.fields[i];
-      const cow_String target = fieldTarget(field);
-      insertField.Bind(1, static_cast<int64_t>(record.kind));
-      insertField.Bind(2, static_cast<int64_t>(i));
-      insertField.BindText(3, field.name);
-      insertField.BindText(4, field.column);
-      insertField.BindText(5, types[static_cast<size_t>(field.type)]);
-      insertField.BindText(6, target);
-      insertField.Run();
-    }
-  }
-}
-
-void writeNames(eds_Engine& engine) {
-  constexpr std::string_view shapes[] = {"One", "Set", "List", "IntMap", "TextMap"};
-  eds_Statement member(engine, "INSERT OR REPLACE INTO schema_member VALUES (?, ?, ?)");
-  for (const eds_MemberInfo& info : eds_schemaMembers()) {
-    member.Bind(1, static_cast<int64_t>(info.member));
-    member.BindText(2, info.name);
-    member.BindText(3, shapes[static_cast<size_t>(info.shape)]);
-    member.Run();
-  }
-  eds_Statement collection(engine, "INSERT OR REPLACE INTO schema_collection VALUES (?, ?)");
-  for (const eds_CollectionInfo& info : eds_schemaCollections()) {
-    collection.Bind(1, static_cast<int64_t>(info.kind));
-    collection.BindText(2, info.name);
-    collection.Run();
-  }
-  eds_Statement symbol(engine, "INSERT OR REPLACE INTO schema_symbol VALUES (?, ?, ?)");
-  for (const eds_SymbolInfo& info : eds_schemaSymbols()) {
-    symbol.BindText(1, eds_vocabularyName(info.vocabulary));
-    symbol.Bind(2, int64_t{info.number});
-    symbol.BindText(3, info.name);
-    symbol.Run();
-  }
-}
+    "data BLOB) STRICT";
+constexpr const char* fixedTables[] = {
+    "CREATE TABLE meta (key TEXT PRIMARY KEY, value TEXT) STRICT, WITHOUT ROWID", chunkTable};
 
 // The marks of the engine's header that say how pages are read: with these changed, no page would
 // be held against its checksum.
 void checkPages(const cow_String& name, const unsigned char* header) {
-  if ((header[16] << 8 | header[17]) != eds_pageSize || header[20] != eds_pageChecksumBytes)
+  const int pageSize = header[16] << 8 | header[17];
+  const bool isOurs = pageSize == eds_pageSizeOf(eds_ModelSize::Small) ||
+                      pageSize == eds_pageSizeOf(eds_ModelSize::Large);
+  if (!isOurs || header[20] != eds_pageChecksumBytes)
     throw eds_DamagedFileException(name + " is damaged: its pages are not what they should be");
   if (header[18] != 1 || header[19] != 1)
     throw eds_DamagedFileException(name +
@@ -210,51 +77,42 @@ Length lengthOf(const std::filesystem::path& file) {
 
 } // namespace
 
-void eds_createTables(eds_Engine& engine) {
+void eds_prepareFile(eds_Engine& engine, eds_ModelSize size) {
   engine.ReserveChecksums();
-  engine.Execute(("PRAGMA page_size = " + std::to_string(eds_pageSize)).c_str());
+  engine.Execute(("PRAGMA page_size = " + std::to_string(eds_pageSizeOf(size))).c_str());
   engine.Execute("PRAGMA encoding = 'UTF-8'");
-  engine.Execute("BEGIN");
+}
+
+void eds_layDown(eds_Engine& engine) {
   engine.Execute(("PRAGMA application_id = " + std::to_string(eds_applicationID)).c_str());
   engine.Execute(("PRAGMA user_version = " + std::to_string(eds_formatVersion)).c_str());
   for (const char* sql : fixedTables) engine.Execute(sql);
-  for (const char* sql : schemaTables) engine.Execute(sql);
-  for (const eds_RecordInfo& record : eds_schemaRecords())
-    if (!eds_isLateKind(record.kind)) eds_createTable(engine, record);
-  writeRecords(engine);
-  writeNames(engine);
-  engine.Execute("COMMIT");
+  eds_createTable(engine, *eds_schemaRecord(eds_RecordKind::Model));
+}
+
+void eds_layDownChunks(eds_Engine& engine) {
+  engine.Execute(chunkTable);
 }
 
 void eds_createTable(eds_Engine& engine, const eds_RecordInfo& record) {
-  engine.Execute(createTable(record).c_str());
-  engine.Execute(createView(record).c_str());
+  cow_String sql =
+      "CREATE TABLE IF NOT EXISTS " + eds_sqlName(record.table) + " (\n  id INTEGER PRIMARY KEY";
+  for (const eds_FieldInfo& field : record.fields) sql += fieldColumns(field, ",\n  ");
+  engine.Execute((sql + "\n) STRICT").c_str());
 }
 
-void eds_upgradeTables(eds_Engine& engine, const eds_StoredSchema& stored) {
-  engine.Execute("BEGIN IMMEDIATE");
-  for (const eds_RecordInfo& record : eds_schemaRecords()) {
-    const std::vector<cow_String>* const known = stored.Columns(record.table);
-    if (known == nullptr) {
-      if (!eds_isLateKind(record.kind)) eds_createTable(engine, record);
-      continue;
-    }
-    const std::vector<cow_String>& columns = *known;
-    bool grown = false;
-    for (const eds_FieldInfo& field : record.fields) {
-      if (std::find(columns.begin(), columns.end(), field.column) != columns.end()) continue;
-      grown = true;
-      const cow_String alter = "ALTER TABLE " + eds_sqlName(record.table) + " ADD COLUMN ";
-      cow_String both = fieldColumns(field, ";" + alter);
-      engine.Execute(both.c_str() + 1);
-    }
-    if (!grown) continue;
-    engine.Execute(("DROP VIEW IF EXISTS v_" + cow_String(record.table)).c_str());
-    engine.Execute(createView(record).c_str());
+void eds_addColumns(eds_Engine& engine, const eds_RecordInfo& record) {
+  std::vector<cow_String> columns;
+  {
+    eds_Statement rows(engine, "PRAGMA table_info(" + eds_sqlName(record.table) + ")");
+    while (rows.Step()) columns.emplace_back(rows.Text(1));
   }
-  writeRecords(engine);
-  writeNames(engine);
-  engine.Execute("COMMIT");
+  for (const eds_FieldInfo& field : record.fields) {
+    if (std::ranges::find(columns, field.column) != columns.end()) continue;
+    const cow_String alter = "ALTER TABLE " + eds_sqlName(record.table) + " ADD COLUMN ";
+    const cow_String both = fieldColumns(field, ";" + alter);
+    engine.Execute(both.c_str() + 1);
+  }
 }
 
 std::string_view eds_columnType(eds_FieldType type) {
@@ -276,7 +134,8 @@ bool eds_isFixedTable(std::string_view table, std::string_view sql) {
     return sql == statement && statement.substr(begin.size()).starts_with(table) &&
            statement[begin.size() + table.size()] == ' ';
   };
-  return std::ranges::any_of(fixedTables, isIt) || std::ranges::any_of(schemaTables, isIt);
+  return std::ranges::any_of(fixedTables, isIt) ||
+         std::ranges::any_of(eds_schemaTableStatements, isIt);
 }
 
 void eds_checkHeader(const std::filesystem::path& file) {
@@ -301,12 +160,15 @@ void eds_checkHeader(const std::filesystem::path& file) {
   if (eds_bigEndian(header + 68) != static_cast<uint32_t>(eds_applicationID))
     throw eds_NotOurFileException(name + " is a database of another program");
   const uint32_t version = eds_bigEndian(header + 60);
-  if (version > static_cast<uint32_t>(eds_formatVersion)) {
-    throw eds_NewerFormatException(name + " has format " + std::to_string(version) +
-                                   ", written by a newer version; this one reads formats up to " +
+  const auto refuse = [&](const char* why) {
+    throw eds_OtherFormatException(name + " has format " + std::to_string(version) + why +
                                    std::to_string(eds_formatVersion));
-  }
-  if (version >= 2) checkPages(name, header);
+  };
+  if (version > static_cast<uint32_t>(eds_formatVersion))
+    refuse(", written by a newer version; this one reads format ");
+  if (version < static_cast<uint32_t>(eds_formatVersion))
+    refuse(", written by an older version; convert its deck again: this one reads format ");
+  checkPages(name, header);
 }
 
 void eds_checkLength(eds_Engine& engine) {

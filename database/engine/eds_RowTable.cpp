@@ -37,8 +37,49 @@ void eds_RowTable::Remove(int64_t id) {
 void eds_RowTable::MarkDirty(int64_t id) {
   uint8_t& flags = m_flags[Row(id)];
   if ((flags & dirty) != 0) return;
+  if (Row(id) < m_settled.rows) KeepBefore(id);
   m_dirty.push_back({this, id});
   flags |= dirty;
+}
+
+// ---- what is committed
+
+template <class Use> void eds_RowTable::ForEachText(int64_t id, Use use) {
+  for (size_t field = 0; field < m_info.fields.size(); ++field) {
+    const eds_FieldType type = m_info.fields[field].type;
+    if (type != eds_FieldType::Text && type != eds_FieldType::Bytes) continue;
+    if (!IsNull(id, static_cast<int>(field))) use(m_texts[Words(id)[field + 1]]);
+  }
+}
+
+void eds_RowTable::KeepBefore(int64_t id) {
+  Before before{id, m_flags[Row(id)], {Words(id), Words(id) + m_stride}, {}};
+  ForEachText(id, [&](const std::string& text) { before.texts.push_back(text); });
+  m_before.push_back(std::move(before));
+}
+
+void eds_RowTable::Undo() {
+  for (Before& before : m_before) {
+    std::ranges::copy(before.words, m_words.data() + Row(before.id) * m_stride);
+    m_flags[Row(before.id)] = before.flags;
+    auto text = before.texts.begin();
+    ForEachText(before.id, [&](std::string& place) { place = std::move(*text++); });
+  }
+  m_before.clear();
+  m_flags.resize(m_settled.rows);
+  m_words.resize(m_settled.rows * m_stride);
+  m_texts.resize(m_settled.texts);
+  m_removedCount = m_settled.removed;
+}
+
+void eds_RowTable::SettleAll() {
+  m_settled = {m_flags.size(), m_texts.size(), m_removedCount};
+  m_before.clear();
+}
+
+void eds_RowTable::Settle(int64_t id) {
+  m_flags[Row(id)] &= static_cast<uint8_t>(~(dirty | unwritten));
+  SettleAll();
 }
 
 // ---- fields
@@ -141,6 +182,12 @@ void eds_RowTable::Forget() {
   m_texts = {};
   m_removedCount = 0;
   m_loaded = false;
+  SettleAll();
+}
+
+void eds_RowTable::SetStoredColumns(std::vector<cow_String> columns) {
+  m_stored = std::move(columns);
+  m_hasTable = false;
 }
 
 void eds_RowTable::Damaged(const cow_String& what) const {
@@ -162,8 +209,9 @@ constexpr int64_t fewMissing = 100'000;
 
 void eds_RowTable::Load() {
   Forget();
-  if (!m_stored.empty()) LoadRows(); // else a kind that this older file does not know
+  if (!m_stored.empty()) LoadRows(); // else a kind of which the file never had a record
   m_loaded = true;
+  SettleAll();
 }
 
 void eds_RowTable::LoadRows() {
@@ -276,7 +324,6 @@ void eds_RowTable::LoadField(eds_Statement& row, int column, int64_t id, int fie
 
 eds_Statement& eds_RowTable::InsertStatement() {
   if (m_insert != nullptr) return *m_insert;
-  if (eds_isLateKind(m_info.kind)) eds_createTable(m_engine, m_info);
   cow_String columns = "id";
   cow_String values = "?";
   for (const eds_FieldInfo& field : m_info.fields) {
@@ -323,8 +370,18 @@ void eds_RowTable::BindField(eds_Statement& statement, int& parameter, int64_t i
   }
 }
 
+void eds_RowTable::MakeTable(int64_t id) {
+  if (m_hasTable || (m_flags[Row(id)] & removed) != 0) return;
+  if (m_stored.empty()) {
+    eds_createTable(m_engine, m_info);
+  } else {
+    eds_addColumns(m_engine, m_info);
+  }
+  m_hasTable = true;
+}
+
 void eds_RowTable::Write(int64_t id) {
-  uint8_t& flags = m_flags[Row(id)];
+  const uint8_t flags = m_flags[Row(id)];
   if ((flags & removed) != 0) {
     if ((flags & unwritten) == 0) {
       if (m_delete == nullptr)
@@ -340,5 +397,4 @@ void eds_RowTable::Write(int64_t id) {
     for (int field = 0; field < fields; ++field) BindField(insert, parameter, id, field);
     insert.Run();
   }
-  flags &= static_cast<uint8_t>(~(dirty | unwritten));
 }

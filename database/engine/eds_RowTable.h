@@ -7,7 +7,9 @@
 
 // The records of one kind in memory: a flat array of words, one row after the other. Row n has id
 // n + 1; ids are given in order of creation and never given twice. A word is the value itself;
-// texts are words into a pool. Rows changed since the last commit are listed with the store.
+// texts are words into a pool. Rows changed since the last commit are listed with the store; of
+// those that were there before, the table keeps what they were, so that giving a transaction up
+// costs what the transaction changed.
 class eds_RowTable {
 public:
   // Names a row that has to be written; filled by the tables, emptied by the store.
@@ -44,21 +46,40 @@ public:
   const eds_FieldInfo& Field(int field) const;
 
   // ---- the file
-  void Load();            // all rows; replaces what is in memory
-  void Write(int64_t id); // one dirty row
+  void Load();                // all rows; replaces what is in memory
+  void MakeTable(int64_t id); // and its columns, before a dirty row is written
+  void Write(int64_t id);     // one dirty row
+  void Settle(int64_t id);    // one dirty row is committed
+  void Undo();                // back to what is committed
   bool IsLoaded() const { return m_loaded; }
   void SetEmpty(); // a new file: nothing to load
   void Forget();   // what is in memory; it is loaded again when asked for
-  // The columns on disk; an older file may lack some.
-  void SetStoredColumns(std::vector<cow_String> columns) { m_stored = std::move(columns); }
+  // The columns on disk; none: there is no table yet. An older file may lack some.
+  void SetStoredColumns(std::vector<cow_String> columns);
 
 private:
   enum Flag : uint8_t { dirty = 1, unwritten = 2, removed = 4 };
+
+  // A committed row before the open transaction changed it.
+  struct Before {
+    int64_t id;
+    uint8_t flags;
+    std::vector<uint64_t> words;
+    std::vector<std::string> texts; // of its text fields that are set, in their order
+  };
+  struct Extent {
+    size_t rows = 0;
+    size_t texts = 0;
+    int64_t removed = 0;
+  };
 
   static size_t Row(int64_t id) { return static_cast<size_t>(id - 1); }
   const uint64_t* Words(int64_t id) const { return m_words.data() + Row(id) * m_stride; }
   uint64_t& Word(int64_t id, int field); // and marks the row as changed
   void MarkDirty(int64_t id);
+  void KeepBefore(int64_t id);
+  void SettleAll();
+  template <class Use> void ForEachText(int64_t id, Use use);
   std::string& PoolText(int64_t id, int field);
   size_t AppendRow();
 
@@ -79,7 +100,10 @@ private:
   std::deque<std::string> m_texts;
   int64_t m_removedCount = 0;
   bool m_loaded = false;
+  std::vector<Before> m_before;
+  Extent m_settled;
   std::vector<cow_String> m_stored;
+  bool m_hasTable = false; // with all our columns
   eds_Statement* m_insert = nullptr;
   eds_Statement* m_delete = nullptr;
 };

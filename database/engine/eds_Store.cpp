@@ -4,6 +4,7 @@
 #include "base/utl_OutputFile.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelPlace.h"
+#include "database/engine/eds_Description.h"
 #include "database/engine/eds_Format.h"
 #include "database/engine/eds_Journal.h"
 #include <algorithm>
@@ -17,13 +18,7 @@ constexpr const char* version = "1";
 constexpr std::chrono::seconds readersPatience{10};
 } // namespace
 
-eds_Store::eds_Store() : m_chunks(m_engine) {
-  for (const eds_RecordInfo& info : eds_schemaRecords()) {
-    const auto number = static_cast<size_t>(info.kind);
-    if (m_byKind.size() <= number) m_byKind.resize(number + 1);
-    m_byKind[number] = &m_tables.emplace_back(info, m_engine, m_dirty);
-  }
-}
+eds_Store::eds_Store() : m_chunks(m_engine) {}
 
 eds_Store::~eds_Store() {
   try {
@@ -43,7 +38,7 @@ void eds_Store::Damaged(const cow_String& what) const {
 // ---- the file
 
 void eds_Store::StartEmpty() {
-  for (eds_RowTable& table : m_tables) table.SetEmpty();
+  m_startedEmpty = true;
   m_meta = {{"format", std::to_string(eds_formatVersion)},
             {"writer_version", version},
             {finishedKey, "0"}};
@@ -52,7 +47,7 @@ void eds_Store::StartEmpty() {
 
 // The empty model is made under the temporary name, so that a file with the user's name is a whole
 // one from its first instant.
-void eds_Store::LayDown(const std::filesystem::path& file) {
+void eds_Store::LayDown(const std::filesystem::path& file, eds_ModelSize size) {
   m_temporary = utl_temporaryBeside(file);
   m_temporaryJournal = eds_journalOf(m_temporary);
   m_underWay.emplace(m_temporary);
@@ -71,8 +66,12 @@ void eds_Store::LayDown(const std::filesystem::path& file) {
   m_engine.Open(m_temporary, eds_OpenMode::New);
   m_engine.Execute("PRAGMA journal_mode = MEMORY");
   m_engine.Execute("PRAGMA synchronous = OFF");
-  eds_createTables(m_engine);
+  eds_prepareFile(m_engine, size);
   StartEmpty();
+  m_engine.BeginWrite();
+  eds_layDown(m_engine);
+  WriteMeta();
+  m_engine.CommitPhysical();
 }
 
 void eds_Store::HasItsName() {
@@ -81,14 +80,11 @@ void eds_Store::HasItsName() {
   m_temporary.clear();
 }
 
-void eds_Store::Create(const std::filesystem::path& file) {
+void eds_Store::Create(const std::filesystem::path& file, eds_ModelSize size) {
   if (utl_exists(file))
     throw eds_FileAccessException("\"" + utl_pathText(file) + "\" exists already");
   const eds_ModelPlace place(file); // no journal of an older model is taken for the new one's
-  LayDown(file);
-  m_engine.BeginWrite();
-  WriteMeta();
-  m_engine.CommitPhysical();
+  LayDown(file, size);
   m_engine.Close();
   try {
     utl_renameFile(m_temporary, file, utl_IfExists::Refuse);
@@ -117,18 +113,21 @@ void eds_Store::RequireOurs() {
                              "\" was replaced by another process meanwhile");
 }
 
-void eds_Store::CreateReplacing(const std::filesystem::path& file) {
+void eds_Store::CreateReplacing(const std::filesystem::path& file, eds_ModelSize size) {
   if (utl_isDirectory(file))
     throw eds_FileAccessException("cannot write \"" + utl_pathText(file) + "\": a folder");
   m_place = std::make_unique<eds_ModelPlace>(file); // ours already: nobody works for nothing
-  LayDown(file);
+  LayDown(file, size);
   m_engine.ApplyMode();
 }
 
 void eds_Store::CreateInMemory() {
   m_engine.Open({}, eds_OpenMode::Memory);
-  eds_createTables(m_engine);
+  eds_prepareFile(m_engine, eds_ModelSize::Large);
   m_engine.ApplyMode();
+  m_engine.BeginWrite();
+  eds_layDownChunks(m_engine);
+  m_engine.CommitPhysical();
   StartEmpty();
 }
 
@@ -161,11 +160,7 @@ void eds_Store::Open(const std::filesystem::path& file, bool readOnly) {
   m_engine.ApplyMode();
   m_schema.Read(m_engine); // before anything else of it is read
   LoadMeta();
-  if (!readOnly &&
-      m_engine.QueryInt("SELECT count(*) FROM schema_field") != eds_schemaFieldCount()) {
-    eds_upgradeTables(m_engine, m_schema);
-    m_schema.Forget();
-  }
+  if (Meta(finishedKey) == "1") m_schema.Require(eds_schemaTables);
 }
 
 void eds_Store::DropJournal() {
@@ -184,10 +179,9 @@ void eds_Store::Finish() {
 void eds_Store::WriteOut() {
   RemoveTempDistributions();
   Flush();
-  if (m_engine.Mode() == eds_OpenMode::Memory) {
-    m_engine.CommitPhysical();
-    return SetMeta(finishedKey, "1");
-  }
+  if (IsInMemory()) return SetMeta(finishedKey, "1");
+  m_engine.BeginWrite();
+  eds_describe(m_engine);
   // First all there is reaches the disk, then the flag that says so, then the name.
   const std::filesystem::path file = m_engine.File();
   m_engine.CommitPhysical();
@@ -280,6 +274,7 @@ void eds_Store::LoadMeta() {
 }
 
 void eds_Store::SetMeta(const cow_String& key, const cow_String& value) {
+  if (m_depth > 0 && !m_metaBefore) m_metaBefore = m_meta;
   m_meta[key] = value;
   m_metaChanged = true;
 }
@@ -303,16 +298,24 @@ void eds_Store::WriteMeta() {
 
 void eds_Store::Flush() {
   if (m_dirty.empty() && !m_metaChanged && !m_wroteChunks) return;
-  m_engine.BeginWrite();
   std::string& finished = m_meta[finishedKey];
   if (finished == "1") {
     finished = "0";
     m_metaChanged = true;
   }
-  for (const eds_RowTable::Dirty& row : m_dirty) row.table->Write(row.id);
+  if (IsInMemory()) {
+    m_engine.RequireWorking();
+  } else {
+    m_engine.BeginWrite();
+    // Tables before rows: each new one has the engine prepare its statements again.
+    for (const eds_RowTable::Dirty& row : m_dirty) row.table->MakeTable(row.id);
+    for (const eds_RowTable::Dirty& row : m_dirty) row.table->Write(row.id);
+    if (m_metaChanged) WriteMeta();
+  }
+  for (const eds_RowTable::Dirty& row : m_dirty) row.table->Settle(row.id);
   m_dirty.clear();
+  m_metaBefore.reset();
   m_wroteChunks = false;
-  if (m_metaChanged) WriteMeta();
 }
 
 void eds_Store::Commit() {
@@ -320,7 +323,11 @@ void eds_Store::Commit() {
   if (--m_depth > 0) return;
   try {
     Flush();
-    m_engine.GatherCommit();
+    // Without a file, what the engine has and what is in memory stay together.
+    if (IsInMemory())
+      m_engine.CommitPhysical();
+    else
+      m_engine.GatherCommit();
     m_lastingTempDistributions = m_tempDistributions.size();
   } catch (...) {
     m_engine.MarkFailed();
@@ -334,14 +341,28 @@ void eds_Store::Abandon() {
   // Their numbers are given again.
   m_tempDistributions.resize(std::min(m_tempDistributions.size(), m_lastingTempDistributions));
   // Records are written at the commit, so only chunks can have gone ahead.
-  if (m_engine.HasFailed()) {
-    m_engine.RollbackPhysical();
-  } else if (m_wroteChunks) {
-    m_engine.BackToMark();
-  }
+  const bool failed = m_engine.HasFailed();
+  const bool wroteChunks = m_wroteChunks;
   m_wroteChunks = false;
+  if (failed)
+    m_engine.RollbackPhysical();
+  else if (wroteChunks)
+    m_engine.BackToMark();
+  // Of a file, the engine has taken back more than one transaction then.
+  if (!failed || IsInMemory()) return UndoAll();
   ForgetAll();
+  m_metaBefore.reset();
   if (m_engine.IsOpen()) LoadMeta();
+}
+
+void eds_Store::UndoAll() {
+  m_dirty.clear();
+  for (eds_RowTable& table : m_tables)
+    if (table.IsLoaded()) table.Undo();
+  m_links.Forget();
+  m_csets.clear();
+  if (m_metaBefore) m_meta = std::move(*m_metaBefore);
+  m_metaBefore.reset();
 }
 
 void eds_Store::ForgetAll() {
@@ -350,6 +371,7 @@ void eds_Store::ForgetAll() {
   m_links.Forget();
   m_csets.clear();
   m_schema.Forget();
+  m_startedEmpty = false;
 }
 
 void eds_Store::Save() {
@@ -368,12 +390,38 @@ void eds_Store::BeforeChunk() {
 
 // ---- objects
 
-void eds_Store::Load(eds_RowTable& table) {
+eds_RowTable& eds_Store::Load(eds_RecordKind kind) {
   utl_ASSERT(!IsClosed());
+  const auto number = static_cast<size_t>(kind);
+  if (m_byKind.size() <= number) m_byKind.resize(number + 1);
+  eds_RowTable*& table = m_byKind[number];
+  if (table == nullptr) {
+    const eds_RecordInfo* const info = eds_schemaRecord(kind);
+    utl_ASSERT(info != nullptr);
+    table = &m_tables.emplace_back(*info, m_engine, m_dirty);
+  }
+  if (m_startedEmpty) {
+    table->SetEmpty();
+    return *table;
+  }
+  const std::vector<cow_String>* const columns = Schema().Columns(table->Info().table);
+  table->SetStoredColumns(columns != nullptr ? *columns : std::vector<cow_String>());
+  table->Load();
+  return *table;
+}
+
+const eds_StoredSchema& eds_Store::Schema() {
   if (!m_schema.IsRead()) m_schema.Read(m_engine);
-  const std::vector<cow_String>* const columns = m_schema.Columns(table.Info().table);
-  table.SetStoredColumns(columns != nullptr ? *columns : std::vector<cow_String>());
-  table.Load();
+  return m_schema;
+}
+
+std::vector<eds_RecordKind> eds_Store::Kinds() {
+  std::vector<eds_RecordKind> kinds;
+  if (!m_startedEmpty) kinds = Schema().Kinds();
+  for (const eds_RowTable& table : m_tables) kinds.push_back(table.Info().kind);
+  std::ranges::sort(kinds);
+  kinds.erase(std::ranges::unique(kinds).begin(), kinds.end());
+  return kinds;
 }
 
 eds_RowTable& eds_Store::RowsOf(eds_ObjectID object) {

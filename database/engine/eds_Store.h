@@ -4,6 +4,7 @@
 #include "database/eds_Array.h"
 #include "database/eds_MemberSet.h"
 #include "database/engine/eds_ChunkStore.h"
+#include "database/engine/eds_Format.h"
 #include "database/engine/eds_LinkIndex.h"
 #include "database/engine/eds_RowTable.h"
 #include "database/engine/eds_StoredSchema.h"
@@ -14,7 +15,8 @@
 #include <unordered_map>
 
 // One open model: its records in memory, what of them has changed, and the file beneath. Everything
-// the Kvo handles do is done here.
+// the Kvo handles do is done here. The records of a model without a file are nowhere else: the
+// engine has its chunks alone.
 class eds_ModelPlace;
 
 class eds_Store {
@@ -25,8 +27,8 @@ public:
   eds_Store& operator=(const eds_Store&) = delete;
 
   // ---- the file
-  void Create(const std::filesystem::path& file);
-  void CreateReplacing(const std::filesystem::path& file);
+  void Create(const std::filesystem::path& file, eds_ModelSize size);
+  void CreateReplacing(const std::filesystem::path& file, eds_ModelSize size);
   void CreateInMemory();
   void Open(const std::filesystem::path& file, bool readOnly);
   void Finish();
@@ -51,13 +53,20 @@ public:
 
   // ---- objects
   eds_RowTable& Rows(eds_RecordKind kind) {
-    eds_RowTable* table = m_byKind[static_cast<size_t>(kind)];
-    if (!table->IsLoaded()) Load(*table);
-    return *table;
+    const auto number = static_cast<size_t>(kind);
+    if (number < m_byKind.size()) [[likely]] {
+      eds_RowTable* const table = m_byKind[number];
+      if (table != nullptr && table->IsLoaded()) return *table;
+    }
+    return Load(kind);
   }
+  // Those of which the model has, or had, a record, and maybe more; by number.
+  std::vector<eds_RecordKind> Kinds();
   // The table of an object; asserts that the object exists.
   eds_RowTable& RowsOf(eds_ObjectID object);
-  bool IsKind(uint16_t kind) const { return kind < m_byKind.size() && m_byKind[kind] != nullptr; }
+  static bool IsKind(uint16_t kind) {
+    return eds_schemaRecord(static_cast<eds_RecordKind>(kind)) != nullptr;
+  }
   bool Exists(eds_ObjectID object);
   eds_LinkIndex& Links();
   void RemoveObject(eds_ObjectID object);
@@ -83,13 +92,16 @@ private:
     std::shared_ptr<const eds_MemberSet> members;
   };
 
-  void Load(eds_RowTable& table);
+  eds_RowTable& Load(eds_RecordKind kind);
+  const eds_StoredSchema& Schema();
   void ForgetAll();
+  void UndoAll();
   void StartEmpty();
   void LoadMeta();
   void Flush();
   void WriteMeta();
-  void LayDown(const std::filesystem::path& file);
+  bool IsInMemory() const { return m_engine.Mode() == eds_OpenMode::Memory; }
+  void LayDown(const std::filesystem::path& file, eds_ModelSize size);
   void HasItsName(); // its final one
   void IsFreshNoMore();
   void Recover(const std::filesystem::path& file);
@@ -116,7 +128,9 @@ private:
   std::vector<int64_t> m_tempDistributions;
   size_t m_lastingTempDistributions = 0; // those of what was committed
   eds_StoredSchema m_schema;
+  bool m_startedEmpty = false; // what is not in memory is nowhere
   std::map<cow_String, cow_String> m_meta;
+  std::optional<std::map<cow_String, cow_String>> m_metaBefore; // the open transaction
   bool m_metaChanged = false;
 
   std::filesystem::path m_path;      // the name the user knows

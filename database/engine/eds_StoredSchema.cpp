@@ -78,9 +78,8 @@ bool fitsField(const std::vector<Column>& columns, const eds_FieldInfo& field) {
 }
 
 bool fitsRecord(const std::vector<Column>& columns, std::string_view table) {
-  const auto records = eds_schemaRecords();
-  const auto record = std::ranges::find(records, table, &eds_RecordInfo::table);
-  return record == records.end() || // of a newer version
+  const eds_RecordInfo* const record = eds_schemaRecord(table);
+  return record == nullptr || // of a newer version
          std::ranges::all_of(record->fields,
                              [&](const eds_FieldInfo& field) { return fitsField(columns, field); });
 }
@@ -93,12 +92,21 @@ bool isView(std::string_view name, std::string_view sql) {
 
 } // namespace
 
+void eds_StoredSchema::Refuse(const cow_String& why) const {
+  throw eds_NotOurFileException('"' + utl_pathText(m_file) + "\" is not a model database: " + why);
+}
+
 void eds_StoredSchema::Read(eds_Engine& engine) {
-  const auto refuse = [&](const cow_String& why) {
+  m_file = engine.File();
+  try {
+    ReadTables(engine);
+  } catch (...) {
     m_tables.clear();
-    throw eds_NotOurFileException('"' + utl_pathText(engine.File()) +
-                                  "\" is not a model database: " + why);
-  };
+    throw;
+  }
+}
+
+void eds_StoredSchema::ReadTables(eds_Engine& engine) {
   m_tables.clear();
   eds_Statement rows(engine, "SELECT type, name, sql FROM sqlite_schema");
   while (rows.Step()) {
@@ -110,19 +118,30 @@ void eds_StoredSchema::Read(eds_Engine& engine) {
     const cow_String shown(isPlain(name) ? ' ' + cow_String(name) : cow_String());
     if (type != "table") {
       const bool isKnown = type == "index" || type == "trigger" || type == "view";
-      refuse("its schema holds " + (isKnown ? "the " + cow_String(type) + shown : "something") +
+      Refuse("its schema holds " + (isKnown ? "the " + cow_String(type) + shown : "something") +
              ", which no model has");
     }
     std::vector<Column> columns;
     std::vector<cow_String>& names = m_tables[cow_String(name)];
     if (eds_isFixedTable(name, sql)) continue;
     if (!TableStatement(sql).Read(name, columns) || !fitsRecord(columns, name))
-      refuse("its table" + shown + " is not as models have it");
+      Refuse("its table" + shown + " is not as models have it");
     for (Column& column : columns) names.push_back(std::move(column.name));
   }
-  for (const std::string_view table : eds_requiredTables)
+  Require(eds_requiredTables);
+}
+
+void eds_StoredSchema::Require(std::span<const std::string_view> tables) const {
+  for (const std::string_view table : tables)
     if (Columns(table) == nullptr)
-      refuse("it bears the mark of one, but has no table " + cow_String(table));
+      Refuse("it bears the mark of one, but has no table " + cow_String(table));
+}
+
+std::vector<eds_RecordKind> eds_StoredSchema::Kinds() const {
+  std::vector<eds_RecordKind> kinds;
+  for (const auto& [table, columns] : m_tables)
+    if (const eds_RecordInfo* const record = eds_schemaRecord(table)) kinds.push_back(record->kind);
+  return kinds;
 }
 
 const std::vector<cow_String>* eds_StoredSchema::Columns(std::string_view table) const {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "database/eds_Type.h"
 #include "database/engine/eds_Engine.h"
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -20,9 +22,16 @@ public:
   void Read(eds_Engine& engine);
   bool IsRead() const { return !m_tables.empty(); }
   void Forget() { m_tables.clear(); }
+  // Throws eds_NotOurFileException when one of the tables is not there.
+  void Require(std::span<const std::string_view> tables) const;
+  std::vector<eds_RecordKind> Kinds() const; // those of ours that have a table
   // Of one table, in their order; null: there is no such table.
   const std::vector<cow_String>* Columns(std::string_view table) const;
 
 private:
+  [[noreturn]] void Refuse(const cow_String& why) const;
+  void ReadTables(eds_Engine& engine);
+
+  std::filesystem::path m_file; // that was read
   std::unordered_map<cow_String, std::vector<cow_String>> m_tables;
 };

@@ -79,5 +79,6 @@ std::span<const eds_FormKeyword> eds_formKeywords();
 // Null for a kind that is no form's.
 const eds_FormInfo* eds_formOf(eds_RecordKind kind);
 const eds_RecordInfo* eds_formRecord(eds_RecordKind kind);
+const eds_RecordInfo* eds_formRecord(std::string_view table);
 // The number of a form's field, which there must be.
 int eds_formField(eds_RecordKind kind, std::string_view column);

@@ -64,7 +64,8 @@ std::vector<FieldRow> fieldRows() {
   };
 }
 
-std::vector<eds_RecordInfo> buildRecords() {
+// Of records.def alone; forms are kept by eds_Form.
+std::vector<eds_RecordInfo> buildPlainRecords() {
   std::vector<eds_RecordInfo> records{
 #define EDS_RECORD(kind, number, table) eds_RecordInfo{eds_RecordKind::kind, #kind, #table, {}},
 #define EDS_FIELD(kind, number, name, column, type, argument)
@@ -78,6 +79,16 @@ std::vector<eds_RecordInfo> buildRecords() {
     utl_ASSERT(row.number == static_cast<int>(record->fields.size()));
     record->fields.push_back(row.info);
   }
+  return records;
+}
+
+const std::vector<eds_RecordInfo>& plainRecords() {
+  static const std::vector<eds_RecordInfo> table = buildPlainRecords();
+  return table;
+}
+
+std::vector<eds_RecordInfo> buildRecords() {
+  std::vector<eds_RecordInfo> records = plainRecords();
   for (const eds_FormKeyword& form : eds_formKeywords())
     records.push_back(*eds_formRecord(form.kind));
   std::ranges::sort(records, {}, &eds_RecordInfo::kind);
@@ -87,16 +98,6 @@ std::vector<eds_RecordInfo> buildRecords() {
 const std::vector<eds_RecordInfo>& records() {
   static const std::vector<eds_RecordInfo> table = buildRecords();
   return table;
-}
-
-std::vector<const eds_RecordInfo*> buildRecordIndex() {
-  std::vector<const eds_RecordInfo*> index;
-  for (const eds_RecordInfo& record : records()) {
-    const auto number = static_cast<size_t>(record.kind);
-    if (index.size() <= number) index.resize(number + 1);
-    index[number] = &record;
-  }
-  return index;
 }
 
 // What members lead to.
@@ -174,15 +175,16 @@ std::span<const eds_RecordInfo> eds_schemaRecords() {
 }
 
 const eds_RecordInfo* eds_schemaRecord(eds_RecordKind kind) {
-  static const std::vector<const eds_RecordInfo*> index = buildRecordIndex();
-  const auto number = static_cast<size_t>(kind);
-  return number < index.size() ? index[number] : nullptr;
+  if (const eds_RecordInfo* form = eds_formRecord(kind)) return form;
+  const auto& plain = plainRecords();
+  const auto record = std::ranges::lower_bound(plain, kind, {}, &eds_RecordInfo::kind);
+  return record != plain.end() && record->kind == kind ? &*record : nullptr;
 }
 
-int64_t eds_schemaFieldCount() {
-  size_t count = 0;
-  for (const eds_RecordInfo& record : records()) count += record.fields.size();
-  return static_cast<int64_t>(count);
+const eds_RecordInfo* eds_schemaRecord(std::string_view table) {
+  const auto& plain = plainRecords();
+  const auto record = std::ranges::find(plain, table, &eds_RecordInfo::table);
+  return record != plain.end() ? &*record : eds_formRecord(table);
 }
 
 std::span<const eds_MemberInfo> eds_schemaMembers() {

@@ -30,9 +30,12 @@ struct eds_CollectionInfo {
   eds_TypeID source; // null: positions
 };
 
-std::span<const eds_RecordInfo> eds_schemaRecords(); // by number
+// All of them, by number: this reads every form. What works on a model asks for the kinds that the
+// model has, one by one, so that its cost does not grow with the number of kinds.
+std::span<const eds_RecordInfo> eds_schemaRecords();
+// Null when there is none. The same object at every call.
 const eds_RecordInfo* eds_schemaRecord(eds_RecordKind kind);
-int64_t eds_schemaFieldCount(); // of all kinds
+const eds_RecordInfo* eds_schemaRecord(std::string_view table);
 std::span<const eds_MemberInfo> eds_schemaMembers();
 const eds_MemberInfo* eds_schemaMember(eds_Member member);
 std::span<const eds_CollectionInfo> eds_schemaCollections();
@@ -43,15 +46,8 @@ std::span<const eds_SymbolInfo> eds_schemaSymbols(eds_Vocabulary vocabulary);
 std::string_view eds_vocabularyName(eds_Vocabulary vocabulary); // "" when there is none
 // The kinds from this number on are the store's own, up to those of forms.
 constexpr int eds_firstOwnKind = 900;
-// The other kinds from here on are many, and a model has few of them: their tables
-// are made with their first record.
-constexpr int eds_firstLateKind = 100;
 constexpr int eds_firstFormKind = 1000; // forms.def
 inline bool eds_isOwnKind(eds_RecordKind kind) {
   const int number = static_cast<int>(kind);
   return number >= eds_firstOwnKind && number < eds_firstFormKind;
-}
-inline bool eds_isLateKind(eds_RecordKind kind) {
-  const int number = static_cast<int>(kind);
-  return number >= eds_firstLateKind && !eds_isOwnKind(kind);
 }

@@ -51,8 +51,8 @@ void addArray(const KvoObjDocument& document, size_t values) {
   transaction.Commit();
 }
 
-void makeModel(const fs::path& file) {
-  KvoObjDocument document = KvoObjDocument::Create(file);
+void makeModel(const fs::path& file, KvoSize size = KvoSize::Large) {
+  KvoObjDocument document = KvoObjDocument::Create(file, size);
   for (int i = 0; i < 10; ++i) addRecord(document, i);
   addArray(document, 400000);
   document.Finish();
@@ -65,45 +65,27 @@ void patch(const fs::path& file, std::streamoff at, const std::string& bytes) {
 }
 
 std::string contentOf(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
+  std::string content(fs::file_size(file), '\0');
+  std::ifstream(file, std::ios::binary)
+      .read(content.data(), static_cast<std::streamsize>(content.size()));
+  return content;
+}
+
+size_t pageSizeOf(const std::string& bytes) {
+  return static_cast<size_t>(static_cast<unsigned char>(bytes[16]) << 8 |
+                             static_cast<unsigned char>(bytes[17]));
 }
 
 // What a stranger does who knows our checksums.
 void stampPages(const fs::path& file) {
   std::string bytes = contentOf(file);
-  for (size_t at = 0; at + eds_pageSize <= bytes.size(); at += eds_pageSize) {
+  size_t pageSize = pageSizeOf(bytes);
+  if (pageSize != 4096) pageSize = 16384; // it may be damaged
+  for (size_t at = 0; at + pageSize <= bytes.size(); at += pageSize) {
     auto* page = reinterpret_cast<std::byte*>(bytes.data() + at);
-    eds_stampPage({page, eds_pageSize}, static_cast<int64_t>(at));
+    eds_stampPage({page, pageSize}, static_cast<int64_t>(at));
   }
   writeText(file, bytes);
-}
-
-// The same content as files were before there were checksums of pages.
-void makeFormat1(const fs::path& file, const fs::path& old) {
-  sqlite3* database = nullptr;
-  ASSERT_EQ(sqlite3_open(old.string().c_str(), &database), SQLITE_OK);
-  const auto run = [&](const std::string& sql) {
-    ASSERT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-  };
-  run("PRAGMA page_size = 16384; PRAGMA user_version = 1; PRAGMA application_id = " +
-      std::to_string(eds_applicationID) + "; ATTACH '" + file.string() + "' AS new");
-  sqlite3_stmt* schema = nullptr;
-  sqlite3_prepare_v2(database,
-                     "SELECT sql, iif(type = 'table', name, '') FROM new.sqlite_schema "
-                     "WHERE sql NOT NULL",
-                     -1, &schema, nullptr);
-  while (sqlite3_step(schema) == SQLITE_ROW) {
-    const auto text = [&](int i) {
-      return std::string(reinterpret_cast<const char*>(sqlite3_column_text(schema, i)));
-    };
-    run(text(0));
-    const std::string table = '"' + text(1) + '"';
-    if (table != "\"\"") run("INSERT INTO main." + table + " SELECT * FROM new." + table);
-  }
-  sqlite3_finalize(schema);
-  sqlite3_close(database);
-  ASSERT_EQ(contentOf(old)[20], '\0');
 }
 
 // A place of the file where this stands.
@@ -146,7 +128,9 @@ const Refusal refusals[] = {
     {"foreign", [](const fs::path& f) { patch(f, 68, std::string(4, '\1')); },
      "database of another program", isA<eds_NotOurFileException>},
     {"newer", [](const fs::path& f) { patch(f, 60, std::string("\0\0\0\x63", 4)); },
-     "has format 99, written by a newer version", isA<eds_NewerFormatException>},
+     "has format 99, written by a newer version", isA<eds_OtherFormatException>},
+    {"older", [](const fs::path& f) { patch(f, 60, std::string("\0\0\0\2", 4)); },
+     "has format 2, written by an older version", isA<eds_OtherFormatException>},
     {"half header", [](const fs::path& f) { fs::resize_file(f, 50); }, "truncated",
      isA<eds_DamagedFileException>},
     {"truncated", [](const fs::path& f) { fs::resize_file(f, fs::file_size(f) / 2); },
@@ -156,9 +140,12 @@ const Refusal refusals[] = {
     {"strayed page",
      [](const fs::path& f) {
        const std::string bytes = contentOf(f);
-       patch(f, 2 * eds_pageSize, bytes.substr(eds_pageSize, bytes.size() - 2 * eds_pageSize));
+       const size_t page = pageSizeOf(bytes);
+       patch(f, static_cast<std::streamoff>(2 * page), bytes.substr(page, bytes.size() - 2 * page));
      },
      "does not match its checksum", isA<eds_DamagedFileException>},
+    {"pages of another size", [](const fs::path& f) { patch(f, 16, std::string("\x20\0", 2)); },
+     "its pages are not what they should be", isA<eds_DamagedFileException>},
     {"no checksums", [](const fs::path& f) { patch(f, 20, std::string(1, '\0')); },
      "its pages are not what they should be", isA<eds_DamagedFileException>},
     {"journal of another form", [](const fs::path& f) { patch(f, 18, "\2\2"); },
@@ -168,6 +155,10 @@ const Refusal refusals[] = {
        runSql(f, "DROP TABLE part; CREATE VIEW part AS SELECT 1 AS id, 'x' AS name");
      },
      "its schema holds the view part, which no model has", isA<eds_NotOurFileException>},
+    {"finished without its schema", [](const fs::path& f) { runSql(f, "DROP TABLE schema_field"); },
+     "it bears the mark of one, but has no table schema_field", isA<eds_NotOurFileException>},
+    {"without a model's table", [](const fs::path& f) { runSql(f, "DROP TABLE chunk"); },
+     "it bears the mark of one, but has no table chunk", isA<eds_NotOurFileException>},
     {"absurd number",
      [](const fs::path& f) { runSql(f, "INSERT INTO part (id, name) VALUES (1 << 40, 'x')"); },
      "table part: record number", isA<eds_DamagedFileException>},
@@ -176,10 +167,11 @@ const Refusal refusals[] = {
 } // namespace
 
 TEST(File, RefusesWhatItCannotRead) {
-  for (const Refusal& refusal : refusals) {
+  for (size_t n = 0; n < 2 * std::size(refusals); ++n) {
+    const Refusal& refusal = refusals[n / 2];
     const TemporaryFolder folder;
     const fs::path file = folder / "m.sim";
-    makeModel(file);
+    makeModel(file, n % 2 == 0 ? KvoSize::Small : KvoSize::Large);
     refusal.prepare(file);
     try {
       const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
@@ -257,7 +249,7 @@ TEST(File, NoStatementRunsForEver) {
                                   "SELECT count(*) FROM r";
   for (int round = 0; round < 2; ++round) // each has the whole allowance
     EXPECT_THROW(engine.QueryInt(endless), eds_DamagedFileException);
-  EXPECT_GT(engine.QueryInt("SELECT count(*) FROM schema_field"), 500);
+  EXPECT_GT(engine.QueryInt("SELECT count(*) FROM schema_symbol"), 50);
   utl_askToStop();
   EXPECT_THROW(engine.QueryInt(endless), utl_Interruption);
   const KvoObjDocument document = KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadOnly);
@@ -269,13 +261,15 @@ TEST(File, NoStatementRunsForEver) {
 // Any byte may be wrong: reading ends in our exceptions or in a fault found, never in a crash.
 TEST(File, SurvivesDamagedBytes) {
   const TemporaryFolder folder;
-  makeModel(folder / "good.sim");
-  const auto size = fs::file_size(folder / "good.sim");
+  const fs::path good[] = {folder / "small.sim", folder / "large.sim"};
+  makeModel(good[0], KvoSize::Small);
+  makeModel(good[1], KvoSize::Large);
   std::mt19937 random(3);
   int noticed = 0;
   for (int round = 0; round < 150; ++round) {
     const fs::path file = folder / "bad.sim";
-    fs::copy_file(folder / "good.sim", file, fs::copy_options::overwrite_existing);
+    fs::copy_file(good[round / 2 % 2], file, fs::copy_options::overwrite_existing);
+    const auto size = fs::file_size(file);
     for (int i = 0; i < 20; ++i) {
       const auto at = static_cast<std::streamoff>(
           random() % (i % 2 == 0 ? std::min<uintmax_t>(size, 1 << 19) : size));
@@ -299,47 +293,63 @@ TEST(File, NobodyChangesWhatIsBeingRead) {
   EXPECT_EQ(reader.Focus().MemberCount(eds_Member::Parts), 10);
 }
 
-// A file of an older version: a table and a column that came later are not in it.
+// A file of before a table and a column came.
 TEST(File, OlderFilesReadAsUnsetAndGrowWhenChanged) {
   const TemporaryFolder folder;
   const fs::path file = folder / "m.sim";
   makeModel(file);
-  runSql(file, "DROP VIEW v_instance; ALTER TABLE instance DROP COLUMN library;"
-               "INSERT INTO instance (id, name) VALUES (1, 'I');"
-               "DROP VIEW v_bulk_shell_layers; DROP TABLE bulk_shell_layers;"
-               "DELETE FROM schema_field WHERE column_name IN ('library', 'layers')");
+  runSql(file, "DROP VIEW v_part; DROP VIEW v_name; DROP VIEW v_link; DROP VIEW v_verbatim_keyword;"
+               "ALTER TABLE part DROP COLUMN name;"
+               "DELETE FROM schema_field WHERE column_name = 'name'");
   {
     const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
-    const KvoSimDataRecord instance = document.GetRecord(eds_RecordKind::Instance, 1);
-    EXPECT_EQ(instance.GetString(eds_Instance_Name), "I");
-    EXPECT_TRUE(instance.IsMemberNull(eds_Instance_Library));
-    EXPECT_TRUE(document.Context().GetRecords(eds_RecordKind::BulkShellLayers).empty());
+    EXPECT_TRUE(document.GetRecord(eds_RecordKind::Part, 1).IsMemberNull(eds_Part_Name));
+    EXPECT_TRUE(document.Context().GetRecords(eds_RecordKind::Instance).empty());
     EXPECT_EQ(eds_checkModel(document), eds_Faults());
   }
-  {
-    const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadWrite);
+  for (const char* name : {"first", "second"}) { // the columns come once
+    KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadWrite);
     KvoSimTransaction transaction(document.ContextID());
-    document.GetRecord(eds_RecordKind::Instance, 1).SetString(eds_Instance_Library, "old.sim");
-    document.CreateDataRecord(eds_RecordKind::BulkShellLayers);
+    document.GetRecord(eds_RecordKind::Part, 1).SetString(eds_Part_Name, name);
+    const KvoSimPosition instance = document.CreateDataRecord(eds_RecordKind::Instance);
+    instance.DataRecord().SetReference(eds_Instance_Part,
+                                       document.GetRecord(eds_RecordKind::Part, 1).Pos());
     transaction.Commit();
+    document.Finish();
   }
-  const KvoObjDocument document = KvoObjDocument::Open(file, KvoAccess::ReadOnly);
-  EXPECT_EQ(document.GetRecord(eds_RecordKind::Instance, 1).GetString(eds_Instance_Library),
-            "old.sim");
-  EXPECT_EQ(document.Context().GetRecords(eds_RecordKind::BulkShellLayers).size(), 1u);
+  eds_Engine engine;
+  engine.Open(file, eds_OpenMode::ReadOnly);
+  EXPECT_EQ(engine.QueryInt("SELECT count(*) FROM v_instance WHERE part_name = 'second'"), 2);
 }
 
-TEST(File, FilesWithoutChecksumsAreReadAndGrow) {
+// A file grows by what it holds: tables with their first record, what explains them at the end.
+TEST(File, TablesComeWithTheirRecordsAndViewsAtTheEnd) {
   const TemporaryFolder folder;
   const fs::path file = folder / "m.sim";
-  makeModel(folder / "new.sim");
-  makeFormat1(folder / "new.sim", file);
-  for (const KvoAccess access : {KvoAccess::ReadWrite, KvoAccess::ReadOnly}) {
-    const KvoObjDocument document = KvoObjDocument::Open(file, access);
-    if (access == KvoAccess::ReadWrite) addRecord(document, 10);
-    EXPECT_EQ(document.Focus().MemberCount(eds_Member::Parts), 11);
-    EXPECT_EQ(eds_checkModel(document), eds_Faults());
-  }
+  const auto objects = [&] {
+    eds_Engine engine;
+    engine.Open(file, eds_OpenMode::ReadOnly);
+    eds_Statement rows(engine, "SELECT name FROM sqlite_schema ORDER BY name");
+    std::string names;
+    while (rows.Step()) names += std::string(rows.Text(0)) + ' ';
+    return names;
+  };
+  KvoObjDocument document = KvoObjDocument::Create(file, KvoSize::Small);
+  document.Close();
+  EXPECT_EQ(objects(), "chunk meta model ");
+  fs::remove(file);
+  document = KvoObjDocument::Create(file, KvoSize::Small);
+  addRecord(document, 1);
+  document.Close(); // as far as a process comes that dies
+  EXPECT_EQ(objects(), "chunk link meta model part verbatim_keyword ");
+  EXPECT_EQ(eds_checkModel(KvoObjDocument::Open(file, KvoAccess::ReadOnly)), eds_Faults());
+  document = KvoObjDocument::Open(file, KvoAccess::ReadWrite);
+  document.Finish();
+  document.Close();
+  EXPECT_EQ(objects(), "chunk link meta model part schema_collection schema_field schema_member "
+                       "schema_record schema_symbol v_link v_model v_name v_part "
+                       "v_verbatim_keyword verbatim_keyword ");
+  EXPECT_LE(fs::file_size(file), 100'000u);
 }
 
 TEST(File, ExistingOutputIsReplacedOnlyByAFinishedOne) {

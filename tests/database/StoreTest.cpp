@@ -156,12 +156,16 @@ TEST(Store, ChangesOfAnExistingFileAreKept) {
 }
 
 // An exception passes through a transaction: all of it is taken back, nothing else.
-class StoreAbandon : public testing::TestWithParam<bool> {};
+class StoreAbandon : public testing::TestWithParam<std::tuple<bool, bool>> {};
 
 TEST_P(StoreAbandon, LeavesNothing) {
-  KvoObjDocument document = KvoObjDocument::InMemory();
+  const TemporaryFolder folder;
+  const auto [inFile, saved] = GetParam();
+  KvoObjDocument document =
+      inFile ? KvoObjDocument::Create(folder / "a.sim") : KvoObjDocument::InMemory();
   fill(document);
-  if (GetParam()) document.Context().Save(); // else its commit still waits for company
+  document.SetMeta("source_deck", "first");
+  if (saved) document.Context().Save(); // else its commit still waits for company
   const std::string before = walk(document);
   struct Stop {};
   try {
@@ -173,7 +177,10 @@ TEST_P(StoreAbandon, LeavesNothing) {
       writer.Finish();
       inner.Commit();
     }
+    document.SetMeta("source_deck", "lost");
     document.GetModel().GetPart("P").DataRecord().SetString(eds_Part_Name, "lost");
+    document.GetModel().Occurences()[0].DataRecord().UnsetMember(eds_Instance_Name);
+    document.GetModel().GetOccurence("I-2").Remove();
     document.GetModel().AppendPart("Q", document.CreateDataRecord(eds_RecordKind::Part));
     const std::vector<double> moved{7, 8, 9};
     eds_updateArray(document.GetMesh().NodeBlocks()[0].coordinates, 1,
@@ -182,13 +189,26 @@ TEST_P(StoreAbandon, LeavesNothing) {
   } catch (const Stop&) {
   }
   EXPECT_EQ(walk(document), before);
+  EXPECT_EQ(document.GetMeta("source_deck"), "first");
   EXPECT_EQ(eds_checkModel(document), eds_Faults());
   std::vector<double> read(3);
   eds_ArrayReader(document.GetMesh().NodeBlocks()[0].coordinates).ReadPiece(1, std::span(read));
   EXPECT_EQ(read, std::vector<double>(3, 1.5));
+  // What comes next has the numbers of what was taken back, and reaches the file.
+  {
+    KvoSimTransaction transaction(document.ContextID());
+    document.GetModel().AppendPart("R", document.CreateDataRecord(eds_RecordKind::Part));
+    transaction.Commit();
+  }
+  const std::string after = walk(document);
+  EXPECT_NE(after, before);
+  if (!inFile) return;
+  document.Close();
+  EXPECT_EQ(walk(KvoObjDocument::Open(folder / "a.sim", KvoAccess::ReadOnly)), after);
 }
 
-INSTANTIATE_TEST_SUITE_P(PhysicalOrGathered, StoreAbandon, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(InFileAndPhysicalOrGathered, StoreAbandon,
+                         testing::Combine(testing::Bool(), testing::Bool()));
 
 TEST(Store, LinksOfEveryShape) {
   const KvoObjDocument document = KvoObjDocument::InMemory();
