@@ -251,6 +251,31 @@ def measure_keywords(bench, processors):
     bench.row("100,000 small keywords, each", f"{inps.seconds / count * 1e6:.1f} µs", "20 µs")
 
 
+def measure_small(bench, processors, runs):
+    """A deck of one node. Beside the program's own start, which reads no deck, its cost is what
+    every deck pays: it must not grow with the number of keywords and record kinds that there are.
+    The model goes where syncing costs nothing, if there is such a place."""
+    deck = bench.folder / "one.inp"
+    deck.write_text("*NODE\n1, 0., 0., 0.\n")
+    memory_disk = pathlib.Path("/dev/shm")
+    unsynced = memory_disk.is_dir() and os.access(memory_disk, os.W_OK)
+    start, check, convert = Best(), Best(), Best()
+    with tempfile.TemporaryDirectory(dir=memory_disk if unsynced else bench.folder) as folder:
+        model = pathlib.Path(folder) / "one.sim"
+        for _ in range(runs):
+            start.add(Run([bench.inps, "--version"], processors))
+            check.add(Run([bench.inps, "check", deck, "--quiet"], processors))
+            model.unlink(missing_ok=True)
+            convert.add(Run([bench.inps, "convert", deck, "-o", model, "--quiet"], processors))
+        size = model.stat().st_size
+    bench.row("one node, check", f"{check.seconds * 1e3:.1f} ms", "6 ms")
+    bench.row("one node, check to the program's start",
+              f"{check.seconds / start.seconds:.2f} times ({start.seconds * 1e3:.1f} ms)", "2 times")
+    bench.row("one node, convert" + (", sync apart" if unsynced else ""),
+              f"{convert.seconds * 1e3:.1f} ms", "15 ms")
+    bench.row("one node, model file", f"{size / 1e3:.0f} KB", "150 KB")
+
+
 def measure_materials(bench, processors, count):
     """Ten behaviours and the material itself are a keyword each."""
     _, inps = bench.convert(bench.deck("materials", count), processors)
@@ -325,6 +350,7 @@ def main():
         measure_labels(bench, sets[-1])
         measure_export(bench, sets)
         measure_keywords(bench, sets[-1])
+        measure_small(bench, sets[-1], 20 if words.quick else 50)
         measure_materials(bench, sets[-1], 5000 if words.quick else 20_000)
         measure_table(bench, sets[-1], 1_000_000)
         measure_instances(bench, sets[-1], 1000 if words.quick else 10_000)

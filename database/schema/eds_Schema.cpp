@@ -74,8 +74,7 @@ std::vector<eds_RecordInfo> buildPlainRecords() {
   std::sort(records.begin(), records.end(),
             [](const auto& a, const auto& b) { return a.kind < b.kind; });
   for (const FieldRow& row : fieldRows()) {
-    auto record = std::find_if(records.begin(), records.end(),
-                               [&](const auto& r) { return r.kind == row.record; });
+    const auto record = std::ranges::lower_bound(records, row.record, {}, &eds_RecordInfo::kind);
     utl_ASSERT(row.number == static_cast<int>(record->fields.size()));
     record->fields.push_back(row.info);
   }
