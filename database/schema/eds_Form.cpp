@@ -210,20 +210,6 @@ cow_String tableNameOf(std::string_view kind) {
   return name;
 }
 
-// Whether the row's table has this name, without making it.
-bool hasTable(const Row& row, std::string_view table) {
-  for (const char& c : row.name) {
-    const bool isCapital = c >= 'A' && c <= 'Z';
-    if (isCapital && &c != row.name.data()) {
-      if (!table.starts_with('_')) return false;
-      table.remove_prefix(1);
-    }
-    if (!table.starts_with(isCapital ? static_cast<char>(c - 'A' + 'a') : c)) return false;
-    table.remove_prefix(1);
-  }
-  return table.empty();
-}
-
 cow_String codeNameOf(std::string_view column) {
   cow_String name;
   bool capital = true;
@@ -349,6 +335,11 @@ int eds_formField(eds_RecordKind kind, std::string_view column) {
 }
 
 const eds_RecordInfo* eds_formRecord(std::string_view table) {
-  const auto row = std::ranges::find_if(rows, [&](const Row& r) { return hasTable(r, table); });
+  // Names are made for the few rows whose first letter fits.
+  const auto isIts = [&](const Row& row) {
+    return table.starts_with(static_cast<char>(row.name.front() - 'A' + 'a')) &&
+           tableNameOf(row.name) == table;
+  };
+  const auto row = std::ranges::find_if(rows, isIts);
   return row != std::end(rows) ? eds_formRecord(row->kind) : nullptr;
 }
