@@ -39,7 +39,7 @@ private:
   int Model() {
     const KvoObjDocument document = KvoObjDocument::Open(m_input.File(), KvoAccess::ReadOnly);
     for (const cow_String& fault : eds_checkModel(document)) {
-      wip_Message message(fault);
+      wip_Message message(m_session.Shown(fault));
       message.place.file = m_input.Name();
       m_run.Reporter().Error(message, 1);
     }

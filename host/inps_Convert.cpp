@@ -254,7 +254,16 @@ private:
     RestartCopy copy(*m_base, m_target);
     // The store knows the copy's name, people know the target's.
     m_session.ShowAs(copy.File(), '"' + m_targetName + '"');
-    const bool clean = GoOn(conversion, copy.File());
+    bool clean = false;
+    try {
+      clean = GoOn(conversion, copy.File());
+    } catch (const eds_DamagedFileException& damage) { // of what was copied
+      cow_String text = damage.what();
+      const cow_String name = utl_pathText(copy.File());
+      if (const size_t at = text.find(name); at != cow_String::npos)
+        text.replace(at, name.size(), m_base->Name());
+      throw eds_DamagedFileException(text);
+    }
     copy.BecomeTarget(m_target, m_job.force);
     return clean;
   }
