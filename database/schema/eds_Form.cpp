@@ -93,7 +93,9 @@ eds_FormItem::Alternative alternativeOf(std::string_view type) {
                                                                  {"int", eds_FormType::Int},
                                                                  {"real", eds_FormType::Real},
                                                                  {"text", eds_FormType::Text},
-                                                                 {"any", eds_FormType::Any}};
+                                                                 {"any", eds_FormType::Any},
+                                                                 {"node", eds_FormType::Node},
+                                                                 {"element", eds_FormType::Element}};
   for (const auto& [word, known] : plain) {
     if (word != type) continue;
     alternative.type = known;
@@ -167,6 +169,9 @@ void readData(std::string_view text, eds_FormInfo& form) {
     } else if (piece.starts_with("*{")) {
       form.data = eds_FormData::Records;
       form.record = kindNamed(piece.substr(2, piece.size() - 3));
+    } else if (piece.starts_with("*[")) {
+      form.data = eds_FormData::Columns;
+      form.columnItems = itemsOf(piece.substr(2, piece.size() - 3));
     } else {
       readTable(piece, form);
     }
@@ -180,6 +185,8 @@ eds_FieldType fieldTypeOf(const eds_FormItem::Alternative& alternative) {
   case eds_FormType::Flag:
     return eds_FieldType::Bool;
   case eds_FormType::Int:
+  case eds_FormType::Node:
+  case eds_FormType::Element:
     return eds_FieldType::Int;
   case eds_FormType::Real:
     return eds_FieldType::Real;
@@ -238,6 +245,7 @@ public:
       for (eds_FormItem& item : line) AddItem(item);
     if (m_form.data == eds_FormData::Text)
       m_form.textField = static_cast<int>(AddField("lines", eds_FieldType::Text).number);
+    if (m_form.data == eds_FormData::Columns) AddColumns();
     if (const int field = FieldOf("other_parameters"); field >= 0) m_form.othersField = field;
   }
   Form(const Form&) = delete;
@@ -284,6 +292,17 @@ private:
       if (one.referable && one.referable->isScoped)
         one.instanceField = static_cast<int>(
             AddField(column + "_instance", eds_FieldType::Ref, eds_RecordKind::Instance).number);
+    }
+  }
+
+  void AddColumns() {
+    m_form.rowsField = static_cast<int>(AddField("rows", eds_FieldType::Int).number);
+    for (eds_FormItem& item : m_form.columnItems) {
+      eds_FormItem::Alternative& one = item.alternatives.front();
+      one.field = static_cast<int>(AddField(item.name, fieldTypeOf(one)).number);
+      item.fewField = static_cast<int>(AddField(item.name + "_few", eds_FieldType::Bytes).number);
+      item.arrayField = static_cast<int>(
+          AddField(item.name + "_array", eds_FieldType::Ref, eds_RecordKind::Array).number);
     }
   }
 

@@ -19,7 +19,18 @@ struct eds_Referable {
 };
 std::span<const eds_Referable> eds_referables();
 
-enum class eds_FormType : uint8_t { Flag, Int, Real, Text, Choice, Symbol, Any, Reference };
+enum class eds_FormType : uint8_t {
+  Flag,
+  Int,
+  Real,
+  Text,
+  Choice,
+  Symbol,
+  Any,
+  Reference,
+  Node,    // by its label; of bulk columns
+  Element, // likewise
+};
 
 // A value of a keyword: a parameter, or a field of a line; or what operations put into a field.
 struct eds_FormItem {
@@ -36,6 +47,10 @@ struct eds_FormItem {
   double unset = 0;                   // what a number reads as that was never set
   bool isParameter = true;
   bool isRequired = false;
+  // Of a bulk column: short ones as bytes, others as an array; one that has the same value in all
+  // rows has it in the field of its name.
+  int fewField = -1;
+  int arrayField = -1;
   bool isOptional = false; // no place is kept for it at the end of a line
 };
 
@@ -51,6 +66,7 @@ enum class eds_FormData : uint8_t {
   Text,    // lines as they stand
   Records, // one for each line
   Pairs,   // of time and magnitude
+  Columns, // a row for each line, in bulk
   Table,   // rows of values, then the temperature, then the field variables
   Plain,   // rows of values, then the field variables
 };
@@ -67,6 +83,8 @@ struct eds_FormInfo {
   cow_List<cow_List<eds_FormItem>> lines;       // the first ones, of items
   eds_RecordKind record = eds_RecordKind::None; // Records
   int textField = -1;                           // Text
+  cow_List<eds_FormItem> columnItems;           // Columns
+  int rowsField = -1;                           // likewise: how many rows there are
   int othersField = -1; // for the parameters that have no field of their own; -1: kept beside
 };
 

@@ -350,7 +350,7 @@ bool Driver::ProcessInteractions(Labelers& labelers) {
 }
 
 bool Driver::ProcessInitialConditions(Labelers& labelers) {
-  return Run<inpS_InitialConditionVisitor>(labelers);
+  return RunForms<inpS_InitialConditionVisitor>(labelers);
 }
 
 bool Driver::ProcessBoundaryConditions(Labelers& labelers) {

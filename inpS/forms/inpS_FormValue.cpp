@@ -66,6 +66,8 @@ cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inp
     break;
   case eds_FormType::Symbol: // of parameters alone
   case eds_FormType::Any:
+  case eds_FormType::Node: // of columns alone
+  case eds_FormType::Element:
     utl_assertionFailed("a value of a line has a type of decks");
   }
   record.SetString(one.field, inp_Utils::Fold(value.text));
@@ -114,6 +116,34 @@ inpS_SetVisitor::Found inpS_FormNames::Find(const eds_Referable& referable,
   return m_place.FindField(kind, asWritten);
 }
 
+namespace {
+
+Kind labelKind(const eds_FormItem& item) {
+  return item.alternatives.front().type == eds_FormType::Node ? Kind::Nodes : Kind::Elements;
+}
+
+} // namespace
+
+inpS_LabelSpaceView inpS_FormNames::Labels(const eds_FormItem& item) const {
+  const inpS_SetVisitor::LabelSpace space = m_place.SpaceOf(labelKind(item));
+  if (space.occurrence < 0) return {};
+  return {&m_place.LabelerOf(labelKind(item)).Labels(space.occurrence), space.offset};
+}
+
+bool inpS_FormNames::FindLabel(const eds_FormItem& item, const cow_String& asWritten,
+                               long long& ordinal) const {
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
+  int label = 0;
+  if (parts.size() < 2 || !utl_readInt(parts.back(), label)) return false;
+  ordinal = -1;
+  const Kind kind = labelKind(item);
+  const inpS_SetVisitor::LabelSpace space = m_place.SpaceOf(kind, parts[parts.size() - 2]);
+  if (space.occurrence < 0) return true;
+  const int found = m_place.LabelerOf(kind).ConvertInstanceLabel(space.occurrence, label);
+  if (found >= 0) ordinal = found + space.offset;
+  return true;
+}
+
 cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
                           const inpS_FormNames& names, KvoSimDataRecord record) {
   cow_String fault;
@@ -154,6 +184,8 @@ void inpS_printValue(utl_Stream& out, const eds_FormItem& item, const KvoSimData
       return;
     case eds_FormType::Symbol:
     case eds_FormType::Any:
+    case eds_FormType::Node:
+    case eds_FormType::Element:
       return;
     }
   }

@@ -20,11 +20,22 @@ struct inpS_FormValue {
   static inpS_FormValue Of(const inp_DataArray& data, long long row, int col);
 };
 
+// The labels of the owner that is open; null: it has none.
+struct inpS_LabelSpaceView {
+  const eds_LabelMap* labels = nullptr;
+  long long offset = 0; // of its ordinals
+};
+
 // Looks names up from where the walk of a visitor stands.
 class inpS_FormNames {
 public:
   explicit inpS_FormNames(const inpS_SetVisitor& place) : m_place(place) {}
   inpS_SetVisitor::Found Find(const eds_Referable& referable, const cow_String& asWritten) const;
+
+  // Of an item that takes labels of nodes or elements.
+  inpS_LabelSpaceView Labels(const eds_FormItem& item) const;
+  // Of "instance.label"; false when the text is no such thing. -1: there is none of that label.
+  bool FindLabel(const eds_FormItem& item, const cow_String& asWritten, long long& ordinal) const;
 
 private:
   const inpS_SetVisitor& m_place;

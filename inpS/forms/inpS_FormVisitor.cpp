@@ -1,6 +1,7 @@
 #include "inpS/forms/inpS_FormVisitor.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -98,12 +99,15 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
       if (const inp_Item* item = keyword.Find(form.parameters[n].key))
         inpS_takeValue(*form.items[n], inpS_FormValue::Of(*item), m_names, record);
   for (const inpS_Form::Selector& selector : form.selectors) keyword.Find(selector.key);
+  keyword.Find("input"); // the parser has read that file's lines
 }
 
 // Whether the record holds all that the lines say.
 bool inpS_FormVisitor::ReadData(const inp_Keyword& keyword, const eds_FormInfo& form,
                                 const KvoSimPosition& record) {
   const inp_DataArray& data = keyword.Data();
+  if (form.data == eds_FormData::Columns)
+    return inpS_ColumnReader(keyword, form, record, m_names, *this).Read();
   if (form.data == eds_FormData::Records) return ReadRecords(keyword, form.record, record);
   if (form.data == eds_FormData::Text) {
     if (data.Rows() > 0) record.DataRecord().SetString(form.textField, inpS_dataLines(keyword));

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
 
-// The initial conditions phase. It converts no keyword yet: they are kept as text.
-class inpS_InitialConditionVisitor : public inpS_SetVisitor {
+// The initial conditions phase. What has no form yet is kept as text.
+class inpS_InitialConditionVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_InitialConditionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                               const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::InitialConditions, nodes, elements, inventory, ledger) {}
 };

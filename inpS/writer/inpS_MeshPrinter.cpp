@@ -10,9 +10,9 @@
 #include "database/eds_LabelMap.h"
 #include "inpS/mesh/inpS_MeshDimensions.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "inpS/writer/inpS_SharedReader.h"
 #include <algorithm>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace {
@@ -29,20 +29,6 @@ char* separate(char* p) {
   p[1] = ' ';
   return p + 2;
 }
-
-// An array read by the piece from several threads: the engine serves one at a time.
-template <class T> class SharedReader {
-public:
-  explicit SharedReader(const eds_ArrayID& array) : m_reader(array) {}
-  void Read(long long first, std::span<T> out) {
-    const std::lock_guard<std::mutex> lock(m_guard);
-    m_reader.ReadPiece(first, out);
-  }
-
-private:
-  std::mutex m_guard;
-  eds_ArrayReader m_reader;
-};
 
 // The normals of a node block, few and sparse, looked up by ordinal.
 struct Normals {
@@ -94,7 +80,7 @@ void inpS_MeshPrinter::PrintNodes(const inpS_DeckScope& scope) {
 }
 
 void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMeshNodeBlock& block) {
-  SharedReader<double> coordinates(inpS_asListed(block.localCoordinates, block.coordinates));
+  inpS_SharedReader<double> coordinates(inpS_asListed(block.localCoordinates, block.coordinates));
   const Normals normals(block);
   const eds_LabelMap& labels = m_labels.nodes.Labels(scope.nodes);
   constexpr std::size_t kLine = utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;
@@ -237,7 +223,7 @@ void inpS_MeshPrinter::PrintElementBlock(const inpS_DeckScope& scope,
   m_out << '\n';
   const bool gasket = type == "GK3D18" || type == "GK3D18N";
   const ElementLines lines(m_labels, scope, block, gasket);
-  SharedReader<int> connectivity(block.connectivity);
+  inpS_SharedReader<int> connectivity(block.connectivity);
   constexpr std::size_t kMostRoom = std::size_t{16} << 20; // names of instances may be long
   const long long perPiece =
       std::max(1LL, std::min(utl_blockSize(kEntriesPerPiece) / std::max(1, block.width),

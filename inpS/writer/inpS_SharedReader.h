@@ -1,0 +1,20 @@
+#pragma once
+
+#include "database/eds_Array.h"
+#include <mutex>
+#include <span>
+
+// An array read by the piece from several threads: the engine serves one at a time.
+template <class T> class inpS_SharedReader {
+public:
+  explicit inpS_SharedReader(const eds_ArrayID& array) : m_reader(array) {}
+  long long Count() const { return m_reader.Count(); }
+  void Read(long long first, std::span<T> out) {
+    const std::lock_guard<std::mutex> lock(m_guard);
+    m_reader.ReadPiece(first, out);
+  }
+
+private:
+  std::mutex m_guard;
+  eds_ArrayReader m_reader;
+};
