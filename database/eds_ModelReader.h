@@ -17,6 +17,7 @@ struct eds_FieldInfo {
   int64_t intDefault = 0;
   double realDefault = 0;
   std::string_view textDefault;
+  eds_ValueType valueType = eds_ValueType::Double; // Bytes: of the values in them
 };
 
 struct eds_RecordInfo {

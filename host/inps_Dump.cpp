@@ -39,8 +39,10 @@ private:
       const eds_FieldInfo& info = kind.fields[field];
       const eds_FieldValue value = m_model.Value(kind.kind, id, static_cast<int>(field));
       if (inps_isUnset(value) || inps_isProvenance(kind.kind, field)) continue;
-      if (info.type == eds_FieldType::Bytes)
+      if (info.type == eds_FieldType::Bytes && kind.kind == eds_RecordKind::PropertyTable)
         PrintRows(std::get<std::string_view>(value), id);
+      else if (info.type == eds_FieldType::Bytes)
+        PrintColumn(info, std::get<std::string_view>(value));
       else
         PrintField(info, value);
     }
@@ -114,6 +116,16 @@ private:
       }
       m_out << '\n';
     }
+  }
+
+  void PrintColumn(const eds_FieldInfo& info, std::string_view bytes) {
+    const auto size = static_cast<std::size_t>(eds_sizeOf(info.valueType));
+    m_out << "  " << info.column << ':';
+    for (std::size_t at = 0; at + size <= bytes.size(); at += size)
+      m_out << ' '
+            << inps_itemValueText(info.valueType,
+                                  reinterpret_cast<const std::byte*>(bytes.data() + at));
+    m_out << '\n';
   }
 
   // Rows of an array are its items; an array of single values has ten to a row.

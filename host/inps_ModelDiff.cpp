@@ -198,39 +198,41 @@ private:
       return;
     }
     if (info.name == "Grid" && SameGrid(a, b)) return;
-    if (info.type == eds_FieldType::Bytes) return CompareRows(a, b);
+    if (info.type == eds_FieldType::Bytes) return CompareRows(info, a, b);
     Differ(info.column, inps_valueText(m_a.Model(), info, a), inps_valueText(m_b.Model(), info, b));
   }
 
-  bool SameNumber(const void* a, const void* b) const {
-    if (std::memcmp(a, b, sizeof(double)) == 0) return true;
+  bool SameNumber(eds_ValueType type, const void* a, const void* b) const {
+    if (std::memcmp(a, b, static_cast<std::size_t>(eds_sizeOf(type))) == 0) return true;
+    if (type != eds_ValueType::Double) return false;
     double values[2];
     std::memcpy(&values[0], a, sizeof(double));
     std::memcpy(&values[1], b, sizeof(double));
     return m_tolerance.IsGiven() && m_tolerance.Allows(values[0], values[1]);
   }
 
-  // The values that a property table holds itself: the first that differs.
-  void CompareRows(const eds_FieldValue& a, const eds_FieldValue& b) {
+  // The values that a record holds itself: the first that differs.
+  void CompareRows(const eds_FieldInfo& info, const eds_FieldValue& a, const eds_FieldValue& b) {
+    const auto size = static_cast<std::size_t>(eds_sizeOf(info.valueType));
     const auto* rowsA = std::get_if<std::string_view>(&a);
     const auto* rowsB = std::get_if<std::string_view>(&b);
     const std::string_view bytesA = rowsA ? *rowsA : std::string_view();
     const std::string_view bytesB = rowsB ? *rowsB : std::string_view();
     std::size_t at = 0;
-    while (at + sizeof(double) <= std::min(bytesA.size(), bytesB.size()) &&
-           SameNumber(bytesA.data() + at, bytesB.data() + at))
-      at += sizeof(double);
+    while (at + size <= std::min(bytesA.size(), bytesB.size()) &&
+           SameNumber(info.valueType, bytesA.data() + at, bytesB.data() + at))
+      at += size;
     if (at == bytesA.size() && at == bytesB.size()) return; // within the tolerance
-    const auto text = [at](std::string_view bytes) {
-      const auto count = static_cast<int64_t>(bytes.size() / sizeof(double));
+    const auto text = [&](std::string_view bytes) {
+      const auto count = static_cast<int64_t>(bytes.size() / size);
       cow_String line = inps_counted(count, "value");
-      if (at + sizeof(double) <= bytes.size())
-        line += ", at " + std::to_string(at / sizeof(double)) + " " +
-                inps_itemValueText(eds_ValueType::Double,
+      if (at + size <= bytes.size())
+        line += ", at " + std::to_string(at / size) + " " +
+                inps_itemValueText(info.valueType,
                                    reinterpret_cast<const std::byte*>(bytes.data() + at));
       return line;
     };
-    Differ("values", text(bytesA), text(bytesB));
+    Differ(info.column, text(bytesA), text(bytesB));
   }
 
   // A grid names its collections by number, and those differ between files.

@@ -89,13 +89,10 @@ eds_FormItem::Alternative alternativeOf(std::string_view type) {
       alternative.words.emplace_back(word);
     return alternative;
   }
-  constexpr std::pair<std::string_view, eds_FormType> plain[] = {{"flag", eds_FormType::Flag},
-                                                                 {"int", eds_FormType::Int},
-                                                                 {"real", eds_FormType::Real},
-                                                                 {"text", eds_FormType::Text},
-                                                                 {"any", eds_FormType::Any},
-                                                                 {"node", eds_FormType::Node},
-                                                                 {"element", eds_FormType::Element}};
+  constexpr std::pair<std::string_view, eds_FormType> plain[] = {
+      {"flag", eds_FormType::Flag},      {"int", eds_FormType::Int}, {"real", eds_FormType::Real},
+      {"text", eds_FormType::Text},      {"any", eds_FormType::Any}, {"node", eds_FormType::Node},
+      {"element", eds_FormType::Element}};
   for (const auto& [word, known] : plain) {
     if (word != type) continue;
     alternative.type = known;
@@ -300,7 +297,9 @@ private:
     for (eds_FormItem& item : m_form.columnItems) {
       eds_FormItem::Alternative& one = item.alternatives.front();
       one.field = static_cast<int>(AddField(item.name, fieldTypeOf(one)).number);
-      item.fewField = static_cast<int>(AddField(item.name + "_few", eds_FieldType::Bytes).number);
+      const Field few = AddField(item.name + "_few", eds_FieldType::Bytes);
+      item.fewField = static_cast<int>(few.number);
+      if (one.type != eds_FormType::Real) few.info.valueType = eds_ValueType::Int32;
       item.arrayField = static_cast<int>(
           AddField(item.name + "_array", eds_FieldType::Ref, eds_RecordKind::Array).number);
     }

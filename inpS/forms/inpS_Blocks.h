@@ -6,7 +6,13 @@
 // The blocks of a written deck (inpS_blocks.def), read by the writer, by the phases that convert
 // forms, and by what keeps text in its place.
 
-enum class inpS_Phase : unsigned char { None, Orientations, Constraints, Sections, InitialConditions };
+enum class inpS_Phase : unsigned char {
+  None,
+  Orientations,
+  Constraints,
+  Sections,
+  InitialConditions
+};
 
 struct inpS_Block {
   int number;

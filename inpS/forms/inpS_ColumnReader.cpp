@@ -67,8 +67,7 @@ template <class T> void inpS_ColumnStore::Spread(cow_List<T>& few, T first) {
   }
 }
 
-template <class T>
-void inpS_ColumnStore::AppendTo(std::span<const T> values, cow_List<T>& few) {
+template <class T> void inpS_ColumnStore::AppendTo(std::span<const T> values, cow_List<T>& few) {
   if (!m_array && (few.size() + values.size()) * sizeof(T) <= kFewBytes) {
     few.insert(few.end(), values.begin(), values.end());
     return;
@@ -88,9 +87,9 @@ void inpS_ColumnStore::Finish() {
   if (m_isOne && IsReal()) return record.SetDouble(field, m_firstReal);
   if (m_isOne) return record.SetInt(field, m_firstInt);
   if (m_array) return record.SetReference(m_item.arrayField, m_array->Finish().Position());
-  const auto bytes = IsReal() ? std::as_bytes(std::span(m_reals)) : std::as_bytes(std::span(m_ints));
-  record.SetString(m_item.fewField,
-                   {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  const auto bytes =
+      IsReal() ? std::as_bytes(std::span(m_reals)) : std::as_bytes(std::span(m_ints));
+  record.SetString(m_item.fewField, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 // ---- all of them
@@ -221,9 +220,8 @@ bool inpS_ColumnReader::TakeOdd(const Piece& piece, std::size_t slot, long long 
       piece.columns[c].ints[slot] = TargetOf(c, data.AsStringVerbatim(row, col));
     if (m_types[c] == inp_ColumnType::Target && !isBlank &&
         data.Type(row, col) == inp_FieldType::Integer)
-      piece.columns[c].ints[slot] =
-          m_spaces[c].labels->Ordinal(piece.columns[c].ints[slot]) +
-          static_cast<int>(m_spaces[c].offset);
+      piece.columns[c].ints[slot] = m_spaces[c].labels->Ordinal(piece.columns[c].ints[slot]) +
+                                    static_cast<int>(m_spaces[c].offset);
   }
   return true;
 }
@@ -247,9 +245,8 @@ int inpS_ColumnReader::TargetOf(std::size_t column, std::string_view name) {
 }
 
 int inpS_ColumnReader::PlaceOf(const KvoSimPosition& set, const KvoSimPosition& instance) {
-  const auto [known, isNew] =
-      m_places.try_emplace({set.Object().Packed(), instance.Object().Packed()},
-                           -1 - static_cast<int>(m_places.size()));
+  const auto [known, isNew] = m_places.try_emplace(
+      {set.Object().Packed(), instance.Object().Packed()}, -1 - static_cast<int>(m_places.size()));
   if (isNew) {
     const KvoSimPosition target = m_record.CreateDataRecord(eds_RecordKind::Target);
     target.DataRecord().SetReference(eds_Target_Set, set);

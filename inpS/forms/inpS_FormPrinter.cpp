@@ -43,7 +43,8 @@ void printLine(utl_Stream& out, const cow_List<eds_FormItem>& items,
 
 } // namespace
 
-void inpS_printForm(utl_Stream& out, const KvoSimPosition& position, const inpS_KeptPart& beside) {
+void inpS_printForm(utl_Stream& out, const KvoSimPosition& position, const inpS_KeptPart& beside,
+                    const inpS_PrintColumns& printColumns) {
   const inpS_Form* form = inpS_FormTable::Instance().Find(position.Object().RecordKind());
   if (!form) return; // of a newer version's kind: nothing is known of it
   const KvoSimDataRecord record = position.DataRecord();
@@ -53,6 +54,7 @@ void inpS_printForm(utl_Stream& out, const KvoSimPosition& position, const inpS_
     return;
   }
   for (const cow_List<eds_FormItem>& line : form->info->lines) printLine(out, line, record);
+  if (form->info->data == eds_FormData::Columns) printColumns(*form->info, position);
   if (form->info->data == eds_FormData::Text) out << record.GetString(form->info->textField);
   if (form->info->data == eds_FormData::Records)
     for (const KvoSimPosition& line : position.GetVector(eds_Member::Lines))

@@ -1,5 +1,6 @@
 #include "inpS/forms/inpS_FormValue.h"
 #include "base/utl_Assert.h"
+#include "base/utl_Number.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
@@ -133,13 +134,17 @@ inpS_LabelSpaceView inpS_FormNames::Labels(const eds_FormItem& item) const {
 bool inpS_FormNames::FindLabel(const eds_FormItem& item, const cow_String& asWritten,
                                long long& ordinal) const {
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
-  int label = 0;
-  if (parts.size() < 2 || !utl_readInt(parts.back(), label)) return false;
+  if (parts.size() < 2) return false;
+  std::int64_t label = 0;
+  const char* const end = parts.back().data() + parts.back().size();
+  if (utl_readInt(parts.back().data(), end, label) != end) return false;
   ordinal = -1;
+  if (label != static_cast<int>(label)) return true;
   const Kind kind = labelKind(item);
   const inpS_SetVisitor::LabelSpace space = m_place.SpaceOf(kind, parts[parts.size() - 2]);
   if (space.occurrence < 0) return true;
-  const int found = m_place.LabelerOf(kind).ConvertInstanceLabel(space.occurrence, label);
+  const int found =
+      m_place.LabelerOf(kind).ConvertInstanceLabel(space.occurrence, static_cast<int>(label));
   if (found >= 0) ordinal = found + space.offset;
   return true;
 }

@@ -35,7 +35,7 @@ KvoSimPosition inpS_SetVisitor::Model() const {
 }
 
 KvoSimPosition inpS_SetVisitor::Holder() const {
-  return m_scope && m_scope->kind == inp_Scope::Kind::Model ? Model() : m_owner;
+  return !m_scope || m_scope->kind == inp_Scope::Kind::Model ? Model() : m_owner;
 }
 
 void inpS_SetVisitor::Visit(const inp_Keyword& keyword) {

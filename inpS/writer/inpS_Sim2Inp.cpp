@@ -8,6 +8,7 @@
 #include "inpS/forms/inpS_FormPrinter.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
 #include "inpS/writer/inpS_AmplitudePrinter.h"
+#include "inpS/writer/inpS_ColumnPrinter.h"
 #include "inpS/writer/inpS_MaterialPrinter.h"
 #include "inpS/writer/inpS_MeshPrinter.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
@@ -266,7 +267,10 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
   printTexts(&scope.owner);
   if (block.HasForms()) {
     for (const KvoSimPosition& record : scope.owner.GetVector(block.member)) {
-      inpS_printForm(*out, record, parts.FirstOf(record));
+      inpS_printForm(*out, record, parts.FirstOf(record),
+                     [&](const eds_FormInfo& form, const KvoSimPosition& columns) {
+                       inpS_printColumns(*out, form, columns, *labels, scope);
+                     });
       printTexts(&record);
     }
   }

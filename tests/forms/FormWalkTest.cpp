@@ -57,6 +57,7 @@ public:
     if (m_form.info->data == eds_FormData::Records)
       for (int row = 0; row < 2; ++row)
         given.text += Line(eds_formOf(m_form.info->record)->lines.front(), missing, m_lost);
+    if (m_form.info->data == eds_FormData::Columns) given.text += Rows(missing);
     return given;
   }
 
@@ -67,6 +68,25 @@ private:
     for (const eds_FormItem& item : items)
       text += (text.empty() ? "" : ", ") + Value(item, {}, &item == missing, values);
     return text + "\n";
+  }
+
+  // By label and by the name of a set.
+  cow_String Rows(const eds_FormItem* missing) {
+    cow_String text;
+    for (const bool byName : {false, true}) {
+      cow_String line;
+      for (const eds_FormItem& item : m_form.info->columnItems) {
+        const bool isTarget = item.alternatives.size() > 1;
+        const cow_String name =
+            isTarget ? targets.at(item.alternatives.back().referable->word) : cow_String();
+        line += (line.empty() ? "" : ", ") + (&item == missing      ? "NOWHERE"
+                                              : isTarget && !byName ? "1"
+                                              : isTarget            ? name
+                                                         : Value(item, {}, false, m_lost));
+      }
+      text += line + "\n";
+    }
+    return text;
   }
 
   // Of the item's first type.
@@ -141,6 +161,9 @@ protected:
       if (column.type == eds_FieldType::Symbol) continue; // its word is checked by the way back
       EXPECT_EQ(textOf(record, field, column.type), value) << Name(form) << "." << column.name;
     }
+    if (form.info->data == eds_FormData::Columns) {
+      EXPECT_EQ(record.GetInt(form.info->rowsField), 2) << Name(form);
+    }
     if (form.info->data == eds_FormData::Records) {
       EXPECT_EQ(records.back().GetVector(eds_Member::Lines).size(), 2u) << Name(form);
     }
@@ -172,8 +195,10 @@ TEST_F(FormWalk, WhatIsMissingIsTold) {
   cow_Map<cow_String, bool> told;
   for (const eds_Referable& referable : eds_referables()) told[cow_String(referable.word)];
   const auto check = [&](const inpS_Form& form, const eds_FormItem& item) {
-    const eds_Referable* referable = item.alternatives.front().referable;
-    if (!referable || item.alternatives.size() > 1) return;
+    const bool isColumn = form.info->data == eds_FormData::Columns;
+    const eds_Referable* referable =
+        (isColumn ? item.alternatives.back() : item.alternatives.front()).referable;
+    if (!referable || (item.alternatives.size() > 1 && !isColumn)) return;
     const Given given = FormDeck(form).Keyword(&item);
     const ProgramRun run(
         {"convert", Deck("a.inp", model + given.text), "-o", File("a.sim"), "--force"});
@@ -189,6 +214,7 @@ TEST_F(FormWalk, WhatIsMissingIsTold) {
     for (const eds_FormItem* item : form->items) check(*form, *item);
     for (const auto& line : form->info->lines)
       for (const eds_FormItem& item : line) check(*form, item);
+    for (const eds_FormItem& item : form->info->columnItems) check(*form, item);
     if (form->info->data != eds_FormData::Records) continue;
     for (const eds_FormItem& item : eds_formOf(form->info->record)->lines.front())
       check(*form, item);

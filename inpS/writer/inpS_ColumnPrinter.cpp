@@ -1,0 +1,206 @@
+#include "inpS/writer/inpS_ColumnPrinter.h"
+#include "base/utl_BlockSize.h"
+#include "base/utl_Stream.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/eds_DamagedModel.h"
+#include "inpS/keywords/inpS_QuotedName.h"
+#include "inpS/writer/inpS_SetNames.h"
+#include "inpS/writer/inpS_SharedReader.h"
+#include "parser/inp_BulkColumns.h"
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+namespace {
+
+constexpr long long kRowsPerPiece = 8 << 10;
+
+// A column of a record, by the piece: one value for all rows, bytes, or an array.
+template <class T> class Column {
+public:
+  Column(const KvoSimDataRecord& record, const eds_FormItem& item, long long rows, T one)
+      : m_one(one) {
+    if (const KvoSimPosition array = record.GetReference(item.arrayField); !array.IsNull()) {
+      m_array.emplace(eds_ArrayID{array.Store(), array.ID()});
+      Check(record, m_array->Count(), rows);
+    } else if (!record.IsMemberNull(item.fewField)) {
+      const std::string_view bytes = record.GetString(item.fewField);
+      Check(record, static_cast<long long>(bytes.size() / sizeof(T)), rows);
+      m_few.resize(bytes.size() / sizeof(T));
+      std::memcpy(m_few.data(), bytes.data(), m_few.size() * sizeof(T));
+    }
+  }
+
+  void Read(long long first, std::span<T> out) {
+    if (m_array) return m_array->Read(first, out);
+    if (m_few.empty())
+      std::ranges::fill(out, m_one);
+    else
+      std::copy_n(m_few.begin() + first, out.size(), out.begin());
+  }
+
+private:
+  static void Check(const KvoSimDataRecord& record, long long has, long long rows) {
+    if (has != rows)
+      eds_tellDamaged(record.Pos(), "a column has " + std::to_string(has) + " values for " +
+                                        std::to_string(rows) + " rows");
+  }
+
+  T m_one;
+  cow_List<T> m_few;
+  std::optional<inpS_SharedReader<T>> m_array;
+};
+
+// What a line shows for a target: a label, "instance.label", or the name of a set.
+class Targets {
+public:
+  Targets(const KvoSimPosition& record, bool nodes, const inpS_DeckLabels& labels,
+          const inpS_DeckScope& scope)
+      : m_record(record), m_labeler(nodes ? labels.nodes : labels.elements), m_all(labels),
+        m_nodes(nodes), m_own(nodes ? scope.nodes : scope.elements) {
+    for (const KvoSimPosition& target : record.GetVector(eds_Member::Targets)) {
+      const KvoSimDataRecord named = target.DataRecord();
+      const KvoSimPosition instance = named.GetReference(eds_Target_Instance);
+      cow_String name;
+      if (!instance.IsNull())
+        name = inpS_quoted(instance.DataRecord().ReturnString(eds_Instance_Name)) + ".";
+      m_names.push_back(name + inpS_quoted(SetName(named.GetReference(eds_Target_Set))));
+      m_room = std::max(m_room, m_names.back().size());
+    }
+    for (const cow_String& name : nodes ? labels.nodeInstances : labels.elementInstances)
+      m_room = std::max(m_room, name.size() + 1 + utl_intTextRoom);
+    if (m_own < 0) return;
+    m_labels = &m_labeler.Labels(m_own);
+    m_first = scope.isPart ? 0 : std::max<long long>(0, m_labeler.FlatFirst(m_own));
+  }
+
+  std::size_t Room() const { return m_room; }
+
+  char* Print(char* out, int target) const {
+    if (target < 0) {
+      const auto place = static_cast<std::size_t>(-1LL - target);
+      if (place >= m_names.size()) TellDamaged(target);
+      return Put(out, m_names[place]);
+    }
+    if (m_labels && target >= m_first && target - m_first < m_labels->Size())
+      return utl_printInt(out, m_labels->Label(target - m_first));
+    int64_t ordinal = 0;
+    const int occurrence = m_labeler.OccurrenceOfFlat(target, ordinal);
+    if (occurrence < 0) TellDamaged(target);
+    out = Put(out, m_all.InstanceOf(m_nodes, occurrence));
+    *out++ = '.';
+    return utl_printInt(out, m_labeler.Labels(occurrence).Label(ordinal));
+  }
+
+private:
+  static char* Put(char* out, std::string_view text) {
+    std::memcpy(out, text.data(), text.size());
+    return out + text.size();
+  }
+  [[noreturn]] void TellDamaged(int target) const {
+    eds_tellDamaged(m_record, "a column names " + std::to_string(target) + ", which is nothing");
+  }
+
+  KvoSimPosition m_record;
+  const KvoObjLabeler& m_labeler;
+  const inpS_DeckLabels& m_all;
+  bool m_nodes;
+  int m_own;
+  const eds_LabelMap* m_labels = nullptr; // of the scope's own
+  long long m_first = 0;                  // of their ordinals
+  cow_List<cow_String> m_names;
+  std::size_t m_room = utl_intTextRoom;
+};
+
+// One field of each line, a piece at a time.
+class Field {
+public:
+  Field(const eds_FormItem& item, const KvoSimPosition& position, long long rows,
+        const inpS_DeckLabels& labels, const inpS_DeckScope& scope)
+      : m_type(item.alternatives.front().type) {
+    const KvoSimDataRecord record = position.DataRecord();
+    const int field = item.alternatives.front().field;
+    if (m_type == eds_FormType::Real) {
+      m_reals.emplace(record, item, rows,
+                      record.IsMemberNull(field) ? inp_blankReal : record.GetDouble(field));
+      return;
+    }
+    m_ints.emplace(record, item, rows,
+                   record.IsMemberNull(field) ? inp_blankInt : record.GetInt(field));
+    if (m_type != eds_FormType::Int)
+      m_targets.emplace(position, m_type == eds_FormType::Node, labels, scope);
+  }
+
+  std::size_t Room() const {
+    return m_targets ? m_targets->Room() : m_reals ? utl_doubleTextRoom : utl_intTextRoom;
+  }
+
+  struct Values {
+    cow_List<int> ints;
+    cow_List<double> reals;
+    bool IsBlank(std::size_t n) const {
+      return ints.empty() ? inp_isBlankReal(reals[n]) : ints[n] == inp_blankInt;
+    }
+  };
+  void Read(long long first, std::size_t count, Values& values) {
+    values.ints.resize(m_ints ? count : 0);
+    values.reals.resize(m_reals ? count : 0);
+    if (m_ints) m_ints->Read(first, values.ints);
+    if (m_reals) m_reals->Read(first, values.reals);
+  }
+  char* Print(char* out, const Values& values, std::size_t n) const {
+    if (values.IsBlank(n)) return out;
+    if (m_targets) return m_targets->Print(out, values.ints[n]);
+    return m_reals ? utl_printDouble(out, values.reals[n]) : utl_printInt(out, values.ints[n]);
+  }
+
+private:
+  eds_FormType m_type;
+  std::optional<Column<int>> m_ints;
+  std::optional<Column<double>> m_reals;
+  std::optional<Targets> m_targets;
+};
+
+// Up to the last field that is given.
+char* printLine(char* out, const cow_List<std::unique_ptr<Field>>& fields,
+                const cow_List<Field::Values>& values, std::size_t n) {
+  std::size_t count = fields.size();
+  while (count > 0 && values[count - 1].IsBlank(n)) --count;
+  for (std::size_t c = 0; c < count; ++c) {
+    if (c > 0) {
+      *out++ = ',';
+      *out++ = ' ';
+    }
+    out = fields[c]->Print(out, values[c], n);
+  }
+  *out++ = '\n';
+  return out;
+}
+
+} // namespace
+
+void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPosition& record,
+                       const inpS_DeckLabels& labels, const inpS_DeckScope& scope) {
+  const long long rows = record.DataRecord().GetInt64(form.rowsField);
+  cow_List<std::unique_ptr<Field>> fields;
+  std::size_t room = 1;
+  for (const eds_FormItem& item : form.columnItems) {
+    fields.push_back(std::make_unique<Field>(item, record, rows, labels, scope));
+    room += fields.back()->Room() + 2;
+  }
+  const long long perPiece = std::clamp(rows, 1LL, utl_blockSize(kRowsPerPiece));
+  const long long pieces = (rows + perPiece - 1) / perPiece;
+  utl_printBlocks(out, static_cast<std::size_t>(std::max(pieces, 0LL)),
+                  room * static_cast<std::size_t>(perPiece), [&](std::size_t piece, char* line) {
+                    const long long first = static_cast<long long>(piece) * perPiece;
+                    const auto count = static_cast<std::size_t>(std::min(perPiece, rows - first));
+                    thread_local cow_List<Field::Values> values;
+                    values.resize(fields.size());
+                    for (std::size_t c = 0; c < fields.size(); ++c)
+                      fields[c]->Read(first, count, values[c]);
+                    for (std::size_t n = 0; n < count; ++n)
+                      line = printLine(line, fields, values, n);
+                    return line;
+                  });
+}
