@@ -88,8 +88,10 @@ public:
     int64_t ordinal = 0;
     const int occurrence = m_labeler.OccurrenceOfFlat(target, ordinal);
     if (occurrence < 0) TellDamaged(target);
-    out = Put(out, m_all.InstanceOf(m_nodes, occurrence));
-    *out++ = '.';
+    if (const cow_String& instance = m_all.InstanceOf(m_nodes, occurrence); !instance.empty()) {
+      out = Put(out, instance);
+      *out++ = '.';
+    }
     return utl_printInt(out, m_labeler.Labels(occurrence).Label(ordinal));
   }
 
