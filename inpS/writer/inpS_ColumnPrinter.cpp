@@ -19,10 +19,11 @@ constexpr long long kRowsPerPiece = 8 << 10;
 // A column of a record, by the piece: one value for all rows, bytes, or an array.
 template <class T> class Column {
 public:
-  Column(const KvoSimDataRecord& record, const eds_FormItem& item, long long rows, T one)
+  Column(const KvoSimDataRecord& record, const eds_FormItem& item, long long rows, T one,
+         std::mutex& guard)
       : m_one(one) {
     if (const KvoSimPosition array = record.GetReference(item.arrayField); !array.IsNull()) {
-      m_array.emplace(eds_ArrayID{array.Store(), array.ID()});
+      m_array.emplace(eds_ArrayID{array.Store(), array.ID()}, guard);
       Check(record, m_array->Count(), rows);
     } else if (!record.IsMemberNull(item.fewField)) {
       const std::string_view bytes = record.GetString(item.fewField);
@@ -119,17 +120,17 @@ private:
 class Field {
 public:
   Field(const eds_FormItem& item, const KvoSimPosition& position, long long rows,
-        const inpS_DeckLabels& labels, const inpS_DeckScope& scope)
+        const inpS_DeckLabels& labels, const inpS_DeckScope& scope, std::mutex& guard)
       : m_type(item.alternatives.front().type) {
     const KvoSimDataRecord record = position.DataRecord();
     const int field = item.alternatives.front().field;
     if (m_type == eds_FormType::Real) {
       m_reals.emplace(record, item, rows,
-                      record.IsMemberNull(field) ? inp_blankReal : record.GetDouble(field));
+                      record.IsMemberNull(field) ? inp_blankReal : record.GetDouble(field), guard);
       return;
     }
     m_ints.emplace(record, item, rows,
-                   record.IsMemberNull(field) ? inp_blankInt : record.GetInt(field));
+                   record.IsMemberNull(field) ? inp_blankInt : record.GetInt(field), guard);
     if (m_type != eds_FormType::Int)
       m_targets.emplace(position, m_type == eds_FormType::Node, labels, scope);
   }
@@ -185,10 +186,11 @@ char* printLine(char* out, const cow_List<std::unique_ptr<Field>>& fields,
 void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPosition& record,
                        const inpS_DeckLabels& labels, const inpS_DeckScope& scope) {
   const long long rows = record.DataRecord().GetInt64(form.rowsField);
+  std::mutex guard;
   cow_List<std::unique_ptr<Field>> fields;
   std::size_t room = 1;
   for (const eds_FormItem& item : form.columnItems) {
-    fields.push_back(std::make_unique<Field>(item, record, rows, labels, scope));
+    fields.push_back(std::make_unique<Field>(item, record, rows, labels, scope, guard));
     room += fields.back()->Room() + 2;
   }
   const long long perPiece = std::clamp(rows, 1LL, utl_blockSize(kRowsPerPiece));

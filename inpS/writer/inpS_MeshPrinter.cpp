@@ -80,7 +80,9 @@ void inpS_MeshPrinter::PrintNodes(const inpS_DeckScope& scope) {
 }
 
 void inpS_MeshPrinter::PrintNodeBlock(const inpS_DeckScope& scope, const KvoMeshNodeBlock& block) {
-  inpS_SharedReader<double> coordinates(inpS_asListed(block.localCoordinates, block.coordinates));
+  std::mutex guard;
+  inpS_SharedReader<double> coordinates(inpS_asListed(block.localCoordinates, block.coordinates),
+                                        guard);
   const Normals normals(block);
   const eds_LabelMap& labels = m_labels.nodes.Labels(scope.nodes);
   constexpr std::size_t kLine = utl_intTextRoom + 6 * (utl_doubleTextRoom + kSeparatorRoom) + 1;
@@ -223,7 +225,8 @@ void inpS_MeshPrinter::PrintElementBlock(const inpS_DeckScope& scope,
   m_out << '\n';
   const bool gasket = type == "GK3D18" || type == "GK3D18N";
   const ElementLines lines(m_labels, scope, block, gasket);
-  inpS_SharedReader<int> connectivity(block.connectivity);
+  std::mutex guard;
+  inpS_SharedReader<int> connectivity(block.connectivity, guard);
   constexpr std::size_t kMostRoom = std::size_t{16} << 20; // names of instances may be long
   const long long perPiece =
       std::max(1LL, std::min(utl_blockSize(kEntriesPerPiece) / std::max(1, block.width),

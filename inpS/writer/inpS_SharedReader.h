@@ -4,10 +4,12 @@
 #include <mutex>
 #include <span>
 
-// An array read by the piece from several threads: the engine serves one at a time.
+// An array read by the piece from several threads: the engine serves one at a time, so the readers
+// of one printing share a guard.
 template <class T> class inpS_SharedReader {
 public:
-  explicit inpS_SharedReader(const eds_ArrayID& array) : m_reader(array) {}
+  inpS_SharedReader(const eds_ArrayID& array, std::mutex& guard)
+      : m_guard(guard), m_reader(array) {}
   long long Count() const { return m_reader.Count(); }
   void Read(long long first, std::span<T> out) {
     const std::lock_guard<std::mutex> lock(m_guard);
@@ -15,6 +17,6 @@ public:
   }
 
 private:
-  std::mutex m_guard;
+  std::mutex& m_guard;
   eds_ArrayReader m_reader;
 };

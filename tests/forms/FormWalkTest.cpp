@@ -223,6 +223,35 @@ TEST_F(FormWalk, WhatIsMissingIsTold) {
   for (const auto& [word, isTold] : told) EXPECT_TRUE(isTold) << "no form refers to " << word;
 }
 
+// More lines than a piece has: columns become arrays, whatever they began as.
+TEST_F(FormWalk, LinesBeyondAPiece) {
+  constexpr int lines = 20000;
+  for (const inpS_Form* form : walkedForms()) {
+    if (form->info->data != eds_FormData::Columns) continue;
+    Given given = FormDeck(*form).Keyword(nullptr);
+    given.text.resize(given.text.find('\n') + 1);
+    for (int line = 0; line < lines; ++line) {
+      const cow_String number = std::to_string(line);
+      cow_String text;
+      for (const eds_FormItem& item : form->info->columnItems) {
+        const bool isTarget = item.alternatives.size() > 1;
+        const bool isReal = item.alternatives.front().type == eds_FormType::Real;
+        text +=
+            (text.empty() ? "" : ", ") + (isTarget && line % 10000 == 9999
+                                              ? targets.at(item.alternatives.back().referable->word)
+                                          : isTarget ? cow_String("1")
+                                          : isReal   ? number + ".5"
+                                                     : std::to_string(line < 9000 ? 7 : 8));
+      }
+      given.text += text + "\n";
+    }
+    const cow_String deck = Deck("a.inp", model + given.text);
+    ProgramRun({"convert", deck, "-o", File("a.sim"), "--force"});
+    ProgramRun({"write", File("a.sim"), "-o", File("b.inp"), "--force"});
+    EXPECT_NE(readFile(File("b.inp")).find(given.text), cow_String::npos) << Name(*form);
+  }
+}
+
 // A parameter that the vocabulary does not have would never be read, a block without a member hold
 // nothing.
 TEST_F(FormWalk, RowsAreWhole) {
