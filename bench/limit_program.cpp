@@ -47,10 +47,18 @@ void LimitTurns::Abandon() {
 namespace {
 
 int run(int argc, char** argv) {
-  const std::string_view direction = argc > 3 ? argv[1] : "";
-  if (direction != "convert" && direction != "write") {
+  const std::string_view direction = argc > 2 ? argv[1] : "";
+  if (direction == "columns") {
+    const int most = static_cast<int>(std::thread::hardware_concurrency());
+    const LimitColumns times = limitColumns(argv[2], argc > 4 ? std::atoi(argv[4]) : most);
+    std::printf("{\"rows\": %lld, \"decode_seconds\": %.5f, \"print_seconds\": %.5f}\n",
+                static_cast<long long>(times.rows), times.decodeSeconds, times.printSeconds);
+    return 0;
+  }
+  if (argc < 4 || (direction != "convert" && direction != "write")) {
     std::fputs("limit_program convert DECK MODEL [--threads N] [--scalar] [--sync]\n"
-               "limit_program write   MODEL DECK [--threads N]\n",
+               "limit_program write   MODEL DECK [--threads N]\n"
+               "limit_program columns DECK [--threads N]\n",
                stderr);
     return 2;
   }

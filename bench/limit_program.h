@@ -82,6 +82,15 @@ LimitCounts limitConvert(const std::filesystem::path& deck, const std::filesyste
 LimitCounts limitWrite(const std::filesystem::path& model, const std::filesystem::path& deck,
                        int threads);
 
+// The last keyword's lines of "label or name, integer, real": their fields decoded, and printed
+// again, in memory.
+struct LimitColumns {
+  std::int64_t rows = 0;
+  double decodeSeconds = 0; // the best of several
+  double printSeconds = 0;
+};
+LimitColumns limitColumns(const std::filesystem::path& deck, int threads);
+
 // Runs work() on so many threads, the calling one among them; the first exception comes back.
 void limitRunThreads(int threads, const std::function<void()>& work);
 

@@ -310,6 +310,32 @@ void writeTable(DeckFile& deck, std::size_t rows) {
   }
 }
 
+// Initial velocities, a line each, of a thousand nodes: by label, or by the name of a set.
+void writeColumns(DeckFile& deck, std::size_t rows, bool byName) {
+  constexpr std::size_t nodes = 1000;
+  deck.Text("*NODE\n");
+  for (std::size_t node = 1; node <= nodes; ++node) deck.Integer(node).Text(", 0., 0., 0.\n");
+  for (std::size_t node = 1; byName && node <= nodes; ++node)
+    deck.Text("*NSET, NSET=SET-").Integer(node).Text("\n").Integer(node).Text("\n");
+  deck.Text("*INITIAL CONDITIONS, TYPE=VELOCITY\n");
+  for (std::size_t row = 0; row < rows; ++row) {
+    deck.Text(byName ? "SET-" : "").Integer(1 + row % nodes).Text(", ").Integer(1 + row % 3);
+    deck.Text(", ").Real(0.25 * static_cast<double>(row)).Text("\n");
+  }
+}
+
+// Keywords that refer to one of a thousand sets each.
+void writeReferences(DeckFile& deck, std::size_t count) {
+  constexpr std::size_t sets = 1000;
+  deck.Text("*NODE\n1, 0., 0., 0.\n");
+  for (std::size_t set = 1; set <= sets; ++set)
+    deck.Text("*NSET, NSET=SET-").Integer(set).Text("\n1\n");
+  for (std::size_t number = 0; number < count; ++number) {
+    deck.Text("*TRANSFORM, NSET=SET-").Integer(1 + number % sets);
+    deck.Text("\n1., 0., 0., 0., 1., 0.\n");
+  }
+}
+
 int run(int argc, char** argv) {
   const std::string_view kind = argc > 3 ? argv[1] : "";
   const std::size_t size = argc > 3 ? std::strtoull(argv[2], nullptr, 10) : 0;
@@ -321,7 +347,9 @@ int run(int argc, char** argv) {
                "mesh_generator instances COUNT DECK   the same as instances of a part\n"
                "mesh_generator keywords COUNT DECK    small keywords on a mesh of 8000 bricks\n"
                "mesh_generator materials COUNT DECK   materials of ten behaviours each\n"
-               "mesh_generator table ROWS DECK        a material with one big table\n",
+               "mesh_generator table ROWS DECK        a material with one big table\n"
+               "mesh_generator columns ROWS DECK [order|names]   a keyword of so many lines\n"
+               "mesh_generator references COUNT DECK  keywords that each name a set\n",
                stderr);
     return 2;
   }
@@ -343,6 +371,10 @@ int run(int argc, char** argv) {
     writeMaterials(deck, size);
   else if (kind == "table")
     writeTable(deck, size);
+  else if (kind == "columns")
+    writeColumns(deck, size, labels == "names");
+  else if (kind == "references")
+    writeReferences(deck, size);
   else
     throw std::runtime_error("no such kind of deck");
   deck.Close();
