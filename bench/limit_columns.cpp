@@ -28,12 +28,9 @@ const char* behind(const char* p, const char* end, char separator) {
   return p + 1;
 }
 
-// "target, integer, real": the fields and nothing else.
+// "target, integer, real": the fields and nothing else, into arrays as fresh as a conversion's.
 void decode(Block& block) {
-  block.names.clear();
-  block.targets.clear();
-  block.integers.clear();
-  block.reals.clear();
+  block = Block{block.begin, block.end, {}, {}, {}, {}, {}};
   for (const char* p = block.begin; p != block.end;) {
     std::int64_t value = 0;
     const char* next = utl_readInt(p, block.end, value);

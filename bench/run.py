@@ -292,6 +292,33 @@ def measure_table(bench, processors, rows):
               f"{times['convert_seconds'] / times['bare_seconds']:.2f}", "2 times")
 
 
+def measure_columns(bench, processors, rows):
+    """Lines of target, integer and real in one keyword, beside the bare decode of their fields."""
+    for targets in ("order", "names"):
+        deck = bench.deck("columns", rows, targets)
+        what = f"{rows} lines of {'set' if targets == 'names' else 'label'}, integer, value"
+        bare = json.loads(Run([bench.limit, "columns", deck, "--threads", len(processors)],
+                              processors).output)
+        times = json.loads(Run([bench.table_times, deck], processors).output)
+        bench.row(f"{what}: conversion in memory to the bare decode of the fields",
+                  f"{times['convert_seconds'] / bare['decode_seconds']:.2f}", "2 times")
+        _, inps = bench.convert(deck, processors)
+        _, back = bench.write(processors, bare=False)
+        allowed = 1.25 * 16 * rows + 64e6
+        for direction, best in (("convert", inps), ("write", back)):
+            bench.row(f"{what}, {direction}, whole process",
+                      f"{best.seconds:.2f} s, {best.peak / 1e6:.0f} MB, {best.peak / allowed:.2f} of "
+                      f"the {allowed / 1e6:.0f} MB allowed", "1.00 of it")
+
+
+def measure_references(bench, processors, count):
+    _, inps = bench.convert(bench.deck("references", count), processors)
+    _, back = bench.write(processors, bare=False)
+    for what, best in (("convert", inps), ("write", back)):
+        bench.row(f"{what} {count} keywords that name a set, each",
+                  f"{best.seconds / count * 1e6:.1f} µs", "10 µs")
+
+
 def measure_instances(bench, processors, copies):
     _, flat = bench.convert(bench.deck("blocks", copies), processors)
     _, inps = bench.convert(bench.deck("instances", copies), processors)
@@ -353,6 +380,8 @@ def main():
         measure_small(bench, sets[-1], 20 if words.quick else 50)
         measure_materials(bench, sets[-1], 5000 if words.quick else 20_000)
         measure_table(bench, sets[-1], 1_000_000)
+        measure_columns(bench, sets[-1], 1_000_000)
+        measure_references(bench, sets[-1], 200_000)
         measure_instances(bench, sets[-1], 1000 if words.quick else 10_000)
         measure_generated(bench, sets[-1], 128 if words.quick else 170)
     text = table(bench.rows, words.quick)

@@ -228,8 +228,9 @@ bool inpS_ColumnReader::TakeOdd(const Piece& piece, std::size_t slot, long long 
 
 // A set, or "instance.label".
 int inpS_ColumnReader::TargetOf(std::size_t column, std::string_view name) {
-  const auto [known, isNew] = m_targets[column].try_emplace(cow_String(name), inp_blankInt);
-  if (!isNew) return known->second;
+  if (const auto known = m_targets[column].find(name); known != m_targets[column].end())
+    return known->second;
+  const auto known = m_targets[column].emplace(name, inp_blankInt).first;
   const eds_FormItem& item = m_form.columnItems[column];
   long long ordinal = -1;
   if (m_names.FindLabel(item, known->first, ordinal)) {

@@ -70,7 +70,14 @@ private:
   cow_List<inp_ColumnType> m_types;
   cow_List<inpS_LabelSpaceView> m_spaces; // of target columns
   cow_List<inpS_ColumnStore> m_columns;
-  cow_List<std::unordered_map<cow_String, int>> m_targets; // by column, as written
+  struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const {
+      return std::hash<std::string_view>()(name);
+    }
+  };
+  using TargetsByName = std::unordered_map<cow_String, int, NameHash, std::equal_to<>>;
+  cow_List<TargetsByName> m_targets; // by column, as written
   cow_Map<std::pair<unsigned long long, unsigned long long>, int> m_places;
   cow_List<cow_List<int>> m_codes; // of a piece's names, by column
   cow_List<char> m_isFaulty;       // of a piece's slots
