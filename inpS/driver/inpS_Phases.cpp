@@ -172,10 +172,6 @@ bool Driver::ProcessAssembly() {
 bool Driver::KeepVerbatim(bool restart) {
   inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds(restart));
   visitor.SetLedger(&m_ledger);
-  visitor.SetUnmodelled([](const inp_Keyword& keyword) {
-    return (keyword.Kind() == inp_KwSurface && !inpS_SurfaceVisitor::IsModelled(keyword)) ||
-           (keyword.Kind() == inp_KwAmplitude && !inpS_AmplitudeVisitor::IsModelled(keyword));
-  });
   if (restart) {
     visitor.ContinuePositions();
     visitor.RefuseNewOwners(m_keywords);
@@ -310,6 +306,7 @@ bool Driver::ProcessSurfaces(Labelers& labelers) {
   m_surfaceVisitor->SetTextElements(m_textElements);
   if (labelers.hasSurfaces) m_surfaceVisitor->SkipConverted();
   m_surfaceVisitor->VisitListAndReport(m_keywords);
+  m_ledger.Add(m_surfaceVisitor->KeptAsText());
   return !m_surfaceVisitor->IsError();
 }
 
@@ -442,6 +439,7 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
   inpS_SurfaceVisitor surfaces(*labelers.nodes, *labelers.elements, m_inventory);
   surfaces.SetTextElements(m_textElements);
   surfaces.VisitListAndReport(m_keywords);
+  m_ledger.Add(surfaces.KeptAsText());
   good = !surfaces.IsError() && good;
   SaveSurfaceNodalAreas();
   return good;

@@ -36,8 +36,13 @@ void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
 void inpS_FormVisitor::Convert(const inp_Keyword& keyword, eds_Member member) {
   const inpS_Form* form = inpS_FormTable::Instance().Select(keyword);
   const KvoSimPosition owner = Holder();
-  if (!form || owner.IsNull() || !MayBe(keyword, *form, owner, member))
-    return m_ledger.KeepAsText(keyword);
+  // No sub-option is modelled yet: they stay together.
+  if (!form || owner.IsNull() || !keyword.Suboptions().empty()) return m_ledger.KeepAsText(keyword);
+  if (!MayBe(keyword, *form, owner, member)) {
+    inpS_TextPlace place;
+    place.isTold = true;
+    return m_ledger.KeepAsText(keyword, place);
+  }
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
   const KvoSimPosition record = owner.CreateDataRecord(form->info->kind);
   owner.Associate(member, record);
@@ -53,7 +58,6 @@ void inpS_FormVisitor::Convert(const inp_Keyword& keyword, eds_Member member) {
 
 bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
                              const KvoSimPosition& owner, eds_Member member) {
-  if (!keyword.Suboptions().empty()) return false; // none is modelled yet: they stay together
   if (!CheckReferences(keyword, form)) return false;
   if (form.info->repeat == eds_FormRepeat::Many) return true;
   for (const KvoSimPosition& present : owner.GetVector(member)) {

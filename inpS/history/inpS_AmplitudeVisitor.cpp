@@ -88,11 +88,6 @@ void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   transaction.Commit();
 }
 
-bool inpS_AmplitudeVisitor::IsModelled(const inp_Keyword& keyword) {
-  return !keyword.HasParameter("name") ||
-         inpS_amplitudeForm(keyword.StringOf("definition", "TABULAR"));
-}
-
 const inpS_AmplitudeForm* inpS_AmplitudeVisitor::FormOf(const inp_Keyword& keyword) {
   const cow_String definition = keyword.StringOf("definition", "TABULAR");
   const bool cfd = m_inventory.IsCFD();

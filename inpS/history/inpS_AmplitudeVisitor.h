@@ -14,9 +14,6 @@ class inpS_AmplitudeVisitor : public inpS_Visitor {
 public:
   explicit inpS_AmplitudeVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
 
-  // Whether some record kind serves its definition.
-  static bool IsModelled(const inp_Keyword& keyword);
-
   void VisitAmplitude(const inp_Keyword& keyword) override;
   void VisitBaselineCorrection(const inp_Keyword& keyword) override;
 

@@ -4,6 +4,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
+#include "database/schema/eds_Form.h"
 #include "inpS/forms/inpS_Blocks.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -29,36 +30,28 @@ bool writesElements(const KvoObjMesh& mesh, const KvoSimPosition& owner, long lo
 }
 
 // Whether the writer gives anything of what has been converted in this block of a scope: it writes
-// what the model holds, not the keywords that brought it, and some of that at the model's level
-// only. Unknown keywords behind a material are the material's own.
+// what the model holds, not the keywords that brought it. Unknown keywords behind a material are
+// the material's own.
 bool writes(const KvoObjDocument& document, const KvoSimPosition& owner, int block) {
-  const KvoObjMesh mesh = document.GetMesh();
-  const bool isModel = owner.IsA(eds_RecordKind::Model);
-  KvoSimPosition part;
-  if (owner.IsA(eds_RecordKind::Instance))
-    part = owner.DataRecord().GetReference(eds_Instance_Part);
-  const auto ofPart = [&part](int field) {
-    return part.IsNull() ? 0LL : static_cast<long long>(part.DataRecord().GetInt64(field));
-  };
-  const auto holds = [&owner](eds_Member member) { return !owner.FollowMap(member).empty(); };
-  switch (block) {
-  case 3:
-    return !mesh.IsNull() && writesNodes(mesh, owner, ofPart(eds_Part_NodeCount));
-  case 4:
-    return holds(eds_Member::NodeSets) || holds(eds_Member::InternalNodeSets);
-  case 5:
-    return !mesh.IsNull() && writesElements(mesh, owner, ofPart(eds_Part_ElementCount));
-  case 6:
-    return holds(eds_Member::ElementSets) || holds(eds_Member::InternalElementSets);
-  case 10:
-    return holds(eds_Member::Surfaces) || holds(eds_Member::InternalSurfaces);
-  case 13:
-    return isModel && holds(eds_Member::Amplitudes);
-  case 14:
-    return isModel && !owner.Follow(eds_Member::PhysicalConstants).IsNull();
-  default:
+  const eds_Member member = inpS_block(block).member;
+  if (block == kMaterials || block == kGasketBehaviors || inpS_block(block).HasForms() ||
+      member == eds_Member::Mesh)
     return false;
+  if (member == eds_Member::NodeBlocks || member == eds_Member::ElementBlocks) {
+    const bool nodes = member == eds_Member::NodeBlocks;
+    const KvoObjMesh mesh = document.GetMesh();
+    const KvoSimPosition part = owner.IsA(eds_RecordKind::Instance)
+                                    ? owner.DataRecord().GetReference(eds_Instance_Part)
+                                    : KvoSimPosition();
+    const int count = nodes ? eds_Part_NodeCount : eds_Part_ElementCount;
+    const long long ofPart = part.IsNull() ? 0 : part.DataRecord().GetInt64(count);
+    if (mesh.IsNull()) return false;
+    return nodes ? writesNodes(mesh, owner, ofPart) : writesElements(mesh, owner, ofPart);
   }
+  const auto& referables = eds_referables();
+  const auto named = std::ranges::find(referables, member, &eds_Referable::member);
+  if (named == referables.end()) return !owner.Follow(member).IsNull();
+  return !owner.FollowMap(member).empty() || !owner.FollowMap(named->internalMember).empty();
 }
 
 const char* levelUnder(const KvoSimPosition& owner) {
@@ -109,7 +102,7 @@ bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
   if (m_ledger && m_ledger->RecordOf(keyword)) return true;
   const auto index = static_cast<std::size_t>(keyword.Kind());
   if (index >= m_modelled.size() || !m_modelled[index]) return false;
-  if (AsText(keyword) || (m_unmodelled && m_unmodelled(keyword))) return false;
+  if (AsText(keyword)) return false;
   // Inside a step nothing of the model's own keywords is converted, but for what has its name in
   // the whole model wherever it stands.
   if (keyword.Kind() == inp_KwAmplitude) return true;

@@ -7,7 +7,6 @@
 #include "inpS/model/inpS_NotModelled.h"
 #include "inpS/model/inpS_PlaceCheck.h"
 #include "inpS/model/inpS_RestartDefinitions.h"
-#include <functional>
 #include <optional>
 #include <unordered_map>
 
@@ -20,10 +19,6 @@ public:
 
   // Keywords of converted kinds that are kept all the same.
   void SetLedger(const inpS_Ledger* ledger) { m_ledger = ledger; }
-  // Keywords of modelled kinds that no phase converts all the same.
-  void SetUnmodelled(std::function<bool(const inp_Keyword&)> unmodelled) {
-    m_unmodelled = std::move(unmodelled);
-  }
 
   void Visit(const inp_Keyword& keyword) override;
   void Report() override;
@@ -61,7 +56,6 @@ private:
   const inpS_Inventory& m_inventory;
   cow_List<bool> m_modelled;
   const inpS_Ledger* m_ledger = nullptr;
-  std::function<bool(const inp_Keyword&)> m_unmodelled;
   bool m_isRestart = false;
   std::optional<inpS_RestartDefinitions> m_definitions; // of a restart
   const inp_Scope* m_scope = nullptr;                   // of the keyword before

@@ -35,6 +35,15 @@ bool isAnalytical(Type type) {
   return type == Type::Segments || type == Type::Cylinder || type == Type::Revolution;
 }
 
+// A cutting plane through nodes would have to follow them; it stays text.
+bool isModelled(const inp_Keyword& keyword) {
+  if (inpS_hasUnknownWord(keyword)) return false; // told by the parser
+  const int type = typeOf(keyword);
+  if (type != static_cast<int>(Type::Cutting)) return type >= 0;
+  const inp_Item* definition = keyword.Find("definition");
+  return !definition || definition->AsString() != "NODES";
+}
+
 } // namespace
 
 inpS_SurfaceVisitor::inpS_SurfaceVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -42,15 +51,6 @@ inpS_SurfaceVisitor::inpS_SurfaceVisitor(KvoObjLabeler& nodes, KvoObjLabeler& el
     : inpS_SetVisitor(nodes, elements, inventory) {}
 
 inpS_SurfaceVisitor::~inpS_SurfaceVisitor() = default;
-
-// A cutting plane through nodes would have to follow them; it stays text.
-bool inpS_SurfaceVisitor::IsModelled(const inp_Keyword& keyword) {
-  if (inpS_hasUnknownWord(keyword)) return false; // told by the parser
-  const int type = typeOf(keyword);
-  if (type != static_cast<int>(Type::Cutting)) return type >= 0;
-  const inp_Item* definition = keyword.Find("definition");
-  return !definition || definition->AsString() != "NODES";
-}
 
 void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
   if (!m_isConverted) {
@@ -76,8 +76,9 @@ void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
 void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (m_isConverted || keyword.IsInstanceCopy()) return;
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll(); // text, and told
-  if (!IsModelled(keyword)) {
+  if (!isModelled(keyword)) {
     keyword.ReferAll();
+    m_text.try_emplace(keyword.Body().get());
     m_combiner->AddKeptAsText(Owner(), keyword.StringOf("name", {}));
     return;
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/KvoObjSurface.h"
+#include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/sets/inpS_SetVisitor.h"
 #include <memory>
 #include <optional>
@@ -19,8 +20,8 @@ public:
                       const inpS_Inventory& inventory);
   ~inpS_SurfaceVisitor() override;
 
-  // False for the types that are kept as text.
-  static bool IsModelled(const inp_Keyword& keyword);
+  // Those of types that are kept as text.
+  const inpS_TextKeywords& KeptAsText() const { return m_text; }
 
   // The deck's surfaces are in the database already (the second look of a restart).
   void SkipConverted() { m_isConverted = true; }
@@ -41,6 +42,7 @@ private:
   bool ReadAnalytical(const inp_Keyword& keyword, cow_List<double>& points,
                       cow_List<double>& segments, bool& isWhole);
 
+  inpS_TextKeywords m_text;
   bool m_isConverted = false;
   std::optional<bool> m_lacksMesh; // once it is known
   long long m_withoutMesh = 0;     // surfaces left out since there is no mesh
