@@ -420,7 +420,7 @@ std::vector<eds_RecordKind> eds_Store::Kinds() {
   if (!m_startedEmpty) kinds = Schema().Kinds();
   for (const eds_RowTable& table : m_tables) kinds.push_back(table.Info().kind);
   std::ranges::sort(kinds);
-  kinds.erase(std::ranges::unique(kinds).begin(), kinds.end());
+  kinds.erase(std::unique(kinds.begin(), kinds.end()), kinds.end());
   return kinds;
 }
 

@@ -176,8 +176,8 @@ void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinit
   Result& result = m_results[&set];
   result.state = isTooLarge ? State::TooLarge : State::Done;
   std::ranges::sort(gathered.asText);
-  const auto again = std::ranges::unique(gathered.asText);
-  gathered.asText.erase(again.begin(), again.end());
+  const auto again = std::unique(gathered.asText.begin(), gathered.asText.end());
+  gathered.asText.erase(again, gathered.asText.end());
   result.asText = std::move(gathered.asText);
   if (isTooLarge) return;
   result.members = gathered.Members(set.unsorted);
