@@ -58,8 +58,7 @@ bool hasData(const inp_Keyword& keyword) {
 // A word where the deck language allows the name of a distribution instead of numbers.
 bool mayNameDistribution(const inp_Keyword& keyword) {
   const inp_DataArray& data = keyword.Data();
-  return inp_KeywordTable::Instance().Row(keyword.Kind())->data == inp_DataKind::Mixed &&
-         data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
+  return data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
 }
 
 // "*PLASTIC, *CREEP or *VISCOUS": the keywords that it may be a sub-option of.
