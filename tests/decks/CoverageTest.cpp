@@ -1,0 +1,131 @@
+// What the decks of this tree, together, must reach: every field of the records that are written by
+// hand, and every text of the dictionaries. Forms are walked elsewhere (tests/forms,
+// tests/materials).
+
+#include "database/KvoObjDocument.h"
+#include "database/eds_ModelReader.h"
+#include "database/schema/eds_Form.h"
+#include "database/schema/eds_Schema.h"
+#include "tests/host/ProgramRun.h"
+#include <nlohmann/json.hpp>
+#include <set>
+
+namespace {
+
+using nlohmann::json;
+
+struct Reached {
+  std::set<cow_String> fields; // "Part.Name"
+  cow_String messages;
+};
+
+class DeckCoverage : public ProgramTest {
+protected:
+  void Convert(const std::filesystem::path& deck, Reached& reached) const {
+    constexpr std::string_view options = "** options: ";
+    cow_List<cow_String> words = {"convert",     utl_pathText(deck), "-o",
+                                  File("m.sim"), "--force",          "--json"};
+    const cow_String text = readFile(utl_pathText(deck));
+    if (text.starts_with(options)) {
+      std::istringstream line(text.substr(options.size(), text.find('\n') - options.size()));
+      for (cow_String word; line >> word;) words.push_back(word);
+    }
+    const ProgramRun run(words);
+    const json said = json::parse(run.out, nullptr, false);
+    if (said.is_discarded()) return;
+    for (const json& message : said["messages"])
+      reached.messages += message["text"].get<cow_String>() + "\n";
+    if (!Exists("m.sim")) return;
+    const KvoObjDocument document = KvoObjDocument::Open(File("m.sim"), KvoAccess::ReadOnly);
+    const eds_ModelReader model(document);
+    for (const eds_RecordInfo& record : eds_schemaRecords())
+      for (const int64_t id : model.RecordIDs(record.kind)) Look(model, record, id, reached);
+  }
+
+private:
+  static void Look(const eds_ModelReader& model, const eds_RecordInfo& record, int64_t id,
+                   Reached& reached) {
+    for (std::size_t n = 0; n < record.fields.size(); ++n)
+      if (!std::holds_alternative<std::monostate>(
+              model.Value(record.kind, id, static_cast<int>(n))))
+        reached.fields.insert(cow_String(record.name) + "." + cow_String(record.fields[n].name));
+  }
+};
+
+// What no small deck reaches: kinds and fields.
+const std::set<cow_String> elsewhere = {
+    // the store's services make these for other programs (tests/database)
+    "Region", "Field", "MeshedField", "ShellSection", "ShellPly", "BulkShellLayers", "DSet",
+    "Link.IntKey",
+    // large ones alone (tests/materials, tests/driver)
+    "PropertyTable.Values", "CSet.Array",
+    // the program that converts gives it
+    "Model.ModelString",
+    // of instances of another model, which stay errors
+    "Instance.Library", "Instance.SourceInstance",
+    // nobody writes them: they go with the next change of the format
+    "SystemDefinition", "Model.Name", "Mesh.NodeCount", "Mesh.ElementCount",
+    "MeshDefaults.SolidElementNumbering", "ElementSpec.Coordinates", "ElementSpec.Properties",
+    "ElementSpec.IntegerProperties", "ElementSpec.Variables", "ElementSpec.Unsymmetric",
+    "ElementSpec.Linear", "ElementSpec.DofLines", "NodeSet.Instance", "ElementSet.Instance",
+    "VerbatimKeyword.File", "VerbatimKeyword.Line", "Surface.UserDefined", "Distribution.Name"};
+
+// Texts that no deck can provoke.
+const std::set<std::string_view> unprovoked = {
+    // of a service that no phase asks for these
+    "RequiredExclusiveParameters", "UnsupportedParameters", "UnsupportedParameterValues",
+    // of keywords that are kept as text yet
+    "PartNotCreated", "ConnectivityMissing", "PartsFromInstances", "EmptyPartInstances",
+    "OrientationPointsEqual", "OrientationPointAtOrigin", "OrientationPointsInLine",
+    "OrientationUnknown", "LayerAngleWithOrientation", "BlankTableRows", "FourierTermsMismatch",
+    "PlyNameRepeated", "InstanceWithoutRigidSurface", "AssemblyWithoutRigidSurface",
+    "PartWithoutRigidSurface",
+    // other words tell of the same
+    "InstanceUnknown", "OneRigidSurfacePerPart"};
+
+const std::pair<std::string_view, std::string_view> texts[] = {
+#define INPS_MESSAGE(name, text) {#name, text},
+#include "inpS/messages/inpS_appMessages.def"
+#define INPS_MESSAGE(name, text) {#name, text},
+#include "inpS/messages/inpS_meshMessages.def"
+#define INPS_MESSAGE(name, text) {#name, text},
+#include "inpS/messages/inpS_modelMessages.def"
+};
+
+// The longest part of a text between its arguments.
+cow_String longestPart(std::string_view text) {
+  std::string_view longest;
+  for (std::size_t begin = 0; begin <= text.size();) {
+    const std::size_t end = std::min(text.find_first_of("%\"\n", begin), text.size());
+    if (end - begin > longest.size()) longest = text.substr(begin, end - begin);
+    begin = end + 1;
+    while (end < text.size() && text[end] == '%' && begin < text.size() &&
+           std::string_view("1234$s").find(text[begin]) != std::string_view::npos)
+      ++begin;
+  }
+  return cow_String(longest);
+}
+
+} // namespace
+
+TEST_F(DeckCoverage, EveryFieldIsWrittenAndEveryTextProvoked) {
+  Reached reached;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(
+           std::filesystem::path(INPS_TESTS_DIR) / "decks"))
+    if (entry.path().extension() == ".inp") Convert(entry.path(), reached);
+  for (const eds_RecordInfo& record : eds_schemaRecords()) {
+    if (eds_formOf(record.kind) || elsewhere.contains(cow_String(record.name))) continue;
+    for (const eds_FieldInfo& field : record.fields) {
+      const cow_String name = cow_String(record.name) + "." + cow_String(field.name);
+      EXPECT_NE(reached.fields.contains(name), elsewhere.contains(name))
+          << name
+          << (elsewhere.contains(name) ? " is written by a deck" : " is written by no deck");
+    }
+  }
+  for (const auto& [name, text] : texts) {
+    const bool isProvoked = reached.messages.find(longestPart(text)) != cow_String::npos;
+    EXPECT_NE(isProvoked, unprovoked.contains(name))
+        << (isProvoked ? "a deck provokes " : "no deck provokes ") << name << ": "
+        << longestPart(text);
+  }
+}
