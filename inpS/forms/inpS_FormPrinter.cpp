@@ -21,7 +21,7 @@ void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord
     }
   }
   for (const inpS_Form::Selector& selector : form.selectors) {
-    if (!selector.IsPrinted()) continue;
+    if (!selector.IsPrinted(beside.parameters)) continue;
     out << ", " << selector.name;
     if (!selector.text.empty()) out << '=' << selector.text;
   }

@@ -1,6 +1,8 @@
 #include "inpS/forms/inpS_FormTable.h"
 #include "base/utl_Assert.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_Flag.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_RecordParameters.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
@@ -49,7 +51,9 @@ void readSelector(std::string_view text, inpS_Form& form) {
 
 bool isMet(const inpS_Form::Selector& selector, const inp_Keyword& keyword) {
   const inp_Item* item = keyword.Find(selector.key);
-  if (!item) return selector.isDefault;
+  // USER=NO is as good as none. USER=5 does name USER: what follows is about it.
+  if (!item || (selector.IsFlag() && !inpS_flagValue(*item).value_or(true)))
+    return selector.isDefault;
   if (selector.word.empty()) return true;
   const cow_String word = inpS_bareWord(item->AsString());
   return word == selector.word || (!selector.alias.empty() && word == selector.alias);
@@ -107,6 +111,15 @@ struct Entry {
 };
 
 } // namespace
+
+bool inpS_Form::Selector::IsPrinted(std::string_view kept) const {
+  return !isDefault && !isField && !(word.empty() && inpS_holdsParameter(kept, name));
+}
+
+void inpS_Form::LeaveOddChoices(const inp_Keyword& deckKeyword, inp_Visitor& messages) const {
+  for (const Selector& selector : selectors)
+    if (selector.IsFlag()) inpS_readFlag(deckKeyword, selector.key, messages, inpS_OddFlag::Kept);
+}
 
 bool inpS_Form::Matches(const inp_Keyword& deckKeyword, const inp_Keyword* owner) const {
   const auto met = [](const cow_List<Selector>& list, const inp_Keyword& of) {

@@ -6,6 +6,7 @@
 #include "parser/inp_Keyword.h"
 
 class KvoSimDataRecord;
+class inp_Visitor;
 
 // One form as the conversion uses it: its row, the keyword it is of, what chooses it, and how each
 // parameter and its field become each other. It serves both directions: what reads a keyword
@@ -20,7 +21,9 @@ struct inpS_Form {
     cow_String alias; // another word for it, bare
     bool isDefault = false;
     bool isField = false; // its value is kept: any value chooses the row
-    bool IsPrinted() const { return !isDefault && !isField; }
+    bool IsFlag() const { return word.empty() && !isField; }
+    // kept: the parameters kept beside the record, which may have it with a value of its own.
+    bool IsPrinted(std::string_view kept) const;
   };
   const eds_FormInfo* info = nullptr;
   eds_RecordKind kind = eds_RecordKind::None;
@@ -40,6 +43,9 @@ struct inpS_Form {
   // parent: the keyword it is a sub-option of; null for one that stands in an owner.
   bool Matches(const inp_Keyword& keyword, const inp_Keyword* parent) const;
   bool Binds(const cow_String& parameter) const; // some field holds it
+  // Behind the form's other parameters: of those that choose it by being there, a value that is
+  // neither yes nor no is told and left unread, to be kept.
+  void LeaveOddChoices(const inp_Keyword& keyword, inp_Visitor& messages) const;
   // How often a group of columns is repeated, from the keyword or from the record.
   static inpS_TableColumns::Count CountIn(const inp_Keyword& keyword);
   inpS_TableColumns::Count CountIn(const KvoSimDataRecord& record) const;

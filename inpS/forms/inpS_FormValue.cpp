@@ -3,6 +3,7 @@
 #include "base/utl_Number.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "parser/inp_Utils.h"
@@ -45,10 +46,9 @@ cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inp
   switch (one.type) {
   case eds_FormType::Flag: {
     const cow_String word = inp_Utils::Fold(value.text);
-    const bool no = word == "NO" || word == "OFF";
-    if (!no && !word.empty() && word != "YES" && word != "ON")
-      return "\"" + value.text + "\" is neither YES nor NO.";
-    record.SetBool(one.field, !no);
+    const std::optional<bool> yes = word.empty() ? true : inpS_yesOrNo(word);
+    if (!yes) return "\"" + value.text + "\" is none of YES, NO, ON, OFF.";
+    record.SetBool(one.field, *yes);
     return {};
   }
   case eds_FormType::Int:

@@ -103,6 +103,7 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
       if (const inp_Item* item = keyword.Find(form.parameters[n].key))
         inpS_takeValue(*form.items[n], inpS_FormValue::Of(*item), m_names, record);
   for (const inpS_Form::Selector& selector : form.selectors) keyword.Find(selector.key);
+  form.LeaveOddChoices(keyword, *this);
   keyword.Find("input"); // the parser has read that file's lines
 }
 

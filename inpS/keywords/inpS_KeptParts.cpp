@@ -64,13 +64,21 @@ cow_String inpS_spelledName(const inp_Parameter& parameter) {
   return name;
 }
 
+namespace {
+
+cow_String asGiven(const inp_Parameter& parameter) {
+  const cow_String name = ", " + inpS_spelledName(parameter);
+  return parameter.value.IsFlag() ? name : name + '=' + parameter.value.Verbatim();
+}
+
+} // namespace
+
 cow_String inpS_takeOtherParameters(const inp_Keyword& keyword) {
   cow_String others;
   for (const inp_Parameter& parameter : keyword.Parameters()) {
     if (parameter.referred) continue;
     parameter.referred = true;
-    others += ", " + inpS_spelledName(parameter);
-    if (!parameter.value.IsFlag()) others += '=' + parameter.value.Verbatim();
+    others += asGiven(parameter);
   }
   return others;
 }
@@ -91,6 +99,36 @@ void inpS_keepOthers(const inp_Keyword& keyword, const KvoSimPosition& owner,
   inpS_tellOtherParameters(keyword, messages);
   const inpS_KeptPart part{0, inpS_takeOtherParameters(keyword)};
   if (!part.parameters.empty()) inpS_keepPart(owner, part);
+}
+
+bool inpS_holdsParameter(std::string_view kept, std::string_view name) {
+  const cow_String wanted = inpS_bareWord(name);
+  char quote = 0;
+  for (std::size_t n = 0; n < kept.size(); ++n) {
+    if (quote != 0 || kept[n] == '"' || kept[n] == '\'') {
+      quote = quote == 0 ? kept[n] : quote == kept[n] ? '\0' : quote;
+      continue;
+    }
+    if (kept[n] != ',') continue;
+    const std::string_view rest = kept.substr(n + 1);
+    if (inpS_bareWord(rest.substr(0, rest.find_first_of(",="))) == wanted) return true;
+  }
+  return false;
+}
+
+void inpS_dropRepeated(const inp_Keyword& keyword, std::string_view kept, inp_Visitor& messages) {
+  if (kept.empty()) return;
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (parameter.referred || !inpS_holdsParameter(kept, parameter.name)) continue;
+    parameter.referred = true;
+    const cow_String all = cow_String(kept) + ',';
+    if (all.find(asGiven(parameter) + ',') != cow_String::npos) continue;
+    messages.AddWarning(inp_Utils::MessageAtParameter(
+        keyword, parameter.name,
+        "Parameter \"" + parameter.name +
+            "\" is given again with another value; the first one is kept, this one is left out."));
+    messages.LeaveOut("parameter");
+  }
 }
 
 cow_String inpS_dataLines(const inp_Keyword& keyword) {

@@ -46,6 +46,12 @@ void inpS_tellOtherParameters(const inp_Keyword& keyword, inp_Visitor& messages)
 void inpS_keepOthers(const inp_Keyword& keyword, const KvoSimPosition& owner,
                      inp_Visitor& messages);
 
+// Whether kept parameters have one of that name: whoever prints a keyword leaves it to them.
+bool inpS_holdsParameter(std::string_view kept, std::string_view name);
+// Where one keyword is written for several: of a parameter that is kept already the first value
+// stays; another one is told, and left out.
+void inpS_dropRepeated(const inp_Keyword& keyword, std::string_view kept, inp_Visitor& messages);
+
 cow_String inpS_dataLines(const inp_Keyword& keyword); // as they stand
 
 // Of a keyword that takes no data lines: those that it has all the same, with a warning.

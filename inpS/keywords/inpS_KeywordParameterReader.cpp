@@ -1,4 +1,5 @@
 #include "inpS/keywords/inpS_KeywordParameterReader.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/messages/inpS_MessageContainer.h"
 #include "parser/inp_Keyword.h"
 #include <algorithm>
@@ -37,10 +38,7 @@ bool inpS_KeywordParameterReader::GetParameterBoolValue(const inp_Keyword& keywo
                                                         const cow_String& name, bool defaultValue) {
   const inp_Item* item = keyword.Find(name);
   if (!item || !item->IsString()) return defaultValue;
-  const cow_String& word = item->AsString();
-  if (word == "YES" || word == "ON") return true;
-  if (word == "NO" || word == "OFF") return false;
-  return defaultValue;
+  return inpS_yesOrNo(item->AsString()).value_or(defaultValue);
 }
 
 const cow_String& inpS_KeywordParameterReader::KeywordParameterSwitch(const inp_Keyword& keyword,

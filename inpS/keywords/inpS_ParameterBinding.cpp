@@ -1,6 +1,7 @@
 #include "inpS/keywords/inpS_ParameterBinding.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "parser/inp_Keyword.h"
@@ -14,16 +15,24 @@ namespace {
 // What is wrong with the value; empty when it has been taken.
 cow_String takeFlag(const inpS_ParameterBinding& row, const inp_Item& item,
                     KvoSimDataRecord& record) {
-  const cow_String& word = item.AsString();
-  const bool no = word == "NO" || word == "OFF";
-  if (!item.IsFlag() && !no && word != "YES" && word != "ON") return "is neither YES nor NO";
-  record.SetBool(row.field, !no);
+  const std::optional<bool> value = inpS_flagValue(item);
+  if (!value) return "is none of YES, NO, ON, OFF";
+  record.SetBool(row.field, *value);
   return {};
+}
+
+// What neither word of a yes or no says is left open; any other word that is none of the language's
+// may be what all the rest depends on.
+bool saysYesOrNo(const inpS_ParameterBinding& row) {
+  const bool hasWords = row.words.size() == 2 && row.words[0] == "YES" && row.words[1] == "NO";
+  return row.codec == inpS_Codec::Flag || (row.codec == inpS_Codec::Choice && hasWords);
 }
 
 cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
                     KvoSimDataRecord& record) {
-  const int place = inpS_wordPlace(row, item.AsString());
+  int place = inpS_wordPlace(row, item.AsString());
+  if (saysYesOrNo(row))
+    if (const auto yes = inpS_yesOrNo(item.AsString())) place = *yes ? 0 : 1;
   if (place < 0) return "is none of " + inpS_wordList(row);
   if (row.codec == inpS_Codec::Word)
     record.SetSymb(row.field, place);
@@ -101,9 +110,13 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
     }
     good = false;
     const cow_String value = item->IsFlag() ? cow_String() : "=" + item->Verbatim();
-    if (keyword.LeaveUnread(row.key))
-      messages.AddError(inp_Utils::MessageAtParameter(
-          keyword, row.key, row.name + value + " " + fault + "; it is kept as it stands."));
+    if (!keyword.LeaveUnread(row.key)) continue;
+    wip_Message message = inp_Utils::MessageAtParameter(
+        keyword, row.key, row.name + value + " " + fault + "; it is kept as it stands.");
+    if (saysYesOrNo(row) && !item->IsFlag())
+      messages.AddWarning(std::move(message));
+    else
+      messages.AddError(std::move(message));
   }
   return good;
 }

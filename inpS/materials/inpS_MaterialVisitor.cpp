@@ -171,10 +171,11 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
     else
       m_constantsPart.DataRecord().SetString(eds_KeptPart_Lines, m_constantsLines);
   }
+  const int field = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
+  const cow_String former = constants.DataRecord().ReturnString(field);
+  inpS_dropRepeated(keyword, former, *this);
   TellUnknown(keyword);
   if (const cow_String others = inpS_takeOtherParameters(keyword); !others.empty()) {
-    const int field = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
-    const cow_String former = constants.DataRecord().ReturnString(field);
     constants.DataRecord().SetString(field, former + others);
   }
   transaction.Commit();
@@ -470,6 +471,7 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const in
   owner.Associate(memberOf(owner), property);
   PlacePotential(potential, property);
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
+  behavior.LeaveOddChoices(keyword, *this);
   if (behavior.info->textField >= 0 && keyword.Data().Rows() > 0)
     property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword));
   KeepOthers(keyword, behavior, property, table);

@@ -89,7 +89,8 @@ private:
     if (m_table.IsWhole()) return;
     int told = 0;
     for (int row = 0; row < m_table.NumRows() && told < kMostTold; ++row) {
-      const cow_String missing = FirstMissing(row);
+      const Missing lacks = MissingIn(row);
+      const cow_String& missing = lacks.names;
       const cow_String variable = missing.empty() ? FirstMissingVariable(row) : cow_String();
       const bool blank = IsBlank(row);
       if (missing.empty() && variable.empty() && !blank) continue;
@@ -98,7 +99,7 @@ private:
              blank ? HasDefaults() ? "A blank data line is read as a row of defaults."
                                    : "A blank data line is read as a row of zeros."
                    : "Row " + std::to_string(row + 1) + " has no value for " + missing + variable +
-                         "; it is read as 0.");
+                         (lacks.count > 1 ? "; they are read as 0." : "; it is read as 0."));
       m_messages.AddWarning(std::move(message));
       ++told;
     }
@@ -108,15 +109,26 @@ private:
     return std::ranges::any_of(m_columns, [](const Column& one) { return one.absent != 0; });
   }
 
-  // The name of the first value that a row lacks; empty when it has all that it needs.
-  cow_String FirstMissing(int row) const {
+  struct Missing {
+    cow_String names; // of the first few, and how many there are beyond
+    int count = 0;
+  };
+
+  // The values that a row lacks of those it needs.
+  Missing MissingIn(int row) const {
+    constexpr int mostNamed = 9;
+    Missing missing;
     std::size_t given = m_columns.size();
     while (given > 0 && !m_table.IsColumnSpecified(row, Number(given - 1))) --given;
     for (std::size_t n = 0; n < m_columns.size(); ++n) {
       if (m_columns[n].optional || m_table.IsColumnSpecified(row, Number(n))) continue;
-      if (!m_columns[n].mayBeBlank || n >= given) return m_columns[n].name;
+      if (m_columns[n].mayBeBlank && n < given) continue;
+      if (++missing.count <= mostNamed)
+        missing.names += (missing.count > 1 ? ", " : "") + m_columns[n].name;
     }
-    return {};
+    if (missing.count > mostNamed)
+      missing.names += " and " + std::to_string(missing.count - mostNamed) + " more";
+    return missing;
   }
 
   cow_String FirstMissingVariable(int row) const {
@@ -127,7 +139,7 @@ private:
 
   // A blank line that may be one: what its zeros mean is held against the rules as if they stood
   // there.
-  bool IsRowOfZeros(int row) const { return IsBlank(row) && FirstMissing(row).empty(); }
+  bool IsRowOfZeros(int row) const { return IsBlank(row) && MissingIn(row).count == 0; }
   bool IsGiven(int row, int number) const {
     return m_table.IsColumnSpecified(row, number) || IsRowOfZeros(row);
   }

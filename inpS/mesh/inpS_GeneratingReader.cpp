@@ -63,6 +63,18 @@ void inpS_GeneratingReader::TellUnused(long long row, int fields) {
   m_messages.LeaveOut("value", inpS_countGiven(*m_keyword, row, col));
 }
 
+void inpS_GeneratingReader::TellMissing(long long row, int coordinates) {
+  int given = m_keyword->Data().Cols(row);
+  while (given > 0 && !HasValue(row, given - 1)) --given;
+  const int needed = m_threeDimensional ? coordinates : coordinates - 1;
+  if (given >= needed) return;
+  const int missing = coordinates - given;
+  m_messages.AddWarning(inp_Utils::MessageAtRow(
+      *m_keyword, row,
+      inp_Utils::Format("The line has %d of its %d coordinates; the other%s read as 0.", given,
+                        coordinates, missing == 1 ? " is" : "s are")));
+}
+
 void inpS_GeneratingReader::TellUnusedRows(long long row) {
   while (row < m_keyword->Data().Rows() && IsBlank(row)) ++row;
   if (row >= m_keyword->Data().Rows()) return;

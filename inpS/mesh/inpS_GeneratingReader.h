@@ -32,6 +32,9 @@ protected:
   // Warn of what stands behind all that a keyword reads: fields of a line, lines.
   void TellUnused(long long row, int fields);
   void TellUnusedRows(long long row);
+  // Warn of a line that ends before the coordinates of its points, but for the third of a point in
+  // a plane.
+  void TellMissing(long long row, int coordinates);
   bool ReadNodes(long long row, int col, inpS_KnownNodes::Set& nodes); // a label or a set's name
   bool ReadNode(long long row, int col, long long& ordinal);           // a label
   bool ReadInteger(long long row, int col, long long absent, long long& value);

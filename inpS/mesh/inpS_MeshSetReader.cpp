@@ -53,9 +53,9 @@ inpS_SetDefinition* inpS_MeshSetReader::Begin(const inp_Keyword& keyword, inpS_M
   const char* nameParameter = kind == inpS_SetKind::Nodes ? "nset" : "elset";
   const inp_Item* name = keyword.Find(nameParameter);
   keyword.Find("input"); // the parser has read that file's lines
-  const bool internal = inpS_readFlag(keyword, "internal", m_messages);
-  const bool unsorted =
-      kind == inpS_SetKind::Nodes && inpS_readFlag(keyword, "unsorted", m_messages);
+  const bool internal = inpS_readFlag(keyword, "internal", m_messages, inpS_OddFlag::Kept);
+  const bool unsorted = kind == inpS_SetKind::Nodes &&
+                        inpS_readFlag(keyword, "unsorted", m_messages, inpS_OddFlag::Kept);
   const bool instanceKnown = FindInstance(keyword, scope, instance);
   if (!name || name->AsString().empty()) {
     m_messages.AddError(inp_Utils::MessageInKeyword(
@@ -65,10 +65,9 @@ inpS_SetDefinition* inpS_MeshSetReader::Begin(const inp_Keyword& keyword, inpS_M
   }
   inpS_SetDefinition& set = scope.sets.FindOrAdd(kind, name->AsString());
   set.isStored = false;
+  inpS_dropRepeated(keyword, set.otherParameters, m_messages); // of another keyword of the set
   inpS_tellOtherParameters(keyword, m_messages);
-  if (const cow_String others = inpS_takeOtherParameters(keyword);
-      set.otherParameters.find(others) == cow_String::npos) // of another keyword of the set
-    set.otherParameters += others;
+  set.otherParameters += inpS_takeOtherParameters(keyword);
   set.internal = set.internal || internal;
   set.unsorted = set.unsorted || unsorted;
   if (instanceKnown) return &set;

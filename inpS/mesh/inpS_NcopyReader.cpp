@@ -105,6 +105,8 @@ bool inpS_NcopyReader::ReadReflection() {
   TellUnused(0, reflect == "POINT" ? 3 : 6);
   if (reflect == "MIRROR") TellUnused(1, 3);
   TellUnusedRows(reflect == "MIRROR" ? 2 : 1);
+  TellMissing(0, reflect == "POINT" ? 3 : 6);
+  if (reflect == "MIRROR" && Keyword().Data().Rows() > 1) TellMissing(1, 3);
   if (reflect == "LINE") return ReadLine();
   if (reflect == "MIRROR") return ReadMirror();
   double point[3];

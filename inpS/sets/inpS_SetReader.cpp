@@ -142,8 +142,14 @@ void inpS_SetReader::GenerateRow(long long row) {
 
 long long inpS_SetReader::ReadIncrement(long long row, int fields) {
   if (fields > 3) {
-    AddFault(row, 3, "Set generation takes three numbers per line; the rest is left out.");
-    m_messages.LeaveOut("value", inpS_countGiven(m_keyword, row, 3));
+    // A set keeps its members, not its lines: nothing could bring these values back.
+    const long long count = inpS_countGiven(m_keyword, row, 3);
+    AddFault(row, 3,
+             inp_Utils::Format("Set generation takes three numbers per line; the line is used "
+                               "without the %lld %s from here on, %s left out.",
+                               count, count == 1 ? "value" : "values",
+                               count == 1 ? "which is" : "which are"));
+    m_messages.LeaveOut("value", count);
   }
   if (fields < 3 || m_data.IsNone(row, 2)) return 1;
   if (!m_data.IsInteger(row, 2)) {

@@ -83,13 +83,15 @@ bool inpS_SurfaceLines::SplitRow(long long row, std::string_view& who, std::stri
   who = m_data.FieldText(row, 0);
   what = cols > 1 ? m_data.FieldText(row, 1) : std::string_view();
   if (filled > 2) {
-    Fault(row, filled - 1,
-          m_kind == Kind::Nodes
-              ? "A line of nodes takes a node or node set and an area; it is left "
-                "out."
-              : "A line of faces takes an element or element set and a face "
-                "identifier; it is left out.");
-    return false;
+    m_hasSurplus = true;
+    int col = 2;
+    while (!m_data.HasValue(row, col)) ++col;
+    m_visitor.AddWarning(inp_Utils::MessageAtField(
+        m_keyword, row, col,
+        cow_String(m_kind == Kind::Nodes
+                       ? "A line of nodes takes a node or node set and an area"
+                       : "A line of faces takes an element or element set and a face identifier") +
+            "; what stands behind is kept, but not used."));
   }
   if (!who.empty()) return true;
   Fault(row, filled - 1,

@@ -30,6 +30,7 @@ public:
   void ReadSurfaces(long long row, long long rows); // names, as many as there are
 
   cow_List<Piece>& Pieces() { return m_pieces; }
+  bool HasSurplus() const { return m_hasSurplus; } // told; the lines are to be kept
   // Lines that name elements which the deck has in keywords kept as text, as the others are
   // written.
   cow_String TakeAsText() { return std::move(m_asText); }
@@ -69,4 +70,5 @@ private:
   inpS_SetVisitor::LabelSpace m_prefixSpace;
   long long m_missing = 0;
   cow_String m_asText;
+  bool m_hasSurplus = false;
 };

@@ -5,6 +5,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "inpS/keywords/inpS_BlankLine.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordParameterReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -87,8 +88,7 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
     return Refuse(keyword, inpS_messageText(inpS_app_RequiredParameter, {"name"}) +
                                " The surface is left out.");
   if (Owner().IsNull()) return keyword.ReferAll(); // its part or instance was refused
-  const bool internal = inpS_KeywordParameterReader::GetParameterBoolValue(
-      keyword, "internal", keyword.HasParameter("internal"));
+  const bool internal = inpS_readFlag(keyword, "internal", *this, inpS_OddFlag::Kept);
   Operation operation = Operation::Defined;
   if (!ReadOperation(keyword, operation) || !IsFree(keyword, name->AsString(), internal)) {
     LeaveOut("surface");
@@ -249,6 +249,7 @@ bool inpS_SurfaceVisitor::ReadData(const inp_Keyword& keyword, KvoObjSurface& su
   default:
     return true;
   }
+  isWhole = isWhole && !lines.HasSurplus();
   if (const cow_String asText = lines.TakeAsText(); !asText.empty() && isWhole)
     inpS_keepPart(surface.Position(), {inpS_moreLines, {}, asText});
   if (surface.Type() == Type::Cutting) return isWhole;

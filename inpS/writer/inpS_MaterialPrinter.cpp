@@ -90,8 +90,12 @@ void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
 }
 
 void inpS_MaterialPrinter::PrintKeyword(const KvoSimPosition& property, const inpS_Form& behavior) {
-  inpS_printVariant(m_out, behavior);
-  inpS_printOtherParameters(m_out, behavior, property.DataRecord());
+  const KvoSimDataRecord record = property.DataRecord();
+  const int others = behavior.info->othersField;
+  inpS_printVariant(m_out, behavior,
+                    others >= 0 ? record.ReturnString(others)
+                                : m_parts.FirstOf(property).parameters);
+  inpS_printOtherParameters(m_out, behavior, record);
 }
 
 void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {

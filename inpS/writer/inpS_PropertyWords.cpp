@@ -28,10 +28,10 @@ const cow_List<FlagField>& flagFields() {
 
 } // namespace
 
-void inpS_printVariant(utl_Stream& out, const inpS_Form& behavior) {
+void inpS_printVariant(utl_Stream& out, const inpS_Form& behavior, std::string_view kept) {
   out << '*' << inp_KeywordTable::Instance().Row(behavior.keyword)->name;
   for (const inpS_Form::Selector& selector : behavior.selectors) {
-    if (!selector.IsPrinted()) continue;
+    if (!selector.IsPrinted(kept)) continue;
     out << ", " << selector.name;
     if (!selector.text.empty()) out << '=' << selector.text;
   }

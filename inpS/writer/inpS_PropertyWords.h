@@ -8,8 +8,9 @@ struct inpS_Form;
 
 // Property records in the words of decks, from the rows that read and print them.
 
-// "*ELASTIC, TYPE=LAMINA": the keyword and what chooses the row.
-void inpS_printVariant(utl_Stream& out, const inpS_Form& behavior);
+// "*ELASTIC, TYPE=LAMINA": the keyword and what chooses the row, but for what the parameters kept
+// beside it have.
+void inpS_printVariant(utl_Stream& out, const inpS_Form& behavior, std::string_view kept = {});
 // ", MODULI=INSTANTANEOUS": its other parameters.
 void inpS_printOtherParameters(utl_Stream& out, const inpS_Form& behavior,
                                const KvoSimDataRecord& record);

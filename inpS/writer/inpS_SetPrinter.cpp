@@ -40,11 +40,13 @@ void inpS_SetPrinter::PrintSet(const inpS_DeckScope& scope, const KvoSimPosition
   const eds_MemberSet members = membership.IsNull() ? eds_MemberSet() : membership.Set();
   cow_String start = nodes ? "*NSET, NSET=" : "*ELSET, ELSET=";
   start += inpS_quoted(SetName(set));
-  if (record.GetBool(nodes ? eds_NodeSet_Internal : eds_ElementSet_Internal)) start += ", INTERNAL";
-  const bool unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
-  if (unsorted) start += ", UNSORTED";
-
   const inpS_KeptPart& part = m_parts.FirstOf(set);
+  if (record.GetBool(nodes ? eds_NodeSet_Internal : eds_ElementSet_Internal) &&
+      !inpS_holdsParameter(part.parameters, "INTERNAL"))
+    start += ", INTERNAL";
+  const bool unsorted = record.GetBool(nodes ? eds_NodeSet_Unsorted : eds_ElementSet_Unsorted);
+  if (unsorted && !inpS_holdsParameter(part.parameters, "UNSORTED")) start += ", UNSORTED";
+
   const KvoObjLabeler& labeler = nodes ? m_labels.nodes : m_labels.elements;
   const int own = nodes ? scope.nodes : scope.elements;
   if (scope.isPart || members.IsEmpty()) {

@@ -26,8 +26,12 @@ void inpS_SurfacePrinter::PrintSurfaces(const inpS_DeckScope& scope) {
 
 void inpS_SurfacePrinter::PrintSurface(const inpS_DeckScope& scope, const KvoObjSurface& surface) {
   m_out << "*SURFACE";
-  inpS_printParameters(m_out, inpS_surfaceParameters(), surface.Position().DataRecord());
-  m_out << m_parts.At(surface.Position(), 0).parameters << '\n';
+  const cow_String& kept = m_parts.At(surface.Position(), 0).parameters;
+  const KvoSimDataRecord record = surface.Position().DataRecord();
+  for (const inpS_ParameterBinding& row : inpS_surfaceParameters())
+    if (kept.empty() || !inpS_holdsParameter(kept, row.name))
+      inpS_printParameters(m_out, std::span(&row, 1), record);
+  m_out << kept << '\n';
   const inpS_KeptPart& whole = m_parts.At(surface.Position(), inpS_wholeLines);
   m_out << whole.lines;
   if (!whole.lines.empty()) return;
