@@ -136,10 +136,15 @@ private:
 
   static cow_String TextFault(const eds_RowTable& rows, int64_t id, int field) {
     const eds_RecordKind kind = rows.Info().kind;
-    const std::string_view keyword = kind == eds_RecordKind::VerbatimKeyword
-                                         ? rows.Text(id, eds_VerbatimKeyword_Keyword)
-                                         : std::string_view();
-    return eds_textFault(kind, rows.Field(field), rows.Text(id, field), keyword);
+    eds_KeptPlace place;
+    if (kind == eds_RecordKind::VerbatimKeyword) {
+      constexpr int steps = 29; // the last of the blocks in which a deck is written
+      place.keyword = rows.Text(id, eds_VerbatimKeyword_Keyword);
+      place.isAmongSteps = rows.Int(id, eds_VerbatimKeyword_Block) == steps &&
+                           rows.Reference(id, eds_VerbatimKeyword_Owner).kind ==
+                               static_cast<uint16_t>(eds_RecordKind::Model);
+    }
+    return eds_textFault(kind, rows.Field(field), rows.Text(id, field), place);
   }
 
   void CheckLinks() {

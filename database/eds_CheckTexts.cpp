@@ -44,37 +44,62 @@ bool hasKeywordLine(std::string_view text) {
   return false;
 }
 
+// A carriage return that ends no line: where it is taken for a line end, what follows is a line.
+bool hasReturnWithin(std::string_view text) {
+  for (std::size_t at = text.find('\r'); at != text.npos; at = text.find('\r', at + 1))
+    if (at + 1 == text.size() || text[at + 1] != '\n') return true;
+  return false;
+}
+
 // As names of keywords are told apart, whatever blanks and case a deck has them in.
 cow_String folded(std::string_view name) {
   cow_String letters;
-  for (const char c : utl_withoutControls(name)) {
-    if (c == ' ' || c == '_' || c == '-') continue;
-    letters += static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
-  }
+  for (const char c : utl_withoutControls(name))
+    if (c != ' ') letters += static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
   return letters;
 }
 
-cow_String keywordFault(std::string_view text, std::string_view keyword) {
+bool isSameName(cow_String one, cow_String other) {
+  for (cow_String* name : {&one, &other})
+    std::erase_if(*name, [](char c) { return c == '_' || c == '-'; });
+  return one == other;
+}
+
+// What a converter never keeps as text: it has become what the model holds. Written back these
+// would open files, reckon, or end what stands around them.
+bool isNeverKept(std::string_view name) {
+  constexpr std::string_view names[] = {"INCLUDE",  "PARAMETER",   "PART",     "ENDPART",
+                                        "INSTANCE", "ENDINSTANCE", "ASSEMBLY", "ENDASSEMBLY"};
+  return std::ranges::find(names, name) != std::end(names);
+}
+
+cow_String keywordFault(std::string_view text, const eds_KeptPlace& place) {
   if (!text.ends_with('\n')) return "lacks the end of its last line";
   const std::string_view first = takeLine(text);
   if (!isKeywordLine(first)) return "does not begin with a keyword line";
   if (hasKeywordLine(text)) return "holds another keyword line than its own";
-  std::string_view name = withoutBlanks(first).substr(1);
-  name = name.substr(0, name.find(','));
-  return folded(name) == folded(keyword) ? "" : "is another keyword than it is said to be";
+  std::string_view spelt = withoutBlanks(first).substr(1);
+  spelt = spelt.substr(0, spelt.find(','));
+  const cow_String name = folded(spelt);
+  if (!isSameName(name, folded(place.keyword))) return "is another keyword than it is said to be";
+  if (isNeverKept(name)) return "is a keyword that is never kept as text";
+  const bool isOfSteps = name == "STEP" || name == "ENDSTEP";
+  return isOfSteps && !place.isAmongSteps ? "begins or ends a step where the model has none" : "";
 }
 
 } // namespace
 
 cow_String eds_textFault(eds_RecordKind kind, const eds_FieldInfo& field, std::string_view text,
-                         std::string_view keyword) {
-  switch (formOf(kind, field)) {
+                         const eds_KeptPlace& place) {
+  const Form form = formOf(kind, field);
+  if (form != Form::Name && hasReturnWithin(text)) return "holds a carriage return within a line";
+  switch (form) {
   case Form::Name:
     return utl_findControl(text) != text.npos ? "holds a control character" : "";
   case Form::Lines:
     return hasKeywordLine(text) ? "holds a keyword line" : "";
   case Form::Keyword:
-    return keywordFault(text, keyword);
+    return keywordFault(text, place);
   }
   return {};
 }

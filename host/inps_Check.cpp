@@ -34,6 +34,8 @@ public:
     }
     return isModel ? Model() : Deck();
   }
+  // A sound model, whose deck was not.
+  bool IsOfErrors() const { return m_isOfErrors; }
 
 private:
   int Model() {
@@ -45,9 +47,17 @@ private:
     }
     inps_warnOfOutcome(document, m_input, m_run);
     const bool isSound = m_run.Reporter().Errors() == 0;
-    Line(isSound ? "the model is sound" : "the model has faults");
-    if (isSound) Say("the model is sound");
-    return isSound ? inps_ExitDone : inps_ExitFaults;
+    if (!isSound) {
+      Line("the model has faults");
+      return inps_ExitFaults;
+    }
+    const inps_ModelSummary summary = inps_summarize(document);
+    m_isOfErrors = summary.outcome.errors > 0;
+    if (m_run.IsJson()) m_run.Json()["summary"] = inps_jsonOf(summary);
+    Line(inps_summaryLine(summary) + "; the model is sound");
+    Say(inps_summaryLine(summary));
+    Say("the model is sound");
+    return inps_ExitDone;
   }
 
   int Deck() {
@@ -83,6 +93,7 @@ private:
   inps_Run& m_run;
   const inps_Input& m_input;
   bool m_isOneOfMany;
+  bool m_isOfErrors = false;
 };
 
 // Many decks, told of in the order in which they are named.
@@ -128,6 +139,7 @@ private:
     inps_Json json;
     long long errors = 0;
     long long warnings = 0;
+    bool isOfErrors = false;
   };
 
   // Small decks share the cores, each on one; a large one is faster with all of them. What is timed
@@ -155,7 +167,10 @@ private:
         run.emplace(session, m_arguments, kind);
         return run->Do([&] {
           const inps_Input input(m_arguments.Operands()[index], session);
-          return Check(session, *run, input, true)();
+          Check check(session, *run, input, true);
+          const int exitCode = check();
+          result.isOfErrors = check.IsOfErrors();
+          return exitCode;
         });
       });
       if (result.exitCode == inps_ExitInterrupted) {
@@ -187,9 +202,8 @@ private:
     m_session.out.flush(); // both may go to one place
     if (m_run.IsJson()) m_run.Json()["decks"].push_back(std::move(result.json));
     m_run.Reporter().Count(result.errors, result.warnings);
-    ++(result.exitCode == inps_ExitFailure  ? m_failed
-       : result.exitCode == inps_ExitFaults ? m_faulty
-                                            : m_good);
+    const bool isFaulty = result.exitCode == inps_ExitFaults || result.isOfErrors;
+    ++(result.exitCode == inps_ExitFailure ? m_failed : isFaulty ? m_faulty : m_good);
     if (Rank(result.exitCode) > Rank(m_worst)) m_worst = result.exitCode;
   }
 

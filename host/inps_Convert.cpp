@@ -212,8 +212,15 @@ public:
     if (clean && m_run.Reporter().Errors() == 0) return notModelled;
     const bool noMesh = conversion.IsMeshLeftOut();
     if (m_run.IsJson()) m_run.Json()["meshLeftOut"] = noMesh;
+    if (m_isBaseKept) {
+      Say("the deck has errors; " + m_targetName +
+          " is as it was; \"-o FILE\" puts what can be converted into another file");
+      return inps_ExitFaults;
+    }
     Say("the deck has errors; " + m_targetName + " holds what could be converted" +
-        (noMesh ? cow_String("; the mesh is left out because of its errors") +
+        (noMesh ? cow_String(m_base ? "; what the restart adds to the mesh is left out"
+                                    : "; the mesh is left out") +
+                      " because of its errors" +
                       (m_job.salvage ? "" : "; --salvage stores what is sound of it")
                 : ""));
     return inps_ExitFaults;
@@ -245,7 +252,10 @@ private:
       throw eds_DamagedFileException("\"" + m_base->Name() + "\" has no mesh from which to go on");
     const bool clean = conversion.ConvertRestart(document);
     finish(document);
-    Summarize(document);
+    std::error_code ignored;
+    m_isBaseKept = (!clean || m_run.Reporter().Errors() > 0) &&
+                   std::filesystem::equivalent(m_base->File(), m_target, ignored);
+    if (!m_isBaseKept) Summarize(document);
     document.Close();
     return clean;
   }
@@ -264,7 +274,7 @@ private:
         text.replace(at, name.size(), m_base->Name());
       throw eds_DamagedFileException(text);
     }
-    copy.BecomeTarget(m_target, m_job.force);
+    if (!m_isBaseKept) copy.BecomeTarget(m_target, m_job.force);
     return clean;
   }
 
@@ -295,6 +305,7 @@ private:
   std::optional<inps_Input> m_base;           // of a restart
   Path m_target;
   cow_String m_targetName;
+  bool m_isBaseKept = false; // a failed restart does not take the place of its sound base
 };
 
 } // namespace

@@ -96,7 +96,10 @@ cow_String inps_summaryLine(const inps_ModelSummary& summary) {
   for (const auto& [name, count] : summary.elementTypes)
     types += (types.empty() ? "" : ", ") + name + " " + std::to_string(count);
   if (!types.empty()) text += " (" + types + ")";
-  if (summary.outcome.IsMeshLeftOut()) text += " (the mesh is left out because of its errors)";
+  if (summary.outcome.IsMeshLeftOut()) // with nodes it is the base's, and a restart has failed
+    text += summary.nodes > 0
+                ? " (what its restart adds to the mesh is left out because of its errors)"
+                : " (the mesh is left out because of its errors)";
   text += ", " + inps_counted(summary.nodeSets, "node set");
   text += ", " + inps_counted(summary.elementSets, "element set");
   if (summary.surfaces > 0) text += ", " + inps_counted(summary.surfaces, "surface");

@@ -249,6 +249,7 @@ cow_String inp_DataArray::Text() const {
     out += RowText(row);
     out += '\n';
   }
+  std::replace(out.begin(), out.end(), '\r', ' '); // others may take it for a line end
   return out;
 }
 

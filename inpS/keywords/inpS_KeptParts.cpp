@@ -132,10 +132,7 @@ void inpS_dropRepeated(const inp_Keyword& keyword, std::string_view kept, inp_Vi
 }
 
 cow_String inpS_dataLines(const inp_Keyword& keyword) {
-  cow_String lines;
-  const inp_DataArray& data = keyword.Data();
-  for (long long row = 0; row < data.Rows(); ++row) lines += cow_String(data.RowText(row)) + '\n';
-  return lines;
+  return keyword.Data().Text();
 }
 
 cow_String inpS_takeUnusedLines(const inp_Keyword& keyword, inp_Visitor& messages) {

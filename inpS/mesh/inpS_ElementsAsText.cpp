@@ -67,6 +67,7 @@ cow_List<long long> inpS_ElementsAsText::KeepLinesFromText(const inp_Keyword& ke
     m_scopes.TextElements().Add(scope.elementOccurrence, made); // the next line may start from them
   }
   if (rows.empty()) return rows;
+  std::ranges::replace(lines, '\r', ' '); // others may take it for a line end
   const long long first = rows.front();
   wip_Message message = inp_Utils::MessageAtRow(
       keyword, first,

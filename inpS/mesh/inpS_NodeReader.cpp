@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_NodeReader.h"
+#include "base/utl_Number.h"
 #include "inpS/framework/inpS_System.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/keywords/inpS_UnreadField.h"
@@ -72,9 +73,13 @@ bool inpS_NodeReader::ReadOddRow(const inp_Keyword& keyword, const inpS_System& 
       break;
     }
     if (!data.IsNumber(row, col)) {
+      const cow_String word = data.AsStringVerbatim(row, col);
       m_messages.AddError(inp_Utils::MessageAtField(
           keyword, row, col,
-          "\"" + data.AsStringVerbatim(row, col) + "\" is no coordinate: a number was expected."));
+          "\"" + word + "\" is " +
+              (utl_classifyField(word).IsOutOfRange()
+                   ? "larger than any number that can be held; line ignored."
+                   : "no coordinate: a number was expected.")));
       return false;
     }
     values[col - 1] = data.AsDouble(row, col);

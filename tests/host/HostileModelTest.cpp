@@ -149,18 +149,33 @@ TEST_F(HostileModel, TextsThatWouldBeKeywords) {
            "UPDATE verbatim_keyword SET text = rtrim(text, char(10)) WHERE id = 1",
            "UPDATE verbatim_keyword SET text = '** ' || text WHERE id = 1",
            "UPDATE verbatim_keyword SET keyword = 'NODE' WHERE id = 1",
+           "UPDATE verbatim_keyword SET keyword = 'INCLUDE', text = '*INCLUDE, INPUT=x' || "
+           "char(10)",
+           "UPDATE verbatim_keyword SET keyword = 'IN-CLUDE', text = '*in clude' || char(10)",
+           "UPDATE verbatim_keyword SET keyword = 'END PART', text = '*END PART' || char(10)",
+           "UPDATE verbatim_keyword SET keyword = 'PARAMETER', text = '*Parameter' || char(10)",
+           "UPDATE verbatim_keyword SET block = 3 WHERE keyword = 'STEP'",
+           "UPDATE verbatim_keyword SET owner_kind = 2 WHERE keyword = 'END STEP'",
+           "UPDATE verbatim_keyword SET text = text || '1,' || char(13) || '*NODE' || char(10)",
+           "UPDATE annotation SET text = 'x' || char(13) || '*NODE'",
        }) {
     ASSERT_TRUE(Change({statement})) << statement;
     ReadByAll(statement);
     for (const char* command : {"write", "check"}) {
       const ProgramRun run({command, File("bad.sim")});
       EXPECT_NE(run.exitCode, 0) << command << ' ' << statement;
-      EXPECT_TRUE(run.Says("control character") || run.Says("keyword")) << statement << run.err;
+      EXPECT_TRUE(run.Says("control character") || run.Says("keyword") ||
+                  run.Says("carriage return") || run.Says("a step where"))
+          << statement << run.err;
     }
   }
   ASSERT_TRUE(
       Change({"UPDATE annotation SET text = '** a comment *NODE' || char(10) || 'x *NODE'"}));
   EXPECT_EQ(ProgramRun({"check", File("bad.sim")}).exitCode, 0);
+  // What our own converter keeps of such a deck is none of these.
+  const cow_String deck = Deck("r.inp", "*HEADING\nA\r*B\r\n*END_PART\n1,\r*NODE\r\r\n");
+  ProgramRun({"convert", deck, "-o", File("r.sim")});
+  EXPECT_EQ(ProgramRun({"check", File("r.sim")}).exitCode, 0);
 }
 
 TEST_F(HostileModel, SetsOfWhatIsNotThere) {
