@@ -30,7 +30,7 @@ TEST_F(Commands, ConvertInfoWriteAndBack) {
   }
   EXPECT_EQ(ProgramRun({"dump", File("a.sim")}).out, ProgramRun({"dump", deck}).out);
   EXPECT_NE(ProgramRun({"info", File("a.sim")}).out.find("8 nodes, 1 element"), cow_String::npos);
-  EXPECT_EQ(ProgramRun({"check", File("a.sim")}).out, "the model is sound\n");
+  EXPECT_TRUE(ProgramRun({"check", File("a.sim")}).out.ends_with("\nthe model is sound\n"));
 }
 
 TEST_F(Commands, OutputIsNamedAsTheDeckAndReplacedByForceOnly) {

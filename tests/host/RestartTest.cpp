@@ -184,3 +184,26 @@ TEST_F(Restart, KeepsTheMeshWhereLinesOfSetsAreFaulty) {
   for (const char* lines : {"4, 3., 0., 0.\n", "*NSET, NSET=N\n1, 2, 3, 4\n"})
     EXPECT_NE(deck.find(lines), cow_String::npos) << lines << deck;
 }
+
+// What fails adds nothing to a mesh, and takes no sound base's place.
+TEST_F(Restart, ThatFailsLeavesItsBase) {
+  ProgramRun({"convert", Deck("base.inp", kBase), "-o", File("base.sim")});
+  const cow_String base = readFile(m_folder / "base.sim");
+  const cow_String more = Deck("more.inp", "*ELEMENT, TYPE=T3D2\n9, 1, 77\n");
+  const ProgramRun forced({"convert", more, "--restart", File("base.sim"), "--force"});
+  EXPECT_EQ(forced.exitCode, 1);
+  EXPECT_TRUE(forced.Says("base.sim is as it was; ")) << forced.err;
+  EXPECT_TRUE(forced.out.empty()) << forced.out;
+  EXPECT_TRUE(readFile(m_folder / "base.sim") == base);
+  const ProgramRun run({"convert", more, "--restart", File("base.sim"), "-o", File("m.sim")});
+  EXPECT_TRUE(run.Says("; what the restart adds to the mesh is left out because")) << run.err;
+  const cow_String counts = "3 nodes, 3 elements (T3D2 1, B31 2) (what its restart adds to the "
+                            "mesh is left out because of its errors)";
+  for (const char* command : {"info", "check"}) {
+    const ProgramRun look({command, File("m.sim")});
+    EXPECT_NE(look.out.find(counts), cow_String::npos) << look.out;
+  }
+  const ProgramRun check({"check", File("m.sim"), File("base.sim")});
+  EXPECT_TRUE(check.exitCode == 0 && check.out.ends_with("1 without errors, 1 with errors\n"))
+      << check.out;
+}
