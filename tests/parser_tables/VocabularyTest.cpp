@@ -203,6 +203,8 @@ TEST(Vocabulary, TellsLevels) {
   EXPECT_TRUE(table().MayStandAt(inp_KwBoundary, inp_LevelsModel));
   EXPECT_FALSE(table().MayStandAt(inp_KwStatic, inp_LevelsModel));
   EXPECT_FALSE(table().MayStandAt(inp_KwElastic, inp_LevelsModel));
+  for (const char* name : {"PRESTRESS HOLD", "BLOCKAGE", "COMPOSITE MODAL DAMPING"})
+    EXPECT_TRUE(table().MayStandAt(table().Find(name), inp_LevelsStep)) << name;
 }
 
 TEST(Vocabulary, ResolvesParameters) {
@@ -213,6 +215,7 @@ TEST(Vocabulary, ResolvesParameters) {
     Kind kind;
     std::string_view name;
   } cases[] = {
+      {inp_KwFrequency, "DAMPING PROJECTION", Kind::Exact, "dampingprojection"},
       {inp_KwElset, "elset", Kind::Exact, "elset"},
       {inp_KwElset, "GEN", Kind::Abbreviated, "generate"},
       {inp_KwNset, "Gener ATE", Kind::Exact, "generate"},
