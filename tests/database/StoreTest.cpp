@@ -352,7 +352,14 @@ TEST(Store, ServicesGiveBackWhatTheyWereGiven) {
   EXPECT_TRUE(table.IsTemperatureDependent());
   using Names = std::vector<cow_String>;
   EXPECT_EQ(table.ColumnNames(), (Names{"YieldStress", "PlasticStrain", "Temperature"}));
+  EXPECT_EQ(table.GetColumnData("PlasticStrain"), (std::vector<double>{0, 0.1}));
+  EXPECT_EQ(table.GetColumnData("Temperature"), (std::vector<double>{20, 40}));
+  EXPECT_FALSE(table.HasColumn("Field1"));
+  std::vector<double> filled(6);
+  table.FillPointer(filled.data());
+  EXPECT_EQ(filled, values);
   table.SetValues(1, std::vector<double>{200e3, 0}, 2, false);
+  EXPECT_FALSE(table.HasColumn("Temperature"));
   EXPECT_EQ(table.ColumnNames(), (Names{"YieldStress", "PlasticStrain"}));
   KvoSrvShellSection section = KvoSrvShellSection::Create(document.Context(), "S", true);
   section.AddPly({"top", 0.5, 3, material, {}, 45});
