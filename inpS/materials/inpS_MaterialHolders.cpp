@@ -1,0 +1,100 @@
+// What holds behaviours, materials and gasket behaviours, and the constants of the model.
+
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_KeptParts.h"
+#include "inpS/keywords/inpS_RecordParameters.h"
+#include "inpS/materials/inpS_MaterialVisitor.h"
+#include "parser/inp_Utils.h"
+
+// A record under the keyword's name in a map of the model; null, with a message, when it has that
+// name already.
+KvoSimPosition inpS_MaterialVisitor::OpenNamed(const inp_Keyword& keyword, eds_RecordKind kind,
+                                               eds_Member member) {
+  const inp_Item* name = keyword.Find("name");
+  if (!name || name->AsString().empty()) {
+    TellOfNoName(keyword);
+    return {};
+  }
+  const KvoSimPosition model = m_document.GetModel().Position();
+  if (!model.FollowStringKey(member, name->AsString()).IsNull()) {
+    const char* text = kind == eds_RecordKind::Material
+                           ? "Material with name \"%s\" has already been defined"
+                           : "Gasket behavior with name \"%s\" has already been defined";
+    Error(keyword, inp_Utils::Format(text, name->AsString().c_str()));
+    LeaveOut("material keyword");
+    return {};
+  }
+  KvoSimTransaction transaction(m_document.ContextID());
+  const KvoSimPosition opened = model.CreateDataRecord(kind);
+  KvoSimDataRecord record = opened.DataRecord();
+  record.SetString(0, name->AsString());
+  model.AssociateStringKey(member, name->AsString(), opened);
+  if (kind == eds_RecordKind::Material)
+    CreateMaterialRegularization(keyword, opened);
+  else
+    inpS_readParameters(keyword, inpS_bindParameters(keyword.Kind(), kind), record, *this);
+  KeepParts(keyword, opened, {0, {}, inpS_takeUnusedLines(keyword, *this)});
+  transaction.Commit();
+  return opened;
+}
+
+// How tables that depend on rates are regularized, and how they go on beyond their ends: the
+// parameters of *MATERIAL as they are given.
+void inpS_MaterialVisitor::CreateMaterialRegularization(const inp_Keyword& keyword,
+                                                        const KvoSimPosition& material) {
+  inpS_readParameters(keyword, inpS_bindParameters(keyword.Kind(), eds_RecordKind::Material),
+                      material.DataRecord(), *this);
+}
+
+// Without a name nothing is opened: what follows belongs to the one before it.
+void inpS_MaterialVisitor::TellOfNoName(const inp_Keyword& keyword) {
+  Warning(keyword,
+          "*" + keyword.Name() + " has no name and opens nothing; what follows is taken for the " +
+              (keyword.Kind() == inp_KwMaterial ? "material" : "gasket behavior") + " before it.");
+}
+
+void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
+  const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
+  if (opened.IsNull()) return;
+  m_owner = m_material = opened;
+}
+
+void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
+  const KvoSimPosition opened =
+      OpenNamed(keyword, eds_RecordKind::GasketBehavior, eds_Member::GasketBehaviors);
+  if (opened.IsNull()) return;
+  m_owner = m_gasket = opened;
+}
+
+// There is one set of constants; each parameter given again takes the place of the former.
+void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
+  KvoSimTransaction transaction(m_document.ContextID());
+  const KvoSimPosition model = m_document.GetModel().Position();
+  KvoSimPosition constants = model.Follow(eds_Member::PhysicalConstants);
+  if (constants.IsNull()) {
+    constants = model.CreateDataRecord(eds_RecordKind::PhysicalConstants);
+    model.SetPosition(eds_Member::PhysicalConstants, constants);
+  }
+  const auto bindings = inpS_bindParameters(keyword.Kind(), eds_RecordKind::PhysicalConstants);
+  for (const inpS_ParameterBinding& binding : bindings)
+    if (keyword.HasParameter(binding.key) && !constants.DataRecord().IsMemberNull(binding.field))
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, binding.key, binding.name + " is given again; the last one holds."));
+  inpS_readParameters(keyword, bindings, constants.DataRecord(), *this);
+  if (const cow_String lines = inpS_takeUnusedLines(keyword, *this); !lines.empty()) {
+    m_constantsLines += lines; // one keyword is written for all
+    if (m_constantsPart.IsNull())
+      m_constantsPart = inpS_keepPart(constants, {0, {}, m_constantsLines});
+    else
+      m_constantsPart.DataRecord().SetString(eds_KeptPart_Lines, m_constantsLines);
+  }
+  const int field = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
+  const cow_String former = constants.DataRecord().ReturnString(field);
+  inpS_dropRepeated(keyword, former, *this);
+  TellUnknown(keyword);
+  if (const cow_String others = inpS_takeOtherParameters(keyword); !others.empty()) {
+    constants.DataRecord().SetString(field, former + others);
+  }
+  transaction.Commit();
+}
