@@ -37,7 +37,8 @@ void inpS_FormVisitor::Convert(const inp_Keyword& keyword, eds_Member member) {
   const inpS_Form* form = inpS_FormTable::Instance().Select(keyword);
   const KvoSimPosition owner = Holder();
   // No sub-option is modelled yet: they stay together.
-  if (!form || owner.IsNull() || !keyword.Suboptions().empty()) return m_ledger.KeepAsText(keyword);
+  if (!form || owner.IsNull() || !keyword.Suboptions().empty() || inpS_hasUnknownWord(keyword))
+    return m_ledger.KeepAsText(keyword);
   if (!MayBe(keyword, *form, owner, member)) {
     inpS_TextPlace place;
     place.isTold = true;
