@@ -2,11 +2,11 @@
 #include "base/utl_Assert.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/forms/inpS_FormRows.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/keywords/inpS_RecordParameters.h"
 #include "inpS/keywords/inpS_UnreadField.h"
-#include "inpS/materials/inpS_TableCheck.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -14,24 +14,6 @@
 #include <cmath>
 
 namespace {
-
-using Column = inpS_TableColumns::Column;
-
-inpS_ExtraColumns extraColumns(const cow_List<Column>& columns, Column::Role role) {
-  inpS_ExtraColumns extra;
-  for (std::size_t n = 0; n < columns.size(); ++n) {
-    if (columns[n].role != role) continue;
-    extra.numbers.push_back(static_cast<int>(n));
-    extra.names.push_back(columns[n].tableName);
-  }
-  return extra;
-}
-
-cow_List<cow_String> namesOf(const cow_List<Column>& columns) {
-  cow_List<cow_String> names;
-  for (const Column& column : columns) names.push_back(column.name);
-  return names;
-}
 
 bool isContainer(const KvoSimPosition& owner) {
   return owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
@@ -315,62 +297,10 @@ void inpS_MaterialVisitor::TellUnknown(const inp_Keyword& keyword) {
   inpS_tellOtherParameters(keyword, *this);
 }
 
-// Whether the parameters that say how many values there are can be right.
-bool inpS_MaterialVisitor::CheckCounts(const inp_Keyword& keyword, const inpS_Form& behavior) {
-  if (behavior.columns.IsFixed()) return true;
-  const cow_List<cow_String> counts = behavior.columns.Parameters();
-  const long long least = behavior.MayLackRows() && !behavior.HasTemperature() ? 0 : 1;
-  for (const inpS_ParameterBinding& binding : behavior.parameters) {
-    const inp_Item* item = keyword.Find(binding.key);
-    if (!item || std::ranges::find(counts, binding.key) == counts.end()) continue;
-    if (item->IsInteger() && item->AsInt() >= least) continue;
-    AddError(inp_Utils::MessageAtParameter(
-        keyword, binding.key,
-        inpS_messageText(inpS_app_InvalidParameterValue, {binding.name}) +
-            " It must be a whole number from " + std::to_string(least) +
-            " on; the keyword is kept as text."));
-    return false;
-  }
-  return true;
-}
-
-bool inpS_MaterialVisitor::ReadTable(const inp_Keyword& keyword, const inpS_Form& behavior,
-                                     cow_List<Column>& columns, inpS_KeywordDataTable& table) {
-  constexpr long long mostValues = 100000; // of a row; beyond, the number is a slip of the pen
-  if (!CheckCounts(keyword, behavior)) return false;
-  const auto count = inpS_Form::CountIn(keyword);
-  const long long size = behavior.columns.Size(count);
-  const inp_DataArray& data = keyword.Data();
-  if (size == 0 && hasData(keyword)) {
-    Error(keyword, "*" + keyword.Name() +
-                       " does not tell how many values its data lines hold; it " +
-                       "is kept as text.");
-    return false;
-  }
-  // Nothing but the data lines can say how many values there are.
-  if (size > mostValues || size > 8 * data.Rows() + 8) {
-    if (data.Rows() > 0 || !behavior.MayLackRows())
-      Error(keyword, "*" + keyword.Name() + " asks for " + std::to_string(size) +
-                         " values, more than its data lines can hold; it is kept as text.");
-    return behavior.MayLackRows() && data.Rows() == 0;
-  }
-  columns = behavior.columns.Expand(count);
-  table = inpS_KeywordDataTable(keyword, static_cast<int>(size), 0, behavior.HasTemperature());
-  if (size == 0) return true;
-  table.Read();
-  table.ReportUnread(*this);
-  for (std::size_t n = 0; n < columns.size(); ++n)
-    if (columns[n].absent != 0) table.SetUnspecified(static_cast<int>(n), columns[n].absent);
-  inpS_checkTable(keyword, table, columns, *this);
-  table.RemoveTempColumnIfIndependent();
-  return table.NumRows() > 0 || behavior.MayLackRows();
-}
-
 KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const inpS_Form& behavior,
                                             const KvoSimPosition& owner) {
-  cow_List<Column> columns;
-  inpS_KeywordDataTable table;
-  if (behavior.HasTable() && !ReadTable(keyword, behavior, columns, table)) return {};
+  inpS_FormRows rows;
+  if (behavior.HasTable() && !rows.Read(keyword, behavior, *this)) return {};
   KvoSimTransaction transaction(m_document.ContextID());
   const Potential potential = CreatePotential(keyword);
   const KvoSimPosition property = owner.CreateDataRecord(behavior.kind);
@@ -380,11 +310,8 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const in
   behavior.LeaveOddChoices(keyword, *this);
   if (behavior.info->textField >= 0 && keyword.Data().Rows() > 0)
     property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword));
-  KeepOthers(keyword, behavior, property, table);
-  const int kind = inpS_PropertyUtils::TableKindOf(behavior.kind);
-  inpS_PropertyUtils::CreateProperty(
-      property, kind, kind, std::move(table), extraColumns(columns, Column::Role::Dependent),
-      extraColumns(columns, Column::Role::Independent), namesOf(columns));
+  KeepOthers(keyword, behavior, property, rows.Table());
+  rows.Store(property);
   CreateSuboptions(keyword, property);
   transaction.Commit();
   return property;

@@ -7,7 +7,7 @@
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/materials/inpS_Behaviors.h"
-#include "inpS/materials/inpS_PropertyUtils.h"
+#include "inpS/forms/inpS_PropertyUtils.h"
 
 // Converts materials and gasket behaviours: every behaviour keyword becomes a property record of
 // the material that is open, its sub-options records of that property. What a keyword holds stands
@@ -64,7 +64,6 @@ private:
   bool NamesDistribution(const inp_Keyword& keyword) const;
   cow_String UntoldReason(const inp_Keyword& keyword) const;
   bool IsSecond(const inp_Keyword& keyword, const inpS_Form& behavior, const KvoSimPosition& owner);
-  bool CheckCounts(const inp_Keyword& keyword, const inpS_Form& behavior);
   void TellOfNoName(const inp_Keyword& keyword);
   void ReportChoice(const inp_Keyword& keyword);
   void TellConflicts(const inp_Keyword& keyword);
@@ -75,8 +74,6 @@ private:
                          const inp_Keyword* parent = nullptr);
   KvoSimPosition Create(const inp_Keyword& keyword, const inpS_Form& behavior,
                         const KvoSimPosition& owner);
-  bool ReadTable(const inp_Keyword& keyword, const inpS_Form& behavior,
-                 cow_List<inpS_TableColumns::Column>& columns, inpS_KeywordDataTable& table);
   void CreateSuboptions(const inp_Keyword& keyword, const KvoSimPosition& property);
   // The *POTENTIAL of a keyword belongs to the material and is made before the keyword's own
   // property; once that is there, it is told what it was given with, or kept as text behind it.

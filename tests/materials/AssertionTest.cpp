@@ -6,7 +6,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/history/inpS_AmplitudeVisitor.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
-#include "inpS/materials/inpS_PropertyUtils.h"
+#include "inpS/forms/inpS_PropertyUtils.h"
 #include "tests/parser/Parsed.h"
 #include <gtest/gtest.h>
 

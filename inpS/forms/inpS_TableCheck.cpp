@@ -1,4 +1,4 @@
-#include "inpS/materials/inpS_TableCheck.h"
+#include "inpS/forms/inpS_TableCheck.h"
 #include "base/utl_Assert.h"
 #include "base/utl_Number.h"
 #include "parser/inp_Keyword.h"

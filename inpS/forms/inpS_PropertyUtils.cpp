@@ -1,4 +1,4 @@
-#include "inpS/materials/inpS_PropertyUtils.h"
+#include "inpS/forms/inpS_PropertyUtils.h"
 #include "base/utl_Assert.h"
 #include <algorithm>
 
