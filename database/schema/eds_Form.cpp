@@ -44,10 +44,11 @@ constexpr auto rowsByKind = [] {
 }();
 
 constexpr eds_Referable referables[] = {
-#define EDS_REFERABLE(word, Kind, Place, Member, InternalMember, Text)                             \
+#define EDS_REFERABLE(word, Keyword, Kind, Where, Member, InternalMember, Text)                    \
   {#word,                                                                                          \
+   #Keyword,                                                                                       \
    eds_RecordKind::Kind,                                                                           \
-   std::string_view(#Place) == "Scope",                                                            \
+   eds_Referable::Place::Where,                                                                    \
    eds_Member::Member,                                                                             \
    eds_Member::InternalMember,                                                                     \
    Text},
@@ -286,7 +287,7 @@ private:
       field.info.intDefault = static_cast<int64_t>(item.unset);
       field.info.realDefault = item.unset;
       one.field = static_cast<int>(field.number);
-      if (one.referable && one.referable->isScoped)
+      if (one.referable && one.referable->IsScoped())
         one.instanceField = static_cast<int>(
             AddField(column + "_instance", eds_FieldType::Ref, eds_RecordKind::Instance).number);
     }

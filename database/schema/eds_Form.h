@@ -10,9 +10,16 @@
 
 // What has a name by which others refer to it (referables.def).
 struct eds_Referable {
+  enum class Place : uint8_t {
+    Scope, // of an owner (model, part, instance, assembly), and of instances by instance.name
+    Near,  // of the owner it is defined in; of the model's all owners know
+    Model  // of the whole model
+  };
   std::string_view word;
-  eds_RecordKind kind; // None: of several kinds
-  bool isScoped;       // has an owner: the model, a part, an instance, the assembly
+  std::string_view keyword; // suffix in the vocabulary of what defines it by NAME; "None"
+  eds_RecordKind kind;      // None: of several kinds
+  Place place;
+  bool IsScoped() const { return place == Place::Scope; }
   eds_Member member;
   eds_Member internalMember;
   std::string_view missing; // "%s" stands for the name

@@ -114,6 +114,7 @@ constexpr Kinds AnyKind{1, 0xfffe};
 constexpr Kinds AnyField{Field.first, MeshedField.last};
 constexpr Kinds AnyProperty{ElasticIsotropic.first, AmplitudeTabular.first - 1};
 constexpr Kinds AnyAmplitude{AmplitudeTabular.first, eds_firstOwnKind - 1};
+constexpr Kinds AnyOption{GasketBehavior.first, 0xfffe}; // of a material's or another form
 constexpr Kinds AnyForm{eds_firstFormKind, 0xfffe};
 } // namespace target
 

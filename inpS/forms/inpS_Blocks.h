@@ -8,6 +8,7 @@
 
 enum class inpS_Phase : unsigned char {
   None,
+  Distributions,
   Orientations,
   Constraints,
   Sections,

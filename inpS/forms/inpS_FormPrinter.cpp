@@ -1,5 +1,6 @@
 #include "inpS/forms/inpS_FormPrinter.h"
 #include "base/utl_Stream.h"
+#include "database/KvoSrvFsmFTable.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/forms/inpS_FormValue.h"
 #include "inpS/keywords/inpS_KeptParts.h"
@@ -9,7 +10,7 @@
 namespace {
 
 void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord& record,
-                  const inpS_KeptPart& beside) {
+                  const inpS_KeptPart& beside, const KvoSrvFsmFTable& table) {
   out << '*' << inp_KeywordTable::Instance().Row(form.keyword)->name;
   for (std::size_t n = 0; n < form.parameters.size(); ++n) {
     const inpS_ParameterBinding& parameter = form.parameters[n];
@@ -25,38 +26,84 @@ void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord
     out << ", " << selector.name;
     if (!selector.text.empty()) out << '=' << selector.text;
   }
+  if (!table.IsNull() && table.NumberFieldVariables() > 0)
+    out << ", DEPENDENCIES=" << table.NumberFieldVariables();
   out << beside.parameters << '\n';
 }
 
 // Up to the last value that is given, or that always has its place.
-void printLine(utl_Stream& out, const cow_List<eds_FormItem>& items,
-               const KvoSimDataRecord& record) {
+std::size_t widthOf(const cow_List<eds_FormItem>& items, const KvoSimDataRecord& record) {
   std::size_t count = items.size();
   while (count > 0 && items[count - 1].isOptional && !inpS_hasValue(items[count - 1], record))
     --count;
+  return count;
+}
+
+void printLine(utl_Stream& out, const cow_List<eds_FormItem>& items, const KvoSimDataRecord& record,
+               bool evenBlank = false) {
+  const std::size_t count = widthOf(items, record);
   for (std::size_t n = 0; n < count; ++n) {
     if (n > 0) out << ", ";
     inpS_printValue(out, items[n], record);
   }
-  if (count > 0) out << '\n';
+  if (count > 0 || evenBlank) out << '\n';
+}
+
+// A line without a value has its place where another stands behind it.
+void printFirstLines(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord& record,
+                     bool hasMore) {
+  const auto& lines = form.info->lines;
+  std::size_t count = lines.size();
+  while (!hasMore && count > 0 && widthOf(lines[count - 1], record) == 0) --count;
+  for (std::size_t n = 0; n < count; ++n) printLine(out, lines[n], record, true);
+}
+
+void printLines(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& position,
+                const inpS_FormPrinting& printing) {
+  const KvoSimDataRecord record = position.DataRecord();
+  const cow_String& kept = printing.parts.FirstOf(position).lines;
+  if (!kept.empty()) {
+    out << kept;
+    return;
+  }
+  const bool hasRows = form.HasTable() && !position.GetFTable().IsNull();
+  const bool hasMore = hasRows || (form.info->data == eds_FormData::Records &&
+                                   !position.GetVector(eds_Member::Lines).empty());
+  printFirstLines(out, form, record, hasMore);
+  switch (form.info->data) {
+  case eds_FormData::Columns:
+    return printing.columns(form, position);
+  case eds_FormData::Text:
+    out << record.GetString(form.info->textField);
+    return;
+  case eds_FormData::Records:
+    for (const KvoSimPosition& line : position.GetVector(eds_Member::Lines))
+      printLine(out, eds_formOf(form.info->record)->lines.front(), line.DataRecord());
+    return;
+  case eds_FormData::Table:
+  case eds_FormData::Plain:
+    if (hasRows) printing.table(form, position);
+    return;
+  case eds_FormData::None:
+  case eds_FormData::Pairs: // of an operation's own
+    return;
+  }
 }
 
 } // namespace
 
-void inpS_printForm(utl_Stream& out, const KvoSimPosition& position, const inpS_KeptPart& beside,
-                    const inpS_PrintColumns& printColumns) {
+void inpS_printForm(utl_Stream& out, const KvoSimPosition& position,
+                    const inpS_FormPrinting& printing) {
   const inpS_Form* form = inpS_FormTable::Instance().Find(position.Object().RecordKind());
   if (!form) return; // of a newer version's kind: nothing is known of it
-  const KvoSimDataRecord record = position.DataRecord();
-  printKeyword(out, *form, record, beside);
-  if (!beside.lines.empty()) {
-    out << beside.lines;
-    return;
+  printKeyword(out, *form, position.DataRecord(), printing.parts.FirstOf(position),
+               form->HasTable() ? position.GetFTable() : KvoSrvFsmFTable());
+  printLines(out, *form, position, printing);
+  const auto suboptions = position.GetVector(eds_Member::Suboptions);
+  printing.texts(position, position);
+  for (const KvoSimPosition& suboption : suboptions) {
+    inpS_printForm(out, suboption, printing);
+    printing.texts(position, suboption);
   }
-  for (const cow_List<eds_FormItem>& line : form->info->lines) printLine(out, line, record);
-  if (form->info->data == eds_FormData::Columns) printColumns(*form->info, position);
-  if (form->info->data == eds_FormData::Text) out << record.GetString(form->info->textField);
-  if (form->info->data == eds_FormData::Records)
-    for (const KvoSimPosition& line : position.GetVector(eds_Member::Lines))
-      printLine(out, eds_formOf(form->info->record)->lines.front(), line.DataRecord());
+  printing.texts(position, {});
 }

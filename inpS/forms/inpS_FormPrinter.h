@@ -3,15 +3,21 @@
 #include "database/KvoSimPosition.h"
 #include <functional>
 
+class inpS_KeptParts;
 class utl_Stream;
-struct eds_FormInfo;
-struct inpS_KeptPart;
+struct inpS_Form;
 
-// Prints the lines that a record keeps as bulk columns.
-using inpS_PrintColumns =
-    std::function<void(const eds_FormInfo& form, const KvoSimPosition& record)>;
+// What the form of a record leaves to the writer.
+struct inpS_FormPrinting {
+  const inpS_KeptParts& parts; // what is kept beside records
+  std::function<void(const inpS_Form& form, const KvoSimPosition& record)> columns; // in bulk
+  std::function<void(const inpS_Form& form, const KvoSimPosition& record)> table;
+  // The keywords kept as text within a record that stand behind one of its own; behind null: all
+  // that are left.
+  std::function<void(const KvoSimPosition& within, const KvoSimPosition& behind)> texts;
+};
 
-// A record of a form as the keyword that it was read from, or could be. Nothing for what is no
-// form's. beside: what is kept beside it.
-void inpS_printForm(utl_Stream& out, const KvoSimPosition& record, const inpS_KeptPart& beside,
-                    const inpS_PrintColumns& printColumns);
+// A record of a form as the keyword that it was read from, or could be, with its sub-options.
+// Nothing for what is no form's.
+void inpS_printForm(utl_Stream& out, const KvoSimPosition& record,
+                    const inpS_FormPrinting& printing);

@@ -77,14 +77,12 @@ bool inpS_FormRows::Read(const inp_Keyword& keyword, const inpS_Form& form, inp_
     return form.MayLackRows() && lines == 0;
   }
   m_columns = form.columns.Expand(count);
-  m_table =
-      inpS_KeywordDataTable(keyword, static_cast<int>(size), first, form.HasTemperature());
+  m_table = inpS_KeywordDataTable(keyword, static_cast<int>(size), first, form.HasTemperature());
   if (size == 0) return true;
   m_table.Read();
   m_table.ReportUnread(messages);
   for (std::size_t n = 0; n < m_columns.size(); ++n)
-    if (m_columns[n].absent != 0)
-      m_table.SetUnspecified(static_cast<int>(n), m_columns[n].absent);
+    if (m_columns[n].absent != 0) m_table.SetUnspecified(static_cast<int>(n), m_columns[n].absent);
   inpS_checkTable(keyword, m_table, m_columns, messages);
   m_table.RemoveTempColumnIfIndependent();
   return m_table.NumRows() > 0 || form.MayLackRows();
@@ -92,8 +90,7 @@ bool inpS_FormRows::Read(const inp_Keyword& keyword, const inpS_Form& form, inp_
 
 void inpS_FormRows::Store(const KvoSimPosition& record) {
   const int kind = inpS_PropertyUtils::TableKindOf(record.Object().RecordKind());
-  inpS_PropertyUtils::CreateProperty(record, kind, kind, std::move(m_table),
-                                     extraColumns(m_columns, Column::Role::Dependent),
-                                     extraColumns(m_columns, Column::Role::Independent),
-                                     namesOf(m_columns));
+  inpS_PropertyUtils::CreateProperty(
+      record, kind, kind, std::move(m_table), extraColumns(m_columns, Column::Role::Dependent),
+      extraColumns(m_columns, Column::Role::Independent), namesOf(m_columns));
 }

@@ -191,6 +191,22 @@ const inpS_Form* inpS_FormTable::Select(const inp_Keyword& keyword,
   return nullptr;
 }
 
+inp_KeywordEnm inpS_FormTable::DefinerOf(const eds_Referable& referable) const {
+  return keywordOf(referable.keyword);
+}
+
+const eds_Referable* inpS_FormTable::Named(inp_KeywordEnm keyword) const {
+  static const auto byKeyword = [] {
+    std::unordered_map<inp_KeywordEnm, const eds_Referable*> all;
+    for (const eds_Referable& one : eds_referables())
+      if (const inp_KeywordEnm definer = keywordOf(one.keyword); definer != inp_NullKeyword)
+        all.emplace(definer, &one);
+    return all;
+  }();
+  const auto found = byKeyword.find(keyword);
+  return found == byKeyword.end() ? nullptr : found->second;
+}
+
 cow_String inpS_FormTable::UnknownChoice(const inp_Keyword& keyword) const {
   const auto kinds = KindsOf(keyword.Kind());
   for (const eds_RecordKind kind : kinds) {

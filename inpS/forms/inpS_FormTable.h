@@ -63,6 +63,9 @@ public:
   const inpS_Form* Find(eds_RecordKind kind) const; // null: no form's
   // The first whose selectors the keyword meets; null when there is none.
   const inpS_Form* Select(const inp_Keyword& keyword, const inp_Keyword* parent = nullptr) const;
+  // What the keyword's NAME makes known to others; null: nothing.
+  const eds_Referable* Named(inp_KeywordEnm keyword) const;
+  inp_KeywordEnm DefinerOf(const eds_Referable& referable) const; // null: no keyword's NAME
   // The parameter by whose value no form of the keyword can be selected; empty when it is none.
   cow_String UnknownChoice(const inp_Keyword& keyword) const;
 

@@ -109,8 +109,14 @@ inpS_FormValue inpS_FormValue::Of(const inp_DataArray& data, long long row, int 
 
 inpS_SetVisitor::Found inpS_FormNames::Find(const eds_Referable& referable,
                                             const cow_String& asWritten) const {
-  if (!referable.isScoped)
-    return {m_place.Model().FollowStringKey(referable.member, inp_Utils::Fold(asWritten)), 0, {}};
+  if (!referable.IsScoped()) {
+    const cow_String name = inp_Utils::Fold(asWritten);
+    KvoSimPosition found;
+    if (referable.place == eds_Referable::Place::Near && !m_place.Holder().IsNull())
+      found = m_place.Holder().FollowStringKey(referable.member, name);
+    if (found.IsNull()) found = m_place.Model().FollowStringKey(referable.member, name);
+    return {found, 0, {}};
+  }
   const Kind kind = referable.kind == eds_RecordKind::NodeSet      ? Kind::Nodes
                     : referable.kind == eds_RecordKind::ElementSet ? Kind::Elements
                                                                    : Kind::Surfaces;

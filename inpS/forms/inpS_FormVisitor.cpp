@@ -30,39 +30,86 @@ void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return;
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return;
   const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
-  if (block.phase == m_phase) Convert(keyword, block.member);
+  if (block.phase == m_phase) Convert(keyword, Holder(), block.member, nullptr);
 }
 
-void inpS_FormVisitor::Convert(const inp_Keyword& keyword, eds_Member member) {
-  const inpS_Form* form = inpS_FormTable::Instance().Select(keyword);
-  const KvoSimPosition owner = Holder();
-  // No sub-option is modelled yet: they stay together.
-  if (!form || owner.IsNull() || !keyword.Suboptions().empty() || inpS_hasUnknownWord(keyword))
-    return m_ledger.KeepAsText(keyword);
-  if (!MayBe(keyword, *form, owner, member)) {
-    inpS_TextPlace place;
-    place.isTold = true;
-    return m_ledger.KeepAsText(keyword, place);
+const inpS_Form* inpS_FormVisitor::Choose(const inp_Keyword& keyword, const inp_Keyword* parent) {
+  return inpS_FormTable::Instance().Select(keyword, parent);
+}
+
+bool inpS_FormVisitor::MayConvert(const inp_Keyword&, const inpS_Form&) {
+  return true;
+}
+
+void inpS_FormVisitor::Converted(const inp_Keyword&, const inpS_Form&, const KvoSimPosition&) {}
+
+// Null: it is kept as text.
+KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                                         eds_Member member, const inp_Keyword* parent) {
+  const bool isLost = owner.IsNull() || inpS_hasUnknownWord(keyword);
+  const inpS_Form* form = isLost ? nullptr : Choose(keyword, parent);
+  inpS_FormRows rows;
+  const bool isRefused =
+      form && !(MayBe(keyword, *form, owner, member) && MayConvert(keyword, *form) &&
+                (!form->HasTable() || rows.Read(keyword, *form, *this)));
+  if (!form || isRefused) {
+    KeepAsText(keyword, owner, parent, isRefused);
+    return {};
   }
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
   const KvoSimPosition record = owner.CreateDataRecord(form->info->kind);
   owner.Associate(member, record);
+  if (const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind()); named)
+    owner.AssociateStringKey(named->member, keyword.StringOf("name", ""), record);
   ReadParameters(keyword, *form, record.DataRecord());
-  const bool whole = ReadData(keyword, *form->info, record);
+  bool whole = ReadData(keyword, *form->info, record);
+  if (form->HasTable()) {
+    whole = whole && rows.Table().Unread().empty();
+    rows.Store(record);
+  }
   inpS_tellOtherParameters(keyword, *this);
   const inpS_KeptPart beside{0, inpS_takeOtherParameters(keyword),
                              whole ? cow_String() : inpS_dataLines(keyword)};
   if (!beside.parameters.empty() || !beside.lines.empty()) inpS_keepPart(record, beside);
-  transaction.Commit();
   m_ledger.Take(keyword, record);
+  ConvertSuboptions(keyword, record);
+  Converted(keyword, *form, record);
+  transaction.Commit();
+  return record;
+}
+
+// A sub-option stays behind those that its keyword's record holds by now; the others of its kind go
+// with it.
+void inpS_FormVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                                  const inp_Keyword* parent, bool isTold) {
+  inpS_TextPlace place;
+  place.isTold = isTold;
+  if (parent && !owner.IsNull()) {
+    place.owner = place.behind = owner;
+    for (const KvoSimPosition& present : owner.GetVector(eds_Member::Suboptions))
+      place.behind = present;
+  }
+  m_ledger.KeepAsText(keyword, place);
+  if (parent)
+    for (const inp_Keyword& suboption : keyword.Suboptions())
+      KeepAsText(suboption, owner, &keyword, true);
+}
+
+void inpS_FormVisitor::ConvertSuboptions(const inp_Keyword& keyword, const KvoSimPosition& record) {
+  for (const inp_Keyword& suboption : keyword.Suboptions())
+    Convert(suboption, record, eds_Member::Suboptions, &keyword);
 }
 
 bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
                              const KvoSimPosition& owner, eds_Member member) {
-  if (!CheckReferences(keyword, form)) return false;
+  if (!CheckReferences(keyword, form) || !IsNameFree(keyword, owner)) return false;
   if (form.info->repeat == eds_FormRepeat::Many) return true;
   for (const KvoSimPosition& present : owner.GetVector(member)) {
-    if (!present.IsA(form.info->kind)) continue;
+    const inpS_Form* other = inpS_FormTable::Instance().Find(present.Object().RecordKind());
+    const bool same = form.info->repeat == eds_FormRepeat::Beside || !other
+                          ? present.IsA(form.info->kind)
+                          : other->keyword == keyword.Kind();
+    if (!same) continue;
     Warning(keyword, "*" + keyword.Name() +
                          " is given a second time; the first one holds, this one is kept as text.");
     return false;
@@ -70,8 +117,38 @@ bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
   return true;
 }
 
+// Of what others refer to by its name: the first definition holds.
+bool inpS_FormVisitor::IsNameFree(const inp_Keyword& keyword, const KvoSimPosition& owner) {
+  const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind());
+  if (!named) return true;
+  const inp_Item* name = keyword.Find("name");
+  if (!name || name->AsString().empty()) {
+    TellRequired(keyword, "NAME");
+    return false;
+  }
+  if (owner.FollowStringKey(named->member, name->AsString()).IsNull()) return true;
+  Warning(keyword, "*" + keyword.Name() + " \"" + name->AsString() +
+                       "\" is defined a second time; the first one holds, this one is kept as "
+                       "text.");
+  return false;
+}
+
+void inpS_FormVisitor::TellRequired(const inp_Keyword& keyword, const cow_String& parameter) {
+  Warning(keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter}) +
+                       " The keyword is kept as text.");
+}
+
+// What it names may be a keyword that is kept as text itself: no error.
+void inpS_FormVisitor::TellMissing(const inp_Keyword& keyword, const cow_String& parameter,
+                                   const eds_Referable& referable, const cow_String& name) {
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, parameter,
+      inp_Utils::Format(cow_String(referable.missing).c_str(), name.c_str()) +
+          " The keyword is kept as text."));
+}
+
 // What the keyword is about must be there: half of it would be a lie. It stays as text, so nothing
-// is lost, and what it names may be a keyword that is kept as text itself: no error.
+// is lost.
 bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Form& form) {
   bool good = true;
   for (std::size_t n = 0; n < form.parameters.size(); ++n) {
@@ -79,18 +156,21 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
     const inp_Item* item = keyword.Find(parameter.key);
     if (!item) {
       if (!form.items[n]->isRequired) continue;
-      Warning(keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter.name}) +
-                           " The keyword is kept as text.");
+      TellRequired(keyword, parameter.name);
       good = false;
       continue;
     }
     if (parameter.codec != inpS_Codec::Reference) continue;
     const eds_Referable& referable = *form.items[n]->alternatives.front().referable;
     if (!m_names.Find(referable, item->Verbatim()).set.IsNull()) continue;
-    AddWarning(inp_Utils::MessageAtParameter(
-        keyword, parameter.key,
-        inp_Utils::Format(cow_String(referable.missing).c_str(), item->AsString().c_str()) +
-            " The keyword is kept as text."));
+    const inp_KeywordEnm definer = inpS_FormTable::Instance().DefinerOf(referable);
+    if (definer != inp_NullKeyword && Inventory().Names(definer, item->AsString()))
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, parameter.key,
+          "*" + cow_String(inp_KeywordTable::Instance().Row(definer)->name) + " \"" +
+              item->AsString() + "\" is kept as text; so is this keyword, which refers to it."));
+    else
+      TellMissing(keyword, parameter.key, referable, item->AsString());
     good = false;
   }
   return good;
@@ -114,7 +194,6 @@ bool inpS_FormVisitor::ReadData(const inp_Keyword& keyword, const eds_FormInfo& 
   const inp_DataArray& data = keyword.Data();
   if (form.data == eds_FormData::Columns)
     return inpS_ColumnReader(keyword, form, record, m_names, *this).Read();
-  if (form.data == eds_FormData::Records) return ReadRecords(keyword, form.record, record);
   if (form.data == eds_FormData::Text) {
     if (data.Rows() > 0) record.DataRecord().SetString(form.textField, inpS_dataLines(keyword));
     return true;
@@ -125,8 +204,15 @@ bool inpS_FormVisitor::ReadData(const inp_Keyword& keyword, const eds_FormInfo& 
     whole =
         ReadLine(keyword, row, form.lines[static_cast<std::size_t>(row)], record) == Line::Whole &&
         whole;
-  for (long long row = lines; row < data.Rows(); ++row) {
-    if (isBlankLine(data, row)) continue;
+  if (form.data == eds_FormData::Records)
+    return ReadRecords(keyword, lines, form.record, record) && whole;
+  const bool hasRows = form.data == eds_FormData::Table || form.data == eds_FormData::Plain;
+  return (hasRows || ReadSurplus(keyword, lines)) && whole;
+}
+
+bool inpS_FormVisitor::ReadSurplus(const inp_Keyword& keyword, long long lines) {
+  for (long long row = lines; row < keyword.Data().Rows(); ++row) {
+    if (isBlankLine(keyword.Data(), row)) continue;
     AddWarning(inp_Utils::MessageAtRow(
         keyword, row,
         lines == 0
@@ -136,16 +222,16 @@ bool inpS_FormVisitor::ReadData(const inp_Keyword& keyword, const eds_FormInfo& 
                   (lines == 1 ? " data line" : " data lines") + "; all are kept as they stand."));
     return false;
   }
-  return whole;
+  return true;
 }
 
 // A record for each line; one that lacks what it is about costs that line.
-bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, eds_RecordKind kind,
+bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, eds_RecordKind kind,
                                    const KvoSimPosition& record) {
   const cow_List<eds_FormItem>& items = eds_formOf(kind)->lines.front();
   const inp_DataArray& data = keyword.Data();
   bool whole = true;
-  for (long long row = 0; row < data.Rows(); ++row) {
+  for (long long row = first; row < data.Rows(); ++row) {
     if (isBlankLine(data, row)) continue;
     const KvoSimPosition line = record.CreateDataRecord(kind);
     const Line read = ReadLine(keyword, row, items, line);

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "inpS/forms/inpS_Blocks.h"
+#include "inpS/forms/inpS_FormRows.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/forms/inpS_FormValue.h"
 #include "inpS/framework/inpS_Ledger.h"
 
 // Converts the keywords whose form says all of them: each becomes a record that its owner (model,
-// part, instance, assembly) holds in the member of the writer's block. What a form cannot say is an
-// operation of the subject's visitor, which derives from this one.
+// part, instance, assembly) holds in the member of the writer's block, and its sub-options records
+// that it holds itself. What a form cannot say is an operation of the subject's visitor, which
+// derives from this one.
 class inpS_FormVisitor : public inpS_SetVisitor {
 public:
   // Those of the phase's blocks.
@@ -16,16 +18,40 @@ public:
 
   void Visit(const inp_Keyword& keyword) override;
 
+protected:
+  // The form of the keyword; null: none, and it is kept as text. parent: what it is a sub-option
+  // of, or null.
+  virtual const inpS_Form* Choose(const inp_Keyword& keyword, const inp_Keyword* parent);
+  // Whether the keyword can be made a record, beside what every form asks for; what stands against
+  // it is told.
+  virtual bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form);
+  // Of a parameter that names something: there is none of that name.
+  virtual void TellMissing(const inp_Keyword& keyword, const cow_String& parameter,
+                           const eds_Referable& referable, const cow_String& name);
+  virtual void TellRequired(const inp_Keyword& keyword, const cow_String& parameter);
+  // Behind all that the row says, within the keyword's transaction.
+  virtual void Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                         const KvoSimPosition& record);
+  const inpS_FormNames& Names() const { return m_names; }
+  inpS_Ledger& Ledger() { return m_ledger; }
+
 private:
-  void Convert(const inp_Keyword& keyword, eds_Member member);
+  KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner, eds_Member member,
+                         const inp_Keyword* parent);
+  void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                  const inp_Keyword* parent, bool isTold);
+  void ConvertSuboptions(const inp_Keyword& keyword, const KvoSimPosition& record);
   // Whether the keyword can be this form's record; what stands against it is told.
   bool MayBe(const inp_Keyword& keyword, const inpS_Form& form, const KvoSimPosition& owner,
              eds_Member member);
+  bool IsNameFree(const inp_Keyword& keyword, const KvoSimPosition& owner);
   bool CheckReferences(const inp_Keyword& keyword, const inpS_Form& form);
   void ReadParameters(const inp_Keyword& keyword, const inpS_Form& form, KvoSimDataRecord record);
   // Whether all that the lines say is in the record.
   bool ReadData(const inp_Keyword& keyword, const eds_FormInfo& form, const KvoSimPosition& record);
-  bool ReadRecords(const inp_Keyword& keyword, eds_RecordKind kind, const KvoSimPosition& record);
+  bool ReadSurplus(const inp_Keyword& keyword, long long lines);
+  bool ReadRecords(const inp_Keyword& keyword, long long first, eds_RecordKind kind,
+                   const KvoSimPosition& record);
   enum class Line : unsigned char { Whole, Partly, Nothing };
   Line ReadLine(const inp_Keyword& keyword, long long row, const cow_List<eds_FormItem>& items,
                 const KvoSimPosition& record);

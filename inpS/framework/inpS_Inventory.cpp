@@ -1,6 +1,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "base/utl_Assert.h"
 #include "base/utl_Number.h"
+#include "database/schema/eds_Form.h"
 #include "inpS/framework/inpS_ComponentSets.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_ElementInfo.h"
@@ -11,6 +12,18 @@
 #include <limits>
 
 namespace {
+
+// By keyword: whether its NAME is one that others refer to.
+cow_List<bool> findNaming() {
+  cow_List<bool> naming;
+  for (const inp_KeywordRow& row : inp_KeywordTable::Instance().Rows()) {
+    const auto index = static_cast<std::size_t>(row.kind);
+    if (index >= naming.size()) naming.resize(index + 1);
+    naming[index] = std::ranges::find(eds_referables(), row.suffix, &eds_Referable::keyword) !=
+                    eds_referables().end();
+  }
+  return naming;
+}
 
 int clampToInt(long long value) {
   return static_cast<int>(std::min<long long>(value, std::numeric_limits<int>::max()));
@@ -163,6 +176,19 @@ void inpS_Inventory::VisitStep(const inp_Keyword&) {
   m_standard = true;
 }
 
+void inpS_Inventory::Visit(const inp_Keyword& keyword) {
+  static const cow_List<bool> naming = findNaming();
+  const auto index = static_cast<std::size_t>(keyword.Kind());
+  if (index < naming.size() && naming[index])
+    if (const inp_Item* name = keyword.Find("name"))
+      m_names.emplace(keyword.Kind(), name->AsString());
+  inp_Visitor::Visit(keyword);
+}
+
+bool inpS_Inventory::Names(inp_KeywordEnm kind, const cow_String& name) const {
+  return m_names.contains({kind, name});
+}
+
 // An annealing step is treated as explicit whatever its parameters: a deliberate simplification.
 void inpS_Inventory::VisitAnneal(const inp_Keyword&) {
   m_standard = false;
@@ -172,10 +198,6 @@ void inpS_Inventory::VisitAnneal(const inp_Keyword&) {
 void inpS_Inventory::VisitCfd(const inp_Keyword&) {
   m_cfd = true;
   m_standard = false;
-}
-
-void inpS_Inventory::VisitDistribution(const inp_Keyword& keyword) {
-  m_distributions.insert(keyword.StringOf("name", ""));
 }
 
 void inpS_Inventory::VisitDynamic(const inp_Keyword& keyword) {

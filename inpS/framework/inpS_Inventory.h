@@ -2,6 +2,7 @@
 
 #include "base/cow_Value.h"
 #include "database/KvoObjDocument.h"
+#include "parser/inp_KeywordEnm.h"
 #include "parser/inp_Visitor.h"
 #include <memory>
 #include <set>
@@ -38,8 +39,8 @@ public:
   bool HasHeading() const { return m_headingSeen; } // its text may be empty
   const cow_String& AssemblyName() const { return m_assemblyName; }
   const cow_String& InputDir() const { return m_inputDir; }
-  // Whether some *DISTRIBUTION of the deck has the name.
-  bool HasDistribution(const cow_String& name) const { return m_distributions.contains(name); }
+  // Whether some keyword of the kind has the name, of those to which others refer by it.
+  bool Names(inp_KeywordEnm kind, const cow_String& name) const;
   const KvoObjDocument& GetDocument() const { return m_document; }
 
   inpS_RestartKind RestartKind() const { return m_restartKind; }
@@ -64,12 +65,12 @@ public:
   const KvoSimCSetID& VectorComponents3DCSet() const;
   const KvoSimCSetID& QuaternionComponentsCSet() const;
 
+  void Visit(const inp_Keyword& keyword) override;
   void VisitAssembly(const inp_Keyword& keyword) override;
   void VisitRestart(const inp_Keyword& keyword) override;
   void VisitStep(const inp_Keyword& keyword) override;
   void VisitAnneal(const inp_Keyword& keyword) override;
   void VisitCfd(const inp_Keyword& keyword) override;
-  void VisitDistribution(const inp_Keyword& keyword) override;
   void VisitDynamic(const inp_Keyword& keyword) override;
   void VisitEndStep(const inp_Keyword& keyword) override;
   void VisitNcopy(const inp_Keyword& keyword) override;
@@ -115,7 +116,7 @@ private:
   cow_String m_heading;
   cow_String m_assemblyName;
   cow_String m_inputDir;
-  std::set<cow_String> m_distributions;
+  std::set<std::pair<inp_KeywordEnm, cow_String>> m_names;
   long long m_nodeCount = 0;
   cow_Map<cow_String, long long> m_elementCounts;
   cow_Map<cow_String, PartFacts> m_parts;

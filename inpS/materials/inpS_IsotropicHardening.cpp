@@ -1,7 +1,7 @@
 #include "database/KvoSimDataRecord.h"
+#include "inpS/forms/inpS_TableCheck.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
-#include "inpS/forms/inpS_TableCheck.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>

@@ -103,7 +103,7 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
     m_open = m_owner = m_gasket;
     break;
   default: // dealt with where its own parent is converted, or kept with it
-    if (!inpS_isBehavior(keyword.ParentKind())) KeepAsText(keyword, {});
+    if (!inpS_FormTable::Instance().Knows(keyword.ParentKind())) KeepAsText(keyword, {});
     return;
   }
   if (m_owner.IsNull()) TellOfStray(keyword);
@@ -214,7 +214,8 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
 
 // Any other word is no number, and told like one wherever it stands.
 bool inpS_MaterialVisitor::NamesDistribution(const inp_Keyword& keyword) const {
-  return mayNameDistribution(keyword) && m_inventory.HasDistribution(keyword.Data().AsString(0, 0));
+  return mayNameDistribution(keyword) &&
+         m_inventory.Names(inp_KwDistribution, keyword.Data().AsString(0, 0));
 }
 
 // Why a keyword is not converted where nothing is wrong enough for a message of its own; empty for

@@ -2,12 +2,12 @@
 
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/forms/inpS_PropertyUtils.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_TextKeywords.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/materials/inpS_Behaviors.h"
-#include "inpS/forms/inpS_PropertyUtils.h"
 
 // Converts materials and gasket behaviours: every behaviour keyword becomes a property record of
 // the material that is open, its sub-options records of that property. What a keyword holds stands

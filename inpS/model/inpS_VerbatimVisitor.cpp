@@ -126,7 +126,8 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const int before = m_block;
   const Along* along = AlongOf(keyword);
   const int block = along ? along->block : BlockOf(keyword);
-  if (const KvoSimPosition* record = m_ledger ? m_ledger->RecordOf(keyword) : nullptr)
+  if (const KvoSimPosition* record = m_ledger ? m_ledger->RecordOf(keyword) : nullptr;
+      record && !keyword.IsSuboption())
     m_records.insert_or_assign({m_place.owner.Object().Packed(), block}, *record);
   const inpS_TextPlace* told = AsText(keyword);
   const bool isExplained = told && (told->isTold || !told->reason.empty());

@@ -99,11 +99,8 @@ void inpS_MaterialPrinter::PrintKeyword(const KvoSimPosition& property, const in
 }
 
 void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {
-  const KvoSrvFsmFTable table = property.GetFTable();
-  if (table.IsNull()) return;
-  const inpS_Form& behavior = *inpS_FormTable::Instance().Find(property.Object().RecordKind());
-  const inpS_RowLayout layout(behavior, property.DataRecord(), table);
-  inpS_printFTable(m_out, {&layout, {}}, table);
+  if (const inpS_Form* form = inpS_FormTable::Instance().Find(property.Object().RecordKind()))
+    inpS_printRows(m_out, *form, property);
 }
 
 // One keyword for each run of rows of one rate, and for each that keeps something of its own.

@@ -82,3 +82,10 @@ void inpS_RowLayout::Print(utl_Stream& out, std::span<const double> values) cons
     }
   }
 }
+
+void inpS_printRows(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& record) {
+  const KvoSrvFsmFTable table = record.GetFTable();
+  if (table.IsNull()) return;
+  const inpS_RowLayout layout(form, record.DataRecord(), table);
+  inpS_printFTable(out, {&layout, {}}, table);
+}

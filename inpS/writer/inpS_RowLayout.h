@@ -5,6 +5,7 @@
 
 struct inpS_Form;
 class KvoSimDataRecord;
+class KvoSimPosition;
 class KvoSrvFsmFTable;
 class utl_Stream;
 
@@ -28,3 +29,6 @@ private:
   int m_columns;          // of the table
   bool m_hasBlanks = false;
 };
+
+// The table of a record by its form; nothing where it has none.
+void inpS_printRows(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& record);

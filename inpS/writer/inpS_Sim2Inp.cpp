@@ -6,12 +6,14 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/forms/inpS_Blocks.h"
 #include "inpS/forms/inpS_FormPrinter.h"
+#include "inpS/forms/inpS_FormTable.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
 #include "inpS/writer/inpS_AmplitudePrinter.h"
 #include "inpS/writer/inpS_ColumnPrinter.h"
 #include "inpS/writer/inpS_MaterialPrinter.h"
 #include "inpS/writer/inpS_MeshPrinter.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
+#include "inpS/writer/inpS_RowLayout.h"
 #include "inpS/writer/inpS_SetPrinter.h"
 #include "inpS/writer/inpS_SurfacePrinter.h"
 #include <algorithm>
@@ -266,11 +268,19 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
   };
   printTexts(&scope.owner);
   if (block.HasForms()) {
+    const inpS_FormPrinting printing{
+        parts,
+        [&](const inpS_Form& form, const KvoSimPosition& columns) {
+          inpS_printColumns(*out, *form.info, columns, *labels, scope);
+        },
+        [&](const inpS_Form& form, const KvoSimPosition& rows) {
+          inpS_printRows(*out, form, rows);
+        },
+        [&](const KvoSimPosition& within, const KvoSimPosition& behind) {
+          PrintKeptOf(within, behind);
+        }};
     for (const KvoSimPosition& record : scope.owner.GetVector(block.member)) {
-      inpS_printForm(*out, record, parts.FirstOf(record),
-                     [&](const eds_FormInfo& form, const KvoSimPosition& columns) {
-                       inpS_printColumns(*out, form, columns, *labels, scope);
-                     });
+      inpS_printForm(*out, record, printing);
       printTexts(&record);
     }
   }

@@ -63,6 +63,8 @@ const std::set<cow_String> elsewhere = {
     "Model.ModelString",
     // of instances of another model, which stay errors
     "Instance.Library", "Instance.SourceInstance",
+    // derived of sections, which nobody does yet
+    "SectionAssignment", "ElementRange",
     // nobody writes them: they go with the next change of the format
     "SystemDefinition", "Model.Name", "Mesh.NodeCount", "Mesh.ElementCount",
     "MeshDefaults.SolidElementNumbering", "ElementSpec.Coordinates", "ElementSpec.Properties",

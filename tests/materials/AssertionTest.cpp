@@ -4,9 +4,9 @@
 #include "base/utl_Assert.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/forms/inpS_PropertyUtils.h"
 #include "inpS/history/inpS_AmplitudeVisitor.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
-#include "inpS/forms/inpS_PropertyUtils.h"
 #include "tests/parser/Parsed.h"
 #include <gtest/gtest.h>
 
