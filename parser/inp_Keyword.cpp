@@ -91,15 +91,11 @@ void appendGenerated(const inp_KeywordBody& body, cow_String& out) {
 
 inp_Keyword::inp_Keyword(cow_String name) : m_body(std::make_shared<inp_KeywordBody>()) {
   m_body->name = std::move(name);
-  m_body->kind = inp_KeywordTable::Instance().Find(m_body->name);
+  m_body->kind = m_kind = inp_KeywordTable::Instance().Find(m_body->name);
 }
 
 inp_Keyword::inp_Keyword(std::shared_ptr<inp_KeywordBody> body, inp_ScopePtr scope)
-    : m_body(std::move(body)), m_scope(std::move(scope)) {}
-
-inp_KeywordEnm inp_Keyword::Kind() const {
-  return bodyOf(*this).kind;
-}
+    : m_body(std::move(body)), m_scope(std::move(scope)), m_kind(bodyOf(*this).kind) {}
 
 const cow_String& inp_Keyword::Name() const {
   return bodyOf(*this).name;
@@ -147,8 +143,16 @@ inp_Keyword inp_Keyword::CopyInto(inp_ScopePtr instance) const {
   return copy;
 }
 
+inp_Keyword inp_Keyword::Become(inp_KeywordEnm kind) const {
+  m_body->kind = kind;
+  inp_Keyword changed = *this;
+  changed.m_kind = kind;
+  return changed;
+}
+
 void inp_Keyword::MakeNull() {
   m_body.reset();
+  m_kind = inp_NullKeyword;
 }
 
 bool inp_Keyword::hasSuboption(inp_KeywordEnm kind) const {

@@ -53,7 +53,7 @@ public:
   explicit inp_Keyword(cow_String name); // one that no deck holds: no data, no place
   inp_Keyword(std::shared_ptr<inp_KeywordBody> body, inp_ScopePtr scope);
 
-  inp_KeywordEnm Kind() const;
+  inp_KeywordEnm Kind() const { return m_kind; }
   const cow_String& Name() const;
 
   // Parameters, by canonical name. Every look-up marks the parameter as referred.
@@ -72,7 +72,8 @@ public:
   const inp_ScopePtr& ScopePtr() const { return m_scope; }
   bool IsInstanceCopy() const { return m_instanceCopy; } // shared from the instance's part
   inp_Keyword CopyInto(inp_ScopePtr instance) const;
-  void MakeNull(); // emptied by expansion or reorganisation
+  inp_Keyword Become(inp_KeywordEnm kind) const; // the body changes, for all its handles to come
+  void MakeNull();                               // emptied by expansion or reorganisation
 
   bool hasSuboption(inp_KeywordEnm kind) const;
   const inp_KeywordList& Suboptions() const;
@@ -96,5 +97,7 @@ public:
 private:
   std::shared_ptr<inp_KeywordBody> m_body; // null: the null keyword
   inp_ScopePtr m_scope;
+  // The body's. Every phase walks all keywords to find its own: that must not fetch every body.
+  inp_KeywordEnm m_kind = inp_NullKeyword;
   bool m_instanceCopy = false;
 };

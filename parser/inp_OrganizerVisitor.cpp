@@ -48,16 +48,14 @@ void inp_OrganizerVisitor::VisitList(inp_KeywordListRef keywords) {
 
 void inp_OrganizerVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.Kind() == inp_NullKeyword) return;
-  // No part or instance shares what stands in the assembly: the body may change for all its
-  // handles.
-  if (m_featureEnhanced && keyword.Scope().kind == inp_Scope::Kind::Assembly)
-    keyword.Body()->kind = assemblyKind(keyword.Kind());
   if (keyword.Kind() == inp_KwAssembly && !m_hasAssembly) {
     m_hasAssembly = true;
     m_assemblyAt = m_keywords.size();
   }
-  if (m_hasAssembly && isOfPart(keyword))
-    m_lateParts.push_back(keyword);
-  else
-    (isHistory(keyword) ? m_history : m_keywords).push_back(keyword);
+  inp_KeywordList& to = m_hasAssembly && isOfPart(keyword) ? m_lateParts
+                        : isHistory(keyword)               ? m_history
+                                                           : m_keywords;
+  // No part or instance shares what stands in the assembly: the body may change for all.
+  const bool isOfAssembly = m_featureEnhanced && keyword.Scope().kind == inp_Scope::Kind::Assembly;
+  to.push_back(isOfAssembly ? keyword.Become(assemblyKind(keyword.Kind())) : keyword);
 }

@@ -1,5 +1,6 @@
 #include "database/engine/eds_Description.h"
 #include "database/engine/eds_Format.h"
+#include "database/engine/eds_ReaderViews.h"
 #include "database/schema/eds_Schema.h"
 #include <algorithm>
 #include <map>
@@ -104,6 +105,7 @@ void writeViews(eds_Engine& engine, const Kinds& kinds) {
   write(cow_String(nameView), selectNames(kinds));
   for (const eds_RecordInfo* kind : kinds)
     write("v_" + cow_String(kind->table), selectRecords(*kind, kinds));
+  for (const eds_ReaderView& view : eds_readerViews(kinds)) write(view.name, view.select);
 }
 
 // ---- the stored schema

@@ -68,12 +68,12 @@ bool eds_LinkIndex::HasUniqueKeys(int64_t link) const {
 
 void eds_LinkIndex::Append(List& list, int64_t link) {
   list.links.push_back(link);
-  if (list.hasKeys) {
-    list.byKey.emplace(KeyOf(link), link);
+  if (list.byKey) {
+    list.byKey->emplace(KeyOf(link), link);
   } else if (list.links.size() >= longList && HasUniqueKeys(link)) {
-    list.hasKeys = true;
+    list.byKey = std::make_unique<std::unordered_map<std::string, int64_t>>();
     for (int64_t each : list.links)
-      if (each > 0) list.byKey.emplace(KeyOf(each), each);
+      if (each > 0) list.byKey->emplace(KeyOf(each), each);
   }
 }
 
@@ -85,9 +85,9 @@ void eds_LinkIndex::RemoveIn(List& list, int64_t link) {
   utl_ASSERT(at != list.links.end() && *at == link);
   *at = -link;
   ++list.removed;
-  if (list.hasKeys) {
-    const auto key = list.byKey.find(KeyOf(link));
-    if (key != list.byKey.end() && key->second == link) list.byKey.erase(key);
+  if (list.byKey) {
+    const auto key = list.byKey->find(KeyOf(link));
+    if (key != list.byKey->end() && key->second == link) list.byKey->erase(key);
   }
   while (!list.links.empty() && list.links.back() < 0) {
     list.links.pop_back();
@@ -96,9 +96,9 @@ void eds_LinkIndex::RemoveIn(List& list, int64_t link) {
 }
 
 int64_t eds_LinkIndex::FindIn(const List& list, std::string_view key) const {
-  if (list.hasKeys) {
-    auto found = list.byKey.find(std::string(key));
-    return found != list.byKey.end() ? found->second : 0;
+  if (list.byKey) {
+    const auto found = list.byKey->find(std::string(key));
+    return found != list.byKey->end() ? found->second : 0;
   }
   for (int64_t link : list.links)
     if (link > 0 && KeyOf(link) == key) return link;

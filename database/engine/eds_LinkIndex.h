@@ -2,6 +2,7 @@
 
 #include "database/engine/eds_RowTable.h"
 #include <bitset>
+#include <memory>
 #include <string>
 #include <unordered_map>
 
@@ -12,9 +13,8 @@ public:
   struct List {
     std::vector<int64_t> links; // row ids, in order of entering, which is their own
     // Key (text, 8 bytes of a number, 8 bytes of a target) to row id; kept for lists that have
-    // been long, unless a key may come twice.
-    std::unordered_map<std::string, int64_t> byKey;
-    bool hasKeys = false;
+    // been long, unless a key may come twice. Most lists are one link long, and there are many.
+    std::unique_ptr<std::unordered_map<std::string, int64_t>> byKey;
     // Removed links stand negative in their places until the list is asked for.
     size_t removed = 0;
   };

@@ -26,11 +26,11 @@ inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoOb
 // own.
 void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   inpS_SetVisitor::Visit(keyword);
-  if (keyword.IsInstanceCopy() || keyword.IsSuboption()) return;
-  if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return;
-  if (keyword.Scope().kind == inp_Scope::Kind::Step) return;
+  if (keyword.IsInstanceCopy() || !inpS_FormTable::Instance().Knows(keyword.Kind())) return;
   const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
-  if (block.phase == m_phase) Convert(keyword, Holder(), block.member, nullptr);
+  if (block.phase != m_phase || keyword.IsSuboption()) return;
+  if (keyword.Scope().kind != inp_Scope::Kind::Step)
+    Convert(keyword, Holder(), block.member, nullptr);
 }
 
 const inpS_Form* inpS_FormVisitor::Choose(const inp_Keyword& keyword, const inp_Keyword* parent) {

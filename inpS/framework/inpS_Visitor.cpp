@@ -1,7 +1,7 @@
 #include "inpS/framework/inpS_Visitor.h"
 #include "parser/inp_DeckParameters.h"
 #include "parser/inp_Utils.h"
-#include <algorithm>
+#include <array>
 
 void inpS_Visitor::Visit(const inp_Keyword& keyword) {
   if (keyword.Kind() == inp_UnknownKeyword) return;
@@ -10,9 +10,12 @@ void inpS_Visitor::Visit(const inp_Keyword& keyword) {
 
 void inpS_Visitor::ReportUnreferredParameters(const inp_KeywordList& keywords,
                                               const cow_List<inp_KeywordEnm>& kinds) {
+  std::array<bool, inp_KeywordEnd> isOurs{};
+  for (const inp_KeywordEnm kind : kinds) isOurs[static_cast<std::size_t>(kind)] = true;
   for (const inp_Keyword& keyword : keywords) {
     if (keyword.IsInstanceCopy()) continue; // its original in the part has been judged
-    if (std::find(kinds.begin(), kinds.end(), keyword.Kind()) == kinds.end()) continue;
+    if (keyword.Kind() >= inp_KeywordEnd || !isOurs[static_cast<std::size_t>(keyword.Kind())])
+      continue;
     for (const inp_Parameter& parameter : keyword.Parameters()) {
       if (parameter.referred || !inp_findReference(parameter.name).empty()) continue;
       AddWarning(inp_Utils::MessageAtParameter(

@@ -47,8 +47,9 @@ def check_assembly(found):
     same("CLAMPED", found["sets"]["CLAMPED"], [("PLATE-1", n) for n in range(1, 100)])
     edges = [(plate, n) for plate in ("PLATE-1", "PLATE-2") for n in range(1, 90, 11)]
     same("EDGES", found["sets"]["EDGES"], edges)
-    pad = found["db"].execute("SELECT membership FROM node_set WHERE name = 'PAD'").fetchone()[0]
-    same("PAD", [found["node"][n] for n in found["members"](pad, len(found["node"]))],
+    pad = found["db"].execute(
+        "SELECT first, stride, count, few, array FROM v_sets WHERE name = 'PAD'").fetchone()
+    same("PAD", [found["node"][n] for n in found["numbers"](*pad)],
          [("PLATE-2", row + n) for row in (236, 247, 258) for n in range(3)])
     same("ELASTIC", found["table"]("BRONZE", "ElasticIsotropic"), [{"E": 110000.0, "nu": 0.34}])
     plastic = found["table"]("BRONZE", "PlasticIsotropic")
@@ -61,6 +62,19 @@ def check_materials(found):
     same("PLASTIC of two rates", (len(steel), steel[-1]),
          (20, {"YieldStress": 640.0, "PlasticStrain": 0.3, "PlasticStrainRate": 100.0,
                "Temperature": 20.0}))
+
+
+# A flat deck: no instance, and the sets are the model's own.
+def check_plate(found):
+    same("nodes of the collar", [found["xyz"][None, n] for n in (1, 101)],
+         [(10.0, 0.0, 0.0), (12.0, 0.0, 0.0)])
+    same("element 3", found["nodes"][None, 3], ("S4R", [(None, n) for n in (3, 103, 104, 4)]))
+    same("HOLE", found["sets"]["HOLE"], [(None, n) for n in range(1, 14)])
+    same("HELD, as the deck orders it", found["sets"]["HELD"],
+         [(None, n) for n in range(1113, 1106, -1)])
+    same("ELASTIC", found["table"]("ALU-6061", "ElasticIsotropic"),
+         [{"E": 68900.0, "nu": 0.33, "Temperature": 20.0},
+          {"E": 62500.0, "nu": 0.33, "Temperature": 150.0}])
 
 
 # What the page tells of numbers and links is what the file has.
@@ -92,7 +106,8 @@ def main():
     page = (ROOT / "docs/database.md").read_text(encoding="utf-8")
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
-        for deck, check in (("assembly", check_assembly), ("materials", check_materials)):
+        for deck, check in (("assembly", check_assembly), ("materials", check_materials),
+                            ("plate", check_plate)):
             model = folder / f"{deck}.sim"
             subprocess.run([program, "convert", ROOT / f"examples/{deck}.inp", "-o", model, "-q"],
                            check=True)

@@ -1,0 +1,85 @@
+#include "database/engine/eds_ReaderViews.h"
+#include "database/engine/eds_Format.h"
+#include <algorithm>
+
+namespace {
+
+using Kinds = std::span<const eds_RecordInfo* const>;
+
+bool has(Kinds kinds, std::initializer_list<eds_RecordKind> wanted) {
+  return std::ranges::all_of(wanted, [&](eds_RecordKind kind) {
+    return std::ranges::find(kinds, kind, &eds_RecordInfo::kind) != kinds.end();
+  });
+}
+
+cow_String nothing(std::initializer_list<const char*> columns) {
+  cow_String sql;
+  for (const char* column : columns)
+    sql += (sql.empty() ? "\nSELECT NULL AS " : ", NULL AS ") + cow_String(column);
+  return sql + " WHERE 0";
+}
+
+// Where the flat mesh has the labels of an owner: a run of them, or an array's.
+cow_String labels(Kinds kinds) {
+  if (!has(kinds, {eds_RecordKind::LabelSpace}))
+    return nothing(
+        {"kind", "owner_name", "flat_first", "first", "stride", "count", "few", "array"});
+  return R"(
+SELECT v.kind, v.owner_name, v.flat_first, ifnull(own.first, 0) AS first,
+  ifnull(own.stride, 1) AS stride, v.count, NULL AS few, own.labels AS "array"
+FROM v_label_space v JOIN label_space own ON own.id = ifnull(v.shares, v.id)
+WHERE v.flat_first >= 0)";
+}
+
+cow_String flatNodes(Kinds kinds) {
+  if (!has(kinds, {eds_RecordKind::NodeBlock})) return nothing({"flat_first", "coordinates"});
+  return "\nSELECT flat_first, coordinates FROM node_block WHERE flat_first >= 0";
+}
+
+cow_String flatElements(Kinds kinds) {
+  if (!has(kinds, {eds_RecordKind::ElementBlock}))
+    return nothing({"type", "flat_first", "node_base", "connectivity"});
+  return R"(
+SELECT spec_name AS type, flat_first, ifnull(node_base, 0) AS node_base, connectivity
+FROM v_element_block WHERE flat_first >= 0)";
+}
+
+// All members are a run as well: as many as there are now.
+cow_String sets(Kinds kinds) {
+  cow_String sql;
+  for (const eds_RecordKind kind : {eds_RecordKind::NodeSet, eds_RecordKind::ElementSet}) {
+    if (!has(kinds, {kind, eds_RecordKind::CSet, eds_RecordKind::Collection})) continue;
+    const eds_RecordInfo& record = *eds_schemaRecord(kind);
+    sql += sql.empty() ? "" : "\nUNION ALL";
+    sql += "\nSELECT '" + cow_String(record.name) +
+           R"(' AS kind, s.owner_kind, s.owner_name, s.name,
+  ifnull(c.first, 0) AS first, ifnull(c.stride, 1) AS stride,
+  CASE c.form WHEN 0 THEN (SELECT space FROM collection WHERE id = c.collection)
+    ELSE ifnull(c.count, 0) END AS count, c.members AS few, c."array"
+FROM v_)" + cow_String(record.table) +
+           " s JOIN cset c ON c.id = s.membership";
+  }
+  return sql.empty() ? nothing({"kind", "owner_kind", "owner_name", "name", "first", "stride",
+                                "count", "few", "array"})
+                     : sql;
+}
+
+cow_String materialTables(Kinds kinds) {
+  if (!has(kinds, {eds_RecordKind::Material, eds_RecordKind::PropertyTable, eds_RecordKind::Link}))
+    return nothing({"material", "kind", "column_names", "few_values", "table_values"});
+  return R"(
+SELECT l.owner_name AS material, l.target_kind AS kind, t.column_names, t.few_values, t.table_values
+FROM v_link l JOIN schema_record k ON k.name = l.target_kind
+  JOIN property_table t ON t.property_kind = k.number AND t.property = l.target
+WHERE l.owner_kind = 'Material' AND l.member_name = 'Properties')";
+}
+
+} // namespace
+
+std::vector<eds_ReaderView> eds_readerViews(Kinds kinds) {
+  return {{"v_labels", labels(kinds)},
+          {"v_flat_nodes", flatNodes(kinds)},
+          {"v_flat_elements", flatElements(kinds)},
+          {"v_sets", sets(kinds)},
+          {"v_material_tables", materialTables(kinds)}};
+}
