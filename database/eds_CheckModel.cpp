@@ -2,6 +2,7 @@
 #include "base/utl_Interruption.h"
 #include "database/eds_CheckLinks.h"
 #include "database/eds_CheckRecords.h"
+#include "database/eds_CheckSteps.h"
 #include "database/eds_CheckTexts.h"
 #include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
@@ -26,6 +27,7 @@ public:
       Guarded([&] { CheckReferences(m_store.Rows(kind)); });
     Guarded([&] { CheckLinks(); });
     Guarded([&] { CheckLinkKeys(); });
+    Guarded([&] { CheckSteps(); });
     ForEach(eds_RecordKind::Array, [&](int64_t id) { CheckArray(id); });
     ForEach(eds_RecordKind::CSet, [&](int64_t id) { m_store.CSet(id); });
     ForEach(eds_RecordKind::Instance, [&](int64_t id) { CheckInstance(id); });
@@ -44,6 +46,7 @@ public:
     m_forReaders = true;
     for (const eds_RecordKind kind : m_store.Kinds()) CheckReferences(m_store.Rows(kind));
     CheckLinks();
+    CheckSteps();
     ForAll(eds_RecordKind::Instance, [&](int64_t id) { CheckInstance(id); });
     ForAll(eds_RecordKind::NodeBlock, [&](int64_t id) { CheckNodeBlock(id); });
     ForAll(eds_RecordKind::ElementBlock, [&](int64_t id) { CheckElementLength(id); });
@@ -149,6 +152,10 @@ private:
 
   void CheckLinks() {
     eds_checkLinks(m_store, [this](const cow_String& fault) { Fault(fault); });
+  }
+
+  void CheckSteps() {
+    eds_checkSteps(m_store, [this](const cow_String& fault) { Fault(fault); });
   }
 
   void CheckLinkKeys() {

@@ -83,8 +83,9 @@ cow_String keywordFault(std::string_view text, const eds_KeptPlace& place) {
   const cow_String name = folded(spelt);
   if (!isSameName(name, folded(place.keyword))) return "is another keyword than it is said to be";
   if (isNeverKept(name)) return "is a keyword that is never kept as text";
-  const bool isOfSteps = name == "STEP" || name == "ENDSTEP";
-  return isOfSteps && !place.isAmongSteps ? "begins or ends a step where the model has none" : "";
+  return eds_stepRole(name) != eds_StepRole::None && !place.isAmongSteps
+             ? "begins or ends a step where the model has none"
+             : "";
 }
 
 } // namespace
@@ -102,4 +103,11 @@ cow_String eds_textFault(eds_RecordKind kind, const eds_FieldInfo& field, std::s
     return keywordFault(text, place);
   }
   return {};
+}
+
+eds_StepRole eds_stepRole(std::string_view keyword) {
+  const cow_String name = folded(keyword);
+  return name == "STEP"      ? eds_StepRole::Begin
+         : name == "ENDSTEP" ? eds_StepRole::End
+                             : eds_StepRole::None;
 }

@@ -22,3 +22,7 @@ struct eds_KeptPlace {
 // Returns what is wrong, "" when nothing is. `place`: of a verbatim_keyword.
 cow_String eds_textFault(eds_RecordKind kind, const eds_FieldInfo& field, std::string_view text,
                          const eds_KeptPlace& place);
+
+// What a keyword of that name, however it is spelt, does to the steps of a deck.
+enum class eds_StepRole : unsigned char { None, Begin, End };
+eds_StepRole eds_stepRole(std::string_view keyword);

@@ -47,6 +47,7 @@ private:
     }
     inps_warnOfOutcome(document, m_input, m_run);
     const bool isSound = m_run.Reporter().Errors() == 0;
+    if (isSound) inps_warnOfNamedFiles(document, m_input, m_run);
     if (!isSound) {
       Line("the model has faults");
       return inps_ExitFaults;

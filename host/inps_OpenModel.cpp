@@ -6,6 +6,7 @@
 #include "host/inps_Outcome.h"
 #include "host/inps_Run.h"
 #include "host/inps_Terminal.h"
+#include "inpS/writer/inpS_NamedDataFiles.h"
 #include <algorithm>
 #include <fstream>
 
@@ -81,6 +82,16 @@ void inps_warnOfOutcome(const KvoObjDocument& document, const inps_Input& input,
   if (outcome.errors > 0)
     warn("this model was made from a deck with errors and does not hold all of it (" +
          outcome.Text() + ")");
+}
+
+void inps_warnOfNamedFiles(const KvoObjDocument& document, const inps_Input& input, inps_Run& run) {
+  for (const inpS_NamedDataFile& named : inpS_namedDataFiles(document)) {
+    wip_Message message("a deck written from this model opens the file \"" + named.file +
+                        "\" when it is read, for *" + named.keyword +
+                        " is kept with that name; a conversion keeps the file's lines instead");
+    message.place.file = input.Name();
+    run.Reporter().Warning(message);
+  }
 }
 
 KvoObjDocument inps_openModel(const inps_Input& input, inps_Run& run) {

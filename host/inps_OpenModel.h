@@ -14,6 +14,9 @@ KvoObjDocument inps_openModel(const inps_Input& input);
 KvoObjDocument inps_openModel(const inps_Input& input, inps_Run& run);
 void inps_warnOfOutcome(const KvoObjDocument& document, const inps_Input& input, inps_Run& run);
 
+// Warns of the files that a deck written from the model makes its reader open.
+void inps_warnOfNamedFiles(const KvoObjDocument& document, const inps_Input& input, inps_Run& run);
+
 // Whether the file is to be taken for a model: it begins like one or is named like one.
 bool inps_isModelFile(const std::filesystem::path& path);
 // Whether its first bytes are a model's.

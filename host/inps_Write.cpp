@@ -27,6 +27,7 @@ int inps_write(inps_Session& session, const inps_Arguments& arguments) {
   return run.Do([&] {
     const inps_Input input(arguments.Operands()[0], session);
     const KvoObjDocument document = inps_openModel(input, run);
+    inps_warnOfNamedFiles(document, input, run);
     if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != inps_dash) {
       inps_writeFile(arguments.PathOf(inps_Opt::Output), arguments.Has(inps_Opt::Force),
                      {input.File()}, [&](utl_Stream& deck) { print(document, deck, session.err); });

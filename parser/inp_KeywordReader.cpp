@@ -92,6 +92,18 @@ inp_KeywordReader::Result inp_KeywordReader::Read(const inp_DeckTextPtr& text, c
   return std::move(m_result);
 }
 
+namespace {
+
+// *ELEMENT, TYPE=Zn, FILE= names the library that holds the substructure, not a file of data lines.
+bool isSubstructureLibrary(const inp_KeywordBody& body, const inp_Parameter& parameter) {
+  if (body.kind != inp_KwElement || parameter.name != "file") return false;
+  return std::any_of(body.parameters.begin(), body.parameters.end(), [](const inp_Parameter& p) {
+    return p.name == "type" && !p.value.AsString().empty() && p.value.AsString().front() == 'Z';
+  });
+}
+
+} // namespace
+
 bool inp_KeywordReader::NamesDataFile(inp_KeywordEnm kind, std::string_view parameter) {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(kind);
   if (!row || row->data == inp_DataKind::None || row->data == inp_DataKind::Verbatim) return false;
@@ -102,6 +114,16 @@ bool inp_KeywordReader::NamesDataFile(inp_KeywordEnm kind, std::string_view para
   const auto& names = row->parameters;
   return parameter == "input" &&
          (mesh || std::find(names.begin(), names.end(), parameter) != names.end());
+}
+
+int inp_KeywordReader::DataFileOf(const inp_KeywordBody& body) {
+  for (std::size_t i = 0; i < body.parameters.size(); ++i) {
+    const inp_Parameter& parameter = body.parameters[i];
+    if (!parameter.value.IsFlag() && NamesDataFile(body.kind, parameter.name) &&
+        !isSubstructureLibrary(body, parameter))
+      return static_cast<int>(i);
+  }
+  return -1;
 }
 
 // Values that are file names: on some systems case and blanks matter in them.

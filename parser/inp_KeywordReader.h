@@ -22,6 +22,8 @@ public:
   // Data lines may stand in a file of their own that INPUT names; on keywords of the mesh FILE says
   // the same. On others FILE is a file of results, and so it is on *USER ELEMENT.
   static bool NamesDataFile(inp_KeywordEnm kind, std::string_view parameter);
+  // The first parameter of the keyword that does; -1: it has none.
+  static int DataFileOf(const inp_KeywordBody& body);
   // Whether its value is the name of any file.
   static bool NamesFile(std::string_view parameter);
 

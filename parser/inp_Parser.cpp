@@ -93,7 +93,6 @@ struct inp_Parser::Impl {
   void Include(const inp_KeywordBody& include);
   void TakeDataFile(inp_KeywordBody& body);
   void NoteNamedFile(const inp_KeywordBody& body, const inp_Parameter& parameter);
-  static bool IsSubstructureLibrary(const inp_KeywordBody& body, const inp_Parameter& parameter);
   void ReadDataFile(const inp_DeckTextPtr& text);
   inp_DeckTextPtr OpenNamed(const inp_KeywordBody& body, const inp_Parameter& parameter);
   bool IsReadable(const inp_DeckText& text, const inp_Structure& found);
@@ -426,26 +425,17 @@ void inp_Parser::Impl::Include(const inp_KeywordBody& include) {
       inp_Keyword(std::make_shared<inp_KeywordBody>(include), {}), "INPUT is missing: what file?"));
 }
 
-// *ELEMENT, TYPE=Zn, FILE= names the library that holds the substructure, not a file of data lines.
-bool inp_Parser::Impl::IsSubstructureLibrary(const inp_KeywordBody& body,
-                                             const inp_Parameter& parameter) {
-  if (body.kind != inp_KwElement || parameter.name != "file") return false;
-  return std::any_of(body.parameters.begin(), body.parameters.end(), [](const inp_Parameter& p) {
-    return p.name == "type" && !p.value.AsString().empty() && p.value.AsString().front() == 'Z';
-  });
-}
-
 void inp_Parser::Impl::TakeDataFile(inp_KeywordBody& body) {
+  const int dataFile = inp_KeywordReader::DataFileOf(body);
   for (std::size_t i = 0; i < body.parameters.size(); ++i) {
     const inp_Parameter& parameter = body.parameters[i];
     if (parameter.value.IsFlag() || !inp_KeywordReader::NamesFile(parameter.name)) continue;
-    if (body.dataFile >= 0 || !inp_KeywordReader::NamesDataFile(body.kind, parameter.name) ||
-        IsSubstructureLibrary(body, parameter)) {
+    if (static_cast<int>(i) != dataFile) {
       NoteNamedFile(body, parameter);
       continue;
     }
     parameter.referred = true;
-    body.dataFile = static_cast<int>(i);
+    body.dataFile = dataFile;
     if (const inp_DeckTextPtr text = OpenNamed(body, parameter)) ReadDataFile(text);
   }
 }

@@ -78,9 +78,11 @@ void print(utl_Stream& out, const inpS_ParameterBinding& row, const KvoSimDataRe
       out << ", " << row.name << '=' << row.words[place];
     break;
   }
-  case inpS_Codec::Choice:
-    out << ", " << row.name << '=' << record.GetString(row.field);
+  case inpS_Codec::Choice: { // a word of ours has no comma; a stranger's must give no parameter
+    const cow_String word = record.ReturnString(row.field);
+    out << ", " << row.name << '=' << (word.find(',') == word.npos ? word : inpS_quoted(word));
     break;
+  }
   case inpS_Codec::Name:
     out << ", " << row.name;
     if (const cow_String text = record.ReturnString(row.field); !text.empty())

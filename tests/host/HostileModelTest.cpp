@@ -158,6 +158,10 @@ TEST_F(HostileModel, TextsThatWouldBeKeywords) {
            "UPDATE verbatim_keyword SET owner_kind = 2 WHERE keyword = 'END STEP'",
            "UPDATE verbatim_keyword SET text = text || '1,' || char(13) || '*NODE' || char(10)",
            "UPDATE annotation SET text = 'x' || char(13) || '*NODE'",
+           "DELETE FROM verbatim_keyword WHERE keyword = 'END STEP'",
+           "UPDATE verbatim_keyword SET position = -1 WHERE keyword = 'END STEP'",
+           "UPDATE verbatim_keyword SET keyword = 'STEP', text = '*s t e p' || char(10) "
+           "WHERE keyword = 'END STEP'",
        }) {
     ASSERT_TRUE(Change({statement})) << statement;
     ReadByAll(statement);
@@ -165,7 +169,7 @@ TEST_F(HostileModel, TextsThatWouldBeKeywords) {
       const ProgramRun run({command, File("bad.sim")});
       EXPECT_NE(run.exitCode, 0) << command << ' ' << statement;
       EXPECT_TRUE(run.Says("control character") || run.Says("keyword") ||
-                  run.Says("carriage return") || run.Says("a step where"))
+                  run.Says("carriage return") || run.Says(" a step "))
           << statement << run.err;
     }
   }
@@ -176,6 +180,49 @@ TEST_F(HostileModel, TextsThatWouldBeKeywords) {
   const cow_String deck = Deck("r.inp", "*HEADING\nA\r*B\r\n*END_PART\n1,\r*NODE\r\r\n");
   ProgramRun({"convert", deck, "-o", File("r.sim")});
   EXPECT_EQ(ProgramRun({"check", File("r.sim")}).exitCode, 0);
+}
+
+// What a deck names there its converter has read; a model that names a file would have whoever
+// reads the written deck open it.
+TEST_F(HostileModel, FilesThatAWrittenDeckWouldOpen) {
+  const cow_String deck = Deck("named.inp", "*NODE\n1, 0., 0., 0.\n*NSET, NSET=A, FOO=1\n1\n"
+                                            "*TRANSFORM, NSET=A, TYPE=C\n0., 0., 0., 0., 0., 1.\n"
+                                            "*MATERIAL, NAME=M, BAR=2\n*DEFORMATION\n1.\n");
+  ASSERT_LE(ProgramRun({"convert", deck, "-o", File("named.sim"), "-q"}).exitCode, 2);
+  m_good = readFile(m_folder / "named.sim");
+  const auto kept = [](const char* text) {
+    return cow_String("UPDATE verbatim_keyword SET keyword = 'INITIAL CONDITIONS', "
+                      "text = '*INITIAL CONDITIONS") +
+           text + "' || char(10)";
+  };
+  const auto part = [](int owner, const char* parameters, const char* lines = "") {
+    return cow_String("UPDATE kept_part SET parameters = '") + parameters + "', lines = '" + lines +
+           "' WHERE owner_kind = " + std::to_string(owner);
+  };
+  const std::pair<cow_String, bool> cases[] = {
+      {kept(", TYPE=VELOCITY, INPUT=/etc/hostname"), true},
+      {kept(", TYPE=VELOCITY, inp = \"/etc/hostname\""), true},
+      {kept(", TYPE=VELOCITY,' || char(10) || '** x' || char(10) || 'INPUT=/etc/hostname"), true},
+      {kept(", TYPE=VELOCITY, FILE=/etc/hostname"), false}, // a file of results
+      {kept(", TYPE=VELOCITY' || char(10) || 'INPUT=/etc/hostname, 1, 2."), false}, // a data line
+      {part(15, ", INPUT=/etc/hostname"), true},
+      {part(15, ", FOO=1, FILE=/etc/hostname"), true},
+      {part(15, ", FOO,", "INPUT=/etc/hostname"), true},
+      {part(40, ", FILE=/etc/hostname"), false},
+  };
+  for (const auto& [statement, isTold] : cases) {
+    ASSERT_TRUE(Change({statement})) << statement;
+    for (const char* command : {"write", "check"}) {
+      const ProgramRun run({command, File("bad.sim")});
+      EXPECT_EQ(run.exitCode, 0) << statement << run.err;
+      EXPECT_EQ(run.err.find("opens the file \"/etc/hostname\"") != run.err.npos, isTold)
+          << command << ' ' << statement << run.err;
+    }
+  }
+  // A word with a parameter behind it stays one word.
+  ASSERT_TRUE(Change({"UPDATE transform SET type = 'C, INPUT=/etc/hostname'"}));
+  const ProgramRun run({"write", File("bad.sim")});
+  EXPECT_NE(run.out.find("TYPE=\"C, INPUT=/etc/hostname\""), run.out.npos) << run.out << run.err;
 }
 
 TEST_F(HostileModel, SetsOfWhatIsNotThere) {
