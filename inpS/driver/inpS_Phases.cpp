@@ -6,6 +6,7 @@
 #include "database/KvoSimDistribution.h"
 #include "database/KvoSimGrid.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/driver/inpS_HandledKinds.h"
 #include "inpS/framework/inpS_UnusedLines.h"
 #include "inpS/history/inpS_AmplitudeVisitor.h"
 #include "inpS/history/inpS_BoundaryVisitor.h"
@@ -95,7 +96,9 @@ const Driver::Phase* Driver::RestartPhases() {
   return phases;
 }
 
+// A phase that converts nothing yet costs nothing.
 template <class Visitor> bool Driver::Run(Labelers& labelers) {
+  if constexpr (!inpS_convertsAny<Visitor>()) return true;
   Visitor visitor(*labelers.nodes, *labelers.elements, m_inventory);
   visitor.VisitListAndReport(m_keywords);
   return !visitor.IsError();
@@ -217,6 +220,7 @@ bool Driver::ProcessMaterials() {
 }
 
 bool Driver::ProcessConnectorBehaviors() {
+  if constexpr (!inpS_convertsAny<inpS_ConnectorBehaviorVisitor>()) return true;
   inpS_ConnectorBehaviorVisitor visitor(m_inventory);
   visitor.VisitListAndReport(m_keywords);
   return !visitor.IsError();
@@ -359,6 +363,7 @@ bool Driver::ProcessLoads(Labelers& labelers) {
 }
 
 bool Driver::ProcessOutput(Labelers&) {
+  if constexpr (!inpS_convertsAny<inpS_OutputVisitor>()) return true;
   inpS_OutputVisitor visitor(m_inventory);
   visitor.VisitListAndReport(m_keywords);
   return !visitor.IsError();
