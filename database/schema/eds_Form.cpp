@@ -32,14 +32,12 @@ constexpr auto keywords = [] {
   return all;
 }();
 
-struct KindRow {
-  eds_RecordKind kind;
-  std::size_t row;
-};
-constexpr auto rowsByKind = [] {
-  std::array<KindRow, std::size(rows)> all{};
-  for (std::size_t n = 0; n < all.size(); ++n) all[n] = {rows[n].kind, n};
-  std::ranges::sort(all, {}, &KindRow::kind);
+// By the number of the kind; -1: it has no form. Each record that is made asks.
+constexpr auto rowOfKind = [] {
+  std::array<short, static_cast<std::size_t>(std::ranges::max(rows, {}, &Row::kind).kind) + 1> all;
+  all.fill(-1);
+  for (std::size_t n = 0; n < std::size(rows); ++n)
+    all[static_cast<std::size_t>(rows[n].kind)] = static_cast<short>(n);
   return all;
 }();
 
@@ -319,10 +317,11 @@ struct Entry {
 Entry entries[std::size(rows)];
 
 const Form* formOf(eds_RecordKind kind) {
-  const auto row = std::ranges::lower_bound(rowsByKind, kind, {}, &KindRow::kind);
-  if (row == std::end(rowsByKind) || row->kind != kind) return nullptr;
-  Entry& entry = entries[row->row];
-  std::call_once(entry.once, [&] { entry.form = std::make_unique<const Form>(rows[row->row]); });
+  const auto number = static_cast<std::size_t>(kind);
+  if (number >= rowOfKind.size() || rowOfKind[number] < 0) return nullptr;
+  const auto row = static_cast<std::size_t>(rowOfKind[number]);
+  Entry& entry = entries[row];
+  std::call_once(entry.once, [&] { entry.form = std::make_unique<const Form>(rows[row]); });
   return entry.form.get();
 }
 

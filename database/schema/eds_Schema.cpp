@@ -192,7 +192,14 @@ std::span<const eds_MemberInfo> eds_schemaMembers() {
 }
 
 const eds_MemberInfo* eds_schemaMember(eds_Member member) {
-  return findRow(members, member, &eds_MemberInfo::member);
+  // Each link that is made asks.
+  static const auto byNumber = [] {
+    std::array<const eds_MemberInfo*, 256> rows{};
+    for (const eds_MemberInfo& row : members) rows.at(static_cast<std::size_t>(row.member)) = &row;
+    return rows;
+  }();
+  const auto number = static_cast<std::size_t>(member);
+  return number < byNumber.size() ? byNumber[number] : nullptr;
 }
 
 std::span<const eds_CollectionInfo> eds_schemaCollections() {
