@@ -212,6 +212,7 @@ public:
     if (clean && m_run.Reporter().Errors() == 0) return notModelled;
     const bool noMesh = conversion.IsMeshLeftOut();
     if (m_run.IsJson()) m_run.Json()["meshLeftOut"] = noMesh;
+    if (m_run.IsJson() && m_base) m_run.Json()["baseKept"] = m_isBaseKept; // and nothing written
     if (m_isBaseKept) {
       Say("the deck has errors; " + m_targetName +
           " is as it was; \"-o FILE\" puts what can be converted into another file");

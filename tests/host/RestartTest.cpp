@@ -195,6 +195,12 @@ TEST_F(Restart, ThatFailsLeavesItsBase) {
   EXPECT_TRUE(forced.Says("base.sim is as it was; ")) << forced.err;
   EXPECT_TRUE(forced.out.empty()) << forced.out;
   EXPECT_TRUE(readFile(m_folder / "base.sim") == base);
+  const auto isKept = [&](cow_List<cow_String> words) {
+    words.insert(words.begin(), {"convert", more, "--restart", File("base.sim"), "--json"});
+    return ProgramRun(words).out.find("\"baseKept\": true") != cow_String::npos;
+  };
+  EXPECT_TRUE(isKept({"--force"}));
+  EXPECT_FALSE(isKept({"-o", File("j.sim")}));
   const ProgramRun run({"convert", more, "--restart", File("base.sim"), "-o", File("m.sim")});
   EXPECT_TRUE(run.Says("; what the restart adds to the mesh is left out because")) << run.err;
   const cow_String counts = "3 nodes, 3 elements (T3D2 1, B31 2) (what its restart adds to the "
