@@ -86,13 +86,17 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
     const bool isMisplaced = inp_KeywordTable::Instance().Row(kind)->levels == inp_LevelsSub;
     if (isMisplaced && (isOurs || !m_open.IsNull())) { // within a material it stays there
       if (isOurs) TellOfStray(keyword);
-      return KeepAsText(keyword, m_open, isOurs);
+      // A keyword between (*NSET) closes no material.
+      const bool isWithin = m_open.IsNull() && keyword.ScopePtr() == m_lastScope;
+      return KeepAsText(keyword, isWithin ? m_last : m_open, isOurs);
     }
     m_open = {};
   }
   if (!isOurs) {
     inpS_Visitor::Visit(keyword);
-    if (kind == inp_KwMaterial || kind == inp_KwGasketBehavior) m_open = m_owner;
+    if (kind != inp_KwMaterial && kind != inp_KwGasketBehavior) return;
+    m_last = m_open = m_owner;
+    m_lastScope = keyword.ScopePtr();
     return;
   }
   switch (keyword.ParentKind()) {

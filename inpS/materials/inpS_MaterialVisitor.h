@@ -101,8 +101,10 @@ private:
   KvoSimPosition m_material;
   cow_List<double> m_rates; // of its isotropic hardening so far
   KvoSimPosition m_gasket;
-  KvoSimPosition m_owner;         // of the keyword at hand
-  KvoSimPosition m_open;          // to which an unknown keyword would belong
+  KvoSimPosition m_owner; // of the keyword at hand
+  KvoSimPosition m_open;  // to which an unknown keyword would belong
+  KvoSimPosition m_last;  // opened, and where
+  inp_ScopePtr m_lastScope;
   KvoSimPosition m_constantsPart; // the data lines of *PHYSICAL CONSTANTS
   cow_String m_constantsLines;
   inpS_TextKeywords m_text;
