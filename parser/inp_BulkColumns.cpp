@@ -118,19 +118,27 @@ private:
   }
 
   void Resize(std::size_t rows) {
-    for (std::size_t c = 0; c < m_columns.size(); ++c)
-      if (m_types[c] == inp_ColumnType::Real)
-        m_columns[c].reals.Resize(rows);
-      else
-        m_columns[c].ints.Resize(rows);
+    for (std::size_t c = 0; c < m_columns.size(); ++c) {
+      if (HasReals(c)) m_columns[c].reals.Resize(rows);
+      if (HasInts(c)) m_columns[c].ints.Resize(rows);
+    }
   }
 
-  // A line of nothing but what its columns want; `i` becomes the first separator of the next one.
+  bool HasReals(std::size_t c) const {
+    return m_types[c] == inp_ColumnType::Real || m_types[c] == inp_ColumnType::TargetOrReal;
+  }
+  bool HasInts(std::size_t c) const { return m_types[c] != inp_ColumnType::Real; }
+
+  // A line of nothing but what its columns want, or a comma behind it; `i` becomes the first
+  // separator of the next one.
   bool TakeRow(const inp_Stretch& stretch, std::size_t& i, const char* lineEnd) {
     std::size_t c = 0;
     for (const char* end = nullptr; end != lineEnd; ++i, ++c) {
       end = stretch.FieldEnd(i);
-      if (c == m_columns.size() || !TakeField(c, stretch.FieldBegin(i), end)) return false;
+      const char* const begin = stretch.FieldBegin(i);
+      const bool isBehindAll = c == m_columns.size();
+      if (isBehindAll ? begin != lineEnd : !TakeField(c, begin, end)) return false;
+      if (isBehindAll) --c;
     }
     for (; c < m_columns.size(); ++c) SetBlank(c);
     return true;
@@ -146,6 +154,15 @@ private:
       return inp_fastSmallInt(begin, end, column.ints[m_count]);
     case inp_ColumnType::Target:
       return inp_fastSmallInt(begin, end, column.ints[m_count]) || TakeName(column, begin, end);
+    case inp_ColumnType::TargetOrReal:
+      if (inp_fastSmallInt(begin, end, column.ints[m_count])) {
+        column.reals[m_count] = column.ints[m_count];
+        return true;
+      }
+      column.ints[m_count] = inp_blankInt;
+      if (inp_fastReal(begin, end, column.reals[m_count])) return true;
+      column.reals[m_count] = inp_blankReal;
+      return TakeName(column, begin, end);
     case inp_ColumnType::Word:
       break;
     }
@@ -164,10 +181,8 @@ private:
   }
 
   void SetBlank(std::size_t c) {
-    if (m_types[c] == inp_ColumnType::Real)
-      m_columns[c].reals[m_count] = inp_blankReal;
-    else
-      m_columns[c].ints[m_count] = inp_blankInt;
+    if (HasReals(c)) m_columns[c].reals[m_count] = inp_blankReal;
+    if (HasInts(c)) m_columns[c].ints[m_count] = inp_blankInt;
   }
 
   // Comments, blank lines, blank fields, numbers of other forms; what is none of these is odd.
@@ -193,21 +208,25 @@ private:
   bool TakeOtherField(std::size_t c, std::string_view text) {
     Column& column = m_columns[c];
     const char* const end = text.data() + text.size();
-    if (m_types[c] == inp_ColumnType::Real) {
-      double value = 0;
-      if (!inp_readOtherReal(text.data(), end, value)) return false;
-      column.reals[m_count] = value;
-      return true;
-    }
+    if (m_types[c] == inp_ColumnType::Real) return TakeOtherReal(column, text);
     int value = 0;
     if (m_types[c] != inp_ColumnType::Word && inp_readOtherLabel(text.data(), end, value)) {
+      if (HasReals(c)) column.reals[m_count] = value;
       column.ints[m_count] = value;
       return true;
     }
     const bool isNumber = utl_classifyField(text).kind != utl_FieldKind::String;
+    if (isNumber && m_types[c] == inp_ColumnType::TargetOrReal) return TakeOtherReal(column, text);
     if (m_types[c] == inp_ColumnType::Int || (m_types[c] == inp_ColumnType::Target && isNumber))
       return false;
     column.ints[m_count] = inp_nameCode(m_names.PlaceOf(text));
+    return true;
+  }
+
+  bool TakeOtherReal(Column& column, std::string_view text) {
+    double value = 0;
+    if (!inp_readOtherReal(text.data(), text.data() + text.size(), value)) return false;
+    column.reals[m_count] = value;
     return true;
   }
 

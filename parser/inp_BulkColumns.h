@@ -14,6 +14,7 @@ enum class inp_ColumnType : unsigned char {
   Word,   // a name, also where it looks like a number
   Int,    // at most nine digits
   Real,
+  TargetOrReal, // of lines of which some begin with a target and others go on with numbers
 };
 
 // What stands for a field that is blank, or that its line does not have. No number that is read is
@@ -40,8 +41,8 @@ inline constexpr int inp_namePlace(int code) {
 // Some thousand rows, still in the cache. Blank lines are no rows.
 struct inp_ColumnPiece {
   struct Column {
-    std::span<int> ints;     // Target, Word (codes of names), Int
-    std::span<double> reals; // Real
+    std::span<int> ints;     // Target, Word (codes of names), Int, TargetOrReal
+    std::span<double> reals; // Real, TargetOrReal: a label is a number, too
   };
   std::size_t count = 0;                   // rows
   std::span<const Column> columns;         // as asked for

@@ -114,7 +114,8 @@ eds_FormItem itemOf(std::string_view text) {
   eds_FormItem item;
   item.isRequired = text.ends_with('!');
   item.isOptional = text.ends_with('?');
-  if (item.isRequired || item.isOptional) text.remove_suffix(1);
+  item.isRepeated = text.ends_with('*');
+  if (item.isRequired || item.isOptional || item.isRepeated) text.remove_suffix(1);
   item.isParameter = !text.starts_with('.');
   if (!item.isParameter) text.remove_prefix(1);
   if (const std::size_t equals = text.find('='); equals != text.npos) {
@@ -162,6 +163,9 @@ void readData(std::string_view text, eds_FormInfo& form) {
       form.data = eds_FormData::Text;
     } else if (piece == "pairs") {
       form.data = eds_FormData::Pairs;
+    } else if (piece.starts_with("words(")) {
+      form.data = eds_FormData::Words;
+      form.words = itemOf(piece.substr(6, piece.size() - 7));
     } else if (piece.starts_with("*{")) {
       form.data = eds_FormData::Records;
       form.record = kindNamed(piece.substr(2, piece.size() - 3));
@@ -241,6 +245,7 @@ public:
       for (eds_FormItem& item : line) AddItem(item);
     if (m_form.data == eds_FormData::Text)
       m_form.textField = static_cast<int>(AddField("lines", eds_FieldType::Text).number);
+    if (m_form.data == eds_FormData::Words) AddItem(m_form.words);
     if (m_form.data == eds_FormData::Columns) AddColumns();
     if (const int field = FieldOf("other_parameters"); field >= 0) m_form.othersField = field;
   }
@@ -301,7 +306,17 @@ private:
       if (one.type != eds_FormType::Real) few.info.valueType = eds_ValueType::Int32;
       item.arrayField = static_cast<int>(
           AddField(item.name + "_array", eds_FieldType::Ref, eds_RecordKind::Array).number);
+      if (item.isRepeated) {
+        const Field perRow = AddField(item.name + "_per_row", eds_FieldType::Int);
+        perRow.info.intDefault = 1;
+        item.perRowField = static_cast<int>(perRow.number);
+      }
     }
+    if (!m_form.columnItems.front().isOptional) return;
+    const Field row = AddField("default_row", eds_FieldType::Int);
+    row.info.intDefault = -1;
+    m_form.defaultRowField = static_cast<int>(row.number);
+    m_form.defaultsField = static_cast<int>(AddField("defaults", eds_FieldType::Bytes).number);
   }
 
   eds_FormInfo m_form;

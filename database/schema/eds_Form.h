@@ -59,6 +59,8 @@ struct eds_FormItem {
   int fewField = -1;
   int arrayField = -1;
   bool isOptional = false; // no place is kept for it at the end of a line
+  bool isRepeated = false; // of a bulk column: so many values for each row
+  int perRowField = -1;    // how many
 };
 
 // How often an owner may have one.
@@ -71,6 +73,7 @@ enum class eds_FormRepeat : uint8_t {
 enum class eds_FormData : uint8_t {
   None,
   Text,    // lines as they stand
+  Words,   // of a list, one after the other
   Records, // one for each line
   Pairs,   // of time and magnitude
   Columns, // a row for each line, in bulk
@@ -92,6 +95,11 @@ struct eds_FormInfo {
   int textField = -1;                           // Text
   cow_List<eds_FormItem> columnItems;           // Columns
   int rowsField = -1;                           // likewise: how many rows there are
+  eds_FormItem words;                           // Words
+  // Columns whose target may be left out: the line without one, values for all others, and before
+  // which row it stands.
+  int defaultsField = -1;
+  int defaultRowField = -1;
   int othersField = -1; // for the parameters that have no field of their own; -1: kept beside
 };
 

@@ -319,7 +319,8 @@ bool Driver::ProcessRigidBodies(Labelers& labelers) {
 }
 
 bool Driver::ProcessDistributions(Labelers& labelers) {
-  return Run<inpS_DistributionTableVisitor>(labelers) && Run<inpS_DistributionVisitor>(labelers);
+  const bool good = RunForms<inpS_DistributionTableVisitor>(labelers);
+  return RunForms<inpS_DistributionVisitor>(labelers) && good;
 }
 
 bool Driver::ProcessOrientations(Labelers& labelers) {

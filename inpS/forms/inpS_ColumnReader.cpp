@@ -5,12 +5,8 @@
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
 namespace {
-
-constexpr std::size_t kFewBytes = 512; // of a column that is kept as bytes
 
 bool isTarget(const eds_FormItem& item) {
   const eds_FormType type = item.alternatives.front().type;
@@ -31,77 +27,17 @@ inp_ColumnType typeOf(const eds_FormItem& item) {
   }
 }
 
-template <class T> bool isSame(T a, T b) {
-  if constexpr (std::is_same_v<T, double>)
-    return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b);
-  else
-    return a == b;
-}
-
 } // namespace
-
-// ---- a column
-
-inpS_ColumnStore::inpS_ColumnStore(const KvoSimPosition& record, const eds_FormItem& item)
-    : m_record(record), m_item(item) {}
-
-template <class T>
-void inpS_ColumnStore::Take(std::span<const T> values, cow_List<T>& few, T& first) {
-  if (values.empty()) return;
-  if (m_rows == 0) first = values.front();
-  if (m_isOne && !std::ranges::all_of(values, [&](T value) { return isSame(value, first); })) {
-    m_isOne = false;
-    Spread(few, first);
-  }
-  if (!m_isOne) AppendTo(values, few);
-  m_rows += static_cast<long long>(values.size());
-}
-
-// What all rows had so far, row by row.
-template <class T> void inpS_ColumnStore::Spread(cow_List<T>& few, T first) {
-  constexpr long long block = 8192;
-  cow_List<T> same;
-  for (long long done = 0; done < m_rows; done += block) {
-    same.assign(static_cast<std::size_t>(std::min(block, m_rows - done)), first);
-    AppendTo(std::span<const T>(same), few);
-  }
-}
-
-template <class T> void inpS_ColumnStore::AppendTo(std::span<const T> values, cow_List<T>& few) {
-  if (!m_array && (few.size() + values.size()) * sizeof(T) <= kFewBytes) {
-    few.insert(few.end(), values.begin(), values.end());
-    return;
-  }
-  if (!m_array) {
-    m_array.emplace(m_record, eds_valueTypeOf<T>(), 1);
-    m_array->Append(std::span<const T>(few));
-    few.clear();
-  }
-  m_array->Append(values);
-}
-
-void inpS_ColumnStore::Finish() {
-  KvoSimDataRecord record = m_record.DataRecord();
-  const int field = m_item.alternatives.front().field;
-  if (m_rows == 0) return;
-  if (m_isOne && IsReal()) return record.SetDouble(field, m_firstReal);
-  if (m_isOne) return record.SetInt(field, m_firstInt);
-  if (m_array) return record.SetReference(m_item.arrayField, m_array->Finish().Position());
-  const auto bytes =
-      IsReal() ? std::as_bytes(std::span(m_reals)) : std::as_bytes(std::span(m_ints));
-  record.SetString(m_item.fewField, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-}
-
-// ---- all of them
 
 inpS_ColumnReader::inpS_ColumnReader(const inp_Keyword& keyword, const eds_FormInfo& form,
                                      const KvoSimPosition& record, const inpS_FormNames& names,
                                      inp_Visitor& messages)
-    : m_keyword(keyword), m_form(form), m_record(record), m_names(names), m_messages(messages),
-      m_targets(form.columnItems.size()), m_codes(form.columnItems.size()) {
-  for (const eds_FormItem& item : form.columnItems) {
+    : m_keyword(keyword), m_form(form), m_record(record), m_messages(messages), m_sets(record),
+      m_targets(form.columnItems.size()) {
+  for (std::size_t c = 0; c < form.columnItems.size(); ++c) {
+    const eds_FormItem& item = form.columnItems[c];
     m_types.push_back(typeOf(item));
-    m_spaces.push_back(isTarget(item) ? names.Labels(item) : inpS_LabelSpaceView());
+    if (isTarget(item)) m_targets[c].emplace(item, names, m_sets);
     m_columns.emplace_back(record, item);
   }
 }
@@ -116,33 +52,18 @@ bool inpS_ColumnReader::Read() {
   return m_isWhole;
 }
 
-// Names keep their codes, which are far below all ordinals; a label that is not there is blank.
 void inpS_ColumnReader::Translate(const Piece& piece) const {
-  thread_local cow_List<int> ordinals;
-  for (std::size_t c = 0; c < m_types.size(); ++c) {
-    if (m_types[c] != inp_ColumnType::Target) continue;
-    const std::span<int> slots = piece.columns[c].ints.first(piece.count);
-    ordinals.resize(piece.count);
-    if (m_spaces[c].labels)
-      m_spaces[c].labels->Ordinals(slots, ordinals);
-    else
-      std::ranges::fill(ordinals, -1);
-    const int offset = static_cast<int>(m_spaces[c].offset);
-    for (std::size_t n = 0; n < piece.count; ++n) {
-      if (ordinals[n] >= 0)
-        slots[n] = ordinals[n] + offset;
-      else if (!inp_isNameCode(slots[n]))
-        slots[n] = inp_blankInt;
-    }
-  }
+  for (std::size_t c = 0; c < m_types.size(); ++c)
+    if (m_targets[c]) m_targets[c]->Translate(piece.columns[c].ints.first(piece.count));
 }
 
 void inpS_ColumnReader::Take(const Piece& piece) {
   m_isFaulty.assign(piece.count, 0);
   bool isAny = false;
-  TakeNames(piece);
   for (std::size_t c = 0; c < m_types.size(); ++c) {
     const eds_FormItem& item = m_form.columnItems[c];
+    if (m_targets[c])
+      m_targets[c]->TranslateNames(piece.names, piece.columns[c].ints.first(piece.count));
     if (m_types[c] == inp_ColumnType::Real) {
       if (!item.isRequired) continue;
       for (std::size_t n = 0; n < piece.count; ++n)
@@ -150,8 +71,11 @@ void inpS_ColumnReader::Take(const Piece& piece) {
       continue;
     }
     if (m_types[c] == inp_ColumnType::Int && !item.isRequired) continue;
-    for (std::size_t n = 0; n < piece.count; ++n)
-      isAny |= (m_isFaulty[n] |= piece.columns[c].ints[n] == inp_blankInt) != 0;
+    for (std::size_t n = 0; n < piece.count; ++n) {
+      const int value = piece.columns[c].ints[n];
+      const bool isNone = m_targets[c] && value == inpS_noTarget;
+      isAny |= (m_isFaulty[n] |= value == inp_blankInt || isNone) != 0;
+    }
   }
   for (const inp_OddRow& odd : piece.odd) {
     const auto slot = static_cast<std::size_t>(odd.slot);
@@ -169,18 +93,6 @@ void inpS_ColumnReader::Take(const Piece& piece) {
       m_columns[c].Append(std::span<const int>(piece.columns[c].ints.first(piece.count)));
   }
   m_rows += static_cast<long long>(piece.count);
-}
-
-void inpS_ColumnReader::TakeNames(const Piece& piece) {
-  if (piece.names.empty()) return;
-  for (std::size_t c = 0; c < m_types.size(); ++c) {
-    if (m_types[c] != inp_ColumnType::Target) continue;
-    cow_List<int>& codes = m_codes[c];
-    codes.assign(piece.names.size(), 0);
-    for (std::size_t n = 0; n < codes.size(); ++n) codes[n] = TargetOf(c, piece.names[n]);
-    for (int& slot : piece.columns[c].ints.first(piece.count))
-      if (inp_isNameCode(slot)) slot = codes[static_cast<std::size_t>(inp_namePlace(slot))];
-  }
 }
 
 // The sound rows of a piece.
@@ -214,47 +126,12 @@ bool inpS_ColumnReader::TakeOdd(const Piece& piece, std::size_t slot, long long 
       piece.columns[c].reals[slot] = isBlank ? inp_blankReal : data.AsDouble(row, col);
     else if (isBlank)
       piece.columns[c].ints[slot] = inp_blankInt;
-    else if (m_types[c] == inp_ColumnType::Int || data.Type(row, col) == inp_FieldType::Integer)
+    else if (m_types[c] == inp_ColumnType::Int)
       piece.columns[c].ints[slot] = data.AsInt(row, col);
     else
-      piece.columns[c].ints[slot] = TargetOf(c, data.AsStringVerbatim(row, col));
-    if (m_types[c] == inp_ColumnType::Target && !isBlank &&
-        data.Type(row, col) == inp_FieldType::Integer)
-      piece.columns[c].ints[slot] = m_spaces[c].labels->Ordinal(piece.columns[c].ints[slot]) +
-                                    static_cast<int>(m_spaces[c].offset);
+      piece.columns[c].ints[slot] = m_targets[c]->Of(data, row, col);
   }
   return true;
-}
-
-// A set, or "instance.label".
-int inpS_ColumnReader::TargetOf(std::size_t column, std::string_view name) {
-  if (const auto known = m_targets[column].find(name); known != m_targets[column].end())
-    return known->second;
-  const auto known = m_targets[column].emplace(name, inp_blankInt).first;
-  const eds_FormItem& item = m_form.columnItems[column];
-  long long ordinal = -1;
-  if (m_names.FindLabel(item, known->first, ordinal)) {
-    if (ordinal >= 0) known->second = static_cast<int>(ordinal);
-    return known->second;
-  }
-  for (const eds_FormItem::Alternative& one : item.alternatives) {
-    if (!one.referable) continue;
-    const inpS_SetVisitor::Found found = m_names.Find(*one.referable, known->first);
-    if (!found.set.IsNull()) return known->second = PlaceOf(found.set, found.instance);
-  }
-  return known->second;
-}
-
-int inpS_ColumnReader::PlaceOf(const KvoSimPosition& set, const KvoSimPosition& instance) {
-  const auto [known, isNew] = m_places.try_emplace(
-      {set.Object().Packed(), instance.Object().Packed()}, -1 - static_cast<int>(m_places.size()));
-  if (isNew) {
-    const KvoSimPosition target = m_record.CreateDataRecord(eds_RecordKind::Target);
-    target.DataRecord().SetReference(eds_Target_Set, set);
-    if (!instance.IsNull()) target.DataRecord().SetReference(eds_Target_Instance, instance);
-    m_record.Associate(eds_Member::Targets, target);
-  }
-  return known->second;
 }
 
 // ---- what cannot be taken
@@ -290,18 +167,14 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
     if (m_types[c] == inp_ColumnType::Real && !isNumber) return "\"" + text + "\" is no number.";
     if (m_types[c] == inp_ColumnType::Int && type != inp_FieldType::Integer)
       return "\"" + text + "\" is no integer.";
-    if (m_types[c] != inp_ColumnType::Target) continue;
-    if (isNumber) {
-      const bool isThere = type == inp_FieldType::Integer && m_spaces[c].labels &&
-                           m_spaces[c].labels->Ordinal(data.AsInt(row, col)) >= 0;
-      const bool isNode = item.alternatives.front().type == eds_FormType::Node;
-      if (!isThere) return (isNode ? "Node " : "Element ") + text + " does not exist.";
-    } else if (TargetOf(c, text) == inp_blankInt) {
-      for (const eds_FormItem::Alternative& one : item.alternatives)
-        if (one.referable)
-          return inp_Utils::Format(cow_String(one.referable->missing).c_str(),
-                                   inp_Utils::Fold(text).c_str());
-    }
+    if (!m_targets[c] || m_targets[c]->Of(data, row, col) != inpS_noTarget) continue;
+    if (isNumber)
+      return (item.alternatives.front().type == eds_FormType::Node ? "Node " : "Element ") + text +
+             " does not exist.";
+    for (const eds_FormItem::Alternative& one : item.alternatives)
+      if (one.referable)
+        return inp_Utils::Format(cow_String(one.referable->missing).c_str(),
+                                 inp_Utils::Fold(text).c_str());
   }
   for (; col < data.Cols(row); ++col)
     if (data.HasValue(row, col)) return "The line has more values than it can have.";

@@ -3,6 +3,7 @@
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/forms/inpS_FormValue.h"
+#include "inpS/forms/inpS_FormWords.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
@@ -76,6 +77,8 @@ void printLines(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& po
   case eds_FormData::Text:
     out << record.GetString(form.info->textField);
     return;
+  case eds_FormData::Words:
+    return inpS_printWords(out, record.GetString(form.info->words.alternatives.front().field));
   case eds_FormData::Records:
     for (const KvoSimPosition& line : position.GetVector(eds_Member::Lines))
       printLine(out, eds_formOf(form.info->record)->lines.front(), line.DataRecord());

@@ -55,11 +55,13 @@ bool checkCounts(const inp_Keyword& keyword, const inpS_Form& form, inp_Visitor&
 
 } // namespace
 
-bool inpS_FormRows::Read(const inp_Keyword& keyword, const inpS_Form& form, inp_Visitor& messages) {
+bool inpS_FormRows::Read(const inp_Keyword& keyword, const inpS_Form& form, inp_Visitor& messages,
+                         cow_List<Column> columns) {
   constexpr long long mostValues = 100000; // of a row; beyond, the number is a slip of the pen
   if (!checkCounts(keyword, form, messages)) return false;
   const auto count = inpS_Form::CountIn(keyword);
-  const long long size = form.columns.Size(count);
+  const long long size =
+      columns.empty() ? form.columns.Size(count) : static_cast<long long>(columns.size());
   const auto first = static_cast<long long>(form.info->lines.size());
   const long long lines = std::max(0LL, keyword.Data().Rows() - first);
   if (size == 0 && hasRows(keyword, first)) {
@@ -76,7 +78,7 @@ bool inpS_FormRows::Read(const inp_Keyword& keyword, const inpS_Form& form, inp_
                        " values, more than its data lines can hold; it is kept as text."));
     return form.MayLackRows() && lines == 0;
   }
-  m_columns = form.columns.Expand(count);
+  m_columns = columns.empty() ? form.columns.Expand(count) : std::move(columns);
   m_table = inpS_KeywordDataTable(keyword, static_cast<int>(size), first, form.HasTemperature());
   if (size == 0) return true;
   m_table.Read();

@@ -9,7 +9,9 @@
 class inpS_FormRows {
 public:
   // False when they cannot be this form's: that is told, but for a keyword without rows.
-  bool Read(const inp_Keyword& keyword, const inpS_Form& form, inp_Visitor& messages);
+  // columns: instead of those of the form, which has none.
+  bool Read(const inp_Keyword& keyword, const inpS_Form& form, inp_Visitor& messages,
+            cow_List<inpS_TableColumns::Column> columns = {});
   // Nothing when there are no rows.
   void Store(const KvoSimPosition& record);
   const inpS_KeywordDataTable& Table() const { return m_table; }

@@ -2,6 +2,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimTransaction.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/forms/inpS_FormWords.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -43,6 +44,16 @@ bool inpS_FormVisitor::MayConvert(const inp_Keyword&, const inpS_Form&) {
 
 void inpS_FormVisitor::Converted(const inp_Keyword&, const inpS_Form&, const KvoSimPosition&) {}
 
+bool inpS_FormVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                   const KvoSimPosition& record) {
+  return inpS_ColumnReader(keyword, form, record, m_names, *this).Read();
+}
+
+cow_List<inpS_TableColumns::Column> inpS_FormVisitor::ColumnsOf(const inp_Keyword&,
+                                                                const inpS_Form&) {
+  return {};
+}
+
 // Null: it is kept as text.
 KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                                          eds_Member member, const inp_Keyword* parent) {
@@ -51,7 +62,7 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
   inpS_FormRows rows;
   const bool isRefused =
       form && !(MayBe(keyword, *form, owner, member) && MayConvert(keyword, *form) &&
-                (!form->HasTable() || rows.Read(keyword, *form, *this)));
+                (!form->HasTable() || rows.Read(keyword, *form, *this, ColumnsOf(keyword, *form))));
   if (!form || isRefused) {
     KeepAsText(keyword, owner, parent, isRefused);
     return {};
@@ -103,6 +114,9 @@ void inpS_FormVisitor::ConvertSuboptions(const inp_Keyword& keyword, const KvoSi
 bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
                              const KvoSimPosition& owner, eds_Member member) {
   if (!CheckReferences(keyword, form) || !IsNameFree(keyword, owner)) return false;
+  if (form.info->data == eds_FormData::Words &&
+      inpS_readWords(keyword, form.info->words, *this).empty())
+    return false;
   if (form.info->repeat == eds_FormRepeat::Many) return true;
   for (const KvoSimPosition& present : owner.GetVector(member)) {
     const inpS_Form* other = inpS_FormTable::Instance().Find(present.Object().RecordKind());
@@ -192,8 +206,12 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
 bool inpS_FormVisitor::ReadData(const inp_Keyword& keyword, const eds_FormInfo& form,
                                 const KvoSimPosition& record) {
   const inp_DataArray& data = keyword.Data();
-  if (form.data == eds_FormData::Columns)
-    return inpS_ColumnReader(keyword, form, record, m_names, *this).Read();
+  if (form.data == eds_FormData::Columns) return ReadColumns(keyword, form, record);
+  if (form.data == eds_FormData::Words) {
+    record.DataRecord().SetString(form.words.alternatives.front().field,
+                                  inpS_readWords(keyword, form.words, *this));
+    return true;
+  }
   if (form.data == eds_FormData::Text) {
     if (data.Rows() > 0) record.DataRecord().SetString(form.textField, inpS_dataLines(keyword));
     return true;

@@ -32,6 +32,12 @@ protected:
   // Behind all that the row says, within the keyword's transaction.
   virtual void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                          const KvoSimPosition& record);
+  // Of bulk columns: whether all that the lines say is in the record.
+  virtual bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                           const KvoSimPosition& record);
+  // Of a table whose columns neither the row nor the keyword can tell; none: they can.
+  virtual cow_List<inpS_TableColumns::Column> ColumnsOf(const inp_Keyword& keyword,
+                                                        const inpS_Form& form);
   const inpS_FormNames& Names() const { return m_names; }
   inpS_Ledger& Ledger() { return m_ledger; }
 

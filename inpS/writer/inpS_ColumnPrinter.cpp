@@ -15,19 +15,23 @@
 namespace {
 
 constexpr long long kRowsPerPiece = 8 << 10;
+constexpr std::size_t kFieldsPerLine = 8;
 
 // A column of a record, by the piece: one value for all rows, bytes, or an array.
 template <class T> class Column {
 public:
-  Column(const KvoSimDataRecord& record, const eds_FormItem& item, long long rows, T one,
-         std::mutex& guard)
-      : m_one(one) {
+  Column(const KvoSimDataRecord& record, const eds_FormItem& item, long long rows, int perRow,
+         T one, std::mutex& guard)
+      : m_one(one), m_perRow(perRow) {
     if (const KvoSimPosition array = record.GetReference(item.arrayField); !array.IsNull()) {
       m_array.emplace(eds_ArrayID{array.Store(), array.ID()}, guard);
       Check(record, m_array->Count(), rows);
+      if (m_array->Width() != perRow)
+        eds_tellDamaged(record.Pos(), "a column has " + std::to_string(m_array->Width()) +
+                                          " values in a row and not " + std::to_string(perRow));
     } else if (!record.IsMemberNull(item.fewField)) {
       const std::string_view bytes = record.GetString(item.fewField);
-      Check(record, static_cast<long long>(bytes.size() / sizeof(T)), rows);
+      Check(record, static_cast<long long>(bytes.size() / sizeof(T)), rows * perRow);
       m_few.resize(bytes.size() / sizeof(T));
       std::memcpy(m_few.data(), bytes.data(), m_few.size() * sizeof(T));
     }
@@ -38,7 +42,7 @@ public:
     if (m_few.empty())
       std::ranges::fill(out, m_one);
     else
-      std::copy_n(m_few.begin() + first, out.size(), out.begin());
+      std::copy_n(m_few.begin() + first * m_perRow, out.size(), out.begin());
   }
 
 private:
@@ -49,6 +53,7 @@ private:
   }
 
   T m_one;
+  int m_perRow;
   cow_List<T> m_few;
   std::optional<inpS_SharedReader<T>> m_array;
 };
@@ -124,20 +129,25 @@ public:
       : m_type(item.alternatives.front().type) {
     const KvoSimDataRecord record = position.DataRecord();
     const int field = item.alternatives.front().field;
+    if (item.perRowField >= 0) m_perRow = record.GetInt(item.perRowField);
+    if (m_perRow < 1) eds_tellDamaged(position, "a column has rows of no value");
     if (m_type == eds_FormType::Real) {
-      m_reals.emplace(record, item, rows,
+      m_reals.emplace(record, item, rows, m_perRow,
                       record.IsMemberNull(field) ? inp_blankReal : record.GetDouble(field), guard);
       return;
     }
-    m_ints.emplace(record, item, rows,
+    m_ints.emplace(record, item, rows, 1,
                    record.IsMemberNull(field) ? inp_blankInt : record.GetInt(field), guard);
     if (m_type != eds_FormType::Int)
       m_targets.emplace(position, m_type == eds_FormType::Node, labels, scope);
   }
 
   std::size_t Room() const {
-    return m_targets ? m_targets->Room() : m_reals ? utl_doubleTextRoom : utl_intTextRoom;
+    return m_targets ? m_targets->Room()
+           : m_reals ? PerRow() * (utl_doubleTextRoom + 2)
+                     : utl_intTextRoom;
   }
+  std::size_t PerRow() const { return static_cast<std::size_t>(m_perRow); }
 
   struct Values {
     cow_List<int> ints;
@@ -146,9 +156,10 @@ public:
       return ints.empty() ? inp_isBlankReal(reals[n]) : ints[n] == inp_blankInt;
     }
   };
+  // `n` counts values, of which a row may have several.
   void Read(long long first, std::size_t count, Values& values) {
     values.ints.resize(m_ints ? count : 0);
-    values.reals.resize(m_reals ? count : 0);
+    values.reals.resize(m_reals ? count * PerRow() : 0);
     if (m_ints) m_ints->Read(first, values.ints);
     if (m_reals) m_reals->Read(first, values.reals);
   }
@@ -160,26 +171,66 @@ public:
 
 private:
   eds_FormType m_type;
+  int m_perRow = 1;
   std::optional<Column<int>> m_ints;
   std::optional<Column<double>> m_reals;
   std::optional<Targets> m_targets;
 };
 
+using Fields = cow_List<std::unique_ptr<Field>>;
+
+char* printSeparator(char* out, std::size_t place) {
+  if (place == 0) return out;
+  *out++ = ',';
+  *out++ = place % kFieldsPerLine == 0 ? '\n' : ' ';
+  return out;
+}
+
 // Up to the last field that is given.
-char* printLine(char* out, const cow_List<std::unique_ptr<Field>>& fields,
-                const cow_List<Field::Values>& values, std::size_t n) {
+char* printLine(char* out, const Fields& fields, const cow_List<Field::Values>& values,
+                std::size_t n) {
   std::size_t count = fields.size();
-  while (count > 0 && values[count - 1].IsBlank(n)) --count;
+  while (count > 0 && values[count - 1].IsBlank(n * fields[count - 1]->PerRow())) --count;
+  std::size_t place = 0;
   for (std::size_t c = 0; c < count; ++c) {
-    if (c > 0) {
-      *out++ = ',';
-      *out++ = ' ';
-    }
-    out = fields[c]->Print(out, values[c], n);
+    const std::size_t perRow = fields[c]->PerRow();
+    for (std::size_t k = 0; k < perRow; ++k)
+      out = fields[c]->Print(printSeparator(out, place++), values[c], n * perRow + k);
   }
   *out++ = '\n';
   return out;
 }
+
+// The line of all others: nothing in the place of the target.
+class DefaultLine {
+public:
+  DefaultLine(const eds_FormInfo& form, const KvoSimDataRecord& record, const Field& values) {
+    if (form.defaultsField < 0 || record.IsMemberNull(form.defaultsField)) return;
+    const std::string_view bytes = record.GetString(form.defaultsField);
+    if (bytes.size() != values.PerRow() * sizeof(double))
+      eds_tellDamaged(record.Pos(), "the values of all others are not as many as a row's");
+    cow_List<double> defaults(values.PerRow());
+    std::memcpy(defaults.data(), bytes.data(), bytes.size());
+    m_text.resize(4 + defaults.size() * (utl_doubleTextRoom + 2));
+    char* out = m_text.data();
+    for (std::size_t k = 0; k < defaults.size(); ++k)
+      out = utl_printDouble(printSeparator(out, k + 1), defaults[k]);
+    *out++ = '\n';
+    m_text.resize(static_cast<std::size_t>(out - m_text.data()));
+    m_row = record.GetInt64(form.defaultRowField);
+  }
+  std::string_view Text() const { return m_text; }
+  bool IsBefore(long long row) const { return !m_text.empty() && m_row == row; }
+  bool IsBehind(long long rows) const { return !m_text.empty() && (m_row < 0 || m_row >= rows); }
+  char* Print(char* out) const {
+    std::memcpy(out, m_text.data(), m_text.size());
+    return out + m_text.size();
+  }
+
+private:
+  cow_String m_text;
+  long long m_row = -1;
+};
 
 } // namespace
 
@@ -187,24 +238,30 @@ void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPo
                        const inpS_DeckLabels& labels, const inpS_DeckScope& scope) {
   const long long rows = record.DataRecord().GetInt64(form.rowsField);
   std::mutex guard;
-  cow_List<std::unique_ptr<Field>> fields;
+  Fields fields;
   std::size_t room = 1;
   for (const eds_FormItem& item : form.columnItems) {
     fields.push_back(std::make_unique<Field>(item, record, rows, labels, scope, guard));
     room += fields.back()->Room() + 2;
   }
+  const DefaultLine others(form, record.DataRecord(), *fields.back());
   const long long perPiece = std::clamp(rows, 1LL, utl_blockSize(kRowsPerPiece));
   const long long pieces = (rows + perPiece - 1) / perPiece;
   utl_printBlocks(out, static_cast<std::size_t>(std::max(pieces, 0LL)),
-                  room * static_cast<std::size_t>(perPiece), [&](std::size_t piece, char* line) {
+                  room * static_cast<std::size_t>(perPiece) + others.Text().size(),
+                  [&](std::size_t piece, char* line) {
                     const long long first = static_cast<long long>(piece) * perPiece;
                     const auto count = static_cast<std::size_t>(std::min(perPiece, rows - first));
                     thread_local cow_List<Field::Values> values;
                     values.resize(fields.size());
                     for (std::size_t c = 0; c < fields.size(); ++c)
                       fields[c]->Read(first, count, values[c]);
-                    for (std::size_t n = 0; n < count; ++n)
+                    for (std::size_t n = 0; n < count; ++n) {
+                      if (others.IsBefore(first + static_cast<long long>(n)))
+                        line = others.Print(line);
                       line = printLine(line, fields, values, n);
+                    }
                     return line;
                   });
+  if (others.IsBehind(rows)) out << others.Text();
 }

@@ -11,6 +11,7 @@ public:
   inpS_SharedReader(const eds_ArrayID& array, std::mutex& guard)
       : m_guard(guard), m_reader(array) {}
   long long Count() const { return m_reader.Count(); }
+  int Width() const { return m_reader.Width(); }
   void Read(long long first, std::span<T> out) {
     const std::lock_guard<std::mutex> lock(m_guard);
     m_reader.ReadPiece(first, out);

@@ -70,7 +70,7 @@ const std::set<cow_String> elsewhere = {
     "MeshDefaults.SolidElementNumbering", "ElementSpec.Coordinates", "ElementSpec.Properties",
     "ElementSpec.IntegerProperties", "ElementSpec.Variables", "ElementSpec.Unsymmetric",
     "ElementSpec.Linear", "ElementSpec.DofLines", "NodeSet.Instance", "ElementSet.Instance",
-    "VerbatimKeyword.File", "VerbatimKeyword.Line", "Surface.UserDefined", "Distribution.Name"};
+    "VerbatimKeyword.File", "VerbatimKeyword.Line", "Surface.UserDefined"};
 
 // Texts that no deck can provoke.
 const std::set<std::string_view> unprovoked = {
@@ -83,7 +83,7 @@ const std::set<std::string_view> unprovoked = {
     "PlyNameRepeated", "InstanceWithoutRigidSurface", "AssemblyWithoutRigidSurface",
     "PartWithoutRigidSurface",
     // other words tell of the same
-    "InstanceUnknown", "OneRigidSurfacePerPart"};
+    "OneRigidSurfacePerPart"};
 
 const std::pair<std::string_view, std::string_view> texts[] = {
 #define INPS_MESSAGE(name, text) {#name, text},
