@@ -45,6 +45,13 @@ void printTable(aio_ostream& out, const inps_NamedTable& table) {
   if (table.fieldVariables > 0) out << ", " << inps_counted(table.fieldVariables, "field variable");
 }
 
+// That gives the values of a property which has none of its own; empty: none does.
+cow_String distributionOf(const inpS_PropertyDescription& behavior) {
+  if (behavior.property.IsNull()) return {};
+  const KvoSimPosition values = behavior.property.Follow(eds_Member::ValuesFrom);
+  return values.IsNull() ? cow_String() : values.Name();
+}
+
 inps_Json jsonOf(const Range& range) {
   return {{"low", range.low}, {"high", range.high}};
 }
@@ -68,6 +75,8 @@ inps_Json jsonOf(const inpS_PropertyDescription& behavior) {
                               ? jsonOf(table.RangeOf(table.TemperatureColumn()))
                               : inps_Json();
   object["fieldVariables"] = table.fieldVariables;
+  if (const cow_String values = distributionOf(behavior); !values.empty())
+    object["distribution"] = values;
   return object;
 }
 
@@ -89,6 +98,8 @@ void inps_printMaterials(aio_ostream& out, const KvoObjDocument& document,
       const std::size_t indent = 2 + 2 * static_cast<std::size_t>(behavior.depth);
       out << cow_String(indent, ' ') << behavior.variant << behavior.parameters;
       printTable(out, inps_NamedTable(behavior));
+      if (const cow_String values = distributionOf(behavior); !values.empty())
+        out << ": values of distribution " << inps_quoted(values);
       out << '\n';
       if (!behavior.property.IsNull()) printKept(behavior.property, indent + 2);
     }

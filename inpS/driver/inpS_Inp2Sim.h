@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/aio_ostream.h"
+#include "inpS/forms/inpS_DistributedProperty.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Ledger.h"
 #include "inpS/inpS_Export.h"
@@ -141,5 +142,6 @@ private:
   bool m_meshLeftOut = false;
   cow_List<inpS_NotModelled> m_notModelled;
   inpS_Ledger m_ledger;
-  inpS_TextElements m_textElements; // that stand in some of them
+  cow_List<inpS_DistributedProperty> m_distributed; // of materials
+  inpS_TextElements m_textElements;                 // that stand in some of them
 };

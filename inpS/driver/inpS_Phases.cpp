@@ -30,6 +30,7 @@
 #include "inpS/model/inpS_AssemblyVisitor.h"
 #include "inpS/model/inpS_ModelVisitor.h"
 #include "inpS/model/inpS_VerbatimVisitor.h"
+#include "inpS/properties/inpS_DistributionLinks.h"
 #include "inpS/properties/inpS_DistributionTableVisitor.h"
 #include "inpS/properties/inpS_DistributionVisitor.h"
 #include "inpS/properties/inpS_NodalThicknessVisitor.h"
@@ -215,6 +216,7 @@ bool Driver::ProcessMaterials() {
   visitor.VisitList(m_keywords);
   visitor.ReportUnreferredParameters(m_keywords, inpS_MaterialVisitor::ModelledKinds());
   visitor.Report();
+  m_distributed = visitor.Distributed();
   m_ledger.Add(visitor.KeptAsText());
   return !visitor.IsError();
 }
@@ -320,7 +322,11 @@ bool Driver::ProcessRigidBodies(Labelers& labelers) {
 
 bool Driver::ProcessDistributions(Labelers& labelers) {
   const bool good = RunForms<inpS_DistributionTableVisitor>(labelers);
-  return RunForms<inpS_DistributionVisitor>(labelers) && good;
+  const bool isSound = RunForms<inpS_DistributionVisitor>(labelers) && good;
+  inp_Visitor messages;
+  inpS_linkDistributions(m_distributed, m_document, messages);
+  messages.Report();
+  return isSound;
 }
 
 bool Driver::ProcessOrientations(Labelers& labelers) {

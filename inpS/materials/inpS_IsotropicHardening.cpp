@@ -63,7 +63,8 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   m_rates = {rateOf(keyword)};
   const inpS_Form& row = *inpS_FormTable::Instance().Find(kind);
   inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
-  KeepOthers(keyword, row, property, table);
+  KeepOthers(keyword, row, property,
+             table.Unread().empty() ? cow_String() : inpS_dataLines(keyword));
   const int tableKind = inpS_PropertyUtils::TableKindOf(kind);
   KvoSrvFsmFTable::CreateTable(
       property, tableKind, table.NumRows(), table.NumDependencies(), {},

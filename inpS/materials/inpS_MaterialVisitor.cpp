@@ -43,6 +43,15 @@ bool mayNameDistribution(const inp_Keyword& keyword) {
   return data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
 }
 
+// And nothing else.
+bool isOneWord(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row)
+    for (int col = row == 0 ? 1 : 0; col < data.Cols(row); ++col)
+      if (data.HasValue(row, col)) return false;
+  return true;
+}
+
 // "*PLASTIC, *CREEP or *VISCOUS": the keywords that it may be a sub-option of.
 cow_String namesOf(std::span<const inp_KeywordEnm> keywords) {
   cow_String names;
@@ -211,7 +220,7 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
     return false;
   }
   if (inpS_hasUnknownWord(keyword)) return false; // told
-  if (behavior->HasTable() && NamesDistribution(keyword)) return false;
+  if (behavior->HasTable() && NamesDistribution(keyword) && !isOneWord(keyword)) return false;
   if (behavior->info->repeat == eds_FormRepeat::Many) return true;
   return !IsSecond(keyword, *behavior, owner);
 }
@@ -232,7 +241,7 @@ cow_String inpS_MaterialVisitor::UntoldReason(const inp_Keyword& keyword) const 
     if (parameter.value.IsFlag() &&
         !inp_KeywordTable::Instance().WordsOf(keyword.Kind(), parameter.name).empty())
       return "has \"" + inpS_spelledName(parameter) + "\" without a value";
-  if (NamesDistribution(keyword)) return "takes its values from a distribution";
+  if (NamesDistribution(keyword)) return "takes its values from a distribution, and has others";
   if (!hasData(keyword)) return "has no data lines";
   return {};
 }
@@ -305,7 +314,9 @@ void inpS_MaterialVisitor::TellUnknown(const inp_Keyword& keyword) {
 KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const inpS_Form& behavior,
                                             const KvoSimPosition& owner) {
   inpS_FormRows rows;
-  if (behavior.HasTable() && !rows.Read(keyword, behavior, *this)) return {};
+  const bool isDistributed =
+      behavior.HasTable() && NamesDistribution(keyword) && isOneWord(keyword);
+  if (behavior.HasTable() && !isDistributed && !rows.Read(keyword, behavior, *this)) return {};
   KvoSimTransaction transaction(m_document.ContextID());
   const Potential potential = CreatePotential(keyword);
   const KvoSimPosition property = owner.CreateDataRecord(behavior.kind);
@@ -315,37 +326,45 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const in
   behavior.LeaveOddChoices(keyword, *this);
   if (behavior.info->textField >= 0 && keyword.Data().Rows() > 0)
     property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword));
-  KeepOthers(keyword, behavior, property, rows.Table());
-  rows.Store(property);
+  const bool isPartly = behavior.HasTable() && !isDistributed && !rows.Table().Unread().empty();
+  const KvoSimPosition kept =
+      KeepOthers(keyword, behavior, property,
+                 isPartly || isDistributed ? inpS_dataLines(keyword) : cow_String());
+  if (isDistributed)
+    m_distributed.push_back({property, kept, keyword});
+  else
+    rows.Store(property);
   CreateSuboptions(keyword, property);
   transaction.Commit();
   return property;
 }
 
 // What has no field and no column: parameters that nothing took, lines that hold more than rows.
-void inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword, const inpS_Form& behavior,
-                                      const KvoSimPosition& property,
-                                      const inpS_KeywordDataTable& table) {
+KvoSimPosition inpS_MaterialVisitor::KeepOthers(const inp_Keyword& keyword,
+                                                const inpS_Form& behavior,
+                                                const KvoSimPosition& property, cow_String lines) {
   if (behavior.info->othersField >= 0) {
     TellUnknown(keyword);
     const cow_String others = inpS_takeOtherParameters(keyword);
     if (!others.empty()) property.DataRecord().SetString(behavior.info->othersField, others);
   }
   inpS_KeptPart part;
-  if (!table.Unread().empty()) part.lines = inpS_dataLines(keyword);
+  part.lines = std::move(lines);
   if (behavior.info->data == eds_FormData::None && behavior.info->lines.empty())
     part.lines = inpS_takeUnusedLines(keyword, *this);
-  KeepParts(keyword, property, std::move(part));
+  return KeepParts(keyword, property, std::move(part));
 }
 
-void inpS_MaterialVisitor::KeepParts(const inp_Keyword& keyword, const KvoSimPosition& owner,
-                                     inpS_KeptPart part, bool always) {
+KvoSimPosition inpS_MaterialVisitor::KeepParts(const inp_Keyword& keyword,
+                                               const KvoSimPosition& owner, inpS_KeptPart part,
+                                               bool always) {
   if (!keyword.Parameters().empty()) {
     TellConflicts(keyword);
     inpS_tellOtherParameters(keyword, *this);
     part.parameters = inpS_takeOtherParameters(keyword);
   }
-  if (always || !part.parameters.empty() || !part.lines.empty()) inpS_keepPart(owner, part);
+  if (!always && part.parameters.empty() && part.lines.empty()) return {};
+  return inpS_keepPart(owner, part);
 }
 
 // A sub-option is a record of its own; one without data may be a flag of the property, in the field

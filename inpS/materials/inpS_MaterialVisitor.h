@@ -2,6 +2,7 @@
 
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/forms/inpS_DistributedProperty.h"
 #include "inpS/forms/inpS_PropertyUtils.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_TextKeywords.h"
@@ -21,6 +22,9 @@ public:
   // Keywords of these kinds that were left to be kept as text, each with the property that it is a
   // sub-option of, or the material.
   const inpS_TextKeywords& KeptAsText() const { return m_text; }
+
+  // What takes its values from distributions, which are read later.
+  const cow_List<inpS_DistributedProperty>& Distributed() const { return m_distributed; }
 
   void Visit(const inp_Keyword& keyword) override;
   void VisitMaterial(const inp_Keyword& keyword) override;
@@ -84,10 +88,11 @@ private:
   Potential CreatePotential(const inp_Keyword& keyword);
   void PlacePotential(const Potential& potential, const KvoSimPosition& property);
   inpS_KeywordDataTable ReadIsotropicHardening(const inp_Keyword& keyword);
-  void KeepOthers(const inp_Keyword& keyword, const inpS_Form& behavior,
-                  const KvoSimPosition& property, const inpS_KeywordDataTable& table);
-  void KeepParts(const inp_Keyword& keyword, const KvoSimPosition& owner, inpS_KeptPart part,
-                 bool always = false);
+  // lines: kept as they stand. Null: nothing is kept.
+  KvoSimPosition KeepOthers(const inp_Keyword& keyword, const inpS_Form& behavior,
+                            const KvoSimPosition& property, cow_String lines);
+  KvoSimPosition KeepParts(const inp_Keyword& keyword, const KvoSimPosition& owner,
+                           inpS_KeptPart part, bool always = false);
   void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner, bool isTold = false,
                   cow_String reason = {});
   void KeepUnconverted(const inp_Keyword& keyword, const KvoSimPosition& owner);
@@ -108,4 +113,5 @@ private:
   KvoSimPosition m_constantsPart; // the data lines of *PHYSICAL CONSTANTS
   cow_String m_constantsLines;
   inpS_TextKeywords m_text;
+  cow_List<inpS_DistributedProperty> m_distributed;
 };

@@ -4,6 +4,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/forms/inpS_FormTable.h"
+#include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/keywords/inpS_RecordParameters.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "inpS/writer/inpS_PropertyWords.h"
@@ -98,9 +99,16 @@ void inpS_MaterialPrinter::PrintKeyword(const KvoSimPosition& property, const in
   inpS_printOtherParameters(m_out, behavior, record);
 }
 
+// Or the name of the distribution that gives the values.
 void inpS_MaterialPrinter::PrintTable(const KvoSimPosition& property) {
-  if (const inpS_Form* form = inpS_FormTable::Instance().Find(property.Object().RecordKind()))
-    inpS_printRows(m_out, *form, property);
+  const inpS_Form* form = inpS_FormTable::Instance().Find(property.Object().RecordKind());
+  if (!form) return;
+  if (form->HasTable() && property.GetFTable().IsNull()) {
+    const KvoSimPosition values = property.Follow(eds_Member::ValuesFrom);
+    if (!values.IsNull()) m_out << inpS_quoted(values.Name()) << '\n';
+    return;
+  }
+  inpS_printRows(m_out, *form, property);
 }
 
 // One keyword for each run of rows of one rate, and for each that keeps something of its own.

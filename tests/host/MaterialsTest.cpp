@@ -68,10 +68,19 @@ TEST_F(Materials, ListSaysWhatTheDeckSays) {
   }
 }
 
-// A distribution's name stands in the place of numbers: such a keyword is kept as text.
+// A distribution's name stands in the place of numbers; with numbers beside it, the keyword is kept
+// as text.
 TEST_F(Materials, ListNamesWhatIsKeptAsText) {
-  const cow_String model = Model("*MATERIAL, NAME=A\n*DENSITY\n2.,\n*ELASTIC\nMODULI-BY-ELEMENT\n"
-                                 "*DISTRIBUTION, NAME=MODULI-BY-ELEMENT, TABLE=T\n1, 2., 0.3\n");
+  const cow_String distribution = "*DISTRIBUTION TABLE, NAME=T\nMODULUS, RATIO\n"
+                                  "*DISTRIBUTION, NAME=MODULI, TABLE=T, LOCATION=ELEMENT\n"
+                                  ", 2., 0.3\n";
+  const cow_String linked = Model("*MATERIAL, NAME=A\n*ELASTIC\nMODULI\n" + distribution);
+  EXPECT_EQ(ProgramRun({"info", linked, "--materials"}).out,
+            "material \"A\"\n  *ELASTIC: values of distribution \"MODULI\"\n");
+  const json named = json::parse(ProgramRun({"info", linked, "--materials", "--json"}).out);
+  EXPECT_EQ(named["materials"][0]["behaviors"][0]["distribution"], "MODULI");
+  const cow_String model =
+      Model("*MATERIAL, NAME=A\n*DENSITY\n2.,\n*ELASTIC\nMODULI, 20.\n" + distribution);
   EXPECT_EQ(ProgramRun({"info", model, "--materials"}).out,
             "material \"A\"\n  *DENSITY: 1 row, rho 2\n  *ELASTIC (kept as text)\n");
   const json listed = json::parse(ProgramRun({"info", model, "--materials", "--json"}).out);
