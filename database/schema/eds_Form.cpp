@@ -290,7 +290,8 @@ private:
       field.info.intDefault = static_cast<int64_t>(item.unset);
       field.info.realDefault = item.unset;
       one.field = static_cast<int>(field.number);
-      if (one.referable && one.referable->IsScoped())
+      const bool isLabel = one.type == eds_FormType::Node || one.type == eds_FormType::Element;
+      if (isLabel || (one.referable && one.referable->IsScoped()))
         one.instanceField = static_cast<int>(
             AddField(column + "_instance", eds_FieldType::Ref, eds_RecordKind::Instance).number);
     }

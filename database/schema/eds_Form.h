@@ -35,7 +35,7 @@ enum class eds_FormType : uint8_t {
   Symbol,
   Any,
   Reference,
-  Node,    // by its label; of bulk columns
+  Node,    // by its label; in bulk columns by its ordinal
   Element, // likewise
 };
 
@@ -47,7 +47,7 @@ struct eds_FormItem {
     const eds_Referable* referable = nullptr; // Reference
     eds_Vocabulary vocabulary{};              // Symbol
     int field = -1;                           // of the record
-    int instanceField = -1;                   // Reference to what may belong to an instance
+    int instanceField = -1;                   // of a label, or of what may belong to an instance
   };
   cow_String name;                    // as the field's column
   cow_List<Alternative> alternatives; // one at least

@@ -27,6 +27,17 @@ cow_String takeReference(const Alternative& one, const inpS_FormValue& value,
   return {};
 }
 
+cow_String takeLabel(const Alternative& one, const inpS_FormValue& value,
+                     const inpS_FormNames& names, KvoSimDataRecord& record) {
+  const inpS_FormNames::Label label = names.FindLabel(one.type, value.text);
+  if (!label.isKnown)
+    return (one.type == eds_FormType::Node ? "Node \"" : "Element \"") +
+           inp_Utils::Fold(value.text) + "\" does not exist.";
+  record.SetInt(one.field, label.number);
+  if (!label.instance.IsNull()) record.SetReference(one.instanceField, label.instance);
+  return {};
+}
+
 cow_String takeWord(const Alternative& one, const inpS_FormValue& value, KvoSimDataRecord& record) {
   const cow_String bare = inpS_bareWord(inp_Utils::Fold(value.text));
   cow_String list;
@@ -63,23 +74,27 @@ cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inp
     return takeWord(one, value, record);
   case eds_FormType::Reference:
     return takeReference(one, value, names, record);
+  case eds_FormType::Node:
+  case eds_FormType::Element:
+    return takeLabel(one, value, names, record);
   case eds_FormType::Text:
     break;
   case eds_FormType::Symbol: // of parameters alone
   case eds_FormType::Any:
-  case eds_FormType::Node: // of columns alone
-  case eds_FormType::Element:
     utl_assertionFailed("a value of a line has a type of decks");
   }
   record.SetString(one.field, inp_Utils::Fold(value.text));
   return {};
 }
 
+void printInstance(utl_Stream& out, const Alternative& one, const KvoSimDataRecord& record) {
+  if (one.instanceField < 0 || record.IsMemberNull(one.instanceField)) return;
+  const KvoSimPosition instance = record.GetReference(one.instanceField);
+  out << inpS_quoted(instance.DataRecord().ReturnString(eds_Instance_Name)) << '.';
+}
+
 void printReference(utl_Stream& out, const Alternative& one, const KvoSimDataRecord& record) {
-  if (one.instanceField >= 0 && !record.IsMemberNull(one.instanceField)) {
-    const KvoSimPosition instance = record.GetReference(one.instanceField);
-    out << inpS_quoted(instance.DataRecord().ReturnString(eds_Instance_Name)) << '.';
-  }
+  printInstance(out, one, record);
   out << inpS_quoted(record.GetReference(one.field).Name());
 }
 
@@ -125,8 +140,11 @@ inpS_SetVisitor::Found inpS_FormNames::Find(const eds_Referable& referable,
 
 namespace {
 
+Kind labelKind(eds_FormType type) {
+  return type == eds_FormType::Node ? Kind::Nodes : Kind::Elements;
+}
 Kind labelKind(const eds_FormItem& item) {
-  return item.alternatives.front().type == eds_FormType::Node ? Kind::Nodes : Kind::Elements;
+  return labelKind(item.alternatives.front().type);
 }
 
 } // namespace
@@ -153,6 +171,28 @@ bool inpS_FormNames::FindLabel(const eds_FormItem& item, const cow_String& asWri
       m_place.LabelerOf(kind).ConvertInstanceLabel(space.occurrence, static_cast<int>(label));
   if (found >= 0) ordinal = found + space.offset;
   return true;
+}
+
+inpS_FormNames::Label inpS_FormNames::FindLabel(eds_FormType type,
+                                                const cow_String& asWritten) const {
+  Label label;
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
+  const cow_String& digits = parts.empty() ? asWritten : parts.back();
+  std::int64_t number = 0;
+  const char* const end = digits.data() + digits.size();
+  if (utl_readInt(digits.data(), end, number) != end || number != static_cast<int>(number))
+    return label;
+  const Kind kind = labelKind(type);
+  const bool isScoped = parts.size() > 1;
+  const inpS_SetVisitor::LabelSpace space =
+      m_place.SpaceOf(kind, isScoped ? parts[parts.size() - 2] : cow_String());
+  label.number = static_cast<int>(number);
+  label.isKnown = space.occurrence >= 0 &&
+                  m_place.LabelerOf(kind).HasInstanceLabel(space.occurrence, label.number);
+  if (label.isKnown && isScoped)
+    label.instance =
+        m_place.LabelerOf(kind).Occurrences()[static_cast<std::size_t>(space.occurrence)];
+  return label;
 }
 
 cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
@@ -193,10 +233,13 @@ void inpS_printValue(utl_Stream& out, const eds_FormItem& item, const KvoSimData
     case eds_FormType::Reference:
       printReference(out, one, record);
       return;
-    case eds_FormType::Symbol:
-    case eds_FormType::Any:
     case eds_FormType::Node:
     case eds_FormType::Element:
+      printInstance(out, one, record);
+      out << record.GetInt64(one.field);
+      return;
+    case eds_FormType::Symbol:
+    case eds_FormType::Any:
       return;
     }
   }

@@ -37,6 +37,14 @@ public:
   // Of "instance.label"; false when the text is no such thing. -1: there is none of that label.
   bool FindLabel(const eds_FormItem& item, const cow_String& asWritten, long long& ordinal) const;
 
+  // A node's or element's, alone or as "instance.label".
+  struct Label {
+    bool isKnown = false;
+    int number = 0;
+    KvoSimPosition instance; // that the label was scoped by
+  };
+  Label FindLabel(eds_FormType type, const cow_String& asWritten) const;
+
 private:
   const inpS_SetVisitor& m_place;
 };

@@ -17,7 +17,15 @@ namespace {
 const cow_Map<std::string_view, cow_String> targets = {
     {"nset", "NODES-1"},   {"elset", "SOLID"},    {"surface", "TOP"},
     {"material", "STEEL"}, {"amplitude", "RAMP"}, {"distribution_table", "TABLE-1"}};
-const cow_String model = cow_String("*HEADING\nall forms\n") + oneBrick +
+// Nodes of many labels, no three of them in one line.
+cow_String moreNodes() {
+  cow_String text = "*NODE\n";
+  for (int label = 9; label <= 60; ++label)
+    text += std::to_string(label) + ", " + std::to_string(label * label) + "., " +
+            std::to_string(label) + "., 0.\n";
+  return text;
+}
+const cow_String model = cow_String("*HEADING\nall forms\n") + oneBrick + moreNodes() +
                          "*NSET, NSET=NODES-1\n1, 2\n*SURFACE, NAME=TOP\nSOLID, S2\n"
                          "*DISTRIBUTION TABLE, NAME=TABLE-1\nLENGTH\n"
                          "*AMPLITUDE, NAME=RAMP\n0., 0., 1., 1.\n"
@@ -101,22 +109,27 @@ private:
       value = "1";
       return {};
     case eds_FormType::Int:
-      return value = std::to_string(++m_number);
+    case eds_FormType::Node:
+      return value = std::to_string(Number());
     case eds_FormType::Real:
-      return value = std::to_string(++m_number) + ".5";
+      return value = std::to_string(Number()) + ".5";
     case eds_FormType::Reference:
       value = targets.at(one.referable->word);
       return isMissing ? "NOWHERE" : value;
     default:
       break;
     }
-    if (words.empty() && one.words.empty()) return value = "W" + std::to_string(++m_number);
+    if (words.empty() && one.words.empty()) return value = "W" + std::to_string(Number());
     return value = words.empty() ? one.words.back() : cow_String(words.back());
   }
+
+  // 1, 3, 6, 10 and so on: points of such numbers lie in no line.
+  int Number() { return m_number += ++m_step; }
 
   const inpS_Form& m_form;
   cow_Map<int, cow_String> m_lost;
   int m_number = 0;
+  int m_step = 0;
 };
 
 cow_String textOf(const KvoSimDataRecord& record, int field, eds_FieldType type) {

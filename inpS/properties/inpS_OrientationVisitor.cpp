@@ -1,0 +1,92 @@
+#include "inpS/properties/inpS_OrientationVisitor.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+bool isName(const inp_Keyword& keyword, long long row, int col) {
+  const inp_DataArray& lines = keyword.Data();
+  return row < lines.Rows() && col < lines.Cols(row) && lines.HasValue(row, col) &&
+         !lines.IsNumber(row, col);
+}
+
+} // namespace
+
+// One whose axes a distribution gives is kept as text.
+const inpS_Form* inpS_OrientationVisitor::Choose(const inp_Keyword& keyword,
+                                                 const inp_Keyword* parent) {
+  const inpS_Form* form = inpS_FormVisitor::Choose(keyword, parent);
+  if (!form || form->kind != eds_RecordKind::Orientation || !isName(keyword, 0, 0)) return form;
+  inpS_OrientationData data;
+  inpS_OrientationData::Read(keyword, *form, data);
+  return data.system == inpS_OrientationData::System::Rectangular ? nullptr : form;
+}
+
+bool inpS_OrientationVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
+  if (keyword.Kind() != inp_KwOrientation) return true;
+  inpS_OrientationData data;
+  cow_String fault = inpS_OrientationData::Read(keyword, form, data);
+  if (!fault.empty() && data.definition == inpS_OrientationData::Definition::Nodes &&
+      !(data.nodes[0].isGiven && data.nodes[1].isGiven))
+    Error(keyword,
+          "The first data line under *ORIENTATION, DEFINITION=NODES is unrecognizable as a "
+          "pair of node numbers for points A and B. ");
+  if (fault.empty()) fault = m_systems.FaultOf(data, Holder());
+  if (fault.empty()) return HasAngle(keyword);
+  Error(keyword, inp_Utils::Format("Unable to create orientation %s due to invalid or null content",
+                                   keyword.StringOf("name", "").c_str()) +
+                     ": " + fault + ".");
+  return false;
+}
+
+// An angle that varies is the name of a distribution.
+bool inpS_OrientationVisitor::HasAngle(const inp_Keyword& keyword) {
+  if (!isName(keyword, 1, 1)) return true;
+  const cow_String name = keyword.Data().AsStringVerbatim(1, 1);
+  const inpS_FormTable& table = inpS_FormTable::Instance();
+  const eds_Referable& distribution = *table.Named(inp_KwDistribution);
+  if (!Names().Find(distribution, name).set.IsNull()) return true;
+  const cow_String folded = inp_Utils::Fold(name);
+  AddWarning(inp_Utils::MessageAtField(
+      keyword, 1, 1,
+      Inventory().Names(inp_KwDistribution, folded)
+          ? "*DISTRIBUTION \"" + folded +
+                "\" is kept as text; so is this keyword, which refers to it."
+          : inp_Utils::Format(cow_String(distribution.missing).c_str(), folded.c_str()) +
+                " The keyword is kept as text."));
+  return false;
+}
+
+void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                                        const KvoSimPosition& record) {
+  const bool isTransform = keyword.Kind() == inp_KwTransform;
+  if (keyword.Kind() != inp_KwOrientation && !isTransform) return;
+  if (form.kind != eds_RecordKind::OrientationUser && !isTransform) CheckLocalDirections(keyword);
+  const cow_String fault = m_systems.Derive(record, Holder());
+  if (!fault.empty())
+    Warning(keyword, "No local axes can be made of *" + keyword.Name() + " " +
+                         (isTransform ? "" : "in an instance of the part ") + "(" + fault +
+                         "); what the deck says is kept.");
+}
+
+// Lines behind the second one; LOCAL DIRECTIONS tells how many there are.
+void inpS_OrientationVisitor::CheckLocalDirections(const inp_Keyword& keyword) {
+  const inp_DataArray& lines = keyword.Data();
+  const inp_Item* told = keyword.Find("localdirections");
+  long long given = 0;
+  for (long long row = 2; row < lines.Rows(); ++row) {
+    if (inpS_KeywordReader::IsBlankRow(lines, row)) continue;
+    ++given;
+    bool isZero = true;
+    for (int col = 0; col < std::min(3, lines.Cols(row)); ++col)
+      isZero = isZero && lines.AsDouble(row, col) == 0.0;
+    if (isZero)
+      AddWarning(inp_Utils::MessageAtRow(keyword, row, "The local direction has no length."));
+  }
+  const long long expected = told ? told->AsInt() : 0;
+  if (given != expected)
+    Warning(keyword, "*ORIENTATION has " + std::to_string(given) +
+                         " local directions behind its second data line, and LOCAL DIRECTIONS " +
+                         (told ? "tells " + std::to_string(expected) + "." : "is not given."));
+}
