@@ -2,6 +2,7 @@
 
 #include "base/utl_Number.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -324,6 +325,27 @@ void writeColumns(DeckFile& deck, std::size_t rows, bool byName) {
   }
 }
 
+// A generated mesh with two points for each brick, and a section that takes its axes from them, or
+// from nowhere.
+void writeAxes(DeckFile& deck, std::size_t n, bool hasAxes) {
+  writeGenerated(deck, n);
+  const std::size_t bricks = n * n * n;
+  deck.Text("*ELSET, ELSET=ORIENTED, GENERATE\n1, ").Integer(bricks).Text("\n");
+  deck.Text("*DISTRIBUTION TABLE, NAME=POINTS\nCOORD3D, COORD3D\n"
+            "*DISTRIBUTION, NAME=AXES, TABLE=POINTS, LOCATION=ELEMENT\n"
+            ", 1., 0., 0., 0., 1., 0.\n");
+  for (std::size_t brick = 1; brick <= bricks; ++brick) {
+    const double angle = 1e-5 * static_cast<double>(brick);
+    deck.Integer(brick);
+    for (const double value : {std::cos(angle), std::sin(angle), 0.0, 0.0, std::cos(angle), 1.0})
+      deck.Text(", ").Real(value);
+    deck.Text("\n");
+  }
+  deck.Text("*ORIENTATION, NAME=VARY\nAXES\n*SOLID SECTION, ELSET=ORIENTED, MATERIAL=STEEL");
+  deck.Text(hasAxes ? ", ORIENTATION=VARY\n" : "\n").Text("*MATERIAL, NAME=STEEL\n");
+  deck.Text("*ELASTIC\n210000., 0.3\n");
+}
+
 // Keywords that refer to one of a thousand sets each.
 void writeReferences(DeckFile& deck, std::size_t count) {
   constexpr std::size_t sets = 1000;
@@ -341,16 +363,18 @@ int run(int argc, char** argv) {
   const std::size_t size = argc > 3 ? std::strtoull(argv[2], nullptr, 10) : 0;
   const std::string_view labels = argc > 4 ? argv[4] : "order";
   if (size == 0) {
-    std::fputs("mesh_generator bricks N DECK [order|shuffled|sparse]   N cubed bricks\n"
-               "mesh_generator generated N DECK       the same as a few lines that make it\n"
-               "mesh_generator blocks COUNT DECK      blocks of 1000 nodes, one flat mesh\n"
-               "mesh_generator instances COUNT DECK   the same as instances of a part\n"
-               "mesh_generator keywords COUNT DECK    small keywords on a mesh of 8000 bricks\n"
-               "mesh_generator materials COUNT DECK   materials of ten behaviours each\n"
-               "mesh_generator table ROWS DECK        a material with one big table\n"
-               "mesh_generator columns ROWS DECK [order|names]   a keyword of so many lines\n"
-               "mesh_generator references COUNT DECK  keywords that each name a set\n",
-               stderr);
+    std::fputs(
+        "mesh_generator bricks N DECK [order|shuffled|sparse]   N cubed bricks\n"
+        "mesh_generator generated N DECK       the same as a few lines that make it\n"
+        "mesh_generator blocks COUNT DECK      blocks of 1000 nodes, one flat mesh\n"
+        "mesh_generator instances COUNT DECK   the same as instances of a part\n"
+        "mesh_generator keywords COUNT DECK    small keywords on a mesh of 8000 bricks\n"
+        "mesh_generator materials COUNT DECK   materials of ten behaviours each\n"
+        "mesh_generator table ROWS DECK        a material with one big table\n"
+        "mesh_generator columns ROWS DECK [order|names]   a keyword of so many lines\n"
+        "mesh_generator axes BRICKS_A_SIDE DECK [order|none]  a section with axes by element\n"
+        "mesh_generator references COUNT DECK  keywords that each name a set\n",
+        stderr);
     return 2;
   }
   DeckFile deck(argv[3]);
@@ -373,6 +397,8 @@ int run(int argc, char** argv) {
     writeTable(deck, size);
   else if (kind == "columns")
     writeColumns(deck, size, labels == "names");
+  else if (kind == "axes")
+    writeAxes(deck, size, labels != "none");
   else if (kind == "references")
     writeReferences(deck, size);
   else

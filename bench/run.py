@@ -311,6 +311,14 @@ def measure_columns(bench, processors, rows):
                       f"the {allowed / 1e6:.0f} MB allowed", "1.00 of it")
 
 
+def measure_axes(bench, processors, size):
+    """Axes by element of a section, to the same deck whose section has none."""
+    _, none = bench.convert(bench.deck("axes", size, "none"), processors)
+    _, inps = bench.convert(bench.deck("axes", size), processors)
+    bench.row(f"an orientation by distribution over {size ** 3} elements",
+              f"{inps.seconds - none.seconds:.2f} s", "1 s")
+
+
 def measure_references(bench, processors, count):
     _, inps = bench.convert(bench.deck("references", count), processors)
     _, back = bench.write(processors, bare=False)
@@ -381,6 +389,7 @@ def main():
         measure_materials(bench, sets[-1], 5000 if words.quick else 20_000)
         measure_table(bench, sets[-1], 1_000_000)
         measure_columns(bench, sets[-1], 1_000_000)
+        measure_axes(bench, sets[-1], 50 if words.quick else 100)
         measure_references(bench, sets[-1], 200_000)
         measure_instances(bench, sets[-1], 1000 if words.quick else 10_000)
         measure_generated(bench, sets[-1], 128 if words.quick else 170)

@@ -34,6 +34,7 @@
 #include "inpS/properties/inpS_DistributionTableVisitor.h"
 #include "inpS/properties/inpS_DistributionVisitor.h"
 #include "inpS/properties/inpS_NodalThicknessVisitor.h"
+#include "inpS/properties/inpS_OrientationFixupVisitor.h"
 #include "inpS/properties/inpS_OrientationVisitor.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 #include "inpS/properties/inpS_SectionVisitor.h"
@@ -330,12 +331,21 @@ bool Driver::ProcessDistributions(Labelers& labelers) {
 }
 
 bool Driver::ProcessOrientations(Labelers& labelers) {
-  return RunForms<inpS_OrientationVisitor>(labelers);
+  inpS_OrientationVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
+  visitor.VisitListAndReport(m_keywords);
+  const auto& varying = visitor.ConstGetOri2DistNameMap();
+  if (!varying.empty()) {
+    inpS_OrientationFixupVisitor fixup(*labelers.nodes, *labelers.elements, m_inventory, varying);
+    fixup.VisitListAndReport(m_keywords);
+  }
+  return !visitor.IsError();
 }
 
 bool Driver::ProcessSections(Labelers& labelers) {
   if (!Run<inpS_SectionInventory>(labelers)) return false;
-  Run<inpS_NodalThicknessVisitor>(labelers);
+  inpS_NodalThicknessVisitor thickness(*labelers.nodes, *labelers.elements, m_inventory);
+  thickness.VisitListAndReport(m_keywords);
+  thickness.Save();
   return RunForms<inpS_SectionVisitor>(labelers);
 }
 

@@ -27,9 +27,10 @@ System transformOf(std::string_view type) {
 }
 
 Definition definitionOf(eds_RecordKind kind) {
-  return kind == eds_RecordKind::OrientationByNodes    ? Definition::Nodes
-         : kind == eds_RecordKind::OrientationByOffset ? Definition::OffsetToNodes
-                                                       : Definition::Coordinates;
+  return kind == eds_RecordKind::OrientationByNodes          ? Definition::Nodes
+         : kind == eds_RecordKind::OrientationByOffset       ? Definition::OffsetToNodes
+         : kind == eds_RecordKind::OrientationByDistribution ? Definition::Distribution
+                                                             : Definition::Coordinates;
 }
 
 cow_String quoted(const inp_DataArray& lines, long long row, int col) {
@@ -94,8 +95,10 @@ cow_String inpS_OrientationData::Read(const inp_Keyword& keyword, const inpS_For
   if (data.system == System::User) return {};
   const inp_DataArray& lines = keyword.Data();
   if (lines.Rows() == 0) return "there is no data line";
-  const cow_String fault = data.definition == Definition::Coordinates ? readCoordinates(lines, data)
-                                                                      : readNodes(lines, data);
+  cow_String fault;
+  if (data.definition == Definition::Coordinates) fault = readCoordinates(lines, data);
+  if (data.definition == Definition::Nodes || data.definition == Definition::OffsetToNodes)
+    fault = readNodes(lines, data);
   return fault.empty() ? readRotation(lines, data) : fault;
 }
 
@@ -113,7 +116,7 @@ inpS_OrientationData inpS_OrientationData::Of(const KvoSimPosition& record) {
   data.system = isTransform ? transformOf(given.GetString(field("type")))
                             : systemOf(given.GetString(field("system")));
   constexpr std::string_view names[kPoints] = {"a", "b", "c"};
-  for (int n = 0; n < kPoints; ++n) {
+  for (int n = 0; n < kPoints && data.definition != Definition::Distribution; ++n) {
     const cow_String point(names[n]);
     if (data.definition != Definition::Coordinates) {
       if (given.IsMemberNull(field(point))) continue;
@@ -130,4 +133,16 @@ inpS_OrientationData inpS_OrientationData::Of(const KvoSimPosition& record) {
   if (!given.IsMemberNull(field("axis"))) data.axis = given.GetString(field("axis")).front() - '0';
   data.angle = given.GetDouble(field("angle"));
   return data;
+}
+
+KvoSimPosition inpS_OrientationData::PointsOf(const KvoSimPosition& record) {
+  if (!record.IsA(eds_RecordKind::OrientationByDistribution)) return {};
+  return record.DataRecord().GetReference(
+      eds_formField(eds_RecordKind::OrientationByDistribution, "distribution"));
+}
+
+KvoSimPosition inpS_OrientationData::AnglesOf(const KvoSimPosition& record) {
+  if (record.IsA(eds_RecordKind::OrientationUser)) return {};
+  return record.DataRecord().GetReference(
+      eds_formField(record.Object().RecordKind(), "angle_distribution"));
 }

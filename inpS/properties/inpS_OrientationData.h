@@ -7,7 +7,7 @@
 // whether it says something, or from the record that the keyword has become.
 struct inpS_OrientationData {
   enum class System : unsigned char { Rectangular, Cylindrical, Spherical, ZRectangular, User };
-  enum class Definition : unsigned char { Coordinates, Nodes, OffsetToNodes };
+  enum class Definition : unsigned char { Coordinates, Nodes, OffsetToNodes, Distribution };
   static constexpr int kPoints = 3; // A, B and the origin
   struct Node {
     bool isGiven = false;
@@ -31,5 +31,9 @@ struct inpS_OrientationData {
   static cow_String Read(const inp_Keyword& keyword, const inpS_Form& form,
                          inpS_OrientationData& data);
   static inpS_OrientationData Of(const KvoSimPosition& record);
+  // The distribution that gives an orientation's points A and B, or its angle, by element; null:
+  // none.
+  static KvoSimPosition PointsOf(const KvoSimPosition& record);
+  static KvoSimPosition AnglesOf(const KvoSimPosition& record);
   static std::string_view NameOf(System system); // as decks have it
 };

@@ -1,5 +1,6 @@
 #include "inpS/properties/inpS_OrientationDataWriter.h"
 #include "base/utl_Assert.h"
+#include "database/KvoObjMesh.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimTransfer.h"
 
@@ -79,6 +80,28 @@ KvoSimPosition inpS_OrientationDataWriter::WritePoint(const double point[3]) {
     utl_assertionFailed("twrite.RequiredBufferSize() == 3*sizeof(double)");
   twrite.ExecMake();
   return distribution.Position();
+}
+
+void inpS_OrientationDataWriter::WriteElementQuaternions(const KvoSimPosition& system,
+                                                         const eds_MemberSet& elements,
+                                                         const eds_ArrayID& quaternions) {
+  const KvoSimCSet quatSet(m_inventory.QuaternionComponentsCSet());
+  if (quatSet.Size() != 4) utl_assertionFailed("quatSet.Size() == 4");
+  KvoSimDataRecord record = system.DataRecord();
+  KvoSimCollection all = m_document.GetMesh().GetElementCollection();
+  if (record.IsMemberNull(eds_LocalSystem_Orient)) {
+    const KvoSimPosition orient =
+        m_document
+            .CreateTypedDistribution(eds_DataType::General,
+                                     KvoSimGrid{all, m_document.GetComponentCollection()},
+                                     KvoSimRangeType(eds_ValueType::Double, 4))
+            .Position();
+    orient.DataRecord().SetString(eds_Distribution_Name, "ORIENT");
+    record.SetReference(eds_LocalSystem_Orient, orient);
+  }
+  record.GetReference(eds_LocalSystem_Orient)
+      .AsDistribution()
+      .AddDrawer(all.CreateCSet(elements).ID(), quaternions);
 }
 
 void inpS_OrientationDataWriter::Clear() {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "database/KvoSimTransaction.h"
+#include "database/eds_Array.h"
+#include "database/eds_MemberSet.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/properties/inpS_OrientationData.h"
 
@@ -20,6 +22,10 @@ public:
   void WriteCylindricalAxisOrientationData(const double a[3], const double b[3]);
   void WriteSphericalAxisOrientationData(const double a[3], const double b[3]);
   void SetAdditionalAngle(int axis, double angle); // degrees
+  // Axes of elements, 4 values each, beside those that the system has by now ("ORIENT"). The system
+  // may have been made before.
+  void WriteElementQuaternions(const KvoSimPosition& system, const eds_MemberSet& elements,
+                               const eds_ArrayID& quaternions);
   // Takes back what was written for the parent.
   void Clear();
 

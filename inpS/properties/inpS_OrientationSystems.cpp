@@ -7,7 +7,8 @@ using Data = inpS_OrientationData;
 namespace {
 
 bool hasPoints(const Data& data) {
-  return data.system != Data::System::User && data.definition != Data::Definition::OffsetToNodes;
+  return data.system != Data::System::User && (data.definition == Data::Definition::Coordinates ||
+                                               data.definition == Data::Definition::Nodes);
 }
 
 } // namespace

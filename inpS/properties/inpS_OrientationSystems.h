@@ -17,11 +17,13 @@ public:
   // in the place of those that it had. What is wrong at one of the places costs that one.
   cow_String Derive(const KvoSimPosition& given, const KvoSimPosition& owner);
 
-private:
   using Place = inpS_OrientationPlaces::Place;
-
-  // The points as they stand in the place; rectangular: relative to the origin.
+  const cow_List<Place>& PlacesOf(const KvoSimPosition& owner) { return m_places.Of(owner); }
+  // The points as they stand in the place; rectangular: directions from the origin, A and B. What
+  // there is not.
   cow_String Locate(const inpS_OrientationData& data, const Place& place, double points[3][3]);
+
+private:
   static cow_String MakeAxes(const inpS_OrientationData& data, double points[3][3],
                              inpS_OrientationAxes& axes);
   void Write(const inpS_OrientationData& data, const double points[3][3],

@@ -13,14 +13,15 @@ bool isName(const inp_Keyword& keyword, long long row, int col) {
 
 } // namespace
 
-// One whose axes a distribution gives is kept as text.
+// A name in the place of the first coordinate: of a distribution, which gives the points.
 const inpS_Form* inpS_OrientationVisitor::Choose(const inp_Keyword& keyword,
                                                  const inp_Keyword* parent) {
   const inpS_Form* form = inpS_FormVisitor::Choose(keyword, parent);
   if (!form || form->kind != eds_RecordKind::Orientation || !isName(keyword, 0, 0)) return form;
   inpS_OrientationData data;
   inpS_OrientationData::Read(keyword, *form, data);
-  return data.system == inpS_OrientationData::System::Rectangular ? nullptr : form;
+  if (!data.IsRectangular()) return form;
+  return inpS_FormTable::Instance().Find(eds_RecordKind::OrientationByDistribution);
 }
 
 bool inpS_OrientationVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
@@ -33,23 +34,25 @@ bool inpS_OrientationVisitor::MayConvert(const inp_Keyword& keyword, const inpS_
           "The first data line under *ORIENTATION, DEFINITION=NODES is unrecognizable as a "
           "pair of node numbers for points A and B. ");
   if (fault.empty()) fault = m_systems.FaultOf(data, Holder());
-  if (fault.empty()) return HasAngle(keyword);
+  if (fault.empty())
+    return (form.kind != eds_RecordKind::OrientationByDistribution ||
+            HasDistribution(keyword, 0, 0)) &&
+           HasDistribution(keyword, 1, 1);
   Error(keyword, inp_Utils::Format("Unable to create orientation %s due to invalid or null content",
                                    keyword.StringOf("name", "").c_str()) +
                      ": " + fault + ".");
   return false;
 }
 
-// An angle that varies is the name of a distribution.
-bool inpS_OrientationVisitor::HasAngle(const inp_Keyword& keyword) {
-  if (!isName(keyword, 1, 1)) return true;
-  const cow_String name = keyword.Data().AsStringVerbatim(1, 1);
+bool inpS_OrientationVisitor::HasDistribution(const inp_Keyword& keyword, long long row, int col) {
+  if (!isName(keyword, row, col)) return true;
+  const cow_String name = keyword.Data().AsStringVerbatim(row, col);
   const inpS_FormTable& table = inpS_FormTable::Instance();
   const eds_Referable& distribution = *table.Named(inp_KwDistribution);
   if (!Names().Find(distribution, name).set.IsNull()) return true;
   const cow_String folded = inp_Utils::Fold(name);
   AddWarning(inp_Utils::MessageAtField(
-      keyword, 1, 1,
+      keyword, row, col,
       Inventory().Names(inp_KwDistribution, folded)
           ? "*DISTRIBUTION \"" + folded +
                 "\" is kept as text; so is this keyword, which refers to it."
@@ -63,11 +66,21 @@ void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_F
   const bool isTransform = keyword.Kind() == inp_KwTransform;
   if (keyword.Kind() != inp_KwOrientation && !isTransform) return;
   if (form.kind != eds_RecordKind::OrientationUser && !isTransform) CheckLocalDirections(keyword);
+  if (!isTransform) NoteDistributions(keyword, record);
+  if (form.kind == eds_RecordKind::OrientationByDistribution) return; // in the second pass
   const cow_String fault = m_systems.Derive(record, Holder());
   if (!fault.empty())
     Warning(keyword, "No local axes can be made of *" + keyword.Name() + " " +
                          (isTransform ? "" : "in an instance of the part ") + "(" + fault +
                          "); what the deck says is kept.");
+}
+
+void inpS_OrientationVisitor::NoteDistributions(const inp_Keyword& keyword,
+                                                const KvoSimPosition& record) {
+  for (const KvoSimPosition& distribution :
+       {inpS_OrientationData::PointsOf(record), inpS_OrientationData::AnglesOf(record)})
+    if (!distribution.IsNull())
+      m_ori2DistName.try_emplace(keyword.StringOf("name", ""), distribution.Name());
 }
 
 // Lines behind the second one; LOCAL DIRECTIONS tells how many there are.

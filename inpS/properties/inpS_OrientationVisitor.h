@@ -12,6 +12,10 @@ public:
       : inpS_FormVisitor(inpS_Phase::Orientations, nodes, elements, inventory, ledger),
         m_systems(inventory, nodes) {}
 
+  // Orientations that vary over elements, by name, and the distribution that gives their points or
+  // their angle.
+  const cow_Map<cow_String, cow_String>& ConstGetOri2DistNameMap() const { return m_ori2DistName; }
+
 protected:
   const inpS_Form* Choose(const inp_Keyword& keyword, const inp_Keyword* parent) override;
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
@@ -19,8 +23,11 @@ protected:
                  const KvoSimPosition& record) override;
 
 private:
-  bool HasAngle(const inp_Keyword& keyword);
+  // Whether the field is no name, or that of a distribution; what is missing is told.
+  bool HasDistribution(const inp_Keyword& keyword, long long row, int col);
+  void NoteDistributions(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckLocalDirections(const inp_Keyword& keyword);
 
   inpS_OrientationSystems m_systems;
+  cow_Map<cow_String, cow_String> m_ori2DistName;
 };

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "inpS/properties/inpS_OrientationDataWriter.h"
+#include "inpS/properties/inpS_OrientationSystems.h"
+#include "inpS/sets/inpS_SetVisitor.h"
+
+// The second pass over orientations, for those that vary: what names an orientation says over which
+// elements, and these get axes of their own.
+class inpS_OrientationFixupVisitor : public inpS_SetVisitor {
+public:
+  using NameMap = cow_Map<cow_String, cow_String>; // orientation to distribution
+
+  inpS_OrientationFixupVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                               const inpS_Inventory& inventory, const NameMap& ori2DistName)
+      : inpS_SetVisitor(nodes, elements, inventory), m_ori2DistName(ori2DistName),
+        m_systems(inventory, nodes), m_writer(inventory) {}
+
+  void Visit(const inp_Keyword& keyword) override;
+
+private:
+  using Place = inpS_OrientationSystems::Place;
+
+  void FixOrientation(const inp_Keyword& keyword, const cow_String& orientation,
+                      const cow_String& elset);
+  // Whether the distributions have what an orientation needs; what they lack is told.
+  bool CheckDistributions(const inp_Keyword& keyword, const KvoSimPosition& orientation);
+  KvoSimPosition SystemFor(const KvoSimPosition& orientation, const Place& place);
+  // How many of the elements, which are flat ordinals, have no axes. first: the flat ordinal of
+  // the holder's element 0.
+  long long Fix(const KvoSimPosition& orientation, const Place& place,
+                const eds_MemberSet& elements, long long first);
+
+  const NameMap& m_ori2DistName;
+  inpS_OrientationSystems m_systems;
+  inpS_OrientationDataWriter m_writer;
+};
