@@ -3,6 +3,7 @@
 #include "inpS/keywords/inpS_ParameterBinding.h"
 #include "inpS/sets/inpS_ScopedField.h"
 #include "parser/inp_DataArray.h"
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -102,36 +103,72 @@ cow_String inpS_OrientationData::Read(const inp_Keyword& keyword, const inpS_For
   return fault.empty() ? readRotation(lines, data) : fault;
 }
 
+namespace {
+
+// Where a kind keeps what an orientation says; -1: nowhere. A deck may have many of one kind.
+struct Fields {
+  explicit Fields(eds_RecordKind kind);
+  int system = -1, axis = -1, angle = -1;
+  int points[Data::kPoints][3];
+  int nodes[Data::kPoints] = {-1, -1, -1};
+  int instances[Data::kPoints] = {-1, -1, -1};
+};
+
+Fields::Fields(eds_RecordKind kind) {
+  const auto& all = eds_formRecord(kind)->fields;
+  const auto find = [&](const cow_String& column) {
+    const auto found = std::ranges::find(all, column, &eds_FieldInfo::column);
+    return found == all.end() ? -1 : static_cast<int>(found - all.begin());
+  };
+  system = find(kind == eds_RecordKind::Transform ? "type" : "system");
+  axis = find("axis");
+  angle = find("angle");
+  constexpr std::string_view names[] = {"a", "b", "c"};
+  for (int n = 0; n < Data::kPoints; ++n) {
+    const cow_String point(names[n]);
+    for (int i = 0; i < 3; ++i) points[n][i] = find(point + "xyz"[i]);
+    nodes[n] = find(point);
+    instances[n] = find(point + "_instance");
+  }
+}
+
+const Fields& fieldsOf(eds_RecordKind kind) {
+  using K = eds_RecordKind;
+  static const Fields byNodes(K::OrientationByNodes), byOffset(K::OrientationByOffset),
+      byDistribution(K::OrientationByDistribution), transform(K::Transform), plain(K::Orientation);
+  return kind == K::OrientationByNodes          ? byNodes
+         : kind == K::OrientationByOffset       ? byOffset
+         : kind == K::OrientationByDistribution ? byDistribution
+         : kind == K::Transform                 ? transform
+                                                : plain;
+}
+
+} // namespace
+
 inpS_OrientationData inpS_OrientationData::Of(const KvoSimPosition& record) {
   const KvoSimDataRecord given = record.DataRecord();
   const eds_RecordKind kind = record.Object().RecordKind();
-  const auto field = [&](std::string_view column) { return eds_formField(kind, column); };
   inpS_OrientationData data;
   data.definition = definitionOf(kind);
   if (kind == eds_RecordKind::OrientationUser) {
     data.system = System::User;
     return data;
   }
-  const bool isTransform = kind == eds_RecordKind::Transform;
-  data.system = isTransform ? transformOf(given.GetString(field("type")))
-                            : systemOf(given.GetString(field("system")));
-  constexpr std::string_view names[kPoints] = {"a", "b", "c"};
-  for (int n = 0; n < kPoints && data.definition != Definition::Distribution; ++n) {
-    const cow_String point(names[n]);
-    if (data.definition != Definition::Coordinates) {
-      if (given.IsMemberNull(field(point))) continue;
-      data.nodes[n] = {true, given.GetInt64(field(point)), {}};
-      if (data.definition != Definition::Nodes) continue;
-      if (const KvoSimPosition instance = given.GetReference(field(point + "_instance"));
-          !instance.IsNull())
-        data.nodes[n].instance = instance.DataRecord().ReturnString(eds_Instance_Name);
-    } else if (n < 2 || !isTransform) {
-      for (int i = 0; i < 3; ++i) data.points[n][i] = given.GetDouble(field(point + "xyz"[i]));
-    }
+  const Fields& fields = fieldsOf(kind);
+  const std::string_view system = given.GetString(fields.system);
+  data.system = kind == eds_RecordKind::Transform ? transformOf(system) : systemOf(system);
+  for (int n = 0; n < kPoints; ++n) {
+    for (int i = 0; i < 3; ++i)
+      if (fields.points[n][i] >= 0) data.points[n][i] = given.GetDouble(fields.points[n][i]);
+    if (fields.nodes[n] < 0 || given.IsMemberNull(fields.nodes[n])) continue;
+    data.nodes[n] = {true, given.GetInt64(fields.nodes[n]), {}};
+    if (fields.instances[n] < 0) continue;
+    if (const KvoSimPosition instance = given.GetReference(fields.instances[n]); !instance.IsNull())
+      data.nodes[n].instance = instance.DataRecord().ReturnString(eds_Instance_Name);
   }
-  if (isTransform) return data;
-  if (!given.IsMemberNull(field("axis"))) data.axis = given.GetString(field("axis")).front() - '0';
-  data.angle = given.GetDouble(field("angle"));
+  if (fields.axis >= 0 && !given.IsMemberNull(fields.axis))
+    data.axis = given.GetString(fields.axis).front() - '0';
+  if (fields.angle >= 0) data.angle = given.GetDouble(fields.angle);
   return data;
 }
 

@@ -30,8 +30,8 @@ void inpS_OrientationDataWriter::Initialize(KvoSimTransaction& transaction,
 KvoSimPosition inpS_OrientationDataWriter::CreateOrientation(System system) {
   m_currOrientation = m_parent.CreateDataRecord(eds_RecordKind::LocalSystem);
   KvoSimDataRecord record = m_currOrientation.DataRecord();
-  if (const cow_String name = m_parent.Name(); !name.empty())
-    record.SetString(eds_LocalSystem_Name, name);
+  if (!m_parent.IsA(eds_RecordKind::Transform))
+    record.SetString(eds_LocalSystem_Name, m_parent.Name());
   record.SetReference(eds_LocalSystem_Given, m_parent);
   record.SetString(eds_LocalSystem_System, inpS_OrientationData::NameOf(system));
   m_parent.Associate(eds_Member::LocalSystems, m_currOrientation);
@@ -105,6 +105,7 @@ void inpS_OrientationDataWriter::WriteElementQuaternions(const KvoSimPosition& s
 }
 
 void inpS_OrientationDataWriter::Clear() {
+  if (m_parent.MemberCount(eds_Member::LocalSystems) == 0) return;
   for (const KvoSimPosition& system : m_parent.GetVector(eds_Member::LocalSystems)) {
     const KvoSimDataRecord record = system.DataRecord();
     for (const int field : {eds_LocalSystem_PointA, eds_LocalSystem_PointB, eds_LocalSystem_Orient})

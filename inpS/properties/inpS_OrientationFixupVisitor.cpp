@@ -171,7 +171,7 @@ void inpS_OrientationFixupVisitor::FixOrientation(const inp_Keyword& keyword,
   if (record.IsNull()) return;
   if (inpS_OrientationData::PointsOf(record).IsNull() &&
       inpS_OrientationData::AnglesOf(record).IsNull())
-    return;                                                      // another one of that name
+    return; // another one of that name
   const inpS_OrientationData data = inpS_OrientationData::Of(record);
   if (!data.IsRectangular() || data.definition == inpS_OrientationData::Definition::OffsetToNodes)
     return; // its rotation is not applied
