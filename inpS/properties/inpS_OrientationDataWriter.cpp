@@ -105,7 +105,6 @@ void inpS_OrientationDataWriter::WriteElementQuaternions(const KvoSimPosition& s
 }
 
 void inpS_OrientationDataWriter::Clear() {
-  if (m_parent.MemberCount(eds_Member::LocalSystems) == 0) return;
   for (const KvoSimPosition& system : m_parent.GetVector(eds_Member::LocalSystems)) {
     const KvoSimDataRecord record = system.DataRecord();
     for (const int field : {eds_LocalSystem_PointA, eds_LocalSystem_PointB, eds_LocalSystem_Orient})

@@ -13,9 +13,10 @@ public:
 
   // What is wrong with it where it is defined; empty: nothing.
   cow_String FaultOf(const inpS_OrientationData& data, const KvoSimPosition& owner);
-  // Writes the systems of one orientation or transform, one for each place where its owner stands,
-  // in the place of those that it had. What is wrong at one of the places costs that one.
-  cow_String Derive(const KvoSimPosition& given, const KvoSimPosition& owner);
+  // Writes the systems of one orientation or transform, one for each place where its owner stands.
+  // What is wrong at one of the places costs that one. isNew: it has none yet; else they are
+  // replaced.
+  cow_String Derive(const KvoSimPosition& given, const KvoSimPosition& owner, bool isNew);
 
   using Place = inpS_OrientationPlaces::Place;
   const cow_List<Place>& PlacesOf(const KvoSimPosition& owner) { return m_places.Of(owner); }

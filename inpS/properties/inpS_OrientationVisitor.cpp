@@ -68,7 +68,7 @@ void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_F
   if (form.kind != eds_RecordKind::OrientationUser && !isTransform) CheckLocalDirections(keyword);
   if (!isTransform) NoteDistributions(keyword, record);
   if (form.kind == eds_RecordKind::OrientationByDistribution) return; // in the second pass
-  const cow_String fault = m_systems.Derive(record, Holder());
+  const cow_String fault = m_systems.Derive(record, Holder(), true);
   if (!fault.empty())
     Warning(keyword, "No local axes can be made of *" + keyword.Name() + " " +
                          (isTransform ? "" : "in an instance of the part ") + "(" + fault +
