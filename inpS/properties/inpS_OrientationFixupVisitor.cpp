@@ -106,8 +106,10 @@ bool inpS_OrientationFixupVisitor::CheckDistributions(const inp_Keyword& keyword
 // elements gets its system here.
 KvoSimPosition inpS_OrientationFixupVisitor::SystemFor(const KvoSimPosition& orientation,
                                                        const Place& place) {
-  for (const KvoSimPosition& system : orientation.GetVector(eds_Member::LocalSystems))
-    if (system.DataRecord().GetReference(eds_LocalSystem_Instance) == place.instance) return system;
+  for (const KvoSimPosition& system : orientation.GetVector(eds_Member::LocalSystems)) {
+    const KvoSimPosition instance = system.DataRecord().GetReference(eds_LocalSystem_Instance);
+    if (instance.Object() == place.instance.Object()) return system;
+  }
   const KvoSimPosition made =
       m_writer.CreateOrientation(inpS_OrientationData::Of(orientation).system);
   if (!place.instance.IsNull()) m_writer.SetInstance(place.instance);
