@@ -36,6 +36,7 @@
 #include "inpS/properties/inpS_NodalThicknessVisitor.h"
 #include "inpS/properties/inpS_OrientationFixupVisitor.h"
 #include "inpS/properties/inpS_OrientationVisitor.h"
+#include "inpS/properties/inpS_SectionAssignments.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 #include "inpS/properties/inpS_SectionVisitor.h"
 #include "inpS/sets/inpS_SurfaceNodalAreas.h"
@@ -108,6 +109,7 @@ template <class Visitor> bool Driver::Run(Labelers& labelers) {
 
 template <class Visitor> bool Driver::RunForms(Labelers& labelers) {
   Visitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
+  visitor.SetMeshLeftOut(m_meshLeftOut);
   visitor.VisitListAndReport(m_keywords);
   return !visitor.IsError();
 }
@@ -342,11 +344,20 @@ bool Driver::ProcessOrientations(Labelers& labelers) {
 }
 
 bool Driver::ProcessSections(Labelers& labelers) {
-  if (!Run<inpS_SectionInventory>(labelers)) return false;
+  inpS_SectionInventory sections(*labelers.nodes, *labelers.elements, m_inventory);
+  sections.VisitList(m_keywords);
+  sections.TellDoubled(sections);
+  sections.Report();
+  if (sections.IsError()) return false;
   inpS_NodalThicknessVisitor thickness(*labelers.nodes, *labelers.elements, m_inventory);
   thickness.VisitListAndReport(m_keywords);
   thickness.Save();
-  return RunForms<inpS_SectionVisitor>(labelers);
+  inpS_SectionVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, sections, m_ledger);
+  visitor.SetMeshLeftOut(m_meshLeftOut);
+  visitor.VisitListAndReport(m_keywords);
+  if (sections.NumberSections() > 0) inpS_deriveSectionAssignments(m_document);
+  visitor.WriteBulkShellSectionDistributions();
+  return !visitor.IsError();
 }
 
 bool Driver::ProcessOldStyleRebars(Labelers&) {

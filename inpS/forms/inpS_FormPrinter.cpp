@@ -15,7 +15,7 @@ void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord
   out << '*' << inp_KeywordTable::Instance().Row(form.keyword)->name;
   for (std::size_t n = 0; n < form.parameters.size(); ++n) {
     const inpS_ParameterBinding& parameter = form.parameters[n];
-    if (parameter.codec != inpS_Codec::Reference) {
+    if (parameter.codec != inpS_Codec::Item) {
       inpS_printParameters(out, std::span(&parameter, 1), record);
     } else if (inpS_hasValue(*form.items[n], record)) {
       out << ", " << parameter.name << '=';

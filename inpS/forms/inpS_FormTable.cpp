@@ -64,8 +64,9 @@ inpS_ParameterBinding bindingOf(inp_KeywordEnm keyword, eds_RecordKind kind,
   const eds_FormItem::Alternative& value = item.alternatives.front();
   const eds_FieldInfo& field = eds_formRecord(kind)->fields[static_cast<std::size_t>(value.field)];
   inpS_ParameterBinding binding = inpS_bindParameter(keyword, field, value.field);
-  if (value.type == eds_FormType::Reference) binding.codec = inpS_Codec::Reference;
-  if (value.type == eds_FormType::Choice) {
+  if (value.type == eds_FormType::Reference || item.alternatives.size() > 1) {
+    binding.codec = inpS_Codec::Item;
+  } else if (value.type == eds_FormType::Choice) {
     binding.codec = inpS_Codec::Choice;
     binding.words.assign(value.words.begin(), value.words.end());
   }

@@ -8,6 +8,7 @@
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -18,9 +19,7 @@ using Kind = inpS_SetVisitor::Kind;
 cow_String takeReference(const Alternative& one, const inpS_FormValue& value,
                          const inpS_FormNames& names, KvoSimDataRecord& record) {
   const inpS_SetVisitor::Found found = names.Find(*one.referable, value.text);
-  if (found.set.IsNull())
-    return inp_Utils::Format(cow_String(one.referable->missing).c_str(),
-                             inp_Utils::Fold(value.text).c_str());
+  if (found.set.IsNull()) return names.TextOfMissing(*one.referable, inp_Utils::Fold(value.text));
   record.SetReference(one.field, found.set);
   if (one.instanceField >= 0 && !found.instance.IsNull())
     record.SetReference(one.instanceField, found.instance);
@@ -41,12 +40,20 @@ cow_String takeLabel(const Alternative& one, const inpS_FormValue& value,
 cow_String takeWord(const Alternative& one, const inpS_FormValue& value, KvoSimDataRecord& record) {
   const cow_String bare = inpS_bareWord(inp_Utils::Fold(value.text));
   cow_String list;
+  const cow_String* begins = nullptr; // the only word that begins so
+  int fitting = 0;
   for (const cow_String& word : one.words) {
-    if (inpS_bareWord(word) == bare) {
+    const cow_String known = inpS_bareWord(word);
+    if (known == bare) {
       record.SetString(one.field, word);
       return {};
     }
+    if (!bare.empty() && known.starts_with(bare)) begins = ++fitting == 1 ? &word : nullptr;
     list += (list.empty() ? "" : ", ") + word;
+  }
+  if (begins) {
+    record.SetString(one.field, *begins);
+    return {};
   }
   return "\"" + value.text + "\" is none of " + list + ".";
 }
@@ -62,10 +69,15 @@ cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inp
     record.SetBool(one.field, *yes);
     return {};
   }
-  case eds_FormType::Int:
-    if (value.type != inp_FieldType::Integer) return "\"" + value.text + "\" is no integer.";
-    record.SetInt(one.field, value.integer);
+  case eds_FormType::Int: {
+    constexpr double most = 1e15; // beyond, doubles have no fractions
+    const bool isWhole = value.type == inp_FieldType::Double &&
+                         value.real == std::trunc(value.real) && std::abs(value.real) <= most;
+    if (value.type != inp_FieldType::Integer && !isWhole)
+      return "\"" + value.text + "\" is no integer.";
+    record.SetInt(one.field, isWhole ? static_cast<long long>(value.real) : value.integer);
     return {};
+  }
   case eds_FormType::Real:
     if (!isNumber) return "\"" + value.text + "\" is no number.";
     record.SetDouble(one.field, value.real);
@@ -138,6 +150,13 @@ inpS_SetVisitor::Found inpS_FormNames::Find(const eds_Referable& referable,
   return m_place.FindField(kind, asWritten);
 }
 
+cow_String inpS_FormNames::TextOfMissing(const eds_Referable& referable,
+                                         const cow_String& name) const {
+  const auto own = m_texts.find(referable.word);
+  const std::string_view text = own == m_texts.end() ? referable.missing : own->second;
+  return inp_Utils::Format(cow_String(text).c_str(), name.c_str());
+}
+
 namespace {
 
 Kind labelKind(eds_FormType type) {
@@ -201,7 +220,8 @@ cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
   for (const Alternative& one : item.alternatives) {
     const cow_String other = takeAs(one, value, names, record);
     if (other.empty()) return {};
-    if (fault.empty()) fault = other;
+    const bool isName = one.type == eds_FormType::Reference && value.type == inp_FieldType::String;
+    if (fault.empty() || isName) fault = other; // a word is about a name rather than no number
   }
   return fault;
 }

@@ -32,6 +32,11 @@ public:
   explicit inpS_FormNames(const inpS_SetVisitor& place) : m_place(place) {}
   inpS_SetVisitor::Found Find(const eds_Referable& referable, const cow_String& asWritten) const;
 
+  // What a deck is told that names something that is not there: the referable's text, or the
+  // visitor's own.
+  cow_String TextOfMissing(const eds_Referable& referable, const cow_String& name) const;
+  void SetTextOfMissing(std::string_view word, std::string_view text) { m_texts[word] = text; }
+
   // Of an item that takes labels of nodes or elements.
   inpS_LabelSpaceView Labels(const eds_FormItem& item) const;
   // Of "instance.label"; false when the text is no such thing. -1: there is none of that label.
@@ -47,6 +52,7 @@ public:
 
 private:
   const inpS_SetVisitor& m_place;
+  cow_Map<std::string_view, std::string_view> m_texts; // by referable
 };
 
 // The value goes to the first alternative that takes it. What is wrong with it; empty when it has

@@ -23,6 +23,22 @@ inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoOb
     : inpS_SetVisitor(nodes, elements, inventory), m_phase(phase), m_ledger(ledger),
       m_names(*this) {}
 
+void inpS_FormVisitor::Report() {
+  if (m_withoutMesh > 0)
+    AddWarning({"The mesh could not be converted; keywords that stand on its sets and surfaces (" +
+                std::to_string(m_withoutMesh) + ") are kept as text."});
+  m_withoutMesh = 0;
+  inpS_SetVisitor::Report();
+}
+
+// What has a name may stand behind what refers to it.
+void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
+  for (const bool isNaming : {true, false}) {
+    m_isNaming = isNaming;
+    inpS_SetVisitor::VisitList(keywords);
+  }
+}
+
 // What a part says is said once, for all its instances. A step, which is kept as text, keeps its
 // own.
 void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
@@ -30,6 +46,7 @@ void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.IsInstanceCopy() || !inpS_FormTable::Instance().Knows(keyword.Kind())) return;
   const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
   if (block.phase != m_phase || keyword.IsSuboption()) return;
+  if ((inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr) != m_isNaming) return;
   if (keyword.Scope().kind != inp_Scope::Kind::Step)
     Convert(keyword, Holder(), block.member, nullptr);
 }
@@ -148,17 +165,28 @@ bool inpS_FormVisitor::IsNameFree(const inp_Keyword& keyword, const KvoSimPositi
 }
 
 void inpS_FormVisitor::TellRequired(const inp_Keyword& keyword, const cow_String& parameter) {
-  Warning(keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter}) +
-                       " The keyword is kept as text.");
+  Tell(keyword, inp_Utils::MessageInKeyword(
+                    keyword, inpS_messageText(inpS_app_RequiredParameter, {parameter}) +
+                                 " The keyword is kept as text."));
 }
 
 // What it names may be a keyword that is kept as text itself: no error.
 void inpS_FormVisitor::TellMissing(const inp_Keyword& keyword, const cow_String& parameter,
                                    const eds_Referable& referable, const cow_String& name) {
-  AddWarning(inp_Utils::MessageAtParameter(
-      keyword, parameter,
-      inp_Utils::Format(cow_String(referable.missing).c_str(), name.c_str()) +
-          " The keyword is kept as text."));
+  Tell(keyword, inp_Utils::MessageAtParameter(keyword, parameter,
+                                              m_names.TextOfMissing(referable, name) +
+                                                  " The keyword is kept as text."));
+}
+
+bool inpS_FormVisitor::IsErrorToLack(inp_KeywordEnm) const {
+  return false;
+}
+
+void inpS_FormVisitor::Tell(const inp_Keyword& keyword, wip_Message message) {
+  if (IsErrorToLack(keyword.Kind()))
+    AddError(std::move(message));
+  else
+    AddWarning(std::move(message));
 }
 
 // What the keyword is about must be there: half of it would be a lie. It stays as text, so nothing
@@ -174,9 +202,13 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
       good = false;
       continue;
     }
-    if (parameter.codec != inpS_Codec::Reference) continue;
+    if (parameter.codec != inpS_Codec::Item || form.items[n]->alternatives.size() > 1) continue;
     const eds_Referable& referable = *form.items[n]->alternatives.front().referable;
     if (!m_names.Find(referable, item->Verbatim()).set.IsNull()) continue;
+    if (m_isMeshLeftOut && referable.IsScoped()) {
+      ++m_withoutMesh;
+      return false;
+    }
     const inp_KeywordEnm definer = inpS_FormTable::Instance().DefinerOf(referable);
     if (definer != inp_NullKeyword && Inventory().Names(definer, item->AsString()))
       AddWarning(inp_Utils::MessageAtParameter(
@@ -194,12 +226,23 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
                                       KvoSimDataRecord record) {
   inpS_readParameters(keyword, form.parameters, record, *this);
   for (std::size_t n = 0; n < form.parameters.size(); ++n)
-    if (form.parameters[n].codec == inpS_Codec::Reference)
+    if (form.parameters[n].codec == inpS_Codec::Item)
       if (const inp_Item* item = keyword.Find(form.parameters[n].key))
-        inpS_takeValue(*form.items[n], inpS_FormValue::Of(*item), m_names, record);
+        ReadItem(keyword, form.parameters[n], *form.items[n], *item, record);
   for (const inpS_Form::Selector& selector : form.selectors) keyword.Find(selector.key);
   form.LeaveOddChoices(keyword, *this);
   keyword.Find("input"); // the parser has read that file's lines
+}
+
+// Of a parameter that names something, or has one of several types. What none of them takes is told
+// and kept.
+void inpS_FormVisitor::ReadItem(const inp_Keyword& keyword, const inpS_ParameterBinding& parameter,
+                                const eds_FormItem& item, const inp_Item& value,
+                                KvoSimDataRecord record) {
+  const cow_String fault = inpS_takeValue(item, inpS_FormValue::Of(value), m_names, record);
+  if (!fault.empty() && keyword.LeaveUnread(parameter.key))
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, parameter.key, parameter.name + ": " + fault + " It is kept as it stands."));
 }
 
 // Whether the record holds all that the lines say.
@@ -280,8 +323,9 @@ inpS_FormVisitor::Line inpS_FormVisitor::ReadLine(const inp_Keyword& keyword, lo
     const cow_String text =
         fault + (item.isRequired ? " The line is kept as it stands, and nothing is made of it."
                                  : " It is kept as it stands.");
-    AddWarning(col < keyword.Data().Cols(row) ? inp_Utils::MessageAtField(keyword, row, col, text)
-                                              : inp_Utils::MessageAtRow(keyword, row, text));
+    Tell(keyword, col < keyword.Data().Cols(row)
+                      ? inp_Utils::MessageAtField(keyword, row, col, text)
+                      : inp_Utils::MessageAtRow(keyword, row, text));
   }
   for (int col = cols; col < keyword.Data().Cols(row); ++col) {
     if (!keyword.Data().HasValue(row, col)) continue;

@@ -16,6 +16,11 @@ public:
   inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoObjLabeler& elements,
                    const inpS_Inventory& inventory, inpS_Ledger& ledger);
 
+  void VisitList(inp_KeywordListRef keywords) override;
+  void Report() override;
+  // The mesh could not be stored: that sets and surfaces are not there is told once, not at each
+  // keyword that names them.
+  void SetMeshLeftOut(bool isLeftOut) { m_isMeshLeftOut = isLeftOut; }
   void Visit(const inp_Keyword& keyword) override;
 
 protected:
@@ -29,6 +34,9 @@ protected:
   virtual void TellMissing(const inp_Keyword& keyword, const cow_String& parameter,
                            const eds_Referable& referable, const cow_String& name);
   virtual void TellRequired(const inp_Keyword& keyword, const cow_String& parameter);
+  // Whether a keyword of the kind that lacks something, or names what is not there, is an error.
+  virtual bool IsErrorToLack(inp_KeywordEnm kind) const;
+  void Tell(const inp_Keyword& keyword, wip_Message message); // an error, or a warning
   // Behind all that the row says, within the keyword's transaction.
   virtual void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                          const KvoSimPosition& record);
@@ -38,7 +46,7 @@ protected:
   // Of a table whose columns neither the row nor the keyword can tell; none: they can.
   virtual cow_List<inpS_TableColumns::Column> ColumnsOf(const inp_Keyword& keyword,
                                                         const inpS_Form& form);
-  const inpS_FormNames& Names() const { return m_names; }
+  inpS_FormNames& Names() { return m_names; }
   inpS_Ledger& Ledger() { return m_ledger; }
 
 private:
@@ -53,6 +61,8 @@ private:
   bool IsNameFree(const inp_Keyword& keyword, const KvoSimPosition& owner);
   bool CheckReferences(const inp_Keyword& keyword, const inpS_Form& form);
   void ReadParameters(const inp_Keyword& keyword, const inpS_Form& form, KvoSimDataRecord record);
+  void ReadItem(const inp_Keyword& keyword, const inpS_ParameterBinding& parameter,
+                const eds_FormItem& item, const inp_Item& value, KvoSimDataRecord record);
   // Whether all that the lines say is in the record.
   bool ReadData(const inp_Keyword& keyword, const eds_FormInfo& form, const KvoSimPosition& record);
   bool ReadSurplus(const inp_Keyword& keyword, long long lines);
@@ -65,4 +75,7 @@ private:
   inpS_Phase m_phase;
   inpS_Ledger& m_ledger;
   inpS_FormNames m_names;
+  bool m_isMeshLeftOut = false;
+  int m_withoutMesh = 0; // keywords that name what the mesh would have
+  bool m_isNaming = false; // the walk is for what others refer to by its name
 };

@@ -10,12 +10,16 @@ void inpS_Visitor::Visit(const inp_Keyword& keyword) {
 
 void inpS_Visitor::ReportUnreferredParameters(const inp_KeywordList& keywords,
                                               const cow_List<inp_KeywordEnm>& kinds) {
-  std::array<bool, inp_KeywordEnd> isOurs{};
-  for (const inp_KeywordEnm kind : kinds) isOurs[static_cast<std::size_t>(kind)] = true;
+  std::array<bool, inp_KeywordEnd> ours{};
+  for (const inp_KeywordEnm kind : kinds) ours[static_cast<std::size_t>(kind)] = true;
   for (const inp_Keyword& keyword : keywords) {
     if (keyword.IsInstanceCopy()) continue; // its original in the part has been judged
-    if (keyword.Kind() >= inp_KeywordEnd || !isOurs[static_cast<std::size_t>(keyword.Kind())])
-      continue;
+    const auto isOurs = [&](inp_KeywordEnm kind) {
+      return kind < inp_KeywordEnd && ours[static_cast<std::size_t>(kind)];
+    };
+    if (!isOurs(keyword.Kind())) continue;
+    // Under a keyword of another subject it is that one's to read.
+    if (keyword.IsSuboption() && !isOurs(keyword.ParentKind())) continue;
     for (const inp_Parameter& parameter : keyword.Parameters()) {
       if (parameter.referred || !inp_findReference(parameter.name).empty()) continue;
       AddWarning(inp_Utils::MessageAtParameter(

@@ -88,7 +88,7 @@ void print(utl_Stream& out, const inpS_ParameterBinding& row, const KvoSimDataRe
     if (const cow_String text = record.ReturnString(row.field); !text.empty())
       out << '=' << inpS_quoted(text);
     break;
-  case inpS_Codec::Reference:
+  case inpS_Codec::Item:
     break;
   }
 }
@@ -100,7 +100,7 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
   if (keyword.Parameters().empty()) return true;
   bool good = true;
   for (const inpS_ParameterBinding& row : rows) {
-    if (row.codec == inpS_Codec::Reference) continue;
+    if (row.codec == inpS_Codec::Item) continue;
     const inp_Item* item = keyword.Find(row.key);
     if (!item) continue;
     const cow_String fault = take(row, *item, record);

@@ -10,13 +10,13 @@ class utl_Stream;
 
 // How a parameter's value and the record's field become each other.
 enum class inpS_Codec : unsigned char {
-  Flag,     // a bare name or YES; NO. Bool field
-  Int,      // Int field
-  Real,     // Real field
-  Word,     // one of the words; Symbol field: the word's place among them is the symbol's number
-  Choice,   // one of the words, kept as text; Text field
-  Name,     // any text; empty for a bare name. Text field
-  Reference // a name of what has one: forms read and print it
+  Flag,   // a bare name or YES; NO. Bool field
+  Int,    // Int field
+  Real,   // Real field
+  Word,   // one of the words; Symbol field: the word's place among them is the symbol's number
+  Choice, // one of the words, kept as text; Text field
+  Name,   // any text; empty for a bare name. Text field
+  Item    // a name of what has one, or one of several types: forms read and print it
 };
 
 // One parameter of a keyword and the field that keeps it: read and written back by one row. What is

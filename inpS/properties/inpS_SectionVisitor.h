@@ -1,11 +1,54 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/properties/inpS_SectionData.h"
+#include "inpS/properties/inpS_SectionInventory.h"
+#include <optional>
 
-// The sections phase. What has no form yet is kept as text.
+// The sections phase: what gives the elements of sets their properties becomes records by its
+// forms. What those cannot say: which solid section serves the elements of a set, and what must
+// hold between the values of some.
 class inpS_SectionVisitor : public inpS_FormVisitor {
 public:
   inpS_SectionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                      const inpS_Inventory& inventory, inpS_Ledger& ledger)
-      : inpS_FormVisitor(inpS_Phase::Sections, nodes, elements, inventory, ledger) {}
+                      const inpS_Inventory& inventory, const inpS_SectionInventory& sections,
+                      inpS_Ledger& ledger);
+
+  // The record of that name, as the place at hand sees it; null: there is none.
+  KvoSimPosition GetMaterial(const cow_String& name) const;
+  KvoSimPosition GetOrientation(const cow_String& name) const;
+  // The assignment that was derived of the set, and back.
+  KvoSimPosition GetRegionFromElset(const KvoSimPosition& elset) const;
+  KvoSimPosition GetElsetFromRegion(const KvoSimPosition& region) const;
+  // The sub-option's record of that kind, made on first use.
+  KvoSimPosition FindOrCreateProperty(const KvoSimPosition& section, eds_RecordKind kind);
+
+  // Where the environment asks for shell sections in bulk (TRL_BULK_SHELL_SECTIONS is defined): the
+  // plies of each shell section as columns, beside its records. Nothing otherwise.
+  void WriteBulkShellSectionDistributions();
+
+protected:
+  const inpS_Form* Choose(const inp_Keyword& keyword, const inp_Keyword* parent) override;
+  bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
+  void TellMissing(const inp_Keyword& keyword, const cow_String& parameter,
+                   const eds_Referable& referable, const cow_String& name) override;
+  void TellRequired(const inp_Keyword& keyword, const cow_String& parameter) override;
+  bool IsErrorToLack(inp_KeywordEnm kind) const override;
+  void Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                 const KvoSimPosition& record) override;
+
+private:
+  const inpS_Form* ChooseSolid(const inp_Keyword& keyword);
+  const inpS_SectionData& DataOf(const KvoSimPosition& owner);
+  bool CheckSolid(const inp_Keyword& keyword);
+  bool CheckShellStiffness(const inp_Keyword& keyword);
+  bool CheckPretension(const inp_Keyword& keyword);
+  bool CheckFluid(const inp_Keyword& keyword);
+  void CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section);
+  void CheckStackDirection(const inp_Keyword& keyword);
+  void CheckRebar(const inp_Keyword& keyword, const KvoSimPosition& layer);
+  void MarkDirection(const KvoSimPosition& section);
+
+  const inpS_SectionInventory& m_sections;
+  std::optional<inpS_SectionData> m_data; // of the owner at hand
 };

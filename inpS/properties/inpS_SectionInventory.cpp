@@ -1,0 +1,115 @@
+#include "inpS/properties/inpS_SectionInventory.h"
+#include "base/utl_Assert.h"
+#include "inpS/forms/inpS_Blocks.h"
+#include "inpS/forms/inpS_FormTable.h"
+#include "inpS/properties/inpS_SectionData.h"
+#include "parser/inp_KeywordTable.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+#include <map>
+
+namespace {
+
+// Whether the keyword gives its ELSET a section: those that stand in the block of sections do. Mass
+// that is no structure and pre-tension lie beside it.
+bool isSection(const inp_Keyword& keyword) {
+  if (keyword.IsInstanceCopy() || keyword.IsSuboption()) return false;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step) return false;
+  if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return false;
+  const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
+  return block.member == eds_Member::Sections && keyword.HasParameter("elset");
+}
+
+// The elements that some section has had so far, a bit for each.
+class Marks {
+public:
+  // Whether any of the members was marked before.
+  bool Add(const eds_MemberSet& members, long long offset) {
+    bool met = false;
+    for (long long n = 0; n < members.Size(); ++n) {
+      const auto at = static_cast<std::size_t>(members[n] + offset);
+      if (at >= m_marks.size()) m_marks.resize(std::max(at + 1, 2 * m_marks.size()));
+      met = met || m_marks[at];
+      m_marks[at] = true;
+    }
+    return met;
+  }
+
+private:
+  std::vector<bool> m_marks;
+};
+
+} // namespace
+
+void inpS_SectionInventory::Visit(const inp_Keyword& keyword) {
+  inpS_SetVisitor::Visit(keyword);
+  if (!isSection(keyword)) return;
+  const inp_Item& elset = *keyword.Find("elset");
+  const Found found = FindField(Kind::Elements, elset.Verbatim());
+  const KvoSimPosition holder = Holder();
+  m_sections.push_back({keyword, elset.AsString(), found.set,
+                        holder.IsA(eds_RecordKind::Part) ? holder : Model(), found.offset});
+}
+
+cow_String inpS_SectionInventory::GetSectionName(const cow_String& part, const cow_String& elset) {
+  return "Section-" + (part.empty() ? cow_String() : part + "-") + elset;
+}
+
+const inpS_SectionInventory::Section& inpS_SectionInventory::At(int sectionIndex) const {
+  if (sectionIndex < 0 || sectionIndex >= NumberSections())
+    utl_assertionFailed("\"Invalid sectionIndex. If a new visitor is added to SectionVisitor make "
+                        "sure that the SectionInventory is also updated appropriately.\" == 0");
+  return m_sections[static_cast<std::size_t>(sectionIndex)];
+}
+
+KvoSimPosition inpS_SectionInventory::GetOriginalElementSet(int sectionIndex) const {
+  return At(sectionIndex).set;
+}
+
+eds_MemberSet inpS_SectionInventory::GetCorrectedElset(int sectionIndex) const {
+  return inpS_SectionData::MembersOf(At(sectionIndex).set).AscendingSet();
+}
+
+void inpS_SectionInventory::TellDoubled(inp_Visitor& messages) const {
+  struct Space {
+    Marks marks;
+    cow_List<std::size_t> sections;
+  };
+  constexpr int mostTold = 20;
+  int told = 0;
+  std::map<unsigned long long, Space> spaces;
+  for (std::size_t n = 0; n < m_sections.size(); ++n) {
+    const Section& section = m_sections[n];
+    if (section.set.IsNull()) continue;
+    Space& space = spaces[section.space.Object().Packed()];
+    const eds_MemberSet members = inpS_SectionData::MembersOf(section.set);
+    if (space.marks.Add(members, section.offset) && ++told <= mostTold)
+      Tell(n, space.sections, messages);
+    space.sections.push_back(n);
+  }
+  if (told > mostTold)
+    messages.AddWarning({std::to_string(told - mostTold) +
+                         " more sections name elements that have one already; the later one of "
+                         "each element holds."});
+}
+
+void inpS_SectionInventory::Tell(std::size_t later, const cow_List<std::size_t>& before,
+                                 inp_Visitor& messages) const {
+  const Section& section = m_sections[later];
+  const eds_MemberSet members =
+      Moved(inpS_SectionData::MembersOf(section.set), section.offset).AscendingSet();
+  for (const std::size_t n : before) {
+    const Section& other = m_sections[n];
+    const eds_MemberSet both = members.Intersection(
+        Moved(inpS_SectionData::MembersOf(other.set), other.offset).AscendingSet());
+    if (both.IsEmpty()) continue;
+    wip_Message message = inp_Utils::MessageAtParameter(
+        section.keyword, "elset",
+        std::to_string(both.Size()) + (both.Size() == 1 ? " element" : " elements") + " of \"" +
+            section.elset + "\" " + (both.Size() == 1 ? "has" : "have") +
+            " a section already; this later one holds for " + (both.Size() == 1 ? "it." : "them."));
+    message.notes.push_back({"the first section is here", other.keyword.Place()});
+    messages.AddWarning(std::move(message));
+    return;
+  }
+}

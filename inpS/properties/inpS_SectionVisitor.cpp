@@ -1,0 +1,261 @@
+#include "inpS/properties/inpS_SectionVisitor.h"
+#include "base/utl_Assert.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimTransaction.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
+#include "inpS/properties/inpS_BulkShellSections.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+// The values that stand on lines up to one of them; a name counts as all that its line may hold.
+int valuesOnLines(const inp_DataArray& data, long long lines) {
+  int count = 0;
+  for (long long row = 0; row < std::min(lines, data.Rows()); ++row)
+    for (int col = 0; col < data.Cols(row); ++col) count += data.HasValue(row, col);
+  return count;
+}
+
+} // namespace
+
+inpS_SectionVisitor::inpS_SectionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                                         const inpS_Inventory& inventory,
+                                         const inpS_SectionInventory& sections, inpS_Ledger& ledger)
+    : inpS_FormVisitor(inpS_Phase::Sections, nodes, elements, inventory, ledger),
+      m_sections(sections) {
+  Names().SetTextOfMissing("material", "Material %s not found.");
+}
+
+KvoSimPosition inpS_SectionVisitor::GetMaterial(const cow_String& name) const {
+  return Model().FollowStringKey(eds_Member::Materials, name);
+}
+
+KvoSimPosition inpS_SectionVisitor::GetOrientation(const cow_String& name) const {
+  const KvoSimPosition holder = Holder();
+  const KvoSimPosition own =
+      holder.IsNull() ? holder : holder.FollowStringKey(eds_Member::NamedOrientations, name);
+  return own.IsNull() ? Model().FollowStringKey(eds_Member::NamedOrientations, name) : own;
+}
+
+KvoSimPosition inpS_SectionVisitor::GetRegionFromElset(const KvoSimPosition& elset) const {
+  for (const KvoSimPosition& region :
+       Inventory().GetDocument().Context().GetRecords(eds_RecordKind::SectionAssignment))
+    if (region.DataRecord().GetReference(eds_SectionAssignment_ElementSet) == elset) return region;
+  return {};
+}
+
+KvoSimPosition inpS_SectionVisitor::GetElsetFromRegion(const KvoSimPosition& region) const {
+  const KvoSimPosition elsetPos =
+      region.DataRecord().GetReference(eds_SectionAssignment_ElementSet);
+  if (elsetPos.IsNull())
+    utl_assertionFailed("!elsetPos.IsNull() && \"No elset associated with the region\"");
+  return elsetPos;
+}
+
+KvoSimPosition inpS_SectionVisitor::FindOrCreateProperty(const KvoSimPosition& section,
+                                                         eds_RecordKind kind) {
+  if (section.IsNull()) utl_assertionFailed("!section.IsNull()");
+  for (const KvoSimPosition& present : section.GetVector(eds_Member::Suboptions))
+    if (present.IsA(kind)) return present;
+  const KvoSimPosition made = section.CreateDataRecord(kind);
+  section.Associate(eds_Member::Suboptions, made);
+  return made;
+}
+
+void inpS_SectionVisitor::WriteBulkShellSectionDistributions() {
+  if (std::getenv("TRL_BULK_SHELL_SECTIONS") != nullptr)
+    inpS_writeBulkShellSections(Inventory().GetDocument());
+}
+
+// ---- which section
+
+const inpS_Form* inpS_SectionVisitor::Choose(const inp_Keyword& keyword,
+                                             const inp_Keyword* parent) {
+  const bool isPlain = keyword.Kind() == inp_KwSolidSection && !keyword.HasParameter("composite");
+  return isPlain ? ChooseSolid(keyword) : inpS_FormVisitor::Choose(keyword, parent);
+}
+
+// By the elements of the set: trusses, plane elements, solids, or what is not known.
+const inpS_Form* inpS_SectionVisitor::ChooseSolid(const inp_Keyword& keyword) {
+  const inpS_FormTable& forms = inpS_FormTable::Instance();
+  const inp_Item* elset = keyword.Find("elset");
+  const Found found = elset ? FindField(Kind::Elements, elset->Verbatim()) : Found();
+  const eds_MemberSet members = inpS_SectionData::MembersOf(found.set);
+  if (members.IsEmpty()) return forms.Find(eds_RecordKind::SolidSection);
+  const KvoSimPosition owner = found.set.DataRecord().GetReference(eds_ElementSet_Owner);
+  const auto specs =
+      DataOf(owner.IsA(eds_RecordKind::Part) ? owner : Model()).FindElementSpecs(members);
+  if (specs.empty()) Error(keyword, "No element type assignment for elset: " + elset->AsString());
+  const unsigned dimensions = inpS_SectionData::SectionDimensions(specs);
+  const auto only = [&](inp_SectionDimension one) {
+    return dimensions == 1u << static_cast<unsigned>(one);
+  };
+  if (only(inp_SectionDimension::Truss)) return forms.Find(eds_RecordKind::TrussSection);
+  if (only(inp_SectionDimension::Solid2D)) return forms.Find(eds_RecordKind::SolidSection2D);
+  if ((dimensions & (dimensions - 1)) != 0)
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, "elset",
+        "The elset: " + elset->AsString() +
+            " contains element specs of different dimensionality (3D, 2D, Axisym, Truss) and is "
+            "used in the same section assignment."));
+  return forms.Find(eds_RecordKind::SolidSection);
+}
+
+const inpS_SectionData& inpS_SectionVisitor::DataOf(const KvoSimPosition& owner) {
+  if (!m_data || !(m_data->Owner() == owner)) m_data.emplace(Inventory().GetDocument(), owner);
+  return *m_data;
+}
+
+// ---- what must hold
+
+bool inpS_SectionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
+  switch (form.kind) {
+  case eds_RecordKind::SolidSectionComposite:
+    CheckStackDirection(keyword);
+    return CheckSolid(keyword);
+  case eds_RecordKind::ShellGeneralSectionStiffness:
+    return CheckShellStiffness(keyword);
+  case eds_RecordKind::PretensionSection:
+    return CheckPretension(keyword);
+  case eds_RecordKind::FluidSection:
+    return CheckFluid(keyword);
+  case eds_RecordKind::SpringLinear:
+  case eds_RecordKind::SpringNonlinear:
+  case eds_RecordKind::DashpotLinear:
+  case eds_RecordKind::DashpotNonlinear: // under a joint they are about its elements
+    if (keyword.IsSuboption() || keyword.HasParameter("elset")) return true;
+    TellRequired(keyword, "ELSET");
+    return false;
+  default:
+    return true;
+  }
+}
+
+bool inpS_SectionVisitor::CheckSolid(const inp_Keyword& keyword) {
+  if (!keyword.HasParameter("material")) return true;
+  AddError(inp_Utils::MessageAtParameter(
+      keyword, "material",
+      "MATERIAL and COMPOSITE parameters are mutually exclusive. The keyword is kept as text."));
+  return false;
+}
+
+void inpS_SectionVisitor::CheckStackDirection(const inp_Keyword& keyword) {
+  const inp_Item* direction = keyword.Find("stackdirection");
+  if (!direction || !direction->IsInteger()) return;
+  if (direction->AsInt() >= 1 && direction->AsInt() <= 3) return;
+  AddError(inp_Utils::MessageAtParameter(
+      keyword, "stackdirection",
+      inp_Utils::Format("Stack direction %i not found.", static_cast<int>(direction->AsInt()))));
+}
+
+// The stiffness may be given by a distribution, whose name stands alone.
+bool inpS_SectionVisitor::CheckShellStiffness(const inp_Keyword& keyword) {
+  constexpr int stiffnessLines = 3; // eight values on each of the first two
+  const inp_DataArray& data = keyword.Data();
+  const bool isNamed =
+      data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
+  if (isNamed || valuesOnLines(data, stiffnessLines) >= 21) return true;
+  Error(keyword, "Shell stiffness matrix requires 21 elements. The keyword is kept as text.");
+  return false;
+}
+
+bool inpS_SectionVisitor::CheckPretension(const inp_Keyword& keyword) {
+  const bool hasElement = keyword.HasParameter("element");
+  if (hasElement != keyword.HasParameter("surface")) return true;
+  Error(keyword, hasElement ? "A pre-tension section is one of an element or of a surface, not of "
+                              "both. The keyword is kept as text."
+                            : "A pre-tension section needs an element or a surface. The keyword is "
+                              "kept as text.");
+  return false;
+}
+
+bool inpS_SectionVisitor::CheckFluid(const inp_Keyword& keyword) {
+  if (keyword.StringOf("type", "") != "POROUSMEDIA") return true;
+  if (valuesOnLines(keyword.Data(), 1) >= 2) return true;
+  Error(keyword, "Two materials must be specified for the porous media flow fluid section "
+                 "definition. The keyword is kept as text.");
+  return false;
+}
+
+bool inpS_SectionVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
+  return kind == inp_KwSolidSection || kind == inp_KwCohesiveSection ||
+         kind == inp_KwPreTensionSection || kind == inp_KwNonStructuralMass;
+}
+
+void inpS_SectionVisitor::TellRequired(const inp_Keyword& keyword, const cow_String& parameter) {
+  const bool lacksAll = keyword.Kind() == inp_KwSolidSection && parameter == "MATERIAL" &&
+                        !keyword.HasParameter("orientation");
+  cow_String name = parameter;
+  for (std::size_t n = 1; n < name.size(); ++n)
+    name[n] = static_cast<char>(name[n] >= 'A' && name[n] <= 'Z' ? name[n] - 'A' + 'a' : name[n]);
+  const cow_String text =
+      lacksAll ? "At least one of the MATERIAL and ORIENTATION parameters must be provided."
+               : name + " is a required parameter.";
+  Tell(keyword, inp_Utils::MessageInKeyword(keyword, text + " The keyword is kept as text."));
+}
+
+void inpS_SectionVisitor::TellMissing(const inp_Keyword& keyword, const cow_String& parameter,
+                                      const eds_Referable& referable, const cow_String& name) {
+  if (referable.kind != eds_RecordKind::ElementSet)
+    return inpS_FormVisitor::TellMissing(keyword, parameter, referable, name);
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, parameter,
+      "Element set " + name +
+          " is not defined. This section definition will not be used in the analysis. The keyword "
+          "is kept as text."));
+}
+
+// ---- behind what a row says
+
+void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                                    const KvoSimPosition& record) {
+  switch (form.kind) {
+  case eds_RecordKind::SolidSectionComposite:
+    return CheckPlies(keyword, record);
+  case eds_RecordKind::RebarLayer:
+  case eds_RecordKind::RebarLayerAngular:
+  case eds_RecordKind::RebarLayerLiftEquation:
+    return CheckRebar(keyword, record);
+  case eds_RecordKind::BeamSectionArbitrary:
+  case eds_RecordKind::BeamGeneralSectionArbitrary:
+    return MarkDirection(record);
+  default:
+    return;
+  }
+}
+
+void inpS_SectionVisitor::CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section) {
+  static const int points = eds_formField(eds_RecordKind::SectionPly, "points");
+  for (const KvoSimPosition& ply : section.GetVector(eds_Member::Lines)) {
+    const KvoSimDataRecord record = ply.DataRecord();
+    if (record.IsMemberNull(points) || record.GetInt64(points) > 0) continue;
+    return Error(keyword, "The number of integration points must be a positive integer.");
+  }
+}
+
+// A bar lies along one of the two directions of the shell's surface.
+void inpS_SectionVisitor::CheckRebar(const inp_Keyword& keyword, const KvoSimPosition& layer) {
+  for (const KvoSimPosition& line : layer.GetVector(eds_Member::Lines)) {
+    KvoSimDataRecord record = line.DataRecord();
+    const int direction = eds_formField(line.Object().RecordKind(), "direction");
+    if (record.IsMemberNull(direction)) continue;
+    const long long value = record.GetInt64(direction);
+    if (value == 1 || value == 2) continue;
+    Warning(keyword, "Invalid isoparametric direction value.. Default value of 1 will be used.");
+    record.SetInt(direction, 1);
+  }
+}
+
+// Behind the points of an arbitrary profile, one for each segment but the first, stands the
+// direction of the first axis.
+void inpS_SectionVisitor::MarkDirection(const KvoSimPosition& section) {
+  static const int flag = eds_formField(eds_RecordKind::ArbitrarySegment, "is_direction");
+  const int segments = eds_formField(section.Object().RecordKind(), "segments");
+  const auto lines = section.GetVector(eds_Member::Lines);
+  const auto points = section.DataRecord().GetInt64(segments) - 1;
+  if (points >= 0 && static_cast<long long>(lines.size()) == points + 1)
+    lines.back().DataRecord().SetBool(flag, true);
+}
