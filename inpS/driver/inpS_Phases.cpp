@@ -346,15 +346,14 @@ bool Driver::ProcessOrientations(Labelers& labelers) {
 bool Driver::ProcessSections(Labelers& labelers) {
   inpS_SectionInventory sections(*labelers.nodes, *labelers.elements, m_inventory);
   sections.VisitList(m_keywords);
-  sections.TellDoubled(sections);
-  sections.Report();
-  if (sections.IsError()) return false;
   inpS_NodalThicknessVisitor thickness(*labelers.nodes, *labelers.elements, m_inventory);
   thickness.VisitListAndReport(m_keywords);
   thickness.Save();
   inpS_SectionVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, sections, m_ledger);
   visitor.SetMeshLeftOut(m_meshLeftOut);
   visitor.VisitListAndReport(m_keywords);
+  sections.TellDoubled(m_ledger, sections);
+  sections.Report();
   if (sections.NumberSections() > 0) inpS_deriveSectionAssignments(m_document);
   visitor.WriteBulkShellSectionDistributions();
   return !visitor.IsError();

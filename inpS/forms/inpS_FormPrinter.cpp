@@ -55,7 +55,11 @@ void printFirstLines(utl_Stream& out, const inpS_Form& form, const KvoSimDataRec
                      bool hasMore) {
   const auto& lines = form.info->lines;
   std::size_t count = lines.size();
-  while (!hasMore && count > 0 && widthOf(lines[count - 1], record) == 0) --count;
+  const auto isBlank = [&](const cow_List<eds_FormItem>& line) {
+    return std::ranges::none_of(
+        line, [&](const eds_FormItem& item) { return inpS_hasValue(item, record); });
+  };
+  while (!hasMore && count > 0 && isBlank(lines[count - 1])) --count;
   for (std::size_t n = 0; n < count; ++n) printLine(out, lines[n], record, true);
 }
 

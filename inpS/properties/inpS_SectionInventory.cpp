@@ -70,7 +70,7 @@ eds_MemberSet inpS_SectionInventory::GetCorrectedElset(int sectionIndex) const {
   return inpS_SectionData::MembersOf(At(sectionIndex).set).AscendingSet();
 }
 
-void inpS_SectionInventory::TellDoubled(inp_Visitor& messages) const {
+void inpS_SectionInventory::TellDoubled(const inpS_Ledger& ledger, inp_Visitor& messages) const {
   struct Space {
     Marks marks;
     cow_List<std::size_t> sections;
@@ -80,7 +80,7 @@ void inpS_SectionInventory::TellDoubled(inp_Visitor& messages) const {
   std::map<unsigned long long, Space> spaces;
   for (std::size_t n = 0; n < m_sections.size(); ++n) {
     const Section& section = m_sections[n];
-    if (section.set.IsNull()) continue;
+    if (section.set.IsNull() || !ledger.RecordOf(section.keyword)) continue;
     Space& space = spaces[section.space.Object().Packed()];
     const eds_MemberSet members = inpS_SectionData::MembersOf(section.set);
     if (space.marks.Add(members, section.offset) && ++told <= mostTold)

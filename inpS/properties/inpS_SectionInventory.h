@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/eds_MemberSet.h"
+#include "inpS/framework/inpS_Ledger.h"
 #include "inpS/sets/inpS_SetVisitor.h"
 
 // What the sections phase must know of all sections beforehand: which keyword gives which elements
@@ -20,8 +21,9 @@ public:
   // Its elements, ascending: ordinals of the owner of the set.
   eds_MemberSet GetCorrectedElset(int sectionIndex) const;
 
-  // Elements that two sections name: told at the later one, which holds.
-  void TellDoubled(inp_Visitor& messages) const;
+  // Elements that two sections name, of those that have been converted: told at the later one,
+  // which holds.
+  void TellDoubled(const inpS_Ledger& ledger, inp_Visitor& messages) const;
 
 private:
   struct Section {

@@ -94,7 +94,7 @@ const inpS_Form* inpS_SectionVisitor::ChooseSolid(const inp_Keyword& keyword) {
     return dimensions == 1u << static_cast<unsigned>(one);
   };
   if (only(inp_SectionDimension::Truss)) return forms.Find(eds_RecordKind::TrussSection);
-  if (only(inp_SectionDimension::Solid2D)) return forms.Find(eds_RecordKind::SolidSection2D);
+  if (only(inp_SectionDimension::Solid2D)) return forms.Find(eds_RecordKind::SolidSectionPlane);
   if ((dimensions & (dimensions - 1)) != 0)
     AddError(inp_Utils::MessageAtParameter(
         keyword, "elset",
@@ -119,6 +119,7 @@ bool inpS_SectionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form
   case eds_RecordKind::ShellGeneralSectionStiffness:
     return CheckShellStiffness(keyword);
   case eds_RecordKind::PretensionSection:
+  case eds_RecordKind::PretensionSectionElement:
     return CheckPretension(keyword);
   case eds_RecordKind::FluidSection:
     return CheckFluid(keyword);

@@ -58,13 +58,11 @@ const std::set<cow_String> elsewhere = {
     "Region", "Field", "MeshedField", "ShellSection", "ShellPly", "BulkShellLayers", "DSet",
     "Link.IntKey",
     // large ones alone (tests/materials, tests/driver)
-    "PropertyTable.Values", "CSet.Array",
+    "PropertyTable.Values", "CSet.Array", "SectionAssignment.Scattered",
     // the program that converts gives it
     "Model.ModelString",
     // of instances of another model, which stay errors
     "Instance.Library", "Instance.SourceInstance",
-    // derived of sections, which nobody does yet
-    "SectionAssignment", "ElementRange",
     // nobody writes them: they go with the next change of the format
     "SystemDefinition", "Model.Name", "Mesh.NodeCount", "Mesh.ElementCount",
     "MeshDefaults.SolidElementNumbering", "ElementSpec.Coordinates", "ElementSpec.Properties",
