@@ -370,7 +370,7 @@ bool Driver::ProcessConstraints(Labelers& labelers) {
 // ---- history
 
 bool Driver::ProcessSteps(Labelers& labelers) {
-  return Run<inpS_TimePointsVisitor>(labelers) && Run<inpS_StepVisitor>(labelers);
+  return RunForms<inpS_TimePointsVisitor>(labelers) && RunForms<inpS_StepVisitor>(labelers);
 }
 
 bool Driver::ProcessInteractions(Labelers& labelers) {

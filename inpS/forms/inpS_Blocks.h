@@ -12,6 +12,8 @@ enum class inpS_Phase : unsigned char {
   Orientations,
   Constraints,
   Sections,
+  Steps,
+  TimePoints,
   InitialConditions
 };
 

@@ -99,13 +99,18 @@ void printLines(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& po
 
 } // namespace
 
-void inpS_printForm(utl_Stream& out, const KvoSimPosition& position,
-                    const inpS_FormPrinting& printing) {
+void inpS_printFormLines(utl_Stream& out, const KvoSimPosition& position,
+                         const inpS_FormPrinting& printing) {
   const inpS_Form* form = inpS_FormTable::Instance().Find(position.Object().RecordKind());
   if (!form) return; // of a newer version's kind: nothing is known of it
   printKeyword(out, *form, position.DataRecord(), printing.parts.FirstOf(position),
                form->HasTable() ? position.GetFTable() : KvoSrvFsmFTable());
   printLines(out, *form, position, printing);
+}
+
+void inpS_printForm(utl_Stream& out, const KvoSimPosition& position,
+                    const inpS_FormPrinting& printing) {
+  inpS_printFormLines(out, position, printing);
   const auto suboptions = position.GetVector(eds_Member::Suboptions);
   printing.texts(position, position);
   for (const KvoSimPosition& suboption : suboptions) {

@@ -17,6 +17,9 @@ struct inpS_FormPrinting {
   std::function<void(const KvoSimPosition& within, const KvoSimPosition& behind)> texts;
 };
 
+// The keyword alone, with its lines.
+void inpS_printFormLines(utl_Stream& out, const KvoSimPosition& record,
+                         const inpS_FormPrinting& printing);
 // A record of a form as the keyword that it was read from, or could be, with its sub-options.
 // Nothing for what is no form's.
 void inpS_printForm(utl_Stream& out, const KvoSimPosition& record,

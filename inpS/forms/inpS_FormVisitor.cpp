@@ -35,6 +35,7 @@ void inpS_FormVisitor::Report() {
 void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
   for (const bool isNaming : {true, false}) {
     m_isNaming = isNaming;
+    m_step = {};
     inpS_SetVisitor::VisitList(keywords);
   }
 }
@@ -45,10 +46,42 @@ void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   inpS_SetVisitor::Visit(keyword);
   if (keyword.IsInstanceCopy() || !inpS_FormTable::Instance().Knows(keyword.Kind())) return;
   const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
-  if (block.phase != m_phase || keyword.IsSuboption()) return;
+  if (keyword.IsSuboption()) return;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step || keyword.Kind() == inp_KwStep)
+    return VisitWithinStep(keyword);
+  if (block.phase != m_phase) return;
   if ((inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr) != m_isNaming) return;
-  if (keyword.Scope().kind != inp_Scope::Kind::Step)
-    Convert(keyword, Holder(), block.member, nullptr);
+  Convert(keyword, Holder(), block.member, nullptr);
+}
+
+// A step holds its keywords by their place in it, whatever the phase that converts them.
+void inpS_FormVisitor::VisitWithinStep(const inp_Keyword& keyword) {
+  if (keyword.Kind() == inp_KwStep) {
+    if (IsOfPhase(keyword) && !m_isNaming)
+      m_step = Convert(keyword, Model(), eds_Member::Steps, nullptr);
+    else if (const KvoSimPosition* step = m_ledger.RecordOf(keyword))
+      m_step = *step;
+    else
+      m_step = {};
+    m_stepPlace = 0;
+    return;
+  }
+  ++m_stepPlace;
+  if (m_step.IsNull() || !IsOfPhase(keyword)) return;
+  if ((inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr) == m_isNaming)
+    Convert(keyword, m_step, eds_Member::StepKeywords, nullptr);
+}
+
+bool inpS_FormVisitor::IsOfPhase(const inp_Keyword&) const {
+  return false;
+}
+
+void inpS_FormVisitor::Hold(const KvoSimPosition& owner, eds_Member member,
+                            const KvoSimPosition& record) const {
+  if (member == eds_Member::StepKeywords)
+    owner.Associate(member, m_stepPlace, record);
+  else
+    owner.Associate(member, record);
 }
 
 const inpS_Form* inpS_FormVisitor::Choose(const inp_Keyword& keyword, const inp_Keyword* parent) {
@@ -86,9 +119,9 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
   }
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
   const KvoSimPosition record = owner.CreateDataRecord(form->info->kind);
-  owner.Associate(member, record);
+  Hold(owner, member, record);
   if (const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind()); named)
-    owner.AssociateStringKey(named->member, keyword.StringOf("name", ""), record);
+    NamesIn(owner).AssociateStringKey(named->member, keyword.StringOf("name", ""), record);
   ReadParameters(keyword, *form, record.DataRecord());
   bool whole = ReadData(keyword, *form->info, record);
   if (form->HasTable()) {
@@ -135,7 +168,7 @@ bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
       inpS_readWords(keyword, form.info->words, *this).empty())
     return false;
   if (form.info->repeat == eds_FormRepeat::Many) return true;
-  for (const KvoSimPosition& present : owner.GetVector(member)) {
+  for (const KvoSimPosition& present : owner.FollowMap(member)) {
     const inpS_Form* other = inpS_FormTable::Instance().Find(present.Object().RecordKind());
     const bool same = form.info->repeat == eds_FormRepeat::Beside || !other
                           ? present.IsA(form.info->kind)
@@ -148,6 +181,11 @@ bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
   return true;
 }
 
+// What has its name within a step has it in the whole model.
+KvoSimPosition inpS_FormVisitor::NamesIn(const KvoSimPosition& owner) const {
+  return owner == m_step ? Model() : owner;
+}
+
 // Of what others refer to by its name: the first definition holds.
 bool inpS_FormVisitor::IsNameFree(const inp_Keyword& keyword, const KvoSimPosition& owner) {
   const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind());
@@ -157,7 +195,7 @@ bool inpS_FormVisitor::IsNameFree(const inp_Keyword& keyword, const KvoSimPositi
     TellRequired(keyword, "NAME");
     return false;
   }
-  if (owner.FollowStringKey(named->member, name->AsString()).IsNull()) return true;
+  if (NamesIn(owner).FollowStringKey(named->member, name->AsString()).IsNull()) return true;
   Warning(keyword, "*" + keyword.Name() + " \"" + name->AsString() +
                        "\" is defined a second time; the first one holds, this one is kept as "
                        "text.");

@@ -26,6 +26,8 @@ public:
 protected:
   // The form of the keyword; null: none, and it is kept as text. parent: what it is a sub-option
   // of, or null.
+  // Whether this phase converts the keyword where it stands within a step.
+  virtual bool IsOfPhase(const inp_Keyword& keyword) const;
   virtual const inpS_Form* Choose(const inp_Keyword& keyword, const inp_Keyword* parent);
   // Whether the keyword can be made a record, beside what every form asks for; what stands against
   // it is told.
@@ -49,7 +51,12 @@ protected:
   inpS_FormNames& Names() { return m_names; }
   inpS_Ledger& Ledger() { return m_ledger; }
 
+  // The record of the step that is open; null: none is, or it is kept as text.
+  const KvoSimPosition& OpenStep() const { return m_step; }
+
 private:
+  void VisitWithinStep(const inp_Keyword& keyword);
+  void Hold(const KvoSimPosition& owner, eds_Member member, const KvoSimPosition& record) const;
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner, eds_Member member,
                          const inp_Keyword* parent);
   void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
@@ -58,6 +65,7 @@ private:
   // Whether the keyword can be this form's record; what stands against it is told.
   bool MayBe(const inp_Keyword& keyword, const inpS_Form& form, const KvoSimPosition& owner,
              eds_Member member);
+  KvoSimPosition NamesIn(const KvoSimPosition& owner) const;
   bool IsNameFree(const inp_Keyword& keyword, const KvoSimPosition& owner);
   bool CheckReferences(const inp_Keyword& keyword, const inpS_Form& form);
   void ReadParameters(const inp_Keyword& keyword, const inpS_Form& form, KvoSimDataRecord record);
@@ -75,7 +83,9 @@ private:
   inpS_Phase m_phase;
   inpS_Ledger& m_ledger;
   inpS_FormNames m_names;
+  KvoSimPosition m_step;
+  long long m_stepPlace = 0; // of the keyword at hand within its step
   bool m_isMeshLeftOut = false;
-  int m_withoutMesh = 0; // keywords that name what the mesh would have
+  int m_withoutMesh = 0;   // keywords that name what the mesh would have
   bool m_isNaming = false; // the walk is for what others refer to by its name
 };

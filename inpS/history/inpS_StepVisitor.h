@@ -1,9 +1,38 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
+#include <unordered_map>
 
-// The steps phase. It converts no keyword yet: they are kept as text.
-class inpS_StepVisitor : public inpS_SetVisitor {
+// The steps phase: each step becomes a record that holds its procedure and the keywords that go
+// with it by their place in the deck. What its keywords are that nothing converts stays within the
+// step as text. A step whose procedure cannot be modelled is kept as text as a whole, never a half
+// of it.
+class inpS_StepVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_StepVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory,
+                   inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::Steps, nodes, elements, inventory, ledger) {}
+
+  void VisitList(inp_KeywordListRef keywords) override;
+  void VisitEndStep(const inp_Keyword& keyword) override;
+
+protected:
+  bool IsOfPhase(const inp_Keyword& keyword) const override;
+  void Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                 const KvoSimPosition& record) override;
+
+private:
+  // What the walk must know of a step before it meets its keywords.
+  struct Facts {
+    inp_KeywordEnm procedure = inp_NullKeyword; // the first; null: it has none
+    bool isExplicit = false;
+    bool isRefused = false; // a procedure of it cannot be modelled
+    inp_Keyword culprit{};
+  };
+  void Look(inp_KeywordListRef keywords);
+  void CheckStatic(const inp_Keyword& keyword);
+  void CheckExtrapolation(const inp_Keyword& keyword);
+
+  std::unordered_map<const inp_KeywordBody*, Facts> m_facts; // by *STEP
+  const Facts* m_open = nullptr;                             // of the step that is open
 };

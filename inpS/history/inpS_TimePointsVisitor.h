@@ -1,9 +1,11 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
 
-// Lists of time points, read before the steps. It converts no keyword yet: they are kept as text.
-class inpS_TimePointsVisitor : public inpS_SetVisitor {
+// Lists of time points, read before the steps, and the model of cyclic symmetry beside them.
+class inpS_TimePointsVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_TimePointsVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                         const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::TimePoints, nodes, elements, inventory, ledger) {}
 };

@@ -115,6 +115,10 @@ const inpS_TextPlace* inpS_VerbatimVisitor::AsText(const inp_Keyword& keyword) c
 
 void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.Kind() == inp_NullKeyword || keyword.IsInstanceCopy()) return;
+  if (keyword.Kind() == inp_KwStep) {
+    const KvoSimPosition* step = m_ledger ? m_ledger->RecordOf(keyword) : nullptr;
+    m_step = step ? *step : KvoSimPosition();
+  }
   if (keyword.ScopePtr().get() != m_scope || m_place.owner.IsNull()) {
     m_scopeHeld = keyword.ScopePtr();
     m_scope = m_scopeHeld.get();
@@ -288,6 +292,7 @@ inpS_VerbatimVisitor::Place inpS_VerbatimVisitor::PlaceOf(const inp_Scope& scope
   case inp_Scope::Kind::Model:
     break;
   case inp_Scope::Kind::Step:
+    owner = m_step;
     level = "LEVEL_STEP";
     break;
   case inp_Scope::Kind::Part:

@@ -57,6 +57,7 @@ private:
   cow_List<bool> m_modelled;
   const inpS_Ledger* m_ledger = nullptr;
   bool m_isRestart = false;
+  KvoSimPosition m_step; // that is open; null: none, or one that is kept as text
   std::optional<inpS_RestartDefinitions> m_definitions; // of a restart
   const inp_Scope* m_scope = nullptr;                   // of the keyword before
   inp_ScopePtr m_scopeHeld;

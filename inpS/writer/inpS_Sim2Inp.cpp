@@ -52,6 +52,7 @@ struct inpS_Sim2Inp::Impl {
   void PrintScope(const inpS_DeckScope& scope, int from, int to);
   void PrintWithin(const inpS_DeckScope& scope);
   void PrintKept(const inpS_DeckScope& scope, const inpS_Block& block);
+  void PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing);
   void PrintParts();
   void PrintAssembly();
   void PrintInstance(const KvoSimPosition& instance);
@@ -280,11 +281,32 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
           PrintKeptOf(within, behind);
         }};
     for (const KvoSimPosition& record : scope.owner.GetVector(block.member)) {
-      inpS_printForm(*out, record, printing);
+      if (record.IsA(eds_RecordKind::Step))
+        PrintStep(record, printing);
+      else
+        inpS_printForm(*out, record, printing);
       printTexts(&record);
     }
   }
   printTexts(nullptr);
+}
+
+// Its keywords in the order of the deck, whatever phase made them.
+void Impl::PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing) {
+  inpS_printFormLines(*out, step, printing);
+  printing.texts(step, step);
+  const auto places = step.GetIntKeys(eds_Member::StepKeywords);
+  const auto records = step.FollowMap(eds_Member::StepKeywords);
+  std::vector<std::size_t> order(places.size());
+  for (std::size_t n = 0; n < order.size(); ++n) order[n] = n;
+  std::ranges::stable_sort(order, {}, [&](std::size_t n) { return places[n]; });
+  for (const std::size_t n : order) {
+    inpS_printForm(*out, records[n], printing);
+    printing.texts(step, records[n]);
+  }
+  printing.texts(step, {});
+  *out << "*END STEP";
+  PrintUnused(step, inpS_closingRow);
 }
 
 // What is kept with an object that is no scope of the deck: what stands behind one of its own, or
