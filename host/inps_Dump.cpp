@@ -38,7 +38,7 @@ private:
     for (std::size_t field = 0; field < kind.fields.size(); ++field) {
       const eds_FieldInfo& info = kind.fields[field];
       const eds_FieldValue value = m_model.Value(kind.kind, id, static_cast<int>(field));
-      if (inps_isUnset(value) || inps_isProvenance(kind.kind, field)) continue;
+      if (inps_isUnset(value)) continue;
       if (info.type == eds_FieldType::Bytes && kind.kind == eds_RecordKind::PropertyTable)
         PrintRows(std::get<std::string_view>(value), id);
       else if (info.type == eds_FieldType::Bytes)

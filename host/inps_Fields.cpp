@@ -48,12 +48,6 @@ bool inps_isUnset(const eds_FieldValue& value) {
   return std::holds_alternative<std::monostate>(value);
 }
 
-bool inps_isProvenance(eds_RecordKind kind, std::size_t field) {
-  if (kind != eds_RecordKind::VerbatimKeyword) return false;
-  const auto number = static_cast<int>(field);
-  return number == eds_VerbatimKeyword_File || number == eds_VerbatimKeyword_Line;
-}
-
 cow_String inps_quoted(std::string_view text) {
   static constexpr char hex[] = "0123456789abcdef";
   cow_String out = "\"";

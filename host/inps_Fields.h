@@ -12,8 +12,6 @@ eds_ObjectID inps_refOf(const eds_ModelReader& model, eds_FieldID field, int64_t
 // The field set to its default counts as one never set.
 bool inps_isDefault(const eds_FieldInfo& field, const eds_FieldValue& value);
 bool inps_isUnset(const eds_FieldValue& value); // or set to nothing
-// Where a record came from rather than what the model is.
-bool inps_isProvenance(eds_RecordKind kind, std::size_t field);
 // A value on one line, texts in quotes. References are described; arrays and component sets are
 // only named.
 cow_String inps_valueText(const eds_ModelReader& model, const eds_FieldInfo& field,

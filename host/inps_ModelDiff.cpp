@@ -154,7 +154,6 @@ private:
   void CompareRecord(const eds_RecordInfo& kind, int64_t a, int64_t b) {
     m_record = m_a.Model().Describe({kind.kind, a});
     for (std::size_t i = 0; i < kind.fields.size(); ++i) {
-      if (inps_isProvenance(kind.kind, i)) continue;
       const int field = static_cast<int>(i);
       CompareField(kind.fields[i], m_a.Model().Value(kind.kind, a, field),
                    m_b.Model().Value(kind.kind, b, field));
