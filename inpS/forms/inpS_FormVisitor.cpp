@@ -49,7 +49,9 @@ void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.IsSuboption()) return;
   if (keyword.Scope().kind == inp_Scope::Kind::Step || keyword.Kind() == inp_KwStep)
     return VisitWithinStep(keyword);
-  if (block.phase != m_phase) return;
+  // What stands where it may not is told of elsewhere, and stays text.
+  const bool isStray = inp_KeywordTable::Instance().Row(keyword.Kind())->levels == inp_LevelsSub;
+  if (block.phase != m_phase || isStray || block.member == eds_Member::Steps) return;
   if ((inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr) != m_isNaming) return;
   Convert(keyword, Holder(), block.member, nullptr);
 }

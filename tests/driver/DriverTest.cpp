@@ -83,16 +83,18 @@ TEST_F(Driver, RunsItsPhasesInOrderBetweenMarks) {
 
 TEST_F(Driver, GoesOnBehindAFailedPhase) {
   const KvoObjDocument document = KvoObjDocument::InMemory();
-  EXPECT_FALSE(Prepare("*PART, NAME=P\n*END PART\n*PART, NAME=P\n*END PART\n*ASSEMBLY, NAME=A\n"
-                       "*INSTANCE, NAME=I, PART=Q\n*END INSTANCE\n*NODE\n7, 1., 2., 3.\n"
-                       "*END ASSEMBLY\n*MATERIAL, NAME=M\n*STEP\n*STATIC\n*END STEP\n")
-                   .Convert(document));
+  EXPECT_FALSE(
+      Prepare(
+          "*PART, NAME=P\n*END PART\n*PART, NAME=P\n*END PART\n*ASSEMBLY, NAME=A\n"
+          "*INSTANCE, NAME=I, PART=Q\n*END INSTANCE\n*NODE\n7, 1., 2., 3.\n"
+          "*END ASSEMBLY\n*MATERIAL, NAME=M\n*STEP\n*STATIC\n*CONTACT PRINT\n*END STEP\n*IMPORT\n")
+          .Convert(document));
   EXPECT_EQ(m_recorder.errors,
             (cow_List<cow_String>{"Part with the name \"P\" has already been defined in the model.",
                                   "Part \"Q\" is not defined; the instance is left out."}));
   ASSERT_EQ(document.GetMesh().NodeBlocks().size(), 1u); // the mesh was converted all the same
   EXPECT_EQ(document.GetMesh().NodeBlocks()[0].count, 1);
-  EXPECT_EQ(m_driver->NotModelled().size(), 2u); // step, procedure
+  EXPECT_EQ(m_driver->NotModelled().size(), 2u); // in the step, and outside
 }
 
 TEST_F(Driver, KeepsTypesAndExtraNodesOfAFailedMesh) {
@@ -120,9 +122,10 @@ TEST_F(Driver, ConvertsTwiceFromOneObject) {
 TEST_F(Driver, ARestartAddsToWhatIsThere) {
   const KvoObjDocument document = KvoObjDocument::InMemory();
   EXPECT_TRUE(Prepare(kTwoNodes).Convert(document));
-  EXPECT_TRUE(Prepare("*NODE\n9, 5., 5., 5.\n*ELEMENT, TYPE=T3D2\n1, 1, 9\n"
-                      "*NSET, NSET=MIXED\n9, 2\n*STEP\n*STATIC\n*END STEP\n")
-                  .ConvertRestart(document));
+  EXPECT_TRUE(
+      Prepare("*NODE\n9, 5., 5., 5.\n*ELEMENT, TYPE=T3D2\n1, 1, 9\n"
+              "*NSET, NSET=MIXED\n9, 2\n*STEP\n*STATIC\n*CONTACT PRINT\n*END STEP\n*IMPORT\n")
+          .ConvertRestart(document));
   const auto blocks = document.GetMesh().NodeBlocks();
   ASSERT_EQ(blocks.size(), 2u);
   EXPECT_EQ(blocks[1].first, 3);

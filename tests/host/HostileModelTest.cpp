@@ -139,8 +139,6 @@ TEST_F(HostileModel, TextsThatWouldBeKeywords) {
            "UPDATE instance SET library = char(155) || '2J' WHERE id = 1",
            "UPDATE element_block SET source = 'A' || char(10) || '*NODE' WHERE id = 1",
            "UPDATE surface SET trim = char(10) || '*NODE' WHERE id = 1",
-           "UPDATE element_spec SET dof_lines = '1,' || char(10) || char(9) || '*NODE' WHERE id = "
-           "1",
            "UPDATE annotation SET text = '** all' || char(10) || '*NODE'",
            "UPDATE link SET text_key = 'A' || char(10) || '*NODE' WHERE text_key = 'STEEL'",
            "UPDATE verbatim_keyword SET text = '9, 0., 0.' || char(10) || text WHERE id = 1",

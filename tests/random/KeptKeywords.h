@@ -17,7 +17,7 @@ inline constexpr const char* keptOfParts[] = {
     "*TRANSFORM, NSET=ALL, TYPE=C\n0., 0., 0., 0., 0., 1.\n",
     "*ORIENTATION, NAME=LOCAL\n1., 0., 0., 0., 1., 0.\n3, 30.\n",
     "*FLUX CAPACITOR\n",
-    "*Solid Section, elset=S1, material=STEEL\n1.,\n",
+    "*Membrane Section, elset=S1, material=STEEL\n1.,\n",
     "*EQUATION\n2\n1, 1, 1., 2, 1, -1.\n",
 };
 
