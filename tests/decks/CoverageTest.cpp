@@ -56,7 +56,6 @@ private:
 const std::set<cow_String> elsewhere = {
     // the store's services make these for other programs (tests/database)
     "Region", "Field", "MeshedField", "ShellSection", "ShellPly", "BulkShellLayers", "DSet",
-    "Link.IntKey",
     // large ones alone (tests/materials, tests/driver)
     "PropertyTable.Values", "CSet.Array", "SectionAssignment.Scattered",
     // the program that converts gives it

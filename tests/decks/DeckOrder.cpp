@@ -8,13 +8,15 @@
 
 namespace {
 
-// By its name, and without one by its line, which is kept as it stands. A behavior that stands
-// apart from its material, which is still open, comes under it.
+// By its name or its set, and without one by its line, which is kept as it stands. A behavior that
+// stands apart from its material, which is still open, comes under it.
 cow_String identityOf(const inp_Keyword& keyword) {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (row && row->levels == inp_LevelsSub) return keyword.Name();
   const cow_String name = keyword.StringOf("name", "");
   if (!name.empty()) return keyword.Name() + ' ' + name;
+  const cow_String elset = keyword.StringOf("elset", "");
+  if (!elset.empty()) return keyword.Name() + " of " + elset;
   const cow_String text = keyword.Text();
   return text.substr(0, text.find('\n'));
 }
