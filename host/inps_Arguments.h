@@ -23,6 +23,7 @@ enum class inps_Opt : unsigned char {
   NoKept,
   Tolerance,
   Materials,
+  Sections,
   Quiet,
   Memory,
   Color,

@@ -6,6 +6,7 @@
 #include "database/eds_ModelReader.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
+#include "host/inps_ElementSections.h"
 #include "host/inps_Input.h"
 #include "host/inps_OpenModel.h"
 #include "host/inps_Run.h"
@@ -55,8 +56,9 @@ private:
     const inps_ModelSummary summary = inps_summarize(document);
     m_isOfErrors = summary.outcome.errors > 0;
     if (m_run.IsJson()) m_run.Json()["summary"] = inps_jsonOf(summary);
-    Line(inps_summaryLine(summary) + "; the model is sound");
-    Say(inps_summaryLine(summary));
+    const cow_String bare = BareElements(document);
+    Line(inps_summaryLine(summary) + bare + "; the model is sound");
+    Say(inps_summaryLine(summary) + bare);
     Say("the model is sound");
     return inps_ExitDone;
   }
@@ -73,12 +75,21 @@ private:
     const bool clean = conversion.Convert(document);
     const inps_ModelSummary summary = inps_summarize(document);
     if (m_run.IsJson()) m_run.Json()["summary"] = inps_jsonOf(summary);
-    Line(inps_summaryLine(summary));
-    Say(inps_summaryLine(summary));
+    const cow_String bare = BareElements(document);
+    Line(inps_summaryLine(summary) + bare);
+    Say(inps_summaryLine(summary) + bare);
     const int notModelled = m_run.NotModelled(conversion.NotModelled(), false, !m_isOneOfMany);
     if (!clean || m_run.Reporter().Errors() > 0) return inps_ExitFaults;
     Say("the deck has no errors");
     return notModelled;
+  }
+
+  // Part of the summary and no fault: a deck may leave its sections to another one.
+  cow_String BareElements(const KvoObjDocument& document) {
+    const inps_ModelSummary::Counts without = inps_elementsWithoutSection(document);
+    if (m_run.IsJson()) m_run.Json()["withoutSection"] = inps_jsonOf(without);
+    const cow_String text = inps_withoutSectionText(without);
+    return text.empty() ? text : "; " + text;
   }
 
   void Say(const cow_String& text) {

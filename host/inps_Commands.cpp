@@ -26,6 +26,8 @@ constexpr inps_Option options[] = {
      "numbers are the same that differ by ABS at most, or by REL times the larger one"},
     {Opt::Materials, 0, "--materials", "",
      "every material with its behaviors, their rows and ranges"},
+    {Opt::Sections, 0, "--sections", "",
+     "every section: its set, material, orientation, elements and thickness"},
     {Opt::Quiet, 'q', "--quiet", "", "errors only"},
     {Opt::Memory, 0, "--memory", "SIZE",
      "the most memory to take, as 512M or 40G; without it seven eighths of what there is"},
@@ -51,9 +53,10 @@ constexpr Text exportExamples[] = {"inps export bracket.sim bracket.vtu",
 constexpr Opt checkOptions[] = {Opt::Strict, Opt::NoKept, Opt::Timings, Opt::Json, Opt::Quiet};
 constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check decks/*.inp --no-kept",
                                   "inps check bracket.sim"};
-constexpr Opt infoOptions[] = {Opt::Materials, Opt::Json};
+constexpr Opt infoOptions[] = {Opt::Materials, Opt::Sections, Opt::Json};
 constexpr Text infoExamples[] = {"inps info bracket.sim", "inps info bracket.sim --materials",
                                  "inps info bracket.sim --materials steel",
+                                 "inps info bracket.sim --sections",
                                  "inps info bracket.sim --json"};
 constexpr Opt plotOptions[] = {Opt::Output, Opt::Force};
 constexpr Text plotExamples[] = {"inps plot bracket.sim -o plots.html",
@@ -93,8 +96,8 @@ constexpr inps_Command commands[] = {
      "its end; the exit code is the worst: 3, then 1, then 4.",
      checkOptions, checkExamples, inps_check},
     {"info", "MODEL.sim [NAME...]", 1, anyNumber, "what a model holds",
-     "With --materials, names choose the materials and gasket behaviors that are listed. The case\n"
-     "of letters counts only where the model has both spellings.",
+     "With --materials, names choose the materials and gasket behaviors that are listed, with\n"
+     "--sections the sections. The case of letters counts only where the model has both spellings.",
      infoOptions, infoExamples, inps_info},
     {"plot", "MODEL.sim [NAME...]", 1, anyNumber, "draw materials and amplitudes in one HTML page",
      "Without -o the page is named as the model, with .html, in the current folder. It needs no\n"

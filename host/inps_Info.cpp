@@ -4,6 +4,7 @@
 #include "base/utl_Interruption.h"
 #include "database/eds_ModelReader.h"
 #include "host/inps_Arguments.h"
+#include "host/inps_ElementSections.h"
 #include "host/inps_Input.h"
 #include "host/inps_Json.h"
 #include "host/inps_MaterialList.h"
@@ -11,6 +12,7 @@
 #include "host/inps_NameChoice.h"
 #include "host/inps_NamedTable.h"
 #include "host/inps_OpenModel.h"
+#include "host/inps_SectionList.h"
 #include "host/inps_Session.h"
 #include "host/inps_Timings.h"
 #include <algorithm>
@@ -19,7 +21,7 @@
 
 namespace {
 
-constexpr std::size_t mostListed = 20; // parts or instances
+constexpr std::size_t mostListed = 20; // parts, instances or sections
 
 void printCounts(aio_ostream& out, const char* title, const inps_ModelSummary::Counts& counts,
                  const char* prefix) {
@@ -45,6 +47,20 @@ void printParts(aio_ostream& out, const char* title,
   if (parts.size() > mostListed) out << "  … and " << parts.size() - mostListed << " more\n";
 }
 
+void printSections(aio_ostream& out, const KvoObjDocument& document) {
+  const cow_List<inpS_SectionDescription> sections = inpS_describeSections(document);
+  if (sections.empty()) return;
+  if (sections.size() <= mostListed) {
+    out << "sections:\n";
+    inps_printSections(out, sections, inps_NameChoice({}, {}));
+  } else {
+    out << sections.size() << " sections; --sections lists them:\n";
+    inps_printSectionKinds(out, sections);
+  }
+  const cow_String bare = inps_withoutSectionText(inps_elementsWithoutSection(document));
+  if (!bare.empty()) out << bare << '\n';
+}
+
 void printInfo(aio_ostream& out, const inps_ModelSummary& summary, const KvoObjDocument& document) {
   if (!summary.heading.empty()) out << "heading: " << summary.heading << '\n';
   out << inps_summaryLine(summary) << '\n';
@@ -54,9 +70,37 @@ void printInfo(aio_ostream& out, const inps_ModelSummary& summary, const KvoObjD
         << inps_counted(summary.amplitudes, "amplitude") << '\n';
   printParts(out, "parts:", summary.parts);
   printParts(out, "instances:", summary.instances);
+  printSections(out, document);
   if (summary.nodes > 0) inps_printQuality(out, inps_assessMesh(document));
   printCounts(out, "kept as text:", summary.keptAsText, "*");
   printCounts(out, "records:", summary.records, "");
+}
+
+// The names that were not found are told; whether all were.
+bool areThere(inps_Session& session, const inps_NameChoice& choice, const char* kind) {
+  for (const cow_String& name : choice.Missing())
+    session.err << "inps: the model has no " << kind << " \"" << name << "\"\n";
+  return choice.Missing().empty();
+}
+
+int listSections(inps_Session& session, const inps_Arguments& arguments,
+                 const KvoObjDocument& document) {
+  const cow_List<inpS_SectionDescription> sections = inpS_describeSections(document);
+  cow_List<cow_String> have;
+  for (const inpS_SectionDescription& section : sections) have.push_back(section.name);
+  const inps_NameChoice choice(std::span(arguments.Operands()).subspan(1), have);
+  if (!areThere(session, choice, "section")) return inps_ExitUsage;
+  if (arguments.Has(inps_Opt::Json))
+    inps_printJson(session.out, {{"command", "info"},
+                                 {"model", arguments.Operands()[0]},
+                                 {"sections", inps_jsonOfSections(sections, choice)},
+                                 {"failure", nullptr},
+                                 {"exit", inps_ExitDone}});
+  else if (sections.empty())
+    session.out << "no sections\n";
+  else
+    inps_printSections(session.out, sections, choice);
+  return inps_ExitDone;
 }
 
 int listMaterials(inps_Session& session, const inps_Arguments& arguments,
@@ -65,9 +109,7 @@ int listMaterials(inps_Session& session, const inps_Arguments& arguments,
   inps_forPropertyOwners(document,
                          [&](const inps_PropertyOwner& owner) { have.push_back(owner.name); });
   const inps_NameChoice choice(std::span(arguments.Operands()).subspan(1), have);
-  for (const cow_String& name : choice.Missing())
-    session.err << "inps: the model has no material or gasket behavior \"" << name << "\"\n";
-  if (!choice.Missing().empty()) return inps_ExitUsage;
+  if (!areThere(session, choice, "material or gasket behavior")) return inps_ExitUsage;
   if (arguments.Has(inps_Opt::Json))
     inps_printJson(session.out, {{"command", "info"},
                                  {"model", arguments.Operands()[0]},
@@ -94,6 +136,12 @@ inps_Json jsonOf(const inps_Input& input, const KvoObjDocument& document,
   for (const auto& [name, value] : eds_ModelReader(document).Meta()) facts[name] = value;
   json["meta"] = std::move(facts);
   json["summary"] = inps_jsonOf(summary);
+  const cow_List<inpS_SectionDescription> sections = inpS_describeSections(document);
+  json["sectionKinds"] = inps_jsonOfSectionKinds(sections);
+  json["sections"] = sections.size() > mostListed
+                         ? inps_Json()
+                         : inps_jsonOfSections(sections, inps_NameChoice({}, {}));
+  json["withoutSection"] = inps_jsonOf(inps_elementsWithoutSection(document));
   json["quality"] = inps_jsonOf(inps_assessMesh(document));
   return json;
 }
@@ -105,13 +153,21 @@ bool isToldAbove(std::string_view fact) {
 
 int info(inps_Session& session, const inps_Arguments& arguments) {
   const bool named = arguments.Operands().size() > 1;
-  if (named && !arguments.Has(inps_Opt::Materials)) {
-    session.err << "inps: names choose from what \"--materials\" lists, which is not given\n";
+  const bool ofMaterials = arguments.Has(inps_Opt::Materials);
+  const bool ofSections = arguments.Has(inps_Opt::Sections);
+  if (named && !ofMaterials && !ofSections) {
+    session.err << "inps: names choose from what \"--materials\" or \"--sections\" lists, and "
+                   "neither is given\n";
+    return inps_ExitUsage;
+  }
+  if (ofMaterials && ofSections) {
+    session.err << "inps: \"--materials\" and \"--sections\" are two lists; ask for one\n";
     return inps_ExitUsage;
   }
   const inps_Input input(arguments.Operands()[0], session);
   const KvoObjDocument document = inps_openModel(input);
-  if (arguments.Has(inps_Opt::Materials)) return listMaterials(session, arguments, document);
+  if (ofMaterials) return listMaterials(session, arguments, document);
+  if (ofSections) return listSections(session, arguments, document);
   const inps_ModelSummary summary = inps_summarize(document);
   std::error_code ignored;
   const auto size = std::filesystem::file_size(input.File(), ignored);

@@ -18,12 +18,6 @@ void addPlace(inps_Json& object, const wip_Place& place) {
   object["includedFrom"] = place.includedFrom;
 }
 
-inps_Json countsOf(const inps_ModelSummary::Counts& counts) {
-  inps_Json object = inps_Json::object();
-  for (const auto& [name, count] : counts) object[name] = count;
-  return object;
-}
-
 inps_Json partsOf(const cow_List<inps_ModelSummary::Part>& parts, bool instances) {
   inps_Json list = inps_Json::array();
   for (const inps_ModelSummary::Part& part : parts) {
@@ -54,12 +48,18 @@ inps_Json inps_jsonOf(const inps_Reported& reported) {
   return object;
 }
 
+inps_Json inps_jsonOf(const inps_ModelSummary::Counts& counts) {
+  inps_Json object = inps_Json::object();
+  for (const auto& [name, count] : counts) object[name] = count;
+  return object;
+}
+
 inps_Json inps_jsonOf(const inps_ModelSummary& summary) {
   return {{"heading", summary.heading},
           {"dimensions", summary.dimensions},
           {"nodes", summary.nodes},
           {"elements", summary.elements},
-          {"elementTypes", countsOf(summary.elementTypes)},
+          {"elementTypes", inps_jsonOf(summary.elementTypes)},
           {"materials", summary.materials},
           {"amplitudes", summary.amplitudes},
           {"nodeSets", summary.nodeSets},
@@ -67,8 +67,8 @@ inps_Json inps_jsonOf(const inps_ModelSummary& summary) {
           {"surfaces", summary.surfaces},
           {"parts", partsOf(summary.parts, false)},
           {"instances", partsOf(summary.instances, true)},
-          {"keptAsText", countsOf(summary.keptAsText)},
-          {"records", countsOf(summary.records)}};
+          {"keptAsText", inps_jsonOf(summary.keptAsText)},
+          {"records", inps_jsonOf(summary.records)}};
 }
 
 inps_Json inps_jsonOf(const cow_List<inpS_NotModelled>& notModelled) {

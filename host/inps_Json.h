@@ -12,6 +12,7 @@ using inps_Json = nlohmann::ordered_json;
 
 inps_Json inps_jsonOf(const inps_Reported& reported);
 inps_Json inps_jsonOf(const inps_ModelSummary& summary);
+inps_Json inps_jsonOf(const inps_ModelSummary::Counts& counts); // {name: count}
 inps_Json inps_jsonOf(const cow_List<inpS_NotModelled>& notModelled);
 inps_Json inps_jsonOf(const inps_Timings& timings);
 // "errors", "warnings", "messages"
