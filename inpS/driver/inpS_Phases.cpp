@@ -37,6 +37,7 @@
 #include "inpS/properties/inpS_OrientationFixupVisitor.h"
 #include "inpS/properties/inpS_OrientationVisitor.h"
 #include "inpS/properties/inpS_SectionAssignments.h"
+#include "inpS/properties/inpS_SectionFields.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 #include "inpS/properties/inpS_SectionVisitor.h"
 #include "inpS/sets/inpS_SurfaceNodalAreas.h"
@@ -354,7 +355,10 @@ bool Driver::ProcessSections(Labelers& labelers) {
   visitor.VisitListAndReport(m_keywords);
   sections.TellDoubled(m_ledger, sections);
   sections.Report();
-  if (sections.NumberSections() > 0) inpS_deriveSectionAssignments(m_document);
+  if (sections.NumberSections() > 0) {
+    inpS_deriveSectionAssignments(m_document);
+    inpS_deriveSectionFields(m_document);
+  }
   visitor.WriteBulkShellSectionDistributions();
   return !visitor.IsError();
 }

@@ -55,7 +55,7 @@ private:
 // What no small deck reaches: kinds and fields.
 const std::set<cow_String> elsewhere = {
     // the store's services make these for other programs (tests/database)
-    "Region", "Field", "MeshedField", "ShellSection", "ShellPly", "BulkShellLayers", "DSet",
+    "Region", "ShellSection", "ShellPly", "BulkShellLayers", "DSet",
     // large ones alone (tests/materials, tests/driver)
     "PropertyTable.Values", "CSet.Array", "SectionAssignment.Scattered",
     // the program that converts gives it
