@@ -1,6 +1,7 @@
 #include "inpS/history/inpS_StepVisitor.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/history/inpS_GlobalDamping.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -53,20 +54,50 @@ void inpS_StepVisitor::VisitEndStep(const inp_Keyword& keyword) {
   if (!m_open || m_open->procedure == inp_NullKeyword)
     Warning(keyword, "No procedure is defined. What the step's parameters say holds for the next "
                      "step too, where that does not say otherwise.");
+  SetDamping();
   inpS_keepUnused(keyword, OpenStep(), *this, inpS_closingRow);
   Ledger().Take(keyword, OpenStep());
+}
+
+// At the step's end, for the procedure may stand behind. FIELD chooses the degrees of freedom that
+// a keyword is for; without it, and with a word that is none, it is for all.
+void inpS_StepVisitor::SetDamping() {
+  const auto fieldOf = [](std::string_view column) {
+    return eds_formField(eds_RecordKind::GlobalDamping, column);
+  };
+  for (const auto& [keyword, given] : m_dampings) {
+    if (m_procedure.IsNull()) return; // told
+    const KvoSimDataRecord record = given.DataRecord();
+    const cow_String field = record.ReturnString(fieldOf("field"));
+    double damping[6] = {};
+    for (std::size_t n = 0; const char* column : {"alpha", "beta", "structural"}) {
+      const double value = record.GetDouble(fieldOf(column));
+      damping[n++] = field == "ACOUSTIC" ? 0 : value;
+      damping[n++] = field == "MECHANICAL" ? 0 : value;
+    }
+    cow_List<cow_String> messages;
+    inpS_SetGlobalDamping(OpenStep(), m_procedure, damping, messages);
+    for (const cow_String& message : messages) Warning(keyword, message);
+  }
 }
 
 // ---- what a row cannot say
 
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                  const KvoSimPosition& record) {
+  if (m_procedure.IsNull() && !keyword.IsSuboption() && isProcedure(keyword.Kind()))
+    m_procedure = record;
   switch (form.kind) {
   case eds_RecordKind::Step: {
     const auto known = m_facts.find(keyword.Body().get());
     m_open = known == m_facts.end() ? nullptr : &known->second;
+    m_procedure = {};
+    m_dampings.clear();
     return;
   }
+  case eds_RecordKind::GlobalDamping:
+    m_dampings.emplace_back(keyword, record);
+    return;
   case eds_RecordKind::StaticRiks:
   case eds_RecordKind::DynamicImplicit:
     CheckExtrapolation(keyword);
@@ -88,7 +119,6 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
       Warning(keyword, "Solver Controls is not supported for this step.");
     return;
   default:
-    (void)record;
     return;
   }
 }

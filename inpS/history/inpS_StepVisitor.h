@@ -31,8 +31,11 @@ private:
   };
   void Look(inp_KeywordListRef keywords);
   void CheckStatic(const inp_Keyword& keyword);
+  void SetDamping();
   void CheckExtrapolation(const inp_Keyword& keyword);
 
-  std::unordered_map<const inp_KeywordBody*, Facts> m_facts; // by *STEP
-  const Facts* m_open = nullptr;                             // of the step that is open
+  std::unordered_map<const inp_KeywordBody*, Facts> m_facts;   // by *STEP
+  const Facts* m_open = nullptr;                               // of the step that is open
+  KvoSimPosition m_procedure;                                  // likewise, its first
+  cow_List<std::pair<inp_Keyword, KvoSimPosition>> m_dampings; // likewise, all global damping
 };
