@@ -17,6 +17,7 @@ enum class inps_Opt : unsigned char {
   Restart,
   Sets,
   Surfaces,
+  Axes,
   Timings,
   Json,
   Markdown,

@@ -18,6 +18,7 @@ constexpr inps_Option options[] = {
      "go on from this model; it stays as it is and a copy is changed"},
     {Opt::Sets, 0, "--sets", "", "every set as a block of its own, listed in MESH.vtm"},
     {Opt::Surfaces, 0, "--surfaces", "", "every surface as a block of its own, likewise"},
+    {Opt::Axes, 0, "--axes", "", "local axes of elements, from the orientations of their sections"},
     {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
     {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
     {Opt::Markdown, 0, "--markdown", "", "as a table for documents"},
@@ -46,7 +47,7 @@ constexpr Text convertExamples[] = {
 constexpr Opt writeOptions[] = {Opt::Output, Opt::Force, Opt::Timings};
 constexpr Text writeExamples[] = {"inps write bracket.sim -o written.inp",
                                   "inps write bracket.sim | less"};
-constexpr Opt exportOptions[] = {Opt::Force,   Opt::Sets, Opt::Surfaces,
+constexpr Opt exportOptions[] = {Opt::Force,   Opt::Sets, Opt::Surfaces, Opt::Axes,
                                  Opt::Timings, Opt::Json, Opt::Quiet};
 constexpr Text exportExamples[] = {"inps export bracket.sim bracket.vtu",
                                    "inps export bracket.sim bracket.vtu --sets --surfaces --force"};
@@ -83,8 +84,11 @@ constexpr inps_Command commands[] = {
      inps_write},
     {"export", "MODEL.sim MESH.vtu", 2, 2, "the mesh as a VTK file to look at",
      "An unstructured grid with instances in their places: labels of nodes and elements, element\n"
-     "types, instances and parts with their names, and the sets as arrays of 0 and 1. With --sets\n"
-     "or --surfaces, MESH.vtm lists the mesh and its blocks, which go into a folder MESH beside "
+     "types, instances and parts with their names, sections, their materials and thicknesses, and\n"
+     "the sets as arrays of 0 and 1. With --axes, Axis1 to Axis3 are vectors of each element. "
+     "With\n"
+     "--sets or --surfaces, MESH.vtm lists the mesh and its blocks, which go into a folder MESH "
+     "beside "
      "it.\n"
      "A deck is taken too. With - for MESH.vtu the mesh goes to standard output.",
      exportOptions, exportExamples, inps_export, 1},

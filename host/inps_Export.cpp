@@ -6,6 +6,7 @@
 #include "host/inps_Conversion.h"
 #include "host/inps_ExportFiles.h"
 #include "host/inps_ExportGrid.h"
+#include "host/inps_ExportSections.h"
 #include "host/inps_Input.h"
 #include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
@@ -57,6 +58,9 @@ public:
     const inps_FlatMesh mesh(document);
     if (mesh.NodeCount() == 0 && !mesh.PartNames().empty())
       Warn("the model has no instances, and parts alone have no place: the mesh is empty");
+    const inps_ExportSections sections(mesh, document, m_arguments.Has(inps_Opt::Axes));
+    m_sections = &sections;
+    TellAxes(document);
     try {
       WriteMesh(mesh, files.MeshFile());
       if (hasBlocks) WriteBlocks(mesh, files);
@@ -76,6 +80,7 @@ private:
     cells.AddAllElements();
     const auto nodes = inps_NodeSelection::All(mesh.NodeCount());
     inps_VtuGrid grid = inps_cellGrid(mesh, cells, nodes);
+    m_sections->AddTo(grid, cells);
     AddSetArrays("node", inps_nodeSetsOf(mesh), mesh.NodeCount(), grid.pointData);
     AddSetArrays("element", inps_elementSetsOf(mesh), mesh.ElementCount(), grid.cellData);
     inps_writeVtu(file, grid);
@@ -89,6 +94,14 @@ private:
     if (count < sets.size())
       Warn("of " + std::to_string(sets.size()) + " " + kind + " sets the first " +
            std::to_string(count) + " are arrays of the mesh; --sets makes all of them blocks");
+  }
+
+  void TellAxes(const KvoObjDocument& document) {
+    if (!m_arguments.Has(inps_Opt::Axes)) return;
+    if (document.Context().GetRecords(eds_RecordKind::LocalSystem).empty())
+      Warn("the model has no orientations: there are no axes to show");
+    for (const cow_String& name : m_sections->UnknownAxes())
+      Warn("orientation " + name + " has no axes that are known here; its elements have none");
   }
 
   void TellLoss(const inps_FlatMesh& mesh, const inps_ExportCells::Loss& loss) {
@@ -131,12 +144,14 @@ private:
     ++m_blocks;
   }
 
-  static void WriteCells(const inps_FlatMesh& mesh, const inps_ExportCells& cells,
-                         const Path& file) {
+  void WriteCells(const inps_FlatMesh& mesh, const inps_ExportCells& cells,
+                  const Path& file) const {
     auto nodes = inps_NodeSelection::None(mesh.NodeCount());
     cells.MarkNodes(nodes);
     nodes.Number();
-    inps_writeVtu(file, inps_cellGrid(mesh, cells, nodes));
+    inps_VtuGrid grid = inps_cellGrid(mesh, cells, nodes);
+    m_sections->AddTo(grid, cells);
+    inps_writeVtu(file, grid);
   }
 
   static void WriteNodes(const inps_FlatMesh& mesh, const eds_MemberSet& members,
@@ -218,6 +233,7 @@ private:
   inps_Input m_input;
   std::unique_ptr<inps_TemporaryFile> m_held; // of a mesh for standard output
   Path m_target;
+  const inps_ExportSections* m_sections = nullptr; // while it writes
   int64_t m_blocks = 0;
 };
 

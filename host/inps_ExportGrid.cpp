@@ -120,7 +120,7 @@ void addPointData(inps_VtuGrid& grid, const Mesh& mesh, const Selection& nodes) 
 
 // ---- cells
 
-// What every cell says of its element: one row an array. Sections and materials will be rows here.
+// What every cell says of its element: one row an array. What sections say is inps_ExportSections'.
 struct CellFact {
   const char* array; // index of a name, -1: none
   const char* names; // of the field data

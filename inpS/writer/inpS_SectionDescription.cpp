@@ -151,14 +151,16 @@ private:
       made.thickness = 0;
       return;
     }
-    for (const int field : columns.distributions)
-      if (!referenceIn(record, field).IsNull()) made.kind = Thickness::Distribution;
-    if (isSet(record, columns.nodal)) made.kind = Thickness::Nodal;
-    if (made.kind != Thickness::None) {
+    made.isSymmetric = isSet(record, columns.symmetric);
+    if (made.isSymmetric) made.thickness *= 2;
+    const bool isNodal = isSet(record, columns.nodal);
+    const bool isOfWhole = std::ranges::any_of(
+        columns.distributions, [&](int field) { return !referenceIn(record, field).IsNull(); });
+    if (isNodal || isOfWhole) {
+      made.kind = isNodal ? Thickness::Nodal : Thickness::Distribution;
       made.thickness = 0;
     } else if (made.plies > 0) {
-      made.kind = Thickness::Constant;
-      if (isSet(record, columns.symmetric)) made.thickness *= 2;
+      if (made.kind == Thickness::None) made.kind = Thickness::Constant;
     } else if (columns.thickness >= 0 && !record.IsMemberNull(columns.thickness)) {
       made.kind = Thickness::Constant;
       made.thickness = record.GetDouble(columns.thickness);

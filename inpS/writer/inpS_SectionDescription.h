@@ -12,7 +12,7 @@ struct inpS_SectionDescription {
   enum class Thickness : unsigned char {
     None,
     Constant,
-    Distribution, // the section's field "thickness" has the values
+    Distribution, // the field "thickness" of the section, or of its plies, has the values
     Nodal         // likewise, by node
   };
   KvoSimPosition section;
@@ -24,7 +24,9 @@ struct inpS_SectionDescription {
   int plies = 0;          // as given, so half of them where the layup is symmetric
   long long elements = 0; // in the flat mesh: a part's count once for each instance
   Thickness kind = Thickness::None;
-  double thickness = 0; // of a layup: the sum of its plies, twice where it is symmetric
+  // Of a layup: the sum of its plies, twice where it is symmetric, without those that vary.
+  double thickness = 0;
+  bool isSymmetric = false;
 };
 
 // Those of the model, its parts, instances and assembly, in this order.
