@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the example decks beside this file: bracket.inp, plate.inp and assembly.inp.
+"""Writes the example decks beside this file: bracket, plate, assembly, wing_panel and frame.
 
 The decks are committed; run this only to change them. Units: mm, N, tonne, s (so MPa)."""
 import math
@@ -434,7 +434,210 @@ def assembly():
     write("assembly.inp", out)
 
 
+# ---------------------------------------------------------------------------------------------
+# The lower panel of a swept, tapered wing: a curved laminate skin on three blade stringers. The
+# skin's axes follow its generators; between the thick root and the thin tip its thickness falls
+# element by element.
+
+def wing_panel():
+    span, chord, tip, sweep, camber = 1800.0, 600.0, 360.0, 240.0, 40.0
+    along, across, blade, height = 24, 12, 2, 45.0
+    stringers = (3, 6, 9)  # rows of skin nodes that they stand on
+
+    def place(s, t):
+        """At s along the span and t across the chord, both from 0 to 1."""
+        width = chord + (tip - chord) * s
+        return (sweep * s + width * (t - 0.5), span * s, -camber * (1 - s / 3) * 4 * t * (1 - t))
+
+    def skin_node(i, j):
+        return 100 * (i + 1) + j + 1
+
+    nodes, skin, zones, webs, axes, taper = [], [], {}, [], [], []
+    for i in range(along + 1):
+        for j in range(across + 1):
+            nodes.append(node_line(skin_node(i, j), place(i / along, j / across)))
+    blade_nodes = []
+    for n, j in enumerate(stringers):
+        for i in range(along + 1):
+            x, y, z = place(i / along, j / across)
+            for k in range(1, blade + 1):
+                blade_nodes.append(node_line(10000 * (n + 1) + 10 * (i + 1) + k,
+                                             (x, y, z + height * k / blade)))
+    for i in range(along):
+        for j in range(across):
+            label = 100 * (i + 1) + j + 1
+            skin.append(element_line(label, (skin_node(i, j), skin_node(i, j + 1),
+                                             skin_node(i + 1, j + 1), skin_node(i + 1, j))))
+            zone = ("ROOT", "TAPER", "TIP")[i * 3 // along]
+            zones.setdefault(zone, []).append(label)
+            t = (j + 0.5) / across
+            a, b = place(i / along, t), place((i + 1) / along, t)
+            c, d = place((i + 0.5) / along, j / across), place((i + 0.5) / along, (j + 1) / across)
+            axes.append(f"{label:6d}, " + ", ".join(number(q - p) for p, q in zip(a, b)) + ", "
+                        + ", ".join(number(q - p) for p, q in zip(c, d)))
+            if zone == "TAPER":
+                step = (i - along // 3 + 0.5) / (along // 3)
+                taper.append(f"{label}, {number(3.0 - 1.0 * step)}")
+    for n, j in enumerate(stringers):
+        def web_node(i, k):
+            return skin_node(i, j) if k == 0 else 10000 * (n + 1) + 10 * (i + 1) + k
+        for i in range(along):
+            for k in range(blade):
+                webs.append(element_line(10000 * (n + 1) + 10 * (i + 1) + k, (
+                    web_node(i, k), web_node(i + 1, k), web_node(i + 1, k + 1), web_node(i, k + 1))))
+
+    def plies(angles, thickness):
+        return [f"{thickness}, 3, CARBON-EPOXY, {angle}., PLY-{n + 1}"
+                for n, angle in enumerate(angles)]
+
+    root = [skin_node(0, j) for j in range(across + 1)]
+    root += [10000 * (n + 1) + 10 + k for n in range(len(stringers)) for k in range(1, blade + 1)]
+    out = ["*HEADING",
+           "Lower panel of a swept wing: a laminate skin of three zones on three blade stringers",
+           "**",
+           "** Units: mm, N, tonne, s, MPa.  y runs along the span, x aft, z up; the root is y = 0.",
+           "*NODE, NSET=SKIN-NODES", *nodes,
+           "*NODE, NSET=BLADE-NODES", *blade_nodes,
+           "*ELEMENT, TYPE=S4R, ELSET=SKIN", *skin,
+           "*ELEMENT, TYPE=S4R, ELSET=STRINGERS", *webs]
+    for zone, labels in zones.items():
+        out += [f"*ELSET, ELSET=SKIN-{zone}", *label_lines(labels)]
+    out += ["*NSET, NSET=ROOT-NODES", *label_lines(root),
+            "**",
+            "** The skin's axes: 1 along its generators, 2 across, both as vectors",
+            "*DISTRIBUTION TABLE, NAME=AXES", "COORD3D, COORD3D",
+            "*DISTRIBUTION, NAME=GENERATORS, LOCATION=ELEMENT, TABLE=AXES",
+            ", 0., 1., 0., 1., 0., 0.", *axes,
+            "*ORIENTATION, NAME=ALONG-SKIN", "GENERATORS", "3, 0.",
+            "*ORIENTATION, NAME=ALONG-BLADE, SYSTEM=RECTANGULAR",
+            f"{number(sweep)}, {number(span)}, 0., 0., 0., 1.", "3, 0.",
+            "** From 3 mm at the root zone down to 2 mm at the tip zone",
+            "*DISTRIBUTION TABLE, NAME=LENGTHS", "LENGTH",
+            "*DISTRIBUTION, NAME=TAPERED, LOCATION=ELEMENT, TABLE=LENGTHS", ", 3.", *taper,
+            "**",
+            "*MATERIAL, NAME=CARBON-EPOXY",
+            "*DENSITY", "1.6E-9,",
+            "*ELASTIC, TYPE=LAMINA", "138000., 9000., 0.3, 5200., 5200., 3200.",
+            "*EXPANSION, TYPE=ORTHO", "-0.3E-6, 28.E-6, 28.E-6",
+            "*FAIL STRESS", "1500., -1200., 50., -200., 70., 0.",
+            "*MATERIAL, NAME=FOAM",
+            "*DENSITY", "7.5E-11,",
+            "*ELASTIC", "92., 0.3",
+            "**",
+            "** Half of each layup, from below; its mirror image follows",
+            "*SHELL SECTION, ELSET=SKIN-ROOT, COMPOSITE, SYMMETRIC, ORIENTATION=ALONG-SKIN, "
+            "LAYUP=ROOT", *plies((45, -45, 0, 0, 90, 0), 0.25),
+            "** Shares of the thickness that the distribution gives",
+            "*SHELL SECTION, ELSET=SKIN-TAPER, COMPOSITE, SYMMETRIC, ORIENTATION=ALONG-SKIN, "
+            "SHELL THICKNESS=TAPERED, LAYUP=TAPER", *plies((45, -45, 0, 90), 0.125),
+            "*SHELL SECTION, ELSET=SKIN-TIP, COMPOSITE, SYMMETRIC, ORIENTATION=ALONG-SKIN, "
+            "LAYUP=TIP", *plies((45, -45, 0, 90), 0.25),
+            "** A sandwich",
+            "*SHELL SECTION, ELSET=STRINGERS, COMPOSITE, ORIENTATION=ALONG-BLADE, OFFSET=0.",
+            "0.5, 3, CARBON-EPOXY, 45., LEFT", "4., 3, FOAM, , CORE",
+            "0.5, 3, CARBON-EPOXY, -45., RIGHT",
+            "*TRANSVERSE SHEAR STIFFNESS", "160., 160., 0.",
+            "**",
+            "*BOUNDARY", "ROOT-NODES, ENCASTRE",
+            "*STEP, NAME=GUST", "Suction on the skin", "*STATIC", "1., 1.",
+            "*DLOAD", "SKIN, P, -0.004",
+            "*OUTPUT, FIELD", "*NODE OUTPUT", "U,", "*ELEMENT OUTPUT", "S, CFAILURE",
+            "*END STEP"]
+    write("wing_panel.inp", out)
+
+
+# ---------------------------------------------------------------------------------------------
+# A two-storey steel frame on springs: columns of I, girders of boxes, braces of pipes, purlins of
+# angles; machines as masses.
+
+def frame():
+    bay, depth, storey, parts = 6.0, 5.0, 4.0, 4  # metres, elements of a member
+    points, elements = {}, {"COLUMNS": [], "GIRDERS": [], "BRACES": [], "PURLINS": []}
+
+    def node(x, y, z):
+        return points.setdefault((round(x, 6), round(y, 6), round(z, 6)), len(points) + 1)
+
+    def member(group, a, b, count=parts):
+        for n in range(count):
+            ends = [node(*(p + (q - p) * k / count for p, q in zip(a, b))) for k in (n, n + 1)]
+            elements[group].append(ends)
+
+    corners = [(x, y) for x in (0.0, bay, 2 * bay) for y in (0.0, depth)]
+    for level in (0, 1):
+        low, high = level * storey, (level + 1) * storey
+        for x, y in corners:
+            member("COLUMNS", (x, y, low), (x, y, high))
+        for x in (0.0, bay):
+            for y in (0.0, depth):
+                member("GIRDERS", (x, y, high), (x + bay, y, high))
+        for x in (0.0, bay, 2 * bay):
+            member("GIRDERS", (x, 0.0, high), (x, depth, high))
+        for y in (0.0, depth):
+            member("BRACES", (0.0, y, low), (bay, y, high), 1)
+    for n in range(1, parts):
+        for x in (0.0, bay):
+            member("PURLINS", (x, depth * n / parts, 2 * storey),
+                   (x + bay, depth * n / parts, 2 * storey), 2)
+    feet = [node(x, y, 0.0) for x, y in corners]
+    machines = [node(bay, depth * 0.5, storey), node(bay, depth * 0.5, 2 * storey)]
+    out = ["*HEADING",
+           "Two-storey steel frame on ground springs, with machines on its floors",
+           "**",
+           "** Units: m, N, kg, s.  x along the bays, y across, z up.",
+           "*NODE, NSET=ALL",
+           *(node_line(label, place) for place, label in points.items())]
+    label = 0
+    for group, members in elements.items():
+        out.append(f"*ELEMENT, TYPE=B31, ELSET={group}")
+        for ends in members:
+            label += 1
+            out.append(element_line(label, ends))
+    out += ["*NSET, NSET=FEET", ", ".join(map(str, feet)),
+            "** Points of their own: a foot's springs along x, y and z, the machines",
+            "*ELEMENT, TYPE=SPRING1, ELSET=SIDEWAYS", *(f"{1001 + n}, {f}" for n, f in enumerate(feet)),
+            "*ELEMENT, TYPE=SPRING1, ELSET=LENGTHWAYS", *(f"{1101 + n}, {f}" for n, f in enumerate(feet)),
+            "*ELEMENT, TYPE=SPRING1, ELSET=UPRIGHT", *(f"{1201 + n}, {f}" for n, f in enumerate(feet)),
+            "*ELEMENT, TYPE=DASHPOT1, ELSET=SOIL", *(f"{1301 + n}, {f}" for n, f in enumerate(feet)),
+            "** A tie across the ground, slack until it is pulled",
+            "*ELEMENT, TYPE=SPRINGA, ELSET=TIES",
+            *(f"{1401 + n}, {feet[2 * n]}, {feet[2 * n + 1]}" for n in range(3)),
+            "*ELEMENT, TYPE=MASS, ELSET=MACHINES", *(f"{1501 + n}, {m}" for n, m in enumerate(machines)),
+            "*ELEMENT, TYPE=ROTARYI, ELSET=ROTORS", *(f"{1601 + n}, {m}" for n, m in enumerate(machines)),
+            "**",
+            "*MATERIAL, NAME=S355",
+            "*DENSITY", "7850.,",
+            "*ELASTIC", "2.1E11, 0.3",
+            "*PLASTIC", "3.55E8, 0.", "4.7E8, 0.15",
+            "** Webs of columns lie across the bays; l, h, b1, b2, t1, t2, t3",
+            "*BEAM SECTION, ELSET=COLUMNS, MATERIAL=S355, SECTION=I",
+            "0.15, 0.3, 0.3, 0.3, 0.019, 0.019, 0.011", "1., 0., 0.",
+            "** a, b and four walls",
+            "*BEAM SECTION, ELSET=GIRDERS, MATERIAL=S355, SECTION=BOX",
+            "0.15, 0.25, 0.008, 0.01, 0.008, 0.01", "0., 0., 1.",
+            "** Outer radius and wall; points around and across for the output",
+            "*BEAM SECTION, ELSET=BRACES, MATERIAL=S355, SECTION=PIPE",
+            "0.057, 0.005", "0., 1., 0.", "8,",
+            "*BEAM SECTION, ELSET=PURLINS, MATERIAL=S355, SECTION=L",
+            "0.08, 0.08, 0.008, 0.008", "0., 0., 1.",
+            "**",
+            "*SPRING, ELSET=SIDEWAYS", "1,", "4.E7,",
+            "*SPRING, ELSET=LENGTHWAYS", "2,", "4.E7,",
+            "*SPRING, ELSET=UPRIGHT", "3,", "2.5E8,",
+            "*DASHPOT, ELSET=SOIL", "3,", "3.E5,",
+            "** Force and elongation",
+            "*SPRING, ELSET=TIES, NONLINEAR", "", "0., -1.", "0., 0.", "5.E4, 0.005",
+            "*MASS, ELSET=MACHINES", "2400.,",
+            "*ROTARY INERTIA, ELSET=ROTORS", "310., 310., 520., 0., 0., 0.",
+            "**",
+            "*STEP, NAME=MODES", "*FREQUENCY, EIGENSOLVER=LANCZOS", "20,",
+            "*OUTPUT, FIELD", "*NODE OUTPUT", "U,",
+            "*END STEP"]
+    write("frame.inp", out)
+
+
 if __name__ == "__main__":
     bracket()
     plate()
     assembly()
+    wing_panel()
+    frame()
