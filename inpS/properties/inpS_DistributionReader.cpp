@@ -183,9 +183,23 @@ void inpS_DistributionReader::Store(const Rows& rows) {
   if (std::ranges::any_of(rows.faults, isFault) ||
       std::ranges::find(rows.targets, inp_blankInt) != rows.targets.end())
     return StoreSound(rows);
-  m_targetColumn.Append(std::span<const int>(rows.targets));
-  m_valueColumn.Append(std::span<const double>(rows.values));
-  m_count += static_cast<long long>(rows.targets.size());
+  Append(rows.targets, rows.values);
+}
+
+// The first rows one by one: a column that outgrows its record becomes an array, and which of the
+// two comes first must not depend on the pieces that the rows come in.
+void inpS_DistributionReader::Append(std::span<const int> targets, std::span<const double> values) {
+  constexpr long long fewRows = 256; // more than a record holds
+  const std::size_t width = m_components.size();
+  for (; !targets.empty() && m_count < fewRows; ++m_count) {
+    m_targetColumn.Append(targets.first(1));
+    m_valueColumn.Append(values.first(width));
+    targets = targets.subspan(1);
+    values = values.subspan(width);
+  }
+  m_targetColumn.Append(targets);
+  m_valueColumn.Append(values);
+  m_count += static_cast<long long>(targets.size());
 }
 
 // Without the faulty ones and that of all others, of which the last one holds.
@@ -206,9 +220,7 @@ void inpS_DistributionReader::StoreSound(const Rows& rows) {
       values.insert(values.end(), begin, begin + width);
     }
   }
-  m_targetColumn.Append(std::span<const int>(targets));
-  m_valueColumn.Append(std::span<const double>(values));
-  m_count += static_cast<long long>(targets.size());
+  Append(targets, values);
 }
 
 // ---- what cannot be taken

@@ -48,6 +48,7 @@ private:
   void CloseRow();
   void Store(const Rows& rows);
   void StoreSound(const Rows& rows);
+  void Append(std::span<const int> targets, std::span<const double> values);
   void TellFaults();
   void TellRows();
   void TellTarget(long long row);
