@@ -24,16 +24,19 @@ public:
 
   void Write(const KvoSimPosition& section, const cow_String& part) {
     const Kind kind = section.Object().RecordKind();
+    const char* const thickness = ThicknessOf(kind);
     const bool composite =
         kind == Kind::ShellSectionComposite || kind == Kind::ShellGeneralSectionComposite;
-    if (!composite && kind != Kind::ShellSectionHomogeneous) return;
+    if (!composite && !thickness) return;
     const KvoSimDataRecord record = section.DataRecord();
     const auto field = [&](std::string_view column) { return eds_formField(kind, column); };
     const cow_String elset = record.GetReference(field("elset")).Name();
     auto made = KvoSrvShellSection::Create(
         m_document.Context(), inpS_SectionInventory::GetSectionName(part, elset), composite);
-    const bool isGauss = kind != Kind::ShellGeneralSectionComposite &&
-                         record.ReturnString(field("section_integration")) == "GAUSS";
+    const bool isIntegrated =
+        kind == Kind::ShellSectionComposite || kind == Kind::ShellSectionHomogeneous;
+    const bool isGauss =
+        isIntegrated && record.ReturnString(field("section_integration")) == "GAUSS";
     made.SetIntegration(isGauss ? KvoSectionIntegration::Gauss : KvoSectionIntegration::Simpson);
     if (composite) made.SetSymmetric(record.GetBool(field("symmetric")));
     std::vector<KvoShellPly> plies;
@@ -42,8 +45,10 @@ public:
         plies.push_back(PlyOf(line.DataRecord(), isGauss));
     else
       plies.push_back({{},
-                       record.GetDouble(field("thickness")),
-                       static_cast<int>(pointsOf(record, field("points"), isGauss, false)),
+                       record.GetDouble(field(thickness)),
+                       isIntegrated ? static_cast<int>(pointsOf(record, field("points"), isGauss,
+                                                                false))
+                                    : 1, // a membrane, or integrated beforehand
                        record.GetReference(field("material")),
                        record.GetReference(field("orientation")),
                        0});
@@ -51,6 +56,19 @@ public:
   }
 
 private:
+  // The column of a section of one layer; null: it is none.
+  static const char* ThicknessOf(Kind kind) {
+    switch (kind) {
+    case Kind::ShellSectionHomogeneous:
+    case Kind::ShellGeneralSectionMaterial:
+      return "thickness";
+    case Kind::MembraneSection:
+      return "membrane";
+    default:
+      return nullptr;
+    }
+  }
+
   static KvoShellPly PlyOf(const KvoSimDataRecord& line, bool isGauss) {
     const auto field = [](std::string_view column) {
       return eds_formField(Kind::SectionPly, column);
