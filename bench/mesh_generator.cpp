@@ -325,6 +325,34 @@ void writeColumns(DeckFile& deck, std::size_t rows, bool byName) {
   }
 }
 
+// So many sections of five kinds in turn, each of a set of one element; or those sets alone.
+void writeSections(DeckFile& deck, std::size_t count, bool hasSections) {
+  struct Kind {
+    std::string_view type, nodes, keyword, lines;
+  };
+  constexpr Kind kinds[] = {
+      {"C3D8", ", 1, 2, 3, 4, 5, 6, 7, 8\n", "*SOLID SECTION, MATERIAL=STEEL, ELSET=S-", "\n"},
+      {"S4", ", 1, 2, 3, 4\n", "*SHELL SECTION, MATERIAL=STEEL, ELSET=S-", "\n2.5, 5\n"},
+      {"S4R", ", 1, 2, 3, 4\n", "*SHELL SECTION, COMPOSITE, ELSET=S-",
+       "\n0.25, 3, STEEL, 45., PLY-1\n0.5, 3, FOAM, , PLY-2\n0.25, 3, STEEL, -45., PLY-3\n"},
+      {"B31", ", 1, 2\n", "*BEAM SECTION, SECTION=RECT, MATERIAL=STEEL, ELSET=S-",
+       "\n10., 20.\n0., 0., 1.\n"},
+      {"MASS", ", 1\n", "*MASS, ELSET=S-", "\n0.5\n"}};
+  deck.Text("*NODE\n1, 0., 0., 0.\n2, 1., 0., 0.\n3, 1., 1., 0.\n4, 0., 1., 0.\n"
+            "5, 0., 0., 1.\n6, 1., 0., 1.\n7, 1., 1., 1.\n8, 0., 1., 1.\n");
+  for (std::size_t kind = 0; kind < 5; ++kind) {
+    deck.Text("*ELEMENT, TYPE=").Text(kinds[kind].type).Text("\n");
+    for (std::size_t n = 1 + kind; n <= count; n += 5) deck.Integer(n).Text(kinds[kind].nodes);
+  }
+  for (std::size_t n = 1; n <= count; ++n)
+    deck.Text("*ELSET, ELSET=S-").Integer(n).Text("\n").Integer(n).Text("\n");
+  deck.Text("*MATERIAL, NAME=STEEL\n*DENSITY\n7.8E-9\n*MATERIAL, NAME=FOAM\n*DENSITY\n1E-10\n");
+  for (std::size_t n = 1; hasSections && n <= count; ++n) {
+    const Kind& kind = kinds[(n - 1) % 5];
+    deck.Text(kind.keyword).Integer(n).Text(kind.lines);
+  }
+}
+
 // A generated mesh with two points for each brick, and a section that takes its axes from them, or
 // from nowhere.
 void writeAxes(DeckFile& deck, std::size_t n, bool hasAxes) {
@@ -373,6 +401,7 @@ int run(int argc, char** argv) {
         "mesh_generator table ROWS DECK        a material with one big table\n"
         "mesh_generator columns ROWS DECK [order|names]   a keyword of so many lines\n"
         "mesh_generator axes BRICKS_A_SIDE DECK [order|none]  a section with axes by element\n"
+        "mesh_generator sections COUNT DECK [order|none]   sections of one element, or their sets\n"
         "mesh_generator references COUNT DECK  keywords that each name a set\n",
         stderr);
     return 2;
@@ -399,6 +428,8 @@ int run(int argc, char** argv) {
     writeColumns(deck, size, labels == "names");
   else if (kind == "axes")
     writeAxes(deck, size, labels != "none");
+  else if (kind == "sections")
+    writeSections(deck, size, labels != "none");
   else if (kind == "references")
     writeReferences(deck, size);
   else

@@ -319,6 +319,18 @@ def measure_axes(bench, processors, size):
               f"{inps.seconds - none.seconds:.2f} s", "1 s")
 
 
+def measure_sections(bench, processors, count):
+    """Of five kinds, to the same deck without them: its mesh and sets are no part of it."""
+    _, none = bench.convert(bench.deck("sections", count, "none"), processors)
+    _, none_back = bench.write(processors, bare=False)
+    _, inps = bench.convert(bench.deck("sections", count), processors)
+    _, back = bench.write(processors, bare=False)
+    for what, best, without, wanted in (("convert", inps, none, "15 µs"),
+                                        ("write", back, none_back, "10 µs")):
+        bench.row(f"{what} {count} sections of five kinds, each",
+                  f"{(best.seconds - without.seconds) / count * 1e6:.1f} µs", wanted)
+
+
 def measure_references(bench, processors, count):
     _, inps = bench.convert(bench.deck("references", count), processors)
     _, back = bench.write(processors, bare=False)
@@ -390,6 +402,7 @@ def main():
         measure_table(bench, sets[-1], 1_000_000)
         measure_columns(bench, sets[-1], 1_000_000)
         measure_axes(bench, sets[-1], 50 if words.quick else 100)
+        measure_sections(bench, sets[-1], 100_000)
         measure_references(bench, sets[-1], 200_000)
         measure_instances(bench, sets[-1], 1000 if words.quick else 10_000)
         measure_generated(bench, sets[-1], 128 if words.quick else 170)
