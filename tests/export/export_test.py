@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Converts decks, exports the models, and reads the files with VTK's own readers."""
 import argparse
+import math
 import pathlib
 import subprocess
 import sys
@@ -354,6 +355,56 @@ class Exports(unittest.TestCase):
         self.assertEqual(values(block.GetCellData(), "ElementLabel"), squares)
         i = squares[-1] - 1
         self.assertEqual(block.GetCell(len(squares) - 1).GetBounds(), grid.GetCell(i).GetBounds())
+
+    def test_sections_and_axes(self):
+        deck = "*NODE, NSET=ALL\n"
+        middles = ((2, 0), (0, 3), (5, 5), (6, 6), (7, 7), (2, 0))
+        for n, (x, y) in enumerate(middles):
+            for k, (dx, dy) in enumerate(((-.5, -.5), (.5, -.5), (.5, .5), (-.5, .5))):
+                deck += f"{10 * n + k + 1}, {x + dx}, {y + dy}, 0.\n"
+        for n in range(6):
+            deck += f"*ELEMENT, TYPE=S4, ELSET=E{n + 1}\n{n + 1}"
+            deck += "".join(f", {10 * n + k}" for k in range(1, 5)) + "\n"
+        deck += (
+            "*MATERIAL, NAME=STEEL\n*DENSITY\n1.,\n*MATERIAL, NAME=FOAM\n*DENSITY\n1.,\n"
+            "*NODAL THICKNESS\nALL, 0.5\n54, 0.9\n"
+            "*DISTRIBUTION TABLE, NAME=L\nLENGTH\n*DISTRIBUTION TABLE, NAME=P\nCOORD3D, COORD3D\n"
+            "*DISTRIBUTION, NAME=PLY, LOCATION=ELEMENT, TABLE=L\n3, 0.125\n"
+            "*DISTRIBUTION, NAME=WHOLE, LOCATION=ELEMENT, TABLE=L\n, 3.\n1, 9.\n"
+            "*DISTRIBUTION, NAME=POINTS, LOCATION=ELEMENT, TABLE=P\n, 1., 0., 0., 0., 1., 0.\n"
+            "4, 0., 0., 1., 1., 0., 0.\n"
+            "*ORIENTATION, NAME=ROUND, SYSTEM=CYLINDRICAL\n0., 0., 0., 0., 0., 1.\n"
+            "*ORIENTATION, NAME=TURNED, SYSTEM=CYLINDRICAL\n0., 0., 0., 0., 0., 1.\n3, 90.\n"
+            "*ORIENTATION, NAME=PLAIN\n0., 1., 0., -1., 0., 0.\n"
+            "*ORIENTATION, NAME=VARIES\nPOINTS\n"
+            "*ORIENTATION, NAME=BALL, SYSTEM=SPHERICAL\n0., 0., 0., 0., 0., 1.\n"
+            "*SHELL SECTION, ELSET=E1, MATERIAL=STEEL, ORIENTATION=TURNED\n2.5, 5\n"
+            "*SHELL SECTION, ELSET=E2, COMPOSITE, SYMMETRIC, ORIENTATION=ROUND\n"
+            "0.25, 3, STEEL\n0.5, 3, FOAM\n"
+            "*SHELL SECTION, ELSET=E3, COMPOSITE, ORIENTATION=PLAIN\n0.5, 3, FOAM\nPLY, 3, FOAM\n"
+            "*SHELL SECTION, ELSET=E4, MATERIAL=STEEL, SHELL THICKNESS=WHOLE, ORIENTATION=VARIES\n1., 5\n"
+            "*SHELL SECTION, ELSET=E6, MATERIAL=FOAM, NODAL THICKNESS, ORIENTATION=BALL\n1., 5\n")
+        grid = self.export(deck, "--axes", "--sets")
+        cells, facts = grid.GetCellData(), grid.GetFieldData()
+        self.assertEqual(values(cells, "ElementLabel"), [1, 2, 3, 4, 5, 6])
+        named = [values(facts, "SectionNames")[n] if n >= 0 else None for n in values(cells, "Section")]
+        self.assertEqual(named, ["Section-E1", "Section-E2", "Section-E3", "Section-E4", None, "Section-E6"])
+        materials = [values(facts, "MaterialNames")[n] if n >= 0 else None
+                     for n in values(cells, "Material")]
+        self.assertEqual(materials, ["STEEL", "STEEL, FOAM", "FOAM", "STEEL", None, "FOAM"])
+        thickness = values(cells, "Thickness")
+        self.assertTrue(math.isnan(thickness.pop(4)))
+        for found, wanted in zip(thickness, (2.5, 1.5, 0.625, 3., 0.6), strict=True):
+            self.assertAlmostEqual(found, wanted)
+        axes = (((0, 1, 0), (-1, 0, 0)), ((0, 1, 0), (-1, 0, 0)), ((0, 1, 0), (-1, 0, 0)),
+                ((0, 0, 1), (1, 0, 0)), ((0, 0, 0), (0, 0, 0)), ((1, 0, 0), (0, 1, 0)))
+        for n, (first, second) in enumerate(axes):
+            for name, wanted in (("Axis1", first), ("Axis2", second), ("Axis3", cross(first, second))):
+                found = cells.GetArray(name).GetTuple(n)
+                self.assertTrue(all(abs(a - b) < 1e-6 for a, b in zip(found, wanted)), (n, name, found))
+        # A block has those of its own elements.
+        one = read(next(iter(self.folder.glob("m/*E4.vtu"))))
+        self.assertEqual(values(one.GetCellData(), "Thickness"), [3.])
 
     def test_more_sets_than_arrays(self):
         deck = "*NODE\n1, 0., 0.\n" + "".join(f"*NSET, NSET=N{i}\n1\n" for i in range(70))
