@@ -112,6 +112,7 @@ void inps_ExportSections::PaintThickness(
       const KvoObjField field(position);
       if (field.Name() != "thickness") continue;
       for (const KvoSimDistribution& data : field.GetData()) {
+        if (data.IsNull() || data.Grid().IsNull()) continue; // of a damaged file
         Varying& varying = all[data.ID()];
         varying.data = data;
         varying.isByNode = field.GetGridType() == KvoGridType::Node;

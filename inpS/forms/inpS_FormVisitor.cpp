@@ -36,6 +36,7 @@ void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
   for (const bool isNaming : {true, false}) {
     m_isNaming = isNaming;
     m_step = {};
+    m_hasSteps = false;
     inpS_SetVisitor::VisitList(keywords);
   }
 }
@@ -44,9 +45,13 @@ void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
 // own.
 void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   inpS_SetVisitor::Visit(keyword);
-  if (keyword.IsInstanceCopy() || !inpS_FormTable::Instance().Knows(keyword.Kind())) return;
+  if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return;
   const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
-  if (keyword.IsSuboption()) return;
+  m_hasSteps = m_hasSteps || keyword.Kind() == inp_KwStep;
+  // Before the first step those of other phases go by their kind alone: to look into a keyword is
+  // what costs in a walk over many.
+  if (!m_hasSteps && block.phase != m_phase) return;
+  if (keyword.IsInstanceCopy() || keyword.IsSuboption()) return;
   if (keyword.Scope().kind == inp_Scope::Kind::Step || keyword.Kind() == inp_KwStep)
     return VisitWithinStep(keyword);
   // What stands where it may not is told of elsewhere, and stays text.

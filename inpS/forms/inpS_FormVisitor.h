@@ -85,6 +85,7 @@ private:
   inpS_FormNames m_names;
   KvoSimPosition m_step;
   long long m_stepPlace = 0; // of the keyword at hand within its step
+  bool m_hasSteps = false;   // the walk has met one
   bool m_isMeshLeftOut = false;
   int m_withoutMesh = 0;   // keywords that name what the mesh would have
   bool m_isNaming = false; // the walk is for what others refer to by its name

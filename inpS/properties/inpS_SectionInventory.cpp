@@ -13,11 +13,11 @@ namespace {
 // Whether the keyword gives its ELSET a section: those that stand in the block of sections do. Mass
 // that is no structure and pre-tension lie beside it.
 bool isSection(const inp_Keyword& keyword) {
-  if (keyword.IsInstanceCopy() || keyword.IsSuboption()) return false;
-  if (keyword.Scope().kind == inp_Scope::Kind::Step) return false;
   if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return false;
   const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
-  return block.member == eds_Member::Sections && keyword.HasParameter("elset");
+  if (block.member != eds_Member::Sections) return false;
+  if (keyword.IsInstanceCopy() || keyword.IsSuboption()) return false;
+  return keyword.Scope().kind != inp_Scope::Kind::Step && keyword.HasParameter("elset");
 }
 
 // The elements that some section has had so far, a bit for each.
