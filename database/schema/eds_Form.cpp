@@ -301,12 +301,21 @@ private:
     m_form.rowsField = static_cast<int>(AddField("rows", eds_FieldType::Int).number);
     for (eds_FormItem& item : m_form.columnItems) {
       eds_FormItem::Alternative& one = item.alternatives.front();
-      one.field = static_cast<int>(AddField(item.name, fieldTypeOf(one)).number);
+      // Words and names are places in what the record lists of them.
+      const bool isReal = one.type == eds_FormType::Real;
+      one.field = static_cast<int>(
+          AddField(item.name, isReal ? eds_FieldType::Real : eds_FieldType::Int).number);
       const Field few = AddField(item.name + "_few", eds_FieldType::Bytes);
       item.fewField = static_cast<int>(few.number);
       if (one.type != eds_FormType::Real) few.info.valueType = eds_ValueType::Int32;
       item.arrayField = static_cast<int>(
           AddField(item.name + "_array", eds_FieldType::Ref, eds_RecordKind::Array).number);
+      const auto isText = [](const eds_FormItem::Alternative& type) {
+        return type.type == eds_FormType::Text;
+      };
+      if (std::ranges::any_of(item.alternatives, isText))
+        item.wordsField =
+            static_cast<int>(AddField(item.name + "_words", eds_FieldType::Text).number);
       if (item.isRepeated) {
         const Field perRow = AddField(item.name + "_per_row", eds_FieldType::Int);
         perRow.info.intDefault = 1;

@@ -57,6 +57,7 @@ struct eds_FormItem {
   // Of a bulk column: short ones as bytes, others as an array; one that has the same value in all
   // rows has it in the field of its name.
   int fewField = -1;
+  int wordsField = -1; // of a bulk column that holds words: which there are
   int arrayField = -1;
   bool isOptional = false; // no place is kept for it at the end of a line
   bool isRepeated = false; // of a bulk column: so many values for each row

@@ -386,11 +386,11 @@ bool Driver::ProcessInitialConditions(Labelers& labelers) {
 }
 
 bool Driver::ProcessBoundaryConditions(Labelers& labelers) {
-  return Run<inpS_BoundaryVisitor>(labelers);
+  return RunForms<inpS_BoundaryVisitor>(labelers);
 }
 
 bool Driver::ProcessLoads(Labelers& labelers) {
-  return Run<inpS_LoadVisitor>(labelers);
+  return RunForms<inpS_LoadVisitor>(labelers);
 }
 
 bool Driver::ProcessOutput(Labelers&) {

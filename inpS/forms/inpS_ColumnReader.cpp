@@ -10,7 +10,8 @@ namespace {
 
 bool isTarget(const eds_FormItem& item) {
   const eds_FormType type = item.alternatives.front().type;
-  return type == eds_FormType::Node || type == eds_FormType::Element;
+  return type == eds_FormType::Node || type == eds_FormType::Element ||
+         type == eds_FormType::Reference;
 }
 
 inp_ColumnType typeOf(const eds_FormItem& item) {
@@ -18,12 +19,15 @@ inp_ColumnType typeOf(const eds_FormItem& item) {
   case eds_FormType::Node:
   case eds_FormType::Element:
     return inp_ColumnType::Target;
-  case eds_FormType::Int:
-    return inp_ColumnType::Int;
+  case eds_FormType::Int: // a number of nothing, or a word
+    return item.wordsField >= 0 ? inp_ColumnType::Target : inp_ColumnType::Int;
   case eds_FormType::Real:
     return inp_ColumnType::Real;
+  case eds_FormType::Text:
+  case eds_FormType::Reference:
+    return inp_ColumnType::Word;
   default:
-    utl_assertionFailed("a column holds targets, integers or reals");
+    utl_assertionFailed("a column holds targets, words, integers or reals");
   }
 }
 
@@ -33,11 +37,12 @@ inpS_ColumnReader::inpS_ColumnReader(const inp_Keyword& keyword, const eds_FormI
                                      const KvoSimPosition& record, const inpS_FormNames& names,
                                      inp_Visitor& messages)
     : m_keyword(keyword), m_form(form), m_record(record), m_messages(messages), m_sets(record),
-      m_targets(form.columnItems.size()) {
+      m_targets(form.columnItems.size()), m_words(form.columnItems.size()) {
   for (std::size_t c = 0; c < form.columnItems.size(); ++c) {
     const eds_FormItem& item = form.columnItems[c];
     m_types.push_back(typeOf(item));
     if (isTarget(item)) m_targets[c].emplace(item, names, m_sets);
+    if (item.wordsField >= 0) m_words[c].emplace();
     m_columns.emplace_back(record, item);
   }
 }
@@ -47,6 +52,8 @@ bool inpS_ColumnReader::Read() {
       m_keyword.Data(), m_types, [&](const Piece& piece) { Translate(piece); },
       [&](const Piece& piece) { Take(piece); });
   for (inpS_ColumnStore& column : m_columns) column.Finish();
+  for (std::size_t c = 0; c < m_words.size(); ++c)
+    if (m_words[c]) m_words[c]->Store(m_record.DataRecord(), m_form.columnItems[c].wordsField);
   m_record.DataRecord().SetInt(m_form.rowsField, m_rows);
   if (!m_isWhole) TellFaults();
   return m_isWhole;
@@ -64,17 +71,19 @@ void inpS_ColumnReader::Take(const Piece& piece) {
     const eds_FormItem& item = m_form.columnItems[c];
     if (m_targets[c])
       m_targets[c]->TranslateNames(piece.names, piece.columns[c].ints.first(piece.count));
+    if (m_words[c])
+      m_words[c]->TranslateNames(piece.names, piece.columns[c].ints.first(piece.count));
     if (m_types[c] == inp_ColumnType::Real) {
       if (!item.isRequired) continue;
       for (std::size_t n = 0; n < piece.count; ++n)
         isAny |= (m_isFaulty[n] |= inp_isBlankReal(piece.columns[c].reals[n])) != 0;
       continue;
     }
-    if (m_types[c] == inp_ColumnType::Int && !item.isRequired) continue;
+    if (!m_targets[c] && !item.isRequired) continue;
     for (std::size_t n = 0; n < piece.count; ++n) {
       const int value = piece.columns[c].ints[n];
       const bool isNone = m_targets[c] && value == inpS_noTarget;
-      isAny |= (m_isFaulty[n] |= value == inp_blankInt || isNone) != 0;
+      isAny |= (m_isFaulty[n] |= (item.isRequired && value == inp_blankInt) || isNone) != 0;
     }
   }
   for (const inp_OddRow& odd : piece.odd) {
@@ -126,12 +135,21 @@ bool inpS_ColumnReader::TakeOdd(const Piece& piece, std::size_t slot, long long 
       piece.columns[c].reals[slot] = isBlank ? inp_blankReal : data.AsDouble(row, col);
     else if (isBlank)
       piece.columns[c].ints[slot] = inp_blankInt;
-    else if (m_types[c] == inp_ColumnType::Int)
+    else if (m_types[c] == inp_ColumnType::Int || IsNumberOfWords(c, data, row))
       piece.columns[c].ints[slot] = data.AsInt(row, col);
+    else if (m_words[c])
+      piece.columns[c].ints[slot] = m_words[c]->Of(data.AsStringVerbatim(row, col));
     else
       piece.columns[c].ints[slot] = m_targets[c]->Of(data, row, col);
   }
   return true;
+}
+
+// A number where a word may stand as well.
+bool inpS_ColumnReader::IsNumberOfWords(std::size_t column, const inp_DataArray& data,
+                                        long long row) const {
+  return m_words[column] && m_types[column] == inp_ColumnType::Target &&
+         data.Type(row, static_cast<int>(column)) == inp_FieldType::Integer;
 }
 
 // ---- what cannot be taken
@@ -158,14 +176,16 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
     const auto c = static_cast<std::size_t>(col);
     const eds_FormItem& item = m_form.columnItems[c];
     if (col >= data.Cols(row) || !data.HasValue(row, col)) {
-      if (!item.isRequired && !isTarget(item)) continue;
+      if (!item.isRequired) continue;
       return "The line does not tell its " + item.name + ".";
     }
     const cow_String text = data.AsStringVerbatim(row, col);
     const inp_FieldType type = data.Type(row, col);
     const bool isNumber = type == inp_FieldType::Integer || type == inp_FieldType::Double;
     if (m_types[c] == inp_ColumnType::Real && !isNumber) return "\"" + text + "\" is no number.";
-    if (m_types[c] == inp_ColumnType::Int && type != inp_FieldType::Integer)
+    const bool mayBeWord = m_words[c] && item.alternatives.front().type == eds_FormType::Int;
+    if ((m_types[c] == inp_ColumnType::Int && type != inp_FieldType::Integer) ||
+        (mayBeWord && type == inp_FieldType::Double))
       return "\"" + text + "\" is no integer.";
     if (!m_targets[c] || m_targets[c]->Of(data, row, col) != inpS_noTarget) continue;
     if (isNumber)

@@ -2,6 +2,7 @@
 
 #include "inpS/forms/inpS_ColumnStore.h"
 #include "inpS/forms/inpS_ColumnTargets.h"
+#include "inpS/forms/inpS_ColumnWords.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/forms/inpS_FormValue.h"
 #include <optional>
@@ -27,6 +28,7 @@ private:
   // What the lines that the bulk decode leaves to others say, slot by slot; false: no row.
   bool TakeOdd(const Piece& piece, std::size_t slot, long long row);
   void Drop(const Piece& piece, std::span<const char> isFaulty);
+  bool IsNumberOfWords(std::size_t column, const inp_DataArray& data, long long row) const;
   void TellFaults();
   cow_String FaultOf(long long row, int& col);
 
@@ -37,6 +39,7 @@ private:
   cow_List<inp_ColumnType> m_types;
   inpS_TargetSets m_sets;
   cow_List<std::optional<inpS_ColumnTargets>> m_targets; // by column
+  cow_List<std::optional<inpS_ColumnWords>> m_words;     // of columns that hold words
   cow_List<inpS_ColumnStore> m_columns;
   cow_List<char> m_isFaulty; // of a piece's slots
   long long m_rows = 0;

@@ -176,6 +176,7 @@ inpS_LabelSpaceView inpS_FormNames::Labels(const eds_FormItem& item) const {
 
 bool inpS_FormNames::FindLabel(const eds_FormItem& item, const cow_String& asWritten,
                                long long& ordinal) const {
+  if (item.alternatives.front().type == eds_FormType::Reference) return false; // a name alone
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
   if (parts.size() < 2) return false;
   std::int64_t label = 0;

@@ -79,8 +79,8 @@ void inpS_FormVisitor::VisitWithinStep(const inp_Keyword& keyword) {
     Convert(keyword, m_step, eds_Member::StepKeywords, nullptr);
 }
 
-bool inpS_FormVisitor::IsOfPhase(const inp_Keyword&) const {
-  return false;
+bool inpS_FormVisitor::IsOfPhase(const inp_Keyword& keyword) const {
+  return keyword.Kind() != inp_KwStep && inpS_stepPhaseOf(keyword.Kind()) == m_phase;
 }
 
 void inpS_FormVisitor::Hold(const KvoSimPosition& owner, eds_Member member,

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
 
-// The boundary conditions phase. It converts no keyword yet: they are kept as text.
-class inpS_BoundaryVisitor : public inpS_SetVisitor {
+// What holds nodes, as the deck gives it: conditions within steps.
+class inpS_BoundaryVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_BoundaryVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                       const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::Boundaries, nodes, elements, inventory, ledger) {}
 };

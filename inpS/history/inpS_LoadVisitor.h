@@ -1,9 +1,11 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
 
-// The loads phase. It converts no keyword yet: they are kept as text.
-class inpS_LoadVisitor : public inpS_SetVisitor {
+// What acts on the model within steps, as the deck gives it.
+class inpS_LoadVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_LoadVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory,
+                   inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::Loads, nodes, elements, inventory, ledger) {}
 };

@@ -42,7 +42,7 @@ void inpS_StepVisitor::VisitList(inp_KeywordListRef keywords) {
 }
 
 bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
-  if (keyword.Kind() != inp_KwStep) return true;
+  if (keyword.Kind() != inp_KwStep) return inpS_FormVisitor::IsOfPhase(keyword);
   const auto known = m_facts.find(keyword.Body().get());
   return known == m_facts.end() || !known->second.isRefused;
 }

@@ -3,6 +3,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/eds_DamagedModel.h"
+#include "inpS/forms/inpS_ColumnWords.h"
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/writer/inpS_SetNames.h"
 #include "inpS/writer/inpS_SharedReader.h"
@@ -126,7 +127,7 @@ class Field {
 public:
   Field(const eds_FormItem& item, const KvoSimPosition& position, long long rows,
         const inpS_DeckLabels& labels, const inpS_DeckScope& scope, std::mutex& guard)
-      : m_type(item.alternatives.front().type) {
+      : m_record(position), m_type(item.alternatives.front().type) {
     const KvoSimDataRecord record = position.DataRecord();
     const int field = item.alternatives.front().field;
     if (item.perRowField >= 0) m_perRow = record.GetInt(item.perRowField);
@@ -138,14 +139,16 @@ public:
     }
     m_ints.emplace(record, item, rows, 1,
                    record.IsMemberNull(field) ? inp_blankInt : record.GetInt(field), guard);
-    if (m_type != eds_FormType::Int)
+    if (item.wordsField >= 0)
+      ReadWords(record, item.wordsField);
+    else if (m_type != eds_FormType::Int)
       m_targets.emplace(position, m_type == eds_FormType::Node, labels, scope);
   }
 
   std::size_t Room() const {
     return m_targets ? m_targets->Room()
            : m_reals ? PerRow() * (utl_doubleTextRoom + 2)
-                     : utl_intTextRoom;
+                     : std::max<std::size_t>(utl_intTextRoom, m_wordRoom);
   }
   std::size_t PerRow() const { return static_cast<std::size_t>(m_perRow); }
 
@@ -166,12 +169,32 @@ public:
   char* Print(char* out, const Values& values, std::size_t n) const {
     if (values.IsBlank(n)) return out;
     if (m_targets) return m_targets->Print(out, values.ints[n]);
+    if (m_ints && m_hasWords && values.ints[n] < 0) return PrintWord(out, values.ints[n]);
     return m_reals ? utl_printDouble(out, values.reals[n]) : utl_printInt(out, values.ints[n]);
   }
 
 private:
+  void ReadWords(const KvoSimDataRecord& record, int field) {
+    m_hasWords = true;
+    for (const cow_String& word : inpS_ColumnWords::Stored(record, field)) {
+      m_words.push_back(inpS_quoted(word));
+      m_wordRoom = std::max(m_wordRoom, m_words.back().size());
+    }
+  }
+  char* PrintWord(char* out, int code) const {
+    const auto place = static_cast<std::size_t>(-1LL - code);
+    if (place >= m_words.size())
+      eds_tellDamaged(m_record, "a column names a word that the record does not have");
+    std::memcpy(out, m_words[place].data(), m_words[place].size());
+    return out + m_words[place].size();
+  }
+
+  KvoSimPosition m_record;
   eds_FormType m_type;
   int m_perRow = 1;
+  bool m_hasWords = false;
+  cow_List<cow_String> m_words;
+  std::size_t m_wordRoom = 0;
   std::optional<Column<int>> m_ints;
   std::optional<Column<double>> m_reals;
   std::optional<Targets> m_targets;

@@ -1,0 +1,51 @@
+#include "inpS/forms/inpS_ColumnWords.h"
+#include "parser/inp_Utils.h"
+
+void inpS_ColumnWords::TranslateNames(std::span<const std::string_view> names,
+                                      std::span<int> slots) {
+  if (names.empty()) return;
+  m_codes.assign(names.size(), 0); // names of other columns are no words of this one
+  for (int& slot : slots) {
+    if (!inp_isNameCode(slot)) continue;
+    const auto place = static_cast<std::size_t>(inp_namePlace(slot));
+    int& code = m_codes[place];
+    if (code == 0) code = Of(names[place]);
+    slot = code;
+  }
+}
+
+int inpS_ColumnWords::Of(std::string_view word) {
+  const auto [known, isNew] =
+      m_places.try_emplace(inp_Utils::Fold(word), -1 - static_cast<int>(m_words.size()));
+  if (isNew) m_words.push_back(known->first);
+  return known->second;
+}
+
+// A word of the deck has no comma unless it is quoted, and then it is kept in quotes.
+void inpS_ColumnWords::Store(KvoSimDataRecord record, int field) const {
+  cow_String text;
+  for (const cow_String& word : m_words) {
+    const bool isQuoted = word.find(',') != cow_String::npos;
+    text += (text.empty() ? "" : ",") + (isQuoted ? "\"" + word + "\"" : word);
+  }
+  if (!text.empty()) record.SetString(field, text);
+}
+
+cow_List<cow_String> inpS_ColumnWords::Stored(const KvoSimDataRecord& record, int field) {
+  cow_List<cow_String> words;
+  const std::string_view text = record.GetString(field);
+  bool isQuoted = false;
+  cow_String word;
+  for (const char c : text) {
+    if (c == '"') {
+      isQuoted = !isQuoted;
+    } else if (c == ',' && !isQuoted) {
+      words.push_back(std::move(word));
+      word.clear();
+    } else {
+      word += c;
+    }
+  }
+  if (!text.empty()) words.push_back(std::move(word));
+  return words;
+}

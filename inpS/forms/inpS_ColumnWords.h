@@ -1,0 +1,22 @@
+#pragma once
+
+#include "database/KvoSimDataRecord.h"
+#include "parser/inp_BulkColumns.h"
+#include <unordered_map>
+
+// The words of one bulk column, each once, in the order in which they came: -1 in the column is the
+// first, -2 the second. What is no name but a number that the column takes stays as it is.
+class inpS_ColumnWords {
+public:
+  // The codes of a piece's names become those of words.
+  void TranslateNames(std::span<const std::string_view> names, std::span<int> slots);
+  int Of(std::string_view word); // as written
+  // Into the field of the record, with commas between.
+  void Store(KvoSimDataRecord record, int field) const;
+  static cow_List<cow_String> Stored(const KvoSimDataRecord& record, int field);
+
+private:
+  cow_List<cow_String> m_words;
+  std::unordered_map<cow_String, int> m_places; // of words as they are kept
+  cow_List<int> m_codes;                        // of a piece's names
+};
