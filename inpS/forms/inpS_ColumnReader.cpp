@@ -1,5 +1,6 @@
 #include "inpS/forms/inpS_ColumnReader.h"
 #include "base/utl_Assert.h"
+#include "base/utl_Controls.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_Utils.h"
@@ -79,10 +80,10 @@ void inpS_ColumnReader::Take(const Piece& piece) {
         isAny |= (m_isFaulty[n] |= inp_isBlankReal(piece.columns[c].reals[n])) != 0;
       continue;
     }
-    if (!m_targets[c] && !item.isRequired) continue;
+    if (!m_targets[c] && !m_words[c] && !item.isRequired) continue;
     for (std::size_t n = 0; n < piece.count; ++n) {
       const int value = piece.columns[c].ints[n];
-      const bool isNone = m_targets[c] && value == inpS_noTarget;
+      const bool isNone = (m_targets[c] || m_words[c]) && value == inpS_noTarget;
       isAny |= (m_isFaulty[n] |= (item.isRequired && value == inp_blankInt) || isNone) != 0;
     }
   }
@@ -187,6 +188,8 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
     if ((m_types[c] == inp_ColumnType::Int && type != inp_FieldType::Integer) ||
         (mayBeWord && type == inp_FieldType::Double))
       return "\"" + text + "\" is no integer.";
+    if (m_words[c] && utl_findControl(text) != cow_String::npos)
+      return "The text holds a control character.";
     if (!m_targets[c] || m_targets[c]->Of(data, row, col) != inpS_noTarget) continue;
     if (isNumber)
       return (item.alternatives.front().type == eds_FormType::Node ? "Node " : "Element ") + text +

@@ -1,4 +1,6 @@
 #include "inpS/forms/inpS_ColumnWords.h"
+#include "base/utl_Controls.h"
+#include "inpS/forms/inpS_ColumnTargets.h"
 #include "parser/inp_Utils.h"
 
 void inpS_ColumnWords::TranslateNames(std::span<const std::string_view> names,
@@ -15,6 +17,7 @@ void inpS_ColumnWords::TranslateNames(std::span<const std::string_view> names,
 }
 
 int inpS_ColumnWords::Of(std::string_view word) {
+  if (utl_findControl(word) != std::string_view::npos) return inpS_noTarget;
   const auto [known, isNew] =
       m_places.try_emplace(inp_Utils::Fold(word), -1 - static_cast<int>(m_words.size()));
   if (isNew) m_words.push_back(known->first);

@@ -10,7 +10,7 @@ class inpS_ColumnWords {
 public:
   // The codes of a piece's names become those of words.
   void TranslateNames(std::span<const std::string_view> names, std::span<int> slots);
-  int Of(std::string_view word); // as written
+  int Of(std::string_view word); // as written; inpS_noTarget: it holds what the store keeps none of
   // Into the field of the record, with commas between.
   void Store(KvoSimDataRecord record, int field) const;
   static cow_List<cow_String> Stored(const KvoSimDataRecord& record, int field);

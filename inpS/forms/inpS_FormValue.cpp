@@ -1,5 +1,6 @@
 #include "inpS/forms/inpS_FormValue.h"
 #include "base/utl_Assert.h"
+#include "base/utl_Controls.h"
 #include "base/utl_Number.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
@@ -95,6 +96,8 @@ cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inp
   case eds_FormType::Any:
     utl_assertionFailed("a value of a line has a type of decks");
   }
+  if (utl_findControl(value.text) != std::string_view::npos)
+    return "The text holds a control character."; // the store keeps none of them
   record.SetString(one.field, inp_Utils::Fold(value.text));
   return {};
 }

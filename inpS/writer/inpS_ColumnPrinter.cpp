@@ -72,7 +72,9 @@ public:
       cow_String name;
       if (!instance.IsNull())
         name = inpS_quoted(instance.DataRecord().ReturnString(eds_Instance_Name)) + ".";
-      m_names.push_back(name + inpS_quoted(SetName(named.GetReference(eds_Target_Set))));
+      const KvoSimPosition set = named.GetReference(eds_Target_Set);
+      const bool isSurface = set.IsA(eds_RecordKind::Surface);
+      m_names.push_back(name + inpS_quoted(isSurface ? GetSurfaceName(set) : SetName(set)));
       m_room = std::max(m_room, m_names.back().size());
     }
     for (const cow_String& name : nodes ? labels.nodeInstances : labels.elementInstances)
@@ -202,10 +204,11 @@ private:
 
 using Fields = cow_List<std::unique_ptr<Field>>;
 
-char* printSeparator(char* out, std::size_t place) {
+// The values of a repeated column go on over further lines; a row of any other is one line.
+char* printSeparator(char* out, std::size_t place, bool goesOn) {
   if (place == 0) return out;
   *out++ = ',';
-  *out++ = place % kFieldsPerLine == 0 ? '\n' : ' ';
+  *out++ = goesOn && place % kFieldsPerLine == 0 ? '\n' : ' ';
   return out;
 }
 
@@ -218,7 +221,7 @@ char* printLine(char* out, const Fields& fields, const cow_List<Field::Values>& 
   for (std::size_t c = 0; c < count; ++c) {
     const std::size_t perRow = fields[c]->PerRow();
     for (std::size_t k = 0; k < perRow; ++k)
-      out = fields[c]->Print(printSeparator(out, place++), values[c], n * perRow + k);
+      out = fields[c]->Print(printSeparator(out, place++, perRow > 1), values[c], n * perRow + k);
   }
   *out++ = '\n';
   return out;
@@ -237,7 +240,7 @@ public:
     m_text.resize(4 + defaults.size() * (utl_doubleTextRoom + 2));
     char* out = m_text.data();
     for (std::size_t k = 0; k < defaults.size(); ++k)
-      out = utl_printDouble(printSeparator(out, k + 1), defaults[k]);
+      out = utl_printDouble(printSeparator(out, k + 1, true), defaults[k]);
     *out++ = '\n';
     m_text.resize(static_cast<std::size_t>(out - m_text.data()));
     m_row = record.GetInt64(form.defaultRowField);

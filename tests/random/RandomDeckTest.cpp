@@ -201,7 +201,8 @@ protected:
   }
 
   void RoundTrip() const {
-    ASSERT_EQ(ProgramRun({"check", File("a.sim")}).exitCode, 0);
+    const ProgramRun check({"check", File("a.sim")});
+    ASSERT_EQ(check.exitCode, 0) << check.out << check.err;
     ASSERT_EQ(ProgramRun({"write", File("a.sim"), "-o", File("a.inp"), "--force"}).exitCode, 0);
     const ProgramRun again = Convert("a.inp", "b.sim");
     ASSERT_EQ(again.exitCode, 0) << again.err.substr(0, 3000);
