@@ -6,6 +6,7 @@
 #include "inpS/driver/inpS_Phases.h"
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
+#include "inpS/history/inpS_History.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
 #include "inpS/messages/inpS_MessageContainer.h"
@@ -173,6 +174,7 @@ bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) try {
   const bool converted = RunPhases(Phases(), "inp2sim-", labelers);
   // Last: its texts stand in deck order behind everything that was converted.
   const bool kept = KeepVerbatim(false);
+  inpS_deriveHistory(document);
   End();
   return converted && kept;
 } catch (...) {
@@ -213,6 +215,7 @@ bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) try {
   Labelers labelers;
   const bool converted = RunPhases(RestartPhases(), "inp2sim-", labelers);
   const bool kept = KeepVerbatim(true); // last, as the phases tell what else goes with them
+  inpS_deriveHistory(document);
   End();
   return converted && kept;
 } catch (...) {
@@ -227,6 +230,7 @@ bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
   labelers.elements.emplace(document, 1);
   ProcessSteps(labelers);
   ProcessOutput(labelers);
+  inpS_deriveHistory(document);
   return true;
 } catch (...) {
   inpS_passOn();

@@ -10,6 +10,14 @@
 
 namespace {
 
+// Of several types the flag: YES goes without saying.
+bool isBare(const eds_FormItem& item, const KvoSimDataRecord& record) {
+  for (const eds_FormItem::Alternative& one : item.alternatives)
+    if (!record.IsMemberNull(one.field))
+      return one.type == eds_FormType::Flag && record.GetBool(one.field);
+  return false;
+}
+
 void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord& record,
                   const inpS_KeptPart& beside, const KvoSrvFsmFTable& table) {
   out << '*' << inp_KeywordTable::Instance().Row(form.keyword)->name;
@@ -18,7 +26,9 @@ void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord
     if (parameter.codec != inpS_Codec::Item) {
       inpS_printParameters(out, std::span(&parameter, 1), record);
     } else if (inpS_hasValue(*form.items[n], record)) {
-      out << ", " << parameter.name << '=';
+      out << ", " << parameter.name;
+      if (isBare(*form.items[n], record)) continue;
+      out << '=';
       inpS_printValue(out, *form.items[n], record);
     }
   }
@@ -85,7 +95,7 @@ void printLines(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& po
     return inpS_printWords(out, record.GetString(form.info->words.alternatives.front().field));
   case eds_FormData::Records:
     for (const KvoSimPosition& line : position.GetVector(eds_Member::Lines))
-      printLine(out, eds_formOf(form.info->record)->lines.front(), line.DataRecord());
+      printLine(out, eds_formOf(form.info->record)->lines.front(), line.DataRecord(), true);
     return;
   case eds_FormData::Table:
   case eds_FormData::Plain:

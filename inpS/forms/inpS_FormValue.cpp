@@ -30,9 +30,7 @@ cow_String takeReference(const Alternative& one, const inpS_FormValue& value,
 cow_String takeLabel(const Alternative& one, const inpS_FormValue& value,
                      const inpS_FormNames& names, KvoSimDataRecord& record) {
   const inpS_FormNames::Label label = names.FindLabel(one.type, value.text);
-  if (!label.isKnown)
-    return (one.type == eds_FormType::Node ? "Node \"" : "Element \"") +
-           inp_Utils::Fold(value.text) + "\" does not exist.";
+  if (!label.isKnown) return names.TextOfMissing(one.type, inp_Utils::Fold(value.text));
   record.SetInt(one.field, label.number);
   if (!label.instance.IsNull()) record.SetReference(one.instanceField, label.instance);
   return {};
@@ -160,6 +158,12 @@ cow_String inpS_FormNames::TextOfMissing(const eds_Referable& referable,
   return inp_Utils::Format(cow_String(text).c_str(), name.c_str());
 }
 
+cow_String inpS_FormNames::TextOfMissing(eds_FormType type, const cow_String& asWritten) const {
+  const bool isNode = type == eds_FormType::Node;
+  if (isNode && m_textOfNode) return m_textOfNode(asWritten);
+  return (isNode ? "Node \"" : "Element \"") + asWritten + "\" does not exist.";
+}
+
 namespace {
 
 Kind labelKind(eds_FormType type) {
@@ -205,6 +209,7 @@ inpS_FormNames::Label inpS_FormNames::FindLabel(eds_FormType type,
   const char* const end = digits.data() + digits.size();
   if (utl_readInt(digits.data(), end, number) != end || number != static_cast<int>(number))
     return label;
+  label.isNumber = true;
   const Kind kind = labelKind(type);
   const bool isScoped = parts.size() > 1;
   const inpS_SetVisitor::LabelSpace space =
@@ -224,7 +229,11 @@ cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
   for (const Alternative& one : item.alternatives) {
     const cow_String other = takeAs(one, value, names, record);
     if (other.empty()) return {};
-    const bool isName = one.type == eds_FormType::Reference && value.type == inp_FieldType::String;
+    const eds_FormType first = item.alternatives.front().type;
+    const bool isLabel = (first == eds_FormType::Node || first == eds_FormType::Element) &&
+                         names.FindLabel(first, value.text).isNumber;
+    const bool isName = one.type == eds_FormType::Reference &&
+                        value.type == inp_FieldType::String && !isLabel;
     if (fault.empty() || isName) fault = other; // a word is about a name rather than no number
   }
   return fault;

@@ -36,6 +36,10 @@ public:
   // visitor's own.
   cow_String TextOfMissing(const eds_Referable& referable, const cow_String& name) const;
   void SetTextOfMissing(std::string_view word, std::string_view text) { m_texts[word] = text; }
+  // The same of a label, and of a node's, as it is written; empty: as of any.
+  cow_String TextOfMissing(eds_FormType type, const cow_String& asWritten) const;
+  using TextOfNode = cow_String (*)(const cow_String& asWritten);
+  void SetTextOfMissingNode(TextOfNode text) { m_textOfNode = text; }
 
   // Of an item that takes labels of nodes or elements.
   inpS_LabelSpaceView Labels(const eds_FormItem& item) const;
@@ -45,6 +49,7 @@ public:
   // A node's or element's, alone or as "instance.label".
   struct Label {
     bool isKnown = false;
+    bool isNumber = false; // alone or behind an instance
     int number = 0;
     KvoSimPosition instance; // that the label was scoped by
   };
@@ -53,6 +58,7 @@ public:
 private:
   const inpS_SetVisitor& m_place;
   cow_Map<std::string_view, std::string_view> m_texts; // by referable
+  TextOfNode m_textOfNode = nullptr;
 };
 
 // The value goes to the first alternative that takes it. What is wrong with it; empty when it has

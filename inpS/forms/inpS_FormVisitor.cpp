@@ -3,6 +3,7 @@
 #include "database/KvoSimTransaction.h"
 #include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/forms/inpS_FormWords.h"
+#include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -331,14 +332,18 @@ bool inpS_FormVisitor::ReadSurplus(const inp_Keyword& keyword, long long lines) 
   return true;
 }
 
-// A record for each line; one that lacks what it is about costs that line.
+// A record for each line; one that lacks what it is about costs that line. Where nothing must be
+// given, a line without a value has its place before one with some.
 bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, eds_RecordKind kind,
                                    const KvoSimPosition& record) {
   const cow_List<eds_FormItem>& items = eds_formOf(kind)->lines.front();
   const inp_DataArray& data = keyword.Data();
+  const bool holdsPlaces = std::ranges::none_of(items, &eds_FormItem::isRequired);
+  long long rows = data.Rows();
+  while (holdsPlaces && rows > first && inpS_isBlank(data, rows - 1)) --rows;
   bool whole = true;
-  for (long long row = first; row < data.Rows(); ++row) {
-    if (isBlankLine(data, row)) continue;
+  for (long long row = first; row < rows; ++row) {
+    if (!holdsPlaces && isBlankLine(data, row)) continue;
     const KvoSimPosition line = record.CreateDataRecord(kind);
     const Line read = ReadLine(keyword, row, items, line);
     whole = whole && read == Line::Whole;

@@ -49,6 +49,7 @@ protected:
   virtual cow_List<inpS_TableColumns::Column> ColumnsOf(const inp_Keyword& keyword,
                                                         const inpS_Form& form);
   inpS_FormNames& Names() { return m_names; }
+  bool IsMeshLeftOut() const { return m_isMeshLeftOut; }
   inpS_Ledger& Ledger() { return m_ledger; }
 
   // The record of the step that is open; null: none is, or it is kept as text.

@@ -5,6 +5,7 @@
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
+#include <algorithm>
 
 namespace {
 
@@ -18,11 +19,22 @@ bool isExplicitDynamics(const inp_Keyword& keyword) {
          (keyword.Kind() == inp_KwDynamic && keyword.HasParameter("explicit"));
 }
 
+// Of the node whose displacement an arc-length analysis watches.
+cow_String textOfMissingNode(const cow_String& asWritten) {
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
+  const cow_String& label = parts.empty() ? asWritten : parts.back();
+  const cow_String instance =
+      parts.size() > 1 ? " in instance " + parts[parts.size() - 2] : cow_String();
+  return "Node " + label + instance +
+         " at which to monitor displacement in a RIKS analysis does not exist";
+}
+
 } // namespace
 
 // ---- what is known of a step beforehand
 
 void inpS_StepVisitor::Look(inp_KeywordListRef keywords) {
+  m_facts.clear();
   Facts* facts = nullptr;
   for (const inp_Keyword& keyword : keywords) {
     if (keyword.Kind() == inp_KwStep) facts = &m_facts[keyword.Body().get()];
@@ -30,10 +42,37 @@ void inpS_StepVisitor::Look(inp_KeywordListRef keywords) {
     if (keyword.Scope().kind != inp_Scope::Kind::Step) continue;
     if (facts->procedure == inp_NullKeyword) facts->procedure = keyword.Kind();
     facts->isExplicit = facts->isExplicit || isExplicitDynamics(keyword);
-    if (facts->isRefused) continue;
-    facts->isRefused = inpS_hasUnknownWord(keyword) || !Choose(keyword, nullptr);
-    if (facts->isRefused) facts->culprit = keyword;
+    facts->isFluid = facts->isFluid || keyword.Kind() == inp_KwCfd;
+    if (!facts->isRefused) Judge(keyword, *facts);
   }
+}
+
+void inpS_StepVisitor::Judge(const inp_Keyword& procedure, Facts& facts) {
+  Enter(procedure);
+  const inpS_Form* form = inpS_hasUnknownWord(procedure) ? nullptr : Choose(procedure, nullptr);
+  facts.isRefused = !form || LacksWhatItNames(procedure, *form);
+  if (!facts.isRefused) return;
+  wip_Message message = inp_Utils::MessageInKeyword(
+      procedure, "*" + procedure.Name() + " cannot be converted; its step is kept as text.");
+  message.tellsKept = true;
+  AddWarning(std::move(message));
+}
+
+// A parameter of it that names a set must find it: that is told.
+bool inpS_StepVisitor::LacksWhatItNames(const inp_Keyword& procedure, const inpS_Form& form) {
+  for (std::size_t n = 0; n < form.parameters.size(); ++n) {
+    const eds_FormItem& item = *form.items[n];
+    const eds_Referable* referable = item.alternatives.front().referable;
+    const inp_Item* value = procedure.Find(form.parameters[n].key);
+    if (!referable || !value || item.alternatives.size() > 1) continue;
+    if (!Names().Find(*referable, value->Verbatim()).set.IsNull()) continue;
+    if (!IsMeshLeftOut())
+      Tell(procedure,
+           inp_Utils::MessageAtParameter(procedure, form.parameters[n].key,
+                                         Names().TextOfMissing(*referable, value->AsString())));
+    return true;
+  }
+  return false;
 }
 
 void inpS_StepVisitor::VisitList(inp_KeywordListRef keywords) {
@@ -47,13 +86,40 @@ bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
   return known == m_facts.end() || !known->second.isRefused;
 }
 
-// ---- the step closes
+// What a procedure says wrongly the analysis cannot go without.
+bool inpS_StepVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
+  return isProcedure(kind);
+}
+
+// ---- the step opens and closes
+
+// What steps without a procedure leave to it.
+void inpS_StepVisitor::Open(const inp_Keyword& keyword) {
+  const auto known = m_facts.find(keyword.Body().get());
+  m_open = known == m_facts.end() ? nullptr : &known->second;
+  m_procedure = {};
+  m_dampings.clear();
+  m_given.clear();
+  for (const inp_Parameter& parameter : keyword.Parameters())
+    if (parameter.name != "name") m_given.push_back(inpS_spelledName(parameter));
+  cow_String left;
+  for (const cow_String& name : m_left) {
+    if (std::ranges::find(m_given, name) != m_given.end()) continue;
+    left += (left.empty() ? "" : ", ") + name;
+    m_given.push_back(name);
+  }
+  m_left.clear();
+  if (!left.empty())
+    Warning(keyword, "The step before has no procedure; what it says holds in this one, too: " +
+                         left + ".");
+}
 
 void inpS_StepVisitor::VisitEndStep(const inp_Keyword& keyword) {
   if (OpenStep().IsNull()) return;
-  if (!m_open || m_open->procedure == inp_NullKeyword)
-    Warning(keyword, "No procedure is defined. What the step's parameters say holds for the next "
-                     "step too, where that does not say otherwise.");
+  if (!m_open || m_open->procedure == inp_NullKeyword) {
+    Warning(keyword, "No procedure is defined.");
+    m_left = m_given;
+  }
   SetDamping();
   inpS_keepUnused(keyword, OpenStep(), *this, inpS_closingRow);
   Ledger().Take(keyword, OpenStep());
@@ -83,38 +149,46 @@ void inpS_StepVisitor::SetDamping() {
 
 // ---- what a row cannot say
 
+bool inpS_StepVisitor::MayConvert(const inp_Keyword&, const inpS_Form& form) {
+  Names().SetTextOfMissingNode(form.kind == eds_RecordKind::StaticRiks ? textOfMissingNode
+                                                                       : nullptr);
+  return true;
+}
+
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                  const KvoSimPosition& record) {
   if (m_procedure.IsNull() && !keyword.IsSuboption() && isProcedure(keyword.Kind()))
     m_procedure = record;
-  switch (form.kind) {
-  case eds_RecordKind::Step: {
-    const auto known = m_facts.find(keyword.Body().get());
-    m_open = known == m_facts.end() ? nullptr : &known->second;
-    m_procedure = {};
-    m_dampings.clear();
-    return;
-  }
-  case eds_RecordKind::GlobalDamping:
+  switch (keyword.Kind()) {
+  case inp_KwStep:
+    return Open(keyword);
+  case inp_KwGlobalDamping:
     m_dampings.emplace_back(keyword, record);
     return;
-  case eds_RecordKind::StaticRiks:
-  case eds_RecordKind::DynamicImplicit:
-    CheckExtrapolation(keyword);
-    return CheckStatic(keyword);
-  case eds_RecordKind::Static:
-    return CheckStatic(keyword);
-  case eds_RecordKind::BulkViscosity:
+  case inp_KwStatic:
+  case inp_KwDynamic:
+  case inp_KwHeatTransfer:
+    return CheckProcedure(keyword, form);
+  case inp_KwCfd:
+    return CheckCfd(keyword);
+  case inp_KwMomentumEquationSolver:
+  case inp_KwPressureEquationSolver:
+  case inp_KwEnergyEquationSolver:
+  case inp_KwTransportEquationSolver:
+  case inp_KwTurbulenceEquationSolver:
+    return CheckEquationSolver(keyword);
+  case inp_KwControls:
+    return CheckControls(keyword, form);
+  case inp_KwBulkViscosity:
     if (m_open && !m_open->isExplicit)
       Warning(keyword, "The *BULK VISCOSITY option is only meaningful in a Trelvo/Explicit dynamic "
                        "analysis.");
     return;
-  case eds_RecordKind::FixedMassScaling:
-  case eds_RecordKind::VariableMassScaling:
-    if (m_open && !m_open->isExplicit)
-      Warning(keyword, "This keyword is not relevant for this step hence will be ignored.");
+  case inp_KwFixedMassScaling:
+  case inp_KwVariableMassScaling:
+    if (m_open && !m_open->isExplicit) TellIrrelevant(keyword);
     return;
-  case eds_RecordKind::SolverControls:
+  case inp_KwSolverControls:
     if (m_open && m_open->isExplicit)
       Warning(keyword, "Solver Controls is not supported for this step.");
     return;
@@ -123,15 +197,70 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   }
 }
 
-void inpS_StepVisitor::CheckStatic(const inp_Keyword& keyword) {
-  if (keyword.HasParameter("fullyplastic"))
+void inpS_StepVisitor::TellIrrelevant(const inp_Keyword& keyword) {
+  Warning(keyword, "This keyword is not relevant for this step hence will be ignored.");
+}
+
+void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form) {
+  if (form.kind == eds_RecordKind::StaticRiks) CheckMonitoring(keyword);
+  if (form.kind == eds_RecordKind::StaticRiks || form.kind == eds_RecordKind::DynamicImplicit)
+    CheckExtrapolation(keyword);
+  if (keyword.Kind() == inp_KwStatic && keyword.HasParameter("fullyplastic"))
     AddWarning(inp_Utils::MessageAtParameter(keyword, "fullyplastic",
                                              "parameter fullyplastic is not supported."));
+  if (keyword.Kind() == inp_KwHeatTransfer && keyword.StringOf("centering", "") == "NODE")
+    AddError(
+        inp_Utils::MessageAtParameter(keyword, "centering",
+                                      "Node-centered heat transfer in CFD is not supported."));
+}
+
+// Displacements and rotations are watched, nothing else.
+void inpS_StepVisitor::CheckMonitoring(const inp_Keyword& keyword) {
+  constexpr int dofColumn = 6;
+  constexpr long long mostDof = 6;
+  const inp_DataArray& data = keyword.Data();
+  if (data.Rows() == 0 || data.Cols(0) <= dofColumn || !data.IsInteger(0, dofColumn)) return;
+  const long long dof = data.AsInt64(0, dofColumn);
+  if (dof >= 1 && dof <= mostDof) return;
+  AddError(inp_Utils::MessageAtField(
+      keyword, 0, dofColumn,
+      inp_Utils::Format(
+          "Nodal dof %lld at which to monitor displacement in a RIKS analysis is invalid", dof)));
 }
 
 void inpS_StepVisitor::CheckExtrapolation(const inp_Keyword& keyword) {
   static const int field = eds_formField(eds_RecordKind::Step, "extrapolation");
-  if (OpenStep().DataRecord().ReturnString(field) == "NO")
+  if (OpenStep().DataRecord().GetString(field) == "NO")
     Warning(keyword, "EXTRAPOLATION=NO is not permitted with this step type. Default Extrapolation "
                      "will be used.");
+}
+
+// Explicit dynamics has no iterations to control; fluid and structure are of fluid dynamics.
+void inpS_StepVisitor::CheckControls(const inp_Keyword& keyword, const inpS_Form& form) {
+  if (!m_open) return;
+  const bool isFluidStructure = form.kind == eds_RecordKind::ControlsFluidStructure;
+  if (m_open->isExplicit || isFluidStructure != m_open->isFluid) TellIrrelevant(keyword);
+  if (isFluidStructure) CheckFluidStructure(keyword);
+}
+
+void inpS_StepVisitor::CheckFluidStructure(const inp_Keyword& keyword) {
+  constexpr const char* notWhole[] = {"Minimum number of remesh increments must be an integer.",
+                                      "Maximum number of remesh increments must be an integer."};
+  constexpr const char* notPositive[] = {
+      "Minimum number of remesh increments must be greater than 0",
+      "Maximum number of remesh increments must be greater than 0",
+      "FSI penalty scale factor must be greater than zero.",
+      "Density ratio must be greater than zero.",
+      "Linear convergence tolerance must be greater than zero."};
+  const inp_DataArray& data = keyword.Data();
+  if (data.Rows() == 0) return;
+  for (int col = 0; col < std::min(data.Cols(0), static_cast<int>(std::size(notPositive))); ++col) {
+    if (!data.HasValue(0, col)) continue;
+    const char* fault = nullptr;
+    if (col < static_cast<int>(std::size(notWhole)) && !data.IsInteger(0, col))
+      fault = notWhole[col];
+    else if (!(data.AsDouble(0, col) > 0))
+      fault = notPositive[col];
+    if (fault) AddError(inp_Utils::MessageAtField(keyword, 0, col, fault));
+  }
 }

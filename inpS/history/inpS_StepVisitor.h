@@ -6,7 +6,7 @@
 // The steps phase: each step becomes a record that holds its procedure and the keywords that go
 // with it by their place in the deck. What its keywords are that nothing converts stays within the
 // step as text. A step whose procedure cannot be modelled is kept as text as a whole, never a half
-// of it.
+// of it. What fluid dynamics asks of its keywords is in inpS_StepVisitorCfd.cpp.
 class inpS_StepVisitor : public inpS_FormVisitor {
 public:
   inpS_StepVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory,
@@ -18,6 +18,8 @@ public:
 
 protected:
   bool IsOfPhase(const inp_Keyword& keyword) const override;
+  bool IsErrorToLack(inp_KeywordEnm kind) const override;
+  bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;
 
@@ -26,16 +28,31 @@ private:
   struct Facts {
     inp_KeywordEnm procedure = inp_NullKeyword; // the first; null: it has none
     bool isExplicit = false;
+    bool isFluid = false;
     bool isRefused = false; // a procedure of it cannot be modelled
-    inp_Keyword culprit{};
   };
   void Look(inp_KeywordListRef keywords);
-  void CheckStatic(const inp_Keyword& keyword);
   void SetDamping();
+  void Judge(const inp_Keyword& procedure, Facts& facts);
+  bool LacksWhatItNames(const inp_Keyword& procedure, const inpS_Form& form);
+  void Open(const inp_Keyword& keyword);
+  void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckMonitoring(const inp_Keyword& keyword);
   void CheckExtrapolation(const inp_Keyword& keyword);
+  void CheckControls(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckFluidStructure(const inp_Keyword& keyword);
+  void TellIrrelevant(const inp_Keyword& keyword);
+
+  // Of fluid dynamics.
+  void CheckCfd(const inp_Keyword& keyword);
+  void CheckEquationSolver(const inp_Keyword& keyword);
+  void CheckSmoother(const inp_Keyword& keyword, const cow_String& type);
 
   std::unordered_map<const inp_KeywordBody*, Facts> m_facts;   // by *STEP
   const Facts* m_open = nullptr;                               // of the step that is open
   KvoSimPosition m_procedure;                                  // likewise, its first
   cow_List<std::pair<inp_Keyword, KvoSimPosition>> m_dampings; // likewise, all global damping
+  // Parameters of *STEP in the steps right before without a procedure, and in the one that is open.
+  cow_List<cow_String> m_left;
+  cow_List<cow_String> m_given;
 };

@@ -1,0 +1,317 @@
+#include "inpS/history/inpS_History.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimTransaction.h"
+#include "database/schema/eds_Form.h"
+#include "inpS/history/inpS_ProcedureKind.h"
+#include "inpS/keywords/inpS_KeptParts.h"
+#include <algorithm>
+#include <optional>
+#include <unordered_map>
+
+namespace {
+
+using Kind = eds_RecordKind;
+using Procedure = inpS_ProcedureKind;
+using Family = Procedure::Family;
+
+// Numbers of the store's vocabularies.
+enum Incrementation { NoIncrements, AutomaticIncrements, FixedIncrements };
+enum Stabilization { NotStabilized, ByEnergy, ByFactor };
+constexpr int kStepUnderLinear = 0;
+
+// ---- what *STEP says
+
+// What holds from step to step: reset where a step with a procedure ends.
+struct Said {
+  std::optional<int> amplitude;
+  std::optional<int> extrapolation;
+  std::optional<int> storage;
+  std::optional<bool> convertSdi;
+  std::optional<bool> nonlinear;
+  std::optional<long long> increments;
+  bool perturbation = false;
+  bool iterative = false;
+  cow_String description;
+};
+
+struct StepFields {
+  int name = eds_formField(Kind::Step, "name");
+  int amplitude = eds_formField(Kind::Step, "amplitude");
+  int convertSdi = eds_formField(Kind::Step, "convert_sdi");
+  int dsa = eds_formField(Kind::Step, "dsa");
+  int extrapolation = eds_formField(Kind::Step, "extrapolation");
+  int increments = eds_formField(Kind::Step, "inc");
+  int nonlinear = eds_formField(Kind::Step, "nlgeom");
+  int perturbation = eds_formField(Kind::Step, "perturbation");
+  int solver = eds_formField(Kind::Step, "solver");
+  int storage = eds_formField(Kind::Step, "unsymm");
+  int lines = eds_formField(Kind::Step, "lines");
+};
+
+std::optional<int> wordOf(const KvoSimDataRecord& record, int field,
+                          std::initializer_list<std::string_view> words) {
+  if (record.IsMemberNull(field)) return std::nullopt;
+  const auto known = std::ranges::find(words, record.GetString(field));
+  if (known == words.end()) return std::nullopt;
+  return static_cast<int>(known - words.begin());
+}
+
+cow_String trimmed(std::string_view name) {
+  while (name.starts_with('"')) name.remove_prefix(1);
+  while (name.ends_with('"')) name.remove_suffix(1);
+  return cow_String(name);
+}
+
+// ---- names
+
+class Names {
+public:
+  // The steps by their number; a step's name is that of its place in the map when all are in.
+  void Take(cow_String name, std::size_t step) {
+    constexpr int most = 50;
+    for (int times = 0; times < most; ++times) {
+      const auto [known, isNew] = m_holders.try_emplace(name, step);
+      if (isNew) return;
+      std::swap(known->second, step);
+      name += "-Old";
+    }
+    m_beyond.emplace_back(name + "-" + std::to_string(step + 1), step);
+  }
+  template <class Take> void ForAll(const Take& take) const {
+    for (const auto& [name, step] : m_holders) take(step, name);
+    for (const auto& [name, step] : m_beyond) take(step, name);
+  }
+
+private:
+  std::unordered_map<cow_String, std::size_t> m_holders;
+  cow_List<std::pair<cow_String, std::size_t>> m_beyond;
+};
+
+// ---- the history
+
+class Deriver {
+public:
+  explicit Deriver(const KvoObjDocument& document)
+      : m_document(document), m_parts(document.Context()) {}
+
+  void Run() {
+    for (KvoSimPosition& old : m_document.Context().GetRecords(Kind::HistoryStep)) old.Remove();
+    const auto steps = m_document.GetModel().Position().GetVector(eds_Member::Steps);
+    cow_List<KvoSimPosition> made;
+    for (std::size_t n = 0; n < steps.size(); ++n) made.push_back(Add(steps[n], n));
+    m_names.ForAll([&](std::size_t n, const cow_String& name) {
+      made[n].DataRecord().SetString(eds_HistoryStep_Name, name);
+    });
+  }
+
+private:
+  KvoSimPosition Add(const KvoSimPosition& step, std::size_t place);
+  void Read(const KvoSimPosition& step);
+  bool IsOdd(const KvoSimPosition& step, std::string_view parameter) const;
+  void SetCommon(KvoSimDataRecord& to, const KvoSimPosition& procedure) const;
+  static KvoSimPosition ProcedureOf(const KvoSimPosition& step);
+
+  const KvoObjDocument& m_document;
+  inpS_KeptParts m_parts;
+  StepFields m_fields;
+  Said m_said;
+  bool m_dsa = false;
+  Names m_names;
+};
+
+// A value that is neither yes nor no is kept beside the record.
+bool Deriver::IsOdd(const KvoSimPosition& step, std::string_view parameter) const {
+  return inpS_holdsParameter(m_parts.FirstOf(step).parameters, parameter);
+}
+
+// What it does not say stays as it is.
+void Deriver::Read(const KvoSimPosition& step) {
+  const KvoSimDataRecord record = step.DataRecord();
+  if (const auto word = wordOf(record, m_fields.amplitude, {"RAMP", "STEP"}))
+    m_said.amplitude = word;
+  if (const auto word = wordOf(record, m_fields.extrapolation,
+                               {"LINEAR", "PARABOLIC", "NO", "VELOCITY PARABOLIC"}))
+    m_said.extrapolation = word;
+  if (const auto word = wordOf(record, m_fields.storage, {"AUTOMATIC", "NO", "YES"}))
+    m_said.storage = word;
+  if (const auto word = wordOf(record, m_fields.convertSdi, {"YES", "NO"}))
+    m_said.convertSdi = *word == 0;
+  if (wordOf(record, m_fields.solver, {"ITERATIVE"})) m_said.iterative = true;
+  if (!record.IsMemberNull(m_fields.nonlinear))
+    m_said.nonlinear = record.GetBool(m_fields.nonlinear);
+  else if (IsOdd(step, "NLGEOM"))
+    m_said.nonlinear = false;
+  if (!record.IsMemberNull(m_fields.dsa))
+    m_dsa = record.GetBool(m_fields.dsa);
+  else if (IsOdd(step, "DSA"))
+    m_dsa = false;
+  if (!record.IsMemberNull(m_fields.increments))
+    m_said.increments = record.GetInt64(m_fields.increments);
+  // Whatever its value, it is there.
+  if (!record.IsMemberNull(m_fields.perturbation) || IsOdd(step, "PERTURBATION"))
+    m_said.perturbation = true;
+  if (const std::string_view lines = record.GetString(m_fields.lines); !lines.empty())
+    m_said.description = lines.substr(0, lines.find('\n'));
+}
+
+KvoSimPosition Deriver::ProcedureOf(const KvoSimPosition& step) {
+  const auto places = step.GetIntKeys(eds_Member::StepKeywords);
+  const auto records = step.FollowMap(eds_Member::StepKeywords);
+  KvoSimPosition first;
+  long long at = 0;
+  for (std::size_t n = 0; n < records.size(); ++n) {
+    if (!Procedure::Of(records[n].Object().RecordKind())) continue;
+    if (!first.IsNull() && places[n] >= at) continue;
+    first = records[n];
+    at = places[n];
+  }
+  return first;
+}
+
+void Deriver::SetCommon(KvoSimDataRecord& to, const KvoSimPosition& procedure) const {
+  constexpr int none = 2;
+  to.SetInt(eds_HistoryStep_Increments, m_said.increments.value_or(100));
+  to.SetBool(eds_HistoryStep_Perturbation, m_said.perturbation);
+  to.SetSymb(eds_HistoryStep_Storage, m_said.storage.value_or(0));
+  to.SetBool(eds_HistoryStep_Dsa, m_dsa);
+  if (m_said.iterative) to.SetBool(eds_HistoryStep_Iterative, true);
+  if (m_said.amplitude) to.SetSymb(eds_HistoryStep_Amplitude, *m_said.amplitude);
+  if (m_said.convertSdi) to.SetBool(eds_HistoryStep_ConvertSdi, *m_said.convertSdi);
+  if (m_said.nonlinear) to.SetBool(eds_HistoryStep_Nonlinear, *m_said.nonlinear);
+  if (!m_said.description.empty())
+    to.SetString(eds_HistoryStep_Description, m_said.description);
+  if (!m_said.extrapolation) return;
+  const bool needsOne = !procedure.IsNull() && (procedure.IsA(Kind::StaticRiks) ||
+                                                procedure.IsA(Kind::DynamicImplicit));
+  to.SetSymb(eds_HistoryStep_Extrapolation, needsOne && *m_said.extrapolation == none
+                                                ? kStepUnderLinear
+                                                : *m_said.extrapolation);
+}
+
+// ---- what its procedure says
+
+void setReal(KvoSimDataRecord& to, int field, const std::optional<double>& value) {
+  if (value) to.SetDouble(field, *value);
+}
+
+void setIncrements(KvoSimDataRecord& to, const Procedure& of, Kind kind,
+                   const KvoSimDataRecord& record) {
+  const double period = Procedure::Real(record, of.period).value_or(1.);
+  const bool isFixed = of.IsFixed(kind, record);
+  to.SetDouble(eds_HistoryStep_Period, period);
+  to.SetSymb(eds_HistoryStep_Incrementation, isFixed ? FixedIncrements : AutomaticIncrements);
+  double initial = Procedure::Real(record, of.initial).value_or(isFixed ? 1. : 0.);
+  if (kind == Kind::StaticRiks && !isFixed)
+    initial = Procedure::Real(record, of.initial).value_or(1.);
+  if (isFixed && initial == 0) initial = period;
+  to.SetDouble(eds_HistoryStep_Initial, initial);
+  if (isFixed) {
+    to.SetBool(eds_HistoryStep_NoStop, of.IsNoStop(record));
+  } else {
+    to.SetDouble(eds_HistoryStep_Minimum, Procedure::Real(record, of.minimum).value_or(0.));
+    to.SetDouble(eds_HistoryStep_Maximum, Procedure::Real(record, of.maximum).value_or(0.));
+  }
+  setReal(to, eds_HistoryStep_TemperatureChange, Procedure::Real(record, of.deltmx));
+  setReal(to, eds_HistoryStep_CreepTolerance, Procedure::Real(record, of.cetol));
+  setReal(to, eds_HistoryStep_PressureChange, Procedure::Real(record, of.utol));
+  setReal(to, eds_HistoryStep_ConcentrationChange, Procedure::Real(record, of.dcmax));
+  setReal(to, eds_HistoryStep_HalfIncrementResidual, Procedure::Real(record, of.haftol));
+  setReal(to, eds_HistoryStep_LoadFactor, Procedure::Real(record, of.loadFactor));
+  if (of.mxdem >= 0)
+    to.SetDouble(eds_HistoryStep_EmissivityChange,
+                 Procedure::Real(record, of.mxdem).value_or(0.01));
+  if (Procedure::Flag(record, of.steadyState)) to.SetBool(eds_HistoryStep_SteadyState, true);
+  if (Procedure::HasWord(record, of.end, "SS"))
+    setReal(to, eds_HistoryStep_EndCriterion, Procedure::Real(record, of.rate));
+}
+
+void setStabilization(KvoSimDataRecord& to, const Procedure& of, const KvoSimDataRecord& record) {
+  if (of.stabilize < 0) return;
+  const auto fraction = Procedure::Real(record, of.stabilize);
+  const auto factor = Procedure::Real(record, of.factor);
+  if (!fraction && !Procedure::Flag(record, of.stabilizeFlag)) return;
+  to.SetSymb(eds_HistoryStep_Stabilization, factor ? ByFactor : ByEnergy);
+  if (factor) to.SetDouble(eds_HistoryStep_DampingFactor, *factor);
+  if (fraction || !factor)
+    to.SetDouble(eds_HistoryStep_EnergyFraction, fraction.value_or(0.0002));
+  to.SetDouble(eds_HistoryStep_EnergyTolerance,
+               Procedure::Real(record, of.allsdtol).value_or(0.05));
+  to.SetBool(eds_HistoryStep_KeepDamping, Procedure::HasWord(record, of.keepDamping, "YES"));
+}
+
+void setModes(KvoSimDataRecord& to, const Procedure& of, const KvoSimDataRecord& record) {
+  if (of.count >= 0 && !record.IsMemberNull(of.count))
+    to.SetInt(eds_HistoryStep_Eigenvalues, record.GetInt64(of.count));
+  setReal(to, eds_HistoryStep_LowestFrequency, Procedure::Real(record, of.minimum));
+  setReal(to, eds_HistoryStep_HighestFrequency, Procedure::Real(record, of.maximum));
+}
+
+void setRanges(KvoSimDataRecord& to, const KvoSimPosition& procedure) {
+  static const int lower = eds_formField(Kind::FrequencyRange, "lower");
+  static const int upper = eds_formField(Kind::FrequencyRange, "upper");
+  const auto lines = procedure.GetVector(eds_Member::Lines);
+  to.SetInt(eds_HistoryStep_Ranges, static_cast<int64_t>(lines.size()));
+  std::optional<double> least;
+  std::optional<double> most;
+  for (const KvoSimPosition& line : lines) {
+    const KvoSimDataRecord record = line.DataRecord();
+    const double from = record.GetDouble(lower);
+    const double until = Procedure::Real(record, upper).value_or(from);
+    least = std::min(least.value_or(from), from);
+    most = std::max(most.value_or(until), std::max(from, until));
+  }
+  setReal(to, eds_HistoryStep_LowestFrequency, least);
+  setReal(to, eds_HistoryStep_HighestFrequency, most);
+}
+
+void setProcedure(KvoSimDataRecord& to, const KvoSimPosition& procedure, bool isPerturbation) {
+  const Kind kind = procedure.Object().RecordKind();
+  const Procedure& of = *Procedure::Of(kind);
+  const KvoSimDataRecord record = procedure.DataRecord();
+  const bool isEvent = isPerturbation && (kind == Kind::Static || kind == Kind::StaticRiks);
+  to.SetReference(eds_HistoryStep_Procedure, procedure);
+  to.SetSymb(eds_HistoryStep_Registration,
+             static_cast<int>(isEvent ? Procedure::Registration::Event : of.registration));
+  // A linear perturbation takes no time.
+  const Family family = isEvent ? Family::None : of.family;
+  if (family == Family::Time) {
+    setIncrements(to, of, kind, record);
+    setStabilization(to, of, record);
+  } else {
+    to.SetSymb(eds_HistoryStep_Incrementation, NoIncrements);
+  }
+  if (family == Family::Modes) setModes(to, of, record);
+  if (family == Family::Ranges) setRanges(to, procedure);
+}
+
+KvoSimPosition Deriver::Add(const KvoSimPosition& step, std::size_t place) {
+  Read(step);
+  const KvoSimPosition procedure = ProcedureOf(step);
+  const KvoSimPosition made = step.CreateDataRecord(Kind::HistoryStep);
+  KvoSimDataRecord record = made.DataRecord();
+  const auto number = static_cast<int64_t>(place) + 1;
+  cow_String name = trimmed(step.DataRecord().GetString(m_fields.name));
+  if (name.empty()) name = "Step-" + std::to_string(number);
+  record.SetInt(eds_HistoryStep_Number, number);
+  record.SetReference(eds_HistoryStep_Step, step);
+  SetCommon(record, procedure);
+  if (procedure.IsNull()) {
+    record.SetString(eds_HistoryStep_Name, name);
+    return made;
+  }
+  setProcedure(record, procedure, m_said.perturbation);
+  m_names.Take(std::move(name), place);
+  m_said = {};
+  return made;
+}
+
+} // namespace
+
+void inpS_deriveHistory(const KvoObjDocument& document) {
+  const auto has = [&](Kind kind) { return !document.Context().GetRecords(kind).empty(); };
+  if (!has(Kind::Step) && !has(Kind::HistoryStep)) return;
+  KvoSimTransaction transaction(document.ContextID());
+  Deriver(document).Run();
+  transaction.Commit();
+}
