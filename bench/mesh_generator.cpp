@@ -386,6 +386,19 @@ void writeReferences(DeckFile& deck, std::size_t count) {
   }
 }
 
+// Steps of five procedures by turns.
+void writeSteps(DeckFile& deck, std::size_t count) {
+  constexpr const char* procedures[] = {
+      "*STATIC\n0.1, 1., 1e-05, 1.\n", "*DYNAMIC, EXPLICIT\n, 0.02\n",
+      "*HEAT TRANSFER, DELTMX=10., END=PERIOD\n0.1, 10., 1e-05, 1.\n",
+      "*FREQUENCY\n12, 1., 1000.\n", "*STEADY STATE DYNAMICS, DIRECT\n10., 100., 5, 1.\n"};
+  deck.Text("*NODE\n1, 0., 0., 0.\n");
+  for (std::size_t step = 0; step < count; ++step) {
+    deck.Text("*STEP, NAME=STEP-").Integer(step + 1).Text(", INC=250\n");
+    deck.Text(procedures[step % std::size(procedures)]).Text("*END STEP\n");
+  }
+}
+
 int run(int argc, char** argv) {
   const std::string_view kind = argc > 3 ? argv[1] : "";
   const std::size_t size = argc > 3 ? std::strtoull(argv[2], nullptr, 10) : 0;
@@ -402,7 +415,8 @@ int run(int argc, char** argv) {
         "mesh_generator columns ROWS DECK [order|names]   a keyword of so many lines\n"
         "mesh_generator axes BRICKS_A_SIDE DECK [order|none]  a section with axes by element\n"
         "mesh_generator sections COUNT DECK [order|none]   sections of one element, or their sets\n"
-        "mesh_generator references COUNT DECK  keywords that each name a set\n",
+        "mesh_generator references COUNT DECK  keywords that each name a set\n"
+        "mesh_generator steps COUNT DECK       steps of five procedures by turns\n",
         stderr);
     return 2;
   }
@@ -432,6 +446,8 @@ int run(int argc, char** argv) {
     writeSections(deck, size, labels != "none");
   else if (kind == "references")
     writeReferences(deck, size);
+  else if (kind == "steps")
+    writeSteps(deck, size);
   else
     throw std::runtime_error("no such kind of deck");
   deck.Close();

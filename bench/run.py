@@ -285,6 +285,15 @@ def measure_materials(bench, processors, count):
                   f"{best.seconds / (11 * count) * 1e6:.1f} µs", "20 µs")
 
 
+def measure_steps(bench, processors, count):
+    """A step is its procedure and what stands in the history for it, too."""
+    _, inps = bench.convert(bench.deck("steps", count), processors)
+    _, back = bench.write(processors, bare=False)
+    for what, best in (("convert", inps), ("write", back)):
+        bench.row(f"{what} {count} steps of five procedures, a step",
+                  f"{best.seconds / count * 1e6:.1f} µs", "30 µs")
+
+
 def measure_table(bench, processors, rows):
     run = Run([bench.table_times, bench.deck("table", rows)], processors)
     times = json.loads(run.output)
@@ -399,6 +408,7 @@ def main():
         measure_keywords(bench, sets[-1])
         measure_small(bench, sets[-1], 20 if words.quick else 50)
         measure_materials(bench, sets[-1], 5000 if words.quick else 20_000)
+        measure_steps(bench, sets[-1], 10_000)
         measure_table(bench, sets[-1], 1_000_000)
         measure_columns(bench, sets[-1], 1_000_000)
         measure_axes(bench, sets[-1], 50 if words.quick else 100)

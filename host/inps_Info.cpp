@@ -5,6 +5,7 @@
 #include "database/eds_ModelReader.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_ElementSections.h"
+#include "host/inps_HistoryList.h"
 #include "host/inps_Input.h"
 #include "host/inps_Json.h"
 #include "host/inps_MaterialList.h"
@@ -21,7 +22,7 @@
 
 namespace {
 
-constexpr std::size_t mostListed = 20; // parts, instances or sections
+constexpr std::size_t mostListed = 20; // parts, instances, sections or steps
 
 void printCounts(aio_ostream& out, const char* title, const inps_ModelSummary::Counts& counts,
                  const char* prefix) {
@@ -71,6 +72,7 @@ void printInfo(aio_ostream& out, const inps_ModelSummary& summary, const KvoObjD
   printParts(out, "parts:", summary.parts);
   printParts(out, "instances:", summary.instances);
   printSections(out, document);
+  inps_printHistory(out, document, mostListed);
   if (summary.nodes > 0) inps_printQuality(out, inps_assessMesh(document));
   printCounts(out, "kept as text:", summary.keptAsText, "*");
   printCounts(out, "records:", summary.records, "");
@@ -142,6 +144,7 @@ inps_Json jsonOf(const inps_Input& input, const KvoObjDocument& document,
                          ? inps_Json()
                          : inps_jsonOfSections(sections, inps_NameChoice({}, {}));
   json["withoutSection"] = inps_jsonOf(inps_elementsWithoutSection(document));
+  json["history"] = inps_jsonOfHistory(document);
   json["quality"] = inps_jsonOf(inps_assessMesh(document));
   return json;
 }

@@ -232,8 +232,8 @@ cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
     const eds_FormType first = item.alternatives.front().type;
     const bool isLabel = (first == eds_FormType::Node || first == eds_FormType::Element) &&
                          names.FindLabel(first, value.text).isNumber;
-    const bool isName = one.type == eds_FormType::Reference &&
-                        value.type == inp_FieldType::String && !isLabel;
+    const bool isName =
+        one.type == eds_FormType::Reference && value.type == inp_FieldType::String && !isLabel;
     if (fault.empty() || isName) fault = other; // a word is about a name rather than no number
   }
   return fault;

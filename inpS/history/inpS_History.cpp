@@ -98,14 +98,21 @@ public:
   void Run() {
     for (KvoSimPosition& old : m_document.Context().GetRecords(Kind::HistoryStep)) old.Remove();
     const auto steps = m_document.GetModel().Position().GetVector(eds_Member::Steps);
+    CountTexts();
     cow_List<KvoSimPosition> made;
-    for (std::size_t n = 0; n < steps.size(); ++n) made.push_back(Add(steps[n], n));
+    Pass(m_document.GetModel().Position());
+    for (std::size_t n = 0; n < steps.size(); ++n) {
+      made.push_back(Add(steps[n], n));
+      Pass(steps[n]);
+    }
     m_names.ForAll([&](std::size_t n, const cow_String& name) {
       made[n].DataRecord().SetString(eds_HistoryStep_Name, name);
     });
   }
 
 private:
+  void CountTexts();
+  void Pass(const KvoSimPosition& before);
   KvoSimPosition Add(const KvoSimPosition& step, std::size_t place);
   void Read(const KvoSimPosition& step);
   bool IsOdd(const KvoSimPosition& step, std::string_view parameter) const;
@@ -117,8 +124,28 @@ private:
   StepFields m_fields;
   Said m_said;
   bool m_dsa = false;
+  long long m_number = 0;
+  // Steps kept as text, by what they stand behind.
+  std::unordered_map<unsigned long long, long long> m_texts;
   Names m_names;
 };
+
+void Deriver::CountTexts() {
+  for (const KvoSimPosition& text : m_document.Context().GetRecords(Kind::VerbatimKeyword)) {
+    const KvoSimDataRecord record = text.DataRecord();
+    if (record.GetString(eds_VerbatimKeyword_Keyword) != "STEP") continue;
+    const KvoSimPosition behind = record.GetReference(eds_VerbatimKeyword_Behind);
+    ++m_texts[(behind.IsNull() ? m_document.GetModel().Position() : behind).Object().Packed()];
+  }
+}
+
+// Steps kept as text count, and have procedures: nothing is left to the next one.
+void Deriver::Pass(const KvoSimPosition& before) {
+  const auto texts = m_texts.find(before.Object().Packed());
+  if (texts == m_texts.end()) return;
+  m_number += texts->second;
+  m_said = {};
+}
 
 // A value that is neither yes nor no is kept beside the record.
 bool Deriver::IsOdd(const KvoSimPosition& step, std::string_view parameter) const {
@@ -179,14 +206,12 @@ void Deriver::SetCommon(KvoSimDataRecord& to, const KvoSimPosition& procedure) c
   if (m_said.amplitude) to.SetSymb(eds_HistoryStep_Amplitude, *m_said.amplitude);
   if (m_said.convertSdi) to.SetBool(eds_HistoryStep_ConvertSdi, *m_said.convertSdi);
   if (m_said.nonlinear) to.SetBool(eds_HistoryStep_Nonlinear, *m_said.nonlinear);
-  if (!m_said.description.empty())
-    to.SetString(eds_HistoryStep_Description, m_said.description);
+  if (!m_said.description.empty()) to.SetString(eds_HistoryStep_Description, m_said.description);
   if (!m_said.extrapolation) return;
-  const bool needsOne = !procedure.IsNull() && (procedure.IsA(Kind::StaticRiks) ||
-                                                procedure.IsA(Kind::DynamicImplicit));
-  to.SetSymb(eds_HistoryStep_Extrapolation, needsOne && *m_said.extrapolation == none
-                                                ? kStepUnderLinear
-                                                : *m_said.extrapolation);
+  const bool needsOne = !procedure.IsNull() &&
+                        (procedure.IsA(Kind::StaticRiks) || procedure.IsA(Kind::DynamicImplicit));
+  to.SetSymb(eds_HistoryStep_Extrapolation,
+             needsOne && *m_said.extrapolation == none ? kStepUnderLinear : *m_said.extrapolation);
 }
 
 // ---- what its procedure says
@@ -233,8 +258,7 @@ void setStabilization(KvoSimDataRecord& to, const Procedure& of, const KvoSimDat
   if (!fraction && !Procedure::Flag(record, of.stabilizeFlag)) return;
   to.SetSymb(eds_HistoryStep_Stabilization, factor ? ByFactor : ByEnergy);
   if (factor) to.SetDouble(eds_HistoryStep_DampingFactor, *factor);
-  if (fraction || !factor)
-    to.SetDouble(eds_HistoryStep_EnergyFraction, fraction.value_or(0.0002));
+  if (fraction || !factor) to.SetDouble(eds_HistoryStep_EnergyFraction, fraction.value_or(0.0002));
   to.SetDouble(eds_HistoryStep_EnergyTolerance,
                Procedure::Real(record, of.allsdtol).value_or(0.05));
   to.SetBool(eds_HistoryStep_KeepDamping, Procedure::HasWord(record, of.keepDamping, "YES"));
@@ -290,7 +314,7 @@ KvoSimPosition Deriver::Add(const KvoSimPosition& step, std::size_t place) {
   const KvoSimPosition procedure = ProcedureOf(step);
   const KvoSimPosition made = step.CreateDataRecord(Kind::HistoryStep);
   KvoSimDataRecord record = made.DataRecord();
-  const auto number = static_cast<int64_t>(place) + 1;
+  const int64_t number = ++m_number;
   cow_String name = trimmed(step.DataRecord().GetString(m_fields.name));
   if (name.empty()) name = "Step-" + std::to_string(number);
   record.SetInt(eds_HistoryStep_Number, number);

@@ -12,6 +12,7 @@
 // - DSA holds from the step that gives it until another one does; before the first it is off.
 // - Where a tolerance makes increments automatic (DELTMX, DCMAX, CETOL, UTOL) and none is given,
 //   increments are fixed; so they are in modal dynamics. A steady state is automatic.
-// - A name that is taken makes the older step's name end in "-Old", once more for each later step of
+// - A name that is taken makes the older step's name end in "-Old", once more for each later step
+// of
 //   that name; beyond fifty the number says how often.
 void inpS_deriveHistory(const KvoObjDocument& document);

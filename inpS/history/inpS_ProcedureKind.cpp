@@ -53,43 +53,51 @@ Procedure::Registration registrationOf(inp_KeywordEnm keyword) {
 
 Procedure procedureOf(Kind kind, inp_KeywordEnm keyword) {
   const eds_RecordInfo& info = *eds_formRecord(kind);
-  const auto field = [&](std::string_view column, std::string_view other = {}) {
-    for (std::size_t n = 0; n < info.fields.size(); ++n)
-      if (info.fields[n].column == column || (!other.empty() && info.fields[n].column == other))
+  // A name may mean another thing elsewhere: END is a word, or a displacement.
+  const auto field = [&](eds_FieldType type, std::string_view column, std::string_view other = {}) {
+    for (std::size_t n = 0; n < info.fields.size(); ++n) {
+      const std::string_view name = info.fields[n].column;
+      if (info.fields[n].type == type && (name == column || (!other.empty() && name == other)))
         return static_cast<int>(n);
+    }
     return -1;
   };
+  const auto real = [&](std::string_view column, std::string_view other = {}) {
+    return field(eds_FieldType::Real, column, other);
+  };
+  const auto flag = [&](std::string_view column) { return field(eds_FieldType::Bool, column); };
+  const auto word = [&](std::string_view column) { return field(eds_FieldType::Text, column); };
   Procedure made;
   made.family = familyOf(kind, keyword);
   made.registration = registrationOf(keyword);
   // That of implicit dynamics is a parameter, too.
-  made.initial = field(kind == Kind::DynamicImplicit ? "initial_increment" : "initial");
-  made.period = field("period", "total");
-  made.minimum = field("minimum");
-  made.maximum = field("maximum");
-  made.direct = field("direct");
-  made.directWord = field("direct_value");
-  made.userControl = field("direct_user_control");
-  made.userControlWord = field("direct_user_control_value");
-  made.isFixed = field("fixed_time_incrementation");
-  made.incrementation = field("incrementation");
-  made.stabilize = field("stabilize");
-  made.stabilizeFlag = field("stabilize_value");
-  made.allsdtol = field("allsdtol");
-  made.keepDamping = field("continue");
-  made.factor = field("factor");
-  made.steadyState = field("steady_state");
-  made.end = field("end");
-  made.rate = field("rate");
-  made.consolidation = field("consolidation");
-  made.deltmx = field("deltmx");
-  made.mxdem = field("mxdem");
-  made.cetol = field("cetol");
-  made.utol = field("utol");
-  made.dcmax = field("dcmax");
-  made.haftol = field("haftol");
-  made.loadFactor = field("load_factor");
-  made.count = field("count");
+  made.initial = real(kind == Kind::DynamicImplicit ? "initial_increment" : "initial");
+  made.period = real("period", "total");
+  made.minimum = real("minimum");
+  made.maximum = real("maximum");
+  made.direct = flag("direct");
+  made.directWord = word("direct_value");
+  made.userControl = flag("direct_user_control");
+  made.userControlWord = word("direct_user_control_value");
+  made.isFixed = flag("fixed_time_incrementation");
+  made.incrementation = word("incrementation");
+  made.stabilize = real("stabilize");
+  made.stabilizeFlag = flag("stabilize_value");
+  made.allsdtol = real("allsdtol");
+  made.keepDamping = word("continue");
+  made.factor = real("factor");
+  made.steadyState = flag("steady_state");
+  made.end = word("end");
+  made.rate = real("rate");
+  made.consolidation = flag("consolidation");
+  made.deltmx = real("deltmx");
+  made.mxdem = real("mxdem");
+  made.cetol = real("cetol");
+  made.utol = real("utol");
+  made.dcmax = real("dcmax");
+  made.haftol = real("haftol");
+  made.loadFactor = real("load_factor");
+  made.count = field(eds_FieldType::Int, "count");
   return made;
 }
 

@@ -26,7 +26,7 @@ cow_String textOfMissingNode(const cow_String& asWritten) {
   const cow_String instance =
       parts.size() > 1 ? " in instance " + parts[parts.size() - 2] : cow_String();
   return "Node " + label + instance +
-         " at which to monitor displacement in a RIKS analysis does not exist";
+         " at which to monitor displacement in a RIKS analysis does not exist.";
 }
 
 } // namespace
@@ -110,8 +110,13 @@ void inpS_StepVisitor::Open(const inp_Keyword& keyword) {
   }
   m_left.clear();
   if (!left.empty())
-    Warning(keyword, "The step before has no procedure; what it says holds in this one, too: " +
-                         left + ".");
+    Warning(keyword,
+            "The step before has no procedure; what it says holds in this one, too: " + left + ".");
+}
+
+// One that is kept as text has a procedure: it leaves nothing to the next one.
+void inpS_StepVisitor::VisitStep(const inp_Keyword& keyword) {
+  if (!IsOfPhase(keyword)) m_left.clear();
 }
 
 void inpS_StepVisitor::VisitEndStep(const inp_Keyword& keyword) {
@@ -209,9 +214,8 @@ void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_For
     AddWarning(inp_Utils::MessageAtParameter(keyword, "fullyplastic",
                                              "parameter fullyplastic is not supported."));
   if (keyword.Kind() == inp_KwHeatTransfer && keyword.StringOf("centering", "") == "NODE")
-    AddError(
-        inp_Utils::MessageAtParameter(keyword, "centering",
-                                      "Node-centered heat transfer in CFD is not supported."));
+    AddError(inp_Utils::MessageAtParameter(keyword, "centering",
+                                           "Node-centered heat transfer in CFD is not supported."));
 }
 
 // Displacements and rotations are watched, nothing else.

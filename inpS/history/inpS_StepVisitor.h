@@ -14,6 +14,7 @@ public:
       : inpS_FormVisitor(inpS_Phase::Steps, nodes, elements, inventory, ledger) {}
 
   void VisitList(inp_KeywordListRef keywords) override;
+  void VisitStep(const inp_Keyword& keyword) override;
   void VisitEndStep(const inp_Keyword& keyword) override;
 
 protected:

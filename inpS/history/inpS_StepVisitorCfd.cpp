@@ -56,8 +56,8 @@ void inpS_StepVisitor::CheckSmoother(const inp_Keyword& keyword, const cow_Strin
   if (data.Rows() < 2 || data.Cols(1) == 0 || !data.HasValue(1, 0)) return;
   const cow_String smoother = inp_Utils::Fold(data.AsStringVerbatim(1, 0));
   if (isOneOf(inp_KeywordTable::BareWord(smoother), {"CHEBYCHEV", "ICC", "ILU", "SSOR"})) return;
-  AddError(inp_Utils::MessageAtField(keyword, 1, 0,
-                                     (type == "AMG" ? cow_String("Unknown AMG")
-                                                    : "Unsupported " + type) +
-                                         " smoother type " + smoother));
+  AddError(inp_Utils::MessageAtField(
+      keyword, 1, 0,
+      (type == "AMG" ? cow_String("Unknown AMG") : "Unsupported " + type) + " smoother type " +
+          smoother));
 }

@@ -132,7 +132,7 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const int block = along ? along->block : BlockOf(keyword);
   if (const KvoSimPosition* record = m_ledger ? m_ledger->RecordOf(keyword) : nullptr;
       record && !keyword.IsSuboption())
-    m_records.insert_or_assign({m_place.owner.Object().Packed(), block}, *record);
+    m_records.insert_or_assign({HolderOf(keyword).Object().Packed(), block}, *record);
   const inpS_TextPlace* told = AsText(keyword);
   const bool isExplained = told && (told->isTold || !told->reason.empty());
   if (!isExplained && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
@@ -152,6 +152,12 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   Keep(keyword, at);
   for (const inp_Keyword& suboption : keyword.Suboptions())
     m_along.try_emplace(suboption.Body().get(), at);
+}
+
+// What holds the keyword's record: a step's is the model.
+KvoSimPosition inpS_VerbatimVisitor::HolderOf(const inp_Keyword& keyword) const {
+  return keyword.Kind() == inp_KwStep ? m_inventory.GetDocument().GetModel().Position()
+                                      : m_place.owner;
 }
 
 // Of a sub-option whose keyword is kept as text: it stands where that one stands, whoever converts

@@ -39,6 +39,7 @@ private:
     int block;
     KvoSimPosition behind; // null: behind all
   };
+  KvoSimPosition HolderOf(const inp_Keyword& keyword) const;
   const Along* AlongOf(const inp_Keyword& keyword) const;
   Along AtOwn(const inp_Keyword& keyword, int block) const;
   void Keep(const inp_Keyword& keyword, const Along& at);

@@ -10,6 +10,7 @@
 #include "database/eds_Exception.h"
 #include "inpS/driver/inpS_Inp2Sim.h"
 #include "inpS/driver/inpS_Module.h"
+#include "inpS/history/inpS_History.h"
 #include "inpS/messages/inpS_Exception.h"
 #include "inpS/writer/inpS_Sim2Inp.h"
 #include "tests/base/TemporaryFolder.h"
@@ -260,6 +261,48 @@ TEST_F(Driver, MemoryThatRunsOutComesThroughTheDoorWithItsText) {
 TEST_F(Driver, RecoveryAlwaysSucceeds) {
   EXPECT_TRUE(Prepare("*ELEMENT, TYPE=NONE\n1, 2\n")
                   .ConvertSubstructureRecovery(KvoObjDocument::InMemory(), "x"));
+}
+
+namespace {
+
+// "1 Step-1", "2 A-Old"
+cow_List<cow_String> historyOf(const KvoObjDocument& document) {
+  cow_List<cow_String> steps;
+  for (const KvoSimPosition& step : document.Context().GetRecords(eds_RecordKind::HistoryStep)) {
+    const KvoSimDataRecord record = step.DataRecord();
+    steps.push_back(std::to_string(record.GetInt64(eds_HistoryStep_Number)) + " " +
+                    record.ReturnString(eds_HistoryStep_Name));
+  }
+  return steps;
+}
+
+} // namespace
+
+// Those of a restart, and of a recovery, come behind the model's own, and the history is of all.
+TEST_F(Driver, StepsThatAreAddedGoOnWithTheHistory) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  ASSERT_TRUE(Prepare(cow_String(kTwoNodes) + "*STEP\n*STATIC\n*END STEP\n"
+                                              "*STEP, NAME=A\n*STATIC\n*END STEP\n")
+                  .Convert(document));
+  EXPECT_EQ(historyOf(document), (cow_List<cow_String>{"1 Step-1", "2 A"}));
+  ASSERT_TRUE(Prepare("*STEP, NAME=A\n*VISCO\n0.5, 2.\n*END STEP\n").ConvertRestart(document));
+  EXPECT_EQ(historyOf(document), (cow_List<cow_String>{"1 Step-1", "2 A-Old", "3 A"}));
+  ASSERT_TRUE(Prepare("*STEP, PERTURBATION\n*FREQUENCY\n4\n*END STEP\n")
+                  .ConvertSubstructureRecovery(document, "x"));
+  const cow_List<cow_String> all = {"1 Step-1", "2 A-Old", "3 A", "4 Step-4"};
+  EXPECT_EQ(historyOf(document), all);
+  inpS_deriveHistory(document); // and finds the same
+  EXPECT_EQ(historyOf(document), all);
+  cow_String deck;
+  utl_Stream out(&deck);
+  std::ostringstream diagnostics;
+  inpS_Sim2Inp(document, 1, false, "", nullptr, diagnostics).Print(out);
+  out.Flush();
+  EXPECT_NE(
+      deck.find("*STEP, NAME=A\n*STATIC\n*END STEP\n*STEP, NAME=A\n*VISCO\n0.5, 2.\n*END STEP\n"
+                "*STEP, PERTURBATION\n*FREQUENCY\n4\n*END STEP\n"),
+      cow_String::npos)
+      << deck;
 }
 
 TEST_F(Driver, HandsParseWarningsOverOnce) {

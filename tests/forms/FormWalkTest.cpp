@@ -57,6 +57,16 @@ const cow_Map<std::string_view, cow_String> sectionTexts = {
 bool isByLabelOrSet(const eds_FormItem& item) {
   return item.alternatives.size() > 1 && item.alternatives.back().referable;
 }
+// What is checked beyond its type: only some values are no error.
+const cow_Map<cow_String, cow_String> soundValues = {{"StaticRiks.dof", "2"},
+                                                     {"Cfd.time_integrator", "BDF2"},
+                                                     {"ControlsFluidStructure.minimum_remesh", "3"},
+                                                     {"ControlsFluidStructure.maximum_remesh", "4"},
+                                                     {"MomentumEquationSolver.type", "DSGMRES"},
+                                                     {"PressureEquationSolver.type", "DSCG"},
+                                                     {"EnergyEquationSolver.type", "ILUGMRES"},
+                                                     {"TransportEquationSolver.type", "ILUGMRES"},
+                                                     {"TurbulenceEquationSolver.type", "ILUGMRES"}};
 
 class FormDeck {
 public:
@@ -143,6 +153,9 @@ private:
     const eds_FormItem::Alternative& one = item.alternatives.front();
     if (one.referable && !targets.contains(one.referable->word)) return {};
     cow_String& value = values[one.field];
+    const cow_String name = cow_String(eds_ModelReader::Info(m_form.kind)->name) + "." + item.name;
+    if (const auto sound = soundValues.find(name); sound != soundValues.end())
+      return value = sound->second;
     switch (one.type) {
     case eds_FormType::Flag:
       value = "1";
@@ -151,6 +164,8 @@ private:
     case eds_FormType::Node:
       m_counts[item.name] = item.name == "stack_direction" ? 2 : Number();
       return value = std::to_string(m_counts[item.name]);
+    case eds_FormType::Element:
+      return value = "1";
     case eds_FormType::Real:
       return value = std::to_string(Number()) + ".5";
     case eds_FormType::Reference:

@@ -1,0 +1,165 @@
+#include "host/inps_HistoryList.h"
+
+#include "database/KvoSimDataRecord.h"
+#include "host/inps_NamedTable.h"
+#include "host/inps_VisibleBuffer.h"
+#include "inpS/writer/inpS_HistoryDescription.h"
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+namespace {
+
+using Row = std::array<cow_String, 7>;
+
+constexpr int kAutomatic = 1; // symbols of StepIncrementation and StepStabilization
+constexpr int kFixed = 2;
+constexpr int kByFactor = 2;
+
+bool isGiven(const KvoSimDataRecord& record, int field) {
+  return !record.IsMemberNull(field);
+}
+
+cow_String number(const KvoSimDataRecord& record, int field) {
+  return inps_plainNumber(record.GetDouble(field));
+}
+
+cow_String natureOf(const KvoSimDataRecord& record) {
+  constexpr int task = 1; // about a base state
+  if (record.GetBool(eds_HistoryStep_Perturbation) ||
+      record.GetSymb(eds_HistoryStep_Registration) == task)
+    return "perturbation";
+  if (!isGiven(record, eds_HistoryStep_Nonlinear)) return "general";
+  return record.GetBool(eds_HistoryStep_Nonlinear) ? "nonlinear" : "linear";
+}
+
+// "fixed 0.1", "automatic 0.1 (1e-06 to 0.5)"; what the solver chooses is left out.
+cow_String incrementsOf(const KvoSimDataRecord& record) {
+  const int kind = record.GetSymb(eds_HistoryStep_Incrementation);
+  if (kind != kAutomatic && kind != kFixed) return {};
+  cow_String text = kind == kFixed ? "fixed" : "automatic";
+  if (record.GetDouble(eds_HistoryStep_Initial) != 0)
+    text += " " + number(record, eds_HistoryStep_Initial);
+  const bool hasLeast = record.GetDouble(eds_HistoryStep_Minimum) != 0;
+  const bool hasMost = record.GetDouble(eds_HistoryStep_Maximum) != 0;
+  if (hasLeast || hasMost)
+    text += " (" + (hasLeast ? number(record, eds_HistoryStep_Minimum) : cow_String()) +
+            (hasMost ? (hasLeast ? " to " : "to ") + number(record, eds_HistoryStep_Maximum)
+                     : cow_String(" on")) +
+            ")";
+  return text + ", at most " + std::to_string(record.GetInt64(eds_HistoryStep_Increments));
+}
+
+cow_String frequenciesOf(const KvoSimDataRecord& record) {
+  const bool hasLow = isGiven(record, eds_HistoryStep_LowestFrequency);
+  const bool hasHigh = isGiven(record, eds_HistoryStep_HighestFrequency);
+  if (!hasLow && !hasHigh) return {};
+  if (!hasLow) return "up to " + number(record, eds_HistoryStep_HighestFrequency);
+  const cow_String low = number(record, eds_HistoryStep_LowestFrequency);
+  return hasHigh ? low + " to " + number(record, eds_HistoryStep_HighestFrequency) : "from " + low;
+}
+
+cow_String optionsOf(const inpS_HistoryDescription& step, const KvoSimDataRecord& record) {
+  cow_String text;
+  const auto add = [&](const cow_String& option) {
+    if (!option.empty()) text += (text.empty() ? "" : ", ") + option;
+  };
+  if (isGiven(record, eds_HistoryStep_Eigenvalues))
+    add(std::to_string(record.GetInt64(eds_HistoryStep_Eigenvalues)) + " modes");
+  add(frequenciesOf(record));
+  if (const int method = record.GetSymb(eds_HistoryStep_Stabilization); method != 0)
+    add("stabilized " + number(record, method == kByFactor ? eds_HistoryStep_DampingFactor
+                                                           : eds_HistoryStep_EnergyFraction));
+  if (record.GetBool(eds_HistoryStep_SteadyState)) add("steady state");
+  if (record.GetBool(eds_HistoryStep_NoStop)) add("no stop");
+  if (record.GetBool(eds_HistoryStep_Dsa)) add("sensitivities");
+  if (record.GetBool(eds_HistoryStep_Iterative)) add("iterative solver");
+  const long long others = step.keywords - (step.procedure.empty() ? 0 : 1);
+  if (others > 0) add(inps_counted(others, "keyword"));
+  return text;
+}
+
+Row rowOf(const inpS_HistoryDescription& step) {
+  const KvoSimDataRecord record = step.record.DataRecord();
+  return {std::to_string(record.GetInt64(eds_HistoryStep_Number)),
+          record.ReturnString(eds_HistoryStep_Name),
+          step.procedure.empty() ? "no procedure" : step.procedure,
+          natureOf(record),
+          isGiven(record, eds_HistoryStep_Period) ? number(record, eds_HistoryStep_Period) : "",
+          incrementsOf(record),
+          optionsOf(step, record)};
+}
+
+std::size_t widthOf(const cow_String& text) { // characters
+  return static_cast<std::size_t>(std::ranges::count_if(
+      text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+} // namespace
+
+void inps_printHistory(aio_ostream& out, const KvoObjDocument& document, std::size_t mostListed) {
+  const auto history = inpS_describeHistory(document);
+  if (history.empty()) return;
+  cow_List<Row> rows = {{"step", "name", "procedure", "nature", "period", "increments", "options"}};
+  for (std::size_t n = 0; n < std::min(history.size(), mostListed); ++n)
+    rows.push_back(rowOf(history[n]));
+  std::array<std::size_t, std::tuple_size_v<Row>> widths{};
+  for (Row& row : rows)
+    for (std::size_t n = 0; n < row.size(); ++n) {
+      row[n] = row[n].empty() ? "-" : inps_oneLine(row[n]);
+      widths[n] = std::max(widths[n], widthOf(row[n]));
+    }
+  out << "steps:\n";
+  for (const Row& row : rows) {
+    cow_String line;
+    for (std::size_t n = 0; n < row.size(); ++n)
+      line += "  " + row[n] + cow_String(widths[n] - widthOf(row[n]), ' ');
+    line.erase(line.find_last_not_of(' ') + 1);
+    out << line << '\n';
+  }
+  if (history.size() > mostListed)
+    out << "  … and " << history.size() - mostListed << " more; --json has them all\n";
+}
+
+inps_Json inps_jsonOfHistory(const KvoObjDocument& document) {
+  constexpr const char* registrations[] = {"step", "task", "event"};
+  constexpr const char* increments[] = {"none", "automatic", "fixed"};
+  inps_Json steps = inps_Json::array();
+  for (const inpS_HistoryDescription& step : inpS_describeHistory(document)) {
+    const KvoSimDataRecord record = step.record.DataRecord();
+    const auto real = [&](int field) -> inps_Json {
+      if (!isGiven(record, field)) return nullptr;
+      return record.GetDouble(field);
+    };
+    const auto word = [&](int field, std::span<const char* const> words) -> inps_Json {
+      const auto at = static_cast<std::size_t>(record.GetSymb(field));
+      if (!isGiven(record, field) || at >= words.size()) return nullptr;
+      return words[at];
+    };
+    inps_Json one{{"number", record.GetInt64(eds_HistoryStep_Number)},
+                  {"name", record.ReturnString(eds_HistoryStep_Name)},
+                  {"description", record.ReturnString(eds_HistoryStep_Description)}};
+    one["procedure"] = step.procedure.empty() ? inps_Json(nullptr) : inps_Json(step.procedure);
+    one["registration"] = word(eds_HistoryStep_Registration, registrations);
+    one["nonlinear"] = isGiven(record, eds_HistoryStep_Nonlinear)
+                           ? inps_Json(record.GetBool(eds_HistoryStep_Nonlinear))
+                           : inps_Json(nullptr);
+    one["perturbation"] = record.GetBool(eds_HistoryStep_Perturbation);
+    one["period"] = real(eds_HistoryStep_Period);
+    one["increments"] = record.GetInt64(eds_HistoryStep_Increments);
+    one["incrementation"] = word(eds_HistoryStep_Incrementation, increments);
+    one["initial"] = real(eds_HistoryStep_Initial);
+    one["minimum"] = real(eds_HistoryStep_Minimum);
+    one["maximum"] = real(eds_HistoryStep_Maximum);
+    one["stabilized"] = record.GetSymb(eds_HistoryStep_Stabilization) != 0;
+    one["eigenvalues"] = isGiven(record, eds_HistoryStep_Eigenvalues)
+                             ? inps_Json(record.GetInt64(eds_HistoryStep_Eigenvalues))
+                             : inps_Json(nullptr);
+    one["lowest"] = real(eds_HistoryStep_LowestFrequency);
+    one["highest"] = real(eds_HistoryStep_HighestFrequency);
+    one["keywords"] = step.keywords;
+    steps.push_back(std::move(one));
+  }
+  return steps;
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "database/KvoObjDocument.h"
+#include "database/KvoSimPosition.h"
+#include "inpS/inpS_Export.h"
+
+// A step of the history as a reader of decks knows it.
+struct inpS_HistoryDescription {
+  KvoSimPosition record;  // HistoryStep
+  cow_String procedure;   // "*STATIC, RIKS"; empty: the step has none
+  long long keywords = 0; // that it holds as records, its procedure among them
+};
+
+// In the order of the steps.
+INPS_EXPORT cow_List<inpS_HistoryDescription> inpS_describeHistory(const KvoObjDocument& document);
