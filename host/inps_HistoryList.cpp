@@ -2,16 +2,16 @@
 
 #include "database/KvoSimDataRecord.h"
 #include "host/inps_NamedTable.h"
+#include "host/inps_TextTable.h"
 #include "host/inps_VisibleBuffer.h"
 #include "inpS/writer/inpS_HistoryDescription.h"
 #include <algorithm>
-#include <array>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace {
 
-using Row = std::array<cow_String, 7>;
+using Row = inps_TextTable<7>::Row;
 
 constexpr int kAutomatic = 1; // symbols of StepIncrementation and StepStabilization
 constexpr int kFixed = 2;
@@ -83,7 +83,7 @@ cow_String optionsOf(const inpS_HistoryDescription& step, const KvoSimDataRecord
 Row rowOf(const inpS_HistoryDescription& step) {
   const KvoSimDataRecord record = step.record.DataRecord();
   return {std::to_string(record.GetInt64(eds_HistoryStep_Number)),
-          record.ReturnString(eds_HistoryStep_Name),
+          inps_oneLine(record.ReturnString(eds_HistoryStep_Name)),
           step.procedure.empty() ? "no procedure" : step.procedure,
           natureOf(record),
           isGiven(record, eds_HistoryStep_Period) ? number(record, eds_HistoryStep_Period) : "",
@@ -91,33 +91,17 @@ Row rowOf(const inpS_HistoryDescription& step) {
           optionsOf(step, record)};
 }
 
-std::size_t widthOf(const cow_String& text) { // characters
-  return static_cast<std::size_t>(std::ranges::count_if(
-      text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
 } // namespace
 
 void inps_printHistory(aio_ostream& out, const KvoObjDocument& document, std::size_t mostListed) {
   const auto history = inpS_describeHistory(document);
   if (history.empty()) return;
-  cow_List<Row> rows = {{"step", "name", "procedure", "nature", "period", "increments", "options"}};
+  inps_TextTable<7> table(
+      {"step", "name", "procedure", "nature", "period", "increments", "options"}, 1);
   for (std::size_t n = 0; n < std::min(history.size(), mostListed); ++n)
-    rows.push_back(rowOf(history[n]));
-  std::array<std::size_t, std::tuple_size_v<Row>> widths{};
-  for (Row& row : rows)
-    for (std::size_t n = 0; n < row.size(); ++n) {
-      row[n] = row[n].empty() ? "-" : inps_oneLine(row[n]);
-      widths[n] = std::max(widths[n], widthOf(row[n]));
-    }
+    table.Add(rowOf(history[n]));
   out << "steps:\n";
-  for (const Row& row : rows) {
-    cow_String line;
-    for (std::size_t n = 0; n < row.size(); ++n)
-      line += "  " + row[n] + cow_String(widths[n] - widthOf(row[n]), ' ');
-    line.erase(line.find_last_not_of(' ') + 1);
-    out << line << '\n';
-  }
+  table.Print(out);
   if (history.size() > mostListed)
     out << "  … and " << history.size() - mostListed << " more; --json has them all\n";
 }

@@ -1,8 +1,8 @@
 #include "host/inps_SectionList.h"
 
 #include "host/inps_NameChoice.h"
+#include "host/inps_TextTable.h"
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -30,44 +30,6 @@ cow_String thicknessText(const Section& section) {
   return {};
 }
 
-// A table of texts: columns as wide as their widest text, those of numbers to the right.
-template <std::size_t Columns> class TextTable {
-public:
-  using Row = std::array<cow_String, Columns>;
-
-  explicit TextTable(Row head, unsigned numbers) : m_numbers(numbers) { Add(std::move(head)); }
-
-  void Add(Row row) {
-    for (std::size_t n = 0; n < Columns; ++n) {
-      if (row[n].empty()) row[n] = "-";
-      m_widths[n] = std::max(m_widths[n], WidthOf(row[n]));
-    }
-    m_rows.push_back(std::move(row));
-  }
-
-  void Print(aio_ostream& out) const {
-    for (const Row& row : m_rows) {
-      cow_String line;
-      for (std::size_t n = 0; n < Columns; ++n) {
-        const cow_String blanks(m_widths[n] - WidthOf(row[n]), ' ');
-        line += "  " + ((m_numbers >> n & 1) != 0 ? blanks + row[n] : row[n] + blanks);
-      }
-      line.erase(line.find_last_not_of(' ') + 1);
-      out << line << '\n';
-    }
-  }
-
-private:
-  static std::size_t WidthOf(const cow_String& text) { // characters
-    return static_cast<std::size_t>(std::ranges::count_if(
-        text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-  }
-
-  unsigned m_numbers; // a bit for each column
-  std::array<std::size_t, Columns> m_widths{};
-  cow_List<Row> m_rows;
-};
-
 struct KindCount {
   cow_String variant;
   long long sections = 0;
@@ -91,8 +53,8 @@ cow_List<KindCount> countByKind(const cow_List<Section>& sections) {
 
 void inps_printSections(aio_ostream& out, const cow_List<Section>& sections,
                         const inps_NameChoice& choice) {
-  TextTable<7> table({"kind", "name", "set", "material", "orientation", "elements", "thickness"},
-                     1u << 5);
+  inps_TextTable<7> table(
+      {"kind", "name", "set", "material", "orientation", "elements", "thickness"}, 1u << 5);
   for (const Section& section : sections)
     if (choice.Has(section.name))
       table.Add({section.variant, section.name, section.set, section.material, section.orientation,
@@ -101,7 +63,7 @@ void inps_printSections(aio_ostream& out, const cow_List<Section>& sections,
 }
 
 void inps_printSectionKinds(aio_ostream& out, const cow_List<Section>& sections) {
-  TextTable<3> table({"kind", "sections", "elements"}, 6);
+  inps_TextTable<3> table({"kind", "sections", "elements"}, 6);
   for (const KindCount& kind : countByKind(sections))
     table.Add({kind.variant, std::to_string(kind.sections), std::to_string(kind.elements)});
   table.Print(out);
