@@ -17,6 +17,13 @@ bool isBlankLine(const inp_DataArray& data, long long row) {
   return inpS_KeywordReader::IsBlankRow(data, row);
 }
 
+constexpr bool convertsWithinSteps(inpS_Phase phase) {
+#define INPS_STEP_PHASE(keyword, name)                                                             \
+  if (phase == inpS_Phase::name) return true;
+#include "inpS/forms/inpS_stepPhases.def"
+  return phase == inpS_Phase::Steps;
+}
+
 } // namespace
 
 inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -48,9 +55,9 @@ void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   inpS_SetVisitor::Visit(keyword);
   if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return;
   const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
-  m_hasSteps = m_hasSteps || keyword.Kind() == inp_KwStep;
-  // Before the first step those of other phases go by their kind alone: to look into a keyword is
-  // what costs in a walk over many.
+  m_hasSteps = m_hasSteps || (keyword.Kind() == inp_KwStep && convertsWithinSteps(m_phase));
+  // Before the first step, and in phases that have nothing to do in steps, those of other phases go
+  // by their kind alone: to look into a keyword is what costs in a walk over many.
   if (!m_hasSteps && block.phase != m_phase) return;
   if (keyword.IsInstanceCopy() || keyword.IsSuboption()) return;
   if (keyword.Scope().kind == inp_Scope::Kind::Step || keyword.Kind() == inp_KwStep)

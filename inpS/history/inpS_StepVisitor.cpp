@@ -38,7 +38,7 @@ void inpS_StepVisitor::Look(inp_KeywordListRef keywords) {
   Facts* facts = nullptr;
   for (const inp_Keyword& keyword : keywords) {
     if (keyword.Kind() == inp_KwStep) facts = &m_facts[keyword.Body().get()];
-    if (!facts || keyword.IsSuboption() || !isProcedure(keyword.Kind())) continue;
+    if (!facts || !isProcedure(keyword.Kind()) || keyword.IsSuboption()) continue;
     if (keyword.Scope().kind != inp_Scope::Kind::Step) continue;
     if (facts->procedure == inp_NullKeyword) facts->procedure = keyword.Kind();
     facts->isExplicit = facts->isExplicit || isExplicitDynamics(keyword);
