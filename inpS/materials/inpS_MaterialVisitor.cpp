@@ -79,18 +79,22 @@ cow_List<inp_KeywordEnm> inpS_MaterialVisitor::ModelledKinds() {
 }
 
 // A keyword of ours may also stand under one of another subject, which knows nothing of it. A
-// material is the whole model's: the copies of its part's instances add nothing, and a step, which
-// is kept as text, keeps its own.
+// material is the whole model's: the copies of its part's instances add nothing, and what stands in
+// a step stays there as text.
 void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.IsInstanceCopy()) return;
-  if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll();
   const inp_KeywordEnm kind = keyword.Kind();
+  const bool isOurs =
+      inpS_isBehavior(kind) || kind == inp_KwNoCompression || kind == inp_KwNoTension;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step) {
+    // Whoever reads another one marks what it takes.
+    if (isOurs || kind == inp_KwMaterial || kind == inp_KwGasketBehavior) keyword.ReferAll();
+    return;
+  }
   if (kind == inp_UnknownKeyword) { // stays where it stands in its material
     if (!m_open.IsNull()) KeepAsText(keyword, m_open);
     return;
   }
-  const bool isOurs =
-      inpS_isBehavior(kind) || kind == inp_KwNoCompression || kind == inp_KwNoTension;
   if (keyword.ParentKind() == inp_NullKeyword) {
     const bool isMisplaced = inp_KeywordTable::Instance().Row(kind)->levels == inp_LevelsSub;
     if (isMisplaced && (isOurs || !m_open.IsNull())) { // within a material it stays there
