@@ -350,7 +350,7 @@ bool Driver::ProcessSections(Labelers& labelers) {
   inpS_NodalThicknessVisitor thickness(*labelers.nodes, *labelers.elements, m_inventory);
   thickness.VisitListAndReport(m_keywords);
   thickness.Save();
-  inpS_SectionVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, sections, m_ledger);
+  inpS_SectionVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
   visitor.SetMeshLeftOut(m_meshLeftOut);
   visitor.VisitListAndReport(m_keywords);
   sections.TellDoubled(m_ledger, sections);

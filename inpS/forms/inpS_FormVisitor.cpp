@@ -24,6 +24,16 @@ constexpr bool convertsWithinSteps(inpS_Phase phase) {
   return phase == inpS_Phase::Steps;
 }
 
+// Whether keywords of the phase's blocks have names that others refer to.
+bool namesAny(inpS_Phase phase) {
+  const inpS_FormTable& forms = inpS_FormTable::Instance();
+  return std::ranges::any_of(eds_referables(), [&](const eds_Referable& one) {
+    const inp_KeywordEnm definer = forms.DefinerOf(one);
+    return definer != inp_NullKeyword && forms.Knows(definer) &&
+           inpS_block(inp_KeywordTable::Instance().Row(definer)->block).phase == phase;
+  });
+}
+
 } // namespace
 
 inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -42,6 +52,7 @@ void inpS_FormVisitor::Report() {
 // What has a name may stand behind what refers to it.
 void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
   for (const bool isNaming : {true, false}) {
+    if (isNaming && !namesAny(m_phase)) continue;
     m_isNaming = isNaming;
     m_step = {};
     m_hasSteps = false;
@@ -49,8 +60,7 @@ void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
   }
 }
 
-// What a part says is said once, for all its instances. A step, which is kept as text, keeps its
-// own.
+// What a part says is said once, for all its instances.
 void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   inpS_SetVisitor::Visit(keyword);
   if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return;

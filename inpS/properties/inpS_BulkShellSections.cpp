@@ -4,6 +4,7 @@
 #include "database/KvoSimTransaction.h"
 #include "database/KvoSrvBulkShellLayers.h"
 #include "database/schema/eds_Form.h"
+#include "inpS/properties/inpS_SectionData.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 
 namespace {
@@ -91,11 +92,11 @@ void inpS_writeBulkShellSections(const KvoObjDocument& document) {
   for (const Kind kind : {Kind::BulkShellLayers, Kind::ShellSection})
     for (KvoSimPosition& old : document.Context().GetRecords(kind)) old.Remove();
   Writer writer(document);
-  const KvoObjModel model = document.GetModel();
-  for (const KvoSimPosition& section : model.Position().GetVector(eds_Member::Sections))
-    writer.Write(section, {});
-  for (const KvoSimPosition& part : model.Parts())
-    for (const KvoSimPosition& section : part.GetVector(eds_Member::Sections))
-      writer.Write(section, part.DataRecord().ReturnString(eds_Part_Name));
+  for (const KvoSimPosition& owner : inpS_SectionData::SectionOwners(document)) {
+    const bool isPart = owner.IsA(eds_RecordKind::Part);
+    const cow_String part = isPart ? owner.DataRecord().ReturnString(eds_Part_Name) : cow_String();
+    for (const KvoSimPosition& section : owner.GetVector(eds_Member::Sections))
+      writer.Write(section, part);
+  }
   transaction.Commit();
 }

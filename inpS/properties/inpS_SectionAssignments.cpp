@@ -66,11 +66,7 @@ public:
     for (const eds_RecordKind kind :
          {eds_RecordKind::ElementRange, eds_RecordKind::SectionAssignment})
       for (KvoSimPosition& old : m_context.GetRecords(kind)) old.Remove();
-    const KvoObjModel model = m_document.GetModel();
-    Assign(model.Position());
-    for (const KvoSimPosition& part : model.Parts()) Assign(part);
-    for (const KvoSimPosition& instance : model.Occurences()) Assign(instance);
-    if (!model.GetAssembly().IsNull()) Assign(model.GetAssembly());
+    for (const KvoSimPosition& owner : inpS_SectionData::SectionOwners(m_document)) Assign(owner);
   }
 
 private:

@@ -1,4 +1,5 @@
 #include "inpS/properties/inpS_SectionData.h"
+#include "database/KvoObjModel.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimCollection.h"
 #include "database/KvoSimDataRecord.h"
@@ -67,6 +68,15 @@ unsigned inpS_SectionData::SectionDimensions(const cow_List<KvoSimPosition>& spe
     dimensions |= 1u << static_cast<unsigned>(dimension);
   }
   return dimensions;
+}
+
+cow_List<KvoSimPosition> inpS_SectionData::SectionOwners(const KvoObjDocument& document) {
+  const KvoObjModel model = document.GetModel();
+  cow_List<KvoSimPosition> owners{model.Position()};
+  for (const KvoSimPosition& part : model.Parts()) owners.push_back(part);
+  for (const KvoSimPosition& instance : model.Occurences()) owners.push_back(instance);
+  if (!model.GetAssembly().IsNull()) owners.push_back(model.GetAssembly());
+  return owners;
 }
 
 eds_MemberSet inpS_SectionData::MembersOf(const KvoSimPosition& elementSet) {

@@ -25,6 +25,8 @@ public:
   // The elements of the section assignments by name, as flat ordinals of the mesh.
   static cow_Map<cow_String, eds_MemberSet> SectionRegions(const KvoObjDocument& document);
   static eds_MemberSet SectionRegion(const KvoObjDocument& document, const cow_String& name);
+  // Who may hold sections: the model, its parts, its instances, its assembly.
+  static cow_List<KvoSimPosition> SectionOwners(const KvoObjDocument& document);
   // Of an element set as it is stored: ordinals of its owner. Empty for a null one.
   static eds_MemberSet MembersOf(const KvoSimPosition& elementSet);
 

@@ -63,15 +63,12 @@ void removeDerived(const KvoSimPosition& field) {
 class Deriver {
 public:
   explicit Deriver(const KvoObjDocument& document)
-      : m_context(document.Context()), m_model(document.GetModel()) {}
+      : m_document(document), m_context(document.Context()), m_model(document.GetModel()) {}
 
   void Run() {
     for (const KvoSimPosition& old : m_context.GetRecords(Kind::Field))
       if (!old.DataRecord().GetReference(eds_Field_Owner).IsNull()) removeDerived(old);
-    RunOver(m_model.Position());
-    for (const KvoSimPosition& part : m_model.Parts()) RunOver(part);
-    for (const KvoSimPosition& instance : m_model.Occurences()) RunOver(instance);
-    if (!m_model.GetAssembly().IsNull()) RunOver(m_model.GetAssembly());
+    for (const KvoSimPosition& owner : inpS_SectionData::SectionOwners(m_document)) RunOver(owner);
   }
 
 private:
@@ -194,6 +191,7 @@ private:
     return (*m_assignments)[section.Object().Packed()];
   }
 
+  const KvoObjDocument& m_document;
   KvoSimContext m_context;
   KvoObjModel m_model;
   std::unordered_map<Kind, Columns> m_columns;

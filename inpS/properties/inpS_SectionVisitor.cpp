@@ -22,10 +22,8 @@ int valuesOnLines(const inp_DataArray& data, long long lines) {
 } // namespace
 
 inpS_SectionVisitor::inpS_SectionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                                         const inpS_Inventory& inventory,
-                                         const inpS_SectionInventory& sections, inpS_Ledger& ledger)
-    : inpS_FormVisitor(inpS_Phase::Sections, nodes, elements, inventory, ledger),
-      m_sections(sections) {
+                                         const inpS_Inventory& inventory, inpS_Ledger& ledger)
+    : inpS_FormVisitor(inpS_Phase::Sections, nodes, elements, inventory, ledger) {
   Names().SetTextOfMissing("material", "Material %s not found.");
 }
 

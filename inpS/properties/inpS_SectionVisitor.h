@@ -2,7 +2,6 @@
 
 #include "inpS/forms/inpS_FormVisitor.h"
 #include "inpS/properties/inpS_SectionData.h"
-#include "inpS/properties/inpS_SectionInventory.h"
 #include <optional>
 
 // The sections phase: what gives the elements of sets their properties becomes records by its
@@ -11,8 +10,7 @@
 class inpS_SectionVisitor : public inpS_FormVisitor {
 public:
   inpS_SectionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                      const inpS_Inventory& inventory, const inpS_SectionInventory& sections,
-                      inpS_Ledger& ledger);
+                      const inpS_Inventory& inventory, inpS_Ledger& ledger);
 
   // The record of that name, as the place at hand sees it; null: there is none.
   KvoSimPosition GetMaterial(const cow_String& name) const;
@@ -49,6 +47,5 @@ private:
   void CheckRebar(const inp_Keyword& keyword, const KvoSimPosition& layer);
   void MarkDirection(const KvoSimPosition& section);
 
-  const inpS_SectionInventory& m_sections;
   std::optional<inpS_SectionData> m_data; // of the owner at hand
 };

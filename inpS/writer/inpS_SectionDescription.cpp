@@ -3,6 +3,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/forms/inpS_FormTable.h"
+#include "inpS/properties/inpS_SectionData.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 #include "inpS/writer/inpS_PropertyWords.h"
 #include <algorithm>
@@ -195,9 +196,6 @@ cow_List<inpS_SectionDescription> inpS_describeSections(const KvoObjDocument& do
       if (counted != elements.end()) all.back().elements = counted->second;
     }
   };
-  add(model.Position());
-  for (const KvoSimPosition& part : model.Parts()) add(part);
-  for (const KvoSimPosition& instance : model.Occurences()) add(instance);
-  if (!model.GetAssembly().IsNull()) add(model.GetAssembly());
+  for (const KvoSimPosition& owner : inpS_SectionData::SectionOwners(document)) add(owner);
   return all;
 }

@@ -83,8 +83,6 @@ public:
     }
     for (std::size_t n = 0; n < m_form.items.size(); ++n) {
       const eds_FormItem& item = *m_form.items[n];
-      const eds_Referable* named = item.alternatives.front().referable;
-      if (named && !targets.contains(named->word)) continue; // nothing defines one yet
       given.text += ", " + m_form.parameters[n].name;
       const cow_String value =
           Value(item, m_form.parameters[n].words, &item == missing, given.values);
@@ -151,7 +149,6 @@ private:
   cow_String Value(const eds_FormItem& item, const cow_List<std::string_view>& words,
                    bool isMissing, cow_Map<int, cow_String>& values) {
     const eds_FormItem::Alternative& one = item.alternatives.front();
-    if (one.referable && !targets.contains(one.referable->word)) return {};
     cow_String& value = values[one.field];
     const cow_String name = cow_String(eds_ModelReader::Info(m_form.kind)->name) + "." + item.name;
     if (const auto sound = soundValues.find(name); sound != soundValues.end())
@@ -308,9 +305,7 @@ TEST_F(FormWalk, WhatIsMissingIsTold) {
     const bool isColumn = form.info->data == eds_FormData::Columns;
     const eds_Referable* referable =
         (isColumn ? item.alternatives.back() : item.alternatives.front()).referable;
-    if (!referable || !targets.contains(referable->word) ||
-        (item.alternatives.size() > 1 && !isColumn))
-      return;
+    if (!referable || (item.alternatives.size() > 1 && !isColumn)) return;
     const Given given = FormDeck(form).Keyword(&item);
     const ProgramRun run({"convert",
                           Deck("a.inp", model + parentOf(form) + given.text + endOf(form)), "-o",
