@@ -5,6 +5,7 @@
 #include "database/engine/eds_Format.h"
 #include <algorithm>
 #include <bit>
+#include <cmath>
 
 eds_RowTable::eds_RowTable(const eds_RecordInfo& info, eds_Engine& engine,
                            std::vector<Dirty>& dirty)
@@ -135,6 +136,8 @@ void eds_RowTable::SetInt(int64_t id, int field, int64_t value) {
 
 void eds_RowTable::SetReal(int64_t id, int field, double value) {
   utl_ASSERT(Field(field).type == eds_FieldType::Real);
+  // The file has no such number either: whoever reads finds the same before and after it.
+  if (std::isnan(value)) return Unset(id, field);
   Word(id, field) = std::bit_cast<uint64_t>(value);
 }
 

@@ -7,6 +7,7 @@
 #include "database/eds_ModelReader.h"
 #include "tests/database/TemporaryFolder.h"
 #include <gtest/gtest.h>
+#include <limits>
 #include <sstream>
 
 namespace {
@@ -291,6 +292,8 @@ TEST(Store, FieldsKeepTypeAndDefault) {
   EXPECT_FALSE(record.GetBool(eds_Instance_Dependent));
   record.UnsetMember(eds_Instance_Dependent);
   EXPECT_TRUE(record.GetBool(eds_Instance_Dependent));
+  record.SetDouble(eds_Instance_QuaternionW, std::numeric_limits<double>::quiet_NaN());
+  EXPECT_TRUE(record.IsMemberNull(eds_Instance_QuaternionW)); // as it is when read from a file
   record.SetInt(eds_Instance_NodeCount, int64_t{1} << 40);
   EXPECT_EQ(record.GetInt64(eds_Instance_NodeCount), int64_t{1} << 40);
   EXPECT_THROW(record.GetInt(eds_Instance_NodeCount), eds_DamagedFileException);
