@@ -2,15 +2,14 @@
 
 #include <cstdint>
 
-// The identifiers of everything the store can hold, generated from database/schema/*.def.
+// The identifiers of everything the store can hold, generated from database/schema/*.def; the
+// record kinds of forms are named in database/schema/eds_FormKind.h.
 
 enum class eds_RecordKind : uint16_t {
   None = 0,
 #define EDS_RECORD(kind, number, table) kind = number,
 #define EDS_FIELD(kind, number, name, column, type, argument)
 #include "database/schema/records.def"
-#define EDS_KIND(kind, number) kind = number,
-#include "database/schema/kinds.def"
 };
 
 enum class eds_CollectionKind : uint16_t {

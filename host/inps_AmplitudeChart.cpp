@@ -1,3 +1,4 @@
+#include "database/schema/eds_FormKind.h"
 #include "host/inps_Chart.h"
 
 #include "database/KvoSimDataRecord.h"
@@ -110,14 +111,14 @@ struct Kind {
 };
 
 const Kind kinds[] = {
-    {eds_RecordKind::AmplitudeTabular,
+    {eds_FormKind::AmplitudeTabular,
      [](const KvoSimDataRecord&, const Points& pairs) { return pairs; }},
-    {eds_RecordKind::AmplitudeSmoothStep,
+    {eds_FormKind::AmplitudeSmoothStep,
      [](const KvoSimDataRecord&, const Points& pairs) { return smoothSteps(pairs); }},
-    {eds_RecordKind::AmplitudePeriodic, periodic},
-    {eds_RecordKind::AmplitudeDecay,
+    {eds_FormKind::AmplitudePeriodic, periodic},
+    {eds_FormKind::AmplitudeDecay,
      [](const KvoSimDataRecord& record, const Points&) { return decay(record); }},
-    {eds_RecordKind::AmplitudeModulated,
+    {eds_FormKind::AmplitudeModulated,
      [](const KvoSimDataRecord& record, const Points&) { return modulated(record); }},
 };
 

@@ -1,3 +1,4 @@
+#include "database/schema/eds_FormKind.h"
 #include "host/inps_Chart.h"
 
 #include "host/inps_Reporter.h"
@@ -285,8 +286,8 @@ void inps_plotBehavior(const inpS_PropertyDescription& behavior, const inps_Name
   const cow_String keyword = behavior.variant + behavior.parameters;
   bool drawn = false;
   if (!behavior.property.IsNull() && table.rows > 0) {
-    const bool overTime = behavior.property.IsA(eds_RecordKind::ViscoelasticTimeProny);
-    const bool overFrequency = behavior.property.IsA(eds_RecordKind::ViscoelasticFrequencyProny);
+    const bool overTime = behavior.property.IsA(eds_FormKind::ViscoelasticTimeProny);
+    const bool overFrequency = behavior.property.IsA(eds_FormKind::ViscoelasticFrequencyProny);
     drawn = overTime || overFrequency ? drawProny(table, keyword, overFrequency, section.charts)
                                       : TableCharts(table, keyword, section.charts).Draw();
   }

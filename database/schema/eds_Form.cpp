@@ -1,5 +1,6 @@
 #include "database/schema/eds_Form.h"
 #include "base/utl_Assert.h"
+#include "database/schema/eds_FormKind.h"
 #include "database/schema/eds_Schema.h"
 #include <algorithm>
 #include <array>
@@ -22,7 +23,7 @@ struct Row {
 
 constexpr Row rows[] = {
 #define EDS_FORM(Kind, Keyword, Selectors, Parameters, Data, Repeat)                               \
-  {eds_RecordKind::Kind, #Kind, #Keyword, Selectors, Parameters, Data, eds_FormRepeat::Repeat},
+  {eds_FormKind::Kind, #Kind, #Keyword, Selectors, Parameters, Data, eds_FormRepeat::Repeat},
 #include "database/schema/forms.def"
 };
 
@@ -41,11 +42,20 @@ constexpr auto rowOfKind = [] {
   return all;
 }();
 
+// What a referable may be: nothing certain, a record of the store, or a form.
+namespace referred {
+using namespace eds_FormKind;
+constexpr eds_RecordKind None = eds_RecordKind::None;
+#define EDS_RECORD(kind, number, table) constexpr eds_RecordKind kind = eds_RecordKind::kind;
+#define EDS_FIELD(kind, number, name, column, type, argument)
+#include "database/schema/records.def"
+} // namespace referred
+
 constexpr eds_Referable referables[] = {
 #define EDS_REFERABLE(word, Keyword, Kind, Where, Member, InternalMember, Text)                    \
   {#word,                                                                                          \
    #Keyword,                                                                                       \
-   eds_RecordKind::Kind,                                                                           \
+   referred::Kind,                                                                                 \
    eds_Referable::Place::Where,                                                                    \
    eds_Member::Member,                                                                             \
    eds_Member::InternalMember,                                                                     \

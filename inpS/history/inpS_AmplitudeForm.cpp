@@ -1,17 +1,17 @@
 #include "inpS/history/inpS_AmplitudeForm.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 
 const cow_List<inpS_AmplitudeForm>& inpS_amplitudeForms() {
-  using Kind = eds_RecordKind;
   using Data = inpS_AmplitudeForm::Data;
   static const cow_List<inpS_AmplitudeForm> forms = [] {
     cow_List<inpS_AmplitudeForm> rows = {
-        {"TABULAR", Kind::AmplitudeTabular, Data::Pairs},
-        {"EQUALLY SPACED", Kind::AmplitudeTabular, Data::Magnitudes},
-        {"DECAY", Kind::AmplitudeDecay, Data::None},
-        {"MODULATED", Kind::AmplitudeModulated, Data::None},
-        {"PERIODIC", Kind::AmplitudePeriodic, Data::Coefficients},
-        {"SMOOTH STEP", Kind::AmplitudeSmoothStep, Data::Pairs}};
+        {"TABULAR", eds_FormKind::AmplitudeTabular, Data::Pairs},
+        {"EQUALLY SPACED", eds_FormKind::AmplitudeTabular, Data::Magnitudes},
+        {"DECAY", eds_FormKind::AmplitudeDecay, Data::None},
+        {"MODULATED", eds_FormKind::AmplitudeModulated, Data::None},
+        {"PERIODIC", eds_FormKind::AmplitudePeriodic, Data::Coefficients},
+        {"SMOOTH STEP", eds_FormKind::AmplitudeSmoothStep, Data::Pairs}};
     for (inpS_AmplitudeForm& row : rows) {
       const inpS_Form& form = *inpS_FormTable::Instance().Find(row.kind);
       row.timeSpan = eds_formField(row.kind, "time_span");
@@ -35,8 +35,8 @@ const inpS_AmplitudeForm* inpS_amplitudeForm(const cow_String& definition) {
 
 const inpS_AmplitudeForm* inpS_amplitudeForm(const KvoSimDataRecord& record) {
   const bool spaced =
-      record.IsA(eds_RecordKind::AmplitudeTabular) &&
-      record.GetBool(eds_formField(eds_RecordKind::AmplitudeTabular, "equally_spaced"));
+      record.IsA(eds_FormKind::AmplitudeTabular) &&
+      record.GetBool(eds_formField(eds_FormKind::AmplitudeTabular, "equally_spaced"));
   for (const inpS_AmplitudeForm& form : inpS_amplitudeForms())
     if (record.IsA(form.kind) && (form.data == inpS_AmplitudeForm::Data::Magnitudes) == spaced)
       return &form;

@@ -9,6 +9,7 @@
 #include "database/KvoSimTransaction.h"
 #include "database/KvoSimTransfer.h"
 #include "database/KvoSrvFsmFTable.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_AmplitudeForm.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
@@ -154,16 +155,16 @@ void inpS_AmplitudeVisitor::ReadValues(const inp_Keyword& keyword, const inpS_Am
   if (form.data == Data::Pairs) pairs = ReadPairs(keyword, 0);
   if (form.data == Data::Coefficients) {
     pairs = ReadPairs(keyword, 1);
-    if (record.GetInt64(eds_formField(eds_RecordKind::AmplitudePeriodic, "terms")) !=
+    if (record.GetInt64(eds_formField(eds_FormKind::AmplitudePeriodic, "terms")) !=
         static_cast<int64_t>(pairs.size() / 2))
       Warning(keyword, "The first line tells another number of terms than there are pairs.");
     return StoreTerms(amplitude, pairs);
   }
   if (form.data == Data::Magnitudes) {
-    record.SetBool(eds_formField(eds_RecordKind::AmplitudeTabular, "equally_spaced"), true);
+    record.SetBool(eds_formField(eds_FormKind::AmplitudeTabular, "equally_spaced"), true);
     const double interval =
-        record.GetDouble(eds_formField(eds_RecordKind::AmplitudeTabular, "fixed_interval"));
-    const double begin = record.GetDouble(eds_formField(eds_RecordKind::AmplitudeTabular, "begin"));
+        record.GetDouble(eds_formField(eds_FormKind::AmplitudeTabular, "fixed_interval"));
+    const double begin = record.GetDouble(eds_formField(eds_FormKind::AmplitudeTabular, "begin"));
     if (interval <= 0)
       AddWarning(inp_Utils::MessageAtParameter(
           keyword, "fixedinterval",
@@ -171,7 +172,7 @@ void inpS_AmplitudeVisitor::ReadValues(const inp_Keyword& keyword, const inpS_Am
               " It must be greater than 0; it is kept as given."));
     pairs = ReadMagnitudes(keyword, begin, interval);
   }
-  if (form.kind == eds_RecordKind::AmplitudeTabular) ReadSmoothing(keyword, record);
+  if (form.kind == eds_FormKind::AmplitudeTabular) ReadSmoothing(keyword, record);
   if (form.data == Data::Pairs) CheckSpacing(keyword);
   if (pairs.empty() && form.data == Data::None) return;
   if (pairs.empty()) return Warning(keyword, "Amplitude \"" + name + "\" has no values.");
@@ -252,8 +253,8 @@ void inpS_AmplitudeVisitor::ReadFirstLine(const inp_Keyword& keyword,
     const int col = static_cast<int>(n);
     const bool given = data.Rows() > 0 && col < data.Cols(0);
     const bool terms =
-        form.kind == eds_RecordKind::AmplitudePeriodic &&
-        form.lineFields[n] == eds_formField(eds_RecordKind::AmplitudePeriodic, "terms");
+        form.kind == eds_FormKind::AmplitudePeriodic &&
+        form.lineFields[n] == eds_formField(eds_FormKind::AmplitudePeriodic, "terms");
     if (terms) {
       const long long count = given ? TermsAt(keyword, col) : 0;
       record.SetInt(form.lineFields[n], count);
@@ -279,12 +280,12 @@ long long inpS_AmplitudeVisitor::TermsAt(const inp_Keyword& keyword, int col) {
 void inpS_AmplitudeVisitor::ReadSmoothing(const inp_Keyword& keyword, KvoSimDataRecord record) {
   const inp_Item* smooth = keyword.Find("smooth");
   const double absent = m_inventory.IsExplicit() || m_inventory.IsCFD() ? 0.0 : kUsualSmoothing;
-  record.SetDouble(eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing"),
+  record.SetDouble(eds_formField(eds_FormKind::AmplitudeTabular, "smoothing"),
                    smooth && smooth->IsNumber() ? smooth->AsDouble() : absent);
   if (!smooth) return;
   if (auto tiny = inpS_tinyNumberMessage(keyword, "smooth")) AddWarning(std::move(*tiny));
   if (smooth->IsNumber())
-    record.SetBool(eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing_given"), true);
+    record.SetBool(eds_formField(eds_FormKind::AmplitudeTabular, "smoothing_given"), true);
   const double value = smooth->AsDouble();
   if (smooth->IsNumber() && value >= 0 && value <= 0.5) return;
   wip_Message message =

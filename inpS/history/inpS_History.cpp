@@ -3,6 +3,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_ProcedureKind.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include <algorithm>
@@ -36,17 +37,17 @@ struct Said {
 };
 
 struct StepFields {
-  int name = eds_formField(Kind::Step, "name");
-  int amplitude = eds_formField(Kind::Step, "amplitude");
-  int convertSdi = eds_formField(Kind::Step, "convert_sdi");
-  int dsa = eds_formField(Kind::Step, "dsa");
-  int extrapolation = eds_formField(Kind::Step, "extrapolation");
-  int increments = eds_formField(Kind::Step, "inc");
-  int nonlinear = eds_formField(Kind::Step, "nlgeom");
-  int perturbation = eds_formField(Kind::Step, "perturbation");
-  int solver = eds_formField(Kind::Step, "solver");
-  int storage = eds_formField(Kind::Step, "unsymm");
-  int lines = eds_formField(Kind::Step, "lines");
+  int name = eds_formField(eds_FormKind::Step, "name");
+  int amplitude = eds_formField(eds_FormKind::Step, "amplitude");
+  int convertSdi = eds_formField(eds_FormKind::Step, "convert_sdi");
+  int dsa = eds_formField(eds_FormKind::Step, "dsa");
+  int extrapolation = eds_formField(eds_FormKind::Step, "extrapolation");
+  int increments = eds_formField(eds_FormKind::Step, "inc");
+  int nonlinear = eds_formField(eds_FormKind::Step, "nlgeom");
+  int perturbation = eds_formField(eds_FormKind::Step, "perturbation");
+  int solver = eds_formField(eds_FormKind::Step, "solver");
+  int storage = eds_formField(eds_FormKind::Step, "unsymm");
+  int lines = eds_formField(eds_FormKind::Step, "lines");
 };
 
 std::optional<int> wordOf(const KvoSimDataRecord& record, int field,
@@ -208,8 +209,8 @@ void Deriver::SetCommon(KvoSimDataRecord& to, const KvoSimPosition& procedure) c
   if (m_said.nonlinear) to.SetBool(eds_HistoryStep_Nonlinear, *m_said.nonlinear);
   if (!m_said.description.empty()) to.SetString(eds_HistoryStep_Description, m_said.description);
   if (!m_said.extrapolation) return;
-  const bool needsOne = !procedure.IsNull() &&
-                        (procedure.IsA(Kind::StaticRiks) || procedure.IsA(Kind::DynamicImplicit));
+  const bool needsOne = !procedure.IsNull() && (procedure.IsA(eds_FormKind::StaticRiks) ||
+                                                procedure.IsA(eds_FormKind::DynamicImplicit));
   to.SetSymb(eds_HistoryStep_Extrapolation,
              needsOne && *m_said.extrapolation == none ? kStepUnderLinear : *m_said.extrapolation);
 }
@@ -227,7 +228,7 @@ void setIncrements(KvoSimDataRecord& to, const Procedure& of, Kind kind,
   to.SetDouble(eds_HistoryStep_Period, period);
   to.SetSymb(eds_HistoryStep_Incrementation, isFixed ? FixedIncrements : AutomaticIncrements);
   double initial = Procedure::Real(record, of.initial).value_or(isFixed ? 1. : 0.);
-  if (kind == Kind::StaticRiks && !isFixed)
+  if (kind == eds_FormKind::StaticRiks && !isFixed)
     initial = Procedure::Real(record, of.initial).value_or(1.);
   if (isFixed && initial == 0) initial = period;
   to.SetDouble(eds_HistoryStep_Initial, initial);
@@ -272,8 +273,8 @@ void setModes(KvoSimDataRecord& to, const Procedure& of, const KvoSimDataRecord&
 }
 
 void setRanges(KvoSimDataRecord& to, const KvoSimPosition& procedure) {
-  static const int lower = eds_formField(Kind::FrequencyRange, "lower");
-  static const int upper = eds_formField(Kind::FrequencyRange, "upper");
+  static const int lower = eds_formField(eds_FormKind::FrequencyRange, "lower");
+  static const int upper = eds_formField(eds_FormKind::FrequencyRange, "upper");
   const auto lines = procedure.GetVector(eds_Member::Lines);
   to.SetInt(eds_HistoryStep_Ranges, static_cast<int64_t>(lines.size()));
   std::optional<double> least;
@@ -293,7 +294,8 @@ void setProcedure(KvoSimDataRecord& to, const KvoSimPosition& procedure, bool is
   const Kind kind = procedure.Object().RecordKind();
   const Procedure& of = *Procedure::Of(kind);
   const KvoSimDataRecord record = procedure.DataRecord();
-  const bool isEvent = isPerturbation && (kind == Kind::Static || kind == Kind::StaticRiks);
+  const bool isEvent =
+      isPerturbation && (kind == eds_FormKind::Static || kind == eds_FormKind::StaticRiks);
   to.SetReference(eds_HistoryStep_Procedure, procedure);
   to.SetSymb(eds_HistoryStep_Registration,
              static_cast<int>(isEvent ? Procedure::Registration::Event : of.registration));
@@ -334,7 +336,7 @@ KvoSimPosition Deriver::Add(const KvoSimPosition& step, std::size_t place) {
 
 void inpS_deriveHistory(const KvoObjDocument& document) {
   const auto has = [&](Kind kind) { return !document.Context().GetRecords(kind).empty(); };
-  if (!has(Kind::Step) && !has(Kind::HistoryStep)) return;
+  if (!has(eds_FormKind::Step) && !has(Kind::HistoryStep)) return;
   KvoSimTransaction transaction(document.ContextID());
   Deriver(document).Run();
   transaction.Commit();

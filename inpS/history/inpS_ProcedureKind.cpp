@@ -1,4 +1,5 @@
 #include "inpS/history/inpS_ProcedureKind.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
@@ -20,7 +21,7 @@ Family familyOf(Kind kind, inp_KeywordEnm keyword) {
   case inp_KwRandomResponse:
     return Family::Ranges;
   case inp_KwElectromagnetic:
-    return kind == Kind::ElectromagneticTransient ? Family::Time : Family::Ranges;
+    return kind == eds_FormKind::ElectromagneticTransient ? Family::Time : Family::Ranges;
   case inp_KwResponseSpectrum:
   case inp_KwAnneal:
   case inp_KwFatigue:
@@ -71,7 +72,7 @@ Procedure procedureOf(Kind kind, inp_KeywordEnm keyword) {
   made.family = familyOf(kind, keyword);
   made.registration = registrationOf(keyword);
   // That of implicit dynamics is a parameter, too.
-  made.initial = real(kind == Kind::DynamicImplicit ? "initial_increment" : "initial");
+  made.initial = real(kind == eds_FormKind::DynamicImplicit ? "initial_increment" : "initial");
   made.period = real("period", "total");
   made.minimum = real("minimum");
   made.maximum = real("maximum");
@@ -135,12 +136,13 @@ bool Procedure::IsNoStop(const KvoSimDataRecord& record) const {
 }
 
 bool Procedure::IsFixed(Kind kind, const KvoSimDataRecord& record) const {
-  if (kind == Kind::ModalDynamic) return true;
+  if (kind == eds_FormKind::ModalDynamic) return true;
   if (Flag(record, direct) || Flag(record, userControl) || Flag(record, isFixed)) return true;
   if (IsNoStop(record) || HasWord(record, incrementation, "FIXED STEP SIZE")) return true;
   const bool hasTolerances = cetol >= 0 || deltmx >= 0 || dcmax >= 0;
   if (!hasTolerances) return false;
-  if (kind != Kind::CoupledTemperatureDisplacement && Flag(record, steadyState)) return false;
+  if (kind != eds_FormKind::CoupledTemperatureDisplacement && Flag(record, steadyState))
+    return false;
   if (consolidation >= 0 && !Flag(record, consolidation)) return false; // a steady state
   return !Real(record, cetol) && !Real(record, deltmx) && !Real(record, dcmax) &&
          !Real(record, utol);

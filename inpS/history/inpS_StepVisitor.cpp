@@ -1,6 +1,7 @@
 #include "inpS/history/inpS_StepVisitor.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_GlobalDamping.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
@@ -134,7 +135,7 @@ void inpS_StepVisitor::VisitEndStep(const inp_Keyword& keyword) {
 // a keyword is for; without it, and with a word that is none, it is for all.
 void inpS_StepVisitor::SetDamping() {
   const auto fieldOf = [](std::string_view column) {
-    return eds_formField(eds_RecordKind::GlobalDamping, column);
+    return eds_formField(eds_FormKind::GlobalDamping, column);
   };
   for (const auto& [keyword, given] : m_dampings) {
     if (m_procedure.IsNull()) return; // told
@@ -155,8 +156,7 @@ void inpS_StepVisitor::SetDamping() {
 // ---- what a row cannot say
 
 bool inpS_StepVisitor::MayConvert(const inp_Keyword&, const inpS_Form& form) {
-  Names().SetTextOfMissingNode(form.kind == eds_RecordKind::StaticRiks ? textOfMissingNode
-                                                                       : nullptr);
+  Names().SetTextOfMissingNode(form.kind == eds_FormKind::StaticRiks ? textOfMissingNode : nullptr);
   return true;
 }
 
@@ -207,8 +207,8 @@ void inpS_StepVisitor::TellIrrelevant(const inp_Keyword& keyword) {
 }
 
 void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form) {
-  if (form.kind == eds_RecordKind::StaticRiks) CheckMonitoring(keyword);
-  if (form.kind == eds_RecordKind::StaticRiks || form.kind == eds_RecordKind::DynamicImplicit)
+  if (form.kind == eds_FormKind::StaticRiks) CheckMonitoring(keyword);
+  if (form.kind == eds_FormKind::StaticRiks || form.kind == eds_FormKind::DynamicImplicit)
     CheckExtrapolation(keyword);
   if (keyword.Kind() == inp_KwStatic && keyword.HasParameter("fullyplastic"))
     AddWarning(inp_Utils::MessageAtParameter(keyword, "fullyplastic",
@@ -233,7 +233,7 @@ void inpS_StepVisitor::CheckMonitoring(const inp_Keyword& keyword) {
 }
 
 void inpS_StepVisitor::CheckExtrapolation(const inp_Keyword& keyword) {
-  static const int field = eds_formField(eds_RecordKind::Step, "extrapolation");
+  static const int field = eds_formField(eds_FormKind::Step, "extrapolation");
   if (OpenStep().DataRecord().GetString(field) == "NO")
     Warning(keyword, "EXTRAPOLATION=NO is not permitted with this step type. Default Extrapolation "
                      "will be used.");
@@ -242,7 +242,7 @@ void inpS_StepVisitor::CheckExtrapolation(const inp_Keyword& keyword) {
 // Explicit dynamics has no iterations to control; fluid and structure are of fluid dynamics.
 void inpS_StepVisitor::CheckControls(const inp_Keyword& keyword, const inpS_Form& form) {
   if (!m_open) return;
-  const bool isFluidStructure = form.kind == eds_RecordKind::ControlsFluidStructure;
+  const bool isFluidStructure = form.kind == eds_FormKind::ControlsFluidStructure;
   if (m_open->isExplicit || isFluidStructure != m_open->isFluid) TellIrrelevant(keyword);
   if (isFluidStructure) CheckFluidStructure(keyword);
 }

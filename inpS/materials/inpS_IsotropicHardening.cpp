@@ -1,4 +1,5 @@
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_TableCheck.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
@@ -35,7 +36,7 @@ void appendRows(cow_List<double>& all, std::span<const double> rows, int columns
 } // namespace
 
 inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Keyword& keyword) {
-  const inpS_Form& row = *inpS_FormTable::Instance().Find(eds_RecordKind::PlasticIsotropic);
+  const inpS_Form& row = *inpS_FormTable::Instance().Find(eds_FormKind::PlasticIsotropic);
   inpS_KeywordDataTable table(keyword, static_cast<int>(row.columns.Fixed().size()), 0, true);
   table.Read();
   table.ReportUnread(*this);
@@ -53,7 +54,7 @@ inpS_KeywordDataTable inpS_MaterialVisitor::ReadIsotropicHardening(const inp_Key
 
 KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTransaction&,
                                                                      const inp_Keyword& keyword) {
-  constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
+  constexpr eds_RecordKind kind = eds_FormKind::PlasticIsotropic;
   const inpS_KeywordDataTable table = ReadIsotropicHardening(keyword);
   if (table.NumRows() == 0) return {};
   const Potential potential = CreatePotential(keyword);

@@ -2,6 +2,7 @@
 
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_RecordParameters.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
@@ -62,7 +63,7 @@ void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
 
 void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
   const KvoSimPosition opened =
-      OpenNamed(keyword, eds_RecordKind::GasketBehavior, eds_Member::GasketBehaviors);
+      OpenNamed(keyword, eds_FormKind::GasketBehavior, eds_Member::GasketBehaviors);
   if (opened.IsNull()) return;
   m_owner = m_gasket = opened;
 }
@@ -73,10 +74,10 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
   const KvoSimPosition model = m_document.GetModel().Position();
   KvoSimPosition constants = model.Follow(eds_Member::PhysicalConstants);
   if (constants.IsNull()) {
-    constants = model.CreateDataRecord(eds_RecordKind::PhysicalConstants);
+    constants = model.CreateDataRecord(eds_FormKind::PhysicalConstants);
     model.SetPosition(eds_Member::PhysicalConstants, constants);
   }
-  const auto bindings = inpS_bindParameters(keyword.Kind(), eds_RecordKind::PhysicalConstants);
+  const auto bindings = inpS_bindParameters(keyword.Kind(), eds_FormKind::PhysicalConstants);
   for (const inpS_ParameterBinding& binding : bindings)
     if (keyword.HasParameter(binding.key) && !constants.DataRecord().IsMemberNull(binding.field))
       AddWarning(inp_Utils::MessageAtParameter(
@@ -89,7 +90,7 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
     else
       m_constantsPart.DataRecord().SetString(eds_KeptPart_Lines, m_constantsLines);
   }
-  const int field = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
+  const int field = eds_formOf(eds_FormKind::PhysicalConstants)->othersField;
   const cow_String former = constants.DataRecord().ReturnString(field);
   inpS_dropRepeated(keyword, former, *this);
   TellUnknown(keyword);

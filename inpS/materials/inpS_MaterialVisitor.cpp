@@ -2,6 +2,7 @@
 #include "base/utl_Assert.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_FormRows.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
@@ -16,7 +17,7 @@
 namespace {
 
 bool isContainer(const KvoSimPosition& owner) {
-  return owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
+  return owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_FormKind::GasketBehavior);
 }
 
 eds_Member memberOf(const KvoSimPosition& owner) {
@@ -149,7 +150,7 @@ void inpS_MaterialVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPo
   KvoSimPosition behind = owner;
   if (!owner.IsNull())
     for (const KvoSimPosition& present : owner.GetVector(memberOf(owner)))
-      if (!present.IsA(eds_RecordKind::Potential)) behind = present;
+      if (!present.IsA(eds_FormKind::Potential)) behind = present;
   m_text.try_emplace(keyword.Body().get(),
                      inpS_TextPlace{owner, behind, false, std::move(reason), isTold});
   for (const inp_Keyword& suboption : keyword.Suboptions()) KeepAsText(suboption, owner);
@@ -197,7 +198,7 @@ KvoSimPosition inpS_MaterialVisitor::CreateBehavior(const inp_Keyword& keyword,
   const inpS_FormTable& table = inpS_FormTable::Instance();
   const inpS_Form* behavior = table.Select(keyword, parent);
   const std::string_view assertion = inpS_valueAssertion(keyword.Kind());
-  if (behavior && behavior->kind == eds_RecordKind::Depvar && keyword.Data().Rows() == 0)
+  if (behavior && behavior->kind == eds_FormKind::Depvar && keyword.Data().Rows() == 0)
     utl_assertionFailed("numRows>= 1");
   if (!behavior && !assertion.empty()) utl_assertionFailed(cow_String(assertion).c_str());
   const std::string_view misplaced = inpS_ownerAssertion(keyword.Kind());
@@ -414,7 +415,7 @@ inpS_MaterialVisitor::Potential inpS_MaterialVisitor::CreatePotential(const inp_
     if (suboption.Kind() != inp_KwPotential) continue;
     const auto present = m_owner.GetVector(eds_Member::Properties);
     const bool isSecond = std::ranges::any_of(present, [](const KvoSimPosition& property) {
-      return property.IsA(eds_RecordKind::Potential);
+      return property.IsA(eds_FormKind::Potential);
     });
     KvoSimPosition made;
     if (isSecond)
@@ -439,14 +440,14 @@ void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
                        inpS_TextPlace{m_owner, property, false, std::move(reason), isTold});
   }
   if (!potential.made.IsNull())
-    potential.made.DataRecord().SetReference(eds_formField(eds_RecordKind::Potential, "given_with"),
+    potential.made.DataRecord().SetReference(eds_formField(eds_FormKind::Potential, "given_with"),
                                              property);
 }
 
 void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
   if (keyword.StringOf("hardening", "ISOTROPIC") != "ISOTROPIC") return Behavior(keyword);
   if (inpS_hasUnknownWord(keyword)) return KeepAsText(keyword, m_owner);
-  constexpr eds_RecordKind kind = eds_RecordKind::PlasticIsotropic;
+  constexpr eds_RecordKind kind = eds_FormKind::PlasticIsotropic;
   KvoSimPosition property = GetProperty(kind);
   if (property.IsNull() && IsSecond(keyword, *inpS_FormTable::Instance().Find(kind), m_owner))
     return KeepAsText(keyword, m_owner, true); // beside another hardening
@@ -486,7 +487,7 @@ void inpS_MaterialVisitor::Depvar(const inp_Keyword& keyword) {
   KvoSimTransaction transaction(m_document.ContextID());
   const KvoSimPosition property = Convert(keyword, m_owner);
   if (!property.IsNull()) {
-    property.DataRecord().SetInt(eds_formField(eds_RecordKind::Depvar, "count"),
+    property.DataRecord().SetInt(eds_formField(eds_FormKind::Depvar, "count"),
                                  static_cast<long long>(count));
     int col = 1; // the lines are kept as they stand
     while (col < data.Cols(0) && !data.HasValue(0, col)) ++col;

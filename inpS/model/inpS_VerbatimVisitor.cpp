@@ -5,6 +5,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_Blocks.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -56,7 +57,7 @@ bool writes(const KvoObjDocument& document, const KvoSimPosition& owner, int blo
 
 const char* levelUnder(const KvoSimPosition& owner) {
   const bool container =
-      owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_RecordKind::GasketBehavior);
+      owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_FormKind::GasketBehavior);
   return container ? "LEVEL_MATERIAL" : "LEVEL_SUBOPTION";
 }
 
@@ -272,7 +273,7 @@ int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
   if (keyword.ParentKind() == inp_KwGasketBehavior) m_ownBlock = kGasketBehaviors;
   if (told && !told->owner.IsNull()) {
     if (told->owner.IsA(eds_RecordKind::Material)) return kMaterials;
-    if (told->owner.IsA(eds_RecordKind::GasketBehavior)) return kGasketBehaviors;
+    if (told->owner.IsA(eds_FormKind::GasketBehavior)) return kGasketBehaviors;
     return m_ownBlock;
   }
   if (!goesAlong && IsWrittenHere(keyword)) m_block = m_ownBlock;

@@ -4,6 +4,7 @@
 #include "database/KvoSimTransaction.h"
 #include "database/KvoSrvBulkShellLayers.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/properties/inpS_SectionData.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 
@@ -26,16 +27,16 @@ public:
   void Write(const KvoSimPosition& section, const cow_String& part) {
     const Kind kind = section.Object().RecordKind();
     const char* const thickness = ThicknessOf(kind);
-    const bool composite =
-        kind == Kind::ShellSectionComposite || kind == Kind::ShellGeneralSectionComposite;
+    const bool composite = kind == eds_FormKind::ShellSectionComposite ||
+                           kind == eds_FormKind::ShellGeneralSectionComposite;
     if (!composite && !thickness) return;
     const KvoSimDataRecord record = section.DataRecord();
     const auto field = [&](std::string_view column) { return eds_formField(kind, column); };
     const cow_String elset = record.GetReference(field("elset")).Name();
     auto made = KvoSrvShellSection::Create(
         m_document.Context(), inpS_SectionInventory::GetSectionName(part, elset), composite);
-    const bool isIntegrated =
-        kind == Kind::ShellSectionComposite || kind == Kind::ShellSectionHomogeneous;
+    const bool isIntegrated = kind == eds_FormKind::ShellSectionComposite ||
+                              kind == eds_FormKind::ShellSectionHomogeneous;
     const bool isGauss =
         isIntegrated && record.ReturnString(field("section_integration")) == "GAUSS";
     made.SetIntegration(isGauss ? KvoSectionIntegration::Gauss : KvoSectionIntegration::Simpson);
@@ -59,20 +60,15 @@ public:
 private:
   // The column of a section of one layer; null: it is none.
   static const char* ThicknessOf(Kind kind) {
-    switch (kind) {
-    case Kind::ShellSectionHomogeneous:
-    case Kind::ShellGeneralSectionMaterial:
-      return "thickness";
-    case Kind::MembraneSection:
-      return "membrane";
-    default:
-      return nullptr;
-    }
+    if (kind == eds_FormKind::MembraneSection) return "membrane";
+    const bool isShell = kind == eds_FormKind::ShellSectionHomogeneous ||
+                         kind == eds_FormKind::ShellGeneralSectionMaterial;
+    return isShell ? "thickness" : nullptr;
   }
 
   static KvoShellPly PlyOf(const KvoSimDataRecord& line, bool isGauss) {
     const auto field = [](std::string_view column) {
-      return eds_formField(Kind::SectionPly, column);
+      return eds_formField(eds_FormKind::SectionPly, column);
     };
     return {line.ReturnString(field("name")),
             line.GetDouble(field("thickness")),

@@ -4,6 +4,7 @@
 #include "database/KvoObjModel.h"
 #include "database/eds_DamagedModel.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include <algorithm>
 #include <cstring>
 
@@ -126,8 +127,8 @@ bool areDistinctLabels(const cow_List<int>& targets) {
 } // namespace
 
 inpS_Distribution inpS_Distribution::Of(const KvoSimPosition& record) {
-  const bool nodes = record.IsA(eds_RecordKind::DistributionByNode);
-  if (!nodes && !record.IsA(eds_RecordKind::DistributionByElement))
+  const bool nodes = record.IsA(eds_FormKind::DistributionByNode);
+  if (!nodes && !record.IsA(eds_FormKind::DistributionByElement))
     return inpS_Distribution(KvoSimDistribution());
   for (const KvoSimPosition& known : record.GetVector(eds_Member::Distributions))
     return inpS_Distribution(known.AsDistribution());

@@ -1,6 +1,7 @@
 #include "inpS/properties/inpS_DistributionTable.h"
 #include "base/utl_Assert.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_FormWords.h"
 #include <algorithm>
 
@@ -10,7 +11,7 @@ constexpr std::pair<std::string_view, int> kSeveral[] = {
     {"COORD3D", 3}, {"SHELLSTIFF1", 6}, {"SHELLSTIFF2", 9}, {"SHELLSTIFF3", 6}};
 
 const cow_List<cow_String>& names() {
-  return eds_formOf(eds_RecordKind::DistributionTable)->words.alternatives.front().words;
+  return eds_formOf(eds_FormKind::DistributionTable)->words.alternatives.front().words;
 }
 
 } // namespace
@@ -23,7 +24,7 @@ inpS_DistributionTable::inpS_DistributionTable(const cow_List<cow_String>& field
 }
 
 inpS_DistributionTable::inpS_DistributionTable(const KvoSimPosition& record) {
-  const int field = eds_formOf(eds_RecordKind::DistributionTable)->words.alternatives.front().field;
+  const int field = eds_formOf(eds_FormKind::DistributionTable)->words.alternatives.front().field;
   *this = inpS_DistributionTable(inpS_splitWords(record.DataRecord().GetString(field)));
 }
 

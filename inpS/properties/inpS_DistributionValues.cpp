@@ -1,6 +1,7 @@
 #include "inpS/properties/inpS_DistributionValues.h"
 #include "database/eds_DamagedModel.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/properties/inpS_Distribution.h"
 #include <algorithm>
 #include <cstring>
@@ -8,7 +9,7 @@
 
 inpS_DistributionValues::inpS_DistributionValues(const KvoSimPosition& distribution)
     : m_table(inpS_DistributionTable::Of(distribution)), m_width(m_table.TotalNumComponents()),
-      m_isByNode(distribution.IsA(eds_RecordKind::DistributionByNode)) {
+      m_isByNode(distribution.IsA(eds_FormKind::DistributionByNode)) {
   const KvoSimDataRecord record = distribution.DataRecord();
   const eds_FormInfo& form = *eds_formOf(distribution.Object().RecordKind());
   if (!record.IsMemberNull(form.defaultsField)) {

@@ -6,6 +6,7 @@
 #include "database/KvoSimTransfer.h"
 #include "database/eds_DamagedModel.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_Utils.h"
 #include <cmath>
@@ -146,9 +147,9 @@ void inpS_NodalThicknessVisitor::Apply(const KvoSimPosition& owner, const KvoSim
   KvoSimPosition labels = instance.IsNull() ? owner : instance;
   if (labels == model.Position() && !model.GetAssembly().IsNull()) labels = model.GetAssembly();
   for (const KvoSimPosition& record : owner.GetVector(eds_Member::Transforms)) {
-    if (record.IsA(eds_RecordKind::NodalThickness))
+    if (record.IsA(eds_FormKind::NodalThickness))
       ApplyTargets(record, owner.IsA(eds_RecordKind::Part), instance, values);
-    if (record.IsA(eds_RecordKind::NodalThicknessGenerate)) ApplyRanges(record, labels, values);
+    if (record.IsA(eds_FormKind::NodalThicknessGenerate)) ApplyRanges(record, labels, values);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "inpS/properties/inpS_OrientationData.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
 #include "inpS/sets/inpS_ScopedField.h"
 #include "parser/inp_DataArray.h"
@@ -28,10 +29,10 @@ System transformOf(std::string_view type) {
 }
 
 Definition definitionOf(eds_RecordKind kind) {
-  return kind == eds_RecordKind::OrientationByNodes          ? Definition::Nodes
-         : kind == eds_RecordKind::OrientationByOffset       ? Definition::OffsetToNodes
-         : kind == eds_RecordKind::OrientationByDistribution ? Definition::Distribution
-                                                             : Definition::Coordinates;
+  return kind == eds_FormKind::OrientationByNodes          ? Definition::Nodes
+         : kind == eds_FormKind::OrientationByOffset       ? Definition::OffsetToNodes
+         : kind == eds_FormKind::OrientationByDistribution ? Definition::Distribution
+                                                           : Definition::Coordinates;
 }
 
 cow_String quoted(const inp_DataArray& lines, long long row, int col) {
@@ -120,7 +121,7 @@ Fields::Fields(eds_RecordKind kind) {
     const auto found = std::ranges::find(all, column, &eds_FieldInfo::column);
     return found == all.end() ? -1 : static_cast<int>(found - all.begin());
   };
-  system = find(kind == eds_RecordKind::Transform ? "type" : "system");
+  system = find(kind == eds_FormKind::Transform ? "type" : "system");
   axis = find("axis");
   angle = find("angle");
   constexpr std::string_view names[] = {"a", "b", "c"};
@@ -133,7 +134,7 @@ Fields::Fields(eds_RecordKind kind) {
 }
 
 const Fields& fieldsOf(eds_RecordKind kind) {
-  using K = eds_RecordKind;
+  namespace K = eds_FormKind;
   static const Fields byNodes(K::OrientationByNodes), byOffset(K::OrientationByOffset),
       byDistribution(K::OrientationByDistribution), transform(K::Transform), plain(K::Orientation);
   return kind == K::OrientationByNodes          ? byNodes
@@ -150,13 +151,13 @@ inpS_OrientationData inpS_OrientationData::Of(const KvoSimPosition& record) {
   const eds_RecordKind kind = record.Object().RecordKind();
   inpS_OrientationData data;
   data.definition = definitionOf(kind);
-  if (kind == eds_RecordKind::OrientationUser) {
+  if (kind == eds_FormKind::OrientationUser) {
     data.system = System::User;
     return data;
   }
   const Fields& fields = fieldsOf(kind);
   const std::string_view system = given.GetString(fields.system);
-  data.system = kind == eds_RecordKind::Transform ? transformOf(system) : systemOf(system);
+  data.system = kind == eds_FormKind::Transform ? transformOf(system) : systemOf(system);
   for (int n = 0; n < kPoints; ++n) {
     for (int i = 0; i < 3; ++i)
       if (fields.points[n][i] >= 0) data.points[n][i] = given.GetDouble(fields.points[n][i]);
@@ -173,13 +174,13 @@ inpS_OrientationData inpS_OrientationData::Of(const KvoSimPosition& record) {
 }
 
 KvoSimPosition inpS_OrientationData::PointsOf(const KvoSimPosition& record) {
-  if (!record.IsA(eds_RecordKind::OrientationByDistribution)) return {};
+  if (!record.IsA(eds_FormKind::OrientationByDistribution)) return {};
   return record.DataRecord().GetReference(
-      eds_formField(eds_RecordKind::OrientationByDistribution, "distribution"));
+      eds_formField(eds_FormKind::OrientationByDistribution, "distribution"));
 }
 
 KvoSimPosition inpS_OrientationData::AnglesOf(const KvoSimPosition& record) {
-  if (record.IsA(eds_RecordKind::OrientationUser)) return {};
+  if (record.IsA(eds_FormKind::OrientationUser)) return {};
   return record.DataRecord().GetReference(
       eds_formField(record.Object().RecordKind(), "angle_distribution"));
 }

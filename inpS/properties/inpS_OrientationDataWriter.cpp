@@ -3,6 +3,7 @@
 #include "database/KvoObjMesh.h"
 #include "database/KvoSimCSet.h"
 #include "database/KvoSimTransfer.h"
+#include "database/schema/eds_FormKind.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ void inpS_OrientationDataWriter::Initialize(KvoSimTransaction& transaction,
 KvoSimPosition inpS_OrientationDataWriter::CreateOrientation(System system) {
   m_currOrientation = m_parent.CreateDataRecord(eds_RecordKind::LocalSystem);
   KvoSimDataRecord record = m_currOrientation.DataRecord();
-  if (!m_parent.IsA(eds_RecordKind::Transform))
+  if (!m_parent.IsA(eds_FormKind::Transform))
     record.SetString(eds_LocalSystem_Name, m_parent.Name());
   record.SetReference(eds_LocalSystem_Given, m_parent);
   record.SetString(eds_LocalSystem_System, inpS_OrientationData::NameOf(system));

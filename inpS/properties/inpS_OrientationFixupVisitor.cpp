@@ -1,6 +1,7 @@
 #include "inpS/properties/inpS_OrientationFixupVisitor.h"
 #include "base/utl_BlockSize.h"
 #include "database/KvoSimTransaction.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/properties/inpS_DistributionValues.h"
 #include "inpS/properties/inpS_OrientationAxes.h"
 #include "parser/inp_Utils.h"
@@ -93,7 +94,7 @@ bool inpS_OrientationFixupVisitor::CheckDistributions(const inp_Keyword& keyword
     return false;
   }
   for (const KvoSimPosition& one : {points, angles}) {
-    if (one.IsNull() || one.IsA(eds_RecordKind::DistributionByElement)) continue;
+    if (one.IsNull() || one.IsA(eds_FormKind::DistributionByElement)) continue;
     Error(keyword, "Orientation " + orientation.Name() +
                        " varies over elements, and distribution \"" + one.Name() +
                        "\" is not by element.");

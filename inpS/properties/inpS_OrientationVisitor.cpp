@@ -1,4 +1,5 @@
 #include "inpS/properties/inpS_OrientationVisitor.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -17,11 +18,11 @@ bool isName(const inp_Keyword& keyword, long long row, int col) {
 const inpS_Form* inpS_OrientationVisitor::Choose(const inp_Keyword& keyword,
                                                  const inp_Keyword* parent) {
   const inpS_Form* form = inpS_FormVisitor::Choose(keyword, parent);
-  if (!form || form->kind != eds_RecordKind::Orientation || !isName(keyword, 0, 0)) return form;
+  if (!form || form->kind != eds_FormKind::Orientation || !isName(keyword, 0, 0)) return form;
   inpS_OrientationData data;
   inpS_OrientationData::Read(keyword, *form, data);
   if (!data.IsRectangular()) return form;
-  return inpS_FormTable::Instance().Find(eds_RecordKind::OrientationByDistribution);
+  return inpS_FormTable::Instance().Find(eds_FormKind::OrientationByDistribution);
 }
 
 bool inpS_OrientationVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
@@ -35,7 +36,7 @@ bool inpS_OrientationVisitor::MayConvert(const inp_Keyword& keyword, const inpS_
           "pair of node numbers for points A and B. ");
   if (fault.empty()) fault = m_systems.FaultOf(data, Holder());
   if (fault.empty())
-    return (form.kind != eds_RecordKind::OrientationByDistribution ||
+    return (form.kind != eds_FormKind::OrientationByDistribution ||
             HasDistribution(keyword, 0, 0)) &&
            HasDistribution(keyword, 1, 1);
   Error(keyword, inp_Utils::Format("Unable to create orientation %s due to invalid or null content",
@@ -65,9 +66,9 @@ void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_F
                                         const KvoSimPosition& record) {
   const bool isTransform = keyword.Kind() == inp_KwTransform;
   if (keyword.Kind() != inp_KwOrientation && !isTransform) return;
-  if (form.kind != eds_RecordKind::OrientationUser && !isTransform) CheckLocalDirections(keyword);
+  if (form.kind != eds_FormKind::OrientationUser && !isTransform) CheckLocalDirections(keyword);
   if (!isTransform) NoteDistributions(keyword, record);
-  if (form.kind == eds_RecordKind::OrientationByDistribution) return; // in the second pass
+  if (form.kind == eds_FormKind::OrientationByDistribution) return; // in the second pass
   const cow_String fault = m_systems.Derive(record, Holder(), true);
   if (!fault.empty())
     Warning(keyword, "No local axes can be made of *" + keyword.Name() + " " +

@@ -5,6 +5,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/properties/inpS_Distribution.h"
 #include "inpS/properties/inpS_DistributionValues.h"
 #include "inpS/properties/inpS_SectionData.h"
@@ -38,7 +39,7 @@ struct Columns {
       if (field.column == "nodal_thickness") nodal = number;
     }
     const eds_FormInfo* form = eds_formOf(kind);
-    hasPlies = form->data == eds_FormData::Records && form->record == Kind::SectionPly;
+    hasPlies = form->data == eds_FormData::Records && form->record == eds_FormKind::SectionPly;
   }
   bool IsEmpty() const { return thickness.empty() && angle.empty() && nodal < 0 && !hasPlies; }
 
@@ -78,7 +79,7 @@ private:
       if (columns.IsEmpty()) continue;
       Bind(section, section, columns);
       if (!columns.hasPlies) continue;
-      const Columns& ofPly = ColumnsOf(Kind::SectionPly);
+      const Columns& ofPly = ColumnsOf(eds_FormKind::SectionPly);
       for (const KvoSimPosition& ply : section.GetVector(eds_Member::Lines))
         Bind(ply, section, ofPly);
     }
@@ -116,8 +117,8 @@ private:
 
   void BindDistribution(const KvoSimPosition& to, const KvoSimPosition& section, const char* name,
                         const KvoSimPosition& distribution) {
-    const bool byNode = distribution.IsA(Kind::DistributionByNode);
-    if (!byNode && !distribution.IsA(Kind::DistributionByElement)) return; // of no mesh
+    const bool byNode = distribution.IsA(eds_FormKind::DistributionByNode);
+    if (!byNode && !distribution.IsA(eds_FormKind::DistributionByElement)) return; // of no mesh
     inpS_DistributionValues values(distribution);
     const inpS_Distribution stored = inpS_Distribution::Of(distribution);
     const bool isResolved = !values.Defaults().empty() || values.Width() != 1;

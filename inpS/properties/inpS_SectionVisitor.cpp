@@ -3,6 +3,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/properties/inpS_BulkShellSections.h"
 #include "parser/inp_Utils.h"
@@ -10,6 +11,10 @@
 #include <cstdlib>
 
 namespace {
+
+template <class... Kinds> bool isOneOf(const inpS_Form& form, Kinds... kinds) {
+  return ((form.kind == kinds) || ...);
+}
 
 // The values that stand on lines up to one of them; a name counts as all that its line may hold.
 int valuesOnLines(const inp_DataArray& data, long long lines) {
@@ -82,7 +87,7 @@ const inpS_Form* inpS_SectionVisitor::ChooseSolid(const inp_Keyword& keyword) {
   const inp_Item* elset = keyword.Find("elset");
   const Found found = elset ? FindField(Kind::Elements, elset->Verbatim()) : Found();
   const eds_MemberSet members = inpS_SectionData::MembersOf(found.set);
-  if (members.IsEmpty()) return forms.Find(eds_RecordKind::SolidSection);
+  if (members.IsEmpty()) return forms.Find(eds_FormKind::SolidSection);
   const KvoSimPosition owner = found.set.DataRecord().GetReference(eds_ElementSet_Owner);
   const auto specs =
       DataOf(owner.IsA(eds_RecordKind::Part) ? owner : Model()).FindElementSpecs(members);
@@ -91,15 +96,15 @@ const inpS_Form* inpS_SectionVisitor::ChooseSolid(const inp_Keyword& keyword) {
   const auto only = [&](inp_SectionDimension one) {
     return dimensions == 1u << static_cast<unsigned>(one);
   };
-  if (only(inp_SectionDimension::Truss)) return forms.Find(eds_RecordKind::TrussSection);
-  if (only(inp_SectionDimension::Solid2D)) return forms.Find(eds_RecordKind::SolidSectionPlane);
+  if (only(inp_SectionDimension::Truss)) return forms.Find(eds_FormKind::TrussSection);
+  if (only(inp_SectionDimension::Solid2D)) return forms.Find(eds_FormKind::SolidSectionPlane);
   if ((dimensions & (dimensions - 1)) != 0)
     AddError(inp_Utils::MessageAtParameter(
         keyword, "elset",
         "The elset: " + elset->AsString() +
             " contains element specs of different dimensionality (3D, 2D, Axisym, Truss) and is "
             "used in the same section assignment."));
-  return forms.Find(eds_RecordKind::SolidSection);
+  return forms.Find(eds_FormKind::SolidSection);
 }
 
 const inpS_SectionData& inpS_SectionVisitor::DataOf(const KvoSimPosition& owner) {
@@ -110,27 +115,21 @@ const inpS_SectionData& inpS_SectionVisitor::DataOf(const KvoSimPosition& owner)
 // ---- what must hold
 
 bool inpS_SectionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
-  switch (form.kind) {
-  case eds_RecordKind::SolidSectionComposite:
+  namespace K = eds_FormKind;
+  if (isOneOf(form, K::SolidSectionComposite)) {
     CheckStackDirection(keyword);
     return CheckSolid(keyword);
-  case eds_RecordKind::ShellGeneralSectionStiffness:
-    return CheckShellStiffness(keyword);
-  case eds_RecordKind::PretensionSection:
-  case eds_RecordKind::PretensionSectionElement:
-    return CheckPretension(keyword);
-  case eds_RecordKind::FluidSection:
-    return CheckFluid(keyword);
-  case eds_RecordKind::SpringLinear:
-  case eds_RecordKind::SpringNonlinear:
-  case eds_RecordKind::DashpotLinear:
-  case eds_RecordKind::DashpotNonlinear: // under a joint they are about its elements
-    if (keyword.IsSuboption() || keyword.HasParameter("elset")) return true;
-    TellRequired(keyword, "ELSET");
-    return false;
-  default:
-    return true;
   }
+  if (isOneOf(form, K::ShellGeneralSectionStiffness)) return CheckShellStiffness(keyword);
+  if (isOneOf(form, K::PretensionSection, K::PretensionSectionElement))
+    return CheckPretension(keyword);
+  if (isOneOf(form, K::FluidSection)) return CheckFluid(keyword);
+  if (!isOneOf(form, K::SpringLinear, K::SpringNonlinear, K::DashpotLinear, K::DashpotNonlinear))
+    return true;
+  // Under a joint they are about its elements.
+  if (keyword.IsSuboption() || keyword.HasParameter("elset")) return true;
+  TellRequired(keyword, "ELSET");
+  return false;
 }
 
 bool inpS_SectionVisitor::CheckSolid(const inp_Keyword& keyword) {
@@ -211,23 +210,16 @@ void inpS_SectionVisitor::TellMissing(const inp_Keyword& keyword, const cow_Stri
 
 void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                     const KvoSimPosition& record) {
-  switch (form.kind) {
-  case eds_RecordKind::SolidSectionComposite:
-    return CheckPlies(keyword, record);
-  case eds_RecordKind::RebarLayer:
-  case eds_RecordKind::RebarLayerAngular:
-  case eds_RecordKind::RebarLayerLiftEquation:
+  namespace K = eds_FormKind;
+  if (isOneOf(form, K::SolidSectionComposite)) return CheckPlies(keyword, record);
+  if (isOneOf(form, K::RebarLayer, K::RebarLayerAngular, K::RebarLayerLiftEquation))
     return CheckRebar(keyword, record);
-  case eds_RecordKind::BeamSectionArbitrary:
-  case eds_RecordKind::BeamGeneralSectionArbitrary:
+  if (isOneOf(form, K::BeamSectionArbitrary, K::BeamGeneralSectionArbitrary))
     return MarkDirection(record);
-  default:
-    return;
-  }
 }
 
 void inpS_SectionVisitor::CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section) {
-  static const int points = eds_formField(eds_RecordKind::SectionPly, "points");
+  static const int points = eds_formField(eds_FormKind::SectionPly, "points");
   for (const KvoSimPosition& ply : section.GetVector(eds_Member::Lines)) {
     const KvoSimDataRecord record = ply.DataRecord();
     if (record.IsMemberNull(points) || record.GetInt64(points) > 0) continue;
@@ -251,7 +243,7 @@ void inpS_SectionVisitor::CheckRebar(const inp_Keyword& keyword, const KvoSimPos
 // Behind the points of an arbitrary profile, one for each segment but the first, stands the
 // direction of the first axis.
 void inpS_SectionVisitor::MarkDirection(const KvoSimPosition& section) {
-  static const int flag = eds_formField(eds_RecordKind::ArbitrarySegment, "is_direction");
+  static const int flag = eds_formField(eds_FormKind::ArbitrarySegment, "is_direction");
   const int segments = eds_formField(section.Object().RecordKind(), "segments");
   const auto lines = section.GetVector(eds_Member::Lines);
   const auto points = section.DataRecord().GetInt64(segments) - 1;

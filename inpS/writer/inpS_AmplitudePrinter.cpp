@@ -4,6 +4,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimDistribution.h"
 #include "database/KvoSrvFsmFTable.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_AmplitudeForm.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
@@ -27,8 +28,8 @@ void printFirstLine(utl_Stream& out, const inpS_AmplitudeForm& form,
                     const KvoSimDataRecord& record) {
   for (std::size_t n = 0; n < form.lineFields.size(); ++n) {
     if (n > 0) out << ", ";
-    if (form.kind == eds_RecordKind::AmplitudePeriodic &&
-        form.lineFields[n] == eds_formField(eds_RecordKind::AmplitudePeriodic, "terms"))
+    if (form.kind == eds_FormKind::AmplitudePeriodic &&
+        form.lineFields[n] == eds_formField(eds_FormKind::AmplitudePeriodic, "terms"))
       out << record.GetInt64(form.lineFields[n]);
     else
       out << record.GetDouble(form.lineFields[n]);
@@ -62,10 +63,10 @@ void printKeyword(utl_Stream& out, const inpS_AmplitudeForm& form, const KvoSimD
   if (&form != &inpS_amplitudeForms().front()) out << ", DEFINITION=" << form.definition;
   if (record.GetSymb(form.timeSpan) != 0) out << ", TIME=TOTAL TIME";
   inpS_printParameters(out, form.parameters, record);
-  if (form.kind == eds_RecordKind::AmplitudeTabular &&
-      record.GetBool(eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing_given")))
+  if (form.kind == eds_FormKind::AmplitudeTabular &&
+      record.GetBool(eds_formField(eds_FormKind::AmplitudeTabular, "smoothing_given")))
     out << ", SMOOTH="
-        << record.GetDouble(eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing"));
+        << record.GetDouble(eds_formField(eds_FormKind::AmplitudeTabular, "smoothing"));
 }
 
 } // namespace

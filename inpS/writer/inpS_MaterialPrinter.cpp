@@ -3,6 +3,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSrvFsmFTable.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/keywords/inpS_RecordParameters.h"
@@ -53,7 +54,7 @@ void inpS_MaterialPrinter::PrintPhysicalConstants(const KvoObjModel& model) {
   const KvoSimPosition constants = model.Position().Follow(eds_Member::PhysicalConstants);
   if (constants.IsNull()) return;
   printPlain(m_out, inp_KwPhysicalConstants, constants);
-  const int others = eds_formOf(eds_RecordKind::PhysicalConstants)->othersField;
+  const int others = eds_formOf(eds_FormKind::PhysicalConstants)->othersField;
   m_out << constants.DataRecord().GetString(others) << '\n' << m_parts.FirstOf(constants).lines;
 }
 
@@ -73,7 +74,7 @@ void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEn
 void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
   const inpS_Form* behavior = inpS_FormTable::Instance().Find(property.Object().RecordKind());
   if (!behavior) return; // of a newer version's kind: nothing is known of it
-  if (property.IsA(eds_RecordKind::PlasticIsotropic) && hasRates(property.GetFTable())) {
+  if (property.IsA(eds_FormKind::PlasticIsotropic) && hasRates(property.GetFTable())) {
     PrintIsotropicHardening(property, *behavior);
   } else {
     const inpS_KeptPart& part = m_parts.FirstOf(property);

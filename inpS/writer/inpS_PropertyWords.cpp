@@ -1,6 +1,7 @@
 #include "inpS/writer/inpS_PropertyWords.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_RecordParameters.h"
 #include "inpS/materials/inpS_Behaviors.h"
 #include "parser/inp_KeywordTable.h"
@@ -47,7 +48,7 @@ inpS_PropertySuboptions inpS_suboptionsOf(const KvoSimPosition& property,
                                           const cow_List<KvoSimPosition>& potentials) {
   inpS_PropertySuboptions suboptions;
   const eds_RecordKind kind = property.Object().RecordKind();
-  static const int givenWith = eds_formField(eds_RecordKind::Potential, "given_with");
+  static const int givenWith = eds_formField(eds_FormKind::Potential, "given_with");
   for (const FlagField& flag : flagFields())
     if (flag.kind == kind && property.DataRecord().GetBool(flag.field))
       suboptions.flags.push_back(flag.keyword);
@@ -61,5 +62,5 @@ inpS_PropertySuboptions inpS_suboptionsOf(const KvoSimPosition& property,
 
 inpS_OwnedProperties::inpS_OwnedProperties(const KvoSimPosition& owner) {
   for (const KvoSimPosition& property : owner.GetVector(eds_Member::Properties))
-    (property.IsA(eds_RecordKind::Potential) ? potentials : properties).push_back(property);
+    (property.IsA(eds_FormKind::Potential) ? potentials : properties).push_back(property);
 }

@@ -2,6 +2,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/properties/inpS_SectionData.h"
 #include "inpS/properties/inpS_SectionInventory.h"
@@ -122,8 +123,9 @@ private:
   }
 
   static bool IsLayup(Kind kind) {
-    return kind == Kind::ShellSectionComposite || kind == Kind::ShellGeneralSectionComposite ||
-           kind == Kind::SolidSectionComposite;
+    return kind == eds_FormKind::ShellSectionComposite ||
+           kind == eds_FormKind::ShellGeneralSectionComposite ||
+           kind == eds_FormKind::SolidSectionComposite;
   }
 
   void AddLines(Description& made) {
@@ -147,7 +149,7 @@ private:
   // shares of it then.
   void AddThickness(Description& made, const Columns& columns, const KvoSimDataRecord& record) {
     const Kind kind = made.section.Object().RecordKind();
-    if (kind == Kind::SolidSectionComposite) {
+    if (kind == eds_FormKind::SolidSectionComposite) {
       made.kind = Thickness::None;
       made.thickness = 0;
       return;
@@ -165,7 +167,7 @@ private:
     } else if (columns.thickness >= 0 && !record.IsMemberNull(columns.thickness)) {
       made.kind = Thickness::Constant;
       made.thickness = record.GetDouble(columns.thickness);
-    } else if (kind == Kind::SolidSectionPlane) { // what decks leave out is a unit
+    } else if (kind == eds_FormKind::SolidSectionPlane) { // what decks leave out is a unit
       made.kind = Thickness::Constant;
       made.thickness = 1;
     }

@@ -4,6 +4,7 @@
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_Blocks.h"
 #include "inpS/forms/inpS_FormPrinter.h"
 #include "inpS/forms/inpS_FormTable.h"
@@ -281,7 +282,7 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
           PrintKeptOf(within, behind);
         }};
     for (const KvoSimPosition& record : scope.owner.GetVector(block.member)) {
-      if (record.IsA(eds_RecordKind::Step))
+      if (record.IsA(eds_FormKind::Step))
         PrintStep(record, printing);
       else
         inpS_printForm(*out, record, printing);

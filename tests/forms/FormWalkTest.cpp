@@ -6,6 +6,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSrvFsmFTable.h"
 #include "database/eds_ModelReader.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_Blocks.h"
 #include "inpS/materials/inpS_Behaviors.h"
 #include "parser/inp_KeywordTable.h"
@@ -91,7 +92,7 @@ public:
     given.text += "\n";
     for (const auto& line : m_form.info->lines) given.text += Line(line, missing, given.values);
     if (m_form.HasTable()) given.text += TableRow(given.row);
-    if (m_form.kind == eds_RecordKind::Step) given.text += "*STATIC\n*END STEP\n";
+    if (m_form.kind == eds_FormKind::Step) given.text += "*STATIC\n*END STEP\n";
     if (m_form.info->data == eds_FormData::Text) given.text += "1, TWO, 3.\n";
     if (m_form.info->data == eds_FormData::Pairs) given.text += "0., 0.5, 1., 0.25\n";
     if (m_form.info->data == eds_FormData::Records)
@@ -182,8 +183,8 @@ private:
 
   const inpS_Form& m_form;
   // What a row is for depends on the elements of its set.
-  const cow_Map<eds_RecordKind, cow_String> m_sets = {
-      {eds_RecordKind::TrussSection, "BARS"}, {eds_RecordKind::SolidSectionPlane, "PLATES"}};
+  const cow_Map<eds_RecordKind, cow_String> m_sets = {{eds_FormKind::TrussSection, "BARS"},
+                                                      {eds_FormKind::SolidSectionPlane, "PLATES"}};
   cow_Map<int, cow_String> m_lost;
   cow_Map<cow_String, long long> m_counts; // by parameter
   int m_number = 0;
@@ -220,7 +221,7 @@ cow_List<const inpS_Form*> walkedForms() {
 
 bool isOfSteps(const inpS_Form& form) {
   const inp_KeywordRow& row = *inp_KeywordTable::Instance().Row(form.keyword);
-  return form.kind != eds_RecordKind::Step && row.levels != inp_LevelsSub &&
+  return form.kind != eds_FormKind::Step && row.levels != inp_LevelsSub &&
          (inpS_block(row.block).member == eds_Member::Steps ||
           inpS_block(row.block).member == eds_Member::Mesh);
 }

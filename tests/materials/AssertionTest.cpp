@@ -4,6 +4,7 @@
 #include "base/utl_Assert.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_PropertyUtils.h"
 #include "inpS/history/inpS_AmplitudeVisitor.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
@@ -75,7 +76,7 @@ TEST(MaterialAssertions, OwnersThatHaveNoSuchBehavior) {
     const Converted deck("*MATERIAL, NAME=M\n*SOLUBILITY\n1.\n" + cow_String(keyword));
     inpS_MaterialVisitor visitor(deck.inventory);
     const inp_Keyword& last = deck.parsed.keywords.at(2);
-    const KvoSimPosition behavior = deck.document.CreateDataRecord(eds_RecordKind::Solubility);
+    const KvoSimPosition behavior = deck.document.CreateDataRecord(eds_FormKind::Solubility);
     const KvoSimPosition wrong = last.Kind() == inp_KwKappa ? KvoSimPosition() : behavior;
     const cow_String failure = failureOf([&] { visitor.CreateBehavior(last, wrong); });
     EXPECT_NE(failure.find(condition), cow_String::npos) << keyword << failure;
@@ -115,7 +116,7 @@ TEST(Amplitudes, SmoothingLeftOutFollowsTheAnalysis) {
         deck.document.GetModel().Position().FollowStringKey(eds_Member::Amplitudes, "A");
     ASSERT_FALSE(amplitude.IsNull());
     EXPECT_EQ(amplitude.DataRecord().GetDouble(
-                  eds_formField(eds_RecordKind::AmplitudeTabular, "smoothing")),
+                  eds_formField(eds_FormKind::AmplitudeTabular, "smoothing")),
               smoothing)
         << step;
   }

@@ -1,4 +1,5 @@
 #include "tests/materials/BehaviorDeck.h"
+#include "database/schema/eds_FormKind.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
 #include <charconv>
@@ -139,7 +140,7 @@ private:
       return parameter == "b" ? absent : kRepeats; // a group of fixed length
     };
     const cow_List<Column> columns = behavior.columns.Expand(count);
-    const bool isotropic = behavior.kind == eds_RecordKind::PlasticIsotropic;
+    const bool isotropic = behavior.kind == eds_FormKind::PlasticIsotropic;
     cow_String text;
     for (int row = 0; row < form.rows; ++row) {
       cow_List<double> given;
