@@ -6,6 +6,7 @@
 #include "inpS/driver/inpS_Phases.h"
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
+#include "inpS/history/inpS_Excitations.h"
 #include "inpS/history/inpS_History.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
@@ -175,6 +176,7 @@ bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) try {
   // Last: its texts stand in deck order behind everything that was converted.
   const bool kept = KeepVerbatim(false);
   inpS_deriveHistory(document);
+  inpS_deriveExcitations(document);
   End();
   return converted && kept;
 } catch (...) {
@@ -216,6 +218,7 @@ bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) try {
   const bool converted = RunPhases(RestartPhases(), "inp2sim-", labelers);
   const bool kept = KeepVerbatim(true); // last, as the phases tell what else goes with them
   inpS_deriveHistory(document);
+  inpS_deriveExcitations(document);
   End();
   return converted && kept;
 } catch (...) {
@@ -231,6 +234,7 @@ bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
   ProcessSteps(labelers);
   ProcessOutput(labelers);
   inpS_deriveHistory(document);
+  inpS_deriveExcitations(document);
   return true;
 } catch (...) {
   inpS_passOn();
