@@ -48,6 +48,14 @@ public:
   const cow_List<Source>& Sources() const { return m_sources; }
   const cow_List<Duplicate>& Duplicates() const { return m_duplicates; }
 
+  // Whom a row is about: a node, an element, a surface (each a number), or members of the flat
+  // mesh.
+  struct Region {
+    int point = -1;
+    const eds_MemberSet* members = nullptr; // else
+  };
+  Region RegionOf(const inpS_ExcitationKind& kind, int target, inpS_ConditionTargets& targets);
+
   // The pieces of the rows of a source, asked for in ascending order of sources and rows. Null: the
   // row is in force as a whole as long as its source.
   class Pieces {
@@ -101,16 +109,11 @@ private:
     cow_List<int> live;
     std::unordered_map<cow_String, Bucket> buckets;
   };
-  struct Region { // of a row
-    int point = -1;
-    const eds_MemberSet* members = nullptr; // else
-  };
   struct Arrival; // the source that comes
 
   static long long KeyOf(const inpS_ExcitationKind& kind, long long variable) {
     return kind.number + (variable << 8);
   }
-  Region RegionOf(const inpS_ExcitationKind& kind, int target, inpS_ConditionTargets& targets);
   bool Survey(Arrival& arrival);
   void Index(Bucket& bucket, const cow_String& key);
   void Insert(Bucket& bucket, int source, long long row, const Region& region, uint64_t degrees);
