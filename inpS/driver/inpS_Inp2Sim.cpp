@@ -136,12 +136,18 @@ void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
   m_surfaceVisitor.reset();
   m_ledger.Clear();
   m_notModelled.clear();
+  m_boundaries = {};
   m_meshLeftOut = false;
   m_featureEnhanced = m_isDeckFeatureEnhanced;
   m_modelString.clear();
   m_inventory.SetFeatureEnhanced(false);
   m_document = document;
   m_inventory.SetDocument(document);
+}
+
+bool inpS_Inp2Sim::Derive() {
+  inpS_deriveHistory(m_document);
+  return m_boundaries.Report(inpS_deriveExcitations(m_document));
 }
 
 void inpS_Inp2Sim::End() {
@@ -175,10 +181,9 @@ bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) try {
   const bool converted = RunPhases(Phases(), "inp2sim-", labelers);
   // Last: its texts stand in deck order behind everything that was converted.
   const bool kept = KeepVerbatim(false);
-  inpS_deriveHistory(document);
-  inpS_deriveExcitations(document);
+  const bool derived = Derive();
   End();
-  return converted && kept;
+  return converted && kept && derived;
 } catch (...) {
   inpS_passOn();
 }
@@ -217,10 +222,9 @@ bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) try {
   Labelers labelers;
   const bool converted = RunPhases(RestartPhases(), "inp2sim-", labelers);
   const bool kept = KeepVerbatim(true); // last, as the phases tell what else goes with them
-  inpS_deriveHistory(document);
-  inpS_deriveExcitations(document);
+  const bool derived = Derive();
   End();
-  return converted && kept;
+  return converted && kept && derived;
 } catch (...) {
   inpS_passOn();
 }
@@ -233,8 +237,7 @@ bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
   labelers.elements.emplace(document, 1);
   ProcessSteps(labelers);
   ProcessOutput(labelers);
-  inpS_deriveHistory(document);
-  inpS_deriveExcitations(document);
+  Derive();
   return true;
 } catch (...) {
   inpS_passOn();

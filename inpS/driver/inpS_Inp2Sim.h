@@ -4,6 +4,7 @@
 #include "inpS/forms/inpS_DistributedProperty.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Ledger.h"
+#include "inpS/history/inpS_DuplicateReport.h"
 #include "inpS/inpS_Export.h"
 #include "inpS/model/inpS_NotModelled.h"
 #include "inpS/sets/inpS_TextElements.h"
@@ -112,6 +113,7 @@ private:
   bool ProcessInteractions(Labelers& labelers);
   bool ProcessInitialConditions(Labelers& labelers);
   bool ProcessBoundaryConditions(Labelers& labelers);
+  bool Derive(); // what follows from the records
   bool ProcessLoads(Labelers& labelers);
   bool ProcessOutput(Labelers& labelers);
   bool ProcessSubstructureOutput(Labelers& labelers);
@@ -142,6 +144,7 @@ private:
   bool m_meshLeftOut = false;
   cow_List<inpS_NotModelled> m_notModelled;
   inpS_Ledger m_ledger;
+  inpS_DuplicateReport m_boundaries; // where conditions of nodes were given
   cow_List<inpS_DistributedProperty> m_distributed; // of materials
   inpS_TextElements m_textElements;                 // that stand in some of them
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/history/inpS_DuplicateReport.h"
 
 // What holds nodes, as the deck gives it: conditions within steps.
 class inpS_BoundaryVisitor : public inpS_FormVisitor {
@@ -8,4 +9,16 @@ public:
   inpS_BoundaryVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                        const inpS_Inventory& inventory, inpS_Ledger& ledger)
       : inpS_FormVisitor(inpS_Phase::Boundaries, nodes, elements, inventory, ledger) {}
+
+  const inpS_DuplicateReport& Places() const { return m_places; }
+
+protected:
+  void Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                 const KvoSimPosition& record) override {
+    if (keyword.Kind() == inp_KwBoundary) m_places.Add(record, keyword);
+    inpS_FormVisitor::Converted(keyword, form, record);
+  }
+
+private:
+  inpS_DuplicateReport m_places;
 };
