@@ -155,26 +155,31 @@ inpS_ConditionTargets::inpS_ConditionTargets(const KvoSimPosition& record,
   if (kind.info->data != eds_FormData::Columns) return;
   const eds_FormType type = itemOf(kind, kind.target).alternatives.front().type;
   m_isSurface = type == eds_FormType::Reference;
-  const bool isNodes = type == eds_FormType::Node;
-  for (const KvoSimPosition& named : record.GetVector(eds_Member::Targets)) {
+  m_isNodes = type == eds_FormType::Node;
+}
+
+void inpS_ConditionTargets::Read() {
+  m_isRead = true;
+  for (const KvoSimPosition& named : m_record.GetVector(eds_Member::Targets)) {
     Region& region = m_regions.emplace_back();
     region.set = named.DataRecord().GetReference(eds_Target_Set);
     region.instance = named.DataRecord().GetReference(eds_Target_Instance);
     if (region.set.IsNull() || m_isSurface) continue;
     const KvoSimDataRecord set = region.set.DataRecord();
-    const int owner = isNodes ? eds_NodeSet_Owner : eds_ElementSet_Owner;
+    const int owner = m_isNodes ? eds_NodeSet_Owner : eds_ElementSet_Owner;
     const bool ofPart =
         set.GetReference(owner).IsA(eds_RecordKind::Part) && !region.instance.IsNull();
     if (ofPart)
-      region.offset = region.instance.DataRecord().GetInt64(isNodes ? eds_Instance_FirstNode
+      region.offset = region.instance.DataRecord().GetInt64(m_isNodes ? eds_Instance_FirstNode
                                                                     : eds_Instance_FirstElement);
     region.membership =
-        set.GetSet(isNodes ? eds_NodeSet_Membership : eds_ElementSet_Membership).ID();
+        set.GetSet(m_isNodes ? eds_NodeSet_Membership : eds_ElementSet_Membership).ID();
   }
   m_members.resize(m_regions.size());
 }
 
-const inpS_ConditionTargets::Region& inpS_ConditionTargets::At(int target) const {
+const inpS_ConditionTargets::Region& inpS_ConditionTargets::At(int target) {
+  if (!m_isRead) Read();
   const auto place = static_cast<std::size_t>(-1LL - target);
   if (place >= m_regions.size())
     eds_tellDamaged(m_record, "a column names " + std::to_string(target) + ", which is nothing");

@@ -68,12 +68,16 @@ public:
     KvoSimCSetID membership;
   };
   bool IsSurface() const { return m_isSurface; }
-  const Region& At(int target) const; // of a row
+  const Region& At(int target); // of a row
   const eds_MemberSet& Members(int target);
 
 private:
+  void Read(); // when first asked for: most rows of large records name labels
+
   KvoSimPosition m_record;
+  bool m_isNodes = false;
   bool m_isSurface = false;
+  bool m_isRead = false;
   cow_List<Region> m_regions;
   cow_List<std::unique_ptr<eds_MemberSet>> m_members;
 };

@@ -3,6 +3,8 @@
 #include "database/KvoSimCSet.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/sets/inpS_SetVisitor.h"
+#include <algorithm>
+#include <cstdlib>
 
 namespace {
 
@@ -18,9 +20,22 @@ bool hasDegrees(const Kind& kind) {
 
 inpS_ExcitationWriter::inpS_ExcitationWriter(const KvoObjDocument& document, inpS_InForce& inForce)
     : m_document(document), m_model(document.GetModel().Position()), m_inForce(inForce),
-      m_pieces(inForce), m_number(m_model.MemberCount(eds_Member::Excitations)),
-      m_hasOthers(m_number > 0) {
+      m_pieces(inForce), m_number(NumberOfOthers()) {
   ReadTransforms();
+}
+
+// Names go on behind those of other programs.
+long long inpS_ExcitationWriter::NumberOfOthers() const {
+  constexpr std::string_view prefix = "Excitation_";
+  long long next = 0;
+  for (const KvoSimPosition& other :
+       m_document.Context().GetRecords(eds_RecordKind::Excitation)) {
+    ++next;
+    const cow_String name = other.DataRecord().ReturnString(eds_Excitation_Name);
+    if (!name.starts_with(prefix)) continue;
+    next = std::max(next, std::atoll(name.c_str() + prefix.size()) + 1);
+  }
+  return next;
 }
 
 void inpS_ExcitationWriter::Write() {
@@ -130,11 +145,7 @@ inpS_ExcitationWriter::Group& inpS_ExcitationWriter::GroupOf(Current& current, c
   const KvoSimDataRecord given = source.record.DataRecord();
   group.excitation = m_model.CreateDataRecord(eds_RecordKind::Excitation);
   KvoSimDataRecord record = group.excitation.DataRecord();
-  cow_String name;
-  do {
-    name = "Excitation_" + std::to_string(m_number++);
-  } while (m_hasOthers && !m_model.FollowStringKey(eds_Member::Excitations, name).IsNull());
-  record.SetString(eds_Excitation_Name, name);
+  record.SetString(eds_Excitation_Name, "Excitation_" + std::to_string(m_number++));
   record.SetSymb(eds_Excitation_Kind, kind.number);
   record.SetReference(eds_Excitation_Given, source.record);
   if (!field.empty()) record.SetString(eds_Excitation_Field, field);
@@ -160,7 +171,6 @@ inpS_ExcitationWriter::Group& inpS_ExcitationWriter::GroupOf(Current& current, c
   if (kind.imaginary >= 0 && given.GetBool(kind.imaginary))
     record.SetBool(eds_Excitation_Imaginary, true);
   if (kind.fixed >= 0 && given.GetBool(kind.fixed)) record.SetBool(eds_Excitation_Fixed, true);
-  m_model.AssociateStringKey(eds_Member::Excitations, name, group.excitation);
   return group;
 }
 

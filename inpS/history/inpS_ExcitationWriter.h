@@ -43,6 +43,7 @@ private:
     eds_MemberSet nodes;
   };
 
+  long long NumberOfOthers() const;
   void ReadTransforms();
   int TransformOf(const inpS_ConditionRow& row, Current& current) const;
   void WriteSource(std::size_t place);
@@ -61,8 +62,7 @@ private:
   KvoSimPosition m_model;
   inpS_InForce& m_inForce;
   inpS_InForce::Pieces m_pieces;
-  long long m_number; // of the next excitation
-  bool m_hasOthers;   // whose names are taken
+  long long m_number; // of the next excitation; others stand already
   cow_List<Transform> m_transforms;
   std::optional<KvoObjLabeler> m_nodes, m_elements; // read when a label is first asked for
   cow_List<KvoSimPosition> m_nodeOwners, m_elementOwners;
