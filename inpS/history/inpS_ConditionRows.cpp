@@ -171,7 +171,7 @@ void inpS_ConditionTargets::Read() {
         set.GetReference(owner).IsA(eds_RecordKind::Part) && !region.instance.IsNull();
     if (ofPart)
       region.offset = region.instance.DataRecord().GetInt64(m_isNodes ? eds_Instance_FirstNode
-                                                                    : eds_Instance_FirstElement);
+                                                                      : eds_Instance_FirstElement);
     region.membership =
         set.GetSet(m_isNodes ? eds_NodeSet_Membership : eds_ElementSet_Membership).ID();
   }

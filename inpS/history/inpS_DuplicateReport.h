@@ -4,8 +4,8 @@
 #include "parser/inp_Keyword.h"
 #include <unordered_map>
 
-// Tells of degrees that one keyword prescribes twice with different values, at its place: what holds
-// follows from the model alone, and the model knows no places.
+// Tells of degrees that one keyword prescribes twice with different values, at its place: what
+// holds follows from the model alone, and the model knows no places.
 class inpS_DuplicateReport {
 public:
   void Add(const KvoSimPosition& record, const inp_Keyword& keyword) {

@@ -28,8 +28,7 @@ inpS_ExcitationWriter::inpS_ExcitationWriter(const KvoObjDocument& document, inp
 long long inpS_ExcitationWriter::NumberOfOthers() const {
   constexpr std::string_view prefix = "Excitation_";
   long long next = 0;
-  for (const KvoSimPosition& other :
-       m_document.Context().GetRecords(eds_RecordKind::Excitation)) {
+  for (const KvoSimPosition& other : m_document.Context().GetRecords(eds_RecordKind::Excitation)) {
     ++next;
     const cow_String name = other.DataRecord().ReturnString(eds_Excitation_Name);
     if (!name.starts_with(prefix)) continue;

@@ -29,14 +29,6 @@ eds_MemberSet intersection(const eds_MemberSet& a, const eds_MemberSet& b) {
   return setOf(both);
 }
 
-eds_MemberSet without(const eds_MemberSet& members, const eds_MemberSet& gone) {
-  cow_List<int32_t> left;
-  left.reserve(static_cast<std::size_t>(members.Size()));
-  for (long long n = 0; n < members.Size(); ++n)
-    if (!gone.IsMember(members[n])) left.push_back(members[n]);
-  return setOf(left);
-}
-
 // Whether the rows of one record can name a target and degree twice with different values. Rows in
 // ascending order of their targets, degree by degree, cannot.
 class Uniqueness {
@@ -320,12 +312,6 @@ void inpS_InForce::Take(int source, long long row, uint64_t degrees, int node,
 
 // ---- what is left of a row
 
-struct inpS_InForce::Pieces::State {
-  uint64_t degrees;
-  int firstStep;
-  const eds_MemberSet* members; // null: all of the region
-};
-
 inpS_InForce::Pieces::Pieces(inpS_InForce& all) : m_all(all) {
   std::ranges::stable_sort(
       m_all.m_cuts, {}, [](const Cut& cut) { return std::tuple(cut.source, cut.row, cut.step); });
@@ -347,100 +333,30 @@ const cow_List<inpS_InForce::Piece>* inpS_InForce::Pieces::Of(std::size_t source
   if (end == m_next && from.gaps.empty()) return nullptr;
   Build(source, what, end, m_all.RegionOf(*from.kind, what.target, targets).members);
   m_next = end;
-  return &m_pieces;
+  return &m_timeline.Pieces();
 }
 
+// What each step takes, its members together where they lose the same degrees.
 void inpS_InForce::Pieces::Build(std::size_t place, const inpS_ConditionRow& what, std::size_t end,
                                  const eds_MemberSet* region) {
   const Source& source = m_all.m_sources[place];
-  m_pieces.clear();
-  m_sets.clear();
-  cow_List<State> states{{what.degrees, source.firstStep, nullptr}};
-  const auto emit = [&](const State& state, int lastStep) {
-    if (lastStep >= state.firstStep)
-      m_pieces.push_back({state.firstStep, lastStep, state.degrees, state.members});
-  };
-  // Takes degrees and members from the states; false: they have none of them.
-  const auto cutFrom = [&](cow_List<State>& some, int step, uint64_t degrees,
-                           const eds_MemberSet& gone, bool tells) {
-    bool isAny = false;
-    cow_List<State> left;
-    for (const State& state : some) {
-      const uint64_t both = state.degrees & degrees;
-      const eds_MemberSet* members = state.members ? state.members : region;
-      const eds_MemberSet* rest = nullptr;
-      bool isMet = both != 0;
-      if (isMet && region) {
-        m_sets.push_back(std::make_unique<eds_MemberSet>(without(*members, gone)));
-        rest = m_sets.back().get();
-        isMet = rest->Size() < members->Size();
-      }
-      if (!isMet) {
-        left.push_back(state);
-        continue;
-      }
-      isAny = true;
-      if (tells) emit(state, step - 1);
-      const int first = std::max(state.firstStep, step);
-      if ((state.degrees & ~both) != 0)
-        left.push_back({state.degrees & ~both, first, state.members});
-      if (rest && !rest->IsEmpty()) left.push_back({both, first, rest});
-    }
-    some = std::move(left);
-    return isAny;
-  };
+  m_timeline.Begin(source.firstStep, what.degrees, region);
+  const cow_List<Cut>& cuts = m_all.m_cuts;
   for (std::size_t n = m_next; n < end;) {
-    const int step = m_all.m_cuts[n].step;
-    // What one step takes, by degrees.
+    const int step = cuts[n].step;
+    const bool isGap = cuts[n].isGap;
     cow_Map<uint64_t, cow_List<int32_t>> gone;
-    bool isGap = false;
-    for (; n < end && m_all.m_cuts[n].step == step; ++n) {
-      const Cut& cut = m_all.m_cuts[n];
-      isGap = cut.isGap;
-      cow_List<int32_t>& nodes = gone[cut.degrees];
-      if (cut.node >= 0) nodes.push_back(cut.node);
-      if (cut.set < 0) continue;
-      const cow_List<int32_t> members = m_all.m_sets[static_cast<std::size_t>(cut.set)].Members();
+    for (; n < end && cuts[n].step == step; ++n) {
+      cow_List<int32_t>& nodes = gone[cuts[n].degrees];
+      if (cuts[n].node >= 0) nodes.push_back(cuts[n].node);
+      if (cuts[n].set < 0) continue;
+      const cow_List<int32_t> members =
+          m_all.m_sets[static_cast<std::size_t>(cuts[n].set)].Members();
       nodes.insert(nodes.end(), members.begin(), members.end());
     }
-    // The same members by degrees that were told apart, together.
-    cow_List<std::pair<uint64_t, eds_MemberSet>> sets;
-    for (const auto& [degrees, nodes] : gone) {
-      eds_MemberSet set = setOf(nodes);
-      const auto same =
-          std::ranges::find_if(sets, [&](const auto& one) { return one.second.SameMembers(set); });
-      if (same != sets.end())
-        same->first |= degrees;
-      else
-        sets.emplace_back(degrees, std::move(set));
-    }
-    if (!isGap) {
-      for (const auto& [degrees, set] : sets) cutFrom(states, step, degrees, set, true);
-      continue;
-    }
-    for (State& state : states) {
-      cow_List<State> within{{state.degrees, step, state.members}};
-      bool isAny = false;
-      for (const auto& [degrees, set] : sets) isAny |= cutFrom(within, step, degrees, set, false);
-      if (!isAny) continue;
-      emit(state, step - 1);
-      for (const State& one : within) emit(one, step);
-      state.firstStep = step + 1;
-    }
+    inpS_RowTimeline::Losses losses;
+    for (auto& [degrees, nodes] : gone) losses.Add(degrees, std::move(nodes));
+    m_timeline.Lose(step, losses, isGap);
   }
-  for (const State& state : states) emit(state, source.lastStep);
-  for (const int gap : source.gaps) {
-    cow_List<Piece> apart;
-    for (const Piece& piece : m_pieces) {
-      if (gap < piece.firstStep || gap > piece.lastStep) {
-        apart.push_back(piece);
-        continue;
-      }
-      if (gap > piece.firstStep)
-        apart.push_back({piece.firstStep, gap - 1, piece.degrees, piece.members});
-      if (gap < piece.lastStep)
-        apart.push_back({gap + 1, piece.lastStep, piece.degrees, piece.members});
-    }
-    m_pieces = std::move(apart);
-  }
+  m_timeline.End(source.lastStep, source.gaps);
 }

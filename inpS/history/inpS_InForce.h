@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inpS/history/inpS_ConditionRows.h"
+#include "inpS/history/inpS_RowTimeline.h"
 #include <limits>
 #include <unordered_map>
 
@@ -29,13 +30,7 @@ public:
     long long row;
     eds_MemberSet ordinals;
   };
-  // Some of a row's degrees and members, in force from step to step.
-  struct Piece {
-    int firstStep;
-    int lastStep;
-    uint64_t degrees;
-    const eds_MemberSet* members = nullptr; // of the flat mesh; null: all
-  };
+  using Piece = inpS_RowTimeline::Piece;
 
   // `elements` and `nodes`: how many the flat mesh has.
   inpS_InForce(long long nodes, long long elements) : m_nodes(nodes), m_elements(elements) {}
@@ -65,13 +60,11 @@ public:
                               inpS_ConditionTargets& targets);
 
   private:
-    struct State;
     void Build(std::size_t source, const inpS_ConditionRow& what, std::size_t end,
                const eds_MemberSet* region);
     inpS_InForce& m_all;
     std::size_t m_next = 0;
-    cow_List<Piece> m_pieces;
-    cow_List<std::unique_ptr<eds_MemberSet>> m_sets;
+    inpS_RowTimeline m_timeline;
   };
 
 private:
