@@ -9,7 +9,7 @@
 namespace {
 
 using Kind = inpS_ExcitationKind;
-constexpr long long kFewRows = 256;
+constexpr long long kFewRows = 64;
 constexpr long long kMostSets = 10'000;
 
 bool hasDegrees(const Kind& kind) {

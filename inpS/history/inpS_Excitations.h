@@ -16,7 +16,7 @@ struct inpS_DuplicateCondition {
 // Excitations without a given record, of other programs, stay as they are.
 //
 // Decided here, where decks leave it open:
-// - A row of a keyword of 256 rows or fewer has a relay of its own, and so has each one that names
+// - A row of a keyword of 64 rows or fewer has a relay of its own, and so has each one that names
 // a
 //   set or surface (up to 10,000 in a keyword): it tells the region, the label, the magnitude. Rows
 //   of larger ones that are in force together share one.
