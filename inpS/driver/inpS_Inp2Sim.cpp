@@ -5,6 +5,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/driver/inpS_Phases.h"
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
+#include "inpS/forms/inpS_FormTable.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
 #include "inpS/history/inpS_Excitations.h"
 #include "inpS/history/inpS_History.h"
@@ -125,6 +126,14 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
   }
   const cow_List<inp_KeywordEnm>& mesh = inpS_MeshVisitor::ModelledKinds();
   kinds.insert(kinds.end(), mesh.begin(), mesh.end());
+  return kinds;
+}
+
+cow_List<inp_KeywordEnm> inpS_Inp2Sim::CoveredKinds() {
+  cow_List<inp_KeywordEnm> kinds = ModelledKinds();
+  const cow_List<inp_KeywordEnm>& forms = inpS_FormTable::Instance().Keywords();
+  kinds.insert(kinds.end(), forms.begin(), forms.end());
+  kinds.push_back(inp_KwEndStep); // the step's record says it
   return kinds;
 }
 

@@ -62,7 +62,9 @@ public:
   // After a conversion: whether the deck's nodes or elements had errors, which leave out all of
   // them and the sets.
   bool IsMeshLeftOut() const { return m_meshLeftOut; }
-  // The keyword kinds that some phase converts.
+  // The keyword kinds of which some phase makes records, wholly or in some of their variants.
+  static cow_List<inp_KeywordEnm> CoveredKinds();
+  // Those whose phases do not enter in the ledger what they leave as text.
   static cow_List<inp_KeywordEnm> ModelledKinds(bool restart = false);
   // Lays the deck's digest and name into the database's own description.
   static void DescribeSource(const KvoObjDocument& document, const cow_String& deckPath,
