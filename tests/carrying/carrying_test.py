@@ -1,0 +1,128 @@
+#!/usr/bin/env python3
+"""What is in force in each step: the database against a plain model of the rules (rules.py), on the decks of
+docs/carrying.md, whose tables were made by hand, and on decks made by chance.
+
+--decks N, --seed S (the first deck's; each one has a seed of its own), --keep FOLDER (decks that failed)."""
+import argparse
+import collections
+import concurrent.futures
+import os
+import pathlib
+import random
+import re
+import subprocess
+import sys
+import tempfile
+
+import decks
+import database
+import rules
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+MESH = """*NODE
+1, 0., 0., 0.
+2, 1., 0., 0.
+3, 1., 1., 0.
+4, 0., 1., 0.
+5, 0., 0., 1.
+6, 1., 0., 1.
+7, 1., 1., 1.
+8, 0., 1., 1.
+*ELEMENT, TYPE=C3D8, ELSET=BODY
+1, 1, 2, 3, 4, 5, 6, 7, 8
+*NSET, NSET=LEFT, GENERATE
+1, 4, 1
+*NSET, NSET=RIGHT, GENERATE
+4, 6, 1
+*AMPLITUDE, NAME=RAMP
+0., 0., 1., 1.
+"""
+
+
+def examples(page):
+    """Of each deck of the page, what its table says: (step, keyword, degree or label, on, value, how)."""
+    for deck, table in re.findall(r"```\n(\*.*?)```\n\n(\|.*?)\n\n", page, re.S):
+        wanted = collections.Counter()
+        for line in table.splitlines()[2:]:
+            step, keyword, degrees, targets, value, how = (
+                cell.strip() for cell in line.strip("|").split("|"))
+            for degree in degrees.split() or [""]:
+                for target in targets.split():
+                    wanted[int(step), keyword, degree, target, float(value or 0), how] += 1
+        yield MESH + deck, wanted
+
+
+def in_words(facts):
+    """Facts as the tables of the page have them."""
+    return collections.Counter(
+        (fact.step, fact.family, "" if fact.degree in (None, 0) else str(fact.degree),
+         str(fact.target[1]) if fact.target else "all", fact.value, fact.how)
+        for fact in facts.elements())
+
+
+class Faults:
+    def __init__(self, keep):
+        self.keep = keep
+        self.count = 0
+
+    def compare(self, what, deck, found, wanted, most=12):
+        wrong = [(fact, "missing", n) for fact, n in (wanted - found).items()]
+        wrong += [(fact, "too much", n) for fact, n in (found - wanted).items()]
+        if not wrong:
+            return
+        self.count += 1
+        print(f"{what}: {len(wrong)} entries differ")
+        for fact, how, times in sorted(wrong, key=lambda one: one[0][0])[:most]:
+            print(f"  {how}{f' {times} times' if times > 1 else ''}: {fact}")
+        if self.keep:
+            self.keep.mkdir(parents=True, exist_ok=True)
+            (self.keep / f"{what}.inp").write_text(deck, encoding="utf-8")
+
+
+def convert(program, deck, folder, name):
+    """The facts of the model that a deck becomes, and the nodes told to be given twice."""
+    path, model = folder / f"{name}.inp", folder / f"{name}.sim"
+    path.write_text(deck, encoding="utf-8")
+    run = subprocess.run([program, "convert", path, "-o", model, "-q", "--json"],
+                         capture_output=True, text=True)
+    if run.returncode > 1:
+        raise RuntimeError(f"{name}: exit code {run.returncode}\n{run.stderr}")
+    found = database.facts(model)
+    path.unlink()
+    model.unlink()
+    return found
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--decks", type=int, default=2000)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--keep", type=pathlib.Path)
+    words = parser.parse_args()
+    faults = Faults(words.keep)
+    page = (ROOT / "docs/carrying.md").read_text(encoding="utf-8")
+    shared = pathlib.Path("/dev/shm")  # syncing costs nothing there
+    with tempfile.TemporaryDirectory(dir=shared if os.access(shared, os.W_OK) else None) as name:
+        folder = pathlib.Path(name)
+        shown = list(examples(page))
+        if len(shown) < 5:
+            raise RuntimeError("the page has lost its examples")
+        for number, (deck, wanted) in enumerate(shown, 1):
+            faults.compare(f"rules-{number}", deck, in_words(rules.facts(deck)), wanted)
+            found = convert(words.program, deck, folder, f"example-{number}")
+            faults.compare(f"example-{number}", deck, in_words(found), wanted)
+
+        def one(seed):
+            deck = decks.Maker(random.Random(seed)).text()
+            return seed, deck, convert(words.program, deck, folder, f"deck-{seed}")
+
+        with concurrent.futures.ThreadPoolExecutor(2) as pool:
+            for seed, deck, found in pool.map(one, range(words.seed, words.seed + words.decks)):
+                faults.compare(f"deck-{seed}", deck, found, rules.facts(deck))
+    print(f"{words.decks} decks, {faults.count} that differ")
+    return 1 if faults.count else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
