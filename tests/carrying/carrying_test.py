@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""What is in force in each step: the database against a plain model of the rules (rules.py), on the decks of
-docs/carrying.md, whose tables were made by hand, and on decks made by chance.
+"""What is in force in each step: the database against a plain model of the rules (rules.py), on the
+decks of docs/carrying.md, whose tables were made by hand, and on decks made by chance.
 
---decks N, --seed S (the first deck's; each one has a seed of its own), --keep FOLDER (decks that failed)."""
+--decks N, --seed S (the first deck's; each has one of its own), --keep FOLDER (decks that fail)."""
 import argparse
 import collections
 import concurrent.futures
+import functools
+import json
 import os
 import pathlib
 import random
@@ -40,7 +42,7 @@ MESH = """*NODE
 
 
 def examples(page):
-    """Of each deck of the page, what its table says: (step, keyword, degree or label, on, value, how)."""
+    """Of each deck of the page what its table says: (step, keyword, degree, on, value, how)."""
     for deck, table in re.findall(r"```\n(\*.*?)```\n\n(\|.*?)\n\n", page, re.S):
         wanted = collections.Counter()
         for line in table.splitlines()[2:]:
@@ -52,12 +54,13 @@ def examples(page):
         yield MESH + deck, wanted
 
 
-def in_words(facts):
+def in_words(facts, twice):
     """Facts as the tables of the page have them."""
-    return collections.Counter(
+    made = collections.Counter(
         (fact.step, fact.family, "" if fact.degree in (None, 0) else str(fact.degree),
          str(fact.target[1]) if fact.target else "all", fact.value, fact.how)
         for fact in facts.elements())
+    return made, twice
 
 
 class Faults:
@@ -66,8 +69,11 @@ class Faults:
         self.count = 0
 
     def compare(self, what, deck, found, wanted, most=12):
-        wrong = [(fact, "missing", n) for fact, n in (wanted - found).items()]
-        wrong += [(fact, "too much", n) for fact, n in (found - wanted).items()]
+        """Facts and what is told of a deck, found and wanted."""
+        wrong = [(fact, "missing", n) for fact, n in (wanted[0] - found[0]).items()]
+        wrong += [(fact, "too much", n) for fact, n in (found[0] - wanted[0]).items()]
+        wrong += [(place, "not told", 1) for place in wanted[1] - found[1]]
+        wrong += [(place, "told", 1) for place in found[1] - wanted[1]]
         if not wrong:
             return
         self.count += 1
@@ -80,17 +86,31 @@ class Faults:
 
 
 def convert(program, deck, folder, name):
-    """The facts of the model that a deck becomes, and the nodes told to be given twice."""
+    """What acts by the model of a deck; (line, label) of what is told to be given twice."""
     path, model = folder / f"{name}.inp", folder / f"{name}.sim"
     path.write_text(deck, encoding="utf-8")
     run = subprocess.run([program, "convert", path, "-o", model, "-q", "--json"],
                          capture_output=True, text=True)
     if run.returncode > 1:
         raise RuntimeError(f"{name}: exit code {run.returncode}\n{run.stderr}")
+    told = set()
+    for message in json.loads(run.stdout)["messages"]:
+        text = message["text"]
+        labels = re.fullmatch(r"Duplicate Boundary condition specified for ([-\d, ]+)\.", text)
+        if labels:
+            told |= {(message["line"], int(label)) for label in labels[1].split(", ")}
+        elif "procedure" not in text:  # there are steps without one
+            raise RuntimeError(f"{name}: {text}")
     found = database.facts(model)
     path.unlink()
     model.unlink()
-    return found
+    return found, told
+
+
+def both(program, folder, seed):
+    """A deck made by chance, what acts by the database, and what by the rules."""
+    deck = decks.Maker(random.Random(seed)).text()
+    return seed, deck, convert(program, deck, folder, f"deck-{seed}"), rules.facts(deck)
 
 
 def main():
@@ -109,17 +129,16 @@ def main():
         if len(shown) < 5:
             raise RuntimeError("the page has lost its examples")
         for number, (deck, wanted) in enumerate(shown, 1):
-            faults.compare(f"rules-{number}", deck, in_words(rules.facts(deck)), wanted)
-            found = convert(words.program, deck, folder, f"example-{number}")
-            faults.compare(f"example-{number}", deck, in_words(found), wanted)
+            by_rules = in_words(*rules.facts(deck))
+            faults.compare(f"rules-{number}", deck, by_rules, (wanted, by_rules[1]))
+            found = in_words(*convert(words.program, deck, folder, f"example-{number}"))
+            faults.compare(f"example-{number}", deck, found, by_rules)
 
-        def one(seed):
-            deck = decks.Maker(random.Random(seed)).text()
-            return seed, deck, convert(words.program, deck, folder, f"deck-{seed}")
-
-        with concurrent.futures.ThreadPoolExecutor(2) as pool:
-            for seed, deck, found in pool.map(one, range(words.seed, words.seed + words.decks)):
-                faults.compare(f"deck-{seed}", deck, found, rules.facts(deck))
+        with concurrent.futures.ProcessPoolExecutor(2) as pool:
+            seeds = range(words.seed, words.seed + words.decks)
+            for seed, deck, found, wanted in pool.map(
+                    functools.partial(both, words.program, folder), seeds, chunksize=20):
+                faults.compare(f"deck-{seed}", deck, found, wanted)
     print(f"{words.decks} decks, {faults.count} that differ")
     return 1 if faults.count else 0
 

@@ -1,5 +1,5 @@
-"""Decks made by chance, of up to eight steps that give, change and take back conditions and loads: flat or of
-two instances, sets that overlap, single nodes of sets given anew, the same thing twice."""
+"""Decks made by chance, of up to eight steps that give, change and take back conditions and loads:
+flat or of two instances, with sets that overlap, single nodes of sets given anew, things twice."""
 
 LABELS = {"DLOAD": ("P1", "P2", "BX", "BZ"), "DFLUX": ("BF", "S1", "S2"), "DSLOAD": ("P",),
           "DSFLUX": ("S",), "FILM": ("F1", "F2"), "SFILM": ("F",)}
@@ -8,8 +8,8 @@ WORDS = ("ENCASTRE", "PINNED", "XSYMM", "YSYMM", "ZSYMM", "XASYMM", "YASYMM", "Z
 PROCEDURES = ("*STATIC", "*STATIC", "*STATIC", "*DYNAMIC", "*VISCO, CETOL=0.1", "*HEAT TRANSFER")
 PERTURBING = ("*FREQUENCY\n5", "*BUCKLE\n3", "*STEADY STATE DYNAMICS, DIRECT\n1., 10., 5")
 KINDS = ("BOUNDARY", "CLOAD", "DLOAD", "TEMPERATURE", "CONNECTOR MOTION", "FIELD", "DSLOAD",
-         "CONNECTOR LOAD", "CFLUX", "DFLUX", "DSFLUX", "BASE MOTION", "INERTIA RELIEF", "PRESSURE STRESS",
-         "CECURRENT", "FILM", "SFILM", "CFILM")
+         "CONNECTOR LOAD", "CFLUX", "DFLUX", "DSFLUX", "BASE MOTION", "INERTIA RELIEF",
+         "PRESSURE STRESS", "CECURRENT", "FILM", "SFILM", "CFILM")
 
 
 class Maker:
@@ -18,6 +18,8 @@ class Maker:
         self.lines = []
         self.instances = random.choice(((), (), ("ONE", "TWO")))
         self.chains = random.randint(1, 3)  # bricks in a row
+        self.wide = self.chance(0.01)  # sets of more than a thousand nodes
+        self.long = self.chance(0.02)  # keywords of hundreds of lines
 
     def chance(self, share):
         return self.random.random() < share
@@ -49,6 +51,8 @@ class Maker:
         self.add("*NODE")
         for n, label in enumerate(self.nodes):
             self.add(f"{label}, {n % 2}., {n // 2 % 2}., {n // 4}.")
+        if self.wide:
+            self.add("1001, 0., 1., 1.", "2300, 1., 1., 1.", "*NGEN", "1001, 2300, 1")
         self.add("*ELEMENT, TYPE=C3D8, ELSET=BRICKS")
         for n, label in enumerate(self.bricks):
             ring = [self.nodes[4 * n + k] for k in (0, 1, 3, 2, 4, 5, 7, 6)]
@@ -68,26 +72,34 @@ class Maker:
                 self.sets("OUT", f", INSTANCE={name}")
             self.add("*END ASSEMBLY")
         self.scopes = scopes
+        for place in scopes[-1:] if self.chance(0.2) else ():
+            self.add(f"*TRANSFORM, NSET={place}IN1", "0., 1., 0., -1., 0., 0.")
         self.add("*AMPLITUDE, NAME=OWN", "0., 0., 1., 1.",
                  "*AMPLITUDE, NAME=THROUGH, TIME=TOTAL TIME", "0., 0., 9., 1.")
 
     def sets(self, prefix, instance):
+        random = self.random
         for number in range(1, 4):
-            some = self.random.sample(self.nodes, self.random.randint(2, len(self.nodes)))
+            some = random.sample(self.nodes, random.randint(2, len(self.nodes)))
             if self.chance(0.3):
                 some += some[:2]
             order = ", UNSORTED" if self.chance(0.2) else ""
             self.add(f"*NSET, NSET={prefix}{number}{order}{instance}")
             self.add(*(", ".join(map(str, some[n:n + 8])) for n in range(0, len(some), 8)))
+            if self.wide:
+                first = random.randint(1001, 1100)
+                last = random.choice((first + 150, 2300 - random.randint(0, 99)))
+                self.add(f"*NSET, NSET={prefix}{number}, GENERATE{instance}", f"{first}, {last}, 1")
             pool, name = (self.links, "L") if number == 3 else (self.bricks, "B")
-            some = self.random.sample(pool, self.random.randint(1, len(pool)))
+            some = random.sample(pool, random.randint(1, len(pool)))
             self.add(f"*ELSET, ELSET={prefix}{name}{number}{instance}", ", ".join(map(str, some)))
 
     def target(self, labels, prefix, single=0.4):
         scope = self.random.choice(self.scopes)
         if self.instances and not scope:
             return f"OUT{prefix}"
-        return f"{scope}{self.random.choice(labels)}" if self.chance(single) else f"{scope}IN{prefix}"
+        name = self.random.choice(labels) if self.chance(single) else f"IN{prefix}"
+        return f"{scope}{name}"
 
     def node(self):
         return self.target(self.nodes, self.random.randint(1, 3))
@@ -112,7 +124,7 @@ class Maker:
             procedure = random.choice(PERTURBING + ("*STATIC",) * 3)
         flag = ", PERTURBATION" if procedure == "*STATIC" and perturbs or (
             perturbs and self.chance(0.5)) else ""
-        self.add(f"*STEP{flag}", procedure)
+        self.add(f"*STEP{flag}", *([] if self.chance(0.02) else [procedure]))
         chosen = random.choices(kinds, k=random.choice((0, 1, 2, 3, 4)))
         for n, kind in enumerate(chosen):
             if kind != "INERTIA RELIEF" or n == chosen.index(kind):
@@ -133,18 +145,20 @@ class Maker:
         """Parameters: none of them inside a load case (number None), few before the steps (0)."""
         words = ""
         if kind == "FIELD":
-            words += f", VARIABLE={self.random.randint(1, 2)}"
+            words += self.random.choice(("", ", VARIABLE=1", ", VARIABLE=2"))
         if kind == "BASE MOTION":
             words += f", DOF={self.random.randint(1, 3)}, AMPLITUDE=OWN"
         if kind == "INERTIA RELIEF" and self.chance(0.4):
             words += ", REMOVE"
-        if not number or kind in ("BASE MOTION", "INERTIA RELIEF"):
+        if not number:
+            return words
+        if kind in ("BOUNDARY", "CLOAD", "BASE MOTION") and procedure.startswith("*STEADY"):
+            words += self.random.choice(("", ", IMAGINARY"))
+        if kind in ("BASE MOTION", "INERTIA RELIEF"):
             return words
         words += self.random.choice(("", "", "", ", OP=MOD", ", OP=NEW"))
         if self.chance(0.3) and not perturbs:
             words += f", AMPLITUDE={self.random.choice(('OWN', 'THROUGH'))}"
-        if kind in ("BOUNDARY", "CLOAD") and procedure.startswith("*STEADY") and self.chance(0.5):
-            words += ", IMAGINARY"
         return words
 
     def keyword(self, kind, number, perturbs, procedure=""):
@@ -156,7 +170,9 @@ class Maker:
         if kind in ("BASE MOTION", "INERTIA RELIEF"):
             return
         none = "OP=NEW" in words and self.chance(0.4)
-        for _ in range(0 if none else self.random.randint(1, 4)):
+        count = self.random.randint(200, 350) if self.long and self.chance(0.5) else \
+            self.random.randint(1, 4)
+        for _ in range(0 if none else count):
             self.add(self.line(kind, manner))
 
     def line(self, kind, manner):
@@ -167,7 +183,8 @@ class Maker:
         if kind == "CLOAD":
             return f"{self.node()}, {random.randint(1, 6)}, {value}"
         if kind in ("CFLUX", "CECURRENT"):
-            return f"{self.node()}, {random.choice(('', 11, 12) if kind == 'CFLUX' else (9,))}, {value}"
+            degree = random.choice(("", 11, 12) if kind == "CFLUX" else ("", 9))
+            return f"{self.node()}, {degree}, {value}"
         if kind in ("TEMPERATURE", "FIELD", "PRESSURE STRESS"):
             return f"{self.node()}, {value}"
         if kind.startswith("CONNECTOR"):
@@ -189,6 +206,8 @@ class Maker:
             return f"{self.node()}, {self.random.choice(WORDS)}"
         first = self.random.randint(1, 6)
         if not manner and self.chance(0.1):
-            return f"{self.node()}, {self.random.choice((8, 11, 12))}, , {value}"
+            first = self.random.choice((1, 7, 8, 9, 10, 11))
+            last = self.random.choice(("", self.random.randint(first, 12)))
+            return f"{self.node()}, {first}, {last}, {value}"
         last = self.random.choice(("", self.random.randint(first, 6)))
         return f"{self.node()}, {first}, {last}" + ("" if manner == "FIXED" else f", {value}")

@@ -1,15 +1,15 @@
-"""What is in force in each step of a deck, found the plain way: read it line by line, give every node and
-degree its own entry, and copy all of them from step to step. Slow, and meant to be seen to be right; it
-shares nothing with the program. Of the deck language it knows what decks.py writes. The rules are those of
-docs/carrying.md."""
+"""What is in force in each step of a deck, found the plain way: read it line by line, give every
+node and degree its own entry, and copy all of them from step to step. Slow, and meant to be seen to
+be right; it shares nothing with the program. Of the deck language it knows what decks.py writes. The
+rules are those of docs/carrying.md."""
 import collections
 
 RESTRAINTS = {"ENCASTRE": (1, 2, 3, 4, 5, 6), "PINNED": (1, 2, 3), "XSYMM": (1, 5, 6),
               "YSYMM": (2, 4, 6), "ZSYMM": (3, 4, 5), "XASYMM": (2, 3, 4), "YASYMM": (1, 3, 5),
               "ZASYMM": (1, 2, 6), "NOWARP": ("NOWARP",), "NOOVAL": ("NOOVAL",),
               "NODEFORM": ("NODEFORM",)}
-# What its targets are, what the same thing twice in one step means (both act, the later holds, or the first in
-# its keyword), how it lasts (by general steps; held in perturbation steps, too; in its own step).
+# What its targets are; what the same thing twice in one step means: both act, the later holds, or
+# the first in its keyword; how it lasts: by general steps, held in perturbation steps, too, in its own.
 KINDS = {"BOUNDARY": ("NSET", "first", "held"), "CONNECTOR MOTION": ("ELSET", "later", "held"),
          "TEMPERATURE": ("NSET", "later", "held"), "FIELD": ("NSET", "later", "held"),
          "PRESSURE STRESS": ("NSET", "later", "held"), "CLOAD": ("NSET", "both", "carried"),
@@ -21,66 +21,60 @@ KINDS = {"BOUNDARY": ("NSET", "first", "held"), "CONNECTOR MOTION": ("ELSET", "l
          "INERTIA RELIEF": (None, "later", "carried"), "BASE MOTION": (None, "later", "own")}
 MOTIONS = ("BOUNDARY", "CONNECTOR MOTION")  # displacements, velocities, accelerations
 OF_ONE = ("TEMPERATURE", "FIELD", "PRESSURE STRESS", "CFILM")  # neither degree nor label
-PERTURBING = ("FREQUENCY", "BUCKLE", "STEADY STATE DYNAMICS")  # procedures that need not say so
+# Procedures: whether they are general when *STEP does not say otherwise.
+PROCEDURES = {"STATIC": True, "DYNAMIC": True, "VISCO": True, "HEAT TRANSFER": True,
+              "FREQUENCY": False, "BUCKLE": False, "STEADY STATE DYNAMICS": False}
 
-# An entry is what one thing says: where is (kind, node or element or surface, degree or label, imaginary),
-# value the magnitude with what belongs to it. An element is (instance, label), as is a node.
+# An entry is what one thing says: where is (kind, target, degree or label, imaginary), value the
+# magnitude, of motions with their manner. A target is (instance, label), or (None, surface).
 Entry = collections.namedtuple("Entry", "where value amplitude step")
-# What it comes to in a step. A target is None for the whole model, manner that of a condition of motion,
-# ended whether the amplitude is over.
-Fact = collections.namedtuple("Fact", "step family target degree imaginary manner value amplitude ended "
-                              "origin how case")
-Keyword = collections.namedtuple("Keyword", "name parameters lines")
+# What it comes to in a step. A target is None for the whole model, ended says that the amplitude is
+# over, origin where it was given.
+Fact = collections.namedtuple("Fact", "step family target degree imaginary manner value amplitude "
+                              "ended origin how case")
+Keyword = collections.namedtuple("Keyword", "name parameters lines places")
 
 
 def read_deck(text):
     keywords = []
-    for line in text.splitlines():
+    for place, line in enumerate(text.splitlines(), 1):
         fields = [field.strip() for field in line.split(",")]
         if line.startswith("*"):
             parameters = dict((word.split("=") + [None])[:2] for word in fields[1:])
-            keywords.append(Keyword(fields[0][1:], parameters, []))
+            keywords.append(Keyword(fields[0][1:], parameters, [], []))
         else:
             keywords[-1].lines.append(fields)
+            keywords[-1].places.append(place)
     return keywords
 
 
 class Mesh:
-    """Labels and sets by what they belong to: None, the model or the assembly, or a part or instance."""
+    """Elements and sets, of the model or the assembly (None) or a part; instances with their part."""
 
     def __init__(self, keywords):
-        self.nodes, self.elements, self.parts = [], [], {}
+        self.elements, self.parts = [], {}
         self.sets = collections.defaultdict(list)  # (owner, kind, name): members
-        part = None
-        in_part = collections.defaultdict(list)
+        part, in_part = None, []
         for keyword in keywords:
-            name, words, lines = keyword
+            name, words, lines, _ = keyword
             if name == "PART":
                 part = words["NAME"]
             elif name == "END PART":
                 part = None
             elif name == "INSTANCE":
-                self._place(words["NAME"], words["PART"], in_part)
-            elif name in ("NODE", "ELEMENT"):
-                for fields in lines:
-                    self._define(name, part, int(fields[0]), words.get("ELSET"), in_part)
+                self.parts[words["NAME"]] = words["PART"]  # the decks have one part
+                self.elements += [(words["NAME"], label) for label in in_part]
+            elif name == "ELEMENT":
+                labels = [int(fields[0]) for fields in lines]
+                self.sets[part, "ELSET", words["ELSET"]] += [(None, label) for label in labels]
+                if part:
+                    in_part += labels
+                else:
+                    self.elements += [(None, label) for label in labels]
             elif name in ("NSET", "ELSET"):
-                self._gather(keyword, part, in_part)
+                self._gather(keyword, part)
 
-    def _define(self, name, part, label, into, in_part):
-        if part:
-            in_part[part, name].append(label)
-        else:
-            (self.nodes if name == "NODE" else self.elements).append((None, label))
-        if into:
-            self.sets[part, "ELSET", into].append((None, label))
-
-    def _place(self, instance, part, in_part):
-        self.parts[instance] = part
-        self.nodes += [(instance, label) for label in in_part[part, "NODE"]]
-        self.elements += [(instance, label) for label in in_part[part, "ELEMENT"]]
-
-    def _gather(self, keyword, part, in_part):
+    def _gather(self, keyword, part):
         members = self.sets[part, keyword.name, keyword.parameters[keyword.name]]
         instance = keyword.parameters.get("INSTANCE")
         for fields in keyword.lines:
@@ -91,7 +85,7 @@ class Mesh:
                 members += [(instance, int(field)) for field in fields]
 
     def find(self, text, kind):
-        """The members of what a field names: a label, a set, either behind its instance, or everything."""
+        """The members of what a field names: a label or a set, or all elements."""
         if not text:
             return set(self.elements)
         instance, _, name = text.rpartition(".")
@@ -105,7 +99,7 @@ class Mesh:
 def family(keyword):
     """What OP of it takes back, and all that a redefinition can replace."""
     if keyword.name == "FIELD":
-        return f"FIELD {keyword.parameters['VARIABLE']}"
+        return f"FIELD {keyword.parameters.get('VARIABLE', 1)}"
     return keyword.name
 
 
@@ -130,19 +124,19 @@ def read_line(mesh, keyword, fields):
         degrees = range(first, int(fields[2] or first) + 1)
         return targets, degrees, float(fields[3] or 0)
     what = fields[1]
-    if name == "CFLUX":
-        what = int(what or 11)
-    elif what.isdigit():
+    if name in ("CFLUX", "CECURRENT"):
+        what = what or {"CFLUX": "11", "CECURRENT": "9"}[name]
+    if what.isdigit():
         what = int(what)
     return targets, [what], float(fields[2] or 0)
 
 
 def entries_of(mesh, keyword, step):
-    """What a keyword says, and the nodes of which it says two things of one degree."""
+    """What a keyword says, and where a condition is not what it said before: (line, label)."""
     words, said, twice = keyword.parameters, {}, set()
     manner = "FIXED" if "FIXED" in words else words.get("TYPE", "DISPLACEMENT")
     of, rule, _ = KINDS[keyword.name]
-    for fields in keyword.lines if of else [[]]:
+    for fields, place in zip(keyword.lines, keyword.places) if of else [([], 0)]:
         targets, degrees, value = read_line(mesh, keyword, fields)
         if keyword.name in MOTIONS:
             value = (manner, 0.0 if manner == "FIXED" else value)
@@ -155,7 +149,7 @@ def entries_of(mesh, keyword, step):
                 elif rule == "both":
                     said[where].append(entry)
                 elif said[where][0].value != value:  # the first holds
-                    twice.add(target)
+                    twice.add((place, target[1]))
     return said, twice
 
 
@@ -178,12 +172,13 @@ def act(mesh, keywords, step):
 
 
 def steps_of(keywords):
-    """Before the first step, then step by step: its keywords, those of its load cases, how it perturbs."""
-    steps, case = [([], {}, False)], None
+    """Before the first step, then of each: its keywords, its load cases', whether it perturbs."""
+    steps, case, perturbs = [([], {}, False)], None, False
     for keyword in keywords:
         own, cases, _ = steps[-1]
         if keyword.name == "STEP":
-            steps.append(([], {}, "PERTURBATION" in keyword.parameters))
+            perturbs = perturbs or "PERTURBATION" in keyword.parameters
+            steps.append(([], {}, perturbs))
         elif keyword.name == "LOAD CASE":
             case = keyword.parameters["NAME"]
             cases[case] = []
@@ -191,49 +186,52 @@ def steps_of(keywords):
             case = None
         elif keyword.name in KINDS:
             (cases[case] if case else own).append(keyword)
-        elif keyword.name in PERTURBING:
-            steps[-1] = (own, cases, True)
+        elif keyword.name in PROCEDURES:  # without one, what *STEP says holds for the next one, too
+            perturbs = False
+            steps[-1] = (own, cases, steps[-1][2] or not PROCEDURES[keyword.name])
     return steps
 
 
 def in_force(text):
-    """For each step a list of (how, load case, entry), and for each the nodes told to be given twice."""
+    """For each step a list of (how, load case, entry); (line, label) of what is given twice."""
     keywords = read_deck(text)
     mesh = Mesh(keywords)
     outside, *steps = steps_of(keywords)
     state, told = act(mesh, outside[0], 0)
-    found, twice = [], [told]
+    found, twice = [], set(told)
     for number, (own, cases, perturbs) in enumerate(steps, 1):
         given, told = act(mesh, [word for word in own if "REMOVE" not in word.parameters], number)
         renewed = {family(word) for word in own if word.parameters.get("OP") == "NEW"}
         renewed |= {family(word) for word in own if "REMOVE" in word.parameters}
         kept = without(state, renewed)
         if perturbs:
-            kept = {where: all for where, all in kept.items() if kind_of(where[0])[2] == "held"}
-        kept = {where: all for where, all in kept.items() if where not in given}
+            kept = {where: some for where, some in kept.items() if kind_of(where[0])[2] == "held"}
+        kept = {where: some for where, some in kept.items() if where not in given}
         how = "held" if perturbs else "carried"
-        acting = [(how, None, entry) for all in kept.values() for entry in all]
-        acting += [("given", None, entry) for all in given.values() for entry in all]
+        acting = [(how, None, entry) for some in kept.values() for entry in some]
+        acting += [("given", None, entry) for some in given.values() for entry in some]
         for case, inside in cases.items():
             only, same = act(mesh, inside, number)
-            told |= same
-            acting += [("given", case, entry) for all in only.values() for entry in all]
+            twice |= same
+            acting += [("given", case, entry) for some in only.values() for entry in some]
         found.append(acting)
-        twice.append(told)
+        twice |= told
         if not perturbs:
             state = without({**kept, **given}, {"BASE MOTION"})
     return found, twice
 
 
 def facts(text):
+    """What acts, step by step, and what is told to be given twice."""
     keywords = read_deck(text)
     through = {word.parameters["NAME"] for word in keywords
                if word.name == "AMPLITUDE" and word.parameters.get("TIME") == "TOTAL TIME"}
     made = collections.Counter()
-    for step, acting in enumerate(in_force(text)[0], 1):
+    steps, twice = in_force(text)
+    for step, acting in enumerate(steps, 1):
         for how, case, entry in acting:
             manner, value = entry.value if isinstance(entry.value, tuple) else (None, entry.value)
             ended = bool(entry.amplitude) and entry.amplitude not in through and step > entry.step
             made[Fact(step, *entry.where, manner, value, entry.amplitude, ended, entry.step, how,
                       case)] += 1
-    return made
+    return made, twice
