@@ -1,6 +1,7 @@
 """What a model file says is in force in each step: the view v_in_force, its sets and columns read
 out into single nodes and degrees, by docs/database.md and with nothing of the program."""
 import collections
+import functools
 import sqlite3
 import struct
 
@@ -57,6 +58,7 @@ class Model:
 
     # ---- what is acted on
 
+    @functools.cache
     def in_set(self, kind, name, instance):
         """Members of a set: one of a part has the part's own ordinals."""
         part = None

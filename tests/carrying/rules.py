@@ -1,7 +1,7 @@
 """What is in force in each step of a deck, found the plain way: read it line by line, give every
 node and degree its own entry, and copy all of them from step to step. Slow, and meant to be seen to
-be right; it shares nothing with the program. Of the deck language it knows what decks.py writes. The
-rules are those of docs/carrying.md."""
+be right; it shares nothing with the program. Of the deck language it knows what decks.py writes.
+The rules are those of docs/carrying.md."""
 import collections
 
 RESTRAINTS = {"ENCASTRE": (1, 2, 3, 4, 5, 6), "PINNED": (1, 2, 3), "XSYMM": (1, 5, 6),
@@ -9,7 +9,8 @@ RESTRAINTS = {"ENCASTRE": (1, 2, 3, 4, 5, 6), "PINNED": (1, 2, 3), "XSYMM": (1, 
               "ZASYMM": (1, 2, 6), "NOWARP": ("NOWARP",), "NOOVAL": ("NOOVAL",),
               "NODEFORM": ("NODEFORM",)}
 # What its targets are; what the same thing twice in one step means: both act, the later holds, or
-# the first in its keyword; how it lasts: by general steps, held in perturbation steps, too, in its own.
+# the first in its keyword; how it lasts: by general steps, held in perturbation steps, too, or in
+# its own step.
 KINDS = {"BOUNDARY": ("NSET", "first", "held"), "CONNECTOR MOTION": ("ELSET", "later", "held"),
          "TEMPERATURE": ("NSET", "later", "held"), "FIELD": ("NSET", "later", "held"),
          "PRESSURE STRESS": ("NSET", "later", "held"), "CLOAD": ("NSET", "both", "carried"),
@@ -49,7 +50,7 @@ def read_deck(text):
 
 
 class Mesh:
-    """Elements and sets, of the model or the assembly (None) or a part; instances with their part."""
+    """Elements; sets of the model, the assembly (None) or a part; instances with their part."""
 
     def __init__(self, keywords):
         self.elements, self.parts = [], {}
