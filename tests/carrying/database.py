@@ -144,7 +144,8 @@ class Model:
             if row["keyword"] in ("BOUNDARY", "CLOAD", "CFLUX", "CECURRENT") and \
                     turned != (target in nodes):
                 continue
-            made.append((target, value))
+            is_none = value is None or value != value or row["restraint"]
+            made.append((target, 0.0 if is_none else value))
             if len(made) == row["rows"]:
                 return made
         raise RuntimeError(f"{len(made)} of {row['rows']} rows: {dict(row)}")
@@ -206,7 +207,7 @@ def facts(path):
             continue
         for target, value in model.run(row, degrees):
             for degree in degrees:
-                add(target, degree, 0.0 if row["restraint"] else value)
+                add(target, degree, value)
     model.db.close()
     # Two lines of a condition that say the same are both there, and are one.
     for fact in made:
