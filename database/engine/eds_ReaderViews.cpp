@@ -104,7 +104,8 @@ SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS ke
   iif(e.step = h.number OR total.id IS NOT NULL, e.amplitude_name, NULL) AS amplitude,
   iif(e.step = h.number OR total.id IS NOT NULL, NULL, e.amplitude_name) AS amplitude_ended,
   e.step AS from_step,
-  CASE WHEN e.step = h.number THEN 'given' WHEN h.perturbation = 1 THEN 'held' ELSE 'carried' END
+  CASE WHEN e.step = h.number THEN 'given' WHEN h.perturbation = 1
+    OR h.registration = 'REGISTERED_TASK' THEN 'held' ELSE 'carried' END
     AS how,
   e.load_case_name AS load_case, ifnull(e.imaginary, 0) AS imaginary, e.given_kind, e.given,
   r.first_row, ifnull(r.rows, 1) AS rows, r.members
@@ -112,7 +113,7 @@ FROM v_history_step h
   JOIN v_relay r ON r.first_step <= h.number AND h.number <= ifnull(r.last_step, h.number)
   JOIN v_excitation e ON e.id = r.excitation
   LEFT JOIN total ON total.kind = e.amplitude_kind AND total.id = e.amplitude
-WHERE ifnull(h.perturbation, 0) = 0 OR e.step = h.number OR e.kind IN ('BOUNDARY',
+WHERE (ifnull(h.perturbation, 0) = 0 AND ifnull(h.registration, '') <> 'REGISTERED_TASK') OR e.step = h.number OR e.kind IN ('BOUNDARY',
   'CONNECTOR MOTION', 'TEMPERATURE', 'FIELD', 'PRESSURE STRESS', 'MASS FLOW RATE', 'D EM POTENTIAL'))";
 }
 

@@ -382,14 +382,18 @@ bool Driver::ProcessInteractions(Labelers& labelers) {
 }
 
 bool Driver::ProcessInitialConditions(Labelers& labelers) {
-  return RunForms<inpS_InitialConditionVisitor>(labelers);
+  inpS_InitialConditionVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
+  visitor.SetMeshLeftOut(m_meshLeftOut);
+  visitor.SetPlaces(m_boundaries);
+  visitor.VisitListAndReport(m_keywords);
+  return !visitor.IsError();
 }
 
 bool Driver::ProcessBoundaryConditions(Labelers& labelers) {
   inpS_BoundaryVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
   visitor.SetMeshLeftOut(m_meshLeftOut);
+  visitor.SetPlaces(m_boundaries);
   visitor.VisitListAndReport(m_keywords);
-  m_boundaries = visitor.Places();
   return !visitor.IsError();
 }
 

@@ -5,7 +5,7 @@ inpS_ActingConditions::inpS_ActingConditions(const KvoObjDocument& document, int
     : m_inForce(inpS_givenConditions(document)), m_step(step) {
   for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::HistoryStep))
     if (one.DataRecord().GetInt(eds_HistoryStep_Number) == step)
-      m_isPerturbation = one.DataRecord().GetBool(eds_HistoryStep_Perturbation);
+      m_isPerturbation = inpS_isPerturbation(one.DataRecord());
 }
 
 // A perturbation step has conditions of the state it starts from, but none of its loads.

@@ -10,15 +10,16 @@ public:
                        const inpS_Inventory& inventory, inpS_Ledger& ledger)
       : inpS_FormVisitor(inpS_Phase::Boundaries, nodes, elements, inventory, ledger) {}
 
-  const inpS_DuplicateReport& Places() const { return m_places; }
+  // Where conditions of nodes are given; lives longer than this.
+  void SetPlaces(inpS_DuplicateReport& places) { m_places = &places; }
 
 protected:
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override {
-    if (keyword.Kind() == inp_KwBoundary) m_places.Add(record, keyword);
+    if (m_places && keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);
     inpS_FormVisitor::Converted(keyword, form, record);
   }
 
 private:
-  inpS_DuplicateReport m_places;
+  inpS_DuplicateReport* m_places = nullptr;
 };

@@ -29,6 +29,10 @@ inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
     return;
   }
   m_count = m_record.GetInt64(kind.info->rowsField);
+  if (m_count == 0 && kind.ActsWithoutRows(m_record)) {
+    m_count = 1; // all of the model
+    return;
+  }
   const auto open = [&](Ints& ints, int column) {
     if (column < 0) return;
     const eds_FormItem& item = itemOf(kind, column);
@@ -129,7 +133,10 @@ bool inpS_ConditionRows::Next(inpS_ConditionRow& row) {
 void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, std::size_t n) const {
   const int first = m_first.values[n];
   row.degrees = 0;
-  if (first == inp_blankInt) return;
+  if (first == inp_blankInt) {
+    row.degrees = m_kind.BlankDegree();
+    return;
+  }
   if (first >= 0) {
     const int last = m_last.column ? m_last.values[n] : inp_blankInt;
     row.degrees = inpS_Degrees::Of(first, last == inp_blankInt ? first : last);

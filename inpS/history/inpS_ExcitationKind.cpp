@@ -73,6 +73,11 @@ const cow_List<Kind>& inpS_ExcitationKind::All() {
       kind.type = fieldOf(*kind.info, "type");
       kind.variable = fieldOf(*kind.info, "variable");
       kind.remove = fieldOf(*kind.info, "remove");
+      kind.user = fieldOf(*kind.info, "user");
+      kind.file = fieldOf(*kind.info, "file");
+      kind.loadCase = fieldOf(*kind.info, "load_case");
+      kind.degree = fieldOf(*kind.info, "dof");
+      kind.baseName = fieldOf(*kind.info, "base_name");
       findColumns(kind);
     };
 #define INPS_EXCITATION(Form, Keyword, KeyOf, Field, GivenTwice, Lasts)                            \
@@ -91,6 +96,35 @@ const Kind* inpS_ExcitationKind::Of(eds_RecordKind form) {
   }();
   const auto found = places.find(form);
   return found == places.end() ? nullptr : found->second;
+}
+
+long long inpS_ExcitationKind::VariableOf(const KvoSimDataRecord& record) const {
+  if (variable < 0) return 0;
+  return record.IsMemberNull(variable) ? 1 : record.GetInt64(variable);
+}
+
+cow_String inpS_ExcitationKind::PartOf(const KvoSimDataRecord& record) const {
+  cow_String part = imaginary >= 0 && record.GetBool(imaginary) ? "i" : "r";
+  if (loadCase >= 0 && !record.IsMemberNull(loadCase))
+    part += std::to_string(record.GetInt64(loadCase));
+  if (degree >= 0) part += "," + std::to_string(record.GetInt64(degree));
+  if (degree >= 0 && baseName >= 0) part += "," + record.ReturnString(baseName);
+  return part + "\n";
+}
+
+// Fluxes are of the temperature, the eleventh degree; currents and charges of the potential, the
+// ninth; flows of the pore pressure, the eighth.
+uint64_t inpS_ExcitationKind::BlankDegree() const {
+  namespace Form = eds_FormKind;
+  if (form == Form::ConcentratedFlux) return inpS_Degrees::Bit(firstTemperature);
+  if (form == Form::ConcentratedCharge || form == Form::ConcentratedCurrent)
+    return inpS_Degrees::Bit(9);
+  return form == Form::ConcentratedFlow ? inpS_Degrees::Bit(8) : 0;
+}
+
+bool inpS_ExcitationKind::ActsWithoutRows(const KvoSimDataRecord& record) const {
+  if (key != Key::One && key != Key::Variable) return false;
+  return (file >= 0 && !record.GetString(file).empty()) || (user >= 0 && record.GetBool(user));
 }
 
 namespace inpS_Degrees {
@@ -117,8 +151,9 @@ cow_List<Group> Groups(uint64_t all, const inpS_ExcitationKind& kind, std::strin
   cow_List<Group> groups;
   const bool isCondition = kind.form == eds_FormKind::Boundary;
   cow_String base(kind.field);
-  if (isCondition && type == "VELOCITY") base = "V";
-  if (isCondition && type == "ACCELERATION") base = "A";
+  const bool isMotion = isCondition || kind.form == eds_FormKind::ConnectorMotion;
+  if (isMotion && type == "VELOCITY") base.back() = 'V';
+  if (isMotion && type == "ACCELERATION") base.back() = 'A';
   const bool isVector =
       isCondition || kind.field == "CF" || kind.field == "CU" || kind.field == "CCF";
   const auto take = [&](uint64_t some, const cow_String& field, int firstDegree) {
@@ -140,7 +175,7 @@ cow_List<Group> Groups(uint64_t all, const inpS_ExcitationKind& kind, std::strin
   take(Of(firstTemperature, kMost), isCondition ? "NT" : base, firstTemperature);
   for (; all != 0; all &= all - 1) {
     const int degree = std::countr_zero(all) + 1;
-    groups.push_back({Bit(degree), base, degree});
+    groups.push_back({Bit(degree), base.empty() ? "DOF_" + std::to_string(degree) : base, degree});
   }
   return groups;
 }

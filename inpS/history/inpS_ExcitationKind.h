@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_Form.h"
 #include <cstdint>
 
@@ -25,12 +26,27 @@ struct inpS_ExcitationKind {
   int type = -1;
   int variable = -1;
   int remove = -1;
+  int user = -1;
+  int file = -1;
+  int loadCase = -1;
+  int degree = -1; // as a parameter
+  int baseName = -1;
   // Of the bulk columns.
   int target = -1;
   int first = -1; // or the only degree
   int last = -1;
   int label = -1;
   int value = -1;
+
+  // The number of the field variable: each is a kind of its own. 0: the form has none.
+  long long VariableOf(const KvoSimDataRecord& record) const;
+  // What tells keywords of the kind apart that do not meet: the imaginary part from the real one,
+  // motions of one base and degree from those of others.
+  cow_String PartOf(const KvoSimDataRecord& record) const;
+  // Of a line that gives none; 0: that line prescribes nothing.
+  uint64_t BlankDegree() const;
+  // Acts although the keyword has no line: a file has the values.
+  bool ActsWithoutRows(const KvoSimDataRecord& record) const;
 
   static const inpS_ExcitationKind* Of(eds_RecordKind form); // null: its rows are none
   static const cow_List<inpS_ExcitationKind>& All();

@@ -93,6 +93,7 @@ void inpS_ExcitationWriter::WriteSource(std::size_t place) {
                   inpS_ConditionTargets(source.record, *source.kind),
                   source.rows <= kFewRows,
                   0,
+                  {},
                   {}};
   inpS_ConditionRow row;
   for (long long n = 0; current.rows.Next(row); ++n)
@@ -106,14 +107,35 @@ void inpS_ExcitationWriter::WriteSource(std::size_t place) {
 // A row is about as many excitations as its degrees have fields.
 void inpS_ExcitationWriter::WriteRow(Current& current, long long n, const inpS_ConditionRow& row,
                                      const cow_List<inpS_InForce::Piece>* pieces) {
+  const bool isSet = row.target < 0;
+  if (isSet) ++current.sets;
+  const bool isAlone = current.isSmall || (isSet && current.sets <= kMostSets);
+  for (const auto& [key, group] : LookOf(current, row).groups)
+    WriteGroup(current, n, row, pieces, *key, *group, isAlone);
+}
+
+const inpS_ExcitationWriter::Look& inpS_ExcitationWriter::LookOf(Current& current,
+                                                                 const inpS_ConditionRow& row) {
+  constexpr std::size_t most = 8;
+  const GroupKey key{0, row.degrees, row.restraint, row.label, TransformOf(row, current)};
+  for (const Look& look : current.looks)
+    if (look.row == key) return look;
+  if (current.looks.size() < most) {
+    current.looks.push_back({key, {}});
+    Find(current.looks.back(), current, row);
+    return current.looks.back();
+  }
+  Look& look = current.looks[current.oldest++ % most];
+  look = {key, {}};
+  Find(look, current, row);
+  return look;
+}
+
+void inpS_ExcitationWriter::Find(Look& look, Current& current, const inpS_ConditionRow& row) {
   const Kind& kind = *current.source.kind;
-  GroupKey key;
-  key.restraint = row.restraint;
-  key.label = row.label;
-  key.transform = TransformOf(row, current);
+  GroupKey key = look.row;
   if (!hasDegrees(kind) || row.restraint >= 0 || row.label >= 0) {
-    key.degrees = row.degrees;
-    WriteGroup(current, n, row, pieces, key, FieldOf(current, row));
+    look.groups.push_back(GroupOf(current, key, FieldOf(current, row)));
     return;
   }
   const KvoSimDataRecord record = current.source.record.DataRecord();
@@ -121,7 +143,7 @@ void inpS_ExcitationWriter::WriteRow(Current& current, long long n, const inpS_C
   for (const inpS_Degrees::Group& group : inpS_Degrees::Groups(row.degrees, kind, type)) {
     key.field = group.firstDegree;
     key.degrees = group.degrees;
-    WriteGroup(current, n, row, pieces, key, group.field);
+    look.groups.push_back(GroupOf(current, key, group.field));
   }
 }
 
@@ -130,15 +152,15 @@ cow_String inpS_ExcitationWriter::FieldOf(const Current& current, const inpS_Con
   if (row.restraint >= 0) return {};
   cow_String field(kind.field);
   if (kind.key == Kind::Key::Variable)
-    field += std::to_string(current.source.record.DataRecord().GetInt64(kind.variable));
+    field += std::to_string(kind.VariableOf(current.source.record.DataRecord()));
   return field.empty() && row.label >= 0 ? current.rows.Label(row.label) : field;
 }
 
-inpS_ExcitationWriter::Group& inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key,
-                                                             const cow_String& field) {
+std::pair<const inpS_ExcitationWriter::GroupKey*, inpS_ExcitationWriter::Group*>
+inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, const cow_String& field) {
   const auto [known, isNew] = current.groups.try_emplace(key);
   Group& group = known->second;
-  if (!isNew) return group;
+  if (!isNew) return {&known->first, &group};
   const inpS_InForce::Source& source = current.source;
   const Kind& kind = *source.kind;
   const KvoSimDataRecord given = source.record.DataRecord();
@@ -160,7 +182,8 @@ inpS_ExcitationWriter::Group& inpS_ExcitationWriter::GroupOf(Current& current, c
     if (const KvoSimPosition amplitude = given.GetReference(kind.amplitude); !amplitude.IsNull())
       record.SetReference(eds_Excitation_Amplitude, amplitude);
   double magnitude = 0;
-  if (key.restraint < 0 && current.rows.HasOneValue(magnitude))
+  const bool isOfUser = kind.user >= 0 && given.GetBool(kind.user);
+  if (key.restraint < 0 && !isOfUser && current.rows.HasOneValue(magnitude))
     record.SetDouble(eds_Excitation_Magnitude, magnitude);
   if (const KvoSimPosition values = current.rows.Values(); !values.IsNull())
     record.SetReference(eds_Excitation_Magnitudes, values);
@@ -170,21 +193,17 @@ inpS_ExcitationWriter::Group& inpS_ExcitationWriter::GroupOf(Current& current, c
   if (kind.imaginary >= 0 && given.GetBool(kind.imaginary))
     record.SetBool(eds_Excitation_Imaginary, true);
   if (kind.fixed >= 0 && given.GetBool(kind.fixed)) record.SetBool(eds_Excitation_Fixed, true);
-  return group;
+  return {&known->first, &group};
 }
 
 void inpS_ExcitationWriter::WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,
                                        const cow_List<inpS_InForce::Piece>* pieces,
-                                       const GroupKey& key, const cow_String& field) {
-  Group& group = GroupOf(current, key, field);
+                                       const GroupKey& key, Group& group, bool isAlone) {
   ++group.rows;
-  const bool isSet = row.target < 0;
-  if (isSet) ++current.sets;
-  const bool isAlone = current.isSmall || (isSet && current.sets <= kMostSets);
   if (!pieces && !isAlone) {
-    if (group.runRows == 0) group.runFirst = n;
-    group.runLast = current.source.lastStep;
-    ++group.runRows;
+    if (group.runRows++ > 0) return;
+    group.runFirst = n;
+    group.first = row;
     return;
   }
   EndRun(current, group);
@@ -211,8 +230,12 @@ void inpS_ExcitationWriter::WriteGroup(Current& current, long long n, const inpS
 
 void inpS_ExcitationWriter::EndRun(Current& current, Group& group) {
   if (group.runRows == 0) return;
-  KvoSimDataRecord relay = AddRelay(group, current.source.firstStep, group.runLast, group.runFirst);
-  if (group.runRows > 1) relay.SetInt(eds_Relay_Rows, group.runRows);
+  const inpS_InForce::Source& source = current.source;
+  KvoSimDataRecord relay = AddRelay(group, source.firstStep, source.lastStep, group.runFirst);
+  if (group.runRows > 1)
+    relay.SetInt(eds_Relay_Rows, group.runRows);
+  else
+    TellRow(relay, current, group.first);
   group.runRows = 0;
 }
 
@@ -229,7 +252,10 @@ KvoSimDataRecord inpS_ExcitationWriter::AddRelay(const Group& group, int firstSt
 void inpS_ExcitationWriter::TellRow(KvoSimDataRecord relay, Current& current,
                                     const inpS_ConditionRow& row) {
   const Kind& kind = *current.source.kind;
-  if (kind.value >= 0 && row.restraint < 0) relay.SetDouble(eds_Relay_Magnitude, row.value);
+  const KvoSimDataRecord given = current.source.record.DataRecord();
+  const bool isOfUser = kind.user >= 0 && given.GetBool(kind.user); // it has the values
+  if (kind.value >= 0 && row.restraint < 0 && !isOfUser && given.GetInt64(kind.info->rowsField) > 0)
+    relay.SetDouble(eds_Relay_Magnitude, row.value);
   if (kind.target < 0 || kind.key == Kind::Key::Words || row.target == inpS_ConditionRow::kAll)
     return;
   if (row.target < 0) {

@@ -26,7 +26,12 @@ private:
     // Rows that are in force together and share a relay.
     long long runFirst = -1;
     long long runRows = 0;
-    int runLast = 0;
+    inpS_ConditionRow first; // of the run
+  };
+  // The groups of rows of one look: rows of a keyword look much alike.
+  struct Look {
+    GroupKey row; // its field is not set
+    cow_List<std::pair<const GroupKey*, Group*>> groups;
   };
   // The record whose rows are being stored.
   struct Current {
@@ -37,6 +42,8 @@ private:
     bool isSmall;   // each row has a relay
     long long sets; // rows of sets so far
     cow_Map<GroupKey, Group> groups;
+    cow_List<Look> looks; // some of the latest
+    std::size_t oldest = 0;
   };
   struct Transform {
     KvoSimPosition record;
@@ -50,9 +57,12 @@ private:
   void WriteRow(Current& current, long long n, const inpS_ConditionRow& row,
                 const cow_List<inpS_InForce::Piece>* pieces);
   void WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,
-                  const cow_List<inpS_InForce::Piece>* pieces, const GroupKey& key,
-                  const cow_String& field);
-  Group& GroupOf(Current& current, const GroupKey& key, const cow_String& field);
+                  const cow_List<inpS_InForce::Piece>* pieces, const GroupKey& key, Group& group,
+                  bool isAlone);
+  const Look& LookOf(Current& current, const inpS_ConditionRow& row);
+  void Find(Look& look, Current& current, const inpS_ConditionRow& row);
+  std::pair<const GroupKey*, Group*> GroupOf(Current& current, const GroupKey& key,
+                                             const cow_String& field);
   void EndRun(Current& current, Group& group);
   KvoSimDataRecord AddRelay(const Group& group, int firstStep, int lastStep, long long row);
   void TellRow(KvoSimDataRecord relay, Current& current, const inpS_ConditionRow& row);

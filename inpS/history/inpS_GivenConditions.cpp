@@ -13,10 +13,6 @@ struct Given {
   KvoSimPosition loadCase;
 };
 
-long long variableOf(const Given& given) {
-  return given.kind->variable < 0 ? 0 : given.record.DataRecord().GetInt64(given.kind->variable);
-}
-
 bool isRemoved(const Given& given) {
   return given.kind->remove >= 0 && given.record.DataRecord().GetBool(given.kind->remove);
 }
@@ -27,11 +23,12 @@ void take(const cow_List<Given>& all, inpS_InForce& inForce) {
     const bool isNew =
         given.kind->op >= 0 && given.record.DataRecord().GetString(given.kind->op) == "NEW";
     if ((isNew || isRemoved(given)) && given.loadCase.IsNull())
-      inForce.TakeBack(*given.kind, variableOf(given));
+      inForce.TakeBack(*given.kind, given.kind->VariableOf(given.record.DataRecord()));
   }
   for (const Given& given : all)
     if (!isRemoved(given))
-      inForce.Add(given.record, *given.kind, variableOf(given), given.loadCase);
+      inForce.Add(given.record, *given.kind, given.kind->VariableOf(given.record.DataRecord()),
+                  given.loadCase);
 }
 
 void takeOwner(const KvoSimPosition& owner, inpS_InForce& inForce) {
@@ -43,8 +40,7 @@ void takeOwner(const KvoSimPosition& owner, inpS_InForce& inForce) {
 }
 
 void takeStep(const KvoSimDataRecord& history, inpS_InForce& inForce) {
-  inForce.BeginStep(history.GetInt(eds_HistoryStep_Number),
-                    history.GetBool(eds_HistoryStep_Perturbation));
+  inForce.BeginStep(history.GetInt(eds_HistoryStep_Number), inpS_isPerturbation(history));
   const KvoSimPosition step = history.GetReference(eds_HistoryStep_Step);
   if (step.IsNull()) return;
   const auto places = step.GetIntKeys(eds_Member::StepKeywords);
@@ -75,6 +71,12 @@ long long countOf(const KvoObjDocument& document, bool nodes) {
 }
 
 } // namespace
+
+bool inpS_isPerturbation(const KvoSimDataRecord& history) {
+  constexpr int task = 1; // of the vocabulary StepRegistration
+  return history.GetBool(eds_HistoryStep_Perturbation) ||
+         history.GetSymb(eds_HistoryStep_Registration) == task;
+}
 
 inpS_InForce inpS_givenConditions(const KvoObjDocument& document) {
   inpS_InForce inForce(countOf(document, true), countOf(document, false));

@@ -77,6 +77,7 @@ struct inpS_InForce::Arrival {
   long long row = 0;
   inpS_ConditionRow what;
   bool isDuplicate = false; // the row has been told
+  Lost lost;                // of the row, to earlier ones of the record
 };
 
 void inpS_InForce::BeginStep(int number, bool isPerturbation) {
@@ -142,12 +143,13 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
   for (; rows.Next(arrival.what); ++arrival.row) {
     arrival.values.push_back(arrival.what.value);
     arrival.isDuplicate = false;
+    arrival.lost.clear();
     if (arrival.what.degrees == 0) continue;
     const auto [own, held] = arrival.buckets[static_cast<std::size_t>(arrival.what.label + 1)];
     const Region region = RegionOf(kind, arrival.what.target, arrival.targets);
     Meet(*own, arrival, region);
     if (held) Meet(*held, arrival, region);
-    Insert(*own, number, arrival.row, region, arrival.what.degrees);
+    Insert(*own, number, arrival.row, region, arrival.what.degrees, arrival.lost);
   }
 }
 
@@ -156,16 +158,14 @@ bool inpS_InForce::Survey(Arrival& arrival) {
   inpS_ConditionRows rows(arrival.record, arrival.kind);
   Source& source = m_sources[static_cast<std::size_t>(arrival.number)];
   source.rows = rows.Count();
-  const KvoSimDataRecord record = arrival.record.DataRecord();
-  const bool isImaginary = arrival.kind.imaginary >= 0 && record.GetBool(arrival.kind.imaginary);
+  const cow_String part = arrival.kind.PartOf(arrival.record.DataRecord());
   Uniqueness uniqueness;
   inpS_ConditionRow row;
   while (rows.Next(row)) {
     if (row.degrees == 0) continue;
     const auto place = static_cast<std::size_t>(row.label + 1);
     if (place >= arrival.keys.size()) arrival.keys.resize(place + 1);
-    if (arrival.keys[place].empty())
-      arrival.keys[place] = (isImaginary ? "i" : "r") + rows.Label(row.label);
+    if (arrival.keys[place].empty()) arrival.keys[place] = part + rows.Label(row.label);
     uniqueness.Take(row);
   }
   arrival.buckets.resize(arrival.keys.size());
@@ -197,25 +197,28 @@ void inpS_InForce::Index(Bucket& bucket, const cow_String& key) {
     const Source& source = m_sources[static_cast<std::size_t>(number)];
     inpS_ConditionRows rows(source.record, *source.kind);
     inpS_ConditionTargets targets(source.record, *source.kind);
+    const cow_String part = source.kind->PartOf(source.record.DataRecord());
     cow_List<char> isOfBucket; // by label: 0 not known yet, 1 no, 2 yes
     inpS_ConditionRow row;
     for (long long n = 0; rows.Next(row); ++n) {
       if (row.degrees == 0) continue;
       const auto place = static_cast<std::size_t>(row.label + 1);
       if (place >= isOfBucket.size()) isOfBucket.resize(place + 1);
-      if (isOfBucket[place] == 0)
-        isOfBucket[place] = rows.Label(row.label) == std::string_view(key).substr(1) ? 2 : 1;
+      if (isOfBucket[place] == 0) isOfBucket[place] = part + rows.Label(row.label) == key ? 2 : 1;
       if (isOfBucket[place] == 2)
-        Insert(bucket, number, n, RegionOf(*source.kind, row.target, targets), row.degrees);
+        Insert(bucket, number, n, RegionOf(*source.kind, row.target, targets), row.degrees, {});
     }
   }
 }
 
 void inpS_InForce::Insert(Bucket& bucket, int source, long long row, const Region& region,
-                          uint64_t degrees) {
+                          uint64_t degrees, const Lost& lost) {
   const auto enter = [&](int node) {
+    const auto gone = lost.find(node);
+    const uint64_t left = gone == lost.end() ? degrees : degrees & ~gone->second;
+    if (left == 0) return;
     const auto [head, isNew] = bucket.heads.try_emplace(node, -1);
-    bucket.entries.push_back({source, head->second, row, degrees});
+    bucket.entries.push_back({source, head->second, row, left});
     head->second = static_cast<int>(bucket.entries.size()) - 1;
   };
   if (!region.members) return enter(region.point);
@@ -295,6 +298,7 @@ void inpS_InForce::Hit(Arrival& arrival, Other& other, int node, const eds_Membe
     else
       m_duplicates.back().ordinals = m_duplicates.back().ordinals.Union(told);
     arrival.isDuplicate = true;
+    for (long long n = 0; n < told.Size(); ++n) arrival.lost[told[n]] |= both;
     return;
   }
   const bool isGap = arrival.isOwn && source.lastStep == kOpen;

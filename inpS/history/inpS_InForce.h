@@ -109,7 +109,9 @@ private:
   }
   bool Survey(Arrival& arrival);
   void Index(Bucket& bucket, const cow_String& key);
-  void Insert(Bucket& bucket, int source, long long row, const Region& region, uint64_t degrees);
+  using Lost = std::unordered_map<int, uint64_t>; // degrees by node
+  void Insert(Bucket& bucket, int source, long long row, const Region& region, uint64_t degrees,
+              const Lost& lost);
   void Meet(Bucket& bucket, Arrival& arrival, const Region& region);
   void MeetPoint(Bucket& bucket, Arrival& arrival, int node);
   template <class Other>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/history/inpS_DuplicateReport.h"
 
 // The initial conditions phase. What has no form yet is kept as text.
 class inpS_InitialConditionVisitor : public inpS_FormVisitor {
@@ -8,4 +9,17 @@ public:
   inpS_InitialConditionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                const inpS_Inventory& inventory, inpS_Ledger& ledger)
       : inpS_FormVisitor(inpS_Phase::InitialConditions, nodes, elements, inventory, ledger) {}
+
+  // Where conditions of nodes outside the steps are given; lives longer than this.
+  void SetPlaces(inpS_DuplicateReport& places) { m_places = &places; }
+
+protected:
+  void Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                 const KvoSimPosition& record) override {
+    if (m_places && keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);
+    inpS_FormVisitor::Converted(keyword, form, record);
+  }
+
+private:
+  inpS_DuplicateReport* m_places = nullptr;
 };

@@ -134,7 +134,7 @@ class Model:
             elif about in RESTRAINTS:
                 about = [about] if about == row["restraint"] else []
             elif about is None:
-                about = [11] if row["keyword"] == "CFLUX" else [None]
+                about = [{"CFLUX": 11, "CECURRENT": 9}.get(row["keyword"])]
             else:
                 about = [about]
             of = [row["restraint"]] if row["restraint"] else degrees
