@@ -76,7 +76,7 @@ void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   const bool isStray = inp_KeywordTable::Instance().Row(keyword.Kind())->levels == inp_LevelsSub;
   if (block.phase != m_phase || isStray || block.member == eds_Member::Steps) return;
   if ((inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr) != m_isNaming) return;
-  Convert(keyword, Holder(), block.member, nullptr);
+  Convert(keyword, Holder(), inpS_memberOf(block, keyword.Kind()), nullptr);
 }
 
 // A step holds its keywords by their place in it, whatever the phase that converts them.
