@@ -13,6 +13,7 @@ public:
   int Of(std::string_view word); // as written; inpS_noTarget: it holds what the store keeps none of
   // Into the field of the record, with commas between.
   void Store(KvoSimDataRecord record, int field) const;
+  const cow_List<cow_String>& All() const { return m_words; }
   static cow_List<cow_String> Stored(const KvoSimDataRecord& record, int field);
 
 private:

@@ -24,6 +24,14 @@ constexpr bool convertsWithinSteps(inpS_Phase phase) {
   return phase == inpS_Phase::Steps;
 }
 
+// Of bulk columns: nodes, elements or what stands for them.
+bool namesMesh(const eds_FormItem& item) {
+  return std::ranges::any_of(item.alternatives, [](const eds_FormItem::Alternative& one) {
+    return one.type == eds_FormType::Node || one.type == eds_FormType::Element ||
+           (one.referable && one.referable->IsScoped());
+  });
+}
+
 // Whether keywords of the phase's blocks have names that others refer to.
 bool namesAny(inpS_Phase phase) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
@@ -188,6 +196,10 @@ void inpS_FormVisitor::ConvertSuboptions(const inp_Keyword& keyword, const KvoSi
 
 bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
                              const KvoSimPosition& owner, eds_Member member) {
+  if (m_isMeshLeftOut && std::ranges::any_of(form.info->columnItems, namesMesh)) {
+    ++m_withoutMesh;
+    return false;
+  }
   if (!CheckReferences(keyword, form) || !IsNameFree(keyword, owner)) return false;
   if (form.info->data == eds_FormData::Words &&
       inpS_readWords(keyword, form.info->words, *this).empty())

@@ -1,11 +1,20 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/history/inpS_FluidSteps.h"
 
 // What holds nodes, as the deck gives it: conditions within steps.
 class inpS_BoundaryVisitor : public inpS_FormVisitor {
 public:
   inpS_BoundaryVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                       const inpS_Inventory& inventory, inpS_Ledger& ledger)
-      : inpS_FormVisitor(inpS_Phase::Boundaries, nodes, elements, inventory, ledger) {}
+                       const inpS_Inventory& inventory, inpS_Ledger& ledger);
+
+protected:
+  bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
+  bool IsErrorToLack(inp_KeywordEnm kind) const override;
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
+
+private:
+  inpS_FluidSteps m_fluidSteps;
 };

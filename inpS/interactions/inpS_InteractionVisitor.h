@@ -1,6 +1,8 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/history/inpS_LoadedElements.h"
+#include <optional>
 
 // The interactions phase: impedances and incident waves. What has no form yet is kept as text.
 class inpS_InteractionVisitor : public inpS_FormVisitor {
@@ -8,4 +10,11 @@ public:
   inpS_InteractionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                           const inpS_Inventory& inventory, inpS_Ledger& ledger)
       : inpS_FormVisitor(inpS_Phase::Interactions, nodes, elements, inventory, ledger) {}
+
+protected:
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
+
+private:
+  std::optional<inpS_LoadedElements> m_elements; // once an impedance of elements is met
 };
