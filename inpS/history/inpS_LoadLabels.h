@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/cow_Value.h"
+#include "inpS/inpS_Export.h"
 #include "parser/inp_ElementInfo.h"
 #include "parser/inp_KeywordEnm.h"
 #include <span>
@@ -32,7 +33,7 @@ struct inpS_LoadLabel {
   bool Takes(const inp_ElementInfo& type, int number) const;
 };
 
-std::span<const inpS_LoadLabel> inpS_loadLabels();
+INPS_EXPORT std::span<const inpS_LoadLabel> inpS_loadLabels();
 bool inpS_hasLoadLabels(inp_KeywordEnm keyword);
 
 // The rows that a label of a keyword stands in; none: it is no label of it.
@@ -43,4 +44,4 @@ struct inpS_FoundLabel {
 inpS_FoundLabel inpS_findLoadLabel(inp_KeywordEnm keyword, std::string_view label);
 
 // "solids, shells": for people.
-cow_String inpS_familiesText(unsigned families);
+INPS_EXPORT cow_String inpS_familiesText(unsigned families);

@@ -36,9 +36,9 @@ inpS_LoadLines::Label inpS_LoadLines::MakeLabel(const cow_String& text) const {
   if (label.found.rows.empty()) return label;
   label.needsValues = std::ranges::any_of(label.found.rows.front()->values,
                                           [](const auto& value) { return value.isRequired; });
-  label.needsTypes = !m_isOfSurfaces && !std::ranges::all_of(m_elements.Types(), [&](Type type) {
-    return Takes(label, type);
-  });
+  if (m_isOfSurfaces) return label;
+  for (const Type type : m_elements.Types()) label.takes.push_back(Takes(label, type));
+  label.needsTypes = std::ranges::find(label.takes, 0) != label.takes.end();
   return label;
 }
 
@@ -68,8 +68,9 @@ const inpS_LoadLabel::Value* inpS_LoadLines::MissingOf(const Label& label,
 inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
   if (!label.needsTypes || target == inp_blankInt || target == inpS_noTarget) return nullptr;
   if (target >= 0) {
-    const Type type = m_elements.TypeOf(target);
-    return Takes(label, type) ? nullptr : type;
+    const int type = m_elements.TypeOf(target);
+    const auto place = static_cast<std::size_t>(type);
+    return type < 0 || label.takes[place] ? nullptr : m_elements.Types()[place];
   }
   const auto [known, isNew] = label.sets.try_emplace(target, nullptr);
   if (!isNew) return known->second;

@@ -25,6 +25,7 @@ private:
     inpS_FoundLabel found;
     bool needsValues = false;
     bool needsTypes = false; // some element of the mesh does not take it
+    cow_List<char> takes;    // by the mesh's types
     cow_Map<int, Type> sets; // by place: the type that does not take it; null: all do
     bool IsCarefree() const { return !found.rows.empty() && !needsValues && !needsTypes; }
   };

@@ -7,15 +7,17 @@
 inpS_LoadedElements::inpS_LoadedElements(const KvoObjDocument& document)
     : m_mesh(document.GetMesh()), m_elements(m_mesh), m_runs(m_elements.RunsOf({})) {
   for (const inpS_SurfaceElements::Run& run : m_runs) {
-    m_ofRuns.push_back(inp_KeywordTable::Instance().FindElement(run.type));
-    if (std::ranges::find(m_types, m_ofRuns.back()) == m_types.end())
-      m_types.push_back(m_ofRuns.back());
+    const Type type = inp_KeywordTable::Instance().FindElement(run.type);
+    const auto known = std::ranges::find(m_types, type);
+    m_ofRuns.push_back(static_cast<int>(known - m_types.begin()));
+    if (known == m_types.end()) m_types.push_back(type);
   }
 }
 
-inpS_LoadedElements::Type inpS_LoadedElements::TypeOf(long long element) const {
-  const inpS_SurfaceElements::Run* run = inpS_SurfaceElements::RunAt(m_runs, element);
-  return run ? m_ofRuns[static_cast<std::size_t>(run - m_runs.data())] : nullptr;
+int inpS_LoadedElements::TypeOf(long long element) {
+  if (!m_last || element < m_last->first || element >= m_last->first + m_last->count)
+    m_last = inpS_SurfaceElements::RunAt(m_runs, element);
+  return m_last ? m_ofRuns[static_cast<std::size_t>(m_last - m_runs.data())] : -1;
 }
 
 // A set of a part stands in an instance behind the elements of others.
@@ -32,17 +34,11 @@ cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimPos
   cow_List<Type> types;
   if (stored.IsNull()) return types;
   const eds_MemberSet& members = stored.Set();
-  long long end = 0; // of the run that the last member lies in
-  long long first = 0;
-  for (long long n = 0; n < members.Size(); ++n) {
-    const long long element = members[n] + offset;
-    if (element >= first && element < end) continue;
-    const inpS_SurfaceElements::Run* run = inpS_SurfaceElements::RunAt(m_runs, element);
-    if (!run) continue;
-    first = run->first;
-    end = run->first + run->count;
-    const Type type = m_ofRuns[static_cast<std::size_t>(run - m_runs.data())];
-    if (std::ranges::find(types, type) == types.end()) types.push_back(type);
-  }
+  cow_List<char> isIn(m_types.size(), 0);
+  for (long long n = 0; n < members.Size(); ++n)
+    if (const int type = TypeOf(members[n] + offset); type >= 0)
+      isIn[static_cast<std::size_t>(type)] = 1;
+  for (std::size_t n = 0; n < m_types.size(); ++n)
+    if (isIn[n]) types.push_back(m_types[n]);
   return types;
 }
