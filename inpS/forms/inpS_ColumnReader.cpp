@@ -201,7 +201,7 @@ void inpS_ColumnReader::TellFaults() {
       const cow_String own = isLabel ? "" : m_check->TextOfMissing(inp_Utils::Fold(name));
       if (!own.empty()) text = own;
     }
-    TellFault(row, {col, text, isMissing && m_check->IsErrorToMiss(), true});
+    TellFault(row, {col, text, m_check && m_check->IsErrorToRefuse(), true});
   }
 }
 

@@ -42,5 +42,6 @@ public:
     (void)name;
     return {};
   }
-  virtual bool IsErrorToMiss() const { return false; }
+  // A line that is refused, for whatever reason.
+  virtual bool IsErrorToRefuse() const { return false; }
 };

@@ -22,8 +22,9 @@ bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_For
   return false;
 }
 
-bool inpS_BoundaryVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
-  return kind == inp_KwFluidBoundary;
+// A condition that the analysis would go without.
+bool inpS_BoundaryVisitor::IsErrorToLack(inp_KeywordEnm) const {
+  return true;
 }
 
 bool inpS_BoundaryVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,

@@ -13,7 +13,7 @@ public:
 
   bool IsSound(const inp_ColumnPiece& piece, Words words) override;
   std::optional<inpS_LineFault> FaultOf(const inpS_LineView& line) override;
-  bool IsErrorToMiss() const override { return true; }
+  bool IsErrorToRefuse() const override { return true; }
 
 private:
   bool m_isOfFaces;

@@ -10,6 +10,7 @@ public:
       : inpS_FormVisitor(inpS_Phase::InitialConditions, nodes, elements, inventory, ledger) {}
 
 protected:
+  bool IsErrorToLack(inp_KeywordEnm kind) const override { return kind == inp_KwBoundary; }
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
 };

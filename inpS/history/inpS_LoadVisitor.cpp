@@ -4,6 +4,18 @@
 #include "inpS/history/inpS_NodalLines.h"
 #include "parser/inp_Utils.h"
 
+namespace {
+
+// Of loads whose lines are right when their fields are.
+class PlainLines : public inpS_LineCheck {
+public:
+  bool IsSound(const inp_ColumnPiece&, Words) override { return true; }
+  std::optional<inpS_LineFault> FaultOf(const inpS_LineView&) override { return {}; }
+  bool IsErrorToRefuse() const override { return true; }
+};
+
+} // namespace
+
 inpS_LoadVisitor::inpS_LoadVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory, inpS_Ledger& ledger)
     : inpS_FormVisitor(inpS_Phase::Loads, nodes, elements, inventory, ledger),
@@ -28,14 +40,21 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
   return false;
 }
 
+// A load that the analysis would go without.
+bool inpS_LoadVisitor::IsErrorToLack(inp_KeywordEnm) const {
+  return true;
+}
+
 bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                    const KvoSimPosition& record) {
   if (keyword.Kind() == inp_KwCload) {
     inpS_ConcentratedLines lines(keyword, m_fluidSteps.Has(OpenStep()));
     return lines.Read(form, record, Names(), *this);
   }
-  if (!inpS_hasLoadLabels(keyword.Kind()))
-    return inpS_FormVisitor::ReadColumns(keyword, form, record);
+  if (!inpS_hasLoadLabels(keyword.Kind())) {
+    PlainLines lines;
+    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  }
   if (!m_elements) m_elements.emplace(Inventory().GetDocument());
   inpS_LoadLines lines(keyword, record, Inventory().NumberSpatialDimensions(), *m_elements);
   return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();

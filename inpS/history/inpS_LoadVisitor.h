@@ -13,6 +13,7 @@ public:
 
 protected:
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
+  bool IsErrorToLack(inp_KeywordEnm kind) const override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
 

@@ -16,7 +16,7 @@ public:
                   std::string_view ofInstance = {});
 
   bool TakeMissing(bool isLabel, const cow_String& asWritten) override;
-  bool IsErrorToMiss() const override { return true; }
+  bool IsErrorToRefuse() const override { return true; }
   // Reads the lines and tells what is wrong with them; false when not all of them are in the
   // record.
   bool Read(const eds_FormInfo& form, const KvoSimPosition& record, const inpS_FormNames& names,
