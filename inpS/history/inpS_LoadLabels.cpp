@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr unsigned Any = 0;
+constexpr unsigned Any = 0; // loads of surfaces
 constexpr unsigned Shell = inp_ElemShell;
 constexpr unsigned Beam = inp_ElemBeam;
 constexpr unsigned Lines = inp_ElemBeam | inp_ElemTruss;
@@ -15,6 +15,7 @@ constexpr unsigned Volumes = inp_ElemSolid | inp_ElemShell | inp_ElemCohesive | 
                              inp_ElemAcoustic | inp_ElemFluid | inp_ElemElectromagnetic;
 constexpr unsigned Bodies = Volumes | Sheets | Lines | inp_ElemInfinite;
 constexpr unsigned Masses = Bodies | inp_ElemMass;
+constexpr unsigned User = 1u << 31; // elements of users, which the table of types does not have
 constexpr unsigned Flows = inp_ElemFluid | inp_ElemSolid;
 
 // What tells a type's family; user elements have none of these, and take any load.
@@ -60,10 +61,14 @@ inpS_LoadLabel::Value readValue(std::string_view word) {
 int numberIn(std::string_view label, std::string_view pattern) {
   const std::size_t place = pattern.find('#');
   if (place == std::string_view::npos) return label == pattern ? 0 : -1;
-  if (label.size() != pattern.size() || label[place] < '1' || label[place] > '9') return -1;
-  const bool isSame = label.substr(0, place) == pattern.substr(0, place) &&
-                      label.substr(place + 1) == pattern.substr(place + 1);
-  return isSame ? label[place] - '0' : -1;
+  const std::string_view behind = pattern.substr(place + 1);
+  if (label.size() < pattern.size() || !label.starts_with(pattern.substr(0, place)) ||
+      !label.ends_with(behind))
+    return -1;
+  const std::string_view digits = label.substr(place, label.size() - behind.size() - place);
+  const bool isNumber = digits.size() <= 2 && digits.front() != '0' &&
+                        digits.find_first_not_of("0123456789") == std::string_view::npos;
+  return isNumber ? std::stoi(cow_String(digits)) : -1;
 }
 
 } // namespace
@@ -127,6 +132,7 @@ cow_String inpS_familiesText(unsigned families) {
                                      {Sheets, "shells, membranes, rigid faces"},
                                      {Lines, "beams, pipes, trusses"},
                                      {Flows, "fluids, solids"},
+                                     {User, "elements of users"},
                                      {Shell, "shells"},
                                      {Beam, "beams, pipes"}};
   const auto known = std::ranges::find(names, families, &Family::flags);
