@@ -25,6 +25,7 @@ private:
 
   void Translate(const Piece& piece) const; // on any thread: labels to ordinals
   void Take(const Piece& piece);
+  bool FindFaults(const Piece& piece);
   // What the lines that the bulk decode leaves to others say, slot by slot; false: no row.
   bool TakeOdd(const Piece& piece, std::size_t slot, long long row);
   void Drop(const Piece& piece, std::span<const char> isFaulty);
