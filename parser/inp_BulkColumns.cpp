@@ -1,4 +1,5 @@
 #include "parser/inp_BulkColumns.h"
+#include "base/utl_BlockSize.h"
 #include "parser/inp_BulkPiece.h"
 #include "parser/inp_LineScan.h"
 #include <algorithm>
@@ -109,7 +110,7 @@ public:
       column.ints.Clear();
       column.reals.Clear();
     }
-    if (m_names.All().size() > mostKeptNames) m_names.Clear();
+    if (m_names.All().size() > static_cast<std::size_t>(utl_blockSize(keptNames))) m_names.Clear();
     m_known = m_names.All().size();
     m_odd.clear();
     m_count = 0;
@@ -333,8 +334,8 @@ private:
     return true;
   }
 
-  static constexpr std::size_t mostKeptNames = 1 << 16;
-  static constexpr int longestPause = 63; // stretches
+  static constexpr std::ptrdiff_t keptNames = 1 << 16; // from one piece to the next
+  static constexpr int longestPause = 63;              // stretches
 
   std::span<const inp_ColumnType> m_types;
   cow_List<Column> m_columns;
