@@ -67,34 +67,11 @@ void inpS_ColumnReader::Translate(const Piece& piece) const {
 }
 
 void inpS_ColumnReader::Take(const Piece& piece) {
-  m_isFaulty.assign(piece.count, 0);
-  bool isAny = false;
   for (std::size_t c = 0; c < m_types.size(); ++c) {
-    const eds_FormItem& item = m_form.columnItems[c];
-    if (m_targets[c])
-      m_targets[c]->TranslateNames(piece.names, piece.columns[c].ints.first(piece.count));
-    if (m_words[c])
-      m_words[c]->TranslateNames(piece.names, piece.columns[c].ints.first(piece.count));
-    if (m_types[c] == inp_ColumnType::Real) {
-      if (!item.isRequired) continue;
-      for (std::size_t n = 0; n < piece.count; ++n)
-        isAny |= (m_isFaulty[n] |= inp_isBlankReal(piece.columns[c].reals[n])) != 0;
-      continue;
-    }
-    if (!m_targets[c] && !m_words[c] && !item.isRequired) continue;
-    for (std::size_t n = 0; n < piece.count; ++n) {
-      const int value = piece.columns[c].ints[n];
-      const bool isNone = (m_targets[c] || m_words[c]) && value == inpS_noTarget;
-      isAny |= (m_isFaulty[n] |= (item.isRequired && value == inp_blankInt) || isNone) != 0;
-    }
+    if (m_targets[c]) m_targets[c]->TranslateNames(piece, piece.columns[c].ints.first(piece.count));
+    if (m_words[c]) m_words[c]->TranslateNames(piece, piece.columns[c].ints.first(piece.count));
   }
-  for (const inp_OddRow& odd : piece.odd) {
-    const auto slot = static_cast<std::size_t>(odd.slot);
-    m_isFaulty[slot] = !TakeOdd(piece, slot, odd.row);
-    isAny |= m_isFaulty[slot] != 0;
-  }
-  if (m_check && !m_check->IsSound(piece, m_words)) isAny |= MarkRefused(piece);
-  if (isAny) {
+  if (FindFaults(piece)) {
     m_isWhole = false;
     return Drop(piece, m_isFaulty);
   }
@@ -105,6 +82,43 @@ void inpS_ColumnReader::Take(const Piece& piece) {
       m_columns[c].Append(std::span<const int>(piece.columns[c].ints.first(piece.count)));
   }
   m_rows += static_cast<long long>(piece.count);
+}
+
+// Which rows cannot be taken; false: all can, as nearly always, and nothing is put down of them.
+bool inpS_ColumnReader::FindFaults(const Piece& piece) {
+  bool isAny = false;
+  const auto note = [&](auto values, auto isFault) {
+    bool isOne = false;
+    for (std::size_t n = 0; n < piece.count; ++n) isOne |= isFault(values[n]);
+    if (!isOne) return;
+    if (!isAny) m_isFaulty.assign(piece.count, 0);
+    isAny = true;
+    for (std::size_t n = 0; n < piece.count; ++n) m_isFaulty[n] |= isFault(values[n]);
+  };
+  for (std::size_t c = 0; c < m_types.size(); ++c) {
+    const bool isRequired = m_form.columnItems[c].isRequired;
+    const bool isNamed = m_targets[c] || m_words[c];
+    const auto& [ints, reals] = piece.columns[c];
+    if (m_types[c] == inp_ColumnType::Real) {
+      if (isRequired) note(reals, inp_isBlankReal);
+    } else if (isRequired || isNamed) {
+      const int blank = isRequired ? inp_blankInt : inpS_noTarget;
+      const int none = isNamed ? inpS_noTarget : inp_blankInt;
+      note(ints, [=](int value) { return (value == blank) | (value == none); });
+    }
+  }
+  if (!isAny && !piece.odd.empty()) m_isFaulty.assign(piece.count, 0);
+  for (const inp_OddRow& odd : piece.odd) {
+    const auto slot = static_cast<std::size_t>(odd.slot);
+    m_isFaulty[slot] = !TakeOdd(piece, slot, odd.row);
+  }
+  isAny = isAny || !piece.odd.empty();
+  if (m_check && !m_check->IsSound(piece, m_words)) {
+    if (!isAny) m_isFaulty.assign(piece.count, 0);
+    isAny = true;
+    MarkRefused(piece);
+  }
+  return isAny && std::ranges::count(m_isFaulty, 0) != static_cast<std::ptrdiff_t>(piece.count);
 }
 
 // The sound rows of a piece.
@@ -152,9 +166,8 @@ int inpS_ColumnReader::SlotOf(std::size_t column, long long row) {
   return m_targets[column]->Of(data, row, col);
 }
 
-// Of a piece with lines that the subject's check has something against: whether it refuses any.
-bool inpS_ColumnReader::MarkRefused(const Piece& piece) {
-  bool isAny = false;
+// Of a piece with lines that the subject's check has something against.
+void inpS_ColumnReader::MarkRefused(const Piece& piece) {
   long long row = piece.firstRow;
   for (std::size_t slot = 0; slot < piece.count; ++slot, ++row) {
     while (inpS_KeywordReader::IsBlankRow(m_keyword.Data(), row)) ++row;
@@ -163,9 +176,8 @@ bool inpS_ColumnReader::MarkRefused(const Piece& piece) {
     const std::optional<inpS_LineFault> fault = CheckedFaultOf(row);
     if (!fault) continue;
     m_hasFaults = true;
-    isAny |= (m_isFaulty[slot] = fault->isRefused) != 0;
+    m_isFaulty[slot] = fault->isRefused;
   }
-  return isAny;
 }
 
 // A number where a word may stand as well.

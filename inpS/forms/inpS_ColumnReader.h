@@ -26,11 +26,12 @@ private:
 
   void Translate(const Piece& piece) const; // on any thread: labels to ordinals
   void Take(const Piece& piece);
+  bool FindFaults(const Piece& piece);
   // What the lines that the bulk decode leaves to others say, slot by slot; false: no row.
   bool TakeOdd(const Piece& piece, std::size_t slot, long long row);
   void Drop(const Piece& piece, std::span<const char> isFaulty);
   int SlotOf(std::size_t column, long long row); // of a field that is no real
-  bool MarkRefused(const Piece& piece);
+  void MarkRefused(const Piece& piece);
   std::optional<inpS_LineFault> CheckedFaultOf(long long row);
   void TellFault(long long row, const inpS_LineFault& fault);
   bool IsNumberOfWords(std::size_t column, const inp_DataArray& data, long long row) const;
