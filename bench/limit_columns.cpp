@@ -20,6 +20,7 @@ struct Block {
   std::vector<std::int32_t> integers;
   std::vector<double> reals;
   std::vector<char> text;
+  int integersOfLine = 1;
 };
 
 const char* behind(const char* p, const char* end, char separator) {
@@ -28,9 +29,9 @@ const char* behind(const char* p, const char* end, char separator) {
   return p + 1;
 }
 
-// "target, integer, real": the fields and nothing else, into arrays as fresh as a conversion's.
+// "target, integers, real": the fields and nothing else, into arrays as fresh as a conversion's.
 void decode(Block& block) {
-  block = Block{block.begin, block.end, {}, {}, {}, {}, {}};
+  block = Block{block.begin, block.end, {}, {}, {}, {}, {}, block.integersOfLine};
   for (const char* p = block.begin; p != block.end;) {
     std::int64_t value = 0;
     const char* next = utl_readInt(p, block.end, value);
@@ -42,8 +43,10 @@ void decode(Block& block) {
     }
     block.targets.push_back(static_cast<std::int32_t>(value));
     p = behind(next, block.end, ',');
-    p = behind(utl_readInt(p, block.end, value), block.end, ',');
-    block.integers.push_back(static_cast<std::int32_t>(value));
+    for (int n = 0; n < block.integersOfLine; ++n) {
+      p = behind(utl_readInt(p, block.end, value), block.end, ',');
+      block.integers.push_back(static_cast<std::int32_t>(value));
+    }
     double real = 0;
     p = behind(utl_readDouble(p, block.end, real), block.end, '\n');
     block.reals.push_back(real);
@@ -51,9 +54,10 @@ void decode(Block& block) {
 }
 
 void print(Block& block) {
-  constexpr std::size_t room = 2 * utl_intTextRoom + utl_doubleTextRoom + 64;
+  constexpr std::size_t room = 3 * utl_intTextRoom + utl_doubleTextRoom + 64;
   block.text.resize(block.targets.size() * room);
   char* out = block.text.data();
+  const std::int32_t* integer = block.integers.data();
   for (std::size_t n = 0; n < block.targets.size(); ++n) {
     if (const std::int32_t target = block.targets[n]; target < 0) {
       const std::string_view name = block.names[static_cast<std::size_t>(-1LL - target)];
@@ -62,9 +66,11 @@ void print(Block& block) {
     } else {
       out = utl_printInt(out, target);
     }
-    *out++ = ',';
-    *out++ = ' ';
-    out = utl_printInt(out, block.integers[n]);
+    for (int k = 0; k < block.integersOfLine; ++k) {
+      *out++ = ',';
+      *out++ = ' ';
+      out = utl_printInt(out, *integer++);
+    }
     *out++ = ',';
     *out++ = ' ';
     out = utl_printDouble(out, block.reals[n]);
@@ -72,17 +78,21 @@ void print(Block& block) {
   }
 }
 
-// Behind the last keyword line.
+// Behind the last keyword line but the one that ends a step.
 std::vector<Block> blocksOf(std::string_view text) {
+  constexpr std::string_view endOfStep = "*END STEP\n";
+  if (text.ends_with(endOfStep)) text.remove_suffix(endOfStep.size());
   const std::size_t keyword = text.rfind("\n*");
   if (keyword == text.npos) throw std::runtime_error("no keyword");
   const char* p = text.data() + text.find('\n', keyword + 1) + 1;
   const char* const end = text.data() + text.size();
+  const auto commas = std::count(p, std::find(p, end, '\n'), ',');
+  const int integers = std::clamp(static_cast<int>(commas) - 1, 0, 2);
   std::vector<Block> blocks;
   while (p != end) {
     const char* stop = end - p > static_cast<std::ptrdiff_t>(blockBytes) ? p + blockBytes : end;
     while (stop[-1] != '\n') ++stop;
-    blocks.push_back({p, stop, {}, {}, {}, {}, {}});
+    blocks.push_back({p, stop, {}, {}, {}, {}, {}, integers});
     p = stop;
   }
   return blocks;

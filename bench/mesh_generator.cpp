@@ -399,6 +399,84 @@ void writeSteps(DeckFile& deck, std::size_t count) {
   }
 }
 
+// ---- what acts on a model -----------------------------------------------------------------------
+
+// Nodes 1 to `count`, made by three lines.
+void writeNodesInLine(DeckFile& deck, std::size_t count) {
+  deck.Text("*NODE\n1, 0., 0., 0.\n").Integer(count).Text(", ").Integer(count - 1);
+  deck.Text("., 0., 0.\n*NGEN\n1, ").Integer(count).Text("\n");
+}
+
+// Nodes in a line, and rows of loads, conditions or temperatures by label, no
+// node and degree of them twice; or the nodes alone.
+void writeActing(DeckFile& deck, std::size_t rows, std::string_view keyword) {
+  writeNodesInLine(deck, rows + 1);
+  if (keyword == "none") return;
+  const bool isInStep = keyword != "boundary";
+  deck.Text(isInStep ? "*STEP\n*STATIC\n" : "");
+  deck.Text(keyword == "cload"      ? "*CLOAD\n"
+            : keyword == "boundary" ? "*BOUNDARY\n"
+                                    : "*TEMPERATURE\n");
+  for (std::size_t row = 0; row < rows; ++row) {
+    const std::size_t degree = 1 + row % 3;
+    deck.Integer(1 + (keyword == "temperature" ? row : row / 3)).Text(", ");
+    if (keyword != "temperature") deck.Integer(degree).Text(", ");
+    if (keyword == "boundary") deck.Integer(degree).Text(", ");
+    deck.Real(0.25 * static_cast<double>(row)).Text("\n");
+  }
+  deck.Text(isInStep ? "*END STEP\n" : "");
+}
+
+// Loads by label, of which every further step changes ten; or the same keywords in one step.
+void writeCarrying(DeckFile& deck, std::size_t steps, std::size_t loads, bool isOneStep) {
+  writeNodesInLine(deck, loads);
+  deck.Text("*STEP\n*STATIC\n*CLOAD\n");
+  for (std::size_t node = 1; node <= loads; ++node)
+    deck.Integer(node).Text(", 2, ").Real(0.5 * static_cast<double>(node)).Text("\n");
+  for (std::size_t step = 1; step < steps; ++step) {
+    deck.Text(isOneStep ? "*CLOAD\n" : "*END STEP\n*STEP\n*STATIC\n*CLOAD\n");
+    for (std::size_t n = 0; n < 10; ++n) {
+      deck.Integer(1 + (7919 * (10 * step + n)) % loads).Text(", 2, ");
+      deck.Real(0.25 * static_cast<double>(step)).Text("\n");
+    }
+  }
+  deck.Text("*END STEP\n");
+}
+
+// So many keywords of ten kinds, of two lines each, a thousand in a step; or the mesh they act on.
+void writeConditions(DeckFile& deck, std::size_t count, bool hasConditions) {
+  constexpr std::size_t surfaces = 50;
+  struct Kind {
+    std::string_view keyword, rest;
+    bool ofElements;
+  };
+  constexpr Kind kinds[] = {
+      {"*BOUNDARY\n", ", 1, 3\n", false},         {"*CLOAD\n", ", 2, 10.\n", false},
+      {"*DLOAD\n", ", P1, 0.5\n", true},          {"*CFLUX\n", ", 11, 2.\n", false},
+      {"*DFLUX\n", ", S2, 3.\n", true},           {"*TEMPERATURE\n", ", 20.\n", false},
+      {"*FIELD, VARIABLE=1\n", ", 1.5\n", false}, {"*FILM\n", ", F3, 20., 0.5\n", true},
+      {"*DSLOAD\nTOP-", ", P, 0.25\n", true},     {"*DSFLUX\nTOP-", ", S, 0.75\n", true}};
+  constexpr std::uint32_t side = keywordCells + 1;
+  constexpr std::uint32_t nodes = side * side * side;
+  constexpr std::uint32_t bricks = keywordCells * keywordCells * keywordCells;
+  writeBricks(deck, keywordCells, Labels::Order);
+  for (std::size_t surface = 1; surface <= surfaces; ++surface)
+    deck.Text("*SURFACE, NAME=TOP-").Integer(surface).Text("\n").Integer(surface).Text(", S2\n");
+  Random random;
+  for (std::size_t number = 0; hasConditions && number < count; ++number) {
+    if (number % 1000 == 0) deck.Text(number ? "*END STEP\n" : "").Text("*STEP\n*STATIC\n");
+    const Kind& kind = kinds[number % std::size(kinds)];
+    deck.Text(kind.keyword);
+    if (kind.keyword.ends_with('-')) {
+      deck.Integer(1 + number / 10 % surfaces).Text(kind.rest);
+      continue;
+    }
+    for (int line = 0; line < 2; ++line)
+      deck.Integer(1 + random.Below(kind.ofElements ? bricks : nodes)).Text(kind.rest);
+  }
+  if (hasConditions) deck.Text("*END STEP\n");
+}
+
 int run(int argc, char** argv) {
   const std::string_view kind = argc > 3 ? argv[1] : "";
   const std::size_t size = argc > 3 ? std::strtoull(argv[2], nullptr, 10) : 0;
@@ -416,7 +494,10 @@ int run(int argc, char** argv) {
         "mesh_generator axes BRICKS_A_SIDE DECK [order|none]  a section with axes by element\n"
         "mesh_generator sections COUNT DECK [order|none]   sections of one element, or their sets\n"
         "mesh_generator references COUNT DECK  keywords that each name a set\n"
-        "mesh_generator steps COUNT DECK       steps of five procedures by turns\n",
+        "mesh_generator steps COUNT DECK       steps of five procedures by turns\n"
+        "mesh_generator acting ROWS DECK cload|boundary|temperature|none   such lines, or none\n"
+        "mesh_generator carrying STEPS DECK [LOADS] [order|one]  steps that carry loads, or one\n"
+        "mesh_generator conditions COUNT DECK [order|none]  keywords of ten kinds, or their mesh\n",
         stderr);
     return 2;
   }
@@ -448,6 +529,13 @@ int run(int argc, char** argv) {
     writeReferences(deck, size);
   else if (kind == "steps")
     writeSteps(deck, size);
+  else if (kind == "acting")
+    writeActing(deck, size, labels);
+  else if (kind == "carrying")
+    writeCarrying(deck, size, argc > 4 ? std::strtoull(argv[4], nullptr, 10) : 10'000,
+                  argc > 5 && std::string_view(argv[5]) == "one");
+  else if (kind == "conditions")
+    writeConditions(deck, size, labels != "none");
   else
     throw std::runtime_error("no such kind of deck");
   deck.Close();

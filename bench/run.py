@@ -78,6 +78,7 @@ class Bench:
         self.folder = folder
         self.rounds = rounds
         self.rows = []
+        self.written = 0  # bytes of the last deck written back
 
     def deck(self, *words):
         path = self.folder / "deck.inp"
@@ -115,7 +116,8 @@ class Bench:
             for best, command in commands:
                 out.unlink(missing_ok=True)
                 best.add(Run(command, processors))
-        out.unlink(missing_ok=True)
+        self.written = out.stat().st_size
+        out.unlink()
         return limit, inps
 
     def export(self, processors):
@@ -324,6 +326,72 @@ def measure_columns(bench, processors, rows):
                       f"the {allowed / 1e6:.0f} MB allowed", "1.00 of it")
 
 
+def measure_acting(bench, processors, rows):
+    """Loads, conditions and temperatures by label, beside the bare decode of their fields, to the same
+    nodes without them; printed as fast as the nodes are."""
+    deck = bench.deck("acting", 1, "none")
+    bench.convert(deck, processors)
+    _, start = bench.write(processors, bare=False)
+    deck = bench.deck("acting", rows, "none")
+    nodes = json.loads(Run([bench.table_times, deck], processors).output)["convert_seconds"]
+    bench.convert(deck, processors)
+    _, nodes_back = bench.write(processors, bare=False)
+    nodes_bytes = bench.written
+    nodes_rate = nodes_bytes / (nodes_back.seconds - start.seconds)
+    for keyword, columns in (("cload", 16), ("boundary", 20), ("temperature", 12)):
+        deck = bench.deck("acting", rows, keyword)
+        what = f"{rows} lines of *{keyword.upper()} by label"
+        bare = json.loads(Run([bench.limit, "columns", deck, "--threads", len(processors)],
+                              processors).output)
+        times = json.loads(Run([bench.table_times, deck], processors).output)
+        bench.row(f"{what}: conversion in memory to the bare decode of the fields",
+                  f"{(times['convert_seconds'] - nodes) / bare['decode_seconds']:.2f}", "2 times")
+        _, inps = bench.convert(deck, processors)
+        _, back = bench.write(processors, bare=False)
+        rate = (bench.written - nodes_bytes) / max(back.seconds - nodes_back.seconds, 1e-6)
+        bench.row(f"{what}, write: time a byte to that of nodes", f"{nodes_rate / rate:.2f}",
+                  "2 times")
+        allowed = 1.25 * (columns + 24) * rows + 64e6
+        for direction, best in (("convert", inps), ("write", back)):
+            bench.row(f"{what}, {direction}, peak memory",
+                      f"{best.peak / 1e6:.0f} MB, {best.peak / allowed:.2f} of the "
+                      f"{allowed / 1e6:.0f} MB allowed", "1.00 of it")
+
+
+def measure_carrying(bench, processors, steps, loads):
+    """Steps that carry loads and change ten in each, to the same keywords in one step and to half as
+    many of either."""
+    def convert(*words):
+        _, best = bench.convert(bench.deck("carrying", *words), processors)
+        return best, (bench.folder / "model.sim").stat().st_size
+
+    _, one_size = convert(steps, loads, "one")
+    start, _ = convert(1, 10)
+    whole, size = convert(steps, loads)
+    what = f"{steps} steps that carry {loads} loads and change ten"
+    bench.row(f"{what}, convert", f"{whole.seconds:.2f} s, {whole.peak / 1e6:.0f} MB", "2 s, 100 MB")
+    bench.row(f"{what}, model file to that of the same keywords in one step",
+              f"{size / one_size:.2f} times ({size / 1e6:.1f} MB)", "1.5 times")
+    _, back = bench.write(processors, bare=False)
+    bench.row(f"{what}, write", f"{back.seconds:.2f} s, {back.peak / 1e6:.0f} MB", "2 s, 100 MB")
+    for half, words in (("steps", (steps // 2, loads)), ("loads", (steps, loads // 2))):
+        best, _ = convert(*words)
+        bench.row(f"{what}, to half the {half}",
+                  f"{(whole.seconds - start.seconds) / (best.seconds - start.seconds):.2f} times",
+                  "2.3 times")
+
+
+def measure_conditions(bench, processors, count):
+    """Of ten kinds, a thousand in a step, to the same deck without them."""
+    _, none = bench.convert(bench.deck("conditions", count, "none"), processors)
+    _, none_back = bench.write(processors, bare=False)
+    _, inps = bench.convert(bench.deck("conditions", count), processors)
+    _, back = bench.write(processors, bare=False)
+    for what, best, without in (("convert", inps, none), ("write", back, none_back)):
+        bench.row(f"{what} {count} small conditions and loads of ten kinds, each",
+                  f"{(best.seconds - without.seconds) / count * 1e6:.1f} µs", "15 µs")
+
+
 def measure_axes(bench, processors, size):
     """Axes by element of a section, to the same deck whose section has none."""
     _, none = bench.convert(bench.deck("axes", size, "none"), processors)
@@ -415,6 +483,9 @@ def main():
         measure_steps(bench, sets[-1], 10_000)
         measure_table(bench, sets[-1], 1_000_000)
         measure_columns(bench, sets[-1], 1_000_000)
+        measure_acting(bench, sets[-1], 1_000_000)
+        measure_carrying(bench, sets[-1], 1000, 10_000)
+        measure_conditions(bench, sets[-1], 100_000)
         measure_axes(bench, sets[-1], 50 if words.quick else 100)
         measure_sections(bench, sets[-1], 100_000)
         measure_references(bench, sets[-1], 200_000)

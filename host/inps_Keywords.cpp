@@ -20,7 +20,7 @@ struct Coverage {
 
 // One row per deck name: the organiser's variants of a keyword are one keyword to users.
 cow_List<Coverage> coverage() {
-  const cow_List<inp_KeywordEnm> modelled = inpS_Inp2Sim::ModelledKinds();
+  const cow_List<inp_KeywordEnm> modelled = inpS_Inp2Sim::CoveredKinds();
   cow_Map<std::string_view, Coverage> byName;
   for (const inp_KeywordRow& row : inp_KeywordTable::Instance().Rows()) {
     Coverage& entry = byName[row.name];

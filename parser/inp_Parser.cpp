@@ -86,6 +86,7 @@ struct inp_Parser::Impl {
   void KeepComments(const inp_DeckText& text, inp_KeywordBody& body) const;
   void Begin(const std::shared_ptr<inp_KeywordBody>& body);
   void End();
+  void EndLastStep();
   void TellScopeErrors();
   void LimitMessages();
   void TellMore();
@@ -138,6 +139,7 @@ inp_KeywordList inp_Parser::Parse(bool expectFile) {
   if (!root) return {};
   m_impl->ParseText(root);
   m_impl->End();
+  m_impl->EndLastStep();
   m_impl->scopes.Finish();
   m_impl->TellScopeErrors();
   m_impl->TellMore();
@@ -324,6 +326,18 @@ void inp_Parser::Impl::End() {
     open->data = inp_DataArray(std::exchange(segments, {}), wholeLines);
   }
   open = nullptr;
+}
+
+// Decks may end within their last step, which then ends with them. Where a file could not be read
+// it may be the line that ends the step.
+void inp_Parser::Impl::EndLastStep() {
+  const std::shared_ptr<inp_KeywordBody> step = scopes.OpenStep();
+  if (!step || !fileErrors.empty()) return;
+  warnings.push_back(inp_Utils::MessageInKeyword(
+      inp_Keyword(step, {}), "*END STEP is missing; the step ends with the deck"));
+  const inp_DeckTextPtr closer = inp_DeckText::Rewritten("*END STEP\n", step->text, step->line);
+  Begin(reader.Read(closer, closer->Begin(), step->line).body);
+  End();
 }
 
 // The comment lines right above the keyword line.

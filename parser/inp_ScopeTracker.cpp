@@ -91,6 +91,11 @@ void inp_ScopeTracker::ReportUnclosed(const std::shared_ptr<inp_KeywordBody>& be
   m_errors.push_back(std::move(message));
 }
 
+std::shared_ptr<inp_KeywordBody> inp_ScopeTracker::OpenStep() const {
+  const bool isOpen = !m_open.empty() && m_open.back().scope->kind == Kind::Step;
+  return isOpen ? m_open.back().opener : nullptr;
+}
+
 void inp_ScopeTracker::Finish() {
   while (!m_open.empty()) ReportUnclosed(nullptr);
 }

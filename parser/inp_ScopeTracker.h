@@ -13,6 +13,8 @@ public:
 
   // The scope the keyword stands in; null at model level. Opens and closes scopes as it says.
   inp_ScopePtr Enter(const std::shared_ptr<inp_KeywordBody>& keyword);
+  // The *STEP of the innermost scope; null when that is none.
+  std::shared_ptr<inp_KeywordBody> OpenStep() const;
   // At the end of the deck.
   void Finish();
 

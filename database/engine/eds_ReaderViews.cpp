@@ -74,6 +74,48 @@ FROM v_link l JOIN schema_record k ON k.name = l.target_kind
 WHERE l.owner_kind = 'Material' AND l.member_name = 'Properties')";
 }
 
+// Amplitudes over the total time, which go on from step to step.
+cow_String totalAmplitudes(Kinds kinds) {
+  cow_String sql;
+  for (const eds_RecordInfo* kind : kinds) {
+    const auto span = std::ranges::find(kind->fields, "time_span", &eds_FieldInfo::column);
+    if (span == kind->fields.end()) continue;
+    sql += sql.empty() ? "" : " UNION ALL ";
+    sql += "SELECT '" + cow_String(kind->name) + "' AS kind, id FROM \"" + cow_String(kind->table) +
+           "\" WHERE time_span = 1";
+  }
+  return sql.empty() ? "SELECT NULL AS kind, NULL AS id WHERE 0" : sql;
+}
+
+// A perturbation step has conditions and fields of the state it starts from, but none of its loads.
+cow_String inForce(Kinds kinds) {
+  using Kind = eds_RecordKind;
+  if (!has(kinds, {Kind::Excitation, Kind::Relay, Kind::HistoryStep}))
+    return nothing({"step",       "step_name", "excitation", "keyword",         "field",
+                    "components", "restraint", "label",      "region",          "instance",
+                    "target",     "magnitude", "amplitude",  "amplitude_ended", "from_step",
+                    "how",        "load_case", "imaginary",  "given_kind",      "given",
+                    "first_row",  "rows",      "members"});
+  return "\nWITH total AS (" + totalAmplitudes(kinds) + ")" + R"(
+SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS keyword, e.field,
+  ifnull(r.components, e.components) AS components, e.restraint, e.label,
+  r.region_name AS region, r.instance_name AS instance, r.label AS target,
+  ifnull(r.magnitude, e.magnitude) AS magnitude,
+  iif(e.step = h.number OR total.id IS NOT NULL, e.amplitude_name, NULL) AS amplitude,
+  iif(e.step = h.number OR total.id IS NOT NULL, NULL, e.amplitude_name) AS amplitude_ended,
+  e.step AS from_step,
+  CASE WHEN e.step = h.number THEN 'given' WHEN h.perturbation = 1 THEN 'held' ELSE 'carried' END
+    AS how,
+  e.load_case_name AS load_case, ifnull(e.imaginary, 0) AS imaginary, e.given_kind, e.given,
+  r.first_row, ifnull(r.rows, 1) AS rows, r.members
+FROM v_history_step h
+  JOIN v_relay r ON r.first_step <= h.number AND h.number <= ifnull(r.last_step, h.number)
+  JOIN v_excitation e ON e.id = r.excitation
+  LEFT JOIN total ON total.kind = e.amplitude_kind AND total.id = e.amplitude
+WHERE ifnull(h.perturbation, 0) = 0 OR e.step = h.number OR e.kind IN ('BOUNDARY',
+  'CONNECTOR MOTION', 'TEMPERATURE', 'FIELD', 'PRESSURE STRESS', 'MASS FLOW RATE', 'D EM POTENTIAL'))";
+}
+
 } // namespace
 
 std::vector<eds_ReaderView> eds_readerViews(Kinds kinds) {
@@ -81,5 +123,6 @@ std::vector<eds_ReaderView> eds_readerViews(Kinds kinds) {
           {"v_flat_nodes", flatNodes(kinds)},
           {"v_flat_elements", flatElements(kinds)},
           {"v_sets", sets(kinds)},
-          {"v_material_tables", materialTables(kinds)}};
+          {"v_material_tables", materialTables(kinds)},
+          {"v_in_force", inForce(kinds)}};
 }

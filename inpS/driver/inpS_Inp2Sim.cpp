@@ -5,7 +5,9 @@
 #include "database/KvoSimDataRecord.h"
 #include "inpS/driver/inpS_Phases.h"
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
+#include "inpS/forms/inpS_FormTable.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
+#include "inpS/history/inpS_Excitations.h"
 #include "inpS/history/inpS_History.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
@@ -127,6 +129,14 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
   return kinds;
 }
 
+cow_List<inp_KeywordEnm> inpS_Inp2Sim::CoveredKinds() {
+  cow_List<inp_KeywordEnm> kinds = ModelledKinds();
+  const cow_List<inp_KeywordEnm>& forms = inpS_FormTable::Instance().Keywords();
+  kinds.insert(kinds.end(), forms.begin(), forms.end());
+  kinds.push_back(inp_KwEndStep); // the step's record says it
+  return kinds;
+}
+
 // ---- the three conversions
 
 // What a conversion before this one left belongs to its document, which may be closed by now; so
@@ -135,12 +145,18 @@ void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
   m_surfaceVisitor.reset();
   m_ledger.Clear();
   m_notModelled.clear();
+  m_boundaries = {};
   m_meshLeftOut = false;
   m_featureEnhanced = m_isDeckFeatureEnhanced;
   m_modelString.clear();
   m_inventory.SetFeatureEnhanced(false);
   m_document = document;
   m_inventory.SetDocument(document);
+}
+
+bool inpS_Inp2Sim::Derive() {
+  inpS_deriveHistory(m_document);
+  return m_boundaries.Report(inpS_deriveExcitations(m_document));
 }
 
 void inpS_Inp2Sim::End() {
@@ -174,9 +190,9 @@ bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) try {
   const bool converted = RunPhases(Phases(), "inp2sim-", labelers);
   // Last: its texts stand in deck order behind everything that was converted.
   const bool kept = KeepVerbatim(false);
-  inpS_deriveHistory(document);
+  const bool derived = Derive();
   End();
-  return converted && kept;
+  return converted && kept && derived;
 } catch (...) {
   inpS_passOn();
 }
@@ -215,9 +231,9 @@ bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) try {
   Labelers labelers;
   const bool converted = RunPhases(RestartPhases(), "inp2sim-", labelers);
   const bool kept = KeepVerbatim(true); // last, as the phases tell what else goes with them
-  inpS_deriveHistory(document);
+  const bool derived = Derive();
   End();
-  return converted && kept;
+  return converted && kept && derived;
 } catch (...) {
   inpS_passOn();
 }
@@ -230,7 +246,7 @@ bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
   labelers.elements.emplace(document, 1);
   ProcessSteps(labelers);
   ProcessOutput(labelers);
-  inpS_deriveHistory(document);
+  Derive();
   return true;
 } catch (...) {
   inpS_passOn();

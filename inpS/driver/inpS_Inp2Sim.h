@@ -4,6 +4,7 @@
 #include "inpS/forms/inpS_DistributedProperty.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Ledger.h"
+#include "inpS/history/inpS_DuplicateReport.h"
 #include "inpS/inpS_Export.h"
 #include "inpS/model/inpS_NotModelled.h"
 #include "inpS/sets/inpS_TextElements.h"
@@ -61,7 +62,9 @@ public:
   // After a conversion: whether the deck's nodes or elements had errors, which leave out all of
   // them and the sets.
   bool IsMeshLeftOut() const { return m_meshLeftOut; }
-  // The keyword kinds that some phase converts.
+  // The keyword kinds of which some phase makes records, wholly or in some of their variants.
+  static cow_List<inp_KeywordEnm> CoveredKinds();
+  // Those whose phases do not enter in the ledger what they leave as text.
   static cow_List<inp_KeywordEnm> ModelledKinds(bool restart = false);
   // Lays the deck's digest and name into the database's own description.
   static void DescribeSource(const KvoObjDocument& document, const cow_String& deckPath,
@@ -112,6 +115,7 @@ private:
   bool ProcessInteractions(Labelers& labelers);
   bool ProcessInitialConditions(Labelers& labelers);
   bool ProcessBoundaryConditions(Labelers& labelers);
+  bool Derive(); // what follows from the records
   bool ProcessLoads(Labelers& labelers);
   bool ProcessOutput(Labelers& labelers);
   bool ProcessSubstructureOutput(Labelers& labelers);
@@ -142,6 +146,7 @@ private:
   bool m_meshLeftOut = false;
   cow_List<inpS_NotModelled> m_notModelled;
   inpS_Ledger m_ledger;
+  inpS_DuplicateReport m_boundaries; // where conditions of nodes were given
   cow_List<inpS_DistributedProperty> m_distributed; // of materials
   inpS_TextElements m_textElements;                 // that stand in some of them
 };

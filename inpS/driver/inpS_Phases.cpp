@@ -387,7 +387,11 @@ bool Driver::ProcessInitialConditions(Labelers& labelers) {
 }
 
 bool Driver::ProcessBoundaryConditions(Labelers& labelers) {
-  return RunForms<inpS_BoundaryVisitor>(labelers);
+  inpS_BoundaryVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
+  visitor.SetMeshLeftOut(m_meshLeftOut);
+  visitor.VisitListAndReport(m_keywords);
+  m_boundaries = visitor.Places();
+  return !visitor.IsError();
 }
 
 bool Driver::ProcessLoads(Labelers& labelers) {

@@ -35,3 +35,9 @@ bool inpS_BoundaryVisitor::ReadColumns(const inp_Keyword& keyword, const eds_For
   inpS_FluidLines lines(keyword, form.kind);
   return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
 }
+
+void inpS_BoundaryVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                                     const KvoSimPosition& record) {
+  if (keyword.Kind() == inp_KwBoundary) m_places.Add(record, keyword);
+  inpS_FormVisitor::Converted(keyword, form, record);
+}

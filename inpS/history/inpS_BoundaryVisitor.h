@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/history/inpS_DuplicateReport.h"
 #include "inpS/history/inpS_FluidSteps.h"
 
 // What holds nodes, as the deck gives it: conditions within steps.
@@ -9,12 +10,17 @@ public:
   inpS_BoundaryVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                        const inpS_Inventory& inventory, inpS_Ledger& ledger);
 
+  const inpS_DuplicateReport& Places() const { return m_places; }
+
 protected:
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
+  void Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                 const KvoSimPosition& record) override;
 
 private:
   inpS_FluidSteps m_fluidSteps;
+  inpS_DuplicateReport m_places;
 };

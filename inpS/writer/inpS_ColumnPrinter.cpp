@@ -4,9 +4,9 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/eds_DamagedModel.h"
 #include "inpS/forms/inpS_ColumnWords.h"
+#include "inpS/forms/inpS_StoredColumn.h"
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/writer/inpS_SetNames.h"
-#include "inpS/writer/inpS_SharedReader.h"
 #include "parser/inp_BulkColumns.h"
 #include <algorithm>
 #include <cstring>
@@ -17,47 +17,6 @@ namespace {
 
 constexpr long long kRowsPerPiece = 8 << 10;
 constexpr std::size_t kFieldsPerLine = 8;
-
-// A column of a record, by the piece: one value for all rows, bytes, or an array.
-template <class T> class Column {
-public:
-  Column(const KvoSimDataRecord& record, const eds_FormItem& item, long long rows, int perRow,
-         T one, std::mutex& guard)
-      : m_one(one), m_perRow(perRow) {
-    if (const KvoSimPosition array = record.GetReference(item.arrayField); !array.IsNull()) {
-      m_array.emplace(eds_ArrayID{array.Store(), array.ID()}, guard);
-      Check(record, m_array->Count(), rows);
-      if (m_array->Width() != perRow)
-        eds_tellDamaged(record.Pos(), "a column has " + std::to_string(m_array->Width()) +
-                                          " values in a row and not " + std::to_string(perRow));
-    } else if (!record.IsMemberNull(item.fewField)) {
-      const std::string_view bytes = record.GetString(item.fewField);
-      Check(record, static_cast<long long>(bytes.size() / sizeof(T)), rows * perRow);
-      m_few.resize(bytes.size() / sizeof(T));
-      std::memcpy(m_few.data(), bytes.data(), m_few.size() * sizeof(T));
-    }
-  }
-
-  void Read(long long first, std::span<T> out) {
-    if (m_array) return m_array->Read(first, out);
-    if (m_few.empty())
-      std::ranges::fill(out, m_one);
-    else
-      std::copy_n(m_few.begin() + first * m_perRow, out.size(), out.begin());
-  }
-
-private:
-  static void Check(const KvoSimDataRecord& record, long long has, long long rows) {
-    if (has != rows)
-      eds_tellDamaged(record.Pos(), "a column has " + std::to_string(has) + " values for " +
-                                        std::to_string(rows) + " rows");
-  }
-
-  T m_one;
-  int m_perRow;
-  cow_List<T> m_few;
-  std::optional<inpS_SharedReader<T>> m_array;
-};
 
 // What a line shows for a target: a label, "instance.label", or the name of a set.
 class Targets {
@@ -197,8 +156,8 @@ private:
   bool m_hasWords = false;
   cow_List<cow_String> m_words;
   std::size_t m_wordRoom = 0;
-  std::optional<Column<int>> m_ints;
-  std::optional<Column<double>> m_reals;
+  std::optional<inpS_StoredColumn<int>> m_ints;
+  std::optional<inpS_StoredColumn<double>> m_reals;
   std::optional<Targets> m_targets;
 };
 

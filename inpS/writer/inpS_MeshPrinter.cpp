@@ -10,7 +10,7 @@
 #include "database/eds_LabelMap.h"
 #include "inpS/mesh/inpS_MeshDimensions.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
-#include "inpS/writer/inpS_SharedReader.h"
+#include "inpS/forms/inpS_SharedReader.h"
 #include <algorithm>
 #include <memory>
 #include <vector>

@@ -346,10 +346,11 @@ TEST(File, TablesComeWithTheirRecordsAndViewsAtTheEnd) {
   document = KvoObjDocument::Open(file, KvoAccess::ReadWrite);
   document.Finish();
   document.Close();
-  EXPECT_EQ(objects(), "chunk link meta model part schema_collection schema_field schema_member "
-                       "schema_record schema_symbol v_flat_elements v_flat_nodes v_labels v_link "
-                       "v_material_tables v_model v_name v_part v_sets v_verbatim_keyword "
-                       "verbatim_keyword ");
+  EXPECT_EQ(objects(),
+            "chunk link meta model part schema_collection schema_field schema_member "
+            "schema_record schema_symbol v_flat_elements v_flat_nodes v_in_force v_labels v_link "
+            "v_material_tables v_model v_name v_part v_sets v_verbatim_keyword "
+            "verbatim_keyword ");
   EXPECT_LE(fs::file_size(file), 100'000u);
 }
 

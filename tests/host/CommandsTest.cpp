@@ -245,11 +245,16 @@ TEST_F(Commands, KeywordsTellEachFateOnce) {
   EXPECT_NE(text.find("\n*NODE "), cow_String::npos);
   const json list = json::parse(ProgramRun({"keywords", "--json"}).out)["keywords"];
   std::set<cow_String> names;
+  cow_Map<cow_String, bool> fates;
   std::size_t modelled = 0;
   for (const json& row : list) {
     EXPECT_TRUE(names.insert(row["keyword"]).second) << row["keyword"];
     modelled += row["modelled"].get<bool>();
+    fates[row["keyword"]] = row["modelled"];
   }
+  for (const char* keyword : {"NODE", "ELASTIC", "SHELL SECTION", "STEP", "STATIC", "BOUNDARY"})
+    EXPECT_TRUE(fates[keyword]) << keyword;
+  EXPECT_FALSE(fates["CONTACT PAIR"]);
   EXPECT_TRUE(names.contains("ELEMENT"));
   EXPECT_NE(text.find(std::to_string(modelled) + " of " + std::to_string(list.size())),
             cow_String::npos);

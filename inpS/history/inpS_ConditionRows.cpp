@@ -1,0 +1,199 @@
+#include "inpS/history/inpS_ConditionRows.h"
+#include "database/KvoSimCSet.h"
+#include "database/schema/eds_FormKind.h"
+#include "database/schema/eds_Schema.h"
+#include "inpS/forms/inpS_ColumnWords.h"
+#include "inpS/sets/inpS_SetVisitor.h"
+
+namespace {
+
+constexpr long long kPiece = 16 << 10;
+
+const eds_FormItem& itemOf(const inpS_ExcitationKind& kind, int column) {
+  return kind.info->columnItems[static_cast<std::size_t>(column)];
+}
+
+int restraintOf(std::string_view word) {
+  for (const eds_SymbolInfo& symbol : eds_schemaSymbols(eds_Vocabulary::RestraintType))
+    if (symbol.name == word) return symbol.number;
+  return -1;
+}
+
+} // namespace
+
+inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
+                                       const inpS_ExcitationKind& kind)
+    : m_record(record.DataRecord()), m_kind(kind) {
+  if (kind.info->data != eds_FormData::Columns) {
+    m_count = 1; // one that needs no rows
+    return;
+  }
+  m_count = m_record.GetInt64(kind.info->rowsField);
+  const auto open = [&](Ints& ints, int column) {
+    if (column < 0) return;
+    const eds_FormItem& item = itemOf(kind, column);
+    const int field = item.alternatives.front().field;
+    ints.column.emplace(m_record, item, m_count, 1,
+                        m_record.IsMemberNull(field) ? inp_blankInt : m_record.GetInt(field),
+                        *m_guard);
+  };
+  open(m_target, kind.target);
+  open(m_first, kind.first);
+  open(m_last, kind.last);
+  open(m_label, kind.label);
+  if (kind.value >= 0) {
+    const eds_FormItem& item = itemOf(kind, kind.value);
+    double one = inp_blankReal;
+    HasOneValue(one);
+    m_value.emplace(m_record, item, m_count, 1, one, *m_guard);
+  }
+  const auto wordsOf = [&](int column) {
+    return column < 0 || itemOf(kind, column).wordsField < 0
+               ? cow_List<cow_String>()
+               : inpS_ColumnWords::Stored(m_record, itemOf(kind, column).wordsField);
+  };
+  m_targetWords = wordsOf(kind.target);
+  m_labels = wordsOf(kind.label);
+  m_firstWords = wordsOf(kind.first);
+  for (const cow_String& word : m_firstWords) m_restraints.push_back(restraintOf(word));
+}
+
+bool inpS_ConditionRows::HasOneValue(double& value) const {
+  if (m_kind.value < 0) return false;
+  const eds_FormItem& item = itemOf(m_kind, m_kind.value);
+  const int field = item.alternatives.front().field;
+  if (m_record.IsMemberNull(field)) return false;
+  value = m_record.GetDouble(field);
+  return true;
+}
+
+KvoSimPosition inpS_ConditionRows::Values() const {
+  return m_kind.value < 0 ? KvoSimPosition()
+                          : m_record.GetReference(itemOf(m_kind, m_kind.value).arrayField);
+}
+
+cow_String inpS_ConditionRows::WordOf(int column, int code) const {
+  if (code == inp_blankInt) return {};
+  if (code >= 0) return std::to_string(code);
+  const auto& words = column == m_kind.target ? m_targetWords : m_labels;
+  const auto place = static_cast<std::size_t>(-1 - code);
+  return place < words.size() ? words[place] : cow_String();
+}
+
+cow_String inpS_ConditionRows::Label(int place) const {
+  if (place < 0) return {};
+  const auto at = static_cast<std::size_t>(place);
+  if (at < m_pairCodes.size()) {
+    const cow_String label = WordOf(m_kind.label, m_pairCodes[at].second);
+    return WordOf(m_kind.target, m_pairCodes[at].first) + (label.empty() ? "" : " " + label);
+  }
+  if (at < m_labels.size()) return m_labels[at];
+  const std::size_t word = at - m_labels.size(); // in the place of a degree
+  return word < m_firstWords.size() ? m_firstWords[word] : cow_String();
+}
+
+void inpS_ConditionRows::Load() {
+  m_begin = m_next;
+  m_loaded = std::min(m_count, m_next + kPiece);
+  const auto count = static_cast<std::size_t>(m_loaded - m_begin);
+  for (Ints* ints : {&m_target, &m_first, &m_last, &m_label}) {
+    if (!ints->column) continue;
+    ints->values.resize(count);
+    ints->column->Read(m_begin, ints->values);
+  }
+  if (!m_value) return;
+  m_values.resize(count);
+  m_value->Read(m_begin, m_values);
+}
+
+bool inpS_ConditionRows::Next(inpS_ConditionRow& row) {
+  if (m_next >= m_count) return false;
+  if (m_next >= m_loaded) Load();
+  const auto n = static_cast<std::size_t>(m_next++ - m_begin);
+  row = {};
+  if (m_kind.key == inpS_ExcitationKind::Key::Words) {
+    const std::pair codes{m_target.values[n], m_label.column ? m_label.values[n] : inp_blankInt};
+    const auto [known, isNew] = m_pairs.try_emplace(codes, static_cast<int>(m_pairs.size()));
+    if (isNew) m_pairCodes.push_back(codes);
+    row.label = known->second;
+  } else if (m_label.column && m_label.values[n] < 0 && m_label.values[n] != inp_blankInt)
+    row.label = -1 - m_label.values[n];
+  if (m_value && !inp_isBlankReal(m_values[n])) row.value = m_values[n];
+  if (m_target.column && m_kind.key != inpS_ExcitationKind::Key::Words &&
+      m_target.values[n] != inp_blankInt)
+    row.target = m_target.values[n];
+  if (m_first.column) SetDegrees(row, n);
+  return true;
+}
+
+void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, std::size_t n) const {
+  const int first = m_first.values[n];
+  row.degrees = 0;
+  if (first == inp_blankInt) return;
+  if (first >= 0) {
+    const int last = m_last.column ? m_last.values[n] : inp_blankInt;
+    row.degrees = inpS_Degrees::Of(first, last == inp_blankInt ? first : last);
+    return;
+  }
+  const auto word = static_cast<std::size_t>(-1 - first);
+  if (word >= m_restraints.size()) return;
+  if (m_kind.form == eds_FormKind::Boundary) {
+    row.restraint = m_restraints[word];
+    row.degrees = inpS_Degrees::OfRestraint(row.restraint);
+    row.value = 0;
+  } else { // of flows: a name instead of a degree
+    row.label = static_cast<int>(m_labels.size() + word);
+    row.degrees = 1;
+  }
+}
+
+// ---- targets
+
+inpS_ConditionTargets::inpS_ConditionTargets(const KvoSimPosition& record,
+                                             const inpS_ExcitationKind& kind)
+    : m_record(record) {
+  if (kind.info->data != eds_FormData::Columns) return;
+  const eds_FormType type = itemOf(kind, kind.target).alternatives.front().type;
+  m_isSurface = type == eds_FormType::Reference;
+  m_isNodes = type == eds_FormType::Node;
+}
+
+void inpS_ConditionTargets::Read() {
+  m_isRead = true;
+  for (const KvoSimPosition& named : m_record.GetVector(eds_Member::Targets)) {
+    Region& region = m_regions.emplace_back();
+    region.set = named.DataRecord().GetReference(eds_Target_Set);
+    region.instance = named.DataRecord().GetReference(eds_Target_Instance);
+    if (region.set.IsNull() || m_isSurface) continue;
+    const KvoSimDataRecord set = region.set.DataRecord();
+    const int owner = m_isNodes ? eds_NodeSet_Owner : eds_ElementSet_Owner;
+    const bool ofPart =
+        set.GetReference(owner).IsA(eds_RecordKind::Part) && !region.instance.IsNull();
+    if (ofPart)
+      region.offset = region.instance.DataRecord().GetInt64(m_isNodes ? eds_Instance_FirstNode
+                                                                      : eds_Instance_FirstElement);
+    region.membership =
+        set.GetSet(m_isNodes ? eds_NodeSet_Membership : eds_ElementSet_Membership).ID();
+  }
+  m_members.resize(m_regions.size());
+}
+
+const inpS_ConditionTargets::Region& inpS_ConditionTargets::At(int target) {
+  if (!m_isRead) Read();
+  const auto place = static_cast<std::size_t>(-1LL - target);
+  if (place >= m_regions.size())
+    eds_tellDamaged(m_record, "a column names " + std::to_string(target) + ", which is nothing");
+  return m_regions[place];
+}
+
+const eds_MemberSet& inpS_ConditionTargets::Members(int target) {
+  const Region& region = At(target);
+  auto& members = m_members[static_cast<std::size_t>(-1LL - target)];
+  if (!members)
+    members = std::make_unique<eds_MemberSet>(
+        region.membership.IsNull()
+            ? eds_MemberSet()
+            : inpS_SetVisitor::Moved(KvoSimCSet(region.membership).Set().AscendingSet(),
+                                     region.offset));
+  return *members;
+}

@@ -1,0 +1,160 @@
+#include "inpS/history/inpS_ExcitationKind.h"
+#include "base/utl_Assert.h"
+#include "database/schema/eds_FormKind.h"
+#include "database/schema/eds_Schema.h"
+#include <algorithm>
+#include <bit>
+#include <unordered_map>
+
+namespace {
+
+using Kind = inpS_ExcitationKind;
+using Key = Kind::Key;
+
+int numberOf(std::string_view keyword) {
+  for (const eds_SymbolInfo& symbol : eds_schemaSymbols(eds_Vocabulary::ExcitationKind))
+    if (symbol.name == keyword) return symbol.number;
+  utl_assertionFailed("the vocabulary ExcitationKind has the keyword");
+}
+
+int fieldOf(const eds_FormInfo& info, std::string_view name) {
+  const auto item = std::ranges::find(info.parameters, name, &eds_FormItem::name);
+  return item == info.parameters.end() ? -1 : item->alternatives.front().field;
+}
+
+// Which columns they are follows from their types: the target is the first, a label the next one of
+// words, degrees are integers, the value is the first real number.
+void findColumns(Kind& kind) {
+  const auto& items = kind.info->columnItems;
+  for (int c = 0; c < static_cast<int>(items.size()); ++c) {
+    const eds_FormType type = items[static_cast<std::size_t>(c)].alternatives.front().type;
+    if (c == 0)
+      kind.target = 0;
+    else if (type == eds_FormType::Int && kind.first < 0)
+      kind.first = c;
+    else if (type == eds_FormType::Int && kind.last < 0)
+      kind.last = c;
+    else if (type == eds_FormType::Text && kind.label < 0)
+      kind.label = c;
+    else if (type == eds_FormType::Real && kind.value < 0)
+      kind.value = c;
+  }
+}
+
+constexpr uint64_t degrees(std::initializer_list<int> all) {
+  uint64_t bits = 0;
+  for (const int degree : all) bits |= inpS_Degrees::Bit(degree);
+  return bits;
+}
+
+constexpr uint64_t translations = degrees({1, 2, 3});
+constexpr uint64_t rotations = degrees({4, 5, 6});
+constexpr int firstTemperature = 11;
+
+} // namespace
+
+const cow_List<Kind>& inpS_ExcitationKind::All() {
+  static const cow_List<Kind> all = [] {
+    cow_List<Kind> kinds;
+    const auto add = [&](eds_RecordKind form, std::string_view keyword, Key key,
+                         std::string_view field, Twice twice, Lasting lasting) {
+      Kind& kind = kinds.emplace_back();
+      kind.form = form;
+      kind.number = numberOf(keyword);
+      kind.key = key;
+      kind.field = field;
+      kind.twice = twice;
+      kind.lasting = lasting;
+      kind.info = eds_formOf(form);
+      kind.op = fieldOf(*kind.info, "op");
+      kind.amplitude = fieldOf(*kind.info, "amplitude");
+      kind.imaginary = fieldOf(*kind.info, "imaginary");
+      kind.fixed = fieldOf(*kind.info, "fixed");
+      kind.type = fieldOf(*kind.info, "type");
+      kind.variable = fieldOf(*kind.info, "variable");
+      kind.remove = fieldOf(*kind.info, "remove");
+      findColumns(kind);
+    };
+#define INPS_EXCITATION(Form, Keyword, KeyOf, Field, GivenTwice, Lasts)                            \
+  add(eds_FormKind::Form, Keyword, Key::KeyOf, Field, Twice::GivenTwice, Lasting::Lasts);
+#include "inpS/history/inpS_excitations.def"
+    return kinds;
+  }();
+  return all;
+}
+
+const Kind* inpS_ExcitationKind::Of(eds_RecordKind form) {
+  static const auto places = [] {
+    std::unordered_map<eds_RecordKind, const Kind*> byForm;
+    for (const Kind& kind : All()) byForm.emplace(kind.form, &kind);
+    return byForm;
+  }();
+  const auto found = places.find(form);
+  return found == places.end() ? nullptr : found->second;
+}
+
+namespace inpS_Degrees {
+
+uint64_t Of(long long first, long long last) {
+  if (first < 1 || last < first || last > kMost) return 0;
+  return ((uint64_t{1} << last) - 1) & ~((uint64_t{1} << (first - 1)) - 1);
+}
+
+uint64_t OfRestraint(int restraint) {
+  // A plane of symmetry holds what leaves it and turns it, one of antisymmetry the others; warping
+  // and ovalization are degrees of pipes and beams beyond the numbered ones.
+  constexpr uint64_t held[] = {degrees({1, 2, 3, 4, 5, 6}), translations,
+                               degrees({1, 5, 6}),          degrees({2, 4, 6}),
+                               degrees({3, 4, 5}),          degrees({2, 3, 4}),
+                               degrees({1, 3, 5}),          degrees({1, 2, 6}),
+                               uint64_t{1} << kMost,        uint64_t{1} << (kMost + 1),
+                               uint64_t{1} << (kMost + 2)};
+  const auto place = static_cast<std::size_t>(restraint);
+  return restraint >= 0 && place < std::size(held) ? held[place] : 0;
+}
+
+cow_List<Group> Groups(uint64_t all, const inpS_ExcitationKind& kind, std::string_view type) {
+  cow_List<Group> groups;
+  const bool isCondition = kind.form == eds_FormKind::Boundary;
+  cow_String base(kind.field);
+  if (isCondition && type == "VELOCITY") base = "V";
+  if (isCondition && type == "ACCELERATION") base = "A";
+  const bool isVector =
+      isCondition || kind.field == "CF" || kind.field == "CU" || kind.field == "CCF";
+  const auto take = [&](uint64_t some, const cow_String& field, int firstDegree) {
+    if ((all & some) != 0) groups.push_back({all & some, field, firstDegree});
+    all &= ~some;
+  };
+  if (isVector) {
+    take(translations, base + "_D", 1);
+    take(rotations, base + "_R", 4);
+  }
+  if (isCondition) {
+    // The degrees that no vector has: warping, the pore or acoustic pressure, the electric
+    // potential, the tenth of coupled elements.
+    take(Bit(7), "W", 7);
+    take(Bit(8), "HP", 8);
+    take(Bit(9), "EPOT", 9);
+    take(Bit(10), "DOF_10", 10);
+  }
+  take(Of(firstTemperature, kMost), isCondition ? "NT" : base, firstTemperature);
+  for (; all != 0; all &= all - 1) {
+    const int degree = std::countr_zero(all) + 1;
+    groups.push_back({Bit(degree), base, degree});
+  }
+  return groups;
+}
+
+cow_String Components(uint64_t all, int firstDegree) {
+  cow_String text;
+  if (firstDegree > 6 && firstDegree < firstTemperature) return text; // a field of one number
+  for (; all != 0; all &= all - 1) {
+    const int component = std::countr_zero(all) + 1 - firstDegree;
+    text += (text.empty() ? "" : " ");
+    text += firstDegree >= firstTemperature ? std::to_string(component)
+                                            : "C_" + std::to_string(component + 1);
+  }
+  return text;
+}
+
+} // namespace inpS_Degrees

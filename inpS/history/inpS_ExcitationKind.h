@@ -1,0 +1,62 @@
+#pragma once
+
+#include "database/schema/eds_Form.h"
+#include <cstdint>
+
+// How the rows of one form become excitations, as inpS_excitations.def has it.
+struct inpS_ExcitationKind {
+  enum class Key : uint8_t { Degrees, Degree, Label, Variable, One, Words };
+  enum class Twice : uint8_t { Add, Later, First };
+  enum class Lasting : uint8_t { Carried, Held, OwnStep };
+
+  eds_RecordKind form;
+  int number; // in the vocabulary ExcitationKind
+  Key key;
+  std::string_view field;
+  Twice twice;
+  Lasting lasting;
+  const eds_FormInfo* info; // of the form
+
+  // Of the parameters; -1: the form has none.
+  int op = -1;
+  int amplitude = -1;
+  int imaginary = -1;
+  int fixed = -1;
+  int type = -1;
+  int variable = -1;
+  int remove = -1;
+  // Of the bulk columns.
+  int target = -1;
+  int first = -1; // or the only degree
+  int last = -1;
+  int label = -1;
+  int value = -1;
+
+  static const inpS_ExcitationKind* Of(eds_RecordKind form); // null: its rows are none
+  static const cow_List<inpS_ExcitationKind>& All();
+};
+
+// The degrees of freedom of a row as bits: 1 to 30, then what some restraints hold.
+namespace inpS_Degrees {
+constexpr int kMost = 30;
+constexpr uint64_t Bit(int degree) {
+  return uint64_t{1} << (degree - 1);
+}
+// 0: none of them is one.
+uint64_t Of(long long first, long long last);
+// What a restraint of the vocabulary RestraintType holds.
+uint64_t OfRestraint(int restraint);
+
+// Degrees that one excitation can prescribe together: parts of a vector, temperatures, or one
+// alone.
+struct Group {
+  uint64_t degrees;
+  cow_String field; // with that kind's base before it
+  int firstDegree;  // of component 1
+};
+// `degrees` in their groups.
+cow_List<Group> Groups(uint64_t degrees, const inpS_ExcitationKind& kind, std::string_view type);
+// "C_1 C_3" for degrees of a group, the numbers of the components from 0 on for temperatures, ""
+// for a field of one number.
+cow_String Components(uint64_t degrees, int firstDegree);
+} // namespace inpS_Degrees

@@ -1,0 +1,256 @@
+#include "inpS/history/inpS_ExcitationWriter.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimCSet.h"
+#include "database/schema/eds_FormKind.h"
+#include "inpS/sets/inpS_SetVisitor.h"
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+using Kind = inpS_ExcitationKind;
+constexpr long long kFewRows = 64;
+constexpr long long kMostSets = 10'000;
+
+bool hasDegrees(const Kind& kind) {
+  return kind.key == Kind::Key::Degrees || kind.key == Kind::Key::Degree;
+}
+
+} // namespace
+
+inpS_ExcitationWriter::inpS_ExcitationWriter(const KvoObjDocument& document, inpS_InForce& inForce)
+    : m_document(document), m_model(document.GetModel().Position()), m_inForce(inForce),
+      m_pieces(inForce), m_number(NumberOfOthers()) {
+  ReadTransforms();
+}
+
+// Names go on behind those of other programs.
+long long inpS_ExcitationWriter::NumberOfOthers() const {
+  constexpr std::string_view prefix = "Excitation_";
+  long long next = 0;
+  for (const KvoSimPosition& other : m_document.Context().GetRecords(eds_RecordKind::Excitation)) {
+    ++next;
+    const cow_String name = other.DataRecord().ReturnString(eds_Excitation_Name);
+    if (!name.starts_with(prefix)) continue;
+    next = std::max(next, std::atoll(name.c_str() + prefix.size()) + 1);
+  }
+  return next;
+}
+
+void inpS_ExcitationWriter::Write() {
+  for (std::size_t n = 0; n < m_inForce.Sources().size(); ++n) WriteSource(n);
+}
+
+void inpS_ExcitationWriter::ReadTransforms() {
+  static const int nset = eds_formField(eds_FormKind::Transform, "nset");
+  static const int instance = eds_formField(eds_FormKind::Transform, "nset_instance");
+  for (const KvoSimPosition& record : m_document.Context().GetRecords(eds_FormKind::Transform)) {
+    const KvoSimPosition set = record.DataRecord().GetReference(nset);
+    if (set.IsNull()) continue;
+    const KvoSimPosition owner = set.DataRecord().GetReference(eds_NodeSet_Owner);
+    const KvoSimCSet members = set.DataRecord().GetSet(eds_NodeSet_Membership);
+    if (members.IsNull()) continue;
+    const eds_MemberSet nodes = members.Set().AscendingSet();
+    if (!owner.IsA(eds_RecordKind::Part)) {
+      m_transforms.push_back({record, nodes});
+      continue;
+    }
+    // One of a part is about each of its instances.
+    const KvoSimPosition named = record.DataRecord().GetReference(instance);
+    for (const KvoSimPosition& one : m_document.GetModel().Occurences()) {
+      const KvoSimDataRecord moved = one.DataRecord();
+      if (!(moved.GetReference(eds_Instance_Part) == owner)) continue;
+      if (!named.IsNull() && !(named == one)) continue;
+      m_transforms.push_back(
+          {record, inpS_SetVisitor::Moved(nodes, moved.GetInt64(eds_Instance_FirstNode))});
+    }
+  }
+}
+
+int inpS_ExcitationWriter::TransformOf(const inpS_ConditionRow& row, Current& current) const {
+  if (m_transforms.empty() || !hasDegrees(*current.source.kind)) return -1;
+  if (row.target == inpS_ConditionRow::kAll) return -1;
+  for (int n = static_cast<int>(m_transforms.size()) - 1; n >= 0; --n) {
+    const eds_MemberSet& nodes = m_transforms[static_cast<std::size_t>(n)].nodes;
+    if (row.target >= 0) {
+      if (nodes.IsMember(row.target)) return n;
+      continue;
+    }
+    const eds_MemberSet& members = current.targets.Members(row.target);
+    bool isWithin = !members.IsEmpty() && members.Size() <= nodes.Size();
+    for (long long m = 0; isWithin && m < members.Size(); ++m)
+      isWithin = nodes.IsMember(members[m]);
+    if (isWithin) return n;
+  }
+  return -1;
+}
+
+void inpS_ExcitationWriter::WriteSource(std::size_t place) {
+  const inpS_InForce::Source& source = m_inForce.Sources()[place];
+  Current current{place,
+                  source,
+                  inpS_ConditionRows(source.record, *source.kind),
+                  inpS_ConditionTargets(source.record, *source.kind),
+                  source.rows <= kFewRows,
+                  0,
+                  {}};
+  inpS_ConditionRow row;
+  for (long long n = 0; current.rows.Next(row); ++n)
+    if (row.degrees != 0) WriteRow(current, n, row, m_pieces.Of(place, n, row, current.targets));
+  for (auto& [key, group] : current.groups) {
+    EndRun(current, group);
+    group.excitation.DataRecord().SetInt(eds_Excitation_Rows, group.rows);
+  }
+}
+
+// A row is about as many excitations as its degrees have fields.
+void inpS_ExcitationWriter::WriteRow(Current& current, long long n, const inpS_ConditionRow& row,
+                                     const cow_List<inpS_InForce::Piece>* pieces) {
+  const Kind& kind = *current.source.kind;
+  GroupKey key;
+  key.restraint = row.restraint;
+  key.label = row.label;
+  key.transform = TransformOf(row, current);
+  if (!hasDegrees(kind) || row.restraint >= 0 || row.label >= 0) {
+    key.degrees = row.degrees;
+    WriteGroup(current, n, row, pieces, key, FieldOf(current, row));
+    return;
+  }
+  const KvoSimDataRecord record = current.source.record.DataRecord();
+  const std::string_view type = kind.type < 0 ? std::string_view() : record.GetString(kind.type);
+  for (const inpS_Degrees::Group& group : inpS_Degrees::Groups(row.degrees, kind, type)) {
+    key.field = group.firstDegree;
+    key.degrees = group.degrees;
+    WriteGroup(current, n, row, pieces, key, group.field);
+  }
+}
+
+cow_String inpS_ExcitationWriter::FieldOf(const Current& current, const inpS_ConditionRow& row) {
+  const Kind& kind = *current.source.kind;
+  if (row.restraint >= 0) return {};
+  cow_String field(kind.field);
+  if (kind.key == Kind::Key::Variable)
+    field += std::to_string(current.source.record.DataRecord().GetInt64(kind.variable));
+  return field.empty() && row.label >= 0 ? current.rows.Label(row.label) : field;
+}
+
+inpS_ExcitationWriter::Group& inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key,
+                                                             const cow_String& field) {
+  const auto [known, isNew] = current.groups.try_emplace(key);
+  Group& group = known->second;
+  if (!isNew) return group;
+  const inpS_InForce::Source& source = current.source;
+  const Kind& kind = *source.kind;
+  const KvoSimDataRecord given = source.record.DataRecord();
+  group.excitation = m_model.CreateDataRecord(eds_RecordKind::Excitation);
+  KvoSimDataRecord record = group.excitation.DataRecord();
+  record.SetString(eds_Excitation_Name, "Excitation_" + std::to_string(m_number++));
+  record.SetSymb(eds_Excitation_Kind, kind.number);
+  record.SetReference(eds_Excitation_Given, source.record);
+  if (!field.empty()) record.SetString(eds_Excitation_Field, field);
+  if (key.field > 0)
+    if (const cow_String components = inpS_Degrees::Components(key.degrees, key.field);
+        !components.empty())
+      record.SetString(eds_Excitation_Components, components);
+  if (key.restraint >= 0) record.SetSymb(eds_Excitation_Restraint, key.restraint);
+  if (key.label >= 0) record.SetString(eds_Excitation_Label, current.rows.Label(key.label));
+  record.SetInt(eds_Excitation_Step, source.firstStep);
+  if (!source.loadCase.IsNull()) record.SetReference(eds_Excitation_LoadCase, source.loadCase);
+  if (kind.amplitude >= 0)
+    if (const KvoSimPosition amplitude = given.GetReference(kind.amplitude); !amplitude.IsNull())
+      record.SetReference(eds_Excitation_Amplitude, amplitude);
+  double magnitude = 0;
+  if (key.restraint < 0 && current.rows.HasOneValue(magnitude))
+    record.SetDouble(eds_Excitation_Magnitude, magnitude);
+  if (const KvoSimPosition values = current.rows.Values(); !values.IsNull())
+    record.SetReference(eds_Excitation_Magnitudes, values);
+  if (key.transform >= 0)
+    record.SetReference(eds_Excitation_Transform,
+                        m_transforms[static_cast<std::size_t>(key.transform)].record);
+  if (kind.imaginary >= 0 && given.GetBool(kind.imaginary))
+    record.SetBool(eds_Excitation_Imaginary, true);
+  if (kind.fixed >= 0 && given.GetBool(kind.fixed)) record.SetBool(eds_Excitation_Fixed, true);
+  return group;
+}
+
+void inpS_ExcitationWriter::WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,
+                                       const cow_List<inpS_InForce::Piece>* pieces,
+                                       const GroupKey& key, const cow_String& field) {
+  Group& group = GroupOf(current, key, field);
+  ++group.rows;
+  const bool isSet = row.target < 0;
+  if (isSet) ++current.sets;
+  const bool isAlone = current.isSmall || (isSet && current.sets <= kMostSets);
+  if (!pieces && !isAlone) {
+    if (group.runRows == 0) group.runFirst = n;
+    group.runLast = current.source.lastStep;
+    ++group.runRows;
+    return;
+  }
+  EndRun(current, group);
+  const inpS_InForce::Piece whole{current.source.firstStep, current.source.lastStep, row.degrees,
+                                  nullptr};
+  const std::span<const inpS_InForce::Piece> parts =
+      pieces ? std::span<const inpS_InForce::Piece>(*pieces) : std::span(&whole, 1);
+  for (const inpS_InForce::Piece& part : parts) {
+    const uint64_t degrees = part.degrees & key.degrees;
+    if (degrees == 0) continue;
+    KvoSimDataRecord relay = AddRelay(group, part.firstStep, part.lastStep, n);
+    TellRow(relay, current, row);
+    if (degrees != key.degrees)
+      relay.SetString(eds_Relay_Components,
+                      inpS_Degrees::Components(degrees, std::max(1, key.field)));
+    if (!part.members) continue;
+    const KvoObjMesh mesh = m_document.GetMesh();
+    const bool isNodes = current.source.kind->info->columnItems.front().alternatives.front().type ==
+                         eds_FormType::Node;
+    relay.SetSet(eds_Relay_Members,
+                 KvoSimCSet(mesh.CollectionOf(m_model, isNodes), *part.members).NewID());
+  }
+}
+
+void inpS_ExcitationWriter::EndRun(Current& current, Group& group) {
+  if (group.runRows == 0) return;
+  KvoSimDataRecord relay = AddRelay(group, current.source.firstStep, group.runLast, group.runFirst);
+  if (group.runRows > 1) relay.SetInt(eds_Relay_Rows, group.runRows);
+  group.runRows = 0;
+}
+
+KvoSimDataRecord inpS_ExcitationWriter::AddRelay(const Group& group, int firstStep, int lastStep,
+                                                 long long row) {
+  KvoSimDataRecord relay = m_model.CreateDataRecord(eds_RecordKind::Relay).DataRecord();
+  relay.SetReference(eds_Relay_Excitation, group.excitation);
+  relay.SetInt(eds_Relay_FirstStep, firstStep);
+  if (lastStep != inpS_InForce::kOpen) relay.SetInt(eds_Relay_LastStep, lastStep);
+  relay.SetInt(eds_Relay_FirstRow, row);
+  return relay;
+}
+
+void inpS_ExcitationWriter::TellRow(KvoSimDataRecord relay, Current& current,
+                                    const inpS_ConditionRow& row) {
+  const Kind& kind = *current.source.kind;
+  if (kind.value >= 0 && row.restraint < 0) relay.SetDouble(eds_Relay_Magnitude, row.value);
+  if (kind.target < 0 || kind.key == Kind::Key::Words || row.target == inpS_ConditionRow::kAll)
+    return;
+  if (row.target < 0) {
+    const inpS_ConditionTargets::Region& region = current.targets.At(row.target);
+    if (!region.set.IsNull()) relay.SetReference(eds_Relay_Region, region.set);
+    if (!region.instance.IsNull()) relay.SetReference(eds_Relay_Instance, region.instance);
+    return;
+  }
+  const bool isNodes =
+      kind.info->columnItems.front().alternatives.front().type == eds_FormType::Node;
+  std::optional<KvoObjLabeler>& labeler = isNodes ? m_nodes : m_elements;
+  cow_List<KvoSimPosition>& owners = isNodes ? m_nodeOwners : m_elementOwners;
+  if (!labeler) {
+    labeler.emplace(m_document, isNodes ? 0 : 1);
+    labeler->Read();
+    owners = labeler->Occurrences();
+  }
+  int64_t ordinal = 0;
+  const int occurrence = labeler->OccurrenceOfFlat(row.target, ordinal);
+  if (occurrence < 0) return;
+  relay.SetInt(eds_Relay_Label, labeler->GetInstanceLabel(occurrence, ordinal));
+  const KvoSimPosition& owner = owners[static_cast<std::size_t>(occurrence)];
+  if (owner.IsA(eds_RecordKind::Instance)) relay.SetReference(eds_Relay_Instance, owner);
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjLabeler.h"
+#include "inpS/history/inpS_InForce.h"
+
+// Stores what is in force as excitations and relays.
+class inpS_ExcitationWriter {
+public:
+  inpS_ExcitationWriter(const KvoObjDocument& document, inpS_InForce& inForce);
+  void Write();
+
+private:
+  // What an excitation is about among those of its record.
+  struct GroupKey {
+    int field = 0; // its first degree
+    uint64_t degrees = 1;
+    int restraint = -1;
+    int label = -1;
+    int transform = -1;
+    auto operator<=>(const GroupKey&) const = default;
+  };
+  struct Group {
+    KvoSimPosition excitation;
+    long long rows = 0;
+    // Rows that are in force together and share a relay.
+    long long runFirst = -1;
+    long long runRows = 0;
+    int runLast = 0;
+  };
+  // The record whose rows are being stored.
+  struct Current {
+    std::size_t place;
+    const inpS_InForce::Source& source;
+    inpS_ConditionRows rows;
+    inpS_ConditionTargets targets;
+    bool isSmall;   // each row has a relay
+    long long sets; // rows of sets so far
+    cow_Map<GroupKey, Group> groups;
+  };
+  struct Transform {
+    KvoSimPosition record;
+    eds_MemberSet nodes;
+  };
+
+  long long NumberOfOthers() const;
+  void ReadTransforms();
+  int TransformOf(const inpS_ConditionRow& row, Current& current) const;
+  void WriteSource(std::size_t place);
+  void WriteRow(Current& current, long long n, const inpS_ConditionRow& row,
+                const cow_List<inpS_InForce::Piece>* pieces);
+  void WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,
+                  const cow_List<inpS_InForce::Piece>* pieces, const GroupKey& key,
+                  const cow_String& field);
+  Group& GroupOf(Current& current, const GroupKey& key, const cow_String& field);
+  void EndRun(Current& current, Group& group);
+  KvoSimDataRecord AddRelay(const Group& group, int firstStep, int lastStep, long long row);
+  void TellRow(KvoSimDataRecord relay, Current& current, const inpS_ConditionRow& row);
+  static cow_String FieldOf(const Current& current, const inpS_ConditionRow& row);
+
+  const KvoObjDocument& m_document;
+  KvoSimPosition m_model;
+  inpS_InForce& m_inForce;
+  inpS_InForce::Pieces m_pieces;
+  long long m_number; // of the next excitation; others stand already
+  cow_List<Transform> m_transforms;
+  std::optional<KvoObjLabeler> m_nodes, m_elements; // read when a label is first asked for
+  cow_List<KvoSimPosition> m_nodeOwners, m_elementOwners;
+};

@@ -1,0 +1,88 @@
+#include "inpS/history/inpS_GivenConditions.h"
+#include "database/KvoObjModel.h"
+#include "database/schema/eds_FormKind.h"
+#include <algorithm>
+
+namespace {
+
+using Kind = inpS_ExcitationKind;
+
+struct Given {
+  KvoSimPosition record;
+  const Kind* kind;
+  KvoSimPosition loadCase;
+};
+
+long long variableOf(const Given& given) {
+  return given.kind->variable < 0 ? 0 : given.record.DataRecord().GetInt64(given.kind->variable);
+}
+
+bool isRemoved(const Given& given) {
+  return given.kind->remove >= 0 && given.record.DataRecord().GetBool(given.kind->remove);
+}
+
+// One keyword of a kind that begins anew does so for the step, whatever its place in it.
+void take(const cow_List<Given>& all, inpS_InForce& inForce) {
+  for (const Given& given : all) {
+    const bool isNew =
+        given.kind->op >= 0 && given.record.DataRecord().GetString(given.kind->op) == "NEW";
+    if ((isNew || isRemoved(given)) && given.loadCase.IsNull())
+      inForce.TakeBack(*given.kind, variableOf(given));
+  }
+  for (const Given& given : all)
+    if (!isRemoved(given))
+      inForce.Add(given.record, *given.kind, variableOf(given), given.loadCase);
+}
+
+void takeOwner(const KvoSimPosition& owner, inpS_InForce& inForce) {
+  cow_List<Given> given;
+  for (const KvoSimPosition& record : owner.GetVector(eds_Member::InitialConditions))
+    if (const Kind* kind = Kind::Of(record.Object().RecordKind()))
+      given.push_back({record, kind, {}});
+  take(given, inForce);
+}
+
+void takeStep(const KvoSimDataRecord& history, inpS_InForce& inForce) {
+  inForce.BeginStep(history.GetInt(eds_HistoryStep_Number),
+                    history.GetBool(eds_HistoryStep_Perturbation));
+  const KvoSimPosition step = history.GetReference(eds_HistoryStep_Step);
+  if (step.IsNull()) return;
+  const auto places = step.GetIntKeys(eds_Member::StepKeywords);
+  const auto records = step.FollowMap(eds_Member::StepKeywords);
+  cow_List<std::size_t> order(records.size());
+  for (std::size_t n = 0; n < order.size(); ++n) order[n] = n;
+  std::ranges::sort(order, {}, [&](std::size_t n) { return places[n]; });
+  cow_List<Given> given;
+  KvoSimPosition loadCase;
+  for (const std::size_t n : order) {
+    const eds_RecordKind form = records[n].Object().RecordKind();
+    if (form == eds_FormKind::LoadCase) loadCase = records[n];
+    if (form == eds_FormKind::EndLoadCase) loadCase = {};
+    if (const Kind* kind = Kind::Of(form)) given.push_back({records[n], kind, loadCase});
+  }
+  take(given, inForce);
+}
+
+long long countOf(const KvoObjDocument& document, bool nodes) {
+  const KvoObjMesh mesh = document.GetMesh();
+  if (mesh.IsNull()) return 0;
+  const KvoSimPosition all =
+      mesh.Position().Follow(nodes ? eds_Member::Nodes : eds_Member::Elements);
+  if (all.IsNull()) return 0;
+  const KvoSimCSet set =
+      all.DataRecord().GetSet(nodes ? eds_NodeSet_Membership : eds_ElementSet_Membership);
+  return set.IsNull() ? 0 : set.Size();
+}
+
+} // namespace
+
+inpS_InForce inpS_givenConditions(const KvoObjDocument& document) {
+  inpS_InForce inForce(countOf(document, true), countOf(document, false));
+  inForce.BeginStep(0, false);
+  takeOwner(document.GetModel().Position(), inForce);
+  if (const KvoSimPosition assembly = document.GetModel().GetAssembly(); !assembly.IsNull())
+    takeOwner(assembly, inForce);
+  for (const KvoSimPosition& step : document.Context().GetRecords(eds_RecordKind::HistoryStep))
+    takeStep(step.DataRecord(), inForce);
+  return inForce;
+}

@@ -1,0 +1,362 @@
+#include "inpS/history/inpS_InForce.h"
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+using Kind = inpS_ExcitationKind;
+
+// Sets up to so many members are looked up by member, larger ones by set.
+constexpr long long kSmallSet = 1000;
+constexpr long long kMostSpread = 4'000'000;
+
+eds_MemberSet setOf(const cow_List<int32_t>& members) {
+  return eds_MemberSet::Ascending(members);
+}
+
+// Of two ascending sets, in the time of the smaller one.
+eds_MemberSet intersection(const eds_MemberSet& a, const eds_MemberSet& b) {
+  const eds_MemberSet& few = a.Size() < b.Size() ? a : b;
+  const eds_MemberSet& many = a.Size() < b.Size() ? b : a;
+  constexpr long long muchLarger = 32;
+  if (few.Size() * muchLarger > many.Size()) return a.Intersection(b);
+  cow_List<int32_t> both;
+  for (long long n = 0; n < few.Size(); ++n)
+    if (many.IsMember(few[n])) both.push_back(few[n]);
+  return setOf(both);
+}
+
+// Whether the rows of one record can name a target and degree twice with different values. Rows in
+// ascending order of their targets, degree by degree, cannot.
+class Uniqueness {
+public:
+  void Take(const inpS_ConditionRow& row) {
+    if (m_rows++ == 0) m_value = row.value;
+    m_isOneValue = m_isOneValue && row.value == m_value;
+    if (!m_isUnique) return;
+    m_hasSets = m_hasSets || row.target < 0;
+    for (uint64_t degrees = row.degrees; degrees != 0; degrees &= degrees - 1) {
+      int& last = m_last[static_cast<std::size_t>(std::countr_zero(degrees))];
+      m_isUnique = m_isUnique && row.target > last;
+      last = row.target;
+    }
+  }
+  bool MayMeet() const { return m_rows > 1 && !m_isOneValue && (!m_isUnique || m_hasSets); }
+
+private:
+  long long m_rows = 0;
+  double m_value = 0;
+  bool m_isOneValue = true;
+  bool m_isUnique = true;
+  bool m_hasSets = false;
+  std::array<int, 64> m_last = [] {
+    std::array<int, 64> none;
+    none.fill(-1);
+    return none;
+  }();
+};
+
+} // namespace
+
+struct inpS_InForce::Arrival {
+  Arrival(const Source& source, int place)
+      : number(place), kind(*source.kind), targets(source.record, *source.kind),
+        record(source.record) {}
+
+  int number;
+  const inpS_ExcitationKind& kind;
+  bool isOwn = false;
+  inpS_ConditionTargets targets;
+  KvoSimPosition record;
+  cow_List<std::pair<Bucket*, Bucket*>> buckets; // its own and what holds before, by label + 1
+  cow_List<cow_String> keys;
+  cow_List<double> values; // of its rows so far
+  long long row = 0;
+  inpS_ConditionRow what;
+  bool isDuplicate = false; // the row has been told
+};
+
+void inpS_InForce::BeginStep(int number, bool isPerturbation) {
+  m_own.clear();
+  m_step = number;
+  m_isPerturbation = isPerturbation;
+}
+
+void inpS_InForce::TakeBack(const inpS_ExcitationKind& kind, long long variable) {
+  const auto family = m_families.find(KeyOf(kind, variable));
+  if (family == m_families.end()) return;
+  for (const int number : family->second.live) {
+    Source& source = m_sources[static_cast<std::size_t>(number)];
+    if (!m_isPerturbation)
+      source.lastStep = m_step - 1;
+    else if (kind.lasting == Kind::Lasting::Held)
+      source.gaps.push_back(m_step);
+  }
+  if (!m_isPerturbation) m_families.erase(family);
+}
+
+// ---- what comes
+
+void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& kind,
+                       long long variable, const KvoSimPosition& loadCase) {
+  const int number = static_cast<int>(m_sources.size());
+  const bool isOwn =
+      m_isPerturbation || kind.lasting == Kind::Lasting::OwnStep || !loadCase.IsNull();
+  m_sources.push_back({record, &kind, loadCase, m_step, isOwn ? m_step : kOpen, 0, {}});
+  const long long key = KeyOf(kind, variable);
+  const unsigned long long place = loadCase.IsNull() ? 0 : loadCase.Object().Packed();
+  Family& family = (isOwn ? m_own[place] : m_families)[key];
+  family.live.push_back(number);
+  // What a load case holds is about that load case: for the others the base state stays.
+  const bool meetsBase =
+      m_isPerturbation && loadCase.IsNull() && kind.lasting == Kind::Lasting::Held;
+  const auto base = meetsBase ? m_families.find(key) : m_families.end();
+
+  Arrival arrival(m_sources.back(), number);
+  arrival.isOwn = isOwn;
+  bool meets = Survey(arrival) && kind.twice != Kind::Twice::Add;
+  for (std::size_t n = 0; n < arrival.keys.size(); ++n) {
+    if (arrival.keys[n].empty()) continue;
+    Bucket& own = family.buckets[arrival.keys[n]];
+    arrival.buckets[n].first = &own;
+    meets = meets || (!own.IsEmpty() && (own.oldest < m_step || kind.twice != Kind::Twice::Add));
+    if (base == m_families.end()) continue;
+    const auto held = base->second.buckets.find(arrival.keys[n]);
+    if (held == base->second.buckets.end()) continue;
+    arrival.buckets[n].second = &held->second;
+    meets = true;
+  }
+  for (std::size_t n = 0; n < arrival.keys.size(); ++n) {
+    const auto [own, held] = arrival.buckets[n];
+    if (!own) continue;
+    own->oldest = std::min(own->oldest, m_step);
+    if (!meets) own->waiting.push_back(number);
+    if (meets) Index(*own, arrival.keys[n]);
+    if (meets && held) Index(*held, arrival.keys[n]);
+  }
+  if (!meets) return;
+  inpS_ConditionRows rows(record, kind);
+  for (; rows.Next(arrival.what); ++arrival.row) {
+    arrival.values.push_back(arrival.what.value);
+    arrival.isDuplicate = false;
+    if (arrival.what.degrees == 0) continue;
+    const auto [own, held] = arrival.buckets[static_cast<std::size_t>(arrival.what.label + 1)];
+    const Region region = RegionOf(kind, arrival.what.target, arrival.targets);
+    Meet(*own, arrival, region);
+    if (held) Meet(*held, arrival, region);
+    Insert(*own, number, arrival.row, region, arrival.what.degrees);
+  }
+}
+
+// Which labels there are, and whether rows of the record may meet one another.
+bool inpS_InForce::Survey(Arrival& arrival) {
+  inpS_ConditionRows rows(arrival.record, arrival.kind);
+  Source& source = m_sources[static_cast<std::size_t>(arrival.number)];
+  source.rows = rows.Count();
+  const KvoSimDataRecord record = arrival.record.DataRecord();
+  const bool isImaginary = arrival.kind.imaginary >= 0 && record.GetBool(arrival.kind.imaginary);
+  Uniqueness uniqueness;
+  inpS_ConditionRow row;
+  while (rows.Next(row)) {
+    if (row.degrees == 0) continue;
+    const auto place = static_cast<std::size_t>(row.label + 1);
+    if (place >= arrival.keys.size()) arrival.keys.resize(place + 1);
+    if (arrival.keys[place].empty())
+      arrival.keys[place] = (isImaginary ? "i" : "r") + rows.Label(row.label);
+    uniqueness.Take(row);
+  }
+  arrival.buckets.resize(arrival.keys.size());
+  return uniqueness.MayMeet();
+}
+
+inpS_InForce::Region inpS_InForce::RegionOf(const inpS_ExcitationKind& kind, int target,
+                                            inpS_ConditionTargets& targets) {
+  if (kind.target < 0 || kind.key == Kind::Key::Words) return {0, nullptr};
+  if (target >= 0) return {target, nullptr};
+  const bool isNodes =
+      kind.info->columnItems.front().alternatives.front().type == eds_FormType::Node;
+  if (target == inpS_ConditionRow::kAll) {
+    eds_MemberSet& every = isNodes ? m_everyNode : m_everyElement;
+    if (every.IsEmpty()) every = eds_MemberSet::Strided(0, isNodes ? m_nodes : m_elements);
+    return {-1, &every};
+  }
+  if (!targets.IsSurface()) return {-1, &targets.Members(target)};
+  const inpS_ConditionTargets::Region& region = targets.At(target);
+  const std::pair key{region.set.IsNull() ? 0 : region.set.Object().Packed(),
+                      region.instance.IsNull() ? 0 : region.instance.Object().Packed()};
+  return {m_surfaces.try_emplace(key, static_cast<int>(m_surfaces.size())).first->second, nullptr};
+}
+
+// ---- who names a node
+
+void inpS_InForce::Index(Bucket& bucket, const cow_String& key) {
+  for (const int number : std::exchange(bucket.waiting, {})) {
+    const Source& source = m_sources[static_cast<std::size_t>(number)];
+    inpS_ConditionRows rows(source.record, *source.kind);
+    inpS_ConditionTargets targets(source.record, *source.kind);
+    cow_List<char> isOfBucket; // by label: 0 not known yet, 1 no, 2 yes
+    inpS_ConditionRow row;
+    for (long long n = 0; rows.Next(row); ++n) {
+      if (row.degrees == 0) continue;
+      const auto place = static_cast<std::size_t>(row.label + 1);
+      if (place >= isOfBucket.size()) isOfBucket.resize(place + 1);
+      if (isOfBucket[place] == 0)
+        isOfBucket[place] = rows.Label(row.label) == std::string_view(key).substr(1) ? 2 : 1;
+      if (isOfBucket[place] == 2)
+        Insert(bucket, number, n, RegionOf(*source.kind, row.target, targets), row.degrees);
+    }
+  }
+}
+
+void inpS_InForce::Insert(Bucket& bucket, int source, long long row, const Region& region,
+                          uint64_t degrees) {
+  const auto enter = [&](int node) {
+    const auto [head, isNew] = bucket.heads.try_emplace(node, -1);
+    bucket.entries.push_back({source, head->second, row, degrees});
+    head->second = static_cast<int>(bucket.entries.size()) - 1;
+  };
+  if (!region.members) return enter(region.point);
+  const long long size = region.members->Size();
+  if (size > kSmallSet || m_spread + size > kMostSpread) {
+    bucket.large.push_back({source, row, degrees, *region.members});
+    return;
+  }
+  m_spread += size;
+  for (long long n = 0; n < size; ++n) enter((*region.members)[n]);
+}
+
+// ---- what comes meets what is there
+
+void inpS_InForce::Meet(Bucket& bucket, Arrival& arrival, const Region& region) {
+  if (!region.members) {
+    MeetPoint(bucket, arrival, region.point);
+    for (Large& large : bucket.large)
+      if ((large.degrees & arrival.what.degrees) != 0 && large.members.IsMember(region.point))
+        Hit(arrival, large, region.point, nullptr);
+    return;
+  }
+  const eds_MemberSet& members = *region.members;
+  if (members.Size() < static_cast<long long>(bucket.heads.size())) {
+    for (long long n = 0; n < members.Size(); ++n) MeetPoint(bucket, arrival, members[n]);
+  } else {
+    cow_List<int> met; // in order: what comes of it is the same on every machine
+    for (const auto& [node, head] : bucket.heads)
+      if (members.IsMember(node)) met.push_back(node);
+    std::ranges::sort(met);
+    for (const int node : met) MeetPoint(bucket, arrival, node);
+  }
+  for (Large& large : bucket.large) {
+    if ((large.degrees & arrival.what.degrees) == 0) continue;
+    const eds_MemberSet both = intersection(large.members, members);
+    if (both.IsEmpty()) continue;
+    Hit(arrival, large, -1, &both);
+    // A set that is met as a whole is met no more.
+    const bool isWhole = both.Size() == large.members.Size() && large.source != arrival.number;
+    const Source& source = m_sources[static_cast<std::size_t>(large.source)];
+    if (isWhole && source.firstStep < m_step && !(arrival.isOwn && source.lastStep == kOpen))
+      large.degrees &= ~arrival.what.degrees;
+  }
+}
+
+void inpS_InForce::MeetPoint(Bucket& bucket, Arrival& arrival, int node) {
+  const auto head = bucket.heads.find(node);
+  if (head == bucket.heads.end()) return;
+  int* link = &head->second;
+  while (*link >= 0) {
+    Entry& entry = bucket.entries[static_cast<std::size_t>(*link)];
+    Hit(arrival, entry, node, nullptr);
+    if (entry.degrees == 0)
+      *link = entry.next;
+    else
+      link = &entry.next;
+  }
+}
+
+template <class Other>
+void inpS_InForce::Hit(Arrival& arrival, Other& other, int node, const eds_MemberSet* set) {
+  using Twice = Kind::Twice;
+  const uint64_t both = other.degrees & arrival.what.degrees;
+  if (both == 0) return;
+  const Source& source = m_sources[static_cast<std::size_t>(other.source)];
+  const Twice twice = arrival.kind.twice;
+  const bool isSame = other.source == arrival.number;
+  if (source.firstStep == m_step && twice == Twice::Add) return;
+  if (isSame && twice == Twice::First) {
+    if (other.row == arrival.row ||
+        arrival.values[static_cast<std::size_t>(other.row)] == arrival.what.value)
+      return;
+    Take(arrival.number, arrival.row, both, node, set, false);
+    const eds_MemberSet told = set ? *set : eds_MemberSet::Strided(node, 1);
+    if (!arrival.isDuplicate)
+      m_duplicates.push_back({arrival.record, arrival.row, told});
+    else
+      m_duplicates.back().ordinals = m_duplicates.back().ordinals.Union(told);
+    arrival.isDuplicate = true;
+    return;
+  }
+  const bool isGap = arrival.isOwn && source.lastStep == kOpen;
+  Take(other.source, other.row, both, node, set, isGap);
+  if constexpr (std::is_same_v<Other, Entry>)
+    if (!isGap) other.degrees &= ~both;
+}
+
+void inpS_InForce::Take(int source, long long row, uint64_t degrees, int node,
+                        const eds_MemberSet* set, bool isGap) {
+  if (set) m_sets.push_back(*set);
+  m_cuts.push_back({source, m_step, row, degrees, set ? -1 : node,
+                    set ? static_cast<int>(m_sets.size()) - 1 : -1, isGap});
+}
+
+// ---- what is left of a row
+
+inpS_InForce::Pieces::Pieces(inpS_InForce& all) : m_all(all) {
+  std::ranges::stable_sort(
+      m_all.m_cuts, {}, [](const Cut& cut) { return std::tuple(cut.source, cut.row, cut.step); });
+}
+
+const cow_List<inpS_InForce::Piece>* inpS_InForce::Pieces::Of(std::size_t source, long long row,
+                                                              const inpS_ConditionRow& what,
+                                                              inpS_ConditionTargets& targets) {
+  const cow_List<Cut>& cuts = m_all.m_cuts;
+  const auto isBefore = [&](const Cut& cut) {
+    return std::pair(static_cast<std::size_t>(cut.source), cut.row) < std::pair(source, row);
+  };
+  while (m_next < cuts.size() && isBefore(cuts[m_next])) ++m_next;
+  std::size_t end = m_next;
+  while (end < cuts.size() && static_cast<std::size_t>(cuts[end].source) == source &&
+         cuts[end].row == row)
+    ++end;
+  const Source& from = m_all.m_sources[source];
+  if (end == m_next && from.gaps.empty()) return nullptr;
+  Build(source, what, end, m_all.RegionOf(*from.kind, what.target, targets).members);
+  m_next = end;
+  return &m_timeline.Pieces();
+}
+
+// What each step takes, its members together where they lose the same degrees.
+void inpS_InForce::Pieces::Build(std::size_t place, const inpS_ConditionRow& what, std::size_t end,
+                                 const eds_MemberSet* region) {
+  const Source& source = m_all.m_sources[place];
+  m_timeline.Begin(source.firstStep, what.degrees, region);
+  const cow_List<Cut>& cuts = m_all.m_cuts;
+  for (std::size_t n = m_next; n < end;) {
+    const int step = cuts[n].step;
+    const bool isGap = cuts[n].isGap;
+    cow_Map<uint64_t, cow_List<int32_t>> gone;
+    for (; n < end && cuts[n].step == step; ++n) {
+      cow_List<int32_t>& nodes = gone[cuts[n].degrees];
+      if (cuts[n].node >= 0) nodes.push_back(cuts[n].node);
+      if (cuts[n].set < 0) continue;
+      const cow_List<int32_t> members =
+          m_all.m_sets[static_cast<std::size_t>(cuts[n].set)].Members();
+      nodes.insert(nodes.end(), members.begin(), members.end());
+    }
+    inpS_RowTimeline::Losses losses;
+    for (auto& [degrees, nodes] : gone) losses.Add(degrees, std::move(nodes));
+    m_timeline.Lose(step, losses, isGap);
+  }
+  m_timeline.End(source.lastStep, source.gaps);
+}

@@ -1,0 +1,238 @@
+"""What is in force in each step of a deck, found the plain way: read it line by line, give every
+node and degree its own entry, and copy all of them from step to step. Slow, and meant to be seen to
+be right; it shares nothing with the program. Of the deck language it knows what decks.py writes.
+The rules are those of docs/carrying.md."""
+import collections
+
+RESTRAINTS = {"ENCASTRE": (1, 2, 3, 4, 5, 6), "PINNED": (1, 2, 3), "XSYMM": (1, 5, 6),
+              "YSYMM": (2, 4, 6), "ZSYMM": (3, 4, 5), "XASYMM": (2, 3, 4), "YASYMM": (1, 3, 5),
+              "ZASYMM": (1, 2, 6), "NOWARP": ("NOWARP",), "NOOVAL": ("NOOVAL",),
+              "NODEFORM": ("NODEFORM",)}
+# What its targets are; what the same thing twice in one step means: both act, the later holds, or
+# the first in its keyword; how it lasts: by general steps, held in perturbation steps, too, or in
+# its own step.
+KINDS = {"BOUNDARY": ("NSET", "first", "held"), "CONNECTOR MOTION": ("ELSET", "later", "held"),
+         "TEMPERATURE": ("NSET", "later", "held"), "FIELD": ("NSET", "later", "held"),
+         "PRESSURE STRESS": ("NSET", "later", "held"), "CLOAD": ("NSET", "both", "carried"),
+         "CFLUX": ("NSET", "both", "carried"), "CECURRENT": ("NSET", "both", "carried"),
+         "DLOAD": ("ELSET", "both", "carried"), "DFLUX": ("ELSET", "both", "carried"),
+         "DSLOAD": ("SURFACE", "both", "carried"), "DSFLUX": ("SURFACE", "both", "carried"),
+         "CONNECTOR LOAD": ("ELSET", "both", "carried"), "FILM": ("ELSET", "later", "carried"),
+         "SFILM": ("SURFACE", "later", "carried"), "CFILM": ("NSET", "later", "carried"),
+         "INERTIA RELIEF": (None, "later", "carried"), "BASE MOTION": (None, "later", "own")}
+MOTIONS = ("BOUNDARY", "CONNECTOR MOTION")  # displacements, velocities, accelerations
+OF_ONE = ("TEMPERATURE", "FIELD", "PRESSURE STRESS", "CFILM")  # neither degree nor label
+# Procedures: whether they are general when *STEP does not say otherwise.
+PROCEDURES = {"STATIC": True, "DYNAMIC": True, "VISCO": True, "HEAT TRANSFER": True,
+              "FREQUENCY": False, "BUCKLE": False, "STEADY STATE DYNAMICS": False}
+
+# An entry is what one thing says: where is (kind, target, degree or label, imaginary), value the
+# magnitude, of motions with their manner. A target is (instance, label), or (None, surface).
+Entry = collections.namedtuple("Entry", "where value amplitude step")
+# What it comes to in a step. A target is None for the whole model, ended says that the amplitude is
+# over, origin where it was given.
+Fact = collections.namedtuple("Fact", "step family target degree imaginary manner value amplitude "
+                              "ended origin how case")
+Keyword = collections.namedtuple("Keyword", "name parameters lines places")
+
+
+def read_deck(text):
+    keywords = []
+    for place, line in enumerate(text.splitlines(), 1):
+        fields = [field.strip() for field in line.split(",")]
+        if line.startswith("*"):
+            parameters = dict((word.split("=") + [None])[:2] for word in fields[1:])
+            keywords.append(Keyword(fields[0][1:], parameters, [], []))
+        else:
+            keywords[-1].lines.append(fields)
+            keywords[-1].places.append(place)
+    return keywords
+
+
+class Mesh:
+    """Elements; sets of the model, the assembly (None) or a part; instances with their part."""
+
+    def __init__(self, keywords):
+        self.elements, self.parts = [], {}
+        self.sets = collections.defaultdict(list)  # (owner, kind, name): members
+        part, in_part = None, []
+        for keyword in keywords:
+            name, words, lines, _ = keyword
+            if name == "PART":
+                part = words["NAME"]
+            elif name == "END PART":
+                part = None
+            elif name == "INSTANCE":
+                self.parts[words["NAME"]] = words["PART"]  # the decks have one part
+                self.elements += [(words["NAME"], label) for label in in_part]
+            elif name == "ELEMENT":
+                labels = [int(fields[0]) for fields in lines]
+                self.sets[part, "ELSET", words["ELSET"]] += [(None, label) for label in labels]
+                if part:
+                    in_part += labels
+                else:
+                    self.elements += [(None, label) for label in labels]
+            elif name in ("NSET", "ELSET"):
+                self._gather(keyword, part)
+
+    def _gather(self, keyword, part):
+        members = self.sets[part, keyword.name, keyword.parameters[keyword.name]]
+        instance = keyword.parameters.get("INSTANCE")
+        for fields in keyword.lines:
+            if "GENERATE" in keyword.parameters:
+                first, last, stride = map(int, fields)
+                members += [(instance, n) for n in range(first, last + 1, stride)]
+            else:
+                members += [(instance, int(field)) for field in fields]
+
+    def find(self, text, kind):
+        """The members of what a field names: a label or a set, or all elements."""
+        if not text:
+            return set(self.elements)
+        instance, _, name = text.rpartition(".")
+        instance = instance or None
+        if name.isdigit():
+            return {(instance, int(name))}
+        members = self.sets[self.parts.get(instance), kind, name]
+        return {(instance or owner, label) for owner, label in members}
+
+
+def family(keyword):
+    """What OP of it takes back, and all that a redefinition can replace."""
+    if keyword.name == "FIELD":
+        return f"FIELD {keyword.parameters.get('VARIABLE', 1)}"
+    return keyword.name
+
+
+def kind_of(entry_family):
+    return KINDS["FIELD" if entry_family.startswith("FIELD") else entry_family]
+
+
+def read_line(mesh, keyword, fields):
+    """The targets of one line, its degrees or labels, and its value."""
+    name = keyword.name
+    kind = KINDS[name][0]
+    if kind is None:
+        return [None], [int(keyword.parameters.get("DOF") or 0)], 0.0
+    targets = [(None, fields[0])] if kind == "SURFACE" else mesh.find(fields[0], kind)
+    if name in OF_ONE:
+        return targets, [None], float(fields[1])
+    if name == "BOUNDARY":
+        if fields[1] in RESTRAINTS:
+            return targets, RESTRAINTS[fields[1]], 0.0
+        fields = fields + [""] * (4 - len(fields))
+        first = int(fields[1])
+        degrees = range(first, int(fields[2] or first) + 1)
+        return targets, degrees, float(fields[3] or 0)
+    what = fields[1]
+    if name in ("CFLUX", "CECURRENT"):
+        what = what or {"CFLUX": "11", "CECURRENT": "9"}[name]
+    if what.isdigit():
+        what = int(what)
+    return targets, [what], float(fields[2] or 0)
+
+
+def entries_of(mesh, keyword, step):
+    """What a keyword says, and where a condition is not what it said before: (line, label)."""
+    words, said, twice = keyword.parameters, {}, set()
+    manner = "FIXED" if "FIXED" in words else words.get("TYPE", "DISPLACEMENT")
+    of, rule, _ = KINDS[keyword.name]
+    for fields, place in zip(keyword.lines, keyword.places) if of else [([], 0)]:
+        targets, degrees, value = read_line(mesh, keyword, fields)
+        if keyword.name in MOTIONS:
+            value = (manner, 0.0 if manner == "FIXED" else value)
+        for target in targets:
+            for degree in degrees:
+                where = (family(keyword), target, degree, "IMAGINARY" in words)
+                entry = Entry(where, value, words.get("AMPLITUDE"), step)
+                if where not in said or rule == "later":
+                    said[where] = [entry]
+                elif rule == "both":
+                    said[where].append(entry)
+                elif said[where][0].value != value:  # the first holds
+                    twice.add((place, target[1]))
+    return said, twice
+
+
+def without(state, families):
+    return {where: entries for where, entries in state.items() if where[0] not in families}
+
+
+def act(mesh, keywords, step):
+    """What the keywords of one step, or of one load case, come to among themselves."""
+    given, twice = {}, set()
+    for keyword in keywords:
+        said, same = entries_of(mesh, keyword, step)
+        twice |= same
+        for where, entries in said.items():
+            if KINDS[keyword.name][1] == "both":
+                given[where] = given.get(where, []) + entries
+            else:
+                given[where] = entries
+    return given, twice
+
+
+def steps_of(keywords):
+    """Before the first step, then of each: its keywords, its load cases', whether it perturbs."""
+    steps, case, perturbs = [([], {}, False)], None, False
+    for keyword in keywords:
+        own, cases, _ = steps[-1]
+        if keyword.name == "STEP":
+            perturbs = perturbs or "PERTURBATION" in keyword.parameters
+            steps.append(([], {}, perturbs))
+        elif keyword.name == "LOAD CASE":
+            case = keyword.parameters["NAME"]
+            cases[case] = []
+        elif keyword.name == "END LOAD CASE":
+            case = None
+        elif keyword.name in KINDS:
+            (cases[case] if case else own).append(keyword)
+        elif keyword.name in PROCEDURES:  # without one, what *STEP says holds for the next one, too
+            perturbs = False
+            steps[-1] = (own, cases, steps[-1][2] or not PROCEDURES[keyword.name])
+    return steps
+
+
+def in_force(text):
+    """For each step a list of (how, load case, entry); (line, label) of what is given twice."""
+    keywords = read_deck(text)
+    mesh = Mesh(keywords)
+    outside, *steps = steps_of(keywords)
+    state, told = act(mesh, outside[0], 0)
+    found, twice = [], set(told)
+    for number, (own, cases, perturbs) in enumerate(steps, 1):
+        given, told = act(mesh, [word for word in own if "REMOVE" not in word.parameters], number)
+        renewed = {family(word) for word in own if word.parameters.get("OP") == "NEW"}
+        renewed |= {family(word) for word in own if "REMOVE" in word.parameters}
+        kept = without(state, renewed)
+        if perturbs:
+            kept = {where: some for where, some in kept.items() if kind_of(where[0])[2] == "held"}
+        kept = {where: some for where, some in kept.items() if where not in given}
+        how = "held" if perturbs else "carried"
+        acting = [(how, None, entry) for some in kept.values() for entry in some]
+        acting += [("given", None, entry) for some in given.values() for entry in some]
+        for case, inside in cases.items():
+            only, same = act(mesh, inside, number)
+            twice |= same
+            acting += [("given", case, entry) for some in only.values() for entry in some]
+        found.append(acting)
+        twice |= told
+        if not perturbs:
+            state = without({**kept, **given}, {"BASE MOTION"})
+    return found, twice
+
+
+def facts(text):
+    """What acts, step by step, and what is told to be given twice."""
+    keywords = read_deck(text)
+    through = {word.parameters["NAME"] for word in keywords
+               if word.name == "AMPLITUDE" and word.parameters.get("TIME") == "TOTAL TIME"}
+    made = collections.Counter()
+    steps, twice = in_force(text)
+    for step, acting in enumerate(steps, 1):
+        for how, case, entry in acting:
+            manner, value = entry.value if isinstance(entry.value, tuple) else (None, entry.value)
+            ended = bool(entry.amplitude) and entry.amplitude not in through and step > entry.step
+            made[Fact(step, *entry.where, manner, value, entry.amplitude, ended, entry.step, how,
+                      case)] += 1
+    return made, twice
