@@ -21,6 +21,13 @@ else()
     target_compile_options(inps_options INTERFACE -Werror)
   endif()
 endif()
+# What a library has is what it uses: calls within it are direct and may be put in place, and neither
+# they nor inline functions are looked up by name when a program starts.
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+if(UNIX AND NOT APPLE)
+  target_compile_options(inps_options INTERFACE -fno-semantic-interposition)
+  target_link_options(inps_options INTERFACE -Wl,-Bsymbolic-functions)
+endif()
 if(INPS_SANITIZE)
   target_compile_options(inps_options INTERFACE -fsanitize=address,undefined
                                                 -fno-sanitize-recover=undefined

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Fills the parts of README.md that the program itself says: examples and the keyword table."""
+"""Fills the parts of pages that the program itself says: examples, keywords, labels of loads."""
 import pathlib
 import re
 import subprocess
@@ -43,6 +43,9 @@ def main():
     page = put(page, "materials", example(program, MATERIALS))
     page = put(page, "keywords", said(program, ["keywords", "--markdown"])[0])
     path.write_text(page, encoding="utf-8")
+    path = ROOT / "docs/loads.md"
+    loads = said(program, ["keywords", "--loads", "--markdown"])[0]
+    path.write_text(put(path.read_text(encoding="utf-8"), "loads", loads), encoding="utf-8")
 
 
 if __name__ == "__main__":

@@ -20,6 +20,7 @@ enum class inps_Opt : unsigned char {
   Axes,
   Timings,
   Json,
+  Loads,
   Markdown,
   NoKept,
   Tolerance,

@@ -21,6 +21,7 @@ constexpr inps_Option options[] = {
     {Opt::Axes, 0, "--axes", "", "local axes of elements, from the orientations of their sections"},
     {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
     {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
+    {Opt::Loads, 0, "--loads", "", "the labels of loads: on which elements, what follows, units"},
     {Opt::Markdown, 0, "--markdown", "", "as a table for documents"},
     {Opt::NoKept, 0, "--no-kept", "", "say nothing of keywords that are kept as text"},
     {Opt::Tolerance, 0, "--tolerance", "ABS[,REL]",
@@ -66,8 +67,9 @@ constexpr Opt diffOptions[] = {Opt::Tolerance, Opt::NoKept, Opt::Json, Opt::Quie
 constexpr Text diffExamples[] = {"inps diff old.sim new.sim", "inps diff bracket.inp bracket.sim",
                                  "inps diff old.sim new.sim --tolerance 1e-12,1e-9"};
 constexpr Text dumpExamples[] = {"inps dump bracket.sim | less"};
-constexpr Opt keywordsOptions[] = {Opt::Json, Opt::Markdown};
-constexpr Text keywordsExamples[] = {"inps keywords", "inps keywords --json"};
+constexpr Opt keywordsOptions[] = {Opt::Loads, Opt::Json, Opt::Markdown};
+constexpr Text keywordsExamples[] = {"inps keywords", "inps keywords --loads",
+                                     "inps keywords --json"};
 constexpr Text helpExamples[] = {"inps help convert"};
 
 constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);

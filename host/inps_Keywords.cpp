@@ -3,8 +3,10 @@
 #include "host/inps_Arguments.h"
 #include "host/inps_Json.h"
 #include "host/inps_Session.h"
+#include "inpS/history/inpS_LoadLabels.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
+#include <array>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -89,9 +91,79 @@ void printJson(aio_ostream& out, const cow_List<Coverage>& rows) {
   inps_printJson(out, {{"command", "keywords"}, {"keywords", std::move(list)}});
 }
 
+// ---- the labels of loads
+
+// A mark at a value says that it must be given; so do words.
+cow_String valuesOf(const inpS_LoadLabel& label) {
+  cow_String text;
+  for (const inpS_LoadLabel::Value& value : label.values) {
+    text += (text.empty() ? "" : ", ") + cow_String(value.name);
+    if (value.components > 1) text += " (" + std::to_string(value.components) + ")";
+    if (value.isRequired) text += " !";
+  }
+  std::ranges::replace(text, '_', ' ');
+  return text.empty() ? "by the user" : text;
+}
+
+cow_String elementsOf(const inpS_LoadLabel& label) {
+  constexpr std::string_view parts[] = {"", "", "faces of ", "edges of "};
+  return cow_String(parts[static_cast<std::size_t>(label.part)]) +
+         inpS_familiesText(label.families);
+}
+
+void printLoads(aio_ostream& out, bool isMarkdown) {
+  using Row = std::array<cow_String, 5>;
+  cow_List<Row> rows;
+  for (const inpS_LoadLabel& label : inpS_loadLabels()) {
+    cow_String labels(label.labels);
+    for (std::size_t at = labels.find(' '); at != labels.npos; at = labels.find(' ', at + 2))
+      labels.replace(at, 1, ", ");
+    rows.push_back({"*" + cow_String(label.keywordName), labels, elementsOf(label), valuesOf(label),
+                    cow_String(label.units)});
+  }
+  if (isMarkdown) {
+    out << "| Keyword | Labels | On | Values | Units |\n|---|---|---|---|---|\n";
+    for (const Row& row : rows)
+      out << "| `" << row[0] << "` | `" << row[1] << "` | " << row[2] << " | " << row[3] << " | "
+          << row[4] << " |\n";
+    return;
+  }
+  std::array<std::size_t, std::tuple_size_v<Row>> widths{};
+  for (const Row& row : rows)
+    for (std::size_t n = 0; n < row.size(); ++n) widths[n] = std::max(widths[n], row[n].size());
+  for (const Row& row : rows) {
+    for (std::size_t n = 0; n + 1 < row.size(); ++n)
+      out << row[n] << cow_String(widths[n] - row[n].size() + 2, ' ');
+    out << row.back() << '\n';
+  }
+}
+
+void printLoadsJson(aio_ostream& out) {
+  inps_Json list = inps_Json::array();
+  for (const inpS_LoadLabel& label : inpS_loadLabels()) {
+    inps_Json values = inps_Json::array();
+    for (const inpS_LoadLabel::Value& value : label.values)
+      values.push_back(
+          {{"name", value.name}, {"components", value.components}, {"required", value.isRequired}});
+    list.push_back({{"keyword", label.keywordName},
+                    {"labels", label.labels},
+                    {"elements", elementsOf(label)},
+                    {"values", std::move(values)},
+                    {"units", label.units}});
+  }
+  inps_printJson(out, {{"command", "keywords"}, {"loads", std::move(list)}});
+}
+
 } // namespace
 
 int inps_keywords(inps_Session& session, const inps_Arguments& arguments) {
+  if (arguments.Has(inps_Opt::Loads)) {
+    if (arguments.Has(inps_Opt::Json))
+      printLoadsJson(session.out);
+    else
+      printLoads(session.out, arguments.Has(inps_Opt::Markdown));
+    return inps_ExitDone;
+  }
   const cow_List<Coverage> rows = coverage();
   if (arguments.Has(inps_Opt::Json)) {
     printJson(session.out, rows);

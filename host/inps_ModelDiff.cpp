@@ -33,9 +33,9 @@ public:
 
 private:
   static bool IsPartOfKey(const eds_FieldInfo& field) {
-    static constexpr std::string_view names[] = {"Name",    "Owner",    "Keyword",
-                                                 "Spec",    "Block",    "Distribution",
-                                                 "Section", "Property", "Table"};
+    static constexpr std::string_view names[] = {"Name",  "Owner",        "Keyword", "Spec",
+                                                 "Block", "Distribution", "Section", "Property",
+                                                 "Table", "Given"};
     return std::ranges::find(names, field.name) != std::end(names);
   }
 

@@ -1,39 +1,68 @@
 #include "parser/inp_BulkColumns.h"
+#include "base/utl_BlockSize.h"
 #include "parser/inp_BulkPiece.h"
 #include "parser/inp_LineScan.h"
 #include <algorithm>
+#include <bit>
+#include <cstring>
 #include <deque>
 
 namespace {
 
-// The names of a piece, each with its place in order of first appearance, in memory of their own.
-// Lines that name one set mostly follow each other, so the last one is asked first.
-class PieceNames {
+// Names in order of first appearance, each with its place, in memory of their own. One of at most
+// sixteen characters is told from others by two words, without a look at its text.
+class Names {
 public:
   void Clear() {
     m_names.clear();
+    m_keys.clear();
     m_texts.resize(std::min<std::size_t>(m_texts.size(), 1));
     if (!m_texts.empty()) m_texts.front().clear();
     std::ranges::fill(m_slots, 0);
   }
 
-  int PlaceOf(std::string_view name) {
-    if (m_last < m_names.size() && m_names[m_last] == name) return static_cast<int>(m_last);
+  struct Key {
+    std::uint64_t head = 0;              // the first eight characters of more than eight
+    std::uint64_t tail = 0;              // the last eight, the very last one on top
+    explicit Key(std::string_view name); // loads inp_fieldReach bytes in front of its end
+    // Of a name of at most sixteen characters.
+    bool HasQuote() const { return HasQuote(head) || HasQuote(tail); }
+    std::size_t Home(std::size_t slots) const {
+      // What differs stands mostly on top, and a product carries upwards alone.
+      const std::uint64_t text = tail ^ std::rotl(head, 23);
+      const std::uint64_t hash = (text ^ text >> 32) * 0x9e3779b97f4a7c15ULL;
+      return static_cast<std::size_t>(hash >> 32) & (slots - 1);
+    }
+
+  private:
+    static bool HasQuote(std::uint64_t text) {
+      constexpr std::uint64_t ones = 0x0101010101010101;
+      const std::uint64_t differs = text ^ (ones * '"'); // a quote becomes a byte of nought
+      return ((differs - ones) & ~differs & (ones << 7)) != 0;
+    }
+  };
+
+  int PlaceOf(std::string_view name, const Key& key) {
     if (2 * (m_names.size() + 1) > m_slots.size()) Grow();
-    std::size_t slot = HashOf(name) & (m_slots.size() - 1);
-    while (m_slots[slot] != 0 && m_names[m_slots[slot] - 1] != name)
+    std::size_t slot = key.Home(m_slots.size());
+    while (m_slots[slot] != 0 && !Is(m_slots[slot] - 1, key, name))
       slot = (slot + 1) & (m_slots.size() - 1);
     if (m_slots[slot] == 0) {
       m_names.push_back(Keep(name));
+      m_keys.push_back(key);
       m_slots[slot] = static_cast<std::uint32_t>(m_names.size());
     }
-    m_last = m_slots[slot] - 1;
-    return static_cast<int>(m_last);
+    return static_cast<int>(m_slots[slot] - 1);
   }
 
   std::span<const std::string_view> All() const { return m_names; }
 
 private:
+  bool Is(std::size_t place, const Key& key, std::string_view name) const {
+    return m_keys[place].tail == key.tail && m_keys[place].head == key.head &&
+           m_names[place].size() == name.size() && (name.size() <= 16 || m_names[place] == name);
+  }
+
   // A text is never grown beyond what it has reserved: the names stay where they are.
   std::string_view Keep(std::string_view name) {
     constexpr std::size_t usual = 4096;
@@ -44,29 +73,36 @@ private:
     return {text.data() + (text.size() - name.size()), name.size()};
   }
 
-  static std::size_t HashOf(std::string_view name) {
-    std::uint64_t hash = 0xcbf29ce484222325ULL; // FNV-1a: names are short
-    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3ULL;
-    return static_cast<std::size_t>(hash ^ hash >> 32);
-  }
-
   void Grow() {
     m_slots.assign(std::max<std::size_t>(64, 2 * m_slots.size()), 0);
     for (std::size_t n = 0; n < m_names.size(); ++n) {
-      std::size_t slot = HashOf(m_names[n]) & (m_slots.size() - 1);
+      std::size_t slot = m_keys[n].Home(m_slots.size());
       while (m_slots[slot] != 0) slot = (slot + 1) & (m_slots.size() - 1);
       m_slots[slot] = static_cast<std::uint32_t>(n + 1);
     }
   }
 
   cow_List<std::string_view> m_names;
+  cow_List<Key> m_keys;
   std::deque<cow_String> m_texts;  // what the names lie in
   cow_List<std::uint32_t> m_slots; // place + 1; 0: free. A power of two of them, half of them free
-  std::size_t m_last = 0;
 };
+
+Names::Key::Key(std::string_view name) {
+  std::memcpy(&tail, name.data() + name.size() - 8, 8);
+  if (name.size() < 8)
+    tail &= ~std::uint64_t{0} << (64 - 8 * name.size());
+  else if (name.size() > 8)
+    std::memcpy(&head, name.data(), 8);
+}
 
 class ColumnsPiece {
 public:
+  void Begin() { // of a keyword
+    m_names.Clear();
+    m_wait = m_pause = 0;
+  }
+
   void Decode(const inp_DataPiece& piece, std::span<const inp_ColumnType> types) {
     m_types = types;
     m_columns.resize(types.size());
@@ -74,7 +110,8 @@ public:
       column.ints.Clear();
       column.reals.Clear();
     }
-    m_names.Clear();
+    if (m_names.All().size() > static_cast<std::size_t>(utl_blockSize(keptNames))) m_names.Clear();
+    m_known = m_names.All().size();
     m_odd.clear();
     m_count = 0;
     m_rows = 0;
@@ -84,11 +121,11 @@ public:
     });
   }
 
-  inp_ColumnPiece View(long long firstRow) {
+  inp_ColumnPiece View(long long firstRow, std::size_t slot) {
     m_view.clear();
     for (Column& column : m_columns) m_view.push_back({column.ints, column.reals});
     for (inp_OddRow& odd : m_odd) odd.row += firstRow;
-    return {m_count, m_view, m_names.All(), m_odd, firstRow};
+    return {m_count, m_view, m_names.All(), m_known, slot, m_odd, firstRow};
   }
   long long Rows() const { return m_rows; }
 
@@ -98,8 +135,70 @@ private:
     utl_Buffer<double> reals;
   };
 
+  // After lines that are not all alike, stretches are taken line by line for a while, and longer
+  // after each further one.
   void TakeLines(const inp_Stretch& stretch) {
     Resize(m_count + stretch.lines);
+    if (m_wait > 0) {
+      --m_wait;
+    } else if (TakeLikeLines(stretch)) {
+      m_pause = 0;
+      return;
+    } else {
+      m_wait = m_pause = std::min(2 * m_pause + 1, longestPause);
+    }
+    TakeOneByOne(stretch);
+  }
+
+  // Lines of one field of the plainest form for each column, column by column; false: some are not,
+  // and nothing is taken.
+  bool TakeLikeLines(const inp_Stretch& stretch) {
+    const std::size_t width = m_columns.size();
+    if (stretch.count != stretch.lines * width) return false;
+    for (std::size_t line = 0; line < stretch.lines; ++line)
+      if (stretch.places[(line + 1) * width - 1] != stretch.feeds[line]) return false;
+    for (std::size_t c = 0; c < width; ++c)
+      if (!TakeColumn(c, stretch)) return false;
+    m_count += stretch.lines;
+    m_rows += static_cast<long long>(stretch.lines);
+    return true;
+  }
+
+  bool TakeColumn(std::size_t c, const inp_Stretch& stretch) {
+    const std::size_t width = m_columns.size();
+    int* const ints = HasInts(c) ? m_columns[c].ints.Data() + m_count : nullptr;
+    double* const reals = HasReals(c) ? m_columns[c].reals.Data() + m_count : nullptr;
+    const auto each = [&](auto take) {
+      std::size_t i = c;
+      for (std::size_t line = 0; line < stretch.lines; ++line, i += width)
+        if (!take(line, stretch.FieldBegin(i), stretch.FieldEnd(i))) return false;
+      return true;
+    };
+    switch (m_types[c]) {
+    case inp_ColumnType::Real:
+      return each([&](std::size_t line, const char* begin, const char* end) {
+        return inp_fastReal(begin, end, reals[line]);
+      });
+    case inp_ColumnType::Int:
+      return each([&](std::size_t line, const char* begin, const char* end) {
+        return inp_fastSmallInt(begin, end, ints[line]);
+      });
+    case inp_ColumnType::Target:
+      return each([&](std::size_t line, const char* begin, const char* end) {
+        return isLetter(*begin) ? TakeName(ints[line], begin, end)
+                                : inp_fastSmallInt(begin, end, ints[line]);
+      });
+    case inp_ColumnType::Word:
+      return each([&](std::size_t line, const char* begin, const char* end) {
+        return TakeName(ints[line], begin, end);
+      });
+    case inp_ColumnType::TargetOrReal:
+      break; // of lines that are seldom alike
+    }
+    return false;
+  }
+
+  void TakeOneByOne(const inp_Stretch& stretch) {
     std::size_t i = 0; // separator
     for (std::size_t line = 0; line < stretch.lines; ++line) {
       const char* const lineEnd = stretch.text + stretch.feeds[line];
@@ -144,6 +243,11 @@ private:
     return true;
   }
 
+  static bool isLetter(char c) {
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'z';
+  }
+
   // A field of the plainest form.
   bool TakeField(std::size_t c, const char* begin, const char* end) {
     Column& column = m_columns[c];
@@ -153,7 +257,8 @@ private:
     case inp_ColumnType::Int:
       return inp_fastSmallInt(begin, end, column.ints[m_count]);
     case inp_ColumnType::Target:
-      return inp_fastSmallInt(begin, end, column.ints[m_count]) || TakeName(column, begin, end);
+      return (!isLetter(*begin) && inp_fastSmallInt(begin, end, column.ints[m_count])) ||
+             TakeName(column.ints[m_count], begin, end);
     case inp_ColumnType::TargetOrReal:
       if (inp_fastSmallInt(begin, end, column.ints[m_count])) {
         column.reals[m_count] = column.ints[m_count];
@@ -162,21 +267,20 @@ private:
       column.ints[m_count] = inp_blankInt;
       if (inp_fastReal(begin, end, column.reals[m_count])) return true;
       column.reals[m_count] = inp_blankReal;
-      return TakeName(column, begin, end);
+      return TakeName(column.ints[m_count], begin, end);
     case inp_ColumnType::Word:
       break;
     }
-    return TakeName(column, begin, end);
+    return TakeName(column.ints[m_count], begin, end);
   }
 
   // What begins with a letter and holds no quote is a name as it stands.
-  bool TakeName(Column& column, const char* begin, const char* end) {
+  bool TakeName(int& code, const char* begin, const char* end) {
     const std::string_view text = inp_trim(begin, end);
-    if (text.empty()) return false;
-    const char first = static_cast<char>(text[0] | 0x20);
-    if (first < 'a' || first > 'z') return false;
-    if (std::memchr(text.data(), '"', text.size())) return false;
-    column.ints[m_count] = inp_nameCode(m_names.PlaceOf(text));
+    if (text.empty() || !isLetter(text[0])) return false;
+    const Names::Key key(text);
+    if (text.size() <= 16 ? key.HasQuote() : text.find('"') != text.npos) return false;
+    code = inp_nameCode(m_names.PlaceOf(text, key));
     return true;
   }
 
@@ -219,7 +323,7 @@ private:
     if (isNumber && m_types[c] == inp_ColumnType::TargetOrReal) return TakeOtherReal(column, text);
     if (m_types[c] == inp_ColumnType::Int || (m_types[c] == inp_ColumnType::Target && isNumber))
       return false;
-    column.ints[m_count] = inp_nameCode(m_names.PlaceOf(text));
+    column.ints[m_count] = inp_nameCode(m_names.PlaceOf(text, Names::Key(text)));
     return true;
   }
 
@@ -230,12 +334,18 @@ private:
     return true;
   }
 
+  static constexpr std::ptrdiff_t keptNames = 1 << 16; // from one piece to the next
+  static constexpr int longestPause = 63;              // stretches
+
   std::span<const inp_ColumnType> m_types;
   cow_List<Column> m_columns;
   cow_List<inp_ColumnPiece::Column> m_view;
-  PieceNames m_names;
+  Names m_names;
+  std::size_t m_known = 0;
   cow_List<inp_OddRow> m_odd; // row and slot within the piece
   inp_LineScan m_scan;
+  int m_wait = 0; // stretches
+  int m_pause = 0;
   std::size_t m_count = 0;
   long long m_rows = 0;
 };
@@ -246,15 +356,18 @@ void inp_streamColumns(const inp_DataArray& data, std::span<const inp_ColumnType
                        const std::function<void(const inp_ColumnPiece&)>& prepare,
                        const std::function<void(const inp_ColumnPiece&)>& take) {
   const inp_PieceBuffers<ColumnsPiece> buffers;
+  const cow_List<inp_DataPiece> pieces = inp_cutData(data);
+  for (std::size_t slot = 0; slot < std::min(pieces.size(), utl_slotCount()); ++slot)
+    buffers[slot].Begin();
   long long row = 0;
   inp_decodePieces(
-      inp_cutData(data),
+      pieces,
       [&](const inp_DataPiece& piece, std::size_t slot) {
         buffers[slot].Decode(piece, columns);
-        prepare(buffers[slot].View(0));
+        prepare(buffers[slot].View(0, slot));
       },
       [&](std::size_t slot) {
-        take(buffers[slot].View(row));
+        take(buffers[slot].View(row, slot));
         row += buffers[slot].Rows();
       });
 }

@@ -6,8 +6,8 @@
 #include <limits>
 
 // Bulk decode of lines of like fields, such as `set or label, degree, magnitude`: each field goes
-// to the column of its place, a million lines to a few typed arrays. Names are told apart once for
-// each piece, so that whoever looks them up does it once for each name and not for each line.
+// to the column of its place, a million lines to a few typed arrays. Names are told apart, so that
+// whoever looks them up does it for each name and not for each line.
 
 enum class inp_ColumnType : unsigned char {
   Target, // a label, or a name
@@ -44,9 +44,14 @@ struct inp_ColumnPiece {
     std::span<int> ints;     // Target, Word (codes of names), Int, TargetOrReal
     std::span<double> reals; // Real, TargetOrReal: a label is a number, too
   };
-  std::size_t count = 0;                   // rows
-  std::span<const Column> columns;         // as asked for
-  std::span<const std::string_view> names; // each once, as written, without the blanks around it
+  std::size_t count = 0;           // rows
+  std::span<const Column> columns; // as asked for
+  // Each once, as written, without the blanks around it: those of the piece, and behind one another
+  // those of the earlier pieces of its slot. The first `known` were there with the slot's last
+  // piece.
+  std::span<const std::string_view> names;
+  std::size_t known = 0;
+  std::size_t slot = 0; // utl_orderedBlocks
   // Rows with a field that is not of its column's type, a quote, or more fields than columns, but
   // for blank ones. Their slots hold what could be read, else blanks.
   std::span<inp_OddRow> odd; // slots within the piece; rows of the keyword once it is taken

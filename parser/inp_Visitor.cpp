@@ -23,10 +23,6 @@ constexpr int errorLevel = 1;
 
 inp_Visitor::~inp_Visitor() = default;
 
-#define INP_KEYWORD(Suffix, ...)                                                                   \
-  void inp_Visitor::Visit##Suffix(const inp_Keyword&) {}
-#include "parser/inp_keywords.def"
-
 void inp_Visitor::Visit(const inp_Keyword& keyword) {
   const inp_KeywordEnm kind = keyword.Kind();
   if (kind > inp_NullKeyword && kind < inp_KeywordEnd) (this->*operations[kind])(keyword);

@@ -31,7 +31,11 @@ public:
   const cow_List<wip_Message>& Errors() const { return m_errors.Messages(); }
   const cow_List<wip_Message>& Warnings() const { return m_warnings.Messages(); }
 
-#define INP_KEYWORD(Enm, ...) virtual void Visit##Enm(const inp_Keyword& keyword);
+  // Inline: the table of a visitor's operations then leads to functions of its own library. The
+  // loader would look up each of those of another one by its name, hundreds for every class at
+  // every start.
+#define INP_KEYWORD(Enm, ...)                                                                      \
+  virtual void Visit##Enm(const inp_Keyword&) {}
 #include "parser/inp_keywords.def"
 
 private:

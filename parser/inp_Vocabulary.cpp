@@ -47,11 +47,15 @@ std::string_view cutWord(std::string_view& list) {
   return word;
 }
 
-std::size_t countWords(std::string_view list) {
-  std::size_t count = 0;
-  while (!cutWord(list).empty()) ++count;
-  return count;
-}
+// How many names the lists have at most.
+constexpr std::size_t mostParameters = [] {
+  std::size_t most = 0;
+  for (const Row& row : table) {
+    most += row.parameters.empty() ? 0 : 1;
+    for (const char c : row.parameters) most += c == ' ' ? 1 : 0;
+  }
+  return most;
+}();
 
 } // namespace
 
@@ -82,9 +86,7 @@ inp_Vocabulary::inp_Vocabulary()
 }
 
 void inp_Vocabulary::CutParameters() {
-  std::size_t words = 0;
-  for (const Row& row : table) words += countWords(row.parameters);
-  m_parameters.reserve(words); // the rows' views must not move
+  m_parameters.reserve(mostParameters); // the rows' views must not move
   for (std::size_t i = 0; i < std::size(table); ++i) {
     const auto first = m_parameters.end();
     std::string_view list = table[i].parameters;
@@ -94,7 +96,7 @@ void inp_Vocabulary::CutParameters() {
       else
         m_parameters.push_back(word);
     }
-    std::sort(first, m_parameters.end());
+    if (!std::is_sorted(first, m_parameters.end())) std::sort(first, m_parameters.end());
     m_rows[i].parameters = {first, m_parameters.end()};
   }
 }

@@ -393,11 +393,12 @@ void eds_Store::BeforeChunk() {
 eds_RowTable& eds_Store::Load(eds_RecordKind kind) {
   utl_ASSERT(!IsClosed());
   const auto number = static_cast<size_t>(kind);
+  const bool isNew = m_byKind.size() <= number || m_byKind[number] == nullptr;
+  const eds_RecordInfo* const info = isNew ? eds_schemaRecord(kind) : nullptr;
+  utl_ASSERT(!isNew || info != nullptr);
   if (m_byKind.size() <= number) m_byKind.resize(number + 1);
   eds_RowTable*& table = m_byKind[number];
-  if (table == nullptr) {
-    const eds_RecordInfo* const info = eds_schemaRecord(kind);
-    utl_ASSERT(info != nullptr);
+  if (isNew) {
     table = &m_tables.emplace_back(*info, m_engine, m_dirty);
   }
   if (m_startedEmpty) {
@@ -425,8 +426,7 @@ std::vector<eds_RecordKind> eds_Store::Kinds() {
 }
 
 eds_RowTable& eds_Store::RowsOf(eds_ObjectID object) {
-  utl_ASSERT(IsKind(object.kind));
-  return Rows(object.RecordKind());
+  return Rows(object.RecordKind()); // which asserts that there is such a kind
 }
 
 bool eds_Store::Exists(eds_ObjectID object) {

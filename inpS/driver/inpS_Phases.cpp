@@ -378,7 +378,8 @@ bool Driver::ProcessSteps(Labelers& labelers) {
 }
 
 bool Driver::ProcessInteractions(Labelers& labelers) {
-  return Run<inpS_InteractionPropertyVisitor>(labelers) && Run<inpS_InteractionVisitor>(labelers);
+  return RunForms<inpS_InteractionPropertyVisitor>(labelers) &&
+         RunForms<inpS_InteractionVisitor>(labelers);
 }
 
 bool Driver::ProcessInitialConditions(Labelers& labelers) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/cow_Value.h"
 #include "database/eds_Type.h"
 #include "parser/inp_KeywordEnm.h"
 #include <span>
@@ -15,6 +16,8 @@ enum class inpS_Phase : unsigned char {
   Sections,
   Steps,
   TimePoints,
+  InteractionProperties,
+  Interactions,
   Boundaries,
   Loads,
   InitialConditions
@@ -45,6 +48,23 @@ constexpr inpS_Phase inpS_stepPhaseOf(inp_KeywordEnm keyword) {
   default:
     return inpS_Phase::Steps;
   }
+}
+
+// The member by which an owner holds a keyword of the block.
+constexpr eds_Member inpS_memberOf(const inpS_Block& block, inp_KeywordEnm keyword) {
+#define INPS_BLOCK_MEMBER(Keyword, Block, Member)                                                  \
+  if (keyword == inp_Kw##Keyword) return eds_Member::Member;
+#include "inpS/forms/inpS_blocks.def"
+  return block.member;
+}
+
+// All members that the block prints.
+inline cow_List<eds_Member> inpS_membersOf(const inpS_Block& block) {
+  cow_List<eds_Member> members{block.member};
+#define INPS_BLOCK_MEMBER(Keyword, Block, Member)                                                  \
+  if (block.number == Block) members.push_back(eds_Member::Member);
+#include "inpS/forms/inpS_blocks.def"
+  return members;
 }
 
 inline constexpr int inpS_blockCount = static_cast<int>(std::size(inpS_blockRows));

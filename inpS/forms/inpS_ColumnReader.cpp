@@ -36,9 +36,10 @@ inp_ColumnType typeOf(const eds_FormItem& item) {
 
 inpS_ColumnReader::inpS_ColumnReader(const inp_Keyword& keyword, const eds_FormInfo& form,
                                      const KvoSimPosition& record, const inpS_FormNames& names,
-                                     inp_Visitor& messages)
-    : m_keyword(keyword), m_form(form), m_record(record), m_messages(messages), m_sets(record),
-      m_targets(form.columnItems.size()), m_words(form.columnItems.size()) {
+                                     inp_Visitor& messages, inpS_LineCheck* check)
+    : m_keyword(keyword), m_form(form), m_names(names), m_record(record), m_messages(messages),
+      m_sets(record), m_targets(form.columnItems.size()), m_words(form.columnItems.size()),
+      m_check(check) {
   for (std::size_t c = 0; c < form.columnItems.size(); ++c) {
     const eds_FormItem& item = form.columnItems[c];
     m_types.push_back(typeOf(item));
@@ -56,7 +57,7 @@ bool inpS_ColumnReader::Read() {
   for (std::size_t c = 0; c < m_words.size(); ++c)
     if (m_words[c]) m_words[c]->Store(m_record.DataRecord(), m_form.columnItems[c].wordsField);
   m_record.DataRecord().SetInt(m_form.rowsField, m_rows);
-  if (!m_isWhole) TellFaults();
+  if (!m_isWhole || m_hasFaults) TellFaults();
   return m_isWhole;
 }
 
@@ -66,33 +67,11 @@ void inpS_ColumnReader::Translate(const Piece& piece) const {
 }
 
 void inpS_ColumnReader::Take(const Piece& piece) {
-  m_isFaulty.assign(piece.count, 0);
-  bool isAny = false;
   for (std::size_t c = 0; c < m_types.size(); ++c) {
-    const eds_FormItem& item = m_form.columnItems[c];
-    if (m_targets[c])
-      m_targets[c]->TranslateNames(piece.names, piece.columns[c].ints.first(piece.count));
-    if (m_words[c])
-      m_words[c]->TranslateNames(piece.names, piece.columns[c].ints.first(piece.count));
-    if (m_types[c] == inp_ColumnType::Real) {
-      if (!item.isRequired) continue;
-      for (std::size_t n = 0; n < piece.count; ++n)
-        isAny |= (m_isFaulty[n] |= inp_isBlankReal(piece.columns[c].reals[n])) != 0;
-      continue;
-    }
-    if (!m_targets[c] && !m_words[c] && !item.isRequired) continue;
-    for (std::size_t n = 0; n < piece.count; ++n) {
-      const int value = piece.columns[c].ints[n];
-      const bool isNone = (m_targets[c] || m_words[c]) && value == inpS_noTarget;
-      isAny |= (m_isFaulty[n] |= (item.isRequired && value == inp_blankInt) || isNone) != 0;
-    }
+    if (m_targets[c]) m_targets[c]->TranslateNames(piece, piece.columns[c].ints.first(piece.count));
+    if (m_words[c]) m_words[c]->TranslateNames(piece, piece.columns[c].ints.first(piece.count));
   }
-  for (const inp_OddRow& odd : piece.odd) {
-    const auto slot = static_cast<std::size_t>(odd.slot);
-    m_isFaulty[slot] = !TakeOdd(piece, slot, odd.row);
-    isAny |= m_isFaulty[slot] != 0;
-  }
-  if (isAny) {
+  if (FindFaults(piece)) {
     m_isWhole = false;
     return Drop(piece, m_isFaulty);
   }
@@ -103,6 +82,43 @@ void inpS_ColumnReader::Take(const Piece& piece) {
       m_columns[c].Append(std::span<const int>(piece.columns[c].ints.first(piece.count)));
   }
   m_rows += static_cast<long long>(piece.count);
+}
+
+// Which rows cannot be taken; false: all can, as nearly always, and nothing is put down of them.
+bool inpS_ColumnReader::FindFaults(const Piece& piece) {
+  bool isAny = false;
+  const auto note = [&](auto values, auto isFault) {
+    bool isOne = false;
+    for (std::size_t n = 0; n < piece.count; ++n) isOne |= isFault(values[n]);
+    if (!isOne) return;
+    if (!isAny) m_isFaulty.assign(piece.count, 0);
+    isAny = true;
+    for (std::size_t n = 0; n < piece.count; ++n) m_isFaulty[n] |= isFault(values[n]);
+  };
+  for (std::size_t c = 0; c < m_types.size(); ++c) {
+    const bool isRequired = m_form.columnItems[c].isRequired;
+    const bool isNamed = m_targets[c] || m_words[c];
+    const auto& [ints, reals] = piece.columns[c];
+    if (m_types[c] == inp_ColumnType::Real) {
+      if (isRequired) note(reals, inp_isBlankReal);
+    } else if (isRequired || isNamed) {
+      const int blank = isRequired ? inp_blankInt : inpS_noTarget;
+      const int none = isNamed ? inpS_noTarget : inp_blankInt;
+      note(ints, [=](int value) { return (value == blank) | (value == none); });
+    }
+  }
+  if (!isAny && !piece.odd.empty()) m_isFaulty.assign(piece.count, 0);
+  for (const inp_OddRow& odd : piece.odd) {
+    const auto slot = static_cast<std::size_t>(odd.slot);
+    m_isFaulty[slot] = !TakeOdd(piece, slot, odd.row);
+  }
+  isAny = isAny || !piece.odd.empty();
+  if (m_check && !m_check->IsSound(piece, m_words)) {
+    if (!isAny) m_isFaulty.assign(piece.count, 0);
+    isAny = true;
+    MarkRefused(piece);
+  }
+  return isAny && std::ranges::count(m_isFaulty, 0) != static_cast<std::ptrdiff_t>(piece.count);
 }
 
 // The sound rows of a piece.
@@ -134,16 +150,34 @@ bool inpS_ColumnReader::TakeOdd(const Piece& piece, std::size_t slot, long long 
     const bool isBlank = col >= data.Cols(row) || !data.HasValue(row, col);
     if (m_types[c] == inp_ColumnType::Real)
       piece.columns[c].reals[slot] = isBlank ? inp_blankReal : data.AsDouble(row, col);
-    else if (isBlank)
-      piece.columns[c].ints[slot] = inp_blankInt;
-    else if (m_types[c] == inp_ColumnType::Int || IsNumberOfWords(c, data, row))
-      piece.columns[c].ints[slot] = data.AsInt(row, col);
-    else if (m_words[c])
-      piece.columns[c].ints[slot] = m_words[c]->Of(data.AsStringVerbatim(row, col));
     else
-      piece.columns[c].ints[slot] = m_targets[c]->Of(data, row, col);
+      piece.columns[c].ints[slot] = SlotOf(c, row);
   }
   return true;
+}
+
+int inpS_ColumnReader::SlotOf(std::size_t column, long long row) {
+  const inp_DataArray& data = m_keyword.Data();
+  const int col = static_cast<int>(column);
+  if (col >= data.Cols(row) || !data.HasValue(row, col)) return inp_blankInt;
+  if (m_types[column] == inp_ColumnType::Int || IsNumberOfWords(column, data, row))
+    return data.AsInt(row, col);
+  if (m_words[column]) return m_words[column]->Of(data.AsStringVerbatim(row, col));
+  return m_targets[column]->Of(data, row, col);
+}
+
+// Of a piece with lines that the subject's check has something against.
+void inpS_ColumnReader::MarkRefused(const Piece& piece) {
+  long long row = piece.firstRow;
+  for (std::size_t slot = 0; slot < piece.count; ++slot, ++row) {
+    while (inpS_KeywordReader::IsBlankRow(m_keyword.Data(), row)) ++row;
+    int col = 0;
+    if (m_isFaulty[slot] || !FaultOf(row, col).empty()) continue;
+    const std::optional<inpS_LineFault> fault = CheckedFaultOf(row);
+    if (!fault) continue;
+    m_hasFaults = true;
+    m_isFaulty[slot] = fault->isRefused;
+  }
 }
 
 // A number where a word may stand as well.
@@ -161,13 +195,50 @@ void inpS_ColumnReader::TellFaults() {
   for (long long row = 0; row < data.Rows(); ++row) {
     if (inpS_KeywordReader::IsBlankRow(data, row)) continue;
     int col = 0;
-    const cow_String fault = FaultOf(row, col);
-    if (fault.empty()) continue;
-    const cow_String text = fault + " The line is kept as it stands, and nothing is made of it.";
-    m_messages.AddWarning(col < data.Cols(row)
-                              ? inp_Utils::MessageAtField(m_keyword, row, col, text)
-                              : inp_Utils::MessageAtRow(m_keyword, row, text));
+    cow_String text = FaultOf(row, col);
+    if (text.empty()) {
+      if (!m_hasFaults) continue;
+      if (const auto fault = CheckedFaultOf(row)) TellFault(row, *fault);
+      continue;
+    }
+    const auto c = static_cast<std::size_t>(col);
+    const bool isMissing = m_check && c < m_types.size() && m_targets[c] && col < data.Cols(row) &&
+                           data.HasValue(row, col) &&
+                           m_targets[c]->Of(data, row, col) == inpS_noTarget;
+    if (isMissing) {
+      const cow_String name = data.AsStringVerbatim(row, col);
+      const bool isNumber = data.Type(row, col) != inp_FieldType::String;
+      const bool isLabel = isNumber || m_targets[c]->IsLabel(name);
+      if (m_check->TakeMissing(isLabel, name)) continue;
+      const cow_String own = isLabel ? "" : m_check->TextOfMissing(inp_Utils::Fold(name));
+      if (!own.empty()) text = own;
+    }
+    TellFault(row, {col, text, m_check && m_check->IsErrorToRefuse(), true});
   }
+}
+
+// What becomes of a refused line stands behind a text of our own, and in a note of one that users
+// know to the letter.
+void inpS_ColumnReader::TellFault(long long row, const inpS_LineFault& fault) {
+  cow_String text = fault.text;
+  cow_String kept = "The line is kept as it stands, and nothing is made of it.";
+  const bool isOwn = text.ends_with('.');
+  if (fault.isRefused && isOwn) text += " " + kept;
+  wip_Message message = fault.col >= 0 && fault.col < m_keyword.Data().Cols(row)
+                            ? inp_Utils::MessageAtField(m_keyword, row, fault.col, std::move(text))
+                            : inp_Utils::MessageAtRow(m_keyword, row, std::move(text));
+  if (fault.isRefused && !isOwn) message.notes.push_back({std::move(kept), {}});
+  if (fault.isError)
+    m_messages.AddError(std::move(message));
+  else
+    m_messages.AddWarning(std::move(message));
+}
+
+std::optional<inpS_LineFault> inpS_ColumnReader::CheckedFaultOf(long long row) {
+  m_line.assign(m_types.size(), inp_blankInt);
+  for (std::size_t c = 0; c < m_types.size(); ++c)
+    if (m_types[c] != inp_ColumnType::Real) m_line[c] = SlotOf(c, row);
+  return m_check->FaultOf({m_keyword.Data(), row, m_line});
 }
 
 cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
@@ -191,15 +262,18 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
     if (m_words[c] && utl_findControl(text) != cow_String::npos)
       return "The text holds a control character.";
     if (!m_targets[c] || m_targets[c]->Of(data, row, col) != inpS_noTarget) continue;
-    if (isNumber)
-      return (item.alternatives.front().type == eds_FormType::Node ? "Node " : "Element ") + text +
-             " does not exist.";
-    for (const eds_FormItem::Alternative& one : item.alternatives)
-      if (one.referable)
-        return inp_Utils::Format(cow_String(one.referable->missing).c_str(),
-                                 inp_Utils::Fold(text).c_str());
+    return TextOfMissing(item, text, isNumber);
   }
   for (; col < data.Cols(row); ++col)
     if (data.HasValue(row, col)) return "The line has more values than it can have.";
   return {};
+}
+
+cow_String inpS_ColumnReader::TextOfMissing(const eds_FormItem& item, const cow_String& name,
+                                            bool isNumber) const {
+  if (!isNumber)
+    for (const eds_FormItem::Alternative& one : item.alternatives)
+      if (one.referable) return m_names.TextOfMissing(*one.referable, inp_Utils::Fold(name));
+  return (item.alternatives.front().type == eds_FormType::Node ? "Node " : "Element ") + name +
+         " does not exist.";
 }

@@ -5,6 +5,7 @@
 #include "inpS/forms/inpS_ColumnWords.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/forms/inpS_FormValue.h"
+#include "inpS/forms/inpS_LineCheck.h"
 #include <optional>
 
 // Reads the lines of a keyword into the bulk columns of its record: a million lines cost some typed
@@ -15,7 +16,7 @@ class inpS_ColumnReader {
 public:
   inpS_ColumnReader(const inp_Keyword& keyword, const eds_FormInfo& form,
                     const KvoSimPosition& record, const inpS_FormNames& names,
-                    inp_Visitor& messages);
+                    inp_Visitor& messages, inpS_LineCheck* check = nullptr);
 
   // False when a line could not be taken; each such line has been told.
   bool Read();
@@ -25,15 +26,22 @@ private:
 
   void Translate(const Piece& piece) const; // on any thread: labels to ordinals
   void Take(const Piece& piece);
+  bool FindFaults(const Piece& piece);
   // What the lines that the bulk decode leaves to others say, slot by slot; false: no row.
   bool TakeOdd(const Piece& piece, std::size_t slot, long long row);
   void Drop(const Piece& piece, std::span<const char> isFaulty);
+  int SlotOf(std::size_t column, long long row); // of a field that is no real
+  void MarkRefused(const Piece& piece);
+  std::optional<inpS_LineFault> CheckedFaultOf(long long row);
+  void TellFault(long long row, const inpS_LineFault& fault);
   bool IsNumberOfWords(std::size_t column, const inp_DataArray& data, long long row) const;
   void TellFaults();
   cow_String FaultOf(long long row, int& col);
+  cow_String TextOfMissing(const eds_FormItem& item, const cow_String& name, bool isNumber) const;
 
   const inp_Keyword& m_keyword;
   const eds_FormInfo& m_form;
+  const inpS_FormNames& m_names;
   KvoSimPosition m_record;
   inp_Visitor& m_messages;
   cow_List<inp_ColumnType> m_types;
@@ -41,7 +49,10 @@ private:
   cow_List<std::optional<inpS_ColumnTargets>> m_targets; // by column
   cow_List<std::optional<inpS_ColumnWords>> m_words;     // of columns that hold words
   cow_List<inpS_ColumnStore> m_columns;
+  inpS_LineCheck* m_check;   // null: none beyond the types
   cow_List<char> m_isFaulty; // of a piece's slots
+  cow_List<int> m_line;      // slots of the line at hand
   long long m_rows = 0;
   bool m_isWhole = true;
+  bool m_hasFaults = false; // that the check has found
 };

@@ -34,13 +34,8 @@ void inpS_ColumnTargets::Translate(std::span<int> slots) const {
   }
 }
 
-void inpS_ColumnTargets::TranslateNames(std::span<const std::string_view> names,
-                                        std::span<int> slots) {
-  if (names.empty()) return;
-  m_codes.assign(names.size(), 0);
-  for (std::size_t n = 0; n < names.size(); ++n) m_codes[n] = OfName(names[n]);
-  for (int& slot : slots)
-    if (inp_isNameCode(slot)) slot = m_codes[static_cast<std::size_t>(inp_namePlace(slot))];
+void inpS_ColumnTargets::TranslateNames(const inp_ColumnPiece& piece, std::span<int> slots) {
+  m_codes.Translate(piece, slots, [this](std::string_view name) { return OfName(name); });
 }
 
 int inpS_ColumnTargets::OfLabel(long long label) const {

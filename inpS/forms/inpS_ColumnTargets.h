@@ -1,7 +1,7 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormValue.h"
-#include "parser/inp_BulkColumns.h"
+#include "inpS/forms/inpS_NameCodes.h"
 #include <unordered_map>
 
 // What a column of targets holds for a label that is not there, or a name that nothing has. No
@@ -28,8 +28,8 @@ public:
 
   // Labels become targets; blanks and the codes of names stay. On any thread.
   void Translate(std::span<int> slots) const;
-  // The codes of a piece's names become targets.
-  void TranslateNames(std::span<const std::string_view> names, std::span<int> slots);
+  // The codes of a piece's names become targets; names of other columns are none of this one's.
+  void TranslateNames(const inp_ColumnPiece& piece, std::span<int> slots);
   int OfLabel(long long label) const;
   int OfName(std::string_view name);          // a set, or "instance.label"
   bool IsLabel(const cow_String& name) const; // "instance.label", whether it is there or not
@@ -49,5 +49,5 @@ private:
   inpS_TargetSets& m_sets;
   inpS_LabelSpaceView m_space;
   std::unordered_map<cow_String, int, NameHash, std::equal_to<>> m_known; // as written
-  cow_List<int> m_codes;                                                  // of a piece's names
+  inpS_NameCodes m_codes;
 };

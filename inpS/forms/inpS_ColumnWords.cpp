@@ -3,17 +3,8 @@
 #include "inpS/forms/inpS_ColumnTargets.h"
 #include "parser/inp_Utils.h"
 
-void inpS_ColumnWords::TranslateNames(std::span<const std::string_view> names,
-                                      std::span<int> slots) {
-  if (names.empty()) return;
-  m_codes.assign(names.size(), 0); // names of other columns are no words of this one
-  for (int& slot : slots) {
-    if (!inp_isNameCode(slot)) continue;
-    const auto place = static_cast<std::size_t>(inp_namePlace(slot));
-    int& code = m_codes[place];
-    if (code == 0) code = Of(names[place]);
-    slot = code;
-  }
+void inpS_ColumnWords::TranslateNames(const inp_ColumnPiece& piece, std::span<int> slots) {
+  m_codes.Translate(piece, slots, [this](std::string_view word) { return Of(word); });
 }
 
 int inpS_ColumnWords::Of(std::string_view word) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "database/KvoSimDataRecord.h"
-#include "parser/inp_BulkColumns.h"
+#include "inpS/forms/inpS_NameCodes.h"
 #include <unordered_map>
 
 // The words of one bulk column, each once, in the order in which they came: -1 in the column is the
@@ -9,14 +9,15 @@
 class inpS_ColumnWords {
 public:
   // The codes of a piece's names become those of words.
-  void TranslateNames(std::span<const std::string_view> names, std::span<int> slots);
+  void TranslateNames(const inp_ColumnPiece& piece, std::span<int> slots);
   int Of(std::string_view word); // as written; inpS_noTarget: it holds what the store keeps none of
   // Into the field of the record, with commas between.
   void Store(KvoSimDataRecord record, int field) const;
+  const cow_List<cow_String>& All() const { return m_words; }
   static cow_List<cow_String> Stored(const KvoSimDataRecord& record, int field);
 
 private:
   cow_List<cow_String> m_words;
   std::unordered_map<cow_String, int> m_places; // of words as they are kept
-  cow_List<int> m_codes;                        // of a piece's names
+  inpS_NameCodes m_codes;
 };

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <memory>
 #include <mutex>
-#include <unordered_map>
 
 namespace {
 
@@ -73,23 +72,26 @@ inpS_ParameterBinding bindingOf(inp_KeywordEnm keyword, eds_RecordKind kind,
   return binding;
 }
 
-// Keywords by the suffix of their visitor's operation.
-inp_KeywordEnm keywordOf(std::string_view suffix) {
-  static const auto bySuffix = [] {
-    std::unordered_map<std::string_view, inp_KeywordEnm> all;
-    for (const inp_KeywordRow& row : inp_KeywordTable::Instance().Rows())
-      all.emplace(row.suffix, row.kind);
-    return all;
-  }();
-  const auto found = bySuffix.find(suffix);
-  return found == bySuffix.end() ? inp_NullKeyword : found->second;
+// Of forms and of what has a name: the keyword, from the rows themselves.
+constexpr inp_KeywordEnm inp_KwNone = inp_NullKeyword;
+constexpr inp_KeywordEnm formKeywords[] = {
+#define EDS_FORM(Form, Keyword, ...) inp_Kw##Keyword,
+#include "database/schema/forms.def"
+};
+constexpr inp_KeywordEnm referableKeywords[] = {
+#define EDS_REFERABLE(Word, Keyword, ...) inp_Kw##Keyword,
+#include "database/schema/referables.def"
+};
+
+inp_KeywordEnm definerOf(const eds_Referable& referable) {
+  return referableKeywords[&referable - eds_referables().data()];
 }
 
-inpS_Form formOf(eds_RecordKind kind) {
+inpS_Form formOf(eds_RecordKind kind, inp_KeywordEnm keyword) {
   inpS_Form form;
   form.info = eds_formOf(kind);
   form.kind = kind;
-  form.keyword = keywordOf(form.info->keyword);
+  form.keyword = keyword;
   form.columns = inpS_TableColumns(form.info->columns);
   for (std::string_view rest = form.info->selectors; !rest.empty();) {
     const std::size_t end = std::min(rest.find(", "), rest.size());
@@ -157,11 +159,13 @@ const inpS_FormTable& inpS_FormTable::Instance() {
 
 inpS_FormTable::inpS_FormTable() {
   short place = 0;
-  for (const auto& [kind, suffix] : eds_formKeywords()) {
+  utl_ASSERT(eds_formKeywords().size() == std::size(formKeywords));
+  for (const eds_FormKeyword& form : eds_formKeywords()) {
+    const eds_RecordKind kind = form.kind;
     const auto number = static_cast<std::size_t>(kind);
     if (number >= m_places.size()) m_places.resize(number + 1, -1);
+    const inp_KeywordEnm keyword = formKeywords[place];
     m_places[number] = place++;
-    const inp_KeywordEnm keyword = keywordOf(suffix);
     if (keyword == inp_NullKeyword) continue;
     const auto index = static_cast<std::size_t>(keyword);
     if (index >= m_byKeyword.size()) m_byKeyword.resize(index + 1);
@@ -180,8 +184,11 @@ const inpS_Form* inpS_FormTable::Find(eds_RecordKind kind) const {
   static std::vector<Entry> forms(eds_formKeywords().size());
   const auto number = static_cast<std::size_t>(kind);
   if (number >= m_places.size() || m_places[number] < 0) return nullptr;
-  Entry& entry = forms[static_cast<std::size_t>(m_places[number])];
-  std::call_once(entry.once, [&] { entry.form = std::make_unique<const inpS_Form>(formOf(kind)); });
+  const auto place = static_cast<std::size_t>(m_places[number]);
+  Entry& entry = forms[place];
+  std::call_once(entry.once, [&] {
+    entry.form = std::make_unique<const inpS_Form>(formOf(kind, formKeywords[place]));
+  });
   return entry.form.get();
 }
 
@@ -193,19 +200,13 @@ const inpS_Form* inpS_FormTable::Select(const inp_Keyword& keyword,
 }
 
 inp_KeywordEnm inpS_FormTable::DefinerOf(const eds_Referable& referable) const {
-  return keywordOf(referable.keyword);
+  return definerOf(referable);
 }
 
 const eds_Referable* inpS_FormTable::Named(inp_KeywordEnm keyword) const {
-  static const auto byKeyword = [] {
-    std::unordered_map<inp_KeywordEnm, const eds_Referable*> all;
-    for (const eds_Referable& one : eds_referables())
-      if (const inp_KeywordEnm definer = keywordOf(one.keyword); definer != inp_NullKeyword)
-        all.emplace(definer, &one);
-    return all;
-  }();
-  const auto found = byKeyword.find(keyword);
-  return found == byKeyword.end() ? nullptr : found->second;
+  if (keyword == inp_NullKeyword) return nullptr;
+  const auto found = std::ranges::find(eds_referables(), keyword, definerOf);
+  return found == eds_referables().end() ? nullptr : &*found;
 }
 
 cow_String inpS_FormTable::UnknownChoice(const inp_Keyword& keyword) const {

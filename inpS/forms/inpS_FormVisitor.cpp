@@ -24,6 +24,14 @@ constexpr bool convertsWithinSteps(inpS_Phase phase) {
   return phase == inpS_Phase::Steps;
 }
 
+// Of bulk columns: nodes, elements or what stands for them.
+bool namesMesh(const eds_FormItem& item) {
+  return std::ranges::any_of(item.alternatives, [](const eds_FormItem::Alternative& one) {
+    return one.type == eds_FormType::Node || one.type == eds_FormType::Element ||
+           (one.referable && one.referable->IsScoped());
+  });
+}
+
 // Whether keywords of the phase's blocks have names that others refer to.
 bool namesAny(inpS_Phase phase) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
@@ -38,8 +46,8 @@ bool namesAny(inpS_Phase phase) {
 
 inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory, inpS_Ledger& ledger)
-    : inpS_SetVisitor(nodes, elements, inventory), m_phase(phase), m_ledger(ledger),
-      m_names(*this) {}
+    : inpS_SetVisitor(nodes, elements, inventory), m_phase(phase),
+      m_keywords(inp_KeywordTable::Instance()), m_ledger(ledger), m_names(*this) {}
 
 void inpS_FormVisitor::Report() {
   if (m_withoutMesh > 0)
@@ -64,7 +72,8 @@ void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
 void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   inpS_SetVisitor::Visit(keyword);
   if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return;
-  const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
+  const inp_KeywordRow& row = *m_keywords.Row(keyword.Kind());
+  const inpS_Block& block = inpS_block(row.block);
   m_hasSteps = m_hasSteps || (keyword.Kind() == inp_KwStep && convertsWithinSteps(m_phase));
   // Before the first step, and in phases that have nothing to do in steps, those of other phases go
   // by their kind alone: to look into a keyword is what costs in a walk over many.
@@ -73,10 +82,10 @@ void inpS_FormVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.Scope().kind == inp_Scope::Kind::Step || keyword.Kind() == inp_KwStep)
     return VisitWithinStep(keyword);
   // What stands where it may not is told of elsewhere, and stays text.
-  const bool isStray = inp_KeywordTable::Instance().Row(keyword.Kind())->levels == inp_LevelsSub;
+  const bool isStray = row.levels == inp_LevelsSub;
   if (block.phase != m_phase || isStray || block.member == eds_Member::Steps) return;
   if ((inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr) != m_isNaming) return;
-  Convert(keyword, Holder(), block.member, nullptr);
+  Convert(keyword, Holder(), inpS_memberOf(block, keyword.Kind()), nullptr);
 }
 
 // A step holds its keywords by their place in it, whatever the phase that converts them.
@@ -188,6 +197,10 @@ void inpS_FormVisitor::ConvertSuboptions(const inp_Keyword& keyword, const KvoSi
 
 bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
                              const KvoSimPosition& owner, eds_Member member) {
+  if (m_isMeshLeftOut && std::ranges::any_of(form.info->columnItems, namesMesh)) {
+    ++m_withoutMesh;
+    return false;
+  }
   if (!CheckReferences(keyword, form) || !IsNameFree(keyword, owner)) return false;
   if (form.info->data == eds_FormData::Words &&
       inpS_readWords(keyword, form.info->words, *this).empty())

@@ -5,6 +5,7 @@
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/forms/inpS_FormValue.h"
 #include "inpS/framework/inpS_Ledger.h"
+#include "parser/inp_KeywordTable.h"
 
 // Converts the keywords whose form says all of them: each becomes a record that its owner (model,
 // part, instance, assembly) holds in the member of the writer's block, and its sub-options records
@@ -82,6 +83,7 @@ private:
                 const KvoSimPosition& record);
 
   inpS_Phase m_phase;
+  const inp_KeywordTable& m_keywords; // of this thread: asked for each keyword
   inpS_Ledger& m_ledger;
   inpS_FormNames m_names;
   KvoSimPosition m_step;

@@ -3,7 +3,7 @@
 #include "inpS/forms/inpS_FormVisitor.h"
 #include "inpS/history/inpS_DuplicateReport.h"
 
-// The initial conditions phase. What has no form yet is kept as text.
+// The initial conditions phase, with the boundary conditions of the model.
 class inpS_InitialConditionVisitor : public inpS_FormVisitor {
 public:
   inpS_InitialConditionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
@@ -14,6 +14,9 @@ public:
   void SetPlaces(inpS_DuplicateReport& places) { m_places = &places; }
 
 protected:
+  bool IsErrorToLack(inp_KeywordEnm kind) const override { return kind == inp_KwBoundary; }
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override {
     if (m_places && keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);

@@ -1,11 +1,23 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/history/inpS_FluidSteps.h"
+#include "inpS/history/inpS_LoadedElements.h"
+#include <optional>
 
 // What acts on the model within steps, as the deck gives it.
 class inpS_LoadVisitor : public inpS_FormVisitor {
 public:
   inpS_LoadVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory,
-                   inpS_Ledger& ledger)
-      : inpS_FormVisitor(inpS_Phase::Loads, nodes, elements, inventory, ledger) {}
+                   inpS_Ledger& ledger);
+
+protected:
+  bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
+  bool IsErrorToLack(inp_KeywordEnm kind) const override;
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
+
+private:
+  inpS_FluidSteps m_fluidSteps;
+  std::optional<inpS_LoadedElements> m_elements; // once a load of elements is met
 };

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
 
-// Interaction properties, read before the interactions. It converts no keyword yet: they are kept
-// as text.
-class inpS_InteractionPropertyVisitor : public inpS_SetVisitor {
+// Properties that interactions and incident waves refer to by their names, read before them. What
+// has no form yet is kept as text.
+class inpS_InteractionPropertyVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_InteractionPropertyVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                                  const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::InteractionProperties, nodes, elements, inventory, ledger) {}
 };

@@ -1,9 +1,20 @@
 #pragma once
 
-#include "inpS/sets/inpS_SetVisitor.h"
+#include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/history/inpS_LoadedElements.h"
+#include <optional>
 
-// The interactions phase. It converts no keyword yet: they are kept as text.
-class inpS_InteractionVisitor : public inpS_SetVisitor {
+// The interactions phase: impedances and incident waves. What has no form yet is kept as text.
+class inpS_InteractionVisitor : public inpS_FormVisitor {
 public:
-  using inpS_SetVisitor::inpS_SetVisitor;
+  inpS_InteractionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                          const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : inpS_FormVisitor(inpS_Phase::Interactions, nodes, elements, inventory, ledger) {}
+
+protected:
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
+
+private:
+  std::optional<inpS_LoadedElements> m_elements; // once an impedance of elements is met
 };

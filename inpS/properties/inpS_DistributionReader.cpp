@@ -66,7 +66,7 @@ bool inpS_DistributionReader::Read() {
 }
 
 void inpS_DistributionReader::Take(const Piece& piece) {
-  m_targets.TranslateNames(piece.names, piece.columns.front().ints.first(piece.count));
+  m_targets.TranslateNames(piece, piece.columns.front().ints.first(piece.count));
   m_rows.Clear();
   IsWrapped() ? TakeLines(piece) : TakePlain(piece);
   Store(m_rows);

@@ -5,20 +5,6 @@
 #include "database/KvoSimTransfer.h"
 #include "database/schema/eds_FormKind.h"
 
-namespace {
-
-// With its values; the set of components is others' too.
-void removeDistribution(const KvoSimPosition& values) {
-  if (values.IsNull()) return;
-  for (const KvoSimPosition& drawer : values.GetVector(eds_Member::Drawers)) {
-    drawer.DataRecord().GetReference(eds_Drawer_Array).Remove();
-    drawer.Remove();
-  }
-  values.Remove();
-}
-
-} // namespace
-
 void inpS_OrientationDataWriter::Initialize(KvoSimTransaction& transaction,
                                             const KvoObjDocument& document,
                                             const KvoSimPosition& parent) {
@@ -35,7 +21,6 @@ KvoSimPosition inpS_OrientationDataWriter::CreateOrientation(System system) {
     record.SetString(eds_LocalSystem_Name, m_parent.Name());
   record.SetReference(eds_LocalSystem_Given, m_parent);
   record.SetString(eds_LocalSystem_System, inpS_OrientationData::NameOf(system));
-  m_parent.Associate(eds_Member::LocalSystems, m_currOrientation);
   return m_currOrientation;
 }
 
@@ -103,13 +88,4 @@ void inpS_OrientationDataWriter::WriteElementQuaternions(const KvoSimPosition& s
   record.GetReference(eds_LocalSystem_Orient)
       .AsDistribution()
       .AddDrawer(all.CreateCSet(elements).ID(), quaternions);
-}
-
-void inpS_OrientationDataWriter::Clear() {
-  for (const KvoSimPosition& system : m_parent.GetVector(eds_Member::LocalSystems)) {
-    const KvoSimDataRecord record = system.DataRecord();
-    for (const int field : {eds_LocalSystem_PointA, eds_LocalSystem_PointB, eds_LocalSystem_Orient})
-      removeDistribution(record.GetReference(field));
-    system.Remove();
-  }
 }

@@ -6,8 +6,8 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/properties/inpS_OrientationData.h"
 
-// Writes the local systems that orientations come to, one after the other, each held by what the
-// deck says of it (the parent).
+// Writes the local systems that orientations come to, one after the other, each naming what the
+// deck says of it (the parent). No link leads back: a deck may have a system for every node.
 class inpS_OrientationDataWriter {
 public:
   using System = inpS_OrientationData::System;
@@ -26,8 +26,6 @@ public:
   // may have been made before.
   void WriteElementQuaternions(const KvoSimPosition& system, const eds_MemberSet& elements,
                                const eds_ArrayID& quaternions);
-  // Takes back what was written for the parent.
-  void Clear();
 
 private:
   KvoSimPosition WritePoint(const double point[3]);

@@ -107,13 +107,22 @@ bool inpS_OrientationFixupVisitor::CheckDistributions(const inp_Keyword& keyword
 // elements gets its system here.
 KvoSimPosition inpS_OrientationFixupVisitor::SystemFor(const KvoSimPosition& orientation,
                                                        const Place& place) {
-  for (const KvoSimPosition& system : orientation.GetVector(eds_Member::LocalSystems)) {
-    const KvoSimPosition instance = system.DataRecord().GetReference(eds_LocalSystem_Instance);
-    if (instance.Object() == place.instance.Object()) return system;
+  if (!m_madeBy) {
+    m_madeBy.emplace();
+    for (const KvoSimPosition& system :
+         orientation.Context().GetRecords(eds_RecordKind::LocalSystem)) {
+      const KvoSimDataRecord record = system.DataRecord();
+      m_madeBy->try_emplace({record.GetReference(eds_LocalSystem_Given).Object().Packed(),
+                             record.GetReference(eds_LocalSystem_Instance).Object().Packed()},
+                            system);
+    }
   }
-  const KvoSimPosition made =
-      m_writer.CreateOrientation(inpS_OrientationData::Of(orientation).system);
-  if (!place.instance.IsNull()) m_writer.SetInstance(place.instance);
+  KvoSimPosition& made =
+      (*m_madeBy)[{orientation.Object().Packed(), place.instance.Object().Packed()}];
+  if (made.IsNull()) {
+    made = m_writer.CreateOrientation(inpS_OrientationData::Of(orientation).system);
+    if (!place.instance.IsNull()) m_writer.SetInstance(place.instance);
+  }
   return made;
 }
 

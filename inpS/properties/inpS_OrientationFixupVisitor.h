@@ -3,6 +3,8 @@
 #include "inpS/properties/inpS_OrientationDataWriter.h"
 #include "inpS/properties/inpS_OrientationSystems.h"
 #include "inpS/sets/inpS_SetVisitor.h"
+#include <optional>
+#include <utility>
 
 // The second pass over orientations, for those that vary: what names an orientation says over which
 // elements, and these get axes of their own.
@@ -33,4 +35,6 @@ private:
   const NameMap& m_ori2DistName;
   inpS_OrientationSystems m_systems;
   inpS_OrientationDataWriter m_writer;
+  // By what is given and the instance; made when first asked for.
+  std::optional<cow_Map<std::pair<uint64_t, uint64_t>, KvoSimPosition>> m_madeBy;
 };

@@ -76,12 +76,11 @@ void inpS_OrientationSystems::Write(const Data& data, const double points[3][3],
   if (data.angle != 0.0) m_writer.SetAdditionalAngle(data.axis, data.angle);
 }
 
-cow_String inpS_OrientationSystems::Derive(const KvoSimPosition& given, const KvoSimPosition& owner,
-                                           bool isNew) {
+cow_String inpS_OrientationSystems::Derive(const KvoSimPosition& given,
+                                           const KvoSimPosition& owner) {
   const Data data = Data::Of(given);
   KvoSimTransaction transaction(m_document.ContextID());
   m_writer.Initialize(transaction, m_document, given);
-  if (!isNew) m_writer.Clear();
   cow_String faults;
   for (const Place& place : m_places.Of(owner)) {
     double points[3][3] = {};

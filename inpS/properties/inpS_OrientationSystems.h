@@ -5,7 +5,7 @@
 #include "inpS/properties/inpS_OrientationPlaces.h"
 
 // From what *ORIENTATION and *TRANSFORM say to local systems in the flat mesh. It depends on the
-// model alone, so it may run again whenever the model has changed.
+// model alone.
 class inpS_OrientationSystems {
 public:
   inpS_OrientationSystems(const inpS_Inventory& inventory, const KvoObjLabeler& nodes)
@@ -14,9 +14,8 @@ public:
   // What is wrong with it where it is defined; empty: nothing.
   cow_String FaultOf(const inpS_OrientationData& data, const KvoSimPosition& owner);
   // Writes the systems of one orientation or transform, one for each place where its owner stands.
-  // What is wrong at one of the places costs that one. isNew: it has none yet; else they are
-  // replaced.
-  cow_String Derive(const KvoSimPosition& given, const KvoSimPosition& owner, bool isNew);
+  // What is wrong at one of the places costs that one.
+  cow_String Derive(const KvoSimPosition& given, const KvoSimPosition& owner);
 
   using Place = inpS_OrientationPlaces::Place;
   const cow_List<Place>& PlacesOf(const KvoSimPosition& owner) { return m_places.Of(owner); }

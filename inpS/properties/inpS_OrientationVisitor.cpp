@@ -69,7 +69,7 @@ void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_F
   if (form.kind != eds_FormKind::OrientationUser && !isTransform) CheckLocalDirections(keyword);
   if (!isTransform) NoteDistributions(keyword, record);
   if (form.kind == eds_FormKind::OrientationByDistribution) return; // in the second pass
-  const cow_String fault = m_systems.Derive(record, Holder(), true);
+  const cow_String fault = m_systems.Derive(record, Holder());
   if (!fault.empty())
     Warning(keyword, "No local axes can be made of *" + keyword.Name() + " " +
                          (isTransform ? "" : "in an instance of the part ") + "(" + fault +

@@ -112,7 +112,7 @@ inpS_SetVisitor::Found inpS_SetVisitor::Find(Kind kind, const cow_String& name) 
 
 inpS_SetVisitor::Found inpS_SetVisitor::FindField(Kind kind, std::string_view asWritten) const {
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
-  if (parts.size() < 2) return FindIn(kind, m_owner, inp_Utils::Fold(asWritten));
+  if (parts.size() < 2) return FindIn(kind, m_owner, parts.back());
   return FindIn(kind, OccurrenceOf(parts[parts.size() - 2]), parts.back());
 }
 

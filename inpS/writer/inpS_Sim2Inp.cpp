@@ -281,12 +281,14 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
         [&](const KvoSimPosition& within, const KvoSimPosition& behind) {
           PrintKeptOf(within, behind);
         }};
-    for (const KvoSimPosition& record : scope.owner.GetVector(block.member)) {
-      if (record.IsA(eds_FormKind::Step))
-        PrintStep(record, printing);
-      else
-        inpS_printForm(*out, record, printing);
-      printTexts(&record);
+    for (const eds_Member member : inpS_membersOf(block)) {
+      for (const KvoSimPosition& record : scope.owner.GetVector(member)) {
+        if (record.IsA(eds_FormKind::Step))
+          PrintStep(record, printing);
+        else
+          inpS_printForm(*out, record, printing);
+        printTexts(&record);
+      }
     }
   }
   printTexts(nullptr);

@@ -172,6 +172,12 @@ TEST_F(Commands, JsonHoldsTheWholeRun) {
   EXPECT_TRUE(failed["failure"].get<cow_String>().ends_with("No such file or directory"));
   EXPECT_EQ(json::parse(ProgramRun({"info", File("d.sim"), "--json"}).out)["finished"], true);
   EXPECT_GE(json::parse(ProgramRun({"keywords", "--json"}).out)["keywords"].size(), 500u);
+  const json loads = json::parse(ProgramRun({"keywords", "--loads", "--json"}).out)["loads"];
+  const auto gravity = std::ranges::find(
+      loads, "GRAV", [](const json& row) { return row["labels"].get<cow_String>(); });
+  ASSERT_NE(gravity, loads.end());
+  EXPECT_EQ((*gravity)["values"][1]["name"], "direction");
+  EXPECT_TRUE((*gravity)["values"][1]["required"]);
 }
 
 TEST_F(Commands, JsonTakesAnyBytes) {

@@ -5,7 +5,7 @@
 inline constexpr const char* keptOfModel[] = {
     "*MATERIAL, NAME=STEEL\n*ELASTIC\n210000., 0.3\n*PLASTIC\n235., 0.\n300., 0.1\n",
     "*AMPLITUDE, NAME=RAMP\n0., 0., 1., 1.\n",
-    "*BOUNDARY\n1, 1, 3\n",
+    "*BOUNDARY, FILE=before, STEP=1\n",
     "*FLUX CAPACITOR, GIGAWATTS=1.21\n1, two, \"three\"\n",
     "*SURFACE INTERACTION, NAME=\"Rough One\"\n*FRICTION\n0.2,\n",
     "*INITIAL CONDITIONS, TYPE=TEMPERATURE\n1, 20.\n",
@@ -22,8 +22,8 @@ inline constexpr const char* keptOfParts[] = {
 };
 
 inline constexpr const char* keptSteps[] = {
-    "*STEP, NAME=\"Load it\", NLGEOM\nby a force\n*STATIC\n0.1, 1.\n*CLOAD\n1, 2, -5.\n"
+    "*STEP, NAME=\"Load it\", NLGEOM\nby a force\n*STATIC\n0.1, 1.\n*CLOAD, OP=NEW\n"
     "*OUTPUT, FIELD\n*NODE OUTPUT\nU, RF\n*END STEP\n",
-    "*STEP\n*FREQUENCY\n5,\n*BOUNDARY, OP=NEW\n1, 1, 6\n*WHATEVER\n7\n*END STEP\n",
-    "*step, perturbation\n*static\n*dload\n1, P1, 3.\n*end step\n",
+    "*STEP\n*FREQUENCY\n5,\n*BOUNDARY, OP=NEW\n*WHATEVER\n7\n*END STEP\n",
+    "*step, perturbation\n*static\n*dload\n, grav, 3., 1.\n*end step\n",
 };

@@ -1,0 +1,43 @@
+#include "inpS/history/inpS_BoundaryVisitor.h"
+#include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_FluidLines.h"
+#include "inpS/history/inpS_NodalLines.h"
+#include "parser/inp_Utils.h"
+
+inpS_BoundaryVisitor::inpS_BoundaryVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
+                                           const inpS_Inventory& inventory, inpS_Ledger& ledger)
+    : inpS_FormVisitor(inpS_Phase::Boundaries, nodes, elements, inventory, ledger),
+      m_fluidSteps(inventory.IsCFD()) {}
+
+bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
+  const bool isPhysical = form.kind == eds_FormKind::FluidBoundaryPhysical;
+  Names().SetTextOfMissing("surface", isPhysical
+                                          ? "invalid surface definition in PHYSICAL fluid boundary."
+                                          : "Surface \"%s\" does not exist.");
+  if (!isPhysical || !keyword.HasParameter("amplitude")) return true;
+  AddError(inp_Utils::MessageAtParameter(
+      keyword, "amplitude",
+      "The AMPLITUDE parameter cannot be used with a PHYSICAL fluid boundary type"));
+  return false;
+}
+
+// A condition that the analysis would go without.
+bool inpS_BoundaryVisitor::IsErrorToLack(inp_KeywordEnm) const {
+  return true;
+}
+
+bool inpS_BoundaryVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                       const KvoSimPosition& record) {
+  if (keyword.Kind() == inp_KwBoundary)
+    return inpS_BoundaryLines(keyword, m_fluidSteps.Has(OpenStep()))
+        .Read(form, record, Names(), *this);
+  inpS_FluidLines lines(keyword, form.kind);
+  return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+}
+
+void inpS_BoundaryVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                                     const KvoSimPosition& record) {
+  if (keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);
+  inpS_FormVisitor::Converted(keyword, form, record);
+}

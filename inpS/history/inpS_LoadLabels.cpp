@@ -1,0 +1,140 @@
+#include "inpS/history/inpS_LoadLabels.h"
+#include "inpS/sets/inpS_SurfaceElements.h"
+#include "parser/inp_KeywordTable.h"
+#include <algorithm>
+
+namespace {
+
+constexpr unsigned Any = 0; // loads of surfaces
+constexpr unsigned Shell = inp_ElemShell;
+constexpr unsigned Beam = inp_ElemBeam;
+constexpr unsigned Lines = inp_ElemBeam | inp_ElemTruss;
+constexpr unsigned Sheets = inp_ElemShell | inp_ElemMembrane | inp_ElemRigid;
+// Of what has faces with numbers; plane elements have their edges for them.
+constexpr unsigned Volumes = inp_ElemSolid | inp_ElemShell | inp_ElemCohesive | inp_ElemGasket |
+                             inp_ElemAcoustic | inp_ElemFluid | inp_ElemElectromagnetic;
+constexpr unsigned Bodies = Volumes | Sheets | Lines | inp_ElemInfinite;
+constexpr unsigned Masses = Bodies | inp_ElemMass;
+constexpr unsigned User = 1u << 31; // elements of users, which the table of types does not have
+constexpr unsigned Flows = inp_ElemFluid | inp_ElemSolid;
+
+// What tells a type's family; user elements have none of these, and take any load.
+constexpr unsigned allFamilies = Masses | inp_ElemConnector | inp_ElemSpring | inp_ElemContact |
+                                 inp_ElemCoupling | inp_ElemMeshOnly;
+
+struct Row {
+  const char* labels;
+  const char* keyword;
+  inp_KeywordEnm kind;
+  unsigned families;
+  inpS_LoadedPart part;
+  const char* values;
+  const char* units;
+};
+constexpr Row tableRows[] = {
+#define INPS_LOAD_LABEL(labels, Keyword, Families, Part, values, units)                            \
+  {labels, #Keyword, inp_Kw##Keyword, Families, inpS_LoadedPart::Part, values, units},
+#include "inpS/history/inpS_loadLabels.def"
+};
+
+template <class Use> void forWords(std::string_view text, const Use& use) {
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(' '), text.size());
+    use(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+}
+
+inpS_LoadLabel::Value readValue(std::string_view word) {
+  inpS_LoadLabel::Value value;
+  value.isRequired = word.ends_with('!');
+  if (value.isRequired) word.remove_suffix(1);
+  if (word.ends_with("*3")) {
+    value.components = 3;
+    word.remove_suffix(2);
+  }
+  value.name = word;
+  return value;
+}
+
+// The number that stands in the place of "#"; 0 where there is none, -1 for another label.
+int numberIn(std::string_view label, std::string_view pattern) {
+  const std::size_t place = pattern.find('#');
+  if (place == std::string_view::npos) return label == pattern ? 0 : -1;
+  const std::string_view behind = pattern.substr(place + 1);
+  if (label.size() < pattern.size() || !label.starts_with(pattern.substr(0, place)) ||
+      !label.ends_with(behind))
+    return -1;
+  const std::string_view digits = label.substr(place, label.size() - behind.size() - place);
+  const bool isNumber = digits.size() <= 2 && digits.front() != '0' &&
+                        digits.find_first_not_of("0123456789") == std::string_view::npos;
+  return isNumber ? std::stoi(cow_String(digits)) : -1;
+}
+
+} // namespace
+
+std::span<const inpS_LoadLabel> inpS_loadLabels() {
+  static const cow_List<inpS_LoadLabel> all = [] {
+    cow_List<inpS_LoadLabel> rows;
+    for (const Row& row : tableRows) {
+      inpS_LoadLabel label;
+      label.labels = row.labels;
+      label.keyword = row.kind;
+      label.keywordName = inp_KeywordTable::Instance().Row(row.kind)->name;
+      label.families = row.families;
+      label.part = row.part;
+      label.valuesText = row.values;
+      label.units = row.units;
+      forWords(row.values, [&](std::string_view word) { label.values.push_back(readValue(word)); });
+      rows.push_back(std::move(label));
+    }
+    return rows;
+  }();
+  return all;
+}
+
+bool inpS_hasLoadLabels(inp_KeywordEnm keyword) {
+  return std::ranges::find(tableRows, keyword, &Row::kind) != std::end(tableRows);
+}
+
+inpS_FoundLabel inpS_findLoadLabel(inp_KeywordEnm keyword, std::string_view label) {
+  inpS_FoundLabel found;
+  for (const inpS_LoadLabel& row : inpS_loadLabels()) {
+    if (row.keyword != keyword) continue;
+    forWords(row.labels, [&](std::string_view pattern) {
+      const int number = numberIn(label, pattern);
+      if (number < 0) return;
+      found.rows.push_back(&row);
+      found.number = std::max(found.number, number);
+    });
+  }
+  return found;
+}
+
+bool inpS_LoadLabel::Takes(const inp_ElementInfo& type, int number) const {
+  if (families == Any || (type.flags & allFamilies) == 0) return true;
+  if ((type.flags & families) == 0) return false;
+  if (part != inpS_LoadedPart::Face && part != inpS_LoadedPart::Edge) return true;
+  const auto first = part == inpS_LoadedPart::Face ? eds_SurfaceFace::S1 : eds_SurfaceFace::E1;
+  const int most = part == inpS_LoadedPart::Face ? 8 : 4;
+  return number >= 1 && number <= most &&
+         (inpS_facesOf(type) >> (static_cast<int>(first) + number - 1) & 1) != 0;
+}
+
+cow_String inpS_familiesText(unsigned families) {
+  struct Family {
+    unsigned flags;
+    std::string_view name;
+  };
+  static constexpr Family names[] = {{Masses, "all that has mass"},
+                                     {Bodies, "all that has a body"},
+                                     {Volumes, "solids, continuum shells"},
+                                     {Sheets, "shells, membranes, rigid faces"},
+                                     {Lines, "beams, pipes, trusses"},
+                                     {Flows, "fluids, solids"},
+                                     {User, "elements of users"},
+                                     {Shell, "shells"},
+                                     {Beam, "beams, pipes"}};
+  const auto known = std::ranges::find(names, families, &Family::flags);
+  return known == std::end(names) ? "surfaces" : cow_String(known->name);
+}

@@ -1,0 +1,140 @@
+#include "inpS/history/inpS_LoadLines.h"
+#include "inpS/forms/inpS_ColumnTargets.h"
+#include "parser/inp_BulkColumns.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+constexpr int targetColumn = 0;
+constexpr int labelColumn = 1;
+constexpr int firstValue = 2;
+
+bool isOfSurfaces(inp_KeywordEnm keyword) {
+  return std::ranges::any_of(inpS_loadLabels(), [&](const inpS_LoadLabel& row) {
+    return row.keyword == keyword && row.families == 0;
+  });
+}
+
+} // namespace
+
+inpS_LoadLines::inpS_LoadLines(const inp_Keyword& keyword, const KvoSimPosition& record,
+                               int dimensions, inpS_LoadedElements& elements)
+    : m_keyword(keyword), m_record(record), m_isInSpace(dimensions == 3),
+      m_isOfSurfaces(isOfSurfaces(keyword.Kind())), m_elements(elements) {}
+
+bool inpS_LoadLines::Takes(const Label& label, Type type) const {
+  return !type || std::ranges::any_of(label.found.rows, [&](const inpS_LoadLabel* row) {
+    return row->Takes(*type, label.found.number);
+  });
+}
+
+inpS_LoadLines::Label inpS_LoadLines::MakeLabel(const cow_String& text) const {
+  Label label;
+  label.text = text;
+  label.found = inpS_findLoadLabel(m_keyword.Kind(), text);
+  if (label.found.rows.empty()) return label;
+  label.needsValues = std::ranges::any_of(label.found.rows.front()->values,
+                                          [](const auto& value) { return value.isRequired; });
+  if (m_isOfSurfaces) return label;
+  for (const Type type : m_elements.Types()) label.takes.push_back(Takes(label, type));
+  label.needsTypes = std::ranges::find(label.takes, 0) != label.takes.end();
+  return label;
+}
+
+inpS_LoadLines::Label& inpS_LoadLines::LabelAt(int slot, Words words) {
+  const auto place = static_cast<std::size_t>(-1 - slot);
+  const cow_List<cow_String>& all = words[labelColumn]->All();
+  while (m_labels.size() < all.size()) m_labels.push_back(MakeLabel(all[m_labels.size()]));
+  return m_labels[place];
+}
+
+// Vectors are asked for one component that is not zero, axes where there is a choice of them.
+template <class Value>
+const inpS_LoadLabel::Value* inpS_LoadLines::MissingOf(const Label& label,
+                                                       const Value& valueAt) const {
+  int col = firstValue;
+  for (const inpS_LoadLabel::Value& value : label.found.rows.front()->values) {
+    bool isGiven = !value.isRequired || (value.IsAxis() && !m_isInSpace);
+    for (int n = 0; n < value.components; ++n, ++col) {
+      const double given = isGiven ? 0 : valueAt(col);
+      isGiven = isGiven || (!inp_isBlankReal(given) && (value.components == 1 || given != 0));
+    }
+    if (!isGiven) return &value;
+  }
+  return nullptr;
+}
+
+inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
+  if (!label.needsTypes || target == inp_blankInt || target == inpS_noTarget) return nullptr;
+  if (target >= 0) {
+    const int type = m_elements.TypeOf(target);
+    const auto place = static_cast<std::size_t>(type);
+    return type < 0 || label.takes[place] ? nullptr : m_elements.Types()[place];
+  }
+  const auto [known, isNew] = label.sets.try_emplace(target, nullptr);
+  if (!isNew) return known->second;
+  const cow_List<Type> types = m_elements.TypesOf(m_record, static_cast<std::size_t>(-1 - target));
+  const auto takes = [&](Type type) { return Takes(label, type); };
+  const bool isOfBody = label.found.rows.front()->part == inpS_LoadedPart::Body;
+  if (isOfBody && std::ranges::any_of(types, takes)) return nullptr;
+  const auto against = std::ranges::find_if_not(types, takes);
+  return known->second = against == types.end() ? nullptr : *against;
+}
+
+bool inpS_LoadLines::IsSound(const inp_ColumnPiece& piece, Words words) {
+  if (words[labelColumn]->All().empty()) return true;
+  LabelAt(-1, words);
+  if (std::ranges::all_of(m_labels, &Label::IsCarefree)) return true;
+  for (std::size_t n = 0; n < piece.count; ++n) {
+    const int slot = piece.columns[labelColumn].ints[n];
+    if (slot >= 0 || slot == inp_blankInt || slot == inpS_noTarget) continue; // told by its type
+    Label& label = LabelAt(slot, words);
+    if (label.IsCarefree()) continue;
+    const auto valueAt = [&](int col) {
+      const auto c = static_cast<std::size_t>(col);
+      return c < piece.columns.size() ? piece.columns[c].reals[n] : inp_blankReal;
+    };
+    if (label.found.rows.empty() || (label.needsValues && MissingOf(label, valueAt)) ||
+        TypeAgainst(label, piece.columns[targetColumn].ints[n]))
+      return false;
+  }
+  return true;
+}
+
+std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line) {
+  const int slot = line.slots[labelColumn];
+  if (slot >= 0 || static_cast<std::size_t>(-1 - slot) >= m_labels.size()) return {};
+  Label& label = m_labels[static_cast<std::size_t>(-1 - slot)];
+  if (label.found.rows.empty())
+    return inpS_LineFault{labelColumn,
+                          inp_Utils::Format("Unsupported load type: %s", label.text.c_str())};
+  const auto valueAt = [&](int col) { return line.Has(col) ? line.Real(col) : inp_blankReal; };
+  if (const inpS_LoadLabel::Value* missing = MissingOf(label, valueAt))
+    return inpS_LineFault{-1, TextOf(label, *missing)};
+  if (const Type type = TypeAgainst(label, line.slots[targetColumn]))
+    return inpS_LineFault{labelColumn, TextOf(label, *type), false, false};
+  return {};
+}
+
+cow_String inpS_LoadLines::TextOf(const Label& label, const inpS_LoadLabel::Value& missing) const {
+  if (m_keyword.Kind() == inp_KwDsload && missing.components > 1)
+    return "*DSLOAD traction load vector is null";
+  return label.text + ": its " + cow_String(missing.name) +
+         (missing.components > 1 ? " is not given, or zero." : " is not given.");
+}
+
+cow_String inpS_LoadLines::TextOf(const Label& label, const inp_ElementInfo& type) const {
+  const inpS_LoadLabel& row = *label.found.rows.front();
+  const bool isOfFamily = (type.flags & row.families) != 0;
+  const bool isNumbered = row.part == inpS_LoadedPart::Face || row.part == inpS_LoadedPart::Edge;
+  const cow_String elements = "elements of type " + cow_String(type.name);
+  if (isNumbered && isOfFamily)
+    return label.text + ": " + elements + " have no " +
+           (row.part == inpS_LoadedPart::Face ? "face " : "edge ") +
+           std::to_string(label.found.number) + ".";
+  cow_String families;
+  for (const inpS_LoadLabel* one : label.found.rows)
+    families += (families.empty() ? "" : "; ") + inpS_familiesText(one->families);
+  return label.text + " makes no sense on " + elements + ": it is for " + families + ".";
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "inpS/forms/inpS_LineCheck.h"
+#include "inpS/history/inpS_LoadLabels.h"
+#include "inpS/history/inpS_LoadedElements.h"
+#include "parser/inp_Keyword.h"
+
+// The lines of a keyword whose second field is a label of inpS_loadLabels.def: it must be one of
+// the keyword's, what it needs must follow it, and the elements must be such that can be loaded so.
+// A label that all elements of the mesh take, and that needs nothing, is looked at once, whatever
+// the lines.
+class inpS_LoadLines : public inpS_LineCheck {
+public:
+  inpS_LoadLines(const inp_Keyword& keyword, const KvoSimPosition& record, int dimensions,
+                 inpS_LoadedElements& elements);
+
+  bool IsSound(const inp_ColumnPiece& piece, Words words) override;
+  std::optional<inpS_LineFault> FaultOf(const inpS_LineView& line) override;
+  bool IsErrorToRefuse() const override { return true; }
+
+private:
+  using Type = inpS_LoadedElements::Type;
+  struct Label {
+    cow_String text;
+    inpS_FoundLabel found;
+    bool needsValues = false;
+    bool needsTypes = false; // some element of the mesh does not take it
+    cow_List<char> takes;    // by the mesh's types
+    cow_Map<int, Type> sets; // by place: the type that does not take it; null: all do
+    bool IsCarefree() const { return !found.rows.empty() && !needsValues && !needsTypes; }
+  };
+  Label MakeLabel(const cow_String& text) const;
+  Label& LabelAt(int slot, Words words);
+  // The value that is asked for and not given; null: there is none.
+  template <class Value>
+  const inpS_LoadLabel::Value* MissingOf(const Label& label, const Value& valueAt) const;
+  bool Takes(const Label& label, Type type) const;
+  Type TypeAgainst(Label& label, int target); // null: none
+  cow_String TextOf(const Label& label, const inpS_LoadLabel::Value& missing) const;
+  cow_String TextOf(const Label& label, const inp_ElementInfo& type) const;
+
+  const inp_Keyword& m_keyword;
+  KvoSimPosition m_record;
+  bool m_isInSpace; // three dimensions
+  bool m_isOfSurfaces;
+  inpS_LoadedElements& m_elements;
+  cow_List<Label> m_labels; // as the column's words
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "inpS/sets/inpS_SurfaceElements.h"
+
+// The element types of the flat mesh, as loads of elements ask for them.
+class inpS_LoadedElements {
+public:
+  using Type = const inp_ElementInfo*; // null: one that the table does not know
+
+  explicit inpS_LoadedElements(const KvoObjDocument& document);
+
+  // Each type that elements are of, once.
+  const cow_List<Type>& Types() const { return m_types; }
+  // The place in that list; -1: there is no such element. Neighbours cost next to nothing.
+  int TypeOf(long long element);
+  // Of the members of the n-th set that a record names: each type once.
+  cow_List<Type> TypesOf(const KvoSimPosition& record, std::size_t set);
+
+private:
+  const KvoObjMesh m_mesh;
+  inpS_SurfaceElements m_elements;
+  const cow_List<inpS_SurfaceElements::Run>& m_runs;
+  cow_List<int> m_ofRuns; // as m_runs
+  const inpS_SurfaceElements::Run* m_last = nullptr;
+  cow_List<Type> m_types;
+};

@@ -1,0 +1,176 @@
+#include "inpS/history/inpS_NodalLines.h"
+#include "inpS/forms/inpS_ColumnReader.h"
+#include "parser/inp_BulkColumns.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+#include <algorithm>
+
+namespace {
+
+constexpr int firstColumn = 1; // degree of freedom, or a word
+constexpr int lastColumn = 2;
+constexpr int mostDegree = 30;
+constexpr int mostFixed = 6;
+constexpr int mostLoaded = 8;
+
+constexpr std::string_view restraints[] = {"ENCASTRE", "PINNED", "XSYMM",   "YSYMM",
+                                           "ZSYMM",    "XASYMM", "YASYMM",  "ZASYMM",
+                                           "NOWARP",   "NOOVAL", "NODEFORM"};
+constexpr std::string_view velocities[] = {"VELX", "VELY", "VELZ", "VELXNU", "VELYNU", "VELZNU"};
+constexpr std::string_view flowForces[] = {"FX", "FY", "FZ"};
+
+template <std::size_t count>
+bool isOneOf(const cow_String& word, const std::string_view (&words)[count]) {
+  return std::ranges::find(words, word) != std::end(words);
+}
+
+cow_String listOfRestraints() {
+  cow_String list(restraints[0]);
+  for (const std::string_view word : std::span(restraints).subspan(1))
+    list += (word == std::end(restraints)[-1] ? " or " : ", ") + cow_String(word);
+  return list;
+}
+
+cow_String textOfDegree(int degree) {
+  return "Degree of freedom " + std::to_string(degree) + " is none of 1 to " +
+         std::to_string(mostDegree) + ".";
+}
+
+bool isWord(int slot) {
+  return slot < 0 && slot != inp_blankInt;
+}
+
+} // namespace
+
+// ---- labels that are not there
+
+inpS_NodalLines::inpS_NodalLines(const inp_Keyword& keyword, std::string_view missing,
+                                 std::string_view ofInstance)
+    : m_keyword(keyword), m_missing(missing), m_ofInstance(ofInstance) {}
+
+bool inpS_NodalLines::TakeMissing(bool isLabel, const cow_String& asWritten) {
+  if (!isLabel) return false;
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
+  if (parts.size() < 2 || m_ofInstance.empty())
+    m_labels[""].push_back(asWritten);
+  else
+    m_labels[parts[parts.size() - 2]].push_back(parts.back());
+  return true;
+}
+
+bool inpS_NodalLines::Read(const eds_FormInfo& form, const KvoSimPosition& record,
+                           const inpS_FormNames& names, inp_Visitor& messages) {
+  const bool isWhole = inpS_ColumnReader(m_keyword, form, record, names, messages, this).Read();
+  Tell(messages);
+  return isWhole;
+}
+
+void inpS_NodalLines::Tell(inp_Visitor& messages) const {
+  for (const auto& [instance, labels] : m_labels) {
+    const cow_String text =
+        instance.empty() ? m_missing : inp_Utils::Format(m_ofInstance.c_str(), instance.c_str());
+    wip_Message message = inp_Utils::MessageInKeyword(m_keyword, text, labels);
+    message.notes.push_back(
+        {"Their lines are kept as they stand, and nothing is made of them.", {}});
+    messages.AddError(std::move(message));
+  }
+}
+
+// ---- conditions
+
+inpS_BoundaryLines::inpS_BoundaryLines(const inp_Keyword& keyword, bool isFluidStep)
+    : inpS_NodalLines(keyword, "Boundary condition references undefined nodes: ",
+                      "Boundary condition references undefined nodes from instance %s: "),
+      m_isFluidStep(isFluidStep), m_isFixed(keyword.HasParameter("fixed")),
+      m_needsDegree(!keyword.HasParameter("submodel") && !keyword.HasParameter("file")) {}
+
+cow_String inpS_BoundaryLines::TextOfMissing(const cow_String& name) const {
+  return "Boundary condition references undefined node set: " + name;
+}
+
+bool inpS_BoundaryLines::IsWord(const cow_String& text) const {
+  return isOneOf(text, restraints) || (m_isFluidStep && isOneOf(text, velocities));
+}
+
+bool inpS_BoundaryLines::IsSound(const inp_ColumnPiece& piece, Words words) {
+  const cow_List<cow_String>& all = words[firstColumn]->All();
+  for (; m_knownWords < all.size(); ++m_knownWords)
+    m_areWordsKnown = m_areWordsKnown && IsWord(all[m_knownWords]);
+  const int most = m_isFixed ? mostFixed : mostDegree;
+  bool isSound = m_areWordsKnown;
+  const std::span<const int> first = piece.columns[firstColumn].ints;
+  const std::span<const int> last = piece.columns[lastColumn].ints;
+  for (std::size_t n = 0; n < piece.count; ++n) {
+    const bool isFirst = first[n] == inp_blankInt
+                             ? !m_needsDegree
+                             : first[n] < 0 || (first[n] >= 1 && first[n] <= most);
+    const bool isLast = last[n] == inp_blankInt || (last[n] >= first[n] && last[n] <= most);
+    isSound &= isFirst && isLast;
+  }
+  return isSound;
+}
+
+std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& line) {
+  const int first = line.slots[firstColumn];
+  const int last = line.slots[lastColumn];
+  if (isWord(first)) {
+    const cow_String word = inp_Utils::Fold(line.Text(firstColumn));
+    if (IsWord(word)) return {};
+    return inpS_LineFault{firstColumn,
+                          "\"" + word + "\" is none of the restraints " + listOfRestraints() + "."};
+  }
+  if (first == inp_blankInt) {
+    if (!m_needsDegree) return {};
+    return inpS_LineFault{-1, "The line does not tell its degree of freedom."};
+  }
+  for (const int col : {firstColumn, lastColumn}) {
+    const int degree = line.slots[static_cast<std::size_t>(col)];
+    if (degree == inp_blankInt) continue;
+    if (degree < 1 || degree > mostDegree) return inpS_LineFault{col, textOfDegree(degree)};
+    if (m_isFixed && degree > mostFixed)
+      return inpS_LineFault{col,
+                            "Boundary condition with parameter fixed not supported for dof > 6"};
+  }
+  if (last != inp_blankInt && last < first)
+    return inpS_LineFault{lastColumn, "The last degree of freedom, " + std::to_string(last) +
+                                          ", is below the first, " + std::to_string(first) + "."};
+  return {};
+}
+
+// ---- loads
+
+inpS_ConcentratedLines::inpS_ConcentratedLines(const inp_Keyword& keyword, bool isFluidStep)
+    : inpS_NodalLines(keyword, "Cloadreferences undefined nodes: "), m_isFluidStep(isFluidStep) {}
+
+bool inpS_ConcentratedLines::IsSound(const inp_ColumnPiece& piece, Words words) {
+  if (m_isFluidStep || !words[firstColumn]->All().empty()) return false;
+  bool isSound = true;
+  for (const int degree : piece.columns[firstColumn].ints.first(piece.count))
+    isSound &= degree >= 1 && degree <= mostLoaded;
+  return isSound;
+}
+
+std::optional<inpS_LineFault> inpS_ConcentratedLines::FaultOf(const inpS_LineView& line) {
+  const int degree = line.slots[firstColumn];
+  const cow_String word = inp_Utils::Fold(line.Text(firstColumn));
+  if (m_isFluidStep) {
+    if (isOneOf(word, flowForces)) return {};
+    return inpS_LineFault{
+        firstColumn,
+        inp_Utils::Format("Unsupported *CLOAD type \"%s\" for flow step", word.c_str())};
+  }
+  if (isWord(degree))
+    return inpS_LineFault{firstColumn, "\"" + word + "\" is no degree of freedom."};
+  if (degree == inp_blankInt)
+    return inpS_LineFault{-1, "The line does not tell its degree of freedom."};
+  if (degree < 1 || degree > mostDegree) return inpS_LineFault{firstColumn, textOfDegree(degree)};
+  if (degree <= mostLoaded) return {};
+  const bool isHeat = degree > 10;
+  return inpS_LineFault{firstColumn,
+                        "Degree of freedom " + std::to_string(degree) + " takes no force: " +
+                            (isHeat ? "fluxes are given by *CFLUX."
+                             : degree == 9
+                                 ? "charges and currents are given by *CECHARGE and *CECURRENT."
+                                 : "only elements of users may have loads of it."),
+                        false, false};
+}
