@@ -19,6 +19,8 @@ constexpr inps_Option options[] = {
     {Opt::Sets, 0, "--sets", "", "every set as a block of its own, listed in MESH.vtm"},
     {Opt::Surfaces, 0, "--surfaces", "", "every surface as a block of its own, likewise"},
     {Opt::Axes, 0, "--axes", "", "local axes of elements, from the orientations of their sections"},
+    {Opt::Compress, 0, "--compress", "HOW",
+     "lz4, zlib or none: how arrays are compressed; lz4 without it"},
     {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
     {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
     {Opt::Markdown, 0, "--markdown", "", "as a table for documents"},
@@ -47,8 +49,8 @@ constexpr Text convertExamples[] = {
 constexpr Opt writeOptions[] = {Opt::Output, Opt::Force, Opt::Timings};
 constexpr Text writeExamples[] = {"inps write bracket.sim -o written.inp",
                                   "inps write bracket.sim | less"};
-constexpr Opt exportOptions[] = {Opt::Force,   Opt::Sets, Opt::Surfaces, Opt::Axes,
-                                 Opt::Timings, Opt::Json, Opt::Quiet};
+constexpr Opt exportOptions[] = {Opt::Force,    Opt::Sets,    Opt::Surfaces, Opt::Axes,
+                                 Opt::Compress, Opt::Timings, Opt::Json,     Opt::Quiet};
 constexpr Text exportExamples[] = {"inps export bracket.sim bracket.vtu",
                                    "inps export bracket.sim bracket.vtu --sets --surfaces --force"};
 constexpr Opt checkOptions[] = {Opt::Strict, Opt::NoKept, Opt::Timings, Opt::Json, Opt::Quiet};

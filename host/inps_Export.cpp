@@ -34,8 +34,9 @@ struct BlockGroup {
 
 class Export {
 public:
-  Export(inps_Session& session, inps_Run& run, const inps_Arguments& arguments)
-      : m_session(session), m_run(run), m_arguments(arguments),
+  Export(inps_Session& session, inps_Run& run, const inps_Arguments& arguments,
+         inps_VtuCompression compression)
+      : m_session(session), m_run(run), m_arguments(arguments), m_compression(compression),
         m_input(arguments.Operands()[0], session),
         m_held(arguments.Operands()[1] == inps_dash
                    ? std::make_unique<inps_TemporaryFile>("mesh.vtu")
@@ -83,7 +84,7 @@ private:
     m_sections->AddTo(grid, cells);
     AddSetArrays("node", inps_nodeSetsOf(mesh), mesh.NodeCount(), grid.pointData);
     AddSetArrays("element", inps_elementSetsOf(mesh), mesh.ElementCount(), grid.cellData);
-    inps_writeVtu(file, grid);
+    inps_writeVtu(file, grid, m_compression);
     for (const inps_ExportCells::Loss& loss : cells.Losses()) TellLoss(mesh, loss);
   }
 
@@ -151,16 +152,16 @@ private:
     nodes.Number();
     inps_VtuGrid grid = inps_cellGrid(mesh, cells, nodes);
     m_sections->AddTo(grid, cells);
-    inps_writeVtu(file, grid);
+    inps_writeVtu(file, grid, m_compression);
   }
 
-  static void WriteNodes(const inps_FlatMesh& mesh, const eds_MemberSet& members,
-                         const Path& file) {
+  void WriteNodes(const inps_FlatMesh& mesh, const eds_MemberSet& members,
+                  const Path& file) const {
     auto nodes = inps_NodeSelection::None(mesh.NodeCount());
     for (int64_t i = 0; i < members.Size(); ++i)
       if (members[i] >= 0 && members[i] < mesh.NodeCount()) nodes.Add(members[i]);
     nodes.Number();
-    inps_writeVtu(file, inps_nodeGrid(mesh, nodes));
+    inps_writeVtu(file, inps_nodeGrid(mesh, nodes), m_compression);
   }
 
   void WriteSurface(const inps_FlatMesh& mesh, const inps_NamedSurface& named,
@@ -230,6 +231,7 @@ private:
   inps_Session& m_session;
   inps_Run& m_run;
   const inps_Arguments& m_arguments;
+  inps_VtuCompression m_compression;
   inps_Input m_input;
   std::unique_ptr<inps_TemporaryFile> m_held; // of a mesh for standard output
   Path m_target;
@@ -252,6 +254,16 @@ int inps_export(inps_Session& session, const inps_Arguments& arguments) {
                 << arguments.Operands()[1] << '\n';
     return inps_ExitUsage;
   }
+  auto compression = inps_VtuCompression::Lz4;
+  if (arguments.Has(inps_Opt::Compress)) {
+    const cow_String& wanted = arguments.ValueOf(inps_Opt::Compress);
+    const auto name = std::ranges::find(inps_vtuCompressionNames, wanted);
+    if (name == std::end(inps_vtuCompressionNames)) {
+      session.err << "inps: \"--compress\" is lz4, zlib or none, not \"" << wanted << "\"\n";
+      return inps_ExitUsage;
+    }
+    compression = static_cast<inps_VtuCompression>(name - std::begin(inps_vtuCompressionNames));
+  }
   inps_Run run(session, arguments);
-  return run.Do([&] { return Export(session, run, arguments)(); });
+  return run.Do([&] { return Export(session, run, arguments, compression)(); });
 }

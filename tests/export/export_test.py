@@ -351,6 +351,16 @@ class Exports(unittest.TestCase):
         self.assertEqual(values(grid.GetCellData(), "ElementLabel"), list(range(1, n ** 3 + 1)))
         inside = values(grid.GetCellData(), "Set SQUARES")
         self.assertEqual([i + 1 for i, flag in enumerate(inside) if flag], squares)
+        for how in ("zlib", "none"):  # VTK reads each, and lz4 above
+            same_mesh = self.export("\n".join(lines) + "\n", "--compress", how, "--sets", "--force")
+            for data in ("GetPointData", "GetCellData", "GetFieldData"):
+                one, other = getattr(grid, data)(), getattr(same_mesh, data)()
+                self.assertEqual(names(one), names(other))
+                for name in names(one):
+                    self.assertEqual(values(one, name), values(other, name), (how, name))
+            self.assertEqual(same_mesh.GetBounds(), grid.GetBounds())
+            self.assertEqual([same_mesh.GetCell(i).GetBounds() for i in (0, 777)],
+                             [grid.GetCell(i).GetBounds() for i in (0, 777)])
         block = self.blocks()["Element sets/SQUARES"]
         self.assertEqual(values(block.GetCellData(), "ElementLabel"), squares)
         i = squares[-1] - 1
