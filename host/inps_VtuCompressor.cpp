@@ -57,7 +57,8 @@ public:
   }
 
 private:
-  // Coordinates hardly compress: to look less closely is faster by a sixth, and files get no larger.
+  // Coordinates hardly compress: to look less closely is faster by a sixth, and files get no
+  // larger.
   static constexpr int acceleration = 4;
   utl_Buffer<char> m_state;
 };

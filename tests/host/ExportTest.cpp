@@ -1,4 +1,7 @@
 #include "base/utl_BlockSize.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
 #include "host/inps_ExportShapes.h"
 #include "tests/host/ProgramRun.h"
 #include <algorithm>
@@ -54,7 +57,7 @@ cow_String unpacked(std::string_view data, const cow_String& how) {
 
 // All arrays of all files of an export, by file and declaration without its offset.
 std::map<cow_String, cow_String> arraysOf(const std::filesystem::path& folder,
-                                         const cow_String& how) {
+                                          const cow_String& how) {
   std::map<cow_String, cow_String> arrays;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
     if (entry.path().extension() != ".vtu") continue;
@@ -197,6 +200,21 @@ TEST_F(Export, WrongWordsAndPlaces) {
   const ProgramRun how({"export", deck, File("m.vtu"), "--compress", "LZMA"});
   EXPECT_EQ(how.exitCode, 2);
   EXPECT_TRUE(how.Says("is lz4, zlib or none, not \"LZMA\"")) << how.err;
+  for (const char* step : {"0", "1x", "-1", "99999999999"}) {
+    const ProgramRun run({"export", deck, File("m.vtu"), cow_String("--step=") + step});
+    EXPECT_EQ(run.exitCode, 2) << step;
+    EXPECT_TRUE(run.Says("needs the number of a step, from 1 on")) << run.err;
+  }
+  EXPECT_EQ(ProgramRun({"export", deck, "-", "--step", "1"}).exitCode, 2);
+  const ProgramRun noStep({"export", deck, File("m.vtu"), "--step", "1"});
+  EXPECT_EQ(noStep.exitCode, 2);
+  EXPECT_TRUE(noStep.Says("there is no step 1: the model has no steps")) << noStep.err;
+  const cow_String two = cow_String(oneBrick) + "*STEP\n*STATIC\n*END STEP\n";
+  const ProgramRun third({"export", Deck("s.inp", two + two.substr(two.find("*STEP"))),
+                          File("m.vtu"), "--step", "3", "--json"});
+  EXPECT_EQ(third.exitCode, 2);
+  EXPECT_NE(third.out.find("the model has 2 steps"), cow_String::npos) << third.out;
+  EXPECT_FALSE(Exists("m.vtu") || Exists("m.vtm") || Exists("m"));
   EXPECT_EQ(ProgramRun({"export", deck, File("none/m.vtu")}).exitCode, 3);
   std::filesystem::create_directory(m_folder / "f.vtu");
   const ProgramRun folder({"export", deck, File("f.vtu"), "--force"});
@@ -206,6 +224,34 @@ TEST_F(Export, WrongWordsAndPlaces) {
       {"export", Deck("bad.inp", cow_String(oneBrick) + "*NODE\n9, zero\n"), File("bad.vtu")});
   EXPECT_EQ(faulty.exitCode, 1);
   EXPECT_TRUE(Exists("bad.vtu")) << faulty.err;
+}
+
+// Conditions that another program made are told, where they are in force.
+TEST_F(Export, TellsOfExcitationsThatNoKeywordGives) {
+  const cow_String step = "*STEP\n*STATIC\n*END STEP\n";
+  ASSERT_EQ(
+      ProgramRun({"convert", Deck("m.inp", oneBrick + step + step + step), "-o", File("m.sim")})
+          .exitCode,
+      0);
+  {
+    KvoObjDocument document = KvoObjDocument::Open(m_folder / "m.sim", KvoAccess::ReadWrite);
+    const KvoSimPosition model = document.GetModel().Position();
+    const KvoSimPosition excitation = model.CreateDataRecord(eds_RecordKind::Excitation);
+    excitation.DataRecord().SetString(eds_Excitation_Name, "Excitation_0");
+    model.AssociateStringKey(eds_Member::Excitations, "Excitation_0", excitation);
+    KvoSimDataRecord relay = model.CreateDataRecord(eds_RecordKind::Relay).DataRecord();
+    relay.SetReference(eds_Relay_Excitation, excitation);
+    relay.SetInt(eds_Relay_FirstStep, 2);
+    relay.SetInt(eds_Relay_LastStep, 2);
+    document.Finish();
+  }
+  for (const char* number : {"1", "2", "3"}) {
+    const ProgramRun run({"export", File("m.sim"), File("m.vtu"), "--step", number, "--force"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.Says("excitation Excitation_0, which no keyword gives, acts in step 2"),
+              number[0] == '2')
+        << run.err;
+  }
 }
 
 TEST_F(Export, PartsWithoutInstancesHaveNoPlace) {
