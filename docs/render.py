@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Renders the generated examples to docs/pictures with VTK, off the screen, and puts their decks
+"""Renders examples to docs/pictures with VTK, off the screen, and puts the decks of the generated ones
 into docs/gallery.md. Run by ./inps pictures; needs python3-vtk9 and, without a display, xvfb-run."""
 import os
 import pathlib
@@ -20,13 +20,24 @@ PICTURES = (
     ("generated_bracket", "LEFT", (0.7, 0.45, 1.0), (0, 1, 0), 1.05),
     ("generated_horn", "BELL", (0.15, -0.55, 1.0), (0, 1, 0), 1.35),
 )
+# example, step, where the camera stands, its upward direction, how near it comes
+LOADED = ("bracket", 1, (0.85, -1.0, 0.5), (0, 0, 1), 1.12)
+SUPPORT, FORCE = (0.2, 0.55, 0.35), (0.8, 0.2, 0.18)
 
 
-def export(program, name, folder):
+def export(program, name, folder, *words):
     for command in (("convert", ROOT / "examples" / f"{name}.inp", "-o", folder / f"{name}.sim"),
-                    ("export", folder / f"{name}.sim", folder / f"{name}.vtu")):
+                    ("export", folder / f"{name}.sim", folder / f"{name}.vtu", *words)):
         subprocess.run([program, *map(str, command), "--quiet"], check=True)
     return folder / f"{name}.vtu"
+
+
+def read(file):
+    from vtkmodules.vtkIOXML import vtkXMLUnstructuredGridReader
+    reader = vtkXMLUnstructuredGridReader()
+    reader.SetFileName(str(file))
+    reader.Update()
+    return reader.GetOutput()
 
 
 def threshold(grid, array, value):
@@ -42,7 +53,60 @@ def threshold(grid, array, value):
     return part.GetOutput()
 
 
-def actor(grid, colour):
+def glyphs(nodes, source, along, length, transform=None):
+    """The source at each node, along a vector if it has one there."""
+    from vtkmodules.vtkCommonDataModel import vtkDataObject
+    from vtkmodules.vtkFiltersCore import vtkGlyph3D
+    made = vtkGlyph3D()
+    made.SetInputData(nodes)
+    made.SetSourceConnection(source.GetOutputPort())
+    made.SetScaleModeToDataScalingOff()
+    made.SetScaleFactor(length)
+    if along:
+        made.SetInputArrayToProcess(1, 0, 0, vtkDataObject.FIELD_ASSOCIATION_POINTS, along)
+        made.SetVectorModeToUseVector()
+        made.OrientOn()
+    if transform:
+        made.SetSourceTransform(transform)
+    made.Update()
+    return made.GetOutput()
+
+
+def chosen_nodes(nodes, array):
+    """Those whose array is not zero."""
+    from vtkmodules.vtkCommonCore import vtkPoints
+    from vtkmodules.vtkCommonDataModel import vtkPolyData
+    data = nodes.GetPointData().GetArray(array)
+    points, vectors = vtkPoints(), data.NewInstance()
+    vectors.SetName(array)
+    vectors.SetNumberOfComponents(data.GetNumberOfComponents())
+    for n in range(nodes.GetNumberOfPoints()):
+        if any(data.GetTuple(n)):
+            points.InsertNextPoint(nodes.GetPoint(n))
+            vectors.InsertNextTuple(data.GetTuple(n))
+    some = vtkPolyData()
+    some.SetPoints(points)
+    some.GetPointData().AddArray(vectors)
+    return some
+
+
+def signs(folder, name):
+    """What acts: a cube at each node that is held, an arrow that ends at each one with a force."""
+    from vtkmodules.vtkCommonTransforms import vtkTransform
+    from vtkmodules.vtkFiltersSources import vtkArrowSource, vtkCubeSource
+    nodes = read(folder / name / "nodes-1-Nodes.vtu")
+    arrow = vtkArrowSource()
+    arrow.SetTipResolution(24)
+    arrow.SetShaftResolution(24)
+    back = vtkTransform()
+    back.Translate(-1, 0, 0)
+    size = nodes.GetLength()
+    return (actor(glyphs(chosen_nodes(nodes, "FixedDofs"), vtkCubeSource(), None, size / 30), SUPPORT, False),
+            actor(glyphs(chosen_nodes(nodes, "Force"), arrow, "Force", size / 6, back), FORCE, False))
+
+
+def actor(grid, colour, with_edges=True, opacity=1):
+    import vtkmodules.vtkRenderingOpenGL2  # noqa: F401 (what draws; actors before it are none)
     from vtkmodules.vtkRenderingCore import vtkActor, vtkDataSetMapper
     mapper = vtkDataSetMapper()
     mapper.SetInputData(grid)
@@ -51,7 +115,8 @@ def actor(grid, colour):
     shown.SetMapper(mapper)
     look = shown.GetProperty()
     look.SetColor(*colour)
-    look.EdgeVisibilityOn()
+    look.SetOpacity(opacity)
+    look.SetEdgeVisibility(with_edges)
     look.SetEdgeColor(*LINES)
     look.SetLineWidth(1.0)
     look.SetAmbient(0.25)
@@ -59,19 +124,14 @@ def actor(grid, colour):
     return shown
 
 
-def render(file, chosen, direction, up, zoom, picture):
-    import vtkmodules.vtkRenderingOpenGL2  # noqa: F401 (what draws)
+def render(actors, direction, up, zoom, picture):
     from vtkmodules.vtkIOImage import vtkPNGWriter
-    from vtkmodules.vtkIOXML import vtkXMLUnstructuredGridReader
     from vtkmodules.vtkRenderingCore import (vtkRenderer, vtkRenderWindow,
                                              vtkWindowToImageFilter)
-    reader = vtkXMLUnstructuredGridReader()
-    reader.SetFileName(str(file))
-    reader.Update()
     renderer = vtkRenderer()
     renderer.SetBackground(*BACKGROUND)
-    for value, colour in ((0, STEEL), (1, ACCENT)):
-        renderer.AddActor(actor(threshold(reader.GetOutput(), f"Set {chosen}", value), colour))
+    for one in actors:
+        renderer.AddActor(one)
     window = vtkRenderWindow()
     window.SetOffScreenRendering(1)
     window.SetMultiSamples(8)
@@ -94,6 +154,13 @@ def render(file, chosen, direction, up, zoom, picture):
     writer.Write()
 
 
+def save(actors, name, *view):
+    picture = ROOT / "docs" / "pictures" / f"{name}.png"
+    picture.parent.mkdir(exist_ok=True)
+    render(actors, *view, picture)
+    print(f"{picture.relative_to(ROOT)}: {picture.stat().st_size // 1000} kB")
+
+
 def put_decks(page):
     """The decks as they stand in examples, without their heading."""
     for name, *_ in PICTURES:
@@ -109,12 +176,15 @@ def main():
     program = sys.argv[1] if len(sys.argv) > 1 else str(ROOT / "build/release/bin/inps")
     if not os.environ.get("DISPLAY") and shutil.which("xvfb-run"):
         os.execvp("xvfb-run", ["xvfb-run", "-a", sys.executable, __file__, program])
-    with tempfile.TemporaryDirectory(prefix="inps-pictures-") as folder:
-        for name, *view in PICTURES:
-            picture = ROOT / "docs" / "pictures" / f"{name}.png"
-            picture.parent.mkdir(exist_ok=True)
-            render(export(program, name, pathlib.Path(folder)), *view, picture)
-            print(f"{picture.relative_to(ROOT)}: {picture.stat().st_size // 1000} kB")
+    with tempfile.TemporaryDirectory(prefix="inps-pictures-") as name:
+        folder = pathlib.Path(name)
+        for name, chosen, *view in PICTURES:
+            grid = read(export(program, name, folder))
+            save([actor(threshold(grid, f"Set {chosen}", value), colour)
+                  for value, colour in ((0, STEEL), (1, ACCENT))], name, *view)
+        name, step, *view = LOADED
+        grid = read(export(program, name, folder, "--step", step))
+        save([actor(grid, STEEL, opacity=0.35), *signs(folder, name)], f"loaded_{name}", *view)
     gallery = ROOT / "docs" / "gallery.md"
     gallery.write_text(put_decks(gallery.read_text(encoding="utf-8")), encoding="utf-8")
 

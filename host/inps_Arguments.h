@@ -18,6 +18,8 @@ enum class inps_Opt : unsigned char {
   Sets,
   Surfaces,
   Axes,
+  Compress,
+  Step,
   Timings,
   Json,
   Loads,

@@ -19,6 +19,9 @@ constexpr inps_Option options[] = {
     {Opt::Sets, 0, "--sets", "", "every set as a block of its own, listed in MESH.vtm"},
     {Opt::Surfaces, 0, "--surfaces", "", "every surface as a block of its own, likewise"},
     {Opt::Axes, 0, "--axes", "", "local axes of elements, from the orientations of their sections"},
+    {Opt::Compress, 0, "--compress", "HOW",
+     "lz4, zlib or none: how arrays are compressed; lz4 without it"},
+    {Opt::Step, 0, "--step", "N", "what acts in the N-th step: loads, supports, pressures"},
     {Opt::Timings, 0, "--timings", "", "time of every phase and peak memory"},
     {Opt::Json, 0, "--json", "", "one JSON object on standard output, every message in full"},
     {Opt::Loads, 0, "--loads", "", "the labels of loads: on which elements, what follows, units"},
@@ -48,10 +51,11 @@ constexpr Text convertExamples[] = {
 constexpr Opt writeOptions[] = {Opt::Output, Opt::Force, Opt::Timings};
 constexpr Text writeExamples[] = {"inps write bracket.sim -o written.inp",
                                   "inps write bracket.sim | less"};
-constexpr Opt exportOptions[] = {Opt::Force,   Opt::Sets, Opt::Surfaces, Opt::Axes,
-                                 Opt::Timings, Opt::Json, Opt::Quiet};
+constexpr Opt exportOptions[] = {Opt::Force,    Opt::Sets,    Opt::Surfaces, Opt::Axes, Opt::Step,
+                                 Opt::Compress, Opt::Timings, Opt::Json,     Opt::Quiet};
 constexpr Text exportExamples[] = {"inps export bracket.sim bracket.vtu",
-                                   "inps export bracket.sim bracket.vtu --sets --surfaces --force"};
+                                   "inps export bracket.sim bracket.vtu --sets --surfaces --force",
+                                   "inps export bracket.sim loads.vtu --step 1"};
 constexpr Opt checkOptions[] = {Opt::Strict, Opt::NoKept, Opt::Timings, Opt::Json, Opt::Quiet};
 constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check decks/*.inp --no-kept",
                                   "inps check bracket.sim"};
@@ -89,9 +93,18 @@ constexpr inps_Command commands[] = {
      "types, instances and parts with their names, sections, their materials and thicknesses, and\n"
      "the sets as arrays of 0 and 1. With --axes, Axis1 to Axis3 are vectors of each element. "
      "With\n"
-     "--sets or --surfaces, MESH.vtm lists the mesh and its blocks, which go into a folder MESH "
-     "beside "
-     "it.\n"
+     "--sets, --surfaces or --step, MESH.vtm lists the mesh and its blocks, which go into a "
+     "folder\n"
+     "MESH beside it.\n"
+     "With --step, nodes have what acts on them in that step: Force and Moment (the sum of "
+     "loads),\n"
+     "FixedDofs (bit 0: degree of freedom 1), Displacement and Rotation (or Velocity, "
+     "Acceleration\n"
+     "and so on), as prescribed, Temperature; vectors are in global components, numbers none "
+     "where\n"
+     "nothing is prescribed. Faces with a pressure are blocks with an array Pressure. Magnitudes "
+     "are\n"
+     "those of the deck, before amplitudes. What has no array is told.\n"
      "A deck is taken too. With - for MESH.vtu the mesh goes to standard output.",
      exportOptions, exportExamples, inps_export, 1},
     {"check", "DECK|MODEL.sim...", 1, anyNumber, "report every problem, make no file",

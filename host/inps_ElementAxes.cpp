@@ -5,99 +5,35 @@
 #include "database/KvoSimDistribution.h"
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace {
 
-using Vector = std::array<double, 3>;
-
-Vector minus(const Vector& a, const Vector& b) {
-  return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
-}
-double dot(const Vector& a, const Vector& b) {
-  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-Vector cross(const Vector& a, const Vector& b) {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-Vector scaled(const Vector& a, double by) {
-  return {a[0] * by, a[1] * by, a[2] * by};
-}
-// Nothing of a vector that is as good as zero beside `scale`.
-bool normalize(Vector& a, double scale) {
-  const double length = std::sqrt(dot(a, a));
-  if (!(length > 1e-12 * scale)) return false;
-  a = scaled(a, 1 / length);
-  return true;
-}
-
-inps_Axes axesOf(const Vector& x, const Vector& y, const Vector& z) {
-  inps_Axes axes;
-  const Vector* all[] = {&x, &y, &z};
+inps_Axes rounded(const inps_PlaceAxes& axes) {
+  inps_Axes all;
   for (std::size_t n = 0; n < 3; ++n)
-    for (std::size_t i = 0; i < 3; ++i) axes[n][i] = static_cast<float>((*all[n])[i]);
-  return axes;
-}
-
-// Turned by the quaternion x, y, z, w, the global axes are the local ones.
-inps_Axes axesOf(const double q[4]) {
-  const double x = q[0], y = q[1], z = q[2], w = q[3];
-  return axesOf({1 - 2 * (y * y + z * z), 2 * (x * y + z * w), 2 * (x * z - y * w)},
-                {2 * (x * y - z * w), 1 - 2 * (x * x + z * z), 2 * (y * z + x * w)},
-                {2 * (x * z + y * w), 2 * (y * z - x * w), 1 - 2 * (x * x + y * y)});
-}
-
-Vector pointOf(const KvoSimPosition& distribution) {
-  Vector point{};
-  if (distribution.IsNull()) return point;
-  for (const int64_t drawer : distribution.AsDistribution().DrawerIDArray()) {
-    eds_ArrayReader reader(distribution.AsDistribution().DrawerArray(drawer));
-    if (reader.Count() * reader.Width() == 3) reader.ReadPiece(0, std::span<double>(point));
-  }
-  return point;
+    for (std::size_t i = 0; i < 3; ++i) all[n][i] = static_cast<float>(axes[n][i]);
+  return all;
 }
 
 } // namespace
 
 // What a local system comes to.
 struct inps_ElementAxes::System {
-  enum class Kind : unsigned char { Constant, Cylindrical, Spherical, ByElement, Unknown };
-
-  Kind kind = Kind::Unknown;
   cow_String name;
   KvoSimPosition instance;
-  inps_Axes constant{};
-  Vector a{};
-  Vector axis{}; // from a on, a unit vector
-  std::size_t turnAxis = 0;
-  double turn = 0; // radians
+  inps_LocalAxes local;
+  bool isByElement = false;
   // Axes by element: positions in a table of quaternions.
   std::vector<std::pair<int32_t, int32_t>> items; // element and place, by element
   std::vector<double> quaternions;
 
-  explicit System(const KvoSimPosition& record) {
+  explicit System(const KvoSimPosition& record) : local(record) {
     const KvoSimDataRecord data = record.DataRecord();
     name = data.ReturnString(eds_LocalSystem_Name);
     instance = data.GetReference(eds_LocalSystem_Instance);
-    const cow_String system = data.ReturnString(eds_LocalSystem_System);
     const KvoSimPosition orient = data.GetReference(eds_LocalSystem_Orient);
-    if (!orient.IsNull()) {
-      kind = Kind::ByElement;
-      ReadItems(orient.AsDistribution());
-    } else if (system == "CYLINDRICAL" || system == "SPHERICAL") {
-      a = pointOf(data.GetReference(eds_LocalSystem_PointA));
-      axis = minus(pointOf(data.GetReference(eds_LocalSystem_PointB)), a);
-      if (!normalize(axis, 0)) return;
-      kind = system == "SPHERICAL" ? Kind::Spherical : Kind::Cylindrical;
-      turnAxis = static_cast<std::size_t>(
-          std::clamp<int64_t>(data.GetInt64(eds_LocalSystem_Axis), 1, 3) - 1);
-      turn = data.GetDouble(eds_LocalSystem_Angle) * std::numbers::pi / 180;
-    } else if (system == "RECTANGULAR" || system == "Z RECTANGULAR") {
-      double q[4];
-      for (int i = 0; i < 4; ++i) q[i] = data.GetDouble(eds_LocalSystem_QuaternionX + i);
-      constant = axesOf(q);
-      kind = Kind::Constant;
-    }
+    isByElement = !orient.IsNull();
+    if (isByElement) ReadItems(orient.AsDistribution());
   }
 
   void ReadItems(const KvoSimDistribution& orient) {
@@ -121,37 +57,7 @@ struct inps_ElementAxes::System {
     if (behind == items.begin() || (behind - 1)->first != element) return false;
     const double* q = quaternions.data() + 4 * static_cast<std::size_t>((behind - 1)->second);
     if (!std::isfinite(q[0])) return false;
-    axes = axesOf(q);
-    return true;
-  }
-
-  // On the axis, or in the centre, there is no direction away from it.
-  bool InPlace(const Vector& place, inps_Axes& axes) const {
-    Vector away = minus(place, a);
-    const double distance = std::sqrt(dot(away, away));
-    Vector e[3];
-    if (kind == Kind::Cylindrical) { // away from the axis, about it, along it
-      e[2] = axis;
-      e[0] = minus(away, scaled(axis, dot(away, axis)));
-      if (!normalize(e[0], distance)) return false;
-      e[1] = cross(e[2], e[0]);
-    } else { // away from the centre, along the circles of latitude, along the meridian
-      e[0] = away;
-      if (!normalize(e[0], 0)) return false;
-      e[1] = cross(axis, e[0]);
-      if (!normalize(e[1], 1)) return false;
-      e[2] = cross(e[0], e[1]);
-    }
-    if (turn != 0) {
-      Vector& u = e[(turnAxis + 1) % 3];
-      Vector& v = e[(turnAxis + 2) % 3];
-      const Vector before = u;
-      for (std::size_t i = 0; i < 3; ++i) {
-        u[i] = std::cos(turn) * before[i] + std::sin(turn) * v[i];
-        v[i] = std::cos(turn) * v[i] - std::sin(turn) * before[i];
-      }
-    }
-    axes = axesOf(e[0], e[1], e[2]);
+    axes = rounded(inps_axesOfQuaternion(q));
     return true;
   }
 };
@@ -177,7 +83,7 @@ const inps_ElementAxes::System* inps_ElementAxes::SystemOf(const KvoSimPosition&
   if (systems != m_systems.end())
     for (const System& system : systems->second)
       if (system.instance == instance || system.instance.IsNull()) found = &system;
-  if (found && found->kind != System::Kind::Unknown) return found;
+  if (found && (found->isByElement || found->local.IsKnown())) return found;
   if (std::ranges::find(m_unknown, orientation.Name()) == m_unknown.end())
     m_unknown.push_back(orientation.Name());
   return nullptr;
@@ -190,7 +96,7 @@ void inps_ElementAxes::Give(int64_t element, const inps_Axes& axes) {
   m_place[static_cast<std::size_t>(element)] = static_cast<int32_t>(m_axes.size() - 1);
 }
 
-std::array<double, 3> inps_ElementAxes::MiddleOf(int64_t element) {
+inps_Vector inps_ElementAxes::MiddleOf(int64_t element) {
   if (m_coordinates.empty()) {
     m_coordinates.resize(3 * static_cast<std::size_t>(m_mesh.NodeCount()));
     m_mesh.ReadCoordinates(0, m_coordinates);
@@ -199,7 +105,7 @@ std::array<double, 3> inps_ElementAxes::MiddleOf(int64_t element) {
   const inps_FlatMesh::Elements& of = m_mesh.ElementBlocks()[number];
   std::vector<int32_t> nodes(static_cast<std::size_t>(of.block.width));
   m_mesh.ReadConnectivity(number, element - of.block.flatFirst, nodes);
-  Vector middle{};
+  inps_Vector middle{};
   int count = 0;
   for (const int32_t node : nodes) {
     if (node < 0) continue;
@@ -207,7 +113,8 @@ std::array<double, 3> inps_ElementAxes::MiddleOf(int64_t element) {
       middle[i] += m_coordinates[3 * static_cast<std::size_t>(node) + i];
     ++count;
   }
-  return count == 0 ? middle : scaled(middle, 1.0 / count);
+  for (double& coordinate : middle) coordinate /= std::max(1, count);
+  return middle;
 }
 
 void inps_ElementAxes::Add(const KvoSimPosition& assignment, int64_t first, int64_t count) {
@@ -215,12 +122,12 @@ void inps_ElementAxes::Add(const KvoSimPosition& assignment, int64_t first, int6
   const int64_t end = std::min(first + count, m_mesh.ElementCount());
   for (int64_t element = std::max<int64_t>(0, first); element < end; ++element) {
     inps_Axes axes{}; // a later section takes away what an earlier one gave
-    if (system && system->kind == System::Kind::Constant)
-      axes = system->constant;
-    else if (system && system->kind == System::Kind::ByElement)
+    inps_PlaceAxes there;
+    if (system && system->isByElement)
       system->ByElement(element, axes);
-    else if (system)
-      system->InPlace(MiddleOf(element), axes);
+    else if (system && system->local.At(
+                           system->local.IsConstant() ? inps_Vector{} : MiddleOf(element), there))
+      axes = rounded(there);
     if (axes != inps_Axes{})
       Give(element, axes);
     else if (!m_place.empty())

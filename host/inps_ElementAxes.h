@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/inps_FlatMesh.h"
-#include <array>
+#include "host/inps_LocalAxes.h"
 #include <unordered_map>
 
 // Three unit vectors in global components.
@@ -27,7 +27,7 @@ private:
   struct System;
   const System* SystemOf(const KvoSimPosition& assignment);
   void Give(int64_t element, const inps_Axes& axes);
-  std::array<double, 3> MiddleOf(int64_t element);
+  inps_Vector MiddleOf(int64_t element);
 
   const inps_FlatMesh& m_mesh;
   std::unordered_map<unsigned long long, cow_List<System>> m_systems; // by orientation

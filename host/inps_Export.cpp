@@ -11,11 +11,18 @@
 #include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
+#include "host/inps_StepConditions.h"
 #include <algorithm>
+#include <charconv>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace {
+
+bool hasBlocksWith(const inps_Arguments& arguments) {
+  return arguments.Has(inps_Opt::Sets) || arguments.Has(inps_Opt::Surfaces) ||
+         arguments.Has(inps_Opt::Step);
+}
 
 using Path = std::filesystem::path;
 
@@ -34,9 +41,11 @@ struct BlockGroup {
 
 class Export {
 public:
-  Export(inps_Session& session, inps_Run& run, const inps_Arguments& arguments)
-      : m_session(session), m_run(run), m_arguments(arguments),
-        m_input(arguments.Operands()[0], session),
+  // step: 0 for none.
+  Export(inps_Session& session, inps_Run& run, const inps_Arguments& arguments,
+         inps_VtuCompression compression, int step)
+      : m_session(session), m_run(run), m_arguments(arguments), m_compression(compression),
+        m_step(step), m_input(arguments.Operands()[0], session),
         m_held(arguments.Operands()[1] == inps_dash
                    ? std::make_unique<inps_TemporaryFile>("mesh.vtu")
                    : nullptr),
@@ -45,7 +54,7 @@ public:
   }
 
   int operator()() {
-    const bool hasBlocks = m_arguments.Has(inps_Opt::Sets) || m_arguments.Has(inps_Opt::Surfaces);
+    const bool hasBlocks = hasBlocksWith(m_arguments);
     if (m_run.IsJson()) {
       m_run.Json()["command"] = "export";
       m_run.Json()["model"] = m_input.Name();
@@ -55,12 +64,17 @@ public:
     const KvoObjDocument document = inps_openModelOrDeck(m_input, m_run, &read);
     if (document.IsNull()) return inps_ExitFaults;
     files.RequireOther(read); // a deck's includes, too
+    if (m_step > 0 && !FindStep(document)) return inps_ExitUsage;
     const inps_FlatMesh mesh(document);
     if (mesh.NodeCount() == 0 && !mesh.PartNames().empty())
       Warn("the model has no instances, and parts alone have no place: the mesh is empty");
     const inps_ExportSections sections(mesh, document, m_arguments.Has(inps_Opt::Axes));
     m_sections = &sections;
     TellAxes(document);
+    if (m_step > 0) {
+      m_conditions.emplace(mesh, document, m_step);
+      TellConditions();
+    }
     try {
       WriteMesh(mesh, files.MeshFile());
       if (hasBlocks) WriteBlocks(mesh, files);
@@ -81,9 +95,10 @@ private:
     const auto nodes = inps_NodeSelection::All(mesh.NodeCount());
     inps_VtuGrid grid = inps_cellGrid(mesh, cells, nodes);
     m_sections->AddTo(grid, cells);
+    if (m_conditions) m_conditions->Nodes().AddTo(grid, nodes);
     AddSetArrays("node", inps_nodeSetsOf(mesh), mesh.NodeCount(), grid.pointData);
     AddSetArrays("element", inps_elementSetsOf(mesh), mesh.ElementCount(), grid.cellData);
-    inps_writeVtu(file, grid);
+    inps_writeVtu(file, grid, m_compression);
     for (const inps_ExportCells::Loss& loss : cells.Losses()) TellLoss(mesh, loss);
   }
 
@@ -132,7 +147,50 @@ private:
       for (const inps_NamedSurface& surface : inps_surfacesOf(mesh))
         WriteSurface(mesh, surface, files, groups.back());
     }
+    if (m_conditions) WriteConditions(mesh, files, groups.emplace_back(BlockGroup{m_stepName, {}}));
     WriteList(files, groups);
+  }
+
+  // False: the model has no such step.
+  bool FindStep(const KvoObjDocument& document) {
+    const auto steps = document.Context().GetRecords(eds_RecordKind::HistoryStep);
+    for (const KvoSimPosition& step : steps)
+      if (step.DataRecord().GetInt64(eds_HistoryStep_Number) == m_step)
+        m_stepName = "Step " + std::to_string(m_step) + " " + step.Name();
+    if (!m_stepName.empty()) return true;
+    const cow_String have = steps.empty() ? "no steps" : inps_counted(std::ssize(steps), "step");
+    m_run.Reporter().Error("there is no step " + std::to_string(m_step) + ": the model has " + have,
+                           1);
+    return false;
+  }
+
+  void TellConditions() {
+    if (m_conditions->IsEmpty()) Warn("nothing acts in step " + std::to_string(m_step));
+    for (const auto& [what, count] : m_conditions->LeftOut())
+      Warn(what + " acts in step " + std::to_string(m_step) + " and is not shown (" +
+           inps_counted(count, "time") + ")");
+  }
+
+  // The nodes on which anything acts, for arrows and signs, and the faces with a pressure.
+  void WriteConditions(const inps_FlatMesh& mesh, inps_ExportFiles& files, BlockGroup& group) {
+    if (!m_conditions->Nodes().IsEmpty())
+      AddBlock(files, group, "nodes", "Nodes", [&](const Path& file) {
+        auto nodes = inps_NodeSelection::None(mesh.NodeCount());
+        m_conditions->Nodes().MarkNodes(nodes);
+        nodes.Number();
+        inps_VtuGrid grid = inps_nodeGrid(mesh, nodes);
+        m_conditions->Nodes().AddTo(grid, nodes);
+        inps_writeVtu(file, grid, m_compression);
+      });
+    for (auto& [name, pressures] : m_conditions->Pressures())
+      AddBlock(files, group, "surface", "Pressure " + name, [&](const Path& file) {
+        inps_ExportCells cells(mesh);
+        pressures.Plan(cells);
+        WriteCells(mesh, cells, file, &pressures);
+        if (cells.WithoutFace() > 0)
+          Warn("pressure " + name + ": " + inps_counted(cells.WithoutFace(), "face") +
+               " left out, for the shapes of the elements have no such face");
+      });
   }
 
   template <class Write>
@@ -144,23 +202,23 @@ private:
     ++m_blocks;
   }
 
-  void WriteCells(const inps_FlatMesh& mesh, const inps_ExportCells& cells,
-                  const Path& file) const {
+  void WriteCells(const inps_FlatMesh& mesh, const inps_ExportCells& cells, const Path& file,
+                  const inps_FacePressures* pressures = nullptr) const {
     auto nodes = inps_NodeSelection::None(mesh.NodeCount());
     cells.MarkNodes(nodes);
     nodes.Number();
     inps_VtuGrid grid = inps_cellGrid(mesh, cells, nodes);
     m_sections->AddTo(grid, cells);
-    inps_writeVtu(file, grid);
+    if (pressures) pressures->AddTo(grid);
+    inps_writeVtu(file, grid, m_compression);
   }
 
-  static void WriteNodes(const inps_FlatMesh& mesh, const eds_MemberSet& members,
-                         const Path& file) {
+  void WriteNodes(const inps_FlatMesh& mesh, const eds_MemberSet& members, const Path& file) const {
     auto nodes = inps_NodeSelection::None(mesh.NodeCount());
     for (int64_t i = 0; i < members.Size(); ++i)
       if (members[i] >= 0 && members[i] < mesh.NodeCount()) nodes.Add(members[i]);
     nodes.Number();
-    inps_writeVtu(file, inps_nodeGrid(mesh, nodes));
+    inps_writeVtu(file, inps_nodeGrid(mesh, nodes), m_compression);
   }
 
   void WriteSurface(const inps_FlatMesh& mesh, const inps_NamedSurface& named,
@@ -200,7 +258,8 @@ private:
     out << inps_exportListHead << inps_xmlText(files.MeshReference()) << "\"/>\n";
     int index = 0;
     for (const BlockGroup& group : groups) {
-      out << "    <Block index=\"" << ++index << "\" name=\"" << group.name << "\">\n";
+      out << "    <Block index=\"" << ++index << "\" name=\"" << inps_xmlText(group.name)
+          << "\">\n";
       for (std::size_t i = 0; i < group.blocks.size(); ++i)
         out << "      <DataSet index=\"" << i << "\" name=\"" << inps_xmlText(group.blocks[i].name)
             << "\" file=\"" << inps_xmlText(group.blocks[i].reference) << "\"/>\n";
@@ -217,6 +276,7 @@ private:
       m_run.Json()["nodes"] = mesh.NodeCount();
       m_run.Json()["elements"] = mesh.ElementCount();
       m_run.Json()["blocks"] = m_blocks;
+      if (m_step > 0) m_run.Json()["step"] = m_step;
     } else if (!m_run.IsQuiet() && !m_held) {
       m_session.out << inps_oneLine(file) << ": " << inps_counted(mesh.NodeCount(), "node") << ", "
                     << inps_counted(mesh.ElementCount(), "element");
@@ -230,6 +290,10 @@ private:
   inps_Session& m_session;
   inps_Run& m_run;
   const inps_Arguments& m_arguments;
+  inps_VtuCompression m_compression;
+  int m_step;
+  cow_String m_stepName;
+  std::optional<inps_StepConditions> m_conditions; // of the step
   inps_Input m_input;
   std::unique_ptr<inps_TemporaryFile> m_held; // of a mesh for standard output
   Path m_target;
@@ -241,10 +305,9 @@ private:
 
 int inps_export(inps_Session& session, const inps_Arguments& arguments) {
   if (arguments.Operands()[1] == inps_dash) {
-    if (arguments.Has(inps_Opt::Sets) || arguments.Has(inps_Opt::Surfaces) ||
-        arguments.Has(inps_Opt::Json)) {
+    if (hasBlocksWith(arguments) || arguments.Has(inps_Opt::Json)) {
       session.err << "inps: on standard output there is room for the mesh alone; --sets, "
-                     "--surfaces and --json need a file\n";
+                     "--surfaces, --step and --json need a file\n";
       return inps_ExitUsage;
     }
   } else if (arguments.Path(1).extension() != ".vtu") {
@@ -252,6 +315,27 @@ int inps_export(inps_Session& session, const inps_Arguments& arguments) {
                 << arguments.Operands()[1] << '\n';
     return inps_ExitUsage;
   }
+  int step = 0;
+  if (arguments.Has(inps_Opt::Step)) {
+    const cow_String& wanted = arguments.ValueOf(inps_Opt::Step);
+    const char* const end = wanted.data() + wanted.size();
+    const auto [stop, fault] = std::from_chars(wanted.data(), end, step);
+    if (fault != std::errc() || stop != end || step < 1) {
+      session.err << "inps: \"--step\" needs the number of a step, from 1 on, not \"" << wanted
+                  << "\"\n";
+      return inps_ExitUsage;
+    }
+  }
+  auto compression = inps_VtuCompression::Lz4;
+  if (arguments.Has(inps_Opt::Compress)) {
+    const cow_String& wanted = arguments.ValueOf(inps_Opt::Compress);
+    const auto name = std::ranges::find(inps_vtuCompressionNames, wanted);
+    if (name == std::end(inps_vtuCompressionNames)) {
+      session.err << "inps: \"--compress\" is lz4, zlib or none, not \"" << wanted << "\"\n";
+      return inps_ExitUsage;
+    }
+    compression = static_cast<inps_VtuCompression>(name - std::begin(inps_vtuCompressionNames));
+  }
   inps_Run run(session, arguments);
-  return run.Do([&] { return Export(session, run, arguments)(); });
+  return run.Do([&] { return Export(session, run, arguments, compression, step)(); });
 }

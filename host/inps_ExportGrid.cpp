@@ -291,6 +291,20 @@ eds_MemberSet inps_membersOf(const inps_NamedSet& set) {
   return all;
 }
 
+eds_MemberSet inps_flatMembers(const KvoSimPosition& set, const KvoSimPosition& instance) {
+  if (set.IsNull()) return {};
+  const bool ofNodes = set.IsA(eds_RecordKind::NodeSet);
+  const auto placed = [&](const auto& named) {
+    const KvoSimCSet members = named.Membership();
+    if (members.IsNull()) return eds_MemberSet();
+    const bool isOfPart = !instance.IsNull() && named.Owner().IsA(eds_RecordKind::Part);
+    const auto first = ofNodes ? eds_Instance_FirstNode : eds_Instance_FirstElement;
+    return inps_shifted(members.Set().AscendingSet(),
+                        isOfPart ? instance.DataRecord().GetInt64(first) : 0);
+  };
+  return ofNodes ? placed(KvoObjNodeSet(set)) : placed(KvoObjElementSet(set));
+}
+
 inps_VtuArray inps_setArray(const inps_NamedSet& set, int64_t items) {
   auto members = std::make_shared<eds_MemberSet>(inps_membersOf(set));
   return inps_vtuArray<uint8_t>(

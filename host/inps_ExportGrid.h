@@ -36,5 +36,8 @@ cow_List<inps_NamedSurface> inps_surfacesOf(const inps_FlatMesh& mesh);
 // Its flat ordinals, ascending.
 eds_MemberSet inps_membersOf(const inps_NamedSet& set);
 
+// The flat ordinals of a set of nodes or elements, ascending; of a part's in that instance.
+eds_MemberSet inps_flatMembers(const KvoSimPosition& set, const KvoSimPosition& instance);
+
 // An array that tells of every node (element) of the whole mesh whether it is in the set.
 inps_VtuArray inps_setArray(const inps_NamedSet& set, int64_t items);

@@ -1,7 +1,6 @@
 #include "host/inps_VtuFile.h"
 #include "base/utl_BlockSize.h"
 
-#include "base/utl_Assert.h"
 #include "base/utl_Buffer.h"
 #include "base/utl_OutputFile.h"
 #include "base/utl_Threads.h"
@@ -10,61 +9,28 @@
 #include <array>
 #include <cstring>
 #include <memory>
-#include <zlib.h>
 
 static_assert(std::endian::native == std::endian::little, "arrays are written as they lie");
 
 namespace {
 
 constexpr std::size_t bytesPerBlock = std::size_t{256} << 10;
-// Level 1 is three to five times as fast as the default and gives files a fifth larger.
-constexpr int compressionLevel = 1;
 constexpr std::size_t offsetDigits = 20;
-
-[[noreturn]] void compressionFailed(int code) {
-  if (code == Z_MEM_ERROR) throw std::bad_alloc();
-  utl_assertionFailed("zlib compressed a block");
-}
-
-// A compressor that keeps its memory from block to block.
-class Compressor {
-public:
-  Compressor() {
-    const int code = deflateInit(&m_stream, compressionLevel);
-    if (code != Z_OK) compressionFailed(code);
-  }
-  ~Compressor() { deflateEnd(&m_stream); }
-  Compressor(const Compressor&) = delete;
-  Compressor& operator=(const Compressor&) = delete;
-
-  void Compress(std::span<const std::byte> in, utl_Buffer<char>& out) {
-    deflateReset(&m_stream);
-    out.Resize(deflateBound(&m_stream, static_cast<uLong>(in.size())));
-    m_stream.next_in = reinterpret_cast<Bytef*>(const_cast<std::byte*>(in.data()));
-    m_stream.avail_in = static_cast<uInt>(in.size());
-    m_stream.next_out = reinterpret_cast<Bytef*>(out.Data());
-    m_stream.avail_out = static_cast<uInt>(out.Size());
-    const int code = deflate(&m_stream, Z_FINISH);
-    if (code != Z_STREAM_END) compressionFailed(code);
-    out.Resize(m_stream.total_out);
-  }
-
-private:
-  z_stream m_stream{};
-};
 
 // One thread's place for a block.
 struct Slot {
   utl_Buffer<std::byte> raw;
   utl_Buffer<char> packed;
-  Compressor compressor;
+  std::unique_ptr<inps_VtuCompressor> compressor;
 };
 
 // The file, written front to back; what is only known later is put into its place at the end.
 class VtuWriter {
 public:
-  VtuWriter(const std::filesystem::path& path, const inps_VtuGrid& grid)
-      : m_file(path, utl_OutputFile::Mode::CreateNew), m_slots(utl_slotCount()) {
+  VtuWriter(const std::filesystem::path& path, const inps_VtuGrid& grid,
+            inps_VtuCompression compression)
+      : m_file(path, utl_OutputFile::Mode::CreateNew), m_compression(compression),
+        m_slots(utl_slotCount()) {
     WriteHead(grid);
     for (std::size_t i = 0; i < m_arrays.size(); ++i) WriteArray(*m_arrays[i], m_offsetPlaces[i]);
     Write("\n  </AppendedData>\n</VTKFile>\n");
@@ -87,8 +53,10 @@ private:
   void WriteHead(const inps_VtuGrid& grid) {
     m_head = "<?xml version=\"1.0\"?>\n"
              "<VTKFile type=\"UnstructuredGrid\" version=\"1.0\" byte_order=\"LittleEndian\""
-             " header_type=\"UInt64\" compressor=\"vtkZLibDataCompressor\">\n"
-             "  <UnstructuredGrid>\n";
+             " header_type=\"UInt64\"";
+    if (m_compression != inps_VtuCompression::None)
+      m_head += " compressor=\"" + cow_String(inps_VtuCompressor::NameOf(m_compression)) + "\"";
+    m_head += ">\n  <UnstructuredGrid>\n";
     Section("FieldData", grid.fieldData, "    ");
     m_head += "    <Piece NumberOfPoints=\"" + std::to_string(grid.points.items) +
               "\" NumberOfCells=\"" + std::to_string(grid.types.items) + "\">\n";
@@ -131,20 +99,25 @@ private:
     m_head += cow_String(offsetDigits, ' ') + " />\n"; // the closing quote comes with the number
   }
 
-  // A header of sizes, then the blocks: how many, the size of all but the last, that of the last if
-  // it is another, and every block's compressed size.
+  // Plain arrays: their size in bytes, then the bytes. Compressed: a header of sizes, then the
+  // blocks: how many, the size of all but the last, that of the last if it is another, and every
+  // block's compressed size.
   void WriteArray(const inps_VtuArray& array, std::size_t offsetPlace) {
     m_patches.push_back({offsetPlace, std::to_string(m_written - m_dataBegin) + "\""});
     const std::size_t itemsPerBlock =
         std::max<std::size_t>(1, utl_blockSize(bytesPerBlock) / array.itemSize);
     const auto items = static_cast<std::size_t>(array.items);
     const std::size_t blocks = (items + itemsPerBlock - 1) / itemsPerBlock;
-    cow_List<std::uint64_t> sizes(3 + blocks);
-    sizes[0] = blocks;
-    sizes[1] = itemsPerBlock * array.itemSize;
-    sizes[2] = items % itemsPerBlock * array.itemSize;
+    const bool isPacked = m_compression != inps_VtuCompression::None;
+    cow_List<std::uint64_t> sizes{items * array.itemSize};
+    if (isPacked) {
+      sizes.resize(3 + blocks);
+      sizes[0] = blocks;
+      sizes[1] = itemsPerBlock * array.itemSize;
+      sizes[2] = items % itemsPerBlock * array.itemSize;
+    }
     const std::uint64_t sizesAt = m_written;
-    Write(BytesOf(sizes)); // a place for them
+    Write(BytesOf(sizes)); // compressed, a place for them
     utl_orderedBlocks(
         blocks,
         [&](std::size_t block, std::size_t number) {
@@ -152,14 +125,16 @@ private:
           const std::size_t first = block * itemsPerBlock;
           slot.raw.Resize(std::min(itemsPerBlock, items - first) * array.itemSize);
           array.fill(static_cast<int64_t>(first), slot.raw);
-          slot.compressor.Compress(slot.raw, slot.packed);
+          if (isPacked) slot.compressor->Compress(slot.raw, slot.packed);
         },
         [&](std::size_t block, std::size_t number) {
-          const utl_Buffer<char>& packed = SlotOf(number).packed;
-          sizes[3 + block] = packed.Size();
-          Write({packed.Data(), packed.Size()});
+          const Slot& slot = SlotOf(number);
+          if (isPacked) sizes[3 + block] = slot.packed.Size();
+          Write(isPacked ? std::string_view(slot.packed.Data(), slot.packed.Size())
+                         : std::string_view(reinterpret_cast<const char*>(slot.raw.Data()),
+                                            slot.raw.Size()));
         });
-    m_patches.push_back({sizesAt, cow_String(BytesOf(sizes))});
+    if (isPacked) m_patches.push_back({sizesAt, cow_String(BytesOf(sizes))});
   }
 
   static std::string_view BytesOf(const cow_List<std::uint64_t>& words) {
@@ -168,11 +143,15 @@ private:
 
   Slot& SlotOf(std::size_t number) {
     std::unique_ptr<Slot>& slot = m_slots[number];
-    if (!slot) slot = std::make_unique<Slot>();
+    if (!slot) {
+      slot = std::make_unique<Slot>();
+      slot->compressor = inps_VtuCompressor::Make(m_compression);
+    }
     return *slot;
   }
 
   utl_OutputFile m_file;
+  inps_VtuCompression m_compression;
   std::uint64_t m_written = 0;
   std::uint64_t m_dataBegin = 0;
   cow_String m_head;
@@ -197,8 +176,9 @@ inps_VtuArray inps_vtuTexts(cow_String name, const cow_List<cow_String>& texts) 
   return array;
 }
 
-void inps_writeVtu(const std::filesystem::path& path, const inps_VtuGrid& grid) {
-  VtuWriter(path, grid);
+void inps_writeVtu(const std::filesystem::path& path, const inps_VtuGrid& grid,
+                   inps_VtuCompression compression) {
+  VtuWriter(path, grid, compression);
 }
 
 cow_String inps_xmlText(std::string_view text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/cow_Value.h"
+#include "host/inps_VtuCompressor.h"
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -43,8 +44,9 @@ struct inps_VtuGrid {
 };
 
 // Writes the file (an existing one is replaced) as VTK XML with appended raw data: blocks of some
-// 256 KiB, each compressed on its own by zlib, on all threads. Holds a few blocks in memory.
-void inps_writeVtu(const std::filesystem::path& path, const inps_VtuGrid& grid);
+// 256 KiB, each compressed on its own, on all threads. Holds a few blocks in memory.
+void inps_writeVtu(const std::filesystem::path& path, const inps_VtuGrid& grid,
+                   inps_VtuCompression compression);
 
 // A text as the value of an XML attribute; what XML cannot hold becomes "?".
 cow_String inps_xmlText(std::string_view text);

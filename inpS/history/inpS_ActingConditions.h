@@ -2,10 +2,11 @@
 
 #include "database/KvoObjDocument.h"
 #include "inpS/history/inpS_InForce.h"
+#include "inpS/inpS_Export.h"
 #include <functional>
 
 // What acts in one step, row by row of the given keywords: for who makes arrays of it.
-class inpS_ActingConditions {
+class INPS_EXPORT inpS_ActingConditions {
 public:
   struct Acting {
     const inpS_ExcitationKind& kind;
@@ -17,6 +18,7 @@ public:
     double magnitude;             // as given, without its amplitude
     cow_String label;             // of a load: P1 and so on
     KvoSimPosition region;        // the set or surface; null: a node or element, or the whole model
+    KvoSimPosition instance;      // by which the region is named; null: by none
     int target;                   // flat ordinal of the node or element; -1: the region
     const eds_MemberSet* members; // flat ordinals of the region; null: a surface, or one target
   };

@@ -351,6 +351,16 @@ class Exports(unittest.TestCase):
         self.assertEqual(values(grid.GetCellData(), "ElementLabel"), list(range(1, n ** 3 + 1)))
         inside = values(grid.GetCellData(), "Set SQUARES")
         self.assertEqual([i + 1 for i, flag in enumerate(inside) if flag], squares)
+        for how in ("zlib", "none"):  # VTK reads each, and lz4 above
+            same_mesh = self.export("\n".join(lines) + "\n", "--compress", how, "--sets", "--force")
+            for data in ("GetPointData", "GetCellData", "GetFieldData"):
+                one, other = getattr(grid, data)(), getattr(same_mesh, data)()
+                self.assertEqual(names(one), names(other))
+                for name in names(one):
+                    self.assertEqual(values(one, name), values(other, name), (how, name))
+            self.assertEqual(same_mesh.GetBounds(), grid.GetBounds())
+            self.assertEqual([same_mesh.GetCell(i).GetBounds() for i in (0, 777)],
+                             [grid.GetCell(i).GetBounds() for i in (0, 777)])
         block = self.blocks()["Element sets/SQUARES"]
         self.assertEqual(values(block.GetCellData(), "ElementLabel"), squares)
         i = squares[-1] - 1
@@ -405,6 +415,72 @@ class Exports(unittest.TestCase):
         # A block has those of its own elements.
         one = read(next(iter(self.folder.glob("m/*E4.vtu"))))
         self.assertEqual(values(one.GetCellData(), "Thickness"), [3.])
+
+    def test_what_acts_in_a_step(self):
+        box = "".join(f"{n}, {x}, {y}, {z}\n" for n, (x, y, z) in enumerate(BOX, 1))
+        deck = (
+            f"*PART, NAME=P\n*NODE, NSET=ALL\n{box}*ELEMENT, TYPE=C3D8, ELSET=E\n1, 1, 2, 3, 4, 5, 6, 7, 8\n"
+            "*SURFACE, NAME=TOP\nE, S2\n*NSET, NSET=N1\n2\n"
+            "*TRANSFORM, NSET=N1, TYPE=R\n0., 1., 0., -1., 0., 0.\n*END PART\n"
+            "*ASSEMBLY, NAME=A\n*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n"
+            "*INSTANCE, NAME=J, PART=P\n100., 0., 0.\n100., 0., 0., 100., 0., 1., 90.\n*END INSTANCE\n"
+            "*NODE\n1, 50., 0., 0.\n2, 51., 0., 0.\n3, 51., 1., 0.\n4, 50., 1., 0.\n"
+            "*ELEMENT, TYPE=S4, ELSET=SHELL\n1, 1, 2, 3, 4\n*NSET, NSET=TURNED\n3,\n4,\n"
+            "*TRANSFORM, NSET=TURNED, TYPE=C\n50., 0., 0., 50., 0., 1.\n*END ASSEMBLY\n"
+            "*MATERIAL, NAME=M\n*DENSITY\n1.,\n"
+            "*BOUNDARY\nI.ALL, PINNED\nJ.1, XSYMM\n"
+            "*STEP\n*STATIC\n*BOUNDARY\nTURNED, 1, 2, 0.5\n1, 4, 4, 0.25\n1, 11, 11, 20.\n"
+            "*CLOAD\nI.N1, 1, 5.\nI.N1, 1, 2.\nJ.2, 2, 3.\nJ.2, 6, 7.\nJ.3, 3, 1.\n"
+            "*TEMPERATURE\nTURNED, 300.\n"
+            "*DSLOAD\nJ.TOP, P, 4.\nJ.TOP, P, 0.5\nI.TOP, HP, 1., 0., 1.\n"
+            "*DLOAD\nI.E, P1, 6.\nJ.1, P1, 7.\nSHELL, P, 8.\nI.E, GRAV, 9.81, 0., 0., -1.\n"
+            "*END STEP\n"
+            "*STEP, NAME=\"A & <B>\"\n*STATIC\n*CLOAD, OP=NEW\nJ.3, 3, -2.\n*DLOAD, OP=NEW\n*BOUNDARY, TYPE=VELOCITY\n2, 1, 1, 6.\n"
+            "*DSLOAD\nJ.TOP, P, 11.\n*CLOAD, USER\nJ.4, 1\n*BOUNDARY, FIXED\nJ.5, 5, 6\n*BOUNDARY, USER\n3, 6\n*END STEP\n")
+        grid = self.export(deck, "--step", "1")
+        labels = values(grid.GetPointData(), "NodeLabel")
+        instances = values(grid.GetPointData(), "Instance")
+        places = {(n, label): i for i, (n, label) in enumerate(zip(instances, labels))}
+
+        def acting(name, data=None):  # what is not zero or no number, by instance and label
+            array = (data or grid.GetPointData()).GetArray(name)
+            found = {place: array.GetTuple(i) for place, i in places.items()}
+            return {place: tuple(round(x, 9) + 0. for x in value) for place, value in found.items()
+                    if any(x != 0 and not math.isnan(x) for x in value)}
+
+        # Loads on one node add up. Axes of a transform turn with its instance, J by 90 degrees.
+        self.assertEqual(acting("Force"), {(0, 2): (0, 7, 0), (1, 2): (0, -3, 0), (1, 3): (0, 0, 1)})
+        self.assertEqual(acting("Moment"), {(1, 2): (0, 0, 7)})
+        fixed = {(0, n): (7,) for n in range(1, 9)} | {
+            (1, 1): (0b110001,), (-1, 3): (3,), (-1, 4): (3,), (-1, 1): (8 + 1024,)}
+        self.assertEqual(acting("FixedDofs"), fixed)
+        half = round(0.5 ** 0.5, 9)  # 0.5 away from the axis and 0.5 about it, at 45 and at 90 degrees
+        self.assertEqual(acting("Displacement"), {(-1, 3): (0, half, 0), (-1, 4): (-0.5, 0.5, 0)})
+        self.assertEqual(acting("Rotation"), {(-1, 1): (0.25, 0, 0)})
+        self.assertEqual(acting("Temperature"), {(-1, 1): (20,), (-1, 3): (300,), (-1, 4): (300,)})
+        for lost in ("*DSLOAD, HP acts in step 1 and is not shown (1 time)", "*DLOAD, GRAV acts"):
+            self.assertIn(lost, self.said)
+        found = {name.removeprefix("Step 1 Step-1/"): block for name, block in self.blocks().items()}
+        self.assertEqual(sorted(found), ["Mesh", "Nodes", "Pressure (element faces)", "Pressure J.TOP"])
+        self.assertEqual(found["Nodes"].GetNumberOfCells(), 8 + 3 + 3)
+        top = found["Pressure J.TOP"]
+        self.assertEqual(values(top.GetCellData(), "Pressure"), [4.5])
+        self.assertEqual(values(top.GetCellData(), "ElementLabel"), [1])
+        self.assertTrue(same(top.GetBounds(), (97, 100, 0, 2, 4, 4)), top.GetBounds())
+        faces = found["Pressure (element faces)"]
+        self.assertEqual(values(faces.GetCellData(), "Pressure"), [6, 7, 8])
+        # What pushes a shell along its normal pushes against its negative side.
+        self.assertAlmostEqual(measure(faces.GetCell(2)), -1)
+
+        grid = self.export(deck, "--step", "2", "--force")
+        self.assertEqual(acting("Force"), {(1, 3): (0, 0, -2)})
+        self.assertEqual(acting("Velocity"), {(-1, 2): (6, 0, 0)})
+        self.assertEqual(acting("FixedDofs"), fixed | {(-1, 2): (1,), (1, 5): (0b110000,), (-1, 3): (0b100011,)})
+        self.assertIn("*CLOAD, USER acts in step 2 and is not shown (1 time)", self.said)
+        self.assertNotIn("GRAV", self.said)
+        found = self.blocks()
+        self.assertEqual(sorted(found), ["Mesh", "Step 2 A & <B>/Nodes", "Step 2 A & <B>/Pressure J.TOP"])
+        self.assertEqual(values(found["Step 2 A & <B>/Pressure J.TOP"].GetCellData(), "Pressure"), [11])
 
     def test_more_sets_than_arrays(self):
         deck = "*NODE\n1, 0., 0.\n" + "".join(f"*NSET, NSET=N{i}\n1\n" for i in range(70))

@@ -1,8 +1,12 @@
 #include "base/utl_BlockSize.h"
+#include "database/KvoObjDocument.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
 #include "host/inps_ExportShapes.h"
 #include "tests/host/ProgramRun.h"
 #include <algorithm>
 #include <cstring>
+#include <lz4.h>
 #include <map>
 #include <set>
 #include <zlib.h>
@@ -16,26 +20,35 @@ constexpr inp_ShapeKind shapes[] = {
 #include "parser/inp_shapes.def"
 };
 
-// The bytes of an array that begins at data, in blocks as the format has them: their number, the
-// size of each, the size of the last (0: as the others), their compressed sizes, the blocks.
-cow_String unpacked(std::string_view data) {
-  const auto word = [&](std::size_t at) {
-    std::uint64_t value = 0;
-    std::memcpy(&value, data.substr(8 * at, 8).data(), 8);
-    return value;
-  };
-  const std::size_t blocks = word(0);
+std::uint64_t wordOf(std::string_view data, std::size_t at) {
+  std::uint64_t value = 0;
+  std::memcpy(&value, data.substr(8 * at, 8).data(), 8);
+  return value;
+}
+
+// The bytes of an array that begins at data. Plain: their number, then they. Else in blocks: their
+// number, the size of each, the size of the last (0: as the others), their compressed sizes, the
+// blocks.
+cow_String unpacked(std::string_view data, const cow_String& how) {
+  if (how == "none") return cow_String(data.substr(8, wordOf(data, 0)));
+  const std::size_t blocks = wordOf(data, 0);
   std::size_t at = 8 * (3 + blocks);
   cow_String bytes;
   for (std::size_t block = 0; block < blocks; ++block) {
-    const bool isShort = block + 1 == blocks && word(2) != 0;
-    cow_String piece(word(isShort ? 2 : 1), '\0');
-    uLongf size = piece.size();
-    const std::string_view packed = data.substr(at, word(3 + block));
-    EXPECT_EQ(uncompress(reinterpret_cast<Bytef*>(piece.data()), &size,
-                         reinterpret_cast<const Bytef*>(packed.data()), packed.size()),
-              Z_OK);
-    EXPECT_EQ(size, piece.size());
+    const bool isShort = block + 1 == blocks && wordOf(data, 2) != 0;
+    cow_String piece(wordOf(data, isShort ? 2 : 1), '\0');
+    const std::string_view packed = data.substr(at, wordOf(data, 3 + block));
+    if (how == "zlib") {
+      uLongf size = piece.size();
+      EXPECT_EQ(uncompress(reinterpret_cast<Bytef*>(piece.data()), &size,
+                           reinterpret_cast<const Bytef*>(packed.data()), packed.size()),
+                Z_OK);
+      EXPECT_EQ(size, piece.size());
+    } else {
+      EXPECT_EQ(LZ4_decompress_safe(packed.data(), piece.data(), static_cast<int>(packed.size()),
+                                    static_cast<int>(piece.size())),
+                static_cast<int>(piece.size()));
+    }
     bytes += piece;
     at += packed.size();
   }
@@ -43,7 +56,8 @@ cow_String unpacked(std::string_view data) {
 }
 
 // All arrays of all files of an export, by file and declaration without its offset.
-std::map<cow_String, cow_String> arraysOf(const std::filesystem::path& folder) {
+std::map<cow_String, cow_String> arraysOf(const std::filesystem::path& folder,
+                                          const cow_String& how) {
   std::map<cow_String, cow_String> arrays;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
     if (entry.path().extension() != ".vtu") continue;
@@ -57,7 +71,7 @@ std::map<cow_String, cow_String> arraysOf(const std::filesystem::path& folder) {
         section = line;
       else
         arrays[utl_pathText(entry.path().filename()) + section + line.substr(0, offset)] =
-            unpacked(data.substr(std::stoull(line.substr(offset + 9))));
+            unpacked(data.substr(std::stoull(line.substr(offset + 9))), how);
     }
   }
   return arrays;
@@ -66,21 +80,24 @@ std::map<cow_String, cow_String> arraysOf(const std::filesystem::path& folder) {
 // What the files hold is read by VTK in tests/export; here is what goes wrong, and what the size of
 // blocks must not change.
 
-TEST_F(Export, IsTheSameInBlocksOfAnySize) {
+TEST_F(Export, IsTheSameInBlocksOfAnySizeAndCompression) {
   const auto examples = std::filesystem::path(INPS_TESTS_DIR).parent_path() / "examples";
   for (const char* name : {"assembly.inp", "plate.inp", "gearbox/gearbox.inp"}) {
     std::map<cow_String, cow_String> usual;
-    for (const std::size_t limit : {0, 1, 5, 64}) {
+    const auto check = [&](std::size_t limit, const cow_String& how) {
       const TemporaryFolder folder;
       utl_limitBlockSize(limit);
       const ProgramRun run({"export", utl_pathText(examples / name), utl_pathText(folder / "m.vtu"),
-                            "--sets", "--surfaces", "--quiet"});
+                            "--sets", "--surfaces", "--quiet", "--compress", how});
       utl_limitBlockSize(0);
       ASSERT_EQ(run.exitCode, 0) << run.err;
-      if (limit == 0) usual = arraysOf(folder.Path());
+      if (usual.empty()) usual = arraysOf(folder.Path(), how);
       EXPECT_GT(usual.size(), 20u) << name;
-      EXPECT_EQ(arraysOf(folder.Path()) == usual, true) << name << ", blocks of " << limit;
-    }
+      EXPECT_EQ(arraysOf(folder.Path(), how) == usual, true) << name << how << limit;
+    };
+    for (const std::size_t limit : {0, 1, 5, 64}) check(limit, "lz4");
+    for (const char* how : {"zlib", "none"})
+      for (const std::size_t limit : {0, 5}) check(limit, how);
   }
 }
 
@@ -180,6 +197,24 @@ TEST_F(Export, WrongWordsAndPlaces) {
   const cow_String deck = Deck("m.inp", oneBrick);
   EXPECT_EQ(ProgramRun({"export", deck, File("m.stl")}).exitCode, 2);
   EXPECT_EQ(ProgramRun({"export", deck}).exitCode, 2);
+  const ProgramRun how({"export", deck, File("m.vtu"), "--compress", "LZMA"});
+  EXPECT_EQ(how.exitCode, 2);
+  EXPECT_TRUE(how.Says("is lz4, zlib or none, not \"LZMA\"")) << how.err;
+  for (const char* step : {"0", "1x", "-1", "99999999999"}) {
+    const ProgramRun run({"export", deck, File("m.vtu"), cow_String("--step=") + step});
+    EXPECT_EQ(run.exitCode, 2) << step;
+    EXPECT_TRUE(run.Says("needs the number of a step, from 1 on")) << run.err;
+  }
+  EXPECT_EQ(ProgramRun({"export", deck, "-", "--step", "1"}).exitCode, 2);
+  const ProgramRun noStep({"export", deck, File("m.vtu"), "--step", "1"});
+  EXPECT_EQ(noStep.exitCode, 2);
+  EXPECT_TRUE(noStep.Says("there is no step 1: the model has no steps")) << noStep.err;
+  const cow_String two = cow_String(oneBrick) + "*STEP\n*STATIC\n*END STEP\n";
+  const ProgramRun third({"export", Deck("s.inp", two + two.substr(two.find("*STEP"))),
+                          File("m.vtu"), "--step", "3", "--json"});
+  EXPECT_EQ(third.exitCode, 2);
+  EXPECT_NE(third.out.find("the model has 2 steps"), cow_String::npos) << third.out;
+  EXPECT_FALSE(Exists("m.vtu") || Exists("m.vtm") || Exists("m"));
   EXPECT_EQ(ProgramRun({"export", deck, File("none/m.vtu")}).exitCode, 3);
   std::filesystem::create_directory(m_folder / "f.vtu");
   const ProgramRun folder({"export", deck, File("f.vtu"), "--force"});
@@ -189,6 +224,34 @@ TEST_F(Export, WrongWordsAndPlaces) {
       {"export", Deck("bad.inp", cow_String(oneBrick) + "*NODE\n9, zero\n"), File("bad.vtu")});
   EXPECT_EQ(faulty.exitCode, 1);
   EXPECT_TRUE(Exists("bad.vtu")) << faulty.err;
+}
+
+// Conditions that another program made are told, where they are in force.
+TEST_F(Export, TellsOfExcitationsThatNoKeywordGives) {
+  const cow_String step = "*STEP\n*STATIC\n*END STEP\n";
+  ASSERT_EQ(
+      ProgramRun({"convert", Deck("m.inp", oneBrick + step + step + step), "-o", File("m.sim")})
+          .exitCode,
+      0);
+  {
+    KvoObjDocument document = KvoObjDocument::Open(m_folder / "m.sim", KvoAccess::ReadWrite);
+    const KvoSimPosition model = document.GetModel().Position();
+    const KvoSimPosition excitation = model.CreateDataRecord(eds_RecordKind::Excitation);
+    excitation.DataRecord().SetString(eds_Excitation_Name, "Excitation_0");
+    model.AssociateStringKey(eds_Member::Excitations, "Excitation_0", excitation);
+    KvoSimDataRecord relay = model.CreateDataRecord(eds_RecordKind::Relay).DataRecord();
+    relay.SetReference(eds_Relay_Excitation, excitation);
+    relay.SetInt(eds_Relay_FirstStep, 2);
+    relay.SetInt(eds_Relay_LastStep, 2);
+    document.Finish();
+  }
+  for (const char* number : {"1", "2", "3"}) {
+    const ProgramRun run({"export", File("m.sim"), File("m.vtu"), "--step", number, "--force"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.Says("excitation Excitation_0, which no keyword gives, acts in step 2"),
+              number[0] == '2')
+        << run.err;
+  }
 }
 
 TEST_F(Export, PartsWithoutInstancesHaveNoPlace) {

@@ -1,0 +1,119 @@
+#include "host/inps_StepConditions.h"
+
+#include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_Schema.h"
+#include "host/inps_ExportGrid.h"
+#include <algorithm>
+#include <optional>
+
+namespace {
+
+// By their numbers.
+cow_List<cow_String> keywordNames() {
+  cow_List<cow_String> names;
+  for (const eds_SymbolInfo& symbol : eds_schemaSymbols(eds_Vocabulary::ExcitationKind)) {
+    const auto number = static_cast<std::size_t>(symbol.number);
+    names.resize(std::max(names.size(), number + 1));
+    names[number] = symbol.name;
+  }
+  return names;
+}
+
+bool hasFlag(const inpS_ExcitationKind& kind, const KvoSimPosition& record, std::string_view name) {
+  const auto item = std::ranges::find(kind.info->parameters, name, &eds_FormItem::name);
+  return item != kind.info->parameters.end() &&
+         record.DataRecord().GetBool(item->alternatives.front().field);
+}
+
+// P1 to P6 push against a face. P pushes a shell, a membrane or a line along its normal: against
+// its negative side.
+std::optional<eds_SurfaceFace> faceOf(std::string_view label) {
+  if (label == "P") return eds_SurfaceFace::SNeg;
+  if (label.size() != 2 || label[0] != 'P' || label[1] < '1' || label[1] > '6') return {};
+  return static_cast<eds_SurfaceFace>(static_cast<int>(eds_SurfaceFace::S1) + label[1] - '1');
+}
+
+} // namespace
+
+inps_StepConditions::inps_StepConditions(const inps_FlatMesh& mesh, const KvoObjDocument& document,
+                                         int step)
+    : m_keywords(keywordNames()), m_nodes(mesh, document) {
+  inpS_ActingConditions(document, step).ForAll([this](const Acting& acting) {
+    if (!(acting.record == m_given.record)) Read(acting);
+    Add(acting);
+  });
+  m_nodes.Finish();
+  // Of other programs: what they act on is not read from the given keywords.
+  for (const KvoSimPosition& position : document.Context().GetRecords(eds_RecordKind::Relay)) {
+    const KvoSimDataRecord relay = position.DataRecord();
+    const KvoSimPosition excitation = relay.GetReference(eds_Relay_Excitation);
+    if (excitation.IsNull() || !excitation.DataRecord().GetReference(eds_Excitation_Given).IsNull())
+      continue;
+    const bool isOver =
+        !relay.IsMemberNull(eds_Relay_LastStep) && relay.GetInt64(eds_Relay_LastStep) < step;
+    if (relay.GetInt64(eds_Relay_FirstStep) <= step && !isOver)
+      ++m_leftOut["excitation " + excitation.Name() + ", which no keyword gives,"];
+  }
+}
+
+void inps_StepConditions::Read(const Acting& acting) {
+  const inpS_ExcitationKind& kind = acting.kind;
+  const KvoSimDataRecord record = acting.record.DataRecord();
+  m_given = {acting.record, m_keywords.at(static_cast<std::size_t>(kind.number)), {}, 1, false, {}};
+  if (kind.type >= 0) m_given.type = record.GetString(kind.type);
+  if (kind.variable >= 0) m_given.variable = std::max<int64_t>(1, record.GetInt64(kind.variable));
+  m_given.isHeld = hasFlag(kind, acting.record, "fixed") || hasFlag(kind, acting.record, "user");
+  if (!acting.loadCase.IsNull()) m_given.unknown = " in load cases";
+  static constexpr std::pair<std::string_view, const char*> flags[] = {
+      {"imaginary", ", IMAGINARY"}, {"user", ", USER"}, {"submodel", ", SUBMODEL"}};
+  for (const auto& [flag, text] : flags)
+    if (m_given.unknown.empty() && hasFlag(kind, acting.record, flag)) m_given.unknown = text;
+}
+
+void inps_StepConditions::Add(const Acting& acting) {
+  const bool isLoad = !acting.label.empty();
+  if (!m_given.unknown.empty()) {
+    ++m_leftOut["*" + m_given.keyword + m_given.unknown];
+    // A user's own values are not known, but which degrees have them.
+    if (m_given.unknown == ", USER" && m_given.keyword == "BOUNDARY") AddToNodes(acting);
+  } else if (!(isLoad ? AddPressure(acting) : AddToNodes(acting))) {
+    ++m_leftOut["*" + m_given.keyword + (isLoad ? ", " + acting.label : cow_String())];
+  }
+}
+
+bool inps_StepConditions::AddToNodes(const Acting& acting) {
+  if (acting.target < 0 && !acting.members) return false;
+  const eds_MemberSet one =
+      acting.target >= 0 ? eds_MemberSet::Strided(acting.target, 1) : eds_MemberSet();
+  const eds_MemberSet& nodes = acting.target >= 0 ? one : *acting.members;
+  if (acting.restraint < 0 && !m_given.isHeld)
+    return m_nodes.Add({m_given.keyword, m_given.type, m_given.variable}, acting.degrees, nodes,
+                       acting.magnitude);
+  m_nodes.Hold(acting.degrees, nodes);
+  return true;
+}
+
+bool inps_StepConditions::AddPressure(const Acting& acting) {
+  if (m_given.keyword == "DSLOAD") {
+    if (acting.label != "P" || acting.region.IsNull()) return false;
+    const KvoObjSurface surface(acting.region);
+    if (surface.Type() != eds_SurfaceType::Element) return false;
+    const bool isOfPart = !acting.instance.IsNull() && surface.Owner().IsA(eds_RecordKind::Part);
+    const int64_t shift =
+        isOfPart ? acting.instance.DataRecord().GetInt64(eds_Instance_FirstElement) : 0;
+    const cow_String scope = acting.instance.IsNull() ? cow_String() : acting.instance.Name() + ".";
+    inps_FacePressures& pressures = m_pressures[scope + surface.Name()];
+    for (const KvoSurfaceFaces& faces : surface.Faces())
+      pressures.Add(faces.face, inps_shifted(faces.elements, shift), acting.magnitude);
+    return true;
+  }
+  const auto face = m_given.keyword == "DLOAD" ? faceOf(acting.label) : std::nullopt;
+  if (!face || (acting.target < 0 && !acting.members)) return false;
+  // A name that no surface has.
+  inps_FacePressures& pressures = m_pressures["(element faces)"];
+  if (acting.target >= 0)
+    pressures.Add(*face, acting.target, acting.magnitude);
+  else
+    pressures.Add(*face, *acting.members, acting.magnitude);
+  return true;
+}
