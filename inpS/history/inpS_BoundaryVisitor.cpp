@@ -38,6 +38,6 @@ bool inpS_BoundaryVisitor::ReadColumns(const inp_Keyword& keyword, const eds_For
 
 void inpS_BoundaryVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                      const KvoSimPosition& record) {
-  if (keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);
+  if (m_places && keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);
   inpS_FormVisitor::Converted(keyword, form, record);
 }

@@ -238,7 +238,6 @@ TEST_F(Export, TellsOfExcitationsThatNoKeywordGives) {
     const KvoSimPosition model = document.GetModel().Position();
     const KvoSimPosition excitation = model.CreateDataRecord(eds_RecordKind::Excitation);
     excitation.DataRecord().SetString(eds_Excitation_Name, "Excitation_0");
-    model.AssociateStringKey(eds_Member::Excitations, "Excitation_0", excitation);
     KvoSimDataRecord relay = model.CreateDataRecord(eds_RecordKind::Relay).DataRecord();
     relay.SetReference(eds_Relay_Excitation, excitation);
     relay.SetInt(eds_Relay_FirstStep, 2);
