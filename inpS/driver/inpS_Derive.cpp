@@ -29,7 +29,7 @@ cow_List<KvoSimPosition> givenSystems(const KvoSimContext& context) {
   return given;
 }
 
-// Of component sets the systems that were are likely to have held the only drawers.
+// Those of the component sets that no drawer is over any more.
 void removeUnused(const KvoSimContext& context, const std::set<int64_t>& sets) {
   std::set<int64_t> unused = sets;
   for (const KvoSimPosition& drawer : context.GetRecords(eds_RecordKind::Drawer))
