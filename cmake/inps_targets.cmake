@@ -22,11 +22,13 @@ else()
   endif()
 endif()
 # What a library has is what it uses: calls within it are direct and may be put in place, and neither
-# they nor inline functions are looked up by name when a program starts.
+# they nor inline functions are looked up by name when a program starts. But the door to our files is
+# in the base, and tests that let its calls fail must be able to stand before it.
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 if(UNIX AND NOT APPLE)
-  target_compile_options(inps_options INTERFACE -fno-semantic-interposition)
-  target_link_options(inps_options INTERFACE -Wl,-Bsymbolic-functions)
+  set(not_base "$<NOT:$<STREQUAL:$<TARGET_PROPERTY:NAME>,inps_base>>")
+  target_compile_options(inps_options INTERFACE "$<${not_base}:-fno-semantic-interposition>")
+  target_link_options(inps_options INTERFACE "$<${not_base}:-Wl,-Bsymbolic-functions>")
 endif()
 if(INPS_SANITIZE)
   target_compile_options(inps_options INTERFACE -fsanitize=address,undefined

@@ -28,6 +28,7 @@ enum class inps_Opt : unsigned char {
   Tolerance,
   Materials,
   Sections,
+  History,
   Quiet,
   Memory,
   Color,

@@ -33,6 +33,7 @@ constexpr inps_Option options[] = {
      "every material with its behaviors, their rows and ranges"},
     {Opt::Sections, 0, "--sections", "",
      "every section: its set, material, orientation, elements and thickness"},
+    {Opt::History, 0, "--history", "", "every step, and what acts in it"},
     {Opt::Quiet, 'q', "--quiet", "", "errors only"},
     {Opt::Memory, 0, "--memory", "SIZE",
      "the most memory to take, as 512M or 40G; without it seven eighths of what there is"},
@@ -59,14 +60,19 @@ constexpr Text exportExamples[] = {"inps export bracket.sim bracket.vtu",
 constexpr Opt checkOptions[] = {Opt::Strict, Opt::NoKept, Opt::Timings, Opt::Json, Opt::Quiet};
 constexpr Text checkExamples[] = {"inps check bracket.inp", "inps check decks/*.inp --no-kept",
                                   "inps check bracket.sim"};
-constexpr Opt infoOptions[] = {Opt::Materials, Opt::Sections, Opt::Json};
-constexpr Text infoExamples[] = {"inps info bracket.sim", "inps info bracket.sim --materials",
+constexpr Opt infoOptions[] = {Opt::Materials, Opt::Sections, Opt::History, Opt::Json};
+constexpr Text infoExamples[] = {"inps info bracket.sim",
+                                 "inps info bracket.sim --materials",
                                  "inps info bracket.sim --materials steel",
                                  "inps info bracket.sim --sections",
+                                 "inps info bracket.sim --history 2 Cooling",
                                  "inps info bracket.sim --json"};
 constexpr Opt plotOptions[] = {Opt::Output, Opt::Force};
 constexpr Text plotExamples[] = {"inps plot bracket.sim -o plots.html",
                                  "inps plot bracket.sim STEEL BOLT-LOAD --force"};
+constexpr Opt deriveOptions[] = {Opt::Output, Opt::Force, Opt::Timings, Opt::Json, Opt::Quiet};
+constexpr Text deriveExamples[] = {"inps derive bracket.sim",
+                                   "inps derive bracket.sim -o derived.sim --force"};
 constexpr Opt diffOptions[] = {Opt::Tolerance, Opt::NoKept, Opt::Json, Opt::Quiet};
 constexpr Text diffExamples[] = {"inps diff old.sim new.sim", "inps diff bracket.inp bracket.sim",
                                  "inps diff old.sim new.sim --tolerance 1e-12,1e-9"};
@@ -116,13 +122,19 @@ constexpr inps_Command commands[] = {
      checkOptions, checkExamples, inps_check},
     {"info", "MODEL.sim [NAME...]", 1, anyNumber, "what a model holds",
      "With --materials, names choose the materials and gasket behaviors that are listed, with\n"
-     "--sections the sections. The case of letters counts only where the model has both spellings.",
+     "--sections the sections, with --history the steps, by number or name. The case of letters\n"
+     "counts only where the model has both spellings.",
      infoOptions, infoExamples, inps_info},
     {"plot", "MODEL.sim [NAME...]", 1, anyNumber, "draw materials and amplitudes in one HTML page",
      "Without -o the page is named as the model, with .html, in the current folder. It needs no\n"
      "network and no other file. Of large models the first 300 materials and amplitudes are drawn\n"
      "and the rest is listed; names choose what is drawn.",
      plotOptions, plotExamples, inps_plot},
+    {"derive", "MODEL.sim", 1, 1, "make anew what follows from a model's given records",
+     "The history and what is in force in its steps, which elements have which section, local\n"
+     "systems: for a model that another program has changed. A copy is changed, which takes the\n"
+     "model's place, or the name of -o, when it is whole. With -o - it goes to standard output.",
+     deriveOptions, deriveExamples, inps_derive},
     {"diff", "A B", 2, 2, "compare two models or decks record by record",
      "Exits with 0 when they are the same, 1 when they differ or a deck has errors, also the one\n"
      "that a model was made from. Where a keyword stood in its deck does not count. A tolerance\n"

@@ -11,6 +11,7 @@ int inps_export(inps_Session& session, const inps_Arguments& arguments);
 int inps_check(inps_Session& session, const inps_Arguments& arguments);
 int inps_info(inps_Session& session, const inps_Arguments& arguments);
 int inps_plot(inps_Session& session, const inps_Arguments& arguments);
+int inps_derive(inps_Session& session, const inps_Arguments& arguments);
 int inps_diff(inps_Session& session, const inps_Arguments& arguments);
 int inps_dump(inps_Session& session, const inps_Arguments& arguments);
 int inps_keywords(inps_Session& session, const inps_Arguments& arguments);

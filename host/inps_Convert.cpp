@@ -1,17 +1,14 @@
 #include "host/inps_Commands.h"
 
 #include "base/utl_File.h"
-#include "base/utl_FileUnderWay.h"
 #include "base/utl_Interruption.h"
-#include "base/utl_MappedFile.h"
-#include "base/utl_OutputFile.h"
 #include "database/KvoObjMesh.h"
 #include "database/eds_Exception.h"
-#include "database/eds_ModelPlace.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
 #include "host/inps_Input.h"
-#include "host/inps_OpenModel.h"
+#include "host/inps_ModelCopy.h"
+#include "host/inps_OutputFile.h"
 #include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
@@ -30,79 +27,6 @@ bool hasMesh(const KvoObjDocument& document) {
   return !mesh.Follow(eds_Member::NodeCollection).IsNull() &&
          !mesh.Follow(eds_Member::ElementCollection).IsNull();
 }
-
-// The base is never changed: a copy beside the target is, and takes the target's name at the end.
-class RestartCopy {
-public:
-  RestartCopy(const inps_Input& input, const Path& target)
-      : m_path(utl_temporaryBeside(target)), m_journal(m_path) {
-    m_journal += "-journal";
-    // Ours from now on: two restarts from one base would each lose what the other adds.
-    if (utl_isTaken(target)) m_place = std::make_unique<eds_ModelPlace>(target);
-    // Held open while it is copied, so that nobody writes it meanwhile.
-    const Path& base = input.File();
-    const KvoObjDocument held = inps_openModel(input);
-    if (!held.IsFinished())
-      throw eds_DamagedFileException("\"" + utl_pathText(base) +
-                                     "\" is not finished: the conversion that made it did not end");
-    try {
-      Copy(base);
-      if (m_place) m_place->HoldAgain(); // the base may be what is replaced
-    } catch (const utl_FileException& failure) {
-      utl_removeFile(m_path);
-      if (failure.Path() != m_path) throw;
-      throw utl_FileException("cannot write", target, failure.Reason());
-    } catch (...) {
-      utl_removeFile(m_path);
-      throw;
-    }
-  }
-  ~RestartCopy() { // gone already once it has taken the target's name
-    utl_removeFile(m_path);
-    utl_removeFile(m_journal);
-  }
-  RestartCopy(const RestartCopy&) = delete;
-  RestartCopy& operator=(const RestartCopy&) = delete;
-
-  const Path& File() const { return m_path; }
-  void BecomeTarget(const Path& target, bool force) {
-    if (!m_place) m_place = std::make_unique<eds_ModelPlace>(target);
-    m_place->GiveTo(m_path, force ? utl_IfExists::Replace : utl_IfExists::Refuse);
-    utl_syncFolderOf(target);
-  }
-
-private:
-  // By ourselves: the library's own copying tells a full disk as a fault of reading.
-  void Copy(const Path& base) const {
-    const utl_MappedFile from(base);
-    utl_OutputFile to(m_path, utl_OutputFile::Mode::CreateNew);
-    try {
-      to.Write(from.Text().data(), from.Text().size());
-    } catch (const utl_FileException&) {
-      // The system itself reads the pages here, and blames the writing for what it finds.
-      std::error_code ignored;
-      if (std::filesystem::file_size(base, ignored) >= from.Size()) throw;
-      throw utl_FileException("cannot read", base, "it was cut short while it was read");
-    }
-    to.Close();
-  }
-
-  Path m_path;
-  Path m_journal; // left by a store that failed
-  std::unique_ptr<eds_ModelPlace> m_place;
-  utl_FileUnderWay m_underWay{m_path};
-  utl_FileUnderWay m_journalUnderWay{m_journal};
-};
-
-struct Closing {
-  KvoObjDocument& document;
-  ~Closing() {
-    try {
-      document.Close();
-    } catch (const std::exception&) { // told already, by what brought us here
-    }
-  }
-};
 
 struct Job {
   cow_String deck; // as given, "-" for standard input
@@ -145,18 +69,6 @@ cow_String describeJob(const inps_Session& session, const inps_Arguments& argume
   return {};
 }
 
-// Devices and pipes are never replaced, not even by force.
-void requireFree(const Path& target, bool force) {
-  if (!utl_isTaken(target)) return;
-  std::error_code ignored;
-  const std::filesystem::file_status status = std::filesystem::status(target, ignored);
-  if (std::filesystem::is_directory(status))
-    throw utl_FileException("cannot write", target, "it is a folder");
-  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-    throw utl_FileException("cannot write", target, "it is a device or a pipe");
-  if (!force) throw utl_FileException("cannot write", target, "it exists; --force replaces it");
-}
-
 // What is read is not replaced; but a base may be, by who says so.
 void requireOther(const Path& target, const std::optional<inps_Input>& base,
                   const inps_Conversion& conversion) {
@@ -192,7 +104,7 @@ public:
   int operator()() {
     Note("command", "convert");
     Note("deck", m_job.deck);
-    requireFree(m_target, m_job.force);
+    inps_requireFree(m_target, m_job.force);
     const inps_Input deck(m_job.deck, m_session);
     inps_Conversion conversion(deck, m_run.Reporter());
     const bool canConvert = conversion.Prepare();
@@ -246,9 +158,7 @@ private:
     return clean;
   }
 
-  bool GoOn(inps_Conversion& conversion, const Path& copy) {
-    KvoObjDocument document = KvoObjDocument::Open(copy, KvoAccess::ReadWrite);
-    const Closing closing{document}; // others hold it too, and an open copy may not be removed
+  bool GoOn(inps_Conversion& conversion, KvoObjDocument& document) {
     if (!hasMesh(document))
       throw eds_DamagedFileException("\"" + m_base->Name() + "\" has no mesh from which to go on");
     const bool clean = conversion.ConvertRestart(document);
@@ -257,25 +167,14 @@ private:
     m_isBaseKept = (!clean || m_run.Reporter().Errors() > 0) &&
                    std::filesystem::equivalent(m_base->File(), m_target, ignored);
     if (!m_isBaseKept) Summarize(document);
-    document.Close();
     return clean;
   }
 
   bool Restart(inps_Conversion& conversion) {
-    RestartCopy copy(*m_base, m_target);
-    // The store knows the copy's name, people know the target's.
-    m_session.ShowAs(copy.File(), '"' + m_targetName + '"');
+    inps_ModelCopy copy(*m_base, m_target, m_session, '"' + m_targetName + '"');
     bool clean = false;
-    try {
-      clean = GoOn(conversion, copy.File());
-    } catch (const eds_DamagedFileException& damage) { // of what was copied
-      cow_String text = damage.what();
-      const cow_String name = utl_pathText(copy.File());
-      if (const size_t at = text.find(name); at != cow_String::npos)
-        text.replace(at, name.size(), m_base->Name());
-      throw eds_DamagedFileException(text);
-    }
-    if (!m_isBaseKept) copy.BecomeTarget(m_target, m_job.force);
+    copy.Change([&](KvoObjDocument& document) { clean = GoOn(conversion, document); });
+    if (!m_isBaseKept) copy.BecomeTarget(m_job.force);
     return clean;
   }
 

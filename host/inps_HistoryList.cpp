@@ -93,8 +93,8 @@ Row rowOf(const inpS_HistoryDescription& step) {
 
 } // namespace
 
-void inps_printHistory(aio_ostream& out, const KvoObjDocument& document, std::size_t mostListed) {
-  const auto history = inpS_describeHistory(document);
+void inps_printHistory(aio_ostream& out, const cow_List<inpS_HistoryDescription>& history,
+                       std::size_t mostListed) {
   if (history.empty()) return;
   inps_TextTable<7> table(
       {"step", "name", "procedure", "nature", "period", "increments", "options"}, 1);
@@ -106,44 +106,46 @@ void inps_printHistory(aio_ostream& out, const KvoObjDocument& document, std::si
     out << "  … and " << history.size() - mostListed << " more; --json has them all\n";
 }
 
-inps_Json inps_jsonOfHistory(const KvoObjDocument& document) {
+inps_Json inps_jsonOfHistory(const cow_List<inpS_HistoryDescription>& history) {
+  inps_Json steps = inps_Json::array();
+  for (const inpS_HistoryDescription& step : history) steps.push_back(inps_jsonOfStep(step));
+  return steps;
+}
+
+inps_Json inps_jsonOfStep(const inpS_HistoryDescription& step) {
   constexpr const char* registrations[] = {"step", "task", "event"};
   constexpr const char* increments[] = {"none", "automatic", "fixed"};
-  inps_Json steps = inps_Json::array();
-  for (const inpS_HistoryDescription& step : inpS_describeHistory(document)) {
-    const KvoSimDataRecord record = step.record.DataRecord();
-    const auto real = [&](int field) -> inps_Json {
-      if (!isGiven(record, field)) return nullptr;
-      return record.GetDouble(field);
-    };
-    const auto word = [&](int field, std::span<const char* const> words) -> inps_Json {
-      const auto at = static_cast<std::size_t>(record.GetSymb(field));
-      if (!isGiven(record, field) || at >= words.size()) return nullptr;
-      return words[at];
-    };
-    inps_Json one{{"number", record.GetInt64(eds_HistoryStep_Number)},
-                  {"name", record.ReturnString(eds_HistoryStep_Name)},
-                  {"description", record.ReturnString(eds_HistoryStep_Description)}};
-    one["procedure"] = step.procedure.empty() ? inps_Json(nullptr) : inps_Json(step.procedure);
-    one["registration"] = word(eds_HistoryStep_Registration, registrations);
-    one["nonlinear"] = isGiven(record, eds_HistoryStep_Nonlinear)
-                           ? inps_Json(record.GetBool(eds_HistoryStep_Nonlinear))
+  const KvoSimDataRecord record = step.record.DataRecord();
+  const auto real = [&](int field) -> inps_Json {
+    if (!isGiven(record, field)) return nullptr;
+    return record.GetDouble(field);
+  };
+  const auto word = [&](int field, std::span<const char* const> words) -> inps_Json {
+    const auto at = static_cast<std::size_t>(record.GetSymb(field));
+    if (!isGiven(record, field) || at >= words.size()) return nullptr;
+    return words[at];
+  };
+  inps_Json one{{"number", record.GetInt64(eds_HistoryStep_Number)},
+                {"name", record.ReturnString(eds_HistoryStep_Name)},
+                {"description", record.ReturnString(eds_HistoryStep_Description)}};
+  one["procedure"] = step.procedure.empty() ? inps_Json(nullptr) : inps_Json(step.procedure);
+  one["registration"] = word(eds_HistoryStep_Registration, registrations);
+  one["nonlinear"] = isGiven(record, eds_HistoryStep_Nonlinear)
+                         ? inps_Json(record.GetBool(eds_HistoryStep_Nonlinear))
+                         : inps_Json(nullptr);
+  one["perturbation"] = record.GetBool(eds_HistoryStep_Perturbation);
+  one["period"] = real(eds_HistoryStep_Period);
+  one["increments"] = record.GetInt64(eds_HistoryStep_Increments);
+  one["incrementation"] = word(eds_HistoryStep_Incrementation, increments);
+  one["initial"] = real(eds_HistoryStep_Initial);
+  one["minimum"] = real(eds_HistoryStep_Minimum);
+  one["maximum"] = real(eds_HistoryStep_Maximum);
+  one["stabilized"] = record.GetSymb(eds_HistoryStep_Stabilization) != 0;
+  one["eigenvalues"] = isGiven(record, eds_HistoryStep_Eigenvalues)
+                           ? inps_Json(record.GetInt64(eds_HistoryStep_Eigenvalues))
                            : inps_Json(nullptr);
-    one["perturbation"] = record.GetBool(eds_HistoryStep_Perturbation);
-    one["period"] = real(eds_HistoryStep_Period);
-    one["increments"] = record.GetInt64(eds_HistoryStep_Increments);
-    one["incrementation"] = word(eds_HistoryStep_Incrementation, increments);
-    one["initial"] = real(eds_HistoryStep_Initial);
-    one["minimum"] = real(eds_HistoryStep_Minimum);
-    one["maximum"] = real(eds_HistoryStep_Maximum);
-    one["stabilized"] = record.GetSymb(eds_HistoryStep_Stabilization) != 0;
-    one["eigenvalues"] = isGiven(record, eds_HistoryStep_Eigenvalues)
-                             ? inps_Json(record.GetInt64(eds_HistoryStep_Eigenvalues))
-                             : inps_Json(nullptr);
-    one["lowest"] = real(eds_HistoryStep_LowestFrequency);
-    one["highest"] = real(eds_HistoryStep_HighestFrequency);
-    one["keywords"] = step.keywords;
-    steps.push_back(std::move(one));
-  }
-  return steps;
+  one["lowest"] = real(eds_HistoryStep_LowestFrequency);
+  one["highest"] = real(eds_HistoryStep_HighestFrequency);
+  one["keywords"] = step.keywords;
+  return one;
 }

@@ -3,6 +3,7 @@
 #include "base/utl_File.h"
 #include "base/utl_Interruption.h"
 #include "database/eds_ModelReader.h"
+#include "host/inps_ActingList.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_ElementSections.h"
 #include "host/inps_HistoryList.h"
@@ -16,6 +17,7 @@
 #include "host/inps_SectionList.h"
 #include "host/inps_Session.h"
 #include "host/inps_Timings.h"
+#include "inpS/writer/inpS_HistoryDescription.h"
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -72,7 +74,7 @@ void printInfo(aio_ostream& out, const inps_ModelSummary& summary, const KvoObjD
   printParts(out, "parts:", summary.parts);
   printParts(out, "instances:", summary.instances);
   printSections(out, document);
-  inps_printHistory(out, document, mostListed);
+  inps_printHistory(out, inpS_describeHistory(document), mostListed);
   if (summary.nodes > 0) inps_printQuality(out, inps_assessMesh(document));
   printCounts(out, "kept as text:", summary.keptAsText, "*");
   printCounts(out, "records:", summary.records, "");
@@ -123,6 +125,39 @@ int listMaterials(inps_Session& session, const inps_Arguments& arguments,
   return inps_ExitDone;
 }
 
+// A step is named by its name, or by its number.
+int listHistory(inps_Session& session, const inps_Arguments& arguments,
+                const KvoObjDocument& document) {
+  const cow_List<inpS_HistoryDescription> history = inpS_describeHistory(document);
+  cow_List<cow_String> have;
+  cow_List<cow_String> numbers;
+  for (const inpS_HistoryDescription& step : history) {
+    const KvoSimDataRecord record = step.record.DataRecord();
+    have.push_back(record.ReturnString(eds_HistoryStep_Name));
+    numbers.push_back(std::to_string(record.GetInt64(eds_HistoryStep_Number)));
+  }
+  cow_List<cow_String> wanted(arguments.Operands().begin() + 1, arguments.Operands().end());
+  for (cow_String& word : wanted) {
+    const auto number = std::ranges::find(numbers, word);
+    if (number != numbers.end() && std::ranges::find(have, word) == have.end())
+      word = have[static_cast<std::size_t>(number - numbers.begin())];
+  }
+  const inps_NameChoice choice(wanted, have);
+  if (!areThere(session, choice, "step")) return inps_ExitUsage;
+  cow_List<inpS_HistoryDescription> chosen;
+  for (std::size_t n = 0; n < history.size(); ++n)
+    if (choice.Has(have[n])) chosen.push_back(history[n]);
+  if (arguments.Has(inps_Opt::Json))
+    inps_printActingJson(session.out, document, chosen,
+                         {{"command", "info"}, {"model", arguments.Operands()[0]}},
+                         {{"failure", nullptr}, {"exit", inps_ExitDone}});
+  else if (history.empty())
+    session.out << "no steps\n";
+  else
+    inps_printActing(session.out, document, chosen, mostListed);
+  return inps_ExitDone;
+}
+
 inps_Json jsonOf(const inps_Input& input, const KvoObjDocument& document,
                  const inps_ModelSummary& summary, uintmax_t bytes) {
   inps_Json json{{"command", "info"},  {"model", input.Name()},
@@ -144,7 +179,7 @@ inps_Json jsonOf(const inps_Input& input, const KvoObjDocument& document,
                          ? inps_Json()
                          : inps_jsonOfSections(sections, inps_NameChoice({}, {}));
   json["withoutSection"] = inps_jsonOf(inps_elementsWithoutSection(document));
-  json["history"] = inps_jsonOfHistory(document);
+  json["history"] = inps_jsonOfHistory(inpS_describeHistory(document));
   json["quality"] = inps_jsonOf(inps_assessMesh(document));
   return json;
 }
@@ -158,19 +193,24 @@ int info(inps_Session& session, const inps_Arguments& arguments) {
   const bool named = arguments.Operands().size() > 1;
   const bool ofMaterials = arguments.Has(inps_Opt::Materials);
   const bool ofSections = arguments.Has(inps_Opt::Sections);
-  if (named && !ofMaterials && !ofSections) {
-    session.err << "inps: names choose from what \"--materials\" or \"--sections\" lists, and "
-                   "neither is given\n";
+  const bool ofHistory = arguments.Has(inps_Opt::History);
+  const int lists = ofMaterials + ofSections + ofHistory;
+  if (named && lists == 0) {
+    session.err << "inps: names choose from what \"--materials\", \"--sections\" or \"--history\" "
+                   "lists, and none of them is given\n";
     return inps_ExitUsage;
   }
-  if (ofMaterials && ofSections) {
-    session.err << "inps: \"--materials\" and \"--sections\" are two lists; ask for one\n";
+  if (lists > 1) {
+    session.err
+        << "inps: \"--materials\", \"--sections\" and \"--history\" are lists of their own; "
+           "ask for one\n";
     return inps_ExitUsage;
   }
   const inps_Input input(arguments.Operands()[0], session);
   const KvoObjDocument document = inps_openModel(input);
   if (ofMaterials) return listMaterials(session, arguments, document);
   if (ofSections) return listSections(session, arguments, document);
+  if (ofHistory) return listHistory(session, arguments, document);
   const inps_ModelSummary summary = inps_summarize(document);
   std::error_code ignored;
   const auto size = std::filesystem::file_size(input.File(), ignored);

@@ -38,3 +38,14 @@ void inps_writeFile(const std::filesystem::path& path, bool force, const inps_Re
     throw;
   }
 }
+
+void inps_requireFree(const std::filesystem::path& target, bool force) {
+  if (!utl_isTaken(target)) return;
+  std::error_code ignored;
+  const std::filesystem::file_status status = std::filesystem::status(target, ignored);
+  if (std::filesystem::is_directory(status))
+    throw utl_FileException("cannot write", target, "it is a folder");
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+    throw utl_FileException("cannot write", target, "it is a device or a pipe");
+  if (!force) throw utl_FileException("cannot write", target, "it exists; --force replaces it");
+}

@@ -11,3 +11,7 @@ class utl_Stream;
 // written as it stands. An existing file is replaced by force only. Throws utl_FileException.
 void inps_writeFile(const std::filesystem::path& path, bool force, const inps_ReadFiles& read,
                     const std::function<void(utl_Stream& out)>& print);
+
+// Whether a model may take the name: a folder is never replaced, nor is a device or a pipe, not
+// even by force. Throws utl_FileException.
+void inps_requireFree(const std::filesystem::path& target, bool force);

@@ -9,6 +9,7 @@
 #include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
+#include "inpS/writer/inpS_ExcitationPrinter.h"
 #include "inpS/writer/inpS_Sim2Inp.h"
 #include <ostream>
 
@@ -20,6 +21,14 @@ void print(const KvoObjDocument& document, utl_Stream& deck, aio_ostream& diagno
   writer.Print(deck);
 }
 
+void warnOfExcitations(const KvoObjDocument& document, const inps_Input& input, inps_Run& run) {
+  for (const cow_String& name : inpS_excitationsNotPrinted(document)) {
+    wip_Message message(name + " has no keyword behind it and cannot be written as one");
+    message.place.file = input.Name();
+    run.Reporter().Warning(message);
+  }
+}
+
 } // namespace
 
 int inps_write(inps_Session& session, const inps_Arguments& arguments) {
@@ -28,6 +37,7 @@ int inps_write(inps_Session& session, const inps_Arguments& arguments) {
     const inps_Input input(arguments.Operands()[0], session);
     const KvoObjDocument document = inps_openModel(input, run);
     inps_warnOfNamedFiles(document, input, run);
+    warnOfExcitations(document, input, run);
     if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) != inps_dash) {
       inps_writeFile(arguments.PathOf(inps_Opt::Output), arguments.Has(inps_Opt::Force),
                      {input.File()}, [&](utl_Stream& deck) { print(document, deck, session.err); });

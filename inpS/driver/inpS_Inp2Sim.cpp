@@ -3,12 +3,11 @@
 #include "base/wip_WIPBase.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/driver/inpS_Derive.h"
 #include "inpS/driver/inpS_Phases.h"
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
-#include "inpS/history/inpS_Excitations.h"
-#include "inpS/history/inpS_History.h"
 #include "inpS/materials/inpS_MaterialVisitor.h"
 #include "inpS/mesh/inpS_MeshVisitor.h"
 #include "inpS/messages/inpS_MessageContainer.h"
@@ -155,8 +154,7 @@ void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
 }
 
 bool inpS_Inp2Sim::Derive() {
-  inpS_deriveHistory(m_document);
-  return m_boundaries.Report(inpS_deriveExcitations(m_document));
+  return m_boundaries.Report(inpS_deriveSteps(m_document));
 }
 
 void inpS_Inp2Sim::End() {

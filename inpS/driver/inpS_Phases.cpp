@@ -6,6 +6,7 @@
 #include "database/KvoSimDistribution.h"
 #include "database/KvoSimGrid.h"
 #include "database/KvoSimTransaction.h"
+#include "inpS/driver/inpS_Derive.h"
 #include "inpS/driver/inpS_HandledKinds.h"
 #include "inpS/framework/inpS_UnusedLines.h"
 #include "inpS/history/inpS_AmplitudeVisitor.h"
@@ -36,8 +37,6 @@
 #include "inpS/properties/inpS_NodalThicknessVisitor.h"
 #include "inpS/properties/inpS_OrientationFixupVisitor.h"
 #include "inpS/properties/inpS_OrientationVisitor.h"
-#include "inpS/properties/inpS_SectionAssignments.h"
-#include "inpS/properties/inpS_SectionFields.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 #include "inpS/properties/inpS_SectionVisitor.h"
 #include "inpS/sets/inpS_SurfaceNodalAreas.h"
@@ -355,10 +354,7 @@ bool Driver::ProcessSections(Labelers& labelers) {
   visitor.VisitListAndReport(m_keywords);
   sections.TellDoubled(m_ledger, sections);
   sections.Report();
-  if (sections.NumberSections() > 0) {
-    inpS_deriveSectionAssignments(m_document);
-    inpS_deriveSectionFields(m_document);
-  }
+  if (sections.NumberSections() > 0) inpS_deriveSections(m_document);
   visitor.WriteBulkShellSectionDistributions();
   return !visitor.IsError();
 }

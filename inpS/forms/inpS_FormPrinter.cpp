@@ -18,20 +18,23 @@ bool isBare(const eds_FormItem& item, const KvoSimDataRecord& record) {
   return false;
 }
 
+void printParameter(utl_Stream& out, const inpS_Form& form, std::size_t n,
+                    const KvoSimDataRecord& record) {
+  const inpS_ParameterBinding& parameter = form.parameters[n];
+  if (parameter.codec != inpS_Codec::Item) {
+    inpS_printParameters(out, std::span(&parameter, 1), record);
+  } else if (inpS_hasValue(*form.items[n], record)) {
+    out << ", " << parameter.name;
+    if (isBare(*form.items[n], record)) return;
+    out << '=';
+    inpS_printValue(out, *form.items[n], record);
+  }
+}
+
 void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord& record,
                   const inpS_KeptPart& beside, const KvoSrvFsmFTable& table) {
   out << '*' << inp_KeywordTable::Instance().Row(form.keyword)->name;
-  for (std::size_t n = 0; n < form.parameters.size(); ++n) {
-    const inpS_ParameterBinding& parameter = form.parameters[n];
-    if (parameter.codec != inpS_Codec::Item) {
-      inpS_printParameters(out, std::span(&parameter, 1), record);
-    } else if (inpS_hasValue(*form.items[n], record)) {
-      out << ", " << parameter.name;
-      if (isBare(*form.items[n], record)) continue;
-      out << '=';
-      inpS_printValue(out, *form.items[n], record);
-    }
-  }
+  for (std::size_t n = 0; n < form.parameters.size(); ++n) printParameter(out, form, n, record);
   for (const inpS_Form::Selector& selector : form.selectors) {
     if (!selector.IsPrinted(beside.parameters)) continue;
     out << ", " << selector.name;
@@ -128,4 +131,20 @@ void inpS_printForm(utl_Stream& out, const KvoSimPosition& position,
     printing.texts(position, suboption);
   }
   printing.texts(position, {});
+}
+
+void inpS_printKeywordWith(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& record,
+                           const inpS_KeptParts& parts, const inpS_ParameterTexts& changed) {
+  out << '*' << inp_KeywordTable::Instance().Row(form.keyword)->name;
+  for (std::size_t n = 0; n < form.parameters.size(); ++n) {
+    const auto text = changed.find(cow_String(form.parameters[n].name));
+    if (text == changed.end()) {
+      if (!record.IsNull()) printParameter(out, form, n, record.DataRecord());
+    } else if (text->second) {
+      out << ", " << form.parameters[n].name;
+      if (!text->second->empty()) out << '=' << *text->second;
+    }
+  }
+  if (!record.IsNull()) out << parts.FirstOf(record).parameters;
+  out << '\n';
 }

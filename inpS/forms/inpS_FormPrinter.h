@@ -1,7 +1,9 @@
 #pragma once
 
+#include "base/cow_Value.h"
 #include "database/KvoSimPosition.h"
 #include <functional>
+#include <optional>
 
 class inpS_KeptParts;
 class utl_Stream;
@@ -24,3 +26,9 @@ void inpS_printFormLines(utl_Stream& out, const KvoSimPosition& record,
 // Nothing for what is no form's.
 void inpS_printForm(utl_Stream& out, const KvoSimPosition& record,
                     const inpS_FormPrinting& printing);
+
+// By the names of parameters: their values, "" for one that has none; nullopt: not printed.
+using inpS_ParameterTexts = cow_Map<cow_String, std::optional<cow_String>>;
+// The keyword line of a record with some parameters changed; of no record with these alone.
+void inpS_printKeywordWith(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& record,
+                           const inpS_KeptParts& parts, const inpS_ParameterTexts& changed);

@@ -15,8 +15,16 @@ void removeDerived(const KvoSimContext& context) {
     return excitation.IsNull() ||
            !excitation.DataRecord().GetReference(eds_Excitation_Given).IsNull();
   };
-  for (KvoSimPosition& relay : context.GetRecords(eds_RecordKind::Relay))
-    if (isDerived(relay.DataRecord().GetReference(eds_Relay_Excitation))) relay.Remove();
+  for (KvoSimPosition& relay : context.GetRecords(eds_RecordKind::Relay)) {
+    if (!isDerived(relay.DataRecord().GetReference(eds_Relay_Excitation))) continue;
+    if (const KvoSimPosition own = relay.DataRecord().GetReference(eds_Relay_Members);
+        !own.IsNull()) {
+      if (const KvoSimPosition list = own.DataRecord().GetReference(eds_CSet_Array); !list.IsNull())
+        list.Remove();
+      own.Remove();
+    }
+    relay.Remove();
+  }
   for (KvoSimPosition& old : context.GetRecords(eds_RecordKind::Excitation))
     if (isDerived(old)) old.Remove();
 }

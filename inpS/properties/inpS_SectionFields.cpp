@@ -54,6 +54,10 @@ void removeDerived(const KvoSimPosition& field) {
     if (!(data.Parent() == field)) continue; // the distribution's own
     for (const KvoSimPosition& drawer : data.GetVector(eds_Member::Drawers)) {
       drawer.DataRecord().GetReference(eds_Drawer_Array).Remove();
+      const KvoSimPosition members = drawer.DataRecord().GetReference(eds_Drawer_Over);
+      if (const auto list = members.DataRecord().GetReference(eds_CSet_Array); !list.IsNull())
+        list.Remove();
+      members.Remove(); // made for it alone
       drawer.Remove();
     }
     data.Remove();

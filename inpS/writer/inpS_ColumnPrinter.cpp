@@ -250,3 +250,30 @@ void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPo
                   });
   if (others.IsBehind(rows)) out << others.Text();
 }
+
+std::function<cow_List<cow_String>(long long row)> inpS_rowTexts(const eds_FormInfo& form,
+                                                                 const KvoSimPosition& record,
+                                                                 const inpS_DeckLabels& labels,
+                                                                 const inpS_DeckScope& scope) {
+  struct Open {
+    std::mutex guard;
+    Fields fields;
+    cow_List<char> room;
+  };
+  const auto open = std::make_shared<Open>();
+  const long long rows = record.DataRecord().GetInt64(form.rowsField);
+  for (const eds_FormItem& item : form.columnItems) {
+    open->fields.push_back(std::make_unique<Field>(item, record, rows, labels, scope, open->guard));
+    open->room.resize(std::max(open->room.size(), open->fields.back()->Room()));
+  }
+  return [open](long long row) {
+    cow_List<cow_String> texts;
+    for (const auto& field : open->fields) {
+      Field::Values values;
+      field->Read(row, 1, values);
+      char* const begin = open->room.data();
+      texts.emplace_back(begin, field->Print(begin, values, 0));
+    }
+    return texts;
+  };
+}

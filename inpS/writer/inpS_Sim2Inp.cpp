@@ -11,6 +11,7 @@
 #include "inpS/framework/inpS_MemoryDoor.h"
 #include "inpS/writer/inpS_AmplitudePrinter.h"
 #include "inpS/writer/inpS_ColumnPrinter.h"
+#include "inpS/writer/inpS_ExcitationPrinter.h"
 #include "inpS/writer/inpS_MaterialPrinter.h"
 #include "inpS/writer/inpS_MeshPrinter.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
@@ -53,7 +54,8 @@ struct inpS_Sim2Inp::Impl {
   void PrintScope(const inpS_DeckScope& scope, int from, int to);
   void PrintWithin(const inpS_DeckScope& scope);
   void PrintKept(const inpS_DeckScope& scope, const inpS_Block& block);
-  void PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing);
+  void PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing,
+                 const inpS_DeckScope& scope);
   void PrintParts();
   void PrintAssembly();
   void PrintInstance(const KvoSimPosition& instance);
@@ -98,6 +100,9 @@ struct inpS_Sim2Inp::Impl {
   void PrintGasketBehaviors(const inpS_DeckScope& scope) {
     if (IsModel(scope)) Materials().PrintGasketBehaviors(doc.GetModel());
   }
+  void PrintExcitations(const inpS_DeckScope& scope) {
+    if (IsModel(scope)) excitations->PrintBeforeSteps(*out);
+  }
   bool IsModel(const inpS_DeckScope& scope) const { return scope.owner.IsA(eds_RecordKind::Model); }
   void PrintKeptOf(const KvoSimPosition& owner, const KvoSimPosition& behind = {});
 
@@ -111,6 +116,7 @@ struct inpS_Sim2Inp::Impl {
   std::unique_ptr<inpS_DeckLabels> labels;
   cow_Map<unsigned long long, std::size_t> printed; // how many of what an object keeps
   inpS_KeptParts parts;
+  std::unique_ptr<inpS_ExcitationPrinter> excitations;
   cow_Map<unsigned long long, cow_List<Kept>> kept; // by owner, sorted by block and position
 };
 
@@ -139,6 +145,8 @@ Impl::Printer Impl::PrinterOf(int block) {
     return &Impl::PrintMaterials;
   case 17:
     return &Impl::PrintGasketBehaviors;
+  case 27:
+    return &Impl::PrintExcitations;
   default:
     return nullptr;
   }
@@ -198,6 +206,7 @@ void Impl::LoadTables() {
   };
   labels->nodeInstances = instancesOf(labels->nodes);
   labels->elementInstances = instancesOf(labels->elements);
+  excitations = std::make_unique<inpS_ExcitationPrinter>(doc, *labels, parts);
 }
 
 void Impl::LoadElemSpec2TypeMap() {
@@ -284,7 +293,7 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
     for (const eds_Member member : inpS_membersOf(block)) {
       for (const KvoSimPosition& record : scope.owner.GetVector(member)) {
         if (record.IsA(eds_FormKind::Step))
-          PrintStep(record, printing);
+          PrintStep(record, printing, scope);
         else
           inpS_printForm(*out, record, printing);
         printTexts(&record);
@@ -295,9 +304,12 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
 }
 
 // Its keywords in the order of the deck, whatever phase made them.
-void Impl::PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing) {
+void Impl::PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing,
+                     const inpS_DeckScope& scope) {
   inpS_printFormLines(*out, step, printing);
   printing.texts(step, step);
+  const KvoSimPosition place = excitations->PlaceIn(step);
+  if (place.IsNull()) excitations->PrintStep(*out, step, scope);
   const auto places = step.GetIntKeys(eds_Member::StepKeywords);
   const auto records = step.FollowMap(eds_Member::StepKeywords);
   std::vector<std::size_t> order(places.size());
@@ -306,6 +318,8 @@ void Impl::PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printi
   for (const std::size_t n : order) {
     inpS_printForm(*out, records[n], printing);
     printing.texts(step, records[n]);
+    if (records[n] == place) excitations->PrintStep(*out, step, scope);
+    if (records[n].IsA(eds_FormKind::LoadCase)) excitations->PrintLoadCase(*out, step, records[n]);
   }
   printing.texts(step, {});
   *out << "*END STEP";

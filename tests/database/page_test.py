@@ -14,6 +14,11 @@ import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 FAULTS = []
+# Forces on 300 nodes, moments between them, and one line that takes a node from a set.
+LOADS = ("*NODE\n" + "".join(f"{n}, {n}., 0., 0.\n" for n in range(1, 305)) +
+         "*NSET, NSET=BASE\n1, 2\n*NSET, NSET=TOP\n3, 4\n*BOUNDARY\nBASE, PINNED\n"
+         "*STEP\n*STATIC\n*CLOAD\nTOP, 3, -5.\n*END STEP\n*STEP\n*STATIC\n*CLOAD\n4, 3, 7.\n*CLOAD\n" +
+         "".join(f"{n + 5}, 1, {n}.\n{n + 5}, 4, 0.5\n" for n in range(300)) + "*END STEP\n")
 
 
 def same(what, found, wanted):
@@ -23,8 +28,8 @@ def same(what, found, wanted):
 
 def run_example(page, model, folder):
     code = re.findall(r"```python\n(.*?)```", page, re.S)
-    same("examples in the page", len(code), 1)
-    (folder / "example.py").write_text(code[0], encoding="utf-8")
+    same("examples in the page", len(code), 2)
+    (folder / "example.py").write_text("\n".join(code), encoding="utf-8")
     sys.argv = ["example.py", str(model)]
     return runpy.run_path(str(folder / "example.py"))
 
@@ -77,6 +82,33 @@ def check_plate(found):
           {"E": 62500.0, "nu": 0.33, "Temperature": 150.0}])
 
 
+# What acts in step 2 by the page's own query, and the rows of a larger keyword.
+def check_loads(found):
+    db = found["db"]
+    page = (ROOT / "docs/database.md").read_text(encoding="utf-8")
+    query = re.search(r"So this is what acts in step 2.*?\n\n(.*?)\n\n", page, re.S)[1]
+    same("what acts in step 2", db.execute(query).fetchall(), [
+        ("BOUNDARY", None, None, "PINNED", None, "BASE", None, None, None, None, 0, "carried"),
+        ("CLOAD", "CF_D", "C_3", None, None, "TOP", None, None, -5.0, None, 1, "carried"),
+        ("CLOAD", "CF_D", "C_3", None, None, None, None, 4, 7.0, None, 2, "given"),
+        ("CLOAD", "CF_D", "C_1", None, None, None, None, None, None, None, 2, "given"),
+        ("CLOAD", "CF_R", "C_1", None, None, None, None, None, None, None, 2, "given")])
+    left, = db.execute("SELECT members FROM v_in_force WHERE step = 2 AND region = 'TOP'").fetchone()
+    run = db.execute("""SELECT ifnull(first, 0), ifnull(stride, 1), ifnull(count, 0), members, array
+        FROM cset WHERE id = ?""", (left,)).fetchone()
+    same("what is left of TOP", [found["node"][n] for n in found["numbers"](*run)], [(None, 3)])
+    kind, given, first, rows = db.execute("""SELECT given_kind, given, first_row, rows FROM v_in_force
+        WHERE components = 'C_1' AND field = 'CF_D'""").fetchone()
+    targets, degrees, values = (found["column"](kind, given, name)
+                                for name in ("target", "dof", "magnitude"))
+    run = [(found["node"][target][1], value) for target, degree, value in
+           list(zip(targets, degrees, values))[first:] if degree == 1][:rows]
+    same("rows of the larger keyword", (rows, run[:2], run[-1]), (300, [(5, 0.0), (6, 1.0)], (304, 299.0)))
+    told = set(re.findall(r"`(\w+)`", page.split("| Column of `v_in_force`")[1].split("\n\n")[0]))
+    names = {one[0] for one in db.execute("SELECT * FROM v_in_force").description}
+    same("columns of v_in_force that the page does not tell", names - told, set())
+
+
 # A model of next to nothing: the example finds nothing and asks for nothing that is not there.
 def check_heading(found):
     same("of an empty model", [found[what] for what in ("node", "element", "xyz", "sets")], [{}] * 4)
@@ -84,7 +116,8 @@ def check_heading(found):
 
 # The views of the example are the same whether the model has what they show or not.
 def check_views(models):
-    views = ("v_labels", "v_flat_nodes", "v_flat_elements", "v_sets", "v_material_tables")
+    views = ("v_labels", "v_flat_nodes", "v_flat_elements", "v_sets", "v_material_tables",
+             "v_in_force")
     for view in views:
         columns = {tuple(column[1] for column in sqlite3.connect(model).execute(
             f"PRAGMA table_info({view})")) for model in models}
@@ -122,14 +155,17 @@ def main():
         folder = pathlib.Path(name)
         heading = folder / "heading.inp"
         heading.write_text("*HEADING\nNothing\n", encoding="utf-8")
+        loads = folder / "loads.inp"
+        loads.write_text(LOADS, encoding="utf-8")
         decks = ((ROOT / "examples/assembly.inp", check_assembly),
                  (ROOT / "examples/materials.inp", check_materials),
-                 (ROOT / "examples/plate.inp", check_plate), (heading, check_heading))
+                 (ROOT / "examples/plate.inp", check_plate), (heading, check_heading),
+                 (loads, check_loads))
         for deck, check in decks:
             model = folder / f"{deck.stem}.sim"
             subprocess.run([program, "convert", deck, "-o", model, "-q"], check=True)
             check(run_example(page, model, folder))
-            if check is not check_heading:
+            if check not in (check_heading, check_loads):
                 check_words(page, model)
         check_views(list(folder.glob("*.sim")))
     for fault in FAULTS:

@@ -128,6 +128,7 @@ enum class Job {
   Replace,
   Restart,
   RestartJson,
+  Derive,
   Write,
   Export,
   ExportBlocks,
@@ -154,6 +155,7 @@ constexpr Case cases[] = {
     {Job::Export, "Export", true},     {Job::ExportBlocks, "ExportBlocks", true},
     {Job::Plot, "Plot", true},         {Job::ConvertAtOnce, "ConvertAtOnce", false},
     {Job::Info, "Info", true},         {Job::Diff, "Diff", true},
+    {Job::Derive, "Derive", false},
 };
 constexpr const char* faultNames[] = {"Read",         "Write",    "Sync",       "Open",
                                       "Truncate",     "Delete",   "FileOpen",   "FileCreate",
@@ -162,7 +164,7 @@ constexpr const char* faultNames[] = {"Read",         "Write",    "Sync",       
 
 // Whether a job, when all goes well, comes to calls for our own files of this kind.
 bool usesFiles(Job job, Fault fault) {
-  const bool restarts = job == Job::Restart || job == Job::RestartJson;
+  const bool restarts = job == Job::Restart || job == Job::RestartJson || job == Job::Derive;
   const bool converts = restarts || job == Job::Convert || job == Job::ConvertAtOnce ||
                         job == Job::Json || job == Job::Replace;
   const bool prints =
@@ -266,6 +268,8 @@ protected:
     case Job::Restart:
       return {"convert", Data("more.inp"),  "--restart", File("base.sim"),
               "-o",      File("model.sim"), "-q"};
+    case Job::Derive:
+      return {"derive", File("base.sim"), "-o", File("model.sim"), "-q"};
     case Job::Write:
       return {"write", File("base.sim"), "-o", File("out")};
     case Job::Export:

@@ -63,3 +63,83 @@ TEST_F(History, IsWholeForPrograms) {
   EXPECT_EQ(steps[3]["procedure"], nullptr);
   EXPECT_EQ(steps[21]["number"], 22);
 }
+
+namespace {
+
+// What acts, step by step, and the way it is told.
+class ActingInSteps : public History {
+protected:
+  cow_String Model() const {
+    const cow_String deck =
+        cow_String(oneBrick) +
+        "*NSET, NSET=BASE\n1, 2, 3, 4\n*SURFACE, NAME=\"top face\"\nSOLID, S2\n"
+        "*AMPLITUDE, NAME=RAMP\n0., 0., 1., 1.\n*AMPLITUDE, NAME=ALL-TIME, TIME=TOTAL TIME\n"
+        "0., 0., 1., 1.\n*BOUNDARY\nBASE, PINNED\n"
+        "*STEP, NAME=Press\n*STATIC\n*CLOAD, AMPLITUDE=RAMP\n5, 3, -5.\nALL, 1, 2.\n"
+        "*DSLOAD, AMPLITUDE=ALL-TIME\n\"top face\", P, 3.\n*DLOAD\n, GRAV, 9.81, 0., 0., -1.\n"
+        "*END STEP\n*STEP, PERTURBATION\n*FREQUENCY\n3\n*END STEP\n"
+        "*STEP, NAME=2\n*STATIC\n*CLOAD\n6, 1, -7.\n*TEMPERATURE\n" +
+        Lines(300, "") + "*CFLUX\n" + Lines(12, "11, ") + "*END STEP\n";
+    ProgramRun({"convert", Deck("s.inp", deck), "-o", File("s.sim"), "--quiet"});
+    return File("s.sim");
+  }
+  static cow_String Lines(int count, const char* degree) {
+    cow_String lines;
+    for (int n = 0; n < count; ++n)
+      lines += std::to_string(n % 8 + 1) + ", " + degree + std::to_string(n) + ".\n";
+    return lines;
+  }
+};
+
+} // namespace
+
+TEST_F(ActingInSteps, AreATable) {
+  const cow_String all = ProgramRun({"info", Model(), "--history"}).out;
+  EXPECT_EQ(Line(all, "2 Step-2"), "2 Step-2 *FREQUENCY perturbation - - 3 modes");
+  EXPECT_NE(all.find("in step 3, 2:\n"), all.npos);
+  const auto of = [&](const char* step) {
+    return ProgramRun({"info", File("s.sim"), "--history", step}).out;
+  };
+  const cow_String first = of("press");
+  EXPECT_EQ(Line(first, "BOUNDARY"), "BOUNDARY BASE PINNED - - - 0 carried -");
+  EXPECT_EQ(Line(first, "CLOAD 5"), "CLOAD 5 CF_D C_3 -5 RAMP 1 given -");
+  EXPECT_EQ(Line(first, "DSLOAD"), "DSLOAD top face P - 3 ALL-TIME 1 given -");
+  EXPECT_EQ(Line(first, "DLOAD"), "DLOAD - GRAV - 9.81 - 1 given -");
+  // A step whose name is a number is meant by it; loads stay out of a perturbation.
+  const cow_String last = of("2");
+  EXPECT_EQ(Line(last, "CLOAD ALL"), "CLOAD ALL (7 nodes left) CF_D C_1 2 ended RAMP 1 carried -");
+  EXPECT_EQ(Line(last, "DSLOAD"), "DSLOAD top face P - 3 ALL-TIME 1 carried -");
+  EXPECT_EQ(Line(last, "… and"), "… and 2 more of *CFLUX; --json has them all");
+  const cow_String modes = of("STEP-2");
+  EXPECT_EQ(Line(modes, "BOUNDARY"), "BOUNDARY BASE PINNED - - - 0 held -");
+  EXPECT_EQ(modes.find("LOAD "), modes.npos);
+  const ProgramRun missing({"info", File("s.sim"), "--history", "4"});
+  EXPECT_EQ(missing.exitCode, inps_ExitUsage);
+  EXPECT_TRUE(missing.Says("no step \"4\"")) << missing.err;
+  EXPECT_EQ(ProgramRun({"info", File("s.sim"), "--history", "--sections"}).exitCode,
+            inps_ExitUsage);
+}
+
+TEST_F(ActingInSteps, AreWholeForPrograms) {
+  const ProgramRun run({"info", Model(), "--history", "--json"});
+  const json told = json::parse(run.out);
+  EXPECT_EQ(told["exit"], 0);
+  const json& steps = told["history"];
+  ASSERT_EQ(steps.size(), 3u);
+  EXPECT_EQ(steps[0]["name"], "PRESS");
+  const json& gravity = steps[0]["acting"].back();
+  EXPECT_EQ(gravity["load"], "GRAV");
+  EXPECT_EQ(gravity["wholeModel"], true);
+  EXPECT_EQ(gravity["region"], nullptr);
+  ASSERT_EQ(steps[1]["acting"].size(), 1u);
+  EXPECT_EQ(steps[1]["acting"][0]["how"], "held");
+  EXPECT_EQ(steps[1]["acting"][0]["restraint"], "PINNED");
+  const json& left = steps[2]["acting"][2];
+  EXPECT_EQ(left["region"], "ALL");
+  EXPECT_EQ(left["members"], 7);
+  EXPECT_EQ(left["amplitudeEnded"], true);
+  long long rows = 0;
+  for (const json& one : steps[2]["acting"])
+    if (one["keyword"] == "TEMPERATURE") rows += one["rows"].get<long long>();
+  EXPECT_EQ(rows, 8); // the last value of each node holds
+}

@@ -41,6 +41,9 @@ protected:
     for (const cow_List<cow_String>& words :
          {cow_List<cow_String>{"check", bad},
           {"info", bad, "--json"},
+          {"info", bad, "--history"},
+          {"info", bad, "--history", "--json"},
+          {"derive", bad, "-o", File("derived.sim"), "--force"},
           {"dump", bad},
           {"write", bad, "-o", File("out.inp"), "--force"},
           {"diff", File("good.sim"), bad},

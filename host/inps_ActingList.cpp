@@ -1,0 +1,169 @@
+#include "host/inps_ActingList.h"
+
+#include "database/KvoSimDataRecord.h"
+#include "host/inps_HistoryList.h"
+#include "host/inps_NamedTable.h"
+#include "host/inps_TextTable.h"
+#include "host/inps_VisibleBuffer.h"
+#include "inpS/writer/inpS_HistoryDescription.h"
+#include "inpS/writer/inpS_InForceDescription.h"
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <sstream>
+
+namespace {
+
+using Acting = inpS_ActingDescription;
+constexpr std::size_t kColumns = 9;
+constexpr long long kMostOfKeyword = 10;
+
+// "ENDS", "PLATE-1.ENDS (3 nodes left)", "PLATE-1.17", "9990 rows"
+cow_String regionText(const Acting& acting) {
+  const cow_String within = acting.instance.empty() ? "" : acting.instance + ".";
+  const cow_String members =
+      acting.members ? inps_counted(*acting.members, acting.memberKind) : cow_String();
+  if (acting.regionKind) {
+    const cow_String left = members.empty() ? "" : " (" + members + " left)";
+    return within + acting.region + left;
+  }
+  if (acting.target) return within + std::to_string(*acting.target);
+  if (!members.empty()) return members;
+  if (acting.isWhole) return {};
+  return acting.rows > 1 ? inps_counted(acting.rows, "row")
+                         : "row " + std::to_string(acting.firstRow + 1);
+}
+
+cow_String fieldText(const Acting& acting) {
+  if (!acting.restraint.empty()) return acting.restraint;
+  if (acting.field.empty() || acting.field == acting.label) return acting.label;
+  return acting.label.empty() ? acting.field : acting.field + " " + acting.label;
+}
+
+inps_TextTable<kColumns>::Row rowOf(const Acting& acting) {
+  cow_String components = acting.components;
+  if (acting.isAlongLocalAxes) components += (components.empty() ? "" : ", ") + cow_String("local");
+  const bool isOfRows = !acting.regionKind && !acting.target && !acting.members && !acting.isWhole;
+  cow_String magnitude = acting.magnitude ? inps_plainNumber(*acting.magnitude)
+                         : acting.restraint.empty() && isOfRows ? "by row"
+                                                                : "";
+  if (acting.isImaginary) magnitude += " imaginary";
+  return {acting.keyword,
+          inps_oneLine(regionText(acting)),
+          inps_oneLine(fieldText(acting)),
+          components,
+          magnitude,
+          (acting.hasAmplitudeEnded ? "ended " : "") + inps_oneLine(acting.amplitude),
+          std::to_string(acting.fromStep),
+          acting.how,
+          inps_oneLine(acting.loadCase)};
+}
+
+void printStep(aio_ostream& out, inpS_InForceDescription& inForce, const KvoSimPosition& step) {
+  const KvoSimDataRecord record = step.DataRecord();
+  inps_TextTable<kColumns> table({"keyword", "region", "field", "components", "magnitude",
+                                  "amplitude", "from", "how", "load case"},
+                                 1u << 4 | 1u << 6);
+  cow_List<std::pair<cow_String, long long>> counts; // by keyword, in order
+  inForce.ForAllIn(
+      step,
+      [&](const cow_String& keyword) {
+        auto known = std::ranges::find(counts, keyword, &std::pair<cow_String, long long>::first);
+        if (known == counts.end()) known = counts.insert(counts.end(), {keyword, 0});
+        return ++known->second <= kMostOfKeyword;
+      },
+      [&](const Acting& acting) { table.Add(rowOf(acting)); });
+  out << "in step " << record.GetInt64(eds_HistoryStep_Number) << ", "
+      << inps_oneLine(record.GetString(eds_HistoryStep_Name)) << ":";
+  if (counts.empty()) {
+    out << " nothing acts\n";
+    return;
+  }
+  out << '\n';
+  table.Print(out);
+  for (const auto& [keyword, count] : counts)
+    if (count > kMostOfKeyword)
+      out << "  … and " << count - kMostOfKeyword << " more of *" << keyword
+          << "; --json has them all\n";
+}
+
+inps_Json jsonOf(const Acting& acting) {
+  const auto text = [](const cow_String& value) {
+    return value.empty() ? inps_Json(nullptr) : inps_Json(value);
+  };
+  inps_Json one{{"keyword", acting.keyword}, {"excitation", acting.excitation}};
+  one["region"] = acting.regionKind ? inps_Json(acting.region) : inps_Json(nullptr);
+  one["regionKind"] = acting.regionKind ? inps_Json(acting.regionKind) : inps_Json(nullptr);
+  one["instance"] = text(acting.instance);
+  one["target"] = acting.target ? inps_Json(*acting.target) : inps_Json(nullptr);
+  one["memberKind"] = acting.memberKind;
+  one["members"] = acting.members ? inps_Json(*acting.members) : inps_Json(nullptr);
+  one["wholeModel"] = acting.isWhole;
+  one["firstRow"] = acting.firstRow;
+  one["rows"] = acting.rows;
+  one["field"] = text(acting.field);
+  one["load"] = text(acting.label);
+  one["components"] = text(acting.components);
+  one["restraint"] = text(acting.restraint);
+  one["magnitude"] = acting.magnitude ? inps_Json(*acting.magnitude) : inps_Json(nullptr);
+  one["amplitude"] = text(acting.amplitude);
+  one["amplitudeEnded"] = acting.hasAmplitudeEnded;
+  one["localAxes"] = acting.isAlongLocalAxes;
+  one["fromStep"] = acting.fromStep;
+  one["how"] = acting.how;
+  one["loadCase"] = text(acting.loadCase);
+  one["imaginary"] = acting.isImaginary;
+  return one;
+}
+
+// As it stands within an object: each line but the first further to the right.
+cow_String within(const inps_Json& json, std::size_t depth) {
+  std::ostringstream text;
+  inps_printJson(text, json);
+  cow_String indented;
+  for (const char c : std::move(text).str()) {
+    indented += c;
+    if (c == '\n') indented.append(depth, ' ');
+  }
+  return indented.substr(0, indented.find_last_not_of(" \n") + 1);
+}
+
+void printMembers(aio_ostream& out, const inps_Json& members, const char* between) {
+  for (const auto& [name, value] : members.items()) {
+    out << between << "  " << inps_Json(name).dump() << ": " << within(value, 2);
+    between = ",\n";
+  }
+}
+
+} // namespace
+
+void inps_printActing(aio_ostream& out, const KvoObjDocument& document,
+                      const cow_List<inpS_HistoryDescription>& steps, std::size_t mostListed) {
+  inps_printHistory(out, steps, mostListed);
+  inpS_InForceDescription inForce(document);
+  for (std::size_t n = 0; n < std::min(steps.size(), mostListed); ++n) {
+    out << '\n';
+    printStep(out, inForce, steps[n].record);
+  }
+}
+
+void inps_printActingJson(aio_ostream& out, const KvoObjDocument& document,
+                          const cow_List<inpS_HistoryDescription>& steps, const inps_Json& head,
+                          const inps_Json& tail) {
+  inpS_InForceDescription inForce(document);
+  out << "{\n";
+  printMembers(out, head, "");
+  out << ",\n  \"history\": [";
+  for (std::size_t n = 0; n < steps.size(); ++n) {
+    inps_Json step = inps_jsonOfStep(steps[n]);
+    inps_Json acting = inps_Json::array();
+    inForce.ForAllIn(
+        steps[n].record, [](const cow_String&) { return true; },
+        [&](const Acting& one) { acting.push_back(jsonOf(one)); });
+    step["acting"] = std::move(acting);
+    out << (n > 0 ? ",\n    " : "\n    ") << within(step, 4);
+  }
+  out << (steps.empty() ? "]" : "\n  ]");
+  printMembers(out, tail, ",\n");
+  out << "\n}\n";
+}

@@ -1,0 +1,78 @@
+#include "inpS/driver/inpS_Derive.h"
+#include "database/KvoObjLabeler.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/KvoSimTransaction.h"
+#include "database/schema/eds_FormKind.h"
+#include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_MemoryDoor.h"
+#include "inpS/history/inpS_History.h"
+#include "inpS/properties/inpS_OrientationSystems.h"
+#include "inpS/properties/inpS_SectionAssignments.h"
+#include "inpS/properties/inpS_SectionFields.h"
+#include <set>
+
+namespace {
+
+// One that varies over elements has systems that its sections ask for, in their decks' words.
+bool isVarying(const KvoSimPosition& given) {
+  return !inpS_OrientationData::PointsOf(given).IsNull() ||
+         !inpS_OrientationData::AnglesOf(given).IsNull();
+}
+
+cow_List<KvoSimPosition> givenSystems(const KvoSimContext& context) {
+  cow_List<KvoSimPosition> given;
+  for (const eds_RecordKind kind :
+       {eds_FormKind::Orientation, eds_FormKind::OrientationByNodes, eds_FormKind::OrientationUser,
+        eds_FormKind::OrientationByOffset, eds_FormKind::Transform})
+    for (const KvoSimPosition& record : context.GetRecords(kind))
+      if (record.IsA(eds_FormKind::Transform) || !isVarying(record)) given.push_back(record);
+  return given;
+}
+
+// Those of the component sets that no drawer is over any more.
+void removeUnused(const KvoSimContext& context, const std::set<int64_t>& sets) {
+  std::set<int64_t> unused = sets;
+  for (const KvoSimPosition& drawer : context.GetRecords(eds_RecordKind::Drawer))
+    unused.erase(drawer.DataRecord().GetReference(eds_Drawer_Over).ID());
+  for (const int64_t set : unused) context.GetRecord(eds_RecordKind::CSet, set).Pos().Remove();
+}
+
+void deriveLocalSystems(const KvoObjDocument& document) {
+  const cow_List<KvoSimPosition> given = givenSystems(document.Context());
+  if (given.empty()) return;
+  KvoSimTransaction transaction(document.ContextID());
+  std::set<int64_t> components; // over which the points of the systems that go are given
+  for (const KvoSimPosition& system : document.Context().GetRecords(eds_RecordKind::LocalSystem))
+    for (const int field : {eds_LocalSystem_PointA, eds_LocalSystem_PointB})
+      if (const auto point = system.DataRecord().GetReference(field); !point.IsNull())
+        for (const KvoSimPosition& drawer : point.GetVector(eds_Member::Drawers))
+          components.insert(drawer.DataRecord().GetReference(eds_Drawer_Over).ID());
+  inpS_Inventory inventory;
+  inventory.SetDocument(document);
+  KvoObjLabeler nodes(document, 0);
+  nodes.Read();
+  inpS_OrientationSystems systems(inventory, nodes);
+  for (const KvoSimPosition& record : given) systems.Derive(record, record.Parent(), false);
+  removeUnused(document.Context(), components);
+  transaction.Commit();
+}
+
+} // namespace
+
+void inpS_deriveSections(const KvoObjDocument& document) {
+  inpS_deriveSectionAssignments(document);
+  inpS_deriveSectionFields(document);
+}
+
+cow_List<inpS_DuplicateCondition> inpS_deriveSteps(const KvoObjDocument& document) {
+  inpS_deriveHistory(document);
+  return inpS_deriveExcitations(document);
+}
+
+long long inpS_deriveAgain(const KvoObjDocument& document) try {
+  deriveLocalSystems(document);
+  inpS_deriveSections(document);
+  return static_cast<long long>(inpS_deriveSteps(document).size());
+} catch (...) {
+  inpS_passOn();
+}

@@ -1,0 +1,86 @@
+#include "inpS/writer/inpS_RepeatedConditions.h"
+#include "base/utl_Stream.h"
+#include "database/KvoObjDocument.h"
+#include "inpS/forms/inpS_FormPrinter.h"
+#include "inpS/forms/inpS_FormTable.h"
+#include "inpS/history/inpS_GivenConditions.h"
+#include "inpS/keywords/inpS_KeptParts.h"
+#include "inpS/writer/inpS_AmplitudeSpan.h"
+#include "inpS/writer/inpS_ColumnPrinter.h"
+#include "inpS/writer/inpS_ConditionLines.h"
+
+using Kind = inpS_ExcitationKind;
+using Piece = inpS_InForce::Piece;
+
+bool inpS_RepeatedConditions::IsMeant(const inpS_InForce::Source& source, const Kind& kind,
+                                      long long variable, int step, bool isPerturbation) const {
+  if (source.kind != &kind || !source.loadCase.IsNull()) return false;
+  if (source.firstStep >= step || source.lastStep < step) return false;
+  if (isPerturbation && kind.lasting != Kind::Lasting::Held) return false;
+  return kind.variable < 0 || source.record.DataRecord().GetInt64(kind.variable) == variable;
+}
+
+bool inpS_RepeatedConditions::Print(utl_Stream& out, const Kind& kind, long long variable, int step,
+                                    bool isPerturbation, const inpS_DeckScope& scope) {
+  if (!m_inForce) m_inForce.emplace(inpS_givenConditions(m_document));
+  inpS_InForce::Pieces pieces(*m_inForce);
+  bool hasPrinted = false;
+  for (std::size_t place = 0; place < m_inForce->Sources().size(); ++place) {
+    const inpS_InForce::Source& source = m_inForce->Sources()[place];
+    if (!IsMeant(source, kind, variable, step, isPerturbation)) continue;
+    const cow_String lines = LinesOf(place, step, pieces, scope);
+    if (lines.empty() && source.rows > 0) continue; // later ones have taken all of it
+    inpS_ParameterTexts changed{{"OP", "NEW"}};
+    if (kind.amplitude >= 0)
+      if (const auto amplitude = source.record.DataRecord().GetReference(kind.amplitude);
+          !amplitude.IsNull() && !inpS_isOverTotalTime(amplitude))
+        changed["AMPLITUDE"] = std::nullopt;
+    inpS_printKeywordWith(out, *inpS_FormTable::Instance().Find(kind.form), source.record, m_parts,
+                          changed);
+    out << lines;
+    hasPrinted = true;
+  }
+  return hasPrinted;
+}
+
+cow_String inpS_RepeatedConditions::LinesOf(std::size_t place, int step,
+                                            inpS_InForce::Pieces& pieces,
+                                            const inpS_DeckScope& scope) {
+  const inpS_InForce::Source& source = m_inForce->Sources()[place];
+  cow_String lines;
+  if (source.kind->info->data != eds_FormData::Columns) return lines;
+  inpS_ConditionRows rows(source.record, *source.kind);
+  inpS_ConditionTargets targets(source.record, *source.kind);
+  const auto texts = inpS_rowTexts(*source.kind->info, source.record, m_labels, scope);
+  inpS_ConditionRow row;
+  for (long long at = 0; rows.Next(row); ++at) {
+    if (row.degrees == 0) continue;
+    const cow_List<Piece>* parts = pieces.Of(place, at, row, targets);
+    if (!parts) inpS_ConditionLines::Add(lines, texts(at));
+    if (parts)
+      for (const Piece& piece : *parts)
+        if (piece.firstStep <= step && piece.lastStep >= step)
+          AddPiece(lines, *source.kind, row, piece, texts(at));
+  }
+  return lines;
+}
+
+void inpS_RepeatedConditions::AddPiece(cow_String& lines, const Kind& kind,
+                                       const inpS_ConditionRow& row, const Piece& piece,
+                                       cow_List<cow_String> fields) const {
+  const auto addDegrees = [&] {
+    if (piece.degrees == row.degrees || kind.first < 0)
+      return inpS_ConditionLines::Add(lines, fields);
+    for (const auto& [first, last] : inpS_ConditionLines::Runs(piece.degrees)) {
+      fields[static_cast<std::size_t>(kind.first)] = std::to_string(first);
+      if (kind.last >= 0) fields[static_cast<std::size_t>(kind.last)] = std::to_string(last);
+      inpS_ConditionLines::Add(lines, fields);
+    }
+  };
+  if (!piece.members) return addDegrees();
+  for (long long n = 0; n < piece.members->Size(); ++n) {
+    fields[static_cast<std::size_t>(kind.target)] = inpS_ConditionLines::Label(
+        m_labels, inpS_ConditionLines::IsOfNodes(kind), (*piece.members)[n]);
+    addDegrees();
+  }
+}
