@@ -29,31 +29,45 @@ cow_List<KvoSimPosition> givenSystems(const KvoSimContext& context) {
   return given;
 }
 
-// Those of the component sets that no drawer is over any more.
-void removeUnused(const KvoSimContext& context, const std::set<int64_t>& sets) {
-  std::set<int64_t> unused = sets;
+// What goes with a system: its points or axes, and the component sets over which they are given.
+void removePoints(const KvoSimPosition& values, std::set<int64_t>& components) {
+  if (values.IsNull()) return;
+  for (const KvoSimPosition& drawer : values.GetVector(eds_Member::Drawers)) {
+    components.insert(drawer.DataRecord().GetReference(eds_Drawer_Over).ID());
+    drawer.DataRecord().GetReference(eds_Drawer_Array).Remove();
+    drawer.Remove();
+  }
+  values.Remove();
+}
+
+void removeSystems(const KvoSimContext& context, const cow_List<KvoSimPosition>& given) {
+  std::set<unsigned long long> all;
+  for (const KvoSimPosition& record : given) all.insert(record.Object().Packed());
+  std::set<int64_t> components;
+  for (KvoSimPosition& system : context.GetRecords(eds_RecordKind::LocalSystem)) {
+    const KvoSimDataRecord record = system.DataRecord();
+    const KvoSimPosition of = record.GetReference(eds_LocalSystem_Given);
+    if (!of.IsNull() && !all.contains(of.Object().Packed())) continue;
+    for (const int field : {eds_LocalSystem_PointA, eds_LocalSystem_PointB, eds_LocalSystem_Orient})
+      removePoints(record.GetReference(field), components);
+    system.Remove();
+  }
   for (const KvoSimPosition& drawer : context.GetRecords(eds_RecordKind::Drawer))
-    unused.erase(drawer.DataRecord().GetReference(eds_Drawer_Over).ID());
-  for (const int64_t set : unused) context.GetRecord(eds_RecordKind::CSet, set).Pos().Remove();
+    components.erase(drawer.DataRecord().GetReference(eds_Drawer_Over).ID());
+  for (const int64_t set : components) context.GetRecord(eds_RecordKind::CSet, set).Pos().Remove();
 }
 
 void deriveLocalSystems(const KvoObjDocument& document) {
   const cow_List<KvoSimPosition> given = givenSystems(document.Context());
   if (given.empty()) return;
   KvoSimTransaction transaction(document.ContextID());
-  std::set<int64_t> components; // over which the points of the systems that go are given
-  for (const KvoSimPosition& system : document.Context().GetRecords(eds_RecordKind::LocalSystem))
-    for (const int field : {eds_LocalSystem_PointA, eds_LocalSystem_PointB})
-      if (const auto point = system.DataRecord().GetReference(field); !point.IsNull())
-        for (const KvoSimPosition& drawer : point.GetVector(eds_Member::Drawers))
-          components.insert(drawer.DataRecord().GetReference(eds_Drawer_Over).ID());
+  removeSystems(document.Context(), given);
   inpS_Inventory inventory;
   inventory.SetDocument(document);
   KvoObjLabeler nodes(document, 0);
   nodes.Read();
   inpS_OrientationSystems systems(inventory, nodes);
-  for (const KvoSimPosition& record : given) systems.Derive(record, record.Parent(), false);
-  removeUnused(document.Context(), components);
+  for (const KvoSimPosition& record : given) systems.Derive(record, record.Parent());
   transaction.Commit();
 }
 
