@@ -8,6 +8,7 @@
 #include "database/schema/eds_FormKind.h"
 #include "database/schema/eds_Schema.h"
 #include "inpS/forms/inpS_FormTable.h"
+#include "inpS/history/inpS_LoadLabels.h"
 #include "inpS/writer/inpS_AmplitudeSpan.h"
 #include "inpS/writer/inpS_ConditionLines.h"
 #include "inpS/writer/inpS_ExcitationDegrees.h"
@@ -28,9 +29,20 @@ const Kind* kindOf(const KvoSimDataRecord& excitation) {
   return nullptr; // of a newer version
 }
 
+// A direction, an axis or heights: an excitation has no more than its magnitude.
+bool needsMore(const Kind& kind, std::string_view label) {
+  const inp_KeywordEnm keyword = inpS_FormTable::Instance().Find(kind.form)->keyword;
+  const auto isRequired = [](const auto& value) { return value.isRequired; };
+  return !label.empty() &&
+         std::ranges::any_of(inpS_findLoadLabel(keyword, label).rows,
+                             [&](const inpS_LoadLabel* row) {
+                               return std::ranges::any_of(row->values, isRequired);
+                             });
+}
+
 // Of the keywords without lines one alone says something by being there.
-bool isPrinted(const Kind* kind) {
-  return kind &&
+bool isPrinted(const Kind* kind, const KvoSimDataRecord& excitation) {
+  return kind && !needsMore(*kind, excitation.GetString(eds_Excitation_Label)) &&
          (kind->info->data == eds_FormData::Columns || kind->form == eds_FormKind::InertiaRelief);
 }
 
@@ -103,7 +115,8 @@ inpS_ExcitationPrinter::inpS_ExcitationPrinter(const KvoObjDocument& document,
   cow_Map<int64_t, std::pair<KvoSimPosition, const Kind*>> alone;
   for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::Excitation)) {
     const Kind* kind = kindOf(one.DataRecord());
-    if (one.DataRecord().GetReference(eds_Excitation_Given).IsNull() && isPrinted(kind))
+    if (one.DataRecord().GetReference(eds_Excitation_Given).IsNull() &&
+        isPrinted(kind, one.DataRecord()))
       alone.emplace(one.ID(), std::pair(one, kind));
   }
   if (alone.empty()) return;
@@ -415,7 +428,8 @@ cow_List<cow_String> inpS_excitationsNotPrinted(const KvoObjDocument& document) 
   cow_List<cow_String> names;
   for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::Excitation)) {
     const KvoSimDataRecord record = one.DataRecord();
-    if (!record.GetReference(eds_Excitation_Given).IsNull() || isPrinted(kindOf(record))) continue;
+    if (!record.GetReference(eds_Excitation_Given).IsNull() || isPrinted(kindOf(record), record))
+      continue;
     cow_String keyword;
     for (const eds_SymbolInfo& symbol : eds_schemaSymbols(eds_Vocabulary::ExcitationKind))
       if (symbol.number == record.GetSymb(eds_Excitation_Kind)) keyword = symbol.name;

@@ -219,24 +219,26 @@ TEST_F(WrittenExcitations, RegionsOfManyKinds) {
                                  model.Context().GetRecords(eds_FormKind::LoadCase).front());
   one = Add(model, {"BOUNDARY", "V_R", "C_2", 2, 0, "ALL", 0, 1.});
   one.SetSet(eds_Relay_Members, KvoSimCSet(model.GetMesh().GetNodeCollection(), 7, 2).NewID());
-  one = Add(model, {"DLOAD", "GRAV", nullptr, 2, 0, nullptr, 0, 9.8, "GRAV"});
+  one = Add(model, {"DLOAD", "BX", nullptr, 2, 0, nullptr, 0, 9.8, "BX"});
   Finish(model);
   EXPECT_EQ(
       Written(),
       "*STEP, PERTURBATION\n*STATIC\n*LOAD CASE, NAME=L\n*CLOAD\nP-1.ENDS, 3, 5.\nP-2.ENDS, 3, 5.\n"
       "*END LOAD CASE\n*END STEP\n*STEP\n*STATIC\n*BOUNDARY\nP-2.1, 11, 11, 10.\nP-2.8, 11, 11, "
       "20.\n"
-      "*BOUNDARY, TYPE=VELOCITY\nP-1.8, 5, 5, 1.\nP-2.1, 5, 5, 1.\n*DLOAD\n, GRAV, 9.8\n*END "
+      "*BOUNDARY, TYPE=VELOCITY\nP-1.8, 5, 5, 1.\nP-2.1, 5, 5, 1.\n*DLOAD\n, BX, 9.8\n*END "
       "STEP\n");
 }
 
 TEST_F(WrittenExcitations, WhatNoLineSaysIsTold) {
   KvoObjDocument model = Open(DeckOf({"*STEP\n*STATIC\n"}));
   Add(model, {"BASE MOTION", "BASE", nullptr, 1, 1, nullptr});
+  Add(model, {"DLOAD", "GRAV", nullptr, 1, 1, nullptr, 0, 9.8, "GRAV"}); // whose direction?
   Finish(model);
   const ProgramRun run({"write", File("a.sim")});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_TRUE(run.Says("Own_1 (BASE MOTION) has no keyword behind it")) << run.err;
+  EXPECT_TRUE(run.Says("Own_2 (DLOAD) has no keyword behind it")) << run.err;
 }
 
 // Nothing in the place of a target would be the whole model.
