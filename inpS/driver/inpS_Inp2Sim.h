@@ -146,7 +146,7 @@ private:
   bool m_meshLeftOut = false;
   cow_List<inpS_NotModelled> m_notModelled;
   inpS_Ledger m_ledger;
-  inpS_DuplicateReport m_boundaries; // where conditions of nodes were given
+  inpS_DuplicateReport m_boundaries;                // where conditions of nodes were given
   cow_List<inpS_DistributedProperty> m_distributed; // of materials
   inpS_TextElements m_textElements;                 // that stand in some of them
 };

@@ -8,9 +8,9 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/eds_DamagedModel.h"
 #include "database/eds_LabelMap.h"
+#include "inpS/forms/inpS_SharedReader.h"
 #include "inpS/mesh/inpS_MeshDimensions.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
-#include "inpS/forms/inpS_SharedReader.h"
 #include <algorithm>
 #include <memory>
 #include <vector>
