@@ -23,7 +23,7 @@ int fieldOf(const eds_FormInfo& info, std::string_view name) {
 }
 
 // Which columns they are follows from their types: the target is the first, a label the next one of
-// words, degrees are integers, the value is the first real number.
+// words, degrees are integers, the value is the magnitude or else the first real number.
 void findColumns(Kind& kind) {
   const auto& items = kind.info->columnItems;
   for (int c = 0; c < static_cast<int>(items.size()); ++c) {
@@ -36,7 +36,8 @@ void findColumns(Kind& kind) {
       kind.last = c;
     else if (type == eds_FormType::Text && kind.label < 0)
       kind.label = c;
-    else if (type == eds_FormType::Real && kind.value < 0)
+    else if (type == eds_FormType::Real &&
+             (kind.value < 0 || items[static_cast<std::size_t>(c)].name == "magnitude"))
       kind.value = c;
   }
 }

@@ -33,9 +33,10 @@ void take(const cow_List<Given>& all, inpS_InForce& inForce) {
 
 void takeOwner(const KvoSimPosition& owner, inpS_InForce& inForce) {
   cow_List<Given> given;
-  for (const KvoSimPosition& record : owner.GetVector(eds_Member::InitialConditions))
-    if (const Kind* kind = Kind::Of(record.Object().RecordKind()))
-      given.push_back({record, kind, {}});
+  for (const eds_Member member : {eds_Member::InitialConditions, eds_Member::Interactions})
+    for (const KvoSimPosition& record : owner.GetVector(member))
+      if (const Kind* kind = Kind::Of(record.Object().RecordKind()))
+        given.push_back({record, kind, {}});
   take(given, inForce);
 }
 
