@@ -336,11 +336,10 @@ bool Driver::ProcessOrientations(Labelers& labelers) {
   inpS_OrientationVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
   visitor.VisitListAndReport(m_keywords);
   const auto& varying = visitor.ConstGetOri2DistNameMap();
-  if (!varying.empty()) {
-    inpS_OrientationFixupVisitor fixup(*labelers.nodes, *labelers.elements, m_inventory, varying);
-    fixup.VisitListAndReport(m_keywords);
-  }
-  return !visitor.IsError();
+  if (varying.empty()) return !visitor.IsError();
+  inpS_OrientationFixupVisitor fixup(*labelers.nodes, *labelers.elements, m_inventory, varying);
+  fixup.VisitListAndReport(m_keywords);
+  return !visitor.IsError() && !fixup.IsError();
 }
 
 bool Driver::ProcessSections(Labelers& labelers) {
@@ -370,12 +369,13 @@ bool Driver::ProcessConstraints(Labelers& labelers) {
 // ---- history
 
 bool Driver::ProcessSteps(Labelers& labelers) {
-  return RunForms<inpS_TimePointsVisitor>(labelers) && RunForms<inpS_StepVisitor>(labelers);
+  const bool good = RunForms<inpS_TimePointsVisitor>(labelers);
+  return RunForms<inpS_StepVisitor>(labelers) && good;
 }
 
 bool Driver::ProcessInteractions(Labelers& labelers) {
-  return RunForms<inpS_InteractionPropertyVisitor>(labelers) &&
-         RunForms<inpS_InteractionVisitor>(labelers);
+  const bool good = RunForms<inpS_InteractionPropertyVisitor>(labelers);
+  return RunForms<inpS_InteractionVisitor>(labelers) && good;
 }
 
 bool Driver::ProcessInitialConditions(Labelers& labelers) {

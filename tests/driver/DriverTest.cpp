@@ -231,6 +231,19 @@ TEST_F(Driver, ErrorsOfKeptTextsCount) {
   EXPECT_EQ(m_recorder.errors.size(), 1u);
 }
 
+// The second look at orientations that vary is of their phase.
+TEST_F(Driver, OrientationsThatGetNoAxesFail) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  EXPECT_FALSE(Prepare(cow_String(kTwoNodes) +
+                       "*ELEMENT, TYPE=S3, ELSET=E\n1, 1, 2, 3\n*MATERIAL, NAME=M\n"
+                       "*DISTRIBUTION TABLE, NAME=T\nANGLE\n"
+                       "*DISTRIBUTION, NAME=D, LOCATION=ELEMENT, TABLE=T\n1, 5.\n"
+                       "*ORIENTATION, NAME=O\nD\n"
+                       "*SHELL SECTION, ELSET=E, MATERIAL=M, ORIENTATION=O\n1.\n")
+                   .Convert(document));
+  EXPECT_EQ(m_recorder.errors.size(), 1u);
+}
+
 // Memory that runs out anywhere beneath comes through the module's door with its own text.
 TEST_F(Driver, MemoryThatRunsOutComesThroughTheDoorWithItsText) {
   struct Failing : bcu_ResourceMonitor {
