@@ -102,7 +102,9 @@ void inpS_FormVisitor::VisitWithinStep(const inp_Keyword& keyword) {
   }
   ++m_stepPlace;
   if (m_step.IsNull() || !IsOfPhase(keyword)) return;
-  if ((inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr) == m_isNaming)
+  // Steps are made in the walk that converts what stands in them: it takes what has a name, too.
+  const bool isNamed = inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr;
+  if (m_phase == inpS_Phase::Steps || isNamed == m_isNaming)
     Convert(keyword, m_step, eds_Member::StepKeywords, nullptr);
 }
 

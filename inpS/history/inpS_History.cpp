@@ -6,6 +6,8 @@
 #include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_ProcedureKind.h"
 #include "inpS/keywords/inpS_KeptParts.h"
+#include "parser/inp_Keyword.h"
+#include "parser/inp_Parser.h"
 #include <algorithm>
 #include <optional>
 #include <unordered_map>
@@ -68,8 +70,13 @@ cow_String trimmed(std::string_view name) {
 
 class Names {
 public:
-  // The steps by their number; a step's name is that of its place in the map when all are in.
-  void Take(cow_String name, std::size_t step) {
+  struct Holder {
+    int64_t number;         // of the step
+    KvoSimPosition history; // null: the step is kept as text
+  };
+
+  // A step's name is that of its place in the map when all are in.
+  void Take(cow_String name, Holder step) {
     constexpr int most = 50;
     for (int times = 0; times < most; ++times) {
       const auto [known, isNew] = m_holders.try_emplace(name, step);
@@ -77,17 +84,28 @@ public:
       std::swap(known->second, step);
       name += "-Old";
     }
-    m_beyond.emplace_back(name + "-" + std::to_string(step + 1), step);
+    m_beyond.emplace_back(name + "-" + std::to_string(step.number), step);
   }
-  template <class Take> void ForAll(const Take& take) const {
-    for (const auto& [name, step] : m_holders) take(step, name);
-    for (const auto& [name, step] : m_beyond) take(step, name);
+  void Save() const {
+    for (const auto& [name, step] : m_holders) Save(name, step);
+    for (const auto& [name, step] : m_beyond) Save(name, step);
   }
 
 private:
-  std::unordered_map<cow_String, std::size_t> m_holders;
-  cow_List<std::pair<cow_String, std::size_t>> m_beyond;
+  static void Save(const cow_String& name, const Holder& step) {
+    if (!step.history.IsNull()) step.history.DataRecord().SetString(eds_HistoryStep_Name, name);
+  }
+  std::unordered_map<cow_String, Holder> m_holders;
+  cow_List<std::pair<cow_String, Holder>> m_beyond;
 };
+
+// Of a step that is kept as text; empty: it has none.
+cow_String nameInText(std::string_view text) {
+  inp_Parser parser(cow_String(text), "", {}, "", true, true, false);
+  for (const inp_Keyword& keyword : parser.Parse(false))
+    if (const inp_Item* name = keyword.Find("name")) return trimmed(name->AsString());
+  return {};
+}
 
 // ---- the history
 
@@ -99,22 +117,20 @@ public:
   void Run() {
     for (KvoSimPosition& old : m_document.Context().GetRecords(Kind::HistoryStep)) old.Remove();
     const auto steps = m_document.GetModel().Position().GetVector(eds_Member::Steps);
-    CountTexts();
-    cow_List<KvoSimPosition> made;
+    FindTexts();
     Pass(m_document.GetModel().Position());
-    for (std::size_t n = 0; n < steps.size(); ++n) {
-      made.push_back(Add(steps[n], n));
-      Pass(steps[n]);
+    for (const KvoSimPosition& step : steps) {
+      Add(step);
+      Pass(step);
     }
-    m_names.ForAll([&](std::size_t n, const cow_String& name) {
-      made[n].DataRecord().SetString(eds_HistoryStep_Name, name);
-    });
+    m_names.Save();
   }
 
 private:
-  void CountTexts();
+  void FindTexts();
   void Pass(const KvoSimPosition& before);
-  KvoSimPosition Add(const KvoSimPosition& step, std::size_t place);
+  void Add(const KvoSimPosition& step);
+  cow_String NameOr(cow_String given) const;
   void Read(const KvoSimPosition& step);
   bool IsOdd(const KvoSimPosition& step, std::string_view parameter) const;
   void SetCommon(KvoSimDataRecord& to, const KvoSimPosition& procedure) const;
@@ -126,25 +142,35 @@ private:
   Said m_said;
   bool m_dsa = false;
   long long m_number = 0;
-  // Steps kept as text, by what they stand behind.
-  std::unordered_map<unsigned long long, long long> m_texts;
+  // Names of steps kept as text, by what they stand behind.
+  std::unordered_map<unsigned long long, cow_List<cow_String>> m_texts;
   Names m_names;
 };
 
-void Deriver::CountTexts() {
+void Deriver::FindTexts() {
   for (const KvoSimPosition& text : m_document.Context().GetRecords(Kind::VerbatimKeyword)) {
     const KvoSimDataRecord record = text.DataRecord();
     if (record.GetString(eds_VerbatimKeyword_Keyword) != "STEP") continue;
     const KvoSimPosition behind = record.GetReference(eds_VerbatimKeyword_Behind);
-    ++m_texts[(behind.IsNull() ? m_document.GetModel().Position() : behind).Object().Packed()];
+    m_texts[(behind.IsNull() ? m_document.GetModel().Position() : behind).Object().Packed()]
+        .push_back(nameInText(record.GetString(eds_VerbatimKeyword_Text)));
   }
 }
 
-// Steps kept as text count, and have procedures: nothing is left to the next one.
+// Without one, that of the step's number.
+cow_String Deriver::NameOr(cow_String given) const {
+  return given.empty() ? "Step-" + std::to_string(m_number) : std::move(given);
+}
+
+// Steps kept as text count, and have procedures: nothing is left to the next one. Their names are
+// taken as those of others are: a later step moves the name of one on, whose text stays as it is.
 void Deriver::Pass(const KvoSimPosition& before) {
   const auto texts = m_texts.find(before.Object().Packed());
   if (texts == m_texts.end()) return;
-  m_number += texts->second;
+  for (const cow_String& name : texts->second) {
+    ++m_number;
+    m_names.Take(NameOr(name), {m_number, {}});
+  }
   m_said = {};
 }
 
@@ -311,25 +337,22 @@ void setProcedure(KvoSimDataRecord& to, const KvoSimPosition& procedure, bool is
   if (family == Family::Ranges) setRanges(to, procedure);
 }
 
-KvoSimPosition Deriver::Add(const KvoSimPosition& step, std::size_t place) {
+void Deriver::Add(const KvoSimPosition& step) {
   Read(step);
   const KvoSimPosition procedure = ProcedureOf(step);
   const KvoSimPosition made = step.CreateDataRecord(Kind::HistoryStep);
   KvoSimDataRecord record = made.DataRecord();
-  const int64_t number = ++m_number;
-  cow_String name = trimmed(step.DataRecord().GetString(m_fields.name));
-  if (name.empty()) name = "Step-" + std::to_string(number);
-  record.SetInt(eds_HistoryStep_Number, number);
+  record.SetInt(eds_HistoryStep_Number, ++m_number);
+  cow_String name = NameOr(trimmed(step.DataRecord().GetString(m_fields.name)));
   record.SetReference(eds_HistoryStep_Step, step);
   SetCommon(record, procedure);
   if (procedure.IsNull()) {
     record.SetString(eds_HistoryStep_Name, name);
-    return made;
+    return;
   }
   setProcedure(record, procedure, m_said.perturbation);
-  m_names.Take(std::move(name), place);
+  m_names.Take(std::move(name), {m_number, made});
   m_said = {};
-  return made;
 }
 
 } // namespace

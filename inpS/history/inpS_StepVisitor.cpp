@@ -174,6 +174,8 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwDynamic:
   case inp_KwHeatTransfer:
     return CheckProcedure(keyword, form);
+  case inp_KwDirectCyclic:
+    return CheckTimePoints(keyword);
   case inp_KwCfd:
     return CheckCfd(keyword);
   case inp_KwMomentumEquationSolver:
@@ -216,6 +218,15 @@ void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_For
   if (keyword.Kind() == inp_KwHeatTransfer && keyword.StringOf("centering", "") == "NODE")
     AddError(inp_Utils::MessageAtParameter(keyword, "centering",
                                            "Node-centered heat transfer in CFD is not supported."));
+}
+
+// They may stand behind it, in any step, and as text.
+void inpS_StepVisitor::CheckTimePoints(const inp_Keyword& keyword) {
+  const inp_Item* points = keyword.Find("timepoints");
+  if (!points || Inventory().Names(inp_KwTimePoints, points->AsString())) return;
+  if (!Model().FollowStringKey(eds_Member::NamedTimePoints, points->AsString()).IsNull()) return;
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "timepoints", "Time points \"" + points->AsString() + "\" have not been defined."));
 }
 
 // Displacements and rotations are watched, nothing else.

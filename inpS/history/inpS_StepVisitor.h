@@ -38,6 +38,7 @@ private:
   bool LacksWhatItNames(const inp_Keyword& procedure, const inpS_Form& form);
   void Open(const inp_Keyword& keyword);
   void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckTimePoints(const inp_Keyword& keyword);
   void CheckMonitoring(const inp_Keyword& keyword);
   void CheckExtrapolation(const inp_Keyword& keyword);
   void CheckControls(const inp_Keyword& keyword, const inpS_Form& form);

@@ -2,7 +2,8 @@
 
 #include "inpS/forms/inpS_FormVisitor.h"
 
-// Lists of time points, read before the steps, and the model of cyclic symmetry beside them.
+// Lists of time points, read before the steps, and the model of cyclic symmetry beside them. Those
+// that stand in a step are the step's.
 class inpS_TimePointsVisitor : public inpS_FormVisitor {
 public:
   inpS_TimePointsVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
