@@ -412,15 +412,19 @@ void writeNodesInLine(DeckFile& deck, std::size_t count) {
 void writeActing(DeckFile& deck, std::size_t rows, std::string_view keyword) {
   writeNodesInLine(deck, rows + 1);
   if (keyword == "none") return;
-  const bool isInStep = keyword != "boundary";
+  const bool isDistribution = keyword == "distribution";
+  const bool isInStep = keyword != "boundary" && !isDistribution;
+  if (isDistribution) deck.Text("*DISTRIBUTION TABLE, NAME=LENGTHS\nLENGTH\n");
   deck.Text(isInStep ? "*STEP\n*STATIC\n" : "");
   deck.Text(keyword == "cload"      ? "*CLOAD\n"
             : keyword == "boundary" ? "*BOUNDARY\n"
+            : isDistribution        ? "*DISTRIBUTION, NAME=VARY, LOCATION=NODE, TABLE=LENGTHS\n"
                                     : "*TEMPERATURE\n");
+  const bool hasDegree = keyword == "cload" || keyword == "boundary";
   for (std::size_t row = 0; row < rows; ++row) {
     const std::size_t degree = 1 + row % 3;
-    deck.Integer(1 + (keyword == "temperature" ? row : row / 3)).Text(", ");
-    if (keyword != "temperature") deck.Integer(degree).Text(", ");
+    deck.Integer(1 + (hasDegree ? row / 3 : row)).Text(", ");
+    if (hasDegree) deck.Integer(degree).Text(", ");
     if (keyword == "boundary") deck.Integer(degree).Text(", ");
     deck.Real(0.25 * static_cast<double>(row)).Text("\n");
   }
@@ -495,7 +499,7 @@ int run(int argc, char** argv) {
         "mesh_generator sections COUNT DECK [order|none]   sections of one element, or their sets\n"
         "mesh_generator references COUNT DECK  keywords that each name a set\n"
         "mesh_generator steps COUNT DECK       steps of five procedures by turns\n"
-        "mesh_generator acting ROWS DECK cload|boundary|temperature|none   such lines, or none\n"
+        "mesh_generator acting ROWS DECK cload|boundary|temperature|distribution|none  such lines\n"
         "mesh_generator carrying STEPS DECK [LOADS] [order|one]  steps that carry loads, or one\n"
         "mesh_generator conditions COUNT DECK [order|none]  keywords of ten kinds, or their mesh\n",
         stderr);

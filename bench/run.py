@@ -362,6 +362,20 @@ def measure_acting(bench, processors, rows):
                       f"{allowed / 1e6:.0f} MB allowed", "1.00 of it")
 
 
+def measure_distribution(bench, processors, rows):
+    """Rows of *DISTRIBUTION by label, beside the bare decode of their fields, to the same nodes without
+    them."""
+    deck = bench.deck("acting", rows, "none")
+    nodes = json.loads(Run([bench.table_times, deck], processors).output)["convert_seconds"]
+    deck = bench.deck("acting", rows, "distribution")
+    bare = json.loads(Run([bench.limit, "columns", deck, "--threads", len(processors)],
+                          processors).output)
+    times = json.loads(Run([bench.table_times, deck], processors).output)
+    bench.row(f"{rows} rows of *DISTRIBUTION by label: conversion in memory to the bare decode of "
+              "the fields",
+              f"{(times['convert_seconds'] - nodes) / bare['decode_seconds']:.2f}", "2 times")
+
+
 def measure_carrying(bench, processors, steps, loads):
     """Steps that carry loads and change ten in each, to the same keywords in one step and to half as
     many of either."""
@@ -497,6 +511,7 @@ def main():
         run(measure_table, sets[-1], 1_000_000)
         run(measure_columns, sets[-1], 1_000_000)
         run(measure_acting, sets[-1], 1_000_000)
+        run(measure_distribution, sets[-1], 1_000_000)
         run(measure_carrying, sets[-1], 1000, 10_000)
         run(measure_conditions, sets[-1], 100_000)
         run(measure_axes, sets[-1], 50 if words.quick else 100)

@@ -3,6 +3,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimDistribution.h"
 #include "database/eds_Array.h"
+#include "inpS/geometry/inpS_CurvedAxes.h"
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -12,16 +13,12 @@ namespace {
 inps_Vector minus(const inps_Vector& a, const inps_Vector& b) {
   return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
 }
-inps_Vector cross(const inps_Vector& a, const inps_Vector& b) {
-  return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
 inps_Vector scaled(const inps_Vector& a, double by) {
   return {a[0] * by, a[1] * by, a[2] * by};
 }
-// Nothing of a vector that is as good as zero beside `scale`.
-bool normalize(inps_Vector& a, double scale) {
+bool normalize(inps_Vector& a) {
   const double length = std::sqrt(inps_dot(a, a));
-  if (!(length > 1e-12 * scale)) return false;
+  if (!(length > 0)) return false;
   a = scaled(a, 1 / length);
   return true;
 }
@@ -52,7 +49,7 @@ inps_LocalAxes::inps_LocalAxes(const KvoSimPosition& localSystem) {
   if (system == "CYLINDRICAL" || system == "SPHERICAL") {
     m_a = pointOf(data.GetReference(eds_LocalSystem_PointA));
     m_axis = minus(pointOf(data.GetReference(eds_LocalSystem_PointB)), m_a);
-    if (!normalize(m_axis, 0)) return;
+    if (!normalize(m_axis)) return;
     m_kind = system == "SPHERICAL" ? Kind::Spherical : Kind::Cylindrical;
     m_turnAxis = static_cast<std::size_t>(
         std::clamp<int64_t>(data.GetInt64(eds_LocalSystem_Axis), 1, 3) - 1);
@@ -71,21 +68,10 @@ bool inps_LocalAxes::At(const inps_Vector& place, inps_PlaceAxes& axes) const {
     axes = m_constant;
     return true;
   }
-  inps_Vector away = minus(place, m_a);
-  const double distance = std::sqrt(inps_dot(away, away));
   inps_PlaceAxes e;
-  if (m_kind == Kind::Cylindrical) { // away from the axis, about it, along it
-    e[2] = m_axis;
-    e[0] = minus(away, scaled(m_axis, inps_dot(away, m_axis)));
-    if (!normalize(e[0], distance)) return false;
-    e[1] = cross(e[2], e[0]);
-  } else { // away from the centre, along the circles of latitude, along the meridian
-    e[0] = away;
-    if (!normalize(e[0], 0)) return false;
-    e[1] = cross(m_axis, e[0]);
-    if (!normalize(e[1], 1)) return false;
-    e[2] = cross(e[0], e[1]);
-  }
+  const bool has = m_kind == Kind::Cylindrical ? inpS_cylindricalAxes(m_a, m_axis, place, e)
+                                               : inpS_sphericalAxes(m_a, m_axis, place, e);
+  if (!has) return false;
   if (m_turn != 0) {
     inps_Vector& u = e[(m_turnAxis + 1) % 3];
     inps_Vector& v = e[(m_turnAxis + 2) % 3];

@@ -14,18 +14,13 @@
 namespace {
 
 // One that varies over elements has systems that its sections ask for, in their decks' words.
-bool isVarying(const KvoSimPosition& given) {
-  return !inpS_OrientationData::PointsOf(given).IsNull() ||
-         !inpS_OrientationData::AnglesOf(given).IsNull();
-}
-
 cow_List<KvoSimPosition> givenSystems(const KvoSimContext& context) {
   cow_List<KvoSimPosition> given;
-  for (const eds_RecordKind kind :
-       {eds_FormKind::Orientation, eds_FormKind::OrientationByNodes, eds_FormKind::OrientationUser,
-        eds_FormKind::OrientationByOffset, eds_FormKind::Transform})
+  for (const eds_RecordKind kind : {eds_FormKind::Orientation, eds_FormKind::OrientationByNodes,
+                                    eds_FormKind::OrientationUser, eds_FormKind::Transform})
     for (const KvoSimPosition& record : context.GetRecords(kind))
-      if (record.IsA(eds_FormKind::Transform) || !isVarying(record)) given.push_back(record);
+      if (record.IsA(eds_FormKind::Transform) || !inpS_OrientationData::IsByElement(record))
+        given.push_back(record);
   return given;
 }
 

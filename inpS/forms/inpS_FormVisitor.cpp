@@ -135,6 +135,10 @@ bool inpS_FormVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
   return inpS_ColumnReader(keyword, form, record, m_names, *this).Read();
 }
 
+cow_String inpS_FormVisitor::FaultOfLine(const KvoSimPosition&) {
+  return {};
+}
+
 cow_List<inpS_TableColumns::Column> inpS_FormVisitor::ColumnsOf(const inp_Keyword&,
                                                                 const inpS_Form&) {
   return {};
@@ -377,7 +381,13 @@ bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, 
   for (long long row = first; row < rows; ++row) {
     if (!holdsPlaces && isBlankLine(data, row)) continue;
     const KvoSimPosition line = record.CreateDataRecord(kind);
-    const Line read = ReadLine(keyword, row, items, line);
+    Line read = ReadLine(keyword, row, items, line);
+    if (const cow_String fault = read == Line::Nothing ? "" : FaultOfLine(line); !fault.empty()) {
+      Tell(keyword,
+           inp_Utils::MessageAtRow(
+               keyword, row, fault + " The line is kept as it stands, and nothing is made of it."));
+      read = Line::Nothing;
+    }
     whole = whole && read == Line::Whole;
     if (read == Line::Nothing)
       line.Remove();

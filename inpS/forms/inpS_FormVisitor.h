@@ -46,6 +46,9 @@ protected:
   // Of bulk columns: whether all that the lines say is in the record.
   virtual bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                            const KvoSimPosition& record);
+  // What is wrong with a line that has become a record, beside what its fields ask for; empty:
+  // nothing. It costs the line.
+  virtual cow_String FaultOfLine(const KvoSimPosition& line);
   // Of a table whose columns neither the row nor the keyword can tell; none: they can.
   virtual cow_List<inpS_TableColumns::Column> ColumnsOf(const inp_Keyword& keyword,
                                                         const inpS_Form& form);

@@ -236,6 +236,10 @@ bool inpS_MaterialVisitor::NamesDistribution(const inp_Keyword& keyword) const {
          m_inventory.Names(inp_KwDistribution, keyword.Data().AsString(0, 0));
 }
 
+bool inpS_MaterialVisitor::IsDistributed(const inp_Keyword& keyword) const {
+  return NamesDistribution(keyword) && isOneWord(keyword);
+}
+
 // Why a keyword is not converted where nothing is wrong enough for a message of its own; empty for
 // any other.
 cow_String inpS_MaterialVisitor::UntoldReason(const inp_Keyword& keyword) const {
@@ -319,8 +323,7 @@ void inpS_MaterialVisitor::TellUnknown(const inp_Keyword& keyword) {
 KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const inpS_Form& behavior,
                                             const KvoSimPosition& owner) {
   inpS_FormRows rows;
-  const bool isDistributed =
-      behavior.HasTable() && NamesDistribution(keyword) && isOneWord(keyword);
+  const bool isDistributed = behavior.HasTable() && IsDistributed(keyword);
   if (behavior.HasTable() && !isDistributed && !rows.Read(keyword, behavior, *this)) return {};
   KvoSimTransaction transaction(m_document.ContextID());
   const Potential potential = CreatePotential(keyword);
@@ -451,8 +454,15 @@ void inpS_MaterialVisitor::Plasticity(const inp_Keyword& keyword) {
   KvoSimPosition property = GetProperty(kind);
   if (property.IsNull() && IsSecond(keyword, *inpS_FormTable::Instance().Find(kind), m_owner))
     return KeepAsText(keyword, m_owner, true); // beside another hardening
+  if (!property.IsNull() && (IsDistributed(keyword) || property.GetFTable().IsNull())) {
+    Warning(keyword, "A material whose *PLASTIC takes its values from a distribution has that one "
+                     "alone; the keyword is kept as text.");
+    return KeepAsText(keyword, m_owner, true);
+  }
   KvoSimTransaction transaction(m_document.ContextID());
-  if (property.IsNull()) {
+  if (property.IsNull() && IsDistributed(keyword)) {
+    property = Create(keyword, *inpS_FormTable::Instance().Find(kind), m_owner);
+  } else if (property.IsNull()) {
     property = CreateIsotropicHardeningPlastic(transaction, keyword);
   } else if (AppendIsotropicHardeningPlastic(transaction, keyword, property)) {
     CreateSuboptions(keyword, property);

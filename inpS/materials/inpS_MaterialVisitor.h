@@ -66,6 +66,7 @@ private:
   bool MayConvert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                   const inp_Keyword* parent);
   bool NamesDistribution(const inp_Keyword& keyword) const;
+  bool IsDistributed(const inp_Keyword& keyword) const; // it names one, and nothing else
   cow_String UntoldReason(const inp_Keyword& keyword) const;
   bool IsSecond(const inp_Keyword& keyword, const inpS_Form& behavior, const KvoSimPosition& owner);
   void TellOfNoName(const inp_Keyword& keyword);

@@ -1,5 +1,4 @@
 #include "inpS/properties/inpS_BulkShellSections.h"
-#include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "database/KvoSrvBulkShellLayers.h"
@@ -24,7 +23,7 @@ class Writer {
 public:
   explicit Writer(const KvoObjDocument& document) : m_document(document) {}
 
-  void Write(const KvoSimPosition& section, const cow_String& part) {
+  void Write(const KvoSimPosition& section, const KvoSimPosition& owner) {
     const Kind kind = section.Object().RecordKind();
     const char* const thickness = ThicknessOf(kind);
     const bool composite = kind == eds_FormKind::ShellSectionComposite ||
@@ -32,9 +31,11 @@ public:
     if (!composite && !thickness) return;
     const KvoSimDataRecord record = section.DataRecord();
     const auto field = [&](std::string_view column) { return eds_formField(kind, column); };
-    const cow_String elset = record.GetReference(field("elset")).Name();
     auto made = KvoSrvShellSection::Create(
-        m_document.Context(), inpS_SectionInventory::GetSectionName(part, elset), composite);
+        m_document.Context(),
+        inpS_SectionInventory::GetSectionName(owner, record.GetReference(field("elset")),
+                                              record.GetReference(field("elset_instance"))),
+        composite);
     const bool isIntegrated = kind == eds_FormKind::ShellSectionComposite ||
                               kind == eds_FormKind::ShellSectionHomogeneous;
     const bool isGauss =
@@ -88,11 +89,8 @@ void inpS_writeBulkShellSections(const KvoObjDocument& document) {
   for (const Kind kind : {Kind::BulkShellLayers, Kind::ShellSection})
     for (KvoSimPosition& old : document.Context().GetRecords(kind)) old.Remove();
   Writer writer(document);
-  for (const KvoSimPosition& owner : inpS_SectionData::SectionOwners(document)) {
-    const bool isPart = owner.IsA(eds_RecordKind::Part);
-    const cow_String part = isPart ? owner.DataRecord().ReturnString(eds_Part_Name) : cow_String();
+  for (const KvoSimPosition& owner : inpS_SectionData::SectionOwners(document))
     for (const KvoSimPosition& section : owner.GetVector(eds_Member::Sections))
-      writer.Write(section, part);
-  }
+      writer.Write(section, owner);
   transaction.Commit();
 }

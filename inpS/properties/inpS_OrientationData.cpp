@@ -184,3 +184,8 @@ KvoSimPosition inpS_OrientationData::AnglesOf(const KvoSimPosition& record) {
   return record.DataRecord().GetReference(
       eds_formField(record.Object().RecordKind(), "angle_distribution"));
 }
+
+bool inpS_OrientationData::IsByElement(const KvoSimPosition& record) {
+  return record.IsA(eds_FormKind::OrientationByOffset) || !PointsOf(record).IsNull() ||
+         !AnglesOf(record).IsNull();
+}

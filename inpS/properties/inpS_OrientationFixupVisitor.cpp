@@ -3,10 +3,9 @@
 #include "database/KvoSimTransaction.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/properties/inpS_DistributionValues.h"
-#include "inpS/properties/inpS_OrientationAxes.h"
+#include "inpS/properties/inpS_ElementQuaternions.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <optional>
 
@@ -43,23 +42,18 @@ private:
   cow_List<double> m_rows;
 };
 
-// Turned as the place is, and cleaned.
-void turn(const inpS_OrientationSystems::Place& place, double v[3]) {
-  if (!place.turns) return;
-  inpS_OrientationAxes::Normalize(v);
-  place.system.TransformVector(v[0], v[1], v[2]);
-  inpS_OrientationAxes::ZeroSmallerThanTolerance(v);
-}
-
-// The axes of one element; false: there are none.
-bool makeQuaternion(const inpS_OrientationData& data, const double to[2][3], double angle,
-                    double quat[4]) {
-  inpS_OrientationAxes axes;
-  const bool isZ = data.system == inpS_OrientationData::System::ZRectangular;
-  if (!std::isfinite(angle) || inpS_OrientationAxes::Make(to[0], to[1], isZ, axes)) return false;
-  axes.Rotate(data.axis, angle);
-  std::ranges::copy(axes.Quaternion(), quat);
-  return true;
+// The orientations that the lines of a section's plies name.
+cow_List<cow_String> orientationsOfPlies(const inp_Keyword& keyword) {
+  constexpr int column = 3;
+  cow_List<cow_String> names;
+  const inp_DataArray& lines = keyword.Data();
+  for (long long row = 0; row < lines.Rows(); ++row) {
+    if (lines.Cols(row) <= column || !lines.HasValue(row, column) || lines.IsNumber(row, column))
+      continue;
+    const cow_String name = inp_Utils::Fold(lines.AsStringVerbatim(row, column));
+    if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+  }
+  return names;
 }
 
 } // namespace
@@ -67,9 +61,16 @@ bool makeQuaternion(const inpS_OrientationData& data, const double to[2][3], dou
 void inpS_OrientationFixupVisitor::Visit(const inp_Keyword& keyword) {
   inpS_SetVisitor::Visit(keyword);
   if (keyword.IsInstanceCopy()) return;
-  const inp_Item* orientation = valueOf(keyword, "orientation");
-  const inp_Item* elset = orientation ? valueOf(keyword, "elset") : nullptr;
-  if (elset) FixOrientation(keyword, orientation->AsString(), elset->Verbatim());
+  const inp_Item* elset = valueOf(keyword, "elset");
+  if (!elset) return;
+  cow_List<cow_String> names;
+  if (valueOf(keyword, "composite")) names = orientationsOfPlies(keyword);
+  if (const inp_Item* orientation = valueOf(keyword, "orientation"))
+    if (const cow_String name = orientation->AsString();
+        std::ranges::find(names, name) == names.end())
+      names.insert(names.begin(), name);
+  for (const cow_String& name : names)
+    if (m_ori2DistName.contains(name)) FixOrientation(keyword, name, elset->Verbatim());
 }
 
 bool inpS_OrientationFixupVisitor::CheckDistributions(const inp_Keyword& keyword,
@@ -126,8 +127,9 @@ KvoSimPosition inpS_OrientationFixupVisitor::SystemFor(const KvoSimPosition& ori
   return made;
 }
 
-long long inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, const Place& place,
-                                            const eds_MemberSet& elements, long long first) {
+inpS_OrientationFixupVisitor::Lacking
+inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, const Place& place,
+                                  const eds_MemberSet& elements, long long first) {
   const inpS_OrientationData data = inpS_OrientationData::Of(orientation);
   const auto offsetOf = [&](const KvoSimPosition& distribution) {
     const bool isPart = Holder().IsA(eds_RecordKind::Part) && !distribution.IsNull() &&
@@ -139,12 +141,15 @@ long long inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, c
   const KvoSimPosition angles = inpS_OrientationData::AnglesOf(orientation);
   Source pointSource(points, offsetOf(points));
   Source angleSource(angles, offsetOf(angles));
+  Lacking lacking;
   double to[3][3] = {};
-  if (points.IsNull() && !m_systems.Locate(data, place, to).empty()) return elements.Size();
+  if (points.IsNull() && data.definition != inpS_OrientationData::Definition::OffsetToNodes)
+    if (!m_systems.Locate(data, place, to).empty())
+      return {elements.Size(), elements[0] - first, "its points are not there"};
+  inpS_ElementQuaternions maker(data, place, to, m_nodes);
   eds_ArrayWriter quaternions(orientation, eds_ValueType::Double, 4);
   cow_List<int32_t> piece;
   cow_List<double> quats;
-  long long lacking = 0;
   const auto most = static_cast<int64_t>(utl_blockSize(kElementsPerPiece));
   for (int64_t begin = 0; begin < elements.Size(); begin += most) {
     const auto count = static_cast<std::size_t>(std::min(most, elements.Size() - begin));
@@ -155,15 +160,11 @@ long long inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, c
     angleSource.Read(members);
     quats.resize(4 * count);
     for (std::size_t n = 0; n < count; ++n) {
-      if (pointSource) {
-        std::copy_n(pointSource.Row(n), 6, &to[0][0]);
-        turn(place, to[0]);
-        turn(place, to[1]);
-      }
-      double* const quat = &quats[4 * n];
-      if (makeQuaternion(data, to, angleSource ? *angleSource.Row(n) : data.angle, quat)) continue;
-      std::fill_n(quat, 4, std::numeric_limits<double>::quiet_NaN());
-      ++lacking;
+      const char* fault = maker.Make(piece[n], pointSource ? pointSource.Row(n) : nullptr,
+                                     angleSource ? *angleSource.Row(n) : data.angle, &quats[4 * n]);
+      if (!fault) continue;
+      std::fill_n(&quats[4 * n], 4, std::numeric_limits<double>::quiet_NaN());
+      if (lacking.count++ == 0) lacking = {1, piece[n] - first, fault};
     }
     quaternions.Append(std::span<const double>(quats));
   }
@@ -171,40 +172,42 @@ long long inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, c
   return lacking;
 }
 
+KvoSimPosition inpS_OrientationFixupVisitor::Find(const cow_String& name) const {
+  constexpr eds_Member member = eds_Member::NamedOrientations;
+  const KvoSimPosition own =
+      Holder().IsNull() ? KvoSimPosition() : Holder().FollowStringKey(member, name);
+  return own.IsNull() ? Model().FollowStringKey(member, name) : own;
+}
+
 void inpS_OrientationFixupVisitor::FixOrientation(const inp_Keyword& keyword,
                                                   const cow_String& orientation,
                                                   const cow_String& elset) {
-  if (!m_ori2DistName.contains(orientation)) return;
-  const KvoSimPosition own =
-      Holder().IsNull() ? KvoSimPosition()
-                        : Holder().FollowStringKey(eds_Member::NamedOrientations, orientation);
-  const KvoSimPosition record =
-      own.IsNull() ? Model().FollowStringKey(eds_Member::NamedOrientations, orientation) : own;
-  if (record.IsNull()) return;
-  if (inpS_OrientationData::PointsOf(record).IsNull() &&
-      inpS_OrientationData::AnglesOf(record).IsNull())
-    return; // another one of that name
-  const inpS_OrientationData data = inpS_OrientationData::Of(record);
-  if (!data.IsRectangular() || data.definition == inpS_OrientationData::Definition::OffsetToNodes)
-    return; // its rotation is not applied
+  const KvoSimPosition record = Find(orientation);
+  if (record.IsNull() || !inpS_OrientationData::IsByElement(record)) return; // another of that name
   eds_MemberSet members;
   if (!GetElementSetMembers(elset, members) || members.IsEmpty()) return;
   if (!CheckDistributions(keyword, record)) return;
+  const bool isModels =
+      record == Model().FollowStringKey(eds_Member::NamedOrientations, orientation);
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
   m_writer.Initialize(transaction, Inventory().GetDocument(), record);
-  long long lacking = 0;
+  Lacking lacking;
   for (Place place : m_systems.PlacesOf(Holder())) {
     long long first = 0;
     if (Holder().IsA(eds_RecordKind::Part))
       first = place.instance.DataRecord().GetInt64(eds_Instance_FirstElement);
-    if (own.IsNull()) place = {Model(), {}, {}, false}; // the model's axes turn with no instance
-    lacking += Fix(record, place, Moved(members.AscendingSet(), first), first);
+    if (isModels) place = m_systems.PlacesOf(Model()).front(); // it turns with no instance
+    const Lacking here = Fix(record, place, Moved(members.AscendingSet(), first), first);
+    if (lacking.count == 0)
+      lacking = here;
+    else
+      lacking.count += here.count;
   }
   transaction.Commit();
-  if (lacking > 0)
-    Warning(keyword,
-            "Orientation " + orientation + " gives " + std::to_string(lacking) +
-                (lacking == 1 ? " element" : " elements") +
-                " of the set no axes: the distribution has no values for them, or points A "
-                "and B lie in one line with the origin.");
+  if (lacking.count > 0)
+    Warning(keyword, "Orientation " + orientation + " gives " + std::to_string(lacking.count) +
+                         (lacking.count == 1 ? " element" : " elements") + " of the set no axes" +
+                         (lacking.count == 1 ? "" : ", the first of them") + ", element " +
+                         std::to_string(GetElementLabel(lacking.first)) + ": " + lacking.fault +
+                         ".");
 }

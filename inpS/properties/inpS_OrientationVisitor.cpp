@@ -1,5 +1,6 @@
 #include "inpS/properties/inpS_OrientationVisitor.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -11,6 +12,38 @@ bool isName(const inp_Keyword& keyword, long long row, int col) {
   return row < lines.Rows() && col < lines.Cols(row) && lines.HasValue(row, col) &&
          !lines.IsNumber(row, col);
 }
+
+constexpr const char* kNoLength = "The normal has no length.";
+
+bool hasLength(const double normal[3]) {
+  return normal[0] != 0.0 || normal[1] != 0.0 || normal[2] != 0.0;
+}
+
+// Lines of *NORMAL: an element, a node and three components.
+class NormalLines : public inpS_LineCheck {
+public:
+  bool IsSound(const inp_ColumnPiece& piece, Words) override {
+    bool isFault = false;
+    for (std::size_t n = 0; n < piece.count; ++n) {
+      double normal[3];
+      for (std::size_t i = 0; i < 3; ++i) {
+        const double given = piece.columns[kFirst + i].reals[n];
+        normal[i] = inp_isBlankReal(given) ? 0.0 : given;
+      }
+      isFault |= !hasLength(normal);
+    }
+    return !isFault;
+  }
+  std::optional<inpS_LineFault> FaultOf(const inpS_LineView& line) override {
+    constexpr int first = static_cast<int>(kFirst);
+    const double normal[3] = {line.Real(first), line.Real(first + 1), line.Real(first + 2)};
+    if (hasLength(normal)) return {};
+    return inpS_LineFault{first, kNoLength, false, true};
+  }
+
+private:
+  static constexpr std::size_t kFirst = 2;
+};
 
 } // namespace
 
@@ -76,12 +109,31 @@ void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_F
                          "); what the deck says is kept.");
 }
 
+bool inpS_OrientationVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                          const KvoSimPosition& record) {
+  if (keyword.Kind() != inp_KwNormal) return inpS_FormVisitor::ReadColumns(keyword, form, record);
+  NormalLines lines;
+  return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+}
+
+cow_String inpS_OrientationVisitor::FaultOfLine(const KvoSimPosition& line) {
+  if (!line.IsA(eds_FormKind::ContactNormal)) return {};
+  const KvoSimDataRecord record = line.DataRecord();
+  const auto at = [&](const char* field) {
+    return record.GetDouble(eds_formField(eds_FormKind::ContactNormal, field));
+  };
+  const double normal[3] = {at("x"), at("y"), at("z")};
+  return hasLength(normal) ? "" : kNoLength;
+}
+
 void inpS_OrientationVisitor::NoteDistributions(const inp_Keyword& keyword,
                                                 const KvoSimPosition& record) {
   for (const KvoSimPosition& distribution :
        {inpS_OrientationData::PointsOf(record), inpS_OrientationData::AnglesOf(record)})
     if (!distribution.IsNull())
       m_ori2DistName.try_emplace(keyword.StringOf("name", ""), distribution.Name());
+  if (record.IsA(eds_FormKind::OrientationByOffset))
+    m_ori2DistName.try_emplace(keyword.StringOf("name", ""));
 }
 
 // Lines behind the second one; LOCAL DIRECTIONS tells how many there are.

@@ -13,7 +13,7 @@ public:
         m_systems(inventory, nodes) {}
 
   // Orientations that vary over elements, by name, and the distribution that gives their points or
-  // their angle.
+  // their angle; empty: the elements' nodes do.
   const cow_Map<cow_String, cow_String>& ConstGetOri2DistNameMap() const { return m_ori2DistName; }
 
 protected:
@@ -21,6 +21,9 @@ protected:
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
+  cow_String FaultOfLine(const KvoSimPosition& line) override;
 
 private:
   // Whether the field is no name, or that of a distribution; what is missing is told.

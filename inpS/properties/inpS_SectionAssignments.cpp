@@ -75,14 +75,17 @@ private:
       const Fields& fields = FieldsOf(section.Object().RecordKind());
       const KvoSimPosition set = referenceIn(section, fields.elset);
       if (set.IsNull()) continue;
+      const KvoSimPosition named = referenceIn(section, fields.instance);
+      const cow_String name = inpS_SectionInventory::GetSectionName(owner, set, named);
       if (!owner.IsA(eds_RecordKind::Part)) {
-        Add(section, fields, set, referenceIn(section, fields.instance), {});
+        // Within an instance the part's sets are that one's.
+        const bool isWithin = named.IsNull() && owner.IsA(eds_RecordKind::Instance);
+        Add(section, fields, set, isWithin ? owner : named, name);
         continue;
       }
-      const cow_String part = owner.DataRecord().ReturnString(eds_Part_Name);
       for (const KvoSimPosition& instance : m_document.GetModel().Occurences())
         if (instance.DataRecord().GetReference(eds_Instance_Part) == owner)
-          Add(section, fields, set, instance, part);
+          Add(section, fields, set, instance, name);
     }
   }
 
@@ -94,7 +97,7 @@ private:
 
   // A set of a part has the part's ordinals, whoever names it.
   void Add(const KvoSimPosition& section, const Fields& fields, const KvoSimPosition& set,
-           const KvoSimPosition& instance, const cow_String& part) {
+           const KvoSimPosition& instance, const cow_String& name) {
     constexpr long long mostRuns = 100'000;
     const KvoSimDataRecord setRecord = set.DataRecord();
     const eds_MemberSet members = inpS_SectionData::MembersOf(set);
@@ -104,8 +107,7 @@ private:
     const long long offset = ofPart ? instance.DataRecord().GetInt64(eds_Instance_FirstElement) : 0;
     const KvoSimPosition made = section.CreateDataRecord(eds_RecordKind::SectionAssignment);
     KvoSimDataRecord record = made.DataRecord();
-    record.SetString(eds_SectionAssignment_Name,
-                     inpS_SectionInventory::GetSectionName(part, set.Name()));
+    record.SetString(eds_SectionAssignment_Name, name);
     record.SetReference(eds_SectionAssignment_Section, section);
     record.SetReference(eds_SectionAssignment_ElementSet, set);
     if (!instance.IsNull()) record.SetReference(eds_SectionAssignment_Instance, instance);

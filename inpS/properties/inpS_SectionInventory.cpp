@@ -55,6 +55,18 @@ cow_String inpS_SectionInventory::GetSectionName(const cow_String& part, const c
   return "Section-" + (part.empty() ? cow_String() : part + "-") + elset;
 }
 
+cow_String inpS_SectionInventory::GetSectionName(const KvoSimPosition& owner,
+                                                 const KvoSimPosition& set,
+                                                 const KvoSimPosition& instance) {
+  const auto textOf = [](const KvoSimPosition& record, int field) {
+    return record.DataRecord().ReturnString(field);
+  };
+  const bool isOfPart = owner.IsA(eds_RecordKind::Part);
+  return GetSectionName(
+      isOfPart ? textOf(owner, eds_Part_Name) : cow_String(),
+      (instance.IsNull() ? cow_String() : textOf(instance, eds_Instance_Name) + ".") + set.Name());
+}
+
 const inpS_SectionInventory::Section& inpS_SectionInventory::At(int sectionIndex) const {
   if (sectionIndex < 0 || sectionIndex >= NumberSections())
     utl_assertionFailed("\"Invalid sectionIndex. If a new visitor is added to SectionVisitor make "

@@ -14,6 +14,9 @@ public:
 
   // "Section-", the part's name and "-" when it belongs to one, the value of ELSET.
   static cow_String GetSectionName(const cow_String& part, const cow_String& elset);
+  // That of a section by its record. instance: by which the deck names the set; null: none.
+  static cow_String GetSectionName(const KvoSimPosition& owner, const KvoSimPosition& set,
+                                   const KvoSimPosition& instance);
 
   int NumberSections() const { return static_cast<int>(m_sections.size()); }
   // The set that the deck names; null: there is none.

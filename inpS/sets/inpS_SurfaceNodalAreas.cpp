@@ -45,26 +45,6 @@ inpS_SurfaceNodalAreas::NodesOf(const KvoSimPosition& owner) const {
   return known == m_ofParts.end() ? none : known->second;
 }
 
-template <class T>
-const T* inpS_SurfaceNodalAreas::Chunks<T>::Item(const eds_ArrayID& id, int64_t item) {
-  if (!reader || array != id.id) {
-    reader.emplace(id);
-    array = id.id;
-    for (Held& chunk : held) chunk.number = -1;
-  }
-  const int64_t perChunk = reader->ItemsPerChunk();
-  const int64_t wanted = item / perChunk;
-  Held& chunk = held[static_cast<std::size_t>(wanted % kHeld)];
-  if (chunk.number != wanted) {
-    const int64_t count = std::min(perChunk, reader->Count() - wanted * perChunk);
-    chunk.number = -1; // in case it cannot be read
-    chunk.items.resize(static_cast<std::size_t>(count * reader->Width()));
-    reader->ReadPiece(wanted * perChunk, std::span<T>(chunk.items));
-    chunk.number = wanted;
-  }
-  return &chunk.items[static_cast<std::size_t>((item - wanted * perChunk) * reader->Width())];
-}
-
 // ---- the faces' nodes
 
 inpS_SurfaceNodalAreas::Face inpS_SurfaceNodalAreas::FaceOf(const inp_ElementInfo& info,

@@ -2,10 +2,9 @@
 
 #include "base/utl_Buffer.h"
 #include "database/KvoObjSurface.h"
+#include "inpS/framework/inpS_ArrayItems.h"
 #include "inpS/geometry/inpS_ElementMeasure.h"
 #include "inpS/sets/inpS_SurfaceElements.h"
-#include <array>
-#include <optional>
 
 class KvoObjDocument;
 
@@ -46,19 +45,6 @@ private:
     const inpS_ShapeFunctions* functions = nullptr; // null: the type has no such face
     std::vector<int> columns;
   };
-  // Chunks of the array read last: many small surfaces of neighbours lie in a few of them.
-  template <class T> struct Chunks {
-    static constexpr int64_t kHeld = 32;
-    struct Held {
-      int64_t number = -1;
-      std::vector<T> items;
-    };
-    int64_t array = 0;
-    std::optional<eds_ArrayReader> reader;
-    std::array<Held, kHeld> held;
-    const T* Item(const eds_ArrayID& id, int64_t item);
-  };
-
   static Face FaceOf(const inp_ElementInfo& info, eds_SurfaceFace face);
   void Gather(const KvoSurfaceFaces& faces, const cow_List<inpS_SurfaceElements::Run>& runs);
   void AddGroup(const inpS_SurfaceElements::Run& run, const Face& face, const inp_ElementInfo& info,
@@ -73,8 +59,8 @@ private:
   inpS_SurfaceElements m_elements;
   cow_List<KvoMeshNodeBlock> m_flat;
   cow_Map<unsigned long long, cow_List<KvoMeshNodeBlock>> m_ofParts;
-  Chunks<int32_t> m_connectivity;
-  Chunks<double> m_coordinates;
+  inpS_ArrayItems<int32_t> m_connectivity;
+  inpS_ArrayItems<double> m_coordinates;
   // Of the surface at hand.
   cow_List<Group> m_groups;
   utl_Buffer<int32_t> m_entries; // the faces' nodes, -1: absent; then their places among all nodes

@@ -90,10 +90,10 @@ public:
     made.section = section;
     made.variant = columns.variant;
     made.set = nameOf(referenceIn(record, columns.elset));
-    made.name = inpS_SectionInventory::GetSectionName(part, made.set);
     if (const cow_String instance = nameOf(referenceIn(record, columns.elsetInstance));
         !instance.empty())
       made.set = instance + "." + made.set;
+    made.name = inpS_SectionInventory::GetSectionName(part, made.set);
     made.material = nameOf(referenceIn(record, columns.material));
     made.orientation = nameOf(referenceIn(record, columns.orientation));
     if (made.material.empty()) made.material = nameOf(referenceIn(record, columns.behavior));

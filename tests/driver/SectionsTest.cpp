@@ -10,6 +10,7 @@
 #include "inpS/writer/inpS_Sim2Inp.h"
 #include "tests/base/TemporaryFolder.h"
 #include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -145,6 +146,35 @@ TEST(Sections, BulkModeAddsLayersAndChangesNothingElse) {
       EXPECT_EQ(layer.material.Name(), as.material);
     }
   EXPECT_EQ(place, std::size(wanted));
+}
+
+TEST(Sections, BulkLayersOfInstancesAndTheAssemblyAreToldApart) {
+  std::ifstream file(std::filesystem::path(INPS_TESTS_DIR) / "decks/sections/instances.inp");
+  std::stringstream deck;
+  deck << file.rdbuf();
+  const BulkMode mode;
+  const KvoObjDocument document = convert(deck.str());
+  cow_List<cow_String> told;
+  for (const KvoSimPosition& record :
+       document.Context().GetRecords(eds_RecordKind::BulkShellLayers)) {
+    const KvoSimPosition section = record.DataRecord().GetReference(eds_BulkShellLayers_Section);
+    std::ostringstream line;
+    line << section.Name() << (KvoSrvShellSection(section).IsSymmetric() ? ", symmetric" : "");
+    for (const KvoShellPly& ply : KvoSrvBulkShellLayers(record).Plies())
+      line << "; " << ply.thickness << " x " << ply.integrationPoints << ' ' << ply.material.Name()
+           << " at " << ply.angle;
+    told.push_back(line.str());
+  }
+  // A thickness by distribution is told by the field, an orientation by the ply's own record.
+  const cow_List<cow_String> wanted = {
+      "Section-SHEET-OTHER; 0.5 x 3 STEEL at 15",
+      "Section-SHELL; 0 x 7 STEEL at 0",
+      "Section-OWN; 2 x 3 FOAM at 30",
+      "Section-SHELL, symmetric; 0.125 x 3 FOAM at 0; 0.5 x 5 STEEL at 45",
+      "Section-SHELL; 0.75 x 3 FOAM at 0", // one layer by Gauss
+      "Section-HERE.SKIN; 0.1 x 1 STEEL at 0",
+      "Section-THERE.SKIN; 0.2 x 1 FOAM at 0"};
+  EXPECT_EQ(told, wanted);
 }
 
 TEST(Sections, WhatIsDerivedIsTheSameTheNextTime) {
