@@ -15,19 +15,20 @@ public:
     if (!m_reader || m_array != id.id) {
       m_reader.emplace(id);
       m_array = id.id;
+      m_perChunk = m_reader->ItemsPerChunk();
+      m_width = m_reader->Width();
       for (Held& chunk : m_held) chunk.number = -1;
     }
-    const int64_t perChunk = m_reader->ItemsPerChunk();
-    const int64_t wanted = item / perChunk;
+    const int64_t wanted = item / m_perChunk;
     Held& chunk = m_held[static_cast<std::size_t>(wanted % kHeld)];
     if (chunk.number != wanted) {
-      const int64_t count = std::min(perChunk, m_reader->Count() - wanted * perChunk);
+      const int64_t count = std::min(m_perChunk, m_reader->Count() - wanted * m_perChunk);
       chunk.number = -1; // in case it cannot be read
-      chunk.items.resize(static_cast<std::size_t>(count * m_reader->Width()));
-      m_reader->ReadPiece(wanted * perChunk, std::span<T>(chunk.items));
+      chunk.items.resize(static_cast<std::size_t>(count * m_width));
+      m_reader->ReadPiece(wanted * m_perChunk, std::span<T>(chunk.items));
       chunk.number = wanted;
     }
-    return &chunk.items[static_cast<std::size_t>((item - wanted * perChunk) * m_reader->Width())];
+    return &chunk.items[static_cast<std::size_t>((item - wanted * m_perChunk) * m_width)];
   }
 
 private:
@@ -37,6 +38,8 @@ private:
     std::vector<T> items;
   };
   int64_t m_array = 0;
+  int64_t m_perChunk = 1;
+  int64_t m_width = 1;
   std::optional<eds_ArrayReader> m_reader;
   std::array<Held, kHeld> m_held;
 };

@@ -31,9 +31,12 @@ const KvoMeshElementBlock* inpS_ElementNodes::BlockOf(int64_t element) {
 }
 
 bool inpS_ElementNodes::ReadPoint(int64_t node, double point[3]) {
-  const KvoMeshNodeBlock* block = blockOf(m_nodes, node);
-  if (!block) return false;
-  std::copy_n(m_coordinates.Item(block->coordinates, node - block->flatFirst), 3, point);
+  if (!m_nodeBlock || node < m_nodeBlock->flatFirst ||
+      node >= m_nodeBlock->flatFirst + m_nodeBlock->count)
+    m_nodeBlock = blockOf(m_nodes, node);
+  if (!m_nodeBlock) return false;
+  std::copy_n(m_coordinates.Item(m_nodeBlock->coordinates, node - m_nodeBlock->flatFirst), 3,
+              point);
   return true;
 }
 

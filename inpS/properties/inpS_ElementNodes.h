@@ -26,6 +26,7 @@ private:
   cow_List<KvoMeshElementBlock> m_elements; // of the flat mesh, ascending
   cow_List<KvoMeshNodeBlock> m_nodes;
   const KvoMeshElementBlock* m_block = nullptr; // of the element asked for last
+  const KvoMeshNodeBlock* m_nodeBlock = nullptr;
   inpS_ArrayItems<int32_t> m_connectivity;
   inpS_ArrayItems<double> m_coordinates;
 };
