@@ -26,9 +26,7 @@ std::span<const inpS_KeptPart> inpS_KeptParts::Of(const KvoSimPosition& owner) c
 }
 
 const inpS_KeptPart& inpS_KeptParts::FirstOf(const KvoSimPosition& owner) const {
-  static const inpS_KeptPart none;
-  const auto parts = Of(owner);
-  return parts.empty() ? none : parts.front();
+  return At(owner, 0); // others may have rows of theirs where it has none
 }
 
 const inpS_KeptPart& inpS_KeptParts::At(const KvoSimPosition& owner, long long firstRow) const {
