@@ -3,6 +3,7 @@
 #include "base/utl_Number.h"
 #include "database/schema/eds_Form.h"
 #include "inpS/framework/inpS_ComponentSets.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_ElementInfo.h"
 #include "parser/inp_Keyword.h"
@@ -201,7 +202,8 @@ void inpS_Inventory::VisitCfd(const inp_Keyword&) {
 }
 
 void inpS_Inventory::VisitDynamic(const inp_Keyword& keyword) {
-  if (!keyword.HasParameter("explicit")) return;
+  const inp_Item* isExplicit = keyword.Find("explicit");
+  if (!isExplicit || !inpS_flagValue(*isExplicit).value_or(true)) return;
   m_standard = false;
   m_explicit = true;
 }

@@ -3,6 +3,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_GlobalDamping.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -16,8 +17,10 @@ bool isProcedure(inp_KeywordEnm keyword) {
 }
 
 bool isExplicitDynamics(const inp_Keyword& keyword) {
-  return keyword.Kind() == inp_KwDynamicTemperatureDisplacement ||
-         (keyword.Kind() == inp_KwDynamic && keyword.HasParameter("explicit"));
+  if (keyword.Kind() != inp_KwDynamic)
+    return keyword.Kind() == inp_KwDynamicTemperatureDisplacement;
+  const inp_Item* isExplicit = keyword.Find("explicit");
+  return isExplicit && inpS_flagValue(*isExplicit).value_or(true);
 }
 
 // Of the node whose displacement an arc-length analysis watches.
