@@ -181,6 +181,8 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
     if (held) Meet(*held, arrival, region);
     Insert(*own, number, arrival.row, region, arrival.what.degrees, arrival.lost);
   }
+  for (const auto& [own, held] : arrival.buckets)
+    if (own) Settle(*own);
 }
 
 // Which labels there are, and whether rows of the record may meet one another.
@@ -254,7 +256,7 @@ void inpS_InForce::Insert(Bucket& bucket, int source, long long row, const Regio
   if (!region.members) return enter(region.point);
   const long long size = region.members->Size();
   if (size > kSmallSet || m_spread + size > kMostSpread) {
-    bucket.large.push_back({source, row, degrees, *region.members});
+    bucket.large.push_back({source, row, degrees, *region.members, {}});
     return;
   }
   m_spread += size;
@@ -267,8 +269,9 @@ void inpS_InForce::Meet(Bucket& bucket, Arrival& arrival, const Region& region) 
   if (!region.members) {
     MeetPoint(bucket, arrival, region.point);
     for (Large& large : bucket.large)
-      if ((large.degrees & arrival.what.degrees) != 0 && large.members.IsMember(region.point))
-        Hit(arrival, large, region.point, nullptr);
+      if ((large.degrees & arrival.what.degrees) != 0 && large.members.IsMember(region.point) &&
+          Hit(arrival, large, region.point, nullptr))
+        large.taken[large.degrees & arrival.what.degrees].push_back(region.point);
     return;
   }
   const eds_MemberSet& members = *region.members;
@@ -281,17 +284,30 @@ void inpS_InForce::Meet(Bucket& bucket, Arrival& arrival, const Region& region) 
     std::ranges::sort(met);
     for (const int node : met) MeetPoint(bucket, arrival, node);
   }
-  for (Large& large : bucket.large) {
-    if ((large.degrees & arrival.what.degrees) == 0) continue;
-    const eds_MemberSet both = intersection(large.members, members);
-    if (both.IsEmpty()) continue;
-    Hit(arrival, large, -1, &both);
-    // A set that is met as a whole is met no more.
-    const bool isWhole = both.Size() == large.members.Size() && large.source != arrival.number;
-    const Source& source = m_sources[static_cast<std::size_t>(large.source)];
-    if (isWhole && source.firstStep < m_step && !(arrival.isOwn && source.lastStep == kOpen))
-      large.degrees &= ~arrival.what.degrees;
+  for (std::size_t n = 0, count = bucket.large.size(); n < count; ++n) {
+    const uint64_t degrees = bucket.large[n].degrees & arrival.what.degrees;
+    if (degrees == 0) continue;
+    const eds_MemberSet both = intersection(bucket.large[n].members, members);
+    if (!both.IsEmpty() && Hit(arrival, bucket.large[n], -1, &both))
+      TakeFrom(bucket, n, degrees, both);
   }
+}
+
+// A large set keeps what is left of it, so that what is gone is not met again.
+void inpS_InForce::TakeFrom(Bucket& bucket, std::size_t large, uint64_t degrees,
+                            const eds_MemberSet& gone) {
+  Large& from = bucket.large[large];
+  const uint64_t others = from.degrees & ~degrees;
+  from.members = inpS_without(from.members, gone);
+  if (others != 0) bucket.large.push_back({from.source, from.row, others, gone, {}});
+}
+
+// When all rows of a record have come.
+void inpS_InForce::Settle(Bucket& bucket) {
+  for (std::size_t n = 0, count = bucket.large.size(); n < count; ++n)
+    for (auto& [degrees, nodes] : std::exchange(bucket.large[n].taken, {}))
+      TakeFrom(bucket, n, degrees, eds_MemberSet::Ascending(std::move(nodes)));
+  std::erase_if(bucket.large, [](const Large& large) { return large.members.IsEmpty(); });
 }
 
 void inpS_InForce::MeetPoint(Bucket& bucket, Arrival& arrival, int node) {
@@ -308,19 +324,20 @@ void inpS_InForce::MeetPoint(Bucket& bucket, Arrival& arrival, int node) {
   }
 }
 
+// True: the other one loses it for good.
 template <class Other>
-void inpS_InForce::Hit(Arrival& arrival, Other& other, int node, const eds_MemberSet* set) {
+bool inpS_InForce::Hit(Arrival& arrival, Other& other, int node, const eds_MemberSet* set) {
   using Twice = Kind::Twice;
   const uint64_t both = other.degrees & arrival.what.degrees;
-  if (both == 0) return;
+  if (both == 0) return false;
   const Source& source = m_sources[static_cast<std::size_t>(other.source)];
   const Twice twice = arrival.kind.twice;
   const bool isSame = other.source == arrival.number;
-  if (source.firstStep == m_step && twice == Twice::Add) return;
+  if (source.firstStep == m_step && twice == Twice::Add) return false;
   if (isSame && twice == Twice::First) {
     if (other.row == arrival.row ||
         arrival.values[static_cast<std::size_t>(other.row)] == arrival.what.value)
-      return;
+      return false;
     Take(arrival.number, arrival.row, both, node, set, false);
     const eds_MemberSet told = set ? *set : eds_MemberSet::Strided(node, 1);
     if (!arrival.isDuplicate)
@@ -329,12 +346,13 @@ void inpS_InForce::Hit(Arrival& arrival, Other& other, int node, const eds_Membe
       m_duplicates.back().ordinals = m_duplicates.back().ordinals.Union(told);
     arrival.isDuplicate = true;
     for (long long n = 0; n < told.Size(); ++n) arrival.lost[told[n]] |= both;
-    return;
+    return false;
   }
   const bool isGap = arrival.isOwn && source.lastStep == kOpen;
   Take(other.source, other.row, both, node, set, isGap);
   if constexpr (std::is_same_v<Other, Entry>)
     if (!isGap) other.degrees &= ~both;
+  return !isGap;
 }
 
 void inpS_InForce::Take(int source, long long row, uint64_t degrees, int node,
@@ -382,8 +400,11 @@ bool inpS_InForce::Pieces::HasAny(std::size_t source) const {
 void inpS_InForce::Pieces::Build(std::size_t place, const inpS_ConditionRow& what, std::size_t end,
                                  const eds_MemberSet* region) {
   const Source& source = m_all.m_sources[place];
-  m_timeline.Begin(source.firstStep, what.degrees, region);
   const cow_List<Cut>& cuts = m_all.m_cuts;
+  long long losses = 0;
+  for (std::size_t n = m_next; n < end; ++n)
+    losses += n == m_next || cuts[n].step != cuts[n - 1].step;
+  m_timeline.Begin(source.firstStep, what.degrees, region, losses);
   for (std::size_t n = m_next; n < end;) {
     const int step = cuts[n].step;
     const bool isGap = cuts[n].isGap;

@@ -96,7 +96,8 @@ private:
     int source;
     long long row;
     uint64_t degrees;
-    eds_MemberSet members;
+    eds_MemberSet members;                      // that are left
+    cow_Map<uint64_t, cow_List<int32_t>> taken; // by the rows that come, by degrees
   };
   // The rows of one kind and label: which of them name a node.
   struct Bucket {
@@ -123,8 +124,11 @@ private:
               const Lost& lost);
   void Meet(Bucket& bucket, Arrival& arrival, const Region& region);
   void MeetPoint(Bucket& bucket, Arrival& arrival, int node);
+  static void TakeFrom(Bucket& bucket, std::size_t large, uint64_t degrees,
+                       const eds_MemberSet& gone);
+  static void Settle(Bucket& bucket);
   template <class Other>
-  void Hit(Arrival& arrival, Other& other, int node, const eds_MemberSet* set);
+  bool Hit(Arrival& arrival, Other& other, int node, const eds_MemberSet* set);
   void Take(int source, long long row, uint64_t degrees, int node, const eds_MemberSet* set,
             bool isGap);
 

@@ -1,17 +1,20 @@
 #include "inpS/history/inpS_RowTimeline.h"
 #include <algorithm>
 
-namespace {
-
-eds_MemberSet without(const eds_MemberSet& members, const eds_MemberSet& gone) {
+eds_MemberSet inpS_without(const eds_MemberSet& members, const eds_MemberSet& gone) {
+  constexpr long long muchLarger = 32;
+  const bool looksUp = gone.Size() > members.Size() * muchLarger;
   cow_List<int32_t> left;
   left.reserve(static_cast<std::size_t>(members.Size()));
-  for (long long n = 0; n < members.Size(); ++n)
-    if (!gone.IsMember(members[n])) left.push_back(members[n]);
+  long long at = 0;
+  for (long long n = 0; n < members.Size(); ++n) {
+    const int32_t member = members[n];
+    while (!looksUp && at < gone.Size() && gone[at] < member) ++at;
+    const bool isGone = looksUp ? gone.IsMember(member) : at < gone.Size() && gone[at] == member;
+    if (!isGone) left.push_back(member);
+  }
   return eds_MemberSet::Ascending(std::move(left));
 }
-
-} // namespace
 
 void inpS_RowTimeline::Losses::Add(uint64_t degrees, cow_List<int32_t> members) {
   eds_MemberSet set = eds_MemberSet::Ascending(std::move(members));
@@ -23,8 +26,11 @@ void inpS_RowTimeline::Losses::Add(uint64_t degrees, cow_List<int32_t> members) 
     m_all.emplace_back(degrees, std::move(set));
 }
 
-void inpS_RowTimeline::Begin(int firstStep, uint64_t degrees, const eds_MemberSet* region) {
+void inpS_RowTimeline::Begin(int firstStep, uint64_t degrees, const eds_MemberSet* region,
+                             long long losses) {
+  constexpr long long mostMembers = 4096; // told of a row, all steps together
   m_region = region;
+  m_isApart = region && region->Size() * losses > mostMembers;
   m_pieces.clear();
   m_sets.clear();
   m_states.assign(1, {degrees, firstStep, nullptr});
@@ -46,8 +52,7 @@ bool inpS_RowTimeline::Take(cow_List<State>& states, int step, uint64_t degrees,
     bool isMet = both != 0;
     if (isMet && m_region) {
       const eds_MemberSet& members = state.members ? *state.members : *m_region;
-      m_sets.push_back(std::make_unique<eds_MemberSet>(without(members, gone)));
-      rest = m_sets.back().get();
+      rest = Keep(inpS_without(members, gone));
       isMet = rest->Size() < members.Size();
     }
     if (!isMet) {
@@ -64,7 +69,42 @@ bool inpS_RowTimeline::Take(cow_List<State>& states, int step, uint64_t degrees,
   return isAny;
 }
 
+const eds_MemberSet* inpS_RowTimeline::Keep(eds_MemberSet members) {
+  m_sets.push_back(std::make_unique<eds_MemberSet>(std::move(members)));
+  return m_sets.back().get();
+}
+
+// What is lost is told, from where it began; the other members and degrees go on untold.
+void inpS_RowTimeline::TakeApart(int step, uint64_t degrees, const eds_MemberSet& gone,
+                                 bool isGap) {
+  cow_List<State> left;
+  for (const State& state : m_states) {
+    const uint64_t both = state.degrees & degrees;
+    const eds_MemberSet& members = state.members ? *state.members : *m_region;
+    if (both == 0 || state.firstStep > step) {
+      left.push_back(state);
+      continue;
+    }
+    eds_MemberSet rest = inpS_without(members, gone);
+    if (rest.Size() == members.Size()) {
+      left.push_back(state);
+      continue;
+    }
+    const eds_MemberSet* lost = Keep(inpS_without(members, rest));
+    Tell({both, state.firstStep, lost}, step - 1);
+    if (isGap) left.push_back({both, step + 1, lost});
+    if ((state.degrees & ~both) != 0)
+      left.push_back({state.degrees & ~both, state.firstStep, lost});
+    if (!rest.IsEmpty()) left.push_back({state.degrees, state.firstStep, Keep(std::move(rest))});
+  }
+  m_states = std::move(left);
+}
+
 void inpS_RowTimeline::Lose(int step, const Losses& losses, bool isGap) {
+  if (m_isApart) {
+    for (const auto& [degrees, members] : losses.All()) TakeApart(step, degrees, members, isGap);
+    return;
+  }
   if (!isGap) {
     for (const auto& [degrees, members] : losses.All())
       Take(m_states, step, degrees, members, true);

@@ -4,8 +4,12 @@
 #include "database/eds_MemberSet.h"
 #include <memory>
 
+// Members of an ascending set that another one does not have.
+eds_MemberSet inpS_without(const eds_MemberSet& members, const eds_MemberSet& gone);
+
 // What is in force of one row from step to step, while later steps take degrees of some of its
-// members from it.
+// members from it. What is left of a small set is told step by step; of a set whose members go at
+// many steps each member is told once, with the step at which it goes.
 class inpS_RowTimeline {
 public:
   struct Piece {
@@ -25,7 +29,8 @@ public:
   };
 
   // `region`: the members of the row's set; null: it is about one node, element or surface.
-  void Begin(int firstStep, uint64_t degrees, const eds_MemberSet* region);
+  // `losses`: how many steps take something.
+  void Begin(int firstStep, uint64_t degrees, const eds_MemberSet* region, long long losses);
   // In ascending order of steps. `isGap`: what is lost is back in the next step.
   void Lose(int step, const Losses& losses, bool isGap);
   // `gaps`: steps in which nothing of the row is in force.
@@ -41,9 +46,12 @@ private:
   void Tell(const State& state, int lastStep);
   bool Take(cow_List<State>& states, int step, uint64_t degrees, const eds_MemberSet& gone,
             bool tells);
+  void TakeApart(int step, uint64_t degrees, const eds_MemberSet& gone, bool isGap);
+  const eds_MemberSet* Keep(eds_MemberSet members);
   void LeaveOut(int step);
 
   const eds_MemberSet* m_region = nullptr;
+  bool m_isApart = false; // each member is told once
   cow_List<State> m_states;
   cow_List<Piece> m_pieces;
   cow_List<std::unique_ptr<eds_MemberSet>> m_sets; // of states and pieces
