@@ -37,8 +37,9 @@ void inpS_RowTimeline::Begin(int firstStep, uint64_t degrees, const eds_MemberSe
 }
 
 void inpS_RowTimeline::Tell(const State& state, int lastStep) {
-  if (lastStep >= state.firstStep)
-    m_pieces.push_back({state.firstStep, lastStep, state.degrees, state.members});
+  if (lastStep < state.firstStep) return;
+  const bool isWhole = !state.members || state.members->Size() == m_region->Size();
+  m_pieces.push_back({state.firstStep, lastStep, state.degrees, isWhole ? nullptr : state.members});
 }
 
 // False: the states have nothing of it.
