@@ -256,11 +256,20 @@ void inpS_InForce::Insert(Bucket& bucket, int source, long long row, const Regio
   if (!region.members) return enter(region.point);
   const long long size = region.members->Size();
   if (size > kSmallSet || m_spread + size > kMostSpread) {
-    bucket.large.push_back({source, row, degrees, *region.members, {}});
+    InsertLarge(bucket, {source, row, degrees, *region.members, {}}, lost);
     return;
   }
   m_spread += size;
   for (long long n = 0; n < size; ++n) enter((*region.members)[n]);
+}
+
+void inpS_InForce::InsertLarge(Bucket& bucket, Large large, const Lost& lost) {
+  cow_Map<uint64_t, cow_List<int32_t>> gone; // by degrees
+  for (const auto& [node, degrees] : lost) gone[degrees & large.degrees].push_back(node);
+  const std::size_t place = bucket.large.size();
+  bucket.large.push_back(std::move(large));
+  for (auto& [degrees, nodes] : gone)
+    TakeFrom(bucket, place, degrees, eds_MemberSet::Ascending(std::move(nodes)));
 }
 
 // ---- what comes meets what is there

@@ -124,6 +124,7 @@ private:
               const Lost& lost);
   void Meet(Bucket& bucket, Arrival& arrival, const Region& region);
   void MeetPoint(Bucket& bucket, Arrival& arrival, int node);
+  static void InsertLarge(Bucket& bucket, Large large, const Lost& lost);
   static void TakeFrom(Bucket& bucket, std::size_t large, uint64_t degrees,
                        const eds_MemberSet& gone);
   static void Settle(Bucket& bucket);
