@@ -67,22 +67,30 @@ void inpS_ExcitationWriter::ReadTransforms() {
   }
 }
 
-int inpS_ExcitationWriter::TransformOf(const inpS_ConditionRow& row, Current& current) const {
-  if (m_transforms.empty() || !hasDegrees(*current.source.kind)) return -1;
-  if (row.target == inpS_ConditionRow::kAll) return -1;
-  for (int n = static_cast<int>(m_transforms.size()) - 1; n >= 0; --n) {
-    const eds_MemberSet& nodes = m_transforms[static_cast<std::size_t>(n)].nodes;
-    if (row.target >= 0) {
-      if (nodes.IsMember(row.target)) return n;
-      continue;
-    }
-    const eds_MemberSet& members = current.targets.Members(row.target);
-    bool isWithin = !members.IsEmpty() && members.Size() <= nodes.Size();
-    for (long long m = 0; isWithin && m < members.Size(); ++m)
-      isWithin = nodes.IsMember(members[m]);
-    if (isWithin) return n;
+// Of several transforms of a node the last one holds.
+cow_List<inpS_ExcitationWriter::Part> inpS_ExcitationWriter::PartsOf(const inpS_ConditionRow& row,
+                                                                     Current& current) const {
+  if (m_transforms.empty() || !hasDegrees(*current.source.kind) ||
+      row.target == inpS_ConditionRow::kAll || current.targets.IsSurface())
+    return {Part{}};
+  if (row.target >= 0) {
+    Part part;
+    for (std::size_t n = 0; n < m_transforms.size(); ++n)
+      if (m_transforms[n].nodes.IsMember(row.target)) part.transform = static_cast<int>(n);
+    return {part};
   }
-  return -1;
+  cow_List<Part> parts;
+  eds_MemberSet left = current.targets.Members(row.target);
+  const long long all = left.Size();
+  for (std::size_t n = m_transforms.size(); n-- > 0 && !left.IsEmpty();) {
+    eds_MemberSet rest = inpS_without(left, m_transforms[n].nodes);
+    if (rest.Size() == left.Size()) continue;
+    parts.push_back({static_cast<int>(n), inpS_without(left, rest)});
+    left = std::move(rest);
+  }
+  if (!left.IsEmpty() || parts.empty()) parts.push_back({-1, left});
+  if (parts.size() == 1 && parts.front().members->Size() == all) parts.front().members.reset();
+  return parts;
 }
 
 void inpS_ExcitationWriter::WriteSource(std::size_t place) {
@@ -120,7 +128,7 @@ bool inpS_ExcitationWriter::WriteLooks(Current& current) {
   if (std::ranges::any_of(source.looks, [](const auto& look) { return look.rows == 1; }))
     return false;
   for (const inpS_InForce::Source::Look& look : source.looks) {
-    for (const auto& [key, group] : LookOf(current, look.row).groups) {
+    for (const auto& [key, group] : LookOf(current, look.row, -1).groups) {
       if (group->runRows == 0 || look.first < group->runFirst) group->runFirst = look.first;
       group->runRows += look.rows;
       group->rows += look.rows;
@@ -135,14 +143,15 @@ void inpS_ExcitationWriter::WriteRow(Current& current, long long n, const inpS_C
   const bool isSet = row.target < 0;
   if (isSet) ++current.sets;
   const bool isAlone = current.isSmall || (isSet && current.sets <= kMostSets);
-  for (const auto& [key, group] : LookOf(current, row).groups)
-    WriteGroup(current, n, row, pieces, *key, *group, isAlone);
+  for (const Part& part : PartsOf(row, current))
+    for (const auto& [key, group] : LookOf(current, row, part.transform).groups)
+      WriteGroup(current, n, row, pieces, part, *key, *group, isAlone || part.members);
 }
 
-const inpS_ExcitationWriter::Look& inpS_ExcitationWriter::LookOf(Current& current,
-                                                                 const inpS_ConditionRow& row) {
+const inpS_ExcitationWriter::Look&
+inpS_ExcitationWriter::LookOf(Current& current, const inpS_ConditionRow& row, int transform) {
   constexpr std::size_t most = 8;
-  const GroupKey key{0, row.degrees, row.restraint, row.label, TransformOf(row, current)};
+  const GroupKey key{0, row.degrees, row.restraint, row.label, transform};
   for (const Look& look : current.looks)
     if (look.row == key) return look;
   if (current.looks.size() < most) {
@@ -223,7 +232,8 @@ inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, const cow_
 
 void inpS_ExcitationWriter::WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,
                                        const cow_List<inpS_InForce::Piece>* pieces,
-                                       const GroupKey& key, Group& group, bool isAlone) {
+                                       const Part& part, const GroupKey& key, Group& group,
+                                       bool isAlone) {
   ++group.rows;
   if (!pieces && !isAlone) {
     if (group.runRows++ > 0) return;
@@ -234,23 +244,29 @@ void inpS_ExcitationWriter::WriteGroup(Current& current, long long n, const inpS
   EndRun(current, group);
   const inpS_InForce::Piece whole{current.source.firstStep, current.source.lastStep, row.degrees,
                                   nullptr};
-  const std::span<const inpS_InForce::Piece> parts =
-      pieces ? std::span<const inpS_InForce::Piece>(*pieces) : std::span(&whole, 1);
-  for (const inpS_InForce::Piece& part : parts) {
-    const uint64_t degrees = part.degrees & key.degrees;
-    if (degrees == 0) continue;
-    KvoSimDataRecord relay = AddRelay(group, part.firstStep, part.lastStep, n);
-    TellRow(relay, current, row);
-    if (degrees != key.degrees)
-      relay.SetString(eds_Relay_Components,
-                      inpS_Degrees::Components(degrees, std::max(1, key.field)));
-    if (!part.members) continue;
-    const KvoObjMesh mesh = m_document.GetMesh();
-    const bool isNodes = current.source.kind->info->columnItems.front().alternatives.front().type ==
-                         eds_FormType::Node;
-    relay.SetSet(eds_Relay_Members,
-                 KvoSimCSet(mesh.CollectionOf(m_model, isNodes), *part.members).NewID());
-  }
+  if (!pieces) return WritePiece(current, n, row, whole, part, key, group);
+  for (const inpS_InForce::Piece& piece : *pieces)
+    WritePiece(current, n, row, piece, part, key, group);
+}
+
+void inpS_ExcitationWriter::WritePiece(Current& current, long long n, const inpS_ConditionRow& row,
+                                       const inpS_InForce::Piece& piece, const Part& part,
+                                       const GroupKey& key, const Group& group) {
+  const uint64_t degrees = piece.degrees & key.degrees;
+  if (degrees == 0) return;
+  std::optional<eds_MemberSet> members = part.members;
+  if (piece.members) members = members ? members->Intersection(*piece.members) : *piece.members;
+  if (members && members->IsEmpty()) return;
+  KvoSimDataRecord relay = AddRelay(group, piece.firstStep, piece.lastStep, n);
+  TellRow(relay, current, row);
+  if (degrees != key.degrees)
+    relay.SetString(eds_Relay_Components,
+                    inpS_Degrees::Components(degrees, std::max(1, key.field)));
+  if (!members) return;
+  const bool isNodes = current.source.kind->info->columnItems.front().alternatives.front().type ==
+                       eds_FormType::Node;
+  const KvoSimCollection all = m_document.GetMesh().CollectionOf(m_model, isNodes);
+  relay.SetSet(eds_Relay_Members, KvoSimCSet(all, *members).NewID());
 }
 
 void inpS_ExcitationWriter::EndRun(Current& current, Group& group) {

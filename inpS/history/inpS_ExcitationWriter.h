@@ -52,16 +52,24 @@ private:
 
   long long NumberOfOthers() const;
   void ReadTransforms();
-  int TransformOf(const inpS_ConditionRow& row, Current& current) const;
+  // Whom of a row a transform is about: all, or some members of its set. -1: none is.
+  struct Part {
+    int transform = -1;
+    std::optional<eds_MemberSet> members{};
+  };
+  cow_List<Part> PartsOf(const inpS_ConditionRow& row, Current& current) const;
   void WriteSource(std::size_t place);
   void WriteRows(Current& current);
   bool WriteLooks(Current& current);
   void WriteRow(Current& current, long long n, const inpS_ConditionRow& row,
                 const cow_List<inpS_InForce::Piece>* pieces);
   void WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,
-                  const cow_List<inpS_InForce::Piece>* pieces, const GroupKey& key, Group& group,
-                  bool isAlone);
-  const Look& LookOf(Current& current, const inpS_ConditionRow& row);
+                  const cow_List<inpS_InForce::Piece>* pieces, const Part& part,
+                  const GroupKey& key, Group& group, bool isAlone);
+  void WritePiece(Current& current, long long n, const inpS_ConditionRow& row,
+                  const inpS_InForce::Piece& piece, const Part& part, const GroupKey& key,
+                  const Group& group);
+  const Look& LookOf(Current& current, const inpS_ConditionRow& row, int transform);
   void Find(Look& look, Current& current, const inpS_ConditionRow& row);
   std::pair<const GroupKey*, Group*> GroupOf(Current& current, const GroupKey& key,
                                              const cow_String& field);

@@ -20,7 +20,6 @@ struct inpS_DuplicateCondition {
 // a
 //   set or surface (up to 10,000 in a keyword): it tells the region, the label, the magnitude. Rows
 //   of larger ones that are in force together share one.
-// - A transform belongs to an excitation when all nodes of the row are in its node set; of several
-// the
-//   last one holds. Rows of different transforms are excitations of their own.
+// - A transform belongs to an excitation, whose nodes are in its node set; of several the last one
+//   holds. Rows of different transforms are excitations of their own, and so are parts of a set.
 cow_List<inpS_DuplicateCondition> inpS_deriveExcitations(const KvoObjDocument& document);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_FormVisitor.h"
 #include "inpS/history/inpS_DuplicateReport.h"
+#include "parser/inp_Utils.h"
 
 // The initial conditions phase, with the boundary conditions of the model.
 class inpS_InitialConditionVisitor : public inpS_FormVisitor {
@@ -20,6 +22,11 @@ protected:
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override {
     if (m_places && keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);
+    if (form.kind == eds_FormKind::InitialOther)
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, "type",
+          "TYPE=" + keyword.StringOf("type", "") +
+              " is none that is read here; its lines are kept as they stand."));
     inpS_FormVisitor::Converted(keyword, form, record);
   }
 

@@ -8,6 +8,7 @@
 #include "database/schema/eds_FormKind.h"
 #include "database/schema/eds_Schema.h"
 #include "inpS/forms/inpS_FormTable.h"
+#include "inpS/history/inpS_GivenConditions.h"
 #include "inpS/history/inpS_LoadLabels.h"
 #include "inpS/writer/inpS_AmplitudeSpan.h"
 #include "inpS/writer/inpS_ConditionLines.h"
@@ -135,8 +136,7 @@ inpS_ExcitationPrinter::inpS_ExcitationPrinter(const KvoObjDocument& document,
   int previous = 0;
   for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::HistoryStep)) {
     const KvoSimDataRecord record = one.DataRecord();
-    const Step step{record.GetInt(eds_HistoryStep_Number),
-                    record.GetBool(eds_HistoryStep_Perturbation), previous,
+    const Step step{record.GetInt(eds_HistoryStep_Number), inpS_isPerturbation(record), previous,
                     record.GetReference(eds_HistoryStep_Procedure)};
     m_steps[record.GetReference(eds_HistoryStep_Step).Object().Packed()] = step;
     if (!step.isPerturbation) previous = step.number;

@@ -3,6 +3,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_Schema.h"
 #include "inpS/history/inpS_ExcitationKind.h"
+#include "inpS/history/inpS_GivenConditions.h"
 #include "inpS/writer/inpS_AmplitudeSpan.h"
 #include "inpS/writer/inpS_SetNames.h"
 #include <limits>
@@ -67,7 +68,7 @@ void inpS_InForceDescription::ForAllIn(
     const KvoSimPosition& step, const Wanted& isWanted,
     const std::function<void(const inpS_ActingDescription&)>& take) {
   const long long number = step.DataRecord().GetInt64(eds_HistoryStep_Number);
-  const bool isPerturbation = step.DataRecord().GetBool(eds_HistoryStep_Perturbation);
+  const bool isPerturbation = inpS_isPerturbation(step.DataRecord());
   cow_Map<int, cow_String> keywords;
   for (const Relay& relay : m_relays) {
     if (relay.firstStep > number || relay.lastStep < number) continue;

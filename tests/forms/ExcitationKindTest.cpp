@@ -8,13 +8,9 @@
 
 TEST(ExcitationKind, EveryConditionOfStepsActs) {
   namespace Form = eds_FormKind;
-  // What waves, winds and regions are like acts by way of others; their lines name nothing.
-  const std::set<eds_RecordKind> others = {Form::Wave,
-                                           Form::WaveUser,
-                                           Form::WaveGridded,
-                                           Form::Wind,
-                                           Form::IncidentWaveReflection,
-                                           Form::FluidBoundaryPhysical};
+  // What waves and winds are like acts by way of others; their lines name nothing.
+  const std::set<eds_RecordKind> others = {Form::Wave, Form::WaveUser, Form::WaveGridded,
+                                           Form::Wind, Form::IncidentWaveReflection};
   const inp_KeywordEnm keywords[] = {
 #define INPS_STEP_PHASE(Keyword, Phase) inp_Kw##Keyword,
 #include "inpS/forms/inpS_stepPhases.def"
