@@ -16,12 +16,20 @@ bool isOfSurfaces(inp_KeywordEnm keyword) {
   });
 }
 
+// Of forces and fluxes; others have no magnitude, or one that may be left out.
+bool needsMagnitude(const inp_Keyword& keyword) {
+  const inp_KeywordEnm kind = keyword.Kind();
+  return !keyword.HasParameter("user") && (kind == inp_KwDload || kind == inp_KwDsload ||
+                                           kind == inp_KwDflux || kind == inp_KwDsflux);
+}
+
 } // namespace
 
 inpS_LoadLines::inpS_LoadLines(const inp_Keyword& keyword, const KvoSimPosition& record,
                                int dimensions, inpS_LoadedElements& elements)
     : m_keyword(keyword), m_record(record), m_isInSpace(dimensions == 3),
-      m_isOfSurfaces(isOfSurfaces(keyword.Kind())), m_elements(elements) {}
+      m_isOfSurfaces(isOfSurfaces(keyword.Kind())), m_needsMagnitude(needsMagnitude(keyword)),
+      m_elements(elements) {}
 
 bool inpS_LoadLines::Takes(const Label& label, Type type) const {
   return !type || std::ranges::any_of(label.found.rows, [&](const inpS_LoadLabel* row) {
@@ -85,6 +93,9 @@ inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
 bool inpS_LoadLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (words[labelColumn]->All().empty()) return true;
   LabelAt(-1, words);
+  if (m_needsMagnitude &&
+      std::ranges::any_of(piece.columns[firstValue].reals.first(piece.count), inp_isBlankReal))
+    return false;
   if (std::ranges::all_of(m_labels, &Label::IsCarefree)) return true;
   for (std::size_t n = 0; n < piece.count; ++n) {
     const int slot = piece.columns[labelColumn].ints[n];
@@ -114,6 +125,8 @@ std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line)
     return inpS_LineFault{-1, TextOf(label, *missing)};
   if (const Type type = TypeAgainst(label, line.slots[targetColumn]))
     return inpS_LineFault{labelColumn, TextOf(label, *type), false, false};
+  if (m_needsMagnitude && !line.Has(firstValue) && !label.text.ends_with("NU"))
+    return inpS_LineFault{-1, "The line gives no magnitude, which is 0.", false, false};
   return {};
 }
 

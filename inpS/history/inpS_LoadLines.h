@@ -43,6 +43,7 @@ private:
   KvoSimPosition m_record;
   bool m_isInSpace; // three dimensions
   bool m_isOfSurfaces;
+  bool m_needsMagnitude;
   inpS_LoadedElements& m_elements;
   cow_List<Label> m_labels; // as the column's words
 };

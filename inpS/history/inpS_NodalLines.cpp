@@ -9,6 +9,7 @@ namespace {
 
 constexpr int firstColumn = 1; // degree of freedom, or a word
 constexpr int lastColumn = 2;
+constexpr int magnitudeColumn = 2; // of a load
 constexpr int mostDegree = 30;
 constexpr int mostFixed = 6;
 constexpr int mostLoaded = 8;
@@ -140,13 +141,16 @@ std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& l
 // ---- loads
 
 inpS_ConcentratedLines::inpS_ConcentratedLines(const inp_Keyword& keyword, bool isFluidStep)
-    : inpS_NodalLines(keyword, "Cloadreferences undefined nodes: "), m_isFluidStep(isFluidStep) {}
+    : inpS_NodalLines(keyword, "Cloadreferences undefined nodes: "), m_isFluidStep(isFluidStep),
+      m_isOfUser(keyword.HasParameter("user")) {}
 
 bool inpS_ConcentratedLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (m_isFluidStep || !words[firstColumn]->All().empty()) return false;
   bool isSound = true;
   for (const int degree : piece.columns[firstColumn].ints.first(piece.count))
     isSound &= degree >= 1 && degree <= mostLoaded;
+  for (const double magnitude : piece.columns[magnitudeColumn].reals.first(piece.count))
+    isSound &= m_isOfUser || !inp_isBlankReal(magnitude);
   return isSound;
 }
 
@@ -164,7 +168,9 @@ std::optional<inpS_LineFault> inpS_ConcentratedLines::FaultOf(const inpS_LineVie
   if (degree == inp_blankInt)
     return inpS_LineFault{-1, "The line does not tell its degree of freedom."};
   if (degree < 1 || degree > mostDegree) return inpS_LineFault{firstColumn, textOfDegree(degree)};
-  if (degree <= mostLoaded) return {};
+  if (degree <= mostLoaded && (m_isOfUser || line.Has(magnitudeColumn))) return {};
+  if (degree <= mostLoaded)
+    return inpS_LineFault{-1, "The line gives no magnitude, which is 0.", false, false};
   const bool isHeat = degree > 10;
   return inpS_LineFault{firstColumn,
                         "Degree of freedom " + std::to_string(degree) + " takes no force: " +

@@ -65,4 +65,5 @@ public:
 
 private:
   bool m_isFluidStep;
+  bool m_isOfUser;
 };
