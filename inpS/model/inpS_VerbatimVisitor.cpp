@@ -7,6 +7,7 @@
 #include "database/schema/eds_Form.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_Blocks.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -59,6 +60,14 @@ const char* levelUnder(const KvoSimPosition& owner) {
   const bool container =
       owner.IsA(eds_RecordKind::Material) || owner.IsA(eds_FormKind::GasketBehavior);
   return container ? "LEVEL_MATERIAL" : "LEVEL_SUBOPTION";
+}
+
+// What a keyword says beside the reading of a model, which is done; empty: nothing.
+cow_String textBesideReading(const inp_Keyword& restart) {
+  for (const char* parameter : {"read", "step", "inc", "interval", "iteration", "cycle", "endstep"})
+    restart.Find(parameter);
+  const cow_String others = inpS_takeOtherParameters(restart);
+  return others.empty() ? others : '*' + restart.Name() + others + '\n';
 }
 
 } // namespace
@@ -139,17 +148,21 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   if (!isExplained && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
     m_places.Look(keyword, IsModelled(keyword));
   if (!along && IsModelled(keyword)) return;
+  // The model is whole now.
+  const bool isRead =
+      m_isRestart && keyword.Kind() == inp_KwRestart && keyword.HasParameter("read");
+  const cow_String beside = isRead ? textBesideReading(keyword) : cow_String();
   keyword.ReferAll();
-  const bool isDone = m_isRestart && keyword.Kind() == inp_KwRestart &&
-                      keyword.HasParameter("read"); // the model is whole now
-  if (isDone || (told && told->isLeftOut) || IsLeftOut(keyword) || IsTooLong(keyword)) {
+  if ((isRead && beside.empty()) || (told && told->isLeftOut) || IsLeftOut(keyword) ||
+      IsTooLong(keyword)) {
     m_block = before; // it takes nothing along
     return;
   }
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (!row || row->role != inp_KeywordRole::Close) Count(keyword); // the opening one speaks for it
 
-  const Along at = along ? *along : AtOwn(keyword, block);
+  Along at = along ? *along : AtOwn(keyword, block);
+  at.text = beside;
   Keep(keyword, at);
   for (const inp_Keyword& suboption : keyword.Suboptions())
     m_along.try_emplace(suboption.Body().get(), at);
@@ -196,8 +209,8 @@ void inpS_VerbatimVisitor::Keep(const inp_Keyword& keyword, const Along& at) {
   record.SetInt(eds_VerbatimKeyword_Position,
                 m_positions[{place.owner.Object().Packed(), at.block}]++);
   const inpS_TextPlace* told = AsText(keyword);
-  record.SetString(eds_VerbatimKeyword_Text,
-                   told && !told->text.empty() ? told->text : keyword.Text());
+  const cow_String& text = told && at.text.empty() ? told->text : at.text;
+  record.SetString(eds_VerbatimKeyword_Text, text.empty() ? keyword.Text() : text);
   if (!at.behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, at.behind);
   transaction.Commit();
 }

@@ -38,6 +38,7 @@ private:
     Place place;
     int block;
     KvoSimPosition behind; // null: behind all
+    cow_String text{};     // what is kept; empty: what the ledger says, or the whole keyword
   };
   KvoSimPosition HolderOf(const inp_Keyword& keyword) const;
   const Along* AlongOf(const inp_Keyword& keyword) const;

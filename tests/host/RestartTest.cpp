@@ -43,6 +43,14 @@ TEST_F(Restart, MakesNodesAndElementsOfThoseOfItsBase) {
     EXPECT_NE(deck.find(lines), cow_String::npos) << lines << deck;
 }
 
+// The model is read by then; what is to be written remains.
+TEST_F(Restart, KeepsWhatItIsToWrite) {
+  const cow_String deck =
+      Written("*NODE\n1, 0.\n", "*RESTART, READ, WRITE, STEP=2, FREQUENCY=7\n*RESTART, READ\n");
+  EXPECT_NE(deck.find("*RESTART, WRITE, FREQUENCY=7\n"), cow_String::npos) << deck;
+  EXPECT_EQ(deck.find("READ"), cow_String::npos) << deck;
+}
+
 // Its lines alone lie in the plane; what they turn about does not.
 TEST_F(Restart, GoesOnInTheSpaceOfItsBase) {
   const cow_String deck = Written("*NODE\n1, 1., 0., 0.\n3, 0., 0., 1.\n9, 0., 0., 0.\n",
