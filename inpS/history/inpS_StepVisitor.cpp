@@ -3,11 +3,13 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_GlobalDamping.h"
+#include "inpS/history/inpS_ProcedureKind.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -21,6 +23,27 @@ bool isExplicitDynamics(const inp_Keyword& keyword) {
     return keyword.Kind() == inp_KwDynamicTemperatureDisplacement;
   const inp_Item* isExplicit = keyword.Find("explicit");
   return isExplicit && inpS_flagValue(*isExplicit).value_or(true);
+}
+
+bool hasProcedure(const KvoSimPosition& step) {
+  return std::ranges::any_of(
+      step.FollowMap(eds_Member::StepKeywords),
+      [](const KvoSimPosition& one) { return inpS_ProcedureKind::Of(one.Object().RecordKind()); });
+}
+
+// A step that is kept as text stands behind it.
+bool isBeforeText(const KvoObjDocument& document, const KvoSimPosition& step) {
+  return std::ranges::any_of(document.Context().GetRecords(eds_RecordKind::VerbatimKeyword),
+                             [&](const KvoSimPosition& text) {
+                               const KvoSimDataRecord record = text.DataRecord();
+                               return record.GetReference(eds_VerbatimKeyword_Behind) == step &&
+                                      record.GetString(eds_VerbatimKeyword_Keyword) == "STEP";
+                             });
+}
+
+cow_String extrapolationOf(const KvoSimPosition& step) {
+  static const int field = eds_formField(eds_FormKind::Step, "extrapolation");
+  return step.DataRecord().ReturnString(field);
 }
 
 // Of the node whose displacement an arc-length analysis watches.
@@ -39,15 +62,40 @@ cow_String textOfMissingNode(const cow_String& asWritten) {
 
 void inpS_StepVisitor::Look(inp_KeywordListRef keywords) {
   m_facts.clear();
+  m_first = nullptr;
   Facts* facts = nullptr;
   for (const inp_Keyword& keyword : keywords) {
-    if (keyword.Kind() == inp_KwStep) facts = &m_facts[keyword.Body().get()];
+    if (keyword.Kind() == inp_KwStep) {
+      facts = &m_facts[keyword.Body().get()];
+      if (!m_first) m_first = keyword.Body().get();
+    }
     if (!facts || !isProcedure(keyword.Kind()) || keyword.IsSuboption()) continue;
     if (keyword.Scope().kind != inp_Scope::Kind::Step) continue;
     if (facts->procedure == inp_NullKeyword) facts->procedure = keyword.Kind();
     facts->isExplicit = facts->isExplicit || isExplicitDynamics(keyword);
     facts->isFluid = facts->isFluid || keyword.Kind() == inp_KwCfd;
     if (!facts->isRefused) Judge(keyword, *facts);
+  }
+}
+
+// What a restart's base leaves to its first step: its last steps may have no procedure. One that is
+// kept as text has.
+void inpS_StepVisitor::LookAtBase(const KvoSimPosition& firstStep) {
+  const inpS_Form& form = *inpS_FormTable::Instance().Find(eds_FormKind::Step);
+  const auto steps = Model().GetVector(eds_Member::Steps);
+  std::optional<inpS_KeptParts> parts;
+  for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+    if (*step == firstStep) continue;
+    if (hasProcedure(*step) || isBeforeText(Inventory().GetDocument(), *step)) return;
+    if (!parts) parts.emplace(Inventory().GetDocument().Context());
+    const KvoSimDataRecord record = step->DataRecord();
+    const cow_String& beside = parts->FirstOf(*step).parameters;
+    for (const inpS_ParameterBinding& one : form.parameters) {
+      if (one.key == "name" || std::ranges::find(m_left, one.name) != m_left.end()) continue;
+      if (!record.IsMemberNull(one.field) || inpS_holdsParameter(beside, one.name))
+        m_left.push_back(one.name);
+    }
+    if (m_extrapolation.empty()) m_extrapolation = extrapolationOf(*step);
   }
 }
 
@@ -98,10 +146,13 @@ bool inpS_StepVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
 // ---- the step opens and closes
 
 // What steps without a procedure leave to it.
-void inpS_StepVisitor::Open(const inp_Keyword& keyword) {
+void inpS_StepVisitor::Open(const inp_Keyword& keyword, const KvoSimPosition& record) {
+  if (keyword.Body().get() == m_first) LookAtBase(record);
   const auto known = m_facts.find(keyword.Body().get());
   m_open = known == m_facts.end() ? nullptr : &known->second;
-  m_procedure = {};
+  m_procedure = m_lastProcedure = {};
+  if (m_left.empty()) m_extrapolation.clear();
+  if (cow_String own = extrapolationOf(record); !own.empty()) m_extrapolation = std::move(own);
   m_dampings.clear();
   m_given.clear();
   for (const inp_Parameter& parameter : keyword.Parameters())
@@ -134,13 +185,14 @@ void inpS_StepVisitor::VisitEndStep(const inp_Keyword& keyword) {
   Ledger().Take(keyword, OpenStep());
 }
 
-// At the step's end, for the procedure may stand behind. FIELD chooses the degrees of freedom that
+// It is the last procedure's that stands before it. At the step's end, for none may: then it is the
+// first one's. FIELD chooses the degrees of freedom that
 // a keyword is for; without it, and with a word that is none, it is for all.
 void inpS_StepVisitor::SetDamping() {
   const auto fieldOf = [](std::string_view column) {
     return eds_formField(eds_FormKind::GlobalDamping, column);
   };
-  for (const auto& [keyword, given] : m_dampings) {
+  for (const auto& [keyword, given, behind] : m_dampings) {
     if (m_procedure.IsNull()) return; // told
     const KvoSimDataRecord record = given.DataRecord();
     const cow_String field = record.ReturnString(fieldOf("field"));
@@ -151,7 +203,7 @@ void inpS_StepVisitor::SetDamping() {
       damping[n++] = field == "MECHANICAL" ? 0 : value;
     }
     cow_List<cow_String> messages;
-    inpS_SetGlobalDamping(OpenStep(), m_procedure, damping, messages);
+    inpS_SetGlobalDamping(OpenStep(), behind.IsNull() ? m_procedure : behind, damping, messages);
     for (const cow_String& message : messages) Warning(keyword, message);
   }
 }
@@ -165,13 +217,12 @@ bool inpS_StepVisitor::MayConvert(const inp_Keyword&, const inpS_Form& form) {
 
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                  const KvoSimPosition& record) {
-  if (m_procedure.IsNull() && !keyword.IsSuboption() && isProcedure(keyword.Kind()))
-    m_procedure = record;
+  if (!keyword.IsSuboption() && isProcedure(keyword.Kind())) SetProcedure(keyword, record);
   switch (keyword.Kind()) {
   case inp_KwStep:
-    return Open(keyword);
+    return Open(keyword, record);
   case inp_KwGlobalDamping:
-    m_dampings.emplace_back(keyword, record);
+    m_dampings.push_back({keyword, record, m_lastProcedure});
     return;
   case inp_KwStatic:
   case inp_KwDynamic:
@@ -205,6 +256,20 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   default:
     return;
   }
+}
+
+// What fluid dynamics says of heat is no procedure of its own.
+void inpS_StepVisitor::SetProcedure(const inp_Keyword& keyword, const KvoSimPosition& record) {
+  m_lastProcedure = record;
+  if (m_procedure.IsNull()) {
+    m_procedure = record;
+    return;
+  }
+  if (m_open && m_open->isFluid && keyword.Kind() == inp_KwHeatTransfer) return;
+  const inpS_Form* first = inpS_FormTable::Instance().Find(m_procedure.Object().RecordKind());
+  Warning(keyword, "The step has a procedure already, *" +
+                       cow_String(inp_KeywordTable::Instance().Row(first->keyword)->name) +
+                       ", which holds in the history; *" + keyword.Name() + " is kept beside it.");
 }
 
 void inpS_StepVisitor::TellIrrelevant(const inp_Keyword& keyword) {
@@ -247,8 +312,7 @@ void inpS_StepVisitor::CheckMonitoring(const inp_Keyword& keyword) {
 }
 
 void inpS_StepVisitor::CheckExtrapolation(const inp_Keyword& keyword) {
-  static const int field = eds_formField(eds_FormKind::Step, "extrapolation");
-  if (OpenStep().DataRecord().GetString(field) == "NO")
+  if (m_extrapolation == "NO")
     Warning(keyword, "EXTRAPOLATION=NO is not permitted with this step type. Default Extrapolation "
                      "will be used.");
 }

@@ -33,10 +33,12 @@ private:
     bool isRefused = false; // a procedure of it cannot be modelled
   };
   void Look(inp_KeywordListRef keywords);
+  void LookAtBase(const KvoSimPosition& firstStep);
   void SetDamping();
   void Judge(const inp_Keyword& procedure, Facts& facts);
   bool LacksWhatItNames(const inp_Keyword& procedure, const inpS_Form& form);
-  void Open(const inp_Keyword& keyword);
+  void Open(const inp_Keyword& keyword, const KvoSimPosition& record);
+  void SetProcedure(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckTimePoints(const inp_Keyword& keyword);
   void CheckMonitoring(const inp_Keyword& keyword);
@@ -50,11 +52,19 @@ private:
   void CheckEquationSolver(const inp_Keyword& keyword);
   void CheckSmoother(const inp_Keyword& keyword, const cow_String& type);
 
-  std::unordered_map<const inp_KeywordBody*, Facts> m_facts;   // by *STEP
-  const Facts* m_open = nullptr;                               // of the step that is open
-  KvoSimPosition m_procedure;                                  // likewise, its first
-  cow_List<std::pair<inp_Keyword, KvoSimPosition>> m_dampings; // likewise, all global damping
+  std::unordered_map<const inp_KeywordBody*, Facts> m_facts; // by *STEP
+  const Facts* m_open = nullptr;                             // of the step that is open
+  const inp_KeywordBody* m_first = nullptr;                  // the first *STEP of the deck
+  KvoSimPosition m_procedure;                                // of the open step, its first
+  KvoSimPosition m_lastProcedure;                            // likewise, the last one so far
+  struct Damping {
+    inp_Keyword keyword;
+    KvoSimPosition record;
+    KvoSimPosition procedure; // that it stands behind; null: it stands before all
+  };
+  cow_List<Damping> m_dampings; // likewise, all global damping
   // Parameters of *STEP in the steps right before without a procedure, and in the one that is open.
   cow_List<cow_String> m_left;
   cow_List<cow_String> m_given;
+  cow_String m_extrapolation; // that holds in the open step; empty: none is given
 };

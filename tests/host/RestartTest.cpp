@@ -51,6 +51,18 @@ TEST_F(Restart, KeepsWhatItIsToWrite) {
   EXPECT_EQ(deck.find("READ"), cow_String::npos) << deck;
 }
 
+// Its last steps have no procedure: what they say holds in the restart's first one.
+TEST_F(Restart, TellsWhatItsBaseLeavesToItsFirstStep) {
+  const cow_String base = Deck("base.inp", "*NODE\n1, 0.\n*STEP, PERTURBATION\n*STATIC\n*END STEP\n"
+                                           "*STEP, NAME=A, EXTRAPOLATION=NO, INC=5\n*END STEP\n"
+                                           "*STEP, NAME=B, NLGEOM=NO\n*END STEP\n");
+  ASSERT_EQ(ProgramRun({"convert", base, "-o", File("base.sim")}).exitCode, 0);
+  const cow_String more = Deck("more.inp", "*STEP, INC=9\n*STATIC, RIKS\n1., 1.\n*END STEP\n");
+  const ProgramRun run({"convert", more, "--restart", File("base.sim"), "-o", File("m.sim")});
+  EXPECT_TRUE(run.Says("holds in this one, too: NLGEOM, EXTRAPOLATION.")) << run.err;
+  EXPECT_TRUE(run.Says("EXTRAPOLATION=NO is not permitted with this step type.")) << run.err;
+}
+
 // Its lines alone lie in the plane; what they turn about does not.
 TEST_F(Restart, GoesOnInTheSpaceOfItsBase) {
   const cow_String deck = Written("*NODE\n1, 1., 0., 0.\n3, 0., 0., 1.\n9, 0., 0., 0.\n",
