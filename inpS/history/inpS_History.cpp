@@ -308,8 +308,10 @@ void setRanges(KvoSimDataRecord& to, const KvoSimPosition& procedure) {
   for (const KvoSimPosition& line : lines) {
     const KvoSimDataRecord record = line.DataRecord();
     const double from = record.GetDouble(lower);
-    const double until = Procedure::Real(record, upper).value_or(from);
-    least = std::min(least.value_or(from), from);
+    // Without an upper bound, or with one of zero, it is the lower one alone.
+    const double given = Procedure::Real(record, upper).value_or(0.);
+    const double until = given != 0 ? given : from;
+    least = std::min(least.value_or(from), std::min(from, until));
     most = std::max(most.value_or(until), std::max(from, until));
   }
   setReal(to, eds_HistoryStep_LowestFrequency, least);

@@ -10,6 +10,8 @@
 // - Of a step without a procedure all parameters hold in the next step that does not give them, but
 //   for its name. It has no procedure, no registration, and gives its name to nobody.
 // - DSA holds from the step that gives it until another one does; before the first it is off.
+// - Of two procedures in a step the first one holds.
+// - Frequencies go from the least bound of all ranges to the greatest, whichever stands first.
 // - Where a tolerance makes increments automatic (DELTMX, DCMAX, CETOL, UTOL) and none is given,
 //   increments are fixed; so they are in modal dynamics. A steady state is automatic.
 // - A name that is taken makes the older step's name end in "-Old", once more for each later step

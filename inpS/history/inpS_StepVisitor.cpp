@@ -217,10 +217,16 @@ bool inpS_StepVisitor::MayConvert(const inp_Keyword&, const inpS_Form& form) {
 
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                  const KvoSimPosition& record) {
-  if (!keyword.IsSuboption() && isProcedure(keyword.Kind())) SetProcedure(keyword, record);
+  if (!keyword.IsSuboption() && isProcedure(keyword.Kind())) {
+    SetProcedure(keyword, record);
+    CheckTimes(keyword, form, record);
+  }
   switch (keyword.Kind()) {
   case inp_KwStep:
-    return Open(keyword, record);
+    Open(keyword, record);
+    return CheckIncrements(keyword, record);
+  case inp_KwModelChange:
+    return CheckModelChange(keyword);
   case inp_KwGlobalDamping:
     m_dampings.push_back({keyword, record, m_lastProcedure});
     return;
@@ -256,6 +262,11 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   default:
     return;
   }
+}
+
+bool inpS_StepVisitor::IsPerturbation() const {
+  return std::ranges::any_of(
+      m_given, [](const cow_String& name) { return inpS_bareWord(name) == "PERTURBATION"; });
 }
 
 // What fluid dynamics says of heat is no procedure of its own.

@@ -46,6 +46,13 @@ private:
   void CheckControls(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckFluidStructure(const inp_Keyword& keyword);
   void TellIrrelevant(const inp_Keyword& keyword);
+  bool IsPerturbation() const; // by what is left to it, too
+
+  // Values that no analysis can go by: inpS_StepVisitorValues.cpp.
+  void CheckIncrements(const inp_Keyword& keyword, const KvoSimPosition& record);
+  void CheckTimes(const inp_Keyword& keyword, const inpS_Form& form, const KvoSimPosition& record);
+  void CheckRanges(const inp_Keyword& keyword);
+  void CheckModelChange(const inp_Keyword& keyword);
 
   // Of fluid dynamics.
   void CheckCfd(const inp_Keyword& keyword);

@@ -9,4 +9,11 @@ public:
   inpS_TimePointsVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                          const inpS_Inventory& inventory, inpS_Ledger& ledger)
       : inpS_FormVisitor(inpS_Phase::TimePoints, nodes, elements, inventory, ledger) {}
+
+protected:
+  void Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                 const KvoSimPosition& record) override;
+
+private:
+  void CheckCyclicSymmetry(const inp_Keyword& keyword);
 };

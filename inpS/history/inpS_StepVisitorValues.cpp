@@ -1,0 +1,97 @@
+#include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
+#include "inpS/history/inpS_ProcedureKind.h"
+#include "inpS/history/inpS_StepVisitor.h"
+#include "inpS/keywords/inpS_Flag.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+// Values of a step that no analysis can go by: told, and kept as given.
+
+namespace {
+
+using Procedure = inpS_ProcedureKind;
+
+constexpr const char* kKept = " is kept as given.";
+
+int columnOf(const inpS_Form& form, int field) {
+  if (form.info->lines.empty()) return 0;
+  const cow_List<eds_FormItem>& items = form.info->lines.front();
+  const auto found = std::ranges::find_if(items, [field](const eds_FormItem& item) {
+    return item.alternatives.front().field == field;
+  });
+  return found == items.end() ? 0 : static_cast<int>(found - items.begin());
+}
+
+bool hasNumber(const inp_DataArray& data, long long row, int col) {
+  return col < data.Cols(row) && data.HasValue(row, col) && data.IsNumber(row, col);
+}
+
+// An upper bound of zero is as good as none.
+bool isReversed(double lower, double upper) {
+  return upper != 0 && lower > upper;
+}
+
+} // namespace
+
+void inpS_StepVisitor::CheckIncrements(const inp_Keyword& keyword, const KvoSimPosition& record) {
+  static const int field = eds_formField(eds_FormKind::Step, "inc");
+  const KvoSimDataRecord step = record.DataRecord();
+  if (step.IsMemberNull(field) || step.GetInt64(field) > 0) return;
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "inc",
+      "INC=" + std::to_string(step.GetInt64(field)) +
+          " allows no increment: a step takes at least one; it" + kKept));
+}
+
+void inpS_StepVisitor::CheckTimes(const inp_Keyword& keyword, const inpS_Form& form,
+                                  const KvoSimPosition& record) {
+  const Procedure* of = Procedure::Of(form.kind);
+  if (!of || keyword.Data().Rows() == 0) return;
+  if (of->family == Procedure::Family::Ranges) return CheckRanges(keyword);
+  const KvoSimDataRecord values = record.DataRecord();
+  const auto tell = [&](int field, const char* before, const char* behind) {
+    const int col = columnOf(form, field);
+    AddWarning(inp_Utils::MessageAtField(
+        keyword, 0, col, before + keyword.Data().AsStringVerbatim(0, col) + behind + kKept));
+  };
+  const bool isTime = of->family == Procedure::Family::Time;
+  // A linear perturbation takes no time.
+  const bool isEvent = IsPerturbation() && keyword.Kind() == inp_KwStatic;
+  if (isTime && isEvent) return;
+  const auto period = Procedure::Real(values, of->period);
+  if (isTime && period && *period <= 0)
+    tell(of->period, "The period ", " is not greater than zero; it");
+  const auto least = Procedure::Real(values, of->minimum);
+  const auto most = Procedure::Real(values, of->maximum);
+  if (!least || !most || !isReversed(*least, *most)) return;
+  if (!isTime)
+    tell(of->minimum, "The lower bound ", " is greater than the upper one; it");
+  else if (!of->IsFixed(form.kind, values))
+    tell(of->minimum, "The minimum increment ", " is greater than the maximum one; it");
+}
+
+void inpS_StepVisitor::CheckRanges(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row) {
+    if (!hasNumber(data, row, 0) || !hasNumber(data, row, 1)) continue;
+    if (isReversed(data.AsDouble(row, 0), data.AsDouble(row, 1)))
+      AddWarning(inp_Utils::MessageAtField(keyword, row, 0,
+                                           "The lower bound " + data.AsStringVerbatim(row, 0) +
+                                               " is greater than the upper one; it" + kKept));
+  }
+}
+
+// ACTIVATE says that later steps will change the model, and changes nothing itself.
+void inpS_StepVisitor::CheckModelChange(const inp_Keyword& keyword) {
+  const auto says = [&](const char* parameter) {
+    const inp_Item* item = keyword.Find(parameter);
+    return item && inpS_flagValue(*item).value_or(true);
+  };
+  const bool adds = says("add");
+  const bool removes = says("remove");
+  if (adds && removes)
+    Warning(keyword, cow_String("*MODEL CHANGE has both ADD and REMOVE; it") + kKept);
+  else if (!adds && !removes && !says("activate"))
+    Warning(keyword, cow_String("*MODEL CHANGE has neither ADD nor REMOVE; it") + kKept);
+}
