@@ -37,6 +37,8 @@ inps_ModelCopy::inps_ModelCopy(const inps_Input& base, const Path& target, inps_
   try {
     Copy();
     if (m_place) m_place->HoldAgain(); // the base may be what is replaced
+    // The store knows the copy's name, people know the target's.
+    session.ShowAs(m_path, targetName);
   } catch (const utl_FileException& failure) {
     utl_removeFile(m_path);
     if (failure.Path() != m_path) throw;
@@ -45,8 +47,6 @@ inps_ModelCopy::inps_ModelCopy(const inps_Input& base, const Path& target, inps_
     utl_removeFile(m_path);
     throw;
   }
-  // The store knows the copy's name, people know the target's.
-  session.ShowAs(m_path, targetName);
 }
 
 inps_ModelCopy::~inps_ModelCopy() { // gone already once it has taken the target's name

@@ -96,7 +96,8 @@ protected:
   cow_List<cow_List<cow_String>> Acting(const char* name) const {
     cow_List<cow_List<cow_String>> steps;
     const ProgramRun run({"info", File(name), "--history", "--json"});
-    for (const json& step : json::parse(run.out)["history"]) {
+    const json told = json::parse(run.out);
+    for (const json& step : told["history"]) {
       cow_List<cow_String>& acts = steps.emplace_back();
       for (const json& one : step["acting"]) {
         std::istringstream components(
