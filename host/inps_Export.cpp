@@ -182,13 +182,13 @@ private:
         m_conditions->Nodes().AddTo(grid, nodes);
         inps_writeVtu(file, grid, m_compression);
       });
-    for (auto& [name, pressures] : m_conditions->Pressures())
-      AddBlock(files, group, "surface", "Pressure " + name, [&](const Path& file) {
+    for (auto& one : m_conditions->Pressures())
+      AddBlock(files, group, "surface", "Pressure " + one.first, [&](const Path& file) {
         inps_ExportCells cells(mesh);
-        pressures.Plan(cells);
-        WriteCells(mesh, cells, file, &pressures);
+        one.second.Plan(cells);
+        WriteCells(mesh, cells, file, &one.second);
         if (cells.WithoutFace() > 0)
-          Warn("pressure " + name + ": " + inps_counted(cells.WithoutFace(), "face") +
+          Warn("pressure " + one.first + ": " + inps_counted(cells.WithoutFace(), "face") +
                " left out, for the shapes of the elements have no such face");
       });
   }
