@@ -347,7 +347,7 @@ bool Driver::ProcessSections(Labelers& labelers) {
   sections.VisitList(m_keywords);
   inpS_NodalThicknessVisitor thickness(*labelers.nodes, *labelers.elements, m_inventory);
   thickness.VisitListAndReport(m_keywords);
-  thickness.Save();
+  if (!m_meshLeftOut) thickness.Save(); // of nodes that are stored
   inpS_SectionVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
   visitor.SetMeshLeftOut(m_meshLeftOut);
   visitor.VisitListAndReport(m_keywords);
