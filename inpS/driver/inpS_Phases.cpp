@@ -334,6 +334,7 @@ bool Driver::ProcessDistributions(Labelers& labelers) {
 
 bool Driver::ProcessOrientations(Labelers& labelers) {
   inpS_OrientationVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
+  visitor.SetMeshLeftOut(m_meshLeftOut);
   visitor.VisitListAndReport(m_keywords);
   const auto& varying = visitor.ConstGetOri2DistNameMap();
   if (varying.empty()) return !visitor.IsError();

@@ -125,4 +125,15 @@ TEST_F(Sections, CheckCountsElementsWithoutAny) {
   EXPECT_EQ(told["withoutSection"], (json{{"S4", 1}, {"MASS", 2}}));
 }
 
+// Nothing may name nodes by their place that are not stored.
+TEST_F(Sections, ThicknessOfAMeshWithFaultsIsWrittenBack) {
+  const cow_String thickness = "*NODAL THICKNESS\n1, 0.5\n";
+  const cow_String deck =
+      Deck("bad.inp", "*NODE\n1, 0.\n*ELEMENT, TYPE=T3D2\n1, 1, 77\n" + thickness);
+  EXPECT_EQ(ProgramRun({"convert", deck, "-o", File("bad.sim")}).exitCode, 1);
+  const ProgramRun written({"write", File("bad.sim")});
+  EXPECT_EQ(written.exitCode, 0) << written.err;
+  EXPECT_NE(written.out.find(thickness), cow_String::npos) << written.out;
+}
+
 } // namespace
