@@ -1,6 +1,7 @@
 #include "inpS/forms/inpS_FormVisitor.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimTransaction.h"
+#include "database/schema/eds_Schema.h"
 #include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/forms/inpS_FormWords.h"
 #include "inpS/keywords/inpS_BlankLine.h"
@@ -102,6 +103,9 @@ void inpS_FormVisitor::VisitWithinStep(const inp_Keyword& keyword) {
   }
   ++m_stepPlace;
   if (m_step.IsNull() || !IsOfPhase(keyword)) return;
+  // A property of materials that strayed into the step stays text.
+  const auto kinds = inpS_FormTable::Instance().KindsOf(keyword.Kind());
+  if (!kinds.empty() && static_cast<int>(kinds.front()) < eds_firstFormKind) return;
   // Steps are made in the walk that converts what stands in them: it takes what has a name, too.
   const bool isNamed = inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr;
   if (m_phase == inpS_Phase::Steps || isNamed == m_isNaming)
