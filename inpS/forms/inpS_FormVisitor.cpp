@@ -101,6 +101,8 @@ void inpS_FormVisitor::VisitWithinStep(const inp_Keyword& keyword) {
     m_stepPlace = 0;
     return;
   }
+  // One is of the whole model, wherever it stands, and goes back before the steps.
+  if (keyword.Kind() == inp_KwAmplitude) return;
   ++m_stepPlace;
   if (m_step.IsNull() || !IsOfPhase(keyword)) return;
   // A property of materials that strayed into the step stays text.
