@@ -7,6 +7,7 @@
 #include "database/schema/eds_Form.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_Blocks.h"
+#include "inpS/forms/inpS_FormTable.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -187,6 +188,10 @@ inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keywo
   const inpS_TextPlace* told = AsText(keyword);
   Along at{m_place, block, told ? told->behind : KvoSimPosition()};
   if (told && !told->owner.IsNull()) at.place = {told->owner, levelUnder(told->owner)};
+  // A name's second definition goes behind the first one, which must come first again.
+  const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind());
+  if (at.behind.IsNull() && named && inpS_block(block).HasForms())
+    at.behind = at.place.owner.FollowStringKey(named->member, keyword.StringOf("name", ""));
   const auto before = m_records.find({at.place.owner.Object().Packed(), block});
   if (at.behind.IsNull() && before != m_records.end()) at.behind = before->second;
   if (at.behind.IsNull() && inpS_block(block).HasForms()) at.behind = at.place.owner;
