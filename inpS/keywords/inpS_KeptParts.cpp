@@ -1,4 +1,5 @@
 #include "inpS/keywords/inpS_KeptParts.h"
+#include "base/utl_Controls.h"
 #include "database/KvoSimDataRecord.h"
 #include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
@@ -65,8 +66,9 @@ cow_String inpS_spelledName(const inp_Parameter& parameter) {
 namespace {
 
 cow_String asGiven(const inp_Parameter& parameter) {
-  const cow_String name = ", " + inpS_spelledName(parameter);
-  return parameter.value.IsFlag() ? name : name + '=' + parameter.value.Verbatim();
+  cow_String text = ", " + inpS_spelledName(parameter);
+  if (!parameter.value.IsFlag()) text += '=' + parameter.value.Verbatim();
+  return utl_findControl(text) == cow_String::npos ? text : utl_withoutControls(text);
 }
 
 } // namespace
