@@ -103,9 +103,7 @@ void inpS_ExcitationWriter::WriteSource(std::size_t place) {
                   0,
                   {},
                   {}};
-  inpS_ConditionRow row;
-  for (long long n = 0; current.rows.Next(row); ++n)
-    if (row.degrees != 0) WriteRow(current, n, row, m_pieces.Of(place, n, row, current.targets));
+  if (!WriteLooks(current)) WriteRows(current);
   for (auto& [key, group] : current.groups) {
     EndRun(current, group);
     group.excitation.DataRecord().SetInt(eds_Excitation_Rows, group.rows);
