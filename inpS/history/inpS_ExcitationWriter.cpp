@@ -103,7 +103,9 @@ void inpS_ExcitationWriter::WriteSource(std::size_t place) {
                   0,
                   {},
                   {}};
-  if (!WriteLooks(current)) WriteRows(current);
+  inpS_ConditionRow row;
+  for (long long n = 0; current.rows.Next(row); ++n)
+    if (row.degrees != 0) WriteRow(current, n, row, m_pieces.Of(place, n, row, current.targets));
   for (auto& [key, group] : current.groups) {
     EndRun(current, group);
     group.excitation.DataRecord().SetInt(eds_Excitation_Rows, group.rows);
