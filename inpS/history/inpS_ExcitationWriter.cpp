@@ -112,31 +112,6 @@ void inpS_ExcitationWriter::WriteSource(std::size_t place) {
   }
 }
 
-void inpS_ExcitationWriter::WriteRows(Current& current) {
-  inpS_ConditionRow row;
-  for (long long n = 0; current.rows.Next(row); ++n)
-    if (row.degrees != 0)
-      WriteRow(current, n, row, m_pieces.Of(current.place, n, row, current.targets));
-}
-
-// Rows of a large keyword that are in force together are not looked at once more. False: they are
-// not, or one stands alone.
-bool inpS_ExcitationWriter::WriteLooks(Current& current) {
-  const inpS_InForce::Source& source = current.source;
-  if (current.isSmall || !source.isPlain || !m_transforms.empty() || m_pieces.HasAny(current.place))
-    return false;
-  if (std::ranges::any_of(source.looks, [](const auto& look) { return look.rows == 1; }))
-    return false;
-  for (const inpS_InForce::Source::Look& look : source.looks) {
-    for (const auto& [key, group] : LookOf(current, look.row, -1).groups) {
-      if (group->runRows == 0 || look.first < group->runFirst) group->runFirst = look.first;
-      group->runRows += look.rows;
-      group->rows += look.rows;
-    }
-  }
-  return true;
-}
-
 // A row is about as many excitations as its degrees have fields.
 void inpS_ExcitationWriter::WriteRow(Current& current, long long n, const inpS_ConditionRow& row,
                                      const cow_List<inpS_InForce::Piece>* pieces) {

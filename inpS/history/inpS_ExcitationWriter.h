@@ -59,8 +59,6 @@ private:
   };
   cow_List<Part> PartsOf(const inpS_ConditionRow& row, Current& current) const;
   void WriteSource(std::size_t place);
-  void WriteRows(Current& current);
-  bool WriteLooks(Current& current);
   void WriteRow(Current& current, long long n, const inpS_ConditionRow& row,
                 const cow_List<inpS_InForce::Piece>* pieces);
   void WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,

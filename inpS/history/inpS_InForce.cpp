@@ -59,36 +59,6 @@ private:
   }();
 };
 
-// Counts rows by how they look.
-class Looks {
-public:
-  explicit Looks(inpS_InForce::Source& source) : m_source(source) {}
-
-  // True: a row like it came before.
-  bool Take(const inpS_ConditionRow& row, long long n) {
-    if (!m_source.isPlain) return false;
-    cow_List<inpS_InForce::Source::Look>& looks = m_source.looks;
-    for (std::size_t tried = 0; tried < looks.size() && row.target >= 0; ++tried) {
-      inpS_InForce::Source::Look& look = looks[m_next];
-      m_next = m_next + 1 < looks.size() ? m_next + 1 : 0;
-      if (look.row.degrees != row.degrees || look.row.restraint != row.restraint ||
-          look.row.label != row.label)
-        continue;
-      ++look.rows;
-      return true;
-    }
-    constexpr std::size_t most = 8;
-    m_source.isPlain = row.target >= 0 && looks.size() < most;
-    if (m_source.isPlain) looks.push_back({row, n, 1});
-    m_next = 0;
-    return false;
-  }
-
-private:
-  inpS_InForce::Source& m_source;
-  std::size_t m_next = 0; // rows of a node often follow one another in the same order
-};
-
 } // namespace
 
 struct inpS_InForce::Arrival {
@@ -136,7 +106,7 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
   const int number = static_cast<int>(m_sources.size());
   const bool isOwn =
       m_isPerturbation || kind.lasting == Kind::Lasting::OwnStep || !loadCase.IsNull();
-  m_sources.push_back({record, &kind, loadCase, m_step, isOwn ? m_step : kOpen, 0, {}, {}, true});
+  m_sources.push_back({record, &kind, loadCase, m_step, isOwn ? m_step : kOpen, 0, {}});
   const long long key = KeyOf(kind, variable);
   const unsigned long long place = loadCase.IsNull() ? 0 : loadCase.Object().Packed();
   Family& family = (isOwn ? m_own[place] : m_families)[key];
@@ -395,14 +365,6 @@ const cow_List<inpS_InForce::Piece>* inpS_InForce::Pieces::Of(std::size_t source
   Build(source, what, end, m_all.RegionOf(*from.kind, what.target, targets).members);
   m_next = end;
   return &m_timeline.Pieces();
-}
-
-bool inpS_InForce::Pieces::HasAny(std::size_t source) const {
-  const auto first = std::ranges::lower_bound(m_all.m_cuts, source, {}, [](const Cut& cut) {
-    return static_cast<std::size_t>(cut.source);
-  });
-  return !m_all.m_sources[source].gaps.empty() ||
-         (first != m_all.m_cuts.end() && static_cast<std::size_t>(first->source) == source);
 }
 
 // What each step takes, its members together where they lose the same degrees.

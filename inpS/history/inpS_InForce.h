@@ -23,14 +23,6 @@ public:
     int lastStep = kOpen;
     long long rows = 0;
     cow_List<int> gaps; // perturbation steps that take all of it back
-    // How many rows look how, when they look alike in a few ways and none names a set.
-    struct Look {
-      inpS_ConditionRow row; // the first
-      long long first;
-      long long rows;
-    };
-    cow_List<Look> looks;
-    bool isPlain = true;
   };
   // The first of several values holds: where a later row of the same keyword gave another one.
   struct Duplicate {
@@ -66,7 +58,6 @@ public:
     explicit Pieces(inpS_InForce& all);
     const cow_List<Piece>* Of(std::size_t source, long long row, const inpS_ConditionRow& what,
                               inpS_ConditionTargets& targets);
-    bool HasAny(std::size_t source) const; // null for all of its rows otherwise
 
   private:
     void Build(std::size_t source, const inpS_ConditionRow& what, std::size_t end,
