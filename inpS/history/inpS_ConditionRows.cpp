@@ -114,40 +114,64 @@ bool inpS_ConditionRows::Next(inpS_ConditionRow& row) {
   if (m_next >= m_count) return false;
   if (m_next >= m_loaded) Load();
   const auto n = static_cast<std::size_t>(m_next++ - m_begin);
-  row = {};
-  if (m_kind.key == inpS_ExcitationKind::Key::Words) {
-    const std::pair codes{m_target.values[n], m_label.column ? m_label.values[n] : inp_blankInt};
-    const auto [known, isNew] = m_pairs.try_emplace(codes, static_cast<int>(m_pairs.size()));
-    if (isNew) m_pairCodes.push_back(codes);
-    row.label = known->second;
-  } else if (m_label.column && m_label.values[n] < 0 && m_label.values[n] != inp_blankInt)
-    row.label = -1 - m_label.values[n];
-  if (m_value && !inp_isBlankReal(m_values[n])) row.value = m_values[n];
-  if (m_target.column && m_kind.key != inpS_ExcitationKind::Key::Words &&
-      m_target.values[n] != inp_blankInt)
+  const bool isWords = m_kind.key == inpS_ExcitationKind::Key::Words;
+  const Codes codes{isWords ? m_target.values[n] : 0, m_first.column ? m_first.values[n] : 0,
+                    m_last.column ? m_last.values[n] : inp_blankInt,
+                    m_label.column ? m_label.values[n] : inp_blankInt};
+  const Look& look = m_looks[static_cast<std::size_t>(LookOf(codes))];
+  row = look.row;
+  if (m_value && look.hasValue && !inp_isBlankReal(m_values[n])) row.value = m_values[n];
+  if (m_target.column && !isWords && m_target.values[n] != inp_blankInt)
     row.target = m_target.values[n];
-  if (m_first.column) SetDegrees(row, n);
   return true;
 }
 
-void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, std::size_t n) const {
-  const int first = m_first.values[n];
+int inpS_ConditionRows::LookOf(const Codes& codes) {
+  const auto mixed =
+      static_cast<unsigned>(codes.first + 5 * codes.last + 7 * codes.label + codes.target);
+  auto& [known, place] = m_latest[mixed % m_latest.size()];
+  if (place >= 0 && known == codes) return place;
+  const auto [look, isNew] = m_lookOf.try_emplace(codes, static_cast<int>(m_looks.size()));
+  if (isNew) {
+    m_looks.push_back(MakeLook(codes));
+    m_looks.back().row.look = look->second;
+  }
+  known = codes;
+  place = look->second;
+  return place;
+}
+
+inpS_ConditionRows::Look inpS_ConditionRows::MakeLook(const Codes& codes) {
+  Look look;
+  if (m_kind.key == inpS_ExcitationKind::Key::Words) {
+    const std::pair words{codes.target, codes.label};
+    const auto [known, isNew] = m_pairs.try_emplace(words, static_cast<int>(m_pairs.size()));
+    if (isNew) m_pairCodes.push_back(words);
+    look.row.label = known->second;
+  } else if (codes.label < 0 && codes.label != inp_blankInt)
+    look.row.label = -1 - codes.label;
+  if (m_first.column) SetDegrees(look, codes);
+  return look;
+}
+
+void inpS_ConditionRows::SetDegrees(Look& look, const Codes& codes) const {
+  inpS_ConditionRow& row = look.row;
   row.degrees = 0;
-  if (first == inp_blankInt) {
+  if (codes.first == inp_blankInt) {
     row.degrees = m_kind.BlankDegree();
     return;
   }
-  if (first >= 0) {
-    const int last = m_last.column ? m_last.values[n] : inp_blankInt;
-    row.degrees = inpS_Degrees::Of(first, last == inp_blankInt ? first : last);
+  if (codes.first >= 0) {
+    row.degrees =
+        inpS_Degrees::Of(codes.first, codes.last == inp_blankInt ? codes.first : codes.last);
     return;
   }
-  const auto word = static_cast<std::size_t>(-1 - first);
+  const auto word = static_cast<std::size_t>(-1 - codes.first);
   if (word >= m_restraints.size()) return;
   if (m_kind.form == eds_FormKind::Boundary) {
     row.restraint = m_restraints[word];
     row.degrees = inpS_Degrees::OfRestraint(row.restraint);
-    row.value = 0;
+    look.hasValue = false;
   } else { // of flows: a name instead of a degree
     row.label = static_cast<int>(m_labels.size() + word);
     row.degrees = 1;

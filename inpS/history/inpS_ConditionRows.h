@@ -3,6 +3,7 @@
 #include "database/KvoSimCSet.h"
 #include "inpS/forms/inpS_StoredColumn.h"
 #include "inpS/history/inpS_ExcitationKind.h"
+#include <array>
 #include <memory>
 
 // What one row of a given keyword says: about which target, which degrees or which label, and its
@@ -15,6 +16,7 @@ struct inpS_ConditionRow {
   int restraint = -1;   // of the vocabulary RestraintType; -1: none
   int label = -1;       // place of its label among the record's words; -1: none
   double value = 0;     // none given is 0
+  int look = 0; // rows of one look differ in target and value alone; from 0 in order of appearance
 };
 
 // The rows of a record one after the other, read by the piece.
@@ -31,8 +33,22 @@ public:
   KvoSimPosition Values() const; // their array; null: it has none
 
 private:
+  // What a row says beside its target and value, as its columns have it.
+  struct Codes {
+    int target = 0; // where it is a word of the label
+    int first = 0;
+    int last = 0;
+    int label = 0;
+    auto operator<=>(const Codes&) const = default;
+  };
+  struct Look {
+    inpS_ConditionRow row; // without target and value
+    bool hasValue = true;
+  };
   void Load();
-  void SetDegrees(inpS_ConditionRow& row, std::size_t n) const;
+  int LookOf(const Codes& codes);
+  Look MakeLook(const Codes& codes);
+  void SetDegrees(Look& look, const Codes& codes) const;
   cow_String WordOf(int column, int code) const;
 
   KvoSimDataRecord m_record;
@@ -50,6 +66,14 @@ private:
   // Where the target is a word, a row's label is that word and the label behind it.
   cow_Map<std::pair<int, int>, int> m_pairs;
   cow_List<std::pair<int, int>> m_pairCodes;
+  cow_List<Look> m_looks;
+  cow_Map<Codes, int> m_lookOf;
+  // The rows of a keyword look much alike: of each few codes the latest.
+  struct Latest {
+    Codes codes;
+    int place = -1;
+  };
+  std::array<Latest, 32> m_latest;
   std::optional<inpS_StoredColumn<double>> m_value;
   cow_List<double> m_values;
   cow_List<cow_String> m_targetWords, m_labels, m_firstWords;

@@ -102,13 +102,36 @@ void inpS_ExcitationWriter::WriteSource(std::size_t place) {
                   source.rows <= kFewRows,
                   0,
                   {},
+                  {},
                   {}};
   inpS_ConditionRow row;
-  for (long long n = 0; current.rows.Next(row); ++n)
-    if (row.degrees != 0) WriteRow(current, n, row, m_pieces.Of(place, n, row, current.targets));
+  if (AreRowsAlike(current))
+    WriteLooks(current);
+  else
+    for (long long n = 0; current.rows.Next(row); ++n)
+      if (row.degrees != 0) WriteRow(current, n, row, m_pieces.Of(place, n, row, current.targets));
   for (auto& [key, group] : current.groups) {
     EndRun(current, group);
     group.excitation.DataRecord().SetInt(eds_Excitation_Rows, group.rows);
+  }
+}
+
+// Rows that share their relays, whatever their targets: to count them is enough.
+bool inpS_ExcitationWriter::AreRowsAlike(const Current& current) {
+  return !current.isSmall && !current.source.looks.empty() && m_pieces.AreWhole(current.place) &&
+         (m_transforms.empty() || !hasDegrees(*current.source.kind));
+}
+
+void inpS_ExcitationWriter::WriteLooks(Current& current) {
+  for (const auto& look : current.source.looks) { // in order of appearance
+    if (look.count == 0) continue;
+    for (const auto& [key, group] : GroupsOf(current, look.first, -1)) {
+      group->rows += look.count;
+      group->runRows += look.count;
+      if (group->runFirst >= 0 && group->runFirst < look.firstRow) continue;
+      group->runFirst = look.firstRow;
+      group->first = look.first;
+    }
   }
 }
 
@@ -119,41 +142,39 @@ void inpS_ExcitationWriter::WriteRow(Current& current, long long n, const inpS_C
   if (isSet) ++current.sets;
   const bool isAlone = current.isSmall || (isSet && current.sets <= kMostSets);
   for (const Part& part : PartsOf(row, current))
-    for (const auto& [key, group] : LookOf(current, row, part.transform).groups)
+    for (const auto& [key, group] : GroupsOf(current, row, part.transform))
       WriteGroup(current, n, row, pieces, part, *key, *group, isAlone || part.members);
 }
 
-const inpS_ExcitationWriter::Look&
-inpS_ExcitationWriter::LookOf(Current& current, const inpS_ConditionRow& row, int transform) {
-  constexpr std::size_t most = 8;
-  const GroupKey key{0, row.degrees, row.restraint, row.label, transform};
-  for (const Look& look : current.looks)
-    if (look.row == key) return look;
-  if (current.looks.size() < most) {
-    current.looks.push_back({key, {}});
-    Find(current.looks.back(), current, row);
-    return current.looks.back();
+const inpS_ExcitationWriter::Groups&
+inpS_ExcitationWriter::GroupsOf(Current& current, const inpS_ConditionRow& row, int transform) {
+  const auto look = static_cast<std::size_t>(row.look);
+  if (transform < 0 && look < current.plain.size() && current.plain[look])
+    return *current.plain[look];
+  const auto [known, isNew] = current.looks.try_emplace({transform, row.look});
+  if (isNew) known->second = MakeGroups(current, row, transform);
+  if (transform < 0) {
+    if (look >= current.plain.size()) current.plain.resize(look + 1);
+    current.plain[look] = &known->second;
   }
-  Look& look = current.looks[current.oldest++ % most];
-  look = {key, {}};
-  Find(look, current, row);
-  return look;
+  return known->second;
 }
 
-void inpS_ExcitationWriter::Find(Look& look, Current& current, const inpS_ConditionRow& row) {
+inpS_ExcitationWriter::Groups
+inpS_ExcitationWriter::MakeGroups(Current& current, const inpS_ConditionRow& row, int transform) {
   const Kind& kind = *current.source.kind;
-  GroupKey key = look.row;
-  if (!hasDegrees(kind) || row.restraint >= 0 || row.label >= 0) {
-    look.groups.push_back(GroupOf(current, key, FieldOf(current, row)));
-    return;
-  }
+  GroupKey key{0, row.degrees, row.restraint, row.label, transform};
+  if (!hasDegrees(kind) || row.restraint >= 0 || row.label >= 0)
+    return {GroupOf(current, key, FieldOf(current, row))};
   const KvoSimDataRecord record = current.source.record.DataRecord();
   const std::string_view type = kind.type < 0 ? std::string_view() : record.GetString(kind.type);
+  Groups groups;
   for (const inpS_Degrees::Group& group : inpS_Degrees::Groups(row.degrees, kind, type)) {
     key.field = group.firstDegree;
     key.degrees = group.degrees;
-    look.groups.push_back(GroupOf(current, key, group.field));
+    groups.push_back(GroupOf(current, key, group.field));
   }
+  return groups;
 }
 
 cow_String inpS_ExcitationWriter::FieldOf(const Current& current, const inpS_ConditionRow& row) {

@@ -28,11 +28,8 @@ private:
     long long runRows = 0;
     inpS_ConditionRow first; // of the run
   };
-  // The groups of rows of one look: rows of a keyword look much alike.
-  struct Look {
-    GroupKey row; // its field is not set
-    cow_List<std::pair<const GroupKey*, Group*>> groups;
-  };
+  // The groups of the rows of one look.
+  using Groups = cow_List<std::pair<const GroupKey*, Group*>>;
   // The record whose rows are being stored.
   struct Current {
     std::size_t place;
@@ -42,8 +39,8 @@ private:
     bool isSmall;   // each row has a relay
     long long sets; // rows of sets so far
     cow_Map<GroupKey, Group> groups;
-    cow_List<Look> looks; // some of the latest
-    std::size_t oldest = 0;
+    cow_Map<std::pair<int, int>, Groups> looks; // by transform and look
+    cow_List<Groups*> plain;                    // without a transform, by look
   };
   struct Transform {
     KvoSimPosition record;
@@ -59,6 +56,8 @@ private:
   };
   cow_List<Part> PartsOf(const inpS_ConditionRow& row, Current& current) const;
   void WriteSource(std::size_t place);
+  bool AreRowsAlike(const Current& current);
+  void WriteLooks(Current& current);
   void WriteRow(Current& current, long long n, const inpS_ConditionRow& row,
                 const cow_List<inpS_InForce::Piece>* pieces);
   void WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,
@@ -67,8 +66,8 @@ private:
   void WritePiece(Current& current, long long n, const inpS_ConditionRow& row,
                   const inpS_InForce::Piece& piece, const Part& part, const GroupKey& key,
                   const Group& group);
-  const Look& LookOf(Current& current, const inpS_ConditionRow& row, int transform);
-  void Find(Look& look, Current& current, const inpS_ConditionRow& row);
+  const Groups& GroupsOf(Current& current, const inpS_ConditionRow& row, int transform);
+  Groups MakeGroups(Current& current, const inpS_ConditionRow& row, int transform);
   std::pair<const GroupKey*, Group*> GroupOf(Current& current, const GroupKey& key,
                                              const cow_String& field);
   void EndRun(Current& current, Group& group);

@@ -106,7 +106,7 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
   const int number = static_cast<int>(m_sources.size());
   const bool isOwn =
       m_isPerturbation || kind.lasting == Kind::Lasting::OwnStep || !loadCase.IsNull();
-  m_sources.push_back({record, &kind, loadCase, m_step, isOwn ? m_step : kOpen, 0, {}});
+  m_sources.push_back({record, &kind, loadCase, m_step, isOwn ? m_step : kOpen});
   const long long key = KeyOf(kind, variable);
   const unsigned long long place = loadCase.IsNull() ? 0 : loadCase.Object().Packed();
   Family& family = (isOwn ? m_own[place] : m_families)[key];
@@ -163,13 +163,23 @@ bool inpS_InForce::Survey(Arrival& arrival) {
   const cow_String part = arrival.kind.PartOf(arrival.record.DataRecord());
   Uniqueness uniqueness;
   inpS_ConditionRow row;
-  while (rows.Next(row)) {
+  bool namesRegions = false;
+  for (long long n = 0; rows.Next(row); ++n) {
     if (row.degrees == 0) continue;
-    const auto place = static_cast<std::size_t>(row.label + 1);
-    if (place >= arrival.keys.size()) arrival.keys.resize(place + 1);
-    if (arrival.keys[place].empty()) arrival.keys[place] = part + rows.Label(row.label);
+    const auto look = static_cast<std::size_t>(row.look);
+    if (look >= source.looks.size()) source.looks.resize(look + 1);
+    Source::Rows& alike = source.looks[look];
+    if (alike.count++ == 0) {
+      alike.first = row;
+      alike.firstRow = n;
+      const auto place = static_cast<std::size_t>(row.label + 1);
+      if (place >= arrival.keys.size()) arrival.keys.resize(place + 1);
+      if (arrival.keys[place].empty()) arrival.keys[place] = part + rows.Label(row.label);
+    }
+    namesRegions |= row.target < 0;
     uniqueness.Take(row);
   }
+  if (namesRegions) source.looks = {};
   arrival.buckets.resize(arrival.keys.size());
   return uniqueness.MayMeet();
 }
@@ -346,6 +356,14 @@ void inpS_InForce::Take(int source, long long row, uint64_t degrees, int node,
 inpS_InForce::Pieces::Pieces(inpS_InForce& all) : m_all(all) {
   std::ranges::stable_sort(
       m_all.m_cuts, {}, [](const Cut& cut) { return std::tuple(cut.source, cut.row, cut.step); });
+}
+
+bool inpS_InForce::Pieces::AreWhole(std::size_t source) {
+  const cow_List<Cut>& cuts = m_all.m_cuts;
+  const auto sourceOf = [](const Cut& cut) { return static_cast<std::size_t>(cut.source); };
+  while (m_next < cuts.size() && sourceOf(cuts[m_next]) < source) ++m_next;
+  return (m_next == cuts.size() || sourceOf(cuts[m_next]) > source) &&
+         m_all.m_sources[source].gaps.empty();
 }
 
 const cow_List<inpS_InForce::Piece>* inpS_InForce::Pieces::Of(std::size_t source, long long row,

@@ -22,7 +22,14 @@ public:
     int firstStep;
     int lastStep = kOpen;
     long long rows = 0;
-    cow_List<int> gaps; // perturbation steps that take all of it back
+    cow_List<int> gaps{}; // perturbation steps that take all of it back
+    // Its rows that can act, by look; where all are about one node or element each.
+    struct Rows {
+      inpS_ConditionRow first;
+      long long firstRow = 0;
+      long long count = 0;
+    };
+    cow_List<Rows> looks{};
   };
   // The first of several values holds: where a later row of the same keyword gave another one.
   struct Duplicate {
@@ -58,6 +65,8 @@ public:
     explicit Pieces(inpS_InForce& all);
     const cow_List<Piece>* Of(std::size_t source, long long row, const inpS_ConditionRow& what,
                               inpS_ConditionTargets& targets);
+    // No row of the source ends before it does.
+    bool AreWhole(std::size_t source);
 
   private:
     void Build(std::size_t source, const inpS_ConditionRow& what, std::size_t end,
