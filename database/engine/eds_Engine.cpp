@@ -209,15 +209,15 @@ void eds_Engine::BackToMark() {
   m_hasMark = false;
 }
 
-void eds_Engine::GatherCommit() {
-  if (!m_inPhysical) return;
+bool eds_Engine::GatherCommit() {
+  if (!m_inPhysical) return false;
   if (m_hasMark) {
     if (m_release == nullptr) m_release = &Prepare("RELEASE logical");
     m_release->Run();
     m_hasMark = false;
   }
   m_holdsCommits = true;
-  if (Clock::now() - m_physicalSince >= s_gatherTime) CommitPhysical();
+  return Clock::now() - m_physicalSince >= s_gatherTime;
 }
 
 void eds_Engine::CommitPhysical() {
@@ -301,20 +301,29 @@ void eds_Statement::Prepare() {
   utl_ASSERT(m_engine->m_database != nullptr);
   Check(sqlite3_prepare_v3(m_engine->m_database, m_sql.c_str(), static_cast<int>(m_sql.size()) + 1,
                            SQLITE_PREPARE_PERSISTENT, &m_statement, nullptr));
+  m_isNull.assign(static_cast<size_t>(sqlite3_bind_parameter_count(m_statement)) + 1, true);
+}
+
+void eds_Statement::SetNull(int parameter, bool isNull) {
+  const auto place = static_cast<size_t>(parameter);
+  if (place < m_isNull.size()) m_isNull[place] = isNull;
 }
 
 void eds_Statement::Bind(int parameter, int64_t value) {
   if (m_statement == nullptr) Prepare();
+  SetNull(parameter, false);
   Check(sqlite3_bind_int64(m_statement, parameter, value));
 }
 
 void eds_Statement::Bind(int parameter, double value) {
   if (m_statement == nullptr) Prepare();
+  SetNull(parameter, false);
   Check(sqlite3_bind_double(m_statement, parameter, value));
 }
 
 void eds_Statement::BindText(int parameter, std::string_view value) {
   if (m_statement == nullptr) Prepare();
+  SetNull(parameter, false);
   const char* text = value.empty() ? "" : value.data();
   Check(
       sqlite3_bind_text64(m_statement, parameter, text, value.size(), SQLITE_STATIC, SQLITE_UTF8));
@@ -322,12 +331,16 @@ void eds_Statement::BindText(int parameter, std::string_view value) {
 
 void eds_Statement::BindBytes(int parameter, std::span<const std::byte> value) {
   if (m_statement == nullptr) Prepare();
+  SetNull(parameter, false);
   if (value.empty()) return Check(sqlite3_bind_zeroblob(m_statement, parameter, 0));
   Check(sqlite3_bind_blob64(m_statement, parameter, value.data(), value.size(), SQLITE_STATIC));
 }
 
 void eds_Statement::BindNull(int parameter) {
   if (m_statement == nullptr) Prepare();
+  const auto place = static_cast<size_t>(parameter);
+  if (place < m_isNull.size() && m_isNull[place]) return;
+  SetNull(parameter, true);
   Check(sqlite3_bind_null(m_statement, parameter));
 }
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <span>
 #include <string_view>
+#include <vector>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -50,11 +51,13 @@ private:
   void Prepare();
   void Begin(); // a run of the statement
   void Check(int code) const;
+  void SetNull(int parameter, bool isNull);
 
   eds_Engine* m_engine;
   cow_String m_sql;
   sqlite3_stmt* m_statement = nullptr;
   bool m_runs = false;
+  std::vector<bool> m_isNull; // of its parameters, which keep their values from run to run
 };
 
 enum class eds_OpenMode { New, ReadOnly, Durable, Memory };
@@ -96,7 +99,8 @@ public:
   // A place inside the physical transaction to come back to: whole logical ones stand before it.
   void SetMark();
   void BackToMark();
-  void GatherCommit(); // ends the mark
+  bool GatherCommit(); // ends the mark; true: it is time for a physical one
+  static bool Gathers() { return s_gatherTime.count() > 0; }
   void CommitPhysical();
   void RollbackPhysical();
   // How long logical commits are gathered, for all engines; 0: each one becomes physical.

@@ -183,6 +183,7 @@ void eds_RowTable::Forget() {
   m_words = {};
   m_flags = {};
   m_texts = {};
+  m_waiting = {};
   m_removedCount = 0;
   m_loaded = false;
   SettleAll();
@@ -325,10 +326,9 @@ void eds_RowTable::LoadField(eds_Statement& row, int column, int64_t id, int fie
   words[field + 1] = word;
 }
 
-eds_Statement& eds_RowTable::InsertStatement() {
-  if (m_insert != nullptr) return *m_insert;
+cow_String eds_RowTable::InsertText(int rows) const {
   cow_String columns = "id";
-  cow_String values = "?";
+  cow_String values = "(?";
   for (const eds_FieldInfo& field : m_info.fields) {
     if (field.type == eds_FieldType::AnyRef) {
       columns += ", " + eds_sqlName(cow_String(field.column) + "_kind");
@@ -337,9 +337,11 @@ eds_Statement& eds_RowTable::InsertStatement() {
     columns += ", " + eds_sqlName(field.column);
     values += ", ?";
   }
-  m_insert = &m_engine.Prepare("INSERT OR REPLACE INTO " + eds_sqlName(m_info.table) + " (" +
-                               columns + ") VALUES (" + values + ")");
-  return *m_insert;
+  values += ")";
+  cow_String text =
+      "INSERT OR REPLACE INTO " + eds_sqlName(m_info.table) + " (" + columns + ") VALUES " + values;
+  for (int row = 1; row < rows; ++row) text += ", " + values;
+  return text;
 }
 
 void eds_RowTable::BindField(eds_Statement& statement, int& parameter, int64_t id, int field) {
@@ -373,8 +375,13 @@ void eds_RowTable::BindField(eds_Statement& statement, int& parameter, int64_t i
   }
 }
 
-void eds_RowTable::MakeTable(int64_t id) {
-  if (m_hasTable || (m_flags[Row(id)] & removed) != 0) return;
+void eds_RowTable::Wait(int64_t id) {
+  m_waiting.push_back(id);
+}
+
+void eds_RowTable::MakeTable() {
+  const auto isThere = [this](int64_t id) { return Has(id); };
+  if (m_hasTable || std::ranges::none_of(m_waiting, isThere)) return;
   if (m_stored.empty()) {
     eds_createTable(m_engine, m_info);
   } else {
@@ -383,21 +390,34 @@ void eds_RowTable::MakeTable(int64_t id) {
   m_hasTable = true;
 }
 
-void eds_RowTable::Write(int64_t id) {
-  const uint8_t flags = m_flags[Row(id)];
-  if ((flags & removed) != 0) {
-    if ((flags & unwritten) == 0) {
-      if (m_delete == nullptr)
-        m_delete = &m_engine.Prepare("DELETE FROM " + eds_sqlName(m_info.table) + " WHERE id = ?");
-      m_delete->Bind(1, id);
-      m_delete->Run();
-    }
-  } else {
-    eds_Statement& insert = InsertStatement();
-    int parameter = 1;
-    insert.Bind(parameter++, id);
-    const int fields = static_cast<int>(m_info.fields.size());
-    for (int field = 0; field < fields; ++field) BindField(insert, parameter, id, field);
-    insert.Run();
+// A statement costs the engine more than a row does.
+void eds_RowTable::Write() {
+  constexpr size_t many = 16;
+  if (!std::ranges::is_sorted(m_waiting)) std::ranges::sort(m_waiting);
+  m_waiting.erase(std::ranges::unique(m_waiting).begin(), m_waiting.end());
+  const auto removedOnes = std::ranges::stable_partition(
+      m_waiting, [this](int64_t id) { return (m_flags[Row(id)] & removed) == 0; });
+  for (const int64_t id : removedOnes) Delete(id);
+  std::span<const int64_t> left(m_waiting.data(), m_waiting.size() - removedOnes.size());
+  for (; left.size() >= many; left = left.subspan(many)) Insert(m_insertMany, left.first(many));
+  for (; !left.empty(); left = left.subspan(1)) Insert(m_insert, left.first(1));
+  m_waiting.clear();
+}
+
+void eds_RowTable::Insert(eds_Statement*& statement, std::span<const int64_t> ids) {
+  if (statement == nullptr) statement = &m_engine.Prepare(InsertText(static_cast<int>(ids.size())));
+  const int fields = static_cast<int>(m_info.fields.size());
+  int parameter = 1;
+  for (const int64_t id : ids) {
+    statement->Bind(parameter++, id);
+    for (int field = 0; field < fields; ++field) BindField(*statement, parameter, id, field);
   }
+  statement->Run();
+}
+
+void eds_RowTable::Delete(int64_t id) {
+  if (m_delete == nullptr)
+    m_delete = &m_engine.Prepare("DELETE FROM " + eds_sqlName(m_info.table) + " WHERE id = ?");
+  m_delete->Bind(1, id);
+  m_delete->Run();
 }

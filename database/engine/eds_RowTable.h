@@ -3,6 +3,7 @@
 #include "database/engine/eds_Engine.h"
 #include "database/schema/eds_Schema.h"
 #include <deque>
+#include <span>
 #include <vector>
 
 // The records of one kind in memory: a flat array of words, one row after the other. Row n has id
@@ -46,11 +47,13 @@ public:
   const eds_FieldInfo& Field(int field) const;
 
   // ---- the file
-  void Load();                // all rows; replaces what is in memory
-  void MakeTable(int64_t id); // and its columns, before a dirty row is written
-  void Write(int64_t id);     // one dirty row
-  void Settle(int64_t id);    // one dirty row is committed
-  void Undo();                // back to what is committed
+  void Load();             // all rows; replaces what is in memory
+  void Settle(int64_t id); // one dirty row is committed
+  void Wait(int64_t id);   // and will be written
+  bool Waits() const { return !m_waiting.empty(); }
+  void MakeTable(); // and its columns, before what waits is written
+  void Write();     // what waits, as it is now
+  void Undo();      // back to what is committed
   bool IsLoaded() const { return m_loaded; }
   void SetEmpty(); // a new file: nothing to load
   void Forget();   // what is in memory; it is loaded again when asked for
@@ -83,7 +86,9 @@ private:
   std::string& PoolText(int64_t id, int field);
   size_t AppendRow();
 
-  eds_Statement& InsertStatement();
+  cow_String InsertText(int rows) const;
+  void Insert(eds_Statement*& statement, std::span<const int64_t> ids);
+  void Delete(int64_t id);
   int64_t MostMissing();
   void LoadRows();
   int64_t LoadRow(eds_Statement& row, const std::vector<int>& columnOf);
@@ -101,9 +106,11 @@ private:
   int64_t m_removedCount = 0;
   bool m_loaded = false;
   std::vector<Before> m_before;
+  std::vector<int64_t> m_waiting;
   Extent m_settled;
   std::vector<cow_String> m_stored;
   bool m_hasTable = false; // with all our columns
   eds_Statement* m_insert = nullptr;
+  eds_Statement* m_insertMany = nullptr;
   eds_Statement* m_delete = nullptr;
 };

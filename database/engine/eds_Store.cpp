@@ -246,6 +246,7 @@ void eds_Store::Close() {
     Abandon();
   } else if (!IsReadOnly() && !m_engine.HasFailed() && m_temporary.empty()) {
     RemoveTempDistributions();
+    Flush();
     m_engine.CommitPhysical();
     DropJournal();
   }
@@ -296,7 +297,8 @@ void eds_Store::WriteMeta() {
 
 // ---- transactions
 
-void eds_Store::Flush() {
+// What a transaction changed is committed; its rows are written later, with those of others.
+void eds_Store::Settle() {
   if (m_dirty.empty() && !m_metaChanged && !m_wroteChunks) return;
   std::string& finished = m_meta[finishedKey];
   if (finished == "1") {
@@ -307,10 +309,8 @@ void eds_Store::Flush() {
     m_engine.RequireWorking();
   } else {
     m_engine.BeginWrite();
-    // Tables before rows: each new one has the engine prepare its statements again.
-    for (const eds_RowTable::Dirty& row : m_dirty) row.table->MakeTable(row.id);
-    for (const eds_RowTable::Dirty& row : m_dirty) row.table->Write(row.id);
-    if (m_metaChanged) WriteMeta();
+    for (const eds_RowTable::Dirty& row : m_dirty) row.table->Wait(row.id);
+    m_waiting += m_dirty.size();
   }
   for (const eds_RowTable::Dirty& row : m_dirty) row.table->Settle(row.id);
   m_dirty.clear();
@@ -318,16 +318,39 @@ void eds_Store::Flush() {
   m_wroteChunks = false;
 }
 
+// Table by table, so that what a file looks like depends on its content alone.
+void eds_Store::WriteWaiting() {
+  if (IsInMemory() || (m_waiting == 0 && !m_metaChanged)) return;
+  m_engine.BeginWrite();
+  // Tables before rows: each new one has the engine prepare its statements again.
+  for (eds_RowTable& table : m_tables)
+    if (table.Waits()) table.MakeTable();
+  for (eds_RowTable& table : m_tables)
+    if (table.Waits()) table.Write();
+  m_waiting = 0;
+  if (m_metaChanged) WriteMeta();
+}
+
+void eds_Store::Flush() {
+  Settle();
+  WriteWaiting();
+}
+
 void eds_Store::Commit() {
+  constexpr size_t manyRows = 2048;
   utl_ASSERT(m_depth > 0);
   if (--m_depth > 0) return;
   try {
-    Flush();
+    Settle();
     // Without a file, what the engine has and what is in memory stay together.
-    if (IsInMemory())
+    if (IsInMemory()) {
       m_engine.CommitPhysical();
-    else
-      m_engine.GatherCommit();
+    } else {
+      const bool isTime = m_engine.GatherCommit();
+      // By their number and not by the clock: a deck gives the same file again.
+      if (m_waiting >= manyRows || !m_engine.Gathers()) WriteWaiting();
+      if (isTime && m_waiting == 0) m_engine.CommitPhysical();
+    }
     m_lastingTempDistributions = m_tempDistributions.size();
   } catch (...) {
     m_engine.MarkFailed();
@@ -367,6 +390,7 @@ void eds_Store::UndoAll() {
 
 void eds_Store::ForgetAll() {
   m_dirty.clear();
+  m_waiting = 0;
   for (eds_RowTable& table : m_tables) table.Forget();
   m_links.Forget();
   m_csets.clear();

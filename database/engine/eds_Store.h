@@ -98,6 +98,8 @@ private:
   void UndoAll();
   void StartEmpty();
   void LoadMeta();
+  void Settle();
+  void WriteWaiting();
   void Flush();
   void WriteMeta();
   bool IsInMemory() const { return m_engine.Mode() == eds_OpenMode::Memory; }
@@ -119,7 +121,8 @@ private:
 
   eds_Engine m_engine;
   eds_ChunkStore m_chunks;
-  std::vector<eds_RowTable::Dirty> m_dirty;
+  std::vector<eds_RowTable::Dirty> m_dirty; // of the open transaction
+  size_t m_waiting = 0;                     // rows that are committed and not written yet
   std::deque<eds_RowTable> m_tables;
   std::vector<eds_RowTable*> m_byKind;
   eds_LinkIndex m_links;
