@@ -6,6 +6,7 @@
 #include "database/eds_Exception.h"
 #include "database/eds_ModelReader.h"
 #include "tests/database/TemporaryFolder.h"
+#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
 #include <sstream>
@@ -340,6 +341,39 @@ TEST(Store, CollectionsAndSymbols) {
   EXPECT_EQ(document.GetCMembersFromDynamicIDs(document.GetMaterialCollection(), {1, 7}),
             (std::vector<int32_t>{-1, -1}));
   transaction.Commit();
+}
+
+// Committed rows wait and are written by the table, many at a time: what a later transaction
+// changes, removes or gives up of those that wait, and fields that only some rows have.
+TEST(Store, RowsThatWaitAreWrittenAsTheyAre) {
+  constexpr int rows = 5003;
+  const TemporaryFolder folder;
+  KvoObjDocument document = KvoObjDocument::Create(folder / "m.sim", KvoSize::Small);
+  std::vector<KvoSimPosition> made;
+  const auto change = [&](int n, const std::function<void(KvoSimPosition)>& how, bool commits) {
+    KvoSimTransaction transaction(document.ContextID());
+    how(made[static_cast<size_t>(n)]);
+    if (commits) transaction.Commit();
+  };
+  for (int n = 0; n < rows; ++n) {
+    KvoSimTransaction transaction(document.ContextID());
+    KvoSimPosition record = document.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
+    if (n % 3 != 0) record.DataRecord().SetString(eds_VerbatimKeyword_Text, std::to_string(n));
+    if (n % 5 != 0) record.DataRecord().SetInt(eds_VerbatimKeyword_Position, n);
+    transaction.Commit();
+    made.push_back(record);
+    const auto setBlock = [&](KvoSimPosition at) {
+      at.DataRecord().SetInt(eds_VerbatimKeyword_Block, n);
+    };
+    if (n % 7 == 6) change(n - 5, setBlock, true);
+    if (n % 11 == 10) change(n - 3, setBlock, false);
+    if (n % 13 == 12)
+      change(
+          n - 12, [](KvoSimPosition at) { at.Remove(); }, true);
+  }
+  const std::string before = walk(document);
+  document.Close();
+  EXPECT_EQ(walk(KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadOnly)), before);
 }
 
 TEST(Store, ServicesGiveBackWhatTheyWereGiven) {
