@@ -393,12 +393,14 @@ void eds_RowTable::MakeTable() {
 // A statement costs the engine more than a row does.
 void eds_RowTable::Write() {
   constexpr size_t many = 16;
-  if (!std::ranges::is_sorted(m_waiting)) std::ranges::sort(m_waiting);
-  m_waiting.erase(std::ranges::unique(m_waiting).begin(), m_waiting.end());
-  const auto removedOnes = std::ranges::stable_partition(
-      m_waiting, [this](int64_t id) { return (m_flags[Row(id)] & removed) == 0; });
-  for (const int64_t id : removedOnes) Delete(id);
-  std::span<const int64_t> left(m_waiting.data(), m_waiting.size() - removedOnes.size());
+  if (!std::is_sorted(m_waiting.begin(), m_waiting.end()))
+    std::sort(m_waiting.begin(), m_waiting.end());
+  m_waiting.erase(std::unique(m_waiting.begin(), m_waiting.end()), m_waiting.end());
+  const auto gone = std::stable_partition(m_waiting.begin(), m_waiting.end(),
+                                          [this](int64_t id) { return Has(id); });
+  std::for_each(gone, m_waiting.end(), [this](int64_t id) { Delete(id); });
+  m_waiting.erase(gone, m_waiting.end());
+  std::span<const int64_t> left(m_waiting);
   for (; left.size() >= many; left = left.subspan(many)) Insert(m_insertMany, left.first(many));
   for (; !left.empty(); left = left.subspan(1)) Insert(m_insert, left.first(1));
   m_waiting.clear();

@@ -229,9 +229,9 @@ void inpS_InForce::Insert(Bucket& bucket, int source, long long row, const Regio
     const auto gone = lost.find(node);
     const uint64_t left = gone == lost.end() ? degrees : degrees & ~gone->second;
     if (left == 0) return;
-    const auto [head, isNew] = bucket.heads.try_emplace(node, -1);
-    bucket.entries.push_back({source, head->second, row, left});
-    head->second = static_cast<int>(bucket.entries.size()) - 1;
+    Bucket::Head& head = bucket.heads[node];
+    bucket.entries.push_back({source, head.entry, row, left});
+    head.entry = static_cast<int>(bucket.entries.size()) - 1;
   };
   if (!region.members) return enter(region.point);
   const long long size = region.members->Size();
@@ -275,7 +275,7 @@ void inpS_InForce::Meet(Bucket& bucket, Arrival& arrival, const Region& region) 
   }
   for (std::size_t n = 0, count = bucket.large.size(); n < count; ++n) {
     const uint64_t degrees = bucket.large[n].degrees & arrival.what.degrees;
-    if (degrees == 0) continue;
+    if (degrees == 0 || AddsUp(arrival, bucket.large[n].source)) continue;
     const eds_MemberSet both = intersection(bucket.large[n].members, members);
     if (!both.IsEmpty() && Hit(arrival, bucket.large[n], -1, &both))
       TakeFrom(bucket, n, degrees, both);
@@ -302,7 +302,9 @@ void inpS_InForce::Settle(Bucket& bucket) {
 void inpS_InForce::MeetPoint(Bucket& bucket, Arrival& arrival, int node) {
   const auto head = bucket.heads.find(node);
   if (head == bucket.heads.end()) return;
-  int* link = &head->second;
+  if (arrival.kind.twice == Kind::Twice::Add && !HasOld(bucket, head->second, arrival.what.degrees))
+    return;
+  int* link = &head->second.entry;
   while (*link >= 0) {
     Entry& entry = bucket.entries[static_cast<std::size_t>(*link)];
     Hit(arrival, entry, node, nullptr);
@@ -311,6 +313,28 @@ void inpS_InForce::MeetPoint(Bucket& bucket, Arrival& arrival, int node) {
     else
       link = &entry.next;
   }
+}
+
+// Of what adds up a step may have many on a node: they are not met one by one.
+bool inpS_InForce::HasOld(const Bucket& bucket, Bucket::Head& head, uint64_t degrees) const {
+  if (head.step != m_step) {
+    head.step = m_step;
+    head.old = 0;
+    for (int entry = head.entry; entry >= 0;) {
+      const Entry& one = bucket.entries[static_cast<std::size_t>(entry)];
+      if (m_sources[static_cast<std::size_t>(one.source)].firstStep < m_step)
+        head.old |= one.degrees;
+      entry = one.next;
+    }
+  }
+  const bool isAny = (head.old & degrees) != 0;
+  head.old &= ~degrees;
+  return isAny;
+}
+
+bool inpS_InForce::AddsUp(const Arrival& arrival, int source) const {
+  return arrival.kind.twice == Kind::Twice::Add &&
+         m_sources[static_cast<std::size_t>(source)].firstStep == m_step;
 }
 
 // True: the other one loses it for good.
@@ -322,7 +346,7 @@ bool inpS_InForce::Hit(Arrival& arrival, Other& other, int node, const eds_Membe
   const Source& source = m_sources[static_cast<std::size_t>(other.source)];
   const Twice twice = arrival.kind.twice;
   const bool isSame = other.source == arrival.number;
-  if (source.firstStep == m_step && twice == Twice::Add) return false;
+  if (AddsUp(arrival, other.source)) return false;
   if (isSame && twice == Twice::First) {
     if (other.row == arrival.row ||
         arrival.values[static_cast<std::size_t>(other.row)] == arrival.what.value)

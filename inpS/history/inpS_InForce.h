@@ -102,7 +102,12 @@ private:
   // The rows of one kind and label: which of them name a node.
   struct Bucket {
     cow_List<int> waiting; // sources that are not indexed yet
-    std::unordered_map<int, int> heads;
+    struct Head {
+      int entry = -1;
+      int step = -1;    // in which `old` was found
+      uint64_t old = 0; // degrees that earlier steps gave it and this one has not met
+    };
+    std::unordered_map<int, Head> heads;
     cow_List<Entry> entries;
     cow_List<Large> large;
     int oldest = kOpen; // step of the first one
@@ -124,6 +129,8 @@ private:
               const Lost& lost);
   void Meet(Bucket& bucket, Arrival& arrival, const Region& region);
   void MeetPoint(Bucket& bucket, Arrival& arrival, int node);
+  bool HasOld(const Bucket& bucket, Bucket::Head& head, uint64_t degrees) const;
+  bool AddsUp(const Arrival& arrival, int source) const;
   static void InsertLarge(Bucket& bucket, Large large, const Lost& lost);
   static void TakeFrom(Bucket& bucket, std::size_t large, uint64_t degrees,
                        const eds_MemberSet& gone);
