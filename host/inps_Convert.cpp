@@ -42,13 +42,8 @@ cow_String describeJob(const inps_Session& session, const inps_Arguments& argume
   job.force = arguments.Has(inps_Opt::Force);
   job.salvage = arguments.Has(inps_Opt::Salvage);
   job.base = arguments.ValueOf(inps_Opt::Restart);
-  if (arguments.ValueOf(inps_Opt::Output) == inps_dash) {
-    if (arguments.Has(inps_Opt::Json))
-      return "the model and \"--json\" cannot both go to standard output";
-    if (session.isOutTerminal)
-      return "a model is no text, and standard output is a terminal; \"-o FILE\" names a file";
-    return {};
-  }
+  if (arguments.ValueOf(inps_Opt::Output) == inps_dash)
+    return inps_faultOfModelOutput(session, arguments);
   const bool isUnnamed = job.deck == inps_dash && job.base.empty();
   if (arguments.Has(inps_Opt::Output)) {
     job.target = arguments.PathOf(inps_Opt::Output);

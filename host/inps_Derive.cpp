@@ -113,13 +113,8 @@ private:
 
 // A usage fault in words, empty when all is well.
 cow_String faultOf(const inps_Session& session, const inps_Arguments& arguments) {
-  if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) == inps_dash) {
-    if (arguments.Has(inps_Opt::Json))
-      return "the model and \"--json\" cannot both go to standard output";
-    if (session.isOutTerminal)
-      return "a model is no text, and standard output is a terminal; \"-o FILE\" names a file";
-    return {};
-  }
+  if (arguments.Has(inps_Opt::Output) && arguments.ValueOf(inps_Opt::Output) == inps_dash)
+    return inps_faultOfModelOutput(session, arguments);
   if (arguments.Operands()[0] == inps_dash && !arguments.Has(inps_Opt::Output))
     return "what comes from standard input has no name for its model; \"-o FILE\" gives it one";
   return {};

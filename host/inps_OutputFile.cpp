@@ -3,7 +3,9 @@
 #include "base/utl_File.h"
 #include "base/utl_FileUnderWay.h"
 #include "base/utl_Stream.h"
+#include "host/inps_Arguments.h"
 #include "host/inps_ReadFiles.h"
+#include "host/inps_Session.h"
 #include <optional>
 
 void inps_writeFile(const std::filesystem::path& path, bool force, const inps_ReadFiles& read,
@@ -48,4 +50,12 @@ void inps_requireFree(const std::filesystem::path& target, bool force) {
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
     throw utl_FileException("cannot write", target, "it is a device or a pipe");
   if (!force) throw utl_FileException("cannot write", target, "it exists; --force replaces it");
+}
+
+cow_String inps_faultOfModelOutput(const inps_Session& session, const inps_Arguments& arguments) {
+  if (arguments.Has(inps_Opt::Json))
+    return "the model and \"--json\" cannot both go to standard output";
+  if (session.isOutTerminal)
+    return "a model is no text, and standard output is a terminal; \"-o FILE\" names a file";
+  return {};
 }

@@ -396,6 +396,8 @@ TEST_F(Shell, ADashIsStandardInputOrOutput) {
   ASSERT_EQ(ProgramRun({"export", model, File("m.vtu"), "-q"}).exitCode, 0);
   EXPECT_TRUE(mesh == readFile(m_folder / "m.vtu"));
   EXPECT_TRUE(runOn(model, {"plot", "-", "-o", "-"}).out.starts_with("<!"));
+  Deck("derived.sim", runOn(model, {"derive", "-", "-o", "-"}).out);
+  EXPECT_EQ(ProgramRun({"diff", model, File("derived.sim")}).exitCode, 0);
   const cow_String more = Deck("next.inp", "*AMPLITUDE, NAME=B\n0., 1.\n");
   EXPECT_EQ(
       runOn(model, {"convert", more, "--restart", "-", "-o", File("next.sim"), "-q"}).exitCode, 0);
