@@ -71,7 +71,7 @@ void eds_LinkIndex::Append(List& list, int64_t link) {
   if (list.byKey) {
     list.byKey->emplace(KeyOf(link), link);
   } else if (list.links.size() >= longList && HasUniqueKeys(link)) {
-    list.byKey = std::make_unique<std::unordered_map<std::string, int64_t>>();
+    list.byKey = std::make_unique<KeyMap>();
     for (int64_t each : list.links)
       if (each > 0) list.byKey->emplace(KeyOf(each), each);
   }
@@ -97,7 +97,7 @@ void eds_LinkIndex::RemoveIn(List& list, int64_t link) {
 
 int64_t eds_LinkIndex::FindIn(const List& list, std::string_view key) const {
   if (list.byKey) {
-    const auto found = list.byKey->find(std::string(key));
+    const auto found = list.byKey->find(key);
     return found != list.byKey->end() ? found->second : 0;
   }
   for (int64_t link : list.links)

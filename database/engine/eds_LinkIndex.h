@@ -4,17 +4,23 @@
 #include <bitset>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 // The links of all objects, found by owner and member. The links themselves are rows; this is the
 // way to them. Built when first asked for.
 class eds_LinkIndex {
 public:
+  struct TextHash { // looked up without a copy of the text
+    using is_transparent = void;
+    size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+  };
+  using KeyMap = std::unordered_map<std::string, int64_t, TextHash, std::equal_to<>>;
   struct List {
     std::vector<int64_t> links; // row ids, in order of entering, which is their own
     // Key (text, 8 bytes of a number, 8 bytes of a target) to row id; kept for lists that have
     // been long, unless a key may come twice. Most lists are one link long, and there are many.
-    std::unique_ptr<std::unordered_map<std::string, int64_t>> byKey;
+    std::unique_ptr<KeyMap> byKey;
     // Removed links stand negative in their places until the list is asked for.
     size_t removed = 0;
   };
