@@ -8,8 +8,6 @@
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
-#include "inpS/materials/inpS_MaterialVisitor.h"
-#include "inpS/mesh/inpS_MeshVisitor.h"
 #include "inpS/messages/inpS_MessageContainer.h"
 #include "inpS/sets/inpS_SurfaceVisitor.h"
 #include "parser/inp_KeywordExpansionVisitor.h"
@@ -114,25 +112,10 @@ void inpS_Inp2Sim::Print(aio_ostream& out) const {
   for (const inp_Keyword& keyword : m_keywords) keyword.Print(out);
 }
 
-cow_List<inp_KeywordEnm> inpS_Inp2Sim::ModelledKinds(bool restart) {
-  cow_List<inp_KeywordEnm> kinds = {inp_KwHeading,     inp_KwPart,        inp_KwEndPart,
-                                    inp_KwAssembly,    inp_KwEndAssembly, inp_KwInstance,
-                                    inp_KwEndInstance, inp_KwParameter,   inp_KwInclude,
-                                    inp_KwAmplitude,   inp_KwSurface};
-  if (!restart) { // a restart goes on with the materials of its model
-    const cow_List<inp_KeywordEnm> materials = inpS_MaterialVisitor::ModelledKinds();
-    kinds.insert(kinds.end(), materials.begin(), materials.end());
-  }
-  const cow_List<inp_KeywordEnm>& mesh = inpS_MeshVisitor::ModelledKinds();
-  kinds.insert(kinds.end(), mesh.begin(), mesh.end());
-  return kinds;
-}
-
 cow_List<inp_KeywordEnm> inpS_Inp2Sim::CoveredKinds() {
-  cow_List<inp_KeywordEnm> kinds = ModelledKinds();
+  cow_List<inp_KeywordEnm> kinds = inpS_ownKeywords();
   const cow_List<inp_KeywordEnm>& forms = inpS_FormTable::Instance().Keywords();
   kinds.insert(kinds.end(), forms.begin(), forms.end());
-  kinds.push_back(inp_KwEndStep); // the step's record says it
   return kinds;
 }
 
@@ -142,7 +125,7 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::CoveredKinds() {
 // does what a restart learned of its base.
 void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
   m_surfaceVisitor.reset();
-  m_ledger.Clear();
+  m_ledger.Open(m_keywords.size());
   m_notModelled.clear();
   m_boundaries = {};
   m_meshLeftOut = false;
@@ -158,7 +141,7 @@ bool inpS_Inp2Sim::Derive() {
 }
 
 void inpS_Inp2Sim::End() {
-  m_ledger.Clear();
+  m_ledger.Close();
   ListUnreadParameters();
 }
 

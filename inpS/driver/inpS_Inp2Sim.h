@@ -64,8 +64,8 @@ public:
   bool IsMeshLeftOut() const { return m_meshLeftOut; }
   // The keyword kinds of which some phase makes records, wholly or in some of their variants.
   static cow_List<inp_KeywordEnm> CoveredKinds();
-  // Those whose phases do not enter in the ledger what they leave as text.
-  static cow_List<inp_KeywordEnm> ModelledKinds(bool restart = false);
+  // After a conversion: those of which some keyword was taken.
+  const inpS_Ledger::Kinds& TakenKinds() const { return m_ledger.TakenKinds(); }
   // Lays the deck's digest and name into the database's own description.
   static void DescribeSource(const KvoObjDocument& document, const cow_String& deckPath,
                              const cow_String& deckName = {});
@@ -91,14 +91,13 @@ private:
   bool ProcessModel();
   bool ProcessAssembly();
   void ListUnreadParameters();
-  bool KeepVerbatim(bool restart); // the keywords that no phase converts
+  bool KeepVerbatim(bool restart); // the keywords that nobody has taken
   bool ReadNodeLabeler(Labelers& labelers);
   bool ReadElementLabeler(Labelers& labelers);
   bool ProcessAmplitudes();
   bool ProcessMaterials();
   bool ProcessConnectorBehaviors();
   void RaiseDimensions(const inpS_MeshVisitor& mesh);
-  void KeepTextOf(const inpS_MeshVisitor& mesh);
   bool ReadMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh);
   bool ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh);
   bool ProcessMesh(Labelers& labelers);

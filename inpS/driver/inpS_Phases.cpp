@@ -162,26 +162,24 @@ bool Driver::InitializeSIM(const KvoObjDocument& document, const cow_String& mod
 }
 
 bool Driver::ProcessModel() {
-  inpS_ModelVisitor visitor(m_inventory);
+  inpS_ModelVisitor visitor(m_inventory, m_ledger);
   visitor.VisitListAndReport(m_keywords);
   return !visitor.IsError();
 }
 
 bool Driver::ProcessAssembly() {
-  inpS_AssemblyVisitor visitor(m_inventory);
+  inpS_AssemblyVisitor visitor(m_inventory, m_ledger);
   visitor.VisitList(m_keywords);
-  visitor.ReportUnreferredParameters(m_keywords,
-                                     {inp_KwPart, inp_KwAssembly, inp_KwInstance, inp_KwHeading});
+  visitor.ReportUnreferredParameters(m_keywords, inpS_ownKeywords(inpS_Subject::Skeleton));
   visitor.Report();
   return !visitor.IsError();
 }
 
 bool Driver::KeepVerbatim(bool restart) {
-  inpS_VerbatimVisitor visitor(m_inventory, ModelledKinds(restart));
-  visitor.SetLedger(&m_ledger);
+  inpS_VerbatimVisitor visitor(m_inventory, m_ledger);
   if (restart) {
     visitor.ContinuePositions();
-    visitor.RefuseNewOwners(m_keywords);
+    visitor.SettleSkeleton(m_keywords);
   }
   visitor.VisitListAndReport(m_keywords);
   m_notModelled = visitor.AllKept();
@@ -198,29 +196,23 @@ bool Driver::ReadElementLabeler(Labelers& labelers) {
   labelers.elements.emplace(m_document, 1);
   labelers.elements->Read();
   m_surfaceVisitor.reset();
-  m_surfaceVisitor =
-      std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements, m_inventory);
+  m_surfaceVisitor = std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements,
+                                                           m_inventory, m_ledger);
   return true;
 }
 
 // ---- model data
 
 bool Driver::ProcessAmplitudes() {
-  inpS_AmplitudeVisitor visitor(m_inventory);
-  visitor.VisitList(m_keywords);
-  visitor.ReportUnreferredParameters(m_keywords, {inp_KwAmplitude});
-  visitor.Report();
-  m_ledger.Add(visitor.KeptAsText());
+  inpS_AmplitudeVisitor visitor(m_inventory, m_ledger);
+  visitor.VisitListAndReport(m_keywords);
   return !visitor.IsError();
 }
 
 bool Driver::ProcessMaterials() {
-  inpS_MaterialVisitor visitor(m_inventory);
-  visitor.VisitList(m_keywords);
-  visitor.ReportUnreferredParameters(m_keywords, inpS_MaterialVisitor::ModelledKinds());
-  visitor.Report();
+  inpS_MaterialVisitor visitor(m_inventory, m_ledger);
+  visitor.VisitListAndReport(m_keywords);
   m_distributed = visitor.Distributed();
-  m_ledger.Add(visitor.KeptAsText());
   return !visitor.IsError();
 }
 
@@ -237,11 +229,6 @@ void Driver::RaiseDimensions(const inpS_MeshVisitor& mesh) {
   if (m_inventory.NumberSpatialDimensions() == 3 ||
       (mesh.HasGenerated() && inpS_tellsThreeDimensions(m_document.GetModel().GetMesh())))
     m_document.GetModel().DataRecord().SetInt(eds_Model_Dimensions, 3);
-}
-
-void Driver::KeepTextOf(const inpS_MeshVisitor& mesh) {
-  m_ledger.Add(mesh.KeptAsText());
-  m_textElements = mesh.TextElements();
 }
 
 // A failed mesh is committed as far as it got: element types and beams' extra nodes stay, nodes and
@@ -266,17 +253,18 @@ bool Driver::ProcessMesh(Labelers& labelers) {
     labelers.elements->Save(transaction);
   }
   transaction.Commit();
-  KeepTextOf(*mesh);
   return good && isSound;
 }
 
 // False when anything of it is in error; m_meshLeftOut says whether it can be stored.
 bool Driver::ReadMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh) {
-  mesh.emplace(*labelers.nodes, *labelers.elements, m_inventory);
+  mesh.emplace(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
   mesh->VisitListAndReport(m_keywords);
   const bool good = !mesh->IsError();
   const bool isSound = good && !mesh->HasSetErrors() && !mesh->HasTextErrors();
   m_meshLeftOut = !good && !(m_salvage && ReadSoundMesh(labelers, mesh));
+  if (m_meshLeftOut) m_ledger.LeaveOut(inpS_Subject::Mesh);
+  m_textElements = mesh->TextElements();
   return isSound;
 }
 
@@ -289,7 +277,8 @@ bool Driver::ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& 
     mesh.reset();
     labelers.nodes.emplace(m_document, 0).Read();
     labelers.elements.emplace(m_document, 1).Read();
-    mesh.emplace(*labelers.nodes, *labelers.elements, m_inventory);
+    m_ledger.Withdraw(inpS_Subject::Mesh);
+    mesh.emplace(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
     salvage.Begin();
     mesh->SetSalvage(&salvage);
     mesh->VisitList(m_keywords);
@@ -310,12 +299,11 @@ bool Driver::ReadSoundMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& 
 
 bool Driver::ProcessSurfaces(Labelers& labelers) {
   if (!m_surfaceVisitor)
-    m_surfaceVisitor =
-        std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements, m_inventory);
+    m_surfaceVisitor = std::make_unique<inpS_SurfaceVisitor>(*labelers.nodes, *labelers.elements,
+                                                             m_inventory, m_ledger);
   m_surfaceVisitor->SetTextElements(m_textElements);
   if (labelers.hasSurfaces) m_surfaceVisitor->SkipConverted();
   m_surfaceVisitor->VisitListAndReport(m_keywords);
-  m_ledger.Add(m_surfaceVisitor->KeptAsText());
   return !m_surfaceVisitor->IsError();
 }
 
@@ -475,13 +463,11 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
     RaiseDimensions(*mesh);
   }
   transaction.Commit();
-  KeepTextOf(*mesh);
   good = Run<inpS_UserNodeVisitor>(labelers) && good;
   labelers.hasSurfaces = true;
-  inpS_SurfaceVisitor surfaces(*labelers.nodes, *labelers.elements, m_inventory);
+  inpS_SurfaceVisitor surfaces(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
   surfaces.SetTextElements(m_textElements);
   surfaces.VisitListAndReport(m_keywords);
-  m_ledger.Add(surfaces.KeptAsText());
   good = !surfaces.IsError() && good;
   SaveSurfaceNodalAreas();
   return good;

@@ -69,6 +69,11 @@ void removeDistribution(const KvoSimPosition& values) {
 
 } // namespace
 
+void inpS_AmplitudeVisitor::VisitList(inp_KeywordListRef keywords) {
+  inpS_Visitor::VisitList(keywords);
+  ReportUnreferredParameters(keywords, inpS_ownKeywords(inpS_Subject::Amplitudes));
+}
+
 // An amplitude without a name is ignored, deliberately without a message. Its name is the whole
 // model's: the copies of its part's instances are the same amplitude.
 void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
@@ -127,13 +132,14 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   const auto packed = amplitude.Object().Packed();
   record.SetString(form.name, name);
   model.AssociateStringKey(eds_Member::Amplitudes, name, amplitude);
+  m_ledger.Take(keyword, amplitude);
   const cow_String span = keyword.StringOf("time", "STEPTIME");
   record.SetSymb(form.timeSpan, span == "STEPTIME" ? 0 : 1);
   if (span != "STEPTIME" && span != "TOTALTIME")
     AddWarning(inp_Utils::MessageAtParameter(keyword, "time", "This is taken for TOTAL TIME."));
   inpS_readParameters(keyword, form.parameters, record, *this);
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
-    m_text.try_emplace(suboption.Body().get(), inpS_TextPlace{amplitude, {}});
+    m_ledger.KeepAsText(suboption, {amplitude, {}});
     m_suboptions.emplace(packed, suboption);
   }
   keyword.Find("input"); // the parser has read that file's lines
@@ -200,7 +206,8 @@ void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
   const auto packed = amplitude.Object().Packed();
   const auto suboptions = m_suboptions.equal_range(packed);
   for (auto at = suboptions.first; at != suboptions.second; ++at) {
-    m_text[at->second.Body().get()].isLeftOut = true;
+    m_ledger.LeaveOut(at->second);
+    at->second.ReferAll();
     Warning(at->second, "The amplitude of this *" + at->second.Name() +
                             " is defined again; it is left out with it.");
   }
@@ -408,8 +415,9 @@ void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
 // What stands below it belongs to no other amplitude: it stays with the model.
 void inpS_AmplitudeVisitor::Ignore(const inp_Keyword& keyword) {
   keyword.ReferAll();
+  m_ledger.LeaveOut(keyword);
   for (const inp_Keyword& suboption : keyword.Suboptions()) {
-    m_text[suboption.Body().get()].isTold = true;
+    m_ledger.KeepAsText(suboption, {{}, {}, {}, true});
     TellOfStray(suboption, "the one before it has no name");
   }
 }
@@ -426,5 +434,5 @@ void inpS_AmplitudeVisitor::VisitBaselineCorrection(const inp_Keyword& keyword) 
 
 void inpS_AmplitudeVisitor::KeepAsText(const inp_Keyword& keyword) {
   keyword.ReferAll();
-  m_text.try_emplace(keyword.Body().get());
+  m_ledger.KeepAsText(keyword);
 }

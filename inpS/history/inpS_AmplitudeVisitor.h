@@ -2,7 +2,7 @@
 
 #include "database/KvoSimPosition.h"
 #include "inpS/framework/inpS_Inventory.h"
-#include "inpS/framework/inpS_TextKeywords.h"
+#include "inpS/framework/inpS_Ledger.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include <unordered_map>
 
@@ -12,13 +12,12 @@ struct inpS_AmplitudeForm;
 // no record kind serves are kept as text.
 class inpS_AmplitudeVisitor : public inpS_Visitor {
 public:
-  explicit inpS_AmplitudeVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
+  inpS_AmplitudeVisitor(const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : m_inventory(inventory), m_ledger(ledger) {}
 
+  void VisitList(inp_KeywordListRef keywords) override;
   void VisitAmplitude(const inp_Keyword& keyword) override;
   void VisitBaselineCorrection(const inp_Keyword& keyword) override;
-
-  // What was left to be kept as text (the model's own: null positions).
-  const inpS_TextKeywords& KeptAsText() const { return m_text; }
 
 private:
   const inpS_AmplitudeForm* FormOf(const inp_Keyword& keyword);
@@ -45,7 +44,7 @@ private:
   void KeepAsText(const inp_Keyword& keyword);
 
   const inpS_Inventory& m_inventory;
-  inpS_TextKeywords m_text;
+  inpS_Ledger& m_ledger;
   // By amplitude: sub-options of this deck, and texts that an earlier conversion kept with it.
   std::unordered_multimap<unsigned long long, inp_Keyword> m_suboptions;
   std::unordered_multimap<unsigned long long, KvoSimPosition> m_formerTexts;

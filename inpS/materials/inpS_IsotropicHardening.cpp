@@ -60,6 +60,7 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   const Potential potential = CreatePotential(keyword);
   const KvoSimPosition property = m_owner.CreateDataRecord(kind);
   m_owner.Associate(eds_Member::Properties, property);
+  m_ledger.Take(keyword, property);
   PlacePotential(potential, property);
   m_rates = {rateOf(keyword)};
   const inpS_Form& row = *inpS_FormTable::Instance().Find(kind);
@@ -101,6 +102,7 @@ bool inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
   inpS_KeptPart part{table.NumOfRows()};
   if (!added.Unread().empty()) part.lines = inpS_dataLines(keyword);
   KeepParts(keyword, property, std::move(part), rate == m_rates.back());
+  m_ledger.Take(keyword, property);
   m_rates.push_back(rate);
   const bool temperature = table.IsTemperatureDependent() || added.HasTemperatureColumn();
   cow_List<double> rows;

@@ -57,15 +57,17 @@ void inpS_MaterialVisitor::TellOfNoName(const inp_Keyword& keyword) {
 
 void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
   const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
-  if (opened.IsNull()) return;
+  if (opened.IsNull()) return m_ledger.LeaveOut(keyword);
   m_owner = m_material = opened;
+  m_ledger.Take(keyword, opened);
 }
 
 void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
   const KvoSimPosition opened =
       OpenNamed(keyword, eds_FormKind::GasketBehavior, eds_Member::GasketBehaviors);
-  if (opened.IsNull()) return;
+  if (opened.IsNull()) return m_ledger.LeaveOut(keyword);
   m_owner = m_gasket = opened;
+  m_ledger.Take(keyword, opened);
 }
 
 // There is one set of constants; each parameter given again takes the place of the former.
@@ -77,6 +79,7 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
     constants = model.CreateDataRecord(eds_FormKind::PhysicalConstants);
     model.SetPosition(eds_Member::PhysicalConstants, constants);
   }
+  m_ledger.Take(keyword, constants);
   const auto bindings = inpS_bindParameters(keyword.Kind(), eds_FormKind::PhysicalConstants);
   for (const inpS_ParameterBinding& binding : bindings)
     if (keyword.HasParameter(binding.key) && !constants.DataRecord().IsMemberNull(binding.field))

@@ -65,18 +65,18 @@ cow_String namesOf(std::span<const inp_KeywordEnm> keywords) {
 
 } // namespace
 
-inpS_MaterialVisitor::inpS_MaterialVisitor(const inpS_Inventory& inventory)
-    : m_inventory(inventory), m_document(inventory.GetDocument()),
+inpS_MaterialVisitor::inpS_MaterialVisitor(const inpS_Inventory& inventory, inpS_Ledger& ledger)
+    : m_inventory(inventory), m_ledger(ledger), m_document(inventory.GetDocument()),
       m_rowCollection(m_document.GetPropertyTableRowCollection()),
       m_fieldVariableCollection(m_document.GetPropertyFieldVariableTypeCollection()),
       m_componentCollection(m_document.GetComponentCollection()) {}
 
-cow_List<inp_KeywordEnm> inpS_MaterialVisitor::ModelledKinds() {
-  cow_List<inp_KeywordEnm> kinds = {inp_KwMaterial, inp_KwGasketBehavior, inp_KwPhysicalConstants,
-                                    inp_KwNoCompression, inp_KwNoTension};
+void inpS_MaterialVisitor::VisitList(inp_KeywordListRef keywords) {
+  inpS_Visitor::VisitList(keywords);
+  cow_List<inp_KeywordEnm> ours = inpS_ownKeywords(inpS_Subject::Materials);
   const cow_List<inp_KeywordEnm>& behaviors = inpS_behaviorKeywords();
-  kinds.insert(kinds.end(), behaviors.begin(), behaviors.end());
-  return kinds;
+  ours.insert(ours.end(), behaviors.begin(), behaviors.end());
+  ReportUnreferredParameters(keywords, ours);
 }
 
 // A keyword of ours may also stand under one of another subject, which knows nothing of it. A
@@ -151,8 +151,7 @@ void inpS_MaterialVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPo
   if (!owner.IsNull())
     for (const KvoSimPosition& present : owner.GetVector(memberOf(owner)))
       if (!present.IsA(eds_FormKind::Potential)) behind = present;
-  m_text.try_emplace(keyword.Body().get(),
-                     inpS_TextPlace{owner, behind, false, std::move(reason), isTold});
+  m_ledger.KeepAsText(keyword, {owner, behind, std::move(reason), isTold});
   for (const inp_Keyword& suboption : keyword.Suboptions()) KeepAsText(suboption, owner);
 }
 
@@ -329,6 +328,7 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const in
   const Potential potential = CreatePotential(keyword);
   const KvoSimPosition property = owner.CreateDataRecord(behavior.kind);
   owner.Associate(memberOf(owner), property);
+  m_ledger.Take(keyword, property);
   PlacePotential(potential, property);
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
   behavior.LeaveOddChoices(keyword, *this);
@@ -393,6 +393,7 @@ void inpS_MaterialVisitor::CreateSuboptions(const inp_Keyword& keyword,
     }
     if (flag >= 0) {
       property.DataRecord().SetBool(flag, true);
+      m_ledger.Take(suboption);
       continue;
     }
     const std::string_view assertion = inpS_suboptionAssertion(keyword.Kind());
@@ -439,8 +440,7 @@ void inpS_MaterialVisitor::PlacePotential(const Potential& potential,
     text->ReferAll();
     cow_String reason = UntoldReason(*text);
     const bool isTold = reason.empty();
-    m_text.try_emplace(text->Body().get(),
-                       inpS_TextPlace{m_owner, property, false, std::move(reason), isTold});
+    m_ledger.KeepAsText(*text, {m_owner, property, std::move(reason), isTold});
   }
   if (!potential.made.IsNull())
     potential.made.DataRecord().SetReference(eds_formField(eds_FormKind::Potential, "given_with"),

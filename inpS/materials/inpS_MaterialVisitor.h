@@ -5,7 +5,7 @@
 #include "inpS/forms/inpS_DistributedProperty.h"
 #include "inpS/forms/inpS_PropertyUtils.h"
 #include "inpS/framework/inpS_Inventory.h"
-#include "inpS/framework/inpS_TextKeywords.h"
+#include "inpS/framework/inpS_Ledger.h"
 #include "inpS/framework/inpS_Visitor.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/materials/inpS_Behaviors.h"
@@ -15,17 +15,12 @@
 // in its form; only what a row cannot say has an operation of its own here.
 class inpS_MaterialVisitor : public inpS_Visitor {
 public:
-  explicit inpS_MaterialVisitor(const inpS_Inventory& inventory);
-
-  static cow_List<inp_KeywordEnm> ModelledKinds();
-
-  // Keywords of these kinds that were left to be kept as text, each with the property that it is a
-  // sub-option of, or the material.
-  const inpS_TextKeywords& KeptAsText() const { return m_text; }
+  inpS_MaterialVisitor(const inpS_Inventory& inventory, inpS_Ledger& ledger);
 
   // What takes its values from distributions, which are read later.
   const cow_List<inpS_DistributedProperty>& Distributed() const { return m_distributed; }
 
+  void VisitList(inp_KeywordListRef keywords) override;
   void Visit(const inp_Keyword& keyword) override;
   void VisitMaterial(const inp_Keyword& keyword) override;
   void VisitGasketBehavior(const inp_Keyword& keyword) override;
@@ -100,6 +95,7 @@ private:
   KvoSimPosition OpenNamed(const inp_Keyword& keyword, eds_RecordKind kind, eds_Member member);
 
   const inpS_Inventory& m_inventory;
+  inpS_Ledger& m_ledger;
   KvoObjDocument m_document;
   KvoSimCollection m_rowCollection;
   KvoSimCollection m_fieldVariableCollection;
@@ -113,6 +109,5 @@ private:
   inp_ScopePtr m_lastScope;
   KvoSimPosition m_constantsPart; // the data lines of *PHYSICAL CONSTANTS
   cow_String m_constantsLines;
-  inpS_TextKeywords m_text;
   cow_List<inpS_DistributedProperty> m_distributed;
 };

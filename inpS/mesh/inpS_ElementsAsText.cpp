@@ -38,7 +38,7 @@ void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope
 }
 
 bool inpS_ElementsAsText::KeepCopiedFromText(const inp_Keyword& keyword, inpS_MeshScope& scope) {
-  if (m_keywords.empty()) return false; // as nearly always
+  if (m_scopes.TextElements().IsEmpty()) return false; // as nearly always
   const cow_List<int> labels = CopiedLabels(keyword, scope);
   if (labels.empty()) return false;
   Keep(keyword, scope,
@@ -51,7 +51,7 @@ bool inpS_ElementsAsText::KeepCopiedFromText(const inp_Keyword& keyword, inpS_Me
 cow_List<long long> inpS_ElementsAsText::KeepLinesFromText(const inp_Keyword& keyword,
                                                            inpS_MeshScope& scope) {
   cow_List<long long> rows;
-  if (m_keywords.empty()) return rows; // as nearly always
+  if (m_scopes.TextElements().IsEmpty()) return rows; // as nearly always
   const inp_DataArray& data = keyword.Data();
   cow_List<int> labels;
   cow_String lines;
@@ -77,20 +77,20 @@ cow_List<long long> inpS_ElementsAsText::KeepLinesFromText(const inp_Keyword& ke
                   (rows.size() == 1 ? cow_String("this line is")
                                     : std::to_string(rows.size()) + " lines are") +
                   " kept as text, too.");
-  Keep(keyword, scope, std::move(message), "elset", labels);
-  if (!isAll) m_keywords[keyword.Body().get()].text = keyword.HeadText() + lines;
+  Keep(keyword, scope, std::move(message), "elset", labels,
+       isAll ? cow_String() : keyword.HeadText() + lines);
   return rows;
 }
 
 void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope,
                                wip_Message message, std::string_view setParameter,
-                               const cow_List<int>& labels) {
+                               const cow_List<int>& labels, cow_String text) {
   message.notes.push_back(
       {"sets and surfaces that name its elements are stored without them, and written with "
        "them again",
        {}});
   m_messages.AddError(std::move(message));
-  m_keywords[keyword.Body().get()].isTold = true;
+  m_ledger.KeepAsText(keyword, {{}, {}, {}, true, std::move(text)});
   m_scopes.TextElements().Add(scope.elementOccurrence, labels);
   if (const inp_Item* name = m_sets.FindName(keyword, setParameter))
     m_textSets.push_back({&scope, inpS_SetKind::Elements, name->AsString(), keyword, labels});
@@ -138,9 +138,11 @@ void inpS_ElementsAsText::KeepGenerator(const inp_Keyword& keyword, inpS_MeshSco
   if (keyword.Kind() != inp_KwNmap)
     if (const inp_Item* name = m_sets.FindName(keyword, copies ? "newset" : "nset"))
       m_textSets.push_back({&scope, inpS_SetKind::Nodes, name->AsString(), keyword, {}});
-  m_keywords[keyword.Body().get()].reason = keyword.Kind() == inp_KwNmap
-                                                ? "moves no nodes, since its kind is not known"
-                                                : "makes no nodes, since its kind is not known";
+  m_ledger.KeepAsText(keyword, {{},
+                                {},
+                                keyword.Kind() == inp_KwNmap
+                                    ? "moves no nodes, since its kind is not known"
+                                    : "makes no nodes, since its kind is not known"});
   keyword.ReferAll();
 }
 

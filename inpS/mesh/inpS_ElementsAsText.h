@@ -1,6 +1,6 @@
 #pragma once
 
-#include "inpS/framework/inpS_TextKeywords.h"
+#include "inpS/framework/inpS_Ledger.h"
 #include "inpS/mesh/inpS_MeshScope.h"
 #include "parser/inp_Visitor.h"
 
@@ -13,8 +13,8 @@ class inpS_MeshSetReader;
 class inpS_ElementsAsText {
 public:
   inpS_ElementsAsText(inpS_MeshScopes& scopes, const KvoObjLabeler& elements,
-                      inpS_MeshSetReader& sets)
-      : m_scopes(scopes), m_elements(elements), m_sets(sets) {}
+                      inpS_MeshSetReader& sets, inpS_Ledger& ledger)
+      : m_scopes(scopes), m_elements(elements), m_sets(sets), m_ledger(ledger) {}
 
   // *ELEMENT; the message says why.
   void Keep(const inp_Keyword& keyword, inpS_MeshScope& scope, wip_Message message);
@@ -28,21 +28,20 @@ public:
   void KeepGenerator(const inp_Keyword& keyword, inpS_MeshScope& scope);
 
   bool IsWhollyText(const inp_Keyword& keyword) const {
-    const auto kept = m_keywords.find(keyword.Body().get());
-    return kept != m_keywords.end() && kept->second.text.empty();
+    const inpS_TextPlace* kept = m_ledger.TextOf(keyword);
+    return kept && kept->text.empty();
   }
 
   // At the end of the walk: a set that such keywords alone name is there, and empty. It comes
   // behind all others, as in a deck written, which has texts before sets.
   void AddSets();
 
-  const inpS_TextKeywords& Keywords() const { return m_keywords; }
   const inp_Visitor& Messages() const { return m_messages; }
   void Report() { m_messages.Report(); }
 
 private:
   void Keep(const inp_Keyword& keyword, inpS_MeshScope& scope, wip_Message message,
-            std::string_view setParameter, const cow_List<int>& labels);
+            std::string_view setParameter, const cow_List<int>& labels, cow_String text = {});
   cow_List<int> GeneratedLabels(const inp_DataArray& data, long long row,
                                 const inpS_MeshScope& scope) const;
   cow_List<int> CopiedLabels(const inp_Keyword& keyword, const inpS_MeshScope& scope) const;
@@ -51,7 +50,7 @@ private:
   const KvoObjLabeler& m_elements;
   inpS_MeshSetReader& m_sets;
   inp_Visitor m_messages;
-  inpS_TextKeywords m_keywords;
+  inpS_Ledger& m_ledger;
   struct TextSet {
     inpS_MeshScope* scope;
     inpS_SetKind kind;

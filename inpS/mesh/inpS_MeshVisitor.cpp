@@ -41,22 +41,13 @@ bool isOriginAlone(const inp_DataArray& data) {
 } // namespace
 
 inpS_MeshVisitor::inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                                   const inpS_Inventory& inventory)
-    : m_nodes(nodes), m_elements(elements), m_inventory(inventory),
-      m_setReader(m_scopes, m_setMessages), m_asText(m_scopes, m_elements, m_setReader) {
+                                   const inpS_Inventory& inventory, inpS_Ledger& ledger)
+    : m_nodes(nodes), m_elements(elements), m_inventory(inventory), m_ledger(ledger),
+      m_setReader(m_scopes, m_setMessages), m_asText(m_scopes, m_elements, m_setReader, ledger) {
   OpenRoot();
 }
 
 inpS_MeshVisitor::~inpS_MeshVisitor() = default;
-
-const cow_List<inp_KeywordEnm>& inpS_MeshVisitor::ModelledKinds() {
-  static const cow_List<inp_KeywordEnm> kinds = {
-      inp_KwNode,   inp_KwElement,      inp_KwNset,          inp_KwElset,
-      inp_KwSystem, inp_KwAssemblyNset, inp_KwAssemblyElset, inp_KwAssemblyElement,
-      inp_KwElgen,  inp_KwElcopy,       inp_KwNgen,          inp_KwNfill,
-      inp_KwNcopy,  inp_KwNmap};
-  return kinds;
-}
 
 void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   // User element types hold for the whole deck, wherever in it they are defined.
@@ -87,7 +78,7 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
     if (!isOfParts(keyword)) Visit(keyword);
   Finish(keywords);
   inpS_tellOfBaseSurfaces(m_inventory.GetDocument(), m_scopes, *this);
-  ReportUnreferredParameters(keywords, ModelledKinds());
+  ReportUnreferredParameters(keywords, inpS_ownKeywords(inpS_Subject::Mesh));
   inpS_reportUnusedLines(keywords, {inp_KwElcopy}, *this);
 }
 
@@ -154,6 +145,7 @@ bool inpS_MeshVisitor::MayGrow(const inp_Keyword& keyword, const inpS_MeshScope&
                         scope.elementBase + scope.storedElements == m_storedElements;
   if (!scope.isStored || atTheEnd) return true;
   Error(keyword, "A restart cannot add nodes or elements to an assembly with instances; ignored.");
+  m_ledger.LeaveOut(keyword);
   return false;
 }
 
@@ -227,6 +219,7 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
                        m_scopes.Root().owner.IsA(eds_RecordKind::Assembly);
   if (!outside && ScopeOf(keyword)) return false;
   keyword.ReferAll(); // one word for all of it
+  m_ledger.LeaveOut(keyword);
   if (!outside) return true;
   const bool isSet = keyword.Kind() == inp_KwNset || keyword.Kind() == inp_KwElset;
   (isSet ? m_setMessages : *this)
@@ -241,6 +234,7 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
 void inpS_MeshVisitor::VisitSystem(const inp_Keyword& keyword) {
   static constexpr int kFieldsOfSystem[] = {6, 3}; // as inpS_System reads them
   if (Skip(keyword)) return;
+  m_ledger.Take(keyword);
   inpS_MeshScope& scope = *ScopeOf(keyword);
   const cow_List<inpS_UnreadField> unread = inpS_System::UnreadFields(keyword);
   inpS_reportUnreadFields(keyword, unread, *this, "left out");
@@ -264,6 +258,7 @@ void inpS_MeshVisitor::VisitNode(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
+  m_ledger.Take(keyword);
   keyword.Find("input"); // the parser has read that file's lines
   inpS_NodeReader reader(*this);
   reader.ReadLocalSystem(keyword, *this);
@@ -301,6 +296,7 @@ void inpS_MeshVisitor::GenerateNodes(const inp_Keyword& keyword) {
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
   if (!inpS_NodeGeneration::KnowsKind(keyword)) return m_asText.KeepGenerator(keyword, scope);
+  m_ledger.Take(keyword);
   if (m_copyScopes.Holds(scope)) scope.SettleElements(m_nodes, m_elements, *this);
   inpS_KnownNodes known(scope, m_scopes, m_nodes, m_elements);
   cow_List<int> refused;
@@ -331,6 +327,7 @@ void inpS_MeshVisitor::VisitElement(const inp_Keyword& keyword) {
   keyword.Find("input"); // the parser has read that file's lines
   if (std::optional<wip_Message> fault = m_types.FaultOf(keyword))
     return m_asText.Keep(keyword, scope, *std::move(fault));
+  m_ledger.Take(keyword);
   const inp_Item* elset = m_setReader.FindName(keyword, "elset");
   inpS_ElementReading reading(keyword, m_types, m_nodes, m_elements, m_salvage, *this);
   // Without any node to refer to, or with nodes named by instance, nothing can be translated yet;
@@ -356,6 +353,7 @@ void inpS_MeshVisitor::VisitElgen(const inp_Keyword& keyword) {
   inpS_MeshScope& scope = *ScopeOf(keyword);
   if (!MayGrow(keyword, scope)) return;
   const cow_List<long long> asText = m_asText.KeepLinesFromText(keyword, scope);
+  if (asText.empty()) m_ledger.Take(keyword);
   if (!m_asText.IsWhollyText(keyword)) Copies().Generate(keyword, scope, asText);
 }
 
@@ -363,14 +361,16 @@ void inpS_MeshVisitor::VisitElcopy(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
   m_hasGenerated = true;
   inpS_MeshScope& scope = *ScopeOf(keyword);
-  if (MayGrow(keyword, scope) && !m_asText.KeepCopiedFromText(keyword, scope))
-    Copies().Copy(keyword, scope);
+  if (!MayGrow(keyword, scope) || m_asText.KeepCopiedFromText(keyword, scope)) return;
+  m_ledger.Take(keyword);
+  Copies().Copy(keyword, scope);
 }
 
 // ---- sets
 
 void inpS_MeshVisitor::VisitNset(const inp_Keyword& keyword) {
   if (Skip(keyword)) return;
+  m_ledger.Take(keyword);
   if (keyword.StringOf("elset", "").empty())
     m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Nodes);
   else
@@ -382,7 +382,9 @@ void inpS_MeshVisitor::NsetFromElset(const inp_Keyword& keyword) {
 }
 
 void inpS_MeshVisitor::VisitElset(const inp_Keyword& keyword) {
-  if (!Skip(keyword)) m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Elements);
+  if (Skip(keyword)) return;
+  m_ledger.Take(keyword);
+  m_setReader.Read(keyword, *ScopeOf(keyword), inpS_SetKind::Elements);
 }
 
 // ---- the end of the walk

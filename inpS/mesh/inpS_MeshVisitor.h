@@ -19,10 +19,9 @@ class KvoSimTransaction;
 // when the walk ends, and the Save operations write it.
 class inpS_MeshVisitor : public inpS_Visitor, public inpS_SetServices {
 public:
-  inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory);
+  inpS_MeshVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory,
+                   inpS_Ledger& ledger);
   ~inpS_MeshVisitor() override;
-
-  static const cow_List<inp_KeywordEnm>& ModelledKinds();
 
   // Before the walk: passes over the elements that have faults. Nothing is told, for another walk
   // has told it.
@@ -38,7 +37,6 @@ public:
   bool HasSetErrors() const { return m_setMessages.IsError(); }
   // Nor does an element type that nobody knows fail the mesh: its keyword is kept as text.
   bool HasTextErrors() const { return m_asText.Messages().IsError(); }
-  const inpS_TextKeywords& KeptAsText() const { return m_asText.Keywords(); }
   const inpS_TextElements& TextElements() const { return m_scopes.TextElements(); }
 
   void VisitNode(const inp_Keyword& keyword) override;
@@ -92,6 +90,7 @@ private:
   KvoObjLabeler& m_nodes;
   KvoObjLabeler& m_elements;
   const inpS_Inventory& m_inventory;
+  inpS_Ledger& m_ledger;
   inpS_ElementTypes m_types;
   inpS_MeshScopes m_scopes;
   inp_Visitor m_setMessages;  // what is told of sets, kept apart

@@ -32,7 +32,7 @@ void inpS_AssemblyVisitor::VisitAssembly(const inp_Keyword& keyword) {
   const KvoSimPosition model = document.GetModel().Position();
   if (!model.Follow(eds_Member::Assembly).IsNull()) {
     Error(keyword, "A model has one assembly; this second one is taken as part of the first.");
-    return;
+    return m_ledger.LeaveOut(keyword);
   }
   const inp_Item* name = keyword.Find("name");
   KvoSimTransaction transaction(document.ContextID());
@@ -41,6 +41,7 @@ void inpS_AssemblyVisitor::VisitAssembly(const inp_Keyword& keyword) {
     assembly.DataRecord().SetString(eds_Assembly_Name, name->AsString());
   model.SetPosition(eds_Member::Assembly, assembly);
   inpS_keepUnused(keyword, assembly, *this);
+  m_ledger.Take(keyword, assembly);
   transaction.Commit();
   m_assembly = assembly;
 }
@@ -54,16 +55,19 @@ void inpS_AssemblyVisitor::VisitEndInstance(const inp_Keyword& keyword) {
 }
 
 void inpS_AssemblyVisitor::KeepClosing(const inp_Keyword& keyword, KvoSimPosition& open) {
-  if (open.IsNull()) return; // refused
+  if (open.IsNull()) return m_ledger.LeaveOut(keyword); // refused
   KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
   inpS_keepUnused(keyword, open, *this, inpS_closingRow);
+  m_ledger.Take(keyword);
   transaction.Commit();
   open = {};
 }
 
 void inpS_AssemblyVisitor::VisitInstance(const inp_Keyword& keyword) {
   m_instance = {};
-  if (!Place(keyword)) LeaveOut("instance");
+  if (Place(keyword)) return m_ledger.Take(keyword, m_instance);
+  m_ledger.LeaveOut(keyword);
+  LeaveOut("instance");
 }
 
 // False, with a message, when the model does not get it.

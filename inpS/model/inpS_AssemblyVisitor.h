@@ -2,12 +2,14 @@
 
 #include "database/KvoSimPosition.h"
 #include "inpS/framework/inpS_Inventory.h"
+#include "inpS/framework/inpS_Ledger.h"
 #include "inpS/framework/inpS_Visitor.h"
 
 // The assembly phase: the assembly and its instances with their places in space.
 class inpS_AssemblyVisitor : public inpS_Visitor {
 public:
-  explicit inpS_AssemblyVisitor(const inpS_Inventory& inventory) : m_inventory(inventory) {}
+  inpS_AssemblyVisitor(const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : m_inventory(inventory), m_ledger(ledger) {}
 
   void VisitAssembly(const inp_Keyword& keyword) override;
   void VisitEndAssembly(const inp_Keyword& keyword) override;
@@ -21,6 +23,7 @@ private:
   void WritePlacement(const inp_Keyword& keyword, const KvoSimPosition& instance);
 
   const inpS_Inventory& m_inventory;
+  inpS_Ledger& m_ledger;
   KvoSimPosition m_assembly; // that is open
   KvoSimPosition m_instance;
 };

@@ -73,16 +73,6 @@ cow_String textBesideReading(const inp_Keyword& restart) {
 
 } // namespace
 
-inpS_VerbatimVisitor::inpS_VerbatimVisitor(const inpS_Inventory& inventory,
-                                           const cow_List<inp_KeywordEnm>& modelled)
-    : m_inventory(inventory) {
-  for (const inp_KeywordEnm kind : modelled) {
-    const auto index = static_cast<std::size_t>(kind);
-    if (index >= m_modelled.size()) m_modelled.resize(index + 1);
-    m_modelled[index] = true;
-  }
-}
-
 void inpS_VerbatimVisitor::ContinuePositions() {
   m_isRestart = true;
   m_definitions.emplace(m_inventory.GetDocument());
@@ -95,39 +85,34 @@ void inpS_VerbatimVisitor::ContinuePositions() {
   }
 }
 
-void inpS_VerbatimVisitor::RefuseNewOwners(const inp_KeywordList& keywords) {
-  const KvoObjModel model = m_inventory.GetDocument().GetModel();
+void inpS_VerbatimVisitor::SettleSkeleton(const inp_KeywordList& keywords) {
   for (const inp_Keyword& keyword : keywords) {
-    const inp_Item* name = keyword.Find("name");
-    if (!name || keyword.IsInstanceCopy()) continue;
-    const bool isNew =
-        (keyword.Kind() == inp_KwPart && model.GetPart(name->AsString()).IsNull()) ||
-        (keyword.Kind() == inp_KwInstance && model.GetOccurence(name->AsString()).IsNull());
-    if (isNew)
-      Error(keyword, "The model that is restarted has no \"" + name->AsString() +
-                         "\", and a restart cannot add one; its mesh is left out.");
+    if (inpS_subjectOf(keyword.Kind()) != inpS_Subject::Skeleton || keyword.IsInstanceCopy() ||
+        keyword.Scope().kind == inp_Scope::Kind::Step)
+      continue;
+    if (RefuseNewOwner(keyword))
+      m_ledger.LeaveOut(keyword);
+    else
+      m_ledger.Take(keyword);
   }
 }
 
-bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
-  if (m_ledger && m_ledger->RecordOf(keyword)) return true;
-  const auto index = static_cast<std::size_t>(keyword.Kind());
-  if (index >= m_modelled.size() || !m_modelled[index]) return false;
-  if (AsText(keyword)) return false;
-  // Inside a step nothing of the model's own keywords is converted, but for what has its name in
-  // the whole model wherever it stands.
-  if (keyword.Kind() == inp_KwAmplitude) return true;
-  return keyword.Scope().kind != inp_Scope::Kind::Step;
-}
-
-const inpS_TextPlace* inpS_VerbatimVisitor::AsText(const inp_Keyword& keyword) const {
-  return m_ledger ? m_ledger->TextOf(keyword) : nullptr;
+bool inpS_VerbatimVisitor::RefuseNewOwner(const inp_Keyword& keyword) {
+  const KvoObjModel model = m_inventory.GetDocument().GetModel();
+  const inp_Item* name = keyword.Find("name");
+  const bool isNew =
+      name && ((keyword.Kind() == inp_KwPart && model.GetPart(name->AsString()).IsNull()) ||
+               (keyword.Kind() == inp_KwInstance && model.GetOccurence(name->AsString()).IsNull()));
+  if (isNew)
+    Error(keyword, "The model that is restarted has no \"" + name->AsString() +
+                       "\", and a restart cannot add one; its mesh is left out.");
+  return isNew;
 }
 
 void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.Kind() == inp_NullKeyword || keyword.IsInstanceCopy()) return;
   if (keyword.Kind() == inp_KwStep) {
-    const KvoSimPosition* step = m_ledger ? m_ledger->RecordOf(keyword) : nullptr;
+    const KvoSimPosition* step = m_ledger.RecordOf(keyword);
     m_step = step ? *step : KvoSimPosition();
   }
   if (keyword.ScopePtr().get() != m_scope || m_place.owner.IsNull()) {
@@ -141,21 +126,21 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const int before = m_block;
   const Along* along = AlongOf(keyword);
   const int block = along ? along->block : BlockOf(keyword);
-  if (const KvoSimPosition* record = m_ledger ? m_ledger->RecordOf(keyword) : nullptr;
+  if (const KvoSimPosition* record = RecordOfBlock(keyword, block);
       record && !keyword.IsSuboption())
     m_records.insert_or_assign({HolderOf(keyword).Object().Packed(), block}, *record);
-  const inpS_TextPlace* told = AsText(keyword);
+  const inpS_TextPlace* told = m_ledger.TextOf(keyword);
+  const bool isSettled = m_ledger.IsSettled(keyword);
   const bool isExplained = told && (told->isTold || !told->reason.empty());
   if (!isExplained && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
-    m_places.Look(keyword, IsModelled(keyword));
-  if (!along && IsModelled(keyword)) return;
+    m_places.Look(keyword, isSettled);
+  if (!along && isSettled) return;
   // The model is whole now.
   const bool isRead =
       m_isRestart && keyword.Kind() == inp_KwRestart && keyword.HasParameter("read");
   const cow_String beside = isRead ? textBesideReading(keyword) : cow_String();
   keyword.ReferAll();
-  if ((isRead && beside.empty()) || (told && told->isLeftOut) || IsLeftOut(keyword) ||
-      IsTooLong(keyword)) {
+  if ((isRead && beside.empty()) || IsLeftOut(keyword) || IsTooLong(keyword)) {
     m_block = before; // it takes nothing along
     return;
   }
@@ -167,6 +152,13 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   Keep(keyword, at);
   for (const inp_Keyword& suboption : keyword.Suboptions())
     m_along.try_emplace(suboption.Body().get(), at);
+}
+
+// Behind which the texts of its block go: of what the block prints form by form.
+const KvoSimPosition* inpS_VerbatimVisitor::RecordOfBlock(const inp_Keyword& keyword,
+                                                          int block) const {
+  const bool hasForms = inpS_block(block).HasForms() && keyword.Kind() != inp_KwAmplitude;
+  return hasForms ? m_ledger.RecordOf(keyword) : nullptr;
 }
 
 // What holds the keyword's record: a step's is the model.
@@ -185,7 +177,7 @@ const inpS_VerbatimVisitor::Along* inpS_VerbatimVisitor::AlongOf(const inp_Keywo
 
 inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keyword,
                                                         int block) const {
-  const inpS_TextPlace* told = AsText(keyword);
+  const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   Along at{m_place, block, told ? told->behind : KvoSimPosition()};
   if (told && !told->owner.IsNull()) at.place = {told->owner, levelUnder(told->owner)};
   // A name's second definition goes behind the first one, which must come first again.
@@ -213,7 +205,7 @@ void inpS_VerbatimVisitor::Keep(const inp_Keyword& keyword, const Along& at) {
   record.SetInt(eds_VerbatimKeyword_Block, at.block);
   record.SetInt(eds_VerbatimKeyword_Position,
                 m_positions[{place.owner.Object().Packed(), at.block}]++);
-  const inpS_TextPlace* told = AsText(keyword);
+  const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   const cow_String& text = told && at.text.empty() ? told->text : at.text;
   record.SetString(eds_VerbatimKeyword_Text, text.empty() ? keyword.Text() : text);
   if (!at.behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, at.behind);
@@ -250,7 +242,7 @@ bool inpS_VerbatimVisitor::IsLeftOut(const inp_Keyword& keyword) {
 // What belongs to something else and stands under none of it: behind the others of its block it
 // would be taken for the last one's, so it goes before all. Within a material it stays there.
 bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
-  const inpS_TextPlace* told = AsText(keyword);
+  const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   if (told && !told->owner.IsNull()) return false;
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (keyword.ParentKind() == inp_NullKeyword) return row && row->levels == inp_LevelsSub;
@@ -267,7 +259,7 @@ bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
 // A sub-option goes where its keyword goes, an unknown keyword behind what is written before it:
 // the written deck, read again, has it in the same block.
 int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
-  const inpS_TextPlace* told = AsText(keyword);
+  const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   if (keyword.Scope().kind == inp_Scope::Kind::Step) {
     m_block = kHistoryBlock;
     if (!told || keyword.Kind() != inp_KwBaselineCorrection) return m_block;
@@ -300,9 +292,9 @@ int inpS_VerbatimVisitor::BlockOf(const inp_Keyword& keyword) {
 
 // Whether the deck that is written has something of the keyword's block in its scope.
 bool inpS_VerbatimVisitor::IsWrittenHere(const inp_Keyword& keyword) {
-  if (!IsModelled(keyword)) return true;
+  if (!m_ledger.IsSettled(keyword)) return true;
   if (inp_KeywordTable::Instance().Row(keyword.Kind())->role == inp_KeywordRole::Close) return true;
-  if (m_ledger && m_ledger->RecordOf(keyword)) return true;
+  if (RecordOfBlock(keyword, m_ownBlock)) return true;
   const auto [known, isNew] =
       m_written.try_emplace({m_place.owner.Object().Packed(), m_ownBlock}, false);
   if (isNew) known->second = writes(m_inventory.GetDocument(), m_place.owner, m_ownBlock);
@@ -347,7 +339,7 @@ void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword) {
     m_untold.emplace_back();
   }
   ++m_kept[known->second].count;
-  const inpS_TextPlace* place = AsText(keyword);
+  const inpS_TextPlace* place = m_ledger.TextOf(keyword);
   if (place && place->isTold) return;
   if (place && !place->reason.empty())
     return TellKept(keyword, "*" + keyword.Name() + ' ' + place->reason + "; it is");

@@ -10,23 +10,22 @@
 #include <optional>
 #include <unordered_map>
 
-// Keeps as text, at its level, every keyword that no phase converts, so that nothing of a deck is
-// lost: the writer puts it back in its place. One warning per kind of keyword, at its first place.
+// Keeps as text, at its level, every keyword that the ledger does not have for settled, so that
+// nothing of a deck is lost: the writer puts it back in its place. One warning per kind of keyword,
+// at its first place.
 class inpS_VerbatimVisitor : public inpS_Visitor {
 public:
-  // modelled: the keyword kinds that some phase converts.
-  inpS_VerbatimVisitor(const inpS_Inventory& inventory, const cow_List<inp_KeywordEnm>& modelled);
-
-  // Keywords of converted kinds that are kept all the same.
-  void SetLedger(const inpS_Ledger* ledger) { m_ledger = ledger; }
+  inpS_VerbatimVisitor(const inpS_Inventory& inventory, inpS_Ledger& ledger)
+      : m_inventory(inventory), m_ledger(ledger) {}
 
   void Visit(const inp_Keyword& keyword) override;
   void Report() override;
   const cow_List<inpS_NotModelled>& AllKept() const { return m_kept; }
   // Goes on behind what the database keeps already (restart).
   void ContinuePositions();
-  // A restart goes on with the parts and instances of its model: others are reported.
-  void RefuseNewOwners(const inp_KeywordList& keywords);
+  // A restart goes on with the skeleton of its model: what this deck says of it is settled, and
+  // parts and instances that the model has not are reported.
+  void SettleSkeleton(const inp_KeywordList& keywords);
 
 private:
   struct Place {
@@ -40,24 +39,23 @@ private:
     KvoSimPosition behind; // null: behind all
     cow_String text{};     // what is kept; empty: what the ledger says, or the whole keyword
   };
+  const KvoSimPosition* RecordOfBlock(const inp_Keyword& keyword, int block) const;
   KvoSimPosition HolderOf(const inp_Keyword& keyword) const;
   const Along* AlongOf(const inp_Keyword& keyword) const;
   Along AtOwn(const inp_Keyword& keyword, int block) const;
   void Keep(const inp_Keyword& keyword, const Along& at);
-  bool IsModelled(const inp_Keyword& keyword) const;
+  bool RefuseNewOwner(const inp_Keyword& keyword);
   bool IsLeftOut(const inp_Keyword& keyword);
   bool IsTooLong(const inp_Keyword& keyword);
   bool IsStray(const inp_Keyword& keyword) const;
   Place PlaceOf(const inp_Scope& scope);
   int BlockOf(const inp_Keyword& keyword);
   bool IsWrittenHere(const inp_Keyword& keyword);
-  const inpS_TextPlace* AsText(const inp_Keyword& keyword) const; // null: not among them
   void Count(const inp_Keyword& keyword);
   void TellKept(const inp_Keyword& keyword, const cow_String& text);
 
   const inpS_Inventory& m_inventory;
-  cow_List<bool> m_modelled;
-  const inpS_Ledger* m_ledger = nullptr;
+  inpS_Ledger& m_ledger;
   bool m_isRestart = false;
   KvoSimPosition m_step; // that is open; null: none, or one that is kept as text
   std::optional<inpS_RestartDefinitions> m_definitions; // of a restart

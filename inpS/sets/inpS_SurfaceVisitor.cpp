@@ -48,8 +48,8 @@ bool isModelled(const inp_Keyword& keyword) {
 } // namespace
 
 inpS_SurfaceVisitor::inpS_SurfaceVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                                         const inpS_Inventory& inventory)
-    : inpS_SetVisitor(nodes, elements, inventory) {}
+                                         const inpS_Inventory& inventory, inpS_Ledger& ledger)
+    : inpS_SetVisitor(nodes, elements, inventory), m_ledger(ledger) {}
 
 inpS_SurfaceVisitor::~inpS_SurfaceVisitor() = default;
 
@@ -63,7 +63,7 @@ void inpS_SurfaceVisitor::VisitList(inp_KeywordListRef keywords) {
   m_combiner->Resolve([this](const inp_Keyword& keyword) { Enter(keyword); });
   m_combiner.reset();
   m_store.reset();
-  ReportUnreferredParameters(keywords, {inp_KwSurface});
+  ReportUnreferredParameters(keywords, inpS_ownKeywords(inpS_Subject::Surfaces));
   LeaveOut("surface", m_withoutMesh);
   if (m_withoutMesh > 0)
     Warning(
@@ -79,7 +79,7 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (keyword.Scope().kind == inp_Scope::Kind::Step) return keyword.ReferAll(); // text, and told
   if (!isModelled(keyword)) {
     keyword.ReferAll();
-    m_text.try_emplace(keyword.Body().get());
+    m_ledger.KeepAsText(keyword);
     m_combiner->AddKeptAsText(Owner(), keyword.StringOf("name", {}));
     return;
   }
@@ -87,12 +87,12 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (!name || name->AsString().empty())
     return Refuse(keyword, inpS_messageText(inpS_app_RequiredParameter, {"name"}) +
                                " The surface is left out.");
-  if (Owner().IsNull()) return keyword.ReferAll(); // its part or instance was refused
+  if (Owner().IsNull()) return Settle(keyword); // its part or instance was refused
   const bool internal = inpS_readFlag(keyword, "internal", *this, inpS_OddFlag::Kept);
   Operation operation = Operation::Defined;
   if (!ReadOperation(keyword, operation) || !IsFree(keyword, name->AsString(), internal)) {
     LeaveOut("surface");
-    return keyword.ReferAll();
+    return Settle(keyword);
   }
   const Type type = static_cast<Type>(typeOf(keyword));
   cow_List<double> points, segments;
@@ -100,14 +100,15 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
   if (isAnalytical(type) && operation == Operation::Defined) {
     if (IsSecondAnalytical(keyword) || !ReadAnalytical(keyword, points, segments, isWhole)) {
       LeaveOut("surface");
-      return keyword.ReferAll();
+      return Settle(keyword);
     }
   } else if (LacksMesh()) {
     if (m_withoutMesh++ == 0) m_firstWithoutMesh = keyword;
-    return keyword.ReferAll();
+    return Settle(keyword);
   }
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
   KvoObjSurface surface(Owner(), name->AsString(), internal);
+  m_ledger.Take(keyword, surface.Position());
   inpS_readParameters(keyword, inpS_surfaceParameters(), surface.Position().DataRecord(), *this);
   TellKept(keyword, type, operation);
   if (!points.empty()) surface.SetPoints(points);
@@ -282,7 +283,13 @@ bool inpS_SurfaceVisitor::ReadAnalytical(const inp_Keyword& keyword, cow_List<do
 
 void inpS_SurfaceVisitor::Refuse(const inp_Keyword& keyword, cow_String text) {
   Error(keyword, std::move(text));
+  m_ledger.LeaveOut(keyword);
   LeaveOut("surface");
+}
+
+void inpS_SurfaceVisitor::Settle(const inp_Keyword& keyword) {
+  m_ledger.LeaveOut(keyword);
+  keyword.ReferAll();
 }
 
 // Whether what is open is, or is made, an instance.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "database/KvoObjSurface.h"
-#include "inpS/framework/inpS_TextKeywords.h"
+#include "inpS/framework/inpS_Ledger.h"
 #include "inpS/sets/inpS_SetVisitor.h"
 #include <memory>
 #include <optional>
@@ -17,11 +17,8 @@ class inpS_SurfaceStore;
 class inpS_SurfaceVisitor : public inpS_SetVisitor {
 public:
   inpS_SurfaceVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
-                      const inpS_Inventory& inventory);
+                      const inpS_Inventory& inventory, inpS_Ledger& ledger);
   ~inpS_SurfaceVisitor() override;
-
-  // Those of types that are kept as text.
-  const inpS_TextKeywords& KeptAsText() const { return m_text; }
 
   // The deck's surfaces are in the database already (the second look of a restart).
   void SkipConverted() { m_isConverted = true; }
@@ -39,10 +36,11 @@ private:
   bool LacksAny(Kind kind);
   bool ReadData(const inp_Keyword& keyword, KvoObjSurface& surface);
   void Refuse(const inp_Keyword& keyword, cow_String text);
+  void Settle(const inp_Keyword& keyword); // left out, and told
   bool ReadAnalytical(const inp_Keyword& keyword, cow_List<double>& points,
                       cow_List<double>& segments, bool& isWhole);
 
-  inpS_TextKeywords m_text;
+  inpS_Ledger& m_ledger;
   bool m_isConverted = false;
   std::optional<bool> m_lacksMesh; // once it is known
   long long m_withoutMesh = 0;     // surfaces left out since there is no mesh

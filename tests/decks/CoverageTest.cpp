@@ -1,11 +1,14 @@
 // What the decks of this tree, together, must reach: every field of the records that are written by
-// hand, and every text of the dictionaries. Forms are walked elsewhere (tests/forms,
-// tests/materials).
+// hand, every text of the dictionaries, and every keyword that is told to be modelled. Forms are
+// walked elsewhere (tests/forms, tests/materials).
 
+#include "base/wip_WIPBase.h"
 #include "database/KvoObjDocument.h"
 #include "database/eds_ModelReader.h"
 #include "database/schema/eds_Form.h"
 #include "database/schema/eds_Schema.h"
+#include "inpS/driver/inpS_Inp2Sim.h"
+#include "parser/inp_KeywordTable.h"
 #include "tests/host/ProgramRun.h"
 #include <nlohmann/json.hpp>
 #include <set>
@@ -21,6 +24,13 @@ struct Reached {
 
 class DeckCoverage : public ProgramTest {
 protected:
+  static cow_List<std::filesystem::path> Decks() {
+    cow_List<std::filesystem::path> decks;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(
+             std::filesystem::path(INPS_TESTS_DIR) / "decks"))
+      if (entry.path().extension() == ".inp") decks.push_back(entry.path());
+    return decks;
+  }
   void Convert(const std::filesystem::path& deck, Reached& reached) const {
     constexpr std::string_view options = "** options: ";
     cow_List<cow_String> words = {"convert",     utl_pathText(deck), "-o",
@@ -106,9 +116,7 @@ cow_String longestPart(std::string_view text) {
 
 TEST_F(DeckCoverage, EveryFieldIsWrittenAndEveryTextProvoked) {
   Reached reached;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(
-           std::filesystem::path(INPS_TESTS_DIR) / "decks"))
-    if (entry.path().extension() == ".inp") Convert(entry.path(), reached);
+  for (const std::filesystem::path& deck : Decks()) Convert(deck, reached);
   for (const eds_RecordInfo& record : eds_schemaRecords()) {
     if (eds_formOf(record.kind) || elsewhere.contains(cow_String(record.name))) continue;
     for (const eds_FieldInfo& field : record.fields) {
@@ -123,5 +131,38 @@ TEST_F(DeckCoverage, EveryFieldIsWrittenAndEveryTextProvoked) {
     EXPECT_NE(isProvoked, unprovoked.contains(name))
         << (isProvoked ? "a deck provokes " : "no deck provokes ") << name << ": "
         << longestPart(text);
+  }
+}
+
+// What `inps keywords` tells of and what phases enter in the ledger are the same. A keyword whose
+// phase forgets to take it is kept as text beside what became of it; one that is not listed would
+// be told to be text.
+TEST_F(DeckCoverage, EveryKeywordThatIsListedIsTakenAndNoOther) {
+  struct : wip_WIPBase {
+    void Error(const wip_Message&, int) override {}
+    void ErrorList(const cow_List<wip_Message>&, int) override {}
+    void Warning(const wip_Message&) override {}
+    void WarningList(const cow_List<wip_Message>&) override {}
+  } silence;
+  const wip_ReporterScope reporting(silence);
+  inpS_Ledger::Kinds taken;
+  for (const std::filesystem::path& deck : Decks()) {
+    inpS_Inp2Sim driver(utl_pathText(deck), utl_pathText(deck.parent_path()));
+    if (!(driver.Parse() && driver.CheckUtf8Compliance() && driver.Expand() &&
+          driver.Reorganize() && driver.BuildInventory()))
+      continue;
+    driver.Convert(KvoObjDocument::InMemory());
+    inpS_Inp2Sim::ReportGathered();
+    taken |= driver.TakenKinds();
+  }
+  inpS_Ledger::Kinds listed;
+  for (const inp_KeywordEnm kind : inpS_Inp2Sim::CoveredKinds())
+    if (inpS_subjectOf(kind) != inpS_Subject::Preparation)
+      listed.set(static_cast<std::size_t>(kind));
+  for (const inp_KeywordRow& row : inp_KeywordTable::Instance().Rows()) {
+    const auto kind = static_cast<std::size_t>(row.kind);
+    EXPECT_EQ(taken[kind], listed[kind])
+        << '*' << row.name
+        << (listed[kind] ? " is listed, and nobody takes it" : " is taken, and not listed");
   }
 }

@@ -54,7 +54,8 @@ TEST(MaterialAssertions, UnknownValues) {
   };
   for (const auto& [keyword, condition] : cases) {
     const Converted deck("*MATERIAL, NAME=M\n" + cow_String(keyword));
-    inpS_MaterialVisitor visitor(deck.inventory);
+    inpS_Ledger ledger;
+    inpS_MaterialVisitor visitor(deck.inventory, ledger);
     const cow_String failure =
         failureOf([&] { visitor.CreateBehavior(deck.parsed.keywords.at(1), deck.owner); });
     EXPECT_NE(failure.find(condition), cow_String::npos) << keyword << failure;
@@ -74,7 +75,8 @@ TEST(MaterialAssertions, OwnersThatHaveNoSuchBehavior) {
   };
   for (const auto& [keyword, condition] : cases) {
     const Converted deck("*MATERIAL, NAME=M\n*SOLUBILITY\n1.\n" + cow_String(keyword));
-    inpS_MaterialVisitor visitor(deck.inventory);
+    inpS_Ledger ledger;
+    inpS_MaterialVisitor visitor(deck.inventory, ledger);
     const inp_Keyword& last = deck.parsed.keywords.at(2);
     const KvoSimPosition behavior = deck.document.CreateDataRecord(eds_FormKind::Solubility);
     const KvoSimPosition wrong = last.Kind() == inp_KwKappa ? KvoSimPosition() : behavior;
@@ -110,7 +112,8 @@ TEST(Amplitudes, SmoothingLeftOutFollowsTheAnalysis) {
                {"*STEP\n*CFD, INCOMPRESSIBLE NAVIER STOKES\n0.1, 1.\n*END STEP\n", 0}};
   for (const auto& [step, smoothing] : cases) {
     const Converted deck("*AMPLITUDE, NAME=A\n0., 0., 1., 1.\n" + cow_String(step));
-    inpS_AmplitudeVisitor visitor(deck.inventory);
+    inpS_Ledger ledger;
+    inpS_AmplitudeVisitor visitor(deck.inventory, ledger);
     visitor.VisitList(deck.parsed.keywords);
     const KvoSimPosition amplitude =
         deck.document.GetModel().Position().FollowStringKey(eds_Member::Amplitudes, "A");
