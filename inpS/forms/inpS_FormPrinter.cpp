@@ -98,7 +98,8 @@ void printLines(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& po
     return inpS_printWords(out, record.GetString(form.info->words.alternatives.front().field));
   case eds_FormData::Records:
     for (const KvoSimPosition& line : position.GetVector(eds_Member::Lines))
-      printLine(out, eds_formOf(form.info->record)->lines.front(), line.DataRecord(), true);
+      for (const auto& items : eds_formOf(form.info->record)->lines)
+        printLine(out, items, line.DataRecord(), true);
     return;
   case eds_FormData::Table:
   case eds_FormData::Plain:

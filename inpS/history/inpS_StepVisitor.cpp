@@ -130,6 +130,7 @@ bool inpS_StepVisitor::LacksWhatItNames(const inp_Keyword& procedure, const inpS
 void inpS_StepVisitor::VisitList(inp_KeywordListRef keywords) {
   Look(keywords);
   inpS_FormVisitor::VisitList(keywords);
+  CloseLoadCase();
 }
 
 bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
@@ -138,9 +139,10 @@ bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
   return known == m_facts.end() || !known->second.isRefused;
 }
 
-// What a procedure says wrongly the analysis cannot go without.
+// What a procedure says wrongly the analysis cannot go without; a condition it would.
 bool inpS_StepVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
-  return isProcedure(kind);
+  return isProcedure(kind) || kind == inp_KwTemperature || kind == inp_KwConnectorLoad ||
+         kind == inp_KwConnectorMotion;
 }
 
 // ---- the step opens and closes
@@ -154,6 +156,8 @@ void inpS_StepVisitor::Open(const inp_Keyword& keyword, const KvoSimPosition& re
   if (m_left.empty()) m_extrapolation.clear();
   if (cow_String own = extrapolationOf(record); !own.empty()) m_extrapolation = std::move(own);
   m_dampings.clear();
+  CloseLoadCase();
+  m_loadCases.clear();
   m_given.clear();
   for (const inp_Parameter& parameter : keyword.Parameters())
     if (parameter.name != "name") m_given.push_back(inpS_spelledName(parameter));
@@ -181,6 +185,7 @@ void inpS_StepVisitor::VisitEndStep(const inp_Keyword& keyword) {
     m_left = m_given;
   }
   SetDamping();
+  CloseLoadCase();
   inpS_keepUnused(keyword, OpenStep(), *this, inpS_closingRow);
   Ledger().Take(keyword, OpenStep());
 }
@@ -227,6 +232,12 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
     return CheckIncrements(keyword, record);
   case inp_KwModelChange:
     return CheckModelChange(keyword);
+  case inp_KwLoadCase:
+    return OpenLoadCase(keyword);
+  case inp_KwEndLoadCase:
+    if (!m_loadCase) Warning(keyword, "No *LOAD CASE is open; there is none to end.");
+    m_loadCase.reset();
+    return;
   case inp_KwGlobalDamping:
     m_dampings.push_back({keyword, record, m_lastProcedure});
     return;
@@ -262,6 +273,28 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   default:
     return;
   }
+}
+
+// One that is not closed ends with the next one, or with its step.
+void inpS_StepVisitor::OpenLoadCase(const inp_Keyword& keyword) {
+  CloseLoadCase();
+  m_loadCase = keyword;
+  const inp_Item* name = keyword.Find("name");
+  if (!name || name->AsString().empty()) return;
+  const auto known = std::ranges::find(m_loadCases, name->AsString());
+  if (known == m_loadCases.end())
+    m_loadCases.push_back(name->AsString());
+  else
+    AddWarning(inp_Utils::MessageAtParameter(keyword, "name",
+                                             "The step has a load case \"" + name->AsString() +
+                                                 "\" already; this is another one of that name."));
+}
+
+void inpS_StepVisitor::CloseLoadCase() {
+  if (m_loadCase)
+    Error(*m_loadCase, "*LOAD CASE is not closed by *END LOAD CASE; all that follows it, up to the "
+                       "next *LOAD CASE or the end of its step, is of it.");
+  m_loadCase.reset();
 }
 
 bool inpS_StepVisitor::IsPerturbation() const {

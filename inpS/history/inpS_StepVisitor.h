@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include <optional>
 #include <unordered_map>
 
 // The steps phase: each step becomes a record that holds its procedure and the keywords that go
@@ -46,6 +47,8 @@ private:
   void CheckControls(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckFluidStructure(const inp_Keyword& keyword);
   void TellIrrelevant(const inp_Keyword& keyword);
+  void OpenLoadCase(const inp_Keyword& keyword);
+  void CloseLoadCase();
   bool IsPerturbation() const; // by what is left to it, too
 
   // Values that no analysis can go by: inpS_StepVisitorValues.cpp.
@@ -69,7 +72,9 @@ private:
     KvoSimPosition record;
     KvoSimPosition procedure; // that it stands behind; null: it stands before all
   };
-  cow_List<Damping> m_dampings; // likewise, all global damping
+  cow_List<Damping> m_dampings;          // likewise, all global damping
+  std::optional<inp_Keyword> m_loadCase; // that is open
+  cow_List<cow_String> m_loadCases;      // names of those of the open step
   // Parameters of *STEP in the steps right before without a procedure, and in the one that is open.
   cow_List<cow_String> m_left;
   cow_List<cow_String> m_given;
