@@ -112,13 +112,12 @@ void inpS_FormVisitor::VisitWithinStep(const inp_Keyword& keyword) {
     m_stepPlace = 0;
     return;
   }
-  // One is of the whole model, wherever it stands, and goes back before the steps.
-  if (keyword.Kind() == inp_KwAmplitude) return;
-  ++m_stepPlace;
+  // What is of the whole model, wherever it stands, goes back before the steps.
+  if (inpS_stepPhaseOf(keyword.Kind()) != inpS_Phase::None || m_ledger.TextOf(keyword))
+    ++m_stepPlace;
   if (m_step.IsNull() || !IsOfPhase(keyword)) return;
-  // A property of materials that strayed into the step stays text.
-  const auto kinds = inpS_FormTable::Instance().KindsOf(keyword.Kind());
-  if (!kinds.empty() && static_cast<int>(kinds.front()) < eds_firstFormKind) return;
+  // What strayed into the step stays text.
+  if (!m_keywords.MayStandAt(keyword.Kind(), inp_LevelsStep)) return;
   // Steps are made in the walk that converts what stands in them: it takes what has a name, too.
   const bool isNamed = inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr;
   if (m_phase == inpS_Phase::Steps || isNamed == m_isNaming)
@@ -163,7 +162,6 @@ cow_List<inpS_TableColumns::Column> inpS_FormVisitor::ColumnsOf(const inp_Keywor
   return {};
 }
 
-// Null: it is kept as text.
 KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                                          eds_Member member, const inp_Keyword* parent) {
   Loss loss = owner.IsNull() ? Loss::Keyword : LossOfWords(keyword, parent);

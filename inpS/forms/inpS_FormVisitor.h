@@ -56,6 +56,12 @@ protected:
   bool IsMeshLeftOut() const { return m_isMeshLeftOut; }
   inpS_Ledger& Ledger() { return m_ledger; }
 
+  // The record that the keyword becomes, held by the owner; null: it is kept as text. parent: as of
+  // Choose.
+  KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner, eds_Member member,
+                         const inp_Keyword* parent);
+  bool IsNaming() const { return m_isNaming; } // of the two walks the first one
+
   // The record of the step that is open; null: none is, or it is kept as text.
   const KvoSimPosition& OpenStep() const { return m_step; }
 
@@ -70,8 +76,6 @@ private:
 
   void VisitWithinStep(const inp_Keyword& keyword);
   void Hold(const KvoSimPosition& owner, eds_Member member, const KvoSimPosition& record) const;
-  KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner, eds_Member member,
-                         const inp_Keyword* parent);
   void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
                   const inp_Keyword* parent, bool isTold);
   void ConvertSuboptions(const inp_Keyword& keyword, const KvoSimPosition& record);

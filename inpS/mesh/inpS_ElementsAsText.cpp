@@ -37,6 +37,13 @@ void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope
   Keep(keyword, scope, std::move(message), "elset", elementLabels(keyword));
 }
 
+void inpS_ElementsAsText::KeepSet(const inp_Keyword& keyword) {
+  inpS_TextPlace place;
+  place.reason = "names a set that is there before the step, which cannot change it";
+  m_keywords.try_emplace(keyword.Body().get(), std::move(place));
+  keyword.ReferAll();
+}
+
 bool inpS_ElementsAsText::KeepCopiedFromText(const inp_Keyword& keyword, inpS_MeshScope& scope) {
   if (m_keywords.empty()) return false; // as nearly always
   const cow_List<int> labels = CopiedLabels(keyword, scope);

@@ -116,8 +116,8 @@ bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
   if (AsText(keyword)) return false;
   // Inside a step nothing of the model's own keywords is converted, but for what has its name in
   // the whole model wherever it stands.
-  if (keyword.Kind() == inp_KwAmplitude) return true;
-  return keyword.Scope().kind != inp_Scope::Kind::Step;
+  return keyword.Scope().kind != inp_Scope::Kind::Step ||
+         inpS_stepPhaseOf(keyword.Kind()) == inpS_Phase::None;
 }
 
 const inpS_TextPlace* inpS_VerbatimVisitor::AsText(const inp_Keyword& keyword) const {
