@@ -125,6 +125,11 @@ void inpS_printFormLines(utl_Stream& out, const KvoSimPosition& position,
 void inpS_printForm(utl_Stream& out, const KvoSimPosition& position,
                     const inpS_FormPrinting& printing) {
   inpS_printFormLines(out, position, printing);
+  inpS_printSuboptions(out, position, printing);
+}
+
+void inpS_printSuboptions(utl_Stream& out, const KvoSimPosition& position,
+                          const inpS_FormPrinting& printing) {
   const auto suboptions = position.GetVector(eds_Member::Suboptions);
   printing.texts(position, position);
   for (const KvoSimPosition& suboption : suboptions) {
