@@ -4,6 +4,7 @@
 #include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_GlobalDamping.h"
 #include "inpS/history/inpS_ProcedureKind.h"
+#include "inpS/history/inpS_TimePointsVisitor.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
@@ -39,6 +40,23 @@ bool isBeforeText(const KvoObjDocument& document, const KvoSimPosition& step) {
                                return record.GetReference(eds_VerbatimKeyword_Behind) == step &&
                                       record.GetString(eds_VerbatimKeyword_Keyword) == "STEP";
                              });
+}
+
+// Those that are kept as text counted.
+long long countSteps(const KvoObjDocument& document) {
+  const auto texts = document.Context().GetRecords(eds_RecordKind::VerbatimKeyword);
+  return static_cast<long long>(
+             document.GetModel().Position().GetVector(eds_Member::Steps).size()) +
+         std::ranges::count_if(texts, [](const KvoSimPosition& text) {
+           return text.DataRecord().GetString(eds_VerbatimKeyword_Keyword) == "STEP";
+         });
+}
+
+bool isOfSubstructures(inp_KeywordEnm keyword) {
+  return keyword == inp_KwSubstructureMatrixOutput || keyword == inp_KwElementMatrixOutput ||
+         keyword == inp_KwElementOperatorOutput || keyword == inp_KwRetainedNodalDofs ||
+         keyword == inp_KwRetainedEigenmodes || keyword == inp_KwSubstructureLoadCase ||
+         keyword == inp_KwFlexibleBody;
 }
 
 cow_String extrapolationOf(const KvoSimPosition& step) {
@@ -129,8 +147,34 @@ bool inpS_StepVisitor::LacksWhatItNames(const inp_Keyword& procedure, const inpS
 
 void inpS_StepVisitor::VisitList(inp_KeywordListRef keywords) {
   Look(keywords);
+  m_baseSteps = countSteps(Inventory().GetDocument());
   inpS_FormVisitor::VisitList(keywords);
   CloseLoadCase();
+}
+
+// In a step that generates matrices nothing but *MATRIX OUTPUT says what becomes of them.
+void inpS_StepVisitor::Visit(const inp_Keyword& keyword) {
+  inpS_FormVisitor::Visit(keyword);
+  if (!m_open || m_open->procedure != inp_KwMatrixGenerate || !isOfSubstructures(keyword.Kind()))
+    return;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step)
+    Warning(keyword,
+            inp_Utils::Format("Unsupported suboption: %s.", cow_String(keyword.Name()).c_str()));
+}
+
+// Steps are added behind all of the model's own, whichever of them the deck goes on from.
+void inpS_StepVisitor::VisitRestart(const inp_Keyword& keyword) {
+  const inp_Item* step = keyword.Find("step");
+  if (m_baseSteps == 0 || IsNaming() || !keyword.HasParameter("read")) return;
+  if (!step || !step->IsNumber() || step->AsInt() == m_baseSteps) return;
+  const cow_String count = std::to_string(m_baseSteps);
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "step",
+      step->AsInt() > m_baseSteps || step->AsInt() < 1
+          ? "The model that is restarted has no step " + step->AsString() + ", but " + count +
+                "; steps are added behind all of them."
+          : "The model that is restarted has " + count + " steps; those behind step " +
+                step->AsString() + " stay, and steps are added behind all of them."));
 }
 
 bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
@@ -215,15 +259,22 @@ void inpS_StepVisitor::SetDamping() {
 
 // ---- what a row cannot say
 
-bool inpS_StepVisitor::MayConvert(const inp_Keyword&, const inpS_Form& form) {
+bool inpS_StepVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
+  m_keyword = keyword;
   Names().SetTextOfMissingNode(form.kind == eds_FormKind::StaticRiks ? textOfMissingNode : nullptr);
   return true;
 }
 
+cow_String inpS_StepVisitor::FaultOfLine(const KvoSimPosition& line) {
+  return inpS_TimePointsVisitor::FaultOfTimes(m_keyword, line);
+}
+
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                  const KvoSimPosition& record) {
+  CheckNames(keyword);
   if (!keyword.IsSuboption() && isProcedure(keyword.Kind())) {
     SetProcedure(keyword, record);
+    CheckPerturbation(keyword, form);
     CheckTimes(keyword, form, record);
   }
   switch (keyword.Kind()) {
@@ -245,8 +296,8 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwDynamic:
   case inp_KwHeatTransfer:
     return CheckProcedure(keyword, form);
-  case inp_KwDirectCyclic:
-    return CheckTimePoints(keyword);
+  case inp_KwTimePoints:
+    return inpS_TimePointsVisitor::CheckTimes(keyword, *this);
   case inp_KwCfd:
     return CheckCfd(keyword);
   case inp_KwMomentumEquationSolver:
@@ -330,15 +381,6 @@ void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_For
   if (keyword.Kind() == inp_KwHeatTransfer && keyword.StringOf("centering", "") == "NODE")
     AddError(inp_Utils::MessageAtParameter(keyword, "centering",
                                            "Node-centered heat transfer in CFD is not supported."));
-}
-
-// They may stand behind it, in any step, and as text.
-void inpS_StepVisitor::CheckTimePoints(const inp_Keyword& keyword) {
-  const inp_Item* points = keyword.Find("timepoints");
-  if (!points || Inventory().Names(inp_KwTimePoints, points->AsString())) return;
-  if (!Model().FollowStringKey(eds_Member::NamedTimePoints, points->AsString()).IsNull()) return;
-  AddWarning(inp_Utils::MessageAtParameter(
-      keyword, "timepoints", "Time points \"" + points->AsString() + "\" have not been defined."));
 }
 
 // Displacements and rotations are watched, nothing else.
