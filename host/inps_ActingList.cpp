@@ -142,6 +142,7 @@ void inps_printActing(aio_ostream& out, const KvoObjDocument& document,
   inps_printHistory(out, steps, mostListed);
   inpS_InForceDescription inForce(document);
   for (std::size_t n = 0; n < std::min(steps.size(), mostListed); ++n) {
+    if (steps[n].IsText()) continue; // what it says is not known
     out << '\n';
     printStep(out, inForce, steps[n].record);
   }
@@ -157,10 +158,11 @@ void inps_printActingJson(aio_ostream& out, const KvoObjDocument& document,
   for (std::size_t n = 0; n < steps.size(); ++n) {
     inps_Json step = inps_jsonOfStep(steps[n]);
     inps_Json acting = inps_Json::array();
-    inForce.ForAllIn(
-        steps[n].record, [](const cow_String&) { return true; },
-        [&](const Acting& one) { acting.push_back(jsonOf(one)); });
-    step["acting"] = std::move(acting);
+    if (!steps[n].IsText())
+      inForce.ForAllIn(
+          steps[n].record, [](const cow_String&) { return true; },
+          [&](const Acting& one) { acting.push_back(jsonOf(one)); });
+    step["acting"] = steps[n].IsText() ? inps_Json() : std::move(acting);
     out << (n > 0 ? ",\n    " : "\n    ") << within(step, 4);
   }
   out << (steps.empty() ? "]" : "\n  ]");

@@ -25,12 +25,13 @@ cow_String number(const KvoSimDataRecord& record, int field) {
   return inps_plainNumber(record.GetDouble(field));
 }
 
-cow_String natureOf(const KvoSimDataRecord& record) {
+cow_String natureOf(const inpS_HistoryDescription& step, const KvoSimDataRecord& record) {
   constexpr int task = 1; // about a base state
   if (record.GetBool(eds_HistoryStep_Perturbation) ||
       record.GetSymb(eds_HistoryStep_Registration) == task)
     return "perturbation";
-  if (!isGiven(record, eds_HistoryStep_Nonlinear)) return "general";
+  if (!isGiven(record, eds_HistoryStep_Nonlinear))
+    return step.isNonlinearSince ? "nonlinear (carried)" : "general";
   return record.GetBool(eds_HistoryStep_Nonlinear) ? "nonlinear" : "linear";
 }
 
@@ -60,10 +61,11 @@ cow_String frequenciesOf(const KvoSimDataRecord& record) {
   return hasHigh ? low + " to " + number(record, eds_HistoryStep_HighestFrequency) : "from " + low;
 }
 
-cow_String optionsOf(const inpS_HistoryDescription& step, const KvoSimDataRecord& record) {
-  cow_String text;
-  const auto add = [&](const cow_String& option) {
-    if (!option.empty()) text += (text.empty() ? "" : ", ") + option;
+cow_List<cow_String> optionsOf(const inpS_HistoryDescription& step,
+                               const KvoSimDataRecord& record) {
+  cow_List<cow_String> options;
+  const auto add = [&](cow_String option) {
+    if (!option.empty()) options.push_back(std::move(option));
   };
   if (isGiven(record, eds_HistoryStep_Eigenvalues))
     add(std::to_string(record.GetInt64(eds_HistoryStep_Eigenvalues)) + " modes");
@@ -77,18 +79,26 @@ cow_String optionsOf(const inpS_HistoryDescription& step, const KvoSimDataRecord
   if (record.GetBool(eds_HistoryStep_Iterative)) add("iterative solver");
   const long long others = step.keywords - (step.procedure.empty() ? 0 : 1);
   if (others > 0) add(inps_counted(others, "keyword"));
+  return options;
+}
+
+cow_String joined(const cow_List<cow_String>& words) {
+  cow_String text;
+  for (const cow_String& word : words) text += (text.empty() ? "" : ", ") + word;
   return text;
 }
 
 Row rowOf(const inpS_HistoryDescription& step) {
+  if (step.IsText())
+    return {std::to_string(step.number), inps_oneLine(step.name), "kept as text", "", "", "", ""};
   const KvoSimDataRecord record = step.record.DataRecord();
-  return {std::to_string(record.GetInt64(eds_HistoryStep_Number)),
-          inps_oneLine(record.ReturnString(eds_HistoryStep_Name)),
+  return {std::to_string(step.number),
+          inps_oneLine(step.name),
           step.procedure.empty() ? "no procedure" : step.procedure,
-          natureOf(record),
+          natureOf(step, record),
           isGiven(record, eds_HistoryStep_Period) ? number(record, eds_HistoryStep_Period) : "",
           incrementsOf(record),
-          optionsOf(step, record)};
+          joined(optionsOf(step, record))};
 }
 
 } // namespace
@@ -115,6 +125,7 @@ inps_Json inps_jsonOfHistory(const cow_List<inpS_HistoryDescription>& history) {
 inps_Json inps_jsonOfStep(const inpS_HistoryDescription& step) {
   constexpr const char* registrations[] = {"step", "task", "event"};
   constexpr const char* increments[] = {"none", "automatic", "fixed"};
+  if (step.IsText()) return {{"number", step.number}, {"name", step.name}, {"keptAsText", true}};
   const KvoSimDataRecord record = step.record.DataRecord();
   const auto real = [&](int field) -> inps_Json {
     if (!isGiven(record, field)) return nullptr;
@@ -125,14 +136,16 @@ inps_Json inps_jsonOfStep(const inpS_HistoryDescription& step) {
     if (!isGiven(record, field) || at >= words.size()) return nullptr;
     return words[at];
   };
-  inps_Json one{{"number", record.GetInt64(eds_HistoryStep_Number)},
-                {"name", record.ReturnString(eds_HistoryStep_Name)},
+  inps_Json one{{"number", step.number},
+                {"name", step.name},
+                {"keptAsText", false},
                 {"description", record.ReturnString(eds_HistoryStep_Description)}};
   one["procedure"] = step.procedure.empty() ? inps_Json(nullptr) : inps_Json(step.procedure);
   one["registration"] = word(eds_HistoryStep_Registration, registrations);
   one["nonlinear"] = isGiven(record, eds_HistoryStep_Nonlinear)
                          ? inps_Json(record.GetBool(eds_HistoryStep_Nonlinear))
                          : inps_Json(nullptr);
+  one["nonlinearSinceBefore"] = step.isNonlinearSince;
   one["perturbation"] = record.GetBool(eds_HistoryStep_Perturbation);
   one["period"] = real(eds_HistoryStep_Period);
   one["increments"] = record.GetInt64(eds_HistoryStep_Increments);
@@ -147,5 +160,6 @@ inps_Json inps_jsonOfStep(const inpS_HistoryDescription& step) {
   one["lowest"] = real(eds_HistoryStep_LowestFrequency);
   one["highest"] = real(eds_HistoryStep_HighestFrequency);
   one["keywords"] = step.keywords;
+  one["options"] = optionsOf(step, record);
   return one;
 }

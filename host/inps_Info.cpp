@@ -132,9 +132,8 @@ int listHistory(inps_Session& session, const inps_Arguments& arguments,
   cow_List<cow_String> have;
   cow_List<cow_String> numbers;
   for (const inpS_HistoryDescription& step : history) {
-    const KvoSimDataRecord record = step.record.DataRecord();
-    have.push_back(record.ReturnString(eds_HistoryStep_Name));
-    numbers.push_back(std::to_string(record.GetInt64(eds_HistoryStep_Number)));
+    have.push_back(step.name);
+    numbers.push_back(std::to_string(step.number));
   }
   cow_List<cow_String> wanted(arguments.Operands().begin() + 1, arguments.Operands().end());
   for (cow_String& word : wanted) {

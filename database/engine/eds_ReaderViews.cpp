@@ -117,6 +117,45 @@ WHERE (ifnull(h.perturbation, 0) = 0 AND ifnull(h.registration, '') <> 'REGISTER
   'CONNECTOR MOTION', 'TEMPERATURE', 'FIELD', 'PRESSURE STRESS', 'MASS FLOW RATE', 'D EM POTENTIAL'))";
 }
 
+// The tasks of the history: how each is registered, its place in the sequence of steps, and what
+// its results are collected over.
+cow_String tasks(Kinds kinds) {
+  if (!has(kinds, {eds_RecordKind::HistoryStep}))
+    return nothing({"step", "name", "registration", "procedure_kind", "procedure", "place",
+                    "collection", "begins", "ends", "least", "most", "items"});
+  return R"(
+SELECT number AS step, name,
+  CASE registration WHEN 'REGISTERED_TASK' THEN 'task' WHEN 'REGISTERED_EVENT' THEN 'event'
+    ELSE 'step' END AS registration,
+  procedure_kind, procedure,
+  iif(registration = 'REGISTERED_STEP', count(*) FILTER (WHERE registration = 'REGISTERED_STEP')
+    OVER before, NULL) AS place,
+  CASE WHEN procedure_kind = 'StaticRiks' THEN 'arc length'
+    WHEN procedure_kind = 'DirectCyclic' THEN 'cycle' WHEN ranges IS NOT NULL THEN 'frequency'
+    WHEN procedure_kind GLOB 'Frequency*' OR procedure_kind GLOB 'Buckle*'
+      OR procedure_kind = 'ComplexFrequency' THEN 'mode'
+    WHEN period IS NOT NULL THEN 'time' END AS collection,
+  iif(registration = 'REGISTERED_STEP', total(period) FILTER (WHERE registration = 'REGISTERED_STEP')
+    OVER before - ifnull(period, 0), iif(period IS NULL, NULL, 0.)) AS begins,
+  iif(registration = 'REGISTERED_STEP', total(period) FILTER (WHERE registration = 'REGISTERED_STEP')
+    OVER before, period) AS ends,
+  lowest_frequency AS least, highest_frequency AS most, ifnull(eigenvalues, ranges) AS items
+FROM v_history_step WHERE procedure IS NOT NULL
+WINDOW before AS (ORDER BY number))";
+}
+
+cow_String incrementations(Kinds kinds) {
+  if (!has(kinds, {eds_RecordKind::HistoryStep}))
+    return nothing({"step", "name", "kind", "initial", "minimum", "maximum", "increments",
+                    "no_stop", "load_factor"});
+  return R"(
+SELECT number AS step, name, iif(incrementation = 'INCREMENTS_FIXED', 'fixed', 'automatic')
+    || iif(procedure_kind = 'StaticRiks', ' arc length', '') AS kind,
+  initial_increment AS initial, minimum_increment AS minimum, maximum_increment AS maximum,
+  ifnull(increments, 100) AS increments, ifnull(no_stop, 0) AS no_stop, load_factor
+FROM v_history_step WHERE incrementation IN ('INCREMENTS_AUTOMATIC', 'INCREMENTS_FIXED'))";
+}
+
 } // namespace
 
 std::vector<eds_ReaderView> eds_readerViews(Kinds kinds) {
@@ -125,5 +164,7 @@ std::vector<eds_ReaderView> eds_readerViews(Kinds kinds) {
           {"v_flat_elements", flatElements(kinds)},
           {"v_sets", sets(kinds)},
           {"v_material_tables", materialTables(kinds)},
-          {"v_in_force", inForce(kinds)}};
+          {"v_in_force", inForce(kinds)},
+          {"v_task", tasks(kinds)},
+          {"v_incrementation", incrementations(kinds)}};
 }

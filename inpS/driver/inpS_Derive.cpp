@@ -6,6 +6,7 @@
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
 #include "inpS/history/inpS_History.h"
+#include "inpS/history/inpS_TimePointTables.h"
 #include "inpS/properties/inpS_OrientationSystems.h"
 #include "inpS/properties/inpS_SectionAssignments.h"
 #include "inpS/properties/inpS_SectionFields.h"
@@ -74,6 +75,7 @@ void inpS_deriveSections(const KvoObjDocument& document) {
 }
 
 cow_List<inpS_DuplicateCondition> inpS_deriveSteps(const KvoObjDocument& document) {
+  inpS_deriveTimePoints(document);
   inpS_deriveHistory(document);
   return inpS_deriveExcitations(document);
 }

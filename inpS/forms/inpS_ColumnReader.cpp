@@ -39,7 +39,8 @@ inpS_ColumnReader::inpS_ColumnReader(const inp_Keyword& keyword, const eds_FormI
                                      inp_Visitor& messages, inpS_LineCheck* check)
     : m_keyword(keyword), m_form(form), m_names(names), m_record(record), m_messages(messages),
       m_sets(record), m_targets(form.columnItems.size()), m_words(form.columnItems.size()),
-      m_check(check) {
+      m_check(check), m_isErrorToRefuse(check && check->IsErrorToRefuse()),
+      m_endsInTexts(inpS_endsInTexts(form.columnItems)) {
   for (std::size_t c = 0; c < form.columnItems.size(); ++c) {
     const eds_FormItem& item = form.columnItems[c];
     m_types.push_back(typeOf(item));
@@ -146,24 +147,37 @@ bool inpS_ColumnReader::TakeOdd(const Piece& piece, std::size_t slot, long long 
   if (!FaultOf(row, col).empty()) return false;
   const inp_DataArray& data = m_keyword.Data();
   for (std::size_t c = 0; c < m_types.size(); ++c) {
-    col = static_cast<int>(c);
+    col = ColOf(c, row);
     const bool isBlank = col >= data.Cols(row) || !data.HasValue(row, col);
     if (m_types[c] == inp_ColumnType::Real)
       piece.columns[c].reals[slot] = isBlank ? inp_blankReal : data.AsDouble(row, col);
     else
       piece.columns[c].ints[slot] = SlotOf(c, row);
   }
+  m_isWhole = m_isWhole && SurplusOf(row) < 0;
   return true;
 }
 
 int inpS_ColumnReader::SlotOf(std::size_t column, long long row) {
   const inp_DataArray& data = m_keyword.Data();
-  const int col = static_cast<int>(column);
+  const int col = ColOf(column, row);
   if (col >= data.Cols(row) || !data.HasValue(row, col)) return inp_blankInt;
   if (m_types[column] == inp_ColumnType::Int || IsNumberOfWords(column, data, row))
     return data.AsInt(row, col);
   if (m_words[column]) return m_words[column]->Of(data.AsStringVerbatim(row, col));
   return m_targets[column]->Of(data, row, col);
+}
+
+// A line that ends in a word where a real should be has its last field there.
+int inpS_ColumnReader::ColOf(std::size_t column, long long row) const {
+  const inp_DataArray& data = m_keyword.Data();
+  const int last = static_cast<int>(m_types.size()) - 1;
+  const int col = static_cast<int>(column);
+  if (!m_endsInTexts || col < last - 1 || last - 1 >= data.Cols(row) ||
+      data.Type(row, last - 1) != inp_FieldType::String ||
+      (last < data.Cols(row) && data.HasValue(row, last)))
+    return col;
+  return col == last ? last - 1 : last;
 }
 
 // Of a piece with lines that the subject's check has something against.
@@ -197,6 +211,10 @@ void inpS_ColumnReader::TellFaults() {
     int col = 0;
     cow_String text = FaultOf(row, col);
     if (text.empty()) {
+      if (const int surplus = SurplusOf(row); surplus >= 0)
+        TellFault(row, {surplus,
+                        "The line has more values than it can have; they are kept as they stand.",
+                        false, false});
       if (!m_hasFaults) continue;
       if (const auto fault = CheckedFaultOf(row)) TellFault(row, *fault);
       continue;
@@ -209,17 +227,21 @@ void inpS_ColumnReader::TellFaults() {
       const cow_String name = data.AsStringVerbatim(row, col);
       const bool isNumber = data.Type(row, col) != inp_FieldType::String;
       const bool isLabel = isNumber || m_targets[c]->IsLabel(name);
-      if (m_check->TakeMissing(isLabel, name)) continue;
+      if (m_check->TakeMissing(isLabel, name)) {
+        m_refused.push_back(row);
+        continue;
+      }
       const cow_String own = isLabel ? "" : m_check->TextOfMissing(inp_Utils::Fold(name));
       if (!own.empty()) text = own;
     }
-    TellFault(row, {col, text, m_check && m_check->IsErrorToRefuse(), true});
+    TellFault(row, {col, text, m_isErrorToRefuse, true});
   }
 }
 
 // What becomes of a refused line stands behind a text of our own, and in a note of one that users
 // know to the letter.
 void inpS_ColumnReader::TellFault(long long row, const inpS_LineFault& fault) {
+  if (fault.isRefused) m_refused.push_back(row);
   cow_String text = fault.text;
   cow_String kept = "The line is kept as it stands, and nothing is made of it.";
   const bool isOwn = text.ends_with('.');
@@ -243,9 +265,8 @@ std::optional<inpS_LineFault> inpS_ColumnReader::CheckedFaultOf(long long row) {
 
 cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
   const inp_DataArray& data = m_keyword.Data();
-  const int cols = static_cast<int>(m_types.size());
-  for (col = 0; col < cols; ++col) {
-    const auto c = static_cast<std::size_t>(col);
+  for (std::size_t c = 0; c < m_types.size(); ++c) {
+    col = ColOf(c, row);
     const eds_FormItem& item = m_form.columnItems[c];
     if (col >= data.Cols(row) || !data.HasValue(row, col)) {
       if (!item.isRequired) continue;
@@ -264,9 +285,15 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
     if (!m_targets[c] || m_targets[c]->Of(data, row, col) != inpS_noTarget) continue;
     return TextOfMissing(item, text, isNumber);
   }
-  for (; col < data.Cols(row); ++col)
-    if (data.HasValue(row, col)) return "The line has more values than it can have.";
   return {};
+}
+
+// The first value of a line that has more than it can have; -1: it has not.
+int inpS_ColumnReader::SurplusOf(long long row) const {
+  const inp_DataArray& data = m_keyword.Data();
+  for (int col = static_cast<int>(m_types.size()); col < data.Cols(row); ++col)
+    if (data.HasValue(row, col)) return col;
+  return -1;
 }
 
 cow_String inpS_ColumnReader::TextOfMissing(const eds_FormItem& item, const cow_String& name,

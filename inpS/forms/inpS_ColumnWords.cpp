@@ -43,3 +43,10 @@ cow_List<cow_String> inpS_ColumnWords::Stored(const KvoSimDataRecord& record, in
   if (!text.empty()) words.push_back(std::move(word));
   return words;
 }
+
+bool inpS_endsInTexts(const cow_List<eds_FormItem>& columns) {
+  const auto typeOf = [&](std::size_t fromEnd) {
+    return columns[columns.size() - fromEnd].alternatives.front().type;
+  };
+  return columns.size() > 2 && typeOf(1) == eds_FormType::Text && typeOf(2) == eds_FormType::Real;
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_Form.h"
 #include "inpS/forms/inpS_NameCodes.h"
 #include <unordered_map>
 
@@ -21,3 +22,7 @@ private:
   std::unordered_map<cow_String, int> m_places; // of words as they are kept
   inpS_NameCodes m_codes;
 };
+
+// Whether the last column is of texts and the one before it of reals: a text may take the place of
+// the real, as the name of a film property that of its coefficient.
+bool inpS_endsInTexts(const cow_List<eds_FormItem>& columns);

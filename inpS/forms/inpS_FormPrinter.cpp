@@ -98,7 +98,8 @@ void printLines(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& po
     return inpS_printWords(out, record.GetString(form.info->words.alternatives.front().field));
   case eds_FormData::Records:
     for (const KvoSimPosition& line : position.GetVector(eds_Member::Lines))
-      printLine(out, eds_formOf(form.info->record)->lines.front(), line.DataRecord(), true);
+      for (const auto& items : eds_formOf(form.info->record)->lines)
+        printLine(out, items, line.DataRecord(), true);
     return;
   case eds_FormData::Table:
   case eds_FormData::Plain:
@@ -124,6 +125,11 @@ void inpS_printFormLines(utl_Stream& out, const KvoSimPosition& position,
 void inpS_printForm(utl_Stream& out, const KvoSimPosition& position,
                     const inpS_FormPrinting& printing) {
   inpS_printFormLines(out, position, printing);
+  inpS_printSuboptions(out, position, printing);
+}
+
+void inpS_printSuboptions(utl_Stream& out, const KvoSimPosition& position,
+                          const inpS_FormPrinting& printing) {
   const auto suboptions = position.GetVector(eds_Member::Suboptions);
   printing.texts(position, position);
   for (const KvoSimPosition& suboption : suboptions) {

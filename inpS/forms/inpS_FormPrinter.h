@@ -27,6 +27,10 @@ void inpS_printFormLines(utl_Stream& out, const KvoSimPosition& record,
 void inpS_printForm(utl_Stream& out, const KvoSimPosition& record,
                     const inpS_FormPrinting& printing);
 
+// What stands under a record's keyword, and the texts there.
+void inpS_printSuboptions(utl_Stream& out, const KvoSimPosition& record,
+                          const inpS_FormPrinting& printing);
+
 // By the names of parameters: their values, "" for one that has none; nullopt: not printed.
 using inpS_ParameterTexts = cow_Map<cow_String, std::optional<cow_String>>;
 // The keyword line of a record with some parameters changed; of no record with these alone.

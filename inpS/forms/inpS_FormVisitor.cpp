@@ -33,6 +33,17 @@ bool namesMesh(const eds_FormItem& item) {
   });
 }
 
+cow_String nameOf(inp_KeywordEnm keyword) {
+  return "*" + cow_String(inp_KeywordTable::Instance().Row(keyword)->name);
+}
+
+// "OP=NWE"
+cow_String wordOf(const inp_Keyword& keyword, const cow_String& parameter) {
+  for (const inp_Parameter& one : keyword.Parameters())
+    if (one.name == parameter) return inpS_spelledName(one) + "=" + one.value.Verbatim();
+  return parameter;
+}
+
 // Whether keywords of the phase's blocks have names that others refer to.
 bool namesAny(inpS_Phase phase) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
@@ -101,13 +112,12 @@ void inpS_FormVisitor::VisitWithinStep(const inp_Keyword& keyword) {
     m_stepPlace = 0;
     return;
   }
-  // One is of the whole model, wherever it stands, and goes back before the steps.
-  if (keyword.Kind() == inp_KwAmplitude) return;
-  ++m_stepPlace;
+  // What is of the whole model, wherever it stands, goes back before the steps.
+  if (inpS_stepPhaseOf(keyword.Kind()) != inpS_Phase::None || m_ledger.TextOf(keyword))
+    ++m_stepPlace;
   if (m_step.IsNull() || !IsOfPhase(keyword)) return;
-  // A property of materials that strayed into the step stays text.
-  const auto kinds = inpS_FormTable::Instance().KindsOf(keyword.Kind());
-  if (!kinds.empty() && static_cast<int>(kinds.front()) < eds_firstFormKind) return;
+  // What strayed into the step stays text.
+  if (!m_keywords.MayStandAt(keyword.Kind(), inp_LevelsStep)) return;
   // Steps are made in the walk that converts what stands in them: it takes what has a name, too.
   const bool isNamed = inpS_FormTable::Instance().Named(keyword.Kind()) != nullptr;
   if (m_phase == inpS_Phase::Steps || isNamed == m_isNaming)
@@ -138,7 +148,9 @@ void inpS_FormVisitor::Converted(const inp_Keyword&, const inpS_Form&, const Kvo
 
 bool inpS_FormVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                    const KvoSimPosition& record) {
-  return inpS_ColumnReader(keyword, form, record, m_names, *this).Read();
+  inpS_ColumnReader reader(keyword, form, record, m_names, *this);
+  reader.SetErrorToRefuse(IsErrorToLack(keyword.Kind()));
+  return reader.Read();
 }
 
 cow_String inpS_FormVisitor::FaultOfLine(const KvoSimPosition&) {
@@ -150,17 +162,17 @@ cow_List<inpS_TableColumns::Column> inpS_FormVisitor::ColumnsOf(const inp_Keywor
   return {};
 }
 
-// Null: it is kept as text.
 KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                                          eds_Member member, const inp_Keyword* parent) {
-  const bool isLost = owner.IsNull() || inpS_hasUnknownWord(keyword);
-  const inpS_Form* form = isLost ? nullptr : Choose(keyword, parent);
+  Loss loss = owner.IsNull() ? Loss::Keyword : LossOfWords(keyword, parent);
+  const bool isToldLost = !owner.IsNull() && loss == Loss::Keyword;
+  const inpS_Form* form = loss == Loss::Keyword ? nullptr : Choose(keyword, parent);
   inpS_FormRows rows;
   const bool isRefused =
-      form && !(MayBe(keyword, *form, owner, member) && MayConvert(keyword, *form) &&
+      form && !(MayBe(keyword, *form, owner, member, loss) && MayConvert(keyword, *form) &&
                 (!form->HasTable() || rows.Read(keyword, *form, *this, ColumnsOf(keyword, *form))));
   if (!form || isRefused) {
-    KeepAsText(keyword, owner, parent, isRefused);
+    KeepAsText(keyword, owner, parent, isRefused || isToldLost);
     return {};
   }
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
@@ -169,7 +181,7 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
   if (const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind()); named)
     NamesIn(owner).AssociateStringKey(named->member, keyword.StringOf("name", ""), record);
   ReadParameters(keyword, *form, record.DataRecord());
-  bool whole = ReadData(keyword, *form->info, record);
+  bool whole = loss != Loss::Lines && ReadData(keyword, *form->info, record);
   if (form->HasTable()) {
     whole = whole && rows.Table().Unread().empty();
     rows.Store(record);
@@ -208,12 +220,12 @@ void inpS_FormVisitor::ConvertSuboptions(const inp_Keyword& keyword, const KvoSi
 }
 
 bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
-                             const KvoSimPosition& owner, eds_Member member) {
+                             const KvoSimPosition& owner, eds_Member member, Loss& loss) {
   if (m_isMeshLeftOut && std::ranges::any_of(form.info->columnItems, namesMesh)) {
     ++m_withoutMesh;
     return false;
   }
-  if (!CheckReferences(keyword, form) || !IsNameFree(keyword, owner)) return false;
+  if (!CheckReferences(keyword, form, loss) || !IsNameFree(keyword, owner)) return false;
   if (form.info->data == eds_FormData::Words &&
       inpS_readWords(keyword, form.info->words, *this).empty())
     return false;
@@ -277,9 +289,58 @@ void inpS_FormVisitor::Tell(const inp_Keyword& keyword, wip_Message message) {
     AddWarning(std::move(message));
 }
 
+// Decided here: who misspells OP says nothing by it, and one whose amplitude is not there has none,
+// as has one with an odd YES or NO; the lines mean what they mean without it. Without any other
+// word (the TYPE of a *BOUNDARY, the axes of a traction) nothing true can be said of the lines of
+// bulk columns: they are kept as they stand and nothing is made of them, but OP=NEW holds. All
+// other keywords are no such thing without it.
+inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
+                                                const cow_String& parameter) {
+  const auto binding = std::ranges::find(form.parameters, parameter, &inpS_ParameterBinding::key);
+  if (binding == form.parameters.end()) return Loss::Keyword;
+  const eds_FormItem& item =
+      *form.items[static_cast<std::size_t>(binding - form.parameters.begin())];
+  const eds_Referable* referable = item.alternatives.front().referable;
+  const bool isAmplitude = referable && referable->word == "amplitude";
+  const bool saysYesOrNo = binding->words.size() == 2 && binding->words.front() == "YES";
+  if (parameter == "op" || (isAmplitude && !item.isRequired) || saysYesOrNo) return Loss::Parameter;
+  return form.Binds("op") && form.info->data == eds_FormData::Columns ? Loss::Lines : Loss::Keyword;
+}
+
+inpS_FormVisitor::Loss inpS_FormVisitor::LossOfWords(const inp_Keyword& keyword,
+                                                     const inp_Keyword* parent) {
+  const cow_List<cow_String> unknown = inpS_unknownWords(keyword);
+  if (unknown.empty()) return Loss::Parameter;
+  const inpS_Form* form = inpS_FormTable::Instance().Select(keyword, parent);
+  Loss all = Loss::Parameter;
+  for (const cow_String& name : unknown)
+    all = std::max(all, form ? LossOf(*form, name) : Loss::Keyword);
+  for (const cow_String& name : unknown)
+    TellLost(keyword, name, wordOf(keyword, name) + " says nothing.",
+             form && all != Loss::Keyword ? LossOf(*form, name) : all, false);
+  return all;
+}
+
+// Once for each parameter, whoever meets it next.
+void inpS_FormVisitor::TellLost(const inp_Keyword& keyword, const cow_String& parameter,
+                                const cow_String& fault, Loss loss, bool isDoubt) {
+  constexpr const char* texts[] = {
+      " The parameter counts as not given, and is kept as it stands.",
+      " The parameter and the lines are kept as they stand, and nothing is made of them.",
+      " The keyword is kept as text."};
+  wip_Message message =
+      inp_Utils::MessageAtParameter(keyword, parameter, fault + texts[static_cast<int>(loss)]);
+  if (isDoubt)
+    AddWarning(std::move(message));
+  else
+    Tell(keyword, std::move(message));
+  keyword.LeaveUnread(parameter);
+}
+
 // What the keyword is about must be there: half of it would be a lie. It stays as text, so nothing
 // is lost.
-bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Form& form) {
+bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Form& form,
+                                       Loss& loss) {
   bool good = true;
   for (std::size_t n = 0; n < form.parameters.size(); ++n) {
     const inpS_ParameterBinding& parameter = form.parameters[n];
@@ -298,11 +359,20 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
       return false;
     }
     const inp_KeywordEnm definer = inpS_FormTable::Instance().DefinerOf(referable);
-    if (definer != inp_NullKeyword && Inventory().Names(definer, item->AsString()))
+    const bool isText = definer != inp_NullKeyword && Inventory().Names(definer, item->AsString());
+    if (const Loss lost = LossOf(form, parameter.key); lost != Loss::Keyword) {
+      TellLost(keyword, parameter.key,
+               isText ? nameOf(definer) + " \"" + item->AsString() + "\" is kept as text."
+                      : m_names.TextOfMissing(referable, item->AsString()),
+               lost, isText);
+      loss = std::max(loss, lost);
+      continue;
+    }
+    if (isText)
       AddWarning(inp_Utils::MessageAtParameter(
           keyword, parameter.key,
-          "*" + cow_String(inp_KeywordTable::Instance().Row(definer)->name) + " \"" +
-              item->AsString() + "\" is kept as text; so is this keyword, which refers to it."));
+          nameOf(definer) + " \"" + item->AsString() +
+              "\" is kept as text; so is this keyword, which refers to it."));
     else
       TellMissing(keyword, parameter.key, referable, item->AsString());
     good = false;
@@ -374,11 +444,13 @@ bool inpS_FormVisitor::ReadSurplus(const inp_Keyword& keyword, long long lines) 
   return true;
 }
 
-// A record for each line; one that lacks what it is about costs that line. Where nothing must be
-// given, a line without a value has its place before one with some.
+// A record for each line, or for as many as its kind has; one that lacks what it is about costs
+// them. Where nothing must be given, a line without a value has its place before one with some.
 bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, eds_RecordKind kind,
                                    const KvoSimPosition& record) {
-  const cow_List<eds_FormItem>& items = eds_formOf(kind)->lines.front();
+  const auto& lines = eds_formOf(kind)->lines;
+  const auto perRecord = static_cast<long long>(lines.size());
+  const cow_List<eds_FormItem>& items = lines.front();
   const inp_DataArray& data = keyword.Data();
   const bool holdsPlaces = std::ranges::none_of(items, &eds_FormItem::isRequired);
   long long rows = data.Rows();
@@ -388,12 +460,18 @@ bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, 
     if (!holdsPlaces && isBlankLine(data, row)) continue;
     const KvoSimPosition line = record.CreateDataRecord(kind);
     Line read = ReadLine(keyword, row, items, line);
-    if (const cow_String fault = read == Line::Nothing ? "" : FaultOfLine(line); !fault.empty()) {
+    cow_String fault =
+        row + perRecord > rows ? "The lines that must follow are missing." : cow_String();
+    for (long long n = 1; n < perRecord && fault.empty(); ++n)
+      read = std::max(read, ReadLine(keyword, row + n, lines[static_cast<std::size_t>(n)], line));
+    if (fault.empty() && read != Line::Nothing) fault = FaultOfLine(line);
+    if (!fault.empty()) {
       Tell(keyword,
            inp_Utils::MessageAtRow(
                keyword, row, fault + " The line is kept as it stands, and nothing is made of it."));
       read = Line::Nothing;
     }
+    row += perRecord - 1;
     whole = whole && read == Line::Whole;
     if (read == Line::Nothing)
       line.Remove();

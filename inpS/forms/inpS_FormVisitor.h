@@ -56,23 +56,35 @@ protected:
   bool IsMeshLeftOut() const { return m_isMeshLeftOut; }
   inpS_Ledger& Ledger() { return m_ledger; }
 
+  // The record that the keyword becomes, held by the owner; null: it is kept as text. parent: as of
+  // Choose.
+  KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner, eds_Member member,
+                         const inp_Keyword* parent);
+  bool IsNaming() const { return m_isNaming; } // of the two walks the first one
+
   // The record of the step that is open; null: none is, or it is kept as text.
   const KvoSimPosition& OpenStep() const { return m_step; }
 
 private:
+  // What goes with a parameter whose word nobody knows, or whose name nothing has.
+  enum class Loss : unsigned char { Parameter, Lines, Keyword };
+  static Loss LossOf(const inpS_Form& form, const cow_String& parameter);
+  // Of the words of a keyword that are none of the language's; what becomes of it is told.
+  Loss LossOfWords(const inp_Keyword& keyword, const inp_Keyword* parent);
+  void TellLost(const inp_Keyword& keyword, const cow_String& parameter, const cow_String& fault,
+                Loss loss, bool isDoubt);
+
   void VisitWithinStep(const inp_Keyword& keyword);
   void Hold(const KvoSimPosition& owner, eds_Member member, const KvoSimPosition& record) const;
-  KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner, eds_Member member,
-                         const inp_Keyword* parent);
   void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
                   const inp_Keyword* parent, bool isTold);
   void ConvertSuboptions(const inp_Keyword& keyword, const KvoSimPosition& record);
   // Whether the keyword can be this form's record; what stands against it is told.
   bool MayBe(const inp_Keyword& keyword, const inpS_Form& form, const KvoSimPosition& owner,
-             eds_Member member);
+             eds_Member member, Loss& loss);
   KvoSimPosition NamesIn(const KvoSimPosition& owner) const;
   bool IsNameFree(const inp_Keyword& keyword, const KvoSimPosition& owner);
-  bool CheckReferences(const inp_Keyword& keyword, const inpS_Form& form);
+  bool CheckReferences(const inp_Keyword& keyword, const inpS_Form& form, Loss& loss);
   void ReadParameters(const inp_Keyword& keyword, const inpS_Form& form, KvoSimDataRecord record);
   void ReadItem(const inp_Keyword& keyword, const inpS_ParameterBinding& parameter,
                 const eds_FormItem& item, const inp_Item& value, KvoSimDataRecord record);

@@ -138,10 +138,7 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   if (span != "STEPTIME" && span != "TOTALTIME")
     AddWarning(inp_Utils::MessageAtParameter(keyword, "time", "This is taken for TOTAL TIME."));
   inpS_readParameters(keyword, form.parameters, record, *this);
-  for (const inp_Keyword& suboption : keyword.Suboptions()) {
-    m_ledger.KeepAsText(suboption, {amplitude, {}});
-    m_suboptions.emplace(packed, suboption);
-  }
+  for (const inp_Keyword& suboption : keyword.Suboptions()) m_suboptions.emplace(packed, suboption);
   keyword.Find("input"); // the parser has read that file's lines
   m_isWhole = true;
   CheckWidths(keyword, form);
@@ -222,6 +219,10 @@ void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
   for (const KvoSimPosition& values : amplitude.GetVector(eds_Member::Distributions))
     removeDistribution(values);
   if (KvoSrvFsmFTable table = amplitude.GetFTable(); !table.IsNull()) table.Remove();
+  for (KvoSimPosition& suboption : amplitude.GetVector(eds_Member::Suboptions)) {
+    for (KvoSimPosition& line : suboption.GetVector(eds_Member::Lines)) line.Remove();
+    suboption.Remove();
+  }
   amplitude.Remove();
 }
 

@@ -29,15 +29,19 @@ bool inpS_BoundaryVisitor::IsErrorToLack(inp_KeywordEnm) const {
 
 bool inpS_BoundaryVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                        const KvoSimPosition& record) {
-  if (keyword.Kind() == inp_KwBoundary)
-    return inpS_BoundaryLines(keyword, m_fluidSteps.Has(OpenStep()))
-        .Read(form, record, Names(), *this);
+  if (keyword.Kind() == inp_KwBoundary) {
+    inpS_BoundaryLines lines(keyword, m_fluidSteps.Has(OpenStep()));
+    const bool isWhole = lines.Read(form, record, Names(), *this);
+    m_refused = lines.TakeRefused();
+    return isWhole;
+  }
   inpS_FluidLines lines(keyword, form.kind);
   return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
 }
 
 void inpS_BoundaryVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                      const KvoSimPosition& record) {
-  if (m_places && keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);
+  if (m_places && keyword.Kind() == inp_KwBoundary)
+    m_places->Add(record, keyword, std::exchange(m_refused, {}));
   inpS_FormVisitor::Converted(keyword, form, record);
 }

@@ -24,4 +24,5 @@ protected:
 private:
   inpS_FluidSteps m_fluidSteps;
   inpS_DuplicateReport* m_places = nullptr;
+  cow_List<long long> m_refused; // of the condition at hand: its lines that are no rows
 };

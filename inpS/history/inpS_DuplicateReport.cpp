@@ -4,36 +4,37 @@
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 
-namespace {
-
-// The line of a row, when every line of the keyword is one; -1: that is not so.
-long long lineOf(const inp_Keyword& keyword, const inpS_DuplicateCondition& duplicate) {
+// The line of a row; -1: the keyword's lines are not the record's rows, as after a restart.
+long long inpS_DuplicateReport::LineOf(const Given& given,
+                                       const inpS_DuplicateCondition& duplicate) {
   const KvoSimDataRecord record = duplicate.record.DataRecord();
   const eds_FormInfo* form = eds_formOf(duplicate.record.Object().RecordKind());
-  const inp_DataArray& data = keyword.Data();
+  const inp_DataArray& data = given.keyword->Data();
+  auto refused = given.refused.begin();
   long long rows = 0;
   long long line = -1;
   for (long long n = 0; n < data.Rows(); ++n) {
-    if (inpS_KeywordReader::IsBlankRow(data, n)) continue;
+    const bool isRefused = refused != given.refused.end() && *refused == n;
+    if (isRefused) ++refused;
+    if (isRefused || inpS_KeywordReader::IsBlankRow(data, n)) continue;
     if (rows++ == duplicate.row) line = n;
   }
   return form && rows == record.GetInt64(form->rowsField) ? line : -1;
 }
 
-} // namespace
-
 bool inpS_DuplicateReport::Report(const cow_List<inpS_DuplicateCondition>& duplicates) const {
   inp_Visitor messages;
   for (const inpS_DuplicateCondition& duplicate : duplicates) {
-    const auto keyword = m_keywords.find(duplicate.record.ID());
-    if (keyword == m_keywords.end()) continue;
+    const auto given = m_keywords.find(duplicate.record.ID());
+    if (given == m_keywords.end()) continue;
+    const inp_Keyword& keyword = *given->second.keyword;
     cow_String labels;
     for (const int label : duplicate.labels)
       labels += (labels.empty() ? "" : ", ") + std::to_string(label);
     const cow_String text = "Duplicate Boundary condition specified for " + labels + ".";
-    const long long line = lineOf(*keyword->second, duplicate);
-    messages.AddError(line < 0 ? inp_Utils::MessageInKeyword(*keyword->second, text)
-                               : inp_Utils::MessageAtRow(*keyword->second, line, text));
+    const long long line = LineOf(given->second, duplicate);
+    messages.AddError(line < 0 ? inp_Utils::MessageInKeyword(keyword, text)
+                               : inp_Utils::MessageAtRow(keyword, line, text));
   }
   messages.Report();
   return !messages.IsError();

@@ -8,12 +8,19 @@
 // holds follows from the model alone, and the model knows no places.
 class inpS_DuplicateReport {
 public:
-  void Add(const KvoSimPosition& record, const inp_Keyword& keyword) {
-    m_keywords.emplace(record.ID(), &keyword);
+  // refused: its data lines that are no rows of the record, in order.
+  void Add(const KvoSimPosition& record, const inp_Keyword& keyword, cow_List<long long> refused) {
+    m_keywords.emplace(record.ID(), Given{&keyword, std::move(refused)});
   }
   // False: there are some. Those of records from before a restart are its base's, and were told.
   bool Report(const cow_List<inpS_DuplicateCondition>& duplicates) const;
 
 private:
-  std::unordered_map<int64_t, const inp_Keyword*> m_keywords;
+  struct Given {
+    const inp_Keyword* keyword;
+    cow_List<long long> refused;
+  };
+  static long long LineOf(const Given& given, const inpS_DuplicateCondition& duplicate);
+
+  std::unordered_map<int64_t, Given> m_keywords;
 };

@@ -187,7 +187,7 @@ cow_String inpS_ExcitationWriter::FieldOf(const Current& current, const inpS_Con
 }
 
 std::pair<const inpS_ExcitationWriter::GroupKey*, inpS_ExcitationWriter::Group*>
-inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, const cow_String& field) {
+inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, cow_String field) {
   const auto [known, isNew] = current.groups.try_emplace(key);
   Group& group = known->second;
   if (!isNew) return {&known->first, &group};
@@ -199,11 +199,16 @@ inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, const cow_
   record.SetString(eds_Excitation_Name, "Excitation_" + std::to_string(m_number++));
   record.SetSymb(eds_Excitation_Kind, kind.number);
   record.SetReference(eds_Excitation_Given, source.record);
+  cow_String components =
+      key.field > 0 ? inpS_Degrees::Components(key.degrees, key.field) : cow_String();
+  const long long degree = kind.degree < 0 ? 0 : given.GetInt64(kind.degree);
+  if (const uint64_t one = inpS_Degrees::Of(degree, degree); one != 0) { // a parameter tells it
+    const inpS_Degrees::Group group = inpS_Degrees::Groups(one, kind, {}).front();
+    field = group.field;
+    components = inpS_Degrees::Components(one, group.firstDegree);
+  }
   if (!field.empty()) record.SetString(eds_Excitation_Field, field);
-  if (key.field > 0)
-    if (const cow_String components = inpS_Degrees::Components(key.degrees, key.field);
-        !components.empty())
-      record.SetString(eds_Excitation_Components, components);
+  if (!components.empty()) record.SetString(eds_Excitation_Components, components);
   if (key.restraint >= 0) record.SetSymb(eds_Excitation_Restraint, key.restraint);
   if (key.label >= 0) record.SetString(eds_Excitation_Label, current.rows.Label(key.label));
   record.SetInt(eds_Excitation_Step, source.firstStep);

@@ -69,7 +69,7 @@ private:
   const Groups& GroupsOf(Current& current, const inpS_ConditionRow& row, int transform);
   Groups MakeGroups(Current& current, const inpS_ConditionRow& row, int transform);
   std::pair<const GroupKey*, Group*> GroupOf(Current& current, const GroupKey& key,
-                                             const cow_String& field);
+                                             cow_String field);
   void EndRun(Current& current, Group& group);
   KvoSimDataRecord AddRelay(const Group& group, int firstStep, int lastStep, long long row);
   void TellRow(KvoSimDataRecord relay, Current& current, const inpS_ConditionRow& row);

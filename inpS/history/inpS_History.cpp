@@ -99,14 +99,6 @@ private:
   cow_List<std::pair<cow_String, Holder>> m_beyond;
 };
 
-// Of a step that is kept as text; empty: it has none.
-cow_String nameInText(std::string_view text) {
-  inp_Parser parser(cow_String(text), "", {}, "", true, true, false);
-  for (const inp_Keyword& keyword : parser.Parse(false))
-    if (const inp_Item* name = keyword.Find("name")) return trimmed(name->AsString());
-  return {};
-}
-
 // ---- the history
 
 class Deriver {
@@ -153,7 +145,7 @@ void Deriver::FindTexts() {
     if (record.GetString(eds_VerbatimKeyword_Keyword) != "STEP") continue;
     const KvoSimPosition behind = record.GetReference(eds_VerbatimKeyword_Behind);
     m_texts[(behind.IsNull() ? m_document.GetModel().Position() : behind).Object().Packed()]
-        .push_back(nameInText(record.GetString(eds_VerbatimKeyword_Text)));
+        .push_back(inpS_nameOfStepText(record.GetString(eds_VerbatimKeyword_Text)));
   }
 }
 
@@ -249,14 +241,14 @@ void setReal(KvoSimDataRecord& to, int field, const std::optional<double>& value
 
 void setIncrements(KvoSimDataRecord& to, const Procedure& of, Kind kind,
                    const KvoSimDataRecord& record) {
-  const double period = Procedure::Real(record, of.period).value_or(1.);
+  // Of an arc the solver chooses what is not given, but for the first increment.
+  const bool isArc = kind == eds_FormKind::StaticRiks;
+  const double period = Procedure::Real(record, of.period).value_or(isArc ? 0. : 1.);
   const bool isFixed = of.IsFixed(kind, record);
   to.SetDouble(eds_HistoryStep_Period, period);
   to.SetSymb(eds_HistoryStep_Incrementation, isFixed ? FixedIncrements : AutomaticIncrements);
-  double initial = Procedure::Real(record, of.initial).value_or(isFixed ? 1. : 0.);
-  if (kind == eds_FormKind::StaticRiks && !isFixed)
-    initial = Procedure::Real(record, of.initial).value_or(1.);
-  if (isFixed && initial == 0) initial = period;
+  double initial = Procedure::Real(record, of.initial).value_or(isFixed || isArc ? 1. : 0.);
+  if (isFixed && !isArc && initial == 0) initial = period;
   to.SetDouble(eds_HistoryStep_Initial, initial);
   if (isFixed) {
     to.SetBool(eds_HistoryStep_NoStop, of.IsNoStop(record));
@@ -358,6 +350,13 @@ void Deriver::Add(const KvoSimPosition& step) {
 }
 
 } // namespace
+
+cow_String inpS_nameOfStepText(std::string_view text) {
+  inp_Parser parser(cow_String(text), "", {}, "", true, true, false);
+  for (const inp_Keyword& keyword : parser.Parse(false))
+    if (const inp_Item* name = keyword.Find("name")) return trimmed(name->AsString());
+  return {};
+}
 
 void inpS_deriveHistory(const KvoObjDocument& document) {
   const auto has = [&](Kind kind) { return !document.Context().GetRecords(kind).empty(); };

@@ -18,3 +18,6 @@
 // of
 //   that name; beyond fifty the number says how often.
 void inpS_deriveHistory(const KvoObjDocument& document);
+
+// Of a step that is kept as text; empty: it has none.
+cow_String inpS_nameOfStepText(std::string_view text);

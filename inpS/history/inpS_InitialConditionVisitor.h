@@ -16,12 +16,16 @@ public:
   void SetPlaces(inpS_DuplicateReport& places) { m_places = &places; }
 
 protected:
-  bool IsErrorToLack(inp_KeywordEnm kind) const override { return kind == inp_KwBoundary; }
+  // What the analysis would begin without.
+  bool IsErrorToLack(inp_KeywordEnm) const override { return true; }
+  const inpS_Form* Choose(const inp_Keyword& keyword, const inp_Keyword* parent) override;
+  bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override {
-    if (m_places && keyword.Kind() == inp_KwBoundary) m_places->Add(record, keyword);
+    if (m_places && keyword.Kind() == inp_KwBoundary)
+      m_places->Add(record, keyword, std::exchange(m_refused, {}));
     if (form.kind == eds_FormKind::InitialOther)
       AddWarning(inp_Utils::MessageAtParameter(
           keyword, "type",
@@ -32,4 +36,5 @@ protected:
 
 private:
   inpS_DuplicateReport* m_places = nullptr;
+  cow_List<long long> m_refused; // of the condition at hand: its lines that are no rows
 };

@@ -9,6 +9,8 @@ namespace {
 constexpr int targetColumn = 0;
 constexpr int labelColumn = 1;
 constexpr int firstValue = 2;
+// A property's name may stand among the values.
+constexpr inp_KeywordEnm kindsWithProperty[] = {inp_KwFilm, inp_KwSfilm, inp_KwImpedance};
 
 bool isOfSurfaces(inp_KeywordEnm keyword) {
   return std::ranges::any_of(inpS_loadLabels(), [&](const inpS_LoadLabel& row) {
@@ -21,6 +23,11 @@ bool needsMagnitude(const inp_Keyword& keyword) {
   const inp_KeywordEnm kind = keyword.Kind();
   return !keyword.HasParameter("user") && (kind == inp_KwDload || kind == inp_KwDsload ||
                                            kind == inp_KwDflux || kind == inp_KwDsflux);
+}
+
+cow_String textOfSurplus(const cow_String& label, int most) {
+  return label + " takes " + std::to_string(most) + (most == 1 ? " value" : " values") +
+         "; what follows is kept, and means nothing.";
 }
 
 } // namespace
@@ -44,10 +51,40 @@ inpS_LoadLines::Label inpS_LoadLines::MakeLabel(const cow_String& text) const {
   if (label.found.rows.empty()) return label;
   label.needsValues = std::ranges::any_of(label.found.rows.front()->values,
                                           [](const auto& value) { return value.isRequired; });
+  label.most = MostValues(label);
   if (m_isOfSurfaces) return label;
   for (const Type type : m_elements.Types()) label.takes.push_back(Takes(label, type));
   label.needsTypes = std::ranges::find(label.takes, 0) != label.takes.end();
   return label;
+}
+
+// Decided here: what a routine of the user or an element of users takes is theirs to say, and so is
+// what follows the drag and the wind on slender elements, where further factors may stand.
+int inpS_LoadLines::MostValues(const Label& label) const {
+  const bool isOfUser =
+      m_keyword.HasParameter("user") || label.text.ends_with("NU") || label.text.starts_with("U");
+  const bool hasWords =
+      std::ranges::find(kindsWithProperty, m_keyword.Kind()) != std::end(kindsWithProperty);
+  if (isOfUser || hasWords) return kAnyNumber;
+  int most = 0;
+  for (const inpS_LoadLabel* row : label.found.rows) {
+    if (row->valuesText.starts_with("factor")) return kAnyNumber;
+    int values = 0;
+    for (const inpS_LoadLabel::Value& value : row->values) values += value.components;
+    most = std::max(most, values);
+  }
+  return most;
+}
+
+bool inpS_LoadLines::MayHaveSurplus(const inp_ColumnPiece& piece) const {
+  const int least = std::ranges::min(m_labels, {}, &Label::most).most;
+  const auto behind = static_cast<std::size_t>(firstValue + std::min(least, kAnyNumber));
+  for (std::size_t c = behind; c < piece.columns.size(); ++c)
+    if (std::ranges::any_of(
+            piece.columns[c].reals.first(std::min(piece.count, piece.columns[c].reals.size())),
+            [](double value) { return !inp_isBlankReal(value); }))
+      return true;
+  return false;
 }
 
 inpS_LoadLines::Label& inpS_LoadLines::LabelAt(int slot, Words words) {
@@ -73,6 +110,14 @@ const inpS_LoadLabel::Value* inpS_LoadLines::MissingOf(const Label& label,
   return nullptr;
 }
 
+template <class Value>
+int inpS_LoadLines::SurplusOf(const Label& label, const Value& valueAt) const {
+  constexpr int behind = 9; // the last column
+  for (int col = firstValue + label.most; col < behind; ++col)
+    if (!inp_isBlankReal(valueAt(col))) return col;
+  return -1;
+}
+
 inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
   if (!label.needsTypes || target == inp_blankInt || target == inpS_noTarget) return nullptr;
   if (target >= 0) {
@@ -96,16 +141,20 @@ bool inpS_LoadLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (m_needsMagnitude &&
       std::ranges::any_of(piece.columns[firstValue].reals.first(piece.count), inp_isBlankReal))
     return false;
-  if (std::ranges::all_of(m_labels, &Label::IsCarefree)) return true;
+  const bool maySurplus = MayHaveSurplus(piece);
+  if (!maySurplus && std::ranges::all_of(m_labels, &Label::IsCarefree)) return true;
   for (std::size_t n = 0; n < piece.count; ++n) {
     const int slot = piece.columns[labelColumn].ints[n];
     if (slot >= 0 || slot == inp_blankInt || slot == inpS_noTarget) continue; // told by its type
     Label& label = LabelAt(slot, words);
-    if (label.IsCarefree()) continue;
+    if (!maySurplus && label.IsCarefree()) continue;
     const auto valueAt = [&](int col) {
       const auto c = static_cast<std::size_t>(col);
-      return c < piece.columns.size() ? piece.columns[c].reals[n] : inp_blankReal;
+      return c < piece.columns.size() && n < piece.columns[c].reals.size()
+                 ? piece.columns[c].reals[n]
+                 : inp_blankReal;
     };
+    if (maySurplus && SurplusOf(label, valueAt) >= 0) return false;
     if (label.found.rows.empty() || (label.needsValues && MissingOf(label, valueAt)) ||
         TypeAgainst(label, piece.columns[targetColumn].ints[n]))
       return false;
@@ -127,6 +176,8 @@ std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line)
     return inpS_LineFault{labelColumn, TextOf(label, *type), false, false};
   if (m_needsMagnitude && !line.Has(firstValue) && !label.text.ends_with("NU"))
     return inpS_LineFault{-1, "The line gives no magnitude, which is 0.", false, false};
+  if (const int surplus = SurplusOf(label, valueAt); surplus >= 0)
+    return inpS_LineFault{surplus, textOfSurplus(label.text, label.most), false, false};
   return {};
 }
 

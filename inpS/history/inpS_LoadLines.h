@@ -25,15 +25,22 @@ private:
     inpS_FoundLabel found;
     bool needsValues = false;
     bool needsTypes = false; // some element of the mesh does not take it
+    int most = kAnyNumber;   // values that it can have
     cow_List<char> takes;    // by the mesh's types
     cow_Map<int, Type> sets; // by place: the type that does not take it; null: all do
     bool IsCarefree() const { return !found.rows.empty() && !needsValues && !needsTypes; }
   };
+  static constexpr int kAnyNumber = 1000;
   Label MakeLabel(const cow_String& text) const;
+  int MostValues(const Label& label) const;
+  // Whether some row has more values than the label with the fewest.
+  bool MayHaveSurplus(const inp_ColumnPiece& piece) const;
   Label& LabelAt(int slot, Words words);
   // The value that is asked for and not given; null: there is none.
   template <class Value>
   const inpS_LoadLabel::Value* MissingOf(const Label& label, const Value& valueAt) const;
+  // The first value beyond those that the label can have; -1: there is none.
+  template <class Value> int SurplusOf(const Label& label, const Value& valueAt) const;
   bool Takes(const Label& label, Type type) const;
   Type TypeAgainst(Label& label, int target); // null: none
   cow_String TextOf(const Label& label, const inpS_LoadLabel::Value& missing) const;

@@ -1,20 +1,10 @@
 #include "inpS/history/inpS_LoadVisitor.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_FieldVariable.h"
 #include "inpS/history/inpS_LoadLines.h"
 #include "inpS/history/inpS_NodalLines.h"
 #include "parser/inp_Utils.h"
-
-namespace {
-
-// Of loads whose lines are right when their fields are.
-class PlainLines : public inpS_LineCheck {
-public:
-  bool IsSound(const inp_ColumnPiece&, Words) override { return true; }
-  std::optional<inpS_LineFault> FaultOf(const inpS_LineView&) override { return {}; }
-  bool IsErrorToRefuse() const override { return true; }
-};
-
-} // namespace
+#include <algorithm>
 
 inpS_LoadVisitor::inpS_LoadVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory, inpS_Ledger& ledger)
@@ -29,6 +19,7 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
         inp_Utils::MessageAtParameter(keyword, "user", "Node by node heat flux is not supported"));
     return false;
   }
+  if (keyword.Kind() == inp_KwField && !inpS_hasVariable(keyword, *this)) return false;
   if (keyword.Kind() != inp_KwCload || !keyword.HasParameter("type") ||
       !m_fluidSteps.Has(OpenStep()))
     return true;
@@ -38,6 +29,27 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
       keyword, "type",
       inp_Utils::Format("Unsupported *CLOAD type \"%s\" for flow step", type.c_str())));
   return false;
+}
+
+void inpS_LoadVisitor::VisitFilmProperty(const inp_Keyword& keyword) {
+  m_filmProperties.push_back(keyword.StringOf("name", ""));
+}
+
+// What film coefficients are named and not given: that of a model begun elsewhere may have it.
+void inpS_LoadVisitor::CheckFilmProperties(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                           const KvoSimPosition& record) {
+  const int field = form.columnItems.back().wordsField;
+  for (const cow_String& name : inpS_ColumnWords::Stored(record.DataRecord(), field)) {
+    if (std::ranges::find(m_filmProperties, name) != m_filmProperties.end()) continue;
+    const inp_DataArray& data = keyword.Data();
+    for (long long row = 0; row < data.Rows(); ++row) {
+      const int col = data.Cols(row) - 1;
+      if (col < 0 || inp_Utils::Fold(data.AsStringVerbatim(row, col)) != name) continue;
+      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                           "Film property \"" + name + "\" has not been defined."));
+      break;
+    }
+  }
 }
 
 // A load that the analysis would go without.
@@ -51,11 +63,14 @@ bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
     inpS_ConcentratedLines lines(keyword, m_fluidSteps.Has(OpenStep()));
     return lines.Read(form, record, Names(), *this);
   }
-  if (!inpS_hasLoadLabels(keyword.Kind())) {
-    PlainLines lines;
-    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  bool isWhole = false;
+  if (inpS_hasLoadLabels(keyword.Kind())) {
+    if (!m_elements) m_elements.emplace(Inventory().GetDocument());
+    inpS_LoadLines lines(keyword, record, Inventory().NumberSpatialDimensions(), *m_elements);
+    isWhole = inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  } else {
+    isWhole = inpS_FormVisitor::ReadColumns(keyword, form, record);
   }
-  if (!m_elements) m_elements.emplace(Inventory().GetDocument());
-  inpS_LoadLines lines(keyword, record, Inventory().NumberSpatialDimensions(), *m_elements);
-  return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  if (inpS_endsInTexts(form.columnItems)) CheckFilmProperties(keyword, form, record);
+  return isWhole;
 }

@@ -11,6 +11,8 @@ public:
   inpS_LoadVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements, const inpS_Inventory& inventory,
                    inpS_Ledger& ledger);
 
+  void VisitFilmProperty(const inp_Keyword& keyword) override;
+
 protected:
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
@@ -18,6 +20,10 @@ protected:
                    const KvoSimPosition& record) override;
 
 private:
+  void CheckFilmProperties(const inp_Keyword& keyword, const eds_FormInfo& form,
+                           const KvoSimPosition& record);
+
+  cow_List<cow_String> m_filmProperties;
   inpS_FluidSteps m_fluidSteps;
   std::optional<inpS_LoadedElements> m_elements; // once a load of elements is met
 };

@@ -18,6 +18,8 @@ constexpr std::string_view restraints[] = {"ENCASTRE", "PINNED", "XSYMM",   "YSY
                                            "ZSYMM",    "XASYMM", "YASYMM",  "ZASYMM",
                                            "NOWARP",   "NOOVAL", "NODEFORM"};
 constexpr std::string_view velocities[] = {"VELX", "VELY", "VELZ", "VELXNU", "VELYNU", "VELZNU"};
+// Of the sea and the wind upon the ends of slender elements; values of their own follow.
+constexpr std::string_view endForces[] = {"TFD", "TFI", "TSB", "TWD"};
 constexpr std::string_view flowForces[] = {"FX", "FY", "FZ"};
 
 template <std::size_t count>
@@ -61,7 +63,9 @@ bool inpS_NodalLines::TakeMissing(bool isLabel, const cow_String& asWritten) {
 
 bool inpS_NodalLines::Read(const eds_FormInfo& form, const KvoSimPosition& record,
                            const inpS_FormNames& names, inp_Visitor& messages) {
-  const bool isWhole = inpS_ColumnReader(m_keyword, form, record, names, messages, this).Read();
+  inpS_ColumnReader reader(m_keyword, form, record, names, messages, this);
+  const bool isWhole = reader.Read();
+  m_refused = reader.Refused();
   Tell(messages);
   return isWhole;
 }
@@ -151,6 +155,8 @@ bool inpS_ConcentratedLines::IsSound(const inp_ColumnPiece& piece, Words words) 
     isSound &= degree >= 1 && degree <= mostLoaded;
   for (const double magnitude : piece.columns[magnitudeColumn].reals.first(piece.count))
     isSound &= m_isOfUser || !inp_isBlankReal(magnitude);
+  for (const double surplus : piece.columns[magnitudeColumn + 1].reals.first(piece.count))
+    isSound &= inp_isBlankReal(surplus);
   return isSound;
 }
 
@@ -163,11 +169,16 @@ std::optional<inpS_LineFault> inpS_ConcentratedLines::FaultOf(const inpS_LineVie
         firstColumn,
         inp_Utils::Format("Unsupported *CLOAD type \"%s\" for flow step", word.c_str())};
   }
+  if (isOneOf(word, endForces)) return {};
   if (isWord(degree))
     return inpS_LineFault{firstColumn, "\"" + word + "\" is no degree of freedom."};
   if (degree == inp_blankInt)
     return inpS_LineFault{-1, "The line does not tell its degree of freedom."};
   if (degree < 1 || degree > mostDegree) return inpS_LineFault{firstColumn, textOfDegree(degree)};
+  if (!m_isOfUser && line.Has(magnitudeColumn + 1))
+    return inpS_LineFault{magnitudeColumn + 1,
+                          "A force has one magnitude; what follows is kept, and means nothing.",
+                          false, false};
   if (degree <= mostLoaded && (m_isOfUser || line.Has(magnitudeColumn))) return {};
   if (degree <= mostLoaded)
     return inpS_LineFault{-1, "The line gives no magnitude, which is 0.", false, false};

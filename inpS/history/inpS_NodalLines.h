@@ -21,9 +21,12 @@ public:
   // record.
   bool Read(const eds_FormInfo& form, const KvoSimPosition& record, const inpS_FormNames& names,
             inp_Visitor& messages);
+  // The data lines that are no rows, in order.
+  cow_List<long long> TakeRefused() { return std::move(m_refused); }
 
 private:
   const inp_Keyword& m_keyword;
+  cow_List<long long> m_refused;
   void Tell(inp_Visitor& messages) const;
 
   cow_String m_missing;
@@ -54,8 +57,9 @@ private:
 //
 // Decided here: forces act on degrees 1 to 3, moments on 4 to 6, a bimoment on 7 and the
 // acceleration of an acoustic volume on 8. Degrees 9 to 30 are taken, for elements of users may
-// give them a meaning, but told: charges and fluxes have keywords of their own. A flow has no
-// displacements: its loads are given by FX, FY and FZ.
+// give them a meaning, but told: charges and fluxes have keywords of their own. In the place of a
+// degree the words of drag, inertia, buoyancy and wind upon the end of an element may stand. A flow
+// has no displacements: its loads are given by FX, FY and FZ.
 class inpS_ConcentratedLines : public inpS_NodalLines {
 public:
   inpS_ConcentratedLines(const inp_Keyword& keyword, bool isFluidStep);

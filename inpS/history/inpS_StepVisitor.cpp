@@ -4,6 +4,7 @@
 #include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_GlobalDamping.h"
 #include "inpS/history/inpS_ProcedureKind.h"
+#include "inpS/history/inpS_TimePointsVisitor.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
@@ -39,6 +40,23 @@ bool isBeforeText(const KvoObjDocument& document, const KvoSimPosition& step) {
                                return record.GetReference(eds_VerbatimKeyword_Behind) == step &&
                                       record.GetString(eds_VerbatimKeyword_Keyword) == "STEP";
                              });
+}
+
+// Those that are kept as text counted.
+long long countSteps(const KvoObjDocument& document) {
+  const auto texts = document.Context().GetRecords(eds_RecordKind::VerbatimKeyword);
+  return static_cast<long long>(
+             document.GetModel().Position().GetVector(eds_Member::Steps).size()) +
+         std::ranges::count_if(texts, [](const KvoSimPosition& text) {
+           return text.DataRecord().GetString(eds_VerbatimKeyword_Keyword) == "STEP";
+         });
+}
+
+bool isOfSubstructures(inp_KeywordEnm keyword) {
+  return keyword == inp_KwSubstructureMatrixOutput || keyword == inp_KwElementMatrixOutput ||
+         keyword == inp_KwElementOperatorOutput || keyword == inp_KwRetainedNodalDofs ||
+         keyword == inp_KwRetainedEigenmodes || keyword == inp_KwSubstructureLoadCase ||
+         keyword == inp_KwFlexibleBody;
 }
 
 cow_String extrapolationOf(const KvoSimPosition& step) {
@@ -129,7 +147,34 @@ bool inpS_StepVisitor::LacksWhatItNames(const inp_Keyword& procedure, const inpS
 
 void inpS_StepVisitor::VisitList(inp_KeywordListRef keywords) {
   Look(keywords);
+  m_baseSteps = countSteps(Inventory().GetDocument());
   inpS_FormVisitor::VisitList(keywords);
+  CloseLoadCase();
+}
+
+// In a step that generates matrices nothing but *MATRIX OUTPUT says what becomes of them.
+void inpS_StepVisitor::Visit(const inp_Keyword& keyword) {
+  inpS_FormVisitor::Visit(keyword);
+  if (!m_open || m_open->procedure != inp_KwMatrixGenerate || !isOfSubstructures(keyword.Kind()))
+    return;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step)
+    Warning(keyword,
+            inp_Utils::Format("Unsupported suboption: %s.", cow_String(keyword.Name()).c_str()));
+}
+
+// Steps are added behind all of the model's own, whichever of them the deck goes on from.
+void inpS_StepVisitor::VisitRestart(const inp_Keyword& keyword) {
+  const inp_Item* step = keyword.Find("step");
+  if (m_baseSteps == 0 || IsNaming() || !keyword.HasParameter("read")) return;
+  if (!step || !step->IsNumber() || step->AsInt() == m_baseSteps) return;
+  const cow_String count = std::to_string(m_baseSteps);
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "step",
+      step->AsInt() > m_baseSteps || step->AsInt() < 1
+          ? "The model that is restarted has no step " + step->AsString() + ", but " + count +
+                "; steps are added behind all of them."
+          : "The model that is restarted has " + count + " steps; those behind step " +
+                step->AsString() + " stay, and steps are added behind all of them."));
 }
 
 bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
@@ -138,9 +183,10 @@ bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
   return known == m_facts.end() || !known->second.isRefused;
 }
 
-// What a procedure says wrongly the analysis cannot go without.
+// What a procedure says wrongly the analysis cannot go without; a condition it would.
 bool inpS_StepVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
-  return isProcedure(kind);
+  return isProcedure(kind) || kind == inp_KwTemperature || kind == inp_KwConnectorLoad ||
+         kind == inp_KwConnectorMotion;
 }
 
 // ---- the step opens and closes
@@ -154,6 +200,8 @@ void inpS_StepVisitor::Open(const inp_Keyword& keyword, const KvoSimPosition& re
   if (m_left.empty()) m_extrapolation.clear();
   if (cow_String own = extrapolationOf(record); !own.empty()) m_extrapolation = std::move(own);
   m_dampings.clear();
+  CloseLoadCase();
+  m_loadCases.clear();
   m_given.clear();
   for (const inp_Parameter& parameter : keyword.Parameters())
     if (parameter.name != "name") m_given.push_back(inpS_spelledName(parameter));
@@ -181,6 +229,7 @@ void inpS_StepVisitor::VisitEndStep(const inp_Keyword& keyword) {
     m_left = m_given;
   }
   SetDamping();
+  CloseLoadCase();
   inpS_keepUnused(keyword, OpenStep(), *this, inpS_closingRow);
   Ledger().Take(keyword, OpenStep());
 }
@@ -210,15 +259,22 @@ void inpS_StepVisitor::SetDamping() {
 
 // ---- what a row cannot say
 
-bool inpS_StepVisitor::MayConvert(const inp_Keyword&, const inpS_Form& form) {
+bool inpS_StepVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
+  m_keyword = keyword;
   Names().SetTextOfMissingNode(form.kind == eds_FormKind::StaticRiks ? textOfMissingNode : nullptr);
   return true;
 }
 
+cow_String inpS_StepVisitor::FaultOfLine(const KvoSimPosition& line) {
+  return inpS_TimePointsVisitor::FaultOfTimes(m_keyword, line);
+}
+
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                  const KvoSimPosition& record) {
+  CheckNames(keyword);
   if (!keyword.IsSuboption() && isProcedure(keyword.Kind())) {
     SetProcedure(keyword, record);
+    CheckPerturbation(keyword, form);
     CheckTimes(keyword, form, record);
   }
   switch (keyword.Kind()) {
@@ -227,6 +283,12 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
     return CheckIncrements(keyword, record);
   case inp_KwModelChange:
     return CheckModelChange(keyword);
+  case inp_KwLoadCase:
+    return OpenLoadCase(keyword);
+  case inp_KwEndLoadCase:
+    if (!m_loadCase) Warning(keyword, "No *LOAD CASE is open; there is none to end.");
+    m_loadCase.reset();
+    return;
   case inp_KwGlobalDamping:
     m_dampings.push_back({keyword, record, m_lastProcedure});
     return;
@@ -234,8 +296,8 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwDynamic:
   case inp_KwHeatTransfer:
     return CheckProcedure(keyword, form);
-  case inp_KwDirectCyclic:
-    return CheckTimePoints(keyword);
+  case inp_KwTimePoints:
+    return inpS_TimePointsVisitor::CheckTimes(keyword, *this);
   case inp_KwCfd:
     return CheckCfd(keyword);
   case inp_KwMomentumEquationSolver:
@@ -262,6 +324,28 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   default:
     return;
   }
+}
+
+// One that is not closed ends with the next one, or with its step.
+void inpS_StepVisitor::OpenLoadCase(const inp_Keyword& keyword) {
+  CloseLoadCase();
+  m_loadCase = keyword;
+  const inp_Item* name = keyword.Find("name");
+  if (!name || name->AsString().empty()) return;
+  const auto known = std::ranges::find(m_loadCases, name->AsString());
+  if (known == m_loadCases.end())
+    m_loadCases.push_back(name->AsString());
+  else
+    AddWarning(inp_Utils::MessageAtParameter(keyword, "name",
+                                             "The step has a load case \"" + name->AsString() +
+                                                 "\" already; this is another one of that name."));
+}
+
+void inpS_StepVisitor::CloseLoadCase() {
+  if (m_loadCase)
+    Error(*m_loadCase, "*LOAD CASE is not closed by *END LOAD CASE; all that follows it, up to the "
+                       "next *LOAD CASE or the end of its step, is of it.");
+  m_loadCase.reset();
 }
 
 bool inpS_StepVisitor::IsPerturbation() const {
@@ -297,15 +381,6 @@ void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_For
   if (keyword.Kind() == inp_KwHeatTransfer && keyword.StringOf("centering", "") == "NODE")
     AddError(inp_Utils::MessageAtParameter(keyword, "centering",
                                            "Node-centered heat transfer in CFD is not supported."));
-}
-
-// They may stand behind it, in any step, and as text.
-void inpS_StepVisitor::CheckTimePoints(const inp_Keyword& keyword) {
-  const inp_Item* points = keyword.Find("timepoints");
-  if (!points || Inventory().Names(inp_KwTimePoints, points->AsString())) return;
-  if (!Model().FollowStringKey(eds_Member::NamedTimePoints, points->AsString()).IsNull()) return;
-  AddWarning(inp_Utils::MessageAtParameter(
-      keyword, "timepoints", "Time points \"" + points->AsString() + "\" have not been defined."));
 }
 
 // Displacements and rotations are watched, nothing else.

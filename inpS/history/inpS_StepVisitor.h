@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include <optional>
 #include <unordered_map>
 
 // The steps phase: each step becomes a record that holds its procedure and the keywords that go
@@ -14,6 +15,8 @@ public:
       : inpS_FormVisitor(inpS_Phase::Steps, nodes, elements, inventory, ledger) {}
 
   void VisitList(inp_KeywordListRef keywords) override;
+  void Visit(const inp_Keyword& keyword) override;
+  void VisitRestart(const inp_Keyword& keyword) override;
   void VisitStep(const inp_Keyword& keyword) override;
   void VisitEndStep(const inp_Keyword& keyword) override;
 
@@ -21,6 +24,7 @@ protected:
   bool IsOfPhase(const inp_Keyword& keyword) const override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
+  cow_String FaultOfLine(const KvoSimPosition& line) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;
 
@@ -40,19 +44,25 @@ private:
   void Open(const inp_Keyword& keyword, const KvoSimPosition& record);
   void SetProcedure(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form);
-  void CheckTimePoints(const inp_Keyword& keyword);
   void CheckMonitoring(const inp_Keyword& keyword);
   void CheckExtrapolation(const inp_Keyword& keyword);
   void CheckControls(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckFluidStructure(const inp_Keyword& keyword);
   void TellIrrelevant(const inp_Keyword& keyword);
+  void OpenLoadCase(const inp_Keyword& keyword);
+  void CloseLoadCase();
   bool IsPerturbation() const; // by what is left to it, too
 
   // Values that no analysis can go by: inpS_StepVisitorValues.cpp.
   void CheckIncrements(const inp_Keyword& keyword, const KvoSimPosition& record);
+  void CheckPerturbation(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckTimes(const inp_Keyword& keyword, const inpS_Form& form, const KvoSimPosition& record);
   void CheckRanges(const inp_Keyword& keyword);
   void CheckModelChange(const inp_Keyword& keyword);
+
+  // Names that are kept as words: inpS_StepVisitorNames.cpp.
+  void CheckNames(const inp_Keyword& keyword);
+  bool IsThere(const eds_Referable& referable, const cow_String& asWritten);
 
   // Of fluid dynamics.
   void CheckCfd(const inp_Keyword& keyword);
@@ -62,6 +72,8 @@ private:
   std::unordered_map<const inp_KeywordBody*, Facts> m_facts; // by *STEP
   const Facts* m_open = nullptr;                             // of the step that is open
   const inp_KeywordBody* m_first = nullptr;                  // the first *STEP of the deck
+  long long m_baseSteps = 0;                                 // of the model that is restarted
+  inp_Keyword m_keyword;                                     // that is being converted
   KvoSimPosition m_procedure;                                // of the open step, its first
   KvoSimPosition m_lastProcedure;                            // likewise, the last one so far
   struct Damping {
@@ -69,7 +81,9 @@ private:
     KvoSimPosition record;
     KvoSimPosition procedure; // that it stands behind; null: it stands before all
   };
-  cow_List<Damping> m_dampings; // likewise, all global damping
+  cow_List<Damping> m_dampings;          // likewise, all global damping
+  std::optional<inp_Keyword> m_loadCase; // that is open
+  cow_List<cow_String> m_loadCases;      // names of those of the open step
   // Parameters of *STEP in the steps right before without a procedure, and in the one that is open.
   cow_List<cow_String> m_left;
   cow_List<cow_String> m_given;

@@ -50,10 +50,17 @@ void inpS_StepVisitor::CheckEquationSolver(const inp_Keyword& keyword) {
   if (type.starts_with("AMG")) CheckSmoother(keyword, type);
 }
 
-// The second line begins with it.
+// The second line begins with it; a word behind it is the method that it serves.
 void inpS_StepVisitor::CheckSmoother(const inp_Keyword& keyword, const cow_String& type) {
   const inp_DataArray& data = keyword.Data();
-  if (data.Rows() < 2 || data.Cols(1) == 0 || !data.HasValue(1, 0)) return;
+  if (data.Rows() < 2) return;
+  for (int col = 1; col < data.Cols(1); ++col)
+    if (data.Type(1, col) == inp_FieldType::String &&
+        !isOneOf(inp_KeywordTable::BareWord(inp_Utils::Fold(data.AsStringVerbatim(1, col))),
+                 {"CG", "BCGS", "FGMRES"}))
+      AddError(inp_Utils::MessageAtField(
+          keyword, 1, col, "Unknown Krylov solver type " + data.AsStringVerbatim(1, col)));
+  if (data.Cols(1) == 0 || !data.HasValue(1, 0)) return;
   const cow_String smoother = inp_Utils::Fold(data.AsStringVerbatim(1, 0));
   if (isOneOf(inp_KeywordTable::BareWord(smoother), {"CHEBYCHEV", "ICC", "ILU", "SSOR"})) return;
   AddError(inp_Utils::MessageAtField(

@@ -44,12 +44,27 @@ void inpS_StepVisitor::CheckIncrements(const inp_Keyword& keyword, const KvoSimP
           " allows no increment: a step takes at least one; it" + kKept));
 }
 
+// Only a static one can be either; those about a base state are perturbations whatever *STEP says.
+void inpS_StepVisitor::CheckPerturbation(const inp_Keyword& keyword, const inpS_Form& form) {
+  const Procedure* of = Procedure::Of(form.kind);
+  if (!of || of->registration != Procedure::Registration::Step || !IsPerturbation()) return;
+  if (form.kind == eds_FormKind::Static) return;
+  Warning(keyword, "*" + keyword.Name() +
+                       " is no linear perturbation; its step is taken for one all the same, and "
+                       "what it changes ends with it.");
+}
+
 void inpS_StepVisitor::CheckTimes(const inp_Keyword& keyword, const inpS_Form& form,
                                   const KvoSimPosition& record) {
   const Procedure* of = Procedure::Of(form.kind);
-  if (!of || keyword.Data().Rows() == 0) return;
-  if (of->family == Procedure::Family::Ranges) return CheckRanges(keyword);
+  if (!of) return;
   const KvoSimDataRecord values = record.DataRecord();
+  if (Procedure::HasWord(values, of->end, "SS") && !Procedure::Real(values, of->rate))
+    AddError(inp_Utils::MessageAtParameter(
+        keyword, "end",
+        "END=SS ends the step by the fifth value of the first data line, which is not there."));
+  if (keyword.Data().Rows() == 0) return;
+  if (of->family == Procedure::Family::Ranges) return CheckRanges(keyword);
   const auto tell = [&](int field, const char* before, const char* behind) {
     const int col = columnOf(form, field);
     AddWarning(inp_Utils::MessageAtField(

@@ -1,11 +1,74 @@
 #include "inpS/history/inpS_TimePointsVisitor.h"
+#include "database/KvoObjModel.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/history/inpS_TimePointTables.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
+
+namespace {
+
+bool isGenerated(const inp_Keyword& keyword) {
+  if (keyword.Kind() != inp_KwTimePoints) return false;
+  const inp_Item* generate = keyword.Find("generate");
+  return generate && inpS_flagValue(*generate).value_or(true);
+}
+
+} // namespace
+
+// The amplitude is there, whoever's definition it has. What is told of it is text already.
+void inpS_TimePointsVisitor::VisitAmplitude(const inp_Keyword& keyword) {
+  if (IsNaming() || keyword.IsInstanceCopy() || Ledger().TextOf(keyword)) return;
+  const KvoSimPosition amplitude =
+      Model().FollowStringKey(eds_Member::Amplitudes, keyword.StringOf("name", ""));
+  if (amplitude.IsNull()) return;
+  for (const inp_Keyword& suboption : keyword.Suboptions())
+    if (!Ledger().TextOf(suboption))
+      Convert(suboption, amplitude, eds_Member::Suboptions, &keyword);
+}
+
+bool inpS_TimePointsVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) {
+  m_keyword = keyword;
+  return true;
+}
+
+cow_String inpS_TimePointsVisitor::FaultOfLine(const KvoSimPosition& line) {
+  return FaultOfTimes(m_keyword, line);
+}
+
+cow_String inpS_TimePointsVisitor::FaultOfTimes(const inp_Keyword& keyword,
+                                                const KvoSimPosition& line) {
+  return isGenerated(keyword) ? inpS_faultOfTimes(line) : cow_String();
+}
+
+void inpS_TimePointsVisitor::CheckTimes(const inp_Keyword& keyword, inp_Visitor& messages) {
+  constexpr int generating = 3; // start, end, increment
+  const inp_DataArray& data = keyword.Data();
+  const bool generates = isGenerated(keyword);
+  bool isFirst = true;
+  double before = 0;
+  for (long long row = 0; row < data.Rows(); ++row) {
+    for (int col = 0, cols = data.Cols(row); col < cols; ++col) {
+      if (!data.HasValue(row, col) || !data.IsNumber(row, col)) continue;
+      if (generates && col >= generating)
+        return messages.AddWarning(inp_Utils::MessageAtField(
+            keyword, row, col,
+            "Time points are generated of a start, an end and an increment; what stands behind "
+            "them means nothing and is kept."));
+      const double time = data.AsDouble(row, col);
+      if (!generates && !isFirst && time <= before)
+        return messages.AddWarning(inp_Utils::MessageAtField(
+            keyword, row, col, "Time points must rise; this one does not. It is kept as given."));
+      before = time;
+      isFirst = false;
+    }
+  }
+}
 
 void inpS_TimePointsVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                        const KvoSimPosition&) {
   if (form.kind == eds_FormKind::CyclicSymmetryModel) CheckCyclicSymmetry(keyword);
+  if (form.kind == eds_FormKind::TimePoints) CheckTimes(keyword, *this);
 }
 
 // A point alone is an axis in the plane: it stands on it.

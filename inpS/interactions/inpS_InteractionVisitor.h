@@ -12,6 +12,8 @@ public:
       : inpS_FormVisitor(inpS_Phase::Interactions, nodes, elements, inventory, ledger) {}
 
 protected:
+  // Conditions that the analysis would go without.
+  bool IsErrorToLack(inp_KeywordEnm) const override { return true; }
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
 

@@ -123,15 +123,21 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
   return good;
 }
 
-bool inpS_hasUnknownWord(const inp_Keyword& keyword) {
+cow_List<cow_String> inpS_unknownWords(const inp_Keyword& keyword) {
   using Kind = inp_WordMatch::Kind;
   const inp_KeywordTable& table = inp_KeywordTable::Instance();
-  return std::ranges::any_of(keyword.Parameters(), [&](const inp_Parameter& parameter) {
-    if (!parameter.told || parameter.value.IsFlag()) return false;
+  cow_List<cow_String> unknown;
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (!parameter.told || parameter.value.IsFlag()) continue;
     const Kind kind =
         table.ResolveWord(keyword.Kind(), parameter.name, parameter.value.AsString()).kind;
-    return kind == Kind::Unknown || kind == Kind::Ambiguous;
-  });
+    if (kind == Kind::Unknown || kind == Kind::Ambiguous) unknown.push_back(parameter.name);
+  }
+  return unknown;
+}
+
+bool inpS_hasUnknownWord(const inp_Keyword& keyword) {
+  return !inpS_unknownWords(keyword).empty();
 }
 
 void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding> rows,

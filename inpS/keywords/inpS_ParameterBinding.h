@@ -41,6 +41,8 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
 
 // Whether some value is none of the words that the language has for it; the parser has told that.
 bool inpS_hasUnknownWord(const inp_Keyword& keyword);
+// The parameters whose values are such.
+cow_List<cow_String> inpS_unknownWords(const inp_Keyword& keyword);
 
 // ", NAME=VALUE" for every field that is set.
 void inpS_printParameters(utl_Stream& out, std::span<const inpS_ParameterBinding> rows,

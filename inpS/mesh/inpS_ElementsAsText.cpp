@@ -37,6 +37,12 @@ void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope
   Keep(keyword, scope, std::move(message), "elset", elementLabels(keyword));
 }
 
+void inpS_ElementsAsText::KeepSet(const inp_Keyword& keyword) {
+  m_ledger.KeepAsText(
+      keyword, {{}, {}, "names a set that is there before the step, which cannot change it"});
+  keyword.ReferAll();
+}
+
 bool inpS_ElementsAsText::KeepCopiedFromText(const inp_Keyword& keyword, inpS_MeshScope& scope) {
   if (m_scopes.TextElements().IsEmpty()) return false; // as nearly always
   const cow_List<int> labels = CopiedLabels(keyword, scope);

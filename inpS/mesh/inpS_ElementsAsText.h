@@ -23,6 +23,9 @@ public:
   // *ELGEN: the lines that start from such elements, ascending. Only these are kept.
   cow_List<long long> KeepLinesFromText(const inp_Keyword& keyword, inpS_MeshScope& scope);
 
+  // A set that a step defines, of a name that is taken.
+  void KeepSet(const inp_Keyword& keyword);
+
   // A keyword that would make or move nodes, if its kind were known. Where the set that it names is
   // nobody's else, there is none of its nodes in it.
   void KeepGenerator(const inp_Keyword& keyword, inpS_MeshScope& scope);

@@ -214,7 +214,8 @@ inpS_MeshScope* inpS_MeshVisitor::ScopeOf(const inp_Keyword& keyword) {
 }
 
 bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
-  if (keyword.IsInstanceCopy() || keyword.Scope().kind == inp_Scope::Kind::Step) return true;
+  if (keyword.IsInstanceCopy()) return true;
+  if (keyword.Scope().kind == inp_Scope::Kind::Step && !IsNewSetOfStep(keyword)) return true;
   const bool outside = keyword.Scope().kind == inp_Scope::Kind::Model &&
                        m_scopes.Root().owner.IsA(eds_RecordKind::Assembly);
   if (!outside && ScopeOf(keyword)) return false;
@@ -227,6 +228,26 @@ bool inpS_MeshVisitor::Skip(const inp_Keyword& keyword) {
           keyword, "In a deck with an assembly, mesh and sets belong to a part, an instance or the "
                    "assembly; ignored."));
   return true;
+}
+
+// A set that a step defines is the model's (the assembly's, where there is one), for that is where
+// conditions look for it. What earlier steps name it may not change.
+bool inpS_MeshVisitor::IsNewSetOfStep(const inp_Keyword& keyword) {
+  const bool nodes = keyword.Kind() == inp_KwNset;
+  if (!nodes && keyword.Kind() != inp_KwElset) return false;
+  const inpS_SetKind kind = nodes ? inpS_SetKind::Nodes : inpS_SetKind::Elements;
+  const cow_String name = keyword.StringOf(nodes ? "nset" : "elset", "");
+  if (!m_scopes.Root().sets.Find(kind, name)) {
+    m_setsOfSteps[{nodes, name}] = keyword.ScopePtr();
+    m_setMessages.AddWarning(inp_Utils::MessageInKeyword(
+        keyword, "A set that a step defines is there for the whole model; it is written before the "
+                 "steps."));
+    return true;
+  }
+  const auto known = m_setsOfSteps.find({nodes, name});
+  if (known != m_setsOfSteps.end() && known->second == keyword.ScopePtr()) return true;
+  m_asText.KeepSet(keyword);
+  return false;
 }
 
 // ---- nodes

@@ -77,6 +77,7 @@ private:
   void LoadBaseElements(inpS_MeshScope& scope);
   bool MayGrow(const inp_Keyword& keyword, const inpS_MeshScope& scope);
   bool Skip(const inp_Keyword& keyword);
+  bool IsNewSetOfStep(const inp_Keyword& keyword);
   void GenerateNodes(const inp_Keyword& keyword);
   void TakeNodes(inpS_MeshScope& scope, const inpS_NodePiece& nodes, inpS_SetDefinition* set,
                  cow_List<int>& refused);
@@ -99,6 +100,7 @@ private:
   bool m_isTold = false; // what the walk tells
   inpS_MeshSetReader m_setReader;
   inpS_ElementsAsText m_asText;
+  cow_Map<std::pair<bool, cow_String>, inp_ScopePtr> m_setsOfSteps; // of nodes, name: the step
   inp_ScopePtr m_lastScope;
   inpS_MeshScope* m_current = nullptr;
   std::unique_ptr<inpS_SetResolver> m_resolver;

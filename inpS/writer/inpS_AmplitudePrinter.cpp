@@ -90,10 +90,10 @@ void inpS_printAmplitude(utl_Stream& out, const KvoSimPosition& amplitude,
 }
 
 void inpS_printAmplitudes(utl_Stream& out, const KvoObjModel& model, const inpS_KeptParts& parts,
-                          const std::function<void(const KvoSimPosition&)>& printTexts) {
+                          const inpS_FormPrinting& printing) {
   for (const KvoSimPosition& amplitude : model.Position().FollowMap(eds_Member::Amplitudes)) {
     inpS_printAmplitude(out, amplitude, parts);
-    printTexts(amplitude);
+    inpS_printSuboptions(out, amplitude, printing);
   }
 }
 

@@ -171,14 +171,17 @@ char* printSeparator(char* out, std::size_t place, bool goesOn) {
   return out;
 }
 
-// Up to the last field that is given.
+// Up to the last field that is given. A text at the end stands in the place of a real that is not
+// given where it may (endsInTexts).
 char* printLine(char* out, const Fields& fields, const cow_List<Field::Values>& values,
-                std::size_t n) {
+                std::size_t n, bool endsInTexts) {
   std::size_t count = fields.size();
   while (count > 0 && values[count - 1].IsBlank(n * fields[count - 1]->PerRow())) --count;
   std::size_t place = 0;
   for (std::size_t c = 0; c < count; ++c) {
     const std::size_t perRow = fields[c]->PerRow();
+    if (endsInTexts && c + 2 == fields.size() && count == fields.size() && values[c].IsBlank(n))
+      continue;
     for (std::size_t k = 0; k < perRow; ++k)
       out = fields[c]->Print(printSeparator(out, place++, perRow > 1), values[c], n * perRow + k);
   }
@@ -229,6 +232,7 @@ void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPo
     fields.push_back(std::make_unique<Field>(item, record, rows, labels, scope, guard));
     room += fields.back()->Room() + 2;
   }
+  const bool endsInTexts = inpS_endsInTexts(form.columnItems);
   const DefaultLine others(form, record.DataRecord(), *fields.back());
   const long long perPiece = std::clamp(rows, 1LL, utl_blockSize(kRowsPerPiece));
   const long long pieces = (rows + perPiece - 1) / perPiece;
@@ -244,7 +248,7 @@ void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPo
                     for (std::size_t n = 0; n < count; ++n) {
                       if (others.IsBefore(first + static_cast<long long>(n)))
                         line = others.Print(line);
-                      line = printLine(line, fields, values, n);
+                      line = printLine(line, fields, values, n, endsInTexts);
                     }
                     return line;
                   });

@@ -6,9 +6,14 @@
 
 // A step of the history as a reader of decks knows it.
 struct inpS_HistoryDescription {
-  KvoSimPosition record;  // HistoryStep
+  KvoSimPosition record; // HistoryStep; null: the step is kept as text
+  long long number = 0;
+  cow_String name;        // of a step kept as text that of its deck
   cow_String procedure;   // "*STATIC, RIKS"; empty: the step has none
   long long keywords = 0; // that it holds as records, its procedure among them
+  // Large displacements are accounted for since a general step before, which said so last.
+  bool isNonlinearSince = false;
+  bool IsText() const { return record.IsNull(); }
 };
 
 // In the order of the steps.

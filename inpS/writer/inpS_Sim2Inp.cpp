@@ -54,6 +54,7 @@ struct inpS_Sim2Inp::Impl {
   void PrintScope(const inpS_DeckScope& scope, int from, int to);
   void PrintWithin(const inpS_DeckScope& scope);
   void PrintKept(const inpS_DeckScope& scope, const inpS_Block& block);
+  inpS_FormPrinting Printing(const inpS_DeckScope& scope);
   void PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing,
                  const inpS_DeckScope& scope);
   void PrintParts();
@@ -90,9 +91,7 @@ struct inpS_Sim2Inp::Impl {
     if (IsModel(scope)) Materials().PrintPhysicalConstants(doc.GetModel());
   }
   void PrintAmplitudes(const inpS_DeckScope& scope) {
-    if (IsModel(scope))
-      inpS_printAmplitudes(*out, doc.GetModel(), parts,
-                           [this](const KvoSimPosition& owner) { PrintKeptOf(owner); });
+    if (IsModel(scope)) inpS_printAmplitudes(*out, doc.GetModel(), parts, Printing(scope));
   }
   void PrintMaterials(const inpS_DeckScope& scope) {
     if (IsModel(scope)) Materials().PrintMaterials(doc.GetModel());
@@ -266,6 +265,19 @@ void Impl::PrintWithin(const inpS_DeckScope& scope) {
   PrintScope(scope, 2, kStepsBlock - 1);
 }
 
+inpS_FormPrinting Impl::Printing(const inpS_DeckScope& scope) {
+  return {parts,
+          [this, &scope](const inpS_Form& form, const KvoSimPosition& columns) {
+            inpS_printColumns(*out, *form.info, columns, *labels, scope);
+          },
+          [this](const inpS_Form& form, const KvoSimPosition& rows) {
+            inpS_printRows(*out, form, rows);
+          },
+          [this](const KvoSimPosition& within, const KvoSimPosition& behind) {
+            PrintKeptOf(within, behind);
+          }};
+}
+
 // The forms of a block, and the texts of it: each behind the form that it stood behind.
 void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
   static const cow_List<Kept> none;
@@ -279,17 +291,7 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
   };
   printTexts(&scope.owner);
   if (block.HasForms()) {
-    const inpS_FormPrinting printing{
-        parts,
-        [&](const inpS_Form& form, const KvoSimPosition& columns) {
-          inpS_printColumns(*out, *form.info, columns, *labels, scope);
-        },
-        [&](const inpS_Form& form, const KvoSimPosition& rows) {
-          inpS_printRows(*out, form, rows);
-        },
-        [&](const KvoSimPosition& within, const KvoSimPosition& behind) {
-          PrintKeptOf(within, behind);
-        }};
+    const inpS_FormPrinting printing = Printing(scope);
     for (const eds_Member member : inpS_membersOf(block)) {
       for (const KvoSimPosition& record : scope.owner.GetVector(member)) {
         if (record.IsA(eds_FormKind::Step))

@@ -191,9 +191,7 @@ def facts(path):
         amplitude = row["amplitude"] or row["amplitude_ended"]
         rest = (amplitude, bool(row["amplitude_ended"]), row["from_step"], row["how"],
                 row["load_case"])
-        if keyword == "BASE MOTION":
-            degrees = [model.rows("SELECT dof FROM base_motion WHERE id = ?", row["given"])[0][0]]
-        elif kind is None:
+        if keyword == "INERTIA RELIEF":
             degrees = [0]
 
         def add(target, degree, value):

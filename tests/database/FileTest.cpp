@@ -348,9 +348,9 @@ TEST(File, TablesComeWithTheirRecordsAndViewsAtTheEnd) {
   document.Close();
   EXPECT_EQ(objects(),
             "chunk link meta model part schema_collection schema_field schema_member "
-            "schema_record schema_symbol v_flat_elements v_flat_nodes v_in_force v_labels v_link "
-            "v_material_tables v_model v_name v_part v_sets v_verbatim_keyword "
-            "verbatim_keyword ");
+            "schema_record schema_symbol v_flat_elements v_flat_nodes v_in_force v_incrementation "
+            "v_labels v_link v_material_tables v_model v_name v_part v_sets v_task "
+            "v_verbatim_keyword verbatim_keyword ");
   EXPECT_LE(fs::file_size(file), 100'000u);
 }
 

@@ -8,6 +8,7 @@ import pathlib
 import re
 import runpy
 import sqlite3
+import struct
 import subprocess
 import sys
 import tempfile
@@ -19,6 +20,13 @@ LOADS = ("*NODE\n" + "".join(f"{n}, {n}., 0., 0.\n" for n in range(1, 305)) +
          "*NSET, NSET=BASE\n1, 2\n*NSET, NSET=TOP\n3, 4\n*BOUNDARY\nBASE, PINNED\n"
          "*STEP\n*STATIC\n*CLOAD\nTOP, 3, -5.\n*END STEP\n*STEP\n*STATIC\n*CLOAD\n4, 3, 7.\n*CLOAD\n" +
          "".join(f"{n + 5}, 1, {n}.\n{n + 5}, 4, 0.5\n" for n in range(300)) + "*END STEP\n")
+
+# Four steps: two of the sequence, a task and an event; and times that are generated.
+HISTORY = ("*NODE\n1, 0.\n*TIME POINTS, NAME=TENTHS, GENERATE\n0., 0.3, 0.1\n1., 2.2, 0.5\n"
+           "*TIME POINTS, NAME=FEW\n0.5, 2.\n*STEP\n*STATIC\n0.1, 2.\n*END STEP\n"
+           "*STEP, PERTURBATION\n*STATIC\n*END STEP\n*STEP\n*FREQUENCY\n7, , 50.\n*END STEP\n"
+           "*STEP, NLGEOM, INC=9\n*STATIC, RIKS\n, 3.\n*END STEP\n*STEP\n*STATIC, DIRECT\n"
+           "0.25, 4.\n*END STEP\n")
 
 
 def same(what, found, wanted):
@@ -109,6 +117,27 @@ def check_loads(found):
     same("columns of v_in_force that the page does not tell", names - told, set())
 
 
+# The history as an analysis registers it, and times, by the page's own queries.
+def check_history(found):
+    db = found["db"]
+    page = (ROOT / "docs/database.md").read_text(encoding="utf-8")
+    query = re.search(r"\n    (SELECT place, name, collection.*?)\n\n", page, re.S)[1]
+    same("the sequence of steps", db.execute(query).fetchall(),
+         [(1, "Step-1", "time", 0.0, 2.0), (2, "Step-4", "arc length", 2.0, 5.0),
+          (3, "Step-5", "time", 5.0, 9.0)])
+    same("tasks and events", db.execute("""SELECT step, registration, place, collection, least, most,
+         items FROM v_task WHERE registration <> 'step'""").fetchall(),
+         [(2, "event", None, None, None, None, None), (3, "task", None, "mode", None, 50.0, 7)])
+    same("increments", db.execute("""SELECT step, kind, initial, increments FROM v_incrementation
+         """).fetchall(), [(1, "automatic", 0.1, 100), (4, "automatic arc length", 1.0, 9),
+                           (5, "fixed", 0.25, 100)])
+    query = re.search(r"\n    (SELECT p.name, t.rows, .*?)\n\n", page, re.S)[1]
+    times = {name: struct.unpack(f"<{rows}d", few) for name, rows, few, _ in db.execute(query)}
+    same("time points", {name: [round(one, 9) for one in all] for name, all in times.items()},
+         {"TENTHS": [0.0, 0.1, 0.2, 0.3, 1.0, 1.5, 2.0], "FEW": [0.5, 2.0]})
+    same("the end that is met", times["TENTHS"][3], 0.3)
+
+
 # A model of next to nothing: the example finds nothing and asks for nothing that is not there.
 def check_heading(found):
     same("of an empty model", [found[what] for what in ("node", "element", "xyz", "sets")], [{}] * 4)
@@ -117,7 +146,7 @@ def check_heading(found):
 # The views of the example are the same whether the model has what they show or not.
 def check_views(models):
     views = ("v_labels", "v_flat_nodes", "v_flat_elements", "v_sets", "v_material_tables",
-             "v_in_force")
+             "v_in_force", "v_task", "v_incrementation")
     for view in views:
         columns = {tuple(column[1] for column in sqlite3.connect(model).execute(
             f"PRAGMA table_info({view})")) for model in models}
@@ -157,15 +186,17 @@ def main():
         heading.write_text("*HEADING\nNothing\n", encoding="utf-8")
         loads = folder / "loads.inp"
         loads.write_text(LOADS, encoding="utf-8")
+        history = folder / "history.inp"
+        history.write_text(HISTORY, encoding="utf-8")
         decks = ((ROOT / "examples/assembly.inp", check_assembly),
                  (ROOT / "examples/materials.inp", check_materials),
                  (ROOT / "examples/plate.inp", check_plate), (heading, check_heading),
-                 (loads, check_loads))
+                 (loads, check_loads), (history, check_history))
         for deck, check in decks:
             model = folder / f"{deck.stem}.sim"
             subprocess.run([program, "convert", deck, "-o", model, "-q"], check=True)
             check(run_example(page, model, folder))
-            if check not in (check_heading, check_loads):
+            if check not in (check_heading, check_loads, check_history):
                 check_words(page, model)
         check_views(list(folder.glob("*.sim")))
     for fault in FAULTS:

@@ -87,7 +87,7 @@ const std::set<std::string_view> unprovoked = {
     "PlyNameRepeated", "InstanceWithoutRigidSurface", "AssemblyWithoutRigidSurface",
     "PartWithoutRigidSurface",
     // other words tell of the same
-    "OneRigidSurfacePerPart", "MaterialUnknown"};
+    "OneRigidSurfacePerPart"};
 
 const std::pair<std::string_view, std::string_view> texts[] = {
 #define INPS_MESSAGE(name, text) {#name, text},

@@ -36,7 +36,8 @@ void addSuboptions(const inp_Keyword& parent, const cow_String& title, const IsT
 
 // They belong to the whole model wherever they stand, and may leave a step.
 bool isOfModel(inp_KeywordEnm kind) {
-  return kind == inp_KwAmplitude || kind == inp_KwBaselineCorrection;
+  return kind == inp_KwAmplitude || kind == inp_KwBaselineCorrection || kind == inp_KwNset ||
+         kind == inp_KwElset;
 }
 
 } // namespace

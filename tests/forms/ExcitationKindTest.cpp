@@ -1,6 +1,7 @@
 // What acts in a step: no form of a condition or load may be forgotten among the excitations.
 
 #include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_Blocks.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/history/inpS_ExcitationKind.h"
 #include <gtest/gtest.h>
@@ -15,10 +16,12 @@ TEST(ExcitationKind, EveryConditionOfStepsActs) {
 #define INPS_STEP_PHASE(Keyword, Phase) inp_Kw##Keyword,
 #include "inpS/forms/inpS_stepPhases.def"
       inp_KwTemperature, inp_KwConnectorLoad, inp_KwConnectorMotion};
-  for (const inp_KeywordEnm keyword : keywords)
+  for (const inp_KeywordEnm keyword : keywords) {
+    if (inpS_stepPhaseOf(keyword) == inpS_Phase::None) continue; // of the whole model
     for (const eds_RecordKind form : inpS_FormTable::Instance().KindsOf(keyword))
       EXPECT_NE(inpS_ExcitationKind::Of(form) != nullptr, others.contains(form))
           << eds_formRecord(form)->name << ": inpS/history/inpS_excitations.def";
+  }
   for (const inpS_ExcitationKind& kind : inpS_ExcitationKind::All()) {
     const bool hasDegree = kind.key == inpS_ExcitationKind::Key::Degrees ||
                            kind.key == inpS_ExcitationKind::Key::Degree;

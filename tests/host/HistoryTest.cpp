@@ -42,8 +42,9 @@ TEST_F(History, IsATable) {
             "1 Press *STATIC nonlinear 2 automatic 0.1 (1e-06 to 0.5), at "
             "most 250 stabilized 2e-04, 1 keyword");
   EXPECT_EQ(Line(run.out, "2 "), "2 Step-2 *FREQUENCY perturbation - - 12 modes, up to 1000");
-  EXPECT_EQ(Line(run.out, "3 "), "3 Step-3 *STATIC general 1 fixed 0.25, at most 100 no stop");
-  EXPECT_EQ(Line(run.out, "4 "), "4 EMPTY no procedure general - - -");
+  EXPECT_EQ(Line(run.out, "3 "),
+            "3 Step-3 *STATIC nonlinear (carried) 1 fixed 0.25, at most 100 no stop");
+  EXPECT_EQ(Line(run.out, "4 "), "4 EMPTY no procedure nonlinear (carried) - - -");
   EXPECT_EQ(Line(run.out, "… and"), "… and 2 more; --json has them all");
 }
 
@@ -62,6 +63,27 @@ TEST_F(History, IsWholeForPrograms) {
   EXPECT_EQ(steps[2]["incrementation"], "fixed");
   EXPECT_EQ(steps[3]["procedure"], nullptr);
   EXPECT_EQ(steps[21]["number"], 22);
+  EXPECT_EQ(steps[0]["options"], json({"stabilized 2e-04", "1 keyword"}));
+  EXPECT_EQ(steps[1]["options"], json({"12 modes", "up to 1000"}));
+  EXPECT_EQ(steps[3]["options"], json::array());
+}
+
+// One whose set is missing stands before all others, one between them.
+TEST_F(History, ListsStepsThatAreKeptAsText) {
+  const cow_String lost = "*STEADY STATE TRANSPORT, ELSET=NOWHERE\n*END STEP\n";
+  const cow_String deck = "*NODE\n1, 0.\n*STEP\n" + lost + "*STEP\n*STATIC\n*END STEP\n" +
+                          "*STEP, NAME=\"Lost one\"\n" + lost + "*STEP\n*STATIC\n*END STEP\n";
+  ProgramRun({"convert", Deck("t.inp", deck), "-o", File("t.sim"), "--quiet"});
+  const cow_String out = ProgramRun({"info", File("t.sim")}).out;
+  EXPECT_EQ(Line(out, "1 Step-1"), "1 Step-1 kept as text - - - -") << out;
+  EXPECT_EQ(Line(out, "3 "), "3 Lost one kept as text - - - -") << out;
+  EXPECT_EQ(Line(out, "4 Step-4"), "4 Step-4 *STATIC general 1 automatic, at most 100 -") << out;
+  const json steps =
+      json::parse(ProgramRun({"info", File("t.sim"), "--history", "--json"}).out)["history"];
+  ASSERT_EQ(steps.size(), 4u);
+  EXPECT_EQ(steps[2]["name"], "Lost one");
+  EXPECT_EQ(steps[2]["keptAsText"], true);
+  EXPECT_EQ(steps[3]["keptAsText"], false);
 }
 
 namespace {

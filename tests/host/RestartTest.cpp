@@ -63,6 +63,23 @@ TEST_F(Restart, TellsWhatItsBaseLeavesToItsFirstStep) {
   EXPECT_TRUE(run.Says("EXTRAPOLATION=NO is not permitted with this step type.")) << run.err;
 }
 
+// Steps are added behind all of its base, one of which is kept as text.
+TEST_F(Restart, TellsAStepThatIsNotTheLastOfItsBase) {
+  const cow_String base = Deck("base.inp", "*NODE\n1, 0.\n*STEP\n*STATIC\n*END STEP\n*STEP\n"
+                                           "*STEADY STATE TRANSPORT, ELSET=X\n*END STEP\n");
+  ProgramRun({"convert", base, "-o", File("base.sim")});
+  const std::pair<const char*, const char*> cases[] = {
+      {"1", "has 2 steps; those behind step 1 stay"}, {"2", ""}, {"3", "has no step 3, but 2"}};
+  for (const auto& [step, told] : cases) {
+    const cow_String more = Deck("more.inp", cow_String("*RESTART, READ, STEP=") + step +
+                                                 "\n*STEP\n*STATIC\n*END STEP\n");
+    const ProgramRun run(
+        {"convert", more, "--restart", File("base.sim"), "-o", File("m.sim"), "--force"});
+    EXPECT_EQ(run.Says("The model that is restarted"), *told != 0) << step << run.err;
+    EXPECT_TRUE(run.Says(told)) << step << run.err;
+  }
+}
+
 // Its lines alone lie in the plane; what they turn about does not.
 TEST_F(Restart, GoesOnInTheSpaceOfItsBase) {
   const cow_String deck = Written("*NODE\n1, 1., 0., 0.\n3, 0., 0., 1.\n9, 0., 0., 0.\n",

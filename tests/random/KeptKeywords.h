@@ -8,7 +8,7 @@ inline constexpr const char* keptOfModel[] = {
     "*BOUNDARY, FILE=before, STEP=1\n",
     "*FLUX CAPACITOR, GIGAWATTS=1.21\n1, two, \"three\"\n",
     "*SURFACE INTERACTION, NAME=\"Rough One\"\n*FRICTION\n0.2,\n",
-    "*INITIAL CONDITIONS, TYPE=TEMPERATURE\n1, 20.\n",
+    "*INITIAL CONDITIONS, TYPE=TEMPERATURE, FILE=before, STEP=1\n",
     "*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-273.15\n",
     "*Material , name = \"soft one\"\n** of many lines\n*Hyperelastic,\n neo hooke\n0.5, 1.e-3\n\n",
 };
