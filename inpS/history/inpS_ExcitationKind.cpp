@@ -155,9 +155,8 @@ cow_List<Group> Groups(uint64_t all, const inpS_ExcitationKind& kind, std::strin
   const bool isMotion = isCondition || kind.form == eds_FormKind::ConnectorMotion;
   if (isMotion && type == "VELOCITY") base.back() = 'V';
   if (isMotion && type == "ACCELERATION") base.back() = 'A';
-  const bool isVector =
-      isCondition || kind.field == "CF" || kind.field == "CU" || kind.field == "CCF" ||
-      kind.field == "BASE";
+  const bool isVector = isCondition || kind.field == "CF" || kind.field == "CU" ||
+                        kind.field == "CCF" || kind.field == "BASE";
   const auto take = [&](uint64_t some, const cow_String& field, int firstDegree) {
     if ((all & some) != 0) groups.push_back({all & some, field, firstDegree});
     all &= ~some;
