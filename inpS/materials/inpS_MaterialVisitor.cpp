@@ -102,7 +102,10 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
       if (isOurs) TellOfStray(keyword);
       // A keyword between (*NSET) closes no material.
       const bool isWithin = m_open.IsNull() && keyword.ScopePtr() == m_lastScope;
-      return KeepAsText(keyword, isWithin ? m_last : m_open, isOurs);
+      const KvoSimPosition within = isWithin ? m_last : m_open;
+      // Gasket behaviors are written behind the materials, whose last one would take it in.
+      const bool isAdopted = within.IsA(eds_FormKind::GasketBehavior);
+      return KeepAsText(keyword, isAdopted ? KvoSimPosition() : within, isOurs);
     }
     m_open = {};
   }

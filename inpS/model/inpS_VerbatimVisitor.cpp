@@ -96,17 +96,8 @@ void inpS_VerbatimVisitor::ContinuePositions() {
 }
 
 void inpS_VerbatimVisitor::RefuseNewOwners(const inp_KeywordList& keywords) {
-  const KvoObjModel model = m_inventory.GetDocument().GetModel();
-  for (const inp_Keyword& keyword : keywords) {
-    const inp_Item* name = keyword.Find("name");
-    if (!name || keyword.IsInstanceCopy()) continue;
-    const bool isNew =
-        (keyword.Kind() == inp_KwPart && model.GetPart(name->AsString()).IsNull()) ||
-        (keyword.Kind() == inp_KwInstance && model.GetOccurence(name->AsString()).IsNull());
-    if (isNew)
-      Error(keyword, "The model that is restarted has no \"" + name->AsString() +
-                         "\", and a restart cannot add one; its mesh is left out.");
-  }
+  for (const inp_Keyword& keyword : keywords)
+    inpS_refuseNewOwner(keyword, m_inventory.GetDocument().GetModel(), *this);
 }
 
 bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
