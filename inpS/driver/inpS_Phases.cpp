@@ -181,7 +181,7 @@ bool Driver::KeepVerbatim(bool restart) {
   visitor.SetLedger(&m_ledger);
   if (restart) {
     visitor.ContinuePositions();
-    visitor.RefuseNewOwners(m_keywords);
+    visitor.CheckRestart(m_keywords);
   }
   visitor.VisitListAndReport(m_keywords);
   m_notModelled = visitor.AllKept();

@@ -336,11 +336,11 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const in
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
   behavior.LeaveOddChoices(keyword, *this);
   if (behavior.info->textField >= 0 && keyword.Data().Rows() > 0)
-    property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword));
+    property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword, *this));
   const bool isPartly = behavior.HasTable() && !isDistributed && !rows.Table().Unread().empty();
   const KvoSimPosition kept =
       KeepOthers(keyword, behavior, property,
-                 isPartly || isDistributed ? inpS_dataLines(keyword) : cow_String());
+                 isPartly || isDistributed ? inpS_dataLines(keyword, *this) : cow_String());
   if (isDistributed)
     m_distributed.push_back({property, kept, keyword});
   else

@@ -1,6 +1,7 @@
 #include "inpS/model/inpS_RestartDefinitions.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Parser.h"
 #include "parser/inp_Utils.h"
@@ -95,22 +96,47 @@ void checkPart(const inp_Keyword& keyword, const KvoSimPosition& instance, const
                        "it is taken as it is there."));
 }
 
-} // namespace
-
-void inpS_refuseNewOwner(const inp_Keyword& keyword, const KvoObjModel& model,
-                         inp_Visitor& messages) {
+void checkOwner(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visitor& messages) {
   const bool isPart = keyword.Kind() == inp_KwPart;
-  if ((!isPart && keyword.Kind() != inp_KwInstance) || keyword.IsInstanceCopy()) return;
   const cow_String name = keyword.StringOf("name", "");
   const KvoSimPosition known = name.empty() ? KvoSimPosition()
                                : isPart     ? model.GetPart(name)
                                             : model.GetOccurence(name);
   if (!known.IsNull()) return isPart ? void() : checkPart(keyword, known, model, messages);
   messages.AddError(inp_Utils::MessageInKeyword(
-      keyword,
-      name.empty() ? inpS_messageText(isPart ? inpS_model_PartNameMissing
-                                             : inpS_model_InstanceNameMissing)
-                   : "The model that is restarted has no \"" + name +
-                         "\", and a restart cannot add one; its mesh is left out."));
+      keyword, name.empty() ? inpS_messageText(isPart ? inpS_model_PartNameMissing
+                                                      : inpS_model_InstanceNameMissing)
+                            : "The model that is restarted has no \"" + name +
+                                  "\", and a restart cannot add one; its mesh is left out."));
   messages.LeaveOut(isPart ? "part" : "instance");
+}
+
+// The model is read whole, whatever place in its history the deck names.
+void checkReading(const inp_Keyword& keyword, inp_Visitor& messages) {
+  if (!keyword.HasParameter("read")) return;
+  cow_String given;
+  for (const inp_Parameter& parameter : keyword.Parameters())
+    if (parameter.name == "step" || parameter.name == "inc" || parameter.name == "iteration" ||
+        parameter.name == "interval" || parameter.name == "cycle" || parameter.name == "endstep")
+      given += (given.empty() ? "" : ", ") + inpS_spelledName(parameter);
+  if (given.empty()) return;
+  messages.AddWarning(inp_Utils::MessageInKeyword(
+      keyword, "A restart goes on behind the last step of its model; what tells another place (" +
+                   given + ") is left out."));
+  messages.LeaveOut("place of a restart");
+}
+
+} // namespace
+
+void inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model,
+                       inp_Visitor& messages) {
+  const bool isModels = keyword.Scope().kind == inp_Scope::Kind::Model;
+  if (keyword.IsInstanceCopy()) return;
+  if (keyword.Kind() == inp_KwPart || keyword.Kind() == inp_KwInstance)
+    return checkOwner(keyword, model, messages);
+  if (keyword.Kind() == inp_KwRestart) return checkReading(keyword, messages);
+  if (keyword.Kind() != inp_KwHeading || !isModels || keyword.Data().Rows() == 0) return;
+  messages.AddWarning(inp_Utils::MessageInKeyword(
+      keyword, "The model keeps the heading of its base; that of the restart is left out."));
+  messages.LeaveOut("heading");
 }

@@ -31,7 +31,7 @@ private:
   bool m_refused = false;
 };
 
-// A restart goes on with the parts and instances of its model: tells of a part or an instance that
-// the model does not have, or that has no name.
-void inpS_refuseNewOwner(const inp_Keyword& keyword, const KvoObjModel& model,
-                         inp_Visitor& messages);
+// A restart goes on with the parts and instances of its model, under its heading and behind all of
+// its steps: tells of a part or an instance that the model does not have or that has no name, of
+// another heading, and of a step to begin from.
+void inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visitor& messages);

@@ -95,9 +95,9 @@ void inpS_VerbatimVisitor::ContinuePositions() {
   }
 }
 
-void inpS_VerbatimVisitor::RefuseNewOwners(const inp_KeywordList& keywords) {
+void inpS_VerbatimVisitor::CheckRestart(const inp_KeywordList& keywords) {
   for (const inp_Keyword& keyword : keywords)
-    inpS_refuseNewOwner(keyword, m_inventory.GetDocument().GetModel(), *this);
+    inpS_checkRestart(keyword, m_inventory.GetDocument().GetModel(), *this);
 }
 
 bool inpS_VerbatimVisitor::IsModelled(const inp_Keyword& keyword) const {
@@ -195,6 +195,7 @@ inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keywo
 
 void inpS_VerbatimVisitor::Keep(const inp_Keyword& keyword, const Along& at) {
   const Place& place = at.place;
+  inpS_tellControls(keyword, *this);
   KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
   const KvoSimPosition kept = m_place.owner.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   KvoSimDataRecord record = kept.DataRecord();

@@ -25,8 +25,8 @@ public:
   const cow_List<inpS_NotModelled>& AllKept() const { return m_kept; }
   // Goes on behind what the database keeps already (restart).
   void ContinuePositions();
-  // A restart goes on with the parts and instances of its model: others are reported.
-  void RefuseNewOwners(const inp_KeywordList& keywords);
+  // What the model that is restarted does not take.
+  void CheckRestart(const inp_KeywordList& keywords);
 
 private:
   struct Place {
