@@ -8,6 +8,7 @@
 #include "host/inps_Conversion.h"
 #include "host/inps_Input.h"
 #include "host/inps_ModelCopy.h"
+#include "host/inps_OpenModel.h"
 #include "host/inps_OutputFile.h"
 #include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
@@ -156,6 +157,7 @@ private:
   bool GoOn(inps_Conversion& conversion, KvoObjDocument& document) {
     if (!hasMesh(document))
       throw eds_DamagedFileException("\"" + m_base->Name() + "\" has no mesh from which to go on");
+    inps_warnOfOutcome(document, *m_base, m_run);
     const bool clean = conversion.ConvertRestart(document);
     finish(document);
     std::error_code ignored;

@@ -166,7 +166,7 @@ inps_Json jsonOf(const inps_Input& input, const KvoObjDocument& document,
     json["errors"] = summary.outcome.errors;
     json["warnings"] = summary.outcome.warnings;
     json["leftOut"] = summary.outcome.leftOut;
-    json["meshLeftOut"] = summary.outcome.IsMeshLeftOut();
+    json["meshLeftOut"] = summary.outcome.IsMeshLeftOut() || summary.outcome.IsRestartMeshLeftOut();
   }
   inps_Json facts = inps_Json::object();
   for (const auto& [name, value] : eds_ModelReader(document).Meta()) facts[name] = value;

@@ -96,10 +96,11 @@ cow_String inps_summaryLine(const inps_ModelSummary& summary) {
   for (const auto& [name, count] : summary.elementTypes)
     types += (types.empty() ? "" : ", ") + name + " " + std::to_string(count);
   if (!types.empty()) text += " (" + types + ")";
-  if (summary.outcome.IsMeshLeftOut()) // with nodes it is the base's, and a restart has failed
-    text += summary.nodes > 0
-                ? " (what its restart adds to the mesh is left out because of its errors)"
-                : " (the mesh is left out because of its errors)";
+  if (summary.outcome.IsMeshLeftOut()) // nodes that there are come from a restart
+    text += summary.nodes > 0 ? " (the mesh of its base is left out because of its errors)"
+                              : " (the mesh is left out because of its errors)";
+  if (summary.outcome.IsRestartMeshLeftOut())
+    text += " (what its restart adds to the mesh is left out because of its errors)";
   text += ", " + inps_counted(summary.nodeSets, "node set");
   text += ", " + inps_counted(summary.elementSets, "element set");
   if (summary.surfaces > 0) text += ", " + inps_counted(summary.surfaces, "surface");

@@ -14,7 +14,11 @@ int64_t countIn(const cow_String& text) {
 } // namespace
 
 bool inps_Outcome::IsMeshLeftOut() const {
-  return leftOut == "mesh" || leftOut.starts_with("mesh;");
+  return ("; " + leftOut + ";").find("; mesh;") != cow_String::npos;
+}
+
+bool inps_Outcome::IsRestartMeshLeftOut() const {
+  return ("; " + leftOut + ";").find("; mesh of a restart;") != cow_String::npos;
 }
 
 cow_String inps_Outcome::Text() const {

@@ -12,7 +12,8 @@ struct inps_Outcome {
   int64_t warnings = 0;
   cow_String leftOut; // "mesh; *NODE, FOO", empty: nothing that is known of
 
-  bool IsMeshLeftOut() const;
+  bool IsMeshLeftOut() const;        // of the deck that made the model
+  bool IsRestartMeshLeftOut() const; // of one that went on with it
   cow_String Text() const; // "2 errors, 1 warning; left out: mesh"
 };
 

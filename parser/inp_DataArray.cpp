@@ -1,5 +1,6 @@
 #include "parser/inp_DataArray.h"
 #include "base/utl_Assert.h"
+#include "base/utl_Controls.h"
 #include "base/utl_Number.h"
 #include "parser/inp_TextLines.h"
 #include "parser/inp_Utils.h"
@@ -249,7 +250,7 @@ cow_String inp_DataArray::Text() const {
     out += RowText(row);
     out += '\n';
   }
-  std::replace(out.begin(), out.end(), '\r', ' '); // others may take it for a line end
+  utl_dropControlsInLines(out);
   return out;
 }
 

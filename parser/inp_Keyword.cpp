@@ -1,5 +1,6 @@
 #include "parser/inp_Keyword.h"
 #include "base/utl_Assert.h"
+#include "base/utl_Controls.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_TextLines.h"
 #include <algorithm>
@@ -220,6 +221,7 @@ cow_String inp_Keyword::HeadText() const {
     LineJoiner(*m_body, out).Join();
   else
     appendGenerated(*m_body, out);
+  utl_dropControlsInLines(out);
   return out;
 }
 

@@ -25,16 +25,23 @@ char upper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+// As in the keyword line that is kept, which is no comment either.
+cow_String withoutControls(std::string_view name) {
+  cow_String line = '*' + cow_String(name);
+  utl_dropControlsInLines(line);
+  return line.substr(1);
+}
+
 cow_String foldName(std::string_view name) {
   cow_String out;
-  for (const char c : utl_withoutControls(name))
+  for (const char c : withoutControls(name))
     if (!inp_isBlank(c)) out += lower(c);
   return out;
 }
 
 cow_String singleBlanks(std::string_view name) {
   cow_String out;
-  for (const char c : utl_withoutControls(name)) {
+  for (const char c : withoutControls(name)) {
     if (!inp_isBlank(c))
       out += upper(c);
     else if (!out.ends_with(' '))

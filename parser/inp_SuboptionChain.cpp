@@ -38,16 +38,12 @@ bool isNameless(const inp_Keyword& keyword) {
 
 } // namespace
 
-// A step, which is kept as text, keeps its own; the model's materials know nothing of them.
+// A step keeps its own; the model's materials know nothing of them.
 void inp_SuboptionChain::CloseOpen() {
-  if (!m_open.empty() && isContainer(m_open.front().Kind()) && !isInStep(m_open.front())) {
-    const inp_KeywordEnm kind = m_open.front().Kind();
-    std::erase_if(m_held, [&](const auto& held) { return held.front().Kind() == kind; });
+  if (!m_open.empty() && isContainer(m_open.front().Kind()) && !isInStep(m_open.front()))
     m_held.insert(m_held.begin(), std::move(m_open));
-  }
   m_open.clear();
   m_apart.clear();
-  m_isResumed = false;
 }
 
 inp_KeywordList& inp_SuboptionChain::ChainFor(const inp_Keyword& keyword) {
@@ -60,12 +56,10 @@ inp_KeywordList& inp_SuboptionChain::ChainFor(const inp_Keyword& keyword) {
     return m_open;
   }
   if (anyAdmits(m_apart, keyword)) return m_apart;
-  if (m_isResumed && anyAdmits(m_held.front(), keyword)) return m_held.front();
-  if (const auto held = std::ranges::find_if(
-          m_held, [&](const auto& chain) { return admits(chain.front(), keyword); });
-      held != m_held.end() && !isInStep(keyword)) {
+  const auto held =
+      std::ranges::find_if(m_held, [&](const auto& chain) { return anyAdmits(chain, keyword); });
+  if (held != m_held.end() && !isInStep(keyword)) {
     std::rotate(m_held.begin(), held, std::next(held));
-    m_isResumed = true;
     return m_held.front();
   }
   return m_open.empty() ? m_open : m_apart;
@@ -76,9 +70,11 @@ void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
   // A misspelt sub-option must not tear those behind it from their keyword.
   if (!row || isNameless(keyword)) return;
   if (!m_open.empty() && m_open.back().ScopePtr() != keyword.ScopePtr()) CloseOpen();
-  if (m_isResumed && m_held.front().back().ScopePtr() != keyword.ScopePtr()) m_isResumed = false;
   if (!m_apart.empty() && m_apart.back().ScopePtr() != keyword.ScopePtr()) m_apart.clear();
   if (row->parents.empty() || standsAlone(*row, *keyword.Body())) CloseOpen();
+  if (isContainer(keyword.Kind()) && !isInStep(keyword))
+    std::erase_if(m_held,
+                  [&](const auto& held) { return held.front().Kind() == keyword.Kind(); });
   inp_KeywordList& chain = ChainFor(keyword);
   if (&chain != &m_apart) m_apart.clear();
   const auto parent = std::find_if(chain.rbegin(), chain.rend(),

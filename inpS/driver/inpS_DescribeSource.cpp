@@ -69,7 +69,7 @@ void inpS_Inp2Sim::DescribeSource(const KvoObjDocument& document, const cow_Stri
     described.SetMeta("source_digest", digestOf(utl_MappedFile(path)));
 }
 
-// "mesh; 2 surfaces; *NODE, FOO; *STEP, BAR": the mesh as a whole, what messages told of, and the
+// "mesh; mesh of a restart; 2 surfaces; *NODE, FOO; *STEP, BAR": the mesh as a whole, what messages told of, and the
 // parameters that nothing read.
 void inpS_Inp2Sim::DescribeResult(const KvoObjDocument& document, long long errors,
                                   long long warnings,
@@ -88,7 +88,7 @@ void inpS_Inp2Sim::DescribeResult(const KvoObjDocument& document, long long erro
     if (inList.find("; " + what + ";") == cow_String::npos)
       leftOut += (leftOut.empty() ? "" : "; ") + what;
   };
-  if (m_meshLeftOut) leave("mesh");
+  if (m_meshLeftOut) leave(m_isRestart ? "mesh of a restart" : "mesh");
   for (const auto& [what, count] : leftOutByKind) leave(counted(count, what));
   constexpr std::size_t mostNamed = 20;
   std::size_t named = 0;

@@ -128,7 +128,7 @@ void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
   m_ledger.Open(m_keywords.size());
   m_notModelled.clear();
   m_boundaries = {};
-  m_meshLeftOut = false;
+  m_meshLeftOut = m_isRestart = false;
   m_featureEnhanced = m_isDeckFeatureEnhanced;
   m_modelString.clear();
   m_inventory.SetFeatureEnhanced(false);
@@ -204,6 +204,7 @@ void inpS_Inp2Sim::ListUnreadParameters() {
 
 bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) try {
   Begin(document);
+  m_isRestart = true;
   if (IsSimDatabaseFeatureEnhanced(document)) {
     m_inventory.SetFeatureEnhanced(true);
     m_modelString = document.GetModel().DataRecord().ReturnString(eds_Model_ModelString);

@@ -143,6 +143,7 @@ private:
   bool m_unsupportedFeaturesAsWarnings = false;
   bool m_salvage = false;
   bool m_meshLeftOut = false;
+  bool m_isRestart = false;
   cow_List<inpS_NotModelled> m_notModelled;
   inpS_Ledger m_ledger;
   inpS_DuplicateReport m_boundaries;                // where conditions of nodes were given

@@ -1,4 +1,5 @@
 #include "inpS/forms/inpS_FormPrinter.h"
+#include "base/utl_Controls.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSrvFsmFTable.h"
 #include "inpS/forms/inpS_FormTable.h"
@@ -92,7 +93,7 @@ void printLines(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& po
   case eds_FormData::Columns:
     return printing.columns(form, position);
   case eds_FormData::Text:
-    out << record.GetString(form.info->textField);
+    utl_printLines(out, record.GetString(form.info->textField));
     return;
   case eds_FormData::Words:
     return inpS_printWords(out, record.GetString(form.info->words.alternatives.front().field));

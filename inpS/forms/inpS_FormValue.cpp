@@ -258,7 +258,7 @@ void inpS_printValue(utl_Stream& out, const eds_FormItem& item, const KvoSimData
       out << record.GetDouble(one.field);
       return;
     case eds_FormType::Choice:
-      out << record.GetString(one.field);
+      utl_printLines(out, record.GetString(one.field));
       return;
     case eds_FormType::Text:
       out << inpS_quoted(record.ReturnString(one.field));

@@ -188,7 +188,7 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
   }
   inpS_tellOtherParameters(keyword, *this);
   const inpS_KeptPart beside{0, inpS_takeOtherParameters(keyword),
-                             whole ? cow_String() : inpS_dataLines(keyword)};
+                             whole ? cow_String() : inpS_dataLines(keyword, *this)};
   if (!beside.parameters.empty() || !beside.lines.empty()) inpS_keepPart(record, beside);
   m_ledger.Take(keyword, record);
   ConvertSuboptions(keyword, record);
@@ -414,7 +414,8 @@ bool inpS_FormVisitor::ReadData(const inp_Keyword& keyword, const eds_FormInfo& 
     return true;
   }
   if (form.data == eds_FormData::Text) {
-    if (data.Rows() > 0) record.DataRecord().SetString(form.textField, inpS_dataLines(keyword));
+    if (data.Rows() > 0)
+      record.DataRecord().SetString(form.textField, inpS_dataLines(keyword, *this));
     return true;
   }
   bool whole = true;

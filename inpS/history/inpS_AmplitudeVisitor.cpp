@@ -146,7 +146,7 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   ReadValues(keyword, form, amplitude, name);
   inpS_tellOtherParameters(keyword, *this);
   const inpS_KeptPart part{0, inpS_takeOtherParameters(keyword),
-                           m_isWhole ? cow_String() : inpS_dataLines(keyword)};
+                           m_isWhole ? cow_String() : inpS_dataLines(keyword, *this)};
   if (!part.parameters.empty() || !part.lines.empty())
     m_parts.emplace(packed, inpS_keepPart(amplitude, part));
 }

@@ -5,6 +5,7 @@
 #include "inpS/keywords/inpS_ParameterBinding.h"
 #include "parser/inp_DeckParameters.h"
 #include "parser/inp_Keyword.h"
+#include "parser/inp_TextLines.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
 #include <algorithm>
@@ -12,9 +13,14 @@
 inpS_KeptParts::inpS_KeptParts(const KvoSimContext& context) {
   for (const KvoSimPosition& position : context.GetRecords(eds_RecordKind::KeptPart)) {
     const KvoSimDataRecord record = position.DataRecord();
-    m_byOwner[record.GetReference(eds_KeptPart_Owner).Object().Packed()].push_back(
-        {record.GetInt64(eds_KeptPart_FirstRow), record.ReturnString(eds_KeptPart_Parameters),
-         record.ReturnString(eds_KeptPart_Lines)});
+    const auto owner = record.GetReference(eds_KeptPart_Owner).Object().Packed();
+    m_byOwner[owner].push_back({record.GetInt64(eds_KeptPart_FirstRow),
+                                record.ReturnString(eds_KeptPart_Parameters),
+                                record.ReturnString(eds_KeptPart_Lines)});
+    inpS_KeptPart& part = m_byOwner[owner].back(); // of another program
+    if (utl_findControl(part.parameters) != cow_String::npos)
+      part.parameters = utl_withoutControls(part.parameters);
+    utl_dropControlsInLines(part.lines);
   }
   for (auto& [owner, parts] : m_byOwner)
     std::ranges::stable_sort(parts, {}, &inpS_KeptPart::firstRow);
@@ -131,8 +137,22 @@ void inpS_dropRepeated(const inp_Keyword& keyword, std::string_view kept, inp_Vi
   }
 }
 
-cow_String inpS_dataLines(const inp_Keyword& keyword) {
+cow_String inpS_dataLines(const inp_Keyword& keyword, inp_Visitor& messages) {
+  inpS_tellControls(keyword, messages);
   return keyword.Data().Text();
+}
+
+void inpS_tellControls(const inp_Keyword& keyword, inp_Visitor& messages) {
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row) {
+    const std::string_view line = data.RowText(row);
+    std::size_t at = utl_findControlInLines(line);
+    while (at != line.npos && inp_isBlank(line[at])) at = utl_findControlInLines(line, at + 1);
+    if (at == line.npos) continue;
+    messages.AddWarning(inp_Utils::MessageAtRow(
+        keyword, row, "Control characters in data lines that are kept are left out."));
+    return messages.LeaveOut("control character");
+  }
 }
 
 cow_String inpS_takeUnusedLines(const inp_Keyword& keyword, inp_Visitor& messages) {
@@ -143,7 +163,7 @@ cow_String inpS_takeUnusedLines(const inp_Keyword& keyword, inp_Visitor& message
   messages.AddWarning(inp_Utils::MessageAtRow(
       keyword, row,
       "*" + keyword.Name() + " takes no data lines; from here on they are kept, but not used."));
-  return inpS_dataLines(keyword);
+  return inpS_dataLines(keyword, messages);
 }
 
 void inpS_keepUnused(const inp_Keyword& keyword, const KvoSimPosition& owner, inp_Visitor& messages,

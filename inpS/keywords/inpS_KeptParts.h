@@ -52,7 +52,10 @@ bool inpS_holdsParameter(std::string_view kept, std::string_view name);
 // stays; another one is told, and left out.
 void inpS_dropRepeated(const inp_Keyword& keyword, std::string_view kept, inp_Visitor& messages);
 
-cow_String inpS_dataLines(const inp_Keyword& keyword); // as they stand
+// As they stand, but for control characters, which no deck that is written has.
+cow_String inpS_dataLines(const inp_Keyword& keyword, inp_Visitor& messages);
+// Of data lines that are kept: that such are left out.
+void inpS_tellControls(const inp_Keyword& keyword, inp_Visitor& messages);
 
 // Of a keyword that takes no data lines: those that it has all the same, with a warning.
 cow_String inpS_takeUnusedLines(const inp_Keyword& keyword, inp_Visitor& messages);

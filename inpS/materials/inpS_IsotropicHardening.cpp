@@ -66,7 +66,7 @@ KvoSimPosition inpS_MaterialVisitor::CreateIsotropicHardeningPlastic(KvoSimTrans
   const inpS_Form& row = *inpS_FormTable::Instance().Find(kind);
   inpS_readParameters(keyword, row.parameters, property.DataRecord(), *this);
   KeepOthers(keyword, row, property,
-             table.Unread().empty() ? cow_String() : inpS_dataLines(keyword));
+             table.Unread().empty() ? cow_String() : inpS_dataLines(keyword, *this));
   const int tableKind = inpS_PropertyUtils::TableKindOf(kind);
   KvoSrvFsmFTable::CreateTable(
       property, tableKind, table.NumRows(), table.NumDependencies(), {},
@@ -100,7 +100,7 @@ bool inpS_MaterialVisitor::AppendIsotropicHardeningPlastic(KvoSimTransaction&,
   // The record holds the parameters of the first keyword. Of this one they are kept as they stand,
   // and where it begins, when its rate does not tell.
   inpS_KeptPart part{table.NumOfRows()};
-  if (!added.Unread().empty()) part.lines = inpS_dataLines(keyword);
+  if (!added.Unread().empty()) part.lines = inpS_dataLines(keyword, *this);
   KeepParts(keyword, property, std::move(part), rate == m_rates.back());
   m_ledger.Take(keyword, property);
   m_rates.push_back(rate);

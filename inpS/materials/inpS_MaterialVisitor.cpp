@@ -102,7 +102,10 @@ void inpS_MaterialVisitor::Visit(const inp_Keyword& keyword) {
       if (isOurs) TellOfStray(keyword);
       // A keyword between (*NSET) closes no material.
       const bool isWithin = m_open.IsNull() && keyword.ScopePtr() == m_lastScope;
-      return KeepAsText(keyword, isWithin ? m_last : m_open, isOurs);
+      const KvoSimPosition within = isWithin ? m_last : m_open;
+      // Gasket behaviors are written behind the materials, whose last one would take it in.
+      const bool isAdopted = within.IsA(eds_FormKind::GasketBehavior);
+      return KeepAsText(keyword, isAdopted ? KvoSimPosition() : within, isOurs);
     }
     m_open = {};
   }
@@ -333,11 +336,11 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const in
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
   behavior.LeaveOddChoices(keyword, *this);
   if (behavior.info->textField >= 0 && keyword.Data().Rows() > 0)
-    property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword));
+    property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword, *this));
   const bool isPartly = behavior.HasTable() && !isDistributed && !rows.Table().Unread().empty();
   const KvoSimPosition kept =
       KeepOthers(keyword, behavior, property,
-                 isPartly || isDistributed ? inpS_dataLines(keyword) : cow_String());
+                 isPartly || isDistributed ? inpS_dataLines(keyword, *this) : cow_String());
   if (isDistributed)
     m_distributed.push_back({property, kept, keyword});
   else

@@ -119,7 +119,7 @@ bool inpS_AssemblyVisitor::Place(const inp_Keyword& keyword) {
   model.AssociateStringKey(eds_Member::Occurrences, name->AsString(), instance);
   inpS_tellOtherParameters(keyword, *this);
   const inpS_KeptPart kept{0, inpS_takeOtherParameters(keyword),
-                           isWhole ? cow_String() : inpS_dataLines(keyword)};
+                           isWhole ? cow_String() : inpS_dataLines(keyword, *this)};
   if (!kept.parameters.empty() || !kept.lines.empty()) inpS_keepPart(instance, kept);
   transaction.Commit();
   m_instance = instance;

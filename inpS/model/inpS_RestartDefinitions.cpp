@@ -1,7 +1,11 @@
 #include "inpS/model/inpS_RestartDefinitions.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/keywords/inpS_KeptParts.h"
+#include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Parser.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
 
 namespace {
 
@@ -48,18 +52,96 @@ cow_String inpS_RestartDefinitions::Conflict(const inp_Keyword& keyword) {
   const inp_KeywordEnm kind = keyword.Kind();
   const bool named = isNamed(kind);
   if (!named && kind != inp_KwPhysicalConstants) {
-    m_refused = false; // what is refused has come to its end
+    m_refused = false; // what is refused has come to its end, but for sub-options further on
     return {};
   }
   const cow_String name = nameOf(keyword);
   m_refused = !(named && name.empty()) && !m_names.emplace(kind, name).second;
   if (!m_refused) return {};
+  AddRefused(keyword);
   if (!named) return "The model that is restarted has physical constants; these are left out.";
   return cow_String(kind == inp_KwMaterial ? "Material" : "Gasket behavior") + " with name \"" +
          name + "\" has already been defined; this one is left out with all that belongs to it.";
 }
 
+void inpS_RestartDefinitions::AddRefused(const inp_Keyword& keyword) {
+  for (const inp_Keyword& suboption : keyword.Suboptions()) {
+    m_ofRefused.insert(suboption.Body().get());
+    AddRefused(suboption);
+  }
+}
+
 bool inpS_RestartDefinitions::IsOfRefused(const inp_Keyword& keyword) const {
-  return m_refused &&
-         (keyword.ParentKind() != inp_NullKeyword || keyword.Kind() == inp_UnknownKeyword);
+  return m_ofRefused.contains(keyword.Body().get()) ||
+         (m_refused &&
+          (keyword.ParentKind() != inp_NullKeyword || keyword.Kind() == inp_UnknownKeyword));
+}
+
+// ---- parts and instances
+
+namespace {
+
+// Of an instance that the model has.
+void checkPart(const inp_Keyword& keyword, const KvoSimPosition& instance, const KvoObjModel& model,
+               inp_Visitor& messages) {
+  const inp_Item* part = keyword.Find("part");
+  if (!part) return;
+  const KvoSimPosition known = model.GetPart(part->AsString());
+  if (known == instance.DataRecord().GetReference(eds_Instance_Part) && !known.IsNull()) return;
+  messages.AddError(inp_Utils::MessageAtParameter(
+      keyword, "part",
+      known.IsNull() ? "Part \"" + part->AsString() +
+                           "\" is not defined; the instance is taken as the restarted model has it."
+                     : "The instance of this name in the model that is restarted has another part; "
+                       "it is taken as it is there."));
+}
+
+bool checkOwner(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visitor& messages) {
+  const bool isPart = keyword.Kind() == inp_KwPart;
+  const cow_String name = keyword.StringOf("name", "");
+  const KvoSimPosition known = name.empty() ? KvoSimPosition()
+                               : isPart     ? model.GetPart(name)
+                                            : model.GetOccurence(name);
+  if (!known.IsNull()) {
+    if (!isPart) checkPart(keyword, known, model, messages);
+    return true;
+  }
+  messages.AddError(inp_Utils::MessageInKeyword(
+      keyword, name.empty() ? inpS_messageText(isPart ? inpS_model_PartNameMissing
+                                                      : inpS_model_InstanceNameMissing)
+                            : "The model that is restarted has no \"" + name +
+                                  "\", and a restart cannot add one; its mesh is left out."));
+  messages.LeaveOut(isPart ? "part" : "instance");
+  return false;
+}
+
+// The model is read whole, whatever place in its history the deck names.
+void checkReading(const inp_Keyword& keyword, inp_Visitor& messages) {
+  if (!keyword.HasParameter("read")) return;
+  cow_String given;
+  for (const inp_Parameter& parameter : keyword.Parameters())
+    if (parameter.name == "step" || parameter.name == "inc" || parameter.name == "iteration" ||
+        parameter.name == "interval" || parameter.name == "cycle" || parameter.name == "endstep")
+      given += (given.empty() ? "" : ", ") + inpS_spelledName(parameter);
+  if (given.empty()) return;
+  messages.AddWarning(inp_Utils::MessageInKeyword(
+      keyword, "A restart goes on behind the last step of its model; what tells another place (" +
+                   given + ") is left out."));
+  messages.LeaveOut("place of a restart");
+}
+
+} // namespace
+
+bool inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model,
+                       inp_Visitor& messages) {
+  const bool isModels = keyword.Scope().kind == inp_Scope::Kind::Model;
+  if (keyword.IsInstanceCopy()) return true;
+  if (keyword.Kind() == inp_KwPart || keyword.Kind() == inp_KwInstance)
+    return checkOwner(keyword, model, messages);
+  if (keyword.Kind() == inp_KwRestart) checkReading(keyword, messages);
+  if (keyword.Kind() != inp_KwHeading || !isModels || keyword.Data().Rows() == 0) return true;
+  messages.AddWarning(inp_Utils::MessageInKeyword(
+      keyword, "The model keeps the heading of its base; that of the restart is left out."));
+  messages.LeaveOut("heading");
+  return false;
 }

@@ -87,26 +87,15 @@ void inpS_VerbatimVisitor::ContinuePositions() {
 
 void inpS_VerbatimVisitor::SettleSkeleton(const inp_KeywordList& keywords) {
   for (const inp_Keyword& keyword : keywords) {
+    const bool isTaken = inpS_checkRestart(keyword, m_inventory.GetDocument().GetModel(), *this);
     if (inpS_subjectOf(keyword.Kind()) != inpS_Subject::Skeleton || keyword.IsInstanceCopy() ||
         keyword.Scope().kind == inp_Scope::Kind::Step)
       continue;
-    if (RefuseNewOwner(keyword))
-      m_ledger.LeaveOut(keyword);
-    else
+    if (isTaken)
       m_ledger.Take(keyword);
+    else
+      m_ledger.LeaveOut(keyword);
   }
-}
-
-bool inpS_VerbatimVisitor::RefuseNewOwner(const inp_Keyword& keyword) {
-  const KvoObjModel model = m_inventory.GetDocument().GetModel();
-  const inp_Item* name = keyword.Find("name");
-  const bool isNew =
-      name && ((keyword.Kind() == inp_KwPart && model.GetPart(name->AsString()).IsNull()) ||
-               (keyword.Kind() == inp_KwInstance && model.GetOccurence(name->AsString()).IsNull()));
-  if (isNew)
-    Error(keyword, "The model that is restarted has no \"" + name->AsString() +
-                       "\", and a restart cannot add one; its mesh is left out.");
-  return isNew;
 }
 
 void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
@@ -196,6 +185,7 @@ inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keywo
 
 void inpS_VerbatimVisitor::Keep(const inp_Keyword& keyword, const Along& at) {
   const Place& place = at.place;
+  inpS_tellControls(keyword, *this);
   KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
   const KvoSimPosition kept = m_place.owner.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
   KvoSimDataRecord record = kept.DataRecord();

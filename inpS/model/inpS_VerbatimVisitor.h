@@ -24,7 +24,7 @@ public:
   // Goes on behind what the database keeps already (restart).
   void ContinuePositions();
   // A restart goes on with the skeleton of its model: what this deck says of it is settled, and
-  // parts and instances that the model has not are reported.
+  // what the model does not take is told.
   void SettleSkeleton(const inp_KeywordList& keywords);
 
 private:
@@ -44,7 +44,6 @@ private:
   const Along* AlongOf(const inp_Keyword& keyword) const;
   Along AtOwn(const inp_Keyword& keyword, int block) const;
   void Keep(const inp_Keyword& keyword, const Along& at);
-  bool RefuseNewOwner(const inp_Keyword& keyword);
   bool IsLeftOut(const inp_Keyword& keyword);
   bool IsTooLong(const inp_Keyword& keyword);
   bool IsStray(const inp_Keyword& keyword) const;

@@ -74,7 +74,8 @@ void inpS_SurfaceCombiner::ReadOperands(Entry& entry) {
   numbers.TellUnused(row);
   entry.surface.SetPoints(entry.box);
   if (!numbers.IsWhole())
-    inpS_keepPart(entry.surface.Position(), {inpS_wholeLines, {}, inpS_dataLines(entry.keyword)});
+    inpS_keepPart(entry.surface.Position(),
+                  {inpS_wholeLines, {}, inpS_dataLines(entry.keyword, m_visitor)});
 }
 
 void inpS_SurfaceCombiner::CheckCount(Entry& entry) {

@@ -117,7 +117,8 @@ void inpS_SurfaceVisitor::VisitSurface(const inp_Keyword& keyword) {
     m_combiner->Add(keyword, surface);
   else if (!isAnalytical(type))
     isWhole = ReadData(keyword, surface);
-  if (!isWhole) inpS_keepPart(surface.Position(), {inpS_wholeLines, {}, inpS_dataLines(keyword)});
+  if (!isWhole)
+    inpS_keepPart(surface.Position(), {inpS_wholeLines, {}, inpS_dataLines(keyword, *this)});
   inpS_keepOthers(keyword, surface.Position(), *this);
   transaction.Commit();
 }

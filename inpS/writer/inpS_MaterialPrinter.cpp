@@ -1,4 +1,5 @@
 #include "inpS/writer/inpS_MaterialPrinter.h"
+#include "base/utl_Controls.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
@@ -55,7 +56,8 @@ void inpS_MaterialPrinter::PrintPhysicalConstants(const KvoObjModel& model) {
   if (constants.IsNull()) return;
   printPlain(m_out, inp_KwPhysicalConstants, constants);
   const int others = eds_formOf(eds_FormKind::PhysicalConstants)->othersField;
-  m_out << constants.DataRecord().GetString(others) << '\n' << m_parts.FirstOf(constants).lines;
+  utl_printLines(m_out, constants.DataRecord().GetString(others));
+  m_out << '\n' << m_parts.FirstOf(constants).lines;
 }
 
 void inpS_MaterialPrinter::PrintNamed(const KvoSimPosition& owner, inp_KeywordEnm keyword) {
@@ -86,7 +88,7 @@ void inpS_MaterialPrinter::PrintProperty(const KvoSimPosition& property) {
     else
       m_out << part.lines;
     if (behavior->info->textField >= 0)
-      m_out << property.DataRecord().GetString(behavior->info->textField);
+      utl_printLines(m_out, property.DataRecord().GetString(behavior->info->textField));
   }
   PrintSuboptions(property);
 }

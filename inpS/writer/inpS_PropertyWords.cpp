@@ -1,4 +1,5 @@
 #include "inpS/writer/inpS_PropertyWords.h"
+#include "base/utl_Controls.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
@@ -41,7 +42,8 @@ void inpS_printVariant(utl_Stream& out, const inpS_Form& behavior, std::string_v
 void inpS_printOtherParameters(utl_Stream& out, const inpS_Form& behavior,
                                const KvoSimDataRecord& record) {
   inpS_printParameters(out, behavior.parameters, record);
-  if (behavior.info->othersField >= 0) out << record.GetString(behavior.info->othersField);
+  if (behavior.info->othersField >= 0)
+    utl_printLines(out, record.GetString(behavior.info->othersField));
 }
 
 inpS_PropertySuboptions inpS_suboptionsOf(const KvoSimPosition& property,

@@ -1,5 +1,6 @@
 #include "inpS/writer/inpS_Sim2Inp.h"
 #include "base/bcu_ResourceMonitor.h"
+#include "base/utl_Controls.h"
 #include "base/utl_Stream.h"
 #include "database/KvoObjDocument.h"
 #include "database/KvoObjModel.h"
@@ -287,7 +288,7 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
   const auto printTexts = [&](const KvoSimPosition* behind) {
     for (; at != list.end() && at->block == block.number && (!behind || at->behind == *behind);
          ++at)
-      *out << at->record.DataRecord().GetString(eds_VerbatimKeyword_Text);
+      utl_printLines(*out, at->record.DataRecord().GetString(eds_VerbatimKeyword_Text));
   };
   printTexts(&scope.owner);
   if (block.HasForms()) {
@@ -337,7 +338,7 @@ void Impl::PrintKeptOf(const KvoSimPosition& owner, const KvoSimPosition& behind
   // They stand in the order of what they stand behind.
   for (std::size_t& next = printed[owner.Object().Packed()];
        next < list.size() && (behind.IsNull() || list[next].behind == behind); ++next)
-    *out << list[next].record.DataRecord().GetString(eds_VerbatimKeyword_Text);
+    utl_printLines(*out, list[next].record.DataRecord().GetString(eds_VerbatimKeyword_Text));
 }
 
 void Impl::PrintHeading(const inpS_DeckScope& scope) {
@@ -346,7 +347,8 @@ void Impl::PrintHeading(const inpS_DeckScope& scope) {
                        (!HasMesh() || labels->mesh.NodeBlocks().empty());
   if (!scope.owner.HasAnnotation() && !isEmpty) return; // a deck holds one keyword at least
   const cow_String heading = scope.owner.GetAnnotation();
-  *out << "*HEADING" << parts.At(scope.owner, 0).parameters << '\n' << heading;
+  *out << "*HEADING" << parts.At(scope.owner, 0).parameters << '\n';
+  utl_printLines(*out, heading);
   if (!heading.empty() && heading.back() != '\n') *out << '\n';
 }
 
