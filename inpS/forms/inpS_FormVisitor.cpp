@@ -387,6 +387,7 @@ bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, 
   for (long long row = first; row < rows; ++row) {
     if (!holdsPlaces && isBlankLine(data, row)) continue;
     const KvoSimPosition line = record.CreateDataRecord(kind);
+    record.Associate(eds_Member::Lines, line); // names are seen from what it is a line of
     Line read = ReadLine(keyword, row, items, line);
     if (const cow_String fault = read == Line::Nothing ? "" : FaultOfLine(line); !fault.empty()) {
       Tell(keyword,
@@ -395,10 +396,7 @@ bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, 
       read = Line::Nothing;
     }
     whole = whole && read == Line::Whole;
-    if (read == Line::Nothing)
-      line.Remove();
-    else
-      record.Associate(eds_Member::Lines, line);
+    if (read == Line::Nothing) line.Remove();
   }
   return whole;
 }
