@@ -44,13 +44,19 @@ cow_String wordOf(const inp_Keyword& keyword, const cow_String& parameter) {
   return parameter;
 }
 
-// Whether keywords of the phase's blocks have names that others refer to.
-bool namesAny(inpS_Phase phase) {
+// Whether some of the keywords is of the phase's blocks and has a name that others refer to.
+bool namesAny(inpS_Phase phase, inp_KeywordListRef keywords) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
-  return std::ranges::any_of(eds_referables(), [&](const eds_Referable& one) {
+  cow_List<inp_KeywordEnm> definers;
+  for (const eds_Referable& one : eds_referables()) {
     const inp_KeywordEnm definer = forms.DefinerOf(one);
-    return definer != inp_NullKeyword && forms.Knows(definer) &&
-           inpS_block(inp_KeywordTable::Instance().Row(definer)->block).phase == phase;
+    if (definer != inp_NullKeyword && forms.Knows(definer) &&
+        inpS_block(inp_KeywordTable::Instance().Row(definer)->block).phase == phase)
+      definers.push_back(definer);
+  }
+  if (definers.empty()) return false;
+  return std::ranges::any_of(keywords, [&](const inp_Keyword& keyword) {
+    return std::ranges::find(definers, keyword.Kind()) != definers.end();
   });
 }
 
@@ -72,7 +78,7 @@ void inpS_FormVisitor::Report() {
 // What has a name may stand behind what refers to it.
 void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
   for (const bool isNaming : {true, false}) {
-    if (isNaming && !namesAny(m_phase)) continue;
+    if (isNaming && !namesAny(m_phase, keywords)) continue;
     m_isNaming = isNaming;
     m_step = {};
     m_hasSteps = false;
@@ -387,7 +393,8 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
     if (form.parameters[n].codec == inpS_Codec::Item)
       if (const inp_Item* item = keyword.Find(form.parameters[n].key))
         ReadItem(keyword, form.parameters[n], *form.items[n], *item, record);
-  for (const inpS_Form::Selector& selector : form.selectors) keyword.Find(selector.key);
+  for (const inpS_Form::Selector& selector : form.selectors)
+    if (!selector.isField) keyword.Find(selector.key);
   form.LeaveOddChoices(keyword, *this);
   keyword.Find("input"); // the parser has read that file's lines
 }
@@ -460,6 +467,7 @@ bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, 
   for (long long row = first; row < rows; ++row) {
     if (!holdsPlaces && isBlankLine(data, row)) continue;
     const KvoSimPosition line = record.CreateDataRecord(kind);
+    record.Associate(eds_Member::Lines, line); // names are seen from what it is a line of
     Line read = ReadLine(keyword, row, items, line);
     cow_String fault =
         row + perRecord > rows ? "The lines that must follow are missing." : cow_String();
@@ -474,10 +482,7 @@ bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, 
     }
     row += perRecord - 1;
     whole = whole && read == Line::Whole;
-    if (read == Line::Nothing)
-      line.Remove();
-    else
-      record.Associate(eds_Member::Lines, line);
+    if (read == Line::Nothing) line.Remove();
   }
   return whole;
 }
