@@ -2,6 +2,8 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_DegreeLines.h"
 #include "inpS/history/inpS_GlobalDamping.h"
 #include "inpS/history/inpS_ProcedureKind.h"
 #include "inpS/keywords/inpS_Flag.h"
@@ -218,6 +220,14 @@ void inpS_StepVisitor::SetDamping() {
 bool inpS_StepVisitor::MayConvert(const inp_Keyword&, const inpS_Form& form) {
   Names().SetTextOfMissingNode(form.kind == eds_FormKind::StaticRiks ? textOfMissingNode : nullptr);
   return true;
+}
+
+bool inpS_StepVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                   const KvoSimPosition& record) {
+  if (!inpS_DegreeLines::Has(keyword.Kind()))
+    return inpS_FormVisitor::ReadColumns(keyword, form, record);
+  inpS_DegreeLines lines(keyword);
+  return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
 }
 
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,

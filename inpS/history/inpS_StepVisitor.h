@@ -22,6 +22,8 @@ protected:
   bool IsOfPhase(const inp_Keyword& keyword) const override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;
 
