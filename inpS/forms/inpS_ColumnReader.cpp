@@ -219,6 +219,10 @@ void inpS_ColumnReader::TellFaults() {
       if (const auto fault = CheckedFaultOf(row)) TellFault(row, *fault);
       continue;
     }
+    if (GoesOn(row)) {
+      TellFault(row, {-1, "The line goes on with the values of the one before.", false, true});
+      continue;
+    }
     const auto c = static_cast<std::size_t>(col);
     const bool isMissing = m_check && c < m_types.size() && m_targets[c] && col < data.Cols(row) &&
                            data.HasValue(row, col) &&
@@ -294,6 +298,16 @@ int inpS_ColumnReader::SurplusOf(long long row) const {
   for (int col = static_cast<int>(m_types.size()); col < data.Cols(row); ++col)
     if (data.HasValue(row, col)) return col;
   return -1;
+}
+
+// A node or an element is no real number, and the line before it is full of values.
+bool inpS_ColumnReader::GoesOn(long long row) const {
+  constexpr int full = 8;
+  const inp_DataArray& data = m_keyword.Data();
+  if (row == 0 || m_types.size() != full || data.Type(row, 0) != inp_FieldType::Double)
+    return false;
+  const bool isValues = std::ranges::count(m_types, inp_ColumnType::Real) == full - 1;
+  return isValues && data.Cols(row - 1) == full && data.HasValue(row - 1, full - 1);
 }
 
 cow_String inpS_ColumnReader::TextOfMissing(const eds_FormItem& item, const cow_String& name,

@@ -43,6 +43,7 @@ private:
   void TellFaults();
   cow_String FaultOf(long long row, int& col);
   int SurplusOf(long long row) const;
+  bool GoesOn(long long row) const; // with the values of the line before
   cow_String TextOfMissing(const eds_FormItem& item, const cow_String& name, bool isNumber) const;
 
   const inp_Keyword& m_keyword;

@@ -15,10 +15,26 @@ bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_For
   Names().SetTextOfMissing("surface", isPhysical
                                           ? "invalid surface definition in PHYSICAL fluid boundary."
                                           : "Surface \"%s\" does not exist.");
+  if (keyword.Kind() == inp_KwBaseMotion) return HasDegree(keyword);
   if (!isPhysical || !keyword.HasParameter("amplitude")) return true;
   AddError(inp_Utils::MessageAtParameter(
       keyword, "amplitude",
       "The AMPLITUDE parameter cannot be used with a PHYSICAL fluid boundary type"));
+  return false;
+}
+
+// Of the base, which moves as a rigid body.
+bool inpS_BoundaryVisitor::HasDegree(const inp_Keyword& keyword) {
+  constexpr int rigidMotions = 6;
+  const inp_Item* degree = keyword.Find("dof");
+  if (!degree) {
+    TellRequired(keyword, "DOF");
+    return false;
+  }
+  if (degree->IsInteger() && degree->AsInt() >= 1 && degree->AsInt() <= rigidMotions) return true;
+  AddError(inp_Utils::MessageAtParameter(keyword, "dof",
+                                         "DOF=" + degree->Verbatim() +
+                                             " is none of 1 to 6. The keyword is kept as text."));
   return false;
 }
 

@@ -22,6 +22,8 @@ protected:
                  const KvoSimPosition& record) override;
 
 private:
+  bool HasDegree(const inp_Keyword& keyword);
+
   inpS_FluidSteps m_fluidSteps;
   inpS_DuplicateReport* m_places = nullptr;
   cow_List<long long> m_refused; // of the condition at hand: its lines that are no rows

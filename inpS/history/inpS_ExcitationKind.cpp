@@ -75,6 +75,7 @@ const cow_List<Kind>& inpS_ExcitationKind::All() {
       kind.variable = fieldOf(*kind.info, "variable");
       kind.remove = fieldOf(*kind.info, "remove");
       kind.user = fieldOf(*kind.info, "user");
+      kind.submodel = fieldOf(*kind.info, "submodel");
       kind.file = fieldOf(*kind.info, "file");
       kind.loadCase = fieldOf(*kind.info, "load_case");
       kind.degree = fieldOf(*kind.info, "dof");
@@ -121,6 +122,12 @@ uint64_t inpS_ExcitationKind::BlankDegree() const {
   if (form == Form::ConcentratedCharge || form == Form::ConcentratedCurrent)
     return inpS_Degrees::Bit(9);
   return form == Form::ConcentratedFlow ? inpS_Degrees::Bit(8) : 0;
+}
+
+bool inpS_ExcitationKind::IsGivenElsewhere(const KvoSimDataRecord& record) const {
+  const bool isAboutDegrees = key == Key::Degrees || key == Key::Degree;
+  return (user >= 0 && record.GetBool(user)) || (submodel >= 0 && record.GetBool(submodel)) ||
+         (isAboutDegrees && file >= 0 && !record.GetString(file).empty());
 }
 
 bool inpS_ExcitationKind::ActsWithoutRows(const KvoSimDataRecord& record) const {

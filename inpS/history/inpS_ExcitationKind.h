@@ -27,6 +27,7 @@ struct inpS_ExcitationKind {
   int variable = -1;
   int remove = -1;
   int user = -1;
+  int submodel = -1;
   int file = -1;
   int loadCase = -1;
   int degree = -1; // as a parameter
@@ -45,6 +46,8 @@ struct inpS_ExcitationKind {
   cow_String PartOf(const KvoSimDataRecord& record) const;
   // Of a line that gives none; 0: that line prescribes nothing.
   uint64_t BlankDegree() const;
+  // Values are those of a routine, or of another analysis, whatever the lines say.
+  bool IsGivenElsewhere(const KvoSimDataRecord& record) const;
   // Acts although the keyword has no line: a file has the values.
   bool ActsWithoutRows(const KvoSimDataRecord& record) const;
 

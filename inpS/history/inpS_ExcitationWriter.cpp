@@ -217,8 +217,7 @@ inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, cow_String
     if (const KvoSimPosition amplitude = given.GetReference(kind.amplitude); !amplitude.IsNull())
       record.SetReference(eds_Excitation_Amplitude, amplitude);
   double magnitude = 0;
-  const bool isOfUser = kind.user >= 0 && given.GetBool(kind.user);
-  if (key.restraint < 0 && !isOfUser && current.rows.HasOneValue(magnitude))
+  if (key.restraint < 0 && !kind.IsGivenElsewhere(given) && current.rows.HasOneValue(magnitude))
     record.SetDouble(eds_Excitation_Magnitude, magnitude);
   if (const KvoSimPosition values = current.rows.Values(); !values.IsNull())
     record.SetReference(eds_Excitation_Magnitudes, values);
@@ -295,8 +294,8 @@ void inpS_ExcitationWriter::TellRow(KvoSimDataRecord relay, Current& current,
                                     const inpS_ConditionRow& row) {
   const Kind& kind = *current.source.kind;
   const KvoSimDataRecord given = current.source.record.DataRecord();
-  const bool isOfUser = kind.user >= 0 && given.GetBool(kind.user); // it has the values
-  if (kind.value >= 0 && row.restraint < 0 && !isOfUser && given.GetInt64(kind.info->rowsField) > 0)
+  if (kind.value >= 0 && row.restraint < 0 && !kind.IsGivenElsewhere(given) &&
+      given.GetInt64(kind.info->rowsField) > 0)
     relay.SetDouble(eds_Relay_Magnitude, row.value);
   if (kind.target < 0 || kind.key == Kind::Key::Words || row.target == inpS_ConditionRow::kAll)
     return;

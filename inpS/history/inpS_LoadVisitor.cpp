@@ -1,5 +1,6 @@
 #include "inpS/history/inpS_LoadVisitor.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_DegreeLines.h"
 #include "inpS/history/inpS_FieldVariable.h"
 #include "inpS/history/inpS_LoadLines.h"
 #include "inpS/history/inpS_NodalLines.h"
@@ -19,6 +20,7 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
         inp_Utils::MessageAtParameter(keyword, "user", "Node by node heat flux is not supported"));
     return false;
   }
+  if (keyword.Kind() == inp_KwInertiaRelief) CheckRelief(keyword);
   if (keyword.Kind() == inp_KwField && !inpS_hasVariable(keyword, *this)) return false;
   if (keyword.Kind() != inp_KwCload || !keyword.HasParameter("type") ||
       !m_fluidSteps.Has(OpenStep()))
@@ -29,6 +31,22 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
       keyword, "type",
       inp_Utils::Format("Unsupported *CLOAD type \"%s\" for flow step", type.c_str())));
   return false;
+}
+
+void inpS_LoadVisitor::CheckRelief(const inp_Keyword& keyword) {
+  constexpr int rigidMotions = 6;
+  const inp_DataArray& data = keyword.Data();
+  for (int col = 0; data.Rows() > 0 && col < data.Cols(0); ++col) {
+    if (data.Type(0, col) != inp_FieldType::Integer) continue;
+    const int degree = data.AsInt(0, col);
+    if (degree >= 1 && degree <= rigidMotions) continue;
+    AddError(inp_Utils::MessageAtField(keyword, 0, col,
+                                       "Degree of freedom " + std::to_string(degree) +
+                                           " is none of 1 to 6. It is kept as given."));
+  }
+  if (keyword.HasParameter("fixed") && keyword.HasParameter("remove"))
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "fixed", "FIXED means nothing beside REMOVE. It is kept as given."));
 }
 
 void inpS_LoadVisitor::VisitFilmProperty(const inp_Keyword& keyword) {
@@ -62,6 +80,10 @@ bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
   if (keyword.Kind() == inp_KwCload) {
     inpS_ConcentratedLines lines(keyword, m_fluidSteps.Has(OpenStep()));
     return lines.Read(form, record, Names(), *this);
+  }
+  if (inpS_DegreeLines::Has(keyword.Kind())) {
+    inpS_DegreeLines lines(keyword);
+    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   bool isWhole = false;
   if (inpS_hasLoadLabels(keyword.Kind())) {

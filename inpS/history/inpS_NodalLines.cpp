@@ -9,6 +9,7 @@ namespace {
 
 constexpr int firstColumn = 1; // degree of freedom, or a word
 constexpr int lastColumn = 2;
+constexpr int valueColumn = 3;     // of a condition
 constexpr int magnitudeColumn = 2; // of a load
 constexpr int mostDegree = 30;
 constexpr int mostFixed = 6;
@@ -41,6 +42,12 @@ cow_String textOfDegree(int degree) {
 
 bool isWord(int slot) {
   return slot < 0 && slot != inp_blankInt;
+}
+
+// words: of the column, in the order of their slots.
+bool isRestraint(int slot, const cow_List<cow_String>& words) {
+  const auto place = static_cast<std::size_t>(-1 - slot);
+  return isWord(slot) && place < words.size() && isOneOf(words[place], restraints);
 }
 
 } // namespace
@@ -110,8 +117,12 @@ bool inpS_BoundaryLines::IsSound(const inp_ColumnPiece& piece, Words words) {
                              ? !m_needsDegree
                              : first[n] < 0 || (first[n] >= 1 && first[n] <= most);
     const bool isLast = last[n] == inp_blankInt || (last[n] >= first[n] && last[n] <= most);
-    isSound &= isFirst && isLast;
+    isSound &= isFirst && isLast && !(isRestraint(first[n], all) && last[n] != inp_blankInt);
   }
+  if (!all.empty())
+    for (std::size_t n = 0; n < piece.count; ++n)
+      isSound &=
+          !isRestraint(first[n], all) || inp_isBlankReal(piece.columns[valueColumn].reals[n]);
   return isSound;
 }
 
@@ -120,6 +131,10 @@ std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& l
   const int last = line.slots[lastColumn];
   if (isWord(first)) {
     const cow_String word = inp_Utils::Fold(line.Text(firstColumn));
+    if (isOneOf(word, restraints) && (line.Has(lastColumn) || line.Has(valueColumn)))
+      return inpS_LineFault{line.Has(lastColumn) ? lastColumn : valueColumn,
+                            word + " tells all; what follows is kept, and means nothing.", false,
+                            false};
     if (IsWord(word)) return {};
     return inpS_LineFault{firstColumn,
                           "\"" + word + "\" is none of the restraints " + listOfRestraints() + "."};

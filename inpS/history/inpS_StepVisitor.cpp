@@ -2,6 +2,8 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_DegreeLines.h"
 #include "inpS/history/inpS_GlobalDamping.h"
 #include "inpS/history/inpS_ProcedureKind.h"
 #include "inpS/history/inpS_TimePointsVisitor.h"
@@ -267,6 +269,14 @@ bool inpS_StepVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& f
 
 cow_String inpS_StepVisitor::FaultOfLine(const KvoSimPosition& line) {
   return inpS_TimePointsVisitor::FaultOfTimes(m_keyword, line);
+}
+
+bool inpS_StepVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                   const KvoSimPosition& record) {
+  if (!inpS_DegreeLines::Has(keyword.Kind()))
+    return inpS_FormVisitor::ReadColumns(keyword, form, record);
+  inpS_DegreeLines lines(keyword);
+  return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
 }
 
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,

@@ -25,6 +25,8 @@ protected:
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   cow_String FaultOfLine(const KvoSimPosition& line) override;
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;
 
