@@ -14,6 +14,7 @@
 #include "parser/inp_OrganizerVisitor.h"
 #include "parser/inp_Parser.h"
 #include "parser/inp_Utf8ValidityVisitor.h"
+#include <algorithm>
 
 inpS_Inp2Sim::inpS_Inp2Sim(const cow_String& deckPath, const cow_String& directory,
                            const cow_String& deckName)
@@ -125,7 +126,8 @@ cow_List<inp_KeywordEnm> inpS_Inp2Sim::CoveredKinds() {
 // does what a restart learned of its base.
 void inpS_Inp2Sim::Begin(const KvoObjDocument& document) {
   m_surfaceVisitor.reset();
-  m_ledger.Open(m_keywords.size());
+  const auto own = std::ranges::count(m_keywords, false, &inp_Keyword::IsInstanceCopy);
+  m_ledger.Open(static_cast<std::size_t>(own));
   m_notModelled.clear();
   m_boundaries = {};
   m_meshLeftOut = m_isRestart = false;

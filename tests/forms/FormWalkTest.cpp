@@ -453,8 +453,11 @@ TEST_F(FormWalk, LinesBeyondAPiece) {
 }
 
 // A parameter that the vocabulary does not have would never be read, a block without a member hold
-// nothing.
+// nothing, and a text without its name help nobody.
 TEST_F(FormWalk, RowsAreWhole) {
+  for (const eds_Referable& referable : eds_referables())
+    EXPECT_NE(referable.missing.find("%s"), std::string_view::npos)
+        << "the text of a missing " << referable.word << " does not name it";
   const inp_KeywordTable& keywords = inp_KeywordTable::Instance();
   for (const eds_FormKeyword& row : eds_formKeywords()) {
     const inpS_Form& form = *inpS_FormTable::Instance().Find(row.kind);
