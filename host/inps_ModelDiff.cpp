@@ -372,6 +372,7 @@ void Diff::CompareArrays(std::string_view what, int64_t a, int64_t b) {
     m_sameArrays.insert(pair);
 }
 
+// What is held by a name is found by it, whatever its order; the rest is matched in its order.
 void Diff::CompareLinks(const std::vector<eds_LinkInfo>& a, const std::vector<eds_LinkInfo>& b) {
   const auto keys = [](const std::vector<eds_LinkInfo>& links) {
     cow_List<cow_String> texts;
@@ -387,9 +388,6 @@ void Diff::CompareLinks(const std::vector<eds_LinkInfo>& a, const std::vector<ed
     Differ(keysA[i], m_a.Model().Describe(a[i].target), "none");
   for (const std::size_t i : matching.onlyB)
     Differ(inps_linkText(b[i]), "none", m_b.Model().Describe(b[i].target));
-  if (matching.firstMoved < matching.both.size())
-    Differ("order of members", "first " + keysA[matching.both[matching.firstMoved].first],
-           "another");
 }
 
 } // namespace

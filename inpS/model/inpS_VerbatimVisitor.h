@@ -52,7 +52,7 @@ private:
   int BlockOf(const inp_Keyword& keyword);
   bool IsWrittenHere(const inp_Keyword& keyword);
   const inpS_TextPlace* AsText(const inp_Keyword& keyword) const; // null: not among them
-  void Count(const inp_Keyword& keyword);
+  void Count(const inp_Keyword& keyword, bool isTold);
   void TellKept(const inp_Keyword& keyword, const cow_String& text);
 
   const inpS_Inventory& m_inventory;

@@ -124,6 +124,70 @@ TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
   EXPECT_EQ(deck.find("9."), cow_String::npos) << deck;
 }
 
+// Behind other keywords, too: else they would be the last material's.
+TEST_F(Restart, LeavesOutSuboptionsOfMaterialsThatTheModelHas) {
+  const cow_String steel = "*MATERIAL, NAME=STEEL\n*ELASTIC\n210., 0.3\n";
+  const cow_String deck =
+      Written(steel,
+              "*MATERIAL, NAME=STEEL\n*PLASTIC\n9., 0.\n*NODE\n1, 0., 0., 0.\n"
+              "*POTENTIAL\n9., 9., 9., 9., 9., 9.\n*NODE\n2, 0., 0., 0.\n*DENSITY\n9.\n",
+              1);
+  EXPECT_TRUE(deck.ends_with("2, 0., 0., 0.\n" + steel)) << deck;
+}
+
+// Blocks without an owner, another heading, a place within a step: nothing goes in silence.
+TEST_F(Restart, TellsWhatItsBaseDoesNotTake) {
+  const cow_String base = "*HEADING\nfirst\n*PART, NAME=P\n*NODE\n1, 0., 0., 0.\n*END PART\n"
+                          "*PART, NAME=P2\n*END PART\n*ASSEMBLY, NAME=A\n"
+                          "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*END ASSEMBLY\n";
+  ASSERT_EQ(ProgramRun({"convert", Deck("base.inp", base), "-o", File("base.sim")}).exitCode, 0);
+  const auto inInstance = [](const cow_String& parameters) {
+    return "*ASSEMBLY, NAME=A\n*INSTANCE" + parameters +
+           "\n*NSET, NSET=Q\n1\n*END INSTANCE\n*END ASSEMBLY\n";
+  };
+  struct Case {
+    cow_String deck;
+    const char* says;
+    const char* leftOut; // null: nothing
+  };
+  const Case cases[] = {
+      {"*PART\n*NODE\n4, 5., 5., 5.\n*END PART\n", ":1:1: error: Part name is not defined.",
+       "1 part"},
+      {inInstance(", PART=P"), ":2:1: error: Instance name is not defined.", "1 instance"},
+      {inInstance(", INSTANCE=I"), ":2:1: error: Instance name is not defined.", "1 instance"},
+      {inInstance(", NAME=I, PART=NOPE"), ":2:20: error: Part \"NOPE\" is not defined", nullptr},
+      {inInstance(", NAME=I, PART=P2"), "error: The instance of this name in the model", nullptr},
+      {inInstance(", NAME=J, PART=P"), "error: The model that is restarted has no \"J\"",
+       "1 instance"},
+      {inInstance(", NAME=I, PART=P"), "0 errors, 0 warnings", nullptr},
+      {"*HEADING\nsecond\n", ":1:1: warning: The model keeps the heading of its base", "1 heading"},
+      {"*RESTART, READ, INC=5\n", "warning: A restart goes on behind the last step of its model",
+       "1 place of a restart"}};
+  for (const Case& one : cases) {
+    const ProgramRun run({"convert", Deck("m.inp", one.deck), "--restart", File("base.sim"), "-o",
+                          File("m.sim"), "--force"});
+    const cow_String says = run.err + run.out;
+    EXPECT_TRUE(says.contains(one.says)) << one.deck << says;
+    EXPECT_EQ(run.exitCode, cow_String(one.says).contains("error: ") ? 1 : 0) << one.deck;
+    const cow_String info = ProgramRun({"info", File("m.sim")}).out;
+    EXPECT_EQ(info.contains("left out: "), one.leftOut != nullptr) << one.deck << info;
+    if (one.leftOut) EXPECT_TRUE(info.contains(one.leftOut)) << one.deck << info;
+  }
+}
+
+// The mesh that a restart brings says nothing of the one that its base lacks.
+TEST_F(Restart, TellsThatItsBaseIsNotWhole) {
+  ProgramRun({"convert", Deck("base.inp", "*NODE\n1, x, 0.\n"), "-o", File("base.sim")});
+  const ProgramRun run({"convert", Deck("more.inp", "*NODE\n7, 0., 0.\n"), "--restart",
+                        File("base.sim"), "-o", File("m.sim")});
+  EXPECT_TRUE(run.Says("base.sim: warning: this model was made from a deck with errors"))
+      << run.err;
+  EXPECT_TRUE(
+      run.out.contains("1 node, 0 elements (the mesh of its base is left out because of its "
+                       "errors), 0 node sets"))
+      << run.out;
+}
+
 // What has no nodes is there all the same: others have counted on it.
 TEST_F(Restart, FillsNoEmptyPartOfItsBase) {
   const cow_String base = "*PART, NAME=P\n*END PART\n*ASSEMBLY, NAME=A\n"
