@@ -11,6 +11,7 @@ void inpS_ModelVisitor::VisitHeading(const inp_Keyword& keyword) {
   if (m_hasHeading)
     Warning(keyword, "A deck has one heading; this one takes the place of the first.");
   m_hasHeading = true;
+  inpS_tellControls(keyword, *this);
   inpS_tellOtherParameters(keyword, *this);
   const cow_String parameters = inpS_takeOtherParameters(keyword);
   if (parameters.empty() && m_headingPart.IsNull()) return;

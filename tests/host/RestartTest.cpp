@@ -2,6 +2,10 @@
 
 namespace {
 
+bool holds(std::string_view text, std::string_view what) {
+  return text.find(what) != text.npos;
+}
+
 // What a restart makes of the nodes, elements and sets of its base.
 class Restart : public ProgramTest {
 protected:
@@ -167,11 +171,11 @@ TEST_F(Restart, TellsWhatItsBaseDoesNotTake) {
     const ProgramRun run({"convert", Deck("m.inp", one.deck), "--restart", File("base.sim"), "-o",
                           File("m.sim"), "--force"});
     const cow_String says = run.err + run.out;
-    EXPECT_TRUE(says.contains(one.says)) << one.deck << says;
-    EXPECT_EQ(run.exitCode, cow_String(one.says).contains("error: ") ? 1 : 0) << one.deck;
+    EXPECT_TRUE(holds(says, one.says)) << one.deck << says;
+    EXPECT_EQ(run.exitCode, holds(one.says, "error: ") ? 1 : 0) << one.deck;
     const cow_String info = ProgramRun({"info", File("m.sim")}).out;
-    EXPECT_EQ(info.contains("left out: "), one.leftOut != nullptr) << one.deck << info;
-    if (one.leftOut) EXPECT_TRUE(info.contains(one.leftOut)) << one.deck << info;
+    EXPECT_EQ(holds(info, "left out: "), one.leftOut != nullptr) << one.deck << info;
+    EXPECT_TRUE(!one.leftOut || holds(info, one.leftOut)) << one.deck << info;
   }
 }
 
@@ -182,9 +186,8 @@ TEST_F(Restart, TellsThatItsBaseIsNotWhole) {
                         File("base.sim"), "-o", File("m.sim")});
   EXPECT_TRUE(run.Says("base.sim: warning: this model was made from a deck with errors"))
       << run.err;
-  EXPECT_TRUE(
-      run.out.contains("1 node, 0 elements (the mesh of its base is left out because of its "
-                       "errors), 0 node sets"))
+  EXPECT_TRUE(holds(run.out, "1 node, 0 elements (the mesh of its base is left out because of its "
+                             "errors), 0 node sets"))
       << run.out;
 }
 
