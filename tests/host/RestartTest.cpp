@@ -45,6 +45,14 @@ TEST_F(Restart, MakesNodesAndElementsOfThoseOfItsBase) {
         "*ELEMENT, TYPE=T3D2\n2, 2, 3\n", "*ELEMENT, TYPE=B31\n15, 11, 12, 13\n16, 12, 13\n",
         "*ELSET, ELSET=G\n1, 2\n"})
     EXPECT_NE(deck.find(lines), cow_String::npos) << lines << deck;
+  // Read again it is one mesh, and the same one.
+  ProgramRun({"convert", File("more.out"), "-o", File("again.sim")});
+  const ProgramRun same({"diff", File("more.sim"), File("again.sim")});
+  EXPECT_EQ(same.exitCode, 0) << same.out;
+  cow_String moved = deck;
+  moved.replace(moved.find("12, 1., 0., 4.") + 4, 2, "5.");
+  const ProgramRun other({"diff", File("more.sim"), Deck("moved.inp", moved)});
+  EXPECT_TRUE(other.exitCode == 1 && holds(other.out, "coordinates")) << other.out;
 }
 
 // The model is read by then; what is to be written remains.
