@@ -24,8 +24,4 @@ inps_Matching::inps_Matching(std::span<const cow_String> a, std::span<const cow_
   }
   for (std::size_t i = 0; i < b.size(); ++i)
     if (!found[i]) onlyB.push_back(i);
-
-  firstMoved = both.empty() ? 0 : 1;
-  while (firstMoved < both.size() && both[firstMoved].second > both[firstMoved - 1].second)
-    ++firstMoved;
 }

@@ -11,9 +11,6 @@ struct inps_Matching {
   cow_List<std::pair<std::size_t, std::size_t>> both; // in the order of a
   cow_List<std::size_t> onlyA;
   cow_List<std::size_t> onlyB;
-  // The first entry of `both` that stands before its predecessor in b; both.size() when the order
-  // is the same.
-  std::size_t firstMoved = 0;
 
   inps_Matching(std::span<const cow_String> a, std::span<const cow_String> b);
 };

@@ -3,6 +3,7 @@
 #include "base/utl_Number.h"
 #include "host/inps_Fields.h"
 #include "host/inps_Matching.h"
+#include "host/inps_MeshCut.h"
 #include "host/inps_ModelWalk.h"
 #include "host/inps_Reporter.h"
 #include "host/inps_Tolerance.h"
@@ -23,6 +24,21 @@ public:
   }
   const eds_ModelReader& Model() const { return m_model; }
 
+  // What is the same in the other model, cut otherwise, is not compared.
+  void PassOver(std::unordered_set<uint64_t> records) { m_passedOver = std::move(records); }
+  std::vector<int64_t> IDsOf(const eds_RecordInfo& kind) const {
+    std::vector<int64_t> ids = m_model.RecordIDs(kind.kind);
+    if (!m_passedOver.empty())
+      std::erase_if(ids, [&](int64_t id) { return IsPassedOver({kind.kind, id}); });
+    return ids;
+  }
+  std::vector<eds_LinkInfo> LinksOf(eds_ObjectID owner) const {
+    std::vector<eds_LinkInfo> links = inps_shownLinks(m_model, owner);
+    if (!m_passedOver.empty())
+      std::erase_if(links, [&](const eds_LinkInfo& link) { return IsPassedOver(link.target); });
+    return links;
+  }
+
   // Names of what a record is and whose it is, without numbers.
   const cow_String& KeyOf(eds_ObjectID object, int depth = 0) {
     const auto [entry, isNew] = m_keys.try_emplace(object.Packed());
@@ -32,6 +48,8 @@ public:
   }
 
 private:
+  bool IsPassedOver(eds_ObjectID object) const { return m_passedOver.contains(object.Packed()); }
+
   static bool IsPartOfKey(const eds_FieldInfo& field) {
     static constexpr std::string_view names[] = {"Name",  "Owner",        "Keyword", "Spec",
                                                  "Block", "Distribution", "Section", "Property",
@@ -92,6 +110,7 @@ private:
   }
 
   eds_ModelReader m_model;
+  std::unordered_set<uint64_t> m_passedOver;
   std::unordered_map<uint64_t, cow_String> m_keys;
   std::unordered_map<uint64_t, std::pair<eds_ObjectID, std::string_view>> m_owners;
 };
@@ -103,6 +122,9 @@ public:
       : m_a(a), m_b(b), m_out(out), m_tolerance(tolerance) {}
 
   long long Run() {
+    inps_MeshCut cut = inps_compareMeshCut(m_a.Model(), m_b.Model(), m_tolerance);
+    m_a.PassOver(std::move(cut.a));
+    m_b.PassOver(std::move(cut.b));
     const cow_List<const eds_RecordInfo*> kinds = Kinds();
     cow_List<inps_Matching> matchings;
     for (const eds_RecordInfo* kind : kinds) matchings.push_back(Match(*kind));
@@ -130,8 +152,8 @@ private:
   }
 
   inps_Matching Match(const eds_RecordInfo& kind) {
-    const IDs a = m_a.Model().RecordIDs(kind.kind);
-    const IDs b = m_b.Model().RecordIDs(kind.kind);
+    const IDs a = m_a.IDsOf(kind);
+    const IDs b = m_b.IDsOf(kind);
     inps_Matching matching(KeysOf(m_a, kind, a), KeysOf(m_b, kind, b));
     for (const auto& [inA, inB] : matching.both)
       m_partner[eds_ObjectID(kind.kind, a[inA]).Packed()] = b[inB];
@@ -139,8 +161,8 @@ private:
   }
 
   void Compare(const eds_RecordInfo& kind, const inps_Matching& matching) {
-    const IDs a = m_a.Model().RecordIDs(kind.kind);
-    const IDs b = m_b.Model().RecordIDs(kind.kind);
+    const IDs a = m_a.IDsOf(kind);
+    const IDs b = m_b.IDsOf(kind);
     for (const auto& [inA, inB] : matching.both) CompareRecord(kind, a[inA], b[inB]);
     for (const std::size_t i : matching.onlyA) Only("A", m_a, {kind.kind, a[i]});
     for (const std::size_t i : matching.onlyB) Only("B", m_b, {kind.kind, b[i]});
@@ -161,8 +183,7 @@ private:
     const std::string_view textA = m_a.Model().Annotation(kind.kind, a);
     const std::string_view textB = m_b.Model().Annotation(kind.kind, b);
     if (textA != textB) Differ("annotation", inps_quoted(textA), inps_quoted(textB));
-    CompareLinks(inps_shownLinks(m_a.Model(), {kind.kind, a}),
-                 inps_shownLinks(m_b.Model(), {kind.kind, b}));
+    CompareLinks(m_a.LinksOf({kind.kind, a}), m_b.LinksOf({kind.kind, b}));
   }
 
   // The head of a record stands above its first difference.
@@ -372,6 +393,7 @@ void Diff::CompareArrays(std::string_view what, int64_t a, int64_t b) {
     m_sameArrays.insert(pair);
 }
 
+// What is held by a name is found by it, whatever its order; the rest is matched in its order.
 void Diff::CompareLinks(const std::vector<eds_LinkInfo>& a, const std::vector<eds_LinkInfo>& b) {
   const auto keys = [](const std::vector<eds_LinkInfo>& links) {
     cow_List<cow_String> texts;
@@ -387,9 +409,6 @@ void Diff::CompareLinks(const std::vector<eds_LinkInfo>& a, const std::vector<ed
     Differ(keysA[i], m_a.Model().Describe(a[i].target), "none");
   for (const std::size_t i : matching.onlyB)
     Differ(inps_linkText(b[i]), "none", m_b.Model().Describe(b[i].target));
-  if (matching.firstMoved < matching.both.size())
-    Differ("order of members", "first " + keysA[matching.both[matching.firstMoved].first],
-           "another");
 }
 
 } // namespace

@@ -107,7 +107,8 @@ private:
   bool ProcessDistributions(Labelers& labelers);
   bool ProcessOrientations(Labelers& labelers);
   bool ProcessSections(Labelers& labelers);
-  // Rebars of the old style. No phase calls it and it converts nothing: *REBAR is kept as text.
+  // Rebars of the old style: records among the sections, so nothing is left to do, and no phase
+  // calls it.
   bool ProcessOldStyleRebars(Labelers& labelers);
   bool ProcessConstraints(Labelers& labelers);
   bool ProcessSteps(Labelers& labelers);

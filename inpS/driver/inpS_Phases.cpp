@@ -454,6 +454,7 @@ bool Driver::ProcessRestartMesh(Labelers& labelers) {
   if (m_meshLeftOut) {
     mesh->Discard();
   } else {
+    mesh->SaveBeamExtraNodes(transaction);
     mesh->SaveMeshAndUserNodes(transaction);
     mesh->SaveMeshAndUserElements(transaction);
     mesh->SaveSets(transaction);

@@ -68,11 +68,21 @@ inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoOb
       m_keywords(inp_KeywordTable::Instance()), m_ledger(ledger), m_names(*this) {}
 
 void inpS_FormVisitor::Report() {
-  if (m_withoutMesh > 0)
-    AddWarning({"The mesh could not be converted; keywords that stand on its sets and surfaces (" +
-                std::to_string(m_withoutMesh) + ") are kept as text."});
-  m_withoutMesh = 0;
+  if (!m_withoutMesh.empty()) TellWithoutMesh();
+  m_withoutMesh.clear();
   inpS_SetVisitor::Report();
+}
+
+// At the first one.
+void inpS_FormVisitor::TellWithoutMesh() {
+  cow_List<cow_String> names;
+  for (const inp_Keyword& keyword : m_withoutMesh)
+    if (std::ranges::find(names, keyword.Name()) == names.end()) names.push_back(keyword.Name());
+  cow_String list;
+  for (const cow_String& name : names) list += (list.empty() ? "*" : ", *") + name;
+  Warning(m_withoutMesh.front(),
+          "The mesh could not be converted; keywords that stand on its sets and surfaces (" +
+              std::to_string(m_withoutMesh.size()) + ": " + list + ") are kept as text.");
 }
 
 // What has a name may stand behind what refers to it.
@@ -228,7 +238,7 @@ void inpS_FormVisitor::ConvertSuboptions(const inp_Keyword& keyword, const KvoSi
 bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
                              const KvoSimPosition& owner, eds_Member member, Loss& loss) {
   if (m_isMeshLeftOut && std::ranges::any_of(form.info->columnItems, namesMesh)) {
-    ++m_withoutMesh;
+    m_withoutMesh.push_back(keyword);
     return false;
   }
   if (!CheckReferences(keyword, form, loss) || !IsNameFree(keyword, owner)) return false;
@@ -361,7 +371,7 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
     const eds_Referable& referable = *form.items[n]->alternatives.front().referable;
     if (!m_names.Find(referable, item->Verbatim()).set.IsNull()) continue;
     if (m_isMeshLeftOut && referable.IsScoped()) {
-      ++m_withoutMesh;
+      m_withoutMesh.push_back(keyword);
       return false;
     }
     const inp_KeywordEnm definer = inpS_FormTable::Instance().DefinerOf(referable);

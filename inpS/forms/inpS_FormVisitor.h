@@ -79,6 +79,7 @@ private:
   void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
                   const inp_Keyword* parent, bool isTold);
   void ConvertSuboptions(const inp_Keyword& keyword, const KvoSimPosition& record);
+  void TellWithoutMesh();
   // Whether the keyword can be this form's record; what stands against it is told.
   bool MayBe(const inp_Keyword& keyword, const inpS_Form& form, const KvoSimPosition& owner,
              eds_Member member, Loss& loss);
@@ -105,6 +106,6 @@ private:
   long long m_stepPlace = 0; // of the keyword at hand within its step
   bool m_hasSteps = false;   // the walk has met one
   bool m_isMeshLeftOut = false;
-  int m_withoutMesh = 0;   // keywords that name what the mesh would have
-  bool m_isNaming = false; // the walk is for what others refer to by its name
+  cow_List<inp_Keyword> m_withoutMesh; // that name what the mesh would have
+  bool m_isNaming = false;             // the walk is for what others refer to by its name
 };

@@ -4,7 +4,6 @@
 #include "database/schema/eds_Form.h"
 #include "inpS/framework/inpS_ComponentSets.h"
 #include "inpS/keywords/inpS_Flag.h"
-#include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_ElementInfo.h"
 #include "parser/inp_Keyword.h"
@@ -232,7 +231,7 @@ void inpS_Inventory::VisitHeading(const inp_Keyword& keyword) {
   m_heading.clear();
   if (keyword.Data().Rows() == 0) return;
   if (keyword.Data().Cols(0) != 1) utl_assertionFailed("keyword.data.Cols(0) == 1");
-  m_heading = inpS_dataLines(keyword, *this);
+  m_heading = keyword.Data().Text();
 }
 
 void inpS_Inventory::VisitNode(const inp_Keyword& keyword) {

@@ -18,6 +18,10 @@ void inpS_Visitor::ReportUnreferredParameters(const inp_KeywordList& keywords,
       return kind < inp_KeywordEnd && ours[static_cast<std::size_t>(kind)];
     };
     if (!isOurs(keyword.Kind())) continue;
+    // What a step has of the model's keywords is kept as text, but for what has its name there.
+    if (keyword.Scope().kind == inp_Scope::Kind::Step && keyword.Kind() != inp_KwAmplitude &&
+        keyword.Kind() != inp_KwNset && keyword.Kind() != inp_KwElset)
+      continue;
     // Under a keyword of another subject it is that one's to read.
     if (keyword.IsSuboption() && !isOurs(keyword.ParentKind())) continue;
     for (const inp_Parameter& parameter : keyword.Parameters()) {

@@ -74,20 +74,13 @@ void inpS_AmplitudeVisitor::VisitList(inp_KeywordListRef keywords) {
   ReportUnreferredParameters(keywords, inpS_ownKeywords(inpS_Subject::Amplitudes));
 }
 
-// An amplitude without a name is ignored, deliberately without a message. Its name is the whole
-// model's: the copies of its part's instances are the same amplitude.
+// Its name is the whole model's: the copies of its part's instances are the same amplitude.
 void inpS_AmplitudeVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   if (keyword.IsInstanceCopy()) return;
   KvoSimTransaction transaction(m_inventory.GetDocument().ContextID());
-  const inp_Item* item = keyword.Find("name");
-  if (!item) return Ignore(keyword);
-  const cow_String name = item->AsString(); // without its quotes
-  const inpS_AmplitudeForm* form = FormOf(keyword);
-  if (form && name.empty()) {
-    Warning(keyword, "*AMPLITUDE has an empty name; it is left out.");
-    return Ignore(keyword);
-  }
-  if (form)
+  const cow_String name = keyword.StringOf("name", "");
+  if (name.empty()) return Ignore(keyword);
+  if (const inpS_AmplitudeForm* form = FormOf(keyword))
     Create(keyword, *form, name);
   else
     KeepAsText(keyword);
@@ -415,6 +408,8 @@ void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
 
 // What stands below it belongs to no other amplitude: it stays with the model.
 void inpS_AmplitudeVisitor::Ignore(const inp_Keyword& keyword) {
+  Warning(keyword, "*AMPLITUDE has no name, so nothing can refer to it; it is left out.");
+  LeaveOut("amplitude");
   keyword.ReferAll();
   m_ledger.LeaveOut(keyword);
   for (const inp_Keyword& suboption : keyword.Suboptions()) {

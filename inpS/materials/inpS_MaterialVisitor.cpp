@@ -163,9 +163,9 @@ void inpS_MaterialVisitor::KeepUnconverted(const inp_Keyword& keyword,
                                            const KvoSimPosition& owner) {
   cow_String reason = UntoldReason(keyword);
   // What was said then says nothing of the text.
-  const bool isUntold =
-      inpS_hasUnknownWord(keyword) ||
-      (keyword.Kind() == inp_KwExpansion && !inpS_FormTable::Instance().Select(keyword));
+  const bool isUntold = inpS_hasUnknownWord(keyword) ||
+                        ((keyword.Kind() == inp_KwExpansion || keyword.Kind() == inp_KwElastic) &&
+                         !inpS_FormTable::Instance().Select(keyword));
   const bool isTold = reason.empty() && !isUntold;
   KeepAsText(keyword, owner, isTold, std::move(reason));
 }

@@ -1,4 +1,5 @@
 #include "inpS/mesh/inpS_ElementsAsText.h"
+#include "base/utl_Controls.h"
 #include "database/KvoObjLabeler.h"
 #include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
@@ -73,7 +74,7 @@ cow_List<long long> inpS_ElementsAsText::KeepLinesFromText(const inp_Keyword& ke
     m_scopes.TextElements().Add(scope.elementOccurrence, made); // the next line may start from them
   }
   if (rows.empty()) return rows;
-  std::ranges::replace(lines, '\r', ' '); // others may take it for a line end
+  utl_dropControlsInLines(lines);
   const long long first = rows.front();
   wip_Message message = inp_Utils::MessageAtRow(
       keyword, first,
@@ -152,13 +153,24 @@ void inpS_ElementsAsText::KeepGenerator(const inp_Keyword& keyword, inpS_MeshSco
   keyword.ReferAll();
 }
 
+// A label that an element of a known type has, too, names that one.
 void inpS_ElementsAsText::AddSets() {
   for (const TextSet& set : m_textSets) {
     const bool isNew = !set.scope->sets.Find(set.kind, set.name);
     inpS_SetDefinition& named = set.scope->sets.FindOrAdd(set.kind, set.name);
     if (isNew) inpS_beginRuns(named, set.keyword);
-    cow_List<int>& labels = named.elementsAsText;
-    labels.insert(labels.end(), set.labels.begin(), set.labels.end());
-    std::ranges::sort(labels);
+    inpS_SetEntry known;
+    for (const int label : set.labels) {
+      if (m_elements.ConvertInstanceLabel(set.scope->elementOccurrence, label) >= 0)
+        known.labels.Append(label);
+      else
+        named.elementsAsText.push_back(label);
+    }
+    std::ranges::sort(named.elementsAsText);
+    if (known.labels.Size() == 0) continue;
+    named.isStored = false;
+    named.keywords.push_back(set.keyword);
+    known.keyword = static_cast<int>(named.keywords.size()) - 1;
+    named.entries.push_back(std::move(known));
   }
 }

@@ -77,6 +77,20 @@ void addStored(const KvoSimDistribution& before, utl_Buffer<int>& pairs) {
   pairs = std::move(all);
 }
 
+// A list of pairs, with all that is its own.
+void removeList(const KvoSimDistribution& list) {
+  if (list.IsNull()) return;
+  const KvoSimPosition position = list.Position();
+  for (const KvoSimPosition& drawer : position.GetVector(eds_Member::Drawers)) {
+    const KvoSimCSet over = list.DrawerCSet(drawer.Object().id);
+    KvoSimCollection(position.Store(), over.CollectionID()).Position().Remove();
+    for (const int field : {eds_Drawer_Array, eds_Drawer_Over})
+      drawer.DataRecord().GetReference(field).Remove();
+    drawer.Remove();
+  }
+  position.Remove();
+}
+
 } // namespace
 
 inpS_MeshStore::inpS_MeshStore(const KvoObjDocument& document, KvoObjLabeler& nodes,
@@ -126,6 +140,7 @@ void inpS_MeshStore::SaveExtraNodes() {
         type, KvoSimGrid{list}, KvoSimRangeType(eds_ValueType::Int32, 2));
     distribution.AddDrawer(list.CreateCSetStrided(0, count).ID(),
                            writeArray<int>(mesh.Position(), std::span<const int>(pairs), 2));
+    removeList(before); // it is in the new one
     return distribution;
   };
   if (!beams.IsEmpty())

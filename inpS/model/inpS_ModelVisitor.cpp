@@ -12,6 +12,7 @@ void inpS_ModelVisitor::VisitHeading(const inp_Keyword& keyword) {
     Warning(keyword, "A deck has one heading; this one takes the place of the first.");
   m_hasHeading = true;
   m_ledger.Take(keyword);
+  inpS_tellControls(keyword, *this);
   inpS_tellOtherParameters(keyword, *this);
   const cow_String parameters = inpS_takeOtherParameters(keyword);
   if (parameters.empty() && m_headingPart.IsNull()) return;

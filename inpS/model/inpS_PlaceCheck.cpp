@@ -51,18 +51,19 @@ cow_String whereItMay(const inp_KeywordRow& row) {
 
 } // namespace
 
-void inpS_PlaceCheck::Look(const inp_Keyword& keyword, bool isConverted) {
+bool inpS_PlaceCheck::Look(const inp_Keyword& keyword, bool isConverted) {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
-  if (!row || keyword.IsSuboption() || keyword.IsInstanceCopy()) return;
+  if (!row || keyword.IsSuboption() || keyword.IsInstanceCopy()) return false;
   // What opens and closes scopes is judged by the parser, which knows what is open.
-  if (row->role == inp_KeywordRole::Open || row->role == inp_KeywordRole::Close) return;
+  if (row->role == inp_KeywordRole::Open || row->role == inp_KeywordRole::Close) return false;
   const inp_Scope::Kind scope = keyword.Scope().kind;
-  if (mayStand(keyword.Kind(), scope)) return;
+  if (mayStand(keyword.Kind(), scope)) return false;
   // A material stays open behind keywords of other subjects: what was converted had its owner.
-  if (row->levels == inp_LevelsSub && isConverted) return;
+  if (row->levels == inp_LevelsSub && isConverted) return false;
   const auto [known, isNew] = m_known.try_emplace({keyword.Kind(), scope}, m_found.size());
   if (isNew) m_found.push_back({keyword, 0, isConverted});
   ++m_found[known->second].count;
+  return true;
 }
 
 void inpS_PlaceCheck::TellTo(inp_Visitor& messages) const {

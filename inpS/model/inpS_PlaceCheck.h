@@ -8,8 +8,8 @@
 // once for each kind and level, at the first place.
 class inpS_PlaceCheck {
 public:
-  // isConverted: some phase converts it all the same; else it is kept as text.
-  void Look(const inp_Keyword& keyword, bool isConverted);
+  // isConverted: some phase converts it all the same; else it is kept as text. True: it is told.
+  bool Look(const inp_Keyword& keyword, bool isConverted);
   void TellTo(inp_Visitor& messages) const;
 
 private:

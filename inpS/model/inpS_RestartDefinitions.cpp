@@ -115,18 +115,19 @@ bool checkOwner(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visito
   return false;
 }
 
-// The model is read whole, whatever place in its history the deck names.
+// The model is read whole, whatever place within a step the deck names.
 void checkReading(const inp_Keyword& keyword, inp_Visitor& messages) {
   if (!keyword.HasParameter("read")) return;
   cow_String given;
   for (const inp_Parameter& parameter : keyword.Parameters())
-    if (parameter.name == "step" || parameter.name == "inc" || parameter.name == "iteration" ||
-        parameter.name == "interval" || parameter.name == "cycle" || parameter.name == "endstep")
+    if (parameter.name == "inc" || parameter.name == "iteration" || parameter.name == "interval" ||
+        parameter.name == "cycle" || parameter.name == "endstep")
       given += (given.empty() ? "" : ", ") + inpS_spelledName(parameter);
   if (given.empty()) return;
   messages.AddWarning(inp_Utils::MessageInKeyword(
-      keyword, "A restart goes on behind the last step of its model; what tells another place (" +
-                   given + ") is left out."));
+      keyword,
+      "A restart goes on behind the last step of its model; what tells a place within one (" +
+          given + ") is left out."));
   messages.LeaveOut("place of a restart");
 }
 

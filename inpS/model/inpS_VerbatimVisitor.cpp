@@ -121,8 +121,8 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   const bool isSettled = m_ledger.IsSettled(keyword);
   const bool isExplained = told && (told->isTold || !told->reason.empty());
-  if (!isExplained && keyword.Kind() != inp_KwBaselineCorrection) // those have been told
-    m_places.Look(keyword, isSettled);
+  const bool isMisplaced = !isExplained && keyword.Kind() != inp_KwBaselineCorrection && // told
+                           m_places.Look(keyword, isSettled);
   if (!along && isSettled) return;
   // The model is whole now.
   const bool isRead =
@@ -134,7 +134,8 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     return;
   }
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
-  if (!row || row->role != inp_KeywordRole::Close) Count(keyword); // the opening one speaks for it
+  if (!row || row->role != inp_KeywordRole::Close)
+    Count(keyword, isMisplaced); // the opening one speaks for it
 
   Along at = along ? *along : AtOwn(keyword, block);
   at.text = beside;
@@ -321,7 +322,7 @@ inpS_VerbatimVisitor::Place inpS_VerbatimVisitor::PlaceOf(const inp_Scope& scope
   return {owner, level};
 }
 
-void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword) {
+void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword, bool isTold) {
   const auto [known, isNew] = m_byName.try_emplace(keyword.Name(), m_kept.size());
   if (isNew) {
     m_kept.push_back({keyword.Name(), 0, keyword.FileName(), keyword.Line(),
@@ -330,7 +331,7 @@ void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword) {
   }
   ++m_kept[known->second].count;
   const inpS_TextPlace* place = m_ledger.TextOf(keyword);
-  if (place && place->isTold) return;
+  if (isTold || (place && place->isTold)) return;
   if (place && !place->reason.empty())
     return TellKept(keyword, "*" + keyword.Name() + ' ' + place->reason + "; it is");
   Untold& untold = m_untold[known->second];

@@ -50,7 +50,7 @@ private:
   Place PlaceOf(const inp_Scope& scope);
   int BlockOf(const inp_Keyword& keyword);
   bool IsWrittenHere(const inp_Keyword& keyword);
-  void Count(const inp_Keyword& keyword);
+  void Count(const inp_Keyword& keyword, bool isTold);
   void TellKept(const inp_Keyword& keyword, const cow_String& text);
 
   const inpS_Inventory& m_inventory;

@@ -6,6 +6,7 @@
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
+#include "database/schema/eds_Schema.h"
 #include "inpS/forms/inpS_Blocks.h"
 #include "inpS/forms/inpS_FormPrinter.h"
 #include "inpS/forms/inpS_FormTable.h"
@@ -66,6 +67,7 @@ struct inpS_Sim2Inp::Impl {
 
   // A model whose conversion was cut off at its very start has none.
   bool HasMesh() const { return !labels->mesh.IsNull(); }
+  bool IsEmpty() const;
   void PrintHeading(const inpS_DeckScope& scope);
   void PrintNodes(const inpS_DeckScope& scope) {
     if (HasMesh()) inpS_MeshPrinter(*labels, *out).PrintNodes(scope);
@@ -341,13 +343,24 @@ void Impl::PrintKeptOf(const KvoSimPosition& owner, const KvoSimPosition& behind
     utl_printLines(*out, list[next].record.DataRecord().GetString(eds_VerbatimKeyword_Text));
 }
 
+// Whether the model has nothing but what every model has.
+bool Impl::IsEmpty() const {
+  const KvoSimPosition model = doc.GetModel().Position();
+  return kept.empty() && (!HasMesh() || labels->mesh.NodeBlocks().empty()) &&
+         std::ranges::none_of(eds_schemaMembers(), [&](const eds_MemberInfo& info) {
+           const bool isEverywhere = info.member == eds_Member::Mesh ||
+                                     info.member == eds_Member::Collections ||
+                                     info.member == eds_Member::Annotation;
+           return !isEverywhere && model.MemberCount(info.member) > 0;
+         });
+}
+
 void Impl::PrintHeading(const inpS_DeckScope& scope) {
-  const bool isEmpty = kept.empty() && doc.GetModel().Parts().empty() &&
-                       doc.GetModel().GetAssembly().IsNull() &&
-                       (!HasMesh() || labels->mesh.NodeBlocks().empty());
-  if (!scope.owner.HasAnnotation() && !isEmpty) return; // a deck holds one keyword at least
+  const cow_String& parameters = parts.At(scope.owner, 0).parameters;
+  // A deck holds one keyword at least.
+  if (!scope.owner.HasAnnotation() && parameters.empty() && !IsEmpty()) return;
   const cow_String heading = scope.owner.GetAnnotation();
-  *out << "*HEADING" << parts.At(scope.owner, 0).parameters << '\n';
+  *out << "*HEADING" << parameters << '\n';
   utl_printLines(*out, heading);
   if (!heading.empty() && heading.back() != '\n') *out << '\n';
 }

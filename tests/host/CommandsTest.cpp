@@ -11,6 +11,16 @@ const cow_String threeFaults = cow_String(oneBrick) +
                                "*NOSUCHWORD\n"
                                "*ELEMENT, TYPE=C3D8\n2, 1, 2, 3, 99, 5, 6, 7, 8\n";
 
+// What stands in a wrong place is told once, and the writer adds no heading.
+TEST_F(Commands, NothingTwiceAndNothingInvented) {
+  const cow_String deck = "*MATERIAL, NAME=M\n*DENSITY\n1.\n*STEP\n*STATIC\n*END STEP\n";
+  const ProgramRun run({"convert", Deck("d.inp", deck + "*STATIC\n"), "-o", File("d.sim")});
+  EXPECT_TRUE(run.Says("*STATIC may stand in a step only") && run.Says("0 errors, 1 warning\n"))
+      << run.err;
+  ProgramRun({"convert", Deck("e.inp", deck), "-o", File("e.sim")});
+  EXPECT_EQ(ProgramRun({"write", File("e.sim")}).out, "** Written by inps\n" + deck);
+}
+
 TEST_F(Commands, ConvertInfoWriteAndBack) {
   const cow_String deck = Deck("brick.inp", oneBrick);
   const ProgramRun convert({"convert", deck, "-o", File("a.sim")});
@@ -200,6 +210,9 @@ TEST_F(Commands, DiffNamesWhatDiffers) {
       {"TYPE=C3D8,", "TYPE=C3D8R,", "only in B: element_spec"},
       {"1, 1, 2, 3, 4, 5, 6, 7, 8", "9, 1, 2, 3, 4, 5, 6, 7, 8", "9"},
   };
+  const cow_String one = "*MATERIAL, NAME=ONE\n*DENSITY\n1.\n";
+  const cow_String two = "*MATERIAL, NAME=TWO\n*DENSITY\n2.\n";
+  EXPECT_EQ(ProgramRun({"diff", Deck("12.inp", one + two), Deck("21.inp", two + one)}).exitCode, 0);
   const cow_String a = Deck("a.inp", oneBrick);
   for (const Case& c : cases) {
     cow_String changed = oneBrick;

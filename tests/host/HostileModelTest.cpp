@@ -13,6 +13,10 @@
 
 namespace {
 
+bool holds(std::string_view text, std::string_view what) {
+  return text.find(what) != text.npos;
+}
+
 class HostileModel : public ProgramTest {
 protected:
   void SetUp() override {
@@ -177,6 +181,14 @@ TEST_F(HostileModel, TextsThatWouldBeKeywords) {
   ASSERT_TRUE(
       Change({"UPDATE annotation SET text = '** a comment *NODE' || char(10) || 'x *NODE'"}));
   EXPECT_EQ(ProgramRun({"check", File("bad.sim")}).exitCode, 0);
+  // Nor does it give terminals orders, where a text of lines may hold them.
+  ASSERT_TRUE(Change({"UPDATE annotation SET text = 'a' || char(27) || '[2J' || char(10)",
+                      "UPDATE verbatim_keyword SET text = text || char(27) || '*X' || char(10) "
+                      "WHERE id = 1"}));
+  const ProgramRun written({"write", File("bad.sim")});
+  EXPECT_TRUE(holds(written.out, "a[2J\n") && holds(written.out, "\n?*X\n") &&
+              !holds(written.out, "\x1b"))
+      << written.out;
   // What our own converter keeps of such a deck is none of these.
   const cow_String deck = Deck("r.inp", "*HEADING\nA\r*B\r\n*END_PART\n1,\r*NODE\r\r\n");
   ProgramRun({"convert", deck, "-o", File("r.sim")});

@@ -2,6 +2,10 @@
 
 namespace {
 
+bool holds(std::string_view text, std::string_view what) {
+  return text.find(what) != text.npos;
+}
+
 // What a restart makes of the nodes, elements and sets of its base.
 class Restart : public ProgramTest {
 protected:
@@ -41,6 +45,14 @@ TEST_F(Restart, MakesNodesAndElementsOfThoseOfItsBase) {
         "*ELEMENT, TYPE=T3D2\n2, 2, 3\n", "*ELEMENT, TYPE=B31\n15, 11, 12, 13\n16, 12, 13\n",
         "*ELSET, ELSET=G\n1, 2\n"})
     EXPECT_NE(deck.find(lines), cow_String::npos) << lines << deck;
+  // Read again it is one mesh, and the same one.
+  ProgramRun({"convert", File("more.out"), "-o", File("again.sim")});
+  const ProgramRun same({"diff", File("more.sim"), File("again.sim")});
+  EXPECT_EQ(same.exitCode, 0) << same.out;
+  cow_String moved = deck;
+  moved.replace(moved.find("12, 1., 0., 4.") + 4, 2, "5.");
+  const ProgramRun other({"diff", File("more.sim"), Deck("moved.inp", moved)});
+  EXPECT_TRUE(other.exitCode == 1 && holds(other.out, "coordinates")) << other.out;
 }
 
 // The model is read by then; what is to be written remains.
@@ -139,6 +151,69 @@ TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
             cow_String::npos)
       << deck;
   EXPECT_EQ(deck.find("9."), cow_String::npos) << deck;
+}
+
+// Behind other keywords, too: else they would be the last material's.
+TEST_F(Restart, LeavesOutSuboptionsOfMaterialsThatTheModelHas) {
+  const cow_String steel = "*MATERIAL, NAME=STEEL\n*ELASTIC\n210., 0.3\n";
+  const cow_String deck =
+      Written(steel,
+              "*MATERIAL, NAME=STEEL\n*PLASTIC\n9., 0.\n*NODE\n1, 0., 0., 0.\n"
+              "*POTENTIAL\n9., 9., 9., 9., 9., 9.\n*NODE\n2, 0., 0., 0.\n*DENSITY\n9.\n",
+              1);
+  EXPECT_TRUE(deck.ends_with("2, 0., 0., 0.\n" + steel)) << deck;
+}
+
+// Blocks without an owner, another heading, a place within a step: nothing goes in silence.
+TEST_F(Restart, TellsWhatItsBaseDoesNotTake) {
+  const cow_String base = "*HEADING\nfirst\n*PART, NAME=P\n*NODE\n1, 0., 0., 0.\n*END PART\n"
+                          "*PART, NAME=P2\n*END PART\n*ASSEMBLY, NAME=A\n"
+                          "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*END ASSEMBLY\n";
+  ASSERT_EQ(ProgramRun({"convert", Deck("base.inp", base), "-o", File("base.sim")}).exitCode, 0);
+  const auto inInstance = [](const cow_String& parameters) {
+    return "*ASSEMBLY, NAME=A\n*INSTANCE" + parameters +
+           "\n*NSET, NSET=Q\n1\n*END INSTANCE\n*END ASSEMBLY\n";
+  };
+  struct Case {
+    cow_String deck;
+    const char* says;
+    const char* leftOut; // null: nothing
+  };
+  const Case cases[] = {
+      {"*PART\n*NODE\n4, 5., 5., 5.\n*END PART\n", ":1:1: error: Part name is not defined.",
+       "1 part"},
+      {inInstance(", PART=P"), ":2:1: error: Instance name is not defined.", "1 instance"},
+      {inInstance(", INSTANCE=I"), ":2:1: error: Instance name is not defined.", "1 instance"},
+      {inInstance(", NAME=I, PART=NOPE"), ":2:20: error: Part \"NOPE\" is not defined", nullptr},
+      {inInstance(", NAME=I, PART=P2"), "error: The instance of this name in the model", nullptr},
+      {inInstance(", NAME=J, PART=P"), "error: The model that is restarted has no \"J\"",
+       "1 instance"},
+      {inInstance(", NAME=I, PART=P"), "0 errors, 0 warnings", nullptr},
+      {"*HEADING\nsecond\n", ":1:1: warning: The model keeps the heading of its base", "1 heading"},
+      {"*RESTART, READ, INC=5\n", "warning: A restart goes on behind the last step of its model",
+       "1 place of a restart"}};
+  for (const Case& one : cases) {
+    const ProgramRun run({"convert", Deck("m.inp", one.deck), "--restart", File("base.sim"), "-o",
+                          File("m.sim"), "--force"});
+    const cow_String says = run.err + run.out;
+    EXPECT_TRUE(holds(says, one.says)) << one.deck << says;
+    EXPECT_EQ(run.exitCode, holds(one.says, "error: ") ? 1 : 0) << one.deck;
+    const cow_String info = ProgramRun({"info", File("m.sim")}).out;
+    EXPECT_EQ(holds(info, "left out: "), one.leftOut != nullptr) << one.deck << info;
+    EXPECT_TRUE(!one.leftOut || holds(info, one.leftOut)) << one.deck << info;
+  }
+}
+
+// The mesh that a restart brings says nothing of the one that its base lacks.
+TEST_F(Restart, TellsThatItsBaseIsNotWhole) {
+  ProgramRun({"convert", Deck("base.inp", "*NODE\n1, x, 0.\n"), "-o", File("base.sim")});
+  const ProgramRun run({"convert", Deck("more.inp", "*NODE\n7, 0., 0.\n"), "--restart",
+                        File("base.sim"), "-o", File("m.sim")});
+  EXPECT_TRUE(run.Says("base.sim: warning: this model was made from a deck with errors"))
+      << run.err;
+  EXPECT_TRUE(holds(run.out, "1 node, 0 elements (the mesh of its base is left out because of its "
+                             "errors), 0 node sets"))
+      << run.out;
 }
 
 // What has no nodes is there all the same: others have counted on it.
