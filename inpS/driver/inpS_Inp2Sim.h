@@ -96,7 +96,7 @@ private:
   bool ReadElementLabeler(Labelers& labelers);
   bool ProcessAmplitudes();
   bool ProcessMaterials();
-  bool ProcessConnectorBehaviors();
+  bool ProcessConnectorBehaviors(Labelers& labelers);
   void RaiseDimensions(const inpS_MeshVisitor& mesh);
   void KeepTextOf(const inpS_MeshVisitor& mesh);
   bool ReadMesh(Labelers& labelers, std::optional<inpS_MeshVisitor>& mesh);

@@ -57,7 +57,7 @@ const Driver::Phase* Driver::Phases() {
       {"elemlabeler", [](Driver& d, L& l) { return d.ReadElementLabeler(l); }, false},
       {"amplitudes", [](Driver& d, L&) { return d.ProcessAmplitudes(); }, true},
       {"materials", [](Driver& d, L&) { return d.ProcessMaterials(); }, true},
-      {"conbehav", [](Driver& d, L&) { return d.ProcessConnectorBehaviors(); }, true},
+      {"conbehav", [](Driver& d, L& l) { return d.ProcessConnectorBehaviors(l); }, true},
       {"mesh", [](Driver& d, L& l) { return d.ProcessMesh(l); }, true},
       {"surfaces", [](Driver& d, L& l) { return d.ProcessSurfaces(l); }, true},
       {"rigidbodies", [](Driver& d, L& l) { return d.ProcessRigidBodies(l); }, true},
@@ -224,11 +224,8 @@ bool Driver::ProcessMaterials() {
   return !visitor.IsError();
 }
 
-bool Driver::ProcessConnectorBehaviors() {
-  if constexpr (!inpS_convertsAny<inpS_ConnectorBehaviorVisitor>()) return true;
-  inpS_ConnectorBehaviorVisitor visitor(m_inventory);
-  visitor.VisitListAndReport(m_keywords);
-  return !visitor.IsError();
+bool Driver::ProcessConnectorBehaviors(Labelers& labelers) {
+  return RunForms<inpS_ConnectorBehaviorVisitor>(labelers);
 }
 
 // Lines alone do not show where a generator, a copy or a map puts its nodes, or what a restart

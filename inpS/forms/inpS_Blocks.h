@@ -10,6 +10,7 @@
 
 enum class inpS_Phase : unsigned char {
   None,
+  ConnectorBehaviors,
   Distributions,
   Orientations,
   Constraints,
@@ -62,7 +63,8 @@ constexpr eds_Member inpS_memberOf(const inpS_Block& block, inp_KeywordEnm keywo
 inline cow_List<eds_Member> inpS_membersOf(const inpS_Block& block) {
   cow_List<eds_Member> members{block.member};
 #define INPS_BLOCK_MEMBER(Keyword, Block, Member)                                                  \
-  if (block.number == Block) members.push_back(eds_Member::Member);
+  if (block.number == Block && members.back() != eds_Member::Member)                               \
+    members.push_back(eds_Member::Member);
 #include "inpS/forms/inpS_blocks.def"
   return members;
 }

@@ -16,11 +16,26 @@ namespace {
 using Alternative = eds_FormItem::Alternative;
 using Kind = inpS_SetVisitor::Kind;
 
+// By which the deck names the elements that the record, or what it is a line of, is about.
+KvoSimPosition instanceOf(const KvoSimDataRecord& record) {
+  KvoSimPosition position = record.Pos();
+  for (int level = 0; level < 2 && !position.IsNull(); ++level, position = position.Parent()) {
+    const eds_RecordInfo* info = eds_formRecord(position.Object().RecordKind());
+    if (!info) return {};
+    const auto field = std::ranges::find(info->fields, "elset_instance", &eds_FieldInfo::column);
+    if (field != info->fields.end())
+      return position.DataRecord().GetReference(static_cast<int>(field - info->fields.begin()));
+  }
+  return {};
+}
+
 // What is wrong with the value for this type; empty when it has been taken.
 cow_String takeReference(const Alternative& one, const inpS_FormValue& value,
                          const inpS_FormNames& names, KvoSimDataRecord& record) {
   const inpS_SetVisitor::Found found = names.Find(*one.referable, value.text);
   if (found.set.IsNull()) return names.TextOfMissing(*one.referable, inp_Utils::Fold(value.text));
+  if (one.instanceField < 0 && !found.instance.IsNull() && !(instanceOf(record) == found.instance))
+    return "\"" + value.text + "\" belongs to an instance, and the elements to none or another.";
   record.SetReference(one.field, found.set);
   if (one.instanceField >= 0 && !found.instance.IsNull())
     record.SetReference(one.instanceField, found.instance);
@@ -106,9 +121,17 @@ void printInstance(utl_Stream& out, const Alternative& one, const KvoSimDataReco
   out << inpS_quoted(instance.DataRecord().ReturnString(eds_Instance_Name)) << '.';
 }
 
+// A name of a part or an instance that elements of an instance refer to from the assembly has that
+// instance before it.
 void printReference(utl_Stream& out, const Alternative& one, const KvoSimDataRecord& record) {
+  const KvoSimPosition named = record.GetReference(one.field);
   printInstance(out, one, record);
-  out << inpS_quoted(record.GetReference(one.field).Name());
+  if (one.referable->place == eds_Referable::Place::Near)
+    if (const KvoSimPosition instance = instanceOf(record); !instance.IsNull())
+      if (const KvoSimPosition owner = named.Parent();
+          owner == instance || owner.IsA(eds_RecordKind::Part))
+        out << inpS_quoted(instance.DataRecord().ReturnString(eds_Instance_Name)) << '.';
+  out << inpS_quoted(named.Name());
 }
 
 } // namespace
@@ -137,18 +160,45 @@ inpS_FormValue inpS_FormValue::Of(const inp_DataArray& data, long long row, int 
 
 inpS_SetVisitor::Found inpS_FormNames::Find(const eds_Referable& referable,
                                             const cow_String& asWritten) const {
-  if (!referable.IsScoped()) {
-    const cow_String name = inp_Utils::Fold(asWritten);
-    KvoSimPosition found;
-    if (referable.place == eds_Referable::Place::Near && !m_place.Holder().IsNull())
-      found = m_place.Holder().FollowStringKey(referable.member, name);
-    if (found.IsNull()) found = m_place.Model().FollowStringKey(referable.member, name);
-    return {found, 0, {}};
-  }
+  if (m_last.empty()) m_last.resize(eds_referables().size());
+  Last& last = m_last[static_cast<std::size_t>(&referable - eds_referables().data())];
+  const KvoSimPosition from = m_place.Holder();
+  if (last.found.set.IsNull() || last.name != asWritten || !(last.from == from))
+    last = {asWritten, from, Search(referable, asWritten)};
+  return last.found;
+}
+
+inpS_SetVisitor::Found inpS_FormNames::Search(const eds_Referable& referable,
+                                              const cow_String& asWritten) const {
+  if (referable.place == eds_Referable::Place::Near) return FindNear(referable, asWritten);
+  if (referable.place == eds_Referable::Place::Model)
+    return {m_place.Model().FollowStringKey(referable.member, inp_Utils::Fold(asWritten)), 0, {}};
   const Kind kind = referable.kind == eds_RecordKind::NodeSet      ? Kind::Nodes
                     : referable.kind == eds_RecordKind::ElementSet ? Kind::Elements
                                                                    : Kind::Surfaces;
   return m_place.FindField(kind, asWritten);
+}
+
+// An instance has its part's names beside its own; the model's all have, and from outside those of
+// an instance go by instance.name.
+inpS_SetVisitor::Found inpS_FormNames::FindNear(const eds_Referable& referable,
+                                                const cow_String& asWritten) const {
+  const auto in = [&](const KvoSimPosition& owner, const cow_String& name) {
+    if (owner.IsNull()) return KvoSimPosition();
+    const KvoSimPosition own = owner.FollowStringKey(referable.member, name);
+    if (!own.IsNull() || !owner.IsA(eds_RecordKind::Instance)) return own;
+    const KvoSimPosition part = owner.DataRecord().GetReference(eds_Instance_Part);
+    return part.IsNull() ? part : part.FollowStringKey(referable.member, name);
+  };
+  const cow_String name = inp_Utils::Fold(asWritten);
+  KvoSimPosition found = in(m_place.Holder(), name);
+  if (found.IsNull()) found = in(m_place.Model(), name);
+  if (!found.IsNull()) return {found, 0, {}};
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
+  if (parts.size() < 2 || m_place.Owner().IsA(eds_RecordKind::Part)) return {};
+  const KvoSimPosition instance =
+      m_place.Model().FollowStringKey(eds_Member::Occurrences, parts[parts.size() - 2]);
+  return {in(instance, parts.back()), 0, instance};
 }
 
 cow_String inpS_FormNames::TextOfMissing(const eds_Referable& referable,

@@ -56,9 +56,21 @@ public:
   Label FindLabel(eds_FormType type, const cow_String& asWritten) const;
 
 private:
+  // The name last found of each kind: a keyword's names are looked for to check them, and again
+  // to take them.
+  struct Last {
+    cow_String name;
+    KvoSimPosition from; // what the walk stands in
+    inpS_SetVisitor::Found found;
+  };
+  inpS_SetVisitor::Found Search(const eds_Referable& referable, const cow_String& asWritten) const;
+  inpS_SetVisitor::Found FindNear(const eds_Referable& referable,
+                                  const cow_String& asWritten) const;
+
   const inpS_SetVisitor& m_place;
   cow_Map<std::string_view, std::string_view> m_texts; // by referable
   TextOfNode m_textOfNode = nullptr;
+  mutable cow_List<Last> m_last; // by referable
 };
 
 // The value goes to the first alternative that takes it. What is wrong with it; empty when it has

@@ -461,6 +461,7 @@ bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, 
   for (long long row = first; row < rows; ++row) {
     if (!holdsPlaces && isBlankLine(data, row)) continue;
     const KvoSimPosition line = record.CreateDataRecord(kind);
+    record.Associate(eds_Member::Lines, line); // names are seen from what it is a line of
     Line read = ReadLine(keyword, row, items, line);
     cow_String fault =
         row + perRecord > rows ? "The lines that must follow are missing." : cow_String();
@@ -475,10 +476,7 @@ bool inpS_FormVisitor::ReadRecords(const inp_Keyword& keyword, long long first, 
     }
     row += perRecord - 1;
     whole = whole && read == Line::Whole;
-    if (read == Line::Nothing)
-      line.Remove();
-    else
-      record.Associate(eds_Member::Lines, line);
+    if (read == Line::Nothing) line.Remove();
   }
   return whole;
 }

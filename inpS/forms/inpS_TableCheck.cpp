@@ -224,7 +224,7 @@ private:
   void CheckStates() {
     const bool repeats =
         !m_table.HasTemperatureColumn() || std::ranges::any_of(m_columns, [](const Column& column) {
-          return isOrdered(column) || column.role == Column::Role::Independent;
+          return column.order != Order::None || column.role == Column::Role::Independent;
         });
     int told = 0;
     for (int row = 1; row < m_table.NumRows() && told < kMostTold; ++row) {

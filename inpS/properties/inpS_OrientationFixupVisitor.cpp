@@ -2,6 +2,7 @@
 #include "base/utl_BlockSize.h"
 #include "database/KvoSimTransaction.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_FormValue.h"
 #include "inpS/properties/inpS_DistributionValues.h"
 #include "inpS/properties/inpS_ElementQuaternions.h"
 #include "parser/inp_Utils.h"
@@ -70,7 +71,8 @@ void inpS_OrientationFixupVisitor::Visit(const inp_Keyword& keyword) {
         std::ranges::find(names, name) == names.end())
       names.insert(names.begin(), name);
   for (const cow_String& name : names)
-    if (m_ori2DistName.contains(name)) FixOrientation(keyword, name, elset->Verbatim());
+    if (m_ori2DistName.contains(inp_Utils::SplitScopedField(name).back()))
+      FixOrientation(keyword, name, elset->Verbatim());
 }
 
 bool inpS_OrientationFixupVisitor::CheckDistributions(const inp_Keyword& keyword,
@@ -132,10 +134,8 @@ inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, const Place
                                   const eds_MemberSet& elements, long long first) {
   const inpS_OrientationData data = inpS_OrientationData::Of(orientation);
   const auto offsetOf = [&](const KvoSimPosition& distribution) {
-    const bool isPart = Holder().IsA(eds_RecordKind::Part) && !distribution.IsNull() &&
-                        Holder().FollowStringKey(eds_Member::NamedDistributions,
-                                                 distribution.Name()) == distribution;
-    return isPart ? first : 0;
+    const bool isPart = !distribution.IsNull() && distribution.Parent().IsA(eds_RecordKind::Part);
+    return isPart ? place.instance.DataRecord().GetInt64(eds_Instance_FirstElement) : 0;
   };
   const KvoSimPosition points = inpS_OrientationData::PointsOf(orientation);
   const KvoSimPosition angles = inpS_OrientationData::AnglesOf(orientation);
@@ -172,27 +172,26 @@ inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, const Place
   return lacking;
 }
 
-KvoSimPosition inpS_OrientationFixupVisitor::Find(const cow_String& name) const {
-  constexpr eds_Member member = eds_Member::NamedOrientations;
-  const KvoSimPosition own =
-      Holder().IsNull() ? KvoSimPosition() : Holder().FollowStringKey(member, name);
-  return own.IsNull() ? Model().FollowStringKey(member, name) : own;
+inpS_SetVisitor::Found inpS_OrientationFixupVisitor::Find(const cow_String& asWritten) const {
+  static const eds_Referable& orientations =
+      *std::ranges::find(eds_referables(), "orientation", &eds_Referable::word);
+  return inpS_FormNames(*this).Find(orientations, asWritten);
 }
 
 void inpS_OrientationFixupVisitor::FixOrientation(const inp_Keyword& keyword,
                                                   const cow_String& orientation,
                                                   const cow_String& elset) {
-  const KvoSimPosition record = Find(orientation);
+  const Found found = Find(orientation);
+  const KvoSimPosition& record = found.set;
   if (record.IsNull() || !inpS_OrientationData::IsByElement(record)) return; // another of that name
   eds_MemberSet members;
   if (!GetElementSetMembers(elset, members) || members.IsEmpty()) return;
   if (!CheckDistributions(keyword, record)) return;
-  const bool isModels =
-      record == Model().FollowStringKey(eds_Member::NamedOrientations, orientation);
+  const bool isModels = record.Parent() == Model();
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
   m_writer.Initialize(transaction, Inventory().GetDocument(), record);
   Lacking lacking;
-  for (Place place : m_systems.PlacesOf(Holder())) {
+  for (Place place : m_systems.PlacesOf(found.instance.IsNull() ? Holder() : found.instance)) {
     long long first = 0;
     if (Holder().IsA(eds_RecordKind::Part))
       first = place.instance.DataRecord().GetInt64(eds_Instance_FirstElement);

@@ -37,7 +37,7 @@ private:
   // elements: flat ordinals; first: that of the holder's element 0.
   Lacking Fix(const KvoSimPosition& orientation, const Place& place, const eds_MemberSet& elements,
               long long first);
-  KvoSimPosition Find(const cow_String& name) const; // an orientation, as seen from here
+  Found Find(const cow_String& asWritten) const; // an orientation, as seen from here
 
   const NameMap& m_ori2DistName;
   inpS_OrientationSystems m_systems;

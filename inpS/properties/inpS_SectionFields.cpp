@@ -160,7 +160,11 @@ private:
       const KvoSimDataRecord record = assignment.DataRecord();
       const eds_MemberSet members =
           inpS_SectionData::MembersOf(record.GetReference(eds_SectionAssignment_ElementSet));
-      const int64_t offset = ofPart ? 0 : record.GetInt64(eds_SectionAssignment_Offset);
+      const KvoSimPosition instance = record.GetReference(eds_SectionAssignment_Instance);
+      const bool isPlaced = ofPart && !instance.IsNull(); // the part's own ordinals are asked for
+      const int64_t offset =
+          record.GetInt64(eds_SectionAssignment_Offset) -
+          (isPlaced ? instance.DataRecord().GetInt64(eds_Instance_FirstElement) : 0);
       ResolveFor(values, all, inpS_SetVisitor::Moved(members, offset), made);
       if (ofPart) break; // the same for every instance
     }

@@ -37,10 +37,9 @@ KvoSimPosition inpS_SectionVisitor::GetMaterial(const cow_String& name) const {
 }
 
 KvoSimPosition inpS_SectionVisitor::GetOrientation(const cow_String& name) const {
-  const KvoSimPosition holder = Holder();
-  const KvoSimPosition own =
-      holder.IsNull() ? holder : holder.FollowStringKey(eds_Member::NamedOrientations, name);
-  return own.IsNull() ? Model().FollowStringKey(eds_Member::NamedOrientations, name) : own;
+  static const eds_Referable& orientations =
+      *std::ranges::find(eds_referables(), "orientation", &eds_Referable::word);
+  return inpS_FormNames(*this).Find(orientations, name).set;
 }
 
 KvoSimPosition inpS_SectionVisitor::GetRegionFromElset(const KvoSimPosition& elset) const {
@@ -78,14 +77,49 @@ void inpS_SectionVisitor::WriteBulkShellSectionDistributions() {
 const inpS_Form* inpS_SectionVisitor::Choose(const inp_Keyword& keyword,
                                              const inp_Keyword* parent) {
   const bool isPlain = keyword.Kind() == inp_KwSolidSection && !keyword.HasParameter("composite");
-  return isPlain ? ChooseSolid(keyword) : inpS_FormVisitor::Choose(keyword, parent);
+  if (isPlain) return ChooseSolid(keyword);
+  const inpS_Form* form = inpS_FormVisitor::Choose(keyword, parent);
+  if (form && form->kind == eds_FormKind::ConnectorSectionBehavior)
+    return ChooseConnector(keyword, form);
+  if (form && form->kind == eds_FormKind::JointElasticityGeneral) return ChooseJoint(keyword, form);
+  return form;
+}
+
+// A connector is one by its type; of a behaviour that is not there the name alone is left.
+const inpS_Form* inpS_SectionVisitor::ChooseConnector(const inp_Keyword& keyword,
+                                                      const inpS_Form* form) {
+  const eds_FormItem& item = *form->items[1];
+  const inp_Item& behavior = *keyword.Find("behavior");
+  const eds_Referable& referable = *item.alternatives.front().referable;
+  if (!Names().Find(referable, behavior.Verbatim()).set.IsNull()) return form;
+  const bool isText = Inventory().Names(inp_KwConnectorBehavior, behavior.AsString());
+  const cow_String text =
+      isText ? "*CONNECTOR BEHAVIOR \"" + behavior.AsString() + "\" is kept as text;"
+             : Names().TextOfMissing(referable, behavior.AsString());
+  wip_Message message = inp_Utils::MessageAtParameter(
+      keyword, "behavior", text + " The section has its name alone, and no behavior.");
+  if (isText)
+    AddWarning(std::move(message));
+  else
+    AddError(std::move(message));
+  return inpS_FormTable::Instance().Find(eds_FormKind::ConnectorSection);
+}
+
+// The moduli of a joint in a plane stand on one line, those in space on three.
+const inpS_Form* inpS_SectionVisitor::ChooseJoint(const inp_Keyword& keyword,
+                                                  const inpS_Form* inSpace) {
+  const inp_DataArray& data = keyword.Data();
+  const bool isInPlane = data.Rows() < 3 || valuesOnLines(data, 1) < 8;
+  return isInPlane ? inpS_FormTable::Instance().Find(eds_FormKind::JointElasticityPlane) : inSpace;
 }
 
 // By the elements of the set: trusses, plane elements, solids, or what is not known.
 const inpS_Form* inpS_SectionVisitor::ChooseSolid(const inp_Keyword& keyword) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
   const inp_Item* elset = keyword.Find("elset");
-  const Found found = elset ? FindField(Kind::Elements, elset->Verbatim()) : Found();
+  static const eds_Referable& sets =
+      *std::ranges::find(eds_referables(), "elset", &eds_Referable::word);
+  const Found found = elset ? Names().Find(sets, elset->Verbatim()) : Found();
   const eds_MemberSet members = inpS_SectionData::MembersOf(found.set);
   if (members.IsEmpty()) return forms.Find(eds_FormKind::SolidSection);
   const KvoSimPosition owner = found.set.DataRecord().GetReference(eds_ElementSet_Owner);

@@ -37,6 +37,8 @@ protected:
 
 private:
   const inpS_Form* ChooseSolid(const inp_Keyword& keyword);
+  const inpS_Form* ChooseConnector(const inp_Keyword& keyword, const inpS_Form* form);
+  const inpS_Form* ChooseJoint(const inp_Keyword& keyword, const inpS_Form* inSpace);
   const inpS_SectionData& DataOf(const KvoSimPosition& owner);
   bool CheckSolid(const inp_Keyword& keyword);
   bool CheckShellStiffness(const inp_Keyword& keyword);

@@ -86,8 +86,13 @@ void inpS_RowLayout::Print(utl_Stream& out, std::span<const double> values) cons
 void inpS_printRows(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& record) {
   const KvoSrvFsmFTable table = record.GetFTable();
   if (table.IsNull()) return;
-  const inpS_RowLayout layout = form.columns.IsEmpty()
-                                    ? inpS_RowLayout(table.NumOfCols(), -1)
-                                    : inpS_RowLayout(form, record.DataRecord(), table);
+  // Field variables stand behind the temperature, which is blank where nothing depends on it.
+  const int variables = table.NumberFieldVariables();
+  const bool lacksTemperature =
+      form.HasTemperature() && variables > 0 && !table.IsTemperatureDependent();
+  const inpS_RowLayout layout =
+      form.columns.IsEmpty()
+          ? inpS_RowLayout(table.NumOfCols(), lacksTemperature ? table.NumOfCols() - variables : -1)
+          : inpS_RowLayout(form, record.DataRecord(), table);
   inpS_printFTable(out, {&layout, {}}, table);
 }

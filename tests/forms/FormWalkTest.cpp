@@ -28,6 +28,8 @@ const cow_Map<std::string_view, cow_String> targets = {
     {"orientation", "AXES"},
     {"section_controls", "CONTROLS"},
     {"gasket_behavior", "SEAL"},
+    {"connector_behavior", "HINGE-1"},
+    {"matrix", "K-1"},
     {"impedance_property", "LINING"},
     {"incident_wave_property", "BLAST"},
     {"incident_wave_interaction_property", "CHARGE"}};
@@ -49,6 +51,8 @@ const cow_String model = cow_String("*HEADING\nall forms\n") + oneBrick + moreNo
                          "*AMPLITUDE, NAME=RAMP\n0., 0., 1., 1.\n"
                          "*SECTION CONTROLS, NAME=CONTROLS\n"
                          "*GASKET BEHAVIOR, NAME=SEAL\n"
+                         "*CONNECTOR BEHAVIOR, NAME=HINGE-1\n"
+                         "*MATRIX INPUT, NAME=K-1\n1, 1, 1, 1, 5.\n"
                          "*IMPEDANCE PROPERTY, NAME=LINING\n1., 2.\n"
                          "*INCIDENT WAVE PROPERTY, NAME=BLAST\n0., 0., 1.\n0., 0., 2.\n"
                          "*INCIDENT WAVE INTERACTION PROPERTY, NAME=CHARGE\n1., 2.\n"
@@ -95,6 +99,8 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"InitialHardening.number_back_stresses", "1"},
     {"InitialBackStresses.number_backstresses", "2"},
     {"Wave.type", "AIRY"},
+    {"ConnectorSection.behavior", ""},
+    {"ConnectorPotential.component", "2"},
     {"Boundary.last", "6"},
     {"Boundary.magnitude", "0.5"},
     {"ConcentratedLoad.dof", "3"},
