@@ -276,6 +276,7 @@ inpS_FormNames::Label inpS_FormNames::FindLabel(eds_FormType type,
 cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
                           const inpS_FormNames& names, KvoSimDataRecord record) {
   cow_String fault;
+  bool isAboutName = false;
   for (const Alternative& one : item.alternatives) {
     const cow_String other = takeAs(one, value, names, record);
     if (other.empty()) return {};
@@ -284,7 +285,9 @@ cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
                          names.FindLabel(first, value.text).isNumber;
     const bool isName =
         one.type == eds_FormType::Reference && value.type == inp_FieldType::String && !isLabel;
-    if (fault.empty() || isName) fault = other; // a word is about a name rather than no number
+    // A word is about a name rather than no number, and about what it mostly names.
+    if (fault.empty() || (isName && !isAboutName)) fault = other;
+    isAboutName = isAboutName || isName;
   }
   return fault;
 }

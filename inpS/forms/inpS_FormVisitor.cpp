@@ -44,13 +44,19 @@ cow_String wordOf(const inp_Keyword& keyword, const cow_String& parameter) {
   return parameter;
 }
 
-// Whether keywords of the phase's blocks have names that others refer to.
-bool namesAny(inpS_Phase phase) {
+// Whether some of the keywords is of the phase's blocks and has a name that others refer to.
+bool namesAny(inpS_Phase phase, inp_KeywordListRef keywords) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
-  return std::ranges::any_of(eds_referables(), [&](const eds_Referable& one) {
+  cow_List<inp_KeywordEnm> definers;
+  for (const eds_Referable& one : eds_referables()) {
     const inp_KeywordEnm definer = forms.DefinerOf(one);
-    return definer != inp_NullKeyword && forms.Knows(definer) &&
-           inpS_block(inp_KeywordTable::Instance().Row(definer)->block).phase == phase;
+    if (definer != inp_NullKeyword && forms.Knows(definer) &&
+        inpS_block(inp_KeywordTable::Instance().Row(definer)->block).phase == phase)
+      definers.push_back(definer);
+  }
+  if (definers.empty()) return false;
+  return std::ranges::any_of(keywords, [&](const inp_Keyword& keyword) {
+    return std::ranges::find(definers, keyword.Kind()) != definers.end();
   });
 }
 
@@ -72,7 +78,7 @@ void inpS_FormVisitor::Report() {
 // What has a name may stand behind what refers to it.
 void inpS_FormVisitor::VisitList(inp_KeywordListRef keywords) {
   for (const bool isNaming : {true, false}) {
-    if (isNaming && !namesAny(m_phase)) continue;
+    if (isNaming && !namesAny(m_phase, keywords)) continue;
     m_isNaming = isNaming;
     m_step = {};
     m_hasSteps = false;
@@ -292,10 +298,11 @@ void inpS_FormVisitor::Tell(const inp_Keyword& keyword, wip_Message message) {
 }
 
 // Decided here: who misspells OP says nothing by it, and one whose amplitude is not there has none,
-// as has one with an odd YES or NO; the lines mean what they mean without it. Without any other
-// word (the TYPE of a *BOUNDARY, the axes of a traction) nothing true can be said of the lines of
-// bulk columns: they are kept as they stand and nothing is made of them, but OP=NEW holds. All
-// other keywords are no such thing without it.
+// as has one with an odd YES or NO, and a section whose orientation is not there has its material
+// and thickness all the same; the rest means what it means without it. Without any other word (the
+// TYPE of a *BOUNDARY, the axes of a traction) nothing true can be said of the lines of bulk
+// columns: they are kept as they stand and nothing is made of them, but OP=NEW holds. All other
+// keywords are no such thing without it.
 inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
                                                 const cow_String& parameter) {
   const auto binding = std::ranges::find(form.parameters, parameter, &inpS_ParameterBinding::key);
@@ -303,9 +310,15 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
   const eds_FormItem& item =
       *form.items[static_cast<std::size_t>(binding - form.parameters.begin())];
   const eds_Referable* referable = item.alternatives.front().referable;
-  const bool isAmplitude = referable && referable->word == "amplitude";
+  const auto isAny = [&](std::initializer_list<std::string_view> words) {
+    return referable && !item.isRequired &&
+           std::ranges::find(words, referable->word) != words.end();
+  };
+  // What a section or a matrix may have beside what it is about.
+  const bool isBeside =
+      isAny({"orientation", "section_controls", "material", "gasket_behavior", "matrix"});
   const bool saysYesOrNo = binding->words.size() == 2 && binding->words.front() == "YES";
-  if (parameter == "op" || (isAmplitude && !item.isRequired) || saysYesOrNo) return Loss::Parameter;
+  if (parameter == "op" || isAny({"amplitude"}) || isBeside || saysYesOrNo) return Loss::Parameter;
   return form.Binds("op") && form.info->data == eds_FormData::Columns ? Loss::Lines : Loss::Keyword;
 }
 
@@ -389,7 +402,8 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
     if (form.parameters[n].codec == inpS_Codec::Item)
       if (const inp_Item* item = keyword.Find(form.parameters[n].key))
         ReadItem(keyword, form.parameters[n], *form.items[n], *item, record);
-  for (const inpS_Form::Selector& selector : form.selectors) keyword.Find(selector.key);
+  for (const inpS_Form::Selector& selector : form.selectors)
+    if (!selector.isField) keyword.Find(selector.key);
   form.LeaveOddChoices(keyword, *this);
   keyword.Find("input"); // the parser has read that file's lines
 }

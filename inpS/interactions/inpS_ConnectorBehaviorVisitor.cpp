@@ -22,6 +22,11 @@ bool isComponent(long long number) {
 
 } // namespace
 
+void inpS_ConnectorBehaviorVisitor::VisitList(inp_KeywordListRef keywords) {
+  const auto isOne = [](const inp_Keyword& one) { return one.Kind() == inp_KwConnectorBehavior; };
+  if (std::ranges::any_of(keywords, isOne)) inpS_FormVisitor::VisitList(keywords);
+}
+
 // A value for what the keyword is about, then the position or motion of each independent component;
 // of a derived component a factor for each component that it is made of.
 cow_List<inpS_TableColumns::Column>

@@ -11,6 +11,8 @@ public:
                                 const inpS_Inventory& inventory, inpS_Ledger& ledger)
       : inpS_FormVisitor(inpS_Phase::ConnectorBehaviors, nodes, elements, inventory, ledger) {}
 
+  void VisitList(inp_KeywordListRef keywords) override; // none, and nothing is walked
+
 protected:
   cow_List<inpS_TableColumns::Column> ColumnsOf(const inp_Keyword& keyword,
                                                 const inpS_Form& form) override;

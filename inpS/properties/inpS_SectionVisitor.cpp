@@ -91,11 +91,17 @@ const inpS_Form* inpS_SectionVisitor::ChooseConnector(const inp_Keyword& keyword
   const eds_FormItem& item = *form->items[1];
   const inp_Item& behavior = *keyword.Find("behavior");
   const eds_Referable& referable = *item.alternatives.front().referable;
-  if (!Names().Find(referable, behavior.Verbatim()).set.IsNull()) return form;
-  const bool isText = Inventory().Names(inp_KwConnectorBehavior, behavior.AsString());
-  const cow_String text =
-      isText ? "*CONNECTOR BEHAVIOR \"" + behavior.AsString() + "\" is kept as text;"
-             : Names().TextOfMissing(referable, behavior.AsString());
+  const Found found = Names().Find(referable, behavior.Verbatim());
+  const inp_Item* elset = keyword.Find("elset");
+  const bool isForeign =
+      !found.instance.IsNull() &&
+      !(elset && FindField(Kind::Elements, elset->Verbatim()).instance == found.instance);
+  if (!found.set.IsNull() && !isForeign) return form;
+  const bool isText = isForeign || Inventory().Names(inp_KwConnectorBehavior, behavior.AsString());
+  const cow_String name = "*CONNECTOR BEHAVIOR \"" + behavior.AsString() + "\"";
+  const cow_String text = isForeign ? name + " belongs to an instance, and the elements do not."
+                          : isText  ? name + " is kept as text."
+                                    : Names().TextOfMissing(referable, behavior.AsString());
   wip_Message message = inp_Utils::MessageAtParameter(
       keyword, "behavior", text + " The section has its name alone, and no behavior.");
   if (isText)
@@ -245,6 +251,8 @@ void inpS_SectionVisitor::TellMissing(const inp_Keyword& keyword, const cow_Stri
 void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                     const KvoSimPosition& record) {
   namespace K = eds_FormKind;
+  if (form.info->record == K::SectionPly && keyword.Data().Rows() == 0)
+    Warning(keyword, "The layup has no plies: its elements have no material.");
   if (isOneOf(form, K::SolidSectionComposite)) return CheckPlies(keyword, record);
   if (isOneOf(form, K::RebarLayer, K::RebarLayerAngular, K::RebarLayerLiftEquation))
     return CheckRebar(keyword, record);
