@@ -306,10 +306,11 @@ void inpS_FormVisitor::Tell(const inp_Keyword& keyword, wip_Message message) {
 }
 
 // Decided here: who misspells OP says nothing by it, and one whose amplitude is not there has none,
-// as has one with an odd YES or NO; the lines mean what they mean without it. Without any other
-// word (the TYPE of a *BOUNDARY, the axes of a traction) nothing true can be said of the lines of
-// bulk columns: they are kept as they stand and nothing is made of them, but OP=NEW holds. All
-// other keywords are no such thing without it.
+// as has one with an odd YES or NO, and a section whose orientation is not there has its material
+// and thickness all the same; the rest means what it means without it. Without any other word (the
+// TYPE of a *BOUNDARY, the axes of a traction) nothing true can be said of the lines of bulk
+// columns: they are kept as they stand and nothing is made of them, but OP=NEW holds. All other
+// keywords are no such thing without it.
 inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
                                                 const cow_String& parameter) {
   const auto binding = std::ranges::find(form.parameters, parameter, &inpS_ParameterBinding::key);
@@ -317,9 +318,15 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
   const eds_FormItem& item =
       *form.items[static_cast<std::size_t>(binding - form.parameters.begin())];
   const eds_Referable* referable = item.alternatives.front().referable;
-  const bool isAmplitude = referable && referable->word == "amplitude";
+  const auto isAny = [&](std::initializer_list<std::string_view> words) {
+    return referable && !item.isRequired &&
+           std::ranges::find(words, referable->word) != words.end();
+  };
+  // What a section or a matrix may have beside what it is about.
+  const bool isBeside =
+      isAny({"orientation", "section_controls", "material", "gasket_behavior", "matrix"});
   const bool saysYesOrNo = binding->words.size() == 2 && binding->words.front() == "YES";
-  if (parameter == "op" || (isAmplitude && !item.isRequired) || saysYesOrNo) return Loss::Parameter;
+  if (parameter == "op" || isAny({"amplitude"}) || isBeside || saysYesOrNo) return Loss::Parameter;
   return form.Binds("op") && form.info->data == eds_FormData::Columns ? Loss::Lines : Loss::Keyword;
 }
 
