@@ -147,6 +147,8 @@ void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, std::size_t n) const
   if (m_kind.form == eds_FormKind::Boundary) {
     row.restraint = m_restraints[word];
     row.degrees = inpS_Degrees::OfRestraint(row.restraint);
+  }
+  if (row.restraint >= 0) {
     row.value = 0;
   } else { // of flows: a name instead of a degree
     row.label = static_cast<int>(m_labels.size() + word);
