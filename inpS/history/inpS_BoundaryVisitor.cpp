@@ -1,6 +1,7 @@
 #include "inpS/history/inpS_BoundaryVisitor.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_ExcitationKind.h"
 #include "inpS/history/inpS_FluidLines.h"
 #include "inpS/history/inpS_NodalLines.h"
 #include "parser/inp_Utils.h"
@@ -17,10 +18,13 @@ bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_For
                                           : "Surface \"%s\" does not exist.");
   if (keyword.Kind() == inp_KwBaseMotion) return HasDegree(keyword);
   if (!isPhysical || !keyword.HasParameter("amplitude")) return true;
-  AddError(inp_Utils::MessageAtParameter(
+  wip_Message message = inp_Utils::MessageAtParameter(
       keyword, "amplitude",
-      "The AMPLITUDE parameter cannot be used with a PHYSICAL fluid boundary type"));
-  return false;
+      "The AMPLITUDE parameter cannot be used with a PHYSICAL fluid boundary type");
+  message.notes.push_back({"It is kept as it stands, and nothing is made of it.", {}});
+  AddError(std::move(message));
+  keyword.LeaveUnread("amplitude");
+  return true;
 }
 
 // Of the base, which moves as a rigid body.
@@ -52,12 +56,16 @@ bool inpS_BoundaryVisitor::ReadColumns(const inp_Keyword& keyword, const eds_For
     return isWhole;
   }
   inpS_FluidLines lines(keyword, form.kind);
-  return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  inpS_ColumnReader reader(keyword, form, record, Names(), *this, &lines);
+  const bool isWhole = reader.Read();
+  m_refused = reader.Refused();
+  return isWhole;
 }
 
 void inpS_BoundaryVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                      const KvoSimPosition& record) {
-  if (m_places && keyword.Kind() == inp_KwBoundary)
+  const inpS_ExcitationKind* kind = inpS_ExcitationKind::Of(form.kind);
+  if (m_places && kind && kind->twice == inpS_ExcitationKind::Twice::First)
     m_places->Add(record, keyword, std::exchange(m_refused, {}));
   inpS_FormVisitor::Converted(keyword, form, record);
 }

@@ -171,6 +171,8 @@ void inpS_ConditionRows::SetDegrees(Look& look, const Codes& codes) const {
   if (m_kind.form == eds_FormKind::Boundary) {
     row.restraint = m_restraints[word];
     row.degrees = inpS_Degrees::OfRestraint(row.restraint);
+  }
+  if (row.restraint >= 0) {
     look.hasValue = false;
   } else { // of flows: a name instead of a degree
     row.label = static_cast<int>(m_labels.size() + word);

@@ -1,8 +1,23 @@
 #include "inpS/history/inpS_DuplicateReport.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
+
+namespace {
+
+// "face 3 " of a line about "P3" or "P3NU".
+cow_String faceOf(const inp_DataArray& data, long long line) {
+  constexpr int labelColumn = 1;
+  constexpr std::string_view digits = "0123456789";
+  cow_String label = data.AsStringVerbatim(line, labelColumn);
+  const std::size_t end = label.find_last_of(digits) + 1;
+  const std::size_t begin = label.find_last_not_of(digits, end - 1) + 1;
+  return "face " + label.substr(begin, end - begin) + " ";
+}
+
+} // namespace
 
 // The line of a row; -1: the keyword's lines are not the record's rows, as after a restart.
 long long inpS_DuplicateReport::LineOf(const Given& given,
@@ -25,14 +40,17 @@ long long inpS_DuplicateReport::LineOf(const Given& given,
 bool inpS_DuplicateReport::Report(const cow_List<inpS_DuplicateCondition>& duplicates) const {
   inp_Visitor messages;
   for (const inpS_DuplicateCondition& duplicate : duplicates) {
-    const auto given = m_keywords.find(duplicate.record.ID());
+    const auto given = m_keywords.find(duplicate.record.Object().Packed());
     if (given == m_keywords.end()) continue;
     const inp_Keyword& keyword = *given->second.keyword;
     cow_String labels;
     for (const int label : duplicate.labels)
       labels += (labels.empty() ? "" : ", ") + std::to_string(label);
-    const cow_String text = "Duplicate Boundary condition specified for " + labels + ".";
     const long long line = LineOf(given->second, duplicate);
+    const bool isOfFaces = duplicate.record.IsA(eds_FormKind::FluidBoundaryElement);
+    const cow_String face = isOfFaces && line >= 0 ? faceOf(keyword.Data(), line) : cow_String();
+    const cow_String text = "Duplicate Boundary condition specified for " + face +
+                            (isOfFaces ? "element " : "") + labels + ".";
     messages.AddError(line < 0 ? inp_Utils::MessageInKeyword(keyword, text)
                                : inp_Utils::MessageAtRow(keyword, line, text));
   }

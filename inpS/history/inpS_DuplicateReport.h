@@ -10,7 +10,7 @@ class inpS_DuplicateReport {
 public:
   // refused: its data lines that are no rows of the record, in order.
   void Add(const KvoSimPosition& record, const inp_Keyword& keyword, cow_List<long long> refused) {
-    m_keywords.emplace(record.ID(), Given{&keyword, std::move(refused)});
+    m_keywords.emplace(record.Object().Packed(), Given{&keyword, std::move(refused)});
   }
   // False: there are some. Those of records from before a restart are its base's, and were told.
   bool Report(const cow_List<inpS_DuplicateCondition>& duplicates) const;
@@ -22,5 +22,5 @@ private:
   };
   static long long LineOf(const Given& given, const inpS_DuplicateCondition& duplicate);
 
-  std::unordered_map<int64_t, Given> m_keywords;
+  std::unordered_map<unsigned long long, Given> m_keywords; // by record
 };

@@ -183,7 +183,8 @@ cow_String inpS_ExcitationWriter::FieldOf(const Current& current, const inpS_Con
   cow_String field(kind.field);
   if (kind.key == Kind::Key::Variable)
     field += std::to_string(kind.VariableOf(current.source.record.DataRecord()));
-  return field.empty() && row.label >= 0 ? current.rows.Label(row.label) : field;
+  const bool isWord = field.empty() || kind.form == eds_FormKind::Boundary; // of a flow's velocity
+  return isWord && row.label >= 0 ? current.rows.Label(row.label) : field;
 }
 
 std::pair<const inpS_ExcitationWriter::GroupKey*, inpS_ExcitationWriter::Group*>

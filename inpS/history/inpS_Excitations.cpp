@@ -2,8 +2,10 @@
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimTransaction.h"
+#include "database/schema/eds_Form.h"
 #include "inpS/history/inpS_ExcitationWriter.h"
 #include "inpS/history/inpS_GivenConditions.h"
+#include <optional>
 
 namespace {
 
@@ -32,16 +34,23 @@ void removeDerived(const KvoSimContext& context) {
 Duplicates labelled(const KvoObjDocument& document, const inpS_InForce& inForce) {
   Duplicates told;
   if (inForce.Duplicates().empty()) return told;
-  KvoObjLabeler labeler(document, 0);
-  labeler.Read();
+  std::optional<KvoObjLabeler> labelers[2]; // of nodes, of elements
   for (const inpS_InForce::Duplicate& duplicate : inForce.Duplicates()) {
     inpS_DuplicateCondition& one = told.emplace_back();
     one.record = duplicate.record;
     one.row = duplicate.row;
+    const eds_FormInfo* form = eds_formOf(one.record.Object().RecordKind());
+    const bool isOfElements =
+        form->columnItems.front().alternatives.front().type == eds_FormType::Element;
+    std::optional<KvoObjLabeler>& labeler = labelers[isOfElements];
+    if (!labeler) {
+      labeler.emplace(document, isOfElements ? 1 : 0);
+      labeler->Read();
+    }
     for (const int32_t flat : duplicate.ordinals.Members()) {
       int64_t ordinal = 0;
-      const int occurrence = labeler.OccurrenceOfFlat(flat, ordinal);
-      if (occurrence >= 0) one.labels.push_back(labeler.GetInstanceLabel(occurrence, ordinal));
+      const int occurrence = labeler->OccurrenceOfFlat(flat, ordinal);
+      if (occurrence >= 0) one.labels.push_back(labeler->GetInstanceLabel(occurrence, ordinal));
     }
   }
   return told;
