@@ -393,6 +393,8 @@ void eds_RowTable::MakeTable() {
 // A statement costs the engine more than a row does.
 void eds_RowTable::Write() {
   constexpr size_t many = 16;
+  if (!m_hasTable && m_stored.empty())
+    return m_waiting.clear(); // made and gone before it was there
   if (!std::is_sorted(m_waiting.begin(), m_waiting.end()))
     std::sort(m_waiting.begin(), m_waiting.end());
   m_waiting.erase(std::unique(m_waiting.begin(), m_waiting.end()), m_waiting.end());

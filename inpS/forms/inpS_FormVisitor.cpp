@@ -322,12 +322,13 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
     return referable && !item.isRequired &&
            std::ranges::find(words, referable->word) != words.end();
   };
+  const bool isCondition = form.Binds("op") && form.info->data == eds_FormData::Columns;
   // What a section or a matrix may have beside what it is about.
-  const bool isBeside =
-      isAny({"orientation", "section_controls", "material", "gasket_behavior", "matrix"});
+  const bool isBeside = !isCondition && isAny({"orientation", "section_controls", "material",
+                                               "gasket_behavior", "matrix"});
   const bool saysYesOrNo = binding->words.size() == 2 && binding->words.front() == "YES";
   if (parameter == "op" || isAny({"amplitude"}) || isBeside || saysYesOrNo) return Loss::Parameter;
-  return form.Binds("op") && form.info->data == eds_FormData::Columns ? Loss::Lines : Loss::Keyword;
+  return isCondition ? Loss::Lines : Loss::Keyword;
 }
 
 inpS_FormVisitor::Loss inpS_FormVisitor::LossOfWords(const inp_Keyword& keyword,

@@ -371,6 +371,14 @@ TEST(Store, RowsThatWaitAreWrittenAsTheyAre) {
       change(
           n - 12, [](KvoSimPosition at) { at.Remove(); }, true);
   }
+  for (const bool isMade : {true, false}) { // a table of nothing but what went while it waited
+    KvoSimTransaction transaction(document.ContextID());
+    if (isMade)
+      made.push_back(document.CreateDataRecord(eds_RecordKind::KeptPart));
+    else
+      made.back().Remove();
+    transaction.Commit();
+  }
   const std::string before = walk(document);
   document.Close();
   EXPECT_EQ(walk(KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadOnly)), before);
