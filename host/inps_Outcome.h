@@ -14,7 +14,7 @@ struct inps_Outcome {
 
   bool IsMeshLeftOut() const;        // of the deck that made the model
   bool IsRestartMeshLeftOut() const; // of one that went on with it
-  cow_String Text() const; // "2 errors, 1 warning; left out: mesh"
+  cow_String Text() const;           // "2 errors, 1 warning; left out: mesh"
 };
 
 inps_Outcome inps_outcomeOf(const KvoObjDocument& document);

@@ -41,9 +41,10 @@ bool isNameless(const inp_Keyword& keyword) {
 // A step keeps its own; the model's materials know nothing of them.
 void inp_SuboptionChain::CloseOpen() {
   if (!m_open.empty() && isContainer(m_open.front().Kind()) && !isInStep(m_open.front()))
-    m_held.insert(m_held.begin(), std::move(m_open));
+    m_held.insert(m_held.begin() + (m_isResumed ? 1 : 0), std::move(m_open));
   m_open.clear();
   m_apart.clear();
+  m_isResumed = false;
 }
 
 inp_KeywordList& inp_SuboptionChain::ChainFor(const inp_Keyword& keyword) {
@@ -56,10 +57,16 @@ inp_KeywordList& inp_SuboptionChain::ChainFor(const inp_Keyword& keyword) {
     return m_open;
   }
   if (anyAdmits(m_apart, keyword)) return m_apart;
-  const auto held =
-      std::ranges::find_if(m_held, [&](const auto& chain) { return anyAdmits(chain, keyword); });
-  if (held != m_held.end() && !isInStep(keyword)) {
+  // A behavior goes on with what may stand under it until another material, or gasket behavior,
+  // opens: that one is of its subject.
+  const bool isOpen = m_isResumed || m_open.empty() || !isContainer(m_open.front().Kind());
+  if (isInStep(keyword) || m_held.empty()) return m_open.empty() ? m_open : m_apart;
+  if (isOpen && anyAdmits(m_held.front(), keyword)) return m_held.front();
+  const auto held = std::ranges::find_if(
+      m_held, [&](const auto& chain) { return admits(chain.front(), keyword); });
+  if (held != m_held.end()) {
     std::rotate(m_held.begin(), held, std::next(held));
+    m_isResumed = true;
     return m_held.front();
   }
   return m_open.empty() ? m_open : m_apart;
@@ -73,8 +80,7 @@ void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
   if (!m_apart.empty() && m_apart.back().ScopePtr() != keyword.ScopePtr()) m_apart.clear();
   if (row->parents.empty() || standsAlone(*row, *keyword.Body())) CloseOpen();
   if (isContainer(keyword.Kind()) && !isInStep(keyword))
-    std::erase_if(m_held,
-                  [&](const auto& held) { return held.front().Kind() == keyword.Kind(); });
+    std::erase_if(m_held, [&](const auto& held) { return held.front().Kind() == keyword.Kind(); });
   inp_KeywordList& chain = ChainFor(keyword);
   if (&chain != &m_apart) m_apart.clear();
   const auto parent = std::find_if(chain.rbegin(), chain.rend(),

@@ -69,8 +69,8 @@ void inpS_Inp2Sim::DescribeSource(const KvoObjDocument& document, const cow_Stri
     described.SetMeta("source_digest", digestOf(utl_MappedFile(path)));
 }
 
-// "mesh; mesh of a restart; 2 surfaces; *NODE, FOO; *STEP, BAR": the mesh as a whole, what messages told of, and the
-// parameters that nothing read.
+// "mesh; mesh of a restart; 2 surfaces; *NODE, FOO; *STEP, BAR": the mesh as a whole, what messages
+// told of, and the parameters that nothing read.
 void inpS_Inp2Sim::DescribeResult(const KvoObjDocument& document, long long errors,
                                   long long warnings,
                                   const cow_Map<cow_String, long long>& leftOutByKind) const {
