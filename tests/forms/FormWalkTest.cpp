@@ -297,9 +297,10 @@ cow_List<const inpS_Form*> walkedForms() {
 
 bool isOfSteps(const inpS_Form& form) {
   const inp_KeywordRow& row = *inp_KeywordTable::Instance().Row(form.keyword);
+  constexpr int heading = 1; // outside of steps nothing of its block is converted
   return form.kind != eds_FormKind::Step && row.levels != inp_LevelsSub &&
-         (inpS_block(row.block).member == eds_Member::Steps ||
-          inpS_block(row.block).member == eds_Member::Mesh);
+         (inpS_block(row.block).member == eds_Member::Steps || row.levels == inp_LevelsStep ||
+          row.block == heading);
 }
 
 // What must stand before a keyword that is another's sub-option, or of a step.
