@@ -40,6 +40,14 @@ void inps_Timings::Mark(const cow_String& label) {
 void inps_Timings::Start(cow_String label) {
   if (m_onStart) m_onStart(label);
   const std::lock_guard lock(m_mutex);
+  // What comes up again within one span is one: a deck may have many steps.
+  for (auto span = m_spans.rbegin(); span != m_spans.rend() && span->depth >= m_open; ++span) {
+    if (span->open || span->depth > m_open || span->label != label) continue;
+    span->open = true;
+    span->start = Clock::now();
+    ++m_open;
+    return;
+  }
   // The push may fail for want of memory: it leaves everything as it was.
   m_spans.push_back({std::move(label), m_open, Clock::now()});
   ++m_open;
@@ -51,7 +59,7 @@ void inps_Timings::End(const cow_String& label) {
   const auto isIt = [&](const Span& span) { return span.open && span.label == label; };
   const auto found = std::find_if(m_spans.rbegin(), m_spans.rend(), isIt);
   if (found == m_spans.rend()) return;
-  found->seconds = std::chrono::duration<double>(now - found->start).count();
+  found->seconds += std::chrono::duration<double>(now - found->start).count();
   found->open = false;
   --m_open;
 }

@@ -312,7 +312,7 @@ void inpS_FormVisitor::Tell(const inp_Keyword& keyword, wip_Message message) {
 // columns: they are kept as they stand and nothing is made of them, but OP=NEW holds. All other
 // keywords are no such thing without it.
 inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
-                                                const cow_String& parameter) {
+                                                const cow_String& parameter) const {
   const auto binding = std::ranges::find(form.parameters, parameter, &inpS_ParameterBinding::key);
   if (binding == form.parameters.end()) return Loss::Keyword;
   const eds_FormItem& item =
@@ -328,7 +328,21 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
                                                "gasket_behavior", "matrix"});
   const bool saysYesOrNo = binding->words.size() == 2 && binding->words.front() == "YES";
   if (parameter == "op" || isAny({"amplitude"}) || isBeside || saysYesOrNo) return Loss::Parameter;
+  if (!item.isRequired && MayLack(form, item)) return Loss::Parameter;
   return isCondition ? Loss::Lines : Loss::Keyword;
+}
+
+bool inpS_FormVisitor::MayLack(const inpS_Form&, const eds_FormItem&) const {
+  return false;
+}
+
+bool inpS_FormVisitor::IsLostByWords(const inp_Keyword& keyword, const inp_Keyword* parent) const {
+  const cow_List<cow_String> unknown = inpS_unknownWords(keyword);
+  if (unknown.empty()) return false;
+  const inpS_Form* form = inpS_FormTable::Instance().Select(keyword, parent);
+  return !form || std::ranges::any_of(unknown, [&](const cow_String& name) {
+    return LossOf(*form, name) == Loss::Keyword;
+  });
 }
 
 inpS_FormVisitor::Loss inpS_FormVisitor::LossOfWords(const inp_Keyword& keyword,

@@ -40,6 +40,11 @@ protected:
   // Whether a keyword of the kind that lacks something, or names what is not there, is an error.
   virtual bool IsErrorToLack(inp_KeywordEnm kind) const;
   void Tell(const inp_Keyword& keyword, wip_Message message); // an error, or a warning
+  // Whether the keyword is what it is without a parameter of the form, the word of which is none of
+  // the language's.
+  virtual bool MayLack(const inpS_Form& form, const eds_FormItem& item) const;
+  // Whether words that nobody knows leave nothing of the keyword.
+  bool IsLostByWords(const inp_Keyword& keyword, const inp_Keyword* parent) const;
   // Behind all that the row says, within the keyword's transaction.
   virtual void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                          const KvoSimPosition& record);
@@ -68,7 +73,7 @@ protected:
 private:
   // What goes with a parameter whose word nobody knows, or whose name nothing has.
   enum class Loss : unsigned char { Parameter, Lines, Keyword };
-  static Loss LossOf(const inpS_Form& form, const cow_String& parameter);
+  Loss LossOf(const inpS_Form& form, const cow_String& parameter) const;
   // Of the words of a keyword that are none of the language's; what becomes of it is told.
   Loss LossOfWords(const inp_Keyword& keyword, const inp_Keyword* parent);
   void TellLost(const inp_Keyword& keyword, const cow_String& parameter, const cow_String& fault,

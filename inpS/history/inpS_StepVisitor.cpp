@@ -66,6 +66,14 @@ cow_String extrapolationOf(const KvoSimPosition& step) {
   return step.DataRecord().ReturnString(field);
 }
 
+// As a deck has it, in capitals without blanks.
+cow_String bareOf(const eds_FormItem& item) {
+  cow_String name;
+  for (const char c : item.name)
+    if (c != '_') name += static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+  return name;
+}
+
 // Of the node whose displacement an arc-length analysis watches.
 cow_String textOfMissingNode(const cow_String& asWritten) {
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
@@ -121,7 +129,7 @@ void inpS_StepVisitor::LookAtBase(const KvoSimPosition& firstStep) {
 
 void inpS_StepVisitor::Judge(const inp_Keyword& procedure, Facts& facts) {
   Enter(procedure);
-  const inpS_Form* form = inpS_hasUnknownWord(procedure) ? nullptr : Choose(procedure, nullptr);
+  const inpS_Form* form = IsLostByWords(procedure, nullptr) ? nullptr : Choose(procedure, nullptr);
   facts.isRefused = !form || LacksWhatItNames(procedure, *form);
   if (!facts.isRefused) return;
   wip_Message message = inp_Utils::MessageInKeyword(
@@ -189,6 +197,20 @@ bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
 bool inpS_StepVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
   return isProcedure(kind) || kind == inp_KwTemperature || kind == inp_KwConnectorLoad ||
          kind == inp_KwConnectorMotion;
+}
+
+// A word that nobody knows is no reason to lose a step and all that acts in it. What chooses the
+// variant is; what tells the meaning of the lines, for without it they mean nothing; and a set that
+// is not there, for without it they are about the whole model.
+bool inpS_StepVisitor::MayLack(const inpS_Form& form, const eds_FormItem& item) const {
+  if (item.alternatives.front().referable) return false;
+  if (std::ranges::any_of(form.selectors,
+                          [&](const auto& one) { return inpS_bareWord(one.name) == bareOf(item); }))
+    return false;
+  const bool hasLines = form.info->data != eds_FormData::None || !form.info->lines.empty();
+  const bool tellsLines =
+      item.name == "type" || item.name == "parameters" || item.name == "constraint_type";
+  return isProcedure(form.keyword) || form.keyword == inp_KwStep || !(hasLines && tellsLines);
 }
 
 // ---- the step opens and closes
@@ -263,12 +285,13 @@ void inpS_StepVisitor::SetDamping() {
 
 bool inpS_StepVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
   m_keyword = keyword;
+  m_times = 0;
   Names().SetTextOfMissingNode(form.kind == eds_FormKind::StaticRiks ? textOfMissingNode : nullptr);
   return true;
 }
 
 cow_String inpS_StepVisitor::FaultOfLine(const KvoSimPosition& line) {
-  return inpS_TimePointsVisitor::FaultOfTimes(m_keyword, line);
+  return inpS_TimePointsVisitor::FaultOfTimes(m_keyword, line, m_times);
 }
 
 bool inpS_StepVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,

@@ -24,6 +24,7 @@ protected:
   bool IsOfPhase(const inp_Keyword& keyword) const override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
+  bool MayLack(const inpS_Form& form, const eds_FormItem& item) const override;
   cow_String FaultOfLine(const KvoSimPosition& line) override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
@@ -76,6 +77,7 @@ private:
   const inp_KeywordBody* m_first = nullptr;                  // the first *STEP of the deck
   long long m_baseSteps = 0;                                 // of the model that is restarted
   inp_Keyword m_keyword;                                     // that is being converted
+  long long m_times = 0;                                     // that lines of *TIME POINTS make
   KvoSimPosition m_procedure;                                // of the open step, its first
   KvoSimPosition m_lastProcedure;                            // likewise, the last one so far
   struct Damping {

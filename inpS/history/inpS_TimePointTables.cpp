@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr double kMostOfLine = 1e6; // points: some 8 MB
+constexpr double kMost = 100000; // of a keyword
 // An end that lies so near to the last increment, as a part of it, is that increment's.
 constexpr double kNearness = 1e-6;
 
@@ -40,7 +40,8 @@ Generated generatedBy(const KvoSimDataRecord& line) {
 }
 
 void appendGenerated(const KvoSimPosition& line, cow_List<double>& times) {
-  if (!inpS_faultOfTimes(line).empty()) return;
+  if (auto before = static_cast<long long>(times.size()); !inpS_faultOfTimes(line, before).empty())
+    return;
   const Generated made = generatedBy(line.DataRecord());
   const auto count = static_cast<long long>(made.Count());
   for (long long n = 0; n <= count; ++n) {
@@ -69,15 +70,17 @@ cow_List<double> timesOf(const KvoSimPosition& points) {
 
 } // namespace
 
-cow_String inpS_faultOfTimes(const KvoSimPosition& line) {
+cow_String inpS_faultOfTimes(const KvoSimPosition& line, long long& count) {
   const KvoSimDataRecord values = line.DataRecord();
   if (!valueAt(values, 1) || !valueAt(values, 2))
     return "A line of generated time points tells their start, their end and an increment.";
   const Generated made = generatedBy(values);
   if (!(made.increment > 0)) return "The increment of time points must be greater than zero.";
   if (made.end < made.start) return "The end of the time points lies before their start.";
-  if (!(made.Count() < kMostOfLine))
-    return "The line makes more than a million time points, which is the most it may.";
+  if (!(static_cast<double>(count) + made.Count() < kMost))
+    return "With this line there are more than 100,000 time points, which is the most there may "
+           "be.";
+  count += static_cast<long long>(made.Count()) + 1;
   return {};
 }
 

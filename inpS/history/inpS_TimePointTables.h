@@ -11,5 +11,6 @@ class KvoSimPosition;
 // derived again, they are the same.
 void inpS_deriveTimePoints(const KvoObjDocument& document);
 
-// What is wrong with a line of *TIME POINTS, GENERATE; empty: nothing.
-cow_String inpS_faultOfTimes(const KvoSimPosition& line);
+// What is wrong with a line of *TIME POINTS, GENERATE; empty: nothing. count: of what the lines
+// before it make, and then of what it makes, too.
+cow_String inpS_faultOfTimes(const KvoSimPosition& line, long long& count);

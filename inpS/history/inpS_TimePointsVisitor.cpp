@@ -29,16 +29,17 @@ void inpS_TimePointsVisitor::VisitAmplitude(const inp_Keyword& keyword) {
 
 bool inpS_TimePointsVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) {
   m_keyword = keyword;
+  m_times = 0;
   return true;
 }
 
 cow_String inpS_TimePointsVisitor::FaultOfLine(const KvoSimPosition& line) {
-  return FaultOfTimes(m_keyword, line);
+  return FaultOfTimes(m_keyword, line, m_times);
 }
 
 cow_String inpS_TimePointsVisitor::FaultOfTimes(const inp_Keyword& keyword,
-                                                const KvoSimPosition& line) {
-  return isGenerated(keyword) ? inpS_faultOfTimes(line) : cow_String();
+                                                const KvoSimPosition& line, long long& count) {
+  return isGenerated(keyword) ? inpS_faultOfTimes(line, count) : cow_String();
 }
 
 void inpS_TimePointsVisitor::CheckTimes(const inp_Keyword& keyword, inp_Visitor& messages) {

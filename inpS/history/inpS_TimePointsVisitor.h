@@ -13,8 +13,9 @@ public:
 
   void VisitAmplitude(const inp_Keyword& keyword) override;
 
-  // Of *TIME POINTS wherever it stands; within its conversion.
-  static cow_String FaultOfTimes(const inp_Keyword& keyword, const KvoSimPosition& line);
+  // Of *TIME POINTS wherever it stands; within its conversion. count: as of inpS_faultOfTimes.
+  static cow_String FaultOfTimes(const inp_Keyword& keyword, const KvoSimPosition& line,
+                                 long long& count);
   static void CheckTimes(const inp_Keyword& keyword, inp_Visitor& messages);
 
 protected:
@@ -27,4 +28,5 @@ private:
   void CheckCyclicSymmetry(const inp_Keyword& keyword);
 
   inp_Keyword m_keyword; // that is being converted
+  long long m_times = 0; // that its lines so far make
 };

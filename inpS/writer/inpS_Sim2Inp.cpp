@@ -19,7 +19,9 @@
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "inpS/writer/inpS_RowLayout.h"
 #include "inpS/writer/inpS_SetPrinter.h"
+#include "inpS/writer/inpS_StepMarks.h"
 #include "inpS/writer/inpS_SurfacePrinter.h"
+#include "parser/inp_KeywordTable.h"
 #include <algorithm>
 #include <ostream>
 
@@ -119,6 +121,7 @@ struct inpS_Sim2Inp::Impl {
   cow_Map<unsigned long long, std::size_t> printed; // how many of what an object keeps
   inpS_KeptParts parts;
   std::unique_ptr<inpS_ExcitationPrinter> excitations;
+  inpS_StepMarks stepMarks;
   cow_Map<unsigned long long, cow_List<Kept>> kept; // by owner, sorted by block and position
 };
 
@@ -311,6 +314,7 @@ void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
 // Its keywords in the order of the deck, whatever phase made them.
 void Impl::PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing,
                      const inpS_DeckScope& scope) {
+  stepMarks.BeginStep();
   inpS_printFormLines(*out, step, printing);
   printing.texts(step, step);
   const KvoSimPosition place = excitations->PlaceIn(step);
@@ -321,12 +325,15 @@ void Impl::PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printi
   for (std::size_t n = 0; n < order.size(); ++n) order[n] = n;
   std::ranges::stable_sort(order, {}, [&](std::size_t n) { return places[n]; });
   for (const std::size_t n : order) {
+    const inpS_Form* form = inpS_FormTable::Instance().Find(records[n].Object().RecordKind());
+    if (form) stepMarks.Enter(inp_KeywordTable::Instance().Row(form->keyword)->name);
     inpS_printForm(*out, records[n], printing);
     printing.texts(step, records[n]);
     if (records[n] == place) excitations->PrintStep(*out, step, scope);
     if (records[n].IsA(eds_FormKind::LoadCase)) excitations->PrintLoadCase(*out, step, records[n]);
   }
   printing.texts(step, {});
+  stepMarks.EndStep();
   *out << "*END STEP";
   PrintUnused(step, inpS_closingRow);
 }
@@ -339,8 +346,11 @@ void Impl::PrintKeptOf(const KvoSimPosition& owner, const KvoSimPosition& behind
   const cow_List<Kept>& list = known->second;
   // They stand in the order of what they stand behind.
   for (std::size_t& next = printed[owner.Object().Packed()];
-       next < list.size() && (behind.IsNull() || list[next].behind == behind); ++next)
-    utl_printLines(*out, list[next].record.DataRecord().GetString(eds_VerbatimKeyword_Text));
+       next < list.size() && (behind.IsNull() || list[next].behind == behind); ++next) {
+    const KvoSimDataRecord text = list[next].record.DataRecord();
+    if (owner.IsA(eds_FormKind::Step)) stepMarks.Enter(text.GetString(eds_VerbatimKeyword_Keyword));
+    utl_printLines(*out, text.GetString(eds_VerbatimKeyword_Text));
+  }
 }
 
 // Whether the model has nothing but what every model has.

@@ -115,6 +115,18 @@ protected:
 
 } // namespace
 
+// Whoever measures by marks finds the subjects of all steps as one.
+TEST_F(ActingInSteps, AreTimedBySubject) {
+  const ProgramRun run({"write", Model(), "-o", File("w.inp"), "--timings"});
+  const cow_String told = run.out + run.err;
+  for (const char* subject : {"Sim2InpStep-Task ", "Sim2InpStep-Excit "}) {
+    const std::size_t at = told.find(subject);
+    EXPECT_NE(at, told.npos) << subject << told;
+    EXPECT_EQ(told.find(subject, at + 1), told.npos) << subject;
+  }
+  EXPECT_EQ(told.find("Sim2InpStep-OutReqs"), told.npos);
+}
+
 TEST_F(ActingInSteps, AreATable) {
   const cow_String all = ProgramRun({"info", Model(), "--history"}).out;
   EXPECT_EQ(Line(all, "2 Step-2"), "2 Step-2 *FREQUENCY perturbation - - 3 modes");
