@@ -8,29 +8,33 @@ constexpr int degreeColumn = 1;
 constexpr int magnitudeColumn = 2;
 
 struct Range {
-  inp_KeywordEnm keyword;
+  eds_RecordKind form;
   int first;
   int last;
   bool needsMagnitude; // what is held is held at 0 where nothing else is said
 };
-constexpr Range ranges[] = {
-    {inp_KwCflux, 11, 30, true},       {inp_KwCflow, 8, 8, true},
-    {inp_KwCecharge, 9, 9, true},      {inp_KwCecurrent, 9, 9, true},
-    {inp_KwConnectorLoad, 1, 6, true}, {inp_KwConnectorMotion, 1, 6, false}};
+constexpr Range ranges[] = {{eds_FormKind::ConcentratedFlux, 11, 30, true},
+                            {eds_FormKind::ConcentratedFlow, 8, 8, true},
+                            {eds_FormKind::ConcentratedCharge, 9, 9, true},
+                            {eds_FormKind::ConcentratedCurrent, 9, 9, true},
+                            {eds_FormKind::ConnectorLoad, 1, 6, true},
+                            {eds_FormKind::ConnectorMotion, 1, 6, false},
+                            {eds_FormKind::InitialVelocity, 1, 6, false},
+                            {eds_FormKind::InitialAcceleration, 1, 6, false}};
 
-const Range& rangeOf(inp_KeywordEnm keyword) {
-  return *std::ranges::find(ranges, keyword, &Range::keyword);
+const Range& rangeOf(eds_RecordKind form) {
+  return *std::ranges::find(ranges, form, &Range::form);
 }
 
 } // namespace
 
-inpS_DegreeLines::inpS_DegreeLines(const inp_Keyword& keyword)
-    : m_first(rangeOf(keyword.Kind()).first), m_last(rangeOf(keyword.Kind()).last),
+inpS_DegreeLines::inpS_DegreeLines(const inp_Keyword& keyword, eds_RecordKind form)
+    : m_first(rangeOf(form).first), m_last(rangeOf(form).last),
       m_what(m_last == 6 ? "Component" : "Degree of freedom"),
-      m_needsMagnitude(rangeOf(keyword.Kind()).needsMagnitude && !keyword.HasParameter("user")) {}
+      m_needsMagnitude(rangeOf(form).needsMagnitude && !keyword.HasParameter("user")) {}
 
-bool inpS_DegreeLines::Has(inp_KeywordEnm keyword) {
-  return std::ranges::find(ranges, keyword, &Range::keyword) != std::end(ranges);
+bool inpS_DegreeLines::Has(eds_RecordKind form) {
+  return std::ranges::find(ranges, form, &Range::form) != std::end(ranges);
 }
 
 bool inpS_DegreeLines::IsSound(const inp_ColumnPiece& piece, Words) {

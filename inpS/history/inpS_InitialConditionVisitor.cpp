@@ -1,4 +1,6 @@
 #include "inpS/history/inpS_InitialConditionVisitor.h"
+#include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_DegreeLines.h"
 #include "inpS/history/inpS_FieldVariable.h"
 #include "inpS/history/inpS_NodalLines.h"
 
@@ -19,6 +21,8 @@ const inpS_Form* inpS_InitialConditionVisitor::Choose(const inp_Keyword& keyword
                                                       const inp_Keyword* parent) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
   const inpS_Form* form = inpS_FormVisitor::Choose(keyword, parent);
+  if (!form && keyword.Kind() == inp_KwInitialConditions && !keyword.HasParameter("type"))
+    TellRequired(keyword, "TYPE");
   if (!form) return form;
   if (form->kind == eds_FormKind::InitialRotatingVelocity && !keyword.HasParameter("definition") &&
       hasSecondLines(keyword.Data()))
@@ -41,6 +45,10 @@ bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const
     const bool isWhole = lines.Read(form, record, Names(), *this);
     m_refused = lines.TakeRefused();
     return isWhole;
+  }
+  if (inpS_DegreeLines::Has(form.kind)) {
+    inpS_DegreeLines lines(keyword, form.kind);
+    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   return inpS_FormVisitor::ReadColumns(keyword, form, record);
 }

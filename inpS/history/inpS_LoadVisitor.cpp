@@ -20,6 +20,7 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
         inp_Utils::MessageAtParameter(keyword, "user", "Node by node heat flux is not supported"));
     return false;
   }
+  CheckFilmAmplitude(keyword);
   if (keyword.Kind() == inp_KwInertiaRelief) CheckRelief(keyword);
   if (keyword.Kind() == inp_KwField && !inpS_hasVariable(keyword, *this)) return false;
   if (keyword.Kind() != inp_KwCload || !keyword.HasParameter("type") ||
@@ -31,6 +32,17 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
       keyword, "type",
       inp_Utils::Format("Unsupported *CLOAD type \"%s\" for flow step", type.c_str())));
   return false;
+}
+
+// That of the coefficients; it may be defined behind the keyword.
+void inpS_LoadVisitor::CheckFilmAmplitude(const inp_Keyword& keyword) {
+  const inp_Item* name = keyword.Find("filmamplitude");
+  if (!name || Inventory().Names(inp_KwAmplitude, name->AsString()) ||
+      !Model().FollowStringKey(eds_Member::Amplitudes, name->AsString()).IsNull())
+    return;
+  AddError(inp_Utils::MessageAtParameter(keyword, "filmamplitude",
+                                         "Amplitude \"" + name->AsString() +
+                                             "\" has not been defined. It is kept as it stands."));
 }
 
 void inpS_LoadVisitor::CheckRelief(const inp_Keyword& keyword) {
@@ -81,8 +93,8 @@ bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
     inpS_ConcentratedLines lines(keyword, m_fluidSteps.Has(OpenStep()));
     return lines.Read(form, record, Names(), *this);
   }
-  if (inpS_DegreeLines::Has(keyword.Kind())) {
-    inpS_DegreeLines lines(keyword);
+  if (inpS_DegreeLines::Has(form.kind)) {
+    inpS_DegreeLines lines(keyword, form.kind);
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   bool isWhole = false;

@@ -296,9 +296,9 @@ cow_String inpS_StepVisitor::FaultOfLine(const KvoSimPosition& line) {
 
 bool inpS_StepVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                    const KvoSimPosition& record) {
-  if (!inpS_DegreeLines::Has(keyword.Kind()))
+  if (!inpS_DegreeLines::Has(form.kind))
     return inpS_FormVisitor::ReadColumns(keyword, form, record);
-  inpS_DegreeLines lines(keyword);
+  inpS_DegreeLines lines(keyword, form.kind);
   return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
 }
 
