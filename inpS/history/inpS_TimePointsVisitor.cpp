@@ -16,14 +16,15 @@ bool isGenerated(const inp_Keyword& keyword) {
 
 } // namespace
 
-// The amplitude is there, whoever's definition it has. What is told of it is text already.
+// The amplitude is there, whoever's definition it has. What is told of it is text already, and what
+// an earlier definition had is left out.
 void inpS_TimePointsVisitor::VisitAmplitude(const inp_Keyword& keyword) {
   if (IsNaming() || keyword.IsInstanceCopy() || Ledger().TextOf(keyword)) return;
   const KvoSimPosition amplitude =
       Model().FollowStringKey(eds_Member::Amplitudes, keyword.StringOf("name", ""));
   if (amplitude.IsNull()) return;
   for (const inp_Keyword& suboption : keyword.Suboptions())
-    if (!Ledger().TextOf(suboption))
+    if (!Ledger().TextOf(suboption) && !Ledger().IsSettled(suboption))
       Convert(suboption, amplitude, eds_Member::Suboptions, &keyword);
 }
 
