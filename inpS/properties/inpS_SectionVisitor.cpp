@@ -97,7 +97,7 @@ const inpS_Form* inpS_SectionVisitor::ChooseConnector(const inp_Keyword& keyword
       !found.instance.IsNull() &&
       !(elset && FindField(Kind::Elements, elset->Verbatim()).instance == found.instance);
   if (!found.set.IsNull() && !isForeign) return form;
-  const bool isText = isForeign || Inventory().Names(inp_KwConnectorBehavior, behavior.AsString());
+  const bool isText = Inventory().Names(inp_KwConnectorBehavior, behavior.AsString());
   const cow_String name = "*CONNECTOR BEHAVIOR \"" + behavior.AsString() + "\"";
   const cow_String text = isForeign ? name + " belongs to an instance, and the elements do not."
                           : isText  ? name + " is kept as text."
