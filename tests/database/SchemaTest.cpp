@@ -75,6 +75,7 @@ TEST(Schema, FrozenCopyIsTheSchema) {
     for (const std::string& row : rows) copy << row << '\n';
     return;
   }
+  EXPECT_EQ(frozen.size(), lines.size()) << "a row stands twice in the frozen copy";
   EXPECT_GT(frozen.size(), 200u);
   for (const std::string& row : frozen) EXPECT_TRUE(current.contains(row)) << "gone: " << row;
   for (const std::string& row : current)
