@@ -23,7 +23,8 @@ int restraintOf(std::string_view word) {
 
 inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
                                        const inpS_ExcitationKind& kind)
-    : m_record(record.DataRecord()), m_kind(kind) {
+    : m_record(record.DataRecord()), m_kind(kind),
+      m_isWords(kind.key == inpS_ExcitationKind::Key::Words) {
   if (kind.info->data != eds_FormData::Columns) {
     m_count = 1; // one that needs no rows
     return;
@@ -101,61 +102,80 @@ void inpS_ConditionRows::Load() {
   m_loaded = std::min(m_count, m_next + kPiece);
   const auto count = static_cast<std::size_t>(m_loaded - m_begin);
   for (Ints* ints : {&m_target, &m_first, &m_last, &m_label}) {
-    if (!ints->column) continue;
-    ints->values.resize(count);
-    ints->column->Read(m_begin, ints->values);
+    ints->values.resize(count, inp_blankInt);
+    if (ints->column) ints->column->Read(m_begin, ints->values);
   }
-  if (!m_value) return;
+  if (m_isWords) {
+    m_words.assign(count, inp_blankInt);
+    std::swap(m_words, m_target.values);
+  }
+  FindLooks(count);
   m_values.resize(count);
+  if (!m_value) return;
   m_value->Read(m_begin, m_values);
+  SettleValues();
 }
 
-bool inpS_ConditionRows::Next(inpS_ConditionRow& row) {
+bool inpS_ConditionRows::NextPiece(Piece& piece) {
   if (m_next >= m_count) return false;
-  if (m_next >= m_loaded) Load();
-  const auto n = static_cast<std::size_t>(m_next++ - m_begin);
-  const bool isWords = m_kind.key == inpS_ExcitationKind::Key::Words;
-  const Codes codes{isWords ? m_target.values[n] : 0, m_first.column ? m_first.values[n] : 0,
-                    m_last.column ? m_last.values[n] : inp_blankInt,
-                    m_label.column ? m_label.values[n] : inp_blankInt};
-  const Look& look = m_looks[static_cast<std::size_t>(LookOf(codes))];
-  row = look.row;
-  if (m_value && look.hasValue && !inp_isBlankReal(m_values[n])) row.value = m_values[n];
-  if (m_target.column && !isWords && m_target.values[n] != inp_blankInt)
-    row.target = m_target.values[n];
+  Load();
+  m_next = m_loaded;
+  piece = {m_begin, m_target.values, m_lookOfRow, m_values};
   return true;
 }
 
-int inpS_ConditionRows::LookOf(const Codes& codes) {
-  const auto mixed =
-      static_cast<unsigned>(codes.first + 5 * codes.last + 7 * codes.label + codes.target);
-  auto& [known, place] = m_latest[mixed % m_latest.size()];
-  if (place >= 0 && known == codes) return place;
+void inpS_ConditionRows::FindLooks(std::size_t count) {
+  const auto packed = [](int high, int low) {
+    return static_cast<uint64_t>(static_cast<unsigned>(high)) << 32 | static_cast<unsigned>(low);
+  };
+  m_lookOfRow.resize(count);
+  for (std::size_t n = 0; n < count; ++n) {
+    const int word = m_isWords ? m_words[n] : 0;
+    const uint64_t degrees = packed(m_first.values[n], m_last.values[n]);
+    const uint64_t words = packed(m_label.values[n], word);
+    const uint64_t mixed = degrees + 7 * words + (degrees >> 30) + (words >> 29);
+    Latest& latest = m_latest[mixed % m_latest.size()];
+    if (latest.place < 0 || latest.degrees != degrees || latest.words != words)
+      latest = {degrees, words,
+                FindLook({word, m_first.values[n], m_last.values[n], m_label.values[n]})};
+    m_lookOfRow[n] = latest.place;
+  }
+}
+
+// None given is 0, and so is that of a word which says all.
+void inpS_ConditionRows::SettleValues() {
+  bool hasRestraints = false;
+  for (const inpS_ConditionRow& look : m_looks) hasRestraints |= look.restraint >= 0;
+  for (double& value : m_values)
+    if (inp_isBlankReal(value)) value = 0;
+  if (!hasRestraints) return;
+  for (std::size_t n = 0; n < m_values.size(); ++n)
+    if (m_looks[static_cast<std::size_t>(m_lookOfRow[n])].restraint >= 0) m_values[n] = 0;
+}
+
+int inpS_ConditionRows::FindLook(const Codes& codes) {
   const auto [look, isNew] = m_lookOf.try_emplace(codes, static_cast<int>(m_looks.size()));
   if (isNew) {
     m_looks.push_back(MakeLook(codes));
-    m_looks.back().row.look = look->second;
+    m_looks.back().look = look->second;
   }
-  known = codes;
-  place = look->second;
-  return place;
+  return look->second;
 }
 
-inpS_ConditionRows::Look inpS_ConditionRows::MakeLook(const Codes& codes) {
-  Look look;
-  if (m_kind.key == inpS_ExcitationKind::Key::Words) {
+inpS_ConditionRow inpS_ConditionRows::MakeLook(const Codes& codes) {
+  inpS_ConditionRow row;
+  if (m_isWords) {
     const std::pair words{codes.target, codes.label};
     const auto [known, isNew] = m_pairs.try_emplace(words, static_cast<int>(m_pairs.size()));
     if (isNew) m_pairCodes.push_back(words);
-    look.row.label = known->second;
+    row.label = known->second;
   } else if (codes.label < 0 && codes.label != inp_blankInt)
-    look.row.label = -1 - codes.label;
-  if (m_first.column) SetDegrees(look, codes);
-  return look;
+    row.label = -1 - codes.label;
+  if (m_first.column) SetDegrees(row, codes);
+  return row;
 }
 
-void inpS_ConditionRows::SetDegrees(Look& look, const Codes& codes) const {
-  inpS_ConditionRow& row = look.row;
+void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, const Codes& codes) const {
   row.degrees = 0;
   if (codes.first == inp_blankInt) {
     row.degrees = m_kind.BlankDegree();
@@ -172,9 +192,7 @@ void inpS_ConditionRows::SetDegrees(Look& look, const Codes& codes) const {
     row.restraint = m_restraints[word];
     row.degrees = inpS_Degrees::OfRestraint(row.restraint);
   }
-  if (row.restraint >= 0) {
-    look.hasValue = false;
-  } else { // of flows: a name instead of a degree
+  if (row.restraint < 0) { // of flows: a name instead of a degree
     row.label = static_cast<int>(m_labels.size() + word);
     row.degrees = 1;
   }

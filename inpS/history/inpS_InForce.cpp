@@ -29,35 +29,78 @@ eds_MemberSet intersection(const eds_MemberSet& a, const eds_MemberSet& b) {
   return setOf(both);
 }
 
-// Whether the rows of one record can name a target and degree twice with different values. Rows in
-// ascending order of their targets, degree by degree, cannot.
-class Uniqueness {
-public:
-  void Take(const inpS_ConditionRow& row) {
-    if (m_rows++ == 0) m_value = row.value;
-    m_isOneValue = m_isOneValue && row.value == m_value;
-    if (!m_isUnique) return;
-    m_hasSets = m_hasSets || row.target < 0;
-    for (uint64_t degrees = row.degrees; degrees != 0; degrees &= degrees - 1) {
-      int& last = m_last[static_cast<std::size_t>(std::countr_zero(degrees))];
-      m_isUnique = m_isUnique && row.target > last;
-      last = row.target;
+// What the rows of one record and look have in common.
+struct RowFacts {
+  inpS_InForce::Source::Rows rows;
+  int lastTarget = -1;
+  bool isAscending = true; // no target comes twice
+  bool namesRegions = false;
+  bool isOneValue = true;
+
+  void Take(int target, double value) {
+    isAscending &= target > lastTarget;
+    lastTarget = target;
+    namesRegions |= target < 0;
+    isOneValue &= value == rows.first.value;
+  }
+};
+
+cow_List<RowFacts> factsOf(inpS_ConditionRows& rows) {
+  cow_List<RowFacts> facts;
+  inpS_ConditionRows::Piece piece;
+  while (rows.NextPiece(piece)) {
+    const cow_List<inpS_ConditionRow>& looks = rows.Looks();
+    facts.resize(looks.size());
+    for (std::size_t n = 0; n < piece.looks.size(); ++n) {
+      const auto look = static_cast<std::size_t>(piece.looks[n]);
+      RowFacts& fact = facts[look];
+      if (fact.rows.count++ == 0) {
+        fact.rows.first = looks[look];
+        fact.rows.first.target = piece.targets[n];
+        fact.rows.first.value = piece.values[n];
+        fact.rows.firstRow = piece.firstRow + static_cast<long long>(n);
+      }
+      fact.Take(piece.targets[n], piece.values[n]);
     }
   }
-  bool MayMeet() const { return m_rows > 1 && !m_isOneValue && (!m_isUnique || m_hasSets); }
+  for (RowFacts& fact : facts)
+    if (fact.rows.first.degrees == 0) fact = {}; // says nothing that can act
+  return facts;
+}
 
-private:
-  long long m_rows = 0;
-  double m_value = 0;
-  bool m_isOneValue = true;
-  bool m_isUnique = true;
-  bool m_hasSets = false;
-  std::array<int, 64> m_last = [] {
-    std::array<int, 64> none;
-    none.fill(-1);
-    return none;
-  }();
-};
+// Whether rows of looks that share degrees are in ascending order of their targets all the same.
+bool areAscending(inpS_ConditionRows rows) {
+  std::array<int, 64> last;
+  last.fill(-1);
+  inpS_ConditionRow row;
+  while (rows.Next(row))
+    for (uint64_t degrees = row.degrees; degrees != 0; degrees &= degrees - 1) {
+      int& target = last[static_cast<std::size_t>(std::countr_zero(degrees))];
+      if (row.target <= target) return false;
+      target = row.target;
+    }
+  return true;
+}
+
+// Whether the rows of one record can name a target and degree twice with different values.
+bool mayMeet(const cow_List<RowFacts>& facts, const KvoSimPosition& record, const Kind& kind) {
+  const RowFacts* first = nullptr;
+  bool isOneValue = true, isUnique = true, share = false;
+  cow_Map<int, uint64_t> degrees; // by label: rows of different ones do not meet
+  long long rows = 0;
+  for (const RowFacts& fact : facts) {
+    if (fact.rows.count == 0) continue;
+    if (!first) first = &fact;
+    rows += fact.rows.count;
+    isOneValue &= fact.isOneValue && fact.rows.first.value == first->rows.first.value;
+    isUnique &= fact.isAscending && !fact.namesRegions;
+    uint64_t& known = degrees[fact.rows.first.label];
+    share |= (known & fact.rows.first.degrees) != 0;
+    known |= fact.rows.first.degrees;
+  }
+  if (rows < 2 || isOneValue) return false;
+  return !isUnique || (share && (degrees.size() > 1 || !areAscending({record, kind})));
+}
 
 } // namespace
 
@@ -161,27 +204,20 @@ bool inpS_InForce::Survey(Arrival& arrival) {
   Source& source = m_sources[static_cast<std::size_t>(arrival.number)];
   source.rows = rows.Count();
   const cow_String part = arrival.kind.PartOf(arrival.record.DataRecord());
-  Uniqueness uniqueness;
-  inpS_ConditionRow row;
+  const cow_List<RowFacts> facts = factsOf(rows);
   bool namesRegions = false;
-  for (long long n = 0; rows.Next(row); ++n) {
-    if (row.degrees == 0) continue;
-    const auto look = static_cast<std::size_t>(row.look);
-    if (look >= source.looks.size()) source.looks.resize(look + 1);
-    Source::Rows& alike = source.looks[look];
-    if (alike.count++ == 0) {
-      alike.first = row;
-      alike.firstRow = n;
-      const auto place = static_cast<std::size_t>(row.label + 1);
-      if (place >= arrival.keys.size()) arrival.keys.resize(place + 1);
-      if (arrival.keys[place].empty()) arrival.keys[place] = part + rows.Label(row.label);
-    }
-    namesRegions |= row.target < 0;
-    uniqueness.Take(row);
+  for (const RowFacts& fact : facts) {
+    source.looks.push_back(fact.rows);
+    if (fact.rows.count == 0) continue;
+    namesRegions |= fact.namesRegions;
+    const int label = fact.rows.first.label;
+    const auto place = static_cast<std::size_t>(label + 1);
+    if (place >= arrival.keys.size()) arrival.keys.resize(place + 1);
+    if (arrival.keys[place].empty()) arrival.keys[place] = part + rows.Label(label);
   }
   if (namesRegions) source.looks = {};
   arrival.buckets.resize(arrival.keys.size());
-  return uniqueness.MayMeet();
+  return mayMeet(facts, arrival.record, arrival.kind);
 }
 
 inpS_InForce::Region inpS_InForce::RegionOf(const inpS_ExcitationKind& kind, int target,
