@@ -45,7 +45,7 @@ void configureOnce() {
 } // namespace
 
 // Long enough to make the physical commit's cost vanish, short enough that nobody misses the last
-// keywords of a process that died.
+// keywords of a process that died; the store makes none before many rows are there.
 std::chrono::milliseconds eds_Engine::s_gatherTime{5};
 
 eds_Engine::~eds_Engine() {

@@ -242,11 +242,11 @@ void eds_Store::GiveUp() {
 void eds_Store::Close() {
   IsFreshNoMore();
   if (IsClosed()) return;
-  if (m_depth > 0) {
-    Abandon();
-  } else if (!IsReadOnly() && !m_engine.HasFailed() && m_temporary.empty()) {
-    RemoveTempDistributions();
-    Flush();
+  const bool isOpen = m_depth > 0;
+  if (isOpen) Abandon();
+  if (!IsReadOnly() && !m_engine.HasFailed() && m_temporary.empty()) {
+    if (!isOpen) RemoveTempDistributions();
+    Flush(); // what was committed before
     m_engine.CommitPhysical();
     DropJournal();
   }
@@ -275,7 +275,10 @@ void eds_Store::LoadMeta() {
 }
 
 void eds_Store::SetMeta(const cow_String& key, const cow_String& value) {
-  if (m_depth > 0 && !m_metaBefore) m_metaBefore = m_meta;
+  if (m_depth > 0 && !m_metaBefore) {
+    m_metaBefore = m_meta;
+    m_metaWasChanged = m_metaChanged;
+  }
   m_meta[key] = value;
   m_metaChanged = true;
 }
@@ -384,7 +387,10 @@ void eds_Store::UndoAll() {
     if (table.IsLoaded()) table.Undo();
   m_links.Forget();
   m_csets.clear();
-  if (m_metaBefore) m_meta = std::move(*m_metaBefore);
+  if (m_metaBefore) {
+    m_meta = std::move(*m_metaBefore);
+    m_metaChanged = m_metaWasChanged;
+  }
   m_metaBefore.reset();
 }
 

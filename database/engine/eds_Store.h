@@ -135,6 +135,7 @@ private:
   std::map<cow_String, cow_String> m_meta;
   std::optional<std::map<cow_String, cow_String>> m_metaBefore; // the open transaction
   bool m_metaChanged = false;
+  bool m_metaWasChanged = false; // before the open transaction
 
   std::filesystem::path m_path;      // the name the user knows
   std::filesystem::path m_temporary; // while the file has another one

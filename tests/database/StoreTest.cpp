@@ -343,6 +343,30 @@ TEST(Store, CollectionsAndSymbols) {
   transaction.Commit();
 }
 
+// What is given up takes nothing along: neither what was committed before it, nor the mark of a
+// model that is finished.
+TEST(Store, ClosingGivesUpTheOpenTransactionAlone) {
+  const TemporaryFolder folder;
+  KvoObjDocument document = KvoObjDocument::Create(folder / "m.sim", KvoSize::Small);
+  const auto make = [&](bool commits) {
+    KvoSimTransaction transaction(document.ContextID());
+    document.CreateDataRecord(eds_RecordKind::VerbatimKeyword);
+    document.SetMeta("source_deck", commits ? "a.inp" : "b.inp");
+    if (commits) return transaction.Commit();
+    document.Close();
+  };
+  make(true);
+  make(false);
+  document = KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadWrite);
+  EXPECT_EQ(document.Context().GetRecords(eds_RecordKind::VerbatimKeyword).size(), 1u);
+  EXPECT_EQ(document.GetMeta("source_deck"), "a.inp");
+  document.Finish();
+  document.Close();
+  document = KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadWrite);
+  make(false);
+  EXPECT_TRUE(KvoObjDocument::Open(folder / "m.sim", KvoAccess::ReadOnly).IsFinished());
+}
+
 // Committed rows wait and are written by the table, many at a time: what a later transaction
 // changes, removes or gives up of those that wait, and fields that only some rows have.
 TEST(Store, RowsThatWaitAreWrittenAsTheyAre) {
