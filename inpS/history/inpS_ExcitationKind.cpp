@@ -34,8 +34,9 @@ void findColumns(Kind& kind) {
       kind.first = c;
     else if (type == eds_FormType::Int && kind.last < 0)
       kind.last = c;
-    else if (type == eds_FormType::Text && kind.label < 0)
-      kind.label = c;
+    else if (type == eds_FormType::Text && kind.label < 0 &&
+             (kind.key == Key::Label || kind.key == Key::Words))
+      kind.label = c; // and not the name of a property
     else if (type == eds_FormType::Real &&
              (kind.value < 0 || items[static_cast<std::size_t>(c)].name == "magnitude"))
       kind.value = c;
@@ -111,6 +112,7 @@ cow_String inpS_ExcitationKind::PartOf(const KvoSimDataRecord& record) const {
     part += std::to_string(record.GetInt64(loadCase));
   if (degree >= 0) part += "," + std::to_string(record.GetInt64(degree));
   if (degree >= 0 && baseName >= 0) part += "," + record.ReturnString(baseName);
+  if (form == eds_FormKind::MotionRotation) part += "R"; // beside a translation
   return part + "\n";
 }
 

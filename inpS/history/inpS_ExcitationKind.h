@@ -73,6 +73,8 @@ struct Group {
   cow_String field; // with that kind's base before it
   int firstDegree;  // of component 1
 };
+// Those that a transform of their node turns.
+constexpr uint64_t kTurned = (uint64_t{1} << 6) - 1;
 // `degrees` in their groups.
 cow_List<Group> Groups(uint64_t degrees, const inpS_ExcitationKind& kind, std::string_view type);
 // "C_1 C_3" for degrees of a group, the numbers of the components from 0 on for temperatures, ""

@@ -16,6 +16,17 @@ bool hasDegrees(const Kind& kind) {
   return kind.key == Kind::Key::Degrees || kind.key == Kind::Key::Degree;
 }
 
+bool isOfNodes(const Kind& kind) {
+  return kind.info->data == eds_FormData::Columns &&
+         kind.info->columnItems.front().alternatives.front().type == eds_FormType::Node;
+}
+
+// Vectors of nodes have the axes of their nodes; temperatures and potentials have none, and
+// connectors have their own.
+bool isTurned(const Kind& kind, uint64_t degrees) {
+  return hasDegrees(kind) && isOfNodes(kind) && (degrees & inpS_Degrees::kTurned) != 0;
+}
+
 } // namespace
 
 inpS_ExcitationWriter::inpS_ExcitationWriter(const KvoObjDocument& document, inpS_InForce& inForce)
@@ -70,7 +81,7 @@ void inpS_ExcitationWriter::ReadTransforms() {
 // Of several transforms of a node the last one holds.
 cow_List<inpS_ExcitationWriter::Part> inpS_ExcitationWriter::PartsOf(const inpS_ConditionRow& row,
                                                                      Current& current) const {
-  if (m_transforms.empty() || !hasDegrees(*current.source.kind) ||
+  if (m_transforms.empty() || !isTurned(*current.source.kind, row.degrees) ||
       row.target == inpS_ConditionRow::kAll || current.targets.IsSurface())
     return {Part{}};
   if (row.target >= 0) {
@@ -119,7 +130,8 @@ void inpS_ExcitationWriter::WriteSource(std::size_t place) {
 // Rows that share their relays, whatever their targets: to count them is enough.
 bool inpS_ExcitationWriter::AreRowsAlike(const Current& current) {
   return !current.isSmall && !current.source.looks.empty() && m_pieces.AreWhole(current.place) &&
-         (m_transforms.empty() || !hasDegrees(*current.source.kind));
+         (m_transforms.empty() || !hasDegrees(*current.source.kind) ||
+          !isOfNodes(*current.source.kind));
 }
 
 void inpS_ExcitationWriter::WriteLooks(Current& current) {
@@ -141,9 +153,14 @@ void inpS_ExcitationWriter::WriteRow(Current& current, long long n, const inpS_C
   const bool isSet = row.target < 0;
   if (isSet) ++current.sets;
   const bool isAlone = current.isSmall || (isSet && current.sets <= kMostSets);
-  for (const Part& part : PartsOf(row, current))
-    for (const auto& [key, group] : GroupsOf(current, row, part.transform))
-      WriteGroup(current, n, row, pieces, part, *key, *group, isAlone || part.members);
+  const cow_List<Part> parts = PartsOf(row, current);
+  for (const Part& part : parts)
+    for (const auto& [key, group] : GroupsOf(current, row, part.transform)) {
+      const bool isSplit = parts.size() > 1 && isTurned(*current.source.kind, key->degrees);
+      if (!isSplit && &part != &parts.front()) continue; // it is whole whatever turns the others
+      const Part& whole = parts.size() > 1 && !isSplit ? Part{} : part;
+      WriteGroup(current, n, row, pieces, whole, *key, *group, isAlone || whole.members);
+    }
 }
 
 const inpS_ExcitationWriter::Groups&
@@ -172,6 +189,7 @@ inpS_ExcitationWriter::MakeGroups(Current& current, const inpS_ConditionRow& row
   for (const inpS_Degrees::Group& group : inpS_Degrees::Groups(row.degrees, kind, type)) {
     key.field = group.firstDegree;
     key.degrees = group.degrees;
+    key.transform = isTurned(kind, group.degrees) ? transform : -1;
     groups.push_back(GroupOf(current, key, group.field));
   }
   return groups;
@@ -264,8 +282,7 @@ void inpS_ExcitationWriter::WritePiece(Current& current, long long n, const inpS
     relay.SetString(eds_Relay_Components,
                     inpS_Degrees::Components(degrees, std::max(1, key.field)));
   if (!members) return;
-  const bool isNodes = current.source.kind->info->columnItems.front().alternatives.front().type ==
-                       eds_FormType::Node;
+  const bool isNodes = isOfNodes(*current.source.kind);
   const KvoSimCollection all = m_document.GetMesh().CollectionOf(m_model, isNodes);
   relay.SetSet(eds_Relay_Members, KvoSimCSet(all, *members).NewID());
 }
@@ -306,8 +323,7 @@ void inpS_ExcitationWriter::TellRow(KvoSimDataRecord relay, Current& current,
     if (!region.instance.IsNull()) relay.SetReference(eds_Relay_Instance, region.instance);
     return;
   }
-  const bool isNodes =
-      kind.info->columnItems.front().alternatives.front().type == eds_FormType::Node;
+  const bool isNodes = isOfNodes(kind);
   std::optional<KvoObjLabeler>& labeler = isNodes ? m_nodes : m_elements;
   cow_List<KvoSimPosition>& owners = isNodes ? m_nodeOwners : m_elementOwners;
   if (!labeler) {

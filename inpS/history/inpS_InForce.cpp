@@ -82,7 +82,8 @@ bool areAscending(inpS_ConditionRows rows) {
   return true;
 }
 
-// Whether the rows of one record can name a target and degree twice with different values.
+// Whether the rows of one record can name a target and degree twice: with different values where
+// the first one holds, for what the later one says beside its value holds, too.
 bool mayMeet(const cow_List<RowFacts>& facts, const KvoSimPosition& record, const Kind& kind) {
   const RowFacts* first = nullptr;
   bool isOneValue = true, isUnique = true, share = false;
@@ -98,7 +99,7 @@ bool mayMeet(const cow_List<RowFacts>& facts, const KvoSimPosition& record, cons
     share |= (known & fact.rows.first.degrees) != 0;
     known |= fact.rows.first.degrees;
   }
-  if (rows < 2 || isOneValue) return false;
+  if (rows < 2 || (isOneValue && kind.twice == Kind::Twice::First)) return false;
   return !isUnique || (share && (degrees.size() > 1 || !areAscending({record, kind})));
 }
 

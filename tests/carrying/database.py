@@ -127,6 +127,10 @@ class Model:
         kind = KINDS[row["keyword"]][0]
         group = next((group for group in GROUPS if degrees[0] in group), ())
         turned, nodes = self.transformed(row["excitation"])
+        # What has axes that a transform turns.
+        is_vector = row["keyword"] in ("BOUNDARY", "CLOAD") and (
+            row["restraint"] not in ("NOWARP", "NOOVAL", "NODEFORM") if row["restraint"] else
+            degrees[0] <= 6)
         made = []
         for target, about, value in self.columns(row)[row["first_row"]:]:
             if isinstance(about, range):
@@ -141,8 +145,7 @@ class Model:
             if target is None or target < 0 or about != of:
                 continue
             target = self.flat[kind][target]
-            if row["keyword"] in ("BOUNDARY", "CLOAD", "CFLUX", "CECURRENT") and \
-                    turned != (target in nodes):
+            if is_vector and turned != (target in nodes):
                 continue
             is_none = value is None or value != value or row["restraint"]
             made.append((target, 0.0 if is_none else value))

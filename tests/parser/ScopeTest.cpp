@@ -75,7 +75,8 @@ TEST(Suboptions, AttachToTheNearestThatAdmitsThem) {
       {"*Elastic\n*Rate dependent", ""},
       // A material stays open, for what may stand right under it and what it then has.
       {"*Material, name=m\n*Node\n*Elastic", "ELASTIC<MATERIAL "},
-      {"*Material, name=m\n*Plastic\n*Node\n*Rate dependent", "PLASTIC<MATERIAL "},
+      {"*Material, name=m\n*Plastic\n*Node\n*Rate dependent",
+       "PLASTIC<MATERIAL RATE DEPENDENT<PLASTIC "},
       {"*Material, name=m\n*Plastic\n*Node\n*Anneal temperature",
        "PLASTIC<MATERIAL ANNEAL TEMPERATURE<PLASTIC "},
       {"*Material, name=m\n*Node\n*Plastic\n*Rate dependent",
