@@ -67,6 +67,11 @@ void removeDistribution(const KvoSimPosition& values) {
   values.Remove();
 }
 
+// Steps come behind all of the model, wherever they stand in the deck.
+bool standsBehind(const inp_Keyword& one, const inp_Keyword& other) {
+  return one.Body()->text == other.Body()->text && one.Body()->begin > other.Body()->begin;
+}
+
 } // namespace
 
 void inpS_AmplitudeVisitor::VisitList(inp_KeywordListRef keywords) {
@@ -116,6 +121,10 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
                                    const cow_String& name) {
   const KvoSimPosition model = m_inventory.GetDocument().GetModel().Position();
   const KvoSimPosition former = model.FollowStringKey(eds_Member::Amplitudes, name);
+  if (const auto other = m_defined.find(name);
+      other != m_defined.end() && standsBehind(other->second, keyword))
+    return LeaveToLater(keyword, other->second, name);
+  m_defined[name] = keyword;
   if (!former.IsNull()) {
     Warning(keyword, "Amplitude \"" + name + "\" is defined again; the new definition holds.");
     Remove(former);
@@ -404,6 +413,20 @@ void inpS_AmplitudeVisitor::StoreTerms(const KvoSimPosition& amplitude,
   transfer.SetBuffer(std::span<const double>(pairs));
   transfer.ExecMake();
   amplitude.Associate(eds_Member::Distributions, values.Position());
+}
+
+// The definition that comes later in the deck holds; it was met before.
+void inpS_AmplitudeVisitor::LeaveToLater(const inp_Keyword& keyword, const inp_Keyword& later,
+                                         const cow_String& name) {
+  Warning(later, "Amplitude \"" + name + "\" is defined again; the new definition holds.");
+  keyword.ReferAll();
+  m_ledger.LeaveOut(keyword);
+  for (const inp_Keyword& suboption : keyword.Suboptions()) {
+    m_ledger.LeaveOut(suboption);
+    suboption.ReferAll();
+    Warning(suboption, "The amplitude of this *" + suboption.Name() +
+                           " is defined again; it is left out with it.");
+  }
 }
 
 // What stands below it belongs to no other amplitude: it stays with the model.

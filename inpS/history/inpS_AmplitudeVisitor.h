@@ -39,6 +39,7 @@ private:
   cow_List<double> ReadPairs(const inp_Keyword& keyword, long long firstLine); // one after another
   double ValueAt(const inp_Keyword& keyword, long long row, int col);
   void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);
+  void LeaveToLater(const inp_Keyword& keyword, const inp_Keyword& later, const cow_String& name);
   void Ignore(const inp_Keyword& keyword);
   void TellOfStray(const inp_Keyword& keyword, const char* why);
   void KeepAsText(const inp_Keyword& keyword);
@@ -47,6 +48,7 @@ private:
   inpS_Ledger& m_ledger;
   // By amplitude: sub-options of this deck, and texts that an earlier conversion kept with it.
   std::unordered_multimap<unsigned long long, inp_Keyword> m_suboptions;
+  cow_Map<cow_String, inp_Keyword> m_defined; // by name
   std::unordered_multimap<unsigned long long, KvoSimPosition> m_formerTexts;
   // What is kept of a keyword beside its record.
   std::unordered_map<unsigned long long, KvoSimPosition> m_parts;
