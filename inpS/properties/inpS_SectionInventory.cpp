@@ -1,5 +1,6 @@
 #include "inpS/properties/inpS_SectionInventory.h"
 #include "base/utl_Assert.h"
+#include "database/KvoObjModel.h"
 #include "inpS/forms/inpS_Blocks.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/properties/inpS_SectionData.h"
@@ -85,35 +86,57 @@ eds_MemberSet inpS_SectionInventory::GetCorrectedElset(int sectionIndex) const {
 void inpS_SectionInventory::TellDoubled(const inpS_Ledger& ledger, inp_Visitor& messages) const {
   struct Space {
     Marks marks;
-    cow_List<std::size_t> sections;
+    cow_List<Placed> sections;
   };
   constexpr int mostTold = 20;
   int told = 0;
   std::map<unsigned long long, Space> spaces;
-  for (std::size_t n = 0; n < m_sections.size(); ++n) {
-    const Section& section = m_sections[n];
-    if (section.set.IsNull() || !ledger.RecordOf(section.keyword)) continue;
-    Space& space = spaces[section.space.Object().Packed()];
-    const eds_MemberSet members = inpS_SectionData::MembersOf(section.set);
-    if (space.marks.Add(members, section.offset) && ++told <= mostTold)
-      Tell(n, space.sections, messages);
-    space.sections.push_back(n);
-  }
+  const auto model = Model().Object().Packed();
+  // Those of a part are in each of its instances, before what the assembly says of them.
+  const auto placeParts = [&](Space& flat) {
+    for (const KvoSimPosition& one : Inventory().GetDocument().GetModel().Occurences()) {
+      const KvoSimDataRecord instance = one.DataRecord();
+      const auto part = spaces.find(instance.GetReference(eds_Instance_Part).Object().Packed());
+      if (part == spaces.end()) continue;
+      for (const Placed& placed : part->second.sections) {
+        const long long offset = placed.offset + instance.GetInt64(eds_Instance_FirstElement);
+        flat.marks.Add(inpS_SectionData::MembersOf(m_sections[placed.section].set), offset);
+        flat.sections.push_back({placed.section, offset});
+      }
+    }
+  };
+  const auto tellWithin = [&](bool isFlat) {
+    for (std::size_t n = 0; n < m_sections.size(); ++n) {
+      const Section& section = m_sections[n];
+      const auto key = section.space.Object().Packed();
+      if (section.set.IsNull() || (key == model) != isFlat || !ledger.RecordOf(section.keyword))
+        continue;
+      const auto [known, isNew] = spaces.try_emplace(key);
+      Space& space = known->second;
+      if (isNew && isFlat) placeParts(space);
+      const eds_MemberSet members = inpS_SectionData::MembersOf(section.set);
+      if (space.marks.Add(members, section.offset) && ++told <= mostTold)
+        Tell(n, space.sections, messages);
+      space.sections.push_back({n, section.offset});
+    }
+  };
+  tellWithin(false);
+  tellWithin(true);
   if (told > mostTold)
     messages.AddWarning({std::to_string(told - mostTold) +
                          " more sections name elements that have one already; the later one of "
                          "each element holds."});
 }
 
-void inpS_SectionInventory::Tell(std::size_t later, const cow_List<std::size_t>& before,
+void inpS_SectionInventory::Tell(std::size_t later, const cow_List<Placed>& before,
                                  inp_Visitor& messages) const {
   const Section& section = m_sections[later];
   const eds_MemberSet members =
       Moved(inpS_SectionData::MembersOf(section.set), section.offset).AscendingSet();
-  for (const std::size_t n : before) {
-    const Section& other = m_sections[n];
+  for (const Placed& placed : before) {
+    const Section& other = m_sections[placed.section];
     const eds_MemberSet both = members.Intersection(
-        Moved(inpS_SectionData::MembersOf(other.set), other.offset).AscendingSet());
+        Moved(inpS_SectionData::MembersOf(other.set), placed.offset).AscendingSet());
     if (both.IsEmpty()) continue;
     wip_Message message = inp_Utils::MessageAtParameter(
         section.keyword, "elset",

@@ -37,7 +37,11 @@ private:
     long long offset = 0; // from the set's ordinals to those
   };
   const Section& At(int sectionIndex) const;
-  void Tell(std::size_t later, const cow_List<std::size_t>& before, inp_Visitor& messages) const;
+  struct Placed {
+    std::size_t section;
+    long long offset; // from its set's ordinals to those of the space
+  };
+  void Tell(std::size_t later, const cow_List<Placed>& before, inp_Visitor& messages) const;
 
   cow_List<Section> m_sections;
 };
