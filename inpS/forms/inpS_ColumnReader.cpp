@@ -2,6 +2,7 @@
 #include "base/utl_Assert.h"
 #include "base/utl_Controls.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/forms/inpS_FormWords.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -274,7 +275,7 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
     const eds_FormItem& item = m_form.columnItems[c];
     if (col >= data.Cols(row) || !data.HasValue(row, col)) {
       if (!item.isRequired) continue;
-      return "The line does not tell its " + item.name + ".";
+      return inpS_textOfLack(item, col);
     }
     const cow_String text = data.AsStringVerbatim(row, col);
     const inp_FieldType type = data.Type(row, col);

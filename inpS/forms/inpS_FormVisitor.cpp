@@ -530,7 +530,7 @@ inpS_FormVisitor::Line inpS_FormVisitor::ReadLine(const inp_Keyword& keyword, lo
     const inpS_FormValue value = inpS_FormValue::Of(keyword.Data(), row, col);
     const bool isBlank = value.type == inp_FieldType::None;
     if (isBlank && !item.isRequired) continue;
-    const cow_String fault = isBlank ? "The line does not tell its " + item.name + "."
+    const cow_String fault = isBlank ? inpS_textOfLack(item, col)
                                      : inpS_takeValue(item, value, m_names, record.DataRecord());
     if (fault.empty()) continue;
     if (read != Line::Nothing) read = item.isRequired ? Line::Nothing : Line::Partly;

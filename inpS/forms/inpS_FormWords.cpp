@@ -46,6 +46,14 @@ cow_String inpS_readWords(const inp_Keyword& keyword, const eds_FormItem& item,
   return isSound ? joined(words) : cow_String();
 }
 
+cow_String inpS_textOfLack(const eds_FormItem& item, int col) {
+  const auto digits = item.name.find_last_not_of("0123456789") + 1;
+  const std::string_view word = std::string_view(item.name).substr(0, digits);
+  if (digits < item.name.size() && (word == "v" || word == "value_"))
+    return "The line has no value in its place " + std::to_string(col + 1) + ".";
+  return "The line does not tell its " + item.name + ".";
+}
+
 cow_List<cow_String> inpS_splitWords(std::string_view words) {
   cow_List<cow_String> list;
   while (!words.empty()) {

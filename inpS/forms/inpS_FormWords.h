@@ -13,5 +13,8 @@ class utl_Stream;
 cow_String inpS_readWords(const inp_Keyword& keyword, const eds_FormItem& item,
                           inp_Visitor& messages);
 cow_List<cow_String> inpS_splitWords(std::string_view words);
+// Of a data line: what it lacks, by the item's name, or by its place where values have numbers
+// alone.
+cow_String inpS_textOfLack(const eds_FormItem& item, int col);
 // Eight to a line.
 void inpS_printWords(utl_Stream& out, std::string_view words);

@@ -135,10 +135,11 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
   }
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (!row || row->role != inp_KeywordRole::Close)
-    Count(keyword, isMisplaced); // the opening one speaks for it
+    Count(keyword, isMisplaced || (along && along->isTold)); // the opening one speaks for it
 
   Along at = along ? *along : AtOwn(keyword, block);
   at.text = beside;
+  at.isTold = at.isTold || isMisplaced;
   Keep(keyword, at);
   for (const inp_Keyword& suboption : keyword.Suboptions())
     m_along.try_emplace(suboption.Body().get(), at);

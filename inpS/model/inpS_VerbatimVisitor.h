@@ -38,6 +38,7 @@ private:
     int block;
     KvoSimPosition behind; // null: behind all
     cow_String text{};     // what is kept; empty: what the ledger says, or the whole keyword
+    bool isTold = false;   // that it stands where it may not, and is kept
   };
   const KvoSimPosition* RecordOfBlock(const inp_Keyword& keyword, int block) const;
   KvoSimPosition HolderOf(const inp_Keyword& keyword) const;

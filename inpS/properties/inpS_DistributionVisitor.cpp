@@ -36,8 +36,10 @@ bool inpS_DistributionVisitor::ReadColumns(const inp_Keyword& keyword, const eds
   return reader.Read();
 }
 
-void inpS_DistributionVisitor::Converted(const inp_Keyword&, const inpS_Form&,
+void inpS_DistributionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&,
                                          const KvoSimPosition& record) {
+  if (keyword.Data().Rows() == 0)
+    Warning(keyword, "The distribution has no data lines: it gives no values.");
   inpS_Distribution::Of(record);
 }
 

@@ -9,6 +9,7 @@
 #include "parser/inp_Utils.h"
 #include <algorithm>
 #include <cstdlib>
+#include <set>
 
 namespace {
 
@@ -253,6 +254,11 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
   namespace K = eds_FormKind;
   if (form.info->record == K::SectionPly && keyword.Data().Rows() == 0)
     Warning(keyword, "The layup has no plies: its elements have no material.");
+  if (form.info->record == K::SectionPly) CheckPlyNames(keyword);
+  CheckThickness(keyword, *form.info);
+  if (isOneOf(form, K::BeamSectionPipe, K::BeamSectionThickPipe, K::BeamGeneralSectionPipe,
+              K::BeamGeneralSectionThickPipe, K::FrameSectionPipe))
+    CheckPipe(keyword);
   if (isOneOf(form, K::SolidSectionComposite)) return CheckPlies(keyword, record);
   if (isOneOf(form, K::RebarLayer, K::RebarLayerAngular, K::RebarLayerLiftEquation))
     return CheckRebar(keyword, record);
@@ -267,6 +273,56 @@ void inpS_SectionVisitor::CheckPlies(const inp_Keyword& keyword, const KvoSimPos
     if (record.IsMemberNull(points) || record.GetInt64(points) > 0) continue;
     return Error(keyword, "The number of integration points must be a positive integer.");
   }
+}
+
+// Decided here: output goes by the names of plies, so two that share one are told, and both stay.
+void inpS_SectionVisitor::CheckPlyNames(const inp_Keyword& keyword) {
+  const cow_List<eds_FormItem>& items = eds_formOf(eds_FormKind::SectionPly)->lines.front();
+  const auto name = std::ranges::find(items, "name", &eds_FormItem::name);
+  const int col = static_cast<int>(name - items.begin());
+  const inp_DataArray& data = keyword.Data();
+  std::set<cow_String> known;
+  for (long long row = 0; row < data.Rows(); ++row) {
+    if (col >= data.Cols(row) || !data.HasValue(row, col)) continue;
+    const cow_String ply = data.AsStringVerbatim(row, col);
+    if (!known.insert(inp_Utils::Fold(ply)).second)
+      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                           "Another ply of the layup is named \"" + ply +
+                                               "\" already; both keep the name."));
+  }
+}
+
+// Of all that a line names so, of plies and segments as well.
+void inpS_SectionVisitor::CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form) {
+  const inp_DataArray& data = keyword.Data();
+  const auto check = [&](long long row, const cow_List<eds_FormItem>& items) {
+    for (int col = 0; col < std::min(static_cast<int>(items.size()), data.Cols(row)); ++col) {
+      if (!items[static_cast<std::size_t>(col)].name.ends_with("thickness")) continue;
+      if (!data.HasValue(row, col) || !data.IsNumber(row, col) || data.AsDouble(row, col) >= 0)
+        continue;
+      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                           "A thickness is not negative; it is taken as it "
+                                           "stands."));
+    }
+  };
+  const auto own = static_cast<long long>(form.lines.size());
+  for (long long row = 0; row < std::min(own, data.Rows()); ++row)
+    check(row, form.lines[static_cast<std::size_t>(row)]);
+  if (form.data != eds_FormData::Records) return;
+  const auto& lines = eds_formOf(form.record)->lines;
+  for (long long row = own; row < data.Rows(); ++row)
+    check(row, lines[static_cast<std::size_t>(row - own) % lines.size()]);
+}
+
+// The radius and behind it the thickness of the wall; a bar of the same radius is no fault.
+void inpS_SectionVisitor::CheckPipe(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  const auto isNumber = [&](int col) {
+    return data.Rows() > 0 && col < data.Cols(0) && data.HasValue(0, col) && data.IsNumber(0, col);
+  };
+  if (!isNumber(0) || !isNumber(1) || data.AsDouble(0, 1) <= data.AsDouble(0, 0)) return;
+  AddWarning(inp_Utils::MessageAtField(
+      keyword, 0, 1, "The wall is thicker than the radius of the pipe; it is taken as it stands."));
 }
 
 // A bar lies along one of the two directions of the shell's surface.

@@ -44,6 +44,9 @@ private:
   bool CheckShellStiffness(const inp_Keyword& keyword);
   bool CheckPretension(const inp_Keyword& keyword);
   bool CheckFluid(const inp_Keyword& keyword);
+  void CheckPlyNames(const inp_Keyword& keyword);
+  void CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form);
+  void CheckPipe(const inp_Keyword& keyword);
   void CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section);
   void CheckStackDirection(const inp_Keyword& keyword);
   void CheckRebar(const inp_Keyword& keyword, const KvoSimPosition& layer);

@@ -200,6 +200,14 @@ TEST_F(Shell, StrictCountsWhatIsNotShown) {
   EXPECT_EQ(quiet.out + quiet.err, "");
 }
 
+TEST_F(Shell, AStrayIsToldOnceWithWhatStandsUnderIt) {
+  const ProgramRun run(
+      {"check", Deck("d.inp", cow_String(oneBrick) + "*STEP\n*STATIC\n*MATERIAL, NAME=LATE\n"
+                                                     "*ELASTIC\n1., 0.\n*END STEP\n")});
+  EXPECT_TRUE(run.Says("*MATERIAL may stand at the level of the model only")) << run.err;
+  EXPECT_FALSE(run.Says("*ELASTIC is not converted")) << run.err;
+}
+
 TEST_F(Shell, NoKeptSilencesThatAlone) {
   const cow_String deck =
       Deck("d.inp", cow_String(oneBrick) +
