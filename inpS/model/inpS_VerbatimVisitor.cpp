@@ -147,7 +147,9 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
 // Behind which the texts of its block go: of what the block prints form by form.
 const KvoSimPosition* inpS_VerbatimVisitor::RecordOfBlock(const inp_Keyword& keyword,
                                                           int block) const {
-  const bool hasForms = inpS_block(block).HasForms() && keyword.Kind() != inp_KwAmplitude;
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
+  const bool isOwn = block == kHistoryBlock || (row && row->block == block);
+  const bool hasForms = isOwn && inpS_block(block).HasForms() && keyword.Kind() != inp_KwAmplitude;
   return hasForms ? m_ledger.RecordOf(keyword) : nullptr;
 }
 
