@@ -31,7 +31,6 @@ bool anyAdmits(const inp_KeywordList& chain, const inp_Keyword& keyword) {
   return std::ranges::any_of(chain, [&](const inp_Keyword& open) { return admits(open, keyword); });
 }
 
-// One without a name opens nothing.
 bool isNameless(const inp_Keyword& keyword) {
   return isContainer(keyword.Kind()) && keyword.StringOf("name", "").empty();
 }
@@ -45,6 +44,19 @@ void inp_SuboptionChain::CloseOpen() {
   m_open.clear();
   m_apart.clear();
   m_isResumed = false;
+}
+
+// One without a name opens nothing: what follows goes on with the one before it of its kind.
+void inp_SuboptionChain::Resume(const inp_Keyword& nameless) {
+  const auto isOfKind = [&](const inp_KeywordList& chain) {
+    return !chain.empty() && chain.front().Kind() == nameless.Kind();
+  };
+  if (isInStep(nameless) || isOfKind(m_open)) return;
+  if (std::ranges::none_of(m_held, isOfKind)) return;
+  CloseOpen();
+  const auto held = std::ranges::find_if(m_held, isOfKind);
+  std::rotate(m_held.begin(), held, std::next(held));
+  m_isResumed = true;
 }
 
 inp_KeywordList& inp_SuboptionChain::ChainFor(const inp_Keyword& keyword) {
@@ -75,7 +87,8 @@ inp_KeywordList& inp_SuboptionChain::ChainFor(const inp_Keyword& keyword) {
 void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   // A misspelt sub-option must not tear those behind it from their keyword.
-  if (!row || isNameless(keyword)) return;
+  if (!row) return;
+  if (isNameless(keyword)) return Resume(keyword);
   if (!m_open.empty() && m_open.back().ScopePtr() != keyword.ScopePtr()) CloseOpen();
   if (!m_apart.empty() && m_apart.back().ScopePtr() != keyword.ScopePtr()) m_apart.clear();
   if (row->parents.empty() || standsAlone(*row, *keyword.Body())) CloseOpen();

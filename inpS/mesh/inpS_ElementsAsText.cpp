@@ -40,7 +40,7 @@ void inpS_ElementsAsText::Keep(const inp_Keyword& keyword, inpS_MeshScope& scope
 
 void inpS_ElementsAsText::KeepSet(const inp_Keyword& keyword) {
   m_ledger.KeepAsText(
-      keyword, {{}, {}, "names a set that is there before the step, which cannot change it"});
+      keyword, {{}, {}, "names a set that the model has without the step, which cannot change it"});
   keyword.ReferAll();
 }
 

@@ -177,10 +177,12 @@ void inpS_MeshVisitor::VisitInstance(const inp_Keyword& keyword) {
   if (part) m_scopes.TextElements().Share(instance.elementOccurrence, part->elementOccurrence);
 }
 
-// Sets of the assembly may name instances from before a restart.
+// Sets of the assembly, which those of steps are, may name instances from before a restart.
 void inpS_MeshVisitor::OpenStoredInstances(inp_KeywordListRef keywords) {
   const auto isOfAssembly = [](const inp_Keyword& keyword) {
-    return keyword.Scope().kind == inp_Scope::Kind::Assembly;
+    const bool isSet = keyword.Kind() == inp_KwNset || keyword.Kind() == inp_KwElset;
+    return keyword.Scope().kind == inp_Scope::Kind::Assembly ||
+           (isSet && keyword.Scope().kind == inp_Scope::Kind::Step);
   };
   if (!m_scopes.Root().isStored || std::none_of(keywords.begin(), keywords.end(), isOfAssembly))
     return;
@@ -237,6 +239,7 @@ bool inpS_MeshVisitor::IsNewSetOfStep(const inp_Keyword& keyword) {
   if (!nodes && keyword.Kind() != inp_KwElset) return false;
   const inpS_SetKind kind = nodes ? inpS_SetKind::Nodes : inpS_SetKind::Elements;
   const cow_String name = keyword.StringOf(nodes ? "nset" : "elset", "");
+  if (name.empty()) return true; // which its reader tells
   if (!m_scopes.Root().sets.Find(kind, name)) {
     m_setsOfSteps[{nodes, name}] = keyword.ScopePtr();
     m_setMessages.AddWarning(inp_Utils::MessageInKeyword(

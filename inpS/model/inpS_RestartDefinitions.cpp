@@ -51,13 +51,12 @@ void inpS_RestartDefinitions::AddKept(const KvoObjDocument& document) {
 cow_String inpS_RestartDefinitions::Conflict(const inp_Keyword& keyword) {
   const inp_KeywordEnm kind = keyword.Kind();
   const bool named = isNamed(kind);
-  if (!named && kind != inp_KwPhysicalConstants) {
-    m_refused = false; // what is refused has come to its end, but for sub-options further on
-    return {};
-  }
+  if (!named && kind != inp_KwPhysicalConstants) return {};
   const cow_String name = nameOf(keyword);
-  m_refused = !(named && name.empty()) && !m_names.emplace(kind, name).second;
-  if (!m_refused) return {};
+  // Of constants that come in several pieces the later ones go on with the former.
+  const bool isKnown =
+      named ? !name.empty() && !m_names.emplace(kind, name).second : m_names.contains({kind, name});
+  if (!isKnown) return {};
   AddRefused(keyword);
   if (!named) return "The model that is restarted has physical constants; these are left out.";
   return cow_String(kind == inp_KwMaterial ? "Material" : "Gasket behavior") + " with name \"" +
@@ -72,9 +71,7 @@ void inpS_RestartDefinitions::AddRefused(const inp_Keyword& keyword) {
 }
 
 bool inpS_RestartDefinitions::IsOfRefused(const inp_Keyword& keyword) const {
-  return m_ofRefused.contains(keyword.Body().get()) ||
-         (m_refused &&
-          (keyword.ParentKind() != inp_NullKeyword || keyword.Kind() == inp_UnknownKeyword));
+  return m_ofRefused.contains(keyword.Body().get());
 }
 
 // ---- parts and instances
@@ -96,6 +93,51 @@ void checkPart(const inp_Keyword& keyword, const KvoSimPosition& instance, const
                        "it is taken as it is there."));
 }
 
+// Whether the data lines have the numbers that are stored from a field on, and nothing else.
+bool hasStored(const inp_DataArray& data, long long row, const KvoSimDataRecord& record, int first,
+               int count) {
+  for (int col = count; row < data.Rows() && col < data.Cols(row); ++col)
+    if (data.HasValue(row, col)) return false;
+  for (int col = 0; col < count; ++col) {
+    const bool isGiven = row < data.Rows() && col < data.Cols(row) && data.HasValue(row, col);
+    if (isGiven && !data.IsNumber(row, col)) return false;
+    if ((isGiven ? data.AsDouble(row, col) : 0) != record.GetDouble(first + col)) return false;
+  }
+  return true;
+}
+
+// Of an instance that the model has. No lines say nothing of its place.
+void checkPlacement(const inp_Keyword& keyword, const KvoSimPosition& instance,
+                    inp_Visitor& messages) {
+  const inp_DataArray& data = keyword.Data();
+  const KvoSimDataRecord record = instance.DataRecord();
+  if (data.Rows() == 0 ||
+      (data.Rows() <= 2 && hasStored(data, 0, record, eds_Instance_TranslationX, 3) &&
+       hasStored(data, 1, record, eds_Instance_RotationAX, 7)))
+    return;
+  messages.AddWarning(inp_Utils::MessageAtRow(
+      keyword, 0,
+      "The instance stays where it is in the model that is restarted; the placement that is given "
+      "here is another one and is left out."));
+  messages.LeaveOut("placement");
+}
+
+void checkAssembly(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visitor& messages) {
+  const cow_String name = keyword.StringOf("name", "");
+  const KvoSimPosition assembly = model.GetAssembly();
+  if (name.empty() || assembly.IsNull()) return;
+  const cow_String known = assembly.DataRecord().ReturnString(eds_Assembly_Name);
+  if (known == name) return;
+  messages.AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "name",
+      known.empty()
+          ? cow_String("The assembly of the model that is restarted has no name, and gets "
+                       "none.")
+          : "The assembly of the model that is restarted is \"" + known +
+                "\" and keeps its name."));
+  messages.LeaveOut("assembly name");
+}
+
 bool checkOwner(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visitor& messages) {
   const bool isPart = keyword.Kind() == inp_KwPart;
   const cow_String name = keyword.StringOf("name", "");
@@ -103,14 +145,19 @@ bool checkOwner(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visito
                                : isPart     ? model.GetPart(name)
                                             : model.GetOccurence(name);
   if (!known.IsNull()) {
-    if (!isPart) checkPart(keyword, known, model, messages);
+    if (isPart) return true;
+    checkPart(keyword, known, model, messages);
+    checkPlacement(keyword, known, messages);
     return true;
   }
-  messages.AddError(inp_Utils::MessageInKeyword(
+  wip_Message message = inp_Utils::MessageInKeyword(
       keyword, name.empty() ? inpS_messageText(isPart ? inpS_model_PartNameMissing
                                                       : inpS_model_InstanceNameMissing)
                             : "The model that is restarted has no \"" + name +
-                                  "\", and a restart cannot add one; its mesh is left out."));
+                                  "\", and a restart cannot add one; it is left out with all that "
+                                  "stands in it.");
+  if (name.empty()) message.notes.push_back({"it is left out with all that stands in it", {}});
+  messages.AddError(std::move(message));
   messages.LeaveOut(isPart ? "part" : "instance");
   return false;
 }
@@ -139,6 +186,7 @@ bool inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model,
   if (keyword.IsInstanceCopy()) return true;
   if (keyword.Kind() == inp_KwPart || keyword.Kind() == inp_KwInstance)
     return checkOwner(keyword, model, messages);
+  if (keyword.Kind() == inp_KwAssembly) checkAssembly(keyword, model, messages);
   if (keyword.Kind() == inp_KwRestart) checkReading(keyword, messages);
   if (keyword.Kind() != inp_KwHeading || !isModels || keyword.Data().Rows() == 0) return true;
   messages.AddWarning(inp_Utils::MessageInKeyword(

@@ -12,7 +12,7 @@ struct inp_KeywordBody;
 
 // A restart goes on with the materials, gasket behaviours and physical constants of its model. It
 // converts none, but keeps those of other names as text; one of the same name would stand twice in
-// the deck that is written.
+// the deck that is written. What is unknown belongs to none of them.
 class inpS_RestartDefinitions {
 public:
   explicit inpS_RestartDefinitions(const KvoObjDocument& document);
@@ -28,10 +28,10 @@ private:
 
   std::set<std::pair<inp_KeywordEnm, cow_String>> m_names;
   std::unordered_set<const inp_KeywordBody*> m_ofRefused; // wherever they stand
-  bool m_refused = false;
 };
 
-// A restart goes on with the parts and instances of its model, under its heading and behind all of
-// its steps: tells of a part or an instance that the model does not have or that has no name, of
-// another heading, and of a step to begin from. False: the keyword is not taken.
+// A restart goes on with the assembly, parts and instances of its model, under its heading and
+// behind all of its steps: tells of a part or an instance that the model does not have or that has
+// no name, of another placement, name of the assembly or heading, and of a step to begin from.
+// False: the keyword is not taken.
 bool inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visitor& messages);

@@ -120,6 +120,7 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     m_records.insert_or_assign({HolderOf(keyword).Object().Packed(), block}, *record);
   const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   const bool isSettled = m_ledger.IsSettled(keyword);
+  if (!isSettled && IsOfLackingOwner(keyword)) return keyword.ReferAll(); // told at the owner
   const bool isExplained = told && (told->isTold || !told->reason.empty());
   const bool isMisplaced = !isExplained && keyword.Kind() != inp_KwBaselineCorrection && // told
                            m_places.Look(keyword, isSettled);
@@ -145,10 +146,22 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     m_along.try_emplace(suboption.Body().get(), at);
 }
 
-// Behind which the texts of its block go: of what the block prints form by form.
+// Of a part or an instance that the model of a restart does not have: elsewhere it would speak of
+// other nodes. What is unknown stays, as its message says.
+bool inpS_VerbatimVisitor::IsOfLackingOwner(const inp_Keyword& keyword) const {
+  const inp_Scope::Kind scope = keyword.Scope().kind;
+  return m_isRestart && keyword.Kind() != inp_UnknownKeyword &&
+         (scope == inp_Scope::Kind::Part || scope == inp_Scope::Kind::Instance) &&
+         m_place.owner == m_inventory.GetDocument().GetModel().Position();
+}
+
+// Behind which the texts of its block go: of what the block prints form by form. A keyword of which
+// nothing is written in its own block stands in that of what is before it, but its record does not.
 const KvoSimPosition* inpS_VerbatimVisitor::RecordOfBlock(const inp_Keyword& keyword,
                                                           int block) const {
-  const bool hasForms = inpS_block(block).HasForms() && keyword.Kind() != inp_KwAmplitude;
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
+  const bool isOwn = block == kHistoryBlock || (row && row->block == block);
+  const bool hasForms = isOwn && inpS_block(block).HasForms() && keyword.Kind() != inp_KwAmplitude;
   return hasForms ? m_ledger.RecordOf(keyword) : nullptr;
 }
 
@@ -166,8 +179,7 @@ const inpS_VerbatimVisitor::Along* inpS_VerbatimVisitor::AlongOf(const inp_Keywo
   return known == m_along.end() ? nullptr : &known->second;
 }
 
-inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keyword,
-                                                        int block) const {
+inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keyword, int block) {
   const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   Along at{m_place, block, told ? told->behind : KvoSimPosition()};
   if (told && !told->owner.IsNull()) at.place = {told->owner, levelUnder(told->owner)};
@@ -175,14 +187,23 @@ inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keywo
   const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind());
   if (at.behind.IsNull() && named && inpS_block(block).HasForms())
     at.behind = at.place.owner.FollowStringKey(named->member, keyword.StringOf("name", ""));
-  const auto before = m_records.find({at.place.owner.Object().Packed(), block});
-  if (at.behind.IsNull() && before != m_records.end()) at.behind = before->second;
-  if (at.behind.IsNull() && inpS_block(block).HasForms()) at.behind = at.place.owner;
+  if (at.behind.IsNull() && inpS_block(block).HasForms()) at.behind = LastOf(at.place.owner, block);
   // The texts of a step stand in its order, where another amplitude would take it over.
   const bool isStep = keyword.Scope().kind == inp_Scope::Kind::Step;
   if (isStep && block == kFirstBlock)
     at.place = {m_inventory.GetDocument().GetModel().Position(), "LEVEL_MODEL"};
   return at;
+}
+
+// The record of an owner's block behind which its texts go: the last one that phases spoke of, or
+// that the model of a restart has already. The owner, which is before all: there is none.
+KvoSimPosition inpS_VerbatimVisitor::LastOf(const KvoSimPosition& owner, int block) {
+  const auto [known, isNew] = m_records.try_emplace({owner.Object().Packed(), block}, owner);
+  if (!isNew || !m_isRestart) return known->second;
+  for (const eds_Member member : inpS_membersOf(inpS_block(block)))
+    if (const auto records = owner.GetVector(member); !records.empty())
+      known->second = records.back();
+  return known->second;
 }
 
 void inpS_VerbatimVisitor::Keep(const inp_Keyword& keyword, const Along& at) {

@@ -43,9 +43,11 @@ private:
   const KvoSimPosition* RecordOfBlock(const inp_Keyword& keyword, int block) const;
   KvoSimPosition HolderOf(const inp_Keyword& keyword) const;
   const Along* AlongOf(const inp_Keyword& keyword) const;
-  Along AtOwn(const inp_Keyword& keyword, int block) const;
+  Along AtOwn(const inp_Keyword& keyword, int block);
+  KvoSimPosition LastOf(const KvoSimPosition& owner, int block);
   void Keep(const inp_Keyword& keyword, const Along& at);
   bool IsLeftOut(const inp_Keyword& keyword);
+  bool IsOfLackingOwner(const inp_Keyword& keyword) const;
   bool IsTooLong(const inp_Keyword& keyword);
   bool IsStray(const inp_Keyword& keyword) const;
   Place PlaceOf(const inp_Scope& scope);
@@ -64,7 +66,7 @@ private:
   Place m_place{};
   int m_block = 0;    // of the scope, that of what is written before
   int m_ownBlock = 0; // of the last keyword that goes with no other one
-  // The last record of an owner's block of those that phases spoke of.
+  // The last record of an owner's block of those that phases spoke of; the owner: none.
   cow_Map<std::pair<unsigned long long, int>, KvoSimPosition> m_records;
   cow_Map<std::pair<unsigned long long, int>, bool> m_written;  // by owner and block
   cow_Map<std::pair<unsigned long long, int>, int> m_positions; // by owner and block

@@ -125,9 +125,10 @@ TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
   const cow_String steel = "*MATERIAL, NAME=STEEL\n*ELASTIC\n210., 0.3\n";
   const cow_String more =
       "*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-1.\n"
-      "*MATERIAL, NAME=Steel\n*PLASTIC\n9., 0.\n*RATE DEPENDENT\n9., 9.\n*STRANGER\n9.\n"
-      "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n9.\n"
-      "*MATERIAL, NAME=NEW\n*DENSITY\n7.\n"
+      "*MATERIAL, NAME=Steel\n*PLASTIC\n9., 0.\n*RATE DEPENDENT\n9., 9.\n*STRANGER\n8.\n"
+      "*MATERIAL, NAME=NEW\n*ELASTIC\n7., 0.\n"
+      "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n9.\n*PLASTIC\n7., 0.\n"
+      "*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-1.\n*DENSITY\n7.\n"
       "*MATERIAL, NAME=NEW\n*DENSITY\n9.\n";
   Written("*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-273.15\n" + steel +
               "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n1.\n",
@@ -137,8 +138,9 @@ TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
   for (const char* told :
        {"a.inp:1:1: error: The model that is restarted has physical constants",
         "a.inp:2:1: error: Material with name \"STEEL\" has already been defined",
-        "a.inp:9:1: error: Gasket behavior with name \"G\" has already",
-        "a.inp:15:1: error: Material with name \"NEW\" has already"})
+        "a.inp:12:1: error: Gasket behavior with name \"G\" has already",
+        "a.inp:17:1: error: The model that is restarted has physical constants",
+        "a.inp:20:1: error: Material with name \"NEW\" has already"})
     EXPECT_TRUE(first.Says(told)) << told << first.err;
   const ProgramRun second({"convert", Deck("b.inp", "*MATERIAL, NAME=NEW\n*DENSITY\n9.\n"),
                            "--restart", File("a.sim"), "-o", File("b.sim")});
@@ -146,11 +148,33 @@ TEST_F(Restart, LeavesOutMaterialsThatTheModelHas) {
       << second.err;
   const cow_String deck = ProgramRun({"write", File("b.sim")}).out;
   EXPECT_NE(deck.find("*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-273.15\n" + steel +
-                      "*MATERIAL, NAME=NEW\n*DENSITY\n7.\n"
+                      "*MATERIAL, NAME=NEW\n*ELASTIC\n7., 0.\n*PLASTIC\n7., 0.\n*DENSITY\n7.\n"
                       "*GASKET BEHAVIOR, NAME=G\n*GASKET CONTACT AREA\n1.\n"),
             cow_String::npos)
       << deck;
+  EXPECT_NE(deck.find("*STRANGER\n8.\n"), cow_String::npos) << deck; // which its message promises
   EXPECT_EQ(deck.find("9."), cow_String::npos) << deck;
+}
+
+// They are one set, to which each keyword adds.
+TEST_F(Restart, TakesPhysicalConstantsInPieces) {
+  const cow_String pieces =
+      "*PHYSICAL CONSTANTS, ABSOLUTE ZERO=-1.\n*PHYSICAL CONSTANTS, UNIVERSAL GAS=8.\n";
+  EXPECT_TRUE(Written("*NODE\n1, 0.\n", pieces).ends_with(pieces));
+}
+
+// Of two sections of an element the later one holds.
+TEST_F(Restart, GoesOnBehindWhatItsBaseHas) {
+  const auto sections = [](const char* size, const char* temperature) {
+    return cow_String("*BEAM SECTION, ELSET=B, MATERIAL=M, SECTION=RECT\n") + size +
+           "\n0., 0., 1.\n*INITIAL CONDITIONS, TYPE=TEMPERATURE\nN, " + temperature + "\n";
+  };
+  const cow_String deck = Written(kBase + cow_String("*MATERIAL, NAME=M\n*ELASTIC\n1., 0.\n") +
+                                      sections("1., 1.", "10."),
+                                  sections("2., 2.", "20.") + sections("3., 3.", "30."));
+  std::size_t at = 0;
+  for (const char* line : {"1., 1.", "2., 2.", "3., 3.", "N, 10.", "N, 20.", "N, 30."})
+    EXPECT_NE(at = deck.find(line, at), cow_String::npos) << line << deck;
 }
 
 // Behind other keywords, too: else they would be the last material's.
@@ -168,7 +192,7 @@ TEST_F(Restart, LeavesOutSuboptionsOfMaterialsThatTheModelHas) {
 TEST_F(Restart, TellsWhatItsBaseDoesNotTake) {
   const cow_String base = "*HEADING\nfirst\n*PART, NAME=P\n*NODE\n1, 0., 0., 0.\n*END PART\n"
                           "*PART, NAME=P2\n*END PART\n*ASSEMBLY, NAME=A\n"
-                          "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*END ASSEMBLY\n";
+                          "*INSTANCE, NAME=I, PART=P\n1., 0., 2.\n*END INSTANCE\n*END ASSEMBLY\n";
   ASSERT_EQ(ProgramRun({"convert", Deck("base.inp", base), "-o", File("base.sim")}).exitCode, 0);
   const auto inInstance = [](const cow_String& parameters) {
     return "*ASSEMBLY, NAME=A\n*INSTANCE" + parameters +
@@ -189,6 +213,18 @@ TEST_F(Restart, TellsWhatItsBaseDoesNotTake) {
       {inInstance(", NAME=J, PART=P"), "error: The model that is restarted has no \"J\"",
        "1 instance"},
       {inInstance(", NAME=I, PART=P"), "0 errors, 0 warnings", nullptr},
+      {inInstance(", NAME=I, PART=P\n1, , 2"), "0 errors, 0 warnings", nullptr},
+      {inInstance(", NAME=I, PART=P\n1., 3."), ":3:1: warning: The instance stays where it is",
+       "1 placement"},
+      {inInstance(", NAME=I, PART=P\n1., 0., 2.\n0., 0., 0., 0., 0., 1., 90."),
+       ":3:1: warning: The instance stays where it is", "1 placement"},
+      {"*ASSEMBLY, NAME=B\n*END ASSEMBLY\n", ":1:12: warning: The assembly of the model that is",
+       "1 assembly name"},
+      {"*PART, NAME=Q\n*TRANSFORM, NSET=X\n1., 0., 0., 0., 1., 0.\n*MPC\nPIN, 1, 2\n*END PART\n",
+       "error: The model that is restarted has no \"Q\", and a restart cannot add one; it is left "
+       "out with "
+       "all that stands in it.",
+       "1 part"},
       {"*HEADING\nsecond\n", ":1:1: warning: The model keeps the heading of its base", "1 heading"},
       {"*RESTART, READ, INC=5\n", "warning: A restart goes on behind the last step of its model",
        "1 place of a restart"}};
@@ -199,6 +235,8 @@ TEST_F(Restart, TellsWhatItsBaseDoesNotTake) {
     EXPECT_TRUE(holds(says, one.says)) << one.deck << says;
     EXPECT_EQ(run.exitCode, holds(one.says, "error: ") ? 1 : 0) << one.deck;
     const cow_String info = ProgramRun({"info", File("m.sim")}).out;
+    EXPECT_FALSE(holds(says, "kept as text")) << says;
+    EXPECT_FALSE(holds(ProgramRun({"write", File("m.sim")}).out, "TRANSFORM")) << one.deck;
     EXPECT_EQ(holds(info, "left out: "), one.leftOut != nullptr) << one.deck << info;
     EXPECT_TRUE(!one.leftOut || holds(info, one.leftOut)) << one.deck << info;
   }
@@ -287,6 +325,14 @@ TEST_F(Restart, SetsNameInstancesOfItsBase) {
         "*NSET, NSET=Y, INSTANCE=J\n2, 3\n", "*ELSET, ELSET=Z, INSTANCE=I\n1\n",
         "*INSTANCE, NAME=J, PART=P\n5., 0., 0.\n*NODE\n7, 3., 0., 0.\n*END INSTANCE\n"})
     EXPECT_NE(deck.find(lines), cow_String::npos) << lines << deck;
+}
+
+TEST_F(Restart, SetsOfStepsNameInstancesOfItsBase) {
+  const cow_String deck =
+      Written("*PART, NAME=P\n*NODE\n1, 0., 0., 0.\n2, 1., 0., 0.\n*END PART\n*ASSEMBLY, NAME=A\n"
+              "*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n*END ASSEMBLY\n",
+              "*STEP\n*STATIC\n*NSET, NSET=S, INSTANCE=I\n2\n*CLOAD\nS, 1, 5.\n*END STEP\n");
+  EXPECT_NE(deck.find("*NSET, NSET=S, INSTANCE=I\n2\n"), cow_String::npos) << deck;
 }
 
 // They cost themselves, neither what the base's sets hold nor what the deck adds to the mesh.
