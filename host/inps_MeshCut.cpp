@@ -3,7 +3,10 @@
 #include "host/inps_Fields.h"
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <span>
+#include <tuple>
+#include <unordered_map>
 
 namespace {
 
@@ -20,6 +23,9 @@ struct Run {
   std::vector<int64_t> arrays;
   std::vector<int64_t> counts;
 
+  std::tuple<std::string_view, int64_t, int64_t, int64_t> Whole() const {
+    return {key, first, flatFirst, count};
+  }
   bool Continues(const Run& next) const {
     return isOpen && next.isOpen && key == next.key && first + count == next.first &&
            flatFirst + count == next.flatFirst;
@@ -148,13 +154,21 @@ bool isSame(Items a, Items b, const inps_Tolerance& tolerance) {
   }
 }
 
-void take(const eds_ModelReader& model, Kind kind, const Run& run,
+using DrawersOfArray = std::unordered_multimap<int64_t, int64_t>;
+
+DrawersOfArray drawersOf(const eds_ModelReader& model) {
+  DrawersOfArray drawers;
+  for (const int64_t id : model.RecordIDs(Kind::Drawer))
+    drawers.emplace(inps_refOf(model, eds_Drawer_Array, id).id, id);
+  return drawers;
+}
+
+void take(const DrawersOfArray& drawers, Kind kind, const Run& run,
           std::unordered_set<uint64_t>& cut) {
   for (const int64_t id : run.blocks) cut.insert(eds_ObjectID(kind, id).Packed());
-  for (const int64_t id : model.RecordIDs(Kind::Drawer))
-    if (std::ranges::find(run.arrays, inps_refOf(model, eds_Drawer_Array, id).id) !=
-        run.arrays.end())
-      cut.insert(eds_ObjectID(Kind::Drawer, id).Packed());
+  for (const int64_t array : run.arrays)
+    for (auto [drawer, end] = drawers.equal_range(array); drawer != end; ++drawer)
+      cut.insert(eds_ObjectID(Kind::Drawer, drawer->second).Packed());
 }
 
 } // namespace
@@ -162,17 +176,20 @@ void take(const eds_ModelReader& model, Kind kind, const Run& run,
 inps_MeshCut inps_compareMeshCut(const eds_ModelReader& a, const eds_ModelReader& b,
                                  const inps_Tolerance& tolerance) {
   inps_MeshCut cut;
+  const DrawersOfArray drawersOfA = drawersOf(a);
+  const DrawersOfArray drawersOfB = drawersOf(b);
   for (const Kind kind : {Kind::NodeBlock, Kind::ElementBlock}) {
     const std::vector<Run> inB = runsOf(b, kind);
+    std::map<decltype(inB.front().Whole()), const Run*> byWhole;
+    for (const Run& run : inB) byWhole.try_emplace(run.Whole(), &run);
     for (const Run& run : runsOf(a, kind)) {
-      const auto other = std::ranges::find_if(inB, [&](const Run& one) {
-        return one.key == run.key && one.first == run.first && one.flatFirst == run.flatFirst &&
-               one.count == run.count;
-      });
-      if (other == inB.end() || other->counts == run.counts) continue;
-      if (!isSame({a, run.arrays}, {b, other->arrays}, tolerance)) continue;
-      take(a, kind, run, cut.a);
-      take(b, kind, *other, cut.b);
+      const auto found = byWhole.find(run.Whole());
+      if (found == byWhole.end()) continue;
+      const Run& other = *found->second;
+      if (other.counts == run.counts) continue;
+      if (!isSame({a, run.arrays}, {b, other.arrays}, tolerance)) continue;
+      take(drawersOfA, kind, run, cut.a);
+      take(drawersOfB, kind, other, cut.b);
     }
   }
   return cut;

@@ -50,11 +50,13 @@ public:
 private:
   bool IsPassedOver(eds_ObjectID object) const { return m_passedOver.contains(object.Packed()); }
 
-  static bool IsPartOfKey(const eds_FieldInfo& field) {
+  // Collections of nodes and of elements may have one name.
+  static bool IsPartOfKey(const eds_RecordInfo& kind, const eds_FieldInfo& field) {
     static constexpr std::string_view names[] = {"Name",  "Owner",        "Keyword", "Spec",
                                                  "Block", "Distribution", "Section", "Property",
                                                  "Table", "Given"};
-    return std::ranges::find(names, field.name) != std::end(names);
+    return std::ranges::find(names, field.name) != std::end(names) ||
+           (kind.kind == eds_RecordKind::Collection && field.name == "Type");
   }
 
   // Drawers of one distribution are told apart by those who hold them.
@@ -62,7 +64,7 @@ private:
     const eds_RecordInfo* info = eds_ModelReader::Info(object.RecordKind());
     if (!info) return true;
     for (std::size_t i = 0; i < info->fields.size(); ++i) {
-      if (!IsPartOfKey(info->fields[i])) continue;
+      if (!IsPartOfKey(*info, info->fields[i])) continue;
       const eds_FieldValue value = m_model.Value(info->kind, object.id, static_cast<int>(i));
       const auto* text = std::get_if<std::string_view>(&value);
       const auto* owner = std::get_if<eds_ObjectID>(&value);
@@ -99,7 +101,7 @@ private:
       key.append("/").append(held->second.second) +=
           "(" + KeyOf(held->second.first, depth + 1) + ")";
     for (std::size_t i = 0; i < info->fields.size(); ++i) {
-      if (!IsPartOfKey(info->fields[i])) continue;
+      if (!IsPartOfKey(*info, info->fields[i])) continue;
       const eds_FieldValue value = m_model.Value(info->kind, object.id, static_cast<int>(i));
       if (const auto* text = std::get_if<std::string_view>(&value)) key.append("/").append(*text);
       if (const auto* number = std::get_if<int64_t>(&value)) key += "/" + std::to_string(*number);
@@ -395,13 +397,18 @@ void Diff::CompareArrays(std::string_view what, int64_t a, int64_t b) {
 
 // What is held by a name is found by it, whatever its order; the rest is matched in its order.
 void Diff::CompareLinks(const std::vector<eds_LinkInfo>& a, const std::vector<eds_LinkInfo>& b) {
-  const auto keys = [](const std::vector<eds_LinkInfo>& links) {
+  const auto keys = [](const eds_ModelReader& model, const std::vector<eds_LinkInfo>& links) {
     cow_List<cow_String> texts;
-    for (const eds_LinkInfo& link : links) texts.push_back(inps_linkText(link));
+    for (const eds_LinkInfo& link : links) {
+      texts.push_back(inps_linkText(link));
+      if (!link.target.IsNull() && link.target.RecordKind() == eds_RecordKind::Collection)
+        texts.back() +=
+            " of type " + std::to_string(inps_intOf(model, eds_Collection_Type, link.target.id));
+    }
     return texts;
   };
-  const cow_List<cow_String> keysA = keys(a);
-  const inps_Matching matching(keysA, keys(b));
+  const cow_List<cow_String> keysA = keys(m_a.Model(), a);
+  const inps_Matching matching(keysA, keys(m_b.Model(), b));
   for (const auto& [inA, inB] : matching.both)
     if (!SameObject(a[inA].target, b[inB].target))
       Differ(keysA[inA], m_a.Model().Describe(a[inA].target), m_b.Model().Describe(b[inB].target));

@@ -1,4 +1,5 @@
 #include "inpS/history/inpS_DegreeLines.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
 #include <algorithm>
 
@@ -31,7 +32,7 @@ const Range& rangeOf(eds_RecordKind form) {
 inpS_DegreeLines::inpS_DegreeLines(const inp_Keyword& keyword, eds_RecordKind form)
     : m_first(rangeOf(form).first), m_last(rangeOf(form).last),
       m_what(m_last == 6 ? "Component" : "Degree of freedom"),
-      m_needsMagnitude(rangeOf(form).needsMagnitude && !keyword.HasParameter("user")) {}
+      m_needsMagnitude(rangeOf(form).needsMagnitude && !inpS_saysYes(keyword, "user")) {}
 
 bool inpS_DegreeLines::Has(eds_RecordKind form) {
   return std::ranges::find(ranges, form, &Range::form) != std::end(ranges);

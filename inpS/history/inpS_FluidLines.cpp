@@ -1,5 +1,6 @@
 #include "inpS/history/inpS_FluidLines.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -28,7 +29,7 @@ bool isFace(std::string_view label) {
 inpS_FluidLines::inpS_FluidLines(const inp_Keyword& keyword, eds_RecordKind form)
     : m_isOfFaces(form == eds_FormKind::FluidBoundaryElement),
       m_isOfNodes(form == eds_FormKind::FluidBoundaryNode),
-      m_needsMagnitude(!keyword.HasParameter("user")) {}
+      m_needsMagnitude(!inpS_saysYes(keyword, "user")) {}
 
 bool inpS_FluidLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (m_isOfFaces && !std::ranges::all_of(words[labelColumn]->All(), isFace)) return false;

@@ -1,5 +1,6 @@
 #include "inpS/history/inpS_LoadLines.h"
 #include "inpS/forms/inpS_ColumnTargets.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -21,8 +22,8 @@ bool isOfSurfaces(inp_KeywordEnm keyword) {
 // Of forces and fluxes; others have no magnitude, or one that may be left out.
 bool needsMagnitude(const inp_Keyword& keyword) {
   const inp_KeywordEnm kind = keyword.Kind();
-  return !keyword.HasParameter("user") && (kind == inp_KwDload || kind == inp_KwDsload ||
-                                           kind == inp_KwDflux || kind == inp_KwDsflux);
+  return !inpS_saysYes(keyword, "user") && (kind == inp_KwDload || kind == inp_KwDsload ||
+                                            kind == inp_KwDflux || kind == inp_KwDsflux);
 }
 
 cow_String textOfSurplus(const cow_String& label, int most) {
@@ -62,7 +63,7 @@ inpS_LoadLines::Label inpS_LoadLines::MakeLabel(const cow_String& text) const {
 // what follows the drag and the wind on slender elements, where further factors may stand.
 int inpS_LoadLines::MostValues(const Label& label) const {
   const bool isOfUser =
-      m_keyword.HasParameter("user") || label.text.ends_with("NU") || label.text.starts_with("U");
+      inpS_saysYes(m_keyword, "user") || label.text.ends_with("NU") || label.text.starts_with("U");
   const bool hasWords =
       std::ranges::find(kindsWithProperty, m_keyword.Kind()) != std::end(kindsWithProperty);
   if (isOfUser || hasWords) return kAnyNumber;

@@ -4,6 +4,7 @@
 #include "inpS/history/inpS_FieldVariable.h"
 #include "inpS/history/inpS_LoadLines.h"
 #include "inpS/history/inpS_NodalLines.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
 
@@ -15,7 +16,7 @@ inpS_LoadVisitor::inpS_LoadVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements
 // Decided here: a flux is given node by node where a routine of the user gives it, for each node
 // one of its own; a magnitude for a label is a region of one node, and taken.
 bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) {
-  if (keyword.Kind() == inp_KwCflux && keyword.HasParameter("user")) {
+  if (keyword.Kind() == inp_KwCflux && inpS_saysYes(keyword, "user")) {
     AddError(
         inp_Utils::MessageAtParameter(keyword, "user", "Node by node heat flux is not supported"));
     return false;
@@ -56,7 +57,7 @@ void inpS_LoadVisitor::CheckRelief(const inp_Keyword& keyword) {
                                        "Degree of freedom " + std::to_string(degree) +
                                            " is none of 1 to 6. It is kept as given."));
   }
-  if (keyword.HasParameter("fixed") && keyword.HasParameter("remove"))
+  if (inpS_saysYes(keyword, "fixed") && inpS_saysYes(keyword, "remove"))
     AddWarning(inp_Utils::MessageAtParameter(
         keyword, "fixed", "FIXED means nothing beside REMOVE. It is kept as given."));
 }

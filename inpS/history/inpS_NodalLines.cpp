@@ -1,5 +1,6 @@
 #include "inpS/history/inpS_NodalLines.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -93,8 +94,8 @@ void inpS_NodalLines::Tell(inp_Visitor& messages) const {
 inpS_BoundaryLines::inpS_BoundaryLines(const inp_Keyword& keyword, bool isFluidStep)
     : inpS_NodalLines(keyword, "Boundary condition references undefined nodes: ",
                       "Boundary condition references undefined nodes from instance %s: "),
-      m_isFluidStep(isFluidStep), m_isFixed(keyword.HasParameter("fixed")),
-      m_needsDegree(!keyword.HasParameter("submodel") && !keyword.HasParameter("file")) {}
+      m_isFluidStep(isFluidStep), m_isFixed(inpS_saysYes(keyword, "fixed")),
+      m_needsDegree(!inpS_saysYes(keyword, "submodel") && !keyword.HasParameter("file")) {}
 
 cow_String inpS_BoundaryLines::TextOfMissing(const cow_String& name) const {
   return "Boundary condition references undefined node set: " + name;
@@ -161,7 +162,7 @@ std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& l
 
 inpS_ConcentratedLines::inpS_ConcentratedLines(const inp_Keyword& keyword, bool isFluidStep)
     : inpS_NodalLines(keyword, "Cloadreferences undefined nodes: "), m_isFluidStep(isFluidStep),
-      m_isOfUser(keyword.HasParameter("user")) {}
+      m_isOfUser(inpS_saysYes(keyword, "user")) {}
 
 bool inpS_ConcentratedLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (m_isFluidStep || !words[firstColumn]->All().empty()) return false;

@@ -9,9 +9,7 @@
 namespace {
 
 bool isGenerated(const inp_Keyword& keyword) {
-  if (keyword.Kind() != inp_KwTimePoints) return false;
-  const inp_Item* generate = keyword.Find("generate");
-  return generate && inpS_flagValue(*generate).value_or(true);
+  return keyword.Kind() == inp_KwTimePoints && inpS_saysYes(keyword, "generate");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
+#include <algorithm>
 
 std::optional<bool> inpS_yesOrNo(std::string_view word) {
   const auto begins = [word](std::string_view whole, std::size_t least) {
@@ -15,6 +16,12 @@ std::optional<bool> inpS_yesOrNo(std::string_view word) {
 std::optional<bool> inpS_flagValue(const inp_Item& item) {
   if (item.IsFlag() || item.AsString().empty()) return true;
   return inpS_yesOrNo(item.AsString());
+}
+
+bool inpS_saysYes(const inp_Keyword& keyword, std::string_view name) {
+  const auto& all = keyword.Parameters();
+  const auto found = std::ranges::find(all, name, &inp_Parameter::name);
+  return found != all.end() && inpS_flagValue(found->value).value_or(false);
 }
 
 bool inpS_readFlag(const inp_Keyword& keyword, std::string_view name, inp_Visitor& messages,

@@ -11,6 +11,9 @@ class inp_Visitor;
 std::optional<bool> inpS_yesOrNo(std::string_view word);
 // Of a parameter, which says yes by being there; nothing for a value that is no such word.
 std::optional<bool> inpS_flagValue(const inp_Item& item);
+// Whether the parameter is given and says yes; a value that is no such word says nothing, as in the
+// record. To ask is not to read: the parameter stays as unread as it was.
+bool inpS_saysYes(const inp_Keyword& keyword, std::string_view name);
 
 // Whether a parameter that says yes by being there is given and not taken back by NO or OFF. A
 // value that is none of these words is told and counts as yes. Kept: such a parameter stays unread,

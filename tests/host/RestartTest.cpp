@@ -254,6 +254,17 @@ TEST_F(Restart, TellsThatItsBaseIsNotWhole) {
       << run.out;
 }
 
+// A set that a restart adds changes no order that counts: in its part nodes stand before elements.
+TEST_F(Restart, IsTheModelThatItsDeckGives) {
+  Written("*PART, NAME=P\n*NODE\n1, 0., 0.\n2, 1., 0.\n*ELEMENT, TYPE=T2D2, ELSET=E\n1, 1, 2\n"
+          "*END PART\n*ASSEMBLY, NAME=A\n*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n"
+          "*END ASSEMBLY\n",
+          "*PART, NAME=P\n*NSET, NSET=N\n2\n*END PART\n");
+  ProgramRun({"convert", File("more.out"), "-o", File("again.sim")});
+  const ProgramRun diff({"diff", File("more.sim"), File("again.sim")});
+  EXPECT_EQ(diff.exitCode, 0) << diff.out;
+}
+
 // What has no nodes is there all the same: others have counted on it.
 TEST_F(Restart, FillsNoEmptyPartOfItsBase) {
   const cow_String base = "*PART, NAME=P\n*END PART\n*ASSEMBLY, NAME=A\n"
