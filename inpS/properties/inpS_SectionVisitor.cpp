@@ -292,7 +292,7 @@ void inpS_SectionVisitor::CheckPlyNames(const inp_Keyword& keyword) {
   }
 }
 
-// Of all that a line names so, of plies and segments as well.
+// Of all that a line names so, of plies as well; behind the segments of a profile its axes stand.
 void inpS_SectionVisitor::CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form) {
   const inp_DataArray& data = keyword.Data();
   const auto check = [&](long long row, const cow_List<eds_FormItem>& items) {
@@ -308,7 +308,7 @@ void inpS_SectionVisitor::CheckThickness(const inp_Keyword& keyword, const eds_F
   const auto own = static_cast<long long>(form.lines.size());
   for (long long row = 0; row < std::min(own, data.Rows()); ++row)
     check(row, form.lines[static_cast<std::size_t>(row)]);
-  if (form.data != eds_FormData::Records) return;
+  if (form.data != eds_FormData::Records || form.record != eds_FormKind::SectionPly) return;
   const auto& lines = eds_formOf(form.record)->lines;
   for (long long row = own; row < data.Rows(); ++row)
     check(row, lines[static_cast<std::size_t>(row - own) % lines.size()]);
