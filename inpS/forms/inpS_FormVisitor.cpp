@@ -355,11 +355,12 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOfWords(const inp_Keyword& keyword,
     all = std::max(all, form ? LossOf(*form, name) : Loss::Keyword);
   for (const cow_String& name : unknown)
     TellLost(keyword, name, wordOf(keyword, name) + " says nothing.",
-             form && all != Loss::Keyword ? LossOf(*form, name) : all, false);
+             form && all != Loss::Keyword ? LossOf(*form, name) : all, true);
   return all;
 }
 
-// Once for each parameter, whoever meets it next.
+// Once for each parameter, whoever meets it next. A word that is none is a doubt, a name that is
+// nowhere may be an error.
 void inpS_FormVisitor::TellLost(const inp_Keyword& keyword, const cow_String& parameter,
                                 const cow_String& fault, Loss loss, bool isDoubt) {
   constexpr const char* texts[] = {
@@ -379,6 +380,13 @@ void inpS_FormVisitor::TellLost(const inp_Keyword& keyword, const cow_String& pa
 // is lost.
 bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Form& form,
                                        Loss& loss) {
+  struct Missing {
+    cow_String parameter;
+    cow_String fault;
+    Loss loss;
+    bool isText;
+  };
+  cow_List<Missing> missing; // told behind all: another one may cost the keyword
   bool good = true;
   for (std::size_t n = 0; n < form.parameters.size(); ++n) {
     const inpS_ParameterBinding& parameter = form.parameters[n];
@@ -399,11 +407,10 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
     const inp_KeywordEnm definer = inpS_FormTable::Instance().DefinerOf(referable);
     const bool isText = definer != inp_NullKeyword && Inventory().Names(definer, item->AsString());
     if (const Loss lost = LossOf(form, parameter.key); lost != Loss::Keyword) {
-      TellLost(keyword, parameter.key,
-               isText ? nameOf(definer) + " \"" + item->AsString() + "\" is kept as text."
-                      : m_names.TextOfMissing(referable, item->AsString()),
-               lost, isText);
-      loss = std::max(loss, lost);
+      missing.push_back({parameter.key,
+                         isText ? nameOf(definer) + " \"" + item->AsString() + "\" is kept as text."
+                                : m_names.TextOfMissing(referable, item->AsString()),
+                         lost, isText});
       continue;
     }
     if (isText)
@@ -414,6 +421,11 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
     else
       TellMissing(keyword, parameter.key, referable, item->AsString());
     good = false;
+  }
+  for (const Missing& one : missing) {
+    const Loss lost = good ? one.loss : Loss::Keyword;
+    TellLost(keyword, one.parameter, one.fault, lost, one.isText);
+    loss = std::max(loss, lost);
   }
   return good;
 }

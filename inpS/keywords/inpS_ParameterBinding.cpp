@@ -115,7 +115,8 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
     if (!keyword.LeaveUnread(row.key)) continue;
     wip_Message message = inp_Utils::MessageAtParameter(
         keyword, row.key, row.name + value + " " + fault + "; it is kept as it stands.");
-    if (saysYesOrNo(row) && !item->IsFlag())
+    const bool isWord = row.codec == inpS_Codec::Word || row.codec == inpS_Codec::Choice;
+    if ((isWord || saysYesOrNo(row)) && !item->IsFlag())
       messages.AddWarning(std::move(message));
     else
       messages.AddError(std::move(message));
