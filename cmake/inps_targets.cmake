@@ -59,9 +59,10 @@ function(inps_library target kind)
 endfunction()
 
 # A fifth of a build of its own kind. Not for the usual one, which tells what header a unit forgot.
-# Static libraries are compiled alike and share what the first of them makes.
+# Static libraries of one visibility are compiled alike and share what the first of them makes.
 function(inps_precompile target kind)
-  get_property(first GLOBAL PROPERTY inps_precompiled)
+  set(shared "inps_precompiled_${CMAKE_CXX_VISIBILITY_PRESET}")
+  get_property(first GLOBAL PROPERTY ${shared})
   if(kind STREQUAL STATIC AND first)
     target_precompile_headers(${target} REUSE_FROM ${first})
     return()
@@ -69,6 +70,6 @@ function(inps_precompile target kind)
   target_precompile_headers(${target} PRIVATE <algorithm> <filesystem> <functional> <map> <memory>
                             <mutex> <optional> <span> <string> <unordered_map> <vector>)
   if(kind STREQUAL STATIC)
-    set_property(GLOBAL PROPERTY inps_precompiled ${target})
+    set_property(GLOBAL PROPERTY ${shared} ${target})
   endif()
 endfunction()
