@@ -120,7 +120,10 @@ void inpS_VerbatimVisitor::Visit(const inp_Keyword& keyword) {
     m_records.insert_or_assign({HolderOf(keyword).Object().Packed(), block}, *record);
   const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   const bool isSettled = m_ledger.IsSettled(keyword);
-  if (!isSettled && IsOfLackingOwner(keyword)) return keyword.ReferAll(); // told at the owner
+  if (!isSettled && IsOfLackingOwner(keyword)) { // told at the owner
+    m_block = before;
+    return keyword.ReferAll();
+  }
   const bool isExplained = told && (told->isTold || !told->reason.empty());
   const bool isMisplaced = !isExplained && keyword.Kind() != inp_KwBaselineCorrection && // told
                            m_places.Look(keyword, isSettled);
