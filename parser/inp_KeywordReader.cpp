@@ -150,6 +150,8 @@ void inp_KeywordReader::ReadName(Line& line) {
     return;
   }
   m_body->kind = m_table.Find(spelt);
+  // As the line is kept, so it is read.
+  if (!m_table.Row(m_body->kind)) m_body->kind = m_table.Find(withoutControls(spelt));
   if (const inp_KeywordRow* row = m_table.Row(m_body->kind)) {
     m_body->name = row->name;
     return;

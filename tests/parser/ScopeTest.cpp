@@ -73,6 +73,10 @@ TEST(Suboptions, AttachToTheNearestThatAdmitsThem) {
       {"*Material, name=m\n*Elastic\n*Plastic\n*Rate dependent\n*Density",
        "ELASTIC<MATERIAL PLASTIC<MATERIAL DENSITY<MATERIAL RATE DEPENDENT<PLASTIC "},
       {"*Elastic\n*Rate dependent", ""},
+      // Control characters are left out of a keyword's name, too.
+      {"*Mat\x18"
+       "erial, name=m\n*Elastic",
+       "ELASTIC<MATERIAL "},
       // A material stays open, for what may stand right under it and what it then has.
       {"*Material, name=m\n*Node\n*Elastic", "ELASTIC<MATERIAL "},
       {"*Material, name=m\n*Plastic\n*Node\n*Rate dependent",
