@@ -23,6 +23,13 @@ bool isInStep(const inp_Keyword& keyword) {
   return keyword.Scope().kind == inp_Scope::Kind::Step;
 }
 
+// What is the whole model's wherever it stands: a written deck has it before its steps, and what it
+// stood between goes together there.
+bool isOfModelIn(const inp_Keyword& step) {
+  return isInStep(step) && (step.Kind() == inp_KwAmplitude || step.Kind() == inp_KwNset ||
+                            step.Kind() == inp_KwElset);
+}
+
 bool admits(const inp_Keyword& open, const inp_Keyword& keyword) {
   return inp_KeywordTable::Instance().IsSuboptionOf(keyword.Kind(), open.Kind());
 }
@@ -91,6 +98,10 @@ void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
   if (isNameless(keyword)) return Resume(keyword);
   if (!m_open.empty() && m_open.back().ScopePtr() != keyword.ScopePtr()) CloseOpen();
   if (!m_apart.empty() && m_apart.back().ScopePtr() != keyword.ScopePtr()) m_apart.clear();
+  if (isOfModelIn(keyword)) {
+    m_apart.assign(1, keyword);
+    return;
+  }
   if (row->parents.empty() || standsAlone(*row, *keyword.Body())) CloseOpen();
   if (isContainer(keyword.Kind()) && !isInStep(keyword))
     std::erase_if(m_held, [&](const auto& held) { return held.front().Kind() == keyword.Kind(); });

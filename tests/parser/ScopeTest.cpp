@@ -87,6 +87,9 @@ TEST(Suboptions, AttachToTheNearestThatAdmitsThem) {
        "PLASTIC<MATERIAL RATE DEPENDENT<PLASTIC "},
       {"*Material, name=m\n*Material\n*Elastic", "ELASTIC<MATERIAL "},
       {"*Material, name=m\n*Step\n*Elastic\n*End step", ""},
+      // What leaves a step for the model tears nothing in it apart.
+      {"*Step\n*Material, name=m\n*Amplitude, name=a\n*Baseline correction\n*Elastic\n*End step",
+       "ELASTIC<MATERIAL BASELINE CORRECTION<AMPLITUDE "},
       {"*Material, name=m\n*Elastik\n*Plastic", "PLASTIC<MATERIAL "},
       {"*Material, name=m\n*Elastic\n*Material, name=n\n*Elastic",
        "ELASTIC<MATERIAL ELASTIC<MATERIAL "},
