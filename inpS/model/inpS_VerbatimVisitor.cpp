@@ -163,7 +163,9 @@ bool inpS_VerbatimVisitor::IsOfLackingOwner(const inp_Keyword& keyword) const {
 const KvoSimPosition* inpS_VerbatimVisitor::RecordOfBlock(const inp_Keyword& keyword,
                                                           int block) const {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
-  const bool isOwn = block == kHistoryBlock || (row && row->block == block);
+  const bool isOfHistory =
+      keyword.Kind() == inp_KwStep || keyword.Scope().kind == inp_Scope::Kind::Step;
+  const bool isOwn = (block == kHistoryBlock && isOfHistory) || (row && row->block == block);
   const bool hasForms = isOwn && inpS_block(block).HasForms() && keyword.Kind() != inp_KwAmplitude;
   return hasForms ? m_ledger.RecordOf(keyword) : nullptr;
 }
