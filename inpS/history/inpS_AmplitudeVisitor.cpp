@@ -204,12 +204,7 @@ void inpS_AmplitudeVisitor::Remove(const KvoSimPosition& amplitude) {
   GatherFormerTexts();
   const auto packed = amplitude.Object().Packed();
   const auto suboptions = m_suboptions.equal_range(packed);
-  for (auto at = suboptions.first; at != suboptions.second; ++at) {
-    m_ledger.LeaveOut(at->second);
-    at->second.ReferAll();
-    Warning(at->second, "The amplitude of this *" + at->second.Name() +
-                            " is defined again; it is left out with it.");
-  }
+  for (auto at = suboptions.first; at != suboptions.second; ++at) LeaveWithOwner(at->second);
   m_suboptions.erase(packed);
   const auto texts = m_formerTexts.equal_range(packed);
   for (auto at = texts.first; at != texts.second; ++at) at->second.Remove();
@@ -421,12 +416,14 @@ void inpS_AmplitudeVisitor::LeaveToLater(const inp_Keyword& keyword, const inp_K
   Warning(later, "Amplitude \"" + name + "\" is defined again; the new definition holds.");
   keyword.ReferAll();
   m_ledger.LeaveOut(keyword);
-  for (const inp_Keyword& suboption : keyword.Suboptions()) {
-    m_ledger.LeaveOut(suboption);
-    suboption.ReferAll();
-    Warning(suboption, "The amplitude of this *" + suboption.Name() +
-                           " is defined again; it is left out with it.");
-  }
+  for (const inp_Keyword& suboption : keyword.Suboptions()) LeaveWithOwner(suboption);
+}
+
+void inpS_AmplitudeVisitor::LeaveWithOwner(const inp_Keyword& suboption) {
+  m_ledger.LeaveOut(suboption);
+  suboption.ReferAll();
+  Warning(suboption, "The amplitude of this *" + suboption.Name() +
+                         " is defined again; it is left out with it.");
 }
 
 // What stands below it belongs to no other amplitude: it stays with the model.

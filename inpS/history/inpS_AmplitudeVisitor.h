@@ -40,6 +40,7 @@ private:
   double ValueAt(const inp_Keyword& keyword, long long row, int col);
   void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);
   void LeaveToLater(const inp_Keyword& keyword, const inp_Keyword& later, const cow_String& name);
+  void LeaveWithOwner(const inp_Keyword& suboption);
   void Ignore(const inp_Keyword& keyword);
   void TellOfStray(const inp_Keyword& keyword, const char* why);
   void KeepAsText(const inp_Keyword& keyword);
