@@ -110,6 +110,7 @@ public:
       column.ints.Clear();
       column.reals.Clear();
     }
+    m_given = 0;
     if (m_names.All().size() > static_cast<std::size_t>(utl_blockSize(keptNames))) m_names.Clear();
     m_known = m_names.All().size();
     m_odd.clear();
@@ -125,7 +126,7 @@ public:
     m_view.clear();
     for (Column& column : m_columns) m_view.push_back({column.ints, column.reals});
     for (inp_OddRow& odd : m_odd) odd.row += firstRow;
-    return {m_count, m_view, m_names.All(), m_known, slot, m_odd, firstRow};
+    return {m_count, m_view, m_given, m_names.All(), m_known, slot, m_odd, firstRow};
   }
   long long Rows() const { return m_rows; }
 
@@ -150,22 +151,23 @@ private:
     TakeOneByOne(stretch);
   }
 
-  // Lines of one field of the plainest form for each column, column by column; false: some are not,
-  // and nothing is taken.
+  // Lines of equally many fields of the plainest form, column by column; false: some are not, and
+  // nothing is taken.
   bool TakeLikeLines(const inp_Stretch& stretch) {
-    const std::size_t width = m_columns.size();
-    if (stretch.count != stretch.lines * width) return false;
+    const std::size_t width = stretch.lines == 0 ? 0 : stretch.count / stretch.lines;
+    if (width > m_columns.size() || stretch.count != stretch.lines * width) return false;
     for (std::size_t line = 0; line < stretch.lines; ++line)
       if (stretch.places[(line + 1) * width - 1] != stretch.feeds[line]) return false;
     for (std::size_t c = 0; c < width; ++c)
-      if (!TakeColumn(c, stretch)) return false;
+      if (!TakeColumn(c, width, stretch)) return false;
+    for (std::size_t c = width; c < m_columns.size(); ++c) FillBlank(c, stretch.lines);
+    m_given = std::max(m_given, width);
     m_count += stretch.lines;
     m_rows += static_cast<long long>(stretch.lines);
     return true;
   }
 
-  bool TakeColumn(std::size_t c, const inp_Stretch& stretch) {
-    const std::size_t width = m_columns.size();
+  bool TakeColumn(std::size_t c, std::size_t width, const inp_Stretch& stretch) {
     int* const ints = HasInts(c) ? m_columns[c].ints.Data() + m_count : nullptr;
     double* const reals = HasReals(c) ? m_columns[c].reals.Data() + m_count : nullptr;
     const auto each = [&](auto take) {
@@ -239,6 +241,7 @@ private:
       if (isBehindAll ? begin != lineEnd : !TakeField(c, begin, end)) return false;
       if (isBehindAll) --c;
     }
+    m_given = std::max(m_given, c);
     for (; c < m_columns.size(); ++c) SetBlank(c);
     return true;
   }
@@ -284,6 +287,11 @@ private:
     return true;
   }
 
+  void FillBlank(std::size_t c, std::size_t rows) {
+    if (HasReals(c)) std::fill_n(m_columns[c].reals.Data() + m_count, rows, inp_blankReal);
+    if (HasInts(c)) std::fill_n(m_columns[c].ints.Data() + m_count, rows, inp_blankInt);
+  }
+
   void SetBlank(std::size_t c) {
     if (HasReals(c)) m_columns[c].reals[m_count] = inp_blankReal;
     if (HasInts(c)) m_columns[c].ints[m_count] = inp_blankInt;
@@ -294,6 +302,7 @@ private:
     if (inp_lineKind(line, lineEnd) != inp_LineKind::Data) return;
     const long long row = m_rows++;
     if (inp_trim(line, lineEnd).empty()) return;
+    m_given = m_columns.size();
     for (std::size_t c = 0; c < m_columns.size(); ++c) SetBlank(c);
     bool plain = std::memchr(line, '"', static_cast<std::size_t>(lineEnd - line)) == nullptr;
     const char* begin = line;
@@ -342,6 +351,7 @@ private:
   cow_List<inp_ColumnPiece::Column> m_view;
   Names m_names;
   std::size_t m_known = 0;
+  std::size_t m_given = 0;    // columns of which some row has a field
   cow_List<inp_OddRow> m_odd; // row and slot within the piece
   inp_LineScan m_scan;
   int m_wait = 0; // stretches

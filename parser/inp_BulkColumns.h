@@ -38,6 +38,20 @@ inline constexpr int inp_namePlace(int code) {
   return code - inp_firstNameCode;
 }
 
+// Looked at in one go, several at once.
+inline bool inp_hasBlank(std::span<const double> values) {
+  long long blanks = 0;
+  for (const double value : values) blanks |= static_cast<long long>(inp_isBlankReal(value));
+  return blanks != 0;
+}
+inline bool inp_areWithin(std::span<const int> values, int low, int high) {
+  unsigned outside = 0;
+  const unsigned range = static_cast<unsigned>(high) - static_cast<unsigned>(low);
+  for (const int value : values)
+    outside |= static_cast<unsigned>(value) - static_cast<unsigned>(low) > range;
+  return outside == 0;
+}
+
 // Some thousand rows, still in the cache. Blank lines are no rows.
 struct inp_ColumnPiece {
   struct Column {
@@ -46,6 +60,7 @@ struct inp_ColumnPiece {
   };
   std::size_t count = 0;           // rows
   std::span<const Column> columns; // as asked for
+  std::size_t given = 0;           // columns from here on are blank in all rows
   // Each once, as written, without the blanks around it: those of the piece, and behind one another
   // those of the earlier pieces of its slot. The first `known` were there with the slot's last
   // piece.

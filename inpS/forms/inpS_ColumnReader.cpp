@@ -78,7 +78,9 @@ void inpS_ColumnReader::Take(const Piece& piece) {
     return Drop(piece, m_isFaulty);
   }
   for (std::size_t c = 0; c < m_types.size(); ++c) {
-    if (m_types[c] == inp_ColumnType::Real)
+    if (c >= piece.given)
+      m_columns[c].AppendBlank(piece.count);
+    else if (m_types[c] == inp_ColumnType::Real)
       m_columns[c].Append(std::span<const double>(piece.columns[c].reals.first(piece.count)));
     else
       m_columns[c].Append(std::span<const int>(piece.columns[c].ints.first(piece.count)));
@@ -101,8 +103,9 @@ bool inpS_ColumnReader::FindFaults(const Piece& piece) {
     const bool isRequired = m_form.columnItems[c].isRequired;
     const bool isNamed = m_targets[c] || m_words[c];
     const auto& [ints, reals] = piece.columns[c];
+    if (c >= piece.given && !isRequired) continue;
     if (m_types[c] == inp_ColumnType::Real) {
-      if (isRequired) note(reals, inp_isBlankReal);
+      if (isRequired && inp_hasBlank(reals.first(piece.count))) note(reals, inp_isBlankReal);
     } else if (isRequired || isNamed) {
       const int blank = isRequired ? inp_blankInt : inpS_noTarget;
       const int none = isNamed ? inpS_noTarget : inp_blankInt;

@@ -1,5 +1,6 @@
 #include "inpS/forms/inpS_ColumnStore.h"
 #include "database/KvoSimDataRecord.h"
+#include "parser/inp_BulkColumns.h"
 #include <algorithm>
 #include <bit>
 
@@ -7,11 +8,12 @@ namespace {
 
 constexpr std::size_t kFewBytes = 512; // of a column that is kept as bytes
 
-template <class T> bool isSame(T a, T b) {
-  if constexpr (std::is_same_v<T, double>)
-    return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b);
-  else
-    return a == b;
+// All of them looked at, several at once; blank reals are the same, too.
+template <class T> bool areAll(std::span<const T> values, T one) {
+  using Bits = std::conditional_t<std::is_same_v<T, double>, uint64_t, uint32_t>;
+  Bits differs = 0;
+  for (const T value : values) differs |= std::bit_cast<Bits>(value) ^ std::bit_cast<Bits>(one);
+  return differs == 0;
 }
 
 } // namespace
@@ -24,12 +26,22 @@ template <class T>
 void inpS_ColumnStore::Take(std::span<const T> values, cow_List<T>& few, T& first) {
   if (values.empty()) return;
   if (m_rows == 0) first = values.front();
-  if (m_isOne && !std::ranges::all_of(values, [&](T value) { return isSame(value, first); })) {
+  if (m_isOne && !areAll(values, first)) {
     m_isOne = false;
     Spread(few, first);
   }
   if (!m_isOne) AppendTo(values, few);
   m_rows += static_cast<long long>(values.size()) / m_perRow;
+}
+
+template <class T>
+void inpS_ColumnStore::TakeBlank(std::size_t rows, T blank, cow_List<T>& few, T& first) {
+  if (rows == 0) return;
+  if (!m_isOne || (m_rows > 0 && !areAll(std::span<const T>(&first, 1), blank)))
+    return Take(std::span<const T>(cow_List<T>(rows * static_cast<std::size_t>(m_perRow), blank)),
+                few, first);
+  first = blank;
+  m_rows += static_cast<long long>(rows);
 }
 
 // What all rows had so far, row by row.
@@ -61,6 +73,13 @@ void inpS_ColumnStore::Append(std::span<const int> values) {
 
 void inpS_ColumnStore::Append(std::span<const double> values) {
   Take(values, m_reals, m_firstReal);
+}
+
+void inpS_ColumnStore::AppendBlank(std::size_t rows) {
+  if (IsReal())
+    TakeBlank(rows, inp_blankReal, m_reals, m_firstReal);
+  else
+    TakeBlank(rows, inp_blankInt, m_ints, m_firstInt);
 }
 
 void inpS_ColumnStore::Finish() {

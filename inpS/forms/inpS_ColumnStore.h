@@ -13,10 +13,12 @@ public:
 
   void Append(std::span<const int> values);
   void Append(std::span<const double> values);
+  void AppendBlank(std::size_t rows);
   void Finish(); // sets the fields of the record
 
 private:
   template <class T> void Take(std::span<const T> values, cow_List<T>& few, T& first);
+  template <class T> void TakeBlank(std::size_t rows, T blank, cow_List<T>& few, T& first);
   template <class T> void Spread(cow_List<T>& few, T first);
   template <class T> void AppendTo(std::span<const T> values, cow_List<T>& few);
   bool IsReal() const { return m_item.alternatives.front().type == eds_FormType::Real; }

@@ -30,6 +30,8 @@ public:
     }
   }
 
+  bool IsOne() const { return !m_array && m_few.empty(); } // value for all rows
+
   void Read(long long first, std::span<T> out) {
     if (m_array) return m_array->Read(first, out);
     if (m_few.empty())

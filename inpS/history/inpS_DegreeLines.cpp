@@ -42,10 +42,8 @@ bool inpS_DegreeLines::IsSound(const inp_ColumnPiece& piece, Words) {
   bool isSound = true;
   for (const int degree : piece.columns[degreeColumn].ints.first(piece.count))
     isSound &= degree == inp_blankInt || (degree >= m_first && degree <= m_last);
-  if (m_needsMagnitude)
-    for (const double magnitude : piece.columns[magnitudeColumn].reals.first(piece.count))
-      isSound &= !inp_isBlankReal(magnitude);
-  return isSound;
+  return isSound && !(m_needsMagnitude &&
+                      inp_hasBlank(piece.columns[magnitudeColumn].reals.first(piece.count)));
 }
 
 std::optional<inpS_LineFault> inpS_DegreeLines::FaultOf(const inpS_LineView& line) {

@@ -80,7 +80,7 @@ int inpS_LoadLines::MostValues(const Label& label) const {
 bool inpS_LoadLines::MayHaveSurplus(const inp_ColumnPiece& piece) const {
   const int least = std::ranges::min(m_labels, {}, &Label::most).most;
   const auto behind = static_cast<std::size_t>(firstValue + std::min(least, kAnyNumber));
-  for (std::size_t c = behind; c < piece.columns.size(); ++c)
+  for (std::size_t c = behind; c < piece.given; ++c)
     if (std::ranges::any_of(
             piece.columns[c].reals.first(std::min(piece.count, piece.columns[c].reals.size())),
             [](double value) { return !inp_isBlankReal(value); }))
@@ -139,8 +139,7 @@ inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
 bool inpS_LoadLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (words[labelColumn]->All().empty()) return true;
   LabelAt(-1, words);
-  if (m_needsMagnitude &&
-      std::ranges::any_of(piece.columns[firstValue].reals.first(piece.count), inp_isBlankReal))
+  if (m_needsMagnitude && inp_hasBlank(piece.columns[firstValue].reals.first(piece.count)))
     return false;
   const bool maySurplus = MayHaveSurplus(piece);
   if (!maySurplus && std::ranges::all_of(m_labels, &Label::IsCarefree)) return true;

@@ -166,14 +166,13 @@ inpS_ConcentratedLines::inpS_ConcentratedLines(const inp_Keyword& keyword, bool 
 
 bool inpS_ConcentratedLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (m_isFluidStep || !words[firstColumn]->All().empty()) return false;
-  bool isSound = true;
-  for (const int degree : piece.columns[firstColumn].ints.first(piece.count))
-    isSound &= degree >= 1 && degree <= mostLoaded;
-  for (const double magnitude : piece.columns[magnitudeColumn].reals.first(piece.count))
-    isSound &= m_isOfUser || !inp_isBlankReal(magnitude);
-  for (const double surplus : piece.columns[magnitudeColumn + 1].reals.first(piece.count))
-    isSound &= inp_isBlankReal(surplus);
-  return isSound;
+  if (!inp_areWithin(piece.columns[firstColumn].ints.first(piece.count), 1, mostLoaded))
+    return false;
+  if (!m_isOfUser && inp_hasBlank(piece.columns[magnitudeColumn].reals.first(piece.count)))
+    return false;
+  constexpr int surplus = magnitudeColumn + 1;
+  return piece.given <= surplus ||
+         std::ranges::all_of(piece.columns[surplus].reals.first(piece.count), inp_isBlankReal);
 }
 
 std::optional<inpS_LineFault> inpS_ConcentratedLines::FaultOf(const inpS_LineView& line) {
