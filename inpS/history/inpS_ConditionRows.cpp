@@ -1,4 +1,5 @@
 #include "inpS/history/inpS_ConditionRows.h"
+#include "base/utl_BlockSize.h"
 #include "database/KvoSimCSet.h"
 #include "database/schema/eds_FormKind.h"
 #include "database/schema/eds_Schema.h"
@@ -38,9 +39,8 @@ inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
     if (column < 0) return;
     const eds_FormItem& item = itemOf(kind, column);
     const int field = item.alternatives.front().field;
-    ints.column.emplace(m_record, item, m_count, 1,
-                        m_record.IsMemberNull(field) ? inp_blankInt : m_record.GetInt(field),
-                        *m_guard);
+    ints.emplace(m_record, item, m_count, 1,
+                 m_record.IsMemberNull(field) ? inp_blankInt : m_record.GetInt(field), *m_guard);
   };
   open(m_target, kind.target);
   open(m_first, kind.first);
@@ -60,6 +60,7 @@ inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
   m_targetWords = wordsOf(kind.target);
   m_labels = wordsOf(kind.label);
   m_firstWords = wordsOf(kind.first);
+  if (kind.form != eds_FormKind::Boundary) return;
   for (const cow_String& word : m_firstWords) m_restraints.push_back(restraintOf(word));
 }
 
@@ -98,62 +99,86 @@ cow_String inpS_ConditionRows::Label(int place) const {
 }
 
 void inpS_ConditionRows::Load() {
-  m_begin = m_next;
-  m_loaded = std::min(m_count, m_next + kPiece);
-  const auto count = static_cast<std::size_t>(m_loaded - m_begin);
-  for (Ints* ints : {&m_target, &m_first, &m_last, &m_label}) {
-    ints->values.resize(count, inp_blankInt);
-    if (ints->column) ints->column->Read(m_begin, ints->values);
-  }
-  if (m_isWords) {
-    m_words.assign(count, inp_blankInt);
-    std::swap(m_words, m_target.values);
-  }
-  FindLooks(count);
-  m_values.resize(count);
-  if (!m_value) return;
-  m_value->Read(m_begin, m_values);
-  SettleValues();
+  ReadRows(m_next, std::min(m_count, m_next + utl_blockSize(kPiece)), m_own);
+  ReadValues(m_own);
+  m_loaded = m_next + static_cast<long long>(m_own.values.size());
+  while (m_looks.size() < m_own.known.size()) LookOf(m_own.known[m_looks.size()]);
 }
 
-bool inpS_ConditionRows::NextPiece(Piece& piece) {
-  if (m_next >= m_count) return false;
-  Load();
-  m_next = m_loaded;
-  piece = {m_begin, m_target.values, m_lookOfRow, m_values};
-  return true;
+std::size_t inpS_ConditionRows::PieceCount() const {
+  const long long rows = utl_blockSize(kPiece);
+  return static_cast<std::size_t>((m_count + rows - 1) / rows);
 }
 
-void inpS_ConditionRows::FindLooks(std::size_t count) {
+void inpS_ConditionRows::ReadLooks(std::size_t number, Piece& piece) {
+  constexpr std::size_t mostKnown = 4096; // each costs whoever counts rows by look
+  if (piece.known.size() > mostKnown) piece = {};
+  const long long begin = static_cast<long long>(number) * utl_blockSize(kPiece);
+  ReadRows(begin, std::min(m_count, begin + utl_blockSize(kPiece)), piece);
+}
+
+void inpS_ConditionRows::ReadRows(long long begin, long long end, Piece& piece) {
+  const auto count = static_cast<std::size_t>(end - begin);
+  const auto read = [&](Ints& column, cow_List<int>& values) {
+    values.resize(count, inp_blankInt);
+    if (column) column->Read(begin, values);
+  };
+  piece.firstRow = begin;
+  read(m_target, m_isWords ? piece.words : piece.targets);
+  if (m_isWords) piece.targets.assign(count, inp_blankInt);
+  read(m_first, piece.first);
+  read(m_last, piece.last);
+  read(m_label, piece.label);
+  FindLooks(count, piece);
+}
+
+void inpS_ConditionRows::FindLooks(std::size_t count, Piece& piece) const {
   const auto packed = [](int high, int low) {
     return static_cast<uint64_t>(static_cast<unsigned>(high)) << 32 | static_cast<unsigned>(low);
   };
-  m_lookOfRow.resize(count);
+  const auto find = [&](const Codes& codes) {
+    const auto [look, isNew] =
+        piece.placeOf.try_emplace(codes, static_cast<int>(piece.known.size()));
+    if (isNew) piece.known.push_back(codes);
+    return look->second;
+  };
+  const auto varies = [](const Ints& column) { return column && !column->IsOne(); };
+  if (count > 0 && !m_isWords && !varies(m_first) && !varies(m_last) && !varies(m_label)) {
+    piece.looks.assign(count, find({0, piece.first[0], piece.last[0], piece.label[0]}));
+    return;
+  }
+  piece.looks.resize(count);
   for (std::size_t n = 0; n < count; ++n) {
-    const int word = m_isWords ? m_words[n] : 0;
-    const uint64_t degrees = packed(m_first.values[n], m_last.values[n]);
-    const uint64_t words = packed(m_label.values[n], word);
+    const int word = m_isWords ? piece.words[n] : 0;
+    const uint64_t degrees = packed(piece.first[n], piece.last[n]);
+    const uint64_t words = packed(piece.label[n], word);
     const uint64_t mixed = degrees + 7 * words + (degrees >> 30) + (words >> 29);
-    Latest& latest = m_latest[mixed % m_latest.size()];
+    Piece::Latest& latest = piece.latest[mixed % piece.latest.size()];
     if (latest.place < 0 || latest.degrees != degrees || latest.words != words)
-      latest = {degrees, words,
-                FindLook({word, m_first.values[n], m_last.values[n], m_label.values[n]})};
-    m_lookOfRow[n] = latest.place;
+      latest = {degrees, words, find({word, piece.first[n], piece.last[n], piece.label[n]})};
+    piece.looks[n] = latest.place;
   }
 }
 
 // None given is 0, and so is that of a word which says all.
-void inpS_ConditionRows::SettleValues() {
-  bool hasRestraints = false;
-  for (const inpS_ConditionRow& look : m_looks) hasRestraints |= look.restraint >= 0;
-  for (double& value : m_values)
+void inpS_ConditionRows::ReadValues(Piece& piece) {
+  piece.values.resize(piece.looks.size());
+  if (!m_value) return;
+  m_value->Read(piece.firstRow, piece.values);
+  for (double& value : piece.values)
     if (inp_isBlankReal(value)) value = 0;
-  if (!hasRestraints) return;
-  for (std::size_t n = 0; n < m_values.size(); ++n)
-    if (m_looks[static_cast<std::size_t>(m_lookOfRow[n])].restraint >= 0) m_values[n] = 0;
+  if (m_restraints.empty()) return;
+  for (std::size_t n = 0; n < piece.values.size(); ++n)
+    if (RestraintOf(piece.first[n]) >= 0) piece.values[n] = 0;
 }
 
-int inpS_ConditionRows::FindLook(const Codes& codes) {
+double inpS_ConditionRows::ValueOf(long long row, const inpS_ConditionRow& look) {
+  double value = 0;
+  if (m_value && look.restraint < 0) m_value->Read(row, {&value, 1});
+  return inp_isBlankReal(value) ? 0 : value;
+}
+
+int inpS_ConditionRows::LookOf(const Codes& codes) {
   const auto [look, isNew] = m_lookOf.try_emplace(codes, static_cast<int>(m_looks.size()));
   if (isNew) {
     m_looks.push_back(MakeLook(codes));
@@ -171,8 +196,15 @@ inpS_ConditionRow inpS_ConditionRows::MakeLook(const Codes& codes) {
     row.label = known->second;
   } else if (codes.label < 0 && codes.label != inp_blankInt)
     row.label = -1 - codes.label;
-  if (m_first.column) SetDegrees(row, codes);
+  if (m_first) SetDegrees(row, codes);
   return row;
+}
+
+// -1: it is no word, or none of a restraint.
+int inpS_ConditionRows::RestraintOf(int code) const {
+  if (code >= 0 || code == inp_blankInt) return -1;
+  const auto word = static_cast<std::size_t>(-1 - code);
+  return word < m_restraints.size() ? m_restraints[word] : -1;
 }
 
 void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, const Codes& codes) const {
@@ -187,12 +219,11 @@ void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, const Codes& codes) 
     return;
   }
   const auto word = static_cast<std::size_t>(-1 - codes.first);
-  if (word >= m_restraints.size()) return;
-  if (m_kind.form == eds_FormKind::Boundary) {
-    row.restraint = m_restraints[word];
+  if (word >= m_firstWords.size()) return;
+  row.restraint = RestraintOf(codes.first);
+  if (row.restraint >= 0) {
     row.degrees = inpS_Degrees::OfRestraint(row.restraint);
-  }
-  if (row.restraint < 0) { // of flows: a name instead of a degree
+  } else { // of flows: a name instead of a degree
     row.label = static_cast<int>(m_labels.size() + word);
     row.degrees = 1;
   }

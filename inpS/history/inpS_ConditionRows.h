@@ -6,7 +6,6 @@
 #include "parser/inp_BulkColumns.h"
 #include <array>
 #include <memory>
-#include <span>
 
 // What one row of a given keyword says: about which target, which degrees or which label, and its
 // magnitude.
@@ -21,7 +20,7 @@ struct inpS_ConditionRow {
   int look = 0; // rows of one look differ in target and value alone; from 0 in order of appearance
 };
 
-// The rows of a record one after the other, read by the piece.
+// The rows of a record: one after the other, or by the piece on several threads at once.
 class inpS_ConditionRows {
 public:
   inpS_ConditionRows(const KvoSimPosition& record, const inpS_ExcitationKind& kind);
@@ -30,28 +29,13 @@ public:
   bool Next(inpS_ConditionRow& row) {
     if (m_next >= m_count) return false;
     if (m_next >= m_loaded) Load();
-    const auto n = static_cast<std::size_t>(m_next++ - m_begin);
-    row = m_looks[static_cast<std::size_t>(m_lookOfRow[n])];
-    row.target = m_target.values[n];
-    row.value = m_values[n];
+    const auto n = static_cast<std::size_t>(m_next++ - m_own.firstRow);
+    row = m_looks[static_cast<std::size_t>(m_own.looks[n])];
+    row.target = m_own.targets[n];
+    row.value = m_own.values[n];
     return true;
   }
-  // Or all rows of a piece at once.
-  struct Piece {
-    long long firstRow;
-    std::span<const int> targets;
-    std::span<const int> looks;
-    std::span<const double> values;
-  };
-  bool NextPiece(Piece& piece);
-  const cow_List<inpS_ConditionRow>& Looks() const { return m_looks; } // without target and value
-  // As labels: what the record calls them.
-  cow_String Label(int place) const;
-  // The value of all rows, when all have one.
-  bool HasOneValue(double& value) const;
-  KvoSimPosition Values() const; // their array; null: it has none
 
-private:
   // What a row says beside its target and value, as its columns have it.
   struct Codes {
     int target = 0; // where it is a word of the label
@@ -60,10 +44,41 @@ private:
     int label = 0;
     auto operator<=>(const Codes&) const = default;
   };
+  // The rows of a piece, and how those looked that were read into it so far.
+  struct Piece {
+    long long firstRow = 0;
+    cow_List<int> targets;
+    cow_List<int> looks; // places in `known`
+    cow_List<double> values;
+    cow_List<Codes> known; // in order of appearance
+    struct Latest {        // the rows of a keyword look much alike: of each few codes the latest
+      uint64_t degrees = 0;
+      uint64_t words = 0; // the label's and the target's
+      int place = -1;
+    };
+    std::array<Latest, 32> latest{};
+    cow_Map<Codes, int> placeOf;
+    cow_List<int> first, last, label, words;
+  };
+  std::size_t PieceCount() const;
+  // All but the values, on any thread, each with a piece of its own.
+  void ReadLooks(std::size_t number, Piece& piece);
+  double ValueOf(long long row, const inpS_ConditionRow& look);
+  // The place among all looks, in order of appearance when pieces come in their order.
+  int LookOf(const Codes& codes);
+  const cow_List<inpS_ConditionRow>& Looks() const { return m_looks; } // without target and value
+  // As labels: what the record calls them.
+  cow_String Label(int place) const;
+  // The value of all rows, when all have one.
+  bool HasOneValue(double& value) const;
+  KvoSimPosition Values() const; // their array; null: it has none
+
+private:
   void Load();
-  void FindLooks(std::size_t count);
-  void SettleValues();
-  int FindLook(const Codes& codes);
+  void ReadRows(long long begin, long long end, Piece& piece);
+  void FindLooks(std::size_t count, Piece& piece) const;
+  void ReadValues(Piece& piece);
+  int RestraintOf(int code) const;
   inpS_ConditionRow MakeLook(const Codes& codes);
   void SetDegrees(inpS_ConditionRow& row, const Codes& codes) const;
   cow_String WordOf(int column, int code) const;
@@ -73,30 +88,17 @@ private:
   bool m_isWords = false; // the target is part of the label
   long long m_count = 0;
   long long m_next = 0;
-  long long m_loaded = 0; // the row behind the piece
-  long long m_begin = 0;
+  long long m_loaded = 0; // the row behind m_own
+  Piece m_own;
   std::unique_ptr<std::mutex> m_guard = std::make_unique<std::mutex>();
-  struct Ints {
-    std::optional<inpS_StoredColumn<int>> column;
-    cow_List<int> values; // blank without a column
-  };
+  using Ints = std::optional<inpS_StoredColumn<int>>; // none: blank
   Ints m_target, m_first, m_last, m_label;
-  cow_List<int> m_words; // of targets that are a part of the label
   // Where the target is a word, a row's label is that word and the label behind it.
   cow_Map<std::pair<int, int>, int> m_pairs;
   cow_List<std::pair<int, int>> m_pairCodes;
   cow_List<inpS_ConditionRow> m_looks;
-  cow_List<int> m_lookOfRow; // of the piece
   cow_Map<Codes, int> m_lookOf;
-  // The rows of a keyword look much alike: of each few codes the latest.
-  struct Latest {
-    uint64_t degrees = 0; // their codes, and those of the words
-    uint64_t words = 0;
-    int place = -1;
-  };
-  std::array<Latest, 32> m_latest;
   std::optional<inpS_StoredColumn<double>> m_value;
-  cow_List<double> m_values;
   cow_List<cow_String> m_targetWords, m_labels, m_firstWords;
   cow_List<int> m_restraints; // of the first words
 };

@@ -1,7 +1,9 @@
 #include "inpS/history/inpS_InForce.h"
+#include "base/utl_Threads.h"
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -35,37 +37,67 @@ struct RowFacts {
   int lastTarget = -1;
   bool isAscending = true; // no target comes twice
   bool namesRegions = false;
-  bool isOneValue = true;
 
-  void Take(int target, double value) {
+  void Take(int target) {
     isAscending &= target > lastTarget;
     lastTarget = target;
     namesRegions |= target < 0;
-    isOneValue &= value == rows.first.value;
+  }
+  // Those of rows further behind.
+  void Join(const RowFacts& more) {
+    isAscending &= more.isAscending && more.rows.first.target > lastTarget;
+    namesRegions |= more.namesRegions;
+    lastTarget = more.lastTarget;
+    rows.count += more.rows.count;
   }
 };
 
-cow_List<RowFacts> factsOf(inpS_ConditionRows& rows) {
-  cow_List<RowFacts> facts;
-  inpS_ConditionRows::Piece piece;
-  while (rows.NextPiece(piece)) {
-    const cow_List<inpS_ConditionRow>& looks = rows.Looks();
-    facts.resize(looks.size());
-    for (std::size_t n = 0; n < piece.looks.size(); ++n) {
-      const auto look = static_cast<std::size_t>(piece.looks[n]);
-      RowFacts& fact = facts[look];
-      if (fact.rows.count++ == 0) {
-        fact.rows.first = looks[look];
-        fact.rows.first.target = piece.targets[n];
-        fact.rows.first.value = piece.values[n];
-        fact.rows.firstRow = piece.firstRow + static_cast<long long>(n);
-      }
-      fact.Take(piece.targets[n], piece.values[n]);
+// By the looks of the piece.
+void count(const inpS_ConditionRows::Piece& piece, cow_List<RowFacts>& facts) {
+  facts.assign(piece.known.size(), {});
+  for (std::size_t n = 0; n < piece.looks.size(); ++n) {
+    RowFacts& fact = facts[static_cast<std::size_t>(piece.looks[n])];
+    if (fact.rows.count++ == 0) {
+      fact.rows.first.target = piece.targets[n];
+      fact.rows.firstRow = piece.firstRow + static_cast<long long>(n);
     }
+    fact.Take(piece.targets[n]);
   }
-  for (RowFacts& fact : facts)
+}
+
+cow_List<RowFacts> factsOf(inpS_ConditionRows& rows) {
+  struct Slot {
+    inpS_ConditionRows::Piece piece;
+    cow_List<RowFacts> facts;
+  };
+  const std::size_t pieces = rows.PieceCount();
+  cow_List<Slot> slots(std::min(pieces, utl_slotCount()));
+  cow_List<RowFacts> all;
+  const auto join = [&](const Slot& slot) {
+    for (std::size_t n = 0; n < slot.facts.size(); ++n) {
+      if (slot.facts[n].rows.count == 0) continue;
+      const auto look = static_cast<std::size_t>(rows.LookOf(slot.piece.known[n]));
+      if (look < all.size()) {
+        all[look].Join(slot.facts[n]);
+        continue;
+      }
+      inpS_InForce::Source::Rows& first = all.emplace_back(slot.facts[n]).rows;
+      const int target = first.first.target;
+      first.first = rows.Looks()[look];
+      first.first.target = target;
+      first.first.value = rows.ValueOf(first.firstRow, first.first);
+    }
+  };
+  utl_orderedBlocks(
+      pieces,
+      [&](std::size_t n, std::size_t slot) {
+        rows.ReadLooks(n, slots[slot].piece);
+        count(slots[slot].piece, slots[slot].facts);
+      },
+      [&](std::size_t, std::size_t slot) { join(slots[slot]); });
+  for (RowFacts& fact : all)
     if (fact.rows.first.degrees == 0) fact = {}; // says nothing that can act
-  return facts;
+  return all;
 }
 
 // Whether rows of looks that share degrees are in ascending order of their targets all the same.
@@ -82,25 +114,34 @@ bool areAscending(inpS_ConditionRows rows) {
   return true;
 }
 
+bool haveOneValue(inpS_ConditionRows rows) {
+  inpS_ConditionRow row;
+  std::optional<double> value;
+  while (rows.Next(row)) {
+    if (row.degrees == 0) continue;
+    if (value.value_or(row.value) != row.value) return false;
+    value = row.value;
+  }
+  return true;
+}
+
 // Whether the rows of one record can name a target and degree twice: with different values where
 // the first one holds, for what the later one says beside its value holds, too.
 bool mayMeet(const cow_List<RowFacts>& facts, const KvoSimPosition& record, const Kind& kind) {
-  const RowFacts* first = nullptr;
-  bool isOneValue = true, isUnique = true, share = false;
+  bool isUnique = true, share = false;
   cow_Map<int, uint64_t> degrees; // by label: rows of different ones do not meet
   long long rows = 0;
   for (const RowFacts& fact : facts) {
     if (fact.rows.count == 0) continue;
-    if (!first) first = &fact;
     rows += fact.rows.count;
-    isOneValue &= fact.isOneValue && fact.rows.first.value == first->rows.first.value;
     isUnique &= fact.isAscending && !fact.namesRegions;
     uint64_t& known = degrees[fact.rows.first.label];
     share |= (known & fact.rows.first.degrees) != 0;
     known |= fact.rows.first.degrees;
   }
-  if (rows < 2 || (isOneValue && kind.twice == Kind::Twice::First)) return false;
-  return !isUnique || (share && (degrees.size() > 1 || !areAscending({record, kind})));
+  const bool mayShare = share && (degrees.size() > 1 || !areAscending({record, kind}));
+  if (rows < 2 || (isUnique && !mayShare)) return false;
+  return kind.twice != Kind::Twice::First || !haveOneValue({record, kind});
 }
 
 } // namespace
@@ -162,7 +203,7 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
 
   Arrival arrival(m_sources.back(), number);
   arrival.isOwn = isOwn;
-  bool meets = Survey(arrival) && kind.twice != Kind::Twice::Add;
+  bool meets = Survey(arrival);
   for (std::size_t n = 0; n < arrival.keys.size(); ++n) {
     if (arrival.keys[n].empty()) continue;
     Bucket& own = family.buckets[arrival.keys[n]];
@@ -218,7 +259,7 @@ bool inpS_InForce::Survey(Arrival& arrival) {
   }
   if (namesRegions) source.looks = {};
   arrival.buckets.resize(arrival.keys.size());
-  return mayMeet(facts, arrival.record, arrival.kind);
+  return arrival.kind.twice != Kind::Twice::Add && mayMeet(facts, arrival.record, arrival.kind);
 }
 
 inpS_InForce::Region inpS_InForce::RegionOf(const inpS_ExcitationKind& kind, int target,
