@@ -1,6 +1,7 @@
 #include "database/eds_Array.h"
 #include "base/utl_Assert.h"
 #include "base/utl_BlockSize.h"
+#include "base/utl_Buffer.h"
 #include "base/utl_File.h"
 #include "database/KvoSimPosition.h"
 #include "database/eds_Exception.h"
@@ -20,10 +21,10 @@ struct eds_ArrayWriter::Impl {
   eds_ValueType type;
   int64_t itemBytes;
   int64_t itemsPerChunk;
-  int64_t written = 0;         // items in whole chunks
-  std::vector<std::byte> tail; // items behind them
-  int64_t patchNumber = -1;    // a written chunk taken back for changes
-  std::vector<std::byte> patch;
+  int64_t written = 0;        // items in whole chunks
+  utl_Buffer<std::byte> tail; // items behind them
+  int64_t patchNumber = -1;   // a written chunk taken back for changes
+  utl_Buffer<std::byte> patch;
   bool ownsTransaction = false; // nobody had opened one
   bool finished = false;
 
@@ -38,7 +39,7 @@ struct eds_ArrayWriter::Impl {
   }
 
   int64_t ChunkBytes() const { return itemsPerChunk * itemBytes; }
-  int64_t Count() const { return written + static_cast<int64_t>(tail.size()) / itemBytes; }
+  int64_t Count() const { return written + static_cast<int64_t>(tail.Size()) / itemBytes; }
 
   void Write(int64_t number, std::span<const std::byte> bytes) {
     store->BeforeChunk();
@@ -53,9 +54,19 @@ struct eds_ArrayWriter::Impl {
   void TakePatch(int64_t number) {
     if (patchNumber == number) return;
     WritePatch();
-    patch.resize(static_cast<size_t>(ChunkBytes()));
+    patch.Resize(static_cast<size_t>(ChunkBytes()));
     store->Chunks().Read(id, number, patch);
     patchNumber = number;
+  }
+
+  // A chunk's memory goes from one array to the next: fresh memory costs as much as the copy.
+  void MakeRoom(size_t bytes) {
+    constexpr size_t few = 4096;
+    if (bytes <= tail.Capacity() || bytes <= few) return;
+    utl_Buffer<std::byte> larger = store->Chunks().TakeBuffer();
+    if (larger.Capacity() < bytes) return;
+    larger.Append(std::span<const std::byte>(tail));
+    tail = std::move(larger);
   }
 
   void SetCount() { store->Rows(eds_RecordKind::Array).SetInt(id, eds_Array_Count, Count()); }
@@ -109,20 +120,20 @@ void eds_ArrayWriter::AppendBytes(std::span<const std::byte> bytes, eds_ValueTyp
   utl_ASSERT(static_cast<int64_t>(bytes.size()) % impl.itemBytes == 0);
   const auto chunkBytes = static_cast<size_t>(impl.ChunkBytes());
   while (!bytes.empty()) {
-    if (impl.tail.empty() && bytes.size() >= chunkBytes) {
+    if (impl.tail.IsEmpty() && bytes.size() >= chunkBytes) {
       impl.Write(impl.written / impl.itemsPerChunk, bytes.first(chunkBytes));
       impl.written += impl.itemsPerChunk;
       bytes = bytes.subspan(chunkBytes);
       continue;
     }
-    const size_t taken = std::min(bytes.size(), chunkBytes - impl.tail.size());
-    impl.tail.insert(impl.tail.end(), bytes.begin(),
-                     bytes.begin() + static_cast<std::ptrdiff_t>(taken));
+    const size_t taken = std::min(bytes.size(), chunkBytes - impl.tail.Size());
+    impl.MakeRoom(impl.tail.Size() + taken);
+    impl.tail.Append(bytes.first(taken));
     bytes = bytes.subspan(taken);
-    if (impl.tail.size() < chunkBytes) continue;
+    if (impl.tail.Size() < chunkBytes) continue;
     impl.Write(impl.written / impl.itemsPerChunk, impl.tail);
     impl.written += impl.itemsPerChunk;
-    impl.tail.clear();
+    impl.tail.Clear();
   }
 }
 
@@ -140,10 +151,10 @@ void eds_ArrayWriter::OverwriteBytes(int64_t firstItem, std::span<const std::byt
     const bool inTail = firstItem >= impl.written;
     const int64_t number = firstItem / impl.itemsPerChunk;
     if (!inTail) impl.TakePatch(number);
-    std::vector<std::byte>& chunk = inTail ? impl.tail : impl.patch;
+    utl_Buffer<std::byte>& chunk = inTail ? impl.tail : impl.patch;
     const auto offset = static_cast<size_t>(firstItem % impl.itemsPerChunk * impl.itemBytes);
-    const size_t taken = std::min(bytes.size(), chunk.size() - offset);
-    std::memcpy(chunk.data() + offset, bytes.data(), taken);
+    const size_t taken = std::min(bytes.size(), chunk.Size() - offset);
+    std::memcpy(chunk.Data() + offset, bytes.data(), taken);
     bytes = bytes.subspan(taken);
     firstItem += static_cast<int64_t>(taken) / impl.itemBytes;
   }
@@ -156,8 +167,8 @@ void eds_ArrayWriter::ReadBytes(int64_t item, std::span<std::byte> bytes, eds_Va
   utl_ASSERT(static_cast<int64_t>(bytes.size()) == impl.itemBytes);
   const bool inTail = item >= impl.written;
   if (!inTail) impl.TakePatch(item / impl.itemsPerChunk);
-  const std::vector<std::byte>& chunk = inTail ? impl.tail : impl.patch;
-  std::memcpy(bytes.data(), chunk.data() + item % impl.itemsPerChunk * impl.itemBytes,
+  const utl_Buffer<std::byte>& chunk = inTail ? impl.tail : impl.patch;
+  std::memcpy(bytes.data(), chunk.Data() + item % impl.itemsPerChunk * impl.itemBytes,
               bytes.size());
 }
 
@@ -165,12 +176,12 @@ eds_ArrayID eds_ArrayWriter::Finish() {
   Impl& impl = *m_impl;
   utl_ASSERT(!impl.finished);
   impl.WritePatch();
-  if (!impl.tail.empty()) impl.Write(impl.written / impl.itemsPerChunk, impl.tail);
+  if (!impl.tail.IsEmpty()) impl.Write(impl.written / impl.itemsPerChunk, impl.tail);
   impl.SetCount();
   impl.finished = true;
   if (impl.ownsTransaction) impl.store->Commit();
   const eds_ArrayID array = ID();
-  impl.tail = {};
+  impl.store->Chunks().KeepBuffer(std::move(impl.tail));
   impl.patch = {};
   return array;
 }
@@ -185,7 +196,7 @@ struct eds_ArrayReader::Impl {
   int64_t count;
   int64_t itemsPerChunk;
   int64_t loaded = -1; // the chunk held
-  std::vector<std::byte> chunk;
+  utl_Buffer<std::byte> chunk;
 
   int64_t ItemBytes() const { return eds_sizeOf(type) * width; }
   int64_t ChunkCount() const { return (count + itemsPerChunk - 1) / itemsPerChunk; }
@@ -252,7 +263,7 @@ std::span<const std::byte> eds_ArrayReader::ChunkBytes(int64_t number) {
   utl_ASSERT(number >= 0 && number < impl.ChunkCount());
   if (impl.loaded != number) {
     impl.loaded = -1;
-    impl.chunk.resize(static_cast<size_t>(impl.ItemsOf(number) * impl.ItemBytes()));
+    impl.chunk.Resize(static_cast<size_t>(impl.ItemsOf(number) * impl.ItemBytes()));
     impl.store->Chunks().Read(impl.id, number, impl.chunk);
     impl.loaded = number;
   }

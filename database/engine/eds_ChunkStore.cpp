@@ -79,3 +79,18 @@ void eds_ChunkStore::Remove(int64_t array) {
   remove.Bind(2, chunkID(array + 1, 0));
   remove.Run();
 }
+
+utl_Buffer<std::byte> eds_ChunkStore::TakeBuffer() {
+  utl_Buffer<std::byte> taken;
+  for (utl_Buffer<std::byte>& spare : m_spare)
+    if (spare.Capacity() > taken.Capacity()) taken.Swap(spare);
+  return taken;
+}
+
+void eds_ChunkStore::KeepBuffer(utl_Buffer<std::byte> buffer) noexcept {
+  constexpr std::size_t worthIt = 64 << 10;
+  if (buffer.Capacity() < worthIt) return;
+  buffer.Clear();
+  for (utl_Buffer<std::byte>& spare : m_spare)
+    if (spare.Capacity() < buffer.Capacity()) spare.Swap(buffer);
+}

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "base/utl_Buffer.h"
 #include "database/engine/eds_Engine.h"
+#include <array>
 #include <cstddef>
 
 // The chunks of bulk arrays: one row each with a checksum (64-bit XXH3).
@@ -18,6 +20,10 @@ public:
   void CheckExtent(int64_t array, int64_t chunks, int64_t bytes);
   void Remove(int64_t array);
 
+  // Empty memory for a chunk, such as another one left behind, or none; and what one leaves behind.
+  utl_Buffer<std::byte> TakeBuffer();
+  void KeepBuffer(utl_Buffer<std::byte> buffer) noexcept;
+
 private:
   [[noreturn]] void Damaged(int64_t array, const cow_String& what) const;
 
@@ -25,4 +31,5 @@ private:
   eds_Statement* m_insert = nullptr;
   eds_Statement* m_select = nullptr;
   eds_Statement* m_extent = nullptr;
+  std::array<utl_Buffer<std::byte>, 4> m_spare;
 };

@@ -3,6 +3,7 @@
 #include "base/utl_File.h"
 #include "base/utl_Interruption.h"
 #include "database/eds_Exception.h"
+#include "database/engine/eds_EngineMemory.h"
 #include "database/engine/eds_PageChecksums.h"
 #include <algorithm>
 #include <cstring>
@@ -39,7 +40,10 @@ int openFlags(eds_OpenMode mode) {
 // The engine keeps no statistics of its own memory: every allocation would pay for them. Must be
 // said before its first use in the process; a host that has used it already keeps its own choice.
 void configureOnce() {
-  [[maybe_unused]] static const int once = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  [[maybe_unused]] static const bool once = [] {
+    eds_giveEngineMemory();
+    return sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK;
+  }();
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "database/KvoSimTransfer.h"
 #include "database/eds_Array.h"
 #include <gtest/gtest.h>
+#include <memory>
 #include <numeric>
 
 namespace {
@@ -176,4 +177,30 @@ TEST(Transfer, ChunkedDrawerGrowsByThePiece) {
   EXPECT_EQ(read, (std::vector<int32_t>{1, 2, 3, 4, 5, 6, 7}));
   KvoSimCSet some = elements.CreateCSetStrided(6, 1);
   EXPECT_EQ(distribution.QueryDrawers(some), std::vector<int64_t>{drawer});
+}
+
+// The engine has one memory for all models of a process, of which pages go from one to the other.
+TEST(Arrays, OfSeveralModelsAtOnceStayApart) {
+  struct Model {
+    KvoObjDocument document = KvoObjDocument::InMemory();
+    eds_ArrayID array;
+    std::vector<double> values;
+  };
+  std::vector<std::unique_ptr<Model>> models(4);
+  for (size_t round = 0; round < 12; ++round) {
+    std::unique_ptr<Model>& model = models[round * 3 % models.size()];
+    model = std::make_unique<Model>(); // the one that was there goes
+    model->values = counting(static_cast<int64_t>(perChunk * (1 + round * 5 % 7)));
+    for (double& value : model->values) value += static_cast<double>(round);
+    KvoSimTransaction transaction(model->document.ContextID());
+    eds_ArrayWriter writer(model->document.Focus(), eds_ValueType::Double, 3);
+    writer.Append(std::span<const double>(model->values));
+    model->array = writer.Finish();
+    transaction.Commit();
+    for (const auto& one : models) {
+      if (one) {
+        EXPECT_EQ(readAll(one->array), one->values) << round;
+      }
+    }
+  }
 }
