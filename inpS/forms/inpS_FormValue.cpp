@@ -201,9 +201,23 @@ inpS_SetVisitor::Found inpS_FormNames::FindNear(const eds_Referable& referable,
   return {in(instance, parts.back()), 0, instance};
 }
 
+namespace {
+
+// The inventory names those surfaces that are no records.
+bool isKeptAsText(const inpS_Inventory* inventory, const cow_String& name) {
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(name);
+  return inventory && !parts.empty() &&
+         inventory->Names(inp_KwSurface, inp_Utils::Fold(parts.back()));
+}
+
+} // namespace
+
 cow_String inpS_FormNames::TextOfMissing(const eds_Referable& referable,
                                          const cow_String& name) const {
   const auto own = m_texts.find(referable.word);
+  const bool isOwn = own != m_texts.end() && own->second != referable.missing;
+  if (referable.kind == eds_RecordKind::Surface && !isOwn && isKeptAsText(m_inventory, name))
+    return "*SURFACE \"" + name + "\" is kept as text.";
   const std::string_view text = own == m_texts.end() ? referable.missing : own->second;
   return inp_Utils::Format(cow_String(text).c_str(), name.c_str());
 }

@@ -65,7 +65,9 @@ bool namesAny(inpS_Phase phase, inp_KeywordListRef keywords) {
 inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory, inpS_Ledger& ledger)
     : inpS_SetVisitor(nodes, elements, inventory), m_phase(phase),
-      m_keywords(inp_KeywordTable::Instance()), m_ledger(ledger), m_names(*this) {}
+      m_keywords(inp_KeywordTable::Instance()), m_ledger(ledger), m_names(*this) {
+  m_names.SetInventory(inventory);
+}
 
 void inpS_FormVisitor::Report() {
   if (!m_withoutMesh.empty()) TellWithoutMesh();
