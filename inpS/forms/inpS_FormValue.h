@@ -80,6 +80,9 @@ private:
 // been taken.
 cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
                           const inpS_FormNames& names, KvoSimDataRecord record);
+// What is wrong with a name, or with the label that may stand in its place; empty: it is there.
+cow_String inpS_faultOfName(const eds_FormItem& item, const inpS_FormValue& value,
+                            const inpS_FormNames& names);
 // Whether some field holds it.
 bool inpS_hasValue(const eds_FormItem& item, const KvoSimDataRecord& record);
 // As a deck has it; nothing for one that is not given.
