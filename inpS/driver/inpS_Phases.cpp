@@ -336,6 +336,7 @@ bool Driver::ProcessSections(Labelers& labelers) {
   if (!m_meshLeftOut) thickness.Save(); // of nodes that are stored
   inpS_SectionVisitor visitor(*labelers.nodes, *labelers.elements, m_inventory, m_ledger);
   visitor.SetMeshLeftOut(m_meshLeftOut);
+  visitor.SetTextElements(m_textElements);
   visitor.VisitListAndReport(m_keywords);
   sections.TellDoubled(m_ledger, sections);
   sections.Report();

@@ -1,7 +1,7 @@
 #include "inpS/forms/inpS_FormRows.h"
+#include "inpS/forms/inpS_LackOfLines.h"
 #include "inpS/forms/inpS_PropertyUtils.h"
 #include "inpS/forms/inpS_TableCheck.h"
-#include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/messages/inpS_LocatedText.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -25,13 +25,6 @@ cow_List<cow_String> namesOf(const cow_List<Column>& columns) {
   cow_List<cow_String> names;
   for (const Column& column : columns) names.push_back(column.name);
   return names;
-}
-
-bool hasRows(const inp_Keyword& keyword, long long first) {
-  const inp_DataArray& data = keyword.Data();
-  for (long long row = first; row < data.Rows(); ++row)
-    if (!inpS_KeywordReader::IsBlankRow(data, row)) return true;
-  return false;
 }
 
 // Whether the parameters that say how many values there are can be right.
@@ -64,7 +57,7 @@ bool inpS_FormRows::Read(const inp_Keyword& keyword, const inpS_Form& form, inp_
       columns.empty() ? form.columns.Size(count) : static_cast<long long>(columns.size());
   const auto first = static_cast<long long>(form.info->lines.size());
   const long long lines = std::max(0LL, keyword.Data().Rows() - first);
-  if (size == 0 && hasRows(keyword, first)) {
+  if (size == 0 && !inpS_isWithoutLines(keyword, first)) {
     messages.AddError(inp_Utils::MessageInKeyword(
         keyword, "*" + keyword.Name() + " does not tell how many values its data lines hold; it " +
                      "is kept as text."));
@@ -72,7 +65,7 @@ bool inpS_FormRows::Read(const inp_Keyword& keyword, const inpS_Form& form, inp_
   }
   // Nothing but the data lines can say how many values there are.
   if (size > mostValues || size > 8 * lines + 8) {
-    if (lines > 0 || !form.MayLackRows())
+    if (lines > 0 || (!form.MayLackRows() && size > mostValues))
       messages.AddError(inp_Utils::MessageInKeyword(
           keyword, "*" + keyword.Name() + " asks for " + std::to_string(size) +
                        " values, more than its data lines can hold; it is kept as text."));

@@ -201,9 +201,23 @@ inpS_SetVisitor::Found inpS_FormNames::FindNear(const eds_Referable& referable,
   return {in(instance, parts.back()), 0, instance};
 }
 
+namespace {
+
+// The inventory names those surfaces that are no records.
+bool isKeptAsText(const inpS_Inventory* inventory, const cow_String& name) {
+  const cow_List<cow_String> parts = inp_Utils::SplitScopedField(name);
+  return inventory && !parts.empty() &&
+         inventory->Names(inp_KwSurface, inp_Utils::Fold(parts.back()));
+}
+
+} // namespace
+
 cow_String inpS_FormNames::TextOfMissing(const eds_Referable& referable,
                                          const cow_String& name) const {
   const auto own = m_texts.find(referable.word);
+  const bool isOwn = own != m_texts.end() && own->second != referable.missing;
+  if (referable.kind == eds_RecordKind::Surface && !isOwn && isKeptAsText(m_inventory, name))
+    return "*SURFACE \"" + name + "\" is kept as text.";
   const std::string_view text = own == m_texts.end() ? referable.missing : own->second;
   return inp_Utils::Format(cow_String(text).c_str(), name.c_str());
 }
@@ -266,16 +280,40 @@ inpS_FormNames::Label inpS_FormNames::FindLabel(eds_FormType type,
       m_place.SpaceOf(kind, isScoped ? parts[parts.size() - 2] : cow_String());
   label.number = static_cast<int>(number);
   label.isKnown = space.occurrence >= 0 &&
-                  m_place.LabelerOf(kind).HasInstanceLabel(space.occurrence, label.number);
+                  (m_place.LabelerOf(kind).HasInstanceLabel(space.occurrence, label.number) ||
+                   m_place.IsInText(kind, space, label.number));
   if (label.isKnown && isScoped)
     label.instance =
         m_place.LabelerOf(kind).Occurrences()[static_cast<std::size_t>(space.occurrence)];
   return label;
 }
 
+namespace {
+
+// Of an item that takes a label, or the set that may stand in its place: what is wrong with the
+// label, which has no field for an instance. Empty: nothing, or it is none.
+cow_String faultOfLabel(const eds_FormItem& item, const inpS_FormValue& value,
+                        const inpS_FormNames& names) {
+  if (item.alternatives.size() != 2 || item.alternatives[0].type != eds_FormType::Int) return {};
+  const eds_Referable* sets = item.alternatives[1].referable;
+  if (!sets || !sets->IsScoped()) return {};
+  const eds_FormType type =
+      sets->kind == eds_RecordKind::NodeSet ? eds_FormType::Node : eds_FormType::Element;
+  const inpS_FormNames::Label label = names.FindLabel(type, value.text);
+  if (!label.isNumber) return {};
+  if (!label.isKnown) return names.TextOfMissing(type, value.text);
+  return label.instance.IsNull() ? cow_String()
+                                 : "\"" + value.text +
+                                       "\" belongs to an instance; a set must "
+                                       "stand for it here.";
+}
+
+} // namespace
+
 cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
                           const inpS_FormNames& names, KvoSimDataRecord record) {
-  cow_String fault;
+  cow_String fault = faultOfLabel(item, value, names);
+  if (!fault.empty()) return fault;
   bool isAboutName = false;
   for (const Alternative& one : item.alternatives) {
     const cow_String other = takeAs(one, value, names, record);
@@ -290,6 +328,16 @@ cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
     isAboutName = isAboutName || isName;
   }
   return fault;
+}
+
+cow_String inpS_faultOfName(const eds_FormItem& item, const inpS_FormValue& value,
+                            const inpS_FormNames& names) {
+  const Alternative& last = item.alternatives.back();
+  if (value.type != inp_FieldType::String ||
+      names.FindLabel(eds_FormType::Node, value.text).isNumber)
+    return faultOfLabel(item, value, names);
+  const bool isThere = !names.Find(*last.referable, value.text).set.IsNull();
+  return isThere ? cow_String() : names.TextOfMissing(*last.referable, inp_Utils::Fold(value.text));
 }
 
 bool inpS_hasValue(const eds_FormItem& item, const KvoSimDataRecord& record) {

@@ -31,6 +31,8 @@ class inpS_FormNames {
 public:
   explicit inpS_FormNames(const inpS_SetVisitor& place) : m_place(place) {}
   inpS_SetVisitor::Found Find(const eds_Referable& referable, const cow_String& asWritten) const;
+  // It knows what is kept as text.
+  void SetInventory(const inpS_Inventory& inventory) { m_inventory = &inventory; }
 
   // What a deck is told that names something that is not there: the referable's text, or the
   // visitor's own.
@@ -68,6 +70,7 @@ private:
                                   const cow_String& asWritten) const;
 
   const inpS_SetVisitor& m_place;
+  const inpS_Inventory* m_inventory = nullptr;
   cow_Map<std::string_view, std::string_view> m_texts; // by referable
   TextOfNode m_textOfNode = nullptr;
   mutable cow_List<Last> m_last; // by referable
@@ -77,6 +80,9 @@ private:
 // been taken.
 cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
                           const inpS_FormNames& names, KvoSimDataRecord record);
+// What is wrong with a name, or with the label that may stand in its place; empty: it is there.
+cow_String inpS_faultOfName(const eds_FormItem& item, const inpS_FormValue& value,
+                            const inpS_FormNames& names);
 // Whether some field holds it.
 bool inpS_hasValue(const eds_FormItem& item, const KvoSimDataRecord& record);
 // As a deck has it; nothing for one that is not given.

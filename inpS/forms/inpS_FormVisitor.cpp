@@ -4,6 +4,7 @@
 #include "database/schema/eds_Schema.h"
 #include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/forms/inpS_FormWords.h"
+#include "inpS/forms/inpS_LackOfLines.h"
 #include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
@@ -65,7 +66,9 @@ bool namesAny(inpS_Phase phase, inp_KeywordListRef keywords) {
 inpS_FormVisitor::inpS_FormVisitor(inpS_Phase phase, KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                    const inpS_Inventory& inventory, inpS_Ledger& ledger)
     : inpS_SetVisitor(nodes, elements, inventory), m_phase(phase),
-      m_keywords(inp_KeywordTable::Instance()), m_ledger(ledger), m_names(*this) {}
+      m_keywords(inp_KeywordTable::Instance()), m_ledger(ledger), m_names(*this) {
+  m_names.SetInventory(inventory);
+}
 
 void inpS_FormVisitor::Report() {
   if (!m_withoutMesh.empty()) TellWithoutMesh();
@@ -184,11 +187,16 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
   const bool isToldLost = !owner.IsNull() && loss == Loss::Keyword;
   const inpS_Form* form = loss == Loss::Keyword ? nullptr : Choose(keyword, parent);
   inpS_FormRows rows;
-  const bool isRefused =
-      form && !(MayBe(keyword, *form, owner, member, loss) && MayConvert(keyword, *form) &&
-                (!form->HasTable() || rows.Read(keyword, *form, *this, ColumnsOf(keyword, *form))));
-  if (!form || isRefused) {
-    KeepAsText(keyword, owner, parent, isRefused || isToldLost);
+  const bool may = form && MayBe(keyword, *form, owner, member, loss) && MayConvert(keyword, *form);
+  const bool hasRows =
+      may && (!form->HasTable() || rows.Read(keyword, *form, *this, ColumnsOf(keyword, *form)));
+  if (!hasRows) {
+    // Of rows that are not there nobody has told yet.
+    const bool isMute = may && inpS_isWithoutLines(keyword, std::ssize(form->info->lines));
+    KeepAsText(keyword, owner, parent, !isMute && (form || isToldLost),
+               !isMute                        ? ""
+               : inpS_isWithoutLines(keyword) ? "has no data lines"
+                                              : "has no data lines behind the first");
     return {};
   }
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
@@ -216,9 +224,11 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
 // A sub-option stays behind those that its keyword's record holds by now; the others of its kind go
 // with it.
 void inpS_FormVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
-                                  const inp_Keyword* parent, bool isTold) {
+                                  const inp_Keyword* parent, bool isTold,
+                                  const cow_String& reason) {
   inpS_TextPlace place;
   place.isTold = isTold;
+  place.reason = reason;
   if (parent && !owner.IsNull()) {
     place.owner = place.behind = owner;
     for (const KvoSimPosition& present : owner.GetVector(eds_Member::Suboptions))

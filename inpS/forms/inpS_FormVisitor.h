@@ -82,7 +82,7 @@ private:
   void VisitWithinStep(const inp_Keyword& keyword);
   void Hold(const KvoSimPosition& owner, eds_Member member, const KvoSimPosition& record) const;
   void KeepAsText(const inp_Keyword& keyword, const KvoSimPosition& owner,
-                  const inp_Keyword* parent, bool isTold);
+                  const inp_Keyword* parent, bool isTold, const cow_String& reason = {});
   void ConvertSuboptions(const inp_Keyword& keyword, const KvoSimPosition& record);
   void TellWithoutMesh();
   // Whether the keyword can be this form's record; what stands against it is told.

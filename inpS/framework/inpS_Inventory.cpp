@@ -5,6 +5,7 @@
 #include "inpS/framework/inpS_ComponentSets.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
+#include "inpS/keywords/inpS_ParameterBinding.h"
 #include "parser/inp_ElementInfo.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_KeywordTable.h"
@@ -24,6 +25,15 @@ cow_List<bool> findNaming() {
                     eds_referables().end();
   }
   return naming;
+}
+
+// Whether a surface is no record whatever its lines: of types that are not converted, and in steps.
+bool staysText(const inp_Keyword& surface) {
+  constexpr std::string_view types[] = {"EULERIANMATERIAL", "BSPLINE", "BEZIER", "XFEM", "USER"};
+  if (surface.Scope().kind == inp_Scope::Kind::Step || inpS_hasUnknownWord(surface)) return true;
+  const cow_String type = surface.StringOf("type", "");
+  if (type == "CUTTINGSURFACE") return surface.StringOf("definition", "") == "NODES";
+  return std::ranges::find(types, type) != std::end(types);
 }
 
 int clampToInt(long long value) {
@@ -183,6 +193,8 @@ void inpS_Inventory::Visit(const inp_Keyword& keyword) {
   if (index < naming.size() && naming[index])
     if (const inp_Item* name = keyword.Find("name"))
       m_names.emplace(keyword.Kind(), name->AsString());
+  if (keyword.Kind() == inp_KwSurface && staysText(keyword))
+    m_names.emplace(inp_KwSurface, keyword.StringOf("name", ""));
   inp_Visitor::Visit(keyword);
 }
 

@@ -1,6 +1,7 @@
 #include "inpS/interactions/inpS_ConnectorBehaviorVisitor.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_LackOfLines.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
 
@@ -14,6 +15,13 @@ int componentsOn(const inp_DataArray& data, long long row) {
   for (int col = 0; row < data.Rows() && col < data.Cols(row); ++col)
     count += data.HasValue(row, col);
   return count;
+}
+
+// Each value of its lines may be blank, but not all.
+bool boundsAnything(inp_KeywordEnm kind) {
+  return kind == inp_KwConnectorStop || kind == inp_KwConnectorLock ||
+         kind == inp_KwConnectorFailure || kind == inp_KwConnectorDamageInitiation ||
+         kind == inp_KwConnectorConstitutiveReference || kind == inp_KwConnectorDerivedComponent;
 }
 
 bool isComponent(long long number) {
@@ -63,6 +71,9 @@ cow_String inpS_ConnectorBehaviorVisitor::FaultOfLine(const KvoSimPosition& line
 // What acts on no component does nothing; it is told and stands as it is.
 void inpS_ConnectorBehaviorVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                               const KvoSimPosition& record) {
+  const bool isWithoutBounds = boundsAnything(keyword.Kind()) && inpS_isWithoutLines(keyword);
+  if (isWithoutBounds || inpS_lacksLines(keyword, *form.info))
+    Warning(keyword, "*" + keyword.Name() + " has no data lines: it gives no values.");
   const inp_Item* component = keyword.Find("component");
   if (component && component->IsInteger() && !isComponent(component->AsInt()))
     AddWarning(inp_Utils::MessageAtParameter(

@@ -43,17 +43,29 @@ private:
   cow_List<double> m_rows;
 };
 
-// The orientations that the lines of a section's plies name.
-cow_List<cow_String> orientationsOfPlies(const inp_Keyword& keyword) {
-  constexpr int column = 3;
+// All that a keyword with a set names, each once: of itself, of the lines of its plies, of a
+// connector's second line, of what stands under it.
+cow_List<cow_String> orientationsOf(const inp_Keyword& keyword) {
   cow_List<cow_String> names;
-  const inp_DataArray& lines = keyword.Data();
-  for (long long row = 0; row < lines.Rows(); ++row) {
-    if (lines.Cols(row) <= column || !lines.HasValue(row, column) || lines.IsNumber(row, column))
-      continue;
-    const cow_String name = inp_Utils::Fold(lines.AsStringVerbatim(row, column));
+  const auto add = [&](const cow_String& name) {
     if (std::ranges::find(names, name) == names.end()) names.push_back(name);
-  }
+  };
+  const inp_DataArray& lines = keyword.Data();
+  const auto addField = [&](long long row, int col) {
+    if (row < lines.Rows() && col < lines.Cols(row) && lines.HasValue(row, col) &&
+        !lines.IsNumber(row, col))
+      add(inp_Utils::Fold(lines.AsStringVerbatim(row, col)));
+  };
+  if (const inp_Item* own = valueOf(keyword, "orientation")) add(own->AsString());
+  constexpr int columnOfPlies = 3;
+  if (valueOf(keyword, "composite"))
+    for (long long row = 0; row < lines.Rows(); ++row) addField(row, columnOfPlies);
+  if (keyword.Kind() == inp_KwConnectorSection)
+    for (const int col : {0, 1}) addField(1, col);
+  for (const inp_Keyword& suboption : keyword.Suboptions())
+    if (const inp_Item* axes = valueOf(suboption, "orientation");
+        axes && !valueOf(suboption, "elset"))
+      add(axes->AsString());
   return names;
 }
 
@@ -64,13 +76,7 @@ void inpS_OrientationFixupVisitor::Visit(const inp_Keyword& keyword) {
   if (keyword.IsInstanceCopy()) return;
   const inp_Item* elset = valueOf(keyword, "elset");
   if (!elset) return;
-  cow_List<cow_String> names;
-  if (valueOf(keyword, "composite")) names = orientationsOfPlies(keyword);
-  if (const inp_Item* orientation = valueOf(keyword, "orientation"))
-    if (const cow_String name = orientation->AsString();
-        std::ranges::find(names, name) == names.end())
-      names.insert(names.begin(), name);
-  for (const cow_String& name : names)
+  for (const cow_String& name : orientationsOf(keyword))
     if (m_ori2DistName.contains(inp_Utils::SplitScopedField(name).back()))
       FixOrientation(keyword, name, elset->Verbatim());
 }

@@ -3,6 +3,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/properties/inpS_SectionData.h"
 #include "inpS/properties/inpS_SectionInventory.h"
 #include <algorithm>
@@ -72,6 +73,8 @@ public:
 private:
   void Assign(const KvoSimPosition& owner) {
     for (const KvoSimPosition& section : owner.GetVector(eds_Member::Sections)) {
+      // It lies beside the section that its elements have.
+      if (section.IsA(eds_FormKind::PerfectlyMatchedLayer)) continue;
       const Fields& fields = FieldsOf(section.Object().RecordKind());
       const KvoSimPosition set = referenceIn(section, fields.elset);
       if (set.IsNull()) continue;

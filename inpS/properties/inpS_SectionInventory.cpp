@@ -12,9 +12,10 @@
 namespace {
 
 // Whether the keyword gives its ELSET a section: those that stand in the block of sections do. Mass
-// that is no structure and pre-tension lie beside it.
+// that is no structure, pre-tension and layers that let waves out lie beside it.
 bool isSection(const inp_Keyword& keyword) {
   if (!inpS_FormTable::Instance().Knows(keyword.Kind())) return false;
+  if (keyword.Kind() == inp_KwPerfectlyMatchedLayer) return false;
   const inpS_Block& block = inpS_block(inp_KeywordTable::Instance().Row(keyword.Kind())->block);
   if (block.member != eds_Member::Sections) return false;
   if (keyword.IsInstanceCopy() || keyword.IsSuboption()) return false;

@@ -1,9 +1,13 @@
 #include "inpS/properties/inpS_SectionVisitor.h"
 #include "base/utl_Assert.h"
+#include "database/KvoObjField.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimTransaction.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/forms/inpS_LackOfLines.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/properties/inpS_BulkShellSections.h"
 #include "parser/inp_Utils.h"
@@ -163,7 +167,7 @@ bool inpS_SectionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form
   }
   if (isOneOf(form, K::ShellGeneralSectionStiffness)) return CheckShellStiffness(keyword);
   if (isOneOf(form, K::PretensionSection, K::PretensionSectionElement))
-    return CheckPretension(keyword);
+    return CheckPretension(keyword, form);
   if (isOneOf(form, K::FluidSection)) return CheckFluid(keyword);
   if (!isOneOf(form, K::SpringLinear, K::SpringNonlinear, K::DashpotLinear, K::DashpotNonlinear))
     return true;
@@ -201,13 +205,27 @@ bool inpS_SectionVisitor::CheckShellStiffness(const inp_Keyword& keyword) {
   return false;
 }
 
-bool inpS_SectionVisitor::CheckPretension(const inp_Keyword& keyword) {
+bool inpS_SectionVisitor::CheckPretension(const inp_Keyword& keyword, const inpS_Form& form) {
   const bool hasElement = keyword.HasParameter("element");
-  if (hasElement != keyword.HasParameter("surface")) return true;
+  if (hasElement != keyword.HasParameter("surface"))
+    return IsMeshLeftOut() || (IsThere(keyword, form, "node") && IsThere(keyword, form, "element"));
   Error(keyword, hasElement ? "A pre-tension section is one of an element or of a surface, not of "
                               "both. The keyword is kept as text."
                             : "A pre-tension section needs an element or a surface. The keyword is "
                               "kept as text.");
+  return false;
+}
+
+// What the bolt is cut at, and the node that pulls it: it is no such thing without one of them.
+bool inpS_SectionVisitor::IsThere(const inp_Keyword& keyword, const inpS_Form& form,
+                                  const char* parameter) {
+  const inp_Item* item = keyword.Find(parameter);
+  if (!item) return true;
+  const auto found = std::ranges::find(form.info->parameters, parameter, &eds_FormItem::name);
+  const cow_String fault = inpS_faultOfName(*found, inpS_FormValue::Of(*item), Names());
+  if (fault.empty()) return true;
+  AddError(
+      inp_Utils::MessageAtParameter(keyword, parameter, fault + " The keyword is kept as text."));
   return false;
 }
 
@@ -247,6 +265,56 @@ void inpS_SectionVisitor::TellMissing(const inp_Keyword& keyword, const cow_Stri
           "is kept as text."));
 }
 
+// ---- matrices
+
+namespace {
+
+// Rows of *MATRIX INPUT: a node and a degree of freedom, twice, and the value.
+class MatrixRows : public inpS_LineCheck {
+public:
+  explicit MatrixRows(const inpS_SetVisitor& place)
+      : m_space(place.SpaceOf(inpS_SetVisitor::Kind::Nodes)),
+        m_labeler(place.LabelerOf(inpS_SetVisitor::Kind::Nodes)) {}
+
+  bool IsSound(const inp_ColumnPiece& piece, Words) override {
+    for (const std::size_t column : {0, 2})
+      for (const int node : piece.columns[column].ints.first(piece.count))
+        if (node > 0 && node != m_last && node != inp_blankInt) Look(node);
+    return true;
+  }
+  std::optional<inpS_LineFault> FaultOf(const inpS_LineView&) override { return {}; }
+  cow_List<int> Unknown() const { return {m_unknown.begin(), m_unknown.end()}; }
+
+private:
+  void Look(int node) {
+    if (m_space.occurrence < 0 || !m_labeler.HasInstanceLabel(m_space.occurrence, node))
+      m_unknown.insert(node);
+    else
+      m_last = node; // rows of one node follow one another
+  }
+
+  inpS_SetVisitor::LabelSpace m_space;
+  const KvoObjLabeler& m_labeler;
+  int m_last = 0;
+  std::set<int> m_unknown;
+};
+
+} // namespace
+
+// Decided here: rows stand whatever their nodes, for a matrix may be made for nodes that another
+// deck has; those with a label above 0 that are not there are told. Others are the matrix' own.
+bool inpS_SectionVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                      const KvoSimPosition& record) {
+  if (keyword.Kind() != inp_KwMatrixInput || IsMeshLeftOut())
+    return inpS_FormVisitor::ReadColumns(keyword, form, record);
+  MatrixRows rows(*this);
+  const bool isWhole = inpS_ColumnReader(keyword, form, record, Names(), *this, &rows).Read();
+  if (const cow_List<int> unknown = rows.Unknown(); !unknown.empty())
+    Warning(keyword, inp_Utils::MessageWithItems(
+                         "Rows of the matrix name nodes that do not exist: ", unknown));
+  return isWhole;
+}
+
 // ---- behind what a row says
 
 void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
@@ -254,6 +322,10 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
   namespace K = eds_FormKind;
   if (form.info->record == K::SectionPly && keyword.Data().Rows() == 0)
     Warning(keyword, "The layup has no plies: its elements have no material.");
+  else if (inpS_lacksLines(keyword, *form.info) && !MayLackLines(keyword, form))
+    Tell(keyword, inp_Utils::MessageInKeyword(
+                      keyword, "*" + keyword.Name() + " has no data lines: it gives no values."));
+  CheckNodalThickness(keyword);
   if (form.info->record == K::SectionPly) CheckPlyNames(keyword);
   CheckThickness(keyword, *form.info);
   if (isOneOf(form, K::BeamSectionPipe, K::BeamSectionThickPipe, K::BeamGeneralSectionPipe,
@@ -264,6 +336,24 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
     return CheckRebar(keyword, record);
   if (isOneOf(form, K::BeamSectionArbitrary, K::BeamGeneralSectionArbitrary))
     return MarkDirection(record);
+}
+
+// A thickness may come from elsewhere; user elements may have no properties, substructures stand
+// where they were made, pipes in soil and joints have theirs below, matrices from a file.
+bool inpS_SectionVisitor::MayLackLines(const inp_Keyword& keyword, const inpS_Form& form) const {
+  namespace K = eds_FormKind;
+  for (const char* parameter : {"nodalthickness", "shellthickness", "membranethickness", "input"})
+    if (keyword.HasParameter(parameter)) return true;
+  return isOneOf(form, K::UelProperty, K::SubstructureProperty, K::PipeSoilInteraction,
+                 K::ElasticPlasticJoint, K::MatrixCheck);
+}
+
+void inpS_SectionVisitor::CheckNodalThickness(const inp_Keyword& keyword) {
+  if (!inpS_saysYes(keyword, "nodalthickness")) return;
+  if (!Inventory().GetDocument().GetModel().GetNodalThicknessField().IsNull()) return;
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "nodalthickness",
+      "No node has a thickness, and NODAL THICKNESS leaves none to the section."));
 }
 
 void inpS_SectionVisitor::CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section) {

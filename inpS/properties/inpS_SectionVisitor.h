@@ -34,6 +34,8 @@ protected:
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;
+  bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
+                   const KvoSimPosition& record) override;
 
 private:
   const inpS_Form* ChooseSolid(const inp_Keyword& keyword);
@@ -42,7 +44,10 @@ private:
   const inpS_SectionData& DataOf(const KvoSimPosition& owner);
   bool CheckSolid(const inp_Keyword& keyword);
   bool CheckShellStiffness(const inp_Keyword& keyword);
-  bool CheckPretension(const inp_Keyword& keyword);
+  bool CheckPretension(const inp_Keyword& keyword, const inpS_Form& form);
+  bool IsThere(const inp_Keyword& keyword, const inpS_Form& form, const char* parameter);
+  bool MayLackLines(const inp_Keyword& keyword, const inpS_Form& form) const;
+  void CheckNodalThickness(const inp_Keyword& keyword);
   bool CheckFluid(const inp_Keyword& keyword);
   void CheckPlyNames(const inp_Keyword& keyword);
   void CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form);
