@@ -65,6 +65,21 @@ void utl_dropControlsInLines(cow_String& lines) {
   lines = std::move(out);
 }
 
+void utl_maskControlsInLines(cow_String& lines) {
+  std::size_t at = utl_findControlInLines(lines);
+  if (at == std::string_view::npos) return;
+  cow_String out;
+  std::size_t from = 0;
+  for (; at != std::string_view::npos; at = utl_findControlInLines(lines, from)) {
+    out.append(lines, from, at - from);
+    from = at + controlAt(lines, at);
+    const cow_String blank = utl_withoutControls(std::string_view(lines).substr(at, from - at));
+    out += blank.empty() ? "?" : blank;
+  }
+  out.append(lines, from, cow_String::npos);
+  lines = std::move(out);
+}
+
 void utl_printLines(utl_Stream& out, std::string_view lines) {
   if (utl_findControlInLines(lines) == std::string_view::npos) {
     out << lines;

@@ -19,4 +19,7 @@ cow_String utl_withoutControls(std::string_view text);
 // keeps an asterisk from beginning its line.
 std::size_t utl_findControlInLines(std::string_view lines, std::size_t from = 0);
 void utl_dropControlsInLines(cow_String& lines);
+// Of data lines: a question mark stands for each, so that a line that was refused for one is
+// refused again when it is read back.
+void utl_maskControlsInLines(cow_String& lines);
 void utl_printLines(utl_Stream& out, std::string_view lines); // without them

@@ -250,7 +250,7 @@ cow_String inp_DataArray::Text() const {
     out += RowText(row);
     out += '\n';
   }
-  utl_dropControlsInLines(out);
+  utl_maskControlsInLines(out);
   return out;
 }
 

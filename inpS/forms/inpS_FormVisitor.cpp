@@ -5,6 +5,7 @@
 #include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/forms/inpS_FormWords.h"
 #include "inpS/forms/inpS_LackOfLines.h"
+#include "inpS/forms/inpS_WrappedRows.h"
 #include "inpS/keywords/inpS_BlankLine.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
@@ -156,7 +157,8 @@ void inpS_FormVisitor::Hold(const KvoSimPosition& owner, eds_Member member,
 }
 
 const inpS_Form* inpS_FormVisitor::Choose(const inp_Keyword& keyword, const inp_Keyword* parent) {
-  return inpS_FormTable::Instance().Select(keyword, parent);
+  const inpS_Form* form = inpS_FormTable::Instance().Select(keyword, parent);
+  return form ? inpS_WrappedRows::FormOf(keyword, *form) : nullptr;
 }
 
 bool inpS_FormVisitor::MayConvert(const inp_Keyword&, const inpS_Form&) {
@@ -167,6 +169,11 @@ void inpS_FormVisitor::Converted(const inp_Keyword&, const inpS_Form&, const Kvo
 
 bool inpS_FormVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                    const KvoSimPosition& record) {
+  if (form.columnItems.back().isRepeated) {
+    inpS_WrappedRows rows(keyword, form, record, m_names, *this);
+    rows.SetErrorToRefuse(IsErrorToLack(keyword.Kind()));
+    return rows.Read();
+  }
   inpS_ColumnReader reader(keyword, form, record, m_names, *this);
   reader.SetErrorToRefuse(IsErrorToLack(keyword.Kind()));
   return reader.Read();
@@ -315,12 +322,12 @@ void inpS_FormVisitor::Tell(const inp_Keyword& keyword, wip_Message message) {
     AddWarning(std::move(message));
 }
 
-// Decided here: who misspells OP says nothing by it, and one whose amplitude is not there has none,
-// as has one with an odd YES or NO, and a section whose orientation is not there has its material
-// and thickness all the same; the rest means what it means without it. Without any other word (the
-// TYPE of a *BOUNDARY, the axes of a traction) nothing true can be said of the lines of bulk
-// columns: they are kept as they stand and nothing is made of them, but OP=NEW holds. All other
-// keywords are no such thing without it.
+// Decided here: who misspells OP or REGION TYPE says nothing by it, and one whose amplitude is not
+// there has none, as has one with an odd YES or NO, and a section whose orientation is not there
+// has its material and thickness all the same; the rest means what it means without it. Without any
+// other word (the TYPE of a *BOUNDARY, the axes of a traction) nothing true can be said of the
+// lines of bulk columns: they are kept as they stand and nothing is made of them, but OP=NEW holds.
+// All other keywords are no such thing without it.
 inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
                                                 const cow_String& parameter) const {
   const auto binding = std::ranges::find(form.parameters, parameter, &inpS_ParameterBinding::key);
@@ -337,7 +344,9 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
   const bool isBeside = !isCondition && isAny({"orientation", "section_controls", "material",
                                                "gasket_behavior", "matrix"});
   const bool saysYesOrNo = binding->words.size() == 2 && binding->words.front() == "YES";
-  if (parameter == "op" || isAny({"amplitude"}) || isBeside || saysYesOrNo) return Loss::Parameter;
+  if (parameter == "op" || parameter == "regiontype" || isAny({"amplitude"}) || isBeside ||
+      saysYesOrNo)
+    return Loss::Parameter;
   if (!item.isRequired && MayLack(form, item)) return Loss::Parameter;
   return isCondition ? Loss::Lines : Loss::Keyword;
 }

@@ -1,6 +1,7 @@
 #include "inpS/history/inpS_BoundaryVisitor.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_ConditionParameters.h"
 #include "inpS/history/inpS_ExcitationKind.h"
 #include "inpS/history/inpS_FluidLines.h"
 #include "inpS/history/inpS_NodalLines.h"
@@ -16,6 +17,7 @@ bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_For
   Names().SetTextOfMissing("surface", isPhysical
                                           ? "invalid surface definition in PHYSICAL fluid boundary."
                                           : "Surface \"%s\" does not exist.");
+  inpS_checkConditionParameters(keyword, Names(), *this);
   if (keyword.Kind() == inp_KwBaseMotion) return HasDegree(keyword);
   if (!isPhysical || !keyword.HasParameter("amplitude")) return true;
   wip_Message message = inp_Utils::MessageAtParameter(

@@ -132,6 +132,12 @@ bool inpS_ExcitationKind::IsGivenElsewhere(const KvoSimDataRecord& record) const
          (isAboutDegrees && file >= 0 && !record.GetString(file).empty());
 }
 
+bool inpS_ExcitationKind::IsOfNodes() const {
+  if (form == eds_FormKind::TemperatureDriven || form == eds_FormKind::FieldDriven) return true;
+  return info->data == eds_FormData::Columns &&
+         info->columnItems.front().alternatives.front().type == eds_FormType::Node;
+}
+
 bool inpS_ExcitationKind::ActsWithoutRows(const KvoSimDataRecord& record) const {
   if (key != Key::One && key != Key::Variable) return false;
   return (file >= 0 && !record.GetString(file).empty()) || (user >= 0 && record.GetBool(user));
@@ -161,10 +167,11 @@ cow_List<Group> Groups(uint64_t all, const inpS_ExcitationKind& kind, std::strin
   cow_List<Group> groups;
   const bool isCondition = kind.form == eds_FormKind::Boundary;
   cow_String base(kind.field);
-  const bool isMotion = isCondition || kind.form == eds_FormKind::ConnectorMotion;
+  const bool isMotion = isCondition || kind.form == eds_FormKind::ConnectorMotion ||
+                        kind.form == eds_FormKind::Motion;
   if (isMotion && type == "VELOCITY") base.back() = 'V';
   if (isMotion && type == "ACCELERATION") base.back() = 'A';
-  const bool isVector = isCondition || kind.field == "CF" || kind.field == "CU" ||
+  const bool isVector = kind.field == "U" || kind.field == "CF" || kind.field == "CU" ||
                         kind.field == "CCF" || kind.field == "BASE";
   const auto take = [&](uint64_t some, const cow_String& field, int firstDegree) {
     if ((all & some) != 0) groups.push_back({all & some, field, firstDegree});
@@ -183,9 +190,10 @@ cow_List<Group> Groups(uint64_t all, const inpS_ExcitationKind& kind, std::strin
     take(Bit(10), "DOF_10", 10);
   }
   take(Of(firstTemperature, kMost), isCondition ? "NT" : base, firstTemperature);
+  const bool isNumbered = base.empty() || isVector; // the field of a vector is none of theirs
   for (; all != 0; all &= all - 1) {
     const int degree = std::countr_zero(all) + 1;
-    groups.push_back({Bit(degree), base.empty() ? "DOF_" + std::to_string(degree) : base, degree});
+    groups.push_back({Bit(degree), isNumbered ? "DOF_" + std::to_string(degree) : base, degree});
   }
   return groups;
 }

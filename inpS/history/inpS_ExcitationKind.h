@@ -48,6 +48,8 @@ struct inpS_ExcitationKind {
   uint64_t BlankDegree() const;
   // Values are those of a routine, or of another analysis, whatever the lines say.
   bool IsGivenElsewhere(const KvoSimDataRecord& record) const;
+  // Whether rows are about nodes; without a target, as what a file maps between sets, about all.
+  bool IsOfNodes() const;
   // Acts although the keyword has no line: a file has the values.
   bool ActsWithoutRows(const KvoSimDataRecord& record) const;
 

@@ -16,15 +16,10 @@ bool hasDegrees(const Kind& kind) {
   return kind.key == Kind::Key::Degrees || kind.key == Kind::Key::Degree;
 }
 
-bool isOfNodes(const Kind& kind) {
-  return kind.info->data == eds_FormData::Columns &&
-         kind.info->columnItems.front().alternatives.front().type == eds_FormType::Node;
-}
-
 // Vectors of nodes have the axes of their nodes; temperatures and potentials have none, and
 // connectors have their own.
 bool isTurned(const Kind& kind, uint64_t degrees) {
-  return hasDegrees(kind) && isOfNodes(kind) && (degrees & inpS_Degrees::kTurned) != 0;
+  return hasDegrees(kind) && kind.IsOfNodes() && (degrees & inpS_Degrees::kTurned) != 0;
 }
 
 } // namespace
@@ -131,7 +126,7 @@ void inpS_ExcitationWriter::WriteSource(std::size_t place) {
 bool inpS_ExcitationWriter::AreRowsAlike(const Current& current) {
   return !current.isSmall && !current.source.looks.empty() && m_pieces.AreWhole(current.place) &&
          (m_transforms.empty() || !hasDegrees(*current.source.kind) ||
-          !isOfNodes(*current.source.kind));
+          !current.source.kind->IsOfNodes());
 }
 
 void inpS_ExcitationWriter::WriteLooks(Current& current) {
@@ -199,6 +194,9 @@ cow_String inpS_ExcitationWriter::FieldOf(const Current& current, const inpS_Con
   const Kind& kind = *current.source.kind;
   if (row.restraint >= 0) return {};
   cow_String field(kind.field);
+  if (kind.form == eds_FormKind::MotionRotation &&
+      current.source.record.DataRecord().GetString(kind.type) == "VELOCITY")
+    field.front() = 'V';
   if (kind.key == Kind::Key::Variable)
     field += std::to_string(kind.VariableOf(current.source.record.DataRecord()));
   const bool isWord = field.empty() || kind.form == eds_FormKind::Boundary; // of a flow's velocity
@@ -282,7 +280,7 @@ void inpS_ExcitationWriter::WritePiece(Current& current, long long n, const inpS
     relay.SetString(eds_Relay_Components,
                     inpS_Degrees::Components(degrees, std::max(1, key.field)));
   if (!members) return;
-  const bool isNodes = isOfNodes(*current.source.kind);
+  const bool isNodes = current.source.kind->IsOfNodes();
   const KvoSimCollection all = m_document.GetMesh().CollectionOf(m_model, isNodes);
   relay.SetSet(eds_Relay_Members, KvoSimCSet(all, *members).NewID());
 }
@@ -323,7 +321,7 @@ void inpS_ExcitationWriter::TellRow(KvoSimDataRecord relay, Current& current,
     if (!region.instance.IsNull()) relay.SetReference(eds_Relay_Instance, region.instance);
     return;
   }
-  const bool isNodes = isOfNodes(kind);
+  const bool isNodes = kind.IsOfNodes();
   std::optional<KvoObjLabeler>& labeler = isNodes ? m_nodes : m_elements;
   cow_List<KvoSimPosition>& owners = isNodes ? m_nodeOwners : m_elementOwners;
   if (!labeler) {

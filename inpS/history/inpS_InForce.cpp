@@ -264,10 +264,9 @@ bool inpS_InForce::Survey(Arrival& arrival) {
 
 inpS_InForce::Region inpS_InForce::RegionOf(const inpS_ExcitationKind& kind, int target,
                                             inpS_ConditionTargets& targets) {
-  if (kind.target < 0 || kind.key == Kind::Key::Words) return {0, nullptr};
+  const bool isNodes = kind.IsOfNodes();
+  if ((kind.target < 0 && !isNodes) || kind.key == Kind::Key::Words) return {0, nullptr};
   if (target >= 0) return {target, nullptr};
-  const bool isNodes =
-      kind.info->columnItems.front().alternatives.front().type == eds_FormType::Node;
   if (target == inpS_ConditionRow::kAll) {
     eds_MemberSet& every = isNodes ? m_everyNode : m_everyElement;
     if (every.IsEmpty()) every = eds_MemberSet::Strided(0, isNodes ? m_nodes : m_elements);

@@ -1,8 +1,9 @@
 #include "inpS/history/inpS_InitialConditionVisitor.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_ConditionParameters.h"
 #include "inpS/history/inpS_DegreeLines.h"
-#include "inpS/history/inpS_FieldVariable.h"
 #include "inpS/history/inpS_NodalLines.h"
+#include "inpS/history/inpS_ValueLines.h"
 
 namespace {
 
@@ -35,7 +36,10 @@ const inpS_Form* inpS_InitialConditionVisitor::Choose(const inp_Keyword& keyword
 }
 
 bool inpS_InitialConditionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
-  return form.kind != eds_FormKind::InitialField || inpS_hasVariable(keyword, *this);
+  const bool isField =
+      form.kind == eds_FormKind::InitialField || form.kind == eds_FormKind::InitialFieldAtPoints;
+  if (keyword.Kind() == inp_KwBoundary) inpS_checkConditionParameters(keyword, Names(), *this);
+  return !isField || inpS_hasVariable(keyword, *this);
 }
 
 bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
@@ -48,6 +52,10 @@ bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const
   }
   if (inpS_DegreeLines::Has(form.kind)) {
     inpS_DegreeLines lines(keyword, form.kind);
+    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  }
+  if (inpS_ValueLines::Has(keyword, form.kind)) {
+    inpS_ValueLines lines(form.kind);
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   return inpS_FormVisitor::ReadColumns(keyword, form, record);

@@ -19,11 +19,23 @@ bool isOfSurfaces(inp_KeywordEnm keyword) {
   });
 }
 
-// Of forces and fluxes; others have no magnitude, or one that may be left out.
-bool needsMagnitude(const inp_Keyword& keyword) {
-  const inp_KeywordEnm kind = keyword.Kind();
-  return !inpS_saysYes(keyword, "user") && (kind == inp_KwDload || kind == inp_KwDsload ||
-                                            kind == inp_KwDflux || kind == inp_KwDsflux);
+// The magnitude of forces and fluxes, the coefficient of films, flows and radiation, which stands
+// behind what is beyond; impedances have properties.
+int valueColumnOf(const inp_Keyword& keyword) {
+  if (inpS_saysYes(keyword, "user")) return -1;
+  switch (keyword.Kind()) {
+  case inp_KwImpedance:
+    return -1;
+  case inp_KwFilm:
+  case inp_KwSfilm:
+  case inp_KwRadiate:
+  case inp_KwSradiate:
+  case inp_KwFlow:
+  case inp_KwSflow:
+    return firstValue + 1;
+  default:
+    return firstValue;
+  }
 }
 
 cow_String textOfSurplus(const cow_String& label, int most) {
@@ -36,7 +48,7 @@ cow_String textOfSurplus(const cow_String& label, int most) {
 inpS_LoadLines::inpS_LoadLines(const inp_Keyword& keyword, const KvoSimPosition& record,
                                int dimensions, inpS_LoadedElements& elements)
     : m_keyword(keyword), m_record(record), m_isInSpace(dimensions == 3),
-      m_isOfSurfaces(isOfSurfaces(keyword.Kind())), m_needsMagnitude(needsMagnitude(keyword)),
+      m_isOfSurfaces(isOfSurfaces(keyword.Kind())), m_valueColumn(valueColumnOf(keyword)),
       m_elements(elements) {}
 
 bool inpS_LoadLines::Takes(const Label& label, Type type) const {
@@ -139,8 +151,10 @@ inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
 bool inpS_LoadLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (words[labelColumn]->All().empty()) return true;
   LabelAt(-1, words);
-  if (m_needsMagnitude && inp_hasBlank(piece.columns[firstValue].reals.first(piece.count)))
-    return false;
+  if (m_valueColumn >= 0) {
+    const auto column = static_cast<std::size_t>(m_valueColumn);
+    if (inp_hasBlank(piece.columns[column].reals.first(piece.count))) return false;
+  }
   const bool maySurplus = MayHaveSurplus(piece);
   if (!maySurplus && std::ranges::all_of(m_labels, &Label::IsCarefree)) return true;
   for (std::size_t n = 0; n < piece.count; ++n) {
@@ -174,11 +188,23 @@ std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line)
     return inpS_LineFault{-1, TextOf(label, *missing)};
   if (const Type type = TypeAgainst(label, line.slots[targetColumn]))
     return inpS_LineFault{labelColumn, TextOf(label, *type), false, false};
-  if (m_needsMagnitude && !line.Has(firstValue) && !label.text.ends_with("NU"))
-    return inpS_LineFault{-1, "The line gives no magnitude, which is 0.", false, false};
+  if (cow_String lack = LackOf(label, line); !lack.empty())
+    return inpS_LineFault{-1, "The line gives no " + lack + ", which is 0.", false, false};
   if (const int surplus = SurplusOf(label, valueAt); surplus >= 0)
     return inpS_LineFault{surplus, textOfSurplus(label.text, label.most), false, false};
   return {};
+}
+
+// A film may have a property in the place of its coefficient, or behind it.
+cow_String inpS_LoadLines::LackOf(const Label& label, const inpS_LineView& line) const {
+  const auto& values = label.found.rows.front()->values;
+  if (m_valueColumn < 0 || values.empty() || label.text.ends_with("NU")) return {};
+  if (m_valueColumn == firstValue || values.size() == 1)
+    return line.Has(firstValue) ? "" : "magnitude";
+  const bool hasProperty =
+      std::ranges::find(kindsWithProperty, m_keyword.Kind()) != std::end(kindsWithProperty);
+  if (line.Has(m_valueColumn) || (hasProperty && line.Has(m_valueColumn + 1))) return {};
+  return cow_String(values[static_cast<std::size_t>(m_valueColumn - firstValue)].name);
 }
 
 cow_String inpS_LoadLines::TextOf(const Label& label, const inpS_LoadLabel::Value& missing) const {

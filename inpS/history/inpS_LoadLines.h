@@ -43,6 +43,8 @@ private:
   template <class Value> int SurplusOf(const Label& label, const Value& valueAt) const;
   bool Takes(const Label& label, Type type) const;
   Type TypeAgainst(Label& label, int target); // null: none
+  // What the line ought to give and does not; empty: nothing.
+  cow_String LackOf(const Label& label, const inpS_LineView& line) const;
   cow_String TextOf(const Label& label, const inpS_LoadLabel::Value& missing) const;
   cow_String TextOf(const Label& label, const inp_ElementInfo& type) const;
 
@@ -50,7 +52,7 @@ private:
   KvoSimPosition m_record;
   bool m_isInSpace; // three dimensions
   bool m_isOfSurfaces;
-  bool m_needsMagnitude;
+  int m_valueColumn; // of what makes a line act; -1: it may be left out, or a routine gives it
   inpS_LoadedElements& m_elements;
   cow_List<Label> m_labels; // as the column's words
 };

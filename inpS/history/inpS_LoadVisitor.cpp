@@ -1,9 +1,10 @@
 #include "inpS/history/inpS_LoadVisitor.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_ConditionParameters.h"
 #include "inpS/history/inpS_DegreeLines.h"
-#include "inpS/history/inpS_FieldVariable.h"
 #include "inpS/history/inpS_LoadLines.h"
 #include "inpS/history/inpS_NodalLines.h"
+#include "inpS/history/inpS_ValueLines.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -22,6 +23,7 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
     return false;
   }
   CheckFilmAmplitude(keyword);
+  inpS_checkConditionParameters(keyword, Names(), *this);
   if (keyword.Kind() == inp_KwInertiaRelief) CheckRelief(keyword);
   if (keyword.Kind() == inp_KwField && !inpS_hasVariable(keyword, *this)) return false;
   if (keyword.Kind() != inp_KwCload || !keyword.HasParameter("type") ||
@@ -96,6 +98,10 @@ bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
   }
   if (inpS_DegreeLines::Has(form.kind)) {
     inpS_DegreeLines lines(keyword, form.kind);
+    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  }
+  if (inpS_ValueLines::Has(keyword, form.kind)) {
+    inpS_ValueLines lines(form.kind);
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   bool isWhole = false;

@@ -3,10 +3,12 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_ConditionParameters.h"
 #include "inpS/history/inpS_DegreeLines.h"
 #include "inpS/history/inpS_GlobalDamping.h"
 #include "inpS/history/inpS_ProcedureKind.h"
 #include "inpS/history/inpS_TimePointsVisitor.h"
+#include "inpS/history/inpS_ValueLines.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
@@ -287,6 +289,8 @@ bool inpS_StepVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& f
   m_keyword = keyword;
   m_times = 0;
   Names().SetTextOfMissingNode(form.kind == eds_FormKind::StaticRiks ? textOfMissingNode : nullptr);
+  if (inpS_DegreeLines::IsOfConnectors(form.kind))
+    inpS_checkConditionParameters(keyword, Names(), *this);
   return true;
 }
 
@@ -296,9 +300,17 @@ cow_String inpS_StepVisitor::FaultOfLine(const KvoSimPosition& line) {
 
 bool inpS_StepVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                    const KvoSimPosition& record) {
+  if (inpS_ValueLines::Has(keyword, form.kind)) {
+    inpS_ValueLines lines(form.kind);
+    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  }
   if (!inpS_DegreeLines::Has(form.kind))
     return inpS_FormVisitor::ReadColumns(keyword, form, record);
   inpS_DegreeLines lines(keyword, form.kind);
+  if (inpS_DegreeLines::IsOfConnectors(form.kind)) {
+    if (!m_elements) m_elements.emplace(Inventory().GetDocument());
+    lines.SetElements(*m_elements, record);
+  }
   return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
+#include "inpS/history/inpS_LoadedElements.h"
 #include <optional>
 #include <unordered_map>
 
@@ -91,5 +92,6 @@ private:
   // Parameters of *STEP in the steps right before without a procedure, and in the one that is open.
   cow_List<cow_String> m_left;
   cow_List<cow_String> m_given;
+  std::optional<inpS_LoadedElements> m_elements; // once a load of connectors is met
   cow_String m_extrapolation; // that holds in the open step; empty: none is given
 };

@@ -150,7 +150,7 @@ void inpS_tellControls(const inp_Keyword& keyword, inp_Visitor& messages) {
     while (at != line.npos && inp_isBlank(line[at])) at = utl_findControlInLines(line, at + 1);
     if (at == line.npos) continue;
     messages.AddWarning(inp_Utils::MessageAtRow(
-        keyword, row, "Control characters in data lines that are kept are left out."));
+        keyword, row, "Control characters in data lines that are kept become question marks."));
     return messages.LeaveOut("control character");
   }
 }

@@ -74,7 +74,7 @@ cow_List<long long> inpS_ElementsAsText::KeepLinesFromText(const inp_Keyword& ke
     m_scopes.TextElements().Add(scope.elementOccurrence, made); // the next line may start from them
   }
   if (rows.empty()) return rows;
-  utl_dropControlsInLines(lines);
+  utl_maskControlsInLines(lines);
   const long long first = rows.front();
   wip_Message message = inp_Utils::MessageAtRow(
       keyword, first,

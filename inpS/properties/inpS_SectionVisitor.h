@@ -32,6 +32,10 @@ protected:
                    const eds_Referable& referable, const cow_String& name) override;
   void TellRequired(const inp_Keyword& keyword, const cow_String& parameter) override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
+  // Controls say each something of their own: a word that nobody knows costs itself.
+  bool MayLack(const inpS_Form& form, const eds_FormItem&) const override {
+    return form.keyword == inp_KwSectionControls;
+  }
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,

@@ -91,6 +91,7 @@ public:
       : m_record(position), m_type(item.alternatives.front().type) {
     const KvoSimDataRecord record = position.DataRecord();
     const int field = item.alternatives.front().field;
+    m_goesOn = item.isRepeated;
     if (item.perRowField >= 0) m_perRow = record.GetInt(item.perRowField);
     if (m_perRow < 1) eds_tellDamaged(position, "a column has rows of no value");
     if (m_type == eds_FormType::Real) {
@@ -112,6 +113,7 @@ public:
                      : std::max<std::size_t>(utl_intTextRoom, m_wordRoom);
   }
   std::size_t PerRow() const { return static_cast<std::size_t>(m_perRow); }
+  bool GoesOn() const { return m_goesOn; }
 
   struct Values {
     cow_List<int> ints;
@@ -153,6 +155,7 @@ private:
   KvoSimPosition m_record;
   eds_FormType m_type;
   int m_perRow = 1;
+  bool m_goesOn = false; // over further lines
   bool m_hasWords = false;
   cow_List<cow_String> m_words;
   std::size_t m_wordRoom = 0;
@@ -171,19 +174,21 @@ char* printSeparator(char* out, std::size_t place, bool goesOn) {
   return out;
 }
 
-// Up to the last field that is given. A text at the end stands in the place of a real that is not
+// Up to the last field that is given; one that goes on over further lines is there whole, as all
+// rows have as many lines. A text at the end stands in the place of a real that is not
 // given where it may (endsInTexts).
 char* printLine(char* out, const Fields& fields, const cow_List<Field::Values>& values,
                 std::size_t n, bool endsInTexts) {
   std::size_t count = fields.size();
-  while (count > 0 && values[count - 1].IsBlank(n * fields[count - 1]->PerRow())) --count;
+  while (count > 0 && !fields[count - 1]->GoesOn() && values[count - 1].IsBlank(n)) --count;
   std::size_t place = 0;
   for (std::size_t c = 0; c < count; ++c) {
     const std::size_t perRow = fields[c]->PerRow();
     if (endsInTexts && c + 2 == fields.size() && count == fields.size() && values[c].IsBlank(n))
       continue;
     for (std::size_t k = 0; k < perRow; ++k)
-      out = fields[c]->Print(printSeparator(out, place++, perRow > 1), values[c], n * perRow + k);
+      out = fields[c]->Print(printSeparator(out, place++, fields[c]->GoesOn()), values[c],
+                             n * perRow + k);
   }
   *out++ = '\n';
   return out;

@@ -25,6 +25,7 @@ cow_String symbolName(eds_Vocabulary vocabulary, int number) {
 }
 
 const char* memberKindOf(const inpS_ExcitationKind* kind) {
+  if (kind && kind->IsOfNodes()) return "node";
   if (!kind || kind->target < 0 || kind->key == inpS_ExcitationKind::Key::Words) return "row";
   switch (kind->info->columnItems.front().alternatives.front().type) {
   case eds_FormType::Node:

@@ -92,6 +92,8 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"ConcentratedFlux.user", ""},
     {"InitialStress.section_points", ""},
     {"Motion.rotation", ""},
+    {"Motion.first", "2"},
+    {"Motion.last", "3"},
     {"BaseMotion.dof", "5"},
     {"InertiaRelief.dof_1", "1"},
     {"InertiaRelief.dof_2", "2"},
@@ -215,14 +217,16 @@ private:
     cow_String text;
     for (const bool byName : {false, true}) {
       cow_String line;
+      int place = 0; // of a field; eight stand on a line
       for (const eds_FormItem& item : m_form.info->columnItems) {
         const bool isTarget = isByLabelOrSet(item);
         const cow_String name =
             isTarget ? targets.at(item.alternatives.back().referable->word) : cow_String();
-        line += (line.empty() ? "" : ", ") + (&item == missing      ? "NOWHERE"
-                                              : isTarget && !byName ? "1"
-                                              : isTarget            ? name
-                                                         : Value(item, {}, false, m_lost));
+        line += place++ == 0 ? "" : place > 8 && item.isRepeated ? ",\n" : ", ";
+        line += (&item == missing      ? "NOWHERE"
+                 : isTarget && !byName ? "1"
+                 : isTarget            ? name
+                                       : Value(item, {}, false, m_lost));
       }
       text += line + "\n";
     }

@@ -1,0 +1,248 @@
+#include "inpS/forms/inpS_WrappedRows.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
+#include "inpS/keywords/inpS_Flag.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+#include <algorithm>
+
+namespace {
+
+namespace Kind = eds_FormKind;
+constexpr std::pair<eds_RecordKind, eds_RecordKind> atPoints[] = {
+    {Kind::TemperatureField, Kind::TemperatureAtPoints},
+    {Kind::PredefinedField, Kind::FieldAtPoints},
+    {Kind::InitialTemperature, Kind::InitialTemperatureAtPoints},
+    {Kind::InitialField, Kind::InitialFieldAtPoints}};
+
+// Lines are looked at up to here: where all nodes have as many, the first ones tell. One that goes
+// on behind is told, and kept.
+constexpr long long mostLooks = 4096;
+
+bool hasLinesThatGoOn(const inp_DataArray& data, int full) {
+  const long long rows = std::min(data.Rows(), mostLooks);
+  for (long long row = 1; row < rows; ++row)
+    if (data.Cols(row - 1) >= full && data.HasValue(row - 1, full - 1) && data.Cols(row) > 0 &&
+        data.Type(row, 0) == inp_FieldType::Double)
+      return true;
+  return false;
+}
+
+} // namespace
+
+inpS_WrappedRows::inpS_WrappedRows(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                   const KvoSimPosition& record, const inpS_FormNames& names,
+                                   inp_Visitor& messages)
+    : m_keyword(keyword), m_form(form), m_names(names), m_record(record), m_messages(messages),
+      m_sets(record), m_targets(form.columnItems.front(), names, m_sets),
+      m_singles(form.columnItems.size() - 2),
+      m_needsValue(!inpS_saysYes(keyword, "user") && !keyword.HasParameter("file")) {}
+
+const inpS_Form* inpS_WrappedRows::FormOf(const inp_Keyword& keyword, const inpS_Form& form) {
+  const auto known =
+      std::ranges::find(atPoints, form.kind, &std::pair<eds_RecordKind, eds_RecordKind>::first);
+  if (known == std::end(atPoints) || !hasLinesThatGoOn(keyword.Data(), static_cast<int>(kFields)))
+    return &form;
+  return inpS_FormTable::Instance().Find(known->second);
+}
+
+bool inpS_WrappedRows::Read() {
+  Stream(Pass::Measure);
+  const std::size_t more = std::max<std::size_t>(m_width, m_singles + 1) - m_singles;
+  m_values.reserve(m_singles + more);
+  for (const eds_FormItem& item : m_form.columnItems)
+    m_columns.emplace_back(m_record, item, item.isRepeated ? static_cast<int>(more) : 1);
+  m_width = m_singles + more;
+  m_rowReals.resize(m_columns.size() - 1);
+  Stream(Pass::Store);
+  for (inpS_ColumnStore& column : m_columns) column.Finish();
+  m_record.DataRecord().SetInt(m_form.rowsField, m_rows);
+  if (m_hasFaults) {
+    m_pass = Pass::Tell;
+    const inp_DataArray& data = m_keyword.Data();
+    for (long long row = 0; row < data.Rows(); ++row)
+      if (!inpS_KeywordReader::IsBlankRow(data, row)) AddLine(ReadLine(row));
+    CloseRow();
+  }
+  return m_isWhole;
+}
+
+void inpS_WrappedRows::Stream(Pass pass) {
+  m_pass = pass;
+  inp_ColumnType types[kFields];
+  std::ranges::fill(types, inp_ColumnType::Real);
+  types[0] = inp_ColumnType::TargetOrReal;
+  inp_streamColumns(
+      m_keyword.Data(), types,
+      [&](const Piece& piece) {
+        m_targets.Translate(piece.columns.front().ints.first(piece.count));
+      },
+      [&](const Piece& piece) { Take(piece); });
+  CloseRow();
+  Flush();
+}
+
+void inpS_WrappedRows::Take(const Piece& piece) {
+  m_targets.TranslateNames(piece, piece.columns.front().ints.first(piece.count));
+  auto odd = piece.odd.begin();
+  Line line;
+  long long row = piece.firstRow; // of the line `slot`; known where it is asked for
+  std::size_t slot = 0;
+  const auto rowOf = [&](std::size_t n) {
+    const inp_DataArray& data = m_keyword.Data();
+    for (;; ++row) {
+      if (inpS_KeywordReader::IsBlankRow(data, row)) continue;
+      if (slot == n) return row;
+      ++slot;
+    }
+  };
+  for (std::size_t n = 0; n < piece.count; ++n) {
+    if (odd != piece.odd.end() && odd->slot == static_cast<long long>(n)) {
+      AddLine(ReadLine(odd->row));
+      ++odd;
+      continue;
+    }
+    line.target = piece.columns[0].ints[n];
+    line.first = piece.columns[0].reals[n];
+    for (std::size_t c = 1; c < kFields; ++c) line.values[c - 1] = piece.columns[c].reals[n];
+    line.isBehindFields = line.IsReal() && m_isOpen && !m_isFull && HasAllFields(rowOf(n));
+    AddLine(line);
+  }
+  Flush();
+}
+
+// By the general road.
+inpS_WrappedRows::Line inpS_WrappedRows::ReadLine(long long row) {
+  const inp_DataArray& data = m_keyword.Data();
+  const auto has = [&](int col) { return col < data.Cols(row) && data.HasValue(row, col); };
+  Line line;
+  line.row = row;
+  line.isBehindFields = HasAllFields(row);
+  if (has(0) && data.IsNumber(row, 0)) line.first = data.AsDouble(row, 0);
+  if (has(0) && data.Type(row, 0) != inp_FieldType::Double)
+    line.target = m_targets.Of(data, row, 0);
+  for (int col = 1; col < static_cast<int>(kFields); ++col) {
+    const bool isNumber = has(col) && data.IsNumber(row, col);
+    line.values[col - 1] = isNumber ? data.AsDouble(row, col) : inp_blankReal;
+    if (has(col) && !isNumber && line.wordAt < 0) line.wordAt = col;
+  }
+  for (int col = static_cast<int>(kFields); col < data.Cols(row) && line.surplusAt < 0; ++col)
+    if (has(col)) line.surplusAt = col;
+  return line;
+}
+
+bool inpS_WrappedRows::HasAllFields(long long row) const {
+  const inp_DataArray& data = m_keyword.Data();
+  while (--row >= 0 && inpS_KeywordReader::IsBlankRow(data, row)) continue;
+  return row >= 0 && data.Cols(row) >= static_cast<int>(kFields);
+}
+
+bool inpS_WrappedRows::IsBlank(const Line& line) {
+  return line.wordAt < 0 && line.surplusAt < 0 && std::ranges::all_of(line.values, inp_isBlankReal);
+}
+
+bool inpS_WrappedRows::GoesOn(const Line& line) const {
+  if (!m_isOpen) return false;
+  if (line.IsReal()) return m_isFull || line.isBehindFields;
+  if (line.target == inp_blankInt) return m_isFull || IsBlank(line); // all rows have as many lines
+  return m_isFull && m_singles == 0 && line.IsNumber() && !m_head.IsNumber();
+}
+
+void inpS_WrappedRows::AddLine(const Line& line) {
+  if (GoesOn(line)) {
+    m_values.push_back(line.first);
+  } else {
+    CloseRow();
+    m_isOpen = true;
+    m_head = line;
+    m_values.clear();
+    m_wordRow = m_surplusRow = -1;
+    m_wordAt = m_surplusAt = -1;
+  }
+  m_values.insert(m_values.end(), std::begin(line.values), std::end(line.values));
+  m_isFull = line.IsFull();
+  if (line.wordAt >= 0 && m_wordAt < 0) {
+    m_wordAt = line.wordAt;
+    m_wordRow = line.row;
+  }
+  if (line.surplusAt >= 0 && m_surplusAt < 0) {
+    m_surplusAt = line.surplusAt;
+    m_surplusRow = line.row;
+  }
+}
+
+bool inpS_WrappedRows::IsRefused() const {
+  return m_wordAt >= 0 || m_head.target == inp_blankInt || m_head.target == inpS_noTarget;
+}
+
+void inpS_WrappedRows::CloseRow() {
+  if (!m_isOpen) return;
+  m_isOpen = false;
+  std::size_t given = m_values.size();
+  while (given > 0 && inp_isBlankReal(m_values[given - 1])) --given;
+  if (m_pass == Pass::Measure && !IsRefused()) m_width = std::max(m_width, given);
+  m_values.resize(given);
+  if (m_pass == Pass::Tell) return TellRow();
+  if (m_pass == Pass::Measure) return;
+  m_isWhole = m_isWhole && !IsRefused() && m_surplusAt < 0;
+  m_hasFaults =
+      m_hasFaults || IsRefused() || m_surplusAt >= 0 || (m_needsValue && m_values.empty());
+  if (!IsRefused()) StoreRow();
+}
+
+void inpS_WrappedRows::StoreRow() {
+  constexpr long long fewRows = 256; // more than a record holds: arrays are made in their order,
+                                     // whatever the pieces
+  m_values.resize(m_width, inp_blankReal);
+  m_rowTargets.push_back(m_head.target);
+  for (std::size_t n = 0; n < m_values.size(); ++n)
+    m_rowReals[std::min(n, m_singles)].push_back(m_values[n]);
+  if (++m_rows <= fewRows) Flush();
+}
+
+void inpS_WrappedRows::Flush() {
+  if (m_rowTargets.empty()) return;
+  m_columns.front().Append(std::span<const int>(m_rowTargets));
+  m_rowTargets.clear();
+  for (std::size_t c = 0; c < m_rowReals.size(); ++c) {
+    m_columns[c + 1].Append(std::span<const double>(m_rowReals[c]));
+    m_rowReals[c].clear();
+  }
+}
+
+// ---- what cannot be taken
+
+void inpS_WrappedRows::TellRow() {
+  const inp_DataArray& data = m_keyword.Data();
+  const eds_FormItem& item = m_form.columnItems.front();
+  if (m_head.target == inpS_noTarget || m_head.target == inp_blankInt) {
+    const bool isBlank = data.Cols(m_head.row) == 0 || !data.HasValue(m_head.row, 0);
+    const cow_String name = isBlank ? cow_String() : data.AsStringVerbatim(m_head.row, 0);
+    const bool isLabel = m_head.IsNumber() || m_targets.IsLabel(name);
+    const bool isNode = item.alternatives.front().type == eds_FormType::Node;
+    const cow_String text = isBlank   ? cow_String("The line does not tell its target.")
+                            : isLabel ? (isNode ? "Node " : "Element ") + name + " does not exist."
+                                      : m_names.TextOfMissing(*item.alternatives.back().referable,
+                                                              inp_Utils::Fold(name));
+    return TellFault(m_head.row, isBlank ? -1 : 0, text, true);
+  }
+  if (m_wordAt >= 0)
+    return TellFault(m_wordRow, m_wordAt,
+                     "\"" + data.AsStringVerbatim(m_wordRow, m_wordAt) + "\" is no number.", true);
+  if (m_surplusAt >= 0)
+    TellFault(m_surplusRow, m_surplusAt,
+              "The line has more values than it can have; they are kept as they stand.", false);
+  if (m_needsValue && m_values.empty())
+    TellFault(m_head.row, -1, "The line gives no value, which is 0.", false);
+}
+
+void inpS_WrappedRows::TellFault(long long row, int col, cow_String text, bool isRefused) {
+  if (isRefused) text += " The line is kept as it stands, and nothing is made of it.";
+  wip_Message message = col >= 0 ? inp_Utils::MessageAtField(m_keyword, row, col, std::move(text))
+                                 : inp_Utils::MessageAtRow(m_keyword, row, std::move(text));
+  if (isRefused && m_isErrorToRefuse)
+    m_messages.AddError(std::move(message));
+  else
+    m_messages.AddWarning(std::move(message));
+}

@@ -1,0 +1,31 @@
+#include "inpS/history/inpS_ConditionParameters.h"
+#include "inpS/forms/inpS_FormValue.h"
+#include "inpS/keywords/inpS_Flag.h"
+#include "parser/inp_Utils.h"
+#include "parser/inp_Visitor.h"
+#include <algorithm>
+
+bool inpS_hasVariable(const inp_Keyword& keyword, inp_Visitor& messages) {
+  const inp_Item* variable = keyword.Find("variable");
+  if (!variable || (variable->IsInteger() && variable->AsInt() > 0)) return true;
+  messages.AddError(inp_Utils::MessageAtParameter(
+      keyword, "variable",
+      "VARIABLE=" + variable->Verbatim() +
+          ": field variables are numbered from 1 on. The keyword is kept as text."));
+  return false;
+}
+
+// Decided here: who gives both means the part that has to be named.
+void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_FormNames& names,
+                                   inp_Visitor& messages) {
+  if (inpS_saysYes(keyword, "real") && inpS_saysYes(keyword, "imaginary"))
+    messages.AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "real", "REAL and IMAGINARY exclude each other; IMAGINARY holds."));
+  if (!keyword.HasParameter("refnode")) return;
+  const cow_String node = keyword.Find("refnode")->AsString();
+  const eds_Referable& nset = *std::ranges::find(eds_referables(), "nset", &eds_Referable::word);
+  if (names.FindLabel(eds_FormType::Node, node).isKnown || !names.Find(nset, node).set.IsNull())
+    return;
+  messages.AddError(inp_Utils::MessageAtParameter(
+      keyword, "refnode", "Reference node " + node + " does not exist. It is kept as it stands."));
+}

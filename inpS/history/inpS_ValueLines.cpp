@@ -1,0 +1,67 @@
+#include "inpS/history/inpS_ValueLines.h"
+#include "inpS/keywords/inpS_Flag.h"
+#include "parser/inp_BulkColumns.h"
+#include <algorithm>
+
+namespace {
+
+struct Row {
+  eds_RecordKind form;
+  int column;
+  const char* what;
+};
+namespace Kind = eds_FormKind;
+constexpr Row table[] = {{Kind::TemperatureField, 1, "value"},
+                         {Kind::PredefinedField, 1, "value"},
+                         {Kind::PressureStress, 1, "value"},
+                         {Kind::MassFlowRate, 1, "value"},
+                         {Kind::TransportVelocity, 1, "velocity"},
+                         {Kind::FluidFlux, 1, "magnitude"},
+                         {Kind::MotionRotation, 1, "magnitude"},
+                         {Kind::SubstructureLoad, 2, "factor"},
+                         {Kind::NodeRadiation, 3, "emissivity"},
+                         {Kind::IncidentWave, 1, "magnitude"},
+                         {Kind::InitialTemperature, 1, "value"},
+                         {Kind::InitialField, 1, "value"},
+                         {Kind::InitialPressureStress, 1, "value"},
+                         {Kind::InitialMassFlowRate, 1, "value"},
+                         {Kind::InitialConcentration, 1, "value"},
+                         {Kind::InitialAcousticPressure, 1, "value"},
+                         {Kind::InitialRatio, 1, "value"},
+                         {Kind::InitialPorePressure, 1, "value"},
+                         {Kind::InitialSaturation, 1, "value"},
+                         {Kind::InitialFluidPressure, 1, "value"},
+                         {Kind::InitialElectricPotential, 1, "value"},
+                         {Kind::InitialPorosity, 1, "value"},
+                         {Kind::InitialSpecificEnergy, 1, "value"},
+                         {Kind::InitialSpud, 1, "value"},
+                         {Kind::InitialSpudPreload, 1, "value"},
+                         {Kind::InitialRelativeDensity, 1, "value"},
+                         {Kind::InitialVolumeFraction, 2, "value"},
+                         {Kind::InitialFluidDensity, 1, "value"},
+                         {Kind::InitialFluidTemperature, 1, "value"},
+                         {Kind::InitialFluidEnergy, 1, "value"},
+                         {Kind::InitialTurbulence, 1, "value"}};
+
+} // namespace
+
+inpS_ValueLines::inpS_ValueLines(eds_RecordKind form) {
+  const Row& row = *std::ranges::find(table, form, &Row::form);
+  m_column = row.column;
+  m_what = row.what;
+}
+
+bool inpS_ValueLines::Has(const inp_Keyword& keyword, eds_RecordKind form) {
+  return std::ranges::find(table, form, &Row::form) != std::end(table) &&
+         !inpS_saysYes(keyword, "user") && !keyword.HasParameter("file");
+}
+
+bool inpS_ValueLines::IsSound(const inp_ColumnPiece& piece, Words) {
+  const auto column = static_cast<std::size_t>(m_column);
+  return std::ranges::none_of(piece.columns[column].reals.first(piece.count), inp_isBlankReal);
+}
+
+std::optional<inpS_LineFault> inpS_ValueLines::FaultOf(const inpS_LineView& line) {
+  if (line.Has(m_column)) return {};
+  return inpS_LineFault{-1, "The line gives no " + m_what + ", which is 0.", false, false};
+}
