@@ -16,8 +16,12 @@
 
 namespace {
 
-// "the models are the same", and what that is worth.
-cow_String sameText(const inps_Tolerance& tolerance, bool hasErrors) {
+// How many differences there are, and what that is worth: of decks with errors, what could be
+// converted is compared.
+cow_String resultText(long long differences, const inps_Tolerance& tolerance, bool hasErrors) {
+  if (differences)
+    return inps_counted(differences, "difference") +
+           (hasErrors ? " in what could be converted; there are errors in the decks" : "");
   if (hasErrors) return "what could be converted is the same, but there are errors in the decks";
   return tolerance.IsGiven() ? "the models are the same within the tolerance"
                              : "the models are the same";
@@ -68,9 +72,7 @@ int inps_diff(inps_Session& session, const inps_Arguments& arguments) {
       run.Json()["differences"] = differences;
       run.Json()["lines"] = linesOf(lines.view());
     } else if (!run.IsQuiet())
-      session.out << (differences ? inps_counted(differences, "difference")
-                                  : sameText(tolerance, hasErrors))
-                  << '\n';
+      session.out << resultText(differences, tolerance, hasErrors) << '\n';
     return differences || hasErrors ? inps_ExitFaults : inps_ExitDone;
   });
 }

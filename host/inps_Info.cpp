@@ -87,6 +87,15 @@ bool areThere(inps_Session& session, const inps_NameChoice& choice, const char* 
   return choice.Missing().empty();
 }
 
+void printListJson(inps_Session& session, const inps_Arguments& arguments, const char* name,
+                   inps_Json list) {
+  inps_printJson(session.out, {{"command", "info"},
+                               {"model", arguments.Operands()[0]},
+                               {name, std::move(list)},
+                               {"failure", nullptr},
+                               {"exit", inps_ExitDone}});
+}
+
 int listSections(inps_Session& session, const inps_Arguments& arguments,
                  const KvoObjDocument& document) {
   const cow_List<inpS_SectionDescription> sections = inpS_describeSections(document);
@@ -95,11 +104,7 @@ int listSections(inps_Session& session, const inps_Arguments& arguments,
   const inps_NameChoice choice(std::span(arguments.Operands()).subspan(1), have);
   if (!areThere(session, choice, "section")) return inps_ExitUsage;
   if (arguments.Has(inps_Opt::Json))
-    inps_printJson(session.out, {{"command", "info"},
-                                 {"model", arguments.Operands()[0]},
-                                 {"sections", inps_jsonOfSections(sections, choice)},
-                                 {"failure", nullptr},
-                                 {"exit", inps_ExitDone}});
+    printListJson(session, arguments, "sections", inps_jsonOfSections(sections, choice));
   else if (sections.empty())
     session.out << "no sections\n";
   else
@@ -115,11 +120,7 @@ int listMaterials(inps_Session& session, const inps_Arguments& arguments,
   const inps_NameChoice choice(std::span(arguments.Operands()).subspan(1), have);
   if (!areThere(session, choice, "material or gasket behavior")) return inps_ExitUsage;
   if (arguments.Has(inps_Opt::Json))
-    inps_printJson(session.out, {{"command", "info"},
-                                 {"model", arguments.Operands()[0]},
-                                 {"materials", inps_jsonOfMaterials(document, choice)},
-                                 {"failure", nullptr},
-                                 {"exit", inps_ExitDone}});
+    printListJson(session, arguments, "materials", inps_jsonOfMaterials(document, choice));
   else
     inps_printMaterials(session.out, document, choice);
   return inps_ExitDone;

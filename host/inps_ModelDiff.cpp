@@ -54,7 +54,7 @@ private:
   static bool IsPartOfKey(const eds_RecordInfo& kind, const eds_FieldInfo& field) {
     static constexpr std::string_view names[] = {"Name",  "Owner",        "Keyword", "Spec",
                                                  "Block", "Distribution", "Section", "Property",
-                                                 "Table", "Given"};
+                                                 "Table", "Given",        "Behind"};
     return std::ranges::find(names, field.name) != std::end(names) ||
            (kind.kind == eds_RecordKind::Collection && field.name == "Type");
   }

@@ -53,17 +53,18 @@ void inp_SuboptionChain::CloseOpen() {
   m_isResumed = false;
 }
 
-// One without a name opens nothing: what follows goes on with the one before it of its kind.
-void inp_SuboptionChain::Resume(const inp_Keyword& nameless) {
+// One without a name opens nothing: what follows goes on with the one before it of its kind. False:
+// there is none, and what follows must not go to one of the other kind.
+bool inp_SuboptionChain::Resume(const inp_Keyword& nameless) {
   const auto isOfKind = [&](const inp_KeywordList& chain) {
     return !chain.empty() && chain.front().Kind() == nameless.Kind();
   };
-  if (isInStep(nameless) || isOfKind(m_open)) return;
-  if (std::ranges::none_of(m_held, isOfKind)) return;
+  if (isInStep(nameless) || isOfKind(m_open)) return true;
+  if (std::ranges::none_of(m_held, isOfKind)) return false;
   CloseOpen();
   const auto held = std::ranges::find_if(m_held, isOfKind);
   std::rotate(m_held.begin(), held, std::next(held));
-  m_isResumed = true;
+  return m_isResumed = true;
 }
 
 inp_KeywordList& inp_SuboptionChain::ChainFor(const inp_Keyword& keyword) {
@@ -95,7 +96,7 @@ void inp_SuboptionChain::Attach(const inp_Keyword& keyword) {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   // A misspelt sub-option must not tear those behind it from their keyword.
   if (!row) return;
-  if (isNameless(keyword)) return Resume(keyword);
+  if (isNameless(keyword) && Resume(keyword)) return;
   if (!m_open.empty() && m_open.back().ScopePtr() != keyword.ScopePtr()) CloseOpen();
   if (!m_apart.empty() && m_apart.back().ScopePtr() != keyword.ScopePtr()) m_apart.clear();
   if (isOfModelIn(keyword)) {

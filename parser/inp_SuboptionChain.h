@@ -15,7 +15,7 @@ public:
 
 private:
   void CloseOpen();
-  void Resume(const inp_Keyword& nameless);
+  bool Resume(const inp_Keyword& nameless);
   inp_KeywordList& ChainFor(const inp_Keyword& keyword);
 
   inp_KeywordList m_open;

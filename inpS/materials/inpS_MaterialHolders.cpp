@@ -50,24 +50,32 @@ void inpS_MaterialVisitor::CreateMaterialRegularization(const inp_Keyword& keywo
 
 // Without a name nothing is opened: what follows belongs to the one before it.
 void inpS_MaterialVisitor::TellOfNoName(const inp_Keyword& keyword) {
-  Warning(keyword,
-          "*" + keyword.Name() + " has no name and opens nothing; what follows is taken for the " +
-              (keyword.Kind() == inp_KwMaterial ? "material" : "gasket behavior") + " before it.");
+  const bool isMaterial = keyword.Kind() == inp_KwMaterial;
+  const cow_String kind = isMaterial ? "material" : "gasket behavior";
+  const bool isFirst = (isMaterial ? m_material : m_gasket).IsNull();
+  Warning(keyword, "*" + keyword.Name() + " has no name and opens nothing; " +
+                       (isFirst ? "no " + kind + " is before it that could take what follows."
+                                : "what follows is taken for the " + kind + " before it."));
+}
+
+void inpS_MaterialVisitor::Settle(const inp_Keyword& keyword, const KvoSimPosition& opened) {
+  if (opened.IsNull()) return m_ledger.LeaveOut(keyword);
+  m_ledger.Take(keyword, opened);
 }
 
 void inpS_MaterialVisitor::VisitMaterial(const inp_Keyword& keyword) {
   const KvoSimPosition opened = OpenNamed(keyword, eds_RecordKind::Material, eds_Member::Materials);
-  if (opened.IsNull()) return m_ledger.LeaveOut(keyword);
-  m_owner = m_material = opened;
-  m_ledger.Take(keyword, opened);
+  if (!opened.IsNull()) m_material = opened;
+  m_owner = m_material;
+  Settle(keyword, opened);
 }
 
 void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
   const KvoSimPosition opened =
       OpenNamed(keyword, eds_FormKind::GasketBehavior, eds_Member::GasketBehaviors);
-  if (opened.IsNull()) return m_ledger.LeaveOut(keyword);
-  m_owner = m_gasket = opened;
-  m_ledger.Take(keyword, opened);
+  if (!opened.IsNull()) m_gasket = opened;
+  m_owner = m_gasket;
+  Settle(keyword, opened);
 }
 
 // There is one set of constants; each parameter given again takes the place of the former.

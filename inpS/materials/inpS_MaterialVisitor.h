@@ -65,6 +65,7 @@ private:
   cow_String UntoldReason(const inp_Keyword& keyword) const;
   bool IsSecond(const inp_Keyword& keyword, const inpS_Form& behavior, const KvoSimPosition& owner);
   void TellOfNoName(const inp_Keyword& keyword);
+  void Settle(const inp_Keyword& keyword, const KvoSimPosition& opened); // null: left out
   void ReportChoice(const inp_Keyword& keyword);
   void TellConflicts(const inp_Keyword& keyword);
   void TellUnknown(const inp_Keyword& keyword);

@@ -71,8 +71,12 @@ inpS_SetDefinition* inpS_MeshSetReader::Begin(const inp_Keyword& keyword, inpS_M
   set.internal = set.internal || internal;
   set.unsorted = set.unsorted || unsorted;
   if (instanceKnown) return &set;
-  m_messages.LeaveOut("set keyword");
-  return nullptr; // what names it finds it, with nothing of this keyword
+  // What names it finds it, with nothing of this keyword.
+  if (kind == inpS_SetKind::Nodes && keyword.HasParameter("elset"))
+    m_messages.LeaveOut("set entry");
+  else
+    m_messages.LeaveOut("data line", keyword.Data().Rows());
+  return nullptr;
 }
 
 void inpS_MeshSetReader::Read(const inp_Keyword& keyword, inpS_MeshScope& scope,
@@ -122,19 +126,17 @@ bool inpS_MeshSetReader::FindInstance(const inp_Keyword& keyword, const inpS_Mes
                                       cow_String& instance) {
   const inp_Item* item = keyword.Find("instance");
   if (!item) return true;
-  if (item->AsString().empty()) {
-    m_messages.AddError(
-        inp_Utils::MessageAtParameter(keyword, "instance", "The name of the instance is missing."));
-    return false;
-  }
-  if (scope.kind != inpS_MeshScope::Kind::Root) {
-    m_messages.AddError(inp_Utils::MessageAtParameter(
-        keyword, "instance", "Instance parameter cannot be used at the part instance level."));
-    return false;
-  }
   instance = item->AsString();
-  if (m_scopes.FindInstance(instance)) return true;
+  cow_String fault;
+  if (instance.empty())
+    fault = "The name of the instance is missing.";
+  else if (scope.kind != inpS_MeshScope::Kind::Root)
+    fault = "Instance parameter cannot be used at the part instance level.";
+  else if (m_scopes.FindInstance(instance))
+    return true;
+  else
+    fault = "Instance " + instance + " is not defined.";
   m_messages.AddError(inp_Utils::MessageAtParameter(
-      keyword, "instance", inp_Utils::Format("Instance %s is not defined.", instance.c_str())));
+      keyword, "instance", fault + " The set has nothing of this keyword."));
   return false;
 }

@@ -63,6 +63,20 @@ const char* levelUnder(const KvoSimPosition& owner) {
   return container ? "LEVEL_MATERIAL" : "LEVEL_SUBOPTION";
 }
 
+// Texts are counted behind each record of a scope by themselves, for records may be written in
+// another order than the deck had them in. Those among steps, and under a keyword, are counted
+// through.
+unsigned long long countedBehind(const KvoSimDataRecord& text) {
+  const int block = text.GetInt(eds_VerbatimKeyword_Block);
+  const KvoSimPosition owner = text.GetReference(eds_VerbatimKeyword_Owner);
+  const bool isOfScope = owner.IsA(eds_RecordKind::Model) || owner.IsA(eds_RecordKind::Part) ||
+                         owner.IsA(eds_RecordKind::Instance) || owner.IsA(eds_RecordKind::Assembly);
+  const bool hasForms =
+      block >= kFirstBlock && block < kHistoryBlock && inpS_block(block).HasForms();
+  if (!isOfScope || !hasForms) return 0;
+  return text.GetReference(eds_VerbatimKeyword_Behind).Object().Packed();
+}
+
 // What a keyword says beside the reading of a model, which is done; empty: nothing.
 cow_String textBesideReading(const inp_Keyword& restart) {
   for (const char* parameter : {"read", "step", "inc", "interval", "iteration", "cycle", "endstep"})
@@ -80,7 +94,8 @@ void inpS_VerbatimVisitor::ContinuePositions() {
   for (const KvoSimPosition& kept : context.GetRecords(eds_RecordKind::VerbatimKeyword)) {
     const KvoSimDataRecord record = kept.DataRecord();
     const auto owner = record.GetReference(eds_VerbatimKeyword_Owner).Object().Packed();
-    int& next = m_positions[{owner, record.GetInt(eds_VerbatimKeyword_Block)}];
+    int& next =
+        m_positions[{owner, {record.GetInt(eds_VerbatimKeyword_Block), countedBehind(record)}}];
     next = std::max(next, record.GetInt(eds_VerbatimKeyword_Position) + 1);
   }
 }
@@ -221,12 +236,12 @@ void inpS_VerbatimVisitor::Keep(const inp_Keyword& keyword, const Along& at) {
   record.SetSymb(eds_VerbatimKeyword_Level, place.level);
   record.SetReference(eds_VerbatimKeyword_Owner, place.owner);
   record.SetInt(eds_VerbatimKeyword_Block, at.block);
-  record.SetInt(eds_VerbatimKeyword_Position,
-                m_positions[{place.owner.Object().Packed(), at.block}]++);
   const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   const cow_String& text = told && at.text.empty() ? told->text : at.text;
   record.SetString(eds_VerbatimKeyword_Text, text.empty() ? keyword.Text() : text);
   if (!at.behind.IsNull()) record.SetReference(eds_VerbatimKeyword_Behind, at.behind);
+  int& next = m_positions[{place.owner.Object().Packed(), {at.block, countedBehind(record)}}];
+  record.SetInt(eds_VerbatimKeyword_Position, next++);
   transaction.Commit();
 }
 

@@ -205,20 +205,21 @@ void inpS_SetVisitor::GetElementLabels(const KvoSimPosition& set, cow_List<int>&
 
 // ---- labels
 
-int inpS_SetVisitor::GetNodeLabel(long long ordinal) const {
+int inpS_SetVisitor::LabelOf(Kind kind, long long ordinal) const {
+  const KvoObjLabeler& labeler = LabelerOf(kind);
   int64_t local = ordinal;
   const int occurrence = m_owner.IsA(eds_RecordKind::Part)
-                             ? m_nodes.FindOccurrence(m_owner)
-                             : m_nodes.OccurrenceOfFlat(ordinal, local);
-  return m_nodes.GetInstanceLabel(occurrence, local);
+                             ? labeler.FindOccurrence(m_owner)
+                             : labeler.OccurrenceOfFlat(ordinal, local);
+  return labeler.GetInstanceLabel(occurrence, local);
+}
+
+int inpS_SetVisitor::GetNodeLabel(long long ordinal) const {
+  return LabelOf(Kind::Nodes, ordinal);
 }
 
 int inpS_SetVisitor::GetElementLabel(long long ordinal) const {
-  int64_t local = ordinal;
-  const int occurrence = m_owner.IsA(eds_RecordKind::Part)
-                             ? m_elements.FindOccurrence(m_owner)
-                             : m_elements.OccurrenceOfFlat(ordinal, local);
-  return m_elements.GetInstanceLabel(occurrence, local);
+  return LabelOf(Kind::Elements, ordinal);
 }
 
 bool inpS_SetVisitor::OrdinalOf(Kind kind, const KvoSimPosition& owner, long long label,

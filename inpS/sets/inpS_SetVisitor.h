@@ -102,6 +102,7 @@ private:
   KvoSimPosition OccurrenceOf(const cow_String& instance) const;
   Found FindIn(Kind kind, const KvoSimPosition& owner, const cow_String& key) const;
   Found Find(Kind kind, const cow_String& name) const;
+  int LabelOf(Kind kind, long long ordinal) const;
   eds_MemberSet InOrder(Kind kind, const KvoSimPosition& set) const;
   bool MembersOf(Kind kind, const Found& found, eds_MemberSet& ordinals) const;
   bool OrdinalOf(Kind kind, const KvoSimPosition& owner, long long label, long long& ordinal) const;

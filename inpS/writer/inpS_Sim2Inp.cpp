@@ -24,6 +24,8 @@
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
 #include <ostream>
+#include <span>
+#include <unordered_map>
 
 namespace {
 
@@ -57,6 +59,7 @@ struct inpS_Sim2Inp::Impl {
   inpS_DeckScope ScopeOf(const KvoSimPosition& owner) const;
   void PrintScope(const inpS_DeckScope& scope, int from, int to);
   void PrintWithin(const inpS_DeckScope& scope);
+  void SortKept(const inpS_DeckScope& scope, const inpS_Block& block, std::span<Kept> texts) const;
   void PrintKept(const inpS_DeckScope& scope, const inpS_Block& block);
   inpS_FormPrinting Printing(const inpS_DeckScope& scope);
   void PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printing,
@@ -284,15 +287,30 @@ inpS_FormPrinting Impl::Printing(const inpS_DeckScope& scope) {
           }};
 }
 
+// The texts of a block in the order of the records that they stand behind: a phase may have made
+// those in another order than the deck's.
+void Impl::SortKept(const inpS_DeckScope& scope, const inpS_Block& block,
+                    std::span<Kept> texts) const {
+  if (texts.empty() || !block.HasForms() || block.number == kStepsBlock) return;
+  std::unordered_map<unsigned long long, std::size_t> places{{scope.owner.Object().Packed(), 0}};
+  for (const eds_Member member : inpS_membersOf(block))
+    for (const KvoSimPosition& record : scope.owner.GetVector(member))
+      places.try_emplace(record.Object().Packed(), places.size());
+  std::ranges::stable_sort(texts, {}, [&](const Kept& text) {
+    const auto known = places.find(text.behind.Object().Packed());
+    return known == places.end() ? places.size() : known->second;
+  });
+}
+
 // The forms of a block, and the texts of it: each behind the form that it stood behind.
 void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
-  static const cow_List<Kept> none;
-  const auto known = kept.find(scope.owner.Object().Packed());
-  const cow_List<Kept>& list = known == kept.end() ? none : known->second;
-  auto at = std::ranges::lower_bound(list, block.number, {}, &Kept::block);
+  std::span<Kept> texts;
+  if (const auto known = kept.find(scope.owner.Object().Packed()); known != kept.end())
+    texts = std::ranges::equal_range(known->second, block.number, {}, &Kept::block);
+  SortKept(scope, block, texts);
+  auto at = texts.begin();
   const auto printTexts = [&](const KvoSimPosition* behind) {
-    for (; at != list.end() && at->block == block.number && (!behind || at->behind == *behind);
-         ++at)
+    for (; at != texts.end() && (!behind || at->behind == *behind); ++at)
       utl_printLines(*out, at->record.DataRecord().GetString(eds_VerbatimKeyword_Text));
   };
   printTexts(&scope.owner);

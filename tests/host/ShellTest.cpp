@@ -69,13 +69,15 @@ TEST_F(Shell, WhatIsLeftOutIsCounted) {
                                         "*INSTANCE, NAME=I, PART=P\n1., 2., 3., 4.\n"
                                         "*END INSTANCE\n*INSTANCE, NAME=J, PART=Q\n"
                                         "*END INSTANCE\n*INSTANCE, NAME=K, PART=P\n1., y\n"
-                                        "*END INSTANCE\n*END ASSEMBLY\n"
+                                        "*END INSTANCE\n*NSET, NSET=L, INSTANCE=Z\n1\n2\n"
+                                        "*ELSET, ELSET=L, INSTANCE=\n"
+                                        "*NSET, NSET=L, ELSET=E, INSTANCE=Z\n*END ASSEMBLY\n"
                                         "*SURFACE, NAME=S, TYPE=CYLINDER\nSTART, 1., x\n");
   const cow_String model = File("m.sim");
   ASSERT_EQ(ProgramRun({"convert", deck, "-o", model, "--salvage", "-q"}).exitCode, 1);
   const json facts = json::parse(ProgramRun({"info", model, "--json"}).out);
-  EXPECT_EQ(facts["leftOut"], "1 element; 2 instances; 1 mesh fault; 2 set entries; 2 set members; "
-                              "1 surface; 2 values");
+  EXPECT_EQ(facts["leftOut"], "2 data lines; 1 element; 2 instances; 1 mesh fault; 3 set entries; "
+                              "2 set members; 1 surface; 2 values");
   EXPECT_EQ(facts["meshLeftOut"], false);
 }
 
@@ -99,6 +101,16 @@ TEST_F(Shell, DiffOfFaultyDecksIsNoSuccess) {
   const ProgramRun run({"diff", a, b});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.out, "what could be converted is the same, but there are errors in the decks\n");
+  // What stood on the mesh is read again, without it.
+  const cow_String loaded =
+      Deck("c.inp", cow_String(brokenNode) + "*STEP\n*STATIC\n*CLOAD\n1, 1, 2.\n"
+                                             "*END STEP\n");
+  ASSERT_EQ(ProgramRun({"convert", loaded, "-o", File("c.sim"), "-q"}).exitCode, 1);
+  ASSERT_EQ(ProgramRun({"write", File("c.sim"), "-o", File("d.inp")}).exitCode, 0);
+  const ProgramRun own({"diff", loaded, File("d.inp")});
+  EXPECT_EQ(own.exitCode, 1);
+  EXPECT_TRUE(own.out.ends_with(" in what could be converted; there are errors in the decks\n"))
+      << own.out;
   const json both = json::parse(ProgramRun({"diff", a, b, "--json"}).out);
   EXPECT_EQ(both["same"], false);
   EXPECT_EQ(both["exit"], 1);
