@@ -33,6 +33,11 @@ inp_ColumnType typeOf(const eds_FormItem& item) {
   }
 }
 
+// Of a number that stands where a word may: below 0 it would be a place in the list of words.
+constexpr bool isNegative(int code) {
+  return code < 0 && code != inp_blankInt && !inp_isNameCode(code);
+}
+
 } // namespace
 
 inpS_ColumnReader::inpS_ColumnReader(const inp_Keyword& keyword, const eds_FormInfo& form,
@@ -71,6 +76,9 @@ void inpS_ColumnReader::Translate(const Piece& piece) const {
 void inpS_ColumnReader::Take(const Piece& piece) {
   for (std::size_t c = 0; c < m_types.size(); ++c) {
     if (m_targets[c]) m_targets[c]->TranslateNames(piece, piece.columns[c].ints.first(piece.count));
+    if (m_words[c] && m_types[c] == inp_ColumnType::Target)
+      for (int& code : piece.columns[c].ints.first(piece.count))
+        if (isNegative(code)) code = inpS_noTarget;
     if (m_words[c]) m_words[c]->TranslateNames(piece, piece.columns[c].ints.first(piece.count));
   }
   if (FindFaults(piece)) {
@@ -166,8 +174,11 @@ int inpS_ColumnReader::SlotOf(std::size_t column, long long row) {
   const inp_DataArray& data = m_keyword.Data();
   const int col = ColOf(column, row);
   if (col >= data.Cols(row) || !data.HasValue(row, col)) return inp_blankInt;
-  if (m_types[column] == inp_ColumnType::Int || IsNumberOfWords(column, data, row))
-    return data.AsInt(row, col);
+  if (m_types[column] == inp_ColumnType::Int) return data.AsInt(row, col);
+  if (IsNumberOfWords(column, data, row)) {
+    const int number = data.AsInt(row, col);
+    return isNegative(number) ? inpS_noTarget : number;
+  }
   if (m_words[column]) return m_words[column]->Of(data.AsStringVerbatim(row, col));
   return m_targets[column]->Of(data, row, col);
 }
@@ -288,6 +299,8 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
     if ((m_types[c] == inp_ColumnType::Int && type != inp_FieldType::Integer) ||
         (mayBeWord && type == inp_FieldType::Double))
       return "\"" + text + "\" is no integer.";
+    if (mayBeWord && type == inp_FieldType::Integer && data.AsInt(row, col) < 0)
+      return "\"" + text + "\" is negative.";
     if (m_words[c] && utl_findControl(text) != cow_String::npos)
       return "The text holds a control character.";
     if (!m_targets[c] || m_targets[c]->Of(data, row, col) != inpS_noTarget) continue;

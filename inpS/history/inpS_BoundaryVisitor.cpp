@@ -6,6 +6,7 @@
 #include "inpS/history/inpS_FluidLines.h"
 #include "inpS/history/inpS_NodalLines.h"
 #include "parser/inp_Utils.h"
+#include <algorithm>
 
 inpS_BoundaryVisitor::inpS_BoundaryVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                            const inpS_Inventory& inventory, inpS_Ledger& ledger)
@@ -18,6 +19,7 @@ bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_For
                                           ? "invalid surface definition in PHYSICAL fluid boundary."
                                           : "Surface \"%s\" does not exist.");
   inpS_checkConditionParameters(keyword, Names(), *this);
+  CheckBase(keyword);
   if (keyword.Kind() == inp_KwBaseMotion) return HasDegree(keyword);
   if (!isPhysical || !keyword.HasParameter("amplitude")) return true;
   wip_Message message = inp_Utils::MessageAtParameter(
@@ -27,6 +29,19 @@ bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_For
   AddError(std::move(message));
   keyword.LeaveUnread("amplitude");
   return true;
+}
+
+// A base beside the first one is what a condition of an earlier step holds; it may be one of the
+// analysis that this one goes on from.
+void inpS_BoundaryVisitor::CheckBase(const inp_Keyword& keyword) {
+  const inp_Item* base = keyword.Find("basename");
+  if (!base) return;
+  if (keyword.Kind() == inp_KwBoundary) return m_bases.push_back(base->AsString());
+  if (keyword.Kind() != inp_KwBaseMotion ||
+      std::ranges::find(m_bases, base->AsString()) != m_bases.end())
+    return;
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "basename", "No *BOUNDARY before makes a base named \"" + base->AsString() + "\"."));
 }
 
 // Of the base, which moves as a rigid body.

@@ -16,6 +16,10 @@ public:
 protected:
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
+  // A wall is one whatever way it moves.
+  bool MayLack(const inpS_Form&, const eds_FormItem& item) const override {
+    return item.name == "motion";
+  }
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
@@ -23,8 +27,10 @@ protected:
 
 private:
   bool HasDegree(const inp_Keyword& keyword);
+  void CheckBase(const inp_Keyword& keyword);
 
   inpS_FluidSteps m_fluidSteps;
   inpS_DuplicateReport* m_places = nullptr;
+  cow_List<cow_String> m_bases;  // that conditions make, by name
   cow_List<long long> m_refused; // of the condition at hand: its lines that are no rows
 };

@@ -5,6 +5,20 @@
 #include "parser/inp_Visitor.h"
 #include <algorithm>
 
+namespace {
+
+void tellBelow(const inp_Keyword& keyword, const char* parameter, const char* name, long long least,
+               inp_Visitor& messages) {
+  const inp_Item* number = keyword.Find(parameter);
+  if (!number || !number->IsInteger() || number->AsInt() >= least) return;
+  messages.AddError(inp_Utils::MessageAtParameter(keyword, parameter,
+                                                  cow_String(name) + "=" + number->Verbatim() +
+                                                      " is below " + std::to_string(least) +
+                                                      ". It is kept as given."));
+}
+
+} // namespace
+
 bool inpS_hasVariable(const inp_Keyword& keyword, inp_Visitor& messages) {
   const inp_Item* variable = keyword.Find("variable");
   if (!variable || (variable->IsInteger() && variable->AsInt() > 0)) return true;
@@ -21,6 +35,8 @@ void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_FormNa
   if (inpS_saysYes(keyword, "real") && inpS_saysYes(keyword, "imaginary"))
     messages.AddWarning(inp_Utils::MessageAtParameter(
         keyword, "real", "REAL and IMAGINARY exclude each other; IMAGINARY holds."));
+  tellBelow(keyword, "loadcase", "LOAD CASE", 1, messages);
+  tellBelow(keyword, "cyclicmode", "CYCLIC MODE", 0, messages);
   if (!keyword.HasParameter("refnode")) return;
   const cow_String node = keyword.Find("refnode")->AsString();
   const eds_Referable& nset = *std::ranges::find(eds_referables(), "nset", &eds_Referable::word);

@@ -36,9 +36,9 @@ cow_String listOfRestraints() {
   return list;
 }
 
-cow_String textOfDegree(int degree) {
-  return "Degree of freedom " + std::to_string(degree) + " is none of 1 to " +
-         std::to_string(mostDegree) + ".";
+// degree: as written.
+cow_String textOfDegree(const cow_String& degree) {
+  return "Degree of freedom " + degree + " is none of 1 to " + std::to_string(mostDegree) + ".";
 }
 
 bool isWord(int slot) {
@@ -62,7 +62,7 @@ inpS_NodalLines::inpS_NodalLines(const inp_Keyword& keyword, std::string_view mi
 bool inpS_NodalLines::TakeMissing(bool isLabel, const cow_String& asWritten) {
   if (!isLabel) return false;
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
-  if (parts.size() < 2 || m_ofInstance.empty())
+  if (parts.size() < 2 || parts.back().empty() || m_ofInstance.empty())
     m_labels[""].push_back(asWritten);
   else
     m_labels[parts[parts.size() - 2]].push_back(parts.back());
@@ -147,7 +147,7 @@ std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& l
   for (const int col : {firstColumn, lastColumn}) {
     const int degree = line.slots[static_cast<std::size_t>(col)];
     if (degree == inp_blankInt) continue;
-    if (degree < 1 || degree > mostDegree) return inpS_LineFault{col, textOfDegree(degree)};
+    if (degree < 1 || degree > mostDegree) return inpS_LineFault{col, textOfDegree(line.Text(col))};
     if (m_isFixed && degree > mostFixed)
       return inpS_LineFault{col,
                             "Boundary condition with parameter fixed not supported for dof > 6"};
@@ -189,7 +189,8 @@ std::optional<inpS_LineFault> inpS_ConcentratedLines::FaultOf(const inpS_LineVie
     return inpS_LineFault{firstColumn, "\"" + word + "\" is no degree of freedom."};
   if (degree == inp_blankInt)
     return inpS_LineFault{-1, "The line does not tell its degree of freedom."};
-  if (degree < 1 || degree > mostDegree) return inpS_LineFault{firstColumn, textOfDegree(degree)};
+  if (degree < 1 || degree > mostDegree)
+    return inpS_LineFault{firstColumn, textOfDegree(line.Text(firstColumn))};
   if (!m_isOfUser && line.Has(magnitudeColumn + 1))
     return inpS_LineFault{magnitudeColumn + 1,
                           "A force has one magnitude; what follows is kept, and means nothing.",

@@ -9,6 +9,7 @@ struct Row {
   eds_RecordKind form;
   int column;
   const char* what;
+  bool isAny = false; // of it and those behind, one value is enough
 };
 namespace Kind = eds_FormKind;
 constexpr Row table[] = {{Kind::TemperatureField, 1, "value"},
@@ -33,6 +34,15 @@ constexpr Row table[] = {{Kind::TemperatureField, 1, "value"},
                          {Kind::InitialFluidPressure, 1, "value"},
                          {Kind::InitialElectricPotential, 1, "value"},
                          {Kind::InitialPorosity, 1, "value"},
+                         {Kind::InitialStress, 1, "value", true},
+                         {Kind::InitialStressGeostatic, 1, "value", true},
+                         {Kind::InitialPlasticStrain, 1, "value", true},
+                         {Kind::InitialHardening, 1, "value", true},
+                         {Kind::InitialFluidVelocity, 1, "value", true},
+                         {Kind::InitialReferenceCoordinates, 1, "value", true},
+                         {Kind::AcousticFlowVelocity, 1, "value", true},
+                         {Kind::ImperfectionModes, 1, "factor"},
+                         {Kind::ImperfectionShape, 1, "value", true},
                          {Kind::InitialSpecificEnergy, 1, "value"},
                          {Kind::InitialSpud, 1, "value"},
                          {Kind::InitialSpudPreload, 1, "value"},
@@ -49,11 +59,13 @@ inpS_ValueLines::inpS_ValueLines(eds_RecordKind form) {
   const Row& row = *std::ranges::find(table, form, &Row::form);
   m_column = row.column;
   m_what = row.what;
+  m_isAny = row.isAny;
 }
 
 bool inpS_ValueLines::Has(const inp_Keyword& keyword, eds_RecordKind form) {
   return std::ranges::find(table, form, &Row::form) != std::end(table) &&
-         !inpS_saysYes(keyword, "user") && !keyword.HasParameter("file");
+         !inpS_saysYes(keyword, "user") &&
+         (!keyword.HasParameter("file") || form == Kind::ImperfectionModes);
 }
 
 bool inpS_ValueLines::IsSound(const inp_ColumnPiece& piece, Words) {
@@ -63,5 +75,7 @@ bool inpS_ValueLines::IsSound(const inp_ColumnPiece& piece, Words) {
 
 std::optional<inpS_LineFault> inpS_ValueLines::FaultOf(const inpS_LineView& line) {
   if (line.Has(m_column)) return {};
+  for (int col = m_column; m_isAny && col < line.data.Cols(line.row); ++col)
+    if (line.Has(col)) return {};
   return inpS_LineFault{-1, "The line gives no " + m_what + ", which is 0.", false, false};
 }

@@ -18,4 +18,5 @@ public:
 private:
   int m_column;
   cow_String m_what;
+  bool m_isAny;
 };

@@ -128,6 +128,8 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"Boundary.magnitude", "0.5"},
     {"ConcentratedLoad.dof", "3"},
     {"DistributedLoad.label", "P3"},
+    {"DistributedLoad.ref_node", "1"},
+    {"SurfaceLoad.ref_node", "1"},
     {"SurfaceLoad.label", "P"},
     {"DistributedFlux.label", "BF"},
     {"SurfaceFlux.label", "S"},
