@@ -87,7 +87,8 @@ TEST(Schema, NumbersAndNamesAreUnique) {
   std::set<int> numbers, members;
   for (const eds_RecordInfo& record : eds_schemaRecords()) {
     EXPECT_TRUE(tables.insert(record.table).second) << record.table;
-    EXPECT_TRUE(numbers.insert(static_cast<int>(record.kind)).second) << record.name;
+    EXPECT_TRUE(numbers.insert(static_cast<int>(record.kind)).second)
+        << record.name << " has the number of another kind: " << static_cast<int>(record.kind);
     std::set<std::string_view> columns{"id"};
     for (const eds_FieldInfo& field : record.fields)
       EXPECT_TRUE(columns.insert(field.column).second) << record.table << "." << field.column;
@@ -139,8 +140,11 @@ public:
         m_families.emplace_back(first, last);
     }
   }
+  bool Names(std::string_view word) const {
+    return m_text.find("`" + std::string(word) + "`") != std::string::npos;
+  }
   bool Has(const std::string& table) const {
-    if (m_text.find("`" + table + "`") != std::string::npos) return true;
+    if (Names(table)) return true;
     for (const eds_RecordInfo& record : eds_schemaRecords())
       if (record.table == table) return !eds_isOwnKind(record.kind) && HasFamilyOf(record.kind);
     return false;
@@ -158,6 +162,18 @@ private:
 };
 
 } // namespace
+
+// What a stranger follows from an owner to its keywords; those by name go without saying.
+TEST(Schema, MembersAreDocumented) {
+  const Documentation documentation;
+  for (const eds_MemberInfo& member : eds_schemaMembers()) {
+    const bool isByName = member.shape == eds_MemberShape::TextMap;
+    if (member.isAlone && !isByName) {
+      EXPECT_TRUE(documentation.Names(member.name))
+          << "docs/database.md does not name the member " << member.name;
+    }
+  }
+}
 
 // Every view answers, every table is described in the documentation, and the file explains itself.
 TEST(Schema, FileIsReadableForPeople) {
