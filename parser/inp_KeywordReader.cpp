@@ -278,17 +278,22 @@ void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) 
   Add(std::move(parameter), spelt, line);
 }
 
-// The first value of a parameter counts; another one that says something else is an error.
+// The first value of a parameter counts; another one that says something else is told and left out.
+// Of files, whose lines would be missing, that is an error.
 void inp_KeywordReader::Add(inp_Parameter parameter, std::string_view spelt, const Line& line) {
   for (const inp_Parameter& other : m_body->parameters) {
     if (other.name != parameter.name) continue;
     const bool same = other.value.AsString() == parameter.value.AsString();
-    if (same && !NamesFile(parameter.name)) return;
+    const bool namesFile = NamesFile(parameter.name);
+    if (same && !namesFile) return;
     const std::string_view token(parameter.at, static_cast<std::size_t>(parameter.width));
     // A file is read once: when the keyword is written with its lines, the other would come again.
-    m_errors.push_back(Message("parameter " + quoted(spelt) + " is given twice" +
-                                   (same ? "; its file is read once" : " with different values"),
-                               token, line));
+    (namesFile ? m_errors : m_warnings)
+        .push_back(Message("parameter " + quoted(spelt) + " is given twice" +
+                               (same        ? "; its file is read once"
+                                : namesFile ? " with different values"
+                                            : " with different values; the first one holds"),
+                           token, line));
     return;
   }
   m_body->parameters.push_back(std::move(parameter));

@@ -86,7 +86,7 @@ struct inp_Parser::Impl {
   void KeepComments(const inp_DeckText& text, inp_KeywordBody& body) const;
   void Begin(const std::shared_ptr<inp_KeywordBody>& body);
   void End();
-  void EndLastStep();
+  void EndOpenStep(const cow_String& where);
   void TellScopeErrors();
   void LimitMessages();
   void TellMore();
@@ -139,7 +139,7 @@ inp_KeywordList inp_Parser::Parse(bool expectFile) {
   if (!root) return {};
   m_impl->ParseText(root);
   m_impl->End();
-  m_impl->EndLastStep();
+  m_impl->EndOpenStep("with the deck");
   m_impl->scopes.Finish();
   m_impl->TellScopeErrors();
   m_impl->TellMore();
@@ -302,6 +302,7 @@ void inp_Parser::Impl::ReportHeadless(const inp_DataSegment& segment) {
 }
 
 void inp_Parser::Impl::Begin(const std::shared_ptr<inp_KeywordBody>& body) {
+  if (body->kind == inp_KwStep) EndOpenStep("where the next one begins");
   open = body;
   if (body->name.empty()) return; // reported; its data lines go with it
   if (keepComments) KeepComments(*body->text, *body);
@@ -328,13 +329,13 @@ void inp_Parser::Impl::End() {
   open = nullptr;
 }
 
-// Decks may end within their last step, which then ends with them. Where a file could not be read
-// it may be the line that ends the step.
-void inp_Parser::Impl::EndLastStep() {
+// Decks may end within their last step, which then ends with them, and a step may be left open
+// where the next one begins. Where a file could not be read it may be the line that ends the step.
+void inp_Parser::Impl::EndOpenStep(const cow_String& where) {
   const std::shared_ptr<inp_KeywordBody> step = scopes.OpenStep();
   if (!step || !fileErrors.empty()) return;
-  warnings.push_back(inp_Utils::MessageInKeyword(
-      inp_Keyword(step, {}), "*END STEP is missing; the step ends with the deck"));
+  warnings.push_back(inp_Utils::MessageInKeyword(inp_Keyword(step, {}),
+                                                 "*END STEP is missing; the step ends " + where));
   const inp_DeckTextPtr closer = inp_DeckText::Rewritten("*END STEP\n", step->text, step->line);
   Begin(reader.Read(closer, closer->Begin(), step->line).body);
   End();

@@ -147,12 +147,16 @@ WINDOW before AS (ORDER BY number))";
 cow_String incrementations(Kinds kinds) {
   if (!has(kinds, {eds_RecordKind::HistoryStep}))
     return nothing({"step", "name", "kind", "initial", "minimum", "maximum", "increments",
-                    "no_stop", "load_factor"});
+                    "no_stop", "load_factor", "temperature_change", "emissivity_change",
+                    "creep_tolerance", "pressure_change", "concentration_change",
+                    "half_increment_residual", "end_criterion"});
   return R"(
 SELECT number AS step, name, iif(incrementation = 'INCREMENTS_FIXED', 'fixed', 'automatic')
     || iif(procedure_kind = 'StaticRiks', ' arc length', '') AS kind,
   initial_increment AS initial, minimum_increment AS minimum, maximum_increment AS maximum,
-  ifnull(increments, 100) AS increments, ifnull(no_stop, 0) AS no_stop, load_factor
+  ifnull(increments, 100) AS increments, ifnull(no_stop, 0) AS no_stop, load_factor,
+  temperature_change, emissivity_change, creep_tolerance, pressure_change, concentration_change,
+  half_increment_residual, end_criterion
 FROM v_history_step WHERE incrementation IN ('INCREMENTS_AUTOMATIC', 'INCREMENTS_FIXED'))";
 }
 

@@ -48,14 +48,21 @@ void readSelector(std::string_view text, inpS_Form& form) {
     form.parentSelectors.push_back(selectorOf(form.parent, text.substr(colon + 1)));
 }
 
-bool isMet(const inpS_Form::Selector& selector, const inp_Keyword& keyword) {
+// A word that none of the language's is may stand for the one that holds without any.
+enum class OddWord : bool { ChoosesNone, IsAsAbsent };
+
+bool isMet(const inpS_Form::Selector& selector, const inp_Keyword& keyword,
+           OddWord odd = OddWord::ChoosesNone) {
   const inp_Item* item = keyword.Find(selector.key);
   // USER=NO is as good as none. USER=5 does name USER: what follows is about it.
   if (!item || (selector.IsFlag() && !inpS_flagValue(*item).value_or(true)))
     return selector.isDefault;
   if (selector.word.empty()) return true;
   const cow_String word = inpS_bareWord(item->AsString());
-  return word == selector.word || (!selector.alias.empty() && word == selector.alias);
+  if (word == selector.word || (!selector.alias.empty() && word == selector.alias)) return true;
+  if (odd == OddWord::ChoosesNone || !selector.isDefault) return false;
+  const auto unknown = inpS_unknownWords(keyword);
+  return std::ranges::find(unknown, selector.key) != unknown.end();
 }
 
 inpS_ParameterBinding bindingOf(inp_KeywordEnm keyword, eds_RecordKind kind,
@@ -196,6 +203,21 @@ const inpS_Form* inpS_FormTable::Select(const inp_Keyword& keyword,
                                         const inp_Keyword* parent) const {
   for (const eds_RecordKind kind : KindsOf(keyword.Kind()))
     if (const inpS_Form* form = Find(kind); form->Matches(keyword, parent)) return form;
+  return SelectForLack(keyword);
+}
+
+// Decided here: a procedure whose variant is told by a word that none of the language's is becomes
+// the one that it is without the word, for its step and all that acts in it hang on it.
+const inpS_Form* inpS_FormTable::SelectForLack(const inp_Keyword& keyword) const {
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
+  if (!row || row->role != inp_KeywordRole::Procedure) return nullptr;
+  for (const eds_RecordKind kind : KindsOf(keyword.Kind())) {
+    const inpS_Form* form = Find(kind);
+    if (std::ranges::all_of(form->selectors, [&](const inpS_Form::Selector& one) {
+          return isMet(one, keyword, OddWord::IsAsAbsent);
+        }))
+      return form;
+  }
   return nullptr;
 }
 

@@ -61,7 +61,8 @@ public:
   bool Knows(inp_KeywordEnm keyword) const { return !KindsOf(keyword).empty(); }
   std::span<const eds_RecordKind> KindsOf(inp_KeywordEnm keyword) const;
   const inpS_Form* Find(eds_RecordKind kind) const; // null: no form's
-  // The first whose selectors the keyword meets; null when there is none.
+  // The first whose selectors the keyword meets; null when there is none. Of a procedure a word
+  // that nobody knows counts as absent.
   const inpS_Form* Select(const inp_Keyword& keyword, const inp_Keyword* parent = nullptr) const;
   // What the keyword's NAME makes known to others; null: nothing.
   const eds_Referable* Named(inp_KeywordEnm keyword) const;
@@ -71,6 +72,7 @@ public:
 
 private:
   inpS_FormTable();
+  const inpS_Form* SelectForLack(const inp_Keyword& keyword) const;
 
   cow_List<inp_KeywordEnm> m_keywords;
   cow_List<cow_List<eds_RecordKind>> m_byKeyword;

@@ -326,6 +326,9 @@ cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
     // A word is about a name rather than no number, and about what it mostly names.
     if (fault.empty() || (isName && !isAboutName)) fault = other;
     isAboutName = isAboutName || isName;
+    // Of yes or no, or a word: all that fit.
+    if (first == eds_FormType::Flag && one.type == eds_FormType::Choice)
+      for (const cow_String& word : one.words) fault.insert(fault.size() - 1, ", " + word);
   }
   return fault;
 }

@@ -290,10 +290,16 @@ bool inpS_FormVisitor::IsNameFree(const inp_Keyword& keyword, const KvoSimPositi
     TellRequired(keyword, "NAME");
     return false;
   }
-  if (NamesIn(owner).FollowStringKey(named->member, name->AsString()).IsNull()) return true;
+  const KvoSimPosition known = NamesIn(owner).FollowStringKey(named->member, name->AsString());
+  if (known.IsNull()) return true;
+  // What stands outside of the steps is read, and written, before them, wherever it stood.
+  const bool isOutside = owner == m_step && !(known.Parent() == m_step) &&
+                         !eds_formOf(known.Parent().Object().RecordKind());
   Warning(keyword, "*" + keyword.Name() + " \"" + name->AsString() +
-                       "\" is defined a second time; the first one holds, this one is kept as "
-                       "text.");
+                       (isOutside ? "\" is defined outside of the steps, too; that one holds, "
+                                    "this one is kept as text."
+                                  : "\" is defined a second time; the first one holds, this one is "
+                                    "kept as text."));
   return false;
 }
 
@@ -331,7 +337,10 @@ void inpS_FormVisitor::Tell(const inp_Keyword& keyword, wip_Message message) {
 inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
                                                 const cow_String& parameter) const {
   const auto binding = std::ranges::find(form.parameters, parameter, &inpS_ParameterBinding::key);
-  if (binding == form.parameters.end()) return Loss::Keyword;
+  // Without the word that tells the kind of a procedure nobody knows what its lines mean.
+  if (binding == form.parameters.end())
+    return m_keywords.Row(form.keyword)->role == inp_KeywordRole::Procedure ? Loss::Lines
+                                                                            : Loss::Keyword;
   const eds_FormItem& item =
       *form.items[static_cast<std::size_t>(binding - form.parameters.begin())];
   const eds_Referable* referable = item.alternatives.front().referable;
@@ -456,8 +465,13 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
     if (form.parameters[n].codec == inpS_Codec::Item)
       if (const inp_Item* item = keyword.Find(form.parameters[n].key))
         ReadItem(keyword, form.parameters[n], *form.items[n], *item, record);
-  for (const inpS_Form::Selector& selector : form.selectors)
-    if (!selector.isField) keyword.Find(selector.key);
+  const cow_List<cow_String> unknown = inpS_unknownWords(keyword);
+  for (const inpS_Form::Selector& selector : form.selectors) {
+    if (selector.isField) continue;
+    keyword.Find(selector.key);
+    if (std::ranges::find(unknown, selector.key) != unknown.end())
+      keyword.LeaveUnread(selector.key);
+  }
   form.LeaveOddChoices(keyword, *this);
   keyword.Find("input"); // the parser has read that file's lines
 }

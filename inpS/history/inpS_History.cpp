@@ -240,19 +240,20 @@ void setReal(KvoSimDataRecord& to, int field, const std::optional<double>& value
 }
 
 void setIncrements(KvoSimDataRecord& to, const Procedure& of, Kind kind,
-                   const KvoSimDataRecord& record) {
+                   const KvoSimDataRecord& record, const cow_String& beside) {
   // Of an arc the solver chooses what is not given, but for the first increment.
   const bool isArc = kind == eds_FormKind::StaticRiks;
   const double period = Procedure::Real(record, of.period).value_or(isArc ? 0. : 1.);
-  const bool isFixed = of.IsFixed(kind, record);
+  const bool isFixed = of.IsFixed(kind, record, beside);
+  const bool isByElements = of.IsByElements(kind, record, beside);
   to.SetDouble(eds_HistoryStep_Period, period);
   to.SetSymb(eds_HistoryStep_Incrementation, isFixed ? FixedIncrements : AutomaticIncrements);
   double initial = Procedure::Real(record, of.initial).value_or(isFixed || isArc ? 1. : 0.);
   if (isFixed && !isArc && initial == 0) initial = period;
+  if (isByElements) initial = 0.; // whatever stands there
   to.SetDouble(eds_HistoryStep_Initial, initial);
-  if (isFixed) {
-    to.SetBool(eds_HistoryStep_NoStop, of.IsNoStop(record));
-  } else {
+  if (isFixed) to.SetBool(eds_HistoryStep_NoStop, of.IsNoStop(record));
+  if (!isFixed || isByElements) {
     to.SetDouble(eds_HistoryStep_Minimum, Procedure::Real(record, of.minimum).value_or(0.));
     to.SetDouble(eds_HistoryStep_Maximum, Procedure::Real(record, of.maximum).value_or(0.));
   }
@@ -265,16 +266,19 @@ void setIncrements(KvoSimDataRecord& to, const Procedure& of, Kind kind,
   if (of.mxdem >= 0)
     to.SetDouble(eds_HistoryStep_EmissivityChange,
                  Procedure::Real(record, of.mxdem).value_or(0.01));
-  if (Procedure::Flag(record, of.steadyState)) to.SetBool(eds_HistoryStep_SteadyState, true);
+  if (of.IsSteady(record, beside)) to.SetBool(eds_HistoryStep_SteadyState, true);
   if (Procedure::HasWord(record, of.end, "SS"))
     setReal(to, eds_HistoryStep_EndCriterion, Procedure::Real(record, of.rate));
 }
 
-void setStabilization(KvoSimDataRecord& to, const Procedure& of, const KvoSimDataRecord& record) {
+void setStabilization(KvoSimDataRecord& to, const Procedure& of, const KvoSimDataRecord& record,
+                      const cow_String& beside) {
   if (of.stabilize < 0) return;
   const auto fraction = Procedure::Real(record, of.stabilize);
   const auto factor = Procedure::Real(record, of.factor);
-  if (!fraction && !Procedure::Flag(record, of.stabilizeFlag)) return;
+  if (!fraction && !Procedure::Flag(record, of.stabilizeFlag) &&
+      !inpS_holdsParameter(beside, "STABILIZE"))
+    return;
   to.SetSymb(eds_HistoryStep_Stabilization, factor ? ByFactor : ByEnergy);
   if (factor) to.SetDouble(eds_HistoryStep_DampingFactor, *factor);
   if (fraction || !factor) to.SetDouble(eds_HistoryStep_EnergyFraction, fraction.value_or(0.0002));
@@ -310,7 +314,10 @@ void setRanges(KvoSimDataRecord& to, const KvoSimPosition& procedure) {
   setReal(to, eds_HistoryStep_HighestFrequency, most);
 }
 
-void setProcedure(KvoSimDataRecord& to, const KvoSimPosition& procedure, bool isPerturbation) {
+// beside: what is kept beside the procedure's record; an odd value of a flag is no reason to take
+// it for not given.
+void setProcedure(KvoSimDataRecord& to, const KvoSimPosition& procedure, bool isPerturbation,
+                  const cow_String& beside) {
   const Kind kind = procedure.Object().RecordKind();
   const Procedure& of = *Procedure::Of(kind);
   const KvoSimDataRecord record = procedure.DataRecord();
@@ -322,8 +329,8 @@ void setProcedure(KvoSimDataRecord& to, const KvoSimPosition& procedure, bool is
   // A linear perturbation takes no time.
   const Family family = isEvent ? Family::None : of.family;
   if (family == Family::Time) {
-    setIncrements(to, of, kind, record);
-    setStabilization(to, of, record);
+    setIncrements(to, of, kind, record, beside);
+    setStabilization(to, of, record, beside);
   } else {
     to.SetSymb(eds_HistoryStep_Incrementation, NoIncrements);
   }
@@ -344,7 +351,7 @@ void Deriver::Add(const KvoSimPosition& step) {
     record.SetString(eds_HistoryStep_Name, name);
     return;
   }
-  setProcedure(record, procedure, m_said.perturbation);
+  setProcedure(record, procedure, m_said.perturbation, m_parts.FirstOf(procedure).parameters);
   m_names.Take(std::move(name), {m_number, made});
   m_said = {};
 }

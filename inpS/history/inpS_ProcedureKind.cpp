@@ -1,6 +1,7 @@
 #include "inpS/history/inpS_ProcedureKind.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_FormTable.h"
+#include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
 #include <map>
@@ -135,15 +136,31 @@ bool Procedure::IsNoStop(const KvoSimDataRecord& record) const {
   return HasWord(record, directWord, "NO STOP") || HasWord(record, userControlWord, "NO STOP");
 }
 
-bool Procedure::IsFixed(Kind kind, const KvoSimDataRecord& record) const {
+bool Procedure::IsByElements(Kind kind, const KvoSimDataRecord& record,
+                             std::string_view beside) const {
+  if (kind != eds_FormKind::DynamicExplicit && kind != eds_FormKind::DynamicTemperatureDisplacement)
+    return false;
+  return !Flag(record, userControl) && !inpS_holdsParameter(beside, "DIRECT USER CONTROL");
+}
+
+bool Procedure::IsSteady(const KvoSimDataRecord& record, std::string_view beside) const {
+  return Flag(record, steadyState) ||
+         (steadyState >= 0 && inpS_holdsParameter(beside, "STEADY STATE"));
+}
+
+bool Procedure::IsFixed(Kind kind, const KvoSimDataRecord& record, std::string_view beside) const {
   if (kind == eds_FormKind::ModalDynamic) return true;
+  for (const char* one : {"DIRECT", "DIRECT USER CONTROL", "FIXED TIME INCREMENTATION"})
+    if (inpS_holdsParameter(beside, one)) return true;
   if (Flag(record, direct) || Flag(record, userControl) || Flag(record, isFixed)) return true;
   if (IsNoStop(record) || HasWord(record, incrementation, "FIXED STEP SIZE")) return true;
   const bool hasTolerances = cetol >= 0 || deltmx >= 0 || dcmax >= 0;
   if (!hasTolerances) return false;
-  if (kind != eds_FormKind::CoupledTemperatureDisplacement && Flag(record, steadyState))
+  if (kind != eds_FormKind::CoupledTemperatureDisplacement && IsSteady(record, beside))
     return false;
-  if (consolidation >= 0 && !Flag(record, consolidation)) return false; // a steady state
+  if (consolidation >= 0 && !Flag(record, consolidation) &&
+      !inpS_holdsParameter(beside, "CONSOLIDATION"))
+    return false; // a steady state
   return !Real(record, cetol) && !Real(record, deltmx) && !Real(record, dcmax) &&
          !Real(record, utol);
 }

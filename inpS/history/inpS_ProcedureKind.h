@@ -27,6 +27,12 @@ struct inpS_ProcedureKind {
   static bool Flag(const KvoSimDataRecord& record, int field);
   static bool HasWord(const KvoSimDataRecord& record, int field, std::string_view word);
 
-  bool IsFixed(eds_RecordKind kind, const KvoSimDataRecord& record) const;
+  // beside: parameters of the record that have odd values, and are kept beside it: they are there.
+  bool IsFixed(eds_RecordKind kind, const KvoSimDataRecord& record,
+               std::string_view beside = {}) const;
+  // Of explicit dynamics: the solver chooses the increments, by the elements, be they fixed or not.
+  bool IsByElements(eds_RecordKind kind, const KvoSimDataRecord& record,
+                    std::string_view beside = {}) const;
+  bool IsSteady(const KvoSimDataRecord& record, std::string_view beside = {}) const;
   bool IsNoStop(const KvoSimDataRecord& record) const;
 };

@@ -211,7 +211,8 @@ bool inpS_StepVisitor::MayLack(const inpS_Form& form, const eds_FormItem& item) 
     return false;
   const bool hasLines = form.info->data != eds_FormData::None || !form.info->lines.empty();
   const bool tellsLines =
-      item.name == "type" || item.name == "parameters" || item.name == "constraint_type";
+      (item.name == "type" && form.keyword != inp_KwContourIntegral) || // the crack's, whatever
+      item.name == "parameters" || item.name == "constraint_type";
   return isProcedure(form.keyword) || form.keyword == inp_KwStep || !(hasLines && tellsLines);
 }
 
@@ -317,10 +318,12 @@ bool inpS_StepVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
 void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                  const KvoSimPosition& record) {
   CheckNames(keyword);
+  CheckOptions(keyword);
   if (!keyword.IsSuboption() && isProcedure(keyword.Kind())) {
     SetProcedure(keyword, record);
     CheckPerturbation(keyword, form);
     CheckTimes(keyword, form, record);
+    CheckStabilization(keyword, form);
   }
   switch (keyword.Kind()) {
   case inp_KwStep:
@@ -448,11 +451,17 @@ void inpS_StepVisitor::CheckExtrapolation(const inp_Keyword& keyword) {
                      "will be used.");
 }
 
-// Explicit dynamics has no iterations to control; fluid and structure are of fluid dynamics.
+// Explicit dynamics and what is linear about a base state have no iterations to control; fluid and
+// structure are of fluid dynamics.
 void inpS_StepVisitor::CheckControls(const inp_Keyword& keyword, const inpS_Form& form) {
   if (!m_open) return;
   const bool isFluidStructure = form.kind == eds_FormKind::ControlsFluidStructure;
-  if (m_open->isExplicit || isFluidStructure != m_open->isFluid) TellIrrelevant(keyword);
+  const auto kinds = inpS_FormTable::Instance().KindsOf(m_open->procedure);
+  const inpS_ProcedureKind* of = kinds.empty() ? nullptr : inpS_ProcedureKind::Of(kinds.front());
+  const bool isLinear = of && (of->registration == inpS_ProcedureKind::Registration::Task ||
+                               (m_open->procedure == inp_KwStatic && IsPerturbation()));
+  if (m_open->isExplicit || isLinear || isFluidStructure != m_open->isFluid)
+    TellIrrelevant(keyword);
   if (isFluidStructure) CheckFluidStructure(keyword);
 }
 

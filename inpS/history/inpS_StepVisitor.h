@@ -61,8 +61,15 @@ private:
   void CheckIncrements(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckPerturbation(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckTimes(const inp_Keyword& keyword, const inpS_Form& form, const KvoSimPosition& record);
+  void CheckIncrement(const inp_Keyword& keyword, const inpS_Form& form,
+                      const KvoSimDataRecord& values);
+  void CheckStabilization(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckRanges(const inp_Keyword& keyword);
   void CheckModelChange(const inp_Keyword& keyword);
+
+  // What is left out or turned round: inpS_StepVisitorOptions.cpp.
+  void CheckOptions(const inp_Keyword& keyword);
+  void CheckRuns(const inp_Keyword& keyword);
 
   // Names that are kept as words: inpS_StepVisitorNames.cpp.
   void CheckNames(const inp_Keyword& keyword);

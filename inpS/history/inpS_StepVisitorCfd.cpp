@@ -1,4 +1,5 @@
 #include "inpS/history/inpS_StepVisitor.h"
+#include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -19,7 +20,8 @@ cow_String equationOf(const inp_Keyword& keyword) {
 } // namespace
 
 void inpS_StepVisitor::CheckCfd(const inp_Keyword& keyword) {
-  if (!keyword.HasParameter("incompressiblenavierstokes"))
+  const inp_Item* isFlow = keyword.Find("incompressiblenavierstokes");
+  if (!isFlow || !inpS_flagValue(*isFlow).value_or(true))
     Error(keyword, "INCOMPRESSIBLE NAVIER STOKES parameter must be provided for *CFD");
   if (keyword.HasParameter("timeintegrator") &&
       !isOneOf(inp_KeywordTable::BareWord(keyword.StringOf("timeintegrator", "")),

@@ -3,6 +3,7 @@
 #include "inpS/history/inpS_ProcedureKind.h"
 #include "inpS/history/inpS_StepVisitor.h"
 #include "inpS/keywords/inpS_Flag.h"
+#include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
 
@@ -64,6 +65,10 @@ void inpS_StepVisitor::CheckTimes(const inp_Keyword& keyword, const inpS_Form& f
         keyword, "end",
         "END=SS ends the step by the fifth value of the first data line, which is not there."));
   if (keyword.Data().Rows() == 0) return;
+  if (of->count >= 0 && !values.IsMemberNull(of->count) && values.GetInt64(of->count) < 0)
+    AddWarning(
+        inp_Utils::MessageAtField(keyword, 0, columnOf(form, of->count),
+                                  cow_String("A number of modes is not negative; it") + kKept));
   if (of->family == Procedure::Family::Ranges) return CheckRanges(keyword);
   const auto tell = [&](int field, const char* before, const char* behind) {
     const int col = columnOf(form, field);
@@ -77,6 +82,7 @@ void inpS_StepVisitor::CheckTimes(const inp_Keyword& keyword, const inpS_Form& f
   const auto period = Procedure::Real(values, of->period);
   if (isTime && period && *period <= 0)
     tell(of->period, "The period ", " is not greater than zero; it");
+  if (isTime) CheckIncrement(keyword, form, values);
   const auto least = Procedure::Real(values, of->minimum);
   const auto most = Procedure::Real(values, of->maximum);
   if (!least || !most || !isReversed(*least, *most)) return;
@@ -84,6 +90,46 @@ void inpS_StepVisitor::CheckTimes(const inp_Keyword& keyword, const inpS_Form& f
     tell(of->minimum, "The lower bound ", " is greater than the upper one; it");
   else if (!of->IsFixed(form.kind, values))
     tell(of->minimum, "The minimum increment ", " is greater than the maximum one; it");
+}
+
+// Of an arc the whole length is the period, but without one there is no end to be beyond.
+void inpS_StepVisitor::CheckIncrement(const inp_Keyword& keyword, const inpS_Form& form,
+                                      const KvoSimDataRecord& values) {
+  const Procedure& of = *Procedure::Of(form.kind);
+  const auto tell = [&](int field, const char* what, const char* fault) {
+    const int col = columnOf(form, field);
+    AddWarning(inp_Utils::MessageAtField(
+        keyword, 0, col, what + keyword.Data().AsStringVerbatim(0, col) + fault + kKept));
+  };
+  const auto initial = Procedure::Real(values, of.initial);
+  const auto least = Procedure::Real(values, of.minimum);
+  const auto most = Procedure::Real(values, of.maximum);
+  const bool isByElements =
+      of.IsByElements(form.kind, values) && !keyword.HasParameter("directusercontrol");
+  if (least && *least < 0) tell(of.minimum, "The minimum increment ", " is negative; it");
+  if (most && *most < 0) tell(of.maximum, "The maximum increment ", " is negative; it");
+  if (!initial) return;
+  if (isByElements)
+    return tell(of.initial, "The increment ",
+                " is not used without DIRECT USER CONTROL: the elements tell the increments; it");
+  const bool isArc = form.kind == eds_FormKind::StaticRiks;
+  const double period = Procedure::Real(values, of.period).value_or(isArc ? 0. : 1.);
+  if (*initial < 0) return tell(of.initial, "The initial increment ", " is negative; it");
+  if (period > 0 && *initial > period)
+    tell(of.initial, "The initial increment ", " is greater than the whole period; it");
+  if (!of.IsFixed(form.kind, values) && least && *initial != 0 && *initial < *least)
+    tell(of.initial, "The initial increment ", " is smaller than the minimum one; it");
+}
+
+// These go with STABILIZE alone.
+void inpS_StepVisitor::CheckStabilization(const inp_Keyword& keyword, const inpS_Form& form) {
+  const Procedure* of = Procedure::Of(form.kind);
+  if (!of || of->stabilize < 0 || keyword.HasParameter("stabilize")) return;
+  for (const char* one : {"allsdtol", "continue", "factor"})
+    if (keyword.HasParameter(one))
+      AddWarning(inp_Utils::MessageAtParameter(keyword, one,
+                                               inp_KeywordTable::BareWord(one) +
+                                                   " means nothing without STABILIZE; it" + kKept));
 }
 
 void inpS_StepVisitor::CheckRanges(const inp_Keyword& keyword) {

@@ -30,6 +30,9 @@ inpS_ParameterBinding inpS_bindParameter(inp_KeywordEnm keyword, const eds_Field
     if (c != '_') binding.key += c;
     binding.name += c == '_' ? ' ' : static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
   }
+  // Begin and end of what is read from a file: decks have these in one word.
+  for (const char* one : {"B STEP", "B INC", "E STEP", "E INC"})
+    if (binding.name == one) binding.name.erase(1, 1);
   const auto words = inp_KeywordTable::Instance().WordsOf(keyword, binding.key);
   binding.words.assign(words.begin(), words.end());
   binding.codec = codecOf(field.type, !binding.words.empty());

@@ -125,7 +125,13 @@ void checkPlacement(const inp_Keyword& keyword, const KvoSimPosition& instance,
 void checkAssembly(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visitor& messages) {
   const cow_String name = keyword.StringOf("name", "");
   const KvoSimPosition assembly = model.GetAssembly();
-  if (name.empty() || assembly.IsNull()) return;
+  if (assembly.IsNull()) {
+    messages.AddWarning(inp_Utils::MessageInKeyword(
+        keyword, "The model that is restarted has no assembly, and gets none; what stands in this "
+                 "one is of the model itself."));
+    return messages.LeaveOut("assembly");
+  }
+  if (name.empty()) return;
   const cow_String known = assembly.DataRecord().ReturnString(eds_Assembly_Name);
   if (known == name) return;
   messages.AddWarning(inp_Utils::MessageAtParameter(

@@ -102,6 +102,8 @@ void inpS_VerbatimVisitor::ContinuePositions() {
 
 void inpS_VerbatimVisitor::SettleSkeleton(const inp_KeywordList& keywords) {
   for (const inp_Keyword& keyword : keywords) {
+    if (const KvoSimPosition* record = m_ledger.RecordOf(keyword))
+      m_added.insert(record->Object().Packed());
     const bool isTaken = inpS_checkRestart(keyword, m_inventory.GetDocument().GetModel(), *this);
     if (inpS_subjectOf(keyword.Kind()) != inpS_Subject::Skeleton || keyword.IsInstanceCopy() ||
         keyword.Scope().kind == inp_Scope::Kind::Step)
@@ -216,13 +218,14 @@ inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keywo
 }
 
 // The record of an owner's block behind which its texts go: the last one that phases spoke of, or
-// that the model of a restart has already. The owner, which is before all: there is none.
+// that the base of a restart had already: what the restart added stands behind the text. The owner,
+// which is before all: there is none.
 KvoSimPosition inpS_VerbatimVisitor::LastOf(const KvoSimPosition& owner, int block) {
   const auto [known, isNew] = m_records.try_emplace({owner.Object().Packed(), block}, owner);
   if (!isNew || !m_isRestart) return known->second;
   for (const eds_Member member : inpS_membersOf(inpS_block(block)))
-    if (const auto records = owner.GetVector(member); !records.empty())
-      known->second = records.back();
+    for (const KvoSimPosition& record : owner.GetVector(member))
+      if (!m_added.contains(record.Object().Packed())) known->second = record;
   return known->second;
 }
 

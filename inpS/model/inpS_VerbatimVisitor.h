@@ -9,6 +9,7 @@
 #include "inpS/model/inpS_RestartDefinitions.h"
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 
 // Keeps as text, at its level, every keyword that the ledger does not have for settled, so that
 // nothing of a deck is lost: the writer puts it back in its place. One warning per kind of keyword,
@@ -61,6 +62,7 @@ private:
   bool m_isRestart = false;
   KvoSimPosition m_step; // that is open; null: none, or one that is kept as text
   std::optional<inpS_RestartDefinitions> m_definitions; // of a restart
+  std::unordered_set<unsigned long long> m_added;       // records that its keywords became
   const inp_Scope* m_scope = nullptr;                   // of the keyword before
   inp_ScopePtr m_scopeHeld;
   Place m_place{};

@@ -20,8 +20,10 @@ bool holds(std::string_view text, std::string_view what) {
 class HostileModel : public ProgramTest {
 protected:
   void SetUp() override {
-    const char* deck = INPS_TESTS_DIR "/faults/model.inp";
-    ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("good.sim"), "-q"}).exitCode, 0);
+    // Its last step is kept as text, for what it names is not there.
+    const cow_String deck = Deck("good.inp", readFile(INPS_TESTS_DIR "/faults/model.inp") +
+                                                 "*STEP\n*FREQUENCY, NSET=NOWHERE\n*END STEP\n");
+    ASSERT_EQ(ProgramRun({"convert", deck, "-o", File("good.sim"), "-q"}).exitCode, 1);
     m_good = readFile(m_folder / "good.sim");
   }
 

@@ -63,6 +63,20 @@ TEST_F(Restart, KeepsWhatItIsToWrite) {
   EXPECT_EQ(deck.find("READ"), cow_String::npos) << deck;
 }
 
+// What is kept as text stands behind what its base has, and before what it brings along itself.
+TEST_F(Restart, KeepsTextsBeforeWhatFollowsThem) {
+  const cow_String lost = "*STEADY STATE TRANSPORT, ELSET=NOWHERE\n*END STEP\n";
+  const cow_String deck = Written("*NODE\n1, 0.\n*STEP, NAME=ONE\n*STATIC\n*END STEP\n",
+                                  "*ASSEMBLY, NAME=A\n*END ASSEMBLY\n*STEP, NAME=TWO\n" + lost +
+                                      "*STEP, NAME=THREE\n*STATIC\n*END STEP\n",
+                                  1);
+  const std::size_t text = deck.find("NAME=TWO");
+  EXPECT_TRUE(deck.find("NAME=ONE") < text && text < deck.find("NAME=THREE")) << deck;
+  const ProgramRun run({"convert", File("more.inp"), "--restart", File("base.sim"), "-o",
+                        File("more.sim"), "--force"});
+  EXPECT_TRUE(run.Says("has no assembly, and gets none")) << run.err;
+}
+
 // Its last steps have no procedure: what they say holds in the restart's first one.
 TEST_F(Restart, TellsWhatItsBaseLeavesToItsFirstStep) {
   const cow_String base = Deck("base.inp", "*NODE\n1, 0.\n*STEP, PERTURBATION\n*STATIC\n*END STEP\n"

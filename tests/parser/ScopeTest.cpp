@@ -50,8 +50,8 @@ TEST(Scope, ReportsWhatIsNotClosed) {
       {"*Node\n*End Part\n*Node", "2:1 *END PART closes nothing that is open\n", "M M M "},
       {"*Assembly\n*Instance, name=i\n*End Assembly\n*Step\n*End Step",
        "2:1 *END INSTANCE is missing for \"I\"\n", "M A M M M "},
-      {"*Step\n*Static\n*Step\n*Static\n*End Step", "1:1 *END STEP is missing\n", "M S1 M S2 M "},
-      {"*Step\n*Static", "", "M S1 M "}, // ends with the deck
+      {"*Step\n*Static\n*Step\n*Static\n*End Step", "", "M S1 M M S2 M "}, // with the next
+      {"*Step\n*Static", "", "M S1 M "},                                   // ends with the deck
       {"*Part, name=p\n*End Instance\n*Node\n*End Part",
        "2:1 *END INSTANCE closes nothing that is open\n", "M PP PP M "},
   };
