@@ -183,7 +183,7 @@ private:
       });
     case inp_ColumnType::Int:
       return each([&](std::size_t line, const char* begin, const char* end) {
-        return inp_fastSmallInt(begin, end, ints[line]);
+        return isDigitAlone(begin, end, ints[line]) || inp_fastSmallInt(begin, end, ints[line]);
       });
     case inp_ColumnType::Target:
       return each([&](std::size_t line, const char* begin, const char* end) {
@@ -249,6 +249,13 @@ private:
   static bool isLetter(char c) {
     const char lower = static_cast<char>(c | 0x20);
     return lower >= 'a' && lower <= 'z';
+  }
+
+  // As degrees of freedom are mostly given, all of a column alike.
+  static bool isDigitAlone(const char* begin, const char* end, int& value) {
+    value = end[-1] - '0';
+    return static_cast<unsigned>(value) < 10 &&
+           (end - begin == 1 || (end - begin == 2 && *begin == ' '));
   }
 
   // A field of the plainest form.
