@@ -306,7 +306,8 @@ void Impl::SortKept(const inpS_DeckScope& scope, const inpS_Block& block,
 void Impl::PrintKept(const inpS_DeckScope& scope, const inpS_Block& block) {
   std::span<Kept> texts;
   if (const auto known = kept.find(scope.owner.Object().Packed()); known != kept.end())
-    texts = std::ranges::equal_range(known->second, block.number, {}, &Kept::block);
+    texts = {std::ranges::lower_bound(known->second, block.number, {}, &Kept::block),
+             std::ranges::upper_bound(known->second, block.number, {}, &Kept::block)};
   SortKept(scope, block, texts);
   auto at = texts.begin();
   const auto printTexts = [&](const KvoSimPosition* behind) {
