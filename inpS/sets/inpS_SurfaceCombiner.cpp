@@ -45,6 +45,7 @@ void inpS_SurfaceCombiner::ReadOperands(Entry& entry) {
   const inp_DataArray& data = entry.keyword.Data();
   inpS_SurfaceLines lines(entry.keyword, m_visitor);
   lines.ReadSurfaces(0, isCrop(operation) ? 1 : data.Rows());
+  bool isWhole = true; // the record holds all that the lines say
   for (const inpS_SurfaceLines::Piece& piece : lines.Pieces()) {
     Operand operand{
         m_visitor.FindField(inpS_SetVisitor::Kind::Surfaces, data.FieldText(piece.row, piece.col)),
@@ -53,9 +54,9 @@ void inpS_SurfaceCombiner::ReadOperands(Entry& entry) {
       const cow_String name = data.AsString(piece.row, piece.col);
       const bool kept = m_keptAsText.contains({m_visitor.Owner().Object().Packed(), name});
       Fault(entry, operand,
-            "Surface \"" + name +
-                (kept ? "\" is kept as text and takes no part in this one."
-                      : "\" does not exist; left out."));
+            "Surface \"" + name + (kept ? "\" is kept as text" : "\" does not exist") +
+                " and takes no part in this one, which stays empty.");
+      isWhole = false;
       continue;
     }
     KvoSurfacePiece stored;
@@ -64,18 +65,24 @@ void inpS_SurfaceCombiner::ReadOperands(Entry& entry) {
     entry.surface.AddPiece(stored);
     entry.operands.push_back(operand);
   }
-  if (!isCrop(operation)) return;
-  long long row = 1;
-  inpS_SurfaceNumbers numbers(entry.keyword, m_visitor, " The surface is left empty.");
-  entry.good =
-      numbers.ReadPoints(inpS_pointLinesOf(entry.surface.Type(), operation), 1, row, entry.box) &&
-      numbers.CheckBox(row - 1, entry.box) && entry.good;
-  if (!entry.good) return;
-  numbers.TellUnused(row);
-  entry.surface.SetPoints(entry.box);
-  if (!numbers.IsWhole())
+  if (isCrop(operation)) isWhole = ReadBox(entry) && isWhole;
+  if (!isWhole)
     inpS_keepPart(entry.surface.Position(),
                   {inpS_wholeLines, {}, inpS_dataLines(entry.keyword, m_visitor)});
+}
+
+bool inpS_SurfaceCombiner::ReadBox(Entry& entry) {
+  long long row = 1;
+  inpS_SurfaceNumbers numbers(entry.keyword, m_visitor, " The surface is left empty.");
+  const Op operation = entry.surface.Operation();
+  const bool isRead =
+      numbers.ReadPoints(inpS_pointLinesOf(entry.surface.Type(), operation), 1, row, entry.box) &&
+      numbers.CheckBox(row - 1, entry.box);
+  entry.good = entry.good && isRead;
+  if (!isRead) return false;
+  numbers.TellUnused(row);
+  entry.surface.SetPoints(entry.box);
+  return numbers.IsWhole();
 }
 
 void inpS_SurfaceCombiner::CheckCount(Entry& entry) {

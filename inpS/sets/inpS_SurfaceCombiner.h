@@ -39,6 +39,7 @@ private:
   };
 
   void ReadOperands(Entry& entry);
+  bool ReadBox(Entry& entry); // false: the record does not hold all of it
   void CheckCount(Entry& entry);
   void OpenFrom(std::size_t first);
   bool CheckTypes(Entry& entry);

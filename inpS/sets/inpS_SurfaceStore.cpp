@@ -104,14 +104,16 @@ void inpS_SurfaceStore::CheckListed(const inp_Keyword& keyword, const Runs& runs
   }
   piece.ordinals.Resize(kept);
   piece.rows.Resize(kept);
-  if (told > kMostFaultsTold)
-    m_visitor.AddError(inp_Utils::MessageInKeyword(
-        keyword, inp_Utils::Format("%d more elements of this surface have no such face; left out.",
-                                   told - kMostFaultsTold)));
+  if (told <= kMostFaultsTold) return;
+  m_visitor.LeaveOut("surface line", told - kMostFaultsTold);
+  m_visitor.AddError(inp_Utils::MessageInKeyword(
+      keyword, inp_Utils::Format("%d more elements of this surface have no such face; left out.",
+                                 told - kMostFaultsTold)));
 }
 
 void inpS_SurfaceStore::ReportNoFace(const inp_Keyword& keyword, long long row, int col,
                                      const Piece& piece, long long element, const Runs& runs) {
+  m_visitor.LeaveOut("surface line");
   if (piece.face == Face::Whole) {
     m_visitor.AddError(inp_Utils::MessageAtField(keyword, row, col,
                                                  inpS_messageText(inpS_mesh_SurfaceWithoutFace)));

@@ -71,13 +71,16 @@ TEST_F(Shell, WhatIsLeftOutIsCounted) {
                                         "*END INSTANCE\n*INSTANCE, NAME=K, PART=P\n1., y\n"
                                         "*END INSTANCE\n*NSET, NSET=L, INSTANCE=Z\n1\n2\n"
                                         "*ELSET, ELSET=L, INSTANCE=\n"
-                                        "*NSET, NSET=L, ELSET=E, INSTANCE=Z\n*END ASSEMBLY\n"
+                                        "*NSET, NSET=L, ELSET=E, INSTANCE=Z\n"
+                                        "*SURFACE, NAME=F\nI.1, S9\n"
+                                        "*SURFACE, NAME=C, CROP=IN\nNOPE\n0., 0., 0., 1., 1., 1.\n"
+                                        "*END ASSEMBLY\n"
                                         "*SURFACE, NAME=S, TYPE=CYLINDER\nSTART, 1., x\n");
   const cow_String model = File("m.sim");
   ASSERT_EQ(ProgramRun({"convert", deck, "-o", model, "--salvage", "-q"}).exitCode, 1);
   const json facts = json::parse(ProgramRun({"info", model, "--json"}).out);
   EXPECT_EQ(facts["leftOut"], "2 data lines; 1 element; 2 instances; 1 mesh fault; 3 set entries; "
-                              "2 set members; 1 surface; 2 values");
+                              "2 set members; 1 surface; 1 surface line; 2 values");
   EXPECT_EQ(facts["meshLeftOut"], false);
 }
 
