@@ -255,10 +255,12 @@ cow_String inpS_SectionVisitor::ReasonOfNone(const inp_Keyword& keyword) const {
 }
 
 // A word that nobody knows, and a distribution that is not there, leave what else the section says;
-// one that chooses the variant says what the lines are.
+// one that chooses the variant, or is of a type or geometry, says what the lines are.
 bool inpS_SectionVisitor::MayLack(const inpS_Form& form, const eds_FormItem& item) const {
   const eds_Referable* referable = item.alternatives.front().referable;
   if (referable) return referable->word == "distribution";
+  const bool hasLines = form.info->data != eds_FormData::None || !form.info->lines.empty();
+  if (hasLines && (item.name == "type" || item.name == "geometry")) return false;
   return std::ranges::none_of(form.selectors, [&](const inpS_Form::Selector& one) {
     return inpS_bareWord(one.name) == inpS_bareWord(inp_Utils::Fold(item.name));
   });
@@ -300,30 +302,36 @@ namespace {
 class MatrixRows : public inpS_LineCheck {
 public:
   explicit MatrixRows(const inpS_SetVisitor& place)
-      : m_space(place.SpaceOf(inpS_SetVisitor::Kind::Nodes)),
-        m_labeler(place.LabelerOf(inpS_SetVisitor::Kind::Nodes)) {}
+      : m_occurrence(place.SpaceOf(inpS_SetVisitor::Kind::Nodes).occurrence),
+        m_labeler(place.LabelerOf(inpS_SetVisitor::Kind::Nodes)) {
+    // Those of parts alone have no labels here.
+    if (m_occurrence >= 0 && m_labeler.Labels(m_occurrence).Size() == 0) m_occurrence = -1;
+  }
 
   bool IsSound(const inp_ColumnPiece& piece, Words) override {
+    if (m_occurrence < 0) return true;
     for (const std::size_t column : {0, 2})
       for (const int node : piece.columns[column].ints.first(piece.count))
         if (node > 0 && node != m_last && node != inp_blankInt) Look(node);
     return true;
   }
   std::optional<inpS_LineFault> FaultOf(const inpS_LineView&) override { return {}; }
-  cow_List<int> Unknown() const { return {m_unknown.begin(), m_unknown.end()}; }
+  cow_List<int> Unknown() { // ascending, each once
+    std::ranges::sort(m_unknown);
+    m_unknown.erase(std::unique(m_unknown.begin(), m_unknown.end()), m_unknown.end());
+    return m_unknown;
+  }
 
 private:
   void Look(int node) {
-    if (m_space.occurrence < 0 || !m_labeler.HasInstanceLabel(m_space.occurrence, node))
-      m_unknown.insert(node);
-    else
-      m_last = node; // rows of one node follow one another
+    m_last = node; // rows of one node follow one another
+    if (!m_labeler.HasInstanceLabel(m_occurrence, node)) m_unknown.push_back(node);
   }
 
-  inpS_SetVisitor::LabelSpace m_space;
+  int m_occurrence;
   const KvoObjLabeler& m_labeler;
   int m_last = 0;
-  std::set<int> m_unknown;
+  cow_List<int> m_unknown;
 };
 
 } // namespace
