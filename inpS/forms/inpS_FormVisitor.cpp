@@ -199,8 +199,12 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
       may && (!form->HasTable() || rows.Read(keyword, *form, *this, ColumnsOf(keyword, *form)));
   if (!hasRows) {
     // Of rows that are not there nobody has told yet.
+    if (!form && !isToldLost) {
+      KeepAsText(keyword, owner, parent, false, owner.IsNull() ? "" : ReasonOfNone(keyword));
+      return {};
+    }
     const bool isMute = may && inpS_isWithoutLines(keyword, std::ssize(form->info->lines));
-    KeepAsText(keyword, owner, parent, !isMute && (form || isToldLost),
+    KeepAsText(keyword, owner, parent, !isMute,
                !isMute                        ? ""
                : inpS_isWithoutLines(keyword) ? "has no data lines"
                                               : "has no data lines behind the first");

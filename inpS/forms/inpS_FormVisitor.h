@@ -43,6 +43,8 @@ protected:
   // Whether the keyword is what it is without a parameter of the form, the word of which is none of
   // the language's.
   virtual bool MayLack(const inpS_Form& form, const eds_FormItem& item) const;
+  // Why a keyword has no form, as "lacks its TYPE"; empty: that is told, or of no use.
+  virtual cow_String ReasonOfNone(const inp_Keyword&) const { return {}; }
   // Whether words that nobody knows leave nothing of the keyword.
   bool IsLostByWords(const inp_Keyword& keyword, const inp_Keyword* parent) const;
   // Behind all that the row says, within the keyword's transaction.

@@ -84,10 +84,24 @@ const inpS_Form* inpS_SectionVisitor::Choose(const inp_Keyword& keyword,
   const bool isPlain = keyword.Kind() == inp_KwSolidSection && !keyword.HasParameter("composite");
   if (isPlain) return ChooseSolid(keyword);
   const inpS_Form* form = inpS_FormVisitor::Choose(keyword, parent);
+  if (form && form->info->record == eds_FormKind::SectionPly && keyword.HasParameter("material") &&
+      keyword.Kind() != inp_KwSolidSection)
+    return ChooseOfOneLayer(keyword);
   if (form && form->kind == eds_FormKind::ConnectorSectionBehavior)
     return ChooseConnector(keyword, form);
   if (form && form->kind == eds_FormKind::JointElasticityGeneral) return ChooseJoint(keyword, form);
   return form;
+}
+
+// One material outweighs plies.
+const inpS_Form* inpS_SectionVisitor::ChooseOfOneLayer(const inp_Keyword& keyword) {
+  if (keyword.LeaveUnread("composite"))
+    AddWarning(inp_Utils::MessageAtParameter(keyword, "composite",
+                                             "MATERIAL makes it a shell of one layer; COMPOSITE is "
+                                             "kept as it stands, and means nothing."));
+  return inpS_FormTable::Instance().Find(keyword.Kind() == inp_KwShellSection
+                                             ? eds_FormKind::ShellSectionHomogeneous
+                                             : eds_FormKind::ShellGeneralSectionMaterial);
 }
 
 // A connector is one by its type; of a behaviour that is not there the name alone is left.
@@ -161,10 +175,8 @@ const inpS_SectionData& inpS_SectionVisitor::DataOf(const KvoSimPosition& owner)
 
 bool inpS_SectionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
   namespace K = eds_FormKind;
-  if (isOneOf(form, K::SolidSectionComposite)) {
-    CheckStackDirection(keyword);
-    return CheckSolid(keyword);
-  }
+  CheckStackDirection(keyword);
+  if (isOneOf(form, K::SolidSectionComposite)) return CheckSolid(keyword);
   if (isOneOf(form, K::ShellGeneralSectionStiffness)) return CheckShellStiffness(keyword);
   if (isOneOf(form, K::PretensionSection, K::PretensionSectionElement))
     return CheckPretension(keyword, form);
@@ -237,6 +249,23 @@ bool inpS_SectionVisitor::CheckFluid(const inp_Keyword& keyword) {
   return false;
 }
 
+cow_String inpS_SectionVisitor::ReasonOfNone(const inp_Keyword& keyword) const {
+  const bool isBeam = keyword.Kind() == inp_KwBeamSection;
+  return isBeam && !keyword.HasParameter("section") ? "lacks its SECTION" : "";
+}
+
+// A word that nobody knows, and a distribution that is not there, leave what else the section says;
+// one that chooses the variant, or is of a type or geometry, says what the lines are.
+bool inpS_SectionVisitor::MayLack(const inpS_Form& form, const eds_FormItem& item) const {
+  const eds_Referable* referable = item.alternatives.front().referable;
+  if (referable) return referable->word == "distribution";
+  const bool hasLines = form.info->data != eds_FormData::None || !form.info->lines.empty();
+  if (hasLines && (item.name == "type" || item.name == "geometry")) return false;
+  return std::ranges::none_of(form.selectors, [&](const inpS_Form::Selector& one) {
+    return inpS_bareWord(one.name) == inpS_bareWord(inp_Utils::Fold(item.name));
+  });
+}
+
 bool inpS_SectionVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
   return kind == inp_KwSolidSection || kind == inp_KwCohesiveSection ||
          kind == inp_KwPreTensionSection || kind == inp_KwNonStructuralMass;
@@ -273,30 +302,36 @@ namespace {
 class MatrixRows : public inpS_LineCheck {
 public:
   explicit MatrixRows(const inpS_SetVisitor& place)
-      : m_space(place.SpaceOf(inpS_SetVisitor::Kind::Nodes)),
-        m_labeler(place.LabelerOf(inpS_SetVisitor::Kind::Nodes)) {}
+      : m_occurrence(place.SpaceOf(inpS_SetVisitor::Kind::Nodes).occurrence),
+        m_labeler(place.LabelerOf(inpS_SetVisitor::Kind::Nodes)) {
+    // Those of parts alone have no labels here.
+    if (m_occurrence >= 0 && m_labeler.Labels(m_occurrence).Size() == 0) m_occurrence = -1;
+  }
 
   bool IsSound(const inp_ColumnPiece& piece, Words) override {
+    if (m_occurrence < 0) return true;
     for (const std::size_t column : {0, 2})
       for (const int node : piece.columns[column].ints.first(piece.count))
         if (node > 0 && node != m_last && node != inp_blankInt) Look(node);
     return true;
   }
   std::optional<inpS_LineFault> FaultOf(const inpS_LineView&) override { return {}; }
-  cow_List<int> Unknown() const { return {m_unknown.begin(), m_unknown.end()}; }
+  cow_List<int> Unknown() { // ascending, each once
+    std::ranges::sort(m_unknown);
+    m_unknown.erase(std::unique(m_unknown.begin(), m_unknown.end()), m_unknown.end());
+    return m_unknown;
+  }
 
 private:
   void Look(int node) {
-    if (m_space.occurrence < 0 || !m_labeler.HasInstanceLabel(m_space.occurrence, node))
-      m_unknown.insert(node);
-    else
-      m_last = node; // rows of one node follow one another
+    m_last = node; // rows of one node follow one another
+    if (!m_labeler.HasInstanceLabel(m_occurrence, node)) m_unknown.push_back(node);
   }
 
-  inpS_SetVisitor::LabelSpace m_space;
+  int m_occurrence;
   const KvoObjLabeler& m_labeler;
   int m_last = 0;
-  std::set<int> m_unknown;
+  cow_List<int> m_unknown;
 };
 
 } // namespace
@@ -313,128 +348,4 @@ bool inpS_SectionVisitor::ReadColumns(const inp_Keyword& keyword, const eds_Form
     Warning(keyword, inp_Utils::MessageWithItems(
                          "Rows of the matrix name nodes that do not exist: ", unknown));
   return isWhole;
-}
-
-// ---- behind what a row says
-
-void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
-                                    const KvoSimPosition& record) {
-  namespace K = eds_FormKind;
-  if (form.info->record == K::SectionPly && keyword.Data().Rows() == 0)
-    Warning(keyword, "The layup has no plies: its elements have no material.");
-  else if (inpS_lacksLines(keyword, *form.info) && !MayLackLines(keyword, form))
-    Tell(keyword, inp_Utils::MessageInKeyword(
-                      keyword, "*" + keyword.Name() + " has no data lines: it gives no values."));
-  CheckNodalThickness(keyword);
-  if (form.info->record == K::SectionPly) CheckPlyNames(keyword);
-  CheckThickness(keyword, *form.info);
-  if (isOneOf(form, K::BeamSectionPipe, K::BeamSectionThickPipe, K::BeamGeneralSectionPipe,
-              K::BeamGeneralSectionThickPipe, K::FrameSectionPipe))
-    CheckPipe(keyword);
-  if (isOneOf(form, K::SolidSectionComposite)) return CheckPlies(keyword, record);
-  if (isOneOf(form, K::RebarLayer, K::RebarLayerAngular, K::RebarLayerLiftEquation))
-    return CheckRebar(keyword, record);
-  if (isOneOf(form, K::BeamSectionArbitrary, K::BeamGeneralSectionArbitrary))
-    return MarkDirection(record);
-}
-
-// A thickness may come from elsewhere; user elements may have no properties, substructures stand
-// where they were made, pipes in soil and joints have theirs below, matrices from a file.
-bool inpS_SectionVisitor::MayLackLines(const inp_Keyword& keyword, const inpS_Form& form) const {
-  namespace K = eds_FormKind;
-  for (const char* parameter : {"nodalthickness", "shellthickness", "membranethickness", "input"})
-    if (keyword.HasParameter(parameter)) return true;
-  return isOneOf(form, K::UelProperty, K::SubstructureProperty, K::PipeSoilInteraction,
-                 K::ElasticPlasticJoint, K::MatrixCheck);
-}
-
-void inpS_SectionVisitor::CheckNodalThickness(const inp_Keyword& keyword) {
-  if (!inpS_saysYes(keyword, "nodalthickness")) return;
-  if (!Inventory().GetDocument().GetModel().GetNodalThicknessField().IsNull()) return;
-  AddWarning(inp_Utils::MessageAtParameter(
-      keyword, "nodalthickness",
-      "No node has a thickness, and NODAL THICKNESS leaves none to the section."));
-}
-
-void inpS_SectionVisitor::CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section) {
-  static const int points = eds_formField(eds_FormKind::SectionPly, "points");
-  for (const KvoSimPosition& ply : section.GetVector(eds_Member::Lines)) {
-    const KvoSimDataRecord record = ply.DataRecord();
-    if (record.IsMemberNull(points) || record.GetInt64(points) > 0) continue;
-    return Error(keyword, "The number of integration points must be a positive integer.");
-  }
-}
-
-// Decided here: output goes by the names of plies, so two that share one are told, and both stay.
-void inpS_SectionVisitor::CheckPlyNames(const inp_Keyword& keyword) {
-  const cow_List<eds_FormItem>& items = eds_formOf(eds_FormKind::SectionPly)->lines.front();
-  const auto name = std::ranges::find(items, "name", &eds_FormItem::name);
-  const int col = static_cast<int>(name - items.begin());
-  const inp_DataArray& data = keyword.Data();
-  std::set<cow_String> known;
-  for (long long row = 0; row < data.Rows(); ++row) {
-    if (col >= data.Cols(row) || !data.HasValue(row, col)) continue;
-    const cow_String ply = data.AsStringVerbatim(row, col);
-    if (!known.insert(inp_Utils::Fold(ply)).second)
-      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
-                                           "Another ply of the layup is named \"" + ply +
-                                               "\" already; both keep the name."));
-  }
-}
-
-// Of all that a line names so, of plies as well; behind the segments of a profile its axes stand.
-void inpS_SectionVisitor::CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form) {
-  const inp_DataArray& data = keyword.Data();
-  const auto check = [&](long long row, const cow_List<eds_FormItem>& items) {
-    for (int col = 0; col < std::min(static_cast<int>(items.size()), data.Cols(row)); ++col) {
-      if (!items[static_cast<std::size_t>(col)].name.ends_with("thickness")) continue;
-      if (!data.HasValue(row, col) || !data.IsNumber(row, col) || data.AsDouble(row, col) >= 0)
-        continue;
-      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
-                                           "A thickness is not negative; it is taken as it "
-                                           "stands."));
-    }
-  };
-  const auto own = static_cast<long long>(form.lines.size());
-  for (long long row = 0; row < std::min(own, data.Rows()); ++row)
-    check(row, form.lines[static_cast<std::size_t>(row)]);
-  if (form.data != eds_FormData::Records || form.record != eds_FormKind::SectionPly) return;
-  const auto& lines = eds_formOf(form.record)->lines;
-  for (long long row = own; row < data.Rows(); ++row)
-    check(row, lines[static_cast<std::size_t>(row - own) % lines.size()]);
-}
-
-// The radius and behind it the thickness of the wall; a bar of the same radius is no fault.
-void inpS_SectionVisitor::CheckPipe(const inp_Keyword& keyword) {
-  const inp_DataArray& data = keyword.Data();
-  const auto isNumber = [&](int col) {
-    return data.Rows() > 0 && col < data.Cols(0) && data.HasValue(0, col) && data.IsNumber(0, col);
-  };
-  if (!isNumber(0) || !isNumber(1) || data.AsDouble(0, 1) <= data.AsDouble(0, 0)) return;
-  AddWarning(inp_Utils::MessageAtField(
-      keyword, 0, 1, "The wall is thicker than the radius of the pipe; it is taken as it stands."));
-}
-
-// A bar lies along one of the two directions of the shell's surface.
-void inpS_SectionVisitor::CheckRebar(const inp_Keyword& keyword, const KvoSimPosition& layer) {
-  for (const KvoSimPosition& line : layer.GetVector(eds_Member::Lines)) {
-    KvoSimDataRecord record = line.DataRecord();
-    const int direction = eds_formField(line.Object().RecordKind(), "direction");
-    if (record.IsMemberNull(direction)) continue;
-    const long long value = record.GetInt64(direction);
-    if (value == 1 || value == 2) continue;
-    Warning(keyword, "Invalid isoparametric direction value.. Default value of 1 will be used.");
-    record.SetInt(direction, 1);
-  }
-}
-
-// Behind the points of an arbitrary profile, one for each segment but the first, stands the
-// direction of the first axis.
-void inpS_SectionVisitor::MarkDirection(const KvoSimPosition& section) {
-  static const int flag = eds_formField(eds_FormKind::ArbitrarySegment, "is_direction");
-  const int segments = eds_formField(section.Object().RecordKind(), "segments");
-  const auto lines = section.GetVector(eds_Member::Lines);
-  const auto points = section.DataRecord().GetInt64(segments) - 1;
-  if (points >= 0 && static_cast<long long>(lines.size()) == points + 1)
-    lines.back().DataRecord().SetBool(flag, true);
 }

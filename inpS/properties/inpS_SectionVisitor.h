@@ -32,10 +32,8 @@ protected:
                    const eds_Referable& referable, const cow_String& name) override;
   void TellRequired(const inp_Keyword& keyword, const cow_String& parameter) override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
-  // Controls say each something of their own: a word that nobody knows costs itself.
-  bool MayLack(const inpS_Form& form, const eds_FormItem&) const override {
-    return form.keyword == inp_KwSectionControls;
-  }
+  cow_String ReasonOfNone(const inp_Keyword& keyword) const override;
+  bool MayLack(const inpS_Form& form, const eds_FormItem& item) const override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
@@ -43,6 +41,7 @@ protected:
 
 private:
   const inpS_Form* ChooseSolid(const inp_Keyword& keyword);
+  const inpS_Form* ChooseOfOneLayer(const inp_Keyword& keyword);
   const inpS_Form* ChooseConnector(const inp_Keyword& keyword, const inpS_Form* form);
   const inpS_Form* ChooseJoint(const inp_Keyword& keyword, const inpS_Form* inSpace);
   const inpS_SectionData& DataOf(const KvoSimPosition& owner);
@@ -54,12 +53,15 @@ private:
   void CheckNodalThickness(const inp_Keyword& keyword);
   bool CheckFluid(const inp_Keyword& keyword);
   void CheckPlyNames(const inp_Keyword& keyword);
-  void CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form);
+  void CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form, bool isElsewhere);
+  void CheckProfile(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckAxis(const inp_Keyword& keyword, long long row);
+  void CheckTypes(const inp_Keyword& keyword);
   void CheckPipe(const inp_Keyword& keyword);
   void CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section);
   void CheckStackDirection(const inp_Keyword& keyword);
   void CheckRebar(const inp_Keyword& keyword, const KvoSimPosition& layer);
-  void MarkDirection(const KvoSimPosition& section);
+  void MarkDirection(const inp_Keyword& keyword, const KvoSimPosition& section);
 
   std::optional<inpS_SectionData> m_data; // of the owner at hand
 };

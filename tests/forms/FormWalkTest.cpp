@@ -174,6 +174,7 @@ public:
       const eds_FormItem& item = *m_form.items[n];
       const auto sound = soundValues.find(Name(item));
       if (sound != soundValues.end() && sound->second.empty()) continue;
+      if (item.name == "taper") continue; // where it says yes another row holds
       given.text += ", " + m_form.parameters[n].name;
       const cow_String value =
           Value(item, m_form.parameters[n].words, &item == missing, given.values);
@@ -255,6 +256,9 @@ private:
       value = "1";
       return {};
     case eds_FormType::Int:
+      if (isByLabelOrSet(item) && item.alternatives.back().referable->word == "elset")
+        return value = "1"; // an element's label
+      [[fallthrough]];
     case eds_FormType::Node:
       m_counts[item.name] = item.name == "stack_direction" ? 2 : Number();
       return value = std::to_string(m_counts[item.name]);

@@ -1,0 +1,216 @@
+#include "database/KvoObjField.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_LackOfLines.h"
+#include "inpS/keywords/inpS_Flag.h"
+#include "inpS/keywords/inpS_ParameterBinding.h"
+#include "inpS/properties/inpS_ConnectorTypes.h"
+#include "inpS/properties/inpS_SectionVisitor.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+#include <set>
+
+// What is told of a section that is a record: what its values lack, or say oddly.
+
+namespace {
+
+template <class... Kinds> bool isOneOf(const inpS_Form& form, Kinds... kinds) {
+  return ((form.kind == kinds) || ...);
+}
+
+bool isNumber(const inp_DataArray& data, long long row, int col) {
+  return row < data.Rows() && col < data.Cols(row) && data.HasValue(row, col) &&
+         data.IsNumber(row, col);
+}
+
+bool hasValue(const inp_DataArray& data, long long row, int col) {
+  return row < data.Rows() && col < data.Cols(row) && data.HasValue(row, col);
+}
+
+} // namespace
+
+void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
+                                    const KvoSimPosition& record) {
+  namespace K = eds_FormKind;
+  if (form.info->record == K::SectionPly && keyword.Data().Rows() == 0)
+    Warning(keyword, "The layup has no plies: its elements have no material.");
+  else if (inpS_lacksLines(keyword, *form.info) && !MayLackLines(keyword, form))
+    Tell(keyword, inp_Utils::MessageInKeyword(
+                      keyword, "*" + keyword.Name() + " has no data lines: it gives no values."));
+  CheckNodalThickness(keyword);
+  if (form.info->record == K::SectionPly) CheckPlyNames(keyword);
+  CheckThickness(keyword, *form.info, MayLackLines(keyword, form));
+  CheckProfile(keyword, form);
+  if (isOneOf(form, K::ConnectorSection, K::ConnectorSectionBehavior)) CheckTypes(keyword);
+  if (isOneOf(form, K::BeamSectionPipe, K::BeamSectionThickPipe, K::BeamGeneralSectionPipe,
+              K::BeamGeneralSectionThickPipe, K::FrameSectionPipe))
+    CheckPipe(keyword);
+  if (isOneOf(form, K::SolidSectionComposite)) return CheckPlies(keyword, record);
+  if (isOneOf(form, K::RebarLayer, K::RebarLayerAngular, K::RebarLayerLiftEquation))
+    return CheckRebar(keyword, record);
+  if (isOneOf(form, K::BeamSectionArbitrary, K::BeamGeneralSectionArbitrary))
+    return MarkDirection(keyword, record);
+}
+
+// A thickness may come from elsewhere; user elements may have no properties, substructures stand
+// where they were made, pipes in soil and joints have theirs below, matrices from a file.
+bool inpS_SectionVisitor::MayLackLines(const inp_Keyword& keyword, const inpS_Form& form) const {
+  namespace K = eds_FormKind;
+  for (const char* parameter : {"nodalthickness", "shellthickness", "membranethickness", "input"})
+    if (keyword.HasParameter(parameter)) return true;
+  return isOneOf(form, K::UelProperty, K::SubstructureProperty, K::PipeSoilInteraction,
+                 K::ElasticPlasticJoint, K::MatrixCheck);
+}
+
+void inpS_SectionVisitor::CheckNodalThickness(const inp_Keyword& keyword) {
+  if (!inpS_saysYes(keyword, "nodalthickness")) return;
+  if (!Inventory().GetDocument().GetModel().GetNodalThicknessField().IsNull()) return;
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "nodalthickness",
+      "No node has a thickness, and NODAL THICKNESS leaves none to the section."));
+}
+
+void inpS_SectionVisitor::CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section) {
+  static const int points = eds_formField(eds_FormKind::SectionPly, "points");
+  for (const KvoSimPosition& ply : section.GetVector(eds_Member::Lines)) {
+    const KvoSimDataRecord record = ply.DataRecord();
+    if (record.IsMemberNull(points) || record.GetInt64(points) > 0) continue;
+    return Error(keyword, "The number of integration points must be a positive integer.");
+  }
+}
+
+// Decided here: output goes by the names of plies, so two that share one are told, and both stay.
+void inpS_SectionVisitor::CheckPlyNames(const inp_Keyword& keyword) {
+  const cow_List<eds_FormItem>& items = eds_formOf(eds_FormKind::SectionPly)->lines.front();
+  const auto name = std::ranges::find(items, "name", &eds_FormItem::name);
+  const int col = static_cast<int>(name - items.begin());
+  const inp_DataArray& data = keyword.Data();
+  std::set<cow_String> known;
+  for (long long row = 0; row < data.Rows(); ++row) {
+    if (col >= data.Cols(row) || !data.HasValue(row, col)) continue;
+    const cow_String ply = data.AsStringVerbatim(row, col);
+    if (!known.insert(inp_Utils::Fold(ply)).second)
+      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                           "Another ply of the layup is named \"" + ply +
+                                               "\" already; both keep the name."));
+  }
+}
+
+// Of all that a line names so, of plies as well; behind the segments of a profile its axes stand.
+void inpS_SectionVisitor::CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form,
+                                         bool isElsewhere) {
+  const inp_DataArray& data = keyword.Data();
+  const auto check = [&](long long row, const cow_List<eds_FormItem>& items) {
+    for (int col = 0; col < static_cast<int>(items.size()); ++col) {
+      const eds_FormItem& item = items[static_cast<std::size_t>(col)];
+      if (!item.name.ends_with("thickness")) continue;
+      if (!hasValue(data, row, col) && item.name == "thickness" && !item.isOptional && !isElsewhere)
+        AddWarning(
+            inp_Utils::MessageAtRow(keyword, row, "The line tells no thickness; it counts as 0."));
+      if (!isNumber(data, row, col) || data.AsDouble(row, col) >= 0) continue;
+      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                           "A thickness is not negative; it is taken as it "
+                                           "stands."));
+    }
+  };
+  const auto own = static_cast<long long>(form.lines.size());
+  for (long long row = 0; row < std::min(own, data.Rows()); ++row)
+    check(row, form.lines[static_cast<std::size_t>(row)]);
+  if (form.data != eds_FormData::Records || form.record != eds_FormKind::SectionPly) return;
+  const auto& lines = eds_formOf(form.record)->lines;
+  for (long long row = own; row < data.Rows(); ++row)
+    check(row, lines[static_cast<std::size_t>(row - own) % lines.size()]);
+}
+
+// The radius and behind it the thickness of the wall; a bar of the same radius is no fault.
+void inpS_SectionVisitor::CheckPipe(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  if (!isNumber(data, 0, 0) || !isNumber(data, 0, 1) || data.AsDouble(0, 1) <= data.AsDouble(0, 0))
+    return;
+  AddWarning(inp_Utils::MessageAtField(
+      keyword, 0, 1, "The wall is thicker than the radius of the pipe; it is taken as it stands."));
+}
+
+namespace {
+
+// The dimensions of a profile stand on its first line, and are told where they are missing: a wall
+// of no thickness is mostly a slip. Of integrals and arbitrary profiles blanks are 0.
+bool hasProfile(const inpS_Form& form) {
+  namespace K = eds_FormKind;
+  const bool isBeam = form.keyword == inp_KwBeamSection ||
+                      form.keyword == inp_KwBeamGeneralSection ||
+                      form.keyword == inp_KwFrameSection;
+  return isBeam && !form.info->lines.empty() &&
+         !isOneOf(form, K::BeamSectionArbitrary, K::BeamGeneralSectionArbitrary,
+                  K::BeamGeneralSectionGeneral, K::BeamGeneralSectionNonlinear,
+                  K::BeamGeneralSectionTapered, K::FrameSectionGeneral);
+}
+
+} // namespace
+
+void inpS_SectionVisitor::CheckProfile(const inp_Keyword& keyword, const inpS_Form& form) {
+  const inp_DataArray& data = keyword.Data();
+  if (hasProfile(form) && data.Rows() > 0) {
+    const auto& items = form.info->lines.front();
+    for (int col = 0; col < static_cast<int>(items.size()); ++col)
+      if (!hasValue(data, 0, col))
+        AddWarning(inp_Utils::MessageAtRow(keyword, 0,
+                                           "The line does not tell the profile's " +
+                                               items[static_cast<std::size_t>(col)].name +
+                                               "; it counts as 0."));
+  }
+  for (std::size_t n = 1; n < form.info->lines.size(); ++n)
+    if (form.info->lines[n].front().name == "n1_x") CheckAxis(keyword, static_cast<long long>(n));
+}
+
+// The line may be blank: the axis is then the usual one.
+void inpS_SectionVisitor::CheckAxis(const inp_Keyword& keyword, long long row) {
+  const inp_DataArray& data = keyword.Data();
+  bool isGiven = false;
+  for (int col = 0; col < 3; ++col) {
+    if (!hasValue(data, row, col)) continue;
+    if (!isNumber(data, row, col) || data.AsDouble(row, col) != 0) return;
+    isGiven = true;
+  }
+  if (isGiven)
+    AddWarning(inp_Utils::MessageAtRow(
+        keyword, row, "The direction of the first axis has no length; it is taken as it stands."));
+}
+
+void inpS_SectionVisitor::CheckTypes(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  for (const int col : {0, 1})
+    if (hasValue(data, 0, col) && !inpS_isConnectorType(inpS_bareWord(data.AsString(0, col))))
+      AddWarning(inp_Utils::MessageAtField(
+          keyword, 0, col,
+          "\"" + data.AsStringVerbatim(0, col) +
+              "\" is no type of connections that is known; it is taken as it stands."));
+}
+
+// A bar lies along one of the two directions of the shell's surface.
+void inpS_SectionVisitor::CheckRebar(const inp_Keyword& keyword, const KvoSimPosition& layer) {
+  for (const KvoSimPosition& line : layer.GetVector(eds_Member::Lines)) {
+    KvoSimDataRecord record = line.DataRecord();
+    const int direction = eds_formField(line.Object().RecordKind(), "direction");
+    if (record.IsMemberNull(direction)) continue;
+    const long long value = record.GetInt64(direction);
+    if (value == 1 || value == 2) continue;
+    Warning(keyword, "Invalid isoparametric direction value.. Default value of 1 will be used.");
+    record.SetInt(direction, 1);
+  }
+}
+
+// Behind the points of an arbitrary profile, one for each segment but the first, stands the
+// direction of the first axis.
+void inpS_SectionVisitor::MarkDirection(const inp_Keyword& keyword, const KvoSimPosition& section) {
+  static const int flag = eds_formField(eds_FormKind::ArbitrarySegment, "is_direction");
+  const int segments = eds_formField(section.Object().RecordKind(), "segments");
+  const auto lines = section.GetVector(eds_Member::Lines);
+  const auto points = section.DataRecord().GetInt64(segments) - 1;
+  if (points >= 0 && static_cast<long long>(lines.size()) == points + 1)
+    lines.back().DataRecord().SetBool(flag, true);
+  else if (points >= 0 && std::ssize(lines) != points)
+    Warning(keyword, "The profile has " + std::to_string(points + 1) + " segments, of which its " +
+                         "lines give " + std::to_string(lines.size() + 1) + ".");
+}
