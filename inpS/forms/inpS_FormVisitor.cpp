@@ -341,10 +341,13 @@ void inpS_FormVisitor::Tell(const inp_Keyword& keyword, wip_Message message) {
 inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
                                                 const cow_String& parameter) const {
   const auto binding = std::ranges::find(form.parameters, parameter, &inpS_ParameterBinding::key);
-  // Without the word that tells the kind of a procedure nobody knows what its lines mean.
-  if (binding == form.parameters.end())
-    return m_keywords.Row(form.keyword)->role == inp_KeywordRole::Procedure ? Loss::Lines
-                                                                            : Loss::Keyword;
+  if (binding == form.parameters.end()) {
+    if (m_keywords.Row(form.keyword)->role != inp_KeywordRole::Procedure) return Loss::Keyword;
+    // Without the word that tells the kind of a procedure nobody knows what its lines mean.
+    const bool chooses = std::ranges::find(form.selectors, parameter, &inpS_Form::Selector::key) !=
+                         form.selectors.end();
+    return chooses ? Loss::Lines : Loss::Parameter;
+  }
   const eds_FormItem& item =
       *form.items[static_cast<std::size_t>(binding - form.parameters.begin())];
   const eds_Referable* referable = item.alternatives.front().referable;

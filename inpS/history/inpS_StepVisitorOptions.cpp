@@ -21,6 +21,7 @@ constexpr Needs kNeeds[] = {
     {inp_KwFixedMassScaling, Need::Any, "factor dt", "neither FACTOR nor DT"},
     {inp_KwVariableMassScaling, Need::Any, "dt type", "no DT"},
     {inp_KwMonitor, Need::All, "node dof", "not both NODE and DOF"},
+    {inp_KwCorrelation, Need::Any, "psd user", "no power spectrum"},
     {inp_KwSteadyStateDynamics, Need::Lines, "", "no frequency"},
     {inp_KwRandomResponse, Need::Lines, "", "no frequency"},
     {inp_KwResponseSpectrum, Need::Lines, "", "no spectrum"},

@@ -47,6 +47,9 @@ void inpS_TimePointsVisitor::CheckTimes(const inp_Keyword& keyword, inp_Visitor&
   const bool generates = isGenerated(keyword);
   bool isFirst = true;
   double before = 0;
+  if (data.Rows() == 0)
+    messages.AddWarning(
+        inp_Utils::MessageInKeyword(keyword, "*TIME POINTS tells no times; it is kept as given."));
   for (long long row = 0; row < data.Rows(); ++row) {
     for (int col = 0, cols = data.Cols(row); col < cols; ++col) {
       if (!data.HasValue(row, col) || !data.IsNumber(row, col)) continue;

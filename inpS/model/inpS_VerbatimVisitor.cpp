@@ -205,9 +205,11 @@ inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keywo
   const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   Along at{m_place, block, told ? told->behind : KvoSimPosition()};
   if (told && !told->owner.IsNull()) at.place = {told->owner, levelUnder(told->owner)};
-  // A name's second definition goes behind the first one, which must come first again.
+  // A name's second definition goes behind the first one, which must come first again. Within a step
+  // that is kept as text it stays where it stands.
   const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind());
-  if (at.behind.IsNull() && named && inpS_block(block).HasForms())
+  const bool isOfTextStep = keyword.Scope().kind == inp_Scope::Kind::Step && m_step.IsNull();
+  if (at.behind.IsNull() && named && !isOfTextStep && inpS_block(block).HasForms())
     at.behind = at.place.owner.FollowStringKey(named->member, keyword.StringOf("name", ""));
   if (at.behind.IsNull() && inpS_block(block).HasForms()) at.behind = LastOf(at.place.owner, block);
   // The texts of a step stand in its order, where another amplitude would take it over.
