@@ -17,6 +17,41 @@ void tellBelow(const inp_Keyword& keyword, const char* parameter, const char* na
                                                       ". It is kept as given."));
 }
 
+// Of what values of a file are said: which of them, and how they come to this mesh.
+constexpr std::pair<const char*, const char*> ofFiles[] = {{"bstep", "B STEP"},
+                                                           {"binc", "B INC"},
+                                                           {"estep", "E STEP"},
+                                                           {"einc", "E INC"},
+                                                           {"step", "STEP"},
+                                                           {"inc", "INC"},
+                                                           {"midside", "MIDSIDE"},
+                                                           {"interpolate", "INTERPOLATE"},
+                                                           {"drivingelsets", "DRIVING ELSETS"}};
+
+void tellWithoutFile(const inp_Keyword& keyword, inp_Visitor& messages) {
+  const inp_KeywordEnm kind = keyword.Kind();
+  if (kind != inp_KwTemperature && kind != inp_KwField && kind != inp_KwPressureStress &&
+      kind != inp_KwInitialConditions)
+    return;
+  const auto number = [&](const char* parameter, int absent) {
+    const inp_Item* item = keyword.Find(parameter);
+    return item && item->IsInteger() ? item->AsInt() : absent;
+  };
+  const bool hasFile = keyword.HasParameter("file");
+  for (const auto& [parameter, name] : ofFiles)
+    if (!hasFile && keyword.HasParameter(parameter))
+      messages.AddWarning(inp_Utils::MessageAtParameter(
+          keyword, parameter,
+          cow_String(name) + " is about a file, and no FILE is given. It is kept as given."));
+  const int begin = number("bstep", 1);
+  const int end = number("estep", begin);
+  if (hasFile && (end < begin || (end == begin && number("einc", 1) < number("binc", 0) &&
+                                  keyword.HasParameter("einc"))))
+    messages.AddError(inp_Utils::MessageAtParameter(
+        keyword, keyword.HasParameter("estep") && end < begin ? "estep" : "einc",
+        "The file's values end before they begin. It is kept as given."));
+}
+
 } // namespace
 
 bool inpS_hasVariable(const inp_Keyword& keyword, inp_Visitor& messages) {
@@ -35,6 +70,7 @@ void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_FormNa
   if (inpS_saysYes(keyword, "real") && inpS_saysYes(keyword, "imaginary"))
     messages.AddWarning(inp_Utils::MessageAtParameter(
         keyword, "real", "REAL and IMAGINARY exclude each other; IMAGINARY holds."));
+  tellWithoutFile(keyword, messages);
   tellBelow(keyword, "loadcase", "LOAD CASE", 1, messages);
   tellBelow(keyword, "cyclicmode", "CYCLIC MODE", 0, messages);
   if (!keyword.HasParameter("refnode")) return;

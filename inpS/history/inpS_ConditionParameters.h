@@ -11,7 +11,7 @@ class inpS_FormNames;
 // that cannot is told, and the keyword is about nothing.
 bool inpS_hasVariable(const inp_Keyword& keyword, inp_Visitor& messages);
 
-// Tells REAL beside IMAGINARY, numbers of load cases and modes that are none, and a reference node
-// that is not there.
+// Tells REAL beside IMAGINARY, numbers of load cases and modes that are none, a reference node that
+// is not there, and what is said of a file that is not given.
 void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_FormNames& names,
                                    inp_Visitor& messages);
