@@ -16,16 +16,18 @@ constexpr std::pair<eds_RecordKind, eds_RecordKind> atPoints[] = {
     {Kind::InitialTemperature, Kind::InitialTemperatureAtPoints},
     {Kind::InitialField, Kind::InitialFieldAtPoints}};
 
-// Lines are looked at up to here: where all nodes have as many, the first ones tell. One that goes
-// on behind is told, and kept.
+// Lines are looked at up to here: where all nodes have as many, the first ones tell, be it that
+// nothing goes on in them, as in the decks that we write: a blank line behind eight fields. One
+// that goes on further behind is told, and kept.
 constexpr long long mostLooks = 4096;
 
 bool hasLinesThatGoOn(const inp_DataArray& data, int full) {
   const long long rows = std::min(data.Rows(), mostLooks);
-  for (long long row = 1; row < rows; ++row)
-    if (data.Cols(row - 1) >= full && data.HasValue(row - 1, full - 1) && data.Cols(row) > 0 &&
-        data.Type(row, 0) == inp_FieldType::Double)
-      return true;
+  for (long long row = 1; row < rows; ++row) {
+    if (data.Cols(row - 1) < full) continue;
+    if (inpS_KeywordReader::IsBlankRow(data, row)) return true;
+    if (data.HasValue(row - 1, full - 1) && data.Type(row, 0) == inp_FieldType::Double) return true;
+  }
   return false;
 }
 
