@@ -236,8 +236,15 @@ bool inpS_SectionVisitor::IsThere(const inp_Keyword& keyword, const inpS_Form& f
   const auto found = std::ranges::find(form.info->parameters, parameter, &eds_FormItem::name);
   const cow_String fault = inpS_faultOfName(*found, inpS_FormValue::Of(*item), Names());
   if (fault.empty()) return true;
-  AddError(
-      inp_Utils::MessageAtParameter(keyword, parameter, fault + " The keyword is kept as text."));
+  const eds_FormType type =
+      cow_String(parameter) == "node" ? eds_FormType::Node : eds_FormType::Element;
+  wip_Message message =
+      inp_Utils::MessageAtParameter(keyword, parameter, fault + " The keyword is kept as text.");
+  // That an instance's label has no place here is no fault of the deck.
+  if (Names().FindLabel(type, item->Verbatim()).isKnown)
+    AddWarning(std::move(message));
+  else
+    AddError(std::move(message));
   return false;
 }
 
@@ -303,10 +310,7 @@ class MatrixRows : public inpS_LineCheck {
 public:
   explicit MatrixRows(const inpS_SetVisitor& place)
       : m_occurrence(place.SpaceOf(inpS_SetVisitor::Kind::Nodes).occurrence),
-        m_labeler(place.LabelerOf(inpS_SetVisitor::Kind::Nodes)) {
-    // Those of parts alone have no labels here.
-    if (m_occurrence >= 0 && m_labeler.Labels(m_occurrence).Size() == 0) m_occurrence = -1;
-  }
+        m_labeler(place.LabelerOf(inpS_SetVisitor::Kind::Nodes)) {}
 
   bool IsSound(const inp_ColumnPiece& piece, Words) override {
     if (m_occurrence < 0) return true;
@@ -337,10 +341,12 @@ private:
 } // namespace
 
 // Decided here: rows stand whatever their nodes, for a matrix may be made for nodes that another
-// deck has; those with a label above 0 that are not there are told. Others are the matrix' own.
+// deck has; those with a label above 0 that are not there are told, where the model's nodes are in
+// no instances, whose labels a row cannot name. Others are the matrix' own.
 bool inpS_SectionVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                       const KvoSimPosition& record) {
-  if (keyword.Kind() != inp_KwMatrixInput || IsMeshLeftOut())
+  const bool hasInstances = !Inventory().GetDocument().GetModel().Occurences().empty();
+  if (keyword.Kind() != inp_KwMatrixInput || IsMeshLeftOut() || hasInstances)
     return inpS_FormVisitor::ReadColumns(keyword, form, record);
   MatrixRows rows(*this);
   const bool isWhole = inpS_ColumnReader(keyword, form, record, Names(), *this, &rows).Read();
