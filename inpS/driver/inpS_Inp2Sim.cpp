@@ -172,7 +172,7 @@ bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) try {
   const bcu_MarkScope mark("inp2sim-", "convert");
   const bool converted = RunPhases(Phases(), "inp2sim-", labelers);
   // Last: its texts stand in deck order behind everything that was converted.
-  const bool kept = KeepVerbatim(false);
+  const bool kept = KeepVerbatim(false, m_keywords);
   const bool derived = Derive();
   End();
   return converted && kept && derived;
@@ -214,7 +214,8 @@ bool inpS_Inp2Sim::ConvertRestart(const KvoObjDocument& document) try {
   }
   Labelers labelers;
   const bool converted = RunPhases(RestartPhases(), "inp2sim-", labelers);
-  const bool kept = KeepVerbatim(true); // last, as the phases tell what else goes with them
+  // Last, as the phases tell what else goes with them.
+  const bool kept = KeepVerbatim(true, m_keywords);
   const bool derived = Derive();
   End();
   return converted && kept && derived;
@@ -230,6 +231,14 @@ bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
   labelers.elements.emplace(document, 1);
   ProcessSteps(labelers);
   ProcessOutput(labelers);
+  // Of the steps nothing is lost that they do not make records of; the rest of the deck is the
+  // model's, which is there.
+  inp_KeywordList ofSteps;
+  for (const inp_Keyword& keyword : m_keywords)
+    if (keyword.Kind() == inp_KwStep || keyword.Kind() == inp_KwEndStep ||
+        keyword.Scope().kind == inp_Scope::Kind::Step)
+      ofSteps.push_back(keyword);
+  if (!ofSteps.empty()) KeepVerbatim(true, ofSteps);
   Derive();
   return true;
 } catch (...) {

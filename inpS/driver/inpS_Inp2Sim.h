@@ -91,7 +91,8 @@ private:
   bool ProcessModel();
   bool ProcessAssembly();
   void ListUnreadParameters();
-  bool KeepVerbatim(bool restart); // the keywords that nobody has taken
+  // The keywords that nobody has taken.
+  bool KeepVerbatim(bool restart, const inp_KeywordList& keywords);
   bool ReadNodeLabeler(Labelers& labelers);
   bool ReadElementLabeler(Labelers& labelers);
   bool ProcessAmplitudes();

@@ -175,13 +175,13 @@ bool Driver::ProcessAssembly() {
   return !visitor.IsError();
 }
 
-bool Driver::KeepVerbatim(bool restart) {
+bool Driver::KeepVerbatim(bool restart, const inp_KeywordList& keywords) {
   inpS_VerbatimVisitor visitor(m_inventory, m_ledger);
   if (restart) {
     visitor.ContinuePositions();
-    visitor.SettleSkeleton(m_keywords);
+    visitor.SettleSkeleton(keywords);
   }
-  visitor.VisitListAndReport(m_keywords);
+  visitor.VisitListAndReport(keywords);
   m_notModelled = visitor.AllKept();
   return !visitor.IsError();
 }

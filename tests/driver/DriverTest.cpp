@@ -300,7 +300,7 @@ TEST_F(Driver, StepsThatAreAddedGoOnWithTheHistory) {
   EXPECT_EQ(historyOf(document), (cow_List<cow_String>{"1 Step-1", "2 A"}));
   ASSERT_TRUE(Prepare("*STEP, NAME=A\n*VISCO\n0.5, 2.\n*END STEP\n").ConvertRestart(document));
   EXPECT_EQ(historyOf(document), (cow_List<cow_String>{"1 Step-1", "2 A-Old", "3 A"}));
-  ASSERT_TRUE(Prepare("*STEP, PERTURBATION\n*FREQUENCY\n4\n*END STEP\n")
+  ASSERT_TRUE(Prepare("*STEP, PERTURBATION\n*FREQUENCY\n4\n*NODE OUTPUT\nU\n*END STEP\n")
                   .ConvertSubstructureRecovery(document, "x"));
   const cow_List<cow_String> all = {"1 Step-1", "2 A-Old", "3 A", "4 Step-4"};
   EXPECT_EQ(historyOf(document), all);
@@ -313,7 +313,7 @@ TEST_F(Driver, StepsThatAreAddedGoOnWithTheHistory) {
   out.Flush();
   EXPECT_NE(
       deck.find("*STEP, NAME=A\n*STATIC\n*END STEP\n*STEP, NAME=A\n*VISCO\n0.5, 2.\n*END STEP\n"
-                "*STEP, PERTURBATION\n*FREQUENCY\n4\n*END STEP\n"),
+                "*STEP, PERTURBATION\n*FREQUENCY\n4\n*NODE OUTPUT\nU\n*END STEP\n"),
       cow_String::npos)
       << deck;
 }
