@@ -32,15 +32,19 @@ void printParameter(utl_Stream& out, const inpS_Form& form, std::size_t n,
   }
 }
 
-void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord& record,
-                  const inpS_KeptPart& beside, const KvoSrvFsmFTable& table) {
-  out << '*' << inp_KeywordTable::Instance().Row(form.keyword)->name;
-  for (std::size_t n = 0; n < form.parameters.size(); ++n) printParameter(out, form, n, record);
+void printSelectors(utl_Stream& out, const inpS_Form& form, const inpS_KeptPart& beside) {
   for (const inpS_Form::Selector& selector : form.selectors) {
     if (!selector.IsPrinted(beside.parameters)) continue;
     out << ", " << selector.name;
     if (!selector.text.empty()) out << '=' << selector.text;
   }
+}
+
+void printKeyword(utl_Stream& out, const inpS_Form& form, const KvoSimDataRecord& record,
+                  const inpS_KeptPart& beside, const KvoSrvFsmFTable& table) {
+  out << '*' << inp_KeywordTable::Instance().Row(form.keyword)->name;
+  for (std::size_t n = 0; n < form.parameters.size(); ++n) printParameter(out, form, n, record);
+  printSelectors(out, form, beside);
   if (!table.IsNull() && table.NumberFieldVariables() > 0)
     out << ", DEPENDENCIES=" << table.NumberFieldVariables();
   out << beside.parameters << '\n';
@@ -114,6 +118,12 @@ void printLines(utl_Stream& out, const inpS_Form& form, const KvoSimPosition& po
 
 } // namespace
 
+void inpS_printDataLines(utl_Stream& out, const KvoSimPosition& position,
+                         const inpS_KeptParts& parts) {
+  printLines(out, *inpS_FormTable::Instance().Find(position.Object().RecordKind()), position,
+             {parts, {}, {}, {}});
+}
+
 void inpS_printFormLines(utl_Stream& out, const KvoSimPosition& position,
                          const inpS_FormPrinting& printing) {
   const inpS_Form* form = inpS_FormTable::Instance().Find(position.Object().RecordKind());
@@ -152,6 +162,9 @@ void inpS_printKeywordWith(utl_Stream& out, const inpS_Form& form, const KvoSimP
       if (!text->second->empty()) out << '=' << *text->second;
     }
   }
-  if (!record.IsNull()) out << parts.FirstOf(record).parameters;
+  if (!record.IsNull()) {
+    printSelectors(out, form, parts.FirstOf(record));
+    out << parts.FirstOf(record).parameters;
+  }
   out << '\n';
 }

@@ -22,6 +22,9 @@ struct inpS_FormPrinting {
 // The keyword alone, with its lines.
 void inpS_printFormLines(utl_Stream& out, const KvoSimPosition& record,
                          const inpS_FormPrinting& printing);
+// The data lines of a form without columns and table.
+void inpS_printDataLines(utl_Stream& out, const KvoSimPosition& record,
+                         const inpS_KeptParts& parts);
 // A record of a form as the keyword that it was read from, or could be, with its sub-options.
 // Nothing for what is no form's.
 void inpS_printForm(utl_Stream& out, const KvoSimPosition& record,

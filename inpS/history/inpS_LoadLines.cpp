@@ -1,4 +1,5 @@
 #include "inpS/history/inpS_LoadLines.h"
+#include "database/KvoObjSurface.h"
 #include "inpS/forms/inpS_ColumnTargets.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
@@ -148,9 +149,24 @@ inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
   return known->second = against == types.end() ? nullptr : *against;
 }
 
+bool inpS_LoadLines::IsWithoutFaces(int target) {
+  if (target >= 0 || target == inp_blankInt || target == inpS_noTarget) return false;
+  const auto place = static_cast<std::size_t>(-1 - target);
+  if (place >= m_faces.size()) m_faces.resize(place + 1);
+  if (m_faces[place] == 0) {
+    const KvoSimDataRecord named = m_record.GetVector(eds_Member::Targets)[place].DataRecord();
+    const int type = named.GetReference(eds_Target_Set).DataRecord().GetSymb(eds_Surface_Type);
+    m_faces[place] = type == static_cast<int>(eds_SurfaceType::Element) ? 1 : 2;
+  }
+  return m_faces[place] == 2;
+}
+
 bool inpS_LoadLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (words[labelColumn]->All().empty()) return true;
   LabelAt(-1, words);
+  if (m_isOfSurfaces)
+    for (const int target : piece.columns[targetColumn].ints.first(piece.count))
+      if (IsWithoutFaces(target)) return false;
   if (m_valueColumn >= 0) {
     const auto column = static_cast<std::size_t>(m_valueColumn);
     if (inp_hasBlank(piece.columns[column].reals.first(piece.count))) return false;
@@ -188,6 +204,9 @@ std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line)
     return inpS_LineFault{-1, TextOf(label, *missing)};
   if (const Type type = TypeAgainst(label, line.slots[targetColumn]))
     return inpS_LineFault{labelColumn, TextOf(label, *type), false, false};
+  if (m_isOfSurfaces && IsWithoutFaces(line.slots[targetColumn]))
+    return inpS_LineFault{targetColumn, "The surface has no faces of elements to be loaded.", false,
+                          false};
   if (cow_String lack = LackOf(label, line); !lack.empty())
     return inpS_LineFault{-1, "The line gives no " + lack + ", which is 0.", false, false};
   if (const int surplus = SurplusOf(label, valueAt); surplus >= 0)

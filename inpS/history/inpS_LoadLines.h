@@ -43,6 +43,8 @@ private:
   template <class Value> int SurplusOf(const Label& label, const Value& valueAt) const;
   bool Takes(const Label& label, Type type) const;
   Type TypeAgainst(Label& label, int target); // null: none
+  // Whether the target is a surface of nodes, or of no mesh at all.
+  bool IsWithoutFaces(int target);
   // What the line ought to give and does not; empty: nothing.
   cow_String LackOf(const Label& label, const inpS_LineView& line) const;
   cow_String TextOf(const Label& label, const inpS_LoadLabel::Value& missing) const;
@@ -54,5 +56,6 @@ private:
   bool m_isOfSurfaces;
   int m_valueColumn; // of what makes a line act; -1: it may be left out, or a routine gives it
   inpS_LoadedElements& m_elements;
+  cow_List<char> m_faces;   // of surfaces, by place: 0 not known yet, 1 faces, 2 none
   cow_List<Label> m_labels; // as the column's words
 };

@@ -281,7 +281,8 @@ std::function<cow_List<cow_String>(long long row)> inpS_rowTexts(const eds_FormI
       Field::Values values;
       field->Read(row, 1, values);
       char* const begin = open->room.data();
-      texts.emplace_back(begin, field->Print(begin, values, 0));
+      for (std::size_t k = 0; k < field->PerRow(); ++k)
+        texts.emplace_back(begin, field->Print(begin, values, k));
     }
     return texts;
   };

@@ -24,11 +24,12 @@ cow_List<std::pair<int, int>> Runs(uint64_t degrees) {
   return runs;
 }
 
-void Add(cow_String& lines, const cow_List<cow_String>& fields) {
+void Add(cow_String& lines, const cow_List<cow_String>& fields, bool goesOn) {
+  constexpr std::size_t perLine = 8;
   std::size_t count = fields.size();
-  while (count > 0 && fields[count - 1].empty()) --count;
+  while (!goesOn && count > 0 && fields[count - 1].empty()) --count;
   for (std::size_t n = 0; n < count; ++n) {
-    if (n > 0) lines += ", ";
+    if (n > 0) lines += goesOn && n % perLine == 0 ? ",\n" : ", ";
     lines += fields[n];
   }
   if (count > 0) lines += '\n';

@@ -232,12 +232,13 @@ bool inpS_ExcitationPrinter::IsTakenBack(const Kind& kind, long long variable,
                                          const KvoSimPosition& step) {
   return std::ranges::any_of(step.FollowMap(eds_Member::StepKeywords),
                              [&](const KvoSimPosition& one) {
-                               if (one.Object().RecordKind() != kind.form) return false;
+                               const Kind* given = Kind::Of(one.Object().RecordKind());
+                               if (!given || given->number != kind.number) return false;
                                const KvoSimDataRecord record = one.DataRecord();
-                               if (kind.variable >= 0 && record.GetInt64(kind.variable) != variable)
+                               if (given->variable >= 0 && given->VariableOf(record) != variable)
                                  return false;
-                               return (kind.op >= 0 && record.GetString(kind.op) == "NEW") ||
-                                      (kind.remove >= 0 && record.GetBool(kind.remove));
+                               return (given->op >= 0 && record.GetString(given->op) == "NEW") ||
+                                      (given->remove >= 0 && record.GetBool(given->remove));
                              });
 }
 

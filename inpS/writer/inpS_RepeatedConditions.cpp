@@ -8,16 +8,25 @@
 #include "inpS/writer/inpS_AmplitudeSpan.h"
 #include "inpS/writer/inpS_ColumnPrinter.h"
 #include "inpS/writer/inpS_ConditionLines.h"
+#include <algorithm>
 
 using Kind = inpS_ExcitationKind;
 using Piece = inpS_InForce::Piece;
 
+namespace {
+
+bool goesOn(const Kind& kind) {
+  return kind.info->columnItems.back().isRepeated;
+}
+
+} // namespace
+
 bool inpS_RepeatedConditions::IsMeant(const inpS_InForce::Source& source, const Kind& kind,
                                       long long variable, int step, bool isPerturbation) const {
-  if (source.kind != &kind || !source.loadCase.IsNull()) return false;
+  if (source.kind->number != kind.number || !source.loadCase.IsNull()) return false;
   if (source.firstStep >= step || source.lastStep < step) return false;
   if (isPerturbation && kind.lasting != Kind::Lasting::Held) return false;
-  return kind.variable < 0 || source.record.DataRecord().GetInt64(kind.variable) == variable;
+  return kind.variable < 0 || source.kind->VariableOf(source.record.DataRecord()) == variable;
 }
 
 bool inpS_RepeatedConditions::Print(utl_Stream& out, const Kind& kind, long long variable, int step,
@@ -28,19 +37,39 @@ bool inpS_RepeatedConditions::Print(utl_Stream& out, const Kind& kind, long long
   for (std::size_t place = 0; place < m_inForce->Sources().size(); ++place) {
     const inpS_InForce::Source& source = m_inForce->Sources()[place];
     if (!IsMeant(source, kind, variable, step, isPerturbation)) continue;
-    const cow_String lines = LinesOf(place, step, pieces, scope);
-    if (lines.empty() && source.rows > 0) continue; // later ones have taken all of it
+    const bool hasColumns = source.kind->info->data == eds_FormData::Columns;
+    const cow_String lines = hasColumns ? LinesOf(place, step, pieces, scope) : cow_String();
+    const bool isLeft =
+        hasColumns ? source.rows == 0 || !lines.empty() : IsLeft(place, step, pieces);
+    if (!isLeft) continue; // later ones have taken all of it
     inpS_ParameterTexts changed{{"OP", "NEW"}};
-    if (kind.amplitude >= 0)
-      if (const auto amplitude = source.record.DataRecord().GetReference(kind.amplitude);
+    if (source.kind->amplitude >= 0)
+      if (const auto amplitude = source.record.DataRecord().GetReference(source.kind->amplitude);
           !amplitude.IsNull() && !inpS_isOverTotalTime(amplitude))
         changed["AMPLITUDE"] = std::nullopt;
-    inpS_printKeywordWith(out, *inpS_FormTable::Instance().Find(kind.form), source.record, m_parts,
-                          changed);
-    out << lines;
+    inpS_printKeywordWith(out, *inpS_FormTable::Instance().Find(source.kind->form), source.record,
+                          m_parts, changed);
+    if (hasColumns)
+      out << lines;
+    else
+      inpS_printDataLines(out, source.record, m_parts);
     hasPrinted = true;
   }
   return hasPrinted;
+}
+
+// Of one that is about all at once; later ones that have taken some of it follow.
+bool inpS_RepeatedConditions::IsLeft(std::size_t place, int step,
+                                     inpS_InForce::Pieces& pieces) const {
+  const inpS_InForce::Source& source = m_inForce->Sources()[place];
+  inpS_ConditionRows rows(source.record, *source.kind);
+  inpS_ConditionTargets targets(source.record, *source.kind);
+  inpS_ConditionRow row;
+  if (!rows.Next(row)) return false;
+  const cow_List<Piece>* parts = pieces.Of(place, 0, row, targets);
+  return !parts || std::ranges::any_of(*parts, [&](const Piece& piece) {
+    return piece.firstStep <= step && piece.lastStep >= step;
+  });
 }
 
 cow_String inpS_RepeatedConditions::LinesOf(std::size_t place, int step,
@@ -48,7 +77,6 @@ cow_String inpS_RepeatedConditions::LinesOf(std::size_t place, int step,
                                             const inpS_DeckScope& scope) {
   const inpS_InForce::Source& source = m_inForce->Sources()[place];
   cow_String lines;
-  if (source.kind->info->data != eds_FormData::Columns) return lines;
   inpS_ConditionRows rows(source.record, *source.kind);
   inpS_ConditionTargets targets(source.record, *source.kind);
   const auto texts = inpS_rowTexts(*source.kind->info, source.record, m_labels, scope);
@@ -56,7 +84,7 @@ cow_String inpS_RepeatedConditions::LinesOf(std::size_t place, int step,
   for (long long at = 0; rows.Next(row); ++at) {
     if (row.degrees == 0) continue;
     const cow_List<Piece>* parts = pieces.Of(place, at, row, targets);
-    if (!parts) inpS_ConditionLines::Add(lines, texts(at));
+    if (!parts) inpS_ConditionLines::Add(lines, texts(at), goesOn(*source.kind));
     if (parts)
       for (const Piece& piece : *parts)
         if (piece.firstStep <= step && piece.lastStep >= step)
@@ -70,11 +98,11 @@ void inpS_RepeatedConditions::AddPiece(cow_String& lines, const Kind& kind,
                                        cow_List<cow_String> fields) const {
   const auto addDegrees = [&] {
     if (piece.degrees == row.degrees || kind.first < 0)
-      return inpS_ConditionLines::Add(lines, fields);
+      return inpS_ConditionLines::Add(lines, fields, goesOn(kind));
     for (const auto& [first, last] : inpS_ConditionLines::Runs(piece.degrees)) {
       fields[static_cast<std::size_t>(kind.first)] = std::to_string(first);
       if (kind.last >= 0) fields[static_cast<std::size_t>(kind.last)] = std::to_string(last);
-      inpS_ConditionLines::Add(lines, fields);
+      inpS_ConditionLines::Add(lines, fields, goesOn(kind));
     }
   };
   if (!piece.members) return addDegrees();

@@ -25,6 +25,7 @@ public:
 private:
   bool IsMeant(const inpS_InForce::Source& source, const inpS_ExcitationKind& kind,
                long long variable, int step, bool isPerturbation) const;
+  bool IsLeft(std::size_t place, int step, inpS_InForce::Pieces& pieces) const;
   cow_String LinesOf(std::size_t place, int step, inpS_InForce::Pieces& pieces,
                      const inpS_DeckScope& scope);
   void AddPiece(cow_String& lines, const inpS_ExcitationKind& kind, const inpS_ConditionRow& row,

@@ -176,6 +176,34 @@ TEST_F(WrittenExcitations, GivenOnesAreRepeated) {
             "*CLOAD\n7, 3, 1.\n*END STEP\n");
 }
 
+// Other forms of the keyword, too: values that go on over lines, what a file maps, what a parameter
+// chooses.
+TEST_F(WrittenExcitations, GivenOnesOfOtherFormsAreRepeated) {
+  const cow_String values = "1., 2., 3., 4., 5., 6., 7.,\n8.\n";
+  KvoObjDocument model =
+      Open(DeckOf({"*STEP\n*STATIC\n*TEMPERATURE, FILE=before, DRIVING ELSETS\nSOLID\n"
+                   "*TEMPERATURE\nTOP, " +
+                       values +
+                       "*MOTION, TRANSLATION\n1, 1, 2, 3.\n"
+                       "*MOTION, ROTATION, TYPE=VELOCITY\nTOP, 3., 0., 0., 0., 0., 0., 1.\n"
+                       "*FIELD\n1, 5.\n2, 6.\n",
+                   "*STEP\n*STATIC\n*TEMPERATURE\n8, 5.\n*FIELD\n1, 7.\n", "*STEP\n*STATIC\n"}));
+  for (const Own& own : {Own{"TEMPERATURE", "NT", nullptr, 1, 2, nullptr, 1, 4.},
+                         {"MOTION", "U_D", "C_3", 1, 2, nullptr, 8, 4.},
+                         {"FIELD", "FV1", nullptr, 1, 2, nullptr, 3, 4.}})
+    Add(model, own);
+  Finish(model);
+  const cow_String deck = Written();
+  EXPECT_EQ(deck.substr(deck.rfind("*STEP")),
+            "*STEP\n*STATIC\n*TEMPERATURE, OP=NEW, FILE=\"before\", DRIVING ELSETS\nSOLID\n"
+            "*TEMPERATURE, OP=NEW\n5, " +
+                values + "6, " + values + "7, " + values +
+                "*TEMPERATURE, OP=NEW\n8, 5.\n"
+                "*MOTION, OP=NEW, TRANSLATION\n1, 1, 2, 3.\n"
+                "*MOTION, OP=NEW, TYPE=VELOCITY, ROTATION\nTOP, 3., 0., 0., 0., 0., 0., 1.\n"
+                "*FIELD, OP=NEW\n2, 6.\n*FIELD, OP=NEW\n1, 7.\n*END STEP\n");
+}
+
 // A keyword of the step takes back another program's, too, and those that go on are given again.
 TEST_F(WrittenExcitations, GoOnBehindANewKeyword) {
   KvoObjDocument model =
