@@ -297,13 +297,11 @@ bool inpS_FormVisitor::IsNameFree(const inp_Keyword& keyword, const KvoSimPositi
   const KvoSimPosition known = NamesIn(owner).FollowStringKey(named->member, name->AsString());
   if (known.IsNull()) return true;
   // What stands outside of the steps is read, and written, before them, wherever it stood.
-  const bool isOutside = owner == m_step && !(known.Parent() == m_step) &&
-                         !eds_formOf(known.Parent().Object().RecordKind());
-  Warning(keyword, "*" + keyword.Name() + " \"" + name->AsString() +
-                       (isOutside ? "\" is defined outside of the steps, too; that one holds, "
-                                    "this one is kept as text."
-                                  : "\" is defined a second time; the first one holds, this one is "
-                                    "kept as text."));
+  const bool isOutside = owner == m_step && known.Parent() == Model();
+  Warning(keyword,
+          "*" + keyword.Name() + " \"" + name->AsString() + "\" is defined " +
+              (isOutside ? "outside of the steps, too; that one" : "a second time; the first one") +
+              " holds, this one is kept as text.");
   return false;
 }
 
@@ -472,13 +470,10 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
     if (form.parameters[n].codec == inpS_Codec::Item)
       if (const inp_Item* item = keyword.Find(form.parameters[n].key))
         ReadItem(keyword, form.parameters[n], *form.items[n], *item, record);
-  const cow_List<cow_String> unknown = inpS_unknownWords(keyword);
-  for (const inpS_Form::Selector& selector : form.selectors) {
-    if (selector.isField) continue;
-    keyword.Find(selector.key);
-    if (std::ranges::find(unknown, selector.key) != unknown.end())
-      keyword.LeaveUnread(selector.key);
-  }
+  for (const inpS_Form::Selector& selector : form.selectors)
+    if (!selector.isField) keyword.Find(selector.key);
+  for (const cow_String& unknown : inpS_unknownWords(keyword))
+    if (!form.Binds(unknown)) keyword.LeaveUnread(unknown);
   form.LeaveOddChoices(keyword, *this);
   keyword.Find("input"); // the parser has read that file's lines
 }
