@@ -16,9 +16,7 @@
 
 namespace {
 
-bool isBlankLine(const inp_DataArray& data, long long row) {
-  return inpS_KeywordReader::IsBlankRow(data, row);
-}
+constexpr auto isBlankLine = inpS_KeywordReader::IsBlankRow;
 
 constexpr bool convertsWithinSteps(inpS_Phase phase) {
 #define INPS_STEP_PHASE(keyword, name)                                                             \
@@ -199,15 +197,9 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
       may && (!form->HasTable() || rows.Read(keyword, *form, *this, ColumnsOf(keyword, *form)));
   if (!hasRows) {
     // Of rows that are not there nobody has told yet.
-    if (!form && !isToldLost) {
-      KeepAsText(keyword, owner, parent, false, owner.IsNull() ? "" : ReasonOfNone(keyword));
-      return {};
-    }
-    const bool isMute = may && inpS_isWithoutLines(keyword, std::ssize(form->info->lines));
-    KeepAsText(keyword, owner, parent, !isMute,
-               !isMute                        ? ""
-               : inpS_isWithoutLines(keyword) ? "has no data lines"
-                                              : "has no data lines behind the first");
+    cow_String reason = may ? inpS_reasonWithoutRows(keyword, *form->info) : "";
+    if (!form && !isToldLost && !owner.IsNull()) reason = ReasonOfNone(keyword);
+    KeepAsText(keyword, owner, parent, reason.empty() && (form || isToldLost), reason);
     return {};
   }
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());

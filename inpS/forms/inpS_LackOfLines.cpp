@@ -18,3 +18,8 @@ bool inpS_lacksLines(const inp_Keyword& keyword, const eds_FormInfo& form) {
   if (form.data == eds_FormData::Records) return hasUsual(eds_formOf(form.record)->lines.front());
   return form.data == eds_FormData::Columns && hasUsual(form.columnItems);
 }
+
+const char* inpS_reasonWithoutRows(const inp_Keyword& keyword, const eds_FormInfo& form) {
+  if (!inpS_isWithoutLines(keyword, std::ssize(form.lines))) return "";
+  return inpS_isWithoutLines(keyword) ? "has no data lines" : "has no data lines behind the first";
+}
