@@ -91,11 +91,12 @@ cow_String totalAmplitudes(Kinds kinds) {
 cow_String inForce(Kinds kinds) {
   using Kind = eds_RecordKind;
   if (!has(kinds, {Kind::Excitation, Kind::Relay, Kind::HistoryStep}))
-    return nothing({"step",       "step_name", "excitation", "keyword",         "field",
-                    "components", "restraint", "label",      "region",          "instance",
-                    "target",     "magnitude", "amplitude",  "amplitude_ended", "from_step",
-                    "how",        "load_case", "imaginary",  "given_kind",      "given",
-                    "first_row",  "rows",      "members"});
+    return nothing(
+        {"step",      "step_name",       "excitation", "keyword",  "field",     "components",
+         "restraint", "label",           "region",     "instance", "target",    "magnitude",
+         "amplitude", "amplitude_ended", "from_step",  "how",      "load_case", "load_case_number",
+         "imaginary", "fixed",           "given_kind", "given",    "first_row", "rows",
+         "members"});
   return "\nWITH total AS (" + totalAmplitudes(kinds) + ")" + R"(
 SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS keyword, e.field,
   ifnull(r.components, e.components) AS components, e.restraint, e.label,
@@ -107,7 +108,8 @@ SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS ke
   CASE WHEN e.step = h.number THEN 'given' WHEN h.perturbation = 1
     OR h.registration = 'REGISTERED_TASK' THEN 'held' ELSE 'carried' END
     AS how,
-  e.load_case_name AS load_case, ifnull(e.imaginary, 0) AS imaginary, e.given_kind, e.given,
+  e.load_case_name AS load_case, e.load_case_number, ifnull(e.imaginary, 0) AS imaginary,
+  ifnull(e.fixed, 0) AS fixed, e.given_kind, e.given,
   r.first_row, ifnull(r.rows, 1) AS rows, r.members
 FROM v_history_step h
   JOIN v_relay r ON r.first_step <= h.number AND h.number <= ifnull(r.last_step, h.number)

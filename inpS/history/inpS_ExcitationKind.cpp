@@ -128,8 +128,9 @@ uint64_t inpS_ExcitationKind::BlankDegree() const {
 
 bool inpS_ExcitationKind::IsGivenElsewhere(const KvoSimDataRecord& record) const {
   const bool isAboutDegrees = key == Key::Degrees || key == Key::Degree;
-  return (user >= 0 && record.GetBool(user)) || (submodel >= 0 && record.GetBool(submodel)) ||
-         (isAboutDegrees && file >= 0 && !record.GetString(file).empty());
+  for (const int flag : {user, submodel, fixed})
+    if (flag >= 0 && record.GetBool(flag)) return true;
+  return isAboutDegrees && file >= 0 && !record.GetString(file).empty();
 }
 
 bool inpS_ExcitationKind::IsOfNodes() const {

@@ -230,6 +230,8 @@ inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, cow_String
   if (key.label >= 0) record.SetString(eds_Excitation_Label, current.rows.Label(key.label));
   record.SetInt(eds_Excitation_Step, source.firstStep);
   if (!source.loadCase.IsNull()) record.SetReference(eds_Excitation_LoadCase, source.loadCase);
+  if (kind.loadCase >= 0 && !given.IsMemberNull(kind.loadCase))
+    record.SetInt(eds_Excitation_LoadCaseNumber, given.GetInt(kind.loadCase));
   if (kind.amplitude >= 0)
     if (const KvoSimPosition amplitude = given.GetReference(kind.amplitude); !amplitude.IsNull())
       record.SetReference(eds_Excitation_Amplitude, amplitude);

@@ -110,7 +110,10 @@ bool inpS_BoundaryLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   for (; m_knownWords < all.size(); ++m_knownWords)
     m_areWordsKnown = m_areWordsKnown && IsWord(all[m_knownWords]);
   const int most = m_isFixed ? mostFixed : mostDegree;
-  bool isSound = m_areWordsKnown;
+  bool isSound =
+      m_areWordsKnown &&
+      !(m_isFixed && piece.given > valueColumn &&
+        !std::ranges::all_of(piece.columns[valueColumn].reals.first(piece.count), inp_isBlankReal));
   const std::span<const int> first = piece.columns[firstColumn].ints;
   const std::span<const int> last = piece.columns[lastColumn].ints;
   for (std::size_t n = 0; n < piece.count; ++n) {
@@ -155,6 +158,10 @@ std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& l
   if (last != inp_blankInt && last < first)
     return inpS_LineFault{lastColumn, "The last degree of freedom, " + std::to_string(last) +
                                           ", is below the first, " + std::to_string(first) + "."};
+  if (m_isFixed && line.Has(valueColumn))
+    return inpS_LineFault{valueColumn,
+                          "FIXED holds what is there; the value is kept, and means nothing.", false,
+                          false};
   return {};
 }
 

@@ -59,9 +59,9 @@ long long countSteps(const KvoObjDocument& document) {
 bool isOfSubstructures(inp_KeywordEnm keyword) {
   return keyword == inp_KwSubstructureMatrixOutput || keyword == inp_KwElementMatrixOutput ||
          keyword == inp_KwElementOperatorOutput || keyword == inp_KwSubstructureOutput ||
-         keyword == inp_KwElementRecoveryMatrix || keyword == inp_KwNodeRecoveryMatrix || keyword == inp_KwRetainedNodalDofs ||
-         keyword == inp_KwRetainedEigenmodes || keyword == inp_KwSubstructureLoadCase ||
-         keyword == inp_KwFlexibleBody;
+         keyword == inp_KwElementRecoveryMatrix || keyword == inp_KwNodeRecoveryMatrix ||
+         keyword == inp_KwRetainedNodalDofs || keyword == inp_KwRetainedEigenmodes ||
+         keyword == inp_KwSubstructureLoadCase || keyword == inp_KwFlexibleBody;
 }
 
 cow_String extrapolationOf(const KvoSimPosition& step) {

@@ -1,8 +1,10 @@
 #include "inpS/model/inpS_RestartDefinitions.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "inpS/forms/inpS_Blocks.h"
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "inpS/messages/inpS_LocatedText.h"
+#include "parser/inp_KeywordTable.h"
 #include "parser/inp_Parser.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -184,12 +186,26 @@ void checkReading(const inp_Keyword& keyword, inp_Visitor& messages) {
   messages.LeaveOut("place of a restart");
 }
 
+// Kept as text it would stand before all steps of the written deck, and act in them.
+bool isBeforeSteps(const inp_Keyword& keyword) {
+  const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
+  return row && !keyword.IsSuboption() && keyword.Scope().kind != inp_Scope::Kind::Step &&
+         inpS_block(row->block).member == eds_Member::InitialConditions;
+}
+
 } // namespace
 
-bool inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model,
+bool inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model, bool hasSteps,
                        inp_Visitor& messages) {
   const bool isModels = keyword.Scope().kind == inp_Scope::Kind::Model;
   if (keyword.IsInstanceCopy()) return true;
+  if (hasSteps && isBeforeSteps(keyword)) {
+    messages.AddError(inp_Utils::MessageInKeyword(
+        keyword, "The model that is restarted has steps, and what acts before them is its own; the "
+                 "keyword is left out."));
+    messages.LeaveOut("condition before the first step");
+    return false;
+  }
   if (keyword.Kind() == inp_KwPart || keyword.Kind() == inp_KwInstance)
     return checkOwner(keyword, model, messages);
   if (keyword.Kind() == inp_KwAssembly) checkAssembly(keyword, model, messages);

@@ -32,6 +32,7 @@ private:
 
 // A restart goes on with the assembly, parts and instances of its model, under its heading and
 // behind all of its steps: tells of a part or an instance that the model does not have or that has
-// no name, of another placement, name of the assembly or heading, and of a step to begin from.
-// False: the keyword is not taken.
-bool inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model, inp_Visitor& messages);
+// no name, of another placement, name of the assembly or heading, of a step to begin from, and of
+// conditions before steps that are there. False: the keyword is not taken.
+bool inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model, bool hasSteps,
+                       inp_Visitor& messages);

@@ -101,10 +101,16 @@ void inpS_VerbatimVisitor::ContinuePositions() {
 }
 
 void inpS_VerbatimVisitor::SettleSkeleton(const inp_KeywordList& keywords) {
+  const KvoObjModel model = m_inventory.GetDocument().GetModel();
+  std::ptrdiff_t baseSteps = std::ssize(model.Position().GetVector(eds_Member::Steps));
+  for (const inp_Keyword& keyword : keywords)
+    if (keyword.Kind() == inp_KwStep && m_ledger.RecordOf(keyword)) --baseSteps;
   for (const inp_Keyword& keyword : keywords) {
     if (const KvoSimPosition* record = m_ledger.RecordOf(keyword))
       m_added.insert(record->Object().Packed());
-    const bool isTaken = inpS_checkRestart(keyword, m_inventory.GetDocument().GetModel(), *this);
+    const bool isTaken = inpS_checkRestart(keyword, model, baseSteps > 0, *this);
+    if (!isTaken && inpS_subjectOf(keyword.Kind()) != inpS_Subject::Skeleton)
+      m_ledger.LeaveOut(keyword);
     if (inpS_subjectOf(keyword.Kind()) != inpS_Subject::Skeleton || keyword.IsInstanceCopy() ||
         keyword.Scope().kind == inp_Scope::Kind::Step)
       continue;
@@ -205,8 +211,8 @@ inpS_VerbatimVisitor::Along inpS_VerbatimVisitor::AtOwn(const inp_Keyword& keywo
   const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   Along at{m_place, block, told ? told->behind : KvoSimPosition()};
   if (told && !told->owner.IsNull()) at.place = {told->owner, levelUnder(told->owner)};
-  // A name's second definition goes behind the first one, which must come first again. Within a step
-  // that is kept as text it stays where it stands.
+  // A name's second definition goes behind the first one, which must come first again. Within a
+  // step that is kept as text it stays where it stands.
   const eds_Referable* named = inpS_FormTable::Instance().Named(keyword.Kind());
   const bool isOfTextStep = keyword.Scope().kind == inp_Scope::Kind::Step && m_step.IsNull();
   if (at.behind.IsNull() && named && !isOfTextStep && inpS_block(block).HasForms())

@@ -70,10 +70,10 @@ private:
   int m_ownBlock = 0; // of the last keyword that goes with no other one
   // The last record of an owner's block of those that phases spoke of; the owner: none.
   cow_Map<std::pair<unsigned long long, int>, KvoSimPosition> m_records;
-  cow_Map<std::pair<unsigned long long, int>, bool> m_written;  // by owner and block
+  cow_Map<std::pair<unsigned long long, int>, bool> m_written; // by owner and block
   // By owner, block and what they stand behind, if that counts.
   cow_Map<std::pair<unsigned long long, std::pair<int, unsigned long long>>, int> m_positions;
-  std::unordered_map<const inp_KeywordBody*, Along> m_along;    // sub-options of what is kept
+  std::unordered_map<const inp_KeywordBody*, Along> m_along; // sub-options of what is kept
   inpS_PlaceCheck m_places;
   cow_List<inpS_NotModelled> m_kept;
   struct Untold { // keywords of one name of which nobody has said why they are kept

@@ -183,13 +183,12 @@ def facts(path):
     model = Model(path)
     made = collections.Counter()
     acting = model.rows("SELECT * FROM v_in_force")
-    fixed = dict(map(tuple, model.rows("SELECT name, fixed FROM v_excitation"))) if acting else {}
     for row in acting:
         keyword = row["keyword"]
         kind = KINDS[keyword][0]
         family = f"FIELD {row['field'][2:]}" if keyword == "FIELD" else keyword
         degrees, manner = degrees_of(row)
-        if fixed[row["excitation"]]:
+        if row["fixed"]:
             manner = "FIXED"
         amplitude = row["amplitude"] or row["amplitude_ended"]
         rest = (amplitude, bool(row["amplitude_ended"]), row["from_step"], row["how"],
@@ -204,11 +203,11 @@ def facts(path):
         if row["rows"] == 1:
             for target in model.targets(row, kind):
                 for degree in degrees:
-                    add(target, degree, row["magnitude"] or 0.0)
+                    add(target, degree, row["magnitude"] if row["fixed"] else row["magnitude"] or 0.0)
             continue
         for target, value in model.run(row, degrees):
             for degree in degrees:
-                add(target, degree, value)
+                add(target, degree, row["magnitude"] if row["fixed"] else value)
     model.db.close()
     # Two lines of a condition that say the same are both there, and are one.
     for fact in made:

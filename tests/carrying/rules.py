@@ -140,7 +140,7 @@ def entries_of(mesh, keyword, step):
     for fields, place in zip(keyword.lines, keyword.places) if of else [([], 0)]:
         targets, degrees, value = read_line(mesh, keyword, fields)
         if keyword.name in MOTIONS:
-            value = (manner, 0.0 if manner == "FIXED" else value)
+            value = (manner, None if manner == "FIXED" else value)
         for target in targets:
             for degree in degrees:
                 where = (family(keyword), target, degree, "IMAGINARY" in words)

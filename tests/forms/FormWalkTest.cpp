@@ -477,6 +477,19 @@ TEST_F(FormWalk, LinesBeyondAPiece) {
   }
 }
 
+// In a written deck all rows take two lines then, and the one that says so stands far behind.
+TEST_F(FormWalk, OneRowOfManyGoesOn) {
+  constexpr int rows = 3000;
+  cow_String deck = "*NODE\n1, 0., 0., 0.\n*STEP\n*STATIC\n*TEMPERATURE\n";
+  for (int row = 1; row < rows; ++row) deck += "1, 1.\n";
+  deck += "1, 1., 2., 3., 4., 5., 6., 7.\n8.5\n*END STEP\n";
+  ProgramRun({"convert", Deck("a.inp", deck), "-o", File("a.sim")});
+  ProgramRun({"write", File("a.sim"), "-o", File("b.inp")});
+  const ProgramRun again({"convert", File("b.inp"), "-o", File("b.sim")});
+  EXPECT_EQ(again.exitCode, 0) << again.err;
+  EXPECT_EQ(ProgramRun({"diff", File("a.sim"), File("b.sim")}).exitCode, 0);
+}
+
 // A parameter that the vocabulary does not have would never be read, a block without a member hold
 // nothing, and a text without its name help nobody.
 TEST_F(FormWalk, RowsAreWhole) {

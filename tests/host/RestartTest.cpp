@@ -206,7 +206,8 @@ TEST_F(Restart, LeavesOutSuboptionsOfMaterialsThatTheModelHas) {
 TEST_F(Restart, TellsWhatItsBaseDoesNotTake) {
   const cow_String base = "*HEADING\nfirst\n*PART, NAME=P\n*NODE\n1, 0., 0., 0.\n*END PART\n"
                           "*PART, NAME=P2\n*END PART\n*ASSEMBLY, NAME=A\n"
-                          "*INSTANCE, NAME=I, PART=P\n1., 0., 2.\n*END INSTANCE\n*END ASSEMBLY\n";
+                          "*INSTANCE, NAME=I, PART=P\n1., 0., 2.\n*END INSTANCE\n*END ASSEMBLY\n"
+                          "*STEP\n*STATIC\n*END STEP\n";
   ASSERT_EQ(ProgramRun({"convert", Deck("base.inp", base), "-o", File("base.sim")}).exitCode, 0);
   const auto inInstance = [](const cow_String& parameters) {
     return "*ASSEMBLY, NAME=A\n*INSTANCE" + parameters +
@@ -240,6 +241,8 @@ TEST_F(Restart, TellsWhatItsBaseDoesNotTake) {
        "all that stands in it.",
        "1 part"},
       {"*HEADING\nsecond\n", ":1:1: warning: The model keeps the heading of its base", "1 heading"},
+      {"*INITIAL CONDITIONS, TYPE=TEMPERATURE\nQ, 1.\n*STEP\n*STATIC\n*END STEP\n",
+       ":1:1: error: The model that is restarted has steps", "1 condition before the first step"},
       {"*RESTART, READ, INC=5\n", "warning: A restart goes on behind the last step of its model",
        "1 place of a restart"}};
   for (const Case& one : cases) {
