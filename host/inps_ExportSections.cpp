@@ -108,9 +108,11 @@ void inps_ExportSections::PaintThickness(
   const int64_t flatNodes = m_mesh.Mesh().GetNodeCollection().ID();
   const int64_t flatElements = m_mesh.Mesh().GetElementCollection().ID();
   const auto collect = [&](const KvoSimPosition& holder, int32_t section, double factor) {
+    bool isAny = false;
     for (const KvoSimPosition& position : holder.GetVector(eds_Member::Fields)) {
       const KvoObjField field(position);
       if (field.Name() != "thickness") continue;
+      isAny = true;
       for (const KvoSimDistribution& data : field.GetData()) {
         if (data.IsNull() || data.Grid().IsNull()) continue; // of a damaged file
         Varying& varying = all[data.ID()];
@@ -126,10 +128,12 @@ void inps_ExportSections::PaintThickness(
                             varying.isByNode ? eds_Instance_FirstNode : eds_Instance_FirstElement));
       }
     }
+    return isAny;
   };
   for (const auto& [number, ignored] : assignments) {
     const inpS_SectionDescription& of = m_sections[static_cast<std::size_t>(number)];
-    collect(of.section, number, 1);
+    // Of plies it is a share of the whole shell's, where that is given.
+    if (collect(of.section, number, 1)) continue;
     for (const KvoSimPosition& ply : of.section.GetVector(eds_Member::Lines))
       collect(ply, number, of.isSymmetric ? 2 : 1);
   }

@@ -113,6 +113,16 @@ cow_String inpS_ExcitationKind::PartOf(const KvoSimDataRecord& record) const {
   if (degree >= 0) part += "," + std::to_string(record.GetInt64(degree));
   if (degree >= 0 && baseName >= 0) part += "," + record.ReturnString(baseName);
   if (form == eds_FormKind::MotionRotation) part += "R"; // beside a translation
+  // Surfaces, elements and nodes have numbers of their own.
+  if (form == eds_FormKind::FluidBoundarySurface) part += "S";
+  if (form == eds_FormKind::FluidBoundaryElement) part += "E";
+  if (form == eds_FormKind::FluidBoundaryPhysical) {
+    part += "P";
+    for (const KvoSimPosition& line : record.Pos().GetVector(eds_Member::Lines)) {
+      const int surface = eds_formField(line.Object().RecordKind(), "surface");
+      part += "," + std::to_string(line.DataRecord().GetReference(surface).Object().Packed());
+    }
+  }
   return part + "\n";
 }
 

@@ -53,7 +53,9 @@ void takeStep(const KvoSimDataRecord& history, inpS_InForce& inForce) {
   KvoSimPosition loadCase;
   for (const std::size_t n : order) {
     const eds_RecordKind form = records[n].Object().RecordKind();
-    if (form == eds_FormKind::LoadCase) loadCase = records[n];
+    // One of a substructure goes on to the next one, or to the end of the step.
+    if (form == eds_FormKind::LoadCase || form == eds_FormKind::SubstructureLoadCase)
+      loadCase = records[n];
     if (form == eds_FormKind::EndLoadCase) loadCase = {};
     if (const Kind* kind = Kind::Of(form)) given.push_back({records[n], kind, loadCase});
   }

@@ -72,10 +72,11 @@ unsigned inpS_SectionData::SectionDimensions(const cow_List<KvoSimPosition>& spe
 
 cow_List<KvoSimPosition> inpS_SectionData::SectionOwners(const KvoObjDocument& document) {
   const KvoObjModel model = document.GetModel();
-  cow_List<KvoSimPosition> owners{model.Position()};
+  cow_List<KvoSimPosition> owners;
   for (const KvoSimPosition& part : model.Parts()) owners.push_back(part);
   for (const KvoSimPosition& instance : model.Occurences()) owners.push_back(instance);
   if (!model.GetAssembly().IsNull()) owners.push_back(model.GetAssembly());
+  owners.push_back(model.Position());
   return owners;
 }
 

@@ -8,6 +8,7 @@
 #include "parser/inp_Utils.h"
 #include <algorithm>
 #include <map>
+#include <numeric>
 
 namespace {
 
@@ -106,8 +107,15 @@ void inpS_SectionInventory::TellDoubled(const inpS_Ledger& ledger, inp_Visitor& 
       }
     }
   };
+  // The order in which sections hold, wherever they stand: of parts, instances, assembly, model.
+  cow_List<std::size_t> order(m_sections.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::stable_sort(order, {}, [&](std::size_t n) {
+    const inp_Scope::Kind kind = m_sections[n].keyword.Scope().kind;
+    return kind == inp_Scope::Kind::Model ? 2 : kind == inp_Scope::Kind::Assembly ? 1 : 0;
+  });
   const auto tellWithin = [&](bool isFlat) {
-    for (std::size_t n = 0; n < m_sections.size(); ++n) {
+    for (const std::size_t n : order) {
       const Section& section = m_sections[n];
       const auto key = section.space.Object().Packed();
       if (section.set.IsNull() || (key == model) != isFlat || !ledger.RecordOf(section.keyword))

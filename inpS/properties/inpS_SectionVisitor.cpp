@@ -208,11 +208,15 @@ void inpS_SectionVisitor::CheckStackDirection(const inp_Keyword& keyword) {
 
 // The stiffness may be given by a distribution, whose name stands alone.
 bool inpS_SectionVisitor::CheckShellStiffness(const inp_Keyword& keyword) {
-  constexpr int stiffnessLines = 3; // eight values on each of the first two
+  constexpr int onLine[] = {8, 8, 5};
   const inp_DataArray& data = keyword.Data();
   const bool isNamed =
       data.Rows() > 0 && data.Cols(0) > 0 && data.Type(0, 0) == inp_FieldType::String;
-  if (isNamed || valuesOnLines(data, stiffnessLines) >= 21) return true;
+  int values = 0;
+  for (long long row = 0; row < std::min(std::ssize(onLine) + 0LL, data.Rows()); ++row)
+    for (int col = 0; col < std::min(onLine[row], data.Cols(row)); ++col)
+      values += data.HasValue(row, col);
+  if (isNamed || values == 21) return true;
   Error(keyword, "Shell stiffness matrix requires 21 elements. The keyword is kept as text.");
   return false;
 }

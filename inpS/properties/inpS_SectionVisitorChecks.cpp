@@ -196,7 +196,7 @@ void inpS_SectionVisitor::CheckRebar(const inp_Keyword& keyword, const KvoSimPos
     if (record.IsMemberNull(direction)) continue;
     const long long value = record.GetInt64(direction);
     if (value == 1 || value == 2) continue;
-    Warning(keyword, "Invalid isoparametric direction value.. Default value of 1 will be used.");
+    Warning(keyword, "Invalid isoparametic direction value.. Default value of 1 will be used.");
     record.SetInt(direction, 1);
   }
 }

@@ -379,7 +379,7 @@ class Exports(unittest.TestCase):
             "*MATERIAL, NAME=STEEL\n*DENSITY\n1.,\n*MATERIAL, NAME=FOAM\n*DENSITY\n1.,\n"
             "*NODAL THICKNESS\nALL, 0.5\n54, 0.9\n"
             "*DISTRIBUTION TABLE, NAME=L\nLENGTH\n*DISTRIBUTION TABLE, NAME=P\nCOORD3D, COORD3D\n"
-            "*DISTRIBUTION, NAME=PLY, LOCATION=ELEMENT, TABLE=L\n3, 0.125\n"
+            "*DISTRIBUTION, NAME=PLY, LOCATION=ELEMENT, TABLE=L\n3, 0.125\n4, 0.25\n"
             "*DISTRIBUTION, NAME=WHOLE, LOCATION=ELEMENT, TABLE=L\n, 3.\n1, 9.\n"
             "*DISTRIBUTION, NAME=POINTS, LOCATION=ELEMENT, TABLE=P\n, 1., 0., 0., 0., 1., 0.\n"
             "4, 0., 0., 1., 1., 0., 0.\n"
@@ -392,7 +392,8 @@ class Exports(unittest.TestCase):
             "*SHELL SECTION, ELSET=E2, COMPOSITE, SYMMETRIC, ORIENTATION=ROUND\n"
             "0.25, 3, STEEL\n0.5, 3, FOAM\n"
             "*SHELL SECTION, ELSET=E3, COMPOSITE, ORIENTATION=PLAIN\n0.5, 3, FOAM\nPLY, 3, FOAM\n"
-            "*SHELL SECTION, ELSET=E4, MATERIAL=STEEL, SHELL THICKNESS=WHOLE, ORIENTATION=VARIES\n1., 5\n"
+            "*SHELL SECTION, ELSET=E4, COMPOSITE, SHELL THICKNESS=WHOLE, ORIENTATION=VARIES\n"
+            "1., 3, STEEL\nPLY, 3, STEEL\n"
             "*SHELL SECTION, ELSET=E6, MATERIAL=FOAM, NODAL THICKNESS, ORIENTATION=BALL\n1., 5\n")
         grid = self.export(deck, "--axes", "--sets")
         cells, facts = grid.GetCellData(), grid.GetFieldData()
