@@ -430,7 +430,8 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
       return false;
     }
     const inp_KeywordEnm definer = inpS_FormTable::Instance().DefinerOf(referable);
-    const bool isText = definer != inp_NullKeyword && Inventory().Names(definer, item->AsString());
+    const bool isText =
+        definer != inp_NullKeyword && Inventory().NamesFor(keyword, definer, item->AsString());
     if (const Loss lost = LossOf(form, parameter.key); lost != Loss::Keyword) {
       missing.push_back({parameter.key,
                          isText ? nameOf(definer) + " \"" + item->AsString() + "\" is kept as text."

@@ -92,6 +92,11 @@ bool hasNonZeroZ(const inp_DataArray& data) {
                      [](const inp_DataSegment& segment) { return hasNonZeroZ(segment); });
 }
 
+// That it stands in; empty: in none.
+cow_String partOf(const inp_Keyword& keyword) {
+  return keyword.Scope().kind == inp_Scope::Kind::Part ? keyword.Scope().name : cow_String();
+}
+
 } // namespace
 
 inpS_Inventory::inpS_Inventory() = default;
@@ -192,14 +197,22 @@ void inpS_Inventory::Visit(const inp_Keyword& keyword) {
   const auto index = static_cast<std::size_t>(keyword.Kind());
   if (index < naming.size() && naming[index])
     if (const inp_Item* name = keyword.Find("name"))
-      m_names.emplace(keyword.Kind(), name->AsString());
+      m_names[{keyword.Kind(), name->AsString()}].insert(partOf(keyword));
   if (keyword.Kind() == inp_KwSurface && staysText(keyword))
-    m_names.emplace(inp_KwSurface, keyword.StringOf("name", ""));
+    m_names[{inp_KwSurface, keyword.StringOf("name", "")}].insert(partOf(keyword));
   inp_Visitor::Visit(keyword);
 }
 
 bool inpS_Inventory::Names(inp_KeywordEnm kind, const cow_String& name) const {
   return m_names.contains({kind, name});
+}
+
+bool inpS_Inventory::NamesFor(const inp_Keyword& from, inp_KeywordEnm kind,
+                              const cow_String& name) const {
+  const auto known = m_names.find({kind, name});
+  return known != m_names.end() &&
+         (from.Scope().kind != inp_Scope::Kind::Part || known->second.contains("") ||
+          known->second.contains(from.Scope().name));
 }
 
 // An annealing step is treated as explicit whatever its parameters: a deliberate simplification.

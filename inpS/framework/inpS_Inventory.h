@@ -41,6 +41,8 @@ public:
   const cow_String& InputDir() const { return m_inputDir; }
   // Whether some keyword of the kind has the name, of those to which others refer by it.
   bool Names(inp_KeywordEnm kind, const cow_String& name) const;
+  // Such a one as a keyword that stands there may mean: what is another part's it does not see.
+  bool NamesFor(const inp_Keyword& from, inp_KeywordEnm kind, const cow_String& name) const;
   const KvoObjDocument& GetDocument() const { return m_document; }
 
   inpS_RestartKind RestartKind() const { return m_restartKind; }
@@ -116,7 +118,8 @@ private:
   cow_String m_heading;
   cow_String m_assemblyName;
   cow_String m_inputDir;
-  std::set<std::pair<inp_KeywordEnm, cow_String>> m_names;
+  // And the parts that they are names of; empty: of the model, the assembly or an instance.
+  cow_Map<std::pair<inp_KeywordEnm, cow_String>, std::set<cow_String>> m_names;
   long long m_nodeCount = 0;
   cow_Map<cow_String, long long> m_elementCounts;
   cow_Map<cow_String, PartFacts> m_parts;

@@ -87,7 +87,7 @@ bool inpS_OrientationVisitor::HasDistribution(const inp_Keyword& keyword, long l
   const cow_String folded = inp_Utils::Fold(name);
   AddWarning(inp_Utils::MessageAtField(
       keyword, row, col,
-      Inventory().Names(inp_KwDistribution, folded)
+      Inventory().NamesFor(keyword, inp_KwDistribution, folded)
           ? "*DISTRIBUTION \"" + folded +
                 "\" is kept as text; so is this keyword, which refers to it."
           : inp_Utils::Format(cow_String(distribution.missing).c_str(), folded.c_str()) +
