@@ -289,7 +289,12 @@ bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
   const inpS_TextPlace* told = m_ledger.TextOf(keyword);
   if (told && !told->owner.IsNull()) return false;
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
-  if (keyword.ParentKind() == inp_NullKeyword) return row && row->levels == inp_LevelsSub;
+  if (keyword.ParentKind() == inp_NullKeyword) {
+    const bool isOfJoint = // of a joint that stands before it, where it has no elements of its own
+        (keyword.Kind() == inp_KwSpring || keyword.Kind() == inp_KwDashpot) &&
+        !keyword.HasParameter("elset");
+    return isOfJoint || (row && row->levels == inp_LevelsSub);
+  }
   // Of an amplitude without a name, of a material that could not be opened.
   const inp_KeywordRow* parent = inp_KeywordTable::Instance().Row(keyword.ParentKind());
   const auto isOfMaterials = [](const inp_KeywordRow* one) {
