@@ -290,8 +290,9 @@ bool inpS_VerbatimVisitor::IsStray(const inp_Keyword& keyword) const {
   if (told && !told->owner.IsNull()) return false;
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (keyword.ParentKind() == inp_NullKeyword) {
-    const bool isOfJoint = // of a joint that stands before it, where it has no elements of its own
-        (keyword.Kind() == inp_KwSpring || keyword.Kind() == inp_KwDashpot) &&
+    // Without elements of its own it would be that of a joint that is written before it.
+    const bool isOfJoint =
+        inp_KeywordTable::Instance().IsSuboptionOf(keyword.Kind(), inp_KwJoint) &&
         !keyword.HasParameter("elset");
     return isOfJoint || (row && row->levels == inp_LevelsSub);
   }
