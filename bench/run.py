@@ -311,12 +311,21 @@ def measure_materials(bench, processors, count):
 
 
 def measure_steps(bench, processors, count):
-    """A step is its procedure and what stands in the history for it, too."""
-    _, inps = bench.convert(bench.deck("steps", count), processors)
-    _, back = bench.write(processors, bare=False)
-    for what, best in (("convert", inps), ("write", back)):
-        bench.row(f"{what} {count} steps of five procedures, a step",
-                  f"{best.seconds / count * 1e6:.1f} µs", "30 µs")
+    """A step is its procedure and what stands in the history for it, too. Memory is flat when a later
+    step takes no more of it than an earlier one."""
+    best, peaks = {}, {"convert": [], "write": []}
+    for steps in (count, 2 * count, 4 * count):
+        _, inps = bench.convert(bench.deck("steps", steps), processors)
+        _, back = bench.write(processors, bare=False)
+        for what, run in (("convert", inps), ("write", back)):
+            peaks[what].append(run.peak)
+            best.setdefault(what, run)
+    for what, (once, twice, fourfold) in peaks.items():
+        row = f"{what} {count} steps of five procedures"
+        bench.row(f"{row}, a step", f"{best[what].seconds / count * 1e6:.1f} µs", "30 µs")
+        bench.row(f"{row}, memory a step", f"{(fourfold - once) / (3 * count) / 1e3:.1f} KB", "4 KB")
+        bench.row(f"{row}, memory of a step among {4 * count} to one among {2 * count}",
+                  f"{(fourfold - twice) / 2 / (twice - once):.2f} times", "1.1 times")
 
 
 def measure_table(bench, processors, rows):
