@@ -72,6 +72,7 @@ cow_String foldLists(std::string_view text) {
       ++items;
     }
     if (folded > 0) {
+      if (text[end - 1] == '.') --end; // the sentence's, behind its last item
       out += text.substr(begin, folded - begin);
       out += " … and " + std::to_string(items - mostItems) + " more";
       begin = end;

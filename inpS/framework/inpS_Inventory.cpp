@@ -22,7 +22,8 @@ cow_List<bool> findNaming() {
     const auto index = static_cast<std::size_t>(row.kind);
     if (index >= naming.size()) naming.resize(index + 1);
     naming[index] = std::ranges::find(eds_referables(), row.suffix, &eds_Referable::keyword) !=
-                    eds_referables().end();
+                        eds_referables().end() ||
+                    row.kind == inp_KwEnrichment;
   }
   return naming;
 }

@@ -73,6 +73,7 @@ private:
 
   // Names that are kept as words: inpS_StepVisitorNames.cpp.
   void CheckNames(const inp_Keyword& keyword);
+  void CheckEnrichment(const inp_Keyword& keyword);
   bool IsThere(const eds_Referable& referable, const cow_String& asWritten);
 
   // Of fluid dynamics.

@@ -1,3 +1,4 @@
+#include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_StepVisitor.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
@@ -41,7 +42,20 @@ bool inpS_StepVisitor::IsThere(const eds_Referable& referable, const cow_String&
   return definer != inp_NullKeyword && Inventory().Names(definer, inp_Utils::Fold(asWritten));
 }
 
+// Of regions whose elements may crack.
+void inpS_StepVisitor::CheckEnrichment(const inp_Keyword& keyword) {
+  static const int field = eds_formField(eds_FormKind::Enrichment, "name");
+  const inp_Item* name = keyword.Find("name");
+  if (!name || Inventory().Names(inp_KwEnrichment, name->AsString())) return;
+  const KvoSimContext context = Inventory().GetDocument().Context();
+  for (const KvoSimPosition& one : context.GetRecords(eds_FormKind::Enrichment))
+    if (inp_Utils::Fold(one.DataRecord().ReturnString(field)) == name->AsString()) return;
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "name", "*ENRICHMENT \"" + name->AsString() + "\" has not been defined."));
+}
+
 void inpS_StepVisitor::CheckNames(const inp_Keyword& keyword) {
+  if (keyword.Kind() == inp_KwEnrichmentActivation) return CheckEnrichment(keyword);
   const inp_DataArray& data = keyword.Data();
   for (const Use& use : kUses) {
     if (use.keyword != keyword.Kind()) continue;

@@ -109,16 +109,18 @@ void inpS_DistributionReader::TakeLines(const Piece& piece) {
     line.values = std::span(values).first(fields - 1);
     if (odd != piece.odd.end() && odd->slot == static_cast<long long>(n)) {
       line.fault = ReadOdd(odd->row, line.target, line.first, std::span(values).first(fields - 1));
+      line.surplus = m_surplus;
       ++odd;
     }
     AddLine(line);
   }
 }
 
-// By the general road.
+// By the general road. What stands behind the fields of a line is counted.
 inpS_DistributionReader::Fault inpS_DistributionReader::ReadOdd(long long row, int& target,
                                                                 double& first,
                                                                 std::span<double> values) {
+  m_surplus = 0;
   const inp_DataArray& data = m_keyword.Data();
   const bool hasTarget = data.Cols(row) > 0 && data.HasValue(row, 0);
   target = hasTarget ? m_targets.Of(data, row, 0) : inp_blankInt;
@@ -130,25 +132,37 @@ inpS_DistributionReader::Fault inpS_DistributionReader::ReadOdd(long long row, i
     values[k] = hasValue && data.IsNumber(row, col) ? data.AsDouble(row, col) : inp_blankReal;
     if (hasValue && !data.IsNumber(row, col) && fault == Fault::None) fault = Fault::Word;
   }
-  for (int col = static_cast<int>(values.size()) + 1; col < data.Cols(row); ++col)
-    if (data.HasValue(row, col) && fault == Fault::None) fault = Fault::TooMany;
+  for (int col = static_cast<int>(values.size()) + 1; col < data.Cols(row); ++col) {
+    if (!data.HasValue(row, col)) continue;
+    m_surplus = static_cast<std::size_t>(col) - values.size();
+    if (fault == Fault::None) fault = Fault::TooMany;
+  }
   return fault;
 }
 
-// A row takes as many lines as its values do; a line that holds more than it still lacks begins the
-// next one.
+// A row takes as many lines as its values do; a full line that holds more than it still lacks
+// begins the next one. More fields than a line has, or than the row lacks, cost the row, and none
+// behind it: one that has such a line goes on with what stands on a row's last line.
 void inpS_DistributionReader::AddLine(const Line& line) {
   std::size_t given = line.values.size();
   while (given > 0 && inp_isBlankReal(line.values[given - 1])) --given;
-  if (m_open && m_values.size() + 1 + given > m_components.size()) CloseRow();
+  const std::size_t fields = 1 + given + line.surplus;
+  const std::size_t onLast = m_components.size() % kFieldsPerLine + 1;
+  bool isSurplus = m_open && m_values.size() + fields > m_components.size();
+  if (isSurplus && fields >= kFieldsPerLine && !(m_fault == Fault::TooMany && fields == onLast)) {
+    CloseRow();
+    isSurplus = false;
+  }
   if (m_open)
     m_values.push_back(line.first);
   else
     BeginRow(line);
   m_values.insert(m_values.end(), line.values.begin(),
                   line.values.begin() + static_cast<std::ptrdiff_t>(given));
-  if (m_fault == Fault::None && line.fault != Fault::None) {
-    m_fault = line.fault;
+  m_values.resize(m_values.size() + line.surplus, inp_blankReal);
+  const Fault fault = isSurplus ? Fault::TooMany : line.fault;
+  if (m_fault == Fault::None && fault != Fault::None) {
+    m_fault = fault;
     m_line = line.row;
   }
   if (!IsWrapped() || m_values.size() >= m_components.size()) CloseRow();
@@ -238,6 +252,7 @@ void inpS_DistributionReader::TellFaults() {
     line.row = row;
     line.values = std::span(values).first(fields - 1);
     line.fault = ReadOdd(row, line.target, line.first, std::span(values).first(fields - 1));
+    line.surplus = m_surplus;
     AddLine(line);
     TellRows();
   }
@@ -292,6 +307,11 @@ void inpS_DistributionReader::TellMissing(std::size_t n) {
 void inpS_DistributionReader::TellField(long long row, Fault fault) {
   const inp_DataArray& data = m_keyword.Data();
   int col = fault == Fault::Word ? 1 : static_cast<int>(LineTypes().size());
+  if (col >= data.Cols(row)) { // of a row's last line
+    m_messages.AddWarning(inp_Utils::MessageAtRow(
+        m_keyword, row, cow_String("The row has more values than it can have.") + kKept));
+    return;
+  }
   while (!data.HasValue(row, col) || (fault == Fault::Word && data.IsNumber(row, col))) ++col;
   const cow_String text = fault == Fault::Word
                               ? "\"" + data.AsStringVerbatim(row, col) + "\" is no number."

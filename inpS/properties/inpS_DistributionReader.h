@@ -34,6 +34,7 @@ private:
     int target = inp_blankInt;
     double first = inp_blankReal; // the field of the target, as a number
     std::span<const double> values;
+    std::size_t surplus = 0; // fields behind those that a line has
     long long row = -1;
     Fault fault = Fault::None;
   };
@@ -71,6 +72,7 @@ private:
   bool m_open = false; // the last row goes on
   int m_target = inp_blankInt;
   cow_List<double> m_values; // of the open row
+  std::size_t m_surplus = 0; // of the line last read by the general road
   Fault m_fault = Fault::None;
   long long m_line = -1;
   long long m_count = 0; // rows that are stored

@@ -66,6 +66,12 @@ int inpS_DistributionTable::FirstComponent(int column) const {
   return first;
 }
 
+int inpS_DistributionTable::FirstComponentOf(std::string_view fieldType) const {
+  for (int column = 0; column < NumFieldTypes(); ++column)
+    if (FieldTypeName(FieldType(column)) == fieldType) return FirstComponent(column);
+  return -1;
+}
+
 int inpS_DistributionTable::TotalNumComponents() const {
   return FirstComponent(NumFieldTypes());
 }

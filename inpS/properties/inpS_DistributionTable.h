@@ -23,6 +23,7 @@ public:
   int FieldType(int column) const;               // its place in the list of the twelve
   cow_String ColumnName(int column) const;       // "LENGTH"; "MODULUS1" where there are several
   int FirstComponent(int column) const;          // among all components of a row
+  int FirstComponentOf(std::string_view fieldType) const; // of its first column; -1: there is none
   int TotalNumComponents() const;                // of a row
   cow_List<cow_String> GetAllComponents() const; // their names: "RATIO", "COORD3D1_2"
 

@@ -2,6 +2,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
+#include "inpS/properties/inpS_DistributionTable.h"
 #include "inpS/sets/inpS_ScopedField.h"
 #include "parser/inp_DataArray.h"
 #include <algorithm>
@@ -183,6 +184,16 @@ KvoSimPosition inpS_OrientationData::AnglesOf(const KvoSimPosition& record) {
   if (record.IsA(eds_FormKind::OrientationUser)) return {};
   return record.DataRecord().GetReference(
       eds_formField(record.Object().RecordKind(), "angle_distribution"));
+}
+
+cow_String inpS_OrientationData::FaultOfAngles(const KvoSimPosition& record) {
+  const KvoSimPosition angles = AnglesOf(record);
+  if (angles.IsNull()) return {};
+  const cow_String name = "distribution \"" + angles.Name() + "\"";
+  if (!angles.IsA(eds_FormKind::DistributionByElement))
+    return "varies over elements, and " + name + " is not by element";
+  if (inpS_DistributionTable::Of(angles).FirstComponentOf("ANGLE") >= 0) return {};
+  return "takes its angles from " + name + ", whose table has no column ANGLE";
 }
 
 bool inpS_OrientationData::IsByElement(const KvoSimPosition& record) {

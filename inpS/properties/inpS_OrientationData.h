@@ -35,6 +35,9 @@ struct inpS_OrientationData {
   // none.
   static KvoSimPosition PointsOf(const KvoSimPosition& record);
   static KvoSimPosition AnglesOf(const KvoSimPosition& record);
+  // Why the distribution can give no angles, as "takes its angles from ..."; empty: it can, or
+  // there is none.
+  static cow_String FaultOfAngles(const KvoSimPosition& record);
   // Whether its axes are those of elements: by such a distribution, or by the elements' nodes.
   static bool IsByElement(const KvoSimPosition& record);
   static std::string_view NameOf(System system); // as decks have it

@@ -88,28 +88,18 @@ bool inpS_OrientationFixupVisitor::CheckDistributions(const inp_Keyword& keyword
            inpS_DistributionTable::FieldTypeName(table.FieldType(column)) == type;
   };
   const KvoSimPosition points = inpS_OrientationData::PointsOf(orientation);
-  const KvoSimPosition angles = inpS_OrientationData::AnglesOf(orientation);
-  if (!points.IsNull()) {
-    const inpS_DistributionTable table = inpS_DistributionTable::Of(points);
-    if (!has(table, 0, "COORD3D") || !has(table, 1, "COORD3D")) {
-      Error(keyword, "Orientation distribution table expects a distribution with first and second "
-                     "columns to be COORD3D");
-      return false;
-    }
-  }
-  if (!angles.IsNull() && !has(inpS_DistributionTable::Of(angles), 0, "ANGLE")) {
-    Error(keyword, "The angle of orientation " + orientation.Name() +
-                       " comes from a distribution whose first column is no ANGLE.");
+  if (points.IsNull()) return true;
+  const inpS_DistributionTable table = inpS_DistributionTable::Of(points);
+  if (!has(table, 0, "COORD3D") || !has(table, 1, "COORD3D")) {
+    Error(keyword, "Orientation distribution table expects a distribution with first and second "
+                   "columns to be COORD3D");
     return false;
   }
-  for (const KvoSimPosition& one : {points, angles}) {
-    if (one.IsNull() || one.IsA(eds_FormKind::DistributionByElement)) continue;
-    Error(keyword, "Orientation " + orientation.Name() +
-                       " varies over elements, and distribution \"" + one.Name() +
-                       "\" is not by element.");
-    return false;
-  }
-  return true;
+  if (points.IsA(eds_FormKind::DistributionByElement)) return true;
+  Error(keyword, "Orientation " + orientation.Name() +
+                     " varies over elements, and distribution \"" + points.Name() +
+                     "\" is not by element.");
+  return false;
 }
 
 // Of a part's orientation that of the instance, else the only one; what has no axes but those of
@@ -147,6 +137,8 @@ inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, const Place
   const KvoSimPosition angles = inpS_OrientationData::AnglesOf(orientation);
   Source pointSource(points, offsetOf(points));
   Source angleSource(angles, offsetOf(angles));
+  const int angle =
+      angles.IsNull() ? 0 : inpS_DistributionTable::Of(angles).FirstComponentOf("ANGLE");
   Lacking lacking;
   double to[3][3] = {};
   if (points.IsNull() && data.definition != inpS_OrientationData::Definition::OffsetToNodes)
@@ -166,8 +158,9 @@ inpS_OrientationFixupVisitor::Fix(const KvoSimPosition& orientation, const Place
     angleSource.Read(members);
     quats.resize(4 * count);
     for (std::size_t n = 0; n < count; ++n) {
-      const char* fault = maker.Make(piece[n], pointSource ? pointSource.Row(n) : nullptr,
-                                     angleSource ? *angleSource.Row(n) : data.angle, &quats[4 * n]);
+      const char* fault =
+          maker.Make(piece[n], pointSource ? pointSource.Row(n) : nullptr,
+                     angleSource ? angleSource.Row(n)[angle] : data.angle, &quats[4 * n]);
       if (!fault) continue;
       std::fill_n(&quats[4 * n], 4, std::numeric_limits<double>::quiet_NaN());
       if (lacking.count++ == 0) lacking = {1, piece[n] - first, fault};
@@ -192,6 +185,7 @@ void inpS_OrientationFixupVisitor::FixOrientation(const inp_Keyword& keyword,
   if (record.IsNull() || !inpS_OrientationData::IsByElement(record)) return; // another of that name
   eds_MemberSet members;
   if (!GetElementSetMembers(elset, members) || members.IsEmpty()) return;
+  if (!inpS_OrientationData::FaultOfAngles(record).empty()) return; // told where it is defined
   if (!CheckDistributions(keyword, record)) return;
   const bool isModels = record.Parent() == Model();
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());

@@ -100,6 +100,7 @@ void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_F
   const bool isTransform = keyword.Kind() == inp_KwTransform;
   if (keyword.Kind() != inp_KwOrientation && !isTransform) return;
   if (form.kind != eds_FormKind::OrientationUser && !isTransform) CheckLocalDirections(keyword);
+  if (!isTransform && !CheckAngles(keyword, record)) return;
   if (!isTransform) NoteDistributions(keyword, record);
   if (form.kind == eds_FormKind::OrientationByDistribution) return; // in the second pass
   const cow_String fault = m_systems.Derive(record, Holder());
@@ -107,6 +108,18 @@ void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_F
     Warning(keyword, "No local axes can be made of *" + keyword.Name() + " " +
                          (isTransform ? "" : "in an instance of the part ") + "(" + fault +
                          "); what the deck says is kept.");
+}
+
+// Without its angles it has no axes: those that it turns would be wrong ones.
+bool inpS_OrientationVisitor::CheckAngles(const inp_Keyword& keyword,
+                                          const KvoSimPosition& record) {
+  const cow_String fault = inpS_OrientationData::FaultOfAngles(record);
+  if (fault.empty()) return true;
+  AddError(inp_Utils::MessageAtField(keyword, 1, 1,
+                                     "Orientation " + record.Name() + " " + fault +
+                                         "; what the deck says is kept, and no local axes are made "
+                                         "of it."));
+  return false;
 }
 
 bool inpS_OrientationVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,

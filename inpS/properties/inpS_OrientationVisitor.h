@@ -29,6 +29,7 @@ private:
   // Whether the field is no name, or that of a distribution; what is missing is told.
   bool HasDistribution(const inp_Keyword& keyword, long long row, int col);
   void NoteDistributions(const inp_Keyword& keyword, const KvoSimPosition& record);
+  bool CheckAngles(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckLocalDirections(const inp_Keyword& keyword);
 
   inpS_OrientationSystems m_systems;

@@ -13,7 +13,9 @@ inpS_SectionData::inpS_SectionData(const KvoObjDocument& document, const KvoSimP
   const bool ofPart = owner.IsA(eds_RecordKind::Part);
   for (const KvoMeshElementBlock& block : m_mesh.ElementBlocks(ofPart ? owner : KvoSimPosition())) {
     const long long first = ofPart ? block.first : block.flatFirst;
-    if (first >= 0) m_blocks.push_back({first, block.count, block.spec});
+    if (first >= 0)
+      m_blocks.push_back({first, block.count, block.spec, block.width, ofPart ? 0 : block.nodeBase,
+                          block.connectivity});
   }
   std::ranges::sort(m_blocks, {}, &Block::first);
 }
@@ -54,20 +56,68 @@ cow_List<KvoSimPosition> inpS_SectionData::FindElementSpecs(const eds_MemberSet&
   return specs;
 }
 
+// By runs of elements that follow each other within a block; each piece sheds its doubles.
+eds_MemberSet inpS_SectionData::NodesOf(const eds_MemberSet& members) const {
+  constexpr long long most = 8192;
+  const eds_MemberSet sorted = members.AscendingSet();
+  cow_List<int32_t> nodes, piece;
+  long long n = 0;
+  for (const Block& block : m_blocks) {
+    while (n < sorted.Size() && sorted[n] < block.first) ++n;
+    if (n == sorted.Size() || block.width == 0 || sorted[n] >= block.first + block.count) continue;
+    eds_ArrayReader reader(block.connectivity);
+    while (n < sorted.Size() && sorted[n] < block.first + block.count) {
+      const long long begin = n++;
+      while (n < sorted.Size() && n - begin < most && sorted[n] == sorted[n - 1] + 1 &&
+             sorted[n] < block.first + block.count)
+        ++n;
+      piece.resize(static_cast<std::size_t>((n - begin) * block.width));
+      reader.ReadPiece(sorted[begin] - block.first, std::span(piece));
+      std::ranges::sort(piece);
+      piece.erase(std::unique(piece.begin(), piece.end()), piece.end());
+      for (const int32_t node : piece)
+        if (node >= 0) nodes.push_back(static_cast<int32_t>(node + block.nodeBase));
+    }
+  }
+  return eds_MemberSet::Ascending(std::move(nodes));
+}
+
 unsigned inpS_SectionData::SectionDimensions(const cow_List<KvoSimPosition>& specs) {
   static const auto byName = [] {
-    std::unordered_map<std::string_view, inp_SectionDimension> all;
-    for (const inp_ElementInfo& info : inp_elementTable()) all.emplace(info.name, info.section);
+    std::unordered_map<std::string_view, unsigned> all;
+    for (const inp_ElementInfo& info : inp_elementTable())
+      all.emplace(info.name,
+                  info.section == inp_SectionDimension::Solid2D && info.Is(inp_ElemAxisymmetric)
+                      ? kAxisymmetric
+                      : 1u << static_cast<unsigned>(info.section));
     return all;
   }();
   unsigned dimensions = 0;
   for (const KvoSimPosition& spec : specs) {
     const cow_String name = spec.DataRecord().ReturnString(eds_ElementSpec_Name);
     const auto known = byName.find(name);
-    const auto dimension = known == byName.end() ? inp_SectionDimension::Unknown : known->second;
-    dimensions |= 1u << static_cast<unsigned>(dimension);
+    dimensions |= known == byName.end() ? 1u : known->second;
   }
   return dimensions;
+}
+
+cow_List<cow_String> inpS_SectionData::PlaneFamilies(const cow_List<KvoSimPosition>& specs) {
+  constexpr std::pair<std::string_view, std::string_view> families[] = {
+      {"CPS", "plane stress"}, {"CPEG", "generalized plane strain"}, {"CPE", "plane strain"}};
+  cow_List<cow_String> found;
+  cow_List<std::string_view> met;
+  for (const KvoSimPosition& spec : specs) {
+    const cow_String name = spec.DataRecord().ReturnString(eds_ElementSpec_Name);
+    for (const auto& [prefix, family] : families) {
+      if (!name.starts_with(prefix)) continue;
+      if (std::ranges::find(met, family) == met.end()) {
+        met.push_back(family);
+        found.push_back(cow_String(family) + " (" + name + ")");
+      }
+      break;
+    }
+  }
+  return found;
 }
 
 cow_List<KvoSimPosition> inpS_SectionData::SectionOwners(const KvoObjDocument& document) {

@@ -19,8 +19,13 @@ public:
   // The types of the elements, each once, in the order of the mesh. Members are the owner's
   // ordinals.
   cow_List<KvoSimPosition> FindElementSpecs(const eds_MemberSet& members) const;
+  // Their nodes, ascending; ordinals of the owner as well.
+  eds_MemberSet NodesOf(const eds_MemberSet& members) const;
   // The solid sections that serve these types, as bits 1 << inp_SectionDimension; 0: no type.
   static unsigned SectionDimensions(const cow_List<KvoSimPosition>& specs);
+  static constexpr unsigned kAxisymmetric = 1u << 8; // that of plane ones in the r-z plane
+  // "plane stress (CPS4)", "plane strain (CPE4)": which of them there are, each once.
+  static cow_List<cow_String> PlaneFamilies(const cow_List<KvoSimPosition>& specs);
 
   // The elements of the section assignments by name, as flat ordinals of the mesh.
   static cow_Map<cow_String, eds_MemberSet> SectionRegions(const KvoObjDocument& document);
@@ -35,6 +40,9 @@ private:
     long long first; // ordinal of the owner
     long long count;
     KvoSimPosition spec;
+    int width;
+    long long nodeBase;
+    eds_ArrayID connectivity;
   };
   KvoObjMesh m_mesh;
   KvoSimPosition m_owner;

@@ -6,6 +6,7 @@
 #include "database/KvoSimTransaction.h"
 #include "database/schema/eds_Form.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/properties/inpS_DistributedItem.h"
 #include "inpS/properties/inpS_Distribution.h"
 #include "inpS/properties/inpS_DistributionValues.h"
 #include "inpS/properties/inpS_SectionData.h"
@@ -22,29 +23,22 @@ using Kind = eds_RecordKind;
 struct Columns {
   Columns() = default;
   explicit Columns(Kind kind) {
-    const eds_RecordInfo* info = eds_formRecord(kind);
-    if (!info) return;
-    for (std::size_t n = 0; n < info->fields.size(); ++n) {
-      const eds_FieldInfo& field = info->fields[n];
-      const int number = static_cast<int>(n);
-      const bool isReference =
-          field.type == eds_FieldType::Ref || field.type == eds_FieldType::AnyRef;
-      const auto isOneOf = [&](std::initializer_list<std::string_view> names) {
-        return isReference && std::ranges::find(names, field.column) != names.end();
-      };
-      if (isOneOf({"thickness_distribution", "membrane_distribution", "shell_thickness",
-                   "membrane_thickness"}))
-        thickness.push_back(number);
-      if (isOneOf({"orientation_angle", "angle_distribution"})) angle.push_back(number);
-      if (field.column == "nodal_thickness") nodal = number;
-    }
     const eds_FormInfo* form = eds_formOf(kind);
+    if (!form) return;
+    const auto add = [&](const cow_List<eds_FormItem>& items) {
+      for (const eds_FormItem& item : items) {
+        inpS_DistributedItem made = inpS_DistributedItem::Of(item);
+        if (made.field >= 0 && !made.boundAs.empty()) distributed.push_back(std::move(made));
+        if (item.name == "nodal_thickness") nodal = item.alternatives.front().field;
+      }
+    };
+    add(form->parameters);
+    for (const cow_List<eds_FormItem>& line : form->lines) add(line);
     hasPlies = form->data == eds_FormData::Records && form->record == eds_FormKind::SectionPly;
   }
-  bool IsEmpty() const { return thickness.empty() && angle.empty() && nodal < 0 && !hasPlies; }
+  bool IsEmpty() const { return distributed.empty() && nodal < 0 && !hasPlies; }
 
-  cow_List<int> thickness;
-  cow_List<int> angle;
+  cow_List<inpS_DistributedItem> distributed;
   int nodal = -1;
   bool hasPlies = false;
 };
@@ -98,17 +92,14 @@ private:
   // to: the section, or a ply of it.
   void Bind(const KvoSimPosition& to, const KvoSimPosition& section, const Columns& columns) {
     const KvoSimDataRecord record = to.DataRecord();
-    const auto bindAll = [&](const char* name, const cow_List<int>& fields) {
-      for (const int field : fields)
-        if (const KvoSimPosition named = record.GetReference(field); !named.IsNull())
-          BindDistribution(to, section, name, named);
-    };
     // Nodal thickness outweighs what else is said.
-    if (columns.nodal >= 0 && record.GetBool(columns.nodal))
-      BindNodal(to);
-    else
-      bindAll("thickness", columns.thickness);
-    bindAll("orientationAngle", columns.angle);
+    const bool isNodal = columns.nodal >= 0 && record.GetBool(columns.nodal);
+    if (isNodal) BindNodal(to);
+    for (const inpS_DistributedItem& item : columns.distributed) {
+      const KvoSimPosition named = record.GetReference(item.field);
+      if (!named.IsNull() && !(isNodal && item.boundAs == "thickness"))
+        BindDistribution(to, section, item, named);
+    }
   }
 
   void BindNodal(const KvoSimPosition& section) {
@@ -119,22 +110,27 @@ private:
     CreateFieldBinding(section, field);
   }
 
-  void BindDistribution(const KvoSimPosition& to, const KvoSimPosition& section, const char* name,
-                        const KvoSimPosition& distribution) {
+  // One whose table has no column for the item has been told.
+  void BindDistribution(const KvoSimPosition& to, const KvoSimPosition& section,
+                        const inpS_DistributedItem& item, const KvoSimPosition& distribution) {
     const bool byNode = distribution.IsA(eds_FormKind::DistributionByNode);
     if (!byNode && !distribution.IsA(eds_FormKind::DistributionByElement)) return; // of no mesh
     inpS_DistributionValues values(distribution);
+    const int component = item.ComponentIn(values.Table());
+    if (component < 0) return;
     const inpS_Distribution stored = inpS_Distribution::Of(distribution);
     const bool isResolved = !values.Defaults().empty() || values.Width() != 1;
     if (values.Width() == 0 || (!isResolved && stored.Over().IsNull())) return; // nothing has any
-    KvoObjField field = CreateScalarField(name, byNode ? KvoGridType::Node : KvoGridType::Element);
+    KvoObjField field =
+        CreateScalarField(item.boundAs, byNode ? KvoGridType::Node : KvoGridType::Element);
+    m_component = static_cast<std::size_t>(component);
     field.AddData(isResolved ? Resolve(values, distribution.Parent(), section) : stored.Get());
     CreateFieldBinding(to, field);
   }
 
-  KvoObjField CreateScalarField(const char* name, KvoGridType grid) {
+  KvoObjField CreateScalarField(std::string_view name, KvoGridType grid) {
     KvoObjField field;
-    field.Register(m_context, name, name);
+    field.Register(m_context, cow_String(name), cow_String(name));
     field.SetGridType(grid);
     return field;
   }
@@ -144,7 +140,7 @@ private:
     to.Associate(eds_Member::Fields, field.Position());
   }
 
-  // The first number of each row, or of the default line, for all that the section has.
+  // The component of each row, or of the default line, for all that the section has.
   KvoSimDistribution Resolve(inpS_DistributionValues& values, const KvoSimPosition& owner,
                              const KvoSimPosition& section) {
     const bool ofPart = owner.IsA(Kind::Part);
@@ -171,8 +167,8 @@ private:
     return made;
   }
 
-  static void ResolveFor(inpS_DistributionValues& values, KvoSimCollection all,
-                         const eds_MemberSet& members, KvoSimDistribution made) {
+  void ResolveFor(inpS_DistributionValues& values, KvoSimCollection all,
+                  const eds_MemberSet& members, KvoSimDistribution made) const {
     constexpr int64_t most = 8192;
     const auto width = static_cast<std::size_t>(values.Width());
     eds_ArrayWriter array(made.Position(), eds_ValueType::Double, 1);
@@ -183,7 +179,7 @@ private:
       members.Copy(begin, piece);
       rows.resize(piece.size() * width);
       values.Read(eds_MemberSet::Ordered(piece), rows);
-      for (std::size_t n = 0; n < piece.size(); ++n) rows[n] = rows[n * width];
+      for (std::size_t n = 0; n < piece.size(); ++n) rows[n] = rows[n * width + m_component];
       array.Append(std::span<const double>(rows).first(piece.size()));
     }
     made.AddDrawer(all.CreateCSet(members).ID(), array.Finish());
@@ -203,6 +199,7 @@ private:
   const KvoObjDocument& m_document;
   KvoSimContext m_context;
   KvoObjModel m_model;
+  std::size_t m_component = 0; // of the rows at hand
   std::unordered_map<Kind, Columns> m_columns;
   std::optional<std::unordered_map<unsigned long long, cow_List<KvoSimPosition>>> m_assignments;
 };

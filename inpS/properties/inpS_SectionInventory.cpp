@@ -64,10 +64,12 @@ cow_String inpS_SectionInventory::GetSectionName(const KvoSimPosition& owner,
   const auto textOf = [](const KvoSimPosition& record, int field) {
     return record.DataRecord().ReturnString(field);
   };
-  const bool isOfPart = owner.IsA(eds_RecordKind::Part);
+  // Within an instance the set is that one's, as if the assembly named it.
+  const bool isWithin = instance.IsNull() && owner.IsA(eds_RecordKind::Instance);
+  const KvoSimPosition& by = isWithin ? owner : instance;
   return GetSectionName(
-      isOfPart ? textOf(owner, eds_Part_Name) : cow_String(),
-      (instance.IsNull() ? cow_String() : textOf(instance, eds_Instance_Name) + ".") + set.Name());
+      owner.IsA(eds_RecordKind::Part) ? textOf(owner, eds_Part_Name) : cow_String(),
+      (by.IsNull() ? cow_String() : textOf(by, eds_Instance_Name) + ".") + set.Name());
 }
 
 const inpS_SectionInventory::Section& inpS_SectionInventory::At(int sectionIndex) const {

@@ -33,7 +33,8 @@ int valuesOnLines(const inp_DataArray& data, long long lines) {
 
 inpS_SectionVisitor::inpS_SectionVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements,
                                          const inpS_Inventory& inventory, inpS_Ledger& ledger)
-    : inpS_FormVisitor(inpS_Phase::Sections, nodes, elements, inventory, ledger) {
+    : inpS_FormVisitor(inpS_Phase::Sections, nodes, elements, inventory, ledger),
+      m_values(*this, Names(), inventory.GetDocument()) {
   Names().SetTextOfMissing("material", "Material %s not found.");
 }
 
@@ -90,7 +91,17 @@ const inpS_Form* inpS_SectionVisitor::Choose(const inp_Keyword& keyword,
   if (form && form->kind == eds_FormKind::ConnectorSectionBehavior)
     return ChooseConnector(keyword, form);
   if (form && form->kind == eds_FormKind::JointElasticityGeneral) return ChooseJoint(keyword, form);
-  return form;
+  return form ? ChooseTapered(keyword, form) : form;
+}
+
+// Between two profiles of given dimensions.
+const inpS_Form* inpS_SectionVisitor::ChooseTapered(const inp_Keyword& keyword,
+                                                    const inpS_Form* form) {
+  const bool isGeneral = form->kind == eds_FormKind::BeamGeneralSectionTaperedProfile;
+  if (!isGeneral && form->kind != eds_FormKind::BeamSectionTapered) return form;
+  if (inpS_dimensionsOfProfile(keyword.StringOf("section", "")) == 0) return form;
+  return inpS_FormTable::Instance().Find(isGeneral ? eds_FormKind::BeamGeneralSectionTaperedEnds
+                                                   : eds_FormKind::BeamSectionTaperedEnds);
 }
 
 // One material outweighs plies.
@@ -155,8 +166,14 @@ const inpS_Form* inpS_SectionVisitor::ChooseSolid(const inp_Keyword& keyword) {
   const auto only = [&](inp_SectionDimension one) {
     return dimensions == 1u << static_cast<unsigned>(one);
   };
+  if (const auto families = inpS_SectionData::PlaneFamilies(specs); families.size() > 1)
+    AddWarning(inp_Utils::MessageAtParameter(keyword, "elset",
+                                             "The elset: " + elset->AsString() +
+                                                 " has elements of " + families[0] + " and of " +
+                                                 families[1] + "; one section is made of them."));
   if (only(inp_SectionDimension::Truss)) return forms.Find(eds_FormKind::TrussSection);
-  if (only(inp_SectionDimension::Solid2D)) return forms.Find(eds_FormKind::SolidSectionPlane);
+  if (only(inp_SectionDimension::Solid2D) || dimensions == inpS_SectionData::kAxisymmetric)
+    return forms.Find(eds_FormKind::SolidSectionPlane);
   if ((dimensions & (dimensions - 1)) != 0)
     AddError(inp_Utils::MessageAtParameter(
         keyword, "elset",
@@ -216,9 +233,23 @@ bool inpS_SectionVisitor::CheckShellStiffness(const inp_Keyword& keyword) {
   for (long long row = 0; row < std::min(std::ssize(onLine) + 0LL, data.Rows()); ++row)
     for (int col = 0; col < std::min(onLine[row], data.Cols(row)); ++col)
       values += data.HasValue(row, col);
+  if (!isNamed && values == 21) CheckThermalForces(keyword, std::ssize(onLine));
   if (isNamed || values == 21) return true;
   Error(keyword, "Shell stiffness matrix requires 21 elements. The keyword is kept as text.");
   return false;
+}
+
+void inpS_SectionVisitor::CheckThermalForces(const inp_Keyword& keyword, long long row) {
+  constexpr int all = 6;
+  const inp_DataArray& data = keyword.Data();
+  if (row >= data.Rows()) return;
+  int given = 0;
+  for (int col = 0; col < std::min(all, data.Cols(row)); ++col) given += data.HasValue(row, col);
+  if (given > 0 && given < all)
+    AddWarning(inp_Utils::MessageAtRow(keyword, row,
+                                       "The line has " + std::to_string(given) +
+                                           " of six thermal forces and moments; the others count "
+                                           "as 0."));
 }
 
 bool inpS_SectionVisitor::CheckPretension(const inp_Keyword& keyword, const inpS_Form& form) {

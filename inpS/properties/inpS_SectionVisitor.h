@@ -1,8 +1,11 @@
 #pragma once
 
 #include "inpS/forms/inpS_FormVisitor.h"
-#include "inpS/properties/inpS_SectionData.h"
+#include "inpS/properties/inpS_SectionValues.h"
 #include <optional>
+
+// How many dimensions a profile has that a word names; 0: it is given in some other way.
+int inpS_dimensionsOfProfile(const cow_String& word);
 
 // The sections phase: what gives the elements of sets their properties becomes records by its
 // forms. What those cannot say: which solid section serves the elements of a set, and what must
@@ -44,18 +47,22 @@ private:
   const inpS_Form* ChooseOfOneLayer(const inp_Keyword& keyword);
   const inpS_Form* ChooseConnector(const inp_Keyword& keyword, const inpS_Form* form);
   const inpS_Form* ChooseJoint(const inp_Keyword& keyword, const inpS_Form* inSpace);
+  static const inpS_Form* ChooseTapered(const inp_Keyword& keyword, const inpS_Form* form);
   const inpS_SectionData& DataOf(const KvoSimPosition& owner);
   bool CheckSolid(const inp_Keyword& keyword);
   bool CheckShellStiffness(const inp_Keyword& keyword);
+  void CheckThermalForces(const inp_Keyword& keyword, long long row);
   bool CheckPretension(const inp_Keyword& keyword, const inpS_Form& form);
   bool IsThere(const inp_Keyword& keyword, const inpS_Form& form, const char* parameter);
   bool MayLackLines(const inp_Keyword& keyword, const inpS_Form& form) const;
-  void CheckNodalThickness(const inp_Keyword& keyword);
   bool CheckFluid(const inp_Keyword& keyword);
   void CheckPlyNames(const inp_Keyword& keyword);
   void CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form, bool isElsewhere);
   void CheckProfile(const inp_Keyword& keyword, const inpS_Form& form);
-  void CheckAxis(const inp_Keyword& keyword, long long row);
+  void CheckAxis(const inp_Keyword& keyword, const inpS_Form& form, long long row);
+  void CheckEnds(const inp_Keyword& keyword);
+  void CheckJoint(const inp_Keyword& keyword, const cow_String& parameter, const cow_String& words);
+  void CheckPoint(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckTypes(const inp_Keyword& keyword);
   void CheckPipe(const inp_Keyword& keyword);
   void CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section);
@@ -64,4 +71,5 @@ private:
   void MarkDirection(const inp_Keyword& keyword, const KvoSimPosition& section);
 
   std::optional<inpS_SectionData> m_data; // of the owner at hand
+  inpS_SectionValues m_values;
 };

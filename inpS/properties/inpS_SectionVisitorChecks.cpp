@@ -1,9 +1,6 @@
-#include "database/KvoObjField.h"
-#include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_LackOfLines.h"
-#include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
 #include "inpS/properties/inpS_ConnectorTypes.h"
 #include "inpS/properties/inpS_SectionVisitor.h"
@@ -38,10 +35,15 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
   else if (inpS_lacksLines(keyword, *form.info) && !MayLackLines(keyword, form))
     Tell(keyword, inp_Utils::MessageInKeyword(
                       keyword, "*" + keyword.Name() + " has no data lines: it gives no values."));
-  CheckNodalThickness(keyword);
+  if (keyword.HasParameter("elset") && !IsMeshLeftOut()) m_values.Check(keyword, form);
   if (form.info->record == K::SectionPly) CheckPlyNames(keyword);
   CheckThickness(keyword, *form.info, MayLackLines(keyword, form));
   CheckProfile(keyword, form);
+  if (isOneOf(form, K::BeamSectionTaperedEnds, K::BeamGeneralSectionTaperedEnds))
+    CheckEnds(keyword);
+  if (isOneOf(form, K::Centroid, K::ShearCenter)) CheckPoint(keyword, form);
+  if (isOneOf(form, K::JointElasticity)) CheckJoint(keyword, "moduli", "GENERAL, SPUD CAN");
+  if (isOneOf(form, K::JointPlasticity)) CheckJoint(keyword, "type", "MEMBER, CLAY, SAND");
   if (isOneOf(form, K::ConnectorSection, K::ConnectorSectionBehavior)) CheckTypes(keyword);
   if (isOneOf(form, K::BeamSectionPipe, K::BeamSectionThickPipe, K::BeamGeneralSectionPipe,
               K::BeamGeneralSectionThickPipe, K::FrameSectionPipe))
@@ -61,14 +63,6 @@ bool inpS_SectionVisitor::MayLackLines(const inp_Keyword& keyword, const inpS_Fo
     if (keyword.HasParameter(parameter)) return true;
   return isOneOf(form, K::UelProperty, K::SubstructureProperty, K::PipeSoilInteraction,
                  K::ElasticPlasticJoint, K::MatrixCheck);
-}
-
-void inpS_SectionVisitor::CheckNodalThickness(const inp_Keyword& keyword) {
-  if (!inpS_saysYes(keyword, "nodalthickness")) return;
-  if (!Inventory().GetDocument().GetModel().GetNodalThicknessField().IsNull()) return;
-  AddWarning(inp_Utils::MessageAtParameter(
-      keyword, "nodalthickness",
-      "No node has a thickness, and NODAL THICKNESS leaves none to the section."));
 }
 
 void inpS_SectionVisitor::CheckPlies(const inp_Keyword& keyword, const KvoSimPosition& section) {
@@ -144,7 +138,8 @@ bool hasProfile(const inpS_Form& form) {
   return isBeam && !form.info->lines.empty() &&
          !isOneOf(form, K::BeamSectionArbitrary, K::BeamGeneralSectionArbitrary,
                   K::BeamGeneralSectionGeneral, K::BeamGeneralSectionNonlinear,
-                  K::BeamGeneralSectionTapered, K::FrameSectionGeneral);
+                  K::BeamGeneralSectionTapered, K::BeamSectionTaperedEnds,
+                  K::BeamGeneralSectionTaperedEnds, K::FrameSectionGeneral);
 }
 
 } // namespace
@@ -161,21 +156,85 @@ void inpS_SectionVisitor::CheckProfile(const inp_Keyword& keyword, const inpS_Fo
                                                "; it counts as 0."));
   }
   for (std::size_t n = 1; n < form.info->lines.size(); ++n)
-    if (form.info->lines[n].front().name == "n1_x") CheckAxis(keyword, static_cast<long long>(n));
+    if (form.info->lines[n].front().name == "n1_x")
+      CheckAxis(keyword, form, static_cast<long long>(n));
 }
 
-// The line may be blank: the axis is then the usual one.
-void inpS_SectionVisitor::CheckAxis(const inp_Keyword& keyword, long long row) {
+// The line may be blank: the axis is then the usual one. Decided here: three values are a direction
+// whatever they are; fewer are taken as one as well, but may be what stands behind it.
+void inpS_SectionVisitor::CheckAxis(const inp_Keyword& keyword, const inpS_Form& form,
+                                    long long row) {
   const inp_DataArray& data = keyword.Data();
-  bool isGiven = false;
+  int given = 0;
+  bool isZero = true;
   for (int col = 0; col < 3; ++col) {
     if (!hasValue(data, row, col)) continue;
-    if (!isNumber(data, row, col) || data.AsDouble(row, col) != 0) return;
-    isGiven = true;
+    isZero = isZero && isNumber(data, row, col) && data.AsDouble(row, col) == 0;
+    ++given;
   }
-  if (isGiven)
+  if (given == 0) return;
+  if (isZero)
     AddWarning(inp_Utils::MessageAtRow(
         keyword, row, "The direction of the first axis has no length; it is taken as it stands."));
+  else if (given < 3)
+    AddWarning(inp_Utils::MessageAtRow(
+        keyword, row,
+        "The direction of the first axis stands here, and has three values; those not given count "
+        "as 0." +
+            cow_String(form.HasTable() && row + 1 >= data.Rows()
+                           ? " The line of the moduli behind it is not there."
+                           : "")));
+}
+
+int inpS_dimensionsOfProfile(const cow_String& word) {
+  constexpr std::pair<std::string_view, int> profiles[] = {
+      {"BOX", 6},  {"CIRC", 1}, {"CIRCULAR", 1},    {"HEX", 2},       {"I", 7},        {"L", 4},
+      {"PIPE", 2}, {"RECT", 2}, {"RECTANGULAR", 2}, {"THICKPIPE", 2}, {"TRAPEZOID", 4}};
+  const cow_String bare = inpS_bareWord(word);
+  for (const auto& [name, count] : profiles)
+    if (name == bare) return count;
+  return 0;
+}
+
+// Of both ends all dimensions of the profile.
+void inpS_SectionVisitor::CheckEnds(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  const int dimensions = inpS_dimensionsOfProfile(keyword.StringOf("section", ""));
+  for (long long row = 0; row < std::min(2LL, data.Rows()); ++row) {
+    int given = 0;
+    for (int col = 0; col < data.Cols(row); ++col) given += data.HasValue(row, col);
+    if (given == dimensions) continue;
+    AddWarning(inp_Utils::MessageAtRow(
+        keyword, row,
+        cow_String("The profile of the ") + (row == 0 ? "first" : "second") + " end has " +
+            std::to_string(dimensions) + (dimensions == 1 ? " dimension" : " dimensions") +
+            ", and the line " + std::to_string(given) + "; it is taken as it stands."));
+  }
+}
+
+void inpS_SectionVisitor::CheckPoint(const inp_Keyword& keyword, const inpS_Form& form) {
+  const inp_DataArray& data = keyword.Data();
+  const auto& items = form.info->lines.front();
+  for (int col = 0; data.Rows() > 0 && col < static_cast<int>(items.size()); ++col)
+    if (!hasValue(data, 0, col))
+      AddWarning(inp_Utils::MessageAtRow(keyword, 0,
+                                         "The line does not tell " +
+                                             items[static_cast<std::size_t>(col)].name +
+                                             "; it counts as 0."));
+}
+
+// The row of words that nobody knows; without the word nobody knows what the lines are, either.
+void inpS_SectionVisitor::CheckJoint(const inp_Keyword& keyword, const cow_String& parameter,
+                                     const cow_String& words) {
+  constexpr const char* kept = "; its lines are kept as they stand.";
+  const cow_String of = " of *" + keyword.Name();
+  const inp_Item* word = keyword.Find(parameter);
+  if (!word)
+    Warning(keyword, "*" + keyword.Name() + " does not tell which of " + words + " it is" + kept);
+  else if (("," + inpS_bareWord(words) + ",").find("," + inpS_bareWord(word->AsString()) + ",") ==
+           cow_String::npos)
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, parameter, "\"" + word->Verbatim() + "\"" + of + " is none of " + words + kept));
 }
 
 void inpS_SectionVisitor::CheckTypes(const inp_Keyword& keyword) {

@@ -83,17 +83,16 @@ cow_String nameOf(const KvoSimPosition& position) {
 
 class Describer {
 public:
-  Description Of(const KvoSimPosition& section, const cow_String& part) {
+  Description Of(const KvoSimPosition& section, const KvoSimPosition& owner) {
     const Columns& columns = ColumnsOf(section.Object().RecordKind());
     const KvoSimDataRecord record = section.DataRecord();
     Description made;
     made.section = section;
     made.variant = columns.variant;
-    made.set = nameOf(referenceIn(record, columns.elset));
-    if (const cow_String instance = nameOf(referenceIn(record, columns.elsetInstance));
-        !instance.empty())
-      made.set = instance + "." + made.set;
-    made.name = inpS_SectionInventory::GetSectionName(part, made.set);
+    const KvoSimPosition set = referenceIn(record, columns.elset);
+    const KvoSimPosition instance = referenceIn(record, columns.elsetInstance);
+    made.set = (instance.IsNull() ? "" : instance.Name() + ".") + nameOf(set);
+    made.name = inpS_SectionInventory::GetSectionName(owner, set, instance);
     made.material = nameOf(referenceIn(record, columns.material));
     made.orientation = nameOf(referenceIn(record, columns.orientation));
     if (made.material.empty()) made.material = nameOf(referenceIn(record, columns.behavior));
@@ -190,10 +189,9 @@ cow_List<inpS_SectionDescription> inpS_describeSections(const KvoObjDocument& do
   }
   Describer describer;
   const auto add = [&](const KvoSimPosition& owner) {
-    const cow_String part = owner.IsA(Kind::Part) ? owner.Name() : cow_String();
     for (const KvoSimPosition& section : owner.GetVector(eds_Member::Sections)) {
       if (!describer.IsSection(section)) continue; // controls, say, are about no elements
-      all.push_back(describer.Of(section, part));
+      all.push_back(describer.Of(section, owner));
       const auto counted = elements.find(section.Object().Packed());
       if (counted != elements.end()) all.back().elements = counted->second;
     }

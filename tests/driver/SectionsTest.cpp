@@ -168,9 +168,9 @@ TEST(Sections, BulkLayersOfInstancesAndTheAssemblyAreToldApart) {
   // A thickness by distribution is told by the field, an orientation by the ply's own record.
   const cow_List<cow_String> wanted = {
       "Section-SHEET-OTHER; 0.5 x 3 STEEL at 15",
-      "Section-SHELL; 0 x 7 STEEL at 0",
-      "Section-OWN; 2 x 3 FOAM at 30",
-      "Section-SHELL, symmetric; 0.125 x 3 FOAM at 0; 0.5 x 5 STEEL at 45",
+      "Section-HERE.SHELL; 0 x 7 STEEL at 0",
+      "Section-THERE.OWN; 2 x 3 FOAM at 30",
+      "Section-THERE.SHELL, symmetric; 0.125 x 3 FOAM at 0; 0.5 x 5 STEEL at 45",
       "Section-SHELL; 0.75 x 3 FOAM at 0", // one layer by Gauss
       "Section-HERE.SKIN; 0.1 x 1 STEEL at 0",
       "Section-THERE.SKIN; 0.2 x 1 FOAM at 0"};

@@ -131,6 +131,8 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"InitialBackStresses.number_backstresses", "2"},
     {"Wave.type", "AIRY"},
     {"ConnectorSection.behavior", ""},
+    {"BeamSectionTapered.section", "ARBITRARY"},
+    {"BeamGeneralSectionTaperedProfile.section", "MESHED"},
     {"ConnectorPotential.component", "2"},
     {"Boundary.last", "6"},
     {"Boundary.magnitude", "0.5"},
