@@ -2,6 +2,7 @@
 
 #include "host/inps_NameChoice.h"
 #include "host/inps_TextTable.h"
+#include "host/inps_VisibleBuffer.h"
 #include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -13,21 +14,29 @@ namespace {
 using Section = inpS_SectionDescription;
 using Thickness = Section::Thickness;
 
+cow_String numberText(double value) { // a sum of plies is 0.3, whatever its last digit
+  char text[32];
+  std::snprintf(text, sizeof text, "%.12g", value);
+  return text;
+}
+
+// Of a layup with its plies as they are given.
 cow_String thicknessText(const Section& section) {
-  switch (section.kind) {
-  case Thickness::None:
-    return {};
-  case Thickness::Constant: { // a sum of plies is 0.3, whatever its last digit
-    char text[32];
-    std::snprintf(text, sizeof text, "%.12g", section.thickness);
-    return text;
+  cow_String text;
+  if (section.kind == Thickness::Constant ||
+      (section.kind == Thickness::Distribution && section.thickness != 0))
+    text = numberText(section.thickness);
+  if (section.kind == Thickness::Nodal) text = "nodal";
+  for (const cow_String& name : section.distributions) {
+    const bool isFirst = &name == &section.distributions.front();
+    text += (text.empty() ? ""
+             : isFirst    ? " and "
+                          : ", ") +
+            cow_String(isFirst ? "by distribution " : "") + name;
   }
-  case Thickness::Distribution:
-    return "distribution";
-  case Thickness::Nodal:
-    return "nodal";
-  }
-  return {};
+  if (section.plies == 0) return text;
+  return text + (text.empty() ? "" : ", ") + std::to_string(section.plies) +
+         (section.plies == 1 ? " ply" : " plies") + (section.isSymmetric ? " mirrored" : "");
 }
 
 struct KindCount {
@@ -57,8 +66,9 @@ void inps_printSections(aio_ostream& out, const cow_List<Section>& sections,
       {"kind", "name", "set", "material", "orientation", "elements", "thickness"}, 1u << 5);
   for (const Section& section : sections)
     if (choice.Has(section.name))
-      table.Add({section.variant, section.name, section.set, section.material, section.orientation,
-                 std::to_string(section.elements), thicknessText(section)});
+      table.Add({section.variant, inps_oneLine(section.name), inps_oneLine(section.set),
+                 inps_oneLine(section.material), inps_oneLine(section.orientation),
+                 std::to_string(section.elements), inps_oneLine(thicknessText(section))});
   table.Print(out);
 }
 
@@ -79,13 +89,18 @@ inps_Json inps_jsonOfSections(const cow_List<Section>& sections, const inps_Name
                      {"material", section.material},
                      {"orientation", section.orientation},
                      {"plies", nullptr},
+                     {"symmetric", section.isSymmetric},
                      {"elements", section.elements},
-                     {"thickness", nullptr}};
+                     {"thickness", nullptr},
+                     {"constantThickness", nullptr},
+                     {"distributions", section.distributions}};
     if (section.plies > 0) object["plies"] = section.plies;
     if (section.kind == Thickness::Constant)
       object["thickness"] = section.thickness;
     else if (section.kind != Thickness::None)
-      object["thickness"] = thicknessText(section);
+      object["thickness"] = section.kind == Thickness::Nodal ? "nodal" : "distribution";
+    if (section.kind == Thickness::Distribution && section.thickness != 0)
+      object["constantThickness"] = section.thickness;
     list.push_back(std::move(object));
   }
   return list;

@@ -115,6 +115,7 @@ inp_WordMatch inp_KeywordTable::ResolveWord(inp_KeywordEnm kind, std::string_vie
   if (words.empty()) return {};
   inp_WordMatch match{Kind::Unknown};
   for (const std::string_view word : words) {
+    if (word == "...") return {}; // any other is as good
     const Fit fit = fitOf(word, value);
     if (fit == Fit::Whole) return {Kind::Known, word};
     if (fit == Fit::Begin) match.candidates.push_back(word);

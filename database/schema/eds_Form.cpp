@@ -92,6 +92,8 @@ cow_List<std::string_view> piecesOf(std::string_view text, char separator) {
 
 eds_FormItem::Alternative alternativeOf(std::string_view type) {
   eds_FormItem::Alternative alternative;
+  alternative.isLate = type.ends_with('+');
+  if (alternative.isLate) type.remove_suffix(1);
   if (type.starts_with('{')) {
     alternative.type = eds_FormType::Choice;
     for (const std::string_view word : piecesOf(type.substr(1, type.size() - 2), '|'))
@@ -257,6 +259,9 @@ public:
       m_form.textField = static_cast<int>(AddField("lines", eds_FieldType::Text).number);
     if (m_form.data == eds_FormData::Words) AddItem(m_form.words);
     if (m_form.data == eds_FormData::Columns) AddColumns();
+    for (eds_FormItem& item : m_form.parameters) AddLate(item);
+    for (cow_List<eds_FormItem>& line : m_form.lines)
+      for (eds_FormItem& item : line) AddLate(item);
     if (const int field = FieldOf("other_parameters"); field >= 0) m_form.othersField = field;
   }
   Form(const Form&) = delete;
@@ -289,22 +294,43 @@ private:
   // The first type's field has the item's name, the others that of their type behind it.
   void AddItem(eds_FormItem& item) {
     for (eds_FormItem::Alternative& one : item.alternatives) {
-      cow_String column = item.name;
-      if (&one != &item.alternatives.front())
-        column += one.referable                    ? "_" + cow_String(one.referable->word)
-                  : one.type == eds_FormType::Text ? "_text"
-                                                   : "_value";
-      const Field field = AddField(column, fieldTypeOf(one),
-                                   one.referable ? one.referable->kind : eds_RecordKind::None);
-      field.info.vocabulary = one.vocabulary;
-      field.info.intDefault = static_cast<int64_t>(item.unset);
-      field.info.realDefault = item.unset;
-      one.field = static_cast<int>(field.number);
-      const bool isLabel = one.type == eds_FormType::Node || one.type == eds_FormType::Element;
-      if (isLabel || (one.referable && one.referable->IsScoped()))
-        one.instanceField = static_cast<int>(
-            AddField(column + "_instance", eds_FieldType::Ref, eds_RecordKind::Instance).number);
+      const bool isFirst = &one == &item.alternatives.front();
+      if (isFirst || !one.isLate) AddValue(item, one);
+      if (!one.isLate) AddInstance(item, one);
     }
+  }
+
+  // What came later than the form: no field changes its number.
+  void AddLate(eds_FormItem& item) {
+    for (eds_FormItem::Alternative& one : item.alternatives) {
+      if (!one.isLate) continue;
+      if (&one != &item.alternatives.front()) AddValue(item, one);
+      AddInstance(item, one);
+    }
+  }
+
+  static cow_String ColumnOf(const eds_FormItem& item, const eds_FormItem::Alternative& one) {
+    if (&one == &item.alternatives.front()) return item.name;
+    return item.name + (one.referable                    ? "_" + cow_String(one.referable->word)
+                        : one.type == eds_FormType::Text ? "_text"
+                                                         : "_value");
+  }
+
+  void AddValue(const eds_FormItem& item, eds_FormItem::Alternative& one) {
+    const Field field = AddField(ColumnOf(item, one), fieldTypeOf(one),
+                                 one.referable ? one.referable->kind : eds_RecordKind::None);
+    field.info.vocabulary = one.vocabulary;
+    field.info.intDefault = static_cast<int64_t>(item.unset);
+    field.info.realDefault = item.unset;
+    one.field = static_cast<int>(field.number);
+  }
+
+  void AddInstance(const eds_FormItem& item, eds_FormItem::Alternative& one) {
+    const bool isLabel = one.type == eds_FormType::Node || one.type == eds_FormType::Element;
+    if (!isLabel && (!one.referable || !one.referable->IsScoped())) return;
+    one.instanceField = static_cast<int>(
+        AddField(ColumnOf(item, one) + "_instance", eds_FieldType::Ref, eds_RecordKind::Instance)
+            .number);
   }
 
   void AddColumns() {

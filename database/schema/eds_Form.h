@@ -48,6 +48,7 @@ struct eds_FormItem {
     eds_Vocabulary vocabulary{};              // Symbol
     int field = -1;                           // of the record
     int instanceField = -1;                   // of a label, or of what may belong to an instance
+    bool isLate = false;                      // its own fields stand behind those of all others
   };
   cow_String name;                    // as the field's column
   cow_List<Alternative> alternatives; // one at least

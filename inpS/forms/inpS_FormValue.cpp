@@ -72,8 +72,13 @@ cow_String takeWord(const Alternative& one, const inpS_FormValue& value, KvoSimD
   return "\"" + value.text + "\" is none of " + list + ".";
 }
 
-cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inpS_FormNames& names,
-                  KvoSimDataRecord& record) {
+// It is found by it, quotes or none.
+bool isNameItself(const eds_FormItem& item) {
+  return item.name == "name";
+}
+
+cow_String takeAs(const eds_FormItem& item, const Alternative& one, const inpS_FormValue& value,
+                  const inpS_FormNames& names, KvoSimDataRecord& record) {
   const bool isNumber = value.type == inp_FieldType::Integer || value.type == inp_FieldType::Double;
   switch (one.type) {
   case eds_FormType::Flag: {
@@ -111,7 +116,8 @@ cow_String takeAs(const Alternative& one, const inpS_FormValue& value, const inp
   }
   if (utl_findControl(value.text) != std::string_view::npos)
     return "The text holds a control character."; // the store keeps none of them
-  record.SetString(one.field, inp_Utils::Fold(value.text));
+  record.SetString(one.field,
+                   isNameItself(item) ? inp_Utils::Fold(value.text) : inpS_textOf(value.text));
   return {};
 }
 
@@ -233,6 +239,10 @@ namespace {
 Kind labelKind(eds_FormType type) {
   return type == eds_FormType::Node ? Kind::Nodes : Kind::Elements;
 }
+// Digits in quotes are a name and no label.
+bool isInQuotes(std::string_view asWritten) {
+  return asWritten.ends_with('"');
+}
 Kind labelKind(const eds_FormItem& item) {
   return labelKind(item.alternatives.front().type);
 }
@@ -249,7 +259,7 @@ bool inpS_FormNames::FindLabel(const eds_FormItem& item, const cow_String& asWri
                                long long& ordinal) const {
   if (item.alternatives.front().type == eds_FormType::Reference) return false; // a name alone
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
-  if (parts.size() < 2) return false;
+  if (parts.size() < 2 || isInQuotes(asWritten)) return false;
   std::int64_t label = 0;
   const char* const end = parts.back().data() + parts.back().size();
   if (utl_readInt(parts.back().data(), end, label) != end) return false;
@@ -267,6 +277,7 @@ bool inpS_FormNames::FindLabel(const eds_FormItem& item, const cow_String& asWri
 inpS_FormNames::Label inpS_FormNames::FindLabel(eds_FormType type,
                                                 const cow_String& asWritten) const {
   Label label;
+  if (isInQuotes(asWritten)) return label;
   const cow_List<cow_String> parts = inp_Utils::SplitScopedField(asWritten);
   const cow_String& digits = parts.empty() ? asWritten : parts.back();
   std::int64_t number = 0;
@@ -288,35 +299,12 @@ inpS_FormNames::Label inpS_FormNames::FindLabel(eds_FormType type,
   return label;
 }
 
-namespace {
-
-// Of an item that takes a label, or the set that may stand in its place: what is wrong with the
-// label, which has no field for an instance. Empty: nothing, or it is none.
-cow_String faultOfLabel(const eds_FormItem& item, const inpS_FormValue& value,
-                        const inpS_FormNames& names) {
-  if (item.alternatives.size() != 2 || item.alternatives[0].type != eds_FormType::Int) return {};
-  const eds_Referable* sets = item.alternatives[1].referable;
-  if (!sets || !sets->IsScoped()) return {};
-  const eds_FormType type =
-      sets->kind == eds_RecordKind::NodeSet ? eds_FormType::Node : eds_FormType::Element;
-  const inpS_FormNames::Label label = names.FindLabel(type, value.text);
-  if (!label.isNumber) return {};
-  if (!label.isKnown) return names.TextOfMissing(type, value.text);
-  return label.instance.IsNull() ? cow_String()
-                                 : "\"" + value.text +
-                                       "\" belongs to an instance; a set must "
-                                       "stand for it here.";
-}
-
-} // namespace
-
 cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
                           const inpS_FormNames& names, KvoSimDataRecord record) {
-  cow_String fault = faultOfLabel(item, value, names);
-  if (!fault.empty()) return fault;
+  cow_String fault;
   bool isAboutName = false;
   for (const Alternative& one : item.alternatives) {
-    const cow_String other = takeAs(one, value, names, record);
+    const cow_String other = takeAs(item, one, value, names, record);
     if (other.empty()) return {};
     const eds_FormType first = item.alternatives.front().type;
     const bool isLabel = (first == eds_FormType::Node || first == eds_FormType::Element) &&
@@ -335,10 +323,11 @@ cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
 
 cow_String inpS_faultOfName(const eds_FormItem& item, const inpS_FormValue& value,
                             const inpS_FormNames& names) {
+  const eds_FormType first = item.alternatives.front().type;
+  if (first == eds_FormType::Node || first == eds_FormType::Element)
+    if (const inpS_FormNames::Label label = names.FindLabel(first, value.text); label.isNumber)
+      return label.isKnown ? cow_String() : names.TextOfMissing(first, value.text);
   const Alternative& last = item.alternatives.back();
-  if (value.type != inp_FieldType::String ||
-      names.FindLabel(eds_FormType::Node, value.text).isNumber)
-    return faultOfLabel(item, value, names);
   const bool isThere = !names.Find(*last.referable, value.text).set.IsNull();
   return isThere ? cow_String() : names.TextOfMissing(*last.referable, inp_Utils::Fold(value.text));
 }
@@ -365,7 +354,8 @@ void inpS_printValue(utl_Stream& out, const eds_FormItem& item, const KvoSimData
       utl_printLines(out, record.GetString(one.field));
       return;
     case eds_FormType::Text:
-      out << inpS_quoted(record.ReturnString(one.field));
+      out << (isNameItself(item) ? inpS_quoted(record.ReturnString(one.field))
+                                 : inpS_textInDeck(record.ReturnString(one.field)));
       return;
     case eds_FormType::Reference:
       printReference(out, one, record);

@@ -74,7 +74,7 @@ void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_FormNa
   tellBelow(keyword, "loadcase", "LOAD CASE", 1, messages);
   tellBelow(keyword, "cyclicmode", "CYCLIC MODE", 0, messages);
   if (!keyword.HasParameter("refnode")) return;
-  const cow_String node = keyword.Find("refnode")->AsString();
+  const cow_String node = keyword.Find("refnode")->Verbatim();
   const eds_Referable& nset = *std::ranges::find(eds_referables(), "nset", &eds_Referable::word);
   if (names.FindLabel(eds_FormType::Node, node).isKnown || !names.Find(nset, node).set.IsNull())
     return;

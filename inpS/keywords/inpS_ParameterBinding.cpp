@@ -5,6 +5,7 @@
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "parser/inp_Keyword.h"
+#include "parser/inp_KeywordReader.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -28,11 +29,26 @@ bool saysYesOrNo(const inpS_ParameterBinding& row) {
   return row.codec == inpS_Codec::Flag || (row.codec == inpS_Codec::Choice && hasWords);
 }
 
+// What has a name is found by it alone, and a file is opened by it: those are kept as they are.
+bool isNameItself(const inpS_ParameterBinding& row) {
+  return row.key == "name" || inp_KeywordReader::NamesFile(row.key);
+}
+
+constexpr std::string_view anyOther = "..."; // behind the words of a list that is open
+
+bool isOpen(const inpS_ParameterBinding& row) {
+  return !row.words.empty() && row.words.back() == anyOther;
+}
+
 cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
                     KvoSimDataRecord& record) {
   int place = inpS_wordPlace(row, item.AsString());
   if (saysYesOrNo(row))
     if (const auto yes = inpS_yesOrNo(item.AsString())) place = *yes ? 0 : 1;
+  if (place < 0 && isOpen(row)) {
+    record.SetString(row.field, inpS_textOf(item.Verbatim()));
+    return {};
+  }
   if (place < 0) return "is none of " + inpS_wordList(row);
   if (row.codec == inpS_Codec::Word)
     record.SetSymb(row.field, place);
@@ -54,7 +70,7 @@ cow_String take(const inpS_ParameterBinding& row, const inp_Item& item, KvoSimDa
     record.SetDouble(row.field, item.AsDouble());
     return {};
   case inpS_Codec::Name:
-    record.SetString(row.field, item.AsString());
+    record.SetString(row.field, isNameItself(row) ? item.AsString() : inpS_textOf(item.Verbatim()));
     return {};
   default:
     return takeWord(row, item, record);
@@ -80,13 +96,15 @@ void print(utl_Stream& out, const inpS_ParameterBinding& row, const KvoSimDataRe
   }
   case inpS_Codec::Choice: { // a word of ours has no comma; a stranger's must give no parameter
     const cow_String word = record.ReturnString(row.field);
-    out << ", " << row.name << '=' << (word.find(',') == word.npos ? word : inpS_quoted(word));
+    const bool isListed = std::ranges::find(row.words, std::string_view(word)) != row.words.end();
+    const bool isPlain = word.find(',') == word.npos && (isListed || !isOpen(row));
+    out << ", " << row.name << '=' << (isPlain ? word : inpS_textInDeck(word));
     break;
   }
   case inpS_Codec::Name:
     out << ", " << row.name;
     if (const cow_String text = record.ReturnString(row.field); !text.empty())
-      out << '=' << inpS_quoted(text);
+      out << '=' << (isNameItself(row) ? inpS_quoted(text) : inpS_textInDeck(text));
     break;
   case inpS_Codec::Item:
     break;
@@ -153,6 +171,7 @@ int inpS_wordPlace(const inpS_ParameterBinding& row, const cow_String& word) {
   int begins = -1;
   for (std::size_t place = 0; place < row.words.size(); ++place) {
     const cow_String known = inpS_bareWord(row.words[place]);
+    if (row.words[place] == anyOther) return -1; // no word of such a list is shortened
     if (known == bare) return static_cast<int>(place);
     if (known.starts_with(bare)) begins = begins == -1 ? static_cast<int>(place) : -2;
   }

@@ -1,5 +1,6 @@
 #include "inpS/writer/inpS_ColumnPrinter.h"
 #include "base/utl_BlockSize.h"
+#include "base/utl_Number.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/eds_DamagedModel.h"
@@ -86,8 +87,9 @@ private:
 // One field of each line, a piece at a time.
 class Field {
 public:
-  Field(const eds_FormItem& item, const KvoSimPosition& position, long long rows,
-        const inpS_DeckLabels& labels, const inpS_DeckScope& scope, std::mutex& guard)
+  Field(const eds_FormInfo& form, const eds_FormItem& item, const KvoSimPosition& position,
+        long long rows, const inpS_DeckLabels& labels, const inpS_DeckScope& scope,
+        std::mutex& guard)
       : m_record(position), m_type(item.alternatives.front().type) {
     const KvoSimDataRecord record = position.DataRecord();
     const int field = item.alternatives.front().field;
@@ -102,7 +104,7 @@ public:
     m_ints.emplace(record, item, rows, 1,
                    record.IsMemberNull(field) ? inp_blankInt : record.GetInt(field), guard);
     if (item.wordsField >= 0)
-      ReadWords(record, item.wordsField);
+      ReadWords(record, item.wordsField, IsOfTextsAlone(form, item));
     else if (m_type != eds_FormType::Int)
       m_targets.emplace(position, m_type == eds_FormType::Node, labels, scope);
   }
@@ -137,10 +139,16 @@ public:
   }
 
 private:
-  void ReadWords(const KvoSimDataRecord& record, int field) {
+  // Where a number can stand, a word of digits is in quotes.
+  static bool IsOfTextsAlone(const eds_FormInfo& form, const eds_FormItem& item) {
+    const bool maySwap = &item == &form.columnItems.back() && inpS_endsInTexts(form.columnItems);
+    return item.alternatives.size() == 1 && !maySwap;
+  }
+  void ReadWords(const KvoSimDataRecord& record, int field, bool isAlone) {
     m_hasWords = true;
     for (const cow_String& word : inpS_ColumnWords::Stored(record, field)) {
-      m_words.push_back(inpS_quoted(word));
+      const bool isBare = isAlone && utl_classifyField(word).IsNumber();
+      m_words.push_back(isBare ? word : inpS_quoted(word));
       m_wordRoom = std::max(m_wordRoom, m_words.back().size());
     }
   }
@@ -234,7 +242,7 @@ void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPo
   Fields fields;
   std::size_t room = 1;
   for (const eds_FormItem& item : form.columnItems) {
-    fields.push_back(std::make_unique<Field>(item, record, rows, labels, scope, guard));
+    fields.push_back(std::make_unique<Field>(form, item, record, rows, labels, scope, guard));
     room += fields.back()->Room() + 2;
   }
   const bool endsInTexts = inpS_endsInTexts(form.columnItems);
@@ -272,7 +280,8 @@ std::function<cow_List<cow_String>(long long row)> inpS_rowTexts(const eds_FormI
   const auto open = std::make_shared<Open>();
   const long long rows = record.DataRecord().GetInt64(form.rowsField);
   for (const eds_FormItem& item : form.columnItems) {
-    open->fields.push_back(std::make_unique<Field>(item, record, rows, labels, scope, open->guard));
+    open->fields.push_back(
+        std::make_unique<Field>(form, item, record, rows, labels, scope, open->guard));
     open->room.resize(std::max(open->room.size(), open->fields.back()->Room()));
   }
   return [open](long long row) {

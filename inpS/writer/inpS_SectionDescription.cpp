@@ -90,9 +90,12 @@ public:
     made.section = section;
     made.variant = columns.variant;
     const KvoSimPosition set = referenceIn(record, columns.elset);
-    const KvoSimPosition instance = referenceIn(record, columns.elsetInstance);
-    made.set = (instance.IsNull() ? "" : instance.Name() + ".") + nameOf(set);
-    made.name = inpS_SectionInventory::GetSectionName(owner, set, instance);
+    const KvoSimPosition named = referenceIn(record, columns.elsetInstance);
+    const bool isWithin = named.IsNull() && owner.IsA(Kind::Instance);
+    made.set = nameOf(set);
+    if (const KvoSimPosition instance = isWithin ? owner : named; !instance.IsNull())
+      made.set = nameOf(instance) + "." + made.set;
+    made.name = inpS_SectionInventory::GetSectionName(owner, set, named);
     made.material = nameOf(referenceIn(record, columns.material));
     made.orientation = nameOf(referenceIn(record, columns.orientation));
     if (made.material.empty()) made.material = nameOf(referenceIn(record, columns.behavior));
@@ -102,6 +105,7 @@ public:
   }
 
   bool IsSection(const KvoSimPosition& record) {
+    if (record.IsA(eds_FormKind::PerfectlyMatchedLayer)) return false; // lies beside one
     const int elset = ColumnsOf(record.Object().RecordKind()).elset;
     return elset >= 0 && !record.DataRecord().GetReference(elset).IsNull();
   }
@@ -135,8 +139,8 @@ private:
       const KvoSimDataRecord record = ply.DataRecord();
       if (isLayup) ++made.plies;
       if (columns.thickness >= 0) made.thickness += record.GetDouble(columns.thickness);
-      if (!referenceIn(record, columns.distributions[0]).IsNull())
-        made.kind = Thickness::Distribution;
+      AddDistribution(made, referenceIn(record, columns.distributions[0]));
+      if (!made.distributions.empty()) made.kind = Thickness::Distribution;
       const KvoSimPosition material = referenceIn(record, columns.material);
       if (material.IsNull() || std::ranges::find(materials, material) != materials.end()) continue;
       materials.push_back(material);
@@ -144,16 +148,23 @@ private:
     }
   }
 
+  static void AddDistribution(Description& made, const KvoSimPosition& distribution) {
+    const cow_String name = nameOf(distribution);
+    if (!name.empty() && std::ranges::find(made.distributions, name) == made.distributions.end())
+      made.distributions.push_back(name);
+  }
+
   // Nodal thickness outweighs what else is said, and one of the whole shell its plies: theirs are
   // shares of it then.
   void AddThickness(Description& made, const Columns& columns, const KvoSimDataRecord& record) {
     const Kind kind = made.section.Object().RecordKind();
+    made.isSymmetric = isSet(record, columns.symmetric);
     if (kind == eds_FormKind::SolidSectionComposite) {
       made.kind = Thickness::None;
       made.thickness = 0;
+      made.distributions.clear();
       return;
     }
-    made.isSymmetric = isSet(record, columns.symmetric);
     if (made.isSymmetric) made.thickness *= 2;
     const bool isNodal = isSet(record, columns.nodal);
     const bool isOfWhole = std::ranges::any_of(
@@ -161,6 +172,9 @@ private:
     if (isNodal || isOfWhole) {
       made.kind = isNodal ? Thickness::Nodal : Thickness::Distribution;
       made.thickness = 0;
+      made.distributions.clear();
+      for (const int field : columns.distributions)
+        if (!isNodal) AddDistribution(made, referenceIn(record, field));
     } else if (made.plies > 0) {
       if (made.kind == Thickness::None) made.kind = Thickness::Constant;
     } else if (columns.thickness >= 0 && !record.IsMemberNull(columns.thickness)) {

@@ -18,7 +18,7 @@ struct inpS_SectionDescription {
   KvoSimPosition section;
   cow_String name;    // "Section-PANEL-SKIN"
   cow_String variant; // "SHELL SECTION, COMPOSITE"
-  cow_String set;
+  cow_String set;     // of an instance: "PANEL-1.SKIN"
   cow_String material; // or gasket behaviour; a layup's: those of its plies, each once
   cow_String orientation;
   int plies = 0;          // as given, so half of them where the layup is symmetric
@@ -26,6 +26,7 @@ struct inpS_SectionDescription {
   Thickness kind = Thickness::None;
   // Of a layup: the sum of its plies, twice where it is symmetric, without those that vary.
   double thickness = 0;
+  cow_List<cow_String> distributions; // of the thickness, each once
   bool isSymmetric = false;
 };
 

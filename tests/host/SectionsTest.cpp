@@ -68,14 +68,50 @@ TEST_F(Sections, TableAndNames) {
   const cow_String a =
       "  SHELL SECTION             Section-A  A    STEEL     ALONG               2  0.1\n";
   const cow_String b =
-      "  SHELL SECTION, COMPOSITE  Section-B  B    FOAM      -                   1  0.3\n";
+      "  SHELL SECTION, COMPOSITE  Section-B  B    FOAM      -                   1  0.3, 2 plies\n";
   EXPECT_EQ(ProgramRun({"info", model, "--sections"}).out, head + a + b);
   EXPECT_NE(ProgramRun({"info", model}).out.find("sections:\n" + head + a + b), cow_String::npos);
-  EXPECT_NE(ProgramRun({"info", model, "--sections", "section-b"}).out.find("0.3\n"),
+  EXPECT_NE(ProgramRun({"info", model, "--sections", "section-b"}).out.find("0.3, "),
             cow_String::npos);
   const ProgramRun missing({"info", model, "--sections", "Section-C"});
   EXPECT_EQ(missing.exitCode, inps_ExitUsage);
   EXPECT_TRUE(missing.Says("no section \"Section-C\"")) << missing.err;
+}
+
+// What the one list tells, the other does: plies, what varies, whose set it is.
+TEST_F(Sections, TableAndJsonTellTheSame) {
+  struct Case {
+    const char* section;
+    const char* text;
+    json told;
+  };
+  const Case cases[] = {
+      {"*SHELL SECTION, ELSET=A, COMPOSITE, SYMMETRIC\n0.25, 3, STEEL\nVARIES, 3, FOAM\n",
+       "0.5 and by distribution VARIES, 2 plies mirrored",
+       {{"plies", 2},
+        {"symmetric", true},
+        {"thickness", "distribution"},
+        {"constantThickness", 0.5},
+        {"distributions", {"VARIES"}}}},
+      {"*SHELL SECTION, ELSET=A, COMPOSITE, SHELL THICKNESS=VARIES\n0.25, 3, STEEL\n",
+       "by distribution VARIES, 1 ply",
+       {{"plies", 1}, {"constantThickness", nullptr}, {"distributions", {"VARIES"}}}},
+      {"*SHELL SECTION, ELSET=A, MATERIAL=STEEL, NODAL THICKNESS\n9., 5\n",
+       "nodal",
+       {{"thickness", "nodal"}, {"distributions", json::array()}, {"plies", nullptr}}},
+      {"*ELSET, ELSET=\"x;\xe2\x80\xae\"\n1\n*SHELL SECTION, ELSET=\"x;\xe2\x80\xae\", "
+       "MATERIAL=STEEL\n1.,\n",
+       "Section-x;\\u202e  x;\\u202e  STEEL     -                   1  1",
+       {{"set", "x;\xe2\x80\xae"}}},
+  };
+  for (const Case& c : cases) {
+    const cow_String model = Model(cow_String(shells) + c.section);
+    const cow_String out = ProgramRun({"info", model, "--sections"}).out;
+    EXPECT_NE(out.find(cow_String("  ") + c.text + "\n"), cow_String::npos) << out;
+    const json told = json::parse(ProgramRun({"info", model, "--sections", "--json"}).out);
+    for (const auto& [name, value] : c.told.items())
+      EXPECT_EQ(told["sections"][0][name], value) << c.section << name;
+  }
 }
 
 // One of 21 sections is a layup; each has one element of its part, of which there are two.

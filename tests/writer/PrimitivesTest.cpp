@@ -1,4 +1,5 @@
 #include "base/utl_Stream.h"
+#include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include <gtest/gtest.h>
 #include <numeric>
@@ -66,4 +67,41 @@ TEST(PrintPrimitives, NamesAreQuotedWhereNeeded) {
   };
   EXPECT_EQ(value(""), "");
   EXPECT_EQ(value("SET1"), "\"SET1\"");
+}
+
+// What a deck says without quotes is a label, a number or a name of something's own; within them it
+// is one name.
+TEST(PrintPrimitives, TextsMeanTheSameWhenReadAgain) {
+  const struct {
+    const char* deck;
+    const char* stored;
+    const char* written;
+  } cases[] = {
+      {"5", "5", "5"},
+      {"\"5\"", "\"5\"", "\"5\""},
+      {"Part-1.5", "PART-1.5", "PART-1.5"},
+      {"\"Part-1.5\"", "Part-1.5", "\"Part-1.5\""},
+      {"\"PART-1.5\"", "\"PART-1.5\"", "\"PART-1.5\""},
+      {"part-1 . \"5\"", "PART-1.\"5\"", "PART-1.\"5\""},
+      {"\"a.b\".5", "\"a.b\".5", "\"a.b\".5"},
+      {"my_part.top", "MY_PART.TOP", "\"MY_PART\".TOP"},
+      {"\"MY_PART\".TOP", "MY_PART.TOP", "\"MY_PART\".TOP"},
+      {"\"2\".1", "\"2\".1", "\"2\".1"},
+      {"\"top side\"", "top side", "\"top side\""},
+      {"\"TOP\"", "TOP", "TOP"},
+      {"1.5e3", "1.5E3", "1.5E3"},
+      {"\"a,b\"", "a,b", "\"a,b\""},
+      {"\"\"\"A\"\"\"", "\"\"\"A\"\"\"", "\"\"\"A\"\"\""},
+      {"\"open.b", "\"OPEN.B", "\"\"\"OPEN.B\""},
+      {"a..", "A..", "A.."},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(inpS_textOf(c.deck), c.stored) << c.deck;
+    EXPECT_EQ(inpS_textInDeck(inpS_textOf(c.deck)), c.written) << c.deck;
+    const cow_String again = inpS_textOf(c.written);
+    EXPECT_EQ(inpS_textInDeck(again), c.written) << c.deck;
+  }
+  // A stranger's quotes that would end the value, or the line.
+  EXPECT_EQ(inpS_textInDeck("\"A\", B=1"), "\"\"\"A\"\", B=1\"");
+  EXPECT_EQ(inpS_textInDeck("\"A\n*STEP\""), "\"\"\"A *STEP\"\"\"");
 }
