@@ -86,6 +86,7 @@ struct inp_Parser::Impl {
   void KeepComments(const inp_DeckText& text, inp_KeywordBody& body) const;
   void Begin(const std::shared_ptr<inp_KeywordBody>& body);
   void End();
+  void LeaveOut(const inp_KeywordBody& body);
   void EndOpenStep(const cow_String& where);
   void TellScopeErrors();
   void LimitMessages();
@@ -302,9 +303,14 @@ void inp_Parser::Impl::ReportHeadless(const inp_DataSegment& segment) {
 }
 
 void inp_Parser::Impl::Begin(const std::shared_ptr<inp_KeywordBody>& body) {
-  if (body->kind == inp_KwStep) EndOpenStep("where the next one begins");
+  // All that opens a scope stands outside of steps.
+  if (body->kind == inp_KwStep)
+    EndOpenStep("where the next one begins");
+  else if (inp_ScopeTracker::KindOpenedBy(body->kind) != inp_Scope::Kind::Model)
+    EndOpenStep("where *" + body->name + " begins");
   open = body;
   if (body->name.empty()) return; // reported; its data lines go with it
+  if (body->kind == inp_KwEndStep && !scopes.OpenStep()) return LeaveOut(*body);
   if (keepComments) KeepComments(*body->text, *body);
   const inp_ScopePtr scope = scopes.Enter(body);
   TellScopeErrors();
@@ -327,6 +333,15 @@ void inp_Parser::Impl::End() {
     open->data = inp_DataArray(std::exchange(segments, {}), wholeLines);
   }
   open = nullptr;
+}
+
+// One *END STEP too many ends nothing. Of a file that could not be read it may end a step.
+void inp_Parser::Impl::LeaveOut(const inp_KeywordBody& body) {
+  if (!fileErrors.empty()) return;
+  wip_Message message("no step is open that *END STEP could end; it is left out");
+  message.keyword = body.name;
+  message.place = body.text->PlaceOf(body.begin);
+  warnings.push_back(std::move(message));
 }
 
 // Decks may end within their last step, which then ends with them, and a step may be left open

@@ -120,7 +120,8 @@ WHERE (ifnull(h.perturbation, 0) = 0 AND ifnull(h.registration, '') <> 'REGISTER
 }
 
 // The tasks of the history: how each is registered, its place in the sequence of steps, and what
-// its results are collected over.
+// its results are collected over. While an arc is followed the total time stands still, for the
+// length of an arc is no time; so it does in a step of a negative period, which nothing can take.
 cow_String tasks(Kinds kinds) {
   if (!has(kinds, {eds_RecordKind::HistoryStep}))
     return nothing({"step", "name", "registration", "procedure_kind", "procedure", "place",
@@ -132,17 +133,18 @@ SELECT number AS step, name,
   procedure_kind, procedure,
   iif(registration = 'REGISTERED_STEP', count(*) FILTER (WHERE registration = 'REGISTERED_STEP')
     OVER before, NULL) AS place,
-  CASE WHEN procedure_kind = 'StaticRiks' THEN 'arc length'
+  CASE WHEN procedure_kind = 'StaticRiks' AND period IS NOT NULL THEN 'arc length'
     WHEN procedure_kind = 'DirectCyclic' THEN 'cycle' WHEN ranges IS NOT NULL THEN 'frequency'
     WHEN procedure_kind GLOB 'Frequency*' OR procedure_kind GLOB 'Buckle*'
       OR procedure_kind = 'ComplexFrequency' THEN 'mode'
     WHEN period IS NOT NULL THEN 'time' END AS collection,
-  iif(registration = 'REGISTERED_STEP', total(period) FILTER (WHERE registration = 'REGISTERED_STEP')
-    OVER before - ifnull(period, 0), iif(period IS NULL, NULL, 0.)) AS begins,
-  iif(registration = 'REGISTERED_STEP', total(period) FILTER (WHERE registration = 'REGISTERED_STEP')
-    OVER before, period) AS ends,
+  iif(registration = 'REGISTERED_STEP', total(span) FILTER (WHERE registration = 'REGISTERED_STEP')
+    OVER before - ifnull(span, 0), iif(period IS NULL, NULL, 0.)) AS begins,
+  iif(registration = 'REGISTERED_STEP', total(span) FILTER (WHERE registration = 'REGISTERED_STEP')
+    OVER before, span) AS ends,
   lowest_frequency AS least, highest_frequency AS most, ifnull(eigenvalues, ranges) AS items
-FROM v_history_step WHERE procedure IS NOT NULL
+FROM (SELECT *, iif(period < 0 OR (procedure_kind = 'StaticRiks' AND period > 0), 0., period) AS span
+  FROM v_history_step WHERE procedure IS NOT NULL)
 WINDOW before AS (ORDER BY number))";
 }
 

@@ -409,7 +409,7 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
     cow_String parameter;
     cow_String fault;
     Loss loss;
-    bool isText;
+    bool isDoubt; // it may be there
   };
   cow_List<Missing> missing; // told behind all: another one may cost the keyword
   bool good = true;
@@ -425,7 +425,8 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
     if (parameter.codec != inpS_Codec::Item || form.items[n]->alternatives.size() > 1) continue;
     const eds_Referable& referable = *form.items[n]->alternatives.front().referable;
     if (!m_names.Find(referable, item->Verbatim()).set.IsNull()) continue;
-    if (m_isMeshLeftOut && referable.IsScoped()) {
+    const bool isOfMesh = m_isMeshLeftOut && referable.IsScoped();
+    if (isOfMesh && m_keywords.Row(keyword.Kind())->role != inp_KeywordRole::Procedure) {
       m_withoutMesh.push_back(keyword);
       return false;
     }
@@ -433,10 +434,11 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
     const bool isText =
         definer != inp_NullKeyword && Inventory().NamesFor(keyword, definer, item->AsString());
     if (const Loss lost = LossOf(form, parameter.key); lost != Loss::Keyword) {
-      missing.push_back({parameter.key,
-                         isText ? nameOf(definer) + " \"" + item->AsString() + "\" is kept as text."
-                                : m_names.TextOfMissing(referable, item->AsString()),
-                         lost, isText});
+      cow_String fault = isText ? nameOf(definer) + " \"" + item->AsString() + "\" is kept as text."
+                         : isOfMesh
+                             ? cow_String("The mesh could not be converted, and its sets with it.")
+                             : m_names.TextOfMissing(referable, item->AsString());
+      missing.push_back({parameter.key, std::move(fault), lost, isText || isOfMesh});
       continue;
     }
     if (isText)
@@ -450,7 +452,7 @@ bool inpS_FormVisitor::CheckReferences(const inp_Keyword& keyword, const inpS_Fo
   }
   for (const Missing& one : missing) {
     const Loss lost = good ? one.loss : Loss::Keyword;
-    TellLost(keyword, one.parameter, one.fault, lost, one.isText);
+    TellLost(keyword, one.parameter, one.fault, lost, one.isDoubt);
     loss = std::max(loss, lost);
   }
   return good;

@@ -201,13 +201,17 @@ void Deriver::Read(const KvoSimPosition& step) {
     m_said.description = lines.substr(0, lines.find('\n'));
 }
 
+// The first one; what is said of the heat of a flow, wherever it stands, is none.
 KvoSimPosition Deriver::ProcedureOf(const KvoSimPosition& step) {
   const auto places = step.GetIntKeys(eds_Member::StepKeywords);
   const auto records = step.FollowMap(eds_Member::StepKeywords);
+  const bool isFluid = std::ranges::any_of(
+      records, [](const KvoSimPosition& one) { return one.IsA(eds_FormKind::Cfd); });
   KvoSimPosition first;
   long long at = 0;
   for (std::size_t n = 0; n < records.size(); ++n) {
     if (!Procedure::Of(records[n].Object().RecordKind())) continue;
+    if (isFluid && records[n].IsA(eds_FormKind::HeatTransfer)) continue;
     if (!first.IsNull() && places[n] >= at) continue;
     first = records[n];
     at = places[n];

@@ -102,7 +102,8 @@ void inpS_StepVisitor::Look(inp_KeywordListRef keywords) {
     }
     if (!facts || !isProcedure(keyword.Kind()) || keyword.IsSuboption()) continue;
     if (keyword.Scope().kind != inp_Scope::Kind::Step) continue;
-    if (facts->procedure == inp_NullKeyword) facts->procedure = keyword.Kind();
+    const bool isOfFlow = facts->procedure == inp_KwHeatTransfer && keyword.Kind() == inp_KwCfd;
+    if (facts->procedure == inp_NullKeyword || isOfFlow) facts->procedure = keyword.Kind();
     facts->isExplicit = facts->isExplicit || isExplicitDynamics(keyword);
     facts->isFluid = facts->isFluid || keyword.Kind() == inp_KwCfd;
     if (!facts->isRefused) Judge(keyword, *facts);
@@ -132,30 +133,12 @@ void inpS_StepVisitor::LookAtBase(const KvoSimPosition& firstStep) {
 
 void inpS_StepVisitor::Judge(const inp_Keyword& procedure, Facts& facts) {
   Enter(procedure);
-  const inpS_Form* form = IsLostByWords(procedure, nullptr) ? nullptr : Choose(procedure, nullptr);
-  facts.isRefused = !form || LacksWhatItNames(procedure, *form);
+  facts.isRefused = IsLostByWords(procedure, nullptr) || !Choose(procedure, nullptr);
   if (!facts.isRefused) return;
   wip_Message message = inp_Utils::MessageInKeyword(
       procedure, "*" + procedure.Name() + " cannot be converted; its step is kept as text.");
   message.tellsKept = true;
   AddWarning(std::move(message));
-}
-
-// A parameter of it that names a set must find it: that is told.
-bool inpS_StepVisitor::LacksWhatItNames(const inp_Keyword& procedure, const inpS_Form& form) {
-  for (std::size_t n = 0; n < form.parameters.size(); ++n) {
-    const eds_FormItem& item = *form.items[n];
-    const eds_Referable* referable = item.alternatives.front().referable;
-    const inp_Item* value = procedure.Find(form.parameters[n].key);
-    if (!referable || !value || item.alternatives.size() > 1) continue;
-    if (!Names().Find(*referable, value->Verbatim()).set.IsNull()) continue;
-    if (!IsMeshLeftOut())
-      Tell(procedure,
-           inp_Utils::MessageAtParameter(procedure, form.parameters[n].key,
-                                         Names().TextOfMissing(*referable, value->AsString())));
-    return true;
-  }
-  return false;
 }
 
 void inpS_StepVisitor::VisitList(inp_KeywordListRef keywords) {
@@ -196,17 +179,46 @@ bool inpS_StepVisitor::IsOfPhase(const inp_Keyword& keyword) const {
   return known == m_facts.end() || !known->second.isRefused;
 }
 
+// Decided here, for two layouts of the line of *BUCKLE are about: a line of a subspace iteration
+// has two bounds where five values stand, or where the third one is spelt as a real (else it is the
+// number of vectors); one of the Lanczos solver has one bound where that is spelt as a real and two
+// whole numbers follow, and no fifth value.
+const inpS_Form* inpS_StepVisitor::Choose(const inp_Keyword& keyword, const inp_Keyword* parent) {
+  const inpS_Form* form = inpS_FormVisitor::Choose(keyword, parent);
+  const inp_DataArray& data = keyword.Data();
+  if (!form || keyword.Kind() != inp_KwBuckle || data.Rows() == 0) return form;
+  const auto has = [&](int col) { return col < data.Cols(0) && data.HasValue(0, col); };
+  const auto isSpelledReal = [&](int col) {
+    return data.AsStringVerbatim(0, col).find_first_of(".eEdD") != cow_String::npos;
+  };
+  const auto isReal = [&](int col) {
+    return has(col) && data.IsNumber(0, col) && isSpelledReal(col);
+  };
+  const auto isWhole = [&](int col) {
+    return has(col) && data.IsNumber(0, col) && !isSpelledReal(col);
+  };
+  const bool hasTwoBounds = has(4) || isReal(2);
+  const bool hasOneBound = !has(4) && isReal(1) && isWhole(2) && isWhole(3);
+  if (form->kind == eds_FormKind::BuckleSubspace && hasTwoBounds)
+    return inpS_FormTable::Instance().Find(eds_FormKind::BuckleSubspaceBounds);
+  if (form->kind == eds_FormKind::BuckleLanczos && hasOneBound)
+    return inpS_FormTable::Instance().Find(eds_FormKind::BuckleLanczosBound);
+  return form;
+}
+
 // What a procedure says wrongly the analysis cannot go without; a condition it would.
 bool inpS_StepVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
   return isProcedure(kind) || kind == inp_KwTemperature || kind == inp_KwConnectorLoad ||
          kind == inp_KwConnectorMotion;
 }
 
-// A word that nobody knows is no reason to lose a step and all that acts in it. What chooses the
-// variant is; what tells the meaning of the lines, for without it they mean nothing; and a set that
-// is not there, for without it they are about the whole model.
+// A word that nobody knows is no reason to lose a step and all that acts in it, nor is a set that a
+// procedure names and that is not there: without it the procedure is of the whole model, and that
+// it should not be is an error. What chooses the variant of another keyword is a reason to lose it;
+// what tells the meaning of the lines, for without it they mean nothing; and a set that is not
+// there, for without it they are about the whole model.
 bool inpS_StepVisitor::MayLack(const inpS_Form& form, const eds_FormItem& item) const {
-  if (item.alternatives.front().referable) return false;
+  if (item.alternatives.front().referable) return isProcedure(form.keyword);
   if (std::ranges::any_of(form.selectors,
                           [&](const auto& one) { return inpS_bareWord(one.name) == bareOf(item); }))
     return false;
@@ -227,7 +239,7 @@ void inpS_StepVisitor::Open(const inp_Keyword& keyword, const KvoSimPosition& re
   m_procedure = m_lastProcedure = {};
   if (m_left.empty()) m_extrapolation.clear();
   if (cow_String own = extrapolationOf(record); !own.empty()) m_extrapolation = std::move(own);
-  m_dampings.clear();
+  m_ofProcedures.clear();
   CloseLoadCase();
   m_loadCases.clear();
   m_given.clear();
@@ -256,33 +268,41 @@ void inpS_StepVisitor::VisitEndStep(const inp_Keyword& keyword) {
     Warning(keyword, "No procedure is defined.");
     m_left = m_given;
   }
-  SetDamping();
+  SetDampings();
   CloseLoadCase();
   inpS_keepUnused(keyword, OpenStep(), *this, inpS_closingRow);
   Ledger().Take(keyword, OpenStep());
 }
 
 // It is the last procedure's that stands before it. At the step's end, for none may: then it is the
-// first one's. FIELD chooses the degrees of freedom that
-// a keyword is for; without it, and with a word that is none, it is for all.
-void inpS_StepVisitor::SetDamping() {
+// first one's.
+void inpS_StepVisitor::SetDampings() {
+  if (m_procedure.IsNull()) return; // told
+  for (const auto& [keyword, given, behind] : m_ofProcedures) {
+    const KvoSimPosition& procedure = behind.IsNull() ? m_procedure : behind;
+    KvoSimDataRecord record = given.DataRecord();
+    record.SetReference(eds_formField(given.Object().RecordKind(), "procedure"), procedure);
+    if (keyword.Kind() == inp_KwGlobalDamping) AddGlobalDamping(keyword, record, procedure);
+  }
+}
+
+// FIELD chooses the degrees of freedom that a keyword is for; without it, and with a word that is
+// none, it is for all.
+void inpS_StepVisitor::AddGlobalDamping(const inp_Keyword& keyword, const KvoSimDataRecord& given,
+                                        const KvoSimPosition& procedure) {
   const auto fieldOf = [](std::string_view column) {
     return eds_formField(eds_FormKind::GlobalDamping, column);
   };
-  for (const auto& [keyword, given, behind] : m_dampings) {
-    if (m_procedure.IsNull()) return; // told
-    const KvoSimDataRecord record = given.DataRecord();
-    const cow_String field = record.ReturnString(fieldOf("field"));
-    double damping[6] = {};
-    for (std::size_t n = 0; const char* column : {"alpha", "beta", "structural"}) {
-      const double value = record.GetDouble(fieldOf(column));
-      damping[n++] = field == "ACOUSTIC" ? 0 : value;
-      damping[n++] = field == "MECHANICAL" ? 0 : value;
-    }
-    cow_List<cow_String> messages;
-    inpS_SetGlobalDamping(OpenStep(), behind.IsNull() ? m_procedure : behind, damping, messages);
-    for (const cow_String& message : messages) Warning(keyword, message);
+  const cow_String field = given.ReturnString(fieldOf("field"));
+  double damping[6] = {};
+  for (std::size_t n = 0; const char* column : {"alpha", "beta", "structural"}) {
+    const double value = given.GetDouble(fieldOf(column));
+    damping[n++] = field == "ACOUSTIC" ? 0 : value;
+    damping[n++] = field == "MECHANICAL" ? 0 : value;
   }
+  cow_List<cow_String> messages;
+  inpS_SetGlobalDamping(OpenStep(), procedure, damping, messages);
+  for (const cow_String& message : messages) Warning(keyword, message);
 }
 
 // ---- what a row cannot say
@@ -339,7 +359,11 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
     m_loadCase.reset();
     return;
   case inp_KwGlobalDamping:
-    m_dampings.push_back({keyword, record, m_lastProcedure});
+  case inp_KwModalDamping:
+  case inp_KwCompositeModalDamping:
+  case inp_KwDampingControls:
+  case inp_KwMatrixOutput:
+    m_ofProcedures.push_back({keyword, record, m_lastProcedure});
     return;
   case inp_KwStatic:
   case inp_KwDynamic:
@@ -404,12 +428,12 @@ bool inpS_StepVisitor::IsPerturbation() const {
 
 // What fluid dynamics says of heat is no procedure of its own.
 void inpS_StepVisitor::SetProcedure(const inp_Keyword& keyword, const KvoSimPosition& record) {
+  if (m_open && m_open->isFluid && keyword.Kind() == inp_KwHeatTransfer) return;
   m_lastProcedure = record;
   if (m_procedure.IsNull()) {
     m_procedure = record;
     return;
   }
-  if (m_open && m_open->isFluid && keyword.Kind() == inp_KwHeatTransfer) return;
   const inpS_Form* first = inpS_FormTable::Instance().Find(m_procedure.Object().RecordKind());
   Warning(keyword, "The step has a procedure already, *" +
                        cow_String(inp_KeywordTable::Instance().Row(first->keyword)->name) +
@@ -427,7 +451,13 @@ void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_For
   if (keyword.Kind() == inp_KwStatic && keyword.HasParameter("fullyplastic"))
     AddWarning(inp_Utils::MessageAtParameter(keyword, "fullyplastic",
                                              "parameter fullyplastic is not supported."));
-  if (keyword.Kind() == inp_KwHeatTransfer && keyword.StringOf("centering", "") == "NODE")
+  if (keyword.Kind() != inp_KwHeatTransfer || !keyword.HasParameter("centering")) return;
+  const bool isOfFlow = (m_open && m_open->isFluid) ||
+                        inp_KeywordTable::BareWord(keyword.StringOf("type", "")) == "THERMALFLOW";
+  if (!isOfFlow)
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "centering", "CENTERING means nothing without *CFD; it is kept as given."));
+  else if (keyword.StringOf("centering", "") == "NODE")
     AddError(inp_Utils::MessageAtParameter(keyword, "centering",
                                            "Node-centered heat transfer in CFD is not supported."));
 }

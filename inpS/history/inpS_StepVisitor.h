@@ -23,6 +23,7 @@ public:
 
 protected:
   bool IsOfPhase(const inp_Keyword& keyword) const override;
+  const inpS_Form* Choose(const inp_Keyword& keyword, const inp_Keyword* parent) override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   bool MayLack(const inpS_Form& form, const eds_FormItem& item) const override;
@@ -42,9 +43,10 @@ private:
   };
   void Look(inp_KeywordListRef keywords);
   void LookAtBase(const KvoSimPosition& firstStep);
-  void SetDamping();
+  void SetDampings();
+  void AddGlobalDamping(const inp_Keyword& keyword, const KvoSimDataRecord& given,
+                        const KvoSimPosition& procedure);
   void Judge(const inp_Keyword& procedure, Facts& facts);
-  bool LacksWhatItNames(const inp_Keyword& procedure, const inpS_Form& form);
   void Open(const inp_Keyword& keyword, const KvoSimPosition& record);
   void SetProcedure(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form);
@@ -89,12 +91,12 @@ private:
   long long m_times = 0;                                     // that lines of *TIME POINTS make
   KvoSimPosition m_procedure;                                // of the open step, its first
   KvoSimPosition m_lastProcedure;                            // likewise, the last one so far
-  struct Damping {
+  struct Option {
     inp_Keyword keyword;
     KvoSimPosition record;
     KvoSimPosition procedure; // that it stands behind; null: it stands before all
   };
-  cow_List<Damping> m_dampings;          // likewise, all global damping
+  cow_List<Option> m_ofProcedures;       // likewise, what is for one of its procedures
   std::optional<inp_Keyword> m_loadCase; // that is open
   cow_List<cow_String> m_loadCases;      // names of those of the open step
   // Parameters of *STEP in the steps right before without a procedure, and in the one that is open.

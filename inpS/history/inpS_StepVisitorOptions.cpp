@@ -32,6 +32,11 @@ constexpr Needs kNeeds[] = {
     {inp_KwRetainedNodalDofs, Need::Lines, "", "no degrees of freedom"},
     {inp_KwCreepStrainRateControl, Need::Lines, "", "no strain rate"},
     {inp_KwBuckle, Need::Lines, "", "no number of modes"},
+    {inp_KwSubstructureGenerate, Need::Any, "type", "no TYPE"},
+    {inp_KwMatrixGenerate, Need::Any, "stiffness mass viscousdamping structuraldamping load",
+     "no matrix"},
+    {inp_KwMatrixOutput, Need::Any, "stiffness mass viscousdamping structuraldamping load",
+     "no matrix"},
 };
 
 // A first and a last one in columns next to each other, and the least that the first may be.
@@ -53,9 +58,26 @@ struct Positive {
   const char* parameter;
 };
 constexpr Positive kPositive[] = {
-    {inp_KwFixedMassScaling, "factor"}, {inp_KwFixedMassScaling, "dt"},
-    {inp_KwVariableMassScaling, "dt"},  {inp_KwContourIntegral, "contours"},
-    {inp_KwDynamic, "scalefactor"},     {inp_KwDynamicTemperatureDisplacement, "scalefactor"},
+    {inp_KwFixedMassScaling, "factor"},
+    {inp_KwFixedMassScaling, "dt"},
+    {inp_KwVariableMassScaling, "dt"},
+    {inp_KwContourIntegral, "contours"},
+    {inp_KwDynamic, "scalefactor"},
+    {inp_KwDynamicTemperatureDisplacement, "scalefactor"},
+    {inp_KwHeatTransfer, "deltmx"},
+    {inp_KwCoupledTemperatureDisplacement, "deltmx"},
+    {inp_KwHeatTransfer, "mxdem"},
+    {inp_KwCoupledTemperatureDisplacement, "cetol"},
+    {inp_KwMassDiffusion, "dcmax"},
+    {inp_KwCoupledThermalElectrical, "deltmx"},
+    {inp_KwSoils, "deltmx"},
+    {inp_KwCoupledThermalElectrical, "mxdem"},
+    {inp_KwSoils, "utol"},
+    {inp_KwSoils, "cetol"},
+    {inp_KwVisco, "cetol"},
+    {inp_KwGeostatic, "utol"},
+    {inp_KwDirectCyclic, "cetol"},
+    {inp_KwDirectCyclic, "deltmx"},
 };
 
 constexpr const char* kKept = "; it is kept as given.";

@@ -50,7 +50,8 @@ void inpS_StepVisitor::CheckPerturbation(const inp_Keyword& keyword, const inpS_
   const Procedure* of = Procedure::Of(form.kind);
   if (!of || of->registration != Procedure::Registration::Step || !IsPerturbation()) return;
   if (form.kind == eds_FormKind::Static) return;
-  Warning(keyword, "*" + keyword.Name() +
+  const bool isArc = form.kind == eds_FormKind::StaticRiks;
+  Warning(keyword, "*" + keyword.Name() + (isArc ? ", RIKS" : "") +
                        " is no linear perturbation; its step is taken for one all the same, and "
                        "what it changes ends with it.");
 }

@@ -123,8 +123,8 @@ def check_history(found):
     page = (ROOT / "docs/database.md").read_text(encoding="utf-8")
     query = re.search(r"\n    (SELECT place, name, collection.*?)\n\n", page, re.S)[1]
     same("the sequence of steps", db.execute(query).fetchall(),
-         [(1, "Step-1", "time", 0.0, 2.0), (2, "Step-4", "arc length", 2.0, 5.0),
-          (3, "Step-5", "time", 5.0, 9.0)])
+         [(1, "Step-1", "time", 0.0, 2.0), (2, "Step-4", "arc length", 2.0, 2.0),
+          (3, "Step-5", "time", 2.0, 6.0)])
     same("tasks and events", db.execute("""SELECT step, registration, place, collection, least, most,
          items FROM v_task WHERE registration <> 'step'""").fetchall(),
          [(2, "event", None, None, None, None, None), (3, "task", None, "mode", None, 50.0, 7)])
@@ -136,6 +136,34 @@ def check_history(found):
     same("time points", {name: [round(one, 9) for one in all] for name, all in times.items()},
          {"TENTHS": [0.0, 0.1, 0.2, 0.3, 1.0, 1.5, 2.0], "FEW": [0.5, 2.0]})
     same("the end that is met", times["TENTHS"][3], 0.3)
+
+
+# Of damping the page's query tells the procedure; and what may stand in a step and is kept as text
+# is what the decisions name, no procedure among it.
+def check_steps(program, folder):
+    model = folder / "damped.sim"
+    deck = folder / "damped.inp"
+    words = (ROOT / "parser/inp_keywords.def").read_text(encoding="utf-8")
+    procedures = re.findall(r'INP_KEYWORD\(\w+, "([^"]+)", Step, Procedure', words)
+    deck.write_text("*NODE\n1, 0.\n" + "".join(f"*STEP\n*{name}\n*END STEP\n" for name in procedures)
+                    + "*STEP\n*MODAL DYNAMIC\n0.1, 1.\n*MODAL DAMPING\n1, 2, 0.05\n*END STEP\n",
+                    encoding="utf-8")
+    subprocess.run([program, "convert", deck, "-o", model, "-q"], check=False, stderr=subprocess.DEVNULL)
+    db = sqlite3.connect(model)
+    same("procedures of the vocabulary that are a step's",
+         db.execute("SELECT count(procedure), count(*) FROM v_history_step").fetchone(),
+         (len(procedures) + 1,) * 2)
+    page = (ROOT / "docs/database.md").read_text(encoding="utf-8")
+    query = re.search(r"\n    (SELECT h.number, d.id.*?)\n\n", page, re.S)[1]
+    same("whose damping", db.execute(query).fetchall(), [(len(procedures) + 1, 1, "ModalDynamic")])
+    told = (ROOT / "docs/decisions.md").read_text(encoding="utf-8")
+    table = told.split("**What may stand in a step and is kept as text?**")[1].split("\n\n")[1]
+    named = set(re.findall(r"`\*([A-Z -]+)`", table))
+    lines = subprocess.run([program, "keywords"], check=True, capture_output=True, text=True).stdout
+    kept = {name.strip() for name, levels in re.findall(r"^\*(.*?)  +kept as text  (.*)$", lines, re.M)
+            if "step" in levels.split(", ")}
+    asked = {name for name in kept if name.endswith((" OUTPUT", " PRINT", " FILE", " RESPONSE"))}
+    same("kept as text in steps", kept - asked, named)
 
 
 # A model of next to nothing: the example finds nothing and asks for nothing that is not there.
@@ -199,6 +227,7 @@ def main():
             if check not in (check_heading, check_loads, check_history):
                 check_words(page, model)
         check_views(list(folder.glob("*.sim")))
+        check_steps(program, folder)
     for fault in FAULTS:
         print(fault)
     return 1 if FAULTS else 0

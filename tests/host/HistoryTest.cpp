@@ -1,6 +1,6 @@
 // The history as info prints it, and as it gives it to programs.
 
-#include "tests/host/ProgramRun.h"
+#include "tests/host/StepAsText.h"
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -68,14 +68,17 @@ TEST_F(History, IsWholeForPrograms) {
   EXPECT_EQ(steps[3]["options"], json::array());
 }
 
-// One whose set is missing stands before all others, one between them.
+// One stands before all others, one between them.
 TEST_F(History, ListsStepsThatAreKeptAsText) {
-  const cow_String lost = "*STEADY STATE TRANSPORT, ELSET=NOWHERE\n*END STEP\n";
-  const cow_String deck = "*NODE\n1, 0.\n*STEP\n" + lost + "*STEP\n*STATIC\n*END STEP\n" +
-                          "*STEP, NAME=\"Lost one\"\n" + lost + "*STEP\n*STATIC\n*END STEP\n";
-  ProgramRun({"convert", Deck("t.inp", deck), "-o", File("t.sim"), "--quiet"});
+  ProgramRun({"convert",
+              Deck("t.inp", "*NODE\n1, 0.\n*STEP, NAME=\"Lost one\"\n*STATIC\n*END STEP\n"
+                            "*STEP\n*STATIC\n*END STEP\n"),
+              "-o", File("t.sim"), "--quiet"});
+  addStepAsText(m_folder / "t.sim", "*STEP\n", "*STATIC\n", 0);
+  addStepAsText(m_folder / "t.sim", "*STEP, NAME=\"Lost one\"\n", "*STATIC\n", 1);
   const cow_String out = ProgramRun({"info", File("t.sim")}).out;
   EXPECT_EQ(Line(out, "1 Step-1"), "1 Step-1 kept as text - - - -") << out;
+  EXPECT_EQ(Line(out, "2 "), "2 Lost one-Old *STATIC general 1 automatic, at most 100 -") << out;
   EXPECT_EQ(Line(out, "3 "), "3 Lost one kept as text - - - -") << out;
   EXPECT_EQ(Line(out, "4 Step-4"), "4 Step-4 *STATIC general 1 automatic, at most 100 -") << out;
   const json steps =
