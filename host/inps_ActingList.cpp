@@ -29,7 +29,7 @@ cow_String regionText(const Acting& acting) {
   }
   if (acting.target) return within + std::to_string(*acting.target);
   if (!members.empty()) return members;
-  if (acting.isWhole) return {};
+  if (acting.isWhole) return acting.base.empty() ? cow_String() : "base " + acting.base;
   return acting.rows > 1 ? inps_counted(acting.rows, "row")
                          : "row " + std::to_string(acting.firstRow + 1);
 }
@@ -38,6 +38,15 @@ cow_String fieldText(const Acting& acting) {
   if (!acting.restraint.empty()) return acting.restraint;
   if (acting.field.empty() || acting.field == acting.label) return acting.label;
   return acting.label.empty() ? acting.field : acting.field + " " + acting.label;
+}
+
+// "RAMP", "ended RAMP", "RAMP; film HEAT"
+cow_String amplitudeText(const Acting& acting) {
+  cow_String text = (acting.hasAmplitudeEnded ? "ended " : "") + acting.amplitude;
+  if (!acting.filmAmplitude.empty())
+    text += cow_String(text.empty() ? "" : "; ") +
+            (acting.hasFilmAmplitudeEnded ? "ended film " : "film ") + acting.filmAmplitude;
+  return text;
 }
 
 inps_TextTable<kColumns>::Row rowOf(const Acting& acting) {
@@ -53,7 +62,7 @@ inps_TextTable<kColumns>::Row rowOf(const Acting& acting) {
           inps_oneLine(fieldText(acting)),
           components,
           magnitude,
-          (acting.hasAmplitudeEnded ? "ended " : "") + inps_oneLine(acting.amplitude),
+          inps_oneLine(amplitudeText(acting)),
           std::to_string(acting.fromStep),
           acting.how,
           inps_oneLine(acting.loadCase)};
@@ -108,6 +117,9 @@ inps_Json jsonOf(const Acting& acting) {
   one["magnitude"] = acting.magnitude ? inps_Json(*acting.magnitude) : inps_Json(nullptr);
   one["amplitude"] = text(acting.amplitude);
   one["amplitudeEnded"] = acting.hasAmplitudeEnded;
+  one["filmAmplitude"] = text(acting.filmAmplitude);
+  one["filmAmplitudeEnded"] = acting.hasFilmAmplitudeEnded;
+  one["base"] = text(acting.base);
   one["localAxes"] = acting.isAlongLocalAxes;
   one["fromStep"] = acting.fromStep;
   one["how"] = acting.how;

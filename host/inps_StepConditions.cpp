@@ -59,10 +59,13 @@ inps_StepConditions::inps_StepConditions(const inps_FlatMesh& mesh, const KvoObj
 void inps_StepConditions::Read(const Acting& acting) {
   const inpS_ExcitationKind& kind = acting.kind;
   const KvoSimDataRecord record = acting.record.DataRecord();
-  m_given = {acting.record, m_keywords.at(static_cast<std::size_t>(kind.number)), {}, 1, false, {}};
+  m_given = {
+      acting.record, m_keywords.at(static_cast<std::size_t>(kind.number)), {}, 1, false, false, {}};
   if (kind.type >= 0) m_given.type = record.GetString(kind.type);
   if (kind.variable >= 0) m_given.variable = std::max<int64_t>(1, record.GetInt64(kind.variable));
   m_given.isHeld = hasFlag(kind, acting.record, "fixed") || hasFlag(kind, acting.record, "user");
+  m_given.isZero = acting.isHeld && m_given.keyword == "BOUNDARY";
+  if (m_given.isZero) return; // as a perturbation, whoever gave it
   if (!acting.loadCase.IsNull()) m_given.unknown = " in load cases";
   static constexpr std::pair<std::string_view, const char*> flags[] = {
       {"imaginary", ", IMAGINARY"}, {"user", ", USER"}, {"submodel", ", SUBMODEL"}};
@@ -88,7 +91,7 @@ bool inps_StepConditions::AddToNodes(const Acting& acting) {
   const eds_MemberSet& nodes = acting.target >= 0 ? one : *acting.members;
   if (acting.restraint < 0 && !m_given.isHeld)
     return m_nodes.Add({m_given.keyword, m_given.type, m_given.variable}, acting.degrees, nodes,
-                       acting.magnitude);
+                       m_given.isZero ? 0.0 : acting.magnitude);
   m_nodes.Hold(acting.degrees, nodes);
   return true;
 }

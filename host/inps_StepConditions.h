@@ -28,6 +28,7 @@ private:
     cow_String type;
     int64_t variable = 1;
     bool isHeld = false; // whatever the values are
+    bool isZero = false;
     cow_String unknown;  // why its values are none to show; empty: they are
   };
   void Read(const Acting& acting);

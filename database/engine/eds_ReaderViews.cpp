@@ -87,17 +87,48 @@ cow_String totalAmplitudes(Kinds kinds) {
   return sql.empty() ? "SELECT NULL AS kind, NULL AS id WHERE 0" : sql;
 }
 
+// What keywords say beside what an excitation has: of which base a motion is, how the coefficient
+// of a film runs.
+cow_String companions(Kinds kinds) {
+  cow_String sql =
+      "SELECT NULL AS kind, NULL AS id, NULL AS base, NULL AS film, 0 AS goes_on WHERE 0";
+  const auto hasField = [](const eds_RecordInfo& kind, std::string_view column) {
+    return std::ranges::find(kind.fields, column, &eds_FieldInfo::column) != kind.fields.end();
+  };
+  for (const eds_RecordInfo* kind : kinds) {
+    const cow_String from = "'" + cow_String(kind->name) + "', g.id, ";
+    const cow_String view = " FROM \"v_" + cow_String(kind->table) + "\" g";
+    if (hasField(*kind, "base_name"))
+      sql += " UNION ALL SELECT " + from + "g.base_name, NULL, 0" + view +
+             " WHERE g.base_name IS NOT NULL";
+    if (hasField(*kind, "film_amplitude"))
+      sql += " UNION ALL SELECT " + from + "NULL, g.film_amplitude_name, t.id IS NOT NULL" + view +
+             " LEFT JOIN total t ON t.kind = g.film_amplitude_kind AND t.id = g.film_amplitude"
+             " WHERE g.film_amplitude IS NOT NULL";
+  }
+  return sql;
+}
+
 // A perturbation step has conditions and fields of the state it starts from, but none of its loads.
 cow_String inForce(Kinds kinds) {
   using Kind = eds_RecordKind;
   if (!has(kinds, {Kind::Excitation, Kind::Relay, Kind::HistoryStep}))
-    return nothing(
-        {"step",      "step_name",       "excitation", "keyword",  "field",     "components",
-         "restraint", "label",           "region",     "instance", "target",    "magnitude",
-         "amplitude", "amplitude_ended", "from_step",  "how",      "load_case", "load_case_number",
-         "imaginary", "fixed",           "given_kind", "given",    "first_row", "rows",
-         "members"});
-  return "\nWITH total AS (" + totalAmplitudes(kinds) + ")" + R"(
+    return nothing({"step",           "step_name",
+                    "excitation",     "keyword",
+                    "field",          "components",
+                    "restraint",      "label",
+                    "region",         "instance",
+                    "target",         "magnitude",
+                    "amplitude",      "amplitude_ended",
+                    "from_step",      "how",
+                    "load_case",      "load_case_number",
+                    "imaginary",      "fixed",
+                    "given_kind",     "given",
+                    "first_row",      "rows",
+                    "members",        "base",
+                    "film_amplitude", "film_amplitude_ended"});
+  return "\nWITH total AS (" + totalAmplitudes(kinds) + "), also AS (" + companions(kinds) + ")" +
+         R"(
 SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS keyword, e.field,
   ifnull(r.components, e.components) AS components, e.restraint, e.label,
   r.region_name AS region, r.instance_name AS instance, r.label AS target,
@@ -108,13 +139,17 @@ SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS ke
   CASE WHEN e.step = h.number THEN 'given' WHEN h.perturbation = 1
     OR h.registration = 'REGISTERED_TASK' THEN 'held' ELSE 'carried' END
     AS how,
-  e.load_case_name AS load_case, e.load_case_number, ifnull(e.imaginary, 0) AS imaginary,
+  iif(e.load_case IS NOT NULL, ifnull(nullif(e.load_case_name, ''), 'unnamed'), NULL) AS load_case,
+  e.load_case_number, ifnull(e.imaginary, 0) AS imaginary,
   ifnull(e.fixed, 0) AS fixed, e.given_kind, e.given,
-  r.first_row, ifnull(r.rows, 1) AS rows, r.members
+  r.first_row, ifnull(r.rows, 1) AS rows, r.members, also.base,
+  iif(e.step = h.number OR also.goes_on, also.film, NULL) AS film_amplitude,
+  iif(e.step = h.number OR also.goes_on, NULL, also.film) AS film_amplitude_ended
 FROM v_history_step h
   JOIN v_relay r ON r.first_step <= h.number AND h.number <= ifnull(r.last_step, h.number)
   JOIN v_excitation e ON e.id = r.excitation
   LEFT JOIN total ON total.kind = e.amplitude_kind AND total.id = e.amplitude
+  LEFT JOIN also ON also.kind = e.given_kind AND also.id = e.given
 WHERE (ifnull(h.perturbation, 0) = 0 AND ifnull(h.registration, '') <> 'REGISTERED_TASK') OR e.step = h.number OR e.kind IN ('BOUNDARY',
   'CONNECTOR MOTION', 'TEMPERATURE', 'FIELD', 'PRESSURE STRESS', 'MASS FLOW RATE', 'D EM POTENTIAL'))";
 }

@@ -162,9 +162,7 @@ void inpS_printKeywordWith(utl_Stream& out, const inpS_Form& form, const KvoSimP
       if (!text->second->empty()) out << '=' << *text->second;
     }
   }
-  if (!record.IsNull()) {
-    printSelectors(out, form, parts.FirstOf(record));
-    out << parts.FirstOf(record).parameters;
-  }
+  printSelectors(out, form, record.IsNull() ? inpS_KeptPart() : parts.FirstOf(record));
+  if (!record.IsNull()) out << parts.FirstOf(record).parameters;
   out << '\n';
 }

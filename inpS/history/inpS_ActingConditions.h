@@ -13,6 +13,7 @@ public:
     KvoSimPosition record;        // what the deck says
     KvoSimPosition loadCase;      // null: none
     bool isOfStep;                // given in it; else carried into it, or held
+    bool isHeld;                  // of the state before a perturbation
     uint64_t degrees;             // inpS_Degrees::Bit; 1 where the kind has none
     int restraint;                // -1: none
     double magnitude;             // as given, without its amplitude

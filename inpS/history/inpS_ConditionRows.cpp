@@ -28,6 +28,8 @@ inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
       m_isWords(kind.key == inpS_ExcitationKind::Key::Words) {
   if (kind.info->data != eds_FormData::Columns) {
     m_count = 1; // one that needs no rows
+    if (kind.lineSurface >= 0)
+      m_count = static_cast<long long>(record.GetVector(eds_Member::Lines).size());
     return;
   }
   m_count = m_record.GetInt64(kind.info->rowsField);
@@ -126,6 +128,9 @@ void inpS_ConditionRows::ReadRows(long long begin, long long end, Piece& piece) 
   piece.firstRow = begin;
   read(m_target, m_isWords ? piece.words : piece.targets);
   if (m_isWords) piece.targets.assign(count, inp_blankInt);
+  if (m_kind.lineSurface >= 0) // each names its own
+    for (std::size_t n = 0; n < count; ++n)
+      piece.targets[n] = static_cast<int>(-1 - begin - static_cast<long long>(n));
   read(m_first, piece.first);
   read(m_last, piece.last);
   read(m_label, piece.label);
@@ -233,15 +238,20 @@ void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, const Codes& codes) 
 
 inpS_ConditionTargets::inpS_ConditionTargets(const KvoSimPosition& record,
                                              const inpS_ExcitationKind& kind)
-    : m_record(record) {
+    : m_record(record), m_lineSurface(kind.lineSurface), m_lineInstance(kind.lineInstance),
+      m_isSurface(kind.NamesSurfaces()) {
   if (kind.info->data != eds_FormData::Columns) return;
-  const eds_FormType type = itemOf(kind, kind.target).alternatives.front().type;
-  m_isSurface = type == eds_FormType::Reference;
-  m_isNodes = type == eds_FormType::Node;
+  m_isNodes = itemOf(kind, kind.target).alternatives.front().type == eds_FormType::Node;
 }
 
 void inpS_ConditionTargets::Read() {
   m_isRead = true;
+  if (m_lineSurface >= 0)
+    for (const KvoSimPosition& line : m_record.GetVector(eds_Member::Lines))
+      m_regions.push_back({line.DataRecord().GetReference(m_lineSurface),
+                           line.DataRecord().GetReference(m_lineInstance),
+                           0,
+                           {}});
   for (const KvoSimPosition& named : m_record.GetVector(eds_Member::Targets)) {
     Region& region = m_regions.emplace_back();
     region.set = named.DataRecord().GetReference(eds_Target_Set);

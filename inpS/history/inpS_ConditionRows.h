@@ -122,8 +122,9 @@ private:
   void Read(); // when first asked for: most rows of large records name labels
 
   KvoSimPosition m_record;
+  int m_lineSurface, m_lineInstance; // of lines that are records; -1: they are none
   bool m_isNodes = false;
-  bool m_isSurface = false;
+  bool m_isSurface;
   bool m_isRead = false;
   cow_List<Region> m_regions;
   cow_List<std::unique_ptr<eds_MemberSet>> m_members;

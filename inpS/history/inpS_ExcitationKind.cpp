@@ -43,6 +43,16 @@ void findColumns(Kind& kind) {
   }
 }
 
+struct AmplitudeName {
+  std::string_view name, parameter;
+  bool isOfMagnitude;
+};
+constexpr AmplitudeName amplitudeNames[] = {
+    {"amplitude", "AMPLITUDE", true},
+    {"pressure_amplitude", "PRESSURE AMPLITUDE", true},
+    {"acceleration_amplitude", "ACCELERATION AMPLITUDE", true},
+    {"film_amplitude", "FILM AMPLITUDE", false}};
+
 constexpr uint64_t degrees(std::initializer_list<int> all) {
   uint64_t bits = 0;
   for (const int degree : all) bits |= inpS_Degrees::Bit(degree);
@@ -69,7 +79,9 @@ const cow_List<Kind>& inpS_ExcitationKind::All() {
       kind.lasting = lasting;
       kind.info = eds_formOf(form);
       kind.op = fieldOf(*kind.info, "op");
-      kind.amplitude = fieldOf(*kind.info, "amplitude");
+      for (const auto& [name, parameter, isOfMagnitude] : amplitudeNames)
+        if (const int field = fieldOf(*kind.info, name); field >= 0)
+          kind.amplitudes.push_back({parameter, field, isOfMagnitude});
       kind.imaginary = fieldOf(*kind.info, "imaginary");
       kind.fixed = fieldOf(*kind.info, "fixed");
       kind.type = fieldOf(*kind.info, "type");
@@ -81,6 +93,10 @@ const cow_List<Kind>& inpS_ExcitationKind::All() {
       kind.loadCase = fieldOf(*kind.info, "load_case");
       kind.degree = fieldOf(*kind.info, "dof");
       kind.baseName = fieldOf(*kind.info, "base_name");
+      if (form == eds_FormKind::FluidBoundaryPhysical) {
+        kind.lineSurface = eds_formField(eds_FormKind::FluidRegion, "surface");
+        kind.lineInstance = eds_formField(eds_FormKind::FluidRegion, "surface_instance");
+      }
       findColumns(kind);
     };
 #define INPS_EXCITATION(Form, Keyword, KeyOf, Field, GivenTwice, Lasts)                            \
@@ -116,13 +132,7 @@ cow_String inpS_ExcitationKind::PartOf(const KvoSimDataRecord& record) const {
   // Surfaces, elements and nodes have numbers of their own.
   if (form == eds_FormKind::FluidBoundarySurface) part += "S";
   if (form == eds_FormKind::FluidBoundaryElement) part += "E";
-  if (form == eds_FormKind::FluidBoundaryPhysical) {
-    part += "P";
-    for (const KvoSimPosition& line : record.Pos().GetVector(eds_Member::Lines)) {
-      const int surface = eds_formField(line.Object().RecordKind(), "surface");
-      part += "," + std::to_string(line.DataRecord().GetReference(surface).Object().Packed());
-    }
-  }
+  if (form == eds_FormKind::FluidBoundaryPhysical) part += "P";
   return part + "\n";
 }
 
@@ -136,11 +146,30 @@ uint64_t inpS_ExcitationKind::BlankDegree() const {
   return form == Form::ConcentratedFlow ? inpS_Degrees::Bit(8) : 0;
 }
 
-bool inpS_ExcitationKind::IsGivenElsewhere(const KvoSimDataRecord& record) const {
+KvoSimPosition inpS_ExcitationKind::AmplitudeOf(const KvoSimDataRecord& record) const {
+  for (const Amplitude& one : amplitudes)
+    if (one.isOfMagnitude)
+      if (const KvoSimPosition amplitude = record.GetReference(one.field); !amplitude.IsNull())
+        return amplitude;
+  return {};
+}
+
+bool inpS_ExcitationKind::IsGivenElsewhere(const KvoSimDataRecord& record,
+                                           std::string_view label) const {
+  // A routine of the user gives it: unless the word is the name of a load case, or of a surface.
+  const bool isLabel = form != eds_FormKind::SubstructureLoad &&
+                       (key != Key::Words || label.find(' ') != std::string_view::npos);
+  if (isLabel && label.ends_with("NU")) return true;
   const bool isAboutDegrees = key == Key::Degrees || key == Key::Degree;
   for (const int flag : {user, submodel, fixed})
     if (flag >= 0 && record.GetBool(flag)) return true;
   return isAboutDegrees && file >= 0 && !record.GetString(file).empty();
+}
+
+bool inpS_ExcitationKind::NamesSurfaces() const {
+  return lineSurface >= 0 ||
+         (info->data == eds_FormData::Columns &&
+          info->columnItems.front().alternatives.front().type == eds_FormType::Reference);
 }
 
 bool inpS_ExcitationKind::IsOfNodes() const {

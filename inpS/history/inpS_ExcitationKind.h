@@ -1,6 +1,7 @@
 #pragma once
 
 #include "database/KvoSimDataRecord.h"
+#include "database/KvoSimPosition.h"
 #include "database/schema/eds_Form.h"
 #include <cstdint>
 
@@ -20,7 +21,12 @@ struct inpS_ExcitationKind {
 
   // Of the parameters; -1: the form has none.
   int op = -1;
-  int amplitude = -1;
+  struct Amplitude {
+    std::string_view parameter;
+    int field;
+    bool isOfMagnitude; // else of a coefficient behind it
+  };
+  cow_List<Amplitude> amplitudes;
   int imaginary = -1;
   int fixed = -1;
   int type = -1;
@@ -32,6 +38,8 @@ struct inpS_ExcitationKind {
   int loadCase = -1;
   int degree = -1; // as a parameter
   int baseName = -1;
+  int lineSurface = -1;  // rows are lines of their own: the surface of each,
+  int lineInstance = -1; // and its instance
   // Of the bulk columns.
   int target = -1;
   int first = -1; // or the only degree
@@ -46,8 +54,11 @@ struct inpS_ExcitationKind {
   cow_String PartOf(const KvoSimDataRecord& record) const;
   // Of a line that gives none; 0: that line prescribes nothing.
   uint64_t BlankDegree() const;
+  // The one under which magnitudes run; null: none is given.
+  KvoSimPosition AmplitudeOf(const KvoSimDataRecord& record) const;
   // Values are those of a routine, or of another analysis, whatever the lines say.
-  bool IsGivenElsewhere(const KvoSimDataRecord& record) const;
+  bool IsGivenElsewhere(const KvoSimDataRecord& record, std::string_view label) const;
+  bool NamesSurfaces() const;
   // Whether rows are about nodes; without a target, as what a file maps between sets, about all.
   bool IsOfNodes() const;
   // Acts although the keyword has no line: a file has the values.

@@ -232,11 +232,11 @@ inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, cow_String
   if (!source.loadCase.IsNull()) record.SetReference(eds_Excitation_LoadCase, source.loadCase);
   if (kind.loadCase >= 0 && !given.IsMemberNull(kind.loadCase))
     record.SetInt(eds_Excitation_LoadCaseNumber, given.GetInt(kind.loadCase));
-  if (kind.amplitude >= 0)
-    if (const KvoSimPosition amplitude = given.GetReference(kind.amplitude); !amplitude.IsNull())
-      record.SetReference(eds_Excitation_Amplitude, amplitude);
+  if (const KvoSimPosition amplitude = kind.AmplitudeOf(given); !amplitude.IsNull())
+    record.SetReference(eds_Excitation_Amplitude, amplitude);
   double magnitude = 0;
-  if (key.restraint < 0 && !kind.IsGivenElsewhere(given) && current.rows.HasOneValue(magnitude))
+  if (key.restraint < 0 && !kind.IsGivenElsewhere(given, current.rows.Label(key.label)) &&
+      current.rows.HasOneValue(magnitude))
     record.SetDouble(eds_Excitation_Magnitude, magnitude);
   if (const KvoSimPosition values = current.rows.Values(); !values.IsNull())
     record.SetReference(eds_Excitation_Magnitudes, values);
@@ -312,11 +312,11 @@ void inpS_ExcitationWriter::TellRow(KvoSimDataRecord relay, Current& current,
                                     const inpS_ConditionRow& row) {
   const Kind& kind = *current.source.kind;
   const KvoSimDataRecord given = current.source.record.DataRecord();
-  if (kind.value >= 0 && row.restraint < 0 && !kind.IsGivenElsewhere(given) &&
+  if (kind.value >= 0 && row.restraint < 0 &&
+      !kind.IsGivenElsewhere(given, current.rows.Label(row.label)) &&
       given.GetInt64(kind.info->rowsField) > 0)
     relay.SetDouble(eds_Relay_Magnitude, row.value);
-  if (kind.target < 0 || kind.key == Kind::Key::Words || row.target == inpS_ConditionRow::kAll)
-    return;
+  if (kind.key == Kind::Key::Words || row.target == inpS_ConditionRow::kAll) return;
   if (row.target < 0) {
     const inpS_ConditionTargets::Region& region = current.targets.At(row.target);
     if (!region.set.IsNull()) relay.SetReference(eds_Relay_Region, region.set);

@@ -17,6 +17,16 @@ bool isRemoved(const Given& given) {
   return given.kind->remove >= 0 && given.record.DataRecord().GetBool(given.kind->remove);
 }
 
+// A keyword that removes is about those before it, of its own step, too.
+bool isRemovedLater(const cow_List<Given>& all, std::size_t n) {
+  return all[n].kind->remove >= 0 && std::any_of(all.begin() + static_cast<std::ptrdiff_t>(n) + 1,
+                                                 all.end(), [&](const Given& later) {
+                                                   return later.kind == all[n].kind &&
+                                                          isRemoved(later) &&
+                                                          later.loadCase == all[n].loadCase;
+                                                 });
+}
+
 // One keyword of a kind that begins anew does so for the step, whatever its place in it.
 void take(const cow_List<Given>& all, inpS_InForce& inForce) {
   for (const Given& given : all) {
@@ -25,10 +35,12 @@ void take(const cow_List<Given>& all, inpS_InForce& inForce) {
     if ((isNew || isRemoved(given)) && given.loadCase.IsNull())
       inForce.TakeBack(*given.kind, given.kind->VariableOf(given.record.DataRecord()));
   }
-  for (const Given& given : all)
-    if (!isRemoved(given))
+  for (std::size_t n = 0; n < all.size(); ++n) {
+    const Given& given = all[n];
+    if (!isRemoved(given) && !isRemovedLater(all, n))
       inForce.Add(given.record, *given.kind, given.kind->VariableOf(given.record.DataRecord()),
                   given.loadCase);
+  }
 }
 
 void takeOwner(const KvoSimPosition& owner, inpS_InForce& inForce) {

@@ -265,7 +265,8 @@ bool inpS_InForce::Survey(Arrival& arrival) {
 inpS_InForce::Region inpS_InForce::RegionOf(const inpS_ExcitationKind& kind, int target,
                                             inpS_ConditionTargets& targets) {
   const bool isNodes = kind.IsOfNodes();
-  if ((kind.target < 0 && !isNodes) || kind.key == Kind::Key::Words) return {0, nullptr};
+  const bool hasTarget = kind.target >= 0 || kind.lineSurface >= 0;
+  if ((!hasTarget && !isNodes) || kind.key == Kind::Key::Words) return {0, nullptr};
   if (target >= 0) return {target, nullptr};
   if (target == inpS_ConditionRow::kAll) {
     eds_MemberSet& every = isNodes ? m_everyNode : m_everyElement;

@@ -22,7 +22,6 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
         inp_Utils::MessageAtParameter(keyword, "user", "Node by node heat flux is not supported"));
     return false;
   }
-  CheckFilmAmplitude(keyword);
   inpS_checkConditionParameters(keyword, Names(), *this);
   if (keyword.Kind() == inp_KwInertiaRelief) CheckRelief(keyword);
   if (keyword.Kind() == inp_KwField && !inpS_hasVariable(keyword, *this)) return false;
@@ -35,17 +34,6 @@ bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) 
       keyword, "type",
       inp_Utils::Format("Unsupported *CLOAD type \"%s\" for flow step", type.c_str())));
   return false;
-}
-
-// That of the coefficients; it may be defined behind the keyword.
-void inpS_LoadVisitor::CheckFilmAmplitude(const inp_Keyword& keyword) {
-  const inp_Item* name = keyword.Find("filmamplitude");
-  if (!name || Inventory().Names(inp_KwAmplitude, name->AsString()) ||
-      !Model().FollowStringKey(eds_Member::Amplitudes, name->AsString()).IsNull())
-    return;
-  AddError(inp_Utils::MessageAtParameter(keyword, "filmamplitude",
-                                         "Amplitude \"" + name->AsString() +
-                                             "\" has not been defined. It is kept as it stands."));
 }
 
 void inpS_LoadVisitor::CheckRelief(const inp_Keyword& keyword) {

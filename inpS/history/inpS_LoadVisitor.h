@@ -20,7 +20,6 @@ protected:
                    const KvoSimPosition& record) override;
 
 private:
-  void CheckFilmAmplitude(const inp_Keyword& keyword);
   void CheckRelief(const inp_Keyword& keyword);
   void CheckFilmProperties(const inp_Keyword& keyword, const eds_FormInfo& form,
                            const KvoSimPosition& record);

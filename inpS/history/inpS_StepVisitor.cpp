@@ -404,7 +404,9 @@ void inpS_StepVisitor::OpenLoadCase(const inp_Keyword& keyword) {
   CloseLoadCase();
   m_loadCase = keyword;
   const inp_Item* name = keyword.Find("name");
-  if (!name || name->AsString().empty()) return;
+  if (!name || name->AsString().empty())
+    return Warning(keyword,
+                   "*LOAD CASE has no NAME: its results cannot be told from those of others.");
   const auto known = std::ranges::find(m_loadCases, name->AsString());
   if (known == m_loadCases.end())
     m_loadCases.push_back(name->AsString());

@@ -38,7 +38,7 @@ int onlyDegree(const inpS_ExcitationKind& kind, const cow_String& field) {
 uint64_t inpS_degreesOf(const inpS_ExcitationKind& kind, const cow_String& field,
                         const cow_String& components) {
   constexpr std::string_view turning = "C_ROT";
-  if (kind.first < 0) return 0;
+  if (kind.first < 0 && kind.degree < 0) return 0;
   const int first = field.ends_with("_R") ? kFirstRotation : 1;
   uint64_t degrees = 0;
   std::istringstream words(components);

@@ -16,6 +16,7 @@
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "inpS/writer/inpS_SetNames.h"
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -24,27 +25,83 @@ namespace {
 
 using Kind = inpS_ExcitationKind;
 
-const Kind* kindOf(const KvoSimDataRecord& excitation) {
-  for (const Kind& kind : Kind::All())
-    if (kind.number == excitation.GetSymb(eds_Excitation_Kind)) return &kind;
+// Nodes, elements and surfaces of flows have forms of their own; labels of faces end in a number.
+eds_RecordKind fluidForm(const KvoSimDataRecord& excitation, const KvoSimPosition& relay) {
+  if (relay.IsNull()) return eds_FormKind::FluidBoundary;
+  const KvoSimDataRecord record = relay.DataRecord();
+  const KvoSimPosition region = record.GetReference(eds_Relay_Region);
+  if (region.IsA(eds_RecordKind::Surface)) return eds_FormKind::FluidBoundarySurface;
+  if (region.IsA(eds_RecordKind::NodeSet)) return eds_FormKind::FluidBoundaryNode;
+  if (region.IsA(eds_RecordKind::ElementSet)) return eds_FormKind::FluidBoundaryElement;
+  if (record.IsMemberNull(eds_Relay_Label) && record.IsMemberNull(eds_Relay_Members))
+    return eds_FormKind::FluidBoundary;
+  std::string_view label = excitation.GetString(eds_Excitation_Label);
+  if (label.ends_with("NU")) label.remove_suffix(2);
+  return !label.empty() && label.back() >= '0' && label.back() <= '9'
+             ? eds_FormKind::FluidBoundaryElement
+             : eds_FormKind::FluidBoundaryNode;
+}
+
+// Of an excitation that one of its relays, if there is any, tells the region of.
+const Kind* kindOf(const KvoSimDataRecord& excitation, const KvoSimPosition& relay) {
+  for (const Kind& kind : Kind::All()) {
+    if (kind.number != excitation.GetSymb(eds_Excitation_Kind)) continue;
+    if (kind.form == eds_FormKind::FluidBoundary) return Kind::Of(fluidForm(excitation, relay));
+    const bool isRotation = kind.form == eds_FormKind::Motion &&
+                            excitation.GetString(eds_Excitation_Field).ends_with("_R") &&
+                            excitation.GetString(eds_Excitation_Components).empty();
+    return isRotation ? Kind::Of(eds_FormKind::MotionRotation) : &kind;
+  }
   return nullptr; // of a newer version
 }
 
-// A direction, an axis or heights: an excitation has no more than its magnitude.
+// A direction, an axis, heights or a coefficient: an excitation has no more than its magnitude.
 bool needsMore(const Kind& kind, std::string_view label) {
+  const auto isMore = [](std::string_view name) {
+    return name == "coefficient" || name == "emissivity";
+  };
+  if (std::ranges::any_of(kind.info->columnItems, isMore, &eds_FormItem::name)) return true;
   const inp_KeywordEnm keyword = inpS_FormTable::Instance().Find(kind.form)->keyword;
-  const auto isRequired = [](const auto& value) { return value.isRequired; };
+  const auto isRequired = [&](const inpS_LoadLabel::Value& value) {
+    return value.isRequired || isMore(value.name);
+  };
   return !label.empty() &&
-         std::ranges::any_of(inpS_findLoadLabel(keyword, label).rows,
-                             [&](const inpS_LoadLabel* row) {
-                               return std::ranges::any_of(row->values, isRequired);
-                             });
+         std::ranges::any_of(
+             inpS_findLoadLabel(keyword, label).rows, [&](const inpS_LoadLabel* row) {
+               return row->values.size() > 1 && std::ranges::any_of(row->values, isRequired);
+             });
 }
 
-// Of the keywords without lines one alone says something by being there.
-bool isPrinted(const Kind* kind, const KvoSimDataRecord& excitation) {
-  return kind && !needsMore(*kind, excitation.GetString(eds_Excitation_Label)) &&
-         (kind->info->data == eds_FormData::Columns || kind->form == eds_FormKind::InertiaRelief);
+// The degree of a motion of the base; 0: none, or several.
+int baseDegree(const Kind& kind, const KvoSimDataRecord& excitation) {
+  const uint64_t degrees = inpS_degreesOf(kind, excitation.ReturnString(eds_Excitation_Field),
+                                          excitation.ReturnString(eds_Excitation_Components));
+  return std::has_single_bit(degrees) && (degrees & inpS_Degrees::kTurned) != 0
+             ? std::countr_zero(degrees) + 1
+             : 0;
+}
+
+// Of most kinds no line acts on the whole model.
+bool lacksTarget(const Kind& kind, const KvoSimPosition& relay) {
+  if (relay.IsNull() || kind.key == Kind::Key::Words) return false;
+  const KvoSimDataRecord record = relay.DataRecord();
+  if (record.GetInt64(eds_Relay_Rows) > 1) return true; // they are those of a keyword
+  return kind.info->columnItems.front().isRequired && record.IsMemberNull(eds_Relay_Region) &&
+         record.IsMemberNull(eds_Relay_Label) && record.IsMemberNull(eds_Relay_Members);
+}
+
+// Of the keywords without lines two say something by being there.
+bool isPrinted(const Kind* kind, const KvoSimDataRecord& excitation, const KvoSimPosition& relay) {
+  if (!kind || kind->form == eds_FormKind::MotionRotation) return false; // about which axis?
+  if (kind->form == eds_FormKind::InertiaRelief) return true;
+  if (kind->form == eds_FormKind::BaseMotion) return baseDegree(*kind, excitation) > 0;
+  if (kind->info->data != eds_FormData::Columns ||
+      std::ranges::any_of(kind->info->parameters, &eds_FormItem::isRequired))
+    return false;
+  const std::string_view label = excitation.GetString(eds_Excitation_Label);
+  const bool lacksLabel = (kind->key == Kind::Key::Label || kind->key == Kind::Key::Words) &&
+                          kind->label >= 0 && label.empty();
+  return !lacksLabel && !lacksTarget(*kind, relay) && !needsMore(*kind, label);
 }
 
 cow_String numberText(double value) {
@@ -66,6 +123,13 @@ std::optional<double> magnitudeOf(const KvoSimDataRecord& relay, const KvoSimDat
 cow_String componentsOf(const KvoSimDataRecord& relay, const KvoSimDataRecord& of) {
   const cow_String own = relay.ReturnString(eds_Relay_Components);
   return own.empty() ? of.ReturnString(eds_Excitation_Components) : own;
+}
+
+// "2" of LOAD CASE=2; empty: none is given.
+cow_String loadCaseText(const KvoSimDataRecord& excitation) {
+  return excitation.IsMemberNull(eds_Excitation_LoadCaseNumber)
+             ? cow_String()
+             : std::to_string(excitation.GetInt64(eds_Excitation_LoadCaseNumber));
 }
 
 long long numberAtEnd(const cow_String& field) {
@@ -113,18 +177,17 @@ inpS_ExcitationPrinter::inpS_ExcitationPrinter(const KvoObjDocument& document,
                                                const inpS_KeptParts& parts)
     : m_document(document), m_labels(labels), m_parts(parts),
       m_repeated(m_document, labels, parts) {
-  cow_Map<int64_t, std::pair<KvoSimPosition, const Kind*>> alone;
-  for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::Excitation)) {
-    const Kind* kind = kindOf(one.DataRecord());
-    if (one.DataRecord().GetReference(eds_Excitation_Given).IsNull() &&
-        isPrinted(kind, one.DataRecord()))
-      alone.emplace(one.ID(), std::pair(one, kind));
-  }
+  cow_Map<int64_t, KvoSimPosition> alone;
+  for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::Excitation))
+    if (one.DataRecord().GetReference(eds_Excitation_Given).IsNull()) alone.emplace(one.ID(), one);
   if (alone.empty()) return;
-  for (const KvoSimPosition& relay : document.Context().GetRecords(eds_RecordKind::Relay))
-    if (const auto of = alone.find(relay.DataRecord().GetReference(eds_Relay_Excitation).ID());
-        of != alone.end())
-      m_conditions.push_back(Read(relay, of->second.first, *of->second.second));
+  for (const KvoSimPosition& relay : document.Context().GetRecords(eds_RecordKind::Relay)) {
+    const auto of = alone.find(relay.DataRecord().GetReference(eds_Relay_Excitation).ID());
+    if (of == alone.end()) continue;
+    const Kind* kind = kindOf(of->second.DataRecord(), relay);
+    if (isPrinted(kind, of->second.DataRecord(), relay))
+      m_conditions.push_back(Read(relay, of->second, *kind));
+  }
   cow_Map<std::pair<int, long long>, std::size_t> families;
   for (const Condition& condition : m_conditions) {
     if (!condition.loadCase.IsNull()) continue;
@@ -166,7 +229,7 @@ inpS_ExcitationPrinter::Condition inpS_ExcitationPrinter::Read(const KvoSimPosit
       '\n' +
       std::to_string(
           of.IsMemberNull(eds_Excitation_Restraint) ? -1 : of.GetSymb(eds_Excitation_Restraint)) +
-      (of.GetBool(eds_Excitation_Imaginary) ? "i" : "r") +
+      (of.GetBool(eds_Excitation_Imaginary) ? "i" : "r") + loadCaseText(of) + ' ' +
       objectText(record.GetReference(eds_Relay_Region)) + ' ' +
       objectText(record.GetReference(eds_Relay_Instance)) + ' ' +
       (record.IsMemberNull(eds_Relay_Label) ? "-"
@@ -318,11 +381,18 @@ inpS_ParameterTexts inpS_ExcitationPrinter::ParametersOf(const Condition& condit
   const bool isOfStep = condition.firstStep == step || (condition.firstStep < 1 && step <= 1);
   if (!amplitude.IsNull() && (isOfStep || inpS_isOverTotalTime(amplitude)))
     texts["AMPLITUDE"] = inpS_quoted(amplitude.Name());
-  if (kind.form == eds_FormKind::Boundary) {
-    const cow_String field = record.ReturnString(eds_Excitation_Field);
+  const bool isConnector = kind.form == eds_FormKind::ConnectorMotion;
+  if (isConnector || kind.form == eds_FormKind::Boundary || kind.form == eds_FormKind::Motion) {
+    std::string_view field = record.GetString(eds_Excitation_Field);
+    if (isConnector && field.starts_with('C')) field.remove_prefix(1);
     if (field.starts_with("V_")) texts["TYPE"] = "VELOCITY";
     if (field.starts_with("A_")) texts["TYPE"] = "ACCELERATION";
   }
+  if (kind.form == eds_FormKind::Motion) texts["TRANSLATION"] = "";
+  if (kind.form == eds_FormKind::BaseMotion)
+    texts["DOF"] = std::to_string(baseDegree(kind, record));
+  if (kind.loadCase >= 0 && !loadCaseText(record).empty())
+    texts["LOAD CASE"] = loadCaseText(record);
   if (kind.variable >= 0) texts["VARIABLE"] = std::to_string(condition.variable);
   if (record.GetBool(eds_Excitation_Imaginary)) texts["IMAGINARY"] = "";
   if (record.GetBool(eds_Excitation_Fixed)) texts["FIXED"] = "";
@@ -352,8 +422,9 @@ cow_String inpS_ExcitationPrinter::LinesOf(const Condition& condition) const {
   else if (const KvoSimPosition all = of.GetReference(eds_Excitation_Magnitudes); !all.IsNull())
     values = numbersOf(all);
   cow_List<std::pair<cow_String, cow_String>> degrees; // first and last
-  if (!of.IsMemberNull(eds_Excitation_Restraint)) {
-    put(kind.value, {});
+  const bool isRestraint = !of.IsMemberNull(eds_Excitation_Restraint);
+  if (isRestraint) put(kind.value, {});
+  if (isRestraint && componentsOf(relay, of).empty()) { // else some of its degrees are left
     degrees.emplace_back(inpS_restraintName(of.GetSymb(eds_Excitation_Restraint)), "");
   } else {
     const uint64_t bits =
@@ -427,9 +498,22 @@ cow_List<cow_String> inpS_ExcitationPrinter::NamesOf(const KvoSimPosition& set,
 
 cow_List<cow_String> inpS_excitationsNotPrinted(const KvoObjDocument& document) {
   cow_List<cow_String> names;
-  for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::Excitation)) {
+  cow_Map<int64_t, cow_List<KvoSimPosition>> alone; // with their relays
+  for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::Excitation))
+    if (one.DataRecord().GetReference(eds_Excitation_Given).IsNull())
+      alone[one.ID()].push_back(one);
+  if (alone.empty()) return names;
+  for (const KvoSimPosition& relay : document.Context().GetRecords(eds_RecordKind::Relay))
+    if (const auto of = alone.find(relay.DataRecord().GetReference(eds_Relay_Excitation).ID());
+        of != alone.end())
+      of->second.push_back(relay);
+  for (auto& [id, relays] : alone) {
+    const KvoSimPosition one = relays.front();
     const KvoSimDataRecord record = one.DataRecord();
-    if (!record.GetReference(eds_Excitation_Given).IsNull() || isPrinted(kindOf(record), record))
+    if (relays.size() == 1) relays.emplace_back(); // one that acts nowhere
+    if (std::all_of(relays.begin() + 1, relays.end(), [&](const KvoSimPosition& relay) {
+          return isPrinted(kindOf(record, relay), record, relay);
+        }))
       continue;
     cow_String keyword;
     for (const eds_SymbolInfo& symbol : eds_schemaSymbols(eds_Vocabulary::ExcitationKind))

@@ -108,11 +108,27 @@ inpS_ActingDescription inpS_InForceDescription::Describe(const Relay& relay, lon
     told.amplitude = NameOf(amplitude);
     told.hasAmplitudeEnded = !isOfStep && !inpS_isOverTotalTime(amplitude);
   }
+  if (const auto given = of.GetReference(eds_Excitation_Given); !given.IsNull())
+    DescribeGiven(given, isOfStep, told);
   if (const auto loadCase = of.GetReference(eds_Excitation_LoadCase); !loadCase.IsNull())
     told.loadCase = NameOf(loadCase).empty() ? "unnamed" : NameOf(loadCase);
   told.isAlongLocalAxes = !of.GetReference(eds_Excitation_Transform).IsNull();
   told.isImaginary = of.GetBool(eds_Excitation_Imaginary);
   return told;
+}
+
+void inpS_InForceDescription::DescribeGiven(const KvoSimPosition& given, bool isOfStep,
+                                            inpS_ActingDescription& to) {
+  const inpS_ExcitationKind* kind = inpS_ExcitationKind::Of(given.Object().RecordKind());
+  if (!kind) return;
+  if (kind->baseName >= 0) to.base = given.DataRecord().ReturnString(kind->baseName);
+  for (const inpS_ExcitationKind::Amplitude& one : kind->amplitudes) {
+    if (one.isOfMagnitude) continue;
+    const KvoSimPosition amplitude = given.DataRecord().GetReference(one.field);
+    if (amplitude.IsNull()) continue;
+    to.filmAmplitude = NameOf(amplitude);
+    to.hasFilmAmplitudeEnded = !isOfStep && !inpS_isOverTotalTime(amplitude);
+  }
 }
 
 void inpS_InForceDescription::DescribeRegion(const KvoSimDataRecord& relay,

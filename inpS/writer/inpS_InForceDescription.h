@@ -30,6 +30,9 @@ struct inpS_ActingDescription {
   std::optional<double> magnitude; // none: a restraint, or rows that differ
   cow_String amplitude;
   bool hasAmplitudeEnded = false; // it was that of an earlier step, over its step time
+  cow_String filmAmplitude;       // of a film's coefficient
+  bool hasFilmAmplitudeEnded = false;
+  cow_String base;                // that a base motion moves; empty: the primary one, or none
   bool isAlongLocalAxes = false;  // its nodes are transformed
   long long fromStep = 0;         // 0: before the first
   const char* how = "given";      // "carried", "held"
@@ -63,6 +66,7 @@ private:
   };
 
   inpS_ActingDescription Describe(const Relay& relay, long long number, bool isPerturbation);
+  void DescribeGiven(const KvoSimPosition& given, bool isOfStep, inpS_ActingDescription& to);
   void DescribeRegion(const KvoSimDataRecord& relay, const KvoSimDataRecord& excitation, int kind,
                       inpS_ActingDescription& to);
   const cow_String& NameOf(const KvoSimPosition& object);

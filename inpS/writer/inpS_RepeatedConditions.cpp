@@ -43,10 +43,10 @@ bool inpS_RepeatedConditions::Print(utl_Stream& out, const Kind& kind, long long
         hasColumns ? source.rows == 0 || !lines.empty() : IsLeft(place, step, pieces);
     if (!isLeft) continue; // later ones have taken all of it
     inpS_ParameterTexts changed{{"OP", "NEW"}};
-    if (source.kind->amplitude >= 0)
-      if (const auto amplitude = source.record.DataRecord().GetReference(source.kind->amplitude);
+    for (const Kind::Amplitude& one : source.kind->amplitudes)
+      if (const auto amplitude = source.record.DataRecord().GetReference(one.field);
           !amplitude.IsNull() && !inpS_isOverTotalTime(amplitude))
-        changed["AMPLITUDE"] = std::nullopt;
+        changed[cow_String(one.parameter)] = std::nullopt;
     inpS_printKeywordWith(out, *inpS_FormTable::Instance().Find(source.kind->form), source.record,
                           m_parts, changed);
     if (hasColumns)
@@ -65,11 +65,14 @@ bool inpS_RepeatedConditions::IsLeft(std::size_t place, int step,
   inpS_ConditionRows rows(source.record, *source.kind);
   inpS_ConditionTargets targets(source.record, *source.kind);
   inpS_ConditionRow row;
-  if (!rows.Next(row)) return false;
-  const cow_List<Piece>* parts = pieces.Of(place, 0, row, targets);
-  return !parts || std::ranges::any_of(*parts, [&](const Piece& piece) {
-    return piece.firstStep <= step && piece.lastStep >= step;
-  });
+  bool isLeft = false;
+  for (long long at = 0; rows.Next(row); ++at) {
+    const cow_List<Piece>* parts = pieces.Of(place, at, row, targets);
+    isLeft |= !parts || std::ranges::any_of(*parts, [&](const Piece& piece) {
+      return piece.firstStep <= step && piece.lastStep >= step;
+    });
+  }
+  return isLeft;
 }
 
 cow_String inpS_RepeatedConditions::LinesOf(std::size_t place, int step,

@@ -5,13 +5,15 @@ import functools
 import sqlite3
 import struct
 
-from rules import KINDS, RESTRAINTS, Fact, kind_of
+from rules import BLANK_DEGREES, KINDS, OF_ONE, RESTRAINTS, Fact, kind_of
 
-FIRST_DEGREES = {"D": 1, "R": 4, "W": 7, "HP": 8, "EPOT": 9, "10": 10, "NT": 11, "HFLM": 11}
+FIRST_DEGREES = {"D": 1, "R": 4, "W": 7, "HP": 8, "EPOT": 9, "NT": 11, "HFLM": 11} | {
+    str(degree): degree for degree in (8, 9, 10)}
 MANNERS = {"U": "DISPLACEMENT", "V": "VELOCITY", "A": "ACCELERATION"}
 GROUPS = (range(1, 4), range(4, 7), (7,), (8,), (9,), (10,), range(11, 31))
-REALS = ("magnitude", "value", "area", "sink")  # the first of a keyword is its magnitude
-ABOUT = ("first", "dof", "component", "label")
+# The first of a keyword is its magnitude.
+REALS = ("magnitude", "value", "area", "sink", "ambient", "velocity", "factor", "size")
+ABOUT = ("first", "dof", "component", "label", "case")
 BLANK = -2147483648
 
 
@@ -115,6 +117,13 @@ class Model:
                 self.column(record, value, count)))
         return self.records[key]
 
+    def is_elsewhere(self, row):
+        """Whether a routine has the values of a keyword's many rows."""
+        record, = self.rows(f'SELECT * FROM "{self.tables[row["given_kind"]]}" WHERE id = ?',
+                            row["given"])
+        by_user = "user" in record.keys() and record["user"]
+        return not row["restraint"] and (by_user or (row["label"] or "").endswith("NU"))
+
     def transformed(self, excitation):
         """Nodes of the one transform that the decks have, if the excitation is along its axes."""
         (one,), = self.rows("SELECT transform FROM excitation WHERE name = ?", excitation)
@@ -124,11 +133,11 @@ class Model:
 
     def run(self, row, degrees):
         """Those of many rows that are of the excitation: (target, value)."""
-        kind = KINDS[row["keyword"]][0]
+        kind = KINDS[kind_name(row)][0]
         group = next((group for group in GROUPS if degrees[0] in group), ())
         turned, nodes = self.transformed(row["excitation"])
         # What has axes that a transform turns.
-        is_vector = row["keyword"] in ("BOUNDARY", "CLOAD") and (
+        is_vector = row["given_kind"] in ("Boundary", "ConcentratedLoad", "Motion") and (
             row["restraint"] not in ("NOWARP", "NOOVAL", "NODEFORM") if row["restraint"] else
             degrees[0] <= 6)
         made = []
@@ -138,20 +147,27 @@ class Model:
             elif about in RESTRAINTS:
                 about = [about] if about == row["restraint"] else []
             elif about is None:
-                about = [{"CFLUX": 11, "CECURRENT": 9}.get(row["keyword"])]
+                about = [BLANK_DEGREES.get(row["keyword"])]
             else:
                 about = [about]
-            of = [row["restraint"]] if row["restraint"] else degrees
+            word = row["restraint"] or row["label"]
+            of = [word] if word else [None] if degrees == ["ROTATION"] else degrees
             if target is None or target < 0 or about != of:
                 continue
             target = self.flat[kind][target]
             if is_vector and turned != (target in nodes):
                 continue
             is_none = value is None or value != value or row["restraint"]
-            made.append((target, 0.0 if is_none else value))
+            made.append((target, None if self.is_elsewhere(row) else 0.0 if is_none else value))
             if len(made) == row["rows"]:
                 return made
         raise RuntimeError(f"{len(made)} of {row['rows']} rows: {dict(row)}")
+
+
+def kind_name(row):
+    types = ("Node", "Element", "Surface", "Physical")
+    kind = row["given_kind"].removeprefix("FluidBoundary")
+    return f"{row['keyword']} {kind.upper()}" if kind in types else row["keyword"]
 
 
 def degrees_of(row):
@@ -159,7 +175,14 @@ def degrees_of(row):
     keyword, field = row["keyword"], row["field"] or ""
     components = (row["components"] or "").split()
     manner = None
-    if keyword in ("BOUNDARY", "CONNECTOR MOTION"):
+    if row["given_kind"] == "MotionRotation":
+        return ["ROTATION"], MANNERS[field[0]]
+    if keyword == "BASE MOTION":
+        degree = (1 if field == "BASE_D" else 4) - 1 + int(components[0][2:])
+        return [(degree, row["base"]) if row["base"] else degree], None
+    if keyword == "FLUID BOUNDARY":
+        return [tuple(filter(None, (kind_name(row).split()[-1], row["label"])))], None
+    if keyword in ("BOUNDARY", "CONNECTOR MOTION", "MOTION"):
         manner = MANNERS.get(field.removeprefix("C")[:1], "DISPLACEMENT") if "_" in field else \
             "DISPLACEMENT"
     if row["restraint"]:
@@ -168,9 +191,7 @@ def degrees_of(row):
     if row["label"]:
         return [row["label"]], manner
     first = FIRST_DEGREES.get(field.rpartition("_")[2])
-    if keyword == "CECURRENT":
-        return [9], manner
-    if keyword in ("TEMPERATURE", "CFILM", "PRESSURE STRESS", "FIELD") or first is None:
+    if keyword in OF_ONE or first is None:
         return [None], manner
     if not components:
         return [first], manner
@@ -185,25 +206,25 @@ def facts(path):
     acting = model.rows("SELECT * FROM v_in_force")
     for row in acting:
         keyword = row["keyword"]
-        kind = KINDS[keyword][0]
+        kind = KINDS[kind_name(row)][0]
         family = f"FIELD {row['field'][2:]}" if keyword == "FIELD" else keyword
         degrees, manner = degrees_of(row)
         if row["fixed"]:
             manner = "FIXED"
-        amplitude = row["amplitude"] or row["amplitude_ended"]
-        rest = (amplitude, bool(row["amplitude_ended"]), row["from_step"], row["how"],
-                row["load_case"])
+        rest = (*((row[name] or row[f"{name}_ended"], bool(row[f"{name}_ended"]))
+                  for name in ("amplitude", "film_amplitude")),
+                row["from_step"], row["how"], row["load_case"])
+        part = bool(row["imaginary"]), row["load_case_number"]
         if keyword == "INERTIA RELIEF":
             degrees = [0]
 
         def add(target, degree, value):
-            made[Fact(row["step"], family, target, degree, bool(row["imaginary"]), manner, value,
-                      *rest)] += 1
+            made[Fact(row["step"], family, target, degree, part, manner, value, *rest)] += 1
 
         if row["rows"] == 1:
             for target in model.targets(row, kind):
                 for degree in degrees:
-                    add(target, degree, row["magnitude"] if row["fixed"] else row["magnitude"] or 0.0)
+                    add(target, degree, 0.0 if row["restraint"] else row["magnitude"])
             continue
         for target, value in model.run(row, degrees):
             for degree in degrees:

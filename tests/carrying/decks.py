@@ -1,15 +1,29 @@
 """Decks made by chance, of up to eight steps that give, change and take back conditions and loads:
 flat or of two instances, with sets that overlap, single nodes of sets given anew, things twice."""
 
-LABELS = {"DLOAD": ("P1", "P2", "BX", "BZ"), "DFLUX": ("BF", "S1", "S2"), "DSLOAD": ("P",),
-          "DSFLUX": ("S",), "FILM": ("F1", "F2"), "SFILM": ("F",)}
+LABELS = {"DLOAD": ("P1", "P2", "BX", "P1NU"), "DFLUX": ("BF", "S1", "S2"), "DSLOAD": ("P", "PNU"),
+          "DSFLUX": ("S",), "FILM": ("F1", "F2"), "SFILM": ("F",), "DFLOW": ("S1", "S1NU"),
+          "DSFLOW": ("S",), "FLOW": ("Q1", "Q2"), "SFLOW": ("Q",), "DECHARGE": ("EBF", "ES1"),
+          "DSECHARGE": ("ES",), "DECURRENT": ("CBF", "CS1"), "DSECURRENT": ("CS",),
+          "D EM POTENTIAL": ("MVP",), "RADIATE": ("R1", "R2"), "SRADIATE": ("R",),
+          "IMPEDANCE": ("I1", "I2"), "SLOAD": ("UP", "DOWN")}
 WORDS = ("ENCASTRE", "PINNED", "XSYMM", "YSYMM", "ZSYMM", "XASYMM", "YASYMM", "ZASYMM", "NOWARP",
          "NOOVAL", "NODEFORM")
 PROCEDURES = ("*STATIC", "*STATIC", "*STATIC", "*DYNAMIC", "*VISCO, CETOL=0.1", "*HEAT TRANSFER")
 PERTURBING = ("*FREQUENCY\n5", "*BUCKLE\n3", "*STEADY STATE DYNAMICS, DIRECT\n1., 10., 5")
 KINDS = ("BOUNDARY", "CLOAD", "DLOAD", "TEMPERATURE", "CONNECTOR MOTION", "FIELD", "DSLOAD",
          "CONNECTOR LOAD", "CFLUX", "DFLUX", "DSFLUX", "BASE MOTION", "INERTIA RELIEF",
-         "PRESSURE STRESS", "CECURRENT", "FILM", "SFILM", "CFILM")
+         "PRESSURE STRESS", "CECURRENT", "FILM", "SFILM", "CFILM", "FLUID BOUNDARY",
+         "FLUID BOUNDARY", "FLUID FLUX", "MASS FLOW RATE", "TRANSPORT VELOCITY", "CFLOW", "DFLOW",
+         "DSFLOW", "FLOW", "SFLOW", "CECHARGE", "DECHARGE", "DSECHARGE", "DECURRENT", "DSECURRENT",
+         "D EM POTENTIAL", "RADIATE", "SRADIATE", "CRADIATE", "IMPEDANCE", "SIMPEDANCE", "SLOAD",
+         "INCIDENT WAVE", "ACOUSTIC FLOW VELOCITY", "MOTION")
+COMMON = 18  # the first ones
+AT_NODES = {"TEMPERATURE": "", "FIELD": "", "PRESSURE STRESS": "", "FLUID FLUX": "",
+            "MASS FLOW RATE": "", "TRANSPORT VELOCITY": "", "CFILM": ", 20., 0.5",
+            "CRADIATE": ", 20., 0.5", "ACOUSTIC FLOW VELOCITY": ", 1., 0."}
+WITHOUT_AMPLITUDE = ("IMPEDANCE", "SIMPEDANCE", "SLOAD")
+USERS = ("BOUNDARY", "CLOAD", "TEMPERATURE", "FIELD", "FILM", "MASS FLOW RATE")
 
 
 class Maker:
@@ -29,7 +43,8 @@ class Maker:
 
     def text(self):
         self.mesh()
-        kinds = ["BOUNDARY"] + self.random.sample(KINDS, self.random.randint(1, 4))
+        among = KINDS[:COMMON] if self.chance(0.5) else KINDS
+        kinds = ["BOUNDARY"] + self.random.sample(among, self.random.randint(1, 4))
         if self.chance(0.7):
             for _ in range(self.random.randint(1, 3)):
                 self.keyword("BOUNDARY", number=0, perturbs=False)
@@ -75,7 +90,8 @@ class Maker:
         for place in scopes[-1:] if self.chance(0.2) else ():
             self.add(f"*TRANSFORM, NSET={place}IN1", "0., 1., 0., -1., 0., 0.")
         self.add("*AMPLITUDE, NAME=OWN", "0., 0., 1., 1.",
-                 "*AMPLITUDE, NAME=THROUGH, TIME=TOTAL TIME", "0., 0., 9., 1.")
+                 "*AMPLITUDE, NAME=THROUGH, TIME=TOTAL TIME", "0., 0., 9., 1.",
+                 "*INCIDENT WAVE PROPERTY, NAME=WAVE, TYPE=PLANE", "0., 0., 0.", "1., 0., 0.")
 
     def sets(self, prefix, instance):
         random = self.random
@@ -126,9 +142,8 @@ class Maker:
             perturbs and self.chance(0.5)) else ""
         self.add(f"*STEP{flag}", *([] if self.chance(0.02) else [procedure]))
         chosen = random.choices(kinds, k=random.choice((0, 1, 2, 3, 4)))
-        for n, kind in enumerate(chosen):
-            if kind != "INERTIA RELIEF" or n == chosen.index(kind):
-                self.keyword(kind, number, perturbs, procedure)
+        for kind in chosen:
+            self.keyword(kind, number, perturbs, procedure)
         if procedure == "*STATIC" and perturbs and self.chance(0.5):
             self.cases(kinds)
         self.add("*END STEP")
@@ -148,17 +163,32 @@ class Maker:
             words += self.random.choice(("", ", VARIABLE=1", ", VARIABLE=2"))
         if kind == "BASE MOTION":
             words += f", DOF={self.random.randint(1, 3)}, AMPLITUDE=OWN"
+            words += self.random.choice(("", ", BASE NAME=SECOND"))
         if kind == "INERTIA RELIEF" and self.chance(0.4):
             words += ", REMOVE"
+        if kind == "FLUID BOUNDARY":
+            words += f", TYPE={self.random.choice(('NODE', 'ELEMENT', 'SURFACE', 'PHYSICAL'))}"
+        if kind == "MOTION":
+            words += self.random.choice((", TRANSLATION", ", ROTATION"))
+            words += self.random.choice((", TYPE=VELOCITY", ", TYPE=DISPLACEMENT"))
+        if kind == "INCIDENT WAVE":
+            words += ", PROPERTY=WAVE"
         if not number:
             return words
         if kind in ("BOUNDARY", "CLOAD", "BASE MOTION") and procedure.startswith("*STEADY"):
             words += self.random.choice(("", ", IMAGINARY"))
+        elif kind in ("BOUNDARY", "CLOAD", "DLOAD") and self.chance(0.1):
+            words += f", LOAD CASE={self.random.randint(1, 2)}"
         if kind in ("BASE MOTION", "INERTIA RELIEF"):
             return words
         words += self.random.choice(("", "", "", ", OP=MOD", ", OP=NEW"))
-        if self.chance(0.3) and not perturbs:
-            words += f", AMPLITUDE={self.random.choice(('OWN', 'THROUGH'))}"
+        if kind in WITHOUT_AMPLITUDE or "PHYSICAL" in words:
+            return words
+        for name in ("FILM AMPLITUDE", "AMPLITUDE") if "FILM" in kind else ("AMPLITUDE",):
+            if kind == "INCIDENT WAVE":
+                name = self.random.choice(("PRESSURE AMPLITUDE", "ACCELERATION AMPLITUDE"))
+            if self.chance(0.3) and not perturbs:
+                words += f", {name}={self.random.choice(('OWN', 'THROUGH'))}"
         return words
 
     def keyword(self, kind, number, perturbs, procedure=""):
@@ -166,48 +196,72 @@ class Maker:
         if kind in ("BOUNDARY", "CONNECTOR MOTION") and number and not perturbs:
             choice = [""] * 6 + ["TYPE=VELOCITY", "TYPE=ACCELERATION", "FIXED"]
             manner = self.random.choice(choice)
+        if kind in USERS and number and not manner and self.chance(0.1):
+            words += ", USER"
+        from_file = kind == "TEMPERATURE" and "USER" not in words and self.chance(0.1)
+        if from_file:
+            words += ", FILE=before"
         self.add(f"*{kind}{words}{', ' if manner else ''}{manner}")
-        if kind in ("BASE MOTION", "INERTIA RELIEF"):
+        if kind in ("BASE MOTION", "INERTIA RELIEF") or from_file:
             return
         none = "OP=NEW" in words and self.chance(0.4)
         count = self.random.randint(200, 350) if self.long and self.chance(0.5) else \
             self.random.randint(1, 4)
         for _ in range(0 if none else count):
-            self.add(self.line(kind, manner))
+            self.add(self.line(kind, words, manner))
 
-    def line(self, kind, manner):
+    def fluid(self, words, value):
+        if "PHYSICAL" in words:
+            return f"{self.surface()}, {self.random.choice(('WALL', 'SLIP'))}"
+        if "NODE" in words:
+            return f"{self.node()}, {self.random.choice(('VELX', 'VELY', 'VELXNU'))}, {value}"
+        if "ELEMENT" in words:
+            return f"{self.brick()}, {self.random.choice(('P1', 'P2', 'VELX1'))}, {value}"
+        return f"{self.surface()}, {self.random.choice(('VELX', 'P'))}, {value}"
+
+    def line(self, kind, words, manner):
         random = self.random
         value = random.choice((0.5, 1.0, 2.0, -4.25))
         if kind == "BOUNDARY":
-            return self.boundary(manner, random.choice((0, 0, value)))
+            return self.boundary(words + manner, random.choice((0, 0, value)))
         if kind == "CLOAD":
             return f"{self.node()}, {random.randint(1, 6)}, {value}"
-        if kind in ("CFLUX", "CECURRENT"):
-            degree = random.choice(("", 11, 12) if kind == "CFLUX" else ("", 9))
-            return f"{self.node()}, {degree}, {value}"
-        if kind in ("TEMPERATURE", "FIELD", "PRESSURE STRESS"):
-            return f"{self.node()}, {value}"
+        degrees = {"CFLUX": ("", 11, 12), "CECURRENT": ("", 9), "CECHARGE": ("", 9), "CFLOW": ("", 8)}
+        if kind in degrees:
+            return f"{self.node()}, {random.choice(degrees[kind])}, {value}"
+        if kind in AT_NODES:
+            return f"{self.node()}, {value}{AT_NODES[kind]}"
+        if kind == "FLUID BOUNDARY":
+            return self.fluid(words, value)
+        if kind in ("SIMPEDANCE", "INCIDENT WAVE"):
+            return f"{self.surface()}, {value}"
+        if kind == "MOTION" and "ROTATION" in words:
+            return f"{self.node()}, {value}, 0., 0., 0., 0., 0., 1."
+        if kind == "MOTION":
+            first = random.randint(1, 3)
+            return f"{self.node()}, {first}, {random.randint(first, 3)}, {value}"
         if kind.startswith("CONNECTOR"):
             return f"{self.link()}, {random.randint(1, 3)}, {'' if manner == 'FIXED' else value}"
-        if kind == "CFILM":
-            return f"{self.node()}, {value}, 20., 0.5"
         label = random.choice(LABELS[kind])
-        if "FILM" in kind:
+        if "FILM" in kind or kind in ("FLOW", "SFLOW", "RADIATE", "SRADIATE"):
             value = f"{value}, 0.5"
-        if kind in ("DSLOAD", "DSFLUX", "SFILM"):
+        if kind == "D EM POTENTIAL":
+            value = f"{value}, 1., 0., 0."
+        if kind.startswith("DS") or kind in ("SFILM", "SFLOW", "SRADIATE", "D EM POTENTIAL"):
             return f"{self.surface()}, {label}, {value}"
         if kind == "DLOAD" and self.chance(0.3):
             place = "" if self.chance(0.6) else self.brick()
             return f"{place}, GRAV, {value}, 0., 0., -1."
         return f"{self.brick()}, {label}, {value}"
 
-    def boundary(self, manner, value):
-        if not manner and self.chance(0.3):
+    def boundary(self, words, value):
+        is_plain = not any(word in words for word in ("TYPE", "FIXED", "USER"))
+        if is_plain and self.chance(0.3):
             return f"{self.node()}, {self.random.choice(WORDS)}"
         first = self.random.randint(1, 6)
-        if not manner and self.chance(0.1):
+        if is_plain and self.chance(0.1):
             first = self.random.choice((1, 7, 8, 9, 10, 11))
             last = self.random.choice(("", self.random.randint(first, 12)))
             return f"{self.node()}, {first}, {last}, {value}"
         last = self.random.choice(("", self.random.randint(first, 6)))
-        return f"{self.node()}, {first}, {last}" + ("" if manner == "FIXED" else f", {value}")
+        return f"{self.node()}, {first}, {last}" + ("" if "FIXED" in words else f", {value}")

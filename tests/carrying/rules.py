@@ -19,20 +19,44 @@ KINDS = {"BOUNDARY": ("NSET", "first", "held"), "CONNECTOR MOTION": ("ELSET", "l
          "DSLOAD": ("SURFACE", "both", "carried"), "DSFLUX": ("SURFACE", "both", "carried"),
          "CONNECTOR LOAD": ("ELSET", "both", "carried"), "FILM": ("ELSET", "later", "carried"),
          "SFILM": ("SURFACE", "later", "carried"), "CFILM": ("NSET", "later", "carried"),
-         "INERTIA RELIEF": (None, "later", "carried"), "BASE MOTION": (None, "later", "own")}
-MOTIONS = ("BOUNDARY", "CONNECTOR MOTION")  # displacements, velocities, accelerations
-OF_ONE = ("TEMPERATURE", "FIELD", "PRESSURE STRESS", "CFILM")  # neither degree nor label
+         "INERTIA RELIEF": (None, "later", "carried"), "BASE MOTION": (None, "later", "own"),
+         "FLUID BOUNDARY": (None, "later", "carried"),  # its types below
+         "FLUID BOUNDARY NODE": ("NSET", "first", "carried"),
+         "FLUID BOUNDARY ELEMENT": ("ELSET", "first", "carried"),
+         "FLUID BOUNDARY SURFACE": ("SURFACE", "later", "carried"),
+         "FLUID BOUNDARY PHYSICAL": ("SURFACE", "later", "carried"),
+         "FLUID FLUX": ("NSET", "both", "carried"), "CFLOW": ("NSET", "both", "carried"),
+         "DFLOW": ("ELSET", "both", "carried"), "DSFLOW": ("SURFACE", "both", "carried"),
+         "FLOW": ("ELSET", "both", "carried"), "SFLOW": ("SURFACE", "both", "carried"),
+         "CECHARGE": ("NSET", "both", "carried"), "DECHARGE": ("ELSET", "both", "carried"),
+         "DSECHARGE": ("SURFACE", "both", "carried"), "DECURRENT": ("ELSET", "both", "carried"),
+         "DSECURRENT": ("SURFACE", "both", "carried"), "SLOAD": ("ELSET", "both", "carried"),
+         "INCIDENT WAVE": ("SURFACE", "both", "carried"),
+         "MASS FLOW RATE": ("NSET", "later", "held"), "MOTION": ("NSET", "later", "carried"),
+         "D EM POTENTIAL": ("SURFACE", "later", "held"),
+         "TRANSPORT VELOCITY": ("NSET", "later", "carried"),
+         "RADIATE": ("ELSET", "later", "carried"), "SRADIATE": ("SURFACE", "later", "carried"),
+         "CRADIATE": ("NSET", "later", "carried"), "IMPEDANCE": ("ELSET", "later", "carried"),
+         "SIMPEDANCE": ("SURFACE", "later", "carried"),
+         "ACOUSTIC FLOW VELOCITY": ("NSET", "later", "carried")}
+MOTIONS = ("BOUNDARY", "CONNECTOR MOTION", "MOTION")  # displacements, velocities, accelerations
+OF_ONE = ("TEMPERATURE", "FIELD", "PRESSURE STRESS", "CFILM", "CRADIATE", "FLUID FLUX",
+          "MASS FLOW RATE", "TRANSPORT VELOCITY", "SIMPEDANCE", "INCIDENT WAVE",
+          "ACOUSTIC FLOW VELOCITY")  # neither degree nor label
+BLANK_DEGREES = {"CFLUX": 11, "CECURRENT": 9, "CECHARGE": 9, "CFLOW": 8}
 # Procedures: whether they are general when *STEP does not say otherwise.
 PROCEDURES = {"STATIC": True, "DYNAMIC": True, "VISCO": True, "HEAT TRANSFER": True,
               "FREQUENCY": False, "BUCKLE": False, "STEADY STATE DYNAMICS": False}
 
-# An entry is what one thing says: where is (kind, target, degree or label, imaginary), value the
-# magnitude, of motions with their manner. A target is (instance, label), or (None, surface).
-Entry = collections.namedtuple("Entry", "where value amplitude step")
-# What it comes to in a step. A target is None for the whole model, ended says that the amplitude is
-# over, origin where it was given.
-Fact = collections.namedtuple("Fact", "step family target degree imaginary manner value amplitude "
-                              "ended origin how case")
+# An entry is what one thing says: where is (kind, target, degree or label, part), value the
+# magnitude (None: a routine or a file has it), of motions with their manner. A target is
+# (instance, label), or (None, surface), a part whether it is imaginary, and its load case's number;
+# an amplitude is that and the one of a film's coefficient.
+Entry = collections.namedtuple("Entry", "where value amplitudes step")
+# What it comes to in a step. A target is None for the whole model, an amplitude (name, is over),
+# origin where it was given.
+Fact = collections.namedtuple("Fact", "step family target degree part manner value amplitude "
+                              "film origin how case")
 Keyword = collections.namedtuple("Keyword", "name parameters lines places")
 
 
@@ -55,6 +79,7 @@ class Mesh:
     def __init__(self, keywords):
         self.elements, self.parts = [], {}
         self.sets = collections.defaultdict(list)  # (owner, kind, name): members
+        self.nodes = []
         part, in_part = None, []
         for keyword in keywords:
             name, words, lines, _ = keyword
@@ -65,6 +90,10 @@ class Mesh:
             elif name == "INSTANCE":
                 self.parts[words["NAME"]] = words["PART"]  # the decks have one part
                 self.elements += [(words["NAME"], label) for label in in_part]
+            elif name == "NODE":
+                self.nodes += [int(fields[0]) for fields in lines]
+            elif name == "NGEN":  # those at its ends are there
+                self.nodes += range(int(lines[0][0]) + 1, int(lines[0][1]))
             elif name == "ELEMENT":
                 labels = [int(fields[0]) for fields in lines]
                 self.sets[part, "ELSET", words["ELSET"]] += [(None, label) for label in labels]
@@ -86,7 +115,9 @@ class Mesh:
                 members += [(instance, int(field)) for field in fields]
 
     def find(self, text, kind):
-        """The members of what a field names: a label or a set, or all elements."""
+        """The members of what a field names: a label or a set, or all there are."""
+        if not text and kind == "NSET":
+            return {(instance, node) for instance in self.parts or [None] for node in self.nodes}
         if not text:
             return set(self.elements)
         instance, _, name = text.rpartition(".")
@@ -108,16 +139,33 @@ def kind_of(entry_family):
     return KINDS["FIELD" if entry_family.startswith("FIELD") else entry_family]
 
 
+def kind_name(keyword):
+    """Types of fluid boundaries are told apart, but for what takes them back."""
+    return " ".join(filter(None, (keyword.name, keyword.parameters.get("TYPE")))) \
+        if keyword.name == "FLUID BOUNDARY" else keyword.name
+
+
 def read_line(mesh, keyword, fields):
     """The targets of one line, its degrees or labels, and its value."""
     name = keyword.name
-    kind = KINDS[name][0]
+    kind = KINDS[kind_name(keyword)][0]
     if kind is None:
-        return [None], [int(keyword.parameters.get("DOF") or 0)], 0.0
+        degree = int(keyword.parameters.get("DOF") or 0)
+        base = keyword.parameters.get("BASE NAME")
+        return [None], [(degree, base) if base else degree], None
+    if not fields:  # a file has them all
+        return mesh.find("", kind), [None], None
     targets = [(None, fields[0])] if kind == "SURFACE" else mesh.find(fields[0], kind)
     if name in OF_ONE:
         return targets, [None], float(fields[1])
-    if name == "BOUNDARY":
+    if name == "FLUID BOUNDARY":
+        words = keyword.parameters["TYPE"], fields[1]
+        if words[0] == "PHYSICAL":
+            return targets, [words[:1]], None
+        return targets, [words], float(fields[2])
+    if name == "MOTION" and "ROTATION" in keyword.parameters:
+        return targets, ["ROTATION"], float(fields[1])
+    if name in ("BOUNDARY", "MOTION"):
         if fields[1] in RESTRAINTS:
             return targets, RESTRAINTS[fields[1]], 0.0
         fields = fields + [""] * (4 - len(fields))
@@ -125,32 +173,49 @@ def read_line(mesh, keyword, fields):
         degrees = range(first, int(fields[2] or first) + 1)
         return targets, degrees, float(fields[3] or 0)
     what = fields[1]
-    if name in ("CFLUX", "CECURRENT"):
-        what = what or {"CFLUX": "11", "CECURRENT": "9"}[name]
+    if name in BLANK_DEGREES:
+        what = what or str(BLANK_DEGREES[name])
     if what.isdigit():
         what = int(what)
     return targets, [what], float(fields[2] or 0)
+
+
+def is_given_elsewhere(keyword, fields):
+    """A routine gives the values, whatever the line says."""
+    label = fields[1] if len(fields) > 1 and keyword.name not in OF_ONE else ""
+    return "USER" in keyword.parameters or label.endswith("NU")
 
 
 def entries_of(mesh, keyword, step):
     """What a keyword says, and where a condition is not what it said before: (line, label)."""
     words, said, twice = keyword.parameters, {}, set()
     manner = "FIXED" if "FIXED" in words else words.get("TYPE", "DISPLACEMENT")
-    of, rule, _ = KINDS[keyword.name]
-    for fields, place in zip(keyword.lines, keyword.places) if of else [([], 0)]:
+    of, rule, _ = KINDS[kind_name(keyword)]
+    part = "IMAGINARY" in words, int(words["LOAD CASE"]) if "LOAD CASE" in words else None
+    amplitudes = tuple(words.get(name) for name in ("AMPLITUDE", "FILM AMPLITUDE"))
+    if keyword.name == "INCIDENT WAVE":
+        amplitudes = words.get("PRESSURE AMPLITUDE") or words.get("ACCELERATION AMPLITUDE"), None
+    without_lines = keyword.name in OF_ONE and ("FILE" in words or "USER" in words)
+    alone = not of or (without_lines and not keyword.lines)
+    values = {}  # of the lines that hold
+    for fields, place in [([], 0)] if alone else zip(keyword.lines, keyword.places):
         targets, degrees, value = read_line(mesh, keyword, fields)
+        written = value
+        if is_given_elsewhere(keyword, fields):
+            value = None
         if keyword.name in MOTIONS:
             value = (manner, None if manner == "FIXED" else value)
         for target in targets:
             for degree in degrees:
-                where = (family(keyword), target, degree, "IMAGINARY" in words)
-                entry = Entry(where, value, words.get("AMPLITUDE"), step)
+                where = (family(keyword), target, degree, part)
+                entry = Entry(where, value, amplitudes, step)
                 if where not in said or rule == "later":
                     said[where] = [entry]
                 elif rule == "both":
                     said[where].append(entry)
-                elif said[where][0].value != value:  # the first holds
+                elif values[where] != written:  # the first holds
                     twice.add((place, target[1]))
+                values.setdefault(where, written)
     return said, twice
 
 
@@ -165,7 +230,7 @@ def act(mesh, keywords, step):
         said, same = entries_of(mesh, keyword, step)
         twice |= same
         for where, entries in said.items():
-            if KINDS[keyword.name][1] == "both":
+            if KINDS[kind_name(keyword)][1] == "both":
                 given[where] = given.get(where, []) + entries
             else:
                 given[where] = entries
@@ -201,7 +266,10 @@ def in_force(text):
     state, told = act(mesh, outside[0], 0)
     found, twice = [], set(told)
     for number, (own, cases, perturbs) in enumerate(steps, 1):
-        given, told = act(mesh, [word for word in own if "REMOVE" not in word.parameters], number)
+        gone = [n for n, word in enumerate(own) if "REMOVE" in word.parameters]
+        own_left = [word for n, word in enumerate(own)
+                    if word.name != "INERTIA RELIEF" or n > max(gone, default=-1)]
+        given, told = act(mesh, own_left, number)
         renewed = {family(word) for word in own if word.parameters.get("OP") == "NEW"}
         renewed |= {family(word) for word in own if "REMOVE" in word.parameters}
         kept = without(state, renewed)
@@ -232,7 +300,7 @@ def facts(text):
     for step, acting in enumerate(steps, 1):
         for how, case, entry in acting:
             manner, value = entry.value if isinstance(entry.value, tuple) else (None, entry.value)
-            ended = bool(entry.amplitude) and entry.amplitude not in through and step > entry.step
-            made[Fact(step, *entry.where, manner, value, entry.amplitude, ended, entry.step, how,
-                      case)] += 1
+            runs = [(name, bool(name) and name not in through and step > entry.step)
+                    for name in entry.amplitudes]
+            made[Fact(step, *entry.where, manner, value, *runs, entry.step, how, case)] += 1
     return made, twice

@@ -437,7 +437,8 @@ class Exports(unittest.TestCase):
             "*DLOAD\nI.E, P1, 6.\nJ.1, P1, 7.\nSHELL, P, 8.\nI.E, GRAV, 9.81, 0., 0., -1.\n"
             "*END STEP\n"
             "*STEP, NAME=\"A & <B>\"\n*STATIC\n*CLOAD, OP=NEW\nJ.3, 3, -2.\n*DLOAD, OP=NEW\n*BOUNDARY, TYPE=VELOCITY\n2, 1, 1, 6.\n"
-            "*DSLOAD\nJ.TOP, P, 11.\n*CLOAD, USER\nJ.4, 1\n*BOUNDARY, FIXED\nJ.5, 5, 6\n*BOUNDARY, USER\n3, 6\n*END STEP\n")
+            "*DSLOAD\nJ.TOP, P, 11.\n*CLOAD, USER\nJ.4, 1\n*BOUNDARY, FIXED\nJ.5, 5, 6\n*BOUNDARY, USER\n3, 6\n*END STEP\n"
+            "*STEP, PERTURBATION\n*STATIC\n*BOUNDARY\n2, 2, 2, 0.125\n*END STEP\n")
         grid = self.export(deck, "--step", "1")
         labels = values(grid.GetPointData(), "NodeLabel")
         instances = values(grid.GetPointData(), "Instance")
@@ -476,12 +477,21 @@ class Exports(unittest.TestCase):
         grid = self.export(deck, "--step", "2", "--force")
         self.assertEqual(acting("Force"), {(1, 3): (0, 0, -2)})
         self.assertEqual(acting("Velocity"), {(-1, 2): (6, 0, 0)})
-        self.assertEqual(acting("FixedDofs"), fixed | {(-1, 2): (1,), (1, 5): (0b110000,), (-1, 3): (0b100011,)})
+        later = fixed | {(-1, 2): (1,), (1, 5): (0b110000,), (-1, 3): (0b100011,)}
+        self.assertEqual(acting("FixedDofs"), later)
         self.assertIn("*CLOAD, USER acts in step 2 and is not shown (1 time)", self.said)
         self.assertNotIn("GRAV", self.said)
         found = self.blocks()
         self.assertEqual(sorted(found), ["Mesh", "Step 2 A & <B>/Nodes", "Step 2 A & <B>/Pressure J.TOP"])
         self.assertEqual(values(found["Step 2 A & <B>/Pressure J.TOP"].GetCellData(), "Pressure"), [11])
+
+        # A perturbation holds at 0 what the state before it has; temperatures are that state.
+        grid = self.export(deck, "--step", "3", "--force")
+        self.assertEqual(acting("FixedDofs"), later | {(-1, 2): (3,)})
+        self.assertEqual(acting("Displacement"), {(-1, 2): (0, 0.125, 0)})
+        self.assertEqual(acting("Velocity"), {})
+        self.assertEqual(acting("Temperature"), {(-1, 3): (300,), (-1, 4): (300,)})
+        self.assertNotIn("acts in step", self.said)
 
     def test_more_sets_than_arrays(self):
         deck = "*NODE\n1, 0., 0.\n" + "".join(f"*NSET, NSET=N{i}\n1\n" for i in range(70))

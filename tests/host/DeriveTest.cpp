@@ -31,7 +31,7 @@ protected:
 const cow_List<cow_String>& decks() {
   static const cow_List<cow_String> all = [] {
     cow_List<cow_String> found;
-    for (const char* folder : {"/decks/loads", "/decks/steps", "/decks/sections",
+    for (const char* folder : {"/decks/loads", "/decks/carrying", "/decks/steps", "/decks/sections",
                                "/decks/orientations", "/decks/distributions", "/../examples"})
       for (const auto& entry :
            std::filesystem::directory_iterator(cow_String(INPS_TESTS_DIR) + folder))

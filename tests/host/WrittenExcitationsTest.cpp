@@ -259,15 +259,43 @@ TEST_F(WrittenExcitations, RegionsOfManyKinds) {
       "STEP\n");
 }
 
+// What keywords say beside their lines; what is left of a restraint.
+TEST_F(WrittenExcitations, ParametersOfManyKinds) {
+  KvoObjDocument model =
+      Open(DeckOf({"*ELEMENT, TYPE=CONN3D2, ELSET=LINK\n50, 1, 7\n*STEP\n*STATIC\n"}));
+  Add(model, {"FLUID BOUNDARY", "VELX", nullptr, 1, 0, "BASE", 0, 2., "VELX"});
+  Add(model, {"FLUID BOUNDARY", "P", nullptr, 1, 0, "S", 0, 3., "P"});
+  Add(model, {"FLUID BOUNDARY", "VELX2", nullptr, 1, 0, nullptr, 1, 3., "VELX2"});
+  Add(model, {"CLOAD", "CF_D", "C_1", 1, 0, "TOP", 0, 4.})
+      .GetReference(eds_Relay_Excitation)
+      .DataRecord()
+      .SetInt(eds_Excitation_LoadCaseNumber, 2);
+  Add(model, {"MOTION", "V_D", "C_3", 1, 0, "TOP", 0, 5.});
+  Add(model, {"CONNECTOR MOTION", "CA_R", "C_1", 1, 0, "LINK", 0, 6.});
+  Add(model, {"BOUNDARY", nullptr, "C_3 C_5", 1, 0, "BASE", 0, {}, nullptr, "YASYMM"});
+  Add(model, {"BASE MOTION", "BASE_R", "C_2", 1, 1, nullptr, 0, {}, nullptr, nullptr, true});
+  Finish(model);
+  EXPECT_EQ(Written(),
+            "*STEP\n*STATIC\n*FLUID BOUNDARY, TYPE=NODE\nBASE, VELX, 2.\n"
+            "*FLUID BOUNDARY, TYPE=SURFACE\nS, P, 3.\n*FLUID BOUNDARY, TYPE=ELEMENT\n1, VELX2, 3.\n"
+            "*CLOAD, LOAD CASE=2\nTOP, 1, 4.\n*MOTION, TRANSLATION, TYPE=VELOCITY\nTOP, 3, 3, 5.\n"
+            "*CONNECTOR MOTION, TYPE=ACCELERATION\nLINK, 4, 6.\n*BOUNDARY\nBASE, 3, 3\nBASE, 5, 5\n"
+            "*BASE MOTION, AMPLITUDE=RAMP, DOF=5\n*END STEP\n");
+}
+
 TEST_F(WrittenExcitations, WhatNoLineSaysIsTold) {
   KvoObjDocument model = Open(DeckOf({"*STEP\n*STATIC\n"}));
   Add(model, {"BASE MOTION", "BASE", nullptr, 1, 1, nullptr});
   Add(model, {"DLOAD", "GRAV", nullptr, 1, 1, nullptr, 0, 9.8, "GRAV"}); // whose direction?
+  Add(model, {"FILM", "F1", nullptr, 1, 1, nullptr, 1, 20., "F1"});      // which coefficient?
+  Add(model, {"TEMPERATURE", "NT", nullptr, 1, 1, nullptr, 0, 5.});      // of which nodes?
   Finish(model);
   const ProgramRun run({"write", File("a.sim")});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_TRUE(run.Says("Own_1 (BASE MOTION) has no keyword behind it")) << run.err;
   EXPECT_TRUE(run.Says("Own_2 (DLOAD) has no keyword behind it")) << run.err;
+  EXPECT_TRUE(run.Says("Own_3 (FILM) has no keyword behind it")) << run.err;
+  EXPECT_TRUE(run.Says("Own_4 (TEMPERATURE) has no keyword behind it")) << run.err;
 }
 
 // Nothing in the place of a target would be the whole model.
