@@ -474,14 +474,27 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
 }
 
 // Of a parameter that names something, or has one of several types. What none of them takes is told
-// and kept.
+// and kept; a name that is nowhere is a fault here as where nothing else could stand.
 void inpS_FormVisitor::ReadItem(const inp_Keyword& keyword, const inpS_ParameterBinding& parameter,
                                 const eds_FormItem& item, const inp_Item& value,
                                 KvoSimDataRecord record) {
   const cow_String fault = inpS_takeValue(item, inpS_FormValue::Of(value), m_names, record);
-  if (!fault.empty() && keyword.LeaveUnread(parameter.key))
-    AddWarning(inp_Utils::MessageAtParameter(
-        keyword, parameter.key, parameter.name + ": " + fault + " It is kept as it stands."));
+  if (fault.empty() || !keyword.LeaveUnread(parameter.key)) return;
+  wip_Message message = inp_Utils::MessageAtParameter(
+      keyword, parameter.key, parameter.name + ": " + fault + " It is kept as it stands.");
+  const auto isNamed = [](const eds_FormItem::Alternative& one) {
+    return one.referable || one.type == eds_FormType::Node || one.type == eds_FormType::Element;
+  };
+  const auto isText = [&](const eds_FormItem::Alternative& one) {
+    const inp_KeywordEnm definer =
+        one.referable ? inpS_FormTable::Instance().DefinerOf(*one.referable) : inp_NullKeyword;
+    return definer != inp_NullKeyword && Inventory().NamesFor(keyword, definer, value.AsString());
+  };
+  if (std::ranges::any_of(item.alternatives, isNamed) &&
+      std::ranges::none_of(item.alternatives, isText))
+    Tell(keyword, std::move(message));
+  else
+    AddWarning(std::move(message));
 }
 
 // Whether the record holds all that the lines say.

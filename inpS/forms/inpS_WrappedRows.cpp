@@ -148,7 +148,8 @@ bool inpS_WrappedRows::GoesOn(const Line& line) const {
   if (!m_isOpen) return false;
   if (line.IsReal()) return m_isFull || line.isBehindFields;
   if (line.target == inp_blankInt) return m_isFull || IsBlank(line); // all rows have as many lines
-  return m_isFull && m_singles == 0 && line.IsNumber() && !m_head.IsNumber();
+  if (!m_isFull || m_singles != 0 || !line.IsNumber()) return false;
+  return m_perRow > 0 ? m_values.size() < m_perRow : !m_head.IsNumber();
 }
 
 void inpS_WrappedRows::AddLine(const Line& line) {

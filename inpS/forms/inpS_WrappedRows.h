@@ -10,7 +10,9 @@
 //
 // Decided here, for no keyword says how many values there are: behind a line of eight fields one
 // that begins with a number that is no whole one goes on with its values, as labels are whole.
-// Behind a full line of a set's state variables one that begins with a whole number does so, too.
+// Behind a full line of state variables one that begins with a whole number does so, too, while
+// there are fewer values than variables; where nobody knows how many there are, behind one of a
+// set.
 class inpS_WrappedRows {
 public:
   inpS_WrappedRows(const inp_Keyword& keyword, const eds_FormInfo& form,
@@ -21,6 +23,8 @@ public:
   static const inpS_Form* FormOf(const inp_Keyword& keyword, const inpS_Form& form);
 
   void SetErrorToRefuse(bool isError) { m_isErrorToRefuse = isError; }
+  // As all rows have them; 0: not known.
+  void SetValuesPerRow(long long count) { m_perRow = static_cast<std::size_t>(count); }
   // False when not all of a row could be taken; each such row has been told.
   bool Read();
 
@@ -64,6 +68,7 @@ private:
   inpS_ColumnTargets m_targets;
   std::size_t m_singles; // values with a column of their own
   bool m_isErrorToRefuse = false;
+  std::size_t m_perRow = 0;
   bool m_needsValue; // nothing but the lines gives one
   Pass m_pass = Pass::Measure;
   // The row at hand.

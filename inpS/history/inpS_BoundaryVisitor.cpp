@@ -25,7 +25,7 @@ bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_For
   wip_Message message = inp_Utils::MessageAtParameter(
       keyword, "amplitude",
       "The AMPLITUDE parameter cannot be used with a PHYSICAL fluid boundary type");
-  message.notes.push_back({"It is kept as it stands, and nothing is made of it.", {}});
+  message.notes.push_back({"The parameter counts as not given, and is kept as it stands.", {}});
   AddError(std::move(message));
   keyword.LeaveUnread("amplitude");
   return true;
@@ -72,7 +72,7 @@ bool inpS_BoundaryVisitor::ReadColumns(const inp_Keyword& keyword, const eds_For
     m_refused = lines.TakeRefused();
     return isWhole;
   }
-  inpS_FluidLines lines(keyword, form.kind);
+  inpS_FluidLines lines(keyword, form.kind, Names());
   inpS_ColumnReader reader(keyword, form, record, Names(), *this, &lines);
   const bool isWhole = reader.Read();
   m_refused = reader.Refused();

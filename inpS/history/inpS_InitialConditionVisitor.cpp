@@ -1,9 +1,15 @@
 #include "inpS/history/inpS_InitialConditionVisitor.h"
+#include "database/KvoObjModel.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_Schema.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/forms/inpS_WrappedRows.h"
 #include "inpS/history/inpS_ConditionParameters.h"
 #include "inpS/history/inpS_DegreeLines.h"
+#include "inpS/history/inpS_LoadedElements.h"
 #include "inpS/history/inpS_NodalLines.h"
 #include "inpS/history/inpS_ValueLines.h"
+#include <algorithm>
 
 namespace {
 
@@ -58,5 +64,41 @@ bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const
     inpS_ValueLines lines(form.kind);
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
-  return inpS_FormVisitor::ReadColumns(keyword, form, record);
+  if (form.kind != eds_FormKind::InitialStateVariables)
+    return inpS_FormVisitor::ReadColumns(keyword, form, record);
+  inpS_WrappedRows rows(keyword, form, record, Names(), *this);
+  rows.SetErrorToRefuse(true);
+  rows.SetValuesPerRow(StateVariables());
+  return rows.Read();
+}
+
+// The nodes that are said to touch are a set's.
+cow_String inpS_InitialConditionVisitor::FaultOfLine(const KvoSimPosition& line) {
+  if (!line.IsA(eds_FormKind::InitialContactPair)) return {};
+  static const int field = eds_formField(eds_FormKind::InitialContactPair, "nodes");
+  const cow_String nodes = line.DataRecord().ReturnString(field);
+  const eds_Referable& nset = *std::ranges::find(eds_referables(), "nset", &eds_Referable::word);
+  if (nodes.empty() || !Names().Find(nset, nodes).set.IsNull()) return {};
+  return Names().TextOfMissing(nset, inp_Utils::Fold(nodes));
+}
+
+// As many as each material has that has some; 0: nobody knows, as materials differ, or elements of
+// users have state variables of their own.
+long long inpS_InitialConditionVisitor::StateVariables() {
+  if (m_stateVariables) return *m_stateVariables;
+  static const int count = eds_formField(eds_FormKind::Depvar, "count");
+  long long known = 0;
+  bool isKnown = true;
+  for (const KvoSimPosition& material : Model().FollowMap(eds_Member::Materials))
+    for (const KvoSimPosition& property : material.GetVector(eds_Member::Properties)) {
+      if (!property.IsA(eds_FormKind::Depvar)) continue;
+      const long long own = property.DataRecord().GetInt64(count);
+      isKnown = isKnown && (known == 0 || own == known);
+      known = own;
+    }
+  const inpS_LoadedElements elements(Inventory().GetDocument());
+  const auto& types = elements.Types();
+  isKnown = isKnown && std::ranges::find(types, nullptr) == types.end();
+  m_stateVariables = isKnown ? known : 0;
+  return *m_stateVariables;
 }

@@ -4,6 +4,7 @@
 #include "inpS/forms/inpS_FormVisitor.h"
 #include "inpS/history/inpS_DuplicateReport.h"
 #include "parser/inp_Utils.h"
+#include <optional>
 
 // The initial conditions phase, with the boundary conditions of the model.
 class inpS_InitialConditionVisitor : public inpS_FormVisitor {
@@ -22,6 +23,7 @@ protected:
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
+  cow_String FaultOfLine(const KvoSimPosition& line) override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override {
     if (m_places && keyword.Kind() == inp_KwBoundary)
@@ -35,6 +37,9 @@ protected:
   }
 
 private:
+  long long StateVariables();
+
   inpS_DuplicateReport* m_places = nullptr;
+  std::optional<long long> m_stateVariables;
   cow_List<long long> m_refused; // of the condition at hand: its lines that are no rows
 };

@@ -11,6 +11,7 @@ namespace {
 constexpr int targetColumn = 0;
 constexpr int labelColumn = 1;
 constexpr int firstValue = 2;
+constexpr int heightColumn = 4; // of hydrostatic pressures, behind the height of none
 // A property's name may stand among the values.
 constexpr inp_KeywordEnm kindsWithProperty[] = {inp_KwFilm, inp_KwSfilm, inp_KwImpedance};
 
@@ -20,10 +21,15 @@ bool isOfSurfaces(inp_KeywordEnm keyword) {
   });
 }
 
+// Its stresses come from the global model: the surface is all that there is to say.
+bool isOfSubmodel(const inp_Keyword& keyword) {
+  return keyword.Kind() == inp_KwDsload && inpS_saysYes(keyword, "submodel");
+}
+
 // The magnitude of forces and fluxes, the coefficient of films, flows and radiation, which stands
 // behind what is beyond; impedances have properties.
 int valueColumnOf(const inp_Keyword& keyword) {
-  if (inpS_saysYes(keyword, "user")) return -1;
+  if (inpS_saysYes(keyword, "user") || isOfSubmodel(keyword)) return -1;
   switch (keyword.Kind()) {
   case inp_KwImpedance:
     return -1;
@@ -44,13 +50,25 @@ cow_String textOfSurplus(const cow_String& label, int most) {
          "; what follows is kept, and means nothing.";
 }
 
+bool isEdge(eds_SurfaceFace face) {
+  return (face >= eds_SurfaceFace::E1 && face <= eds_SurfaceFace::E4) ||
+         face == eds_SurfaceFace::Edge;
+}
+
+// "zero_height" is a word of the table.
+cow_String spoken(std::string_view name) {
+  cow_String text(name);
+  std::ranges::replace(text, '_', ' ');
+  return text;
+}
+
 } // namespace
 
 inpS_LoadLines::inpS_LoadLines(const inp_Keyword& keyword, const KvoSimPosition& record,
                                int dimensions, inpS_LoadedElements& elements)
     : m_keyword(keyword), m_record(record), m_isInSpace(dimensions == 3),
-      m_isOfSurfaces(isOfSurfaces(keyword.Kind())), m_valueColumn(valueColumnOf(keyword)),
-      m_elements(elements) {}
+      m_isOfSurfaces(isOfSurfaces(keyword.Kind())), m_needsLabel(!isOfSubmodel(keyword)),
+      m_valueColumn(valueColumnOf(keyword)), m_elements(elements) {}
 
 bool inpS_LoadLines::Takes(const Label& label, Type type) const {
   return !type || std::ranges::any_of(label.found.rows, [&](const inpS_LoadLabel* row) {
@@ -120,6 +138,9 @@ const inpS_LoadLabel::Value* inpS_LoadLines::MissingOf(const Label& label,
       isGiven = isGiven || (!inp_isBlankReal(given) && (value.components == 1 || given != 0));
     }
     if (!isGiven) return &value;
+    // Between equal heights no pressure can grow.
+    if (value.name == "height" && value.isRequired && valueAt(col - 1) == valueAt(col - 2))
+      return &value;
   }
   return nullptr;
 }
@@ -149,24 +170,46 @@ inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
   return known->second = against == types.end() ? nullptr : *against;
 }
 
-bool inpS_LoadLines::IsWithoutFaces(int target) {
-  if (target >= 0 || target == inp_blankInt || target == inpS_noTarget) return false;
+inpS_LoadLines::Faces inpS_LoadLines::FacesOf(int target) {
   const auto place = static_cast<std::size_t>(-1 - target);
   if (place >= m_faces.size()) m_faces.resize(place + 1);
-  if (m_faces[place] == 0) {
-    const KvoSimDataRecord named = m_record.GetVector(eds_Member::Targets)[place].DataRecord();
-    const int type = named.GetReference(eds_Target_Set).DataRecord().GetSymb(eds_Surface_Type);
-    m_faces[place] = type == static_cast<int>(eds_SurfaceType::Element) ? 1 : 2;
-  }
-  return m_faces[place] == 2;
+  Faces& faces = m_faces[place];
+  if (faces != Faces::Unknown) return faces;
+  const KvoObjSurface surface(
+      m_record.GetVector(eds_Member::Targets)[place].DataRecord().GetReference(eds_Target_Set));
+  if (surface.Type() != eds_SurfaceType::Element) return faces = Faces::None;
+  bool hasEdges = false, hasOthers = false;
+  for (const KvoSurfaceFaces& one : surface.Faces())
+    (isEdge(one.face) ? hasEdges : hasOthers) = true;
+  return faces = hasEdges == hasOthers ? Faces::Any : hasEdges ? Faces::Edges : Faces::Sides;
+}
+
+// label: its slot, or blank
+cow_String inpS_LoadLines::FaultOfSurface(int target, int label) {
+  if (target >= 0 || target == inp_blankInt || target == inpS_noTarget) return {};
+  const Faces faces = FacesOf(target);
+  if (faces == Faces::None) return "The surface has no faces of elements to be loaded.";
+  const auto place = static_cast<std::size_t>(-1 - label);
+  if (faces == Faces::Any || label >= 0 || label == inp_blankInt || place >= m_labels.size())
+    return {};
+  const bool isOfEdges = m_labels[place].text.starts_with("ED");
+  if (isOfEdges == (faces == Faces::Edges)) return {};
+  return isOfEdges ? m_labels[place].text + " is for edges; the surface has faces alone."
+                   : m_labels[place].text + " is for faces; the surface has edges alone.";
 }
 
 bool inpS_LoadLines::IsSound(const inp_ColumnPiece& piece, Words words) {
-  if (words[labelColumn]->All().empty()) return true;
-  LabelAt(-1, words);
+  const bool hasLabels = !words[labelColumn]->All().empty();
+  if (hasLabels) LabelAt(-1, words);
+  const auto codes = piece.columns[labelColumn].ints.first(piece.count);
+  if (m_isOfSurfaces && m_needsLabel && std::ranges::find(codes, inp_blankInt) != codes.end())
+    return false;
   if (m_isOfSurfaces)
-    for (const int target : piece.columns[targetColumn].ints.first(piece.count))
-      if (IsWithoutFaces(target)) return false;
+    for (std::size_t n = 0; n < piece.count; ++n)
+      if (const int target = piece.columns[targetColumn].ints[n];
+          !FaultOfSurface(target, codes[n]).empty())
+        return false;
+  if (!hasLabels) return true;
   if (m_valueColumn >= 0) {
     const auto column = static_cast<std::size_t>(m_valueColumn);
     if (inp_hasBlank(piece.columns[column].reals.first(piece.count))) return false;
@@ -194,6 +237,14 @@ bool inpS_LoadLines::IsSound(const inp_ColumnPiece& piece, Words words) {
 
 std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line) {
   const int slot = line.slots[labelColumn];
+  if (slot == inp_blankInt && m_needsLabel)
+    return inpS_LineFault{labelColumn, "The line does not tell its label."};
+  const auto doubtOfSurface = [&]() -> std::optional<inpS_LineFault> {
+    cow_String text = m_isOfSurfaces ? FaultOfSurface(line.slots[targetColumn], slot) : "";
+    if (text.empty()) return {};
+    return inpS_LineFault{targetColumn, std::move(text), false, false};
+  };
+  if (slot == inp_blankInt) return doubtOfSurface();
   if (slot >= 0 || static_cast<std::size_t>(-1 - slot) >= m_labels.size()) return {};
   Label& label = m_labels[static_cast<std::size_t>(-1 - slot)];
   if (label.found.rows.empty())
@@ -201,12 +252,10 @@ std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line)
                           inp_Utils::Format("Unsupported load type: %s", label.text.c_str())};
   const auto valueAt = [&](int col) { return line.Has(col) ? line.Real(col) : inp_blankReal; };
   if (const inpS_LoadLabel::Value* missing = MissingOf(label, valueAt))
-    return inpS_LineFault{-1, TextOf(label, *missing)};
+    return inpS_LineFault{-1, TextOf(label, *missing, line.Has(heightColumn))};
   if (const Type type = TypeAgainst(label, line.slots[targetColumn]))
     return inpS_LineFault{labelColumn, TextOf(label, *type), false, false};
-  if (m_isOfSurfaces && IsWithoutFaces(line.slots[targetColumn]))
-    return inpS_LineFault{targetColumn, "The surface has no faces of elements to be loaded.", false,
-                          false};
+  if (auto doubt = doubtOfSurface()) return doubt;
   if (cow_String lack = LackOf(label, line); !lack.empty())
     return inpS_LineFault{-1, "The line gives no " + lack + ", which is 0.", false, false};
   if (const int surplus = SurplusOf(label, valueAt); surplus >= 0)
@@ -223,13 +272,15 @@ cow_String inpS_LoadLines::LackOf(const Label& label, const inpS_LineView& line)
   const bool hasProperty =
       std::ranges::find(kindsWithProperty, m_keyword.Kind()) != std::end(kindsWithProperty);
   if (line.Has(m_valueColumn) || (hasProperty && line.Has(m_valueColumn + 1))) return {};
-  return cow_String(values[static_cast<std::size_t>(m_valueColumn - firstValue)].name);
+  return spoken(values[static_cast<std::size_t>(m_valueColumn - firstValue)].name);
 }
 
-cow_String inpS_LoadLines::TextOf(const Label& label, const inpS_LoadLabel::Value& missing) const {
+cow_String inpS_LoadLines::TextOf(const Label& label, const inpS_LoadLabel::Value& missing,
+                                  bool isHeightGiven) const {
   if (m_keyword.Kind() == inp_KwDsload && missing.components > 1)
     return "*DSLOAD traction load vector is null";
-  return label.text + ": its " + cow_String(missing.name) +
+  if (missing.name == "height" && isHeightGiven) return label.text + ": its heights are the same.";
+  return label.text + ": its " + spoken(missing.name) +
          (missing.components > 1 ? " is not given, or zero." : " is not given.");
 }
 

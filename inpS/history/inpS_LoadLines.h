@@ -31,6 +31,8 @@ private:
     bool IsCarefree() const { return !found.rows.empty() && !needsValues && !needsTypes; }
   };
   static constexpr int kAnyNumber = 1000;
+  // What a surface has to be loaded: none has one of nodes, or of no mesh at all.
+  enum class Faces : char { Unknown, None, Any, Sides, Edges };
   Label MakeLabel(const cow_String& text) const;
   int MostValues(const Label& label) const;
   // Whether some row has more values than the label with the fewest.
@@ -43,19 +45,22 @@ private:
   template <class Value> int SurplusOf(const Label& label, const Value& valueAt) const;
   bool Takes(const Label& label, Type type) const;
   Type TypeAgainst(Label& label, int target); // null: none
-  // Whether the target is a surface of nodes, or of no mesh at all.
-  bool IsWithoutFaces(int target);
+  Faces FacesOf(int target);
+  // Of a surface against the label; empty: none.
+  cow_String FaultOfSurface(int target, int label);
   // What the line ought to give and does not; empty: nothing.
   cow_String LackOf(const Label& label, const inpS_LineView& line) const;
-  cow_String TextOf(const Label& label, const inpS_LoadLabel::Value& missing) const;
+  cow_String TextOf(const Label& label, const inpS_LoadLabel::Value& missing,
+                    bool isHeightGiven) const;
   cow_String TextOf(const Label& label, const inp_ElementInfo& type) const;
 
   const inp_Keyword& m_keyword;
   KvoSimPosition m_record;
   bool m_isInSpace; // three dimensions
   bool m_isOfSurfaces;
+  bool m_needsLabel;
   int m_valueColumn; // of what makes a line act; -1: it may be left out, or a routine gives it
   inpS_LoadedElements& m_elements;
-  cow_List<char> m_faces;   // of surfaces, by place: 0 not known yet, 1 faces, 2 none
+  cow_List<Faces> m_faces;  // of surfaces, by place
   cow_List<Label> m_labels; // as the column's words
 };

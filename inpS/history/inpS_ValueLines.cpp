@@ -2,6 +2,7 @@
 #include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -55,7 +56,8 @@ constexpr Row table[] = {{Kind::TemperatureField, 1, "value"},
 
 } // namespace
 
-inpS_ValueLines::inpS_ValueLines(eds_RecordKind form) {
+inpS_ValueLines::inpS_ValueLines(eds_RecordKind form)
+    : m_isOfModes(form == Kind::ImperfectionModes) {
   const Row& row = *std::ranges::find(table, form, &Row::form);
   m_column = row.column;
   m_what = row.what;
@@ -69,11 +71,16 @@ bool inpS_ValueLines::Has(const inp_Keyword& keyword, eds_RecordKind form) {
 }
 
 bool inpS_ValueLines::IsSound(const inp_ColumnPiece& piece, Words) {
+  if (m_isOfModes &&
+      !inp_areWithin(piece.columns[0].ints.first(piece.count), 1, std::numeric_limits<int>::max()))
+    return false;
   const auto column = static_cast<std::size_t>(m_column);
   return std::ranges::none_of(piece.columns[column].reals.first(piece.count), inp_isBlankReal);
 }
 
 std::optional<inpS_LineFault> inpS_ValueLines::FaultOf(const inpS_LineView& line) {
+  if (m_isOfModes && line.slots[0] < 1)
+    return inpS_LineFault{0, "Mode " + line.Text(0) + " is none: modes are numbered from 1 on."};
   if (line.Has(m_column)) return {};
   for (int col = m_column; m_isAny && col < line.data.Cols(line.row); ++col)
     if (line.Has(col)) return {};

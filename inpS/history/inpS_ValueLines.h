@@ -16,6 +16,7 @@ public:
   bool IsErrorToRefuse() const override { return true; }
 
 private:
+  bool m_isOfModes;
   int m_column;
   cow_String m_what;
   bool m_isAny;

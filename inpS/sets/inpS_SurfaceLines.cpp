@@ -27,7 +27,7 @@ void inpS_SurfaceLines::ReadFaces() {
       Fault(row, 1,
             "\"" + cow_String(what) +
                 "\" is no face identifier (S1 to S6, SPOS, SNEG, E1 to E4, END1, END2, EDGE); "
-                "the line is left out.");
+                "the line is kept as it stands.");
       continue;
     }
     Take(row, 0, who, face, 1);
@@ -44,7 +44,8 @@ void inpS_SurfaceLines::ReadNodes() {
     if (!what.empty()) {
       const utl_Field field = utl_classifyField(what);
       if (!field.IsNumber() || field.real < 0) {
-        Fault(row, 1, "\"" + cow_String(what) + "\" is no area of a node; the line is left out.");
+        Fault(row, 1,
+              "\"" + cow_String(what) + "\" is no area of a node; the line is kept as it stands.");
         continue;
       }
       area = field.real;
@@ -83,7 +84,7 @@ bool inpS_SurfaceLines::SplitRow(long long row, std::string_view& who, std::stri
   who = m_data.FieldText(row, 0);
   what = cols > 1 ? m_data.FieldText(row, 1) : std::string_view();
   if (filled > 2) {
-    m_hasSurplus = true;
+    m_isWhole = false;
     int col = 2;
     while (!m_data.HasValue(row, col)) ++col;
     m_visitor.AddWarning(inp_Utils::MessageAtField(
@@ -95,8 +96,9 @@ bool inpS_SurfaceLines::SplitRow(long long row, std::string_view& who, std::stri
   }
   if (!who.empty()) return true;
   Fault(row, filled - 1,
-        m_kind == Kind::Nodes ? "The node or node set is missing; the line is left out."
-                              : "The element or element set is missing; the line is left out.");
+        m_kind == Kind::Nodes
+            ? "The node or node set is missing; the line is kept as it stands."
+            : "The element or element set is missing; the line is kept as it stands.");
   return false;
 }
 
@@ -175,7 +177,8 @@ void inpS_SurfaceLines::TakeLabel(long long row, int col, long long label,
   const char* const noun = m_kind == Kind::Nodes ? "Node" : "Element";
   if (label > kMaxLabel || label < -kMaxLabel || space.occurrence < 0) {
     const cow_String asWritten = m_data.AsStringVerbatim(row, col);
-    Fault(row, col, cow_String(noun) + " " + asWritten + " does not exist; left out.");
+    Fault(row, col,
+          cow_String(noun) + " " + asWritten + " does not exist; the line is kept as it stands.");
     return;
   }
   int& listed = m_listed[static_cast<std::size_t>(face)];
@@ -226,7 +229,7 @@ void inpS_SurfaceLines::Flush() {
       }
       if (m_missing++ < kMostMissingTold)
         Fault(row, 0,
-              inp_Utils::Format("%s %d does not exist; left out.",
+              inp_Utils::Format("%s %d does not exist; the line is kept as it stands.",
                                 m_kind == Kind::Nodes ? "Node" : "Element", m_run.labels[n]));
       continue;
     }
@@ -244,12 +247,11 @@ void inpS_SurfaceLines::Flush() {
 void inpS_SurfaceLines::Finish() {
   Flush();
   if (m_missing > kMostMissingTold)
-    m_visitor.LeaveOut("surface line", m_missing - kMostMissingTold);
-  if (m_missing > kMostMissingTold)
     m_visitor.AddError(inp_Utils::MessageInKeyword(
-        m_keyword, inp_Utils::Format("%lld more %s of this surface do not exist; left out.",
-                                     m_missing - kMostMissingTold,
-                                     m_kind == Kind::Nodes ? "nodes" : "elements")));
+        m_keyword,
+        inp_Utils::Format(
+            "%lld more %s of this surface do not exist; their lines are kept as they stand.",
+            m_missing - kMostMissingTold, m_kind == Kind::Nodes ? "nodes" : "elements")));
   std::erase_if(m_pieces, [](const Piece& piece) {
     return piece.named.set.IsNull() && piece.ordinals.IsEmpty();
   });
@@ -257,5 +259,5 @@ void inpS_SurfaceLines::Finish() {
 
 void inpS_SurfaceLines::Fault(long long row, int col, cow_String text) {
   m_visitor.AddError(inp_Utils::MessageAtField(m_keyword, row, col, std::move(text)));
-  m_visitor.LeaveOut("surface line");
+  m_isWhole = false;
 }

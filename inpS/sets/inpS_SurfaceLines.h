@@ -6,8 +6,8 @@
 #include <array>
 
 // The data lines of one surface, read into pieces: a set or surface that is named, or everything
-// that is listed by label with one face. Faults are reported at their place, and the line is left
-// out.
+// that is listed by label with one face. Faults are reported at their place, and nothing is made of
+// the line.
 class inpS_SurfaceLines {
 public:
   struct Piece {
@@ -30,7 +30,8 @@ public:
   void ReadSurfaces(long long row, long long rows); // names, as many as there are
 
   cow_List<Piece>& Pieces() { return m_pieces; }
-  bool HasSurplus() const { return m_hasSurplus; } // told; the lines are to be kept
+  bool IsWhole() const { return m_isWhole; } // false: told; the lines are to be kept
+  void SetPartial() { m_isWhole = false; }
   // Lines that name elements which the deck has in keywords kept as text, as the others are
   // written.
   cow_String TakeAsText() { return std::move(m_asText); }
@@ -70,5 +71,5 @@ private:
   inpS_SetVisitor::LabelSpace m_prefixSpace;
   long long m_missing = 0;
   cow_String m_asText;
-  bool m_hasSurplus = false;
+  bool m_isWhole = true;
 };

@@ -40,7 +40,7 @@ void inpS_SurfaceStore::SaveFaces(const inp_Keyword& keyword, KvoObjSurface surf
   const auto hasFree = [](const inpS_SurfaceElements::Run& run) { return run.hasFreeFaces; };
   const auto hasNone = [](const inpS_SurfaceElements::Run& run) { return !run.hasFreeFaces; };
   for (const Piece& piece : lines.Pieces()) {
-    const KvoSimCSet members = SavePiece(surface, piece, false);
+    const KvoSimCSet members = WithFace(runs, piece, SavePiece(surface, piece, false));
     if (piece.face == Face::Edge) {
       edged.push_back(members.Set());
     } else if (piece.face == Face::Whole) {
@@ -67,30 +67,50 @@ void inpS_SurfaceStore::Check(const inp_Keyword& keyword, const Runs& runs,
     const bool allHave =
         std::all_of(runs.begin(), runs.end(), [&](const auto& run) { return run.Has(piece.face); });
     if (allHave) return false;
-    if (!piece.named.set.IsNull()) return !CheckNamed(keyword, runs, piece);
-    CheckListed(keyword, runs, piece);
-    return piece.ordinals.IsEmpty();
+    if (piece.named.set.IsNull()) {
+      CheckListed(keyword, runs, lines, piece);
+      return piece.ordinals.IsEmpty();
+    }
+    CheckNamed(keyword, runs, piece);
+    return false;
   });
 }
 
-// A set in which one element lacks the face is left out as a whole.
-bool inpS_SurfaceStore::CheckNamed(const inp_Keyword& keyword, const Runs& runs,
+// The line stands for the elements of the set that have the face.
+void inpS_SurfaceStore::CheckNamed(const inp_Keyword& keyword, const Runs& runs,
                                    const Piece& piece) {
   const KvoSimCSet membership = membershipOf(piece.named.set, false);
   const eds_MemberSet& members = membership.Set();
   const inpS_SurfaceElements::Run* run = nullptr;
+  long long first = -1, others = 0;
   for (long long n = 0; n < members.Size(); ++n) {
     const long long element = members[n] + piece.named.offset;
-    if (run && element >= run->first && element < run->first + run->count) continue;
-    run = inpS_SurfaceElements::RunAt(runs, element);
+    if (!run || element < run->first || element >= run->first + run->count)
+      run = inpS_SurfaceElements::RunAt(runs, element);
     if (run && run->Has(piece.face)) continue;
-    ReportNoFace(keyword, piece.row, piece.col, piece, element, runs);
-    return false;
+    if (first < 0)
+      first = element;
+    else
+      ++others;
   }
-  return true;
+  if (first < 0) return;
+  cow_String kept = "it is not in the surface.";
+  if (others > 0)
+    kept = inp_Utils::Format("it and %lld more of the set are not in the surface.", others);
+  ReportNoFace(keyword, piece.row, piece.col, piece, first, runs, kept);
 }
 
-void inpS_SurfaceStore::CheckListed(const inp_Keyword& keyword, const Runs& runs, Piece& piece) {
+KvoSimCSet inpS_SurfaceStore::WithFace(const Runs& runs, const Piece& piece,
+                                       const KvoSimCSet& members) {
+  if (piece.named.set.IsNull() || members.IsEmpty()) return members; // a list holds no others
+  const eds_MemberSet some = inpS_SurfaceElements::Select(
+      runs, members.Set(), [&](const auto& run) { return run.Has(piece.face); });
+  if (some.Size() == members.Set().Size()) return members;
+  return {m_mesh.CollectionOf(m_visitor.Owner(), false), some};
+}
+
+void inpS_SurfaceStore::CheckListed(const inp_Keyword& keyword, const Runs& runs,
+                                    inpS_SurfaceLines& lines, Piece& piece) {
   std::size_t kept = 0;
   int told = 0;
   for (std::size_t n = 0; n < piece.ordinals.Size(); ++n) {
@@ -99,21 +119,24 @@ void inpS_SurfaceStore::CheckListed(const inp_Keyword& keyword, const Runs& runs
       piece.ordinals[kept] = piece.ordinals[n];
       piece.rows[kept++] = piece.rows[n];
     } else if (told++ < kMostFaultsTold) {
-      ReportNoFace(keyword, piece.rows[n], 0, piece, piece.ordinals[n], runs);
+      ReportNoFace(keyword, piece.rows[n], 0, piece, piece.ordinals[n], runs,
+                   "the line is kept as it stands.");
     }
   }
   piece.ordinals.Resize(kept);
   piece.rows.Resize(kept);
+  if (told > 0) lines.SetPartial();
   if (told <= kMostFaultsTold) return;
-  m_visitor.LeaveOut("surface line", told - kMostFaultsTold);
   m_visitor.AddError(inp_Utils::MessageInKeyword(
-      keyword, inp_Utils::Format("%d more elements of this surface have no such face; left out.",
-                                 told - kMostFaultsTold)));
+      keyword,
+      inp_Utils::Format(
+          "%d more elements of this surface have no such face; their lines are kept as they stand.",
+          told - kMostFaultsTold)));
 }
 
 void inpS_SurfaceStore::ReportNoFace(const inp_Keyword& keyword, long long row, int col,
-                                     const Piece& piece, long long element, const Runs& runs) {
-  m_visitor.LeaveOut("surface line");
+                                     const Piece& piece, long long element, const Runs& runs,
+                                     const cow_String& kept) {
   if (piece.face == Face::Whole) {
     m_visitor.AddError(inp_Utils::MessageAtField(keyword, row, col,
                                                  inpS_messageText(inpS_mesh_SurfaceWithoutFace)));
@@ -122,9 +145,9 @@ void inpS_SurfaceStore::ReportNoFace(const inp_Keyword& keyword, long long row, 
   const inpS_SurfaceElements::Run* run = inpS_SurfaceElements::RunAt(runs, element);
   m_visitor.AddError(inp_Utils::MessageAtField(
       keyword, row, col + 1,
-      inp_Utils::Format("Element %d is of type %s, which has no face %s; the line is left out.",
+      inp_Utils::Format("Element %d is of type %s, which has no face %s; %s",
                         m_visitor.GetElementLabel(element), run ? run->type.c_str() : "?",
-                        cow_String(inpS_faceName(piece.face)).c_str())));
+                        cow_String(inpS_faceName(piece.face)).c_str(), kept.c_str())));
 }
 
 // ---- pieces

@@ -20,10 +20,14 @@ private:
   using Piece = inpS_SurfaceLines::Piece;
   using Runs = cow_List<inpS_SurfaceElements::Run>;
   void Check(const inp_Keyword& keyword, const Runs& runs, inpS_SurfaceLines& lines);
-  bool CheckNamed(const inp_Keyword& keyword, const Runs& runs, const Piece& piece);
-  void CheckListed(const inp_Keyword& keyword, const Runs& runs, Piece& piece);
+  void CheckNamed(const inp_Keyword& keyword, const Runs& runs, const Piece& piece);
+  void CheckListed(const inp_Keyword& keyword, const Runs& runs, inpS_SurfaceLines& lines,
+                   Piece& piece);
+  // kept: what becomes of it
   void ReportNoFace(const inp_Keyword& keyword, long long row, int col, const Piece& piece,
-                    long long element, const Runs& runs);
+                    long long element, const Runs& runs, const cow_String& kept);
+  // Those members of a named set that have the face; of a list all.
+  KvoSimCSet WithFace(const Runs& runs, const Piece& piece, const KvoSimCSet& members);
   // The members of a piece as the surface's owner counts them, after its record was made.
   KvoSimCSet SavePiece(KvoObjSurface& surface, const Piece& piece, bool nodes);
 

@@ -251,7 +251,7 @@ bool inpS_SurfaceVisitor::ReadData(const inp_Keyword& keyword, KvoObjSurface& su
   default:
     return true;
   }
-  isWhole = isWhole && !lines.HasSurplus();
+  isWhole = isWhole && lines.IsWhole();
   if (const cow_String asText = lines.TakeAsText(); !asText.empty() && isWhole)
     inpS_keepPart(surface.Position(), {inpS_moreLines, {}, asText});
   if (surface.Type() == Type::Cutting) return isWhole;
