@@ -364,7 +364,8 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwCompositeModalDamping:
   case inp_KwDampingControls:
   case inp_KwMatrixOutput:
-    m_ofProcedures.push_back({keyword, record, m_lastProcedure});
+    m_ofProcedures.push_back(
+        {keyword, record, keyword.IsSuboption() ? record.Parent() : m_lastProcedure});
     return;
   case inp_KwStatic:
   case inp_KwDynamic:
