@@ -51,8 +51,10 @@ struct inp_Parser::Impl {
 
   cow_List<wip_Message> fileErrors{};
   cow_List<wip_Message> syntaxErrors{};
+  cow_List<wip_Message> slips{};
   cow_List<wip_Message> warnings{};
   long long moreErrors = 0; // beyond the limit of their list
+  long long moreSlips = 0;
   long long moreWarnings = 0;
 
   inp_KeywordReader reader{syntaxErrors, warnings};
@@ -87,7 +89,7 @@ struct inp_Parser::Impl {
   void Begin(const std::shared_ptr<inp_KeywordBody>& body);
   void End();
   void LeaveOut(const inp_KeywordBody& body);
-  void EndOpenStep(const cow_String& where);
+  void EndOpenStep(const cow_String& where, cow_List<wip_Message>& told);
   void TellScopeErrors();
   void LimitMessages();
   void TellMore();
@@ -120,6 +122,9 @@ inp_Parser::~inp_Parser() = default;
 const cow_List<wip_Message>& inp_Parser::FileErrors() const {
   return m_impl->fileErrors;
 }
+const cow_List<wip_Message>& inp_Parser::Slips() const {
+  return m_impl->slips;
+}
 const cow_List<wip_Message>& inp_Parser::SyntaxErrors() const {
   return m_impl->syntaxErrors;
 }
@@ -140,7 +145,7 @@ inp_KeywordList inp_Parser::Parse(bool expectFile) {
   if (!root) return {};
   m_impl->ParseText(root);
   m_impl->End();
-  m_impl->EndOpenStep("with the deck");
+  m_impl->EndOpenStep("with the deck", m_impl->warnings);
   m_impl->scopes.Finish();
   m_impl->TellScopeErrors();
   m_impl->TellMore();
@@ -181,12 +186,14 @@ void inp_Parser::Impl::LimitMessages() {
     messages.resize(inp_MessageList::limit);
   };
   cut(syntaxErrors, moreErrors);
+  cut(slips, moreSlips);
   cut(warnings, moreWarnings);
 }
 
 void inp_Parser::Impl::TellMore() {
   LimitMessages();
   if (moreErrors > 0) syntaxErrors.push_back(inp_MessageList::More(moreErrors));
+  if (moreSlips > 0) slips.push_back(inp_MessageList::More(moreSlips));
   if (moreWarnings > 0) warnings.push_back(inp_MessageList::More(moreWarnings));
 }
 
@@ -305,9 +312,9 @@ void inp_Parser::Impl::ReportHeadless(const inp_DataSegment& segment) {
 void inp_Parser::Impl::Begin(const std::shared_ptr<inp_KeywordBody>& body) {
   // All that opens a scope stands outside of steps.
   if (body->kind == inp_KwStep)
-    EndOpenStep("where the next one begins");
+    EndOpenStep("where the next one begins", warnings);
   else if (inp_ScopeTracker::KindOpenedBy(body->kind) != inp_Scope::Kind::Model)
-    EndOpenStep("where *" + body->name + " begins");
+    EndOpenStep("where *" + body->name + " begins", slips);
   open = body;
   if (body->name.empty()) return; // reported; its data lines go with it
   if (body->kind == inp_KwEndStep && !scopes.OpenStep()) return LeaveOut(*body);
@@ -341,16 +348,16 @@ void inp_Parser::Impl::LeaveOut(const inp_KeywordBody& body) {
   wip_Message message("no step is open that *END STEP could end; it is left out");
   message.keyword = body.name;
   message.place = body.text->PlaceOf(body.begin);
-  warnings.push_back(std::move(message));
+  slips.push_back(std::move(message));
 }
 
 // Decks may end within their last step, which then ends with them, and a step may be left open
 // where the next one begins. Where a file could not be read it may be the line that ends the step.
-void inp_Parser::Impl::EndOpenStep(const cow_String& where) {
+void inp_Parser::Impl::EndOpenStep(const cow_String& where, cow_List<wip_Message>& told) {
   const std::shared_ptr<inp_KeywordBody> step = scopes.OpenStep();
   if (!step || !fileErrors.empty()) return;
-  warnings.push_back(inp_Utils::MessageInKeyword(inp_Keyword(step, {}),
-                                                 "*END STEP is missing; the step ends " + where));
+  told.push_back(inp_Utils::MessageInKeyword(inp_Keyword(step, {}),
+                                             "*END STEP is missing; the step ends " + where));
   const inp_DeckTextPtr closer = inp_DeckText::Rewritten("*END STEP\n", step->text, step->line);
   Begin(reader.Read(closer, closer->Begin(), step->line).body);
   End();

@@ -19,6 +19,7 @@ public:
 
   const cow_List<wip_Message>& FileErrors() const;   // files that cannot be read, include cycles
   const cow_List<wip_Message>& SyntaxErrors() const; // lines that are no deck language
+  const cow_List<wip_Message>& Slips() const;        // errors that are mended: the deck goes on
   const cow_List<wip_Message>& Warnings() const;
   // Every file that was opened, once for each name: the deck, includes, data files.
   const cow_List<inp_DeckTextPtr>& Files() const;

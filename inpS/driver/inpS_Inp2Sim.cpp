@@ -36,7 +36,7 @@ bool inpS_Inp2Sim::Parse() try {
   // All that the text tells is told in one run. Its faults leave keywords behind, so that a host
   // may look for what else there is; without one of its files a deck's model tells nothing.
   if (!parser.FileErrors().empty()) m_keywords.clear();
-  for (const auto* errors : {&parser.FileErrors(), &parser.SyntaxErrors()})
+  for (const auto* errors : {&parser.FileErrors(), &parser.SyntaxErrors(), &parser.Slips()})
     if (!errors->empty()) host.ErrorList(*errors, 1);
   if (!parser.Warnings().empty()) host.WarningList(parser.Warnings());
   return parser.FileErrors().empty() && parser.SyntaxErrors().empty();

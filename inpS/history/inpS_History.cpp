@@ -225,7 +225,9 @@ void Deriver::SetCommon(KvoSimDataRecord& to, const KvoSimPosition& procedure) c
   to.SetBool(eds_HistoryStep_Perturbation, m_said.perturbation);
   to.SetSymb(eds_HistoryStep_Storage, m_said.storage.value_or(0));
   to.SetBool(eds_HistoryStep_Dsa, m_dsa);
-  if (m_said.iterative) to.SetBool(eds_HistoryStep_Iterative, true);
+  const bool hasSolver =
+      procedure.IsNull() || Procedure::Of(procedure.Object().RecordKind())->hasSolver;
+  if (m_said.iterative && hasSolver) to.SetBool(eds_HistoryStep_Iterative, true);
   if (m_said.amplitude) to.SetSymb(eds_HistoryStep_Amplitude, *m_said.amplitude);
   if (m_said.convertSdi) to.SetBool(eds_HistoryStep_ConvertSdi, *m_said.convertSdi);
   if (m_said.nonlinear) to.SetBool(eds_HistoryStep_Nonlinear, *m_said.nonlinear);
@@ -261,11 +263,17 @@ void setIncrements(KvoSimDataRecord& to, const Procedure& of, Kind kind,
     to.SetDouble(eds_HistoryStep_Minimum, Procedure::Real(record, of.minimum).value_or(0.));
     to.SetDouble(eds_HistoryStep_Maximum, Procedure::Real(record, of.maximum).value_or(0.));
   }
-  setReal(to, eds_HistoryStep_TemperatureChange, Procedure::Real(record, of.deltmx));
-  setReal(to, eds_HistoryStep_CreepTolerance, Procedure::Real(record, of.cetol));
+  // Of these the solver chooses, too, what is not given.
+  const auto orChosen = [&](int field, bool isLeft) {
+    const auto given = Procedure::Real(record, field);
+    return given || !isLeft || isFixed || field < 0 ? given : std::optional(0.);
+  };
+  const bool isCoupled = kind == eds_FormKind::CoupledTemperatureDisplacement;
+  setReal(to, eds_HistoryStep_TemperatureChange, orChosen(of.deltmx, isCoupled));
+  setReal(to, eds_HistoryStep_CreepTolerance, orChosen(of.cetol, isCoupled));
   setReal(to, eds_HistoryStep_PressureChange, Procedure::Real(record, of.utol));
   setReal(to, eds_HistoryStep_ConcentrationChange, Procedure::Real(record, of.dcmax));
-  setReal(to, eds_HistoryStep_HalfIncrementResidual, Procedure::Real(record, of.haftol));
+  setReal(to, eds_HistoryStep_HalfIncrementResidual, orChosen(of.haftol, true));
   setReal(to, eds_HistoryStep_LoadFactor, Procedure::Real(record, of.loadFactor));
   if (of.mxdem >= 0)
     to.SetDouble(eds_HistoryStep_EmissivityChange,

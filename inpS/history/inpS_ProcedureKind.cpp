@@ -53,6 +53,19 @@ Procedure::Registration registrationOf(inp_KeywordEnm keyword) {
   }
 }
 
+// Modes are extracted, and what is a sum of them or explicit solves no equations; a flow has
+// solvers of its own.
+bool hasSolver(Kind kind, inp_KeywordEnm keyword) {
+  const bool isDirect =
+      keyword == inp_KwSteadyStateDynamics && kind == eds_FormKind::SteadyStateDynamicsDirect;
+  const bool isExplicit =
+      kind == eds_FormKind::DynamicExplicit || keyword == inp_KwDynamicTemperatureDisplacement;
+  const bool isOther = keyword == inp_KwModalDynamic || keyword == inp_KwCfd ||
+                       kind == eds_FormKind::DynamicSubspace;
+  return isDirect || keyword == inp_KwElectromagnetic ||
+         (familyOf(kind, keyword) == Family::Time && !isExplicit && !isOther);
+}
+
 Procedure procedureOf(Kind kind, inp_KeywordEnm keyword) {
   const eds_RecordInfo& info = *eds_formRecord(kind);
   // A name may mean another thing elsewhere: END is a word, or a displacement.
@@ -72,6 +85,7 @@ Procedure procedureOf(Kind kind, inp_KeywordEnm keyword) {
   Procedure made;
   made.family = familyOf(kind, keyword);
   made.registration = registrationOf(keyword);
+  made.hasSolver = hasSolver(kind, keyword);
   // That of implicit dynamics is a parameter, too.
   made.initial = real(kind == eds_FormKind::DynamicImplicit ? "initial_increment" : "initial");
   made.period = real("period", "total");

@@ -10,6 +10,7 @@ struct inpS_ProcedureKind {
   enum class Registration : unsigned char { Step, Task, Event }; // as StepRegistration
   Family family = Family::None;
   Registration registration = Registration::Step;
+  bool hasSolver = false; // it solves equations that SOLVER of *STEP is for
 
   // Fields of the record; -1: it has none of that name.
   int initial = -1, period = -1, minimum = -1, maximum = -1;

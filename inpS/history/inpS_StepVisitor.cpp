@@ -343,6 +343,7 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   if (!keyword.IsSuboption() && isProcedure(keyword.Kind())) {
     SetProcedure(keyword, record);
     CheckPerturbation(keyword, form);
+    CheckSolver(keyword, form);
     CheckTimes(keyword, form, record);
     CheckStabilization(keyword, form);
   }
@@ -363,7 +364,8 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwCompositeModalDamping:
   case inp_KwDampingControls:
   case inp_KwMatrixOutput:
-    m_ofProcedures.push_back({keyword, record, m_lastProcedure});
+    m_ofProcedures.push_back(
+        {keyword, record, keyword.IsSuboption() ? record.Parent() : m_lastProcedure});
     return;
   case inp_KwStatic:
   case inp_KwDynamic:
@@ -391,7 +393,7 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
     if (m_open && !m_open->isExplicit) TellIrrelevant(keyword);
     return;
   case inp_KwSolverControls:
-    if (m_open && m_open->isExplicit)
+    if (m_open && (m_open->isExplicit || m_open->isFluid))
       Warning(keyword, "Solver Controls is not supported for this step.");
     return;
   default:
@@ -464,11 +466,22 @@ void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_For
                                            "Node-centered heat transfer in CFD is not supported."));
 }
 
-// Displacements and rotations are watched, nothing else.
+// Displacements and rotations are watched, nothing else: one of a node, up to a value.
 void inpS_StepVisitor::CheckMonitoring(const inp_Keyword& keyword) {
+  constexpr int nodeColumn = 5;
   constexpr int dofColumn = 6;
+  constexpr int endColumn = 7;
   constexpr long long mostDof = 6;
   const inp_DataArray& data = keyword.Data();
+  const auto has = [&](int col) {
+    return data.Rows() > 0 && col < data.Cols(0) && data.HasValue(0, col);
+  };
+  const int given = has(nodeColumn) + has(dofColumn) + has(endColumn);
+  if (given == 1 || given == 2)
+    AddWarning(inp_Utils::MessageAtRow(
+        keyword, 0,
+        "An arc-length step watches a displacement by node, degree of freedom and value, and not "
+        "all of them are given; they are kept as given."));
   if (data.Rows() == 0 || data.Cols(0) <= dofColumn || !data.IsInteger(0, dofColumn)) return;
   const long long dof = data.AsInt64(0, dofColumn);
   if (dof >= 1 && dof <= mostDof) return;

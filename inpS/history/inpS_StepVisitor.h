@@ -62,6 +62,7 @@ private:
   // Values that no analysis can go by: inpS_StepVisitorValues.cpp.
   void CheckIncrements(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckPerturbation(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckSolver(const inp_Keyword& keyword, const inpS_Form& form);
   void CheckTimes(const inp_Keyword& keyword, const inpS_Form& form, const KvoSimPosition& record);
   void CheckIncrement(const inp_Keyword& keyword, const inpS_Form& form,
                       const KvoSimDataRecord& values);

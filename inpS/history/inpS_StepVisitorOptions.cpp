@@ -26,6 +26,7 @@ constexpr Needs kNeeds[] = {
     {inp_KwRandomResponse, Need::Lines, "", "no frequency"},
     {inp_KwResponseSpectrum, Need::Lines, "", "no spectrum"},
     {inp_KwModalDamping, Need::Lines, "", "no damping"},
+    {inp_KwGlobalDamping, Need::Any, "alpha beta structural", "no damping"},
     {inp_KwCompositeModalDamping, Need::Lines, "", "no damping"},
     {inp_KwSelectEigenmodes, Need::Lines, "", "no modes"},
     {inp_KwRetainedEigenmodes, Need::Lines, "", "no modes"},
@@ -121,6 +122,13 @@ void inpS_StepVisitor::CheckOptions(const inp_Keyword& keyword) {
                                                    " is not greater than zero" + kKept));
   }
   CheckRuns(keyword);
+  if (keyword.Kind() == inp_KwVariableMassScaling && keyword.StringOf("type", "") == "ROLLING" &&
+      isLacking(keyword,
+                {keyword.Kind(), Need::All, "crosssectionnodes extrudedlength feedrate", ""}))
+    Warning(keyword,
+            cow_String("TYPE=ROLLING goes by CROSS SECTION NODES, EXTRUDED LENGTH and FEED "
+                       "RATE, and not all of them are given") +
+                kKept);
   if (keyword.Kind() != inp_KwSelectCyclicSymmetryModes) return;
   const inp_Item* least = keyword.Find("nmin");
   const inp_Item* most = keyword.Find("nmax");

@@ -56,6 +56,14 @@ void inpS_StepVisitor::CheckPerturbation(const inp_Keyword& keyword, const inpS_
                        "what it changes ends with it.");
 }
 
+void inpS_StepVisitor::CheckSolver(const inp_Keyword& keyword, const inpS_Form& form) {
+  static const int field = eds_formField(eds_FormKind::Step, "solver");
+  const Procedure* of = Procedure::Of(form.kind);
+  if (!of || of->hasSolver || OpenStep().DataRecord().IsMemberNull(field)) return;
+  Warning(keyword, "*" + keyword.Name() +
+                       " has no equations for the SOLVER of *STEP; that is kept as given.");
+}
+
 void inpS_StepVisitor::CheckTimes(const inp_Keyword& keyword, const inpS_Form& form,
                                   const KvoSimPosition& record) {
   const Procedure* of = Procedure::Of(form.kind);
@@ -116,6 +124,9 @@ void inpS_StepVisitor::CheckIncrement(const inp_Keyword& keyword, const inpS_For
   const bool isArc = form.kind == eds_FormKind::StaticRiks;
   const double period = Procedure::Real(values, of.period).value_or(isArc ? 0. : 1.);
   if (*initial < 0) return tell(of.initial, "The initial increment ", " is negative; it");
+  // Of time it would be the whole period.
+  if (isArc && *initial == 0 && of.IsFixed(form.kind, values))
+    return tell(of.initial, "The fixed increment ", " of an arc goes nowhere; it");
   if (period > 0 && *initial > period)
     tell(of.initial, "The initial increment ", " is greater than the whole period; it");
   if (!of.IsFixed(form.kind, values) && least && *initial != 0 && *initial < *least)
@@ -133,14 +144,23 @@ void inpS_StepVisitor::CheckStabilization(const inp_Keyword& keyword, const inpS
                                                    " means nothing without STABILIZE; it" + kKept));
 }
 
+// A bias is of the points of a range: 1 spreads them evenly.
 void inpS_StepVisitor::CheckRanges(const inp_Keyword& keyword) {
+  constexpr int bias = 3;
   const inp_DataArray& data = keyword.Data();
+  const auto tell = [&](long long row, int col, const char* what, const char* fault) {
+    AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                         what + data.AsStringVerbatim(row, col) + fault + kKept));
+  };
   for (long long row = 0; row < data.Rows(); ++row) {
+    for (const int col : {0, 1})
+      if (hasNumber(data, row, col) && data.AsDouble(row, col) < 0)
+        tell(row, col, "The frequency ", " is negative; it");
+    if (hasNumber(data, row, bias) && data.AsDouble(row, bias) <= 0)
+      tell(row, bias, "The bias ", " is not greater than zero; it");
     if (!hasNumber(data, row, 0) || !hasNumber(data, row, 1)) continue;
     if (isReversed(data.AsDouble(row, 0), data.AsDouble(row, 1)))
-      AddWarning(inp_Utils::MessageAtField(keyword, row, 0,
-                                           "The lower bound " + data.AsStringVerbatim(row, 0) +
-                                               " is greater than the upper one; it" + kKept));
+      tell(row, 0, "The lower bound ", " is greater than the upper one; it");
   }
 }
 

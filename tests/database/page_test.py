@@ -26,7 +26,7 @@ HISTORY = ("*NODE\n1, 0.\n*TIME POINTS, NAME=TENTHS, GENERATE\n0., 0.3, 0.1\n1.,
            "*TIME POINTS, NAME=FEW\n0.5, 2.\n*STEP\n*STATIC\n0.1, 2.\n*END STEP\n"
            "*STEP, PERTURBATION\n*STATIC\n*END STEP\n*STEP\n*FREQUENCY\n7, , 50.\n*END STEP\n"
            "*STEP, NLGEOM, INC=9\n*STATIC, RIKS\n, 3.\n*END STEP\n*STEP\n*STATIC, DIRECT\n"
-           "0.25, 4.\n*END STEP\n")
+           "0.25, 4.\n*END STEP\n*STEP\n*STATIC\n0.1, -5.\n*END STEP\n")
 
 
 def same(what, found, wanted):
@@ -124,13 +124,13 @@ def check_history(found):
     query = re.search(r"\n    (SELECT place, name, collection.*?)\n\n", page, re.S)[1]
     same("the sequence of steps", db.execute(query).fetchall(),
          [(1, "Step-1", "time", 0.0, 2.0), (2, "Step-4", "arc length", 2.0, 2.0),
-          (3, "Step-5", "time", 2.0, 6.0)])
+          (3, "Step-5", "time", 2.0, 6.0), (4, "Step-6", "time", 6.0, 6.0)])
     same("tasks and events", db.execute("""SELECT step, registration, place, collection, least, most,
          items FROM v_task WHERE registration <> 'step'""").fetchall(),
          [(2, "event", None, None, None, None, None), (3, "task", None, "mode", None, 50.0, 7)])
     same("increments", db.execute("""SELECT step, kind, initial, increments FROM v_incrementation
          """).fetchall(), [(1, "automatic", 0.1, 100), (4, "automatic arc length", 1.0, 9),
-                           (5, "fixed", 0.25, 100)])
+                           (5, "fixed", 0.25, 100), (6, "automatic", 0.1, 100)])
     query = re.search(r"\n    (SELECT p.name, t.rows, .*?)\n\n", page, re.S)[1]
     times = {name: struct.unpack(f"<{rows}d", few) for name, rows, few, _ in db.execute(query)}
     same("time points", {name: [round(one, 9) for one in all] for name, all in times.items()},
