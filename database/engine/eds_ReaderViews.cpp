@@ -110,6 +110,7 @@ cow_String companions(Kinds kinds) {
 }
 
 // A perturbation step has conditions and fields of the state it starts from, but none of its loads.
+// Amplitudes of what stands before the steps run in the first one.
 cow_String inForce(Kinds kinds) {
   using Kind = eds_RecordKind;
   if (!has(kinds, {Kind::Excitation, Kind::Relay, Kind::HistoryStep}))
@@ -133,8 +134,8 @@ SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS ke
   ifnull(r.components, e.components) AS components, e.restraint, e.label,
   r.region_name AS region, r.instance_name AS instance, r.label AS target,
   ifnull(r.magnitude, e.magnitude) AS magnitude,
-  iif(e.step = h.number OR total.id IS NOT NULL, e.amplitude_name, NULL) AS amplitude,
-  iif(e.step = h.number OR total.id IS NOT NULL, NULL, e.amplitude_name) AS amplitude_ended,
+  iif(max(e.step, 1) = h.number OR total.id IS NOT NULL, e.amplitude_name, NULL) AS amplitude,
+  iif(max(e.step, 1) = h.number OR total.id IS NOT NULL, NULL, e.amplitude_name) AS amplitude_ended,
   e.step AS from_step,
   CASE WHEN e.step = h.number THEN 'given' WHEN h.perturbation = 1
     OR h.registration = 'REGISTERED_TASK' THEN 'held' ELSE 'carried' END
@@ -143,8 +144,8 @@ SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS ke
   e.load_case_number, ifnull(e.imaginary, 0) AS imaginary,
   ifnull(e.fixed, 0) AS fixed, e.given_kind, e.given,
   r.first_row, ifnull(r.rows, 1) AS rows, r.members, also.base,
-  iif(e.step = h.number OR also.goes_on, also.film, NULL) AS film_amplitude,
-  iif(e.step = h.number OR also.goes_on, NULL, also.film) AS film_amplitude_ended
+  iif(max(e.step, 1) = h.number OR also.goes_on, also.film, NULL) AS film_amplitude,
+  iif(max(e.step, 1) = h.number OR also.goes_on, NULL, also.film) AS film_amplitude_ended
 FROM v_history_step h
   JOIN v_relay r ON r.first_step <= h.number AND h.number <= ifnull(r.last_step, h.number)
   JOIN v_excitation e ON e.id = r.excitation
