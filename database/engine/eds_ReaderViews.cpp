@@ -88,28 +88,38 @@ cow_String totalAmplitudes(Kinds kinds) {
 }
 
 // What keywords say beside what an excitation has: of which base a motion is, how the coefficient
-// of a film runs.
-cow_String companions(Kinds kinds) {
-  cow_String sql =
-      "SELECT NULL AS kind, NULL AS id, NULL AS base, NULL AS film, 0 AS goes_on WHERE 0";
-  const auto hasField = [](const eds_RecordInfo& kind, std::string_view column) {
-    return std::ranges::find(kind.fields, column, &eds_FieldInfo::column) != kind.fields.end();
-  };
+// of a film runs. Each kind is joined by itself: its records are found by their numbers.
+struct Companions {
+  cow_String joins;
+  cow_String base = "coalesce(NULL, NULL";
+  cow_String film = "coalesce(NULL, NULL";
+  cow_String goesOn = "EXISTS (SELECT 1 FROM total t WHERE 0";
+};
+
+Companions companions(Kinds kinds) {
+  Companions all;
   for (const eds_RecordInfo* kind : kinds) {
-    const cow_String from = "'" + cow_String(kind->name) + "', g.id, ";
-    const cow_String view = " FROM \"v_" + cow_String(kind->table) + "\" g";
-    if (hasField(*kind, "base_name"))
-      sql += " UNION ALL SELECT " + from + "g.base_name, NULL, 0" + view +
-             " WHERE g.base_name IS NOT NULL";
-    if (hasField(*kind, "film_amplitude"))
-      sql += " UNION ALL SELECT " + from + "NULL, g.film_amplitude_name, t.id IS NOT NULL" + view +
-             " LEFT JOIN total t ON t.kind = g.film_amplitude_kind AND t.id = g.film_amplitude"
-             " WHERE g.film_amplitude IS NOT NULL";
+    const auto hasField = [&](std::string_view column) {
+      return std::ranges::find(kind->fields, column, &eds_FieldInfo::column) != kind->fields.end();
+    };
+    const bool hasBase = hasField("base_name");
+    const bool hasFilm = hasField("film_amplitude");
+    if (!hasBase && !hasFilm) continue;
+    const cow_String own = "of_" + cow_String(kind->table);
+    all.joins += "\n  LEFT JOIN \"v_" + cow_String(kind->table) + "\" " + own +
+                 " ON e.given_kind = '" + cow_String(kind->name) + "' AND " + own + ".id = e.given";
+    if (hasBase) all.base += ", " + own + ".base_name";
+    if (!hasFilm) continue;
+    all.film += ", " + own + ".film_amplitude_name";
+    all.goesOn +=
+        " OR (t.kind = " + own + ".film_amplitude_kind AND t.id = " + own + ".film_amplitude)";
   }
-  return sql;
+  for (cow_String* sql : {&all.base, &all.film, &all.goesOn}) *sql += ")";
+  return all;
 }
 
 // A perturbation step has conditions and fields of the state it starts from, but none of its loads.
+// Amplitudes of what stands before the steps run in the first one.
 cow_String inForce(Kinds kinds) {
   using Kind = eds_RecordKind;
   if (!has(kinds, {Kind::Excitation, Kind::Relay, Kind::HistoryStep}))
@@ -127,14 +137,15 @@ cow_String inForce(Kinds kinds) {
                     "first_row",      "rows",
                     "members",        "base",
                     "film_amplitude", "film_amplitude_ended"});
-  return "\nWITH total AS (" + totalAmplitudes(kinds) + "), also AS (" + companions(kinds) + ")" +
-         R"(
+  const Companions also = companions(kinds);
+  const cow_String runs = "max(e.step, 1) = h.number OR " + also.goesOn;
+  return "\nWITH total AS (" + totalAmplitudes(kinds) + ")" + R"(
 SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS keyword, e.field,
   ifnull(r.components, e.components) AS components, e.restraint, e.label,
   r.region_name AS region, r.instance_name AS instance, r.label AS target,
   ifnull(r.magnitude, e.magnitude) AS magnitude,
-  iif(e.step = h.number OR total.id IS NOT NULL, e.amplitude_name, NULL) AS amplitude,
-  iif(e.step = h.number OR total.id IS NOT NULL, NULL, e.amplitude_name) AS amplitude_ended,
+  iif(max(e.step, 1) = h.number OR total.id IS NOT NULL, e.amplitude_name, NULL) AS amplitude,
+  iif(max(e.step, 1) = h.number OR total.id IS NOT NULL, NULL, e.amplitude_name) AS amplitude_ended,
   e.step AS from_step,
   CASE WHEN e.step = h.number THEN 'given' WHEN h.perturbation = 1
     OR h.registration = 'REGISTERED_TASK' THEN 'held' ELSE 'carried' END
@@ -142,14 +153,15 @@ SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS ke
   iif(e.load_case IS NOT NULL, ifnull(nullif(e.load_case_name, ''), 'unnamed'), NULL) AS load_case,
   e.load_case_number, ifnull(e.imaginary, 0) AS imaginary,
   ifnull(e.fixed, 0) AS fixed, e.given_kind, e.given,
-  r.first_row, ifnull(r.rows, 1) AS rows, r.members, also.base,
-  iif(e.step = h.number OR also.goes_on, also.film, NULL) AS film_amplitude,
-  iif(e.step = h.number OR also.goes_on, NULL, also.film) AS film_amplitude_ended
+  r.first_row, ifnull(r.rows, 1) AS rows, r.members,
+  )" + also.base +
+         " AS base,\n  iif(" + runs + ", " + also.film + ", NULL) AS film_amplitude,\n  iif(" +
+         runs + ", NULL, " + also.film + ") AS film_amplitude_ended" + R"(
 FROM v_history_step h
   JOIN v_relay r ON r.first_step <= h.number AND h.number <= ifnull(r.last_step, h.number)
   JOIN v_excitation e ON e.id = r.excitation
-  LEFT JOIN total ON total.kind = e.amplitude_kind AND total.id = e.amplitude
-  LEFT JOIN also ON also.kind = e.given_kind AND also.id = e.given
+  LEFT JOIN total ON total.kind = e.amplitude_kind AND total.id = e.amplitude)" +
+         also.joins + R"(
 WHERE (ifnull(h.perturbation, 0) = 0 AND ifnull(h.registration, '') <> 'REGISTERED_TASK') OR e.step = h.number OR e.kind IN ('BOUNDARY',
   'CONNECTOR MOTION', 'TEMPERATURE', 'FIELD', 'PRESSURE STRESS', 'MASS FLOW RATE', 'D EM POTENTIAL'))";
 }

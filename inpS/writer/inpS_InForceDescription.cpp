@@ -103,13 +103,14 @@ inpS_ActingDescription inpS_InForceDescription::Describe(const Relay& relay, lon
     told.magnitude = of.GetDouble(eds_Excitation_Magnitude);
   told.fromStep = excitation.step;
   const bool isOfStep = excitation.step == number;
+  const bool runs = isOfStep || (excitation.step < 1 && number == 1);
   told.how = isOfStep ? "given" : isPerturbation ? "held" : "carried";
   if (const auto amplitude = of.GetReference(eds_Excitation_Amplitude); !amplitude.IsNull()) {
     told.amplitude = NameOf(amplitude);
-    told.hasAmplitudeEnded = !isOfStep && !inpS_isOverTotalTime(amplitude);
+    told.hasAmplitudeEnded = !runs && !inpS_isOverTotalTime(amplitude);
   }
   if (const auto given = of.GetReference(eds_Excitation_Given); !given.IsNull())
-    DescribeGiven(given, isOfStep, told);
+    DescribeGiven(given, runs, told);
   if (const auto loadCase = of.GetReference(eds_Excitation_LoadCase); !loadCase.IsNull())
     told.loadCase = NameOf(loadCase).empty() ? "unnamed" : NameOf(loadCase);
   told.isAlongLocalAxes = !of.GetReference(eds_Excitation_Transform).IsNull();
@@ -117,7 +118,7 @@ inpS_ActingDescription inpS_InForceDescription::Describe(const Relay& relay, lon
   return told;
 }
 
-void inpS_InForceDescription::DescribeGiven(const KvoSimPosition& given, bool isOfStep,
+void inpS_InForceDescription::DescribeGiven(const KvoSimPosition& given, bool runs,
                                             inpS_ActingDescription& to) {
   const inpS_ExcitationKind* kind = inpS_ExcitationKind::Of(given.Object().RecordKind());
   if (!kind) return;
@@ -127,7 +128,7 @@ void inpS_InForceDescription::DescribeGiven(const KvoSimPosition& given, bool is
     const KvoSimPosition amplitude = given.DataRecord().GetReference(one.field);
     if (amplitude.IsNull()) continue;
     to.filmAmplitude = NameOf(amplitude);
-    to.hasFilmAmplitudeEnded = !isOfStep && !inpS_isOverTotalTime(amplitude);
+    to.hasFilmAmplitudeEnded = !runs && !inpS_isOverTotalTime(amplitude);
   }
 }
 

@@ -66,7 +66,7 @@ private:
   };
 
   inpS_ActingDescription Describe(const Relay& relay, long long number, bool isPerturbation);
-  void DescribeGiven(const KvoSimPosition& given, bool isOfStep, inpS_ActingDescription& to);
+  void DescribeGiven(const KvoSimPosition& given, bool runs, inpS_ActingDescription& to);
   void DescribeRegion(const KvoSimDataRecord& relay, const KvoSimDataRecord& excitation, int kind,
                       inpS_ActingDescription& to);
   const cow_String& NameOf(const KvoSimPosition& object);

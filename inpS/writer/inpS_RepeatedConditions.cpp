@@ -43,9 +43,10 @@ bool inpS_RepeatedConditions::Print(utl_Stream& out, const Kind& kind, long long
         hasColumns ? source.rows == 0 || !lines.empty() : IsLeft(place, step, pieces);
     if (!isLeft) continue; // later ones have taken all of it
     inpS_ParameterTexts changed{{"OP", "NEW"}};
+    const bool runs = source.firstStep < 1 && step == 1;
     for (const Kind::Amplitude& one : source.kind->amplitudes)
       if (const auto amplitude = source.record.DataRecord().GetReference(one.field);
-          !amplitude.IsNull() && !inpS_isOverTotalTime(amplitude))
+          !amplitude.IsNull() && !runs && !inpS_isOverTotalTime(amplitude))
         changed[cow_String(one.parameter)] = std::nullopt;
     inpS_printKeywordWith(out, *inpS_FormTable::Instance().Find(source.kind->form), source.record,
                           m_parts, changed);

@@ -349,7 +349,9 @@ void Impl::PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printi
     inpS_printForm(*out, records[n], printing);
     printing.texts(step, records[n]);
     if (records[n] == place) excitations->PrintStep(*out, step, scope);
-    if (records[n].IsA(eds_FormKind::LoadCase)) excitations->PrintLoadCase(*out, step, records[n]);
+    if (records[n].IsA(eds_FormKind::LoadCase) ||
+        records[n].IsA(eds_FormKind::SubstructureLoadCase))
+      excitations->PrintLoadCase(*out, step, records[n]);
   }
   printing.texts(step, {});
   stepMarks.EndStep();

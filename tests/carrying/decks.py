@@ -173,6 +173,8 @@ class Maker:
             words += self.random.choice((", TYPE=VELOCITY", ", TYPE=DISPLACEMENT"))
         if kind == "INCIDENT WAVE":
             words += ", PROPERTY=WAVE"
+        if number == 0 and self.chance(0.2):
+            words += ", AMPLITUDE=OWN"
         if not number:
             return words
         if kind in ("BOUNDARY", "CLOAD", "BASE MOTION") and procedure.startswith("*STEADY"):

@@ -300,7 +300,7 @@ def facts(text):
     for step, acting in enumerate(steps, 1):
         for how, case, entry in acting:
             manner, value = entry.value if isinstance(entry.value, tuple) else (None, entry.value)
-            runs = [(name, bool(name) and name not in through and step > entry.step)
+            runs = [(name, bool(name) and name not in through and step > max(entry.step, 1))
                     for name in entry.amplitudes]
             made[Fact(step, *entry.where, manner, value, *runs, entry.step, how, case)] += 1
     return made, twice

@@ -157,6 +157,23 @@ TEST_F(ActingInSteps, AreATable) {
             inps_ExitUsage);
 }
 
+// What a keyword says beside an amplitude: the one of a film's coefficient, and which base moves.
+TEST_F(ActingInSteps, HaveCompanions) {
+  const cow_String deck =
+      cow_String(oneBrick) +
+      "*AMPLITUDE, NAME=RAMP\n0., 0., 1., 1.\n*AMPLITUDE, NAME=ALL-TIME, TIME=TOTAL TIME\n"
+      "0., 0., 1., 1.\n*STEP\n*STATIC\n*FILM, AMPLITUDE=ALL-TIME, FILM AMPLITUDE=RAMP\n"
+      "SOLID, F1, 20., 5.\n*BOUNDARY, BASE NAME=B2\n1, 3\n*END STEP\n*STEP\n*STATIC\n"
+      "*BASE MOTION, DOF=3, AMPLITUDE=RAMP, BASE NAME=B2\n*END STEP\n";
+  ProgramRun({"convert", Deck("c.inp", deck), "-o", File("c.sim"), "--quiet"});
+  const auto of = [&](const char* step) {
+    return ProgramRun({"info", File("c.sim"), "--history", step}).out;
+  };
+  EXPECT_EQ(Line(of("1"), "FILM"), "FILM SOLID F1 - 20 ALL-TIME; film RAMP 1 given -");
+  EXPECT_EQ(Line(of("2"), "FILM"), "FILM SOLID F1 - 20 ALL-TIME; ended film RAMP 1 carried -");
+  EXPECT_EQ(Line(of("2"), "BASE MOTION"), "BASE MOTION base B2 BASE_D C_3 - RAMP 2 given -");
+}
+
 TEST_F(ActingInSteps, AreWholeForPrograms) {
   const ProgramRun run({"info", Model(), "--history", "--json"});
   const json told = json::parse(run.out);

@@ -283,6 +283,20 @@ TEST_F(WrittenExcitations, ParametersOfManyKinds) {
             "*BASE MOTION, AMPLITUDE=RAMP, DOF=5\n*END STEP\n");
 }
 
+TEST_F(WrittenExcitations, LoadCasesOfSubstructures) {
+  const cow_String step =
+      "*STEP\n*SUBSTRUCTURE GENERATE, TYPE=Z1\n*RETAINED NODAL DOFS\nBASE, 1, 3\n"
+      "*SUBSTRUCTURE LOAD CASE, NAME=L\n";
+  KvoObjDocument model = Open(DeckOf({step}));
+  Add(model, {"CLOAD", "CF_D", "C_1", 1, 1, "TOP", 0, 4.})
+      .GetReference(eds_Relay_Excitation)
+      .DataRecord()
+      .SetReference(eds_Excitation_LoadCase,
+                    model.Context().GetRecords(eds_FormKind::SubstructureLoadCase).front());
+  Finish(model);
+  EXPECT_EQ(Written(), step + "*CLOAD\nTOP, 1, 4.\n*END STEP\n");
+}
+
 TEST_F(WrittenExcitations, WhatNoLineSaysIsTold) {
   KvoObjDocument model = Open(DeckOf({"*STEP\n*STATIC\n"}));
   Add(model, {"BASE MOTION", "BASE", nullptr, 1, 1, nullptr});
