@@ -264,14 +264,21 @@ def save(actors, name, *view):
     print(f"{picture.relative_to(ROOT)}: {picture.stat().st_size // 1000} kB")
 
 
+def put(page, name, text):
+    """Between the marks of that name."""
+    mark = re.compile(f"(<!-- {name}: begin -->\n).*?(<!-- {name}: end -->)", re.S)
+    return mark.sub(lambda match: f"{match[1]}{text}\n{match[2]}", page)
+
+
+def indented(lines):
+    return "\n".join("    " + line if line else "" for line in lines)
+
+
 def put_decks(page):
     """The decks as they stand in examples, without their heading."""
     for name, *_ in PICTURES:
         deck = (ROOT / "examples" / f"{name}.inp").read_text(encoding="utf-8")
-        lines = deck.rstrip().split("\n")[2:]
-        text = "\n".join("    " + line if line else "" for line in lines)
-        mark = re.compile(f"(<!-- {name}: begin -->\n).*?(<!-- {name}: end -->)", re.S)
-        page = mark.sub(lambda match, text=text: f"{match[1]}{text}\n{match[2]}", page)
+        page = put(page, name, indented(deck.rstrip().split("\n")[2:]))
     return page
 
 
@@ -295,8 +302,11 @@ def main():
               actor(axis_lines(grid, "Axis1"), LINES, False),
               *legend(list(zip(names, SECTIONS)), view[-1])], f"{name}_sections", *view)
         save(coloured(grid, "Thickness", "Thickness, mm"), f"{name}_thickness", *view)
+        told = subprocess.run([program, "info", folder / f"{LAMINATE[0]}.sim", "--sections"],
+                              check=True, capture_output=True, text=True).stdout
     gallery = ROOT / "docs" / "gallery.md"
-    gallery.write_text(put_decks(gallery.read_text(encoding="utf-8")), encoding="utf-8")
+    page = put_decks(gallery.read_text(encoding="utf-8"))
+    gallery.write_text(put(page, LAMINATE[0], indented(told.rstrip().split("\n"))), encoding="utf-8")
 
 
 if __name__ == "__main__":

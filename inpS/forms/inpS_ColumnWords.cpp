@@ -15,12 +15,18 @@ int inpS_ColumnWords::Of(std::string_view word) {
   return known->second;
 }
 
-// A word of the deck has no comma unless it is quoted, and then it is kept in quotes.
+// Words with commas between; in quotes, and with its own ones doubled, what holds one or the other.
 void inpS_ColumnWords::Store(KvoSimDataRecord record, int field) const {
   cow_String text;
   for (const cow_String& word : m_words) {
-    const bool isQuoted = word.find(',') != cow_String::npos;
-    text += (text.empty() ? "" : ",") + (isQuoted ? "\"" + word + "\"" : word);
+    if (!text.empty()) text += ',';
+    if (word.find_first_of(",\"") == cow_String::npos) {
+      text += word;
+      continue;
+    }
+    text += '"';
+    for (const char c : word) text.append(c == '"' ? 2 : 1, c);
+    text += '"';
   }
   if (!text.empty()) record.SetString(field, text);
 }
@@ -30,14 +36,17 @@ cow_List<cow_String> inpS_ColumnWords::Stored(const KvoSimDataRecord& record, in
   const std::string_view text = record.GetString(field);
   bool isQuoted = false;
   cow_String word;
-  for (const char c : text) {
-    if (c == '"') {
+  for (std::size_t n = 0; n < text.size(); ++n) {
+    const char c = text[n];
+    const bool isDoubled = isQuoted && c == '"' && n + 1 < text.size() && text[n + 1] == '"';
+    if (c == '"' && !isDoubled) {
       isQuoted = !isQuoted;
     } else if (c == ',' && !isQuoted) {
       words.push_back(std::move(word));
       word.clear();
     } else {
       word += c;
+      n += isDoubled;
     }
   }
   if (!text.empty()) words.push_back(std::move(word));

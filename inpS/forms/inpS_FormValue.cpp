@@ -35,7 +35,7 @@ cow_String takeReference(const Alternative& one, const inpS_FormValue& value,
   const inpS_SetVisitor::Found found = names.Find(*one.referable, value.text);
   if (found.set.IsNull()) return names.TextOfMissing(*one.referable, inp_Utils::Fold(value.text));
   if (one.instanceField < 0 && !found.instance.IsNull() && !(instanceOf(record) == found.instance))
-    return "\"" + value.text + "\" belongs to an instance, and the elements to none or another.";
+    return "\"" + value.text + "\" belongs to an instance, by which the elements are not named.";
   record.SetReference(one.field, found.set);
   if (one.instanceField >= 0 && !found.instance.IsNull())
     record.SetReference(one.instanceField, found.instance);

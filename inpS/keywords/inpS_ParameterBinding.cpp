@@ -42,7 +42,7 @@ bool isOpen(const inpS_ParameterBinding& row) {
 
 cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
                     KvoSimDataRecord& record) {
-  int place = inpS_wordPlace(row, item.AsString());
+  int place = inpS_wordPlace(row, item.AsString()); // of a bare name -1
   if (saysYesOrNo(row))
     if (const auto yes = inpS_yesOrNo(item.AsString())) place = *yes ? 0 : 1;
   if (place < 0 && isOpen(row)) {
@@ -59,7 +59,7 @@ cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
 
 cow_String take(const inpS_ParameterBinding& row, const inp_Item& item, KvoSimDataRecord& record) {
   if (row.codec == inpS_Codec::Flag) return takeFlag(row, item, record);
-  if (item.IsFlag() && row.codec != inpS_Codec::Name) return "has no value";
+  if (item.IsFlag() && row.codec != inpS_Codec::Name && !isOpen(row)) return "has no value";
   switch (row.codec) {
   case inpS_Codec::Int:
     if (!item.IsInteger()) return "is no integer";
@@ -98,7 +98,8 @@ void print(utl_Stream& out, const inpS_ParameterBinding& row, const KvoSimDataRe
     const cow_String word = record.ReturnString(row.field);
     const bool isListed = std::ranges::find(row.words, std::string_view(word)) != row.words.end();
     const bool isPlain = word.find(',') == word.npos && (isListed || !isOpen(row));
-    out << ", " << row.name << '=' << (isPlain ? word : inpS_textInDeck(word));
+    out << ", " << row.name;
+    if (!word.empty() || !isOpen(row)) out << '=' << (isPlain ? word : inpS_textInDeck(word));
     break;
   }
   case inpS_Codec::Name:

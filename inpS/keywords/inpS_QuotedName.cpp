@@ -88,16 +88,17 @@ cow_String inpS_textOf(std::string_view asWritten) {
   if (asWritten.find('"') == asWritten.npos) return folded;
   if (!keepsQuotes(folded) && saysTheSame(inpS_textInDeck(folded), asWritten)) return folded;
   cow_String kept = foldedAroundQuotes(asWritten);
-  return keepsQuotes(kept) ? kept : folded;
+  if (keepsQuotes(kept) && inp_Utils::Fold(kept) == folded) return kept;
+  return keepsQuotes(folded) ? inQuotes(folded) : folded; // quotes of the name's own
 }
 
 cow_String inpS_textInDeck(const cow_String& text) {
-  if (keepsQuotes(text) || utl_classifyField(text).IsNumber()) return text;
-  const bool isScoped = text.find('.') != text.npos && std::ranges::none_of(text, [](char c) {
-                          return c != '.' && c != '_' && needsQuotes(c);
-                        });
+  if (keepsQuotes(text)) return text;
+  const bool isBare =
+      std::ranges::none_of(text, [](char c) { return c != '.' && c != '_' && needsQuotes(c); });
+  if (isBare && utl_classifyField(text).IsNumber()) return text;
   cow_String name = text;
-  if (!isScoped) return QuotedName(name);
+  if (!isBare) return QuotedName(name);
   cow_String out;
   for (std::size_t begin = 0; begin <= text.size();) {
     const std::size_t end = std::min(text.find('.', begin), text.size());

@@ -1,6 +1,5 @@
 #include "inpS/writer/inpS_ColumnPrinter.h"
 #include "base/utl_BlockSize.h"
-#include "base/utl_Number.h"
 #include "base/utl_Stream.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/eds_DamagedModel.h"
@@ -147,8 +146,7 @@ private:
   void ReadWords(const KvoSimDataRecord& record, int field, bool isAlone) {
     m_hasWords = true;
     for (const cow_String& word : inpS_ColumnWords::Stored(record, field)) {
-      const bool isBare = isAlone && utl_classifyField(word).IsNumber();
-      m_words.push_back(isBare ? word : inpS_quoted(word));
+      m_words.push_back(isAlone ? inpS_textInDeck(word) : inpS_quoted(word));
       m_wordRoom = std::max(m_wordRoom, m_words.back().size());
     }
   }

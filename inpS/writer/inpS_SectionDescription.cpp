@@ -39,6 +39,10 @@ struct Columns {
     elsetInstance = referenceNamed(*info, "elset_instance");
     material = referenceNamed(*info, "material");
     orientation = referenceNamed(*info, "orientation");
+    if (orientation < 0) { // a connector's, at either end
+      orientation = referenceNamed(*info, "orientation_1");
+      otherOrientation = referenceNamed(*info, "orientation_2");
+    }
     behavior = referenceNamed(*info, "behavior");
     if (const eds_FormInfo* form = eds_formOf(kind); form->data == eds_FormData::Records)
       hasMaterials = fieldNamed(*eds_formRecord(form->record), "material") >= 0;
@@ -61,6 +65,7 @@ struct Columns {
   int material = -1;
   int behavior = -1; // of a gasket
   int orientation = -1;
+  int otherOrientation = -1;
   int thickness = -1;
   int distributions[3] = {-1, -1, -1}; // of thickness: any
   int nodal = -1;
@@ -98,6 +103,9 @@ public:
     made.name = inpS_SectionInventory::GetSectionName(owner, set, named);
     made.material = nameOf(referenceIn(record, columns.material));
     made.orientation = nameOf(referenceIn(record, columns.orientation));
+    if (const cow_String other = nameOf(referenceIn(record, columns.otherOrientation));
+        !other.empty())
+      made.orientation += (made.orientation.empty() ? "-, " : ", ") + other;
     if (made.material.empty()) made.material = nameOf(referenceIn(record, columns.behavior));
     if (columns.hasMaterials) AddLines(made);
     AddThickness(made, columns, record);

@@ -103,6 +103,15 @@ TEST_F(Sections, TableAndJsonTellTheSame) {
        "MATERIAL=STEEL\n1.,\n",
        "Section-x;\\u202e  x;\\u202e  STEEL     -                   1  1",
        {{"set", "x;\xe2\x80\xae"}}},
+      {"*ELEMENT, TYPE=CONN3D2, ELSET=C\n9, 1, 2\n*CONNECTOR SECTION, ELSET=C\nBUSHING\nALONG,\n",
+       "ALONG               1  -",
+       {{"orientation", "ALONG"}, {"thickness", nullptr}}},
+      // Two characters of two columns each, and one with an accent of its own.
+      {"*ELSET, ELSET=\"\xe6\x97\xa5\xe6\x9c\xac\"\n1\n*SHELL SECTION, "
+       "ELSET=\"\xe6\x97\xa5\xe6\x9c\xac\", MATERIAL=STEEL\n1.,\n*ELSET, ELSET=\"E\xcc\x81\"\n2\n"
+       "*SHELL SECTION, ELSET=\"E\xcc\x81\", MATERIAL=STEEL\n2.,\n",
+       "SHELL SECTION  Section-E\xcc\x81     E\xcc\x81     STEEL     -                   1  2",
+       {{"set", "\xe6\x97\xa5\xe6\x9c\xac"}}},
   };
   for (const Case& c : cases) {
     const cow_String model = Model(cow_String(shells) + c.section);

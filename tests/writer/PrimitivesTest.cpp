@@ -94,6 +94,10 @@ TEST(PrintPrimitives, TextsMeanTheSameWhenReadAgain) {
       {"\"\"\"A\"\"\"", "\"\"\"A\"\"\"", "\"\"\"A\"\"\""},
       {"\"open.b", "\"OPEN.B", "\"\"\"OPEN.B\""},
       {"a..", "A..", "A.."},
+      {"\"5\" \"5\"", "55", "55"},
+      {"a\".\"\"\"", "A.\"", "\"A.\"\"\""},
+      {"\"1e5\"", "1e5", "\"1e5\""},
+      {"\" 5\"", " 5", "\" 5\""},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(inpS_textOf(c.deck), c.stored) << c.deck;
