@@ -44,7 +44,7 @@ const inpS_Form* inpS_InitialConditionVisitor::Choose(const inp_Keyword& keyword
 bool inpS_InitialConditionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
   const bool isField =
       form.kind == eds_FormKind::InitialField || form.kind == eds_FormKind::InitialFieldAtPoints;
-  inpS_checkConditionParameters(keyword, Names(), *this);
+  inpS_checkConditionParameters(keyword, form, Names(), *this);
   return !isField || inpS_hasVariable(keyword, *this);
 }
 

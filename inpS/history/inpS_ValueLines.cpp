@@ -1,4 +1,5 @@
 #include "inpS/history/inpS_ValueLines.h"
+#include "inpS/forms/inpS_FormTable.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
 #include <algorithm>
@@ -64,10 +65,13 @@ inpS_ValueLines::inpS_ValueLines(eds_RecordKind form)
   m_isAny = row.isAny;
 }
 
-bool inpS_ValueLines::Has(const inp_Keyword& keyword, eds_RecordKind form) {
-  return std::ranges::find(table, form, &Row::form) != std::end(table) &&
-         !inpS_saysYes(keyword, "user") &&
-         (!keyword.HasParameter("file") || form == Kind::ImperfectionModes);
+// Where the form has no such parameter, it gives nothing.
+bool inpS_ValueLines::Has(const inp_Keyword& keyword, eds_RecordKind kind) {
+  if (std::ranges::find(table, kind, &Row::form) == std::end(table)) return false;
+  const inpS_Form& form = *inpS_FormTable::Instance().Find(kind);
+  const bool isOfUser = form.Binds("user") && inpS_saysYes(keyword, "user");
+  const bool isOfFile = form.Binds("file") && keyword.HasParameter("file");
+  return !isOfUser && (!isOfFile || kind == Kind::ImperfectionModes);
 }
 
 bool inpS_ValueLines::IsSound(const inp_ColumnPiece& piece, Words) {
