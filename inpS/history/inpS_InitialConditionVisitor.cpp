@@ -9,6 +9,7 @@
 #include "inpS/history/inpS_LoadedElements.h"
 #include "inpS/history/inpS_NodalLines.h"
 #include "inpS/history/inpS_ValueLines.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
 #include <algorithm>
 
 namespace {
@@ -80,6 +81,57 @@ cow_String inpS_InitialConditionVisitor::FaultOfLine(const KvoSimPosition& line)
   const eds_Referable& nset = *std::ranges::find(eds_referables(), "nset", &eds_Referable::word);
   if (nodes.empty() || !Names().Find(nset, nodes).set.IsNull()) return {};
   return Names().TextOfMissing(nset, inp_Utils::Fold(nodes));
+}
+
+// Of lines that are kept as they stand: their elements and sets must be there all the same.
+void inpS_InitialConditionVisitor::CheckText(const inp_Keyword& keyword, const inpS_Form& form) {
+  const inp_DataArray& data = keyword.Data();
+  const auto isWord = [&](long long row, int col) {
+    return col < data.Cols(row) && data.HasValue(row, col) &&
+           data.Type(row, col) == inp_FieldType::String;
+  };
+  const cow_String type = keyword.StringOf("type", "");
+  if (form.kind == eds_FormKind::InitialOther)
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "type",
+        "TYPE=" + type + " is none that is read here; its lines are kept as they stand."));
+  if (form.kind == eds_FormKind::InitialBackStresses) return CheckBackStresses(keyword);
+  const bool isOfRebars = form.kind == eds_FormKind::InitialSolution;
+  const bool isOfCracks = form.kind == eds_FormKind::InitialOther && type == "ENRICHMENT";
+  if (!isOfRebars && !isOfCracks) return;
+  // Behind the element or set of a rebar is its name, behind those of a crack the node's number.
+  for (long long row = 0; row < data.Rows(); ++row)
+    if (isOfCracks || isWord(row, 0) || isWord(row, 1)) CheckTarget(keyword, row);
+}
+
+// As many lines for each element or set as it has back stresses.
+void inpS_InitialConditionVisitor::CheckBackStresses(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  const inp_Item* item = keyword.Find("numberbackstresses");
+  const long long number = item && item->IsInteger() ? item->AsInt() : 0;
+  if (number < 1) return;
+  long long lines = 0;
+  for (long long row = 0; row < data.Rows(); ++row)
+    if (!inpS_KeywordReader::IsBlankRow(data, row) && lines++ % number == 0)
+      CheckTarget(keyword, row);
+  if (lines % number != 0)
+    AddError(inp_Utils::MessageAtRow(
+        keyword, data.Rows() - 1,
+        "NUMBER BACKSTRESSES=" + std::to_string(number) + " takes " + std::to_string(number) +
+            " lines for each element or set; the last one has " + std::to_string(lines % number) +
+            ". They are kept as they stand."));
+}
+
+void inpS_InitialConditionVisitor::CheckTarget(const inp_Keyword& keyword, long long row) {
+  const inp_DataArray& data = keyword.Data();
+  if (data.Cols(row) == 0 || !data.HasValue(row, 0)) return;
+  const cow_String name = data.AsStringVerbatim(row, 0);
+  const eds_Referable& elset = *std::ranges::find(eds_referables(), "elset", &eds_Referable::word);
+  const inpS_FormNames::Label label = Names().FindLabel(eds_FormType::Element, name);
+  if (label.isKnown || (!label.isNumber && !Names().Find(elset, name).set.IsNull())) return;
+  const cow_String fault = label.isNumber ? "Element " + name + " does not exist."
+                                          : Names().TextOfMissing(elset, inp_Utils::Fold(name));
+  AddError(inp_Utils::MessageAtField(keyword, row, 0, fault + " The line is kept as it stands."));
 }
 
 // As many as each material has that has some; 0: nobody knows, as materials differ, or elements of
