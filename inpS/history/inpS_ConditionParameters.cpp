@@ -97,6 +97,12 @@ void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_Form& 
     messages.AddWarning(inp_Utils::MessageAtParameter(
         keyword, "real", "REAL and IMAGINARY exclude each other; IMAGINARY holds."));
   tellWithoutFile(keyword, form, messages);
+  // Of forces it says yes by being there; the word is kept, whatever it is.
+  const inp_Item* follower = given(keyword, form, "follower");
+  if (keyword.Kind() == inp_KwCload && follower && !inpS_flagValue(*follower))
+    messages.AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "follower",
+        "FOLLOWER=" + follower->Verbatim() + " is none of YES, NO. It is kept as given."));
   tellBelow(keyword, form, "loadcase", "LOAD CASE", 1, messages);
   tellBelow(keyword, form, "cyclicmode", "CYCLIC MODE", 0, messages);
   const inp_Item* reference = given(keyword, form, "refnode");

@@ -62,7 +62,7 @@ bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   if (inpS_ValueLines::Has(keyword, form.kind)) {
-    inpS_ValueLines lines(form.kind);
+    inpS_ValueLines lines(form.kind, Inventory().NumberSpatialDimensions());
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   if (form.kind != eds_FormKind::InitialStateVariables)
@@ -73,8 +73,28 @@ bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const
   return rows.Read();
 }
 
+// Of an axis in space, the two points of which are coordinates, or nodes.
+cow_String inpS_InitialConditionVisitor::FaultOfAxis(const KvoSimPosition& line) const {
+  const eds_RecordKind kind = line.Object().RecordKind();
+  const KvoSimDataRecord record = line.DataRecord();
+  const bool isOfNodes = kind == eds_FormKind::RotationByNodes;
+  constexpr std::pair<const char*, const char*> points[] = {
+      {"a_x", "b_x"}, {"a_y", "b_y"}, {"a_z", "b_z"}};
+  const auto isSame = [&](const std::pair<const char*, const char*>& one) {
+    return record.GetDouble(eds_formField(kind, one.first)) ==
+           record.GetDouble(eds_formField(kind, one.second));
+  };
+  const bool isOnePoint = isOfNodes ? record.GetInt64(eds_formField(kind, "a")) ==
+                                          record.GetInt64(eds_formField(kind, "b"))
+                                    : std::ranges::all_of(points, isSame);
+  const bool hasAxis = isOfNodes || Inventory().NumberSpatialDimensions() == 3;
+  return hasAxis && isOnePoint ? "The two points of the axis are the same." : "";
+}
+
 // The nodes that are said to touch are a set's.
 cow_String inpS_InitialConditionVisitor::FaultOfLine(const KvoSimPosition& line) {
+  if (line.IsA(eds_FormKind::RotationByPoints) || line.IsA(eds_FormKind::RotationByNodes))
+    return FaultOfAxis(line);
   if (!line.IsA(eds_FormKind::InitialContactPair)) return {};
   static const int field = eds_formField(eds_FormKind::InitialContactPair, "nodes");
   const cow_String nodes = line.DataRecord().ReturnString(field);
@@ -115,7 +135,7 @@ void inpS_InitialConditionVisitor::CheckBackStresses(const inp_Keyword& keyword)
     if (!inpS_KeywordReader::IsBlankRow(data, row) && lines++ % number == 0)
       CheckTarget(keyword, row);
   if (lines % number != 0)
-    AddError(inp_Utils::MessageAtRow(
+    AddWarning(inp_Utils::MessageAtRow(
         keyword, data.Rows() - 1,
         "NUMBER BACKSTRESSES=" + std::to_string(number) + " takes " + std::to_string(number) +
             " lines for each element or set; the last one has " + std::to_string(lines % number) +

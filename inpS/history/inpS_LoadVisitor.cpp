@@ -102,7 +102,7 @@ bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   if (inpS_ValueLines::Has(keyword, form.kind)) {
-    inpS_ValueLines lines(form.kind);
+    inpS_ValueLines lines(form.kind, Inventory().NumberSpatialDimensions());
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   bool isWhole = false;
