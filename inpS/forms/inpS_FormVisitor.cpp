@@ -467,7 +467,7 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
 }
 
 // Of a parameter that names something, or has one of several types. What none of them takes is told
-// and kept; a name that is nowhere is a fault here as where nothing else could stand.
+// and kept; a name or label that is nowhere is an error.
 void inpS_FormVisitor::ReadItem(const inp_Keyword& keyword, const inpS_ParameterBinding& parameter,
                                 const eds_FormItem& item, const inp_Item& value,
                                 KvoSimDataRecord record) {
@@ -480,8 +480,11 @@ void inpS_FormVisitor::ReadItem(const inp_Keyword& keyword, const inpS_Parameter
         one.referable ? inpS_FormTable::Instance().DefinerOf(*one.referable) : inp_NullKeyword;
     return definer != inp_NullKeyword && Inventory().NamesFor(keyword, definer, value.AsString());
   };
-  if (inpS_mayName(item) && std::ranges::none_of(item.alternatives, isText))
-    Tell(keyword, std::move(message));
+  const bool isElsewhere =
+      fault.ends_with("kept as text.") || fault.find("belongs to an instance") != fault.npos ||
+      (m_isMeshLeftOut && inpS_namesMesh(item)) || std::ranges::any_of(item.alternatives, isText);
+  if (inpS_mayName(item) && !isElsewhere)
+    AddError(std::move(message));
   else
     AddWarning(std::move(message));
 }
