@@ -121,6 +121,12 @@ inp_WordMatch inp_KeywordTable::ResolveWord(inp_KeywordEnm kind, std::string_vie
     if (fit == Fit::Begin) match.candidates.push_back(word);
   }
   if (match.candidates.size() == 1) return {Kind::Known, match.candidates.front()};
+  // A yes may be spelt ON, a no OFF, and the reverse.
+  constexpr std::pair<std::string_view, std::string_view> synonyms[] = {
+      {"ON", "YES"}, {"OFF", "NO"}, {"YES", "ON"}, {"NO", "OFF"}};
+  for (const auto& [spelt, meant] : synonyms)
+    if (fitOf(spelt, value) == Fit::Whole && std::ranges::find(words, meant) != words.end())
+      return {Kind::Known, meant};
   if (match.candidates.empty())
     match.candidates.assign(words.begin(), words.end());
   else

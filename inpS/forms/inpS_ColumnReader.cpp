@@ -304,7 +304,7 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
     if (m_words[c] && utl_findControl(text) != cow_String::npos)
       return "The text holds a control character.";
     if (!m_targets[c] || m_targets[c]->Of(data, row, col) != inpS_noTarget) continue;
-    return TextOfMissing(item, text, isNumber);
+    return TextOfMissing(item, text, isNumber || m_targets[c]->IsLabel(text));
   }
   return {};
 }

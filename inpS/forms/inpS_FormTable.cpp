@@ -131,6 +131,13 @@ void inpS_Form::LeaveOddChoices(const inp_Keyword& deckKeyword, inp_Visitor& mes
     if (selector.IsFlag()) inpS_readFlag(deckKeyword, selector.key, messages, inpS_OddFlag::Kept);
 }
 
+void inpS_Form::LeaveForeign(const inp_Keyword& deckKeyword) const {
+  for (const inp_Parameter& parameter : deckKeyword.Parameters())
+    if (parameter.name != "input" && !Binds(parameter.name) &&
+        std::ranges::find(selectors, parameter.name, &Selector::key) == selectors.end())
+      parameter.referred = false;
+}
+
 bool inpS_Form::Matches(const inp_Keyword& deckKeyword, const inp_Keyword* owner) const {
   const auto met = [](const cow_List<Selector>& list, const inp_Keyword& of) {
     return std::ranges::all_of(list, [&](const Selector& one) { return isMet(one, of); });

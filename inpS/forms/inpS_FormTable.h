@@ -46,6 +46,9 @@ struct inpS_Form {
   // Behind the form's other parameters: of those that choose it by being there, a value that is
   // neither yes nor no is told and left unread, to be kept.
   void LeaveOddChoices(const inp_Keyword& keyword, inp_Visitor& messages) const;
+  // What no field holds and no choice asks for counts as unread, whoever has looked at it to tell
+  // of it: it is to be kept.
+  void LeaveForeign(const inp_Keyword& keyword) const;
   // How often a group of columns is repeated, from the keyword or from the record.
   static inpS_TableColumns::Count CountIn(const inp_Keyword& keyword);
   inpS_TableColumns::Count CountIn(const KvoSimDataRecord& record) const;

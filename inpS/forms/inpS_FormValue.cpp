@@ -332,6 +332,19 @@ cow_String inpS_faultOfName(const eds_FormItem& item, const inpS_FormValue& valu
   return isThere ? cow_String() : names.TextOfMissing(*last.referable, inp_Utils::Fold(value.text));
 }
 
+bool inpS_mayName(const eds_FormItem& item) {
+  return std::ranges::any_of(item.alternatives, [](const Alternative& one) {
+    return one.type == eds_FormType::Node || one.type == eds_FormType::Element || one.referable;
+  });
+}
+
+bool inpS_namesMesh(const eds_FormItem& item) {
+  return std::ranges::any_of(item.alternatives, [](const Alternative& one) {
+    return one.type == eds_FormType::Node || one.type == eds_FormType::Element ||
+           (one.referable && one.referable->IsScoped());
+  });
+}
+
 bool inpS_hasValue(const eds_FormItem& item, const KvoSimDataRecord& record) {
   return std::ranges::any_of(
       item.alternatives, [&](const Alternative& one) { return !record.IsMemberNull(one.field); });

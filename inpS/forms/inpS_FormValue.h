@@ -83,6 +83,9 @@ cow_String inpS_takeValue(const eds_FormItem& item, const inpS_FormValue& value,
 // What is wrong with a name, or with the label that may stand in its place; empty: it is there.
 cow_String inpS_faultOfName(const eds_FormItem& item, const inpS_FormValue& value,
                             const inpS_FormNames& names);
+// Whether it may be a node, an element or what has a name; and whether that is of the mesh.
+bool inpS_mayName(const eds_FormItem& item);
+bool inpS_namesMesh(const eds_FormItem& item);
 // Whether some field holds it.
 bool inpS_hasValue(const eds_FormItem& item, const KvoSimDataRecord& record);
 // As a deck has it; nothing for one that is not given.

@@ -25,14 +25,6 @@ constexpr bool convertsWithinSteps(inpS_Phase phase) {
   return phase == inpS_Phase::Steps;
 }
 
-// Of bulk columns: nodes, elements or what stands for them.
-bool namesMesh(const eds_FormItem& item) {
-  return std::ranges::any_of(item.alternatives, [](const eds_FormItem::Alternative& one) {
-    return one.type == eds_FormType::Node || one.type == eds_FormType::Element ||
-           (one.referable && one.referable->IsScoped());
-  });
-}
-
 cow_String nameOf(inp_KeywordEnm keyword) {
   return "*" + cow_String(inp_KeywordTable::Instance().Row(keyword)->name);
 }
@@ -213,6 +205,9 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
     whole = whole && rows.Table().Unread().empty();
     rows.Store(record);
   }
+  const bool hasLines =
+      form->info->data == eds_FormData::Columns || form->info->data == eds_FormData::Records;
+  if (hasLines) form->LeaveForeign(keyword); // rows of a table have parameters of their own
   inpS_tellOtherParameters(keyword, *this);
   const inpS_KeptPart beside{0, inpS_takeOtherParameters(keyword),
                              whole ? cow_String() : inpS_dataLines(keyword, *this)};
@@ -250,7 +245,7 @@ void inpS_FormVisitor::ConvertSuboptions(const inp_Keyword& keyword, const KvoSi
 
 bool inpS_FormVisitor::MayBe(const inp_Keyword& keyword, const inpS_Form& form,
                              const KvoSimPosition& owner, eds_Member member, Loss& loss) {
-  if (m_isMeshLeftOut && std::ranges::any_of(form.info->columnItems, namesMesh)) {
+  if (m_isMeshLeftOut && std::ranges::any_of(form.info->columnItems, inpS_namesMesh)) {
     m_withoutMesh.push_back(keyword);
     return false;
   }
@@ -474,7 +469,7 @@ void inpS_FormVisitor::ReadParameters(const inp_Keyword& keyword, const inpS_For
 }
 
 // Of a parameter that names something, or has one of several types. What none of them takes is told
-// and kept; a name that is nowhere is a fault here as where nothing else could stand.
+// and kept; a name or label that is nowhere is an error.
 void inpS_FormVisitor::ReadItem(const inp_Keyword& keyword, const inpS_ParameterBinding& parameter,
                                 const eds_FormItem& item, const inp_Item& value,
                                 KvoSimDataRecord record) {
@@ -482,17 +477,16 @@ void inpS_FormVisitor::ReadItem(const inp_Keyword& keyword, const inpS_Parameter
   if (fault.empty() || !keyword.LeaveUnread(parameter.key)) return;
   wip_Message message = inp_Utils::MessageAtParameter(
       keyword, parameter.key, parameter.name + ": " + fault + " It is kept as it stands.");
-  const auto isNamed = [](const eds_FormItem::Alternative& one) {
-    return one.referable || one.type == eds_FormType::Node || one.type == eds_FormType::Element;
-  };
   const auto isText = [&](const eds_FormItem::Alternative& one) {
     const inp_KeywordEnm definer =
         one.referable ? inpS_FormTable::Instance().DefinerOf(*one.referable) : inp_NullKeyword;
     return definer != inp_NullKeyword && Inventory().NamesFor(keyword, definer, value.AsString());
   };
-  if (std::ranges::any_of(item.alternatives, isNamed) &&
-      std::ranges::none_of(item.alternatives, isText))
-    Tell(keyword, std::move(message));
+  const bool isElsewhere =
+      fault.ends_with("kept as text.") || fault.find("belongs to an instance") != fault.npos ||
+      (m_isMeshLeftOut && inpS_namesMesh(item)) || std::ranges::any_of(item.alternatives, isText);
+  if (inpS_mayName(item) && !isElsewhere)
+    AddError(std::move(message));
   else
     AddWarning(std::move(message));
 }

@@ -31,6 +31,13 @@ bool hasLinesThatGoOn(const inp_DataArray& data, int full) {
   return false;
 }
 
+// Nothing but the lines gives one.
+bool needsValue(const inp_Keyword& keyword, const eds_FormInfo& info) {
+  const inpS_Form& form = *inpS_FormTable::Instance().Find(info.kind);
+  return !(form.Binds("user") && inpS_saysYes(keyword, "user")) &&
+         !(form.Binds("file") && keyword.HasParameter("file"));
+}
+
 } // namespace
 
 inpS_WrappedRows::inpS_WrappedRows(const inp_Keyword& keyword, const eds_FormInfo& form,
@@ -38,8 +45,7 @@ inpS_WrappedRows::inpS_WrappedRows(const inp_Keyword& keyword, const eds_FormInf
                                    inp_Visitor& messages)
     : m_keyword(keyword), m_form(form), m_names(names), m_record(record), m_messages(messages),
       m_sets(record), m_targets(form.columnItems.front(), names, m_sets),
-      m_singles(form.columnItems.size() - 2),
-      m_needsValue(!inpS_saysYes(keyword, "user") && !keyword.HasParameter("file")) {}
+      m_singles(form.columnItems.size() - 2), m_needsValue(needsValue(keyword, form)) {}
 
 const inpS_Form* inpS_WrappedRows::FormOf(const inp_Keyword& keyword, const inpS_Form& form) {
   const auto known =

@@ -18,8 +18,8 @@ bool inpS_BoundaryVisitor::MayConvert(const inp_Keyword& keyword, const inpS_For
   Names().SetTextOfMissing("surface", isPhysical
                                           ? "invalid surface definition in PHYSICAL fluid boundary."
                                           : "Surface \"%s\" does not exist.");
-  inpS_checkConditionParameters(keyword, Names(), *this);
-  CheckBase(keyword);
+  inpS_checkConditionParameters(keyword, form, Names(), *this);
+  if (form.Binds("basename")) CheckBase(keyword);
   if (keyword.Kind() == inp_KwBaseMotion) return HasDegree(keyword);
   if (!isPhysical || !keyword.HasParameter("amplitude")) return true;
   wip_Message message = inp_Utils::MessageAtParameter(

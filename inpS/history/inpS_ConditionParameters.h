@@ -2,6 +2,7 @@
 
 #include "parser/inp_Keyword.h"
 
+struct inpS_Form;
 class inp_Visitor;
 class inpS_FormNames;
 
@@ -12,6 +13,6 @@ class inpS_FormNames;
 bool inpS_hasVariable(const inp_Keyword& keyword, inp_Visitor& messages);
 
 // Tells REAL beside IMAGINARY, numbers of load cases and modes that are none, a reference node that
-// is not there, and what is said of a file that is not given.
-void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_FormNames& names,
-                                   inp_Visitor& messages);
+// is not there, what is said of a file that is not given, and data lines that are missing.
+void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_Form& form,
+                                   const inpS_FormNames& names, inp_Visitor& messages);

@@ -9,6 +9,7 @@
 #include "inpS/history/inpS_LoadedElements.h"
 #include "inpS/history/inpS_NodalLines.h"
 #include "inpS/history/inpS_ValueLines.h"
+#include "inpS/keywords/inpS_KeywordReader.h"
 #include <algorithm>
 
 namespace {
@@ -44,7 +45,7 @@ const inpS_Form* inpS_InitialConditionVisitor::Choose(const inp_Keyword& keyword
 bool inpS_InitialConditionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
   const bool isField =
       form.kind == eds_FormKind::InitialField || form.kind == eds_FormKind::InitialFieldAtPoints;
-  inpS_checkConditionParameters(keyword, Names(), *this);
+  inpS_checkConditionParameters(keyword, form, Names(), *this);
   return !isField || inpS_hasVariable(keyword, *this);
 }
 
@@ -61,7 +62,7 @@ bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   if (inpS_ValueLines::Has(keyword, form.kind)) {
-    inpS_ValueLines lines(form.kind);
+    inpS_ValueLines lines(form.kind, Inventory().NumberSpatialDimensions());
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   if (form.kind != eds_FormKind::InitialStateVariables)
@@ -72,14 +73,85 @@ bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const
   return rows.Read();
 }
 
+// Of an axis in space, the two points of which are coordinates, or nodes.
+cow_String inpS_InitialConditionVisitor::FaultOfAxis(const KvoSimPosition& line) const {
+  const eds_RecordKind kind = line.Object().RecordKind();
+  const KvoSimDataRecord record = line.DataRecord();
+  const bool isOfNodes = kind == eds_FormKind::RotationByNodes;
+  constexpr std::pair<const char*, const char*> points[] = {
+      {"a_x", "b_x"}, {"a_y", "b_y"}, {"a_z", "b_z"}};
+  const auto isSame = [&](const std::pair<const char*, const char*>& one) {
+    return record.GetDouble(eds_formField(kind, one.first)) ==
+           record.GetDouble(eds_formField(kind, one.second));
+  };
+  const bool isOnePoint = isOfNodes ? record.GetInt64(eds_formField(kind, "a")) ==
+                                          record.GetInt64(eds_formField(kind, "b"))
+                                    : std::ranges::all_of(points, isSame);
+  const bool hasAxis = isOfNodes || Inventory().NumberSpatialDimensions() == 3;
+  return hasAxis && isOnePoint ? "The two points of the axis are the same." : "";
+}
+
 // The nodes that are said to touch are a set's.
 cow_String inpS_InitialConditionVisitor::FaultOfLine(const KvoSimPosition& line) {
+  if (line.IsA(eds_FormKind::RotationByPoints) || line.IsA(eds_FormKind::RotationByNodes))
+    return FaultOfAxis(line);
   if (!line.IsA(eds_FormKind::InitialContactPair)) return {};
   static const int field = eds_formField(eds_FormKind::InitialContactPair, "nodes");
   const cow_String nodes = line.DataRecord().ReturnString(field);
   const eds_Referable& nset = *std::ranges::find(eds_referables(), "nset", &eds_Referable::word);
   if (nodes.empty() || !Names().Find(nset, nodes).set.IsNull()) return {};
   return Names().TextOfMissing(nset, inp_Utils::Fold(nodes));
+}
+
+// Of lines that are kept as they stand: their elements and sets must be there all the same.
+void inpS_InitialConditionVisitor::CheckText(const inp_Keyword& keyword, const inpS_Form& form) {
+  const inp_DataArray& data = keyword.Data();
+  const auto isWord = [&](long long row, int col) {
+    return col < data.Cols(row) && data.HasValue(row, col) &&
+           data.Type(row, col) == inp_FieldType::String;
+  };
+  const cow_String type = keyword.StringOf("type", "");
+  if (form.kind == eds_FormKind::InitialOther)
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "type",
+        "TYPE=" + type + " is none that is read here; its lines are kept as they stand."));
+  if (form.kind == eds_FormKind::InitialBackStresses) return CheckBackStresses(keyword);
+  const bool isOfRebars = form.kind == eds_FormKind::InitialSolution;
+  const bool isOfCracks = form.kind == eds_FormKind::InitialOther && type == "ENRICHMENT";
+  if (!isOfRebars && !isOfCracks) return;
+  // Behind the element or set of a rebar is its name, behind those of a crack the node's number.
+  for (long long row = 0; row < data.Rows(); ++row)
+    if (isOfCracks || isWord(row, 0) || isWord(row, 1)) CheckTarget(keyword, row);
+}
+
+// As many lines for each element or set as it has back stresses.
+void inpS_InitialConditionVisitor::CheckBackStresses(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  const inp_Item* item = keyword.Find("numberbackstresses");
+  const long long number = item && item->IsInteger() ? item->AsInt() : 0;
+  if (number < 1) return;
+  long long lines = 0;
+  for (long long row = 0; row < data.Rows(); ++row)
+    if (!inpS_KeywordReader::IsBlankRow(data, row) && lines++ % number == 0)
+      CheckTarget(keyword, row);
+  if (lines % number != 0)
+    AddWarning(inp_Utils::MessageAtRow(
+        keyword, data.Rows() - 1,
+        "NUMBER BACKSTRESSES=" + std::to_string(number) + " takes " + std::to_string(number) +
+            " lines for each element or set; the last one has " + std::to_string(lines % number) +
+            ". They are kept as they stand."));
+}
+
+void inpS_InitialConditionVisitor::CheckTarget(const inp_Keyword& keyword, long long row) {
+  const inp_DataArray& data = keyword.Data();
+  if (data.Cols(row) == 0 || !data.HasValue(row, 0)) return;
+  const cow_String name = data.AsStringVerbatim(row, 0);
+  const eds_Referable& elset = *std::ranges::find(eds_referables(), "elset", &eds_Referable::word);
+  const inpS_FormNames::Label label = Names().FindLabel(eds_FormType::Element, name);
+  if (label.isKnown || (!label.isNumber && !Names().Find(elset, name).set.IsNull())) return;
+  const cow_String fault = label.isNumber ? "Element " + name + " does not exist."
+                                          : Names().TextOfMissing(elset, inp_Utils::Fold(name));
+  AddError(inp_Utils::MessageAtField(keyword, row, 0, fault + " The line is kept as it stands."));
 }
 
 // As many as each material has that has some; 0: nobody knows, as materials differ, or elements of

@@ -28,15 +28,15 @@ protected:
                  const KvoSimPosition& record) override {
     if (m_places && keyword.Kind() == inp_KwBoundary)
       m_places->Add(record, keyword, std::exchange(m_refused, {}));
-    if (form.kind == eds_FormKind::InitialOther)
-      AddWarning(inp_Utils::MessageAtParameter(
-          keyword, "type",
-          "TYPE=" + keyword.StringOf("type", "") +
-              " is none that is read here; its lines are kept as they stand."));
+    CheckText(keyword, form);
     inpS_FormVisitor::Converted(keyword, form, record);
   }
 
 private:
+  cow_String FaultOfAxis(const KvoSimPosition& line) const;
+  void CheckText(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckBackStresses(const inp_Keyword& keyword);
+  void CheckTarget(const inp_Keyword& keyword, long long row);
   long long StateVariables();
 
   inpS_DuplicateReport* m_places = nullptr;

@@ -16,13 +16,13 @@ inpS_LoadVisitor::inpS_LoadVisitor(KvoObjLabeler& nodes, KvoObjLabeler& elements
 
 // Decided here: a flux is given node by node where a routine of the user gives it, for each node
 // one of its own; a magnitude for a label is a region of one node, and taken.
-bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form&) {
+bool inpS_LoadVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
   if (keyword.Kind() == inp_KwCflux && inpS_saysYes(keyword, "user")) {
     AddError(
         inp_Utils::MessageAtParameter(keyword, "user", "Node by node heat flux is not supported"));
     return false;
   }
-  inpS_checkConditionParameters(keyword, Names(), *this);
+  inpS_checkConditionParameters(keyword, form, Names(), *this);
   if (keyword.Kind() == inp_KwInertiaRelief) CheckRelief(keyword);
   if (keyword.Kind() == inp_KwField && !inpS_hasVariable(keyword, *this)) return false;
   if (keyword.Kind() != inp_KwCload || !keyword.HasParameter("type") ||
@@ -64,7 +64,8 @@ void inpS_LoadVisitor::CheckFilmProperties(const inp_Keyword& keyword, const eds
     if (std::ranges::find(m_filmProperties, name) != m_filmProperties.end()) continue;
     const inp_DataArray& data = keyword.Data();
     for (long long row = 0; row < data.Rows(); ++row) {
-      const int col = data.Cols(row) - 1;
+      int col = data.Cols(row) - 1;
+      while (col > 0 && !data.HasValue(row, col)) --col; // behind it may be blank ones
       if (col < 0 || inp_Utils::Fold(data.AsStringVerbatim(row, col)) != name) continue;
       AddWarning(inp_Utils::MessageAtField(keyword, row, col,
                                            "Film property \"" + name + "\" has not been defined."));
@@ -89,7 +90,7 @@ bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   if (inpS_ValueLines::Has(keyword, form.kind)) {
-    inpS_ValueLines lines(form.kind);
+    inpS_ValueLines lines(form.kind, Inventory().NumberSpatialDimensions());
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
   bool isWhole = false;

@@ -312,7 +312,7 @@ bool inpS_StepVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& f
   m_times = 0;
   Names().SetTextOfMissingNode(form.kind == eds_FormKind::StaticRiks ? textOfMissingNode : nullptr);
   if (inpS_DegreeLines::IsOfConnectors(form.kind) || keyword.Kind() == inp_KwTemperature)
-    inpS_checkConditionParameters(keyword, Names(), *this);
+    inpS_checkConditionParameters(keyword, form, Names(), *this);
   return true;
 }
 

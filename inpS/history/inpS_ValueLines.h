@@ -7,7 +7,8 @@
 // Lines that prescribe one value of a target: one that ends before it is told, for it says 0.
 class inpS_ValueLines : public inpS_LineCheck {
 public:
-  explicit inpS_ValueLines(eds_RecordKind form);
+  // dimensions: of space; a rotation in three has an axis
+  explicit inpS_ValueLines(eds_RecordKind form, int dimensions = 0);
   // Such lines, whose values neither a routine of the user nor a file gives.
   static bool Has(const inp_Keyword& keyword, eds_RecordKind form);
 
@@ -17,6 +18,7 @@ public:
 
 private:
   bool m_isOfModes;
+  bool m_hasAxis;
   int m_column;
   cow_String m_what;
   bool m_isAny;

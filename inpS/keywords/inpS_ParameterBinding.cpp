@@ -44,7 +44,7 @@ cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
                     KvoSimDataRecord& record) {
   int place = inpS_wordPlace(row, item.AsString()); // of a bare name -1
   if (saysYesOrNo(row))
-    if (const auto yes = inpS_yesOrNo(item.AsString())) place = *yes ? 0 : 1;
+    if (const auto yes = inpS_flagValue(item)) place = *yes ? 0 : 1; // bare, it says yes
   if (place < 0 && isOpen(row)) {
     record.SetString(row.field, inpS_textOf(item.Verbatim()));
     return {};
@@ -59,7 +59,8 @@ cow_String takeWord(const inpS_ParameterBinding& row, const inp_Item& item,
 
 cow_String take(const inpS_ParameterBinding& row, const inp_Item& item, KvoSimDataRecord& record) {
   if (row.codec == inpS_Codec::Flag) return takeFlag(row, item, record);
-  if (item.IsFlag() && row.codec != inpS_Codec::Name && !isOpen(row)) return "has no value";
+  const bool needsValue = row.codec != inpS_Codec::Name && !saysYesOrNo(row) && !isOpen(row);
+  if (item.IsFlag() && needsValue) return "has no value";
   switch (row.codec) {
   case inpS_Codec::Int:
     if (!item.IsInteger()) return "is no integer";

@@ -102,9 +102,10 @@ void inpS_SurfaceStore::CheckNamed(const inp_Keyword& keyword, const Runs& runs,
 
 KvoSimCSet inpS_SurfaceStore::WithFace(const Runs& runs, const Piece& piece,
                                        const KvoSimCSet& members) {
-  if (piece.named.set.IsNull() || members.IsEmpty()) return members; // a list holds no others
-  const eds_MemberSet some = inpS_SurfaceElements::Select(
-      runs, members.Set(), [&](const auto& run) { return run.Has(piece.face); });
+  const auto has = [&](const inpS_SurfaceElements::Run& run) { return run.Has(piece.face); };
+  const bool isList = piece.named.set.IsNull(); // holds no others
+  if (isList || members.IsEmpty() || std::ranges::all_of(runs, has)) return members;
+  const eds_MemberSet some = inpS_SurfaceElements::Select(runs, members.Set(), has);
   if (some.Size() == members.Set().Size()) return members;
   return {m_mesh.CollectionOf(m_visitor.Owner(), false), some};
 }

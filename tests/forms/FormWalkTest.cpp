@@ -97,6 +97,8 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"TurbulenceEquationSolver.type", "ILUGMRES"},
     {"Boundary.first", "4"},
     {"FluidBoundary.type", ""},
+    {"FluidBoundary.target", "TOP"},
+    {"InitialContact.nodes", "NODES-1"},
     {"ConcentratedFlux.user", ""},
     {"InitialStress.section_points", ""},
     {"Motion.rotation", ""},

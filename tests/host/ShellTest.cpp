@@ -80,7 +80,7 @@ TEST_F(Shell, WhatIsLeftOutIsCounted) {
   ASSERT_EQ(ProgramRun({"convert", deck, "-o", model, "--salvage", "-q"}).exitCode, 1);
   const json facts = json::parse(ProgramRun({"info", model, "--json"}).out);
   EXPECT_EQ(facts["leftOut"], "2 data lines; 1 element; 2 instances; 1 mesh fault; 3 set entries; "
-                              "2 set members; 1 surface; 1 surface line; 2 values");
+                              "2 set members; 1 surface; 2 values");
   EXPECT_EQ(facts["meshLeftOut"], false);
 }
 
