@@ -39,6 +39,7 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
   if (form.info->record == K::SectionPly) CheckPlyNames(keyword);
   CheckThickness(keyword, *form.info, MayLackLines(keyword, form));
   CheckProfile(keyword, form);
+  CheckFamilies(keyword);
   if (isOneOf(form, K::BeamSectionTaperedEnds, K::BeamGeneralSectionTaperedEnds))
     CheckEnds(keyword);
   if (isOneOf(form, K::Centroid, K::ShearCenter)) CheckPoint(keyword, form);
@@ -53,6 +54,19 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
     return CheckRebar(keyword, record);
   if (isOneOf(form, K::BeamSectionArbitrary, K::BeamGeneralSectionArbitrary))
     return MarkDirection(keyword, record);
+}
+
+// Decided here: the section stands, and is told of, for the elements may be the slip.
+void inpS_SectionVisitor::CheckFamilies(const inp_Keyword& keyword) {
+  const cow_List<cow_String> others =
+      inpS_SectionData::NotServedBy(keyword.Kind(), SpecsOf(keyword));
+  if (others.empty()) return;
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "elset",
+      inp_Utils::MessageWithItems("*" + keyword.Name() +
+                                      " is for elements of other types than these, which the set "
+                                      "has: ",
+                                  others)));
 }
 
 // A thickness may come from elsewhere; user elements may have no properties, substructures stand
