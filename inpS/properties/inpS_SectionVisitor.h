@@ -60,8 +60,13 @@ private:
   void CheckPlyNames(const inp_Keyword& keyword);
   void CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form, bool isElsewhere);
   void CheckProfile(const inp_Keyword& keyword, const inpS_Form& form);
-  void CheckAxis(const inp_Keyword& keyword, const inpS_Form& form, long long row);
+  void CheckAxis(const inp_Keyword& keyword, long long row);
   void CheckFamilies(const inp_Keyword& keyword);
+  void CheckModuli(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckDensity(const inp_Keyword& keyword);
+  void CheckNotNegative(const inp_Keyword& keyword, long long row, const inpS_Form& form,
+                        const char* what);
+  void CheckBars(const inp_Keyword& keyword);
   void CheckEnds(const inp_Keyword& keyword);
   void CheckJoint(const inp_Keyword& keyword, const cow_String& parameter, const cow_String& words);
   void CheckPoint(const inp_Keyword& keyword, const inpS_Form& form);
