@@ -98,6 +98,14 @@ cow_String partOf(const inp_Keyword& keyword) {
   return keyword.Scope().kind == inp_Scope::Kind::Part ? keyword.Scope().name : cow_String();
 }
 
+// Whether a name belongs to what it is defined in.
+bool isNear(inp_KeywordEnm kind) {
+  const cow_String suffix(inp_KeywordTable::Instance().Row(kind)->suffix);
+  return std::ranges::any_of(eds_referables(), [&](const eds_Referable& one) {
+    return one.keyword == suffix && one.place == eds_Referable::Place::Near;
+  });
+}
+
 } // namespace
 
 inpS_Inventory::inpS_Inventory() = default;
@@ -196,7 +204,7 @@ void inpS_Inventory::VisitStep(const inp_Keyword&) {
 void inpS_Inventory::Visit(const inp_Keyword& keyword) {
   static const cow_List<bool> naming = findNaming();
   const auto index = static_cast<std::size_t>(keyword.Kind());
-  if (index < naming.size() && naming[index])
+  if (index < naming.size() && naming[index] && !keyword.IsInstanceCopy())
     if (const inp_Item* name = keyword.Find("name"))
       m_names[{keyword.Kind(), name->AsString()}].insert(partOf(keyword));
   if (keyword.Kind() == inp_KwSurface && staysText(keyword))
@@ -211,9 +219,12 @@ bool inpS_Inventory::Names(inp_KeywordEnm kind, const cow_String& name) const {
 bool inpS_Inventory::NamesFor(const inp_Keyword& from, inp_KeywordEnm kind,
                               const cow_String& name) const {
   const auto known = m_names.find({kind, name});
-  return known != m_names.end() &&
-         (from.Scope().kind != inp_Scope::Kind::Part || known->second.contains("") ||
-          known->second.contains(from.Scope().name));
+  if (known == m_names.end()) return false;
+  if (known->second.contains("")) return true;
+  const inp_Scope::Kind scope = from.Scope().kind;
+  if (scope == inp_Scope::Kind::Part) return known->second.contains(from.Scope().name);
+  const bool isOutside = scope == inp_Scope::Kind::Assembly || scope == inp_Scope::Kind::Model;
+  return !isOutside || !isNear(kind); // parts keep to themselves what is defined in them
 }
 
 // An annealing step is treated as explicit whatever its parameters: a deliberate simplification.

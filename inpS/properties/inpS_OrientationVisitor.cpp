@@ -1,6 +1,7 @@
 #include "inpS/properties/inpS_OrientationVisitor.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/forms/inpS_LackOfLines.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
@@ -43,6 +44,26 @@ public:
 
 private:
   static constexpr std::size_t kFirst = 2;
+};
+
+// Lines of *NODAL THICKNESS: a negative one is told, and taken.
+class ThicknessLines : public inpS_LineCheck {
+public:
+  explicit ThicknessLines(std::size_t column) : m_column(column) {}
+
+  bool IsSound(const inp_ColumnPiece& piece, Words) override {
+    return std::ranges::none_of(piece.columns[m_column].reals.first(piece.count),
+                                [](double given) { return given < 0; });
+  }
+  std::optional<inpS_LineFault> FaultOf(const inpS_LineView& line) override {
+    const int col = static_cast<int>(m_column);
+    if (!(line.Real(col) < 0)) return {};
+    return inpS_LineFault{col, "A thickness is not negative; it is taken as it stands.", false,
+                          false};
+  }
+
+private:
+  std::size_t m_column;
 };
 
 } // namespace
@@ -98,6 +119,9 @@ bool inpS_OrientationVisitor::HasDistribution(const inp_Keyword& keyword, long l
 void inpS_OrientationVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                         const KvoSimPosition& record) {
   const bool isTransform = keyword.Kind() == inp_KwTransform;
+  const bool isOfNodes = keyword.Kind() == inp_KwNormal || keyword.Kind() == inp_KwNodalThickness;
+  if (isOfNodes && inpS_isWithoutLines(keyword))
+    Warning(keyword, "*" + keyword.Name() + " has no data lines: it gives no values.");
   if (keyword.Kind() != inp_KwOrientation && !isTransform) return;
   if (form.kind != eds_FormKind::OrientationUser && !isTransform) CheckLocalDirections(keyword);
   if (!isTransform && !CheckAngles(keyword, record)) return;
@@ -124,6 +148,10 @@ bool inpS_OrientationVisitor::CheckAngles(const inp_Keyword& keyword,
 
 bool inpS_OrientationVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                           const KvoSimPosition& record) {
+  if (keyword.Kind() == inp_KwNodalThickness) {
+    ThicknessLines lines(form.columnItems.size() - 1);
+    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  }
   if (keyword.Kind() != inp_KwNormal) return inpS_FormVisitor::ReadColumns(keyword, form, record);
   NormalLines lines;
   return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();

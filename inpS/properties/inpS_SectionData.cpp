@@ -23,7 +23,6 @@ inpS_SectionData::inpS_SectionData(const KvoObjDocument& document, const KvoSimP
 // A small set asks for its members' blocks, a big one is held against all blocks.
 cow_List<KvoSimPosition> inpS_SectionData::FindElementSpecs(const eds_MemberSet& members) const {
   cow_List<KvoSimPosition> specs;
-  cow_List<char> isMet(m_blocks.size(), 0);
   const eds_MemberSet sorted = members.AscendingSet();
   std::size_t at = 0; // both ascend: whatever is longer is skipped through
   for (long long n = 0; n < sorted.Size() && at < m_blocks.size();) {
@@ -37,7 +36,8 @@ cow_List<KvoSimPosition> inpS_SectionData::FindElementSpecs(const eds_MemberSet&
     }
     at = static_cast<std::size_t>(behind - m_blocks.begin()) - 1;
     const long long end = m_blocks[at].first + m_blocks[at].count;
-    if (member < end) isMet[at] = 1;
+    if (member < end && std::ranges::find(specs, m_blocks[at].spec) == specs.end())
+      specs.push_back(m_blocks[at].spec);
     // To the first member behind the block.
     long long low = n + 1;
     long long high = sorted.Size();
@@ -50,9 +50,6 @@ cow_List<KvoSimPosition> inpS_SectionData::FindElementSpecs(const eds_MemberSet&
     }
     n = low;
   }
-  for (std::size_t block = 0; block < m_blocks.size(); ++block)
-    if (isMet[block] != 0 && std::ranges::find(specs, m_blocks[block].spec) == specs.end())
-      specs.push_back(m_blocks[block].spec);
   return specs;
 }
 
@@ -82,23 +79,66 @@ eds_MemberSet inpS_SectionData::NodesOf(const eds_MemberSet& members) const {
   return eds_MemberSet::Ascending(std::move(nodes));
 }
 
-unsigned inpS_SectionData::SectionDimensions(const cow_List<KvoSimPosition>& specs) {
+namespace {
+
+// Null: the table has no such type.
+const inp_ElementInfo* infoOf(const KvoSimPosition& spec) {
   static const auto byName = [] {
-    std::unordered_map<std::string_view, unsigned> all;
-    for (const inp_ElementInfo& info : inp_elementTable())
-      all.emplace(info.name,
-                  info.section == inp_SectionDimension::Solid2D && info.Is(inp_ElemAxisymmetric)
-                      ? kAxisymmetric
-                      : 1u << static_cast<unsigned>(info.section));
+    std::unordered_map<std::string_view, const inp_ElementInfo*> all;
+    for (const inp_ElementInfo& info : inp_elementTable()) all.emplace(info.name, &info);
     return all;
   }();
+  const auto known = byName.find(spec.DataRecord().ReturnString(eds_ElementSpec_Name));
+  return known == byName.end() ? nullptr : known->second;
+}
+
+} // namespace
+
+unsigned inpS_SectionData::SectionDimensions(const cow_List<KvoSimPosition>& specs) {
   unsigned dimensions = 0;
   for (const KvoSimPosition& spec : specs) {
-    const cow_String name = spec.DataRecord().ReturnString(eds_ElementSpec_Name);
-    const auto known = byName.find(name);
-    dimensions |= known == byName.end() ? 1u : known->second;
+    const inp_ElementInfo* info = infoOf(spec);
+    const auto section = info ? info->section : inp_SectionDimension::Unknown;
+    const bool isRound = section == inp_SectionDimension::Solid2D && info->Is(inp_ElemAxisymmetric);
+    dimensions |= isRound ? kAxisymmetric : 1u << static_cast<unsigned>(section);
   }
   return dimensions;
+}
+
+cow_List<cow_String> inpS_SectionData::NotServedBy(inp_KeywordEnm section,
+                                                   const cow_List<KvoSimPosition>& specs) {
+  constexpr unsigned kNoSolids = inp_ElemShell | inp_ElemMembrane | inp_ElemBeam | inp_ElemGasket |
+                                 inp_ElemConnector | inp_ElemSpring | inp_ElemMass |
+                                 inp_ElemCohesive | inp_ElemContact;
+  constexpr std::pair<inp_KeywordEnm, unsigned> families[] = {
+      {inp_KwSolidSection, inp_ElemNone}, // all but those
+      {inp_KwShellSection, inp_ElemShell},
+      {inp_KwShellGeneralSection, inp_ElemShell},
+      {inp_KwMembraneSection, inp_ElemMembrane},
+      {inp_KwSurfaceSection, inp_ElemMembrane},
+      {inp_KwBeamSection, inp_ElemBeam},
+      {inp_KwBeamGeneralSection, inp_ElemBeam},
+      {inp_KwFrameSection, inp_ElemBeam},
+      {inp_KwCohesiveSection, inp_ElemCohesive},
+      {inp_KwGasketSection, inp_ElemGasket},
+      {inp_KwConnectorSection, inp_ElemConnector},
+      {inp_KwMass, inp_ElemMass},
+      {inp_KwRotaryInertia, inp_ElemMass},
+      {inp_KwHeatcap, inp_ElemMass},
+      {inp_KwSpring, inp_ElemSpring},
+      {inp_KwDashpot, inp_ElemSpring}};
+  cow_List<cow_String> others;
+  for (const auto& [keyword, family] : families) {
+    if (keyword != section) continue;
+    for (const KvoSimPosition& spec : specs) {
+      const inp_ElementInfo* info = infoOf(spec);
+      if (!info || info->Is(inp_ElemMeshOnly) || info->Is(inp_ElemRigid)) continue;
+      const bool isServed = section == inp_KwSolidSection ? (info->flags & kNoSolids) == 0
+                                                          : (info->flags & family) != 0;
+      if (!isServed) others.push_back(cow_String(info->name));
+    }
+  }
+  return others;
 }
 
 cow_List<cow_String> inpS_SectionData::PlaneFamilies(const cow_List<KvoSimPosition>& specs) {

@@ -4,6 +4,7 @@
 #include "database/KvoObjMesh.h"
 #include "database/eds_MemberSet.h"
 #include "parser/inp_ElementInfo.h"
+#include "parser/inp_KeywordTable.h"
 
 // The mesh of one owner (a part, or the model for the flat mesh) as sections see it: which types
 // the elements of a set have, and which region each section covers.
@@ -24,6 +25,9 @@ public:
   // The solid sections that serve these types, as bits 1 << inp_SectionDimension; 0: no type.
   static unsigned SectionDimensions(const cow_List<KvoSimPosition>& specs);
   static constexpr unsigned kAxisymmetric = 1u << 8; // that of plane ones in the r-z plane
+  // The names of those types that the section is not for, by their family.
+  static cow_List<cow_String> NotServedBy(inp_KeywordEnm section,
+                                          const cow_List<KvoSimPosition>& specs);
   // "plane stress (CPS4)", "plane strain (CPE4)": which of them there are, each once.
   static cow_List<cow_String> PlaneFamilies(const cow_List<KvoSimPosition>& specs);
 

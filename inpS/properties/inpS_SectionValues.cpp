@@ -58,10 +58,19 @@ void inpS_SectionValues::CheckItem(const eds_FormItem& item, const cow_String& a
     if (!one.referable) continue;
     const inpS_SetVisitor::Found found = m_names.Find(*one.referable, asWritten);
     if (found.set.IsNull()) continue;
-    if (one.referable->word != "distribution") return;
+    if (one.referable->word != "distribution" || IsForeign(found)) return;
     if (HasColumn(found.set, distributed, at)) CheckCover(found, distributed, at);
     return;
   }
+}
+
+// One of an instance that the elements do not belong to is not taken, as has been told.
+bool inpS_SectionValues::IsForeign(const inpS_SetVisitor::Found& found) const {
+  if (found.instance.IsNull() || found.instance == m_place.Holder()) return false;
+  const inp_Item* elset = m_keyword->Find("elset");
+  const inpS_SetVisitor::Found elements =
+      m_place.FindField(inpS_SetVisitor::Kind::Elements, elset->Verbatim());
+  return !(elements.instance == found.instance);
 }
 
 // Of what is bound alone: others are for who knows what they are about.

@@ -39,6 +39,7 @@ private:
                  const At& at);
   void CheckCover(const inpS_SetVisitor::Found& found, const inpS_DistributedItem& item,
                   const At& at);
+  bool IsForeign(const inpS_SetVisitor::Found& found) const;
   void CheckNodal();
   const eds_MemberSet& Covered(const KvoSimPosition& distribution);
   Lacking LackingIn(const eds_MemberSet& covered, bool byNode, bool ofPart,

@@ -149,18 +149,26 @@ const inpS_Form* inpS_SectionVisitor::ChooseJoint(const inp_Keyword& keyword,
   return isInPlane ? inpS_FormTable::Instance().Find(eds_FormKind::JointElasticityPlane) : inSpace;
 }
 
-// By the elements of the set: trusses, plane elements, solids, or what is not known.
-const inpS_Form* inpS_SectionVisitor::ChooseSolid(const inp_Keyword& keyword) {
-  const inpS_FormTable& forms = inpS_FormTable::Instance();
+// The types of the elements of its set.
+cow_List<KvoSimPosition> inpS_SectionVisitor::SpecsOf(const inp_Keyword& keyword, bool* isEmpty) {
   const inp_Item* elset = keyword.Find("elset");
   static const eds_Referable& sets =
       *std::ranges::find(eds_referables(), "elset", &eds_Referable::word);
   const Found found = elset ? Names().Find(sets, elset->Verbatim()) : Found();
   const eds_MemberSet members = inpS_SectionData::MembersOf(found.set);
-  if (members.IsEmpty()) return forms.Find(eds_FormKind::SolidSection);
+  if (isEmpty) *isEmpty = members.IsEmpty();
+  if (members.IsEmpty()) return {};
   const KvoSimPosition owner = found.set.DataRecord().GetReference(eds_ElementSet_Owner);
-  const auto specs =
-      DataOf(owner.IsA(eds_RecordKind::Part) ? owner : Model()).FindElementSpecs(members);
+  return DataOf(owner.IsA(eds_RecordKind::Part) ? owner : Model()).FindElementSpecs(members);
+}
+
+// By the elements of the set: trusses, plane elements, solids, or what is not known.
+const inpS_Form* inpS_SectionVisitor::ChooseSolid(const inp_Keyword& keyword) {
+  const inpS_FormTable& forms = inpS_FormTable::Instance();
+  bool isEmpty = true;
+  const cow_List<KvoSimPosition> specs = SpecsOf(keyword, &isEmpty);
+  if (isEmpty) return forms.Find(eds_FormKind::SolidSection);
+  const inp_Item* elset = keyword.Find("elset");
   if (specs.empty()) Error(keyword, "No element type assignment for elset: " + elset->AsString());
   const unsigned dimensions = inpS_SectionData::SectionDimensions(specs);
   const auto only = [&](inp_SectionDimension one) {

@@ -48,6 +48,7 @@ private:
   const inpS_Form* ChooseConnector(const inp_Keyword& keyword, const inpS_Form* form);
   const inpS_Form* ChooseJoint(const inp_Keyword& keyword, const inpS_Form* inSpace);
   static const inpS_Form* ChooseTapered(const inp_Keyword& keyword, const inpS_Form* form);
+  cow_List<KvoSimPosition> SpecsOf(const inp_Keyword& keyword, bool* isEmpty = nullptr);
   const inpS_SectionData& DataOf(const KvoSimPosition& owner);
   bool CheckSolid(const inp_Keyword& keyword);
   bool CheckShellStiffness(const inp_Keyword& keyword);
@@ -59,7 +60,13 @@ private:
   void CheckPlyNames(const inp_Keyword& keyword);
   void CheckThickness(const inp_Keyword& keyword, const eds_FormInfo& form, bool isElsewhere);
   void CheckProfile(const inp_Keyword& keyword, const inpS_Form& form);
-  void CheckAxis(const inp_Keyword& keyword, const inpS_Form& form, long long row);
+  void CheckAxis(const inp_Keyword& keyword, long long row);
+  void CheckFamilies(const inp_Keyword& keyword);
+  void CheckModuli(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckDensity(const inp_Keyword& keyword);
+  void CheckNotNegative(const inp_Keyword& keyword, long long row, const inpS_Form& form,
+                        const char* what);
+  void CheckBars(const inp_Keyword& keyword);
   void CheckEnds(const inp_Keyword& keyword);
   void CheckJoint(const inp_Keyword& keyword, const cow_String& parameter, const cow_String& words);
   void CheckPoint(const inp_Keyword& keyword, const inpS_Form& form);

@@ -39,9 +39,14 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
   if (form.info->record == K::SectionPly) CheckPlyNames(keyword);
   CheckThickness(keyword, *form.info, MayLackLines(keyword, form));
   CheckProfile(keyword, form);
+  CheckFamilies(keyword);
+  CheckModuli(keyword, form);
+  CheckDensity(keyword);
   if (isOneOf(form, K::BeamSectionTaperedEnds, K::BeamGeneralSectionTaperedEnds))
     CheckEnds(keyword);
-  if (isOneOf(form, K::Centroid, K::ShearCenter)) CheckPoint(keyword, form);
+  if (isOneOf(form, K::Centroid, K::ShearCenter) ||
+      (isOneOf(form, K::BeamSectionOffset) && isNumber(keyword.Data(), 0, 0)))
+    CheckPoint(keyword, form);
   if (isOneOf(form, K::JointElasticity)) CheckJoint(keyword, "moduli", "GENERAL, SPUD CAN");
   if (isOneOf(form, K::JointPlasticity)) CheckJoint(keyword, "type", "MEMBER, CLAY, SAND");
   if (isOneOf(form, K::ConnectorSection, K::ConnectorSectionBehavior)) CheckTypes(keyword);
@@ -53,6 +58,58 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
     return CheckRebar(keyword, record);
   if (isOneOf(form, K::BeamSectionArbitrary, K::BeamGeneralSectionArbitrary))
     return MarkDirection(keyword, record);
+}
+
+// Neither has a beam that integrals or a profile give any stiffness without them, nor a frame.
+void inpS_SectionVisitor::CheckModuli(const inp_Keyword& keyword, const inpS_Form& form) {
+  namespace K = eds_FormKind;
+  const bool isBeam =
+      form.keyword == inp_KwBeamGeneralSection || form.keyword == inp_KwFrameSection;
+  if (!isBeam || !form.HasTable() || keyword.HasParameter("material") ||
+      isOneOf(form, K::BeamGeneralSectionNonlinear))
+    return;
+  if (inpS_isWithoutLines(keyword, static_cast<long long>(form.info->lines.size())))
+    Warning(keyword, "*" + keyword.Name() +
+                         " has no line of moduli behind the direction of the first axis: its "
+                         "elements have no stiffness.");
+}
+
+void inpS_SectionVisitor::CheckDensity(const inp_Keyword& keyword) {
+  const inp_Item* density = keyword.Find("density");
+  if (density && density->IsNumber() && density->AsDouble() < 0)
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "density", "A density is not negative; it is taken as it stands."));
+}
+
+// Of a line's values those that are lengths or areas; where a profile begins, and products of
+// inertia, may lie on either side.
+void inpS_SectionVisitor::CheckNotNegative(const inp_Keyword& keyword, long long row,
+                                           const inpS_Form& form, const char* what) {
+  namespace K = eds_FormKind;
+  const inp_DataArray& data = keyword.Data();
+  const auto& items = form.info->lines.front();
+  const bool isTrapezoid = isOneOf(form, K::BeamSectionTrapezoid, K::BeamGeneralSectionTrapezoid);
+  for (int col = 0; col < static_cast<int>(items.size()); ++col) {
+    const cow_String& name = items[static_cast<std::size_t>(col)].name;
+    if (name == "l" || (isTrapezoid && name == "d")) continue;
+    if (isNumber(data, row, col) && data.AsDouble(row, col) < 0)
+      AddWarning(inp_Utils::MessageAtField(keyword, row, col,
+                                           cow_String("A ") + what +
+                                               " is not negative; it is taken as it stands."));
+  }
+}
+
+// Decided here: the section stands, and is told of, for the elements may be the slip.
+void inpS_SectionVisitor::CheckFamilies(const inp_Keyword& keyword) {
+  const cow_List<cow_String> others =
+      inpS_SectionData::NotServedBy(keyword.Kind(), SpecsOf(keyword));
+  if (others.empty()) return;
+  AddWarning(inp_Utils::MessageAtParameter(
+      keyword, "elset",
+      inp_Utils::MessageWithItems("*" + keyword.Name() +
+                                      " is for elements of other types than these, which the set "
+                                      "has: ",
+                                  others)));
 }
 
 // A thickness may come from elsewhere; user elements may have no properties, substructures stand
@@ -154,16 +211,15 @@ void inpS_SectionVisitor::CheckProfile(const inp_Keyword& keyword, const inpS_Fo
                                            "The line does not tell the profile's " +
                                                items[static_cast<std::size_t>(col)].name +
                                                "; it counts as 0."));
+    CheckNotNegative(keyword, 0, form, "dimension of a profile");
   }
   for (std::size_t n = 1; n < form.info->lines.size(); ++n)
-    if (form.info->lines[n].front().name == "n1_x")
-      CheckAxis(keyword, form, static_cast<long long>(n));
+    if (form.info->lines[n].front().name == "n1_x") CheckAxis(keyword, static_cast<long long>(n));
 }
 
 // The line may be blank: the axis is then the usual one. Decided here: three values are a direction
 // whatever they are; fewer are taken as one as well, but may be what stands behind it.
-void inpS_SectionVisitor::CheckAxis(const inp_Keyword& keyword, const inpS_Form& form,
-                                    long long row) {
+void inpS_SectionVisitor::CheckAxis(const inp_Keyword& keyword, long long row) {
   const inp_DataArray& data = keyword.Data();
   int given = 0;
   bool isZero = true;
@@ -180,10 +236,7 @@ void inpS_SectionVisitor::CheckAxis(const inp_Keyword& keyword, const inpS_Form&
     AddWarning(inp_Utils::MessageAtRow(
         keyword, row,
         "The direction of the first axis stands here, and has three values; those not given count "
-        "as 0." +
-            cow_String(form.HasTable() && row + 1 >= data.Rows()
-                           ? " The line of the moduli behind it is not there."
-                           : "")));
+        "as 0."));
 }
 
 int inpS_dimensionsOfProfile(const cow_String& word) {
@@ -247,8 +300,23 @@ void inpS_SectionVisitor::CheckTypes(const inp_Keyword& keyword) {
               "\" is no type of connections that is known; it is taken as it stands."));
 }
 
+// The area of a bar and its spacing stand behind its name, and are never nothing.
+void inpS_SectionVisitor::CheckBars(const inp_Keyword& keyword) {
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row)
+    for (const int col : {1, 2}) {
+      if (!hasValue(data, row, 0) || (hasValue(data, row, col) && !isNumber(data, row, col)))
+        continue;
+      if (hasValue(data, row, col) && data.AsDouble(row, col) > 0) continue;
+      const cow_String what = col == 1 ? "area" : "spacing";
+      AddWarning(inp_Utils::MessageAtRow(
+          keyword, row, "The " + what + " of bars is above 0; the line is taken as it stands."));
+    }
+}
+
 // A bar lies along one of the two directions of the shell's surface.
 void inpS_SectionVisitor::CheckRebar(const inp_Keyword& keyword, const KvoSimPosition& layer) {
+  CheckBars(keyword);
   for (const KvoSimPosition& line : layer.GetVector(eds_Member::Lines)) {
     KvoSimDataRecord record = line.DataRecord();
     const int direction = eds_formField(line.Object().RecordKind(), "direction");

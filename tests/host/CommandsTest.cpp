@@ -152,6 +152,14 @@ TEST_F(Commands, AThousandFaultsAreAllReported) {
   EXPECT_EQ(all["exit"], 1);
 }
 
+TEST_F(Commands, ALongListEndsWithItsFullStop) {
+  cow_String deck = "*NODE\n1, 0., 0., 0.\n*DISTRIBUTION TABLE, NAME=T\nLENGTH\n"
+                    "*DISTRIBUTION, NAME=D, TABLE=T, LOCATION=NODE\n";
+  for (int i = 11; i <= 22; ++i) deck += std::to_string(i) + ", 1.\n";
+  const ProgramRun run({"check", Deck("d.inp", deck)});
+  EXPECT_TRUE(run.Says("19, 20 … and 2 more. Their lines are kept")) << run.err;
+}
+
 TEST_F(Commands, JsonHoldsTheWholeRun) {
   const cow_String file = Deck("d.inp", cow_String(oneBrick) + "*NOSUCHWORD\n");
   const ProgramRun run({"convert", file, "-o", File("d.sim"), "--json", "--timings"});
