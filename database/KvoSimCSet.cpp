@@ -26,9 +26,13 @@ KvoSimPosition KvoSimCSet::Position() const {
   return {m_store, {eds_RecordKind::CSet, m_id.Number()}};
 }
 
-const eds_MemberSet& KvoSimCSet::Set() const {
+const eds_MemberSet& KvoSimCSet::Set() const& {
   static const eds_MemberSet none;
   return m_members != nullptr ? *m_members : none;
+}
+
+eds_MemberSet KvoSimCSet::Set() const&& {
+  return static_cast<const KvoSimCSet&>(*this).Set();
 }
 
 std::vector<int32_t> KvoSimCSet::Members() const {

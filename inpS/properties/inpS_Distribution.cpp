@@ -82,8 +82,9 @@ eds_MemberSet membersOf(const KvoSimPosition& target, const KvoSimPosition& owne
   const KvoObjNodeSet nodeSet =
       nodes ? KvoObjNodeSet(named.GetReference(eds_Target_Set)) : KvoObjNodeSet();
   const eds_MeshSet& set = nodes ? static_cast<const eds_MeshSet&>(nodeSet) : elements;
-  if (set.Membership().IsNull()) return {};
-  const eds_MemberSet& members = set.Membership().Set();
+  const KvoSimCSet membership = set.Membership(); // which holds the members
+  if (membership.IsNull()) return {};
+  const eds_MemberSet& members = membership.Set();
   if (!set.Owner().IsA(eds_RecordKind::Part) || owner.IsA(eds_RecordKind::Part)) return members;
   const KvoSimPosition by = named.GetReference(eds_Target_Instance);
   const long long offset = offsetOf(by.IsNull() ? owner : by, nodes);
