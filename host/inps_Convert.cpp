@@ -3,6 +3,7 @@
 #include "base/utl_File.h"
 #include "base/utl_Interruption.h"
 #include "database/KvoObjMesh.h"
+#include "database/eds_CheckRecords.h"
 #include "database/eds_Exception.h"
 #include "host/inps_Arguments.h"
 #include "host/inps_Conversion.h"
@@ -81,7 +82,16 @@ KvoObjDocument makeModel(const Path& target, bool force, KvoSize size) {
                  : KvoObjDocument::Create(target, size);
 }
 
+// A model that could not be opened again is none: whoever made it so, it is told here and not
+// later.
 void finish(KvoObjDocument& document) {
+  try {
+    eds_checkRecords(document);
+  } catch (const eds_DamagedFileException& damage) {
+    throw eds_DamagedFileException(
+        cow_String("the conversion would end with a damaged model, which is not kept: ") +
+        damage.what());
+  }
   const bcu_MarkScope mark("inps-", "finish");
   document.Finish();
 }
@@ -146,6 +156,9 @@ private:
       document.GiveUp();
       throw;
     } catch (const utl_FileException&) { // of the deck
+      document.GiveUp();
+      throw;
+    } catch (const eds_DamagedFileException&) { // of what was made of it
       document.GiveUp();
       throw;
     }

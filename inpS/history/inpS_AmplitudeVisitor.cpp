@@ -124,6 +124,8 @@ void inpS_AmplitudeVisitor::Create(const inp_Keyword& keyword, const inpS_Amplit
   if (const auto other = m_defined.find(name);
       other != m_defined.end() && standsBehind(other->second, keyword))
     return LeaveToLater(keyword, other->second, name);
+  if (!former.IsNull() && !m_defined.contains(name) && StandsInBase(former, name))
+    return LeaveToBase(keyword, name);
   m_defined[name] = keyword;
   if (!former.IsNull()) {
     Warning(keyword, "Amplitude \"" + name + "\" is defined again; the new definition holds.");
@@ -417,6 +419,28 @@ void inpS_AmplitudeVisitor::LeaveToLater(const inp_Keyword& keyword, const inp_K
   keyword.ReferAll();
   m_ledger.LeaveOut(keyword);
   for (const inp_Keyword& suboption : keyword.Suboptions()) LeaveWithOwner(suboption);
+}
+
+bool inpS_AmplitudeVisitor::StandsInBase(const KvoSimPosition& amplitude, const cow_String& name) {
+  if (!m_base) m_base.emplace(m_inventory.GetDocument());
+  return m_base->Of(amplitude, name) != inpS_BaseReferences::Use::None;
+}
+
+// What has been computed with the former definition is past, and a deck has one of a name: as for
+// materials, that of the base stays.
+void inpS_AmplitudeVisitor::LeaveToBase(const inp_Keyword& keyword, const cow_String& name) {
+  Error(keyword,
+        "Amplitude \"" + name +
+            "\" of the model that is restarted stands in what it has already, and stays as "
+            "it is; this definition is left out, with all that belongs to it. Under another "
+            "name it can be used from here on.");
+  LeaveOut("amplitude");
+  keyword.ReferAll();
+  m_ledger.LeaveOut(keyword);
+  for (const inp_Keyword& suboption : keyword.Suboptions()) {
+    suboption.ReferAll();
+    m_ledger.LeaveOut(suboption);
+  }
 }
 
 void inpS_AmplitudeVisitor::LeaveWithOwner(const inp_Keyword& suboption) {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "database/KvoSimPosition.h"
+#include "inpS/framework/inpS_BaseReferences.h"
 #include "inpS/framework/inpS_Inventory.h"
 #include "inpS/framework/inpS_Ledger.h"
 #include "inpS/framework/inpS_Visitor.h"
+#include <optional>
 #include <unordered_map>
 
 struct inpS_AmplitudeForm;
@@ -41,6 +43,8 @@ private:
   void StoreTerms(const KvoSimPosition& amplitude, const cow_List<double>& pairs);
   void LeaveToLater(const inp_Keyword& keyword, const inp_Keyword& later, const cow_String& name);
   void LeaveWithOwner(const inp_Keyword& suboption);
+  bool StandsInBase(const KvoSimPosition& amplitude, const cow_String& name);
+  void LeaveToBase(const inp_Keyword& keyword, const cow_String& name);
   void Ignore(const inp_Keyword& keyword);
   void TellOfStray(const inp_Keyword& keyword, const char* why);
   void KeepAsText(const inp_Keyword& keyword);
@@ -53,6 +57,7 @@ private:
   std::unordered_multimap<unsigned long long, KvoSimPosition> m_formerTexts;
   // What is kept of a keyword beside its record.
   std::unordered_map<unsigned long long, KvoSimPosition> m_parts;
+  std::optional<inpS_BaseReferences> m_base; // of a restart
   bool m_hasFormerTexts = false;
   bool m_isWhole = true; // all that stands on the lines at hand has been taken
 };

@@ -9,7 +9,7 @@
 #include "inpS/keywords/inpS_TinyNumber.h"
 #include "inpS/keywords/inpS_UnreadField.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
-#include "inpS/mesh/inpS_BaseSurfaces.h"
+#include "inpS/mesh/inpS_BaseSets.h"
 #include "inpS/mesh/inpS_ElementParameters.h"
 #include "inpS/mesh/inpS_ElementReading.h"
 #include "inpS/mesh/inpS_GeneratedNodes.h"
@@ -77,7 +77,6 @@ void inpS_MeshVisitor::VisitList(inp_KeywordListRef keywords) {
   for (const inp_Keyword& keyword : keywords)
     if (!isOfParts(keyword)) Visit(keyword);
   Finish(keywords);
-  inpS_tellOfBaseSurfaces(m_inventory.GetDocument(), m_scopes, *this);
   ReportUnreferredParameters(keywords, inpS_ownKeywords(inpS_Subject::Mesh));
   inpS_reportUnusedLines(keywords, {inp_KwElcopy}, *this);
 }
@@ -484,8 +483,11 @@ void inpS_MeshVisitor::Finish(inp_KeywordListRef keywords) {
   if (m_salvage) m_salvage->NoteFaulty(m_scopes, m_elements);
   for (inpS_MeshScope& scope : m_scopes.All()) scope.elements.StoreHeld(scope.owner);
   m_resolver = std::make_unique<inpS_SetResolver>(m_nodes, m_elements, m_scopes, m_setMessages);
+  inpS_BaseSets base(m_inventory.GetDocument(), m_setMessages);
+  if (m_scopes.Root().isStored) m_resolver->SetBase(&base);
   for (const inpS_MeshScope& scope : m_scopes.All())
     for (const inpS_SetDefinition& set : scope.sets.All()) m_resolver->Members(scope, set);
+  m_resolver->SetBase(nullptr); // all are known
 }
 
 void inpS_MeshVisitor::Report() {

@@ -2,6 +2,7 @@
 #include "database/KvoObjLabeler.h"
 #include "inpS/keywords/inpS_QuotedName.h"
 #include "inpS/mesh/inpS_BaseMesh.h"
+#include "inpS/mesh/inpS_BaseSets.h"
 #include "inpS/mesh/inpS_GenerationLimit.h"
 #include "inpS/mesh/inpS_OldElements.h"
 #include "inpS/messages/inpS_LocatedText.h"
@@ -181,6 +182,7 @@ void inpS_SetResolver::Finish(const inpS_MeshScope& scope, const inpS_SetDefinit
   result.asText = std::move(gathered.asText);
   if (isTooLarge) return;
   result.members = gathered.Members(set.unsorted);
+  if (m_base) m_base->Judge(scope, set, result.members);
   m_listed += gathered.Listed();
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 class KvoObjLabeler;
+class inpS_BaseSets;
 class inp_Visitor;
 
 // Turns set definitions into members: ordinals of the owner for sets of a part, flat ordinals of
@@ -22,6 +23,9 @@ public:
   // Data lines that name what the set has besides: elements that stand in keywords kept as text,
   // but for those that these keywords put into it themselves. Once its members are known.
   cow_String LinesOfText(const inpS_SetDefinition& set) const;
+
+  // Of a restart: tells what the sets of its base may have.
+  void SetBase(inpS_BaseSets* base) { m_base = base; }
 
   // While the deck is still read: ordinals of the owner, by what is known so far. What belongs to
   // instances cannot be told yet; such entries are left out. The elements of owners whose sets name
@@ -89,6 +93,7 @@ private:
   const KvoObjLabeler& m_elements;
   inpS_MeshScopes& m_scopes;
   inp_Visitor& m_messages;
+  inpS_BaseSets* m_base = nullptr;
   bool m_underway = false;
   bool m_leftOut = false;
   long long m_listed = 0;          // members of all sets that are no single run

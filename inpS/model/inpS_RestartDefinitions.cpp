@@ -187,10 +187,10 @@ void checkReading(const inp_Keyword& keyword, inp_Visitor& messages) {
 }
 
 // Kept as text it would stand before all steps of the written deck, and act in them.
-bool isBeforeSteps(const inp_Keyword& keyword) {
+bool isBeforeSteps(const inp_Keyword& keyword, eds_Member member) {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   return row && !keyword.IsSuboption() && keyword.Scope().kind != inp_Scope::Kind::Step &&
-         inpS_block(row->block).member == eds_Member::InitialConditions;
+         inpS_block(row->block).member == member;
 }
 
 } // namespace
@@ -199,7 +199,16 @@ bool inpS_checkRestart(const inp_Keyword& keyword, const KvoObjModel& model, boo
                        inp_Visitor& messages) {
   const bool isModels = keyword.Scope().kind == inp_Scope::Kind::Model;
   if (keyword.IsInstanceCopy()) return true;
-  if (hasSteps && isBeforeSteps(keyword)) {
+  // Axes of nodes and thicknesses are what the loads of all steps act along and on.
+  if (hasSteps && isBeforeSteps(keyword, eds_Member::Transforms)) {
+    messages.AddError(inp_Utils::MessageInKeyword(
+        keyword, "The model that is restarted has steps, which this would change; *" +
+                     keyword.Name() + " is left out."));
+    messages.LeaveOut("change of steps that are there");
+    keyword.ReferAll();
+    return false;
+  }
+  if (hasSteps && isBeforeSteps(keyword, eds_Member::InitialConditions)) {
     messages.AddError(inp_Utils::MessageInKeyword(
         keyword, "The model that is restarted has steps, and what acts before them is its own; the "
                  "keyword is left out."));

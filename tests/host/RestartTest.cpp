@@ -321,6 +321,51 @@ TEST_F(Restart, DefinesNoElementOfItsBaseAgain) {
       << deck;
 }
 
+// What would act in steps that are there, or change what acts in them, is told and left out: the
+// deck that is written is as it was.
+TEST_F(Restart, DoesNotChangeThePast) {
+  const cow_String step = "*STEP\n*STATIC\n*CLOAD, AMPLITUDE=A\nN, 1, 4.\n*END STEP\n";
+  const cow_String base = kBase +
+                          cow_String("*NODE\n9, 9., 9., 9.\n*NSET, NSET=FREE\n1\n"
+                                     "*BEAM GENERAL SECTION, ELSET=B, SECTION=GENERAL\n1.\n"
+                                     "*AMPLITUDE, NAME=A\n0., 0., 1., 1.\n"
+                                     "*AMPLITUDE, NAME=W\n0., 0., 1., 1.\n"
+                                     "*FILTER, NAME=F, AMPLITUDE=W\n") +
+                          step;
+  struct Case {
+    const char* deck;
+    const char* says; // empty: it is taken
+  };
+  const Case cases[] = {
+      {"*AMPLITUDE, NAME=A\n0., 0., 2., 5.\n*BASELINE CORRECTION\n0.5, 1.5\n",
+       ":1:1: error: Amplitude \"A\" of"},
+      {"*STEP\n*STATIC\n*AMPLITUDE, NAME=a\n0., 7.\n*END STEP\n",
+       ":3:1: error: Amplitude \"A\" of"},
+      {"*AMPLITUDE, NAME=W\n0., 7.\n", ":1:1: error: Amplitude \"W\" of"}, // by a text
+      {"*TRANSFORM, NSET=FREE\n0., 1., 0., -1., 0., 0.\n",
+       ":1:1: error: The model that is restarted has steps, which"},
+      {"*NODAL THICKNESS\nFREE, 2.\n", ":1:1: error: The model that is restarted has steps, which"},
+      {"*NSET, NSET=N\n9\n", ":1:1: error: Set \"N\" would grow"},
+      {"*NODE, NSET=N\n10, 0., 0., 7.\n", ":1:1: error: Set \"N\" would grow"},
+      {"*ELSET, ELSET=B\n1\n", ":1:1: error: Set \"B\" would grow"},
+      {"*NSET, NSET=N\n1, 3\n", ""},
+      {"*NSET, NSET=FREE\n9\n", ""},
+      {"*ELEMENT, TYPE=B31, ELSET=B\n7, 1, 3\n", ""}};
+  ProgramRun({"convert", Deck("base.inp", base), "-o", File("base.sim")});
+  const cow_String before = ProgramRun({"write", File("base.sim")}).out;
+  for (const Case& one : cases) {
+    const bool isTaken = *one.says == 0;
+    const ProgramRun run({"convert", Deck("m.inp", one.deck), "--restart", File("base.sim"), "-o",
+                          File("m.sim"), "--force"});
+    EXPECT_EQ(run.exitCode, isTaken ? 0 : 1) << one.deck << run.err;
+    EXPECT_TRUE(isTaken || run.Says(one.says)) << one.deck << run.err;
+    EXPECT_EQ(ProgramRun({"check", File("m.sim")}).exitCode, 0) << one.deck;
+    const cow_String deck = ProgramRun({"write", File("m.sim")}).out;
+    const bool hasOwn = holds(one.deck, "*NODE,") || holds(one.deck, "*STEP") || isTaken;
+    EXPECT_TRUE(holds(deck, step) && (hasOwn || deck == before)) << one.deck << deck;
+  }
+}
+
 TEST_F(Restart, TellsOfSurfacesWhoseSetsGrow) {
   Written(kBase + cow_String("*SURFACE, NAME=S\nT, END1\n"), "*NSET, NSET=N\n1\n");
   const ProgramRun run({"convert", Deck("e.inp", "*ELEMENT, TYPE=T3D2, ELSET=T\n9, 2, 3\n"),

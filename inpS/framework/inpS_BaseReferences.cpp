@@ -1,0 +1,69 @@
+#include "inpS/framework/inpS_BaseReferences.h"
+#include "database/eds_ModelReader.h"
+#include "parser/inp_Utils.h"
+#include <algorithm>
+
+namespace {
+
+using Use = inpS_BaseReferences::Use;
+
+cow_String inCapitals(std::string_view text) {
+  cow_String capitals(text);
+  for (char& c : capitals)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  return capitals;
+}
+
+bool isOfName(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+}
+
+// As a word of its own.
+bool names(const cow_String& text, const cow_String& name) {
+  for (std::size_t at = text.find(name); at != cow_String::npos; at = text.find(name, at + 1)) {
+    const std::size_t end = at + name.size();
+    if ((at == 0 || !isOfName(text[at - 1])) && (end >= text.size() || !isOfName(text[end])))
+      return true;
+  }
+  return false;
+}
+
+// What goes with a record when it goes, or keeps what it had of it.
+bool isOwn(eds_RecordKind kind) {
+  return kind == eds_RecordKind::KeptPart || kind == eds_RecordKind::VerbatimKeyword ||
+         kind == eds_RecordKind::SurfacePiece || kind == eds_RecordKind::Link;
+}
+
+} // namespace
+
+inpS_BaseReferences::inpS_BaseReferences(const KvoObjDocument& document) {
+  const eds_ModelReader model(document);
+  for (const eds_RecordInfo* info : model.Kinds()) {
+    if (isOwn(info->kind)) continue;
+    cow_List<int> references;
+    for (std::size_t n = 0; n < info->fields.size(); ++n)
+      if (info->fields[n].type == eds_FieldType::Ref ||
+          info->fields[n].type == eds_FieldType::AnyRef)
+        references.push_back(static_cast<int>(n));
+    if (references.empty()) continue;
+    const bool acts = info->kind == eds_RecordKind::Target || info->kind == eds_RecordKind::Relay;
+    for (const int64_t id : model.RecordIDs(info->kind))
+      for (const int field : references) {
+        const eds_FieldValue value = model.Value(info->kind, id, field);
+        const auto* object = std::get_if<eds_ObjectID>(&value);
+        if (!object || object->IsNull()) continue;
+        Use& use = m_uses[object->Packed()];
+        use = std::max(use, acts ? Use::Acted : Use::Described);
+      }
+  }
+  for (const KvoSimPosition& text : document.Context().GetRecords(eds_RecordKind::VerbatimKeyword))
+    m_texts.push_back(inCapitals(text.DataRecord().GetString(eds_VerbatimKeyword_Text)));
+}
+
+Use inpS_BaseReferences::Of(const KvoSimPosition& record, const cow_String& name) const {
+  const auto known = m_uses.find(record.Object().Packed());
+  if (known != m_uses.end()) return known->second;
+  const cow_String word = inCapitals(name);
+  const auto isIn = [&](const cow_String& text) { return names(text, word); };
+  return !word.empty() && std::ranges::any_of(m_texts, isIn) ? Use::Described : Use::None;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "database/KvoObjDocument.h"
+#include "database/KvoSimPosition.h"
+#include <unordered_map>
+
+// What of the model that is restarted stands on one of its amplitudes and sets: what a restart says
+// anew of these would change steps that are there. Looked for once, while nothing of the restart is
+// stored that refers to any of them.
+class inpS_BaseReferences {
+public:
+  enum class Use {
+    None,
+    Described, // a section, a constraint, a text that names it: what is there has it
+    Acted      // a condition, a load, a transform names it: a line about all of its members
+  };
+
+  explicit inpS_BaseReferences(const KvoObjDocument& document);
+  Use Of(const KvoSimPosition& record, const cow_String& name) const;
+
+private:
+  std::unordered_map<unsigned long long, Use> m_uses;
+  cow_List<cow_String> m_texts; // in capitals
+};
