@@ -173,24 +173,27 @@ private:
 
   // The nodes on which anything acts, for arrows and signs, and the faces with a pressure.
   void WriteConditions(const inps_FlatMesh& mesh, inps_ExportFiles& files, BlockGroup& group) {
-    if (!m_conditions->Nodes().IsEmpty())
-      AddBlock(files, group, "nodes", "Nodes", [&](const Path& file) {
-        auto nodes = inps_NodeSelection::None(mesh.NodeCount());
-        m_conditions->Nodes().MarkNodes(nodes);
-        nodes.Number();
-        inps_VtuGrid grid = inps_nodeGrid(mesh, nodes);
-        m_conditions->Nodes().AddTo(grid, nodes);
-        inps_writeVtu(file, grid, m_compression);
-      });
-    for (auto& one : m_conditions->Pressures())
-      AddBlock(files, group, "surface", "Pressure " + one.first, [&](const Path& file) {
-        inps_ExportCells cells(mesh);
-        one.second.Plan(cells);
-        WriteCells(mesh, cells, file, &one.second);
-        if (cells.WithoutFace() > 0)
-          Warn("pressure " + one.first + ": " + inps_counted(cells.WithoutFace(), "face") +
-               " left out, for the shapes of the elements have no such face");
-      });
+    for (const auto& part : m_conditions->Parts()) {
+      const cow_String head = part->loadCase.empty() ? "" : "Load case " + part->loadCase + ' ';
+      if (!part->nodes.IsEmpty())
+        AddBlock(files, group, "nodes", head + "Nodes", [&](const Path& file) {
+          auto nodes = inps_NodeSelection::None(mesh.NodeCount());
+          part->nodes.MarkNodes(nodes);
+          nodes.Number();
+          inps_VtuGrid grid = inps_nodeGrid(mesh, nodes);
+          part->nodes.AddTo(grid, nodes);
+          inps_writeVtu(file, grid, m_compression);
+        });
+      for (auto& one : part->pressures)
+        AddBlock(files, group, "surface", head + "Pressure " + one.first, [&](const Path& file) {
+          inps_ExportCells cells(mesh);
+          one.second.Plan(cells);
+          WriteCells(mesh, cells, file, &one.second);
+          if (cells.WithoutFace() > 0)
+            Warn("pressure " + one.first + ": " + inps_counted(cells.WithoutFace(), "face") +
+                 " left out, for the shapes of the elements have no such face");
+        });
+    }
   }
 
   template <class Write>

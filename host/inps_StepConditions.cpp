@@ -4,9 +4,14 @@
 #include "database/schema/eds_Schema.h"
 #include "host/inps_ExportGrid.h"
 #include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
 #include <optional>
 
 namespace {
+
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 // By their numbers.
 cow_List<cow_String> keywordNames() {
@@ -25,6 +30,16 @@ bool hasFlag(const inpS_ExcitationKind& kind, const KvoSimPosition& record, std:
          record.DataRecord().GetBool(item->alternatives.front().field);
 }
 
+// Through the thickness, or at points of a section: gradients among them.
+bool hasMoreValues(const inpS_ExcitationKind& kind, const KvoSimDataRecord& record) {
+  if (kind.value < 0) return false;
+  const auto& items = kind.info->columnItems;
+  return std::any_of(items.begin() + kind.value + 1, items.end(), [&](const eds_FormItem& item) {
+    return !record.IsMemberNull(item.alternatives.front().field) ||
+           (item.arrayField >= 0 && !record.GetReference(item.arrayField).IsNull());
+  });
+}
+
 // P1 to P6 push against a face. P pushes a shell, a membrane or a line along its normal: against
 // its negative side.
 std::optional<eds_SurfaceFace> faceOf(std::string_view label) {
@@ -37,12 +52,13 @@ std::optional<eds_SurfaceFace> faceOf(std::string_view label) {
 
 inps_StepConditions::inps_StepConditions(const inps_FlatMesh& mesh, const KvoObjDocument& document,
                                          int step)
-    : m_keywords(keywordNames()), m_nodes(mesh, document) {
+    : m_mesh(mesh), m_document(document), m_keywords(keywordNames()), m_kept(document) {
+  PartOf({});
   inpS_ActingConditions(document, step).ForAll([this](const Acting& acting) {
     if (!(acting.record == m_given.record)) Read(acting);
     Add(acting);
   });
-  m_nodes.Finish();
+  for (const auto& part : m_parts) part->nodes.Finish();
   // Of other programs: what they act on is not read from the given keywords.
   for (const KvoSimPosition& position : document.Context().GetRecords(eds_RecordKind::Relay)) {
     const KvoSimDataRecord relay = position.DataRecord();
@@ -56,28 +72,51 @@ inps_StepConditions::inps_StepConditions(const inps_FlatMesh& mesh, const KvoObj
   }
 }
 
+bool inps_StepConditions::IsEmpty() const {
+  return m_leftOut.empty() && std::ranges::all_of(m_parts, [](const auto& part) {
+           return part->nodes.IsEmpty() && part->pressures.empty();
+         });
+}
+
+// In the order in which something is found in them.
+inps_StepConditions::Part* inps_StepConditions::PartOf(const KvoSimPosition& loadCase) {
+  const auto [known, isNew] =
+      m_ofLoadCases.try_emplace(loadCase.IsNull() ? 0 : loadCase.Object().Packed());
+  if (!isNew) return known->second;
+  const cow_String given = loadCase.IsNull() ? cow_String() : loadCase.Name();
+  const cow_String name =
+      loadCase.IsNull() || !given.empty() ? given : std::to_string(m_parts.size());
+  m_parts.push_back(std::make_unique<Part>(Part{name, inps_NodalConditions(m_mesh, m_document)}));
+  return known->second = m_parts.back().get();
+}
+
 void inps_StepConditions::Read(const Acting& acting) {
   const inpS_ExcitationKind& kind = acting.kind;
   const KvoSimDataRecord record = acting.record.DataRecord();
+  m_part = PartOf(acting.loadCase);
   m_given = {
       acting.record, m_keywords.at(static_cast<std::size_t>(kind.number)), {}, 1, false, false, {}};
   if (kind.type >= 0) m_given.type = record.GetString(kind.type);
   if (kind.variable >= 0) m_given.variable = std::max<int64_t>(1, record.GetInt64(kind.variable));
-  m_given.isHeld = hasFlag(kind, acting.record, "fixed") || hasFlag(kind, acting.record, "user");
+  m_given.isFixed = hasFlag(kind, acting.record, "fixed");
   m_given.isZero = acting.isHeld && m_given.keyword == "BOUNDARY";
   if (m_given.isZero) return; // as a perturbation, whoever gave it
-  if (!acting.loadCase.IsNull()) m_given.unknown = " in load cases";
   static constexpr std::pair<std::string_view, const char*> flags[] = {
       {"imaginary", ", IMAGINARY"}, {"user", ", USER"}, {"submodel", ", SUBMODEL"}};
   for (const auto& [flag, text] : flags)
     if (m_given.unknown.empty() && hasFlag(kind, acting.record, flag)) m_given.unknown = text;
+  if (m_given.unknown.empty() && kind.file >= 0 && !record.GetString(kind.file).empty())
+    m_given.unknown = ", FILE";
+  const bool isState = m_given.keyword == "TEMPERATURE" || m_given.keyword == "FIELD";
+  if (isState && m_given.unknown.empty() && hasMoreValues(kind, record))
+    ++m_leftOut["a value behind the first one of *" + m_given.keyword];
 }
 
 void inps_StepConditions::Add(const Acting& acting) {
   const bool isLoad = !acting.label.empty();
   if (!m_given.unknown.empty()) {
     ++m_leftOut["*" + m_given.keyword + m_given.unknown];
-    // A user's own values are not known, but which degrees have them.
+    // Values of a routine are not known, but which degrees have them.
     if (m_given.unknown == ", USER" && m_given.keyword == "BOUNDARY") AddToNodes(acting);
   } else if (!(isLoad ? AddPressure(acting) : AddToNodes(acting))) {
     ++m_leftOut["*" + m_given.keyword + (isLoad ? ", " + acting.label : cow_String())];
@@ -89,11 +128,35 @@ bool inps_StepConditions::AddToNodes(const Acting& acting) {
   const eds_MemberSet one =
       acting.target >= 0 ? eds_MemberSet::Strided(acting.target, 1) : eds_MemberSet();
   const eds_MemberSet& nodes = acting.target >= 0 ? one : *acting.members;
-  if (acting.restraint < 0 && !m_given.isHeld)
-    return m_nodes.Add({m_given.keyword, m_given.type, m_given.variable}, acting.degrees, nodes,
-                       m_given.isZero ? 0.0 : acting.magnitude);
-  m_nodes.Hold(acting.degrees, nodes);
+  const inps_NodalConditions::Kind kind{m_given.keyword, m_given.type, m_given.variable};
+  if (!m_given.isZero && m_given.isFixed) {
+    AddKept(acting, nodes);
+    return true;
+  }
+  if (!m_given.unknown.empty()) { // which is told
+    if (!m_part->nodes.Add(kind, acting.degrees, nodes, kNone))
+      m_part->nodes.Hold(acting.degrees, nodes);
+    return true;
+  }
+  if (acting.restraint < 0)
+    return m_part->nodes.Add(kind, acting.degrees, nodes, m_given.isZero ? 0.0 : acting.magnitude);
+  m_part->nodes.Hold(acting.degrees, nodes);
   return true;
+}
+
+// Displacements and so on, whatever its TYPE: they stay.
+void inps_StepConditions::AddKept(const Acting& acting, const eds_MemberSet& nodes) {
+  bool isKnown = true;
+  for (int64_t n = 0; n < nodes.Size(); ++n)
+    for (uint64_t left = acting.degrees; left != 0; left &= left - 1) {
+      const int degree = std::countr_zero(left) + 1;
+      const eds_MemberSet node = eds_MemberSet::Strided(nodes[n], 1);
+      const double value = m_kept.At(acting.fromStep, nodes[n], degree);
+      isKnown &= !std::isnan(value);
+      if (!m_part->nodes.Add({m_given.keyword, {}, 1}, inpS_Degrees::Bit(degree), node, value))
+        m_part->nodes.Hold(inpS_Degrees::Bit(degree), node);
+    }
+  if (!isKnown) ++m_leftOut["what *BOUNDARY, FIXED keeps of steps in which it is not prescribed"];
 }
 
 bool inps_StepConditions::AddPressure(const Acting& acting) {
@@ -105,7 +168,7 @@ bool inps_StepConditions::AddPressure(const Acting& acting) {
     const int64_t shift =
         isOfPart ? acting.instance.DataRecord().GetInt64(eds_Instance_FirstElement) : 0;
     const cow_String scope = acting.instance.IsNull() ? cow_String() : acting.instance.Name() + ".";
-    inps_FacePressures& pressures = m_pressures[scope + surface.Name()];
+    inps_FacePressures& pressures = m_part->pressures[scope + surface.Name()];
     for (const KvoSurfaceFaces& faces : surface.Faces())
       pressures.Add(faces.face, inps_shifted(faces.elements, shift), acting.magnitude);
     return true;
@@ -113,7 +176,7 @@ bool inps_StepConditions::AddPressure(const Acting& acting) {
   const auto face = m_given.keyword == "DLOAD" ? faceOf(acting.label) : std::nullopt;
   if (!face || (acting.target < 0 && !acting.members)) return false;
   // A name that no surface has.
-  inps_FacePressures& pressures = m_pressures["(element faces)"];
+  inps_FacePressures& pressures = m_part->pressures["(element faces)"];
   if (acting.target >= 0)
     pressures.Add(*face, acting.target, acting.magnitude);
   else

@@ -31,9 +31,9 @@ void inpS_ActingConditions::ForAll(const std::function<void(const Acting&)>& tak
       const bool isNamed = row.target < 0 && row.target != inpS_ConditionRow::kAll;
       const auto tell = [&](const inpS_InForce::Piece& part) {
         if (part.firstStep > m_step || part.lastStep < m_step) return;
-        take({*source.kind, source.record, source.loadCase, source.firstStep == m_step,
-              m_isPerturbation && source.firstStep != m_step, part.degrees, row.restraint,
-              row.value, rows.Label(row.label),
+        take({*source.kind, source.record, source.loadCase, source.firstStep,
+              source.firstStep == m_step, m_isPerturbation && source.firstStep != m_step,
+              part.degrees, row.restraint, row.value, rows.Label(row.label),
               isNamed ? targets.At(row.target).set : KvoSimPosition(),
               isNamed ? targets.At(row.target).instance : KvoSimPosition(),
               row.target >= 0 ? row.target : -1, part.members ? part.members : region.members});

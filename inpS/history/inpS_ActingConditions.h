@@ -12,6 +12,7 @@ public:
     const inpS_ExcitationKind& kind;
     KvoSimPosition record;        // what the deck says
     KvoSimPosition loadCase;      // null: none
+    int fromStep;                 // in which it began; 0: before all steps
     bool isOfStep;                // given in it; else carried into it, or held
     bool isHeld;                  // of the state before a perturbation
     uint64_t degrees;             // inpS_Degrees::Bit; 1 where the kind has none

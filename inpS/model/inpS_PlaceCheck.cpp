@@ -74,7 +74,13 @@ void inpS_PlaceCheck::TellTo(inp_Visitor& messages) const {
                                                    : cow_String(", and stands ") +
                                                          levelOf(found.first.Scope().kind).inside);
     if (found.count > 1) text += " " + std::to_string(found.count) + " times";
-    text += found.isConverted ? "; it is converted all the same." : "; it is kept as text.";
+    // Nobody looks for what is in force among what parts and instances hold.
+    const bool isIdle = found.isConverted && found.first.Kind() == inp_KwBoundary;
+    text += isIdle
+                ? "; it is kept there, and nothing comes of it: it is in force in no step. At the "
+                  "level of the model, with the names of instances, it acts."
+            : found.isConverted ? "; it is converted all the same."
+                                : "; it is kept as text.";
     messages.AddWarning(inp_Utils::MessageInKeyword(found.first, std::move(text)));
   }
 }

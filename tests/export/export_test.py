@@ -493,6 +493,41 @@ class Exports(unittest.TestCase):
         self.assertEqual(acting("Temperature"), {(-1, 3): (300,), (-1, 4): (300,)})
         self.assertNotIn("acts in step", self.said)
 
+    def test_values_that_are_kept_and_values_elsewhere(self):
+        nodes = "*NODE, NSET=ALL\n" + "".join(f"{n}, {n}., 0., 0.\n" for n in range(1, 7))
+        deck = (nodes + "*AMPLITUDE, NAME=A\n0., 0., 1., 0.5\n"
+                "*STEP\n*STATIC\n*BOUNDARY\n1, 1, 1, 0.5\n2, 11, 11, 40.\n*BOUNDARY, FIXED\n3, 1\n"
+                "*BOUNDARY, AMPLITUDE=A\n4, 1, 1, 8.\n*BOUNDARY, USER\n6, 2\n"
+                "*TEMPERATURE\n1, 50., 60.\n*END STEP\n"
+                "*STEP, PERTURBATION\n*STATIC\n*BOUNDARY\n1, 1, 1, 9.\n*END STEP\n"
+                "*STEP\n*STATIC\n*BOUNDARY, FIXED\n1, 1\n4, 1, 2\n*TEMPERATURE, FILE=older\n*END STEP\n"
+                "*STEP\n*STATIC\n*BOUNDARY, FIXED\n1, 1\n*END STEP\n"
+                "*STEP\n*STATIC\n*BOUNDARY, OP=NEW\n*LOAD CASE, NAME=ONE\n*CLOAD\n1, 1, 2.\n*END LOAD CASE\n"
+                "*LOAD CASE\n*CLOAD\n1, 1, 3.\n*BOUNDARY\n5, 1\n*END LOAD CASE\n*END STEP\n")
+        kept = "what *BOUNDARY, FIXED keeps of steps in which it is not prescribed acts in step"
+        none = None
+        for step, along, temperatures, says in (
+                (1, (0.5, 0, 0, 8, 0, 0), (50, 40, none, none, none, none), ("a value behind the first one of *TEMPERATURE",)),
+                (3, (0.5, 0, 0, none, 0, 0), (none, 40, none, none, none, none), (kept, "*TEMPERATURE, FILE acts")),
+                (4, (0.5, 0, 0, none, 0, 0), (none, 40, none, none, none, none), (kept,))):
+            data = self.export(deck, "--step", str(step), "--force").GetPointData()
+            vectors = [data.GetArray("Displacement").GetTuple(i) for i in range(6)]
+            number = lambda x: none if math.isnan(x) else x
+            self.assertEqual(tuple(number(v[0]) for v in vectors), along, step)
+            self.assertTrue(math.isnan(vectors[5][1]), step)  # of a routine
+            self.assertEqual(tuple(map(number, values(data, "Temperature"))), temperatures, step)
+            self.assertEqual((kept in self.said), kept in says, step)
+            for text in says:
+                self.assertIn(text, self.said)
+
+        # Each load case by itself.
+        self.export(deck, "--step", "5", "--force")
+        found = {name.removeprefix("Step 5 Step-5/"): block for name, block in self.blocks().items()}
+        self.assertEqual(sorted(found), ["Load case 2 Nodes", "Load case ONE Nodes", "Mesh"])
+        for name, force in (("ONE", [2, 0, 0]), ("2", [3, 0, 0, 0, 0, 0])):
+            self.assertEqual(values(found[f"Load case {name} Nodes"].GetPointData(), "Force"), force)
+        self.assertNotIn("load case", self.said)
+
     def test_more_sets_than_arrays(self):
         deck = "*NODE\n1, 0., 0.\n" + "".join(f"*NSET, NSET=N{i}\n1\n" for i in range(70))
         grid = self.export(deck, "--sets")
