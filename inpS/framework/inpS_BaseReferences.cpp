@@ -31,7 +31,7 @@ bool names(const cow_String& text, const cow_String& name) {
 // What goes with a record when it goes, or keeps what it had of it.
 bool isOwn(eds_RecordKind kind) {
   return kind == eds_RecordKind::KeptPart || kind == eds_RecordKind::VerbatimKeyword ||
-         kind == eds_RecordKind::SurfacePiece || kind == eds_RecordKind::Link;
+         kind == eds_RecordKind::SurfacePiece || kind == eds_RecordKind::PropertyTable;
 }
 
 } // namespace
