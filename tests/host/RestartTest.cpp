@@ -330,6 +330,7 @@ TEST_F(Restart, DoesNotChangeThePast) {
                                      "*BEAM GENERAL SECTION, ELSET=B, SECTION=GENERAL\n1.\n"
                                      "*AMPLITUDE, NAME=A\n0., 0., 1., 1.\n"
                                      "*AMPLITUDE, NAME=W\n0., 0., 1., 1.\n"
+                                     "*AMPLITUDE, NAME=FREE\n0., 0., 1., 1.\n"
                                      "*FILTER, NAME=F, AMPLITUDE=W\n") +
                           step;
   struct Case {
@@ -348,6 +349,7 @@ TEST_F(Restart, DoesNotChangeThePast) {
       {"*NSET, NSET=N\n9\n", ":1:1: error: Set \"N\" would grow"},
       {"*NODE, NSET=N\n10, 0., 0., 7.\n", ":1:1: error: Set \"N\" would grow"},
       {"*ELSET, ELSET=B\n1\n", ":1:1: error: Set \"B\" would grow"},
+      {"*AMPLITUDE, NAME=FREE\n0., 7.\n", ""},
       {"*NSET, NSET=N\n1, 3\n", ""},
       {"*NSET, NSET=FREE\n9\n", ""},
       {"*ELEMENT, TYPE=B31, ELSET=B\n7, 1, 3\n", ""}};
