@@ -1,6 +1,5 @@
 #include "inpS/framework/inpS_BaseReferences.h"
 #include "database/eds_ModelReader.h"
-#include "parser/inp_Utils.h"
 #include <algorithm>
 
 namespace {
@@ -14,18 +13,16 @@ cow_String inCapitals(std::string_view text) {
   return capitals;
 }
 
-bool isOfName(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+bool isLetter(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
 }
 
-// As a word of its own.
-bool names(const cow_String& text, const cow_String& name) {
-  for (std::size_t at = text.find(name); at != cow_String::npos; at = text.find(name, at + 1)) {
-    const std::size_t end = at + name.size();
-    if ((at == 0 || !isOfName(text[at - 1])) && (end >= text.size() || !isOfName(text[end])))
-      return true;
-  }
-  return false;
+bool isOfName(char c) {
+  return isLetter(c) || (c >= '0' && c <= '9') || c == '-';
+}
+
+bool isWord(std::string_view name) {
+  return !name.empty() && isLetter(name.front()) && std::ranges::all_of(name, isOfName);
 }
 
 // What goes with a record when it goes, or keeps what it had of it.
@@ -56,14 +53,31 @@ inpS_BaseReferences::inpS_BaseReferences(const KvoObjDocument& document) {
         use = std::max(use, acts ? Use::Acted : Use::Described);
       }
   }
-  for (const KvoSimPosition& text : document.Context().GetRecords(eds_RecordKind::VerbatimKeyword))
-    m_texts.push_back(inCapitals(text.DataRecord().GetString(eds_VerbatimKeyword_Text)));
+  for (const KvoSimPosition& text :
+       document.Context().GetRecords(eds_RecordKind::VerbatimKeyword)) {
+    m_texts.push_back(text);
+    AddWords(text.DataRecord().GetString(eds_VerbatimKeyword_Text));
+  }
+}
+
+// No numbers: a text may be one of millions of elements.
+void inpS_BaseReferences::AddWords(std::string_view text) {
+  for (std::size_t begin = 0, end = 0; begin < text.size(); begin = end + 1) {
+    for (end = begin; end < text.size() && isOfName(text[end]);) ++end;
+    const std::string_view word = text.substr(begin, end - begin);
+    if (isWord(word)) m_words.insert(inCapitals(word));
+  }
 }
 
 Use inpS_BaseReferences::Of(const KvoSimPosition& record, const cow_String& name) const {
   const auto known = m_uses.find(record.Object().Packed());
   if (known != m_uses.end()) return known->second;
-  const cow_String word = inCapitals(name);
-  const auto isIn = [&](const cow_String& text) { return names(text, word); };
-  return !word.empty() && std::ranges::any_of(m_texts, isIn) ? Use::Described : Use::None;
+  const cow_String wanted = inCapitals(name);
+  const auto isIn = [&](const KvoSimPosition& text) {
+    return inCapitals(text.DataRecord().GetString(eds_VerbatimKeyword_Text)).find(wanted) !=
+           cow_String::npos;
+  };
+  // A name of figures, or with blanks or signs in it, is no such word.
+  const bool isNamed = isWord(name) ? m_words.contains(wanted) : std::ranges::any_of(m_texts, isIn);
+  return isNamed ? Use::Described : Use::None;
 }

@@ -3,6 +3,7 @@
 #include "database/KvoObjDocument.h"
 #include "database/KvoSimPosition.h"
 #include <unordered_map>
+#include <unordered_set>
 
 // What of the model that is restarted stands on one of its amplitudes and sets: what a restart says
 // anew of these would change steps that are there. Looked for once, while nothing of the restart is
@@ -20,5 +21,8 @@ public:
 
 private:
   std::unordered_map<unsigned long long, Use> m_uses;
-  cow_List<cow_String> m_texts; // in capitals
+  void AddWords(std::string_view text);
+
+  cow_List<KvoSimPosition> m_texts;
+  std::unordered_set<cow_String> m_words; // of the texts, in capitals
 };
