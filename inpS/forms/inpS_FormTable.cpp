@@ -131,10 +131,14 @@ void inpS_Form::LeaveOddChoices(const inp_Keyword& deckKeyword, inp_Visitor& mes
     if (selector.IsFlag()) inpS_readFlag(deckKeyword, selector.key, messages, inpS_OddFlag::Kept);
 }
 
+// A choice of another form that is declined is said by this form.
 void inpS_Form::LeaveForeign(const inp_Keyword& deckKeyword) const {
-  for (const inp_Parameter& parameter : deckKeyword.Parameters())
-    if (parameter.name != "input" && !Binds(parameter.name) && !IsChosenBy(parameter.name))
-      parameter.referred = false;
+  for (const inp_Parameter& parameter : deckKeyword.Parameters()) {
+    if (parameter.name == "input" || Binds(parameter.name) || IsChosenBy(parameter.name)) continue;
+    const bool isDeclined = inpS_flagValue(parameter.value) == std::optional(false) &&
+                            inpS_FormTable::Instance().IsChoice(keyword, parameter.name);
+    if (!isDeclined) parameter.referred = false;
+  }
 }
 
 bool inpS_Form::Matches(const inp_Keyword& deckKeyword, const inp_Keyword* owner) const {
