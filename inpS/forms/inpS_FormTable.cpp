@@ -131,11 +131,14 @@ void inpS_Form::LeaveOddChoices(const inp_Keyword& deckKeyword, inp_Visitor& mes
     if (selector.IsFlag()) inpS_readFlag(deckKeyword, selector.key, messages, inpS_OddFlag::Kept);
 }
 
+// A choice of another form that is declined is said by this form.
 void inpS_Form::LeaveForeign(const inp_Keyword& deckKeyword) const {
-  for (const inp_Parameter& parameter : deckKeyword.Parameters())
-    if (parameter.name != "input" && !Binds(parameter.name) &&
-        std::ranges::find(selectors, parameter.name, &Selector::key) == selectors.end())
-      parameter.referred = false;
+  for (const inp_Parameter& parameter : deckKeyword.Parameters()) {
+    if (parameter.name == "input" || Binds(parameter.name) || IsChosenBy(parameter.name)) continue;
+    const bool isDeclined = inpS_flagValue(parameter.value) == std::optional(false) &&
+                            inpS_FormTable::Instance().IsChoice(keyword, parameter.name);
+    if (!isDeclined) parameter.referred = false;
+  }
 }
 
 bool inpS_Form::Matches(const inp_Keyword& deckKeyword, const inp_Keyword* owner) const {
@@ -145,6 +148,10 @@ bool inpS_Form::Matches(const inp_Keyword& deckKeyword, const inp_Keyword* owner
   if (parent != inp_NullKeyword && deckKeyword.ParentKind() != parent) return false;
   if (!parentSelectors.empty() && !(owner && met(parentSelectors, *owner))) return false;
   return met(selectors, deckKeyword);
+}
+
+bool inpS_Form::IsChosenBy(const cow_String& parameter) const {
+  return std::ranges::find(selectors, parameter, &Selector::key) != selectors.end();
 }
 
 bool inpS_Form::Binds(const cow_String& parameter) const {
@@ -230,6 +237,11 @@ const inpS_Form* inpS_FormTable::SelectForLack(const inp_Keyword& keyword) const
 
 inp_KeywordEnm inpS_FormTable::DefinerOf(const eds_Referable& referable) const {
   return definerOf(referable);
+}
+
+bool inpS_FormTable::IsChoice(inp_KeywordEnm keyword, const cow_String& parameter) const {
+  return std::ranges::any_of(
+      KindsOf(keyword), [&](eds_RecordKind kind) { return Find(kind)->IsChosenBy(parameter); });
 }
 
 const eds_Referable* inpS_FormTable::Named(inp_KeywordEnm keyword) const {

@@ -49,6 +49,7 @@ struct inpS_Form {
   // What no field holds and no choice asks for counts as unread, whoever has looked at it to tell
   // of it: it is to be kept.
   void LeaveForeign(const inp_Keyword& keyword) const;
+  bool IsChosenBy(const cow_String& parameter) const; // a selector has it
   // How often a group of columns is repeated, from the keyword or from the record.
   static inpS_TableColumns::Count CountIn(const inp_Keyword& keyword);
   inpS_TableColumns::Count CountIn(const KvoSimDataRecord& record) const;
@@ -70,6 +71,8 @@ public:
   // What the keyword's NAME makes known to others; null: nothing.
   const eds_Referable* Named(inp_KeywordEnm keyword) const;
   inp_KeywordEnm DefinerOf(const eds_Referable& referable) const; // null: no keyword's NAME
+  // Whether some form of the keyword is chosen by the parameter.
+  bool IsChoice(inp_KeywordEnm keyword, const cow_String& parameter) const;
   // The parameter by whose value no form of the keyword can be selected; empty when it is none.
   cow_String UnknownChoice(const inp_Keyword& keyword) const;
 

@@ -181,8 +181,9 @@ cow_List<inpS_TableColumns::Column> inpS_FormVisitor::ColumnsOf(const inp_Keywor
 KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSimPosition& owner,
                                          eds_Member member, const inp_Keyword* parent) {
   Loss loss = owner.IsNull() ? Loss::Keyword : LossOfWords(keyword, parent);
-  const bool isToldLost = !owner.IsNull() && loss == Loss::Keyword;
+  bool isTold = !owner.IsNull() && loss == Loss::Keyword;
   const inpS_Form* form = loss == Loss::Keyword ? nullptr : Choose(keyword, parent);
+  isTold = std::exchange(m_isToldOfNone, false) || isTold;
   inpS_FormRows rows;
   const bool may = form && MayBe(keyword, *form, owner, member, loss) && MayConvert(keyword, *form);
   const bool hasRows =
@@ -190,8 +191,8 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
   if (!hasRows) {
     // Of rows that are not there nobody has told yet.
     cow_String reason = may ? inpS_reasonWithoutRows(keyword, *form->info) : "";
-    if (!form && !isToldLost && !owner.IsNull()) reason = ReasonOfNone(keyword);
-    KeepAsText(keyword, owner, parent, reason.empty() && (form || isToldLost), reason);
+    if (!form && !isTold && !owner.IsNull()) reason = ReasonOfNone(keyword);
+    KeepAsText(keyword, owner, parent, reason.empty() && (form || isTold), reason);
     return {};
   }
   KvoSimTransaction transaction(Inventory().GetDocument().ContextID());
@@ -205,9 +206,7 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
     whole = whole && rows.Table().Unread().empty();
     rows.Store(record);
   }
-  const bool hasLines =
-      form->info->data == eds_FormData::Columns || form->info->data == eds_FormData::Records;
-  if (hasLines) form->LeaveForeign(keyword); // rows of a table have parameters of their own
+  if (!form->HasTable()) form->LeaveForeign(keyword); // rows have parameters of their own
   inpS_tellOtherParameters(keyword, *this);
   const inpS_KeptPart beside{0, inpS_takeOtherParameters(keyword),
                              whole ? cow_String() : inpS_dataLines(keyword, *this)};
@@ -327,11 +326,11 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOf(const inpS_Form& form,
                                                 const cow_String& parameter) const {
   const auto binding = std::ranges::find(form.parameters, parameter, &inpS_ParameterBinding::key);
   if (binding == form.parameters.end()) {
-    if (m_keywords.Row(form.keyword)->role != inp_KeywordRole::Procedure) return Loss::Keyword;
-    // Without the word that tells the kind of a procedure nobody knows what its lines mean.
-    const bool chooses = std::ranges::find(form.selectors, parameter, &inpS_Form::Selector::key) !=
-                         form.selectors.end();
-    return chooses ? Loss::Lines : Loss::Parameter;
+    // Without the word that tells its kind nobody knows what the lines of a procedure mean.
+    if (m_keywords.Row(form.keyword)->role == inp_KeywordRole::Procedure)
+      return form.IsChosenBy(parameter) ? Loss::Lines : Loss::Parameter;
+    return inpS_FormTable::Instance().IsChoice(form.keyword, parameter) ? Loss::Keyword
+                                                                        : Loss::Parameter;
   }
   const eds_FormItem& item =
       *form.items[static_cast<std::size_t>(binding - form.parameters.begin())];

@@ -67,6 +67,7 @@ protected:
   // Choose.
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner, eds_Member member,
                          const inp_Keyword* parent);
+  void SetToldOfNone() { m_isToldOfNone = true; } // in Choose: why there is no form
   bool IsNaming() const { return m_isNaming; } // of the two walks the first one
 
   // The record of the step that is open; null: none is, or it is kept as text.
@@ -112,6 +113,7 @@ private:
   KvoSimPosition m_step;
   long long m_stepPlace = 0; // of the keyword at hand within its step
   bool m_hasSteps = false;   // the walk has met one
+  bool m_isToldOfNone = false;
   bool m_isMeshLeftOut = false;
   cow_List<inp_Keyword> m_withoutMesh; // that name what the mesh would have
   bool m_isNaming = false;             // the walk is for what others refer to by its name

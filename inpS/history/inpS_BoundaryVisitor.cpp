@@ -52,6 +52,9 @@ bool inpS_BoundaryVisitor::HasDegree(const inp_Keyword& keyword) {
     TellRequired(keyword, "DOF");
     return false;
   }
+  if (!keyword.HasParameter("amplitude") && !keyword.HasParameter("loadcase"))
+    AddWarning(inp_Utils::MessageInKeyword(
+        keyword, "*BASE MOTION names no AMPLITUDE; nothing tells how the base moves."));
   if (degree->IsInteger() && degree->AsInt() >= 1 && degree->AsInt() <= rigidMotions) return true;
   AddError(inp_Utils::MessageAtParameter(keyword, "dof",
                                          "DOF=" + degree->Verbatim() +
@@ -82,7 +85,8 @@ bool inpS_BoundaryVisitor::ReadColumns(const inp_Keyword& keyword, const eds_For
 void inpS_BoundaryVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& form,
                                      const KvoSimPosition& record) {
   const inpS_ExcitationKind* kind = inpS_ExcitationKind::Of(form.kind);
-  if (m_places && kind && kind->twice == inpS_ExcitationKind::Twice::First)
-    m_places->Add(record, keyword, std::exchange(m_refused, {}));
+  const bool isTold = kind && (kind->twice == inpS_ExcitationKind::Twice::First ||
+                               kind->key == inpS_ExcitationKind::Key::Words);
+  if (m_places && isTold) m_places->Add(record, keyword, std::exchange(m_refused, {}));
   inpS_FormVisitor::Converted(keyword, form, record);
 }

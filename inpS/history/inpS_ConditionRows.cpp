@@ -24,8 +24,7 @@ int restraintOf(std::string_view word) {
 
 inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
                                        const inpS_ExcitationKind& kind)
-    : m_record(record.DataRecord()), m_kind(kind),
-      m_isWords(kind.key == inpS_ExcitationKind::Key::Words) {
+    : m_record(record.DataRecord()), m_kind(kind), m_isNamed(kind.named != nullptr) {
   if (kind.info->data != eds_FormData::Columns) {
     m_count = 1; // one that needs no rows
     if (kind.lineSurface >= 0)
@@ -59,7 +58,6 @@ inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
                ? cow_List<cow_String>()
                : inpS_ColumnWords::Stored(m_record, itemOf(kind, column).wordsField);
   };
-  m_targetWords = wordsOf(kind.target);
   m_labels = wordsOf(kind.label);
   m_firstWords = wordsOf(kind.first);
   if (kind.form != eds_FormKind::Boundary) return;
@@ -80,21 +78,9 @@ KvoSimPosition inpS_ConditionRows::Values() const {
                           : m_record.GetReference(itemOf(m_kind, m_kind.value).arrayField);
 }
 
-cow_String inpS_ConditionRows::WordOf(int column, int code) const {
-  if (code == inp_blankInt) return {};
-  if (code >= 0) return std::to_string(code);
-  const auto& words = column == m_kind.target ? m_targetWords : m_labels;
-  const auto place = static_cast<std::size_t>(-1 - code);
-  return place < words.size() ? words[place] : cow_String();
-}
-
 cow_String inpS_ConditionRows::Label(int place) const {
   if (place < 0) return {};
   const auto at = static_cast<std::size_t>(place);
-  if (at < m_pairCodes.size()) {
-    const cow_String label = WordOf(m_kind.label, m_pairCodes[at].second);
-    return WordOf(m_kind.target, m_pairCodes[at].first) + (label.empty() ? "" : " " + label);
-  }
   if (at < m_labels.size()) return m_labels[at];
   const std::size_t word = at - m_labels.size(); // in the place of a degree
   return word < m_firstWords.size() ? m_firstWords[word] : cow_String();
@@ -126,14 +112,18 @@ void inpS_ConditionRows::ReadRows(long long begin, long long end, Piece& piece) 
     if (column) column->Read(begin, values);
   };
   piece.firstRow = begin;
-  read(m_target, m_isWords ? piece.words : piece.targets);
-  if (m_isWords) piece.targets.assign(count, inp_blankInt);
+  read(m_target, m_isNamed ? piece.words : piece.targets);
   if (m_kind.lineSurface >= 0) // each names its own
     for (std::size_t n = 0; n < count; ++n)
       piece.targets[n] = static_cast<int>(-1 - begin - static_cast<long long>(n));
   read(m_first, piece.first);
   read(m_last, piece.last);
   read(m_label, piece.label);
+  if (m_isNamed) {
+    piece.targets.resize(count);
+    for (std::size_t n = 0; n < count; ++n)
+      piece.targets[n] = m_kind.named->Of(piece.words[n], piece.label[n]).target;
+  }
   FindLooks(count, piece);
 }
 
@@ -148,13 +138,13 @@ void inpS_ConditionRows::FindLooks(std::size_t count, Piece& piece) const {
     return look->second;
   };
   const auto varies = [](const Ints& column) { return column && !column->IsOne(); };
-  if (count > 0 && !m_isWords && !varies(m_first) && !varies(m_last) && !varies(m_label)) {
+  if (count > 0 && !m_isNamed && !varies(m_first) && !varies(m_last) && !varies(m_label)) {
     piece.looks.assign(count, find({0, piece.first[0], piece.last[0], piece.label[0]}));
     return;
   }
   piece.looks.resize(count);
   for (std::size_t n = 0; n < count; ++n) {
-    const int word = m_isWords ? piece.words[n] : 0;
+    const int word = m_isNamed ? piece.words[n] : 0;
     const uint64_t degrees = packed(piece.first[n], piece.last[n]);
     const uint64_t words = packed(piece.label[n], word);
     const uint64_t mixed = degrees + 7 * words + (degrees >> 30) + (words >> 29);
@@ -194,13 +184,9 @@ int inpS_ConditionRows::LookOf(const Codes& codes) {
 
 inpS_ConditionRow inpS_ConditionRows::MakeLook(const Codes& codes) {
   inpS_ConditionRow row;
-  if (m_isWords) {
-    const std::pair words{codes.target, codes.label};
-    const auto [known, isNew] = m_pairs.try_emplace(words, static_cast<int>(m_pairs.size()));
-    if (isNew) m_pairCodes.push_back(words);
-    row.label = known->second;
-  } else if (codes.label < 0 && codes.label != inp_blankInt)
-    row.label = -1 - codes.label;
+  if (codes.label < 0 && codes.label != inp_blankInt) row.label = -1 - codes.label;
+  if (m_isNamed && m_kind.named->Of(codes.target, codes.label).type != m_kind.namedType)
+    row.degrees = 0; // one of another type
   if (m_first) SetDegrees(row, codes);
   return row;
 }
@@ -239,9 +225,11 @@ void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, const Codes& codes) 
 inpS_ConditionTargets::inpS_ConditionTargets(const KvoSimPosition& record,
                                              const inpS_ExcitationKind& kind)
     : m_record(record), m_lineSurface(kind.lineSurface), m_lineInstance(kind.lineInstance),
-      m_isSurface(kind.NamesSurfaces()) {
-  if (kind.info->data != eds_FormData::Columns) return;
-  m_isNodes = itemOf(kind, kind.target).alternatives.front().type == eds_FormType::Node;
+      m_named(kind.named), m_namedType(kind.namedType), m_isSurface(kind.NamesSurfaces()) {
+  if (m_named)
+    m_isNodes = kind.IsOfNodes();
+  else if (kind.info->data == eds_FormData::Columns)
+    m_isNodes = itemOf(kind, kind.target).alternatives.front().type == eds_FormType::Node;
 }
 
 void inpS_ConditionTargets::Read() {
@@ -252,22 +240,33 @@ void inpS_ConditionTargets::Read() {
                            line.DataRecord().GetReference(m_lineInstance),
                            0,
                            {}});
-  for (const KvoSimPosition& named : m_record.GetVector(eds_Member::Targets)) {
-    Region& region = m_regions.emplace_back();
-    region.set = named.DataRecord().GetReference(eds_Target_Set);
-    region.instance = named.DataRecord().GetReference(eds_Target_Instance);
-    if (region.set.IsNull() || m_isSurface) continue;
-    const KvoSimDataRecord set = region.set.DataRecord();
-    const int owner = m_isNodes ? eds_NodeSet_Owner : eds_ElementSet_Owner;
-    const bool ofPart =
-        set.GetReference(owner).IsA(eds_RecordKind::Part) && !region.instance.IsNull();
-    if (ofPart)
-      region.offset = region.instance.DataRecord().GetInt64(m_isNodes ? eds_Instance_FirstNode
-                                                                      : eds_Instance_FirstElement);
-    region.membership =
-        set.GetSet(m_isNodes ? eds_NodeSet_Membership : eds_ElementSet_Membership).ID();
+  if (m_named) {
+    for (std::size_t n = 0; n < m_named->Size(); ++n) {
+      const auto& found = m_named->Region(m_namedType, n);
+      AddRegion(found.set, found.instance);
+    }
+    AddRegion({}, {}); // of what is nowhere
   }
+  for (const KvoSimPosition& target : m_record.GetVector(eds_Member::Targets))
+    AddRegion(target.DataRecord().GetReference(eds_Target_Set),
+              target.DataRecord().GetReference(eds_Target_Instance));
   m_members.resize(m_regions.size());
+}
+
+void inpS_ConditionTargets::AddRegion(const KvoSimPosition& named, const KvoSimPosition& instance) {
+  Region& region = m_regions.emplace_back();
+  region.set = named;
+  region.instance = instance;
+  if (region.set.IsNull() || m_isSurface) return;
+  const KvoSimDataRecord set = region.set.DataRecord();
+  const int owner = m_isNodes ? eds_NodeSet_Owner : eds_ElementSet_Owner;
+  const bool ofPart =
+      set.GetReference(owner).IsA(eds_RecordKind::Part) && !region.instance.IsNull();
+  if (ofPart)
+    region.offset = region.instance.DataRecord().GetInt64(m_isNodes ? eds_Instance_FirstNode
+                                                                    : eds_Instance_FirstElement);
+  region.membership =
+      set.GetSet(m_isNodes ? eds_NodeSet_Membership : eds_ElementSet_Membership).ID();
 }
 
 const inpS_ConditionTargets::Region& inpS_ConditionTargets::At(int target) {

@@ -38,7 +38,7 @@ public:
 
   // What a row says beside its target and value, as its columns have it.
   struct Codes {
-    int target = 0; // where it is a word of the label
+    int target = 0; // where it is a word
     int first = 0;
     int last = 0;
     int label = 0;
@@ -81,11 +81,10 @@ private:
   int RestraintOf(int code) const;
   inpS_ConditionRow MakeLook(const Codes& codes);
   void SetDegrees(inpS_ConditionRow& row, const Codes& codes) const;
-  cow_String WordOf(int column, int code) const;
 
   KvoSimDataRecord m_record;
   const inpS_ExcitationKind& m_kind;
-  bool m_isWords = false; // the target is part of the label
+  bool m_isNamed = false; // targets are words, and some rows those of another type
   long long m_count = 0;
   long long m_next = 0;
   long long m_loaded = 0; // the row behind m_own
@@ -94,12 +93,10 @@ private:
   using Ints = std::optional<inpS_StoredColumn<int>>; // none: blank
   Ints m_target, m_first, m_last, m_label;
   // Where the target is a word, a row's label is that word and the label behind it.
-  cow_Map<std::pair<int, int>, int> m_pairs;
-  cow_List<std::pair<int, int>> m_pairCodes;
   cow_List<inpS_ConditionRow> m_looks;
   cow_Map<Codes, int> m_lookOf;
   std::optional<inpS_StoredColumn<double>> m_value;
-  cow_List<cow_String> m_targetWords, m_labels, m_firstWords;
+  cow_List<cow_String> m_labels, m_firstWords;
   cow_List<int> m_restraints; // of the first words
 };
 
@@ -120,9 +117,12 @@ public:
 
 private:
   void Read(); // when first asked for: most rows of large records name labels
+  void AddRegion(const KvoSimPosition& named, const KvoSimPosition& instance);
 
   KvoSimPosition m_record;
   int m_lineSurface, m_lineInstance; // of lines that are records; -1: they are none
+  std::shared_ptr<const inpS_NamedTargets> m_named;
+  inpS_NamedTargets::Type m_namedType;
   bool m_isNodes = false;
   bool m_isSurface;
   bool m_isRead = false;

@@ -1,6 +1,5 @@
 #include "inpS/history/inpS_DuplicateReport.h"
 #include "database/schema/eds_Form.h"
-#include "database/schema/eds_FormKind.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -47,7 +46,7 @@ bool inpS_DuplicateReport::Report(const cow_List<inpS_DuplicateCondition>& dupli
     for (const int label : duplicate.labels)
       labels += (labels.empty() ? "" : ", ") + std::to_string(label);
     const long long line = LineOf(given->second, duplicate);
-    const bool isOfFaces = duplicate.record.IsA(eds_FormKind::FluidBoundaryElement);
+    const bool isOfFaces = duplicate.isOfElements;
     const cow_String face = isOfFaces && line >= 0 ? faceOf(keyword.Data(), line) : cow_String();
     const cow_String text = "Duplicate Boundary condition specified for " + face +
                             (isOfFaces ? "element " : "") + labels + ".";

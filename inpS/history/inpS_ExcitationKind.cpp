@@ -130,8 +130,12 @@ cow_String inpS_ExcitationKind::PartOf(const KvoSimDataRecord& record) const {
   if (degree >= 0 && baseName >= 0) part += "," + record.ReturnString(baseName);
   if (form == eds_FormKind::MotionRotation) part += "R"; // beside a translation
   // Surfaces, elements and nodes have numbers of their own.
-  if (form == eds_FormKind::FluidBoundarySurface) part += "S";
-  if (form == eds_FormKind::FluidBoundaryElement) part += "E";
+  using Type = inpS_NamedTargets::Type;
+  const auto isOf = [&](eds_RecordKind own, Type type) {
+    return form == own || (named && namedType == type);
+  };
+  if (isOf(eds_FormKind::FluidBoundarySurface, Type::Surface)) part += "S";
+  if (isOf(eds_FormKind::FluidBoundaryElement, Type::Element)) part += "E";
   if (form == eds_FormKind::FluidBoundaryPhysical) part += "P";
   return part + "\n";
 }
@@ -166,13 +170,26 @@ bool inpS_ExcitationKind::IsGivenElsewhere(const KvoSimDataRecord& record,
   return isAboutDegrees && file >= 0 && !record.GetString(file).empty();
 }
 
+inpS_ExcitationKind
+inpS_ExcitationKind::OfType(inpS_NamedTargets::Type type,
+                            std::shared_ptr<const inpS_NamedTargets> targets) const {
+  inpS_ExcitationKind kind = *this;
+  kind.key = Key::Label;
+  kind.twice = type == inpS_NamedTargets::Type::Surface ? Twice::Later : Twice::First;
+  kind.named = std::move(targets);
+  kind.namedType = type;
+  return kind;
+}
+
 bool inpS_ExcitationKind::NamesSurfaces() const {
+  if (named) return namedType == inpS_NamedTargets::Type::Surface;
   return lineSurface >= 0 ||
          (info->data == eds_FormData::Columns &&
           info->columnItems.front().alternatives.front().type == eds_FormType::Reference);
 }
 
 bool inpS_ExcitationKind::IsOfNodes() const {
+  if (named) return namedType == inpS_NamedTargets::Type::Node;
   if (form == eds_FormKind::TemperatureDriven || form == eds_FormKind::FieldDriven) return true;
   return info->data == eds_FormData::Columns &&
          info->columnItems.front().alternatives.front().type == eds_FormType::Node;

@@ -3,7 +3,9 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/KvoSimPosition.h"
 #include "database/schema/eds_Form.h"
+#include "inpS/history/inpS_NamedTargets.h"
 #include <cstdint>
+#include <memory>
 
 // How the rows of one form become excitations, as inpS_excitations.def has it.
 struct inpS_ExcitationKind {
@@ -46,6 +48,9 @@ struct inpS_ExcitationKind {
   int last = -1;
   int label = -1;
   int value = -1;
+  // Of a keyword that does not tell what it names: those of its rows that are about this type.
+  std::shared_ptr<const inpS_NamedTargets> named;
+  inpS_NamedTargets::Type namedType = inpS_NamedTargets::Type::Surface;
 
   // The number of the field variable: each is a kind of its own. 0: the form has none.
   long long VariableOf(const KvoSimDataRecord& record) const;
@@ -58,6 +63,9 @@ struct inpS_ExcitationKind {
   KvoSimPosition AmplitudeOf(const KvoSimDataRecord& record) const;
   // Values are those of a routine, or of another analysis, whatever the lines say.
   bool IsGivenElsewhere(const KvoSimDataRecord& record, std::string_view label) const;
+  // As of the rows that are about one type of targets.
+  inpS_ExcitationKind OfType(inpS_NamedTargets::Type type,
+                             std::shared_ptr<const inpS_NamedTargets> targets) const;
   bool NamesSurfaces() const;
   // Whether rows are about nodes; without a target, as what a file maps between sets, about all.
   bool IsOfNodes() const;

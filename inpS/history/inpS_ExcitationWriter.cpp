@@ -316,7 +316,7 @@ void inpS_ExcitationWriter::TellRow(KvoSimDataRecord relay, Current& current,
       !kind.IsGivenElsewhere(given, current.rows.Label(row.label)) &&
       given.GetInt64(kind.info->rowsField) > 0)
     relay.SetDouble(eds_Relay_Magnitude, row.value);
-  if (kind.key == Kind::Key::Words || row.target == inpS_ConditionRow::kAll) return;
+  if (row.target == inpS_ConditionRow::kAll) return;
   if (row.target < 0) {
     const inpS_ConditionTargets::Region& region = current.targets.At(row.target);
     if (!region.set.IsNull()) relay.SetReference(eds_Relay_Region, region.set);

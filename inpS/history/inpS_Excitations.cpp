@@ -2,7 +2,6 @@
 #include "database/KvoObjLabeler.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimTransaction.h"
-#include "database/schema/eds_Form.h"
 #include "inpS/history/inpS_ExcitationWriter.h"
 #include "inpS/history/inpS_GivenConditions.h"
 #include <optional>
@@ -39,9 +38,7 @@ Duplicates labelled(const KvoObjDocument& document, const inpS_InForce& inForce)
     inpS_DuplicateCondition& one = told.emplace_back();
     one.record = duplicate.record;
     one.row = duplicate.row;
-    const eds_FormInfo* form = eds_formOf(one.record.Object().RecordKind());
-    const bool isOfElements =
-        form->columnItems.front().alternatives.front().type == eds_FormType::Element;
+    const bool isOfElements = one.isOfElements = !duplicate.areNodes;
     std::optional<KvoObjLabeler>& labeler = labelers[isOfElements];
     if (!labeler) {
       labeler.emplace(document, isOfElements ? 1 : 0);

@@ -8,6 +8,7 @@ struct inpS_DuplicateCondition {
   KvoSimPosition record;
   long long row; // of the record, from 0
   cow_List<int> labels;
+  bool isOfElements = false;
 };
 
 // Makes an excitation of what each given keyword prescribes of one field, and relays that say which

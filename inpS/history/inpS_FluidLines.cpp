@@ -1,5 +1,6 @@
 #include "inpS/history/inpS_FluidLines.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/history/inpS_NamedTargets.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
 #include "parser/inp_Utils.h"
@@ -10,15 +11,6 @@ namespace {
 constexpr int targetColumn = 0;
 constexpr int labelColumn = 1;
 constexpr int magnitudeColumn = 2;
-
-// -1: the label does not end in a number.
-int faceOf(std::string_view label) {
-  if (label.ends_with("NU")) label.remove_suffix(2);
-  const std::size_t begin = label.find_last_not_of("0123456789") + 1;
-  return begin == label.size() || label.size() - begin > 2
-             ? -1
-             : std::stoi(cow_String(label.substr(begin)));
-}
 
 constexpr std::string_view labels[] = {"DIST", "HFLUX",   "P",      "PASSIVEOUTFLOW", "PRESSURE",
                                        "TEMP", "TURBEPS", "TURBKE", "TURBNU",         "TURBOMEGA",
@@ -48,8 +40,7 @@ const eds_Referable& referable(std::string_view word) {
 }
 
 bool isFace(std::string_view label) {
-  const int face = faceOf(label);
-  return face >= 1 && face <= 6;
+  return inpS_faceOfFlow(label) > 0;
 }
 
 } // namespace
@@ -73,7 +64,7 @@ bool inpS_FluidLines::IsThere(const cow_String& target) const {
 bool inpS_FluidLines::AreKnown(Words words) {
   const cow_List<cow_String>& all = words[labelColumn]->All();
   for (; m_knownLabels < all.size(); ++m_knownLabels)
-    m_areKnown = m_areKnown && isLabel(all[m_knownLabels], m_isOfFaces);
+    m_areKnown = m_areKnown && isLabel(all[m_knownLabels], m_isOfFaces || m_isOfAny);
   if (!m_isOfAny) return m_areKnown;
   const cow_List<cow_String>& targets = words[targetColumn]->All();
   for (; m_knownTargets < targets.size(); ++m_knownTargets)
@@ -103,7 +94,7 @@ std::optional<inpS_LineFault> inpS_FluidLines::FaultOf(const inpS_LineView& line
   const bool isComplete =
       !label.empty() && (!m_needsMagnitude || line.Has(magnitudeColumn) || label.ends_with("NU"));
   if (m_isOfNodes && !isComplete) return inpS_LineFault{-1, "Incomplete data line"};
-  if (!label.empty() && !isLabel(label, m_isOfFaces))
+  if (!label.empty() && !isLabel(label, m_isOfFaces || m_isOfAny))
     return inpS_LineFault{labelColumn,
                           "\"" + label + "\" is none of the labels of flows: " + listOfLabels() +
                               ". The line is kept as given.",

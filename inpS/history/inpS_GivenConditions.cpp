@@ -1,6 +1,7 @@
 #include "inpS/history/inpS_GivenConditions.h"
 #include "database/KvoObjModel.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/forms/inpS_ColumnWords.h"
 #include <algorithm>
 
 namespace {
@@ -27,6 +28,23 @@ bool isRemovedLater(const cow_List<Given>& all, std::size_t n) {
                                                  });
 }
 
+// Of a keyword that does not tell what it names, each type of targets by itself.
+void add(const Given& given, inpS_InForce& inForce) {
+  const KvoSimDataRecord record = given.record.DataRecord();
+  const long long variable = given.kind->VariableOf(record);
+  if (given.kind->key != Kind::Key::Words)
+    return inForce.Add(given.record, *given.kind, variable, given.loadCase);
+  const auto& items = given.kind->info->columnItems;
+  const auto wordsOf = [&](int column) {
+    return inpS_ColumnWords::Stored(record, items[static_cast<std::size_t>(column)].wordsField);
+  };
+  const auto targets = std::make_shared<const inpS_NamedTargets>(
+      *inForce.Names(), wordsOf(given.kind->target), wordsOf(given.kind->label));
+  for (const inpS_NamedTargets::Type type : inpS_NamedTargets::types)
+    inForce.Add(given.record, inForce.Own(given.kind->OfType(type, targets)), variable,
+                given.loadCase);
+}
+
 // One keyword of a kind that begins anew does so for the step, whatever its place in it.
 void take(const cow_List<Given>& all, inpS_InForce& inForce) {
   for (const Given& given : all) {
@@ -37,9 +55,7 @@ void take(const cow_List<Given>& all, inpS_InForce& inForce) {
   }
   for (std::size_t n = 0; n < all.size(); ++n) {
     const Given& given = all[n];
-    if (!isRemoved(given) && !isRemovedLater(all, n))
-      inForce.Add(given.record, *given.kind, given.kind->VariableOf(given.record.DataRecord()),
-                  given.loadCase);
+    if (!isRemoved(given) && !isRemovedLater(all, n)) add(given, inForce);
   }
 }
 
@@ -95,6 +111,8 @@ bool inpS_isPerturbation(const KvoSimDataRecord& history) {
 
 inpS_InForce inpS_givenConditions(const KvoObjDocument& document) {
   inpS_InForce inForce(countOf(document, true), countOf(document, false));
+  if (!document.Context().GetRecords(eds_FormKind::FluidBoundary).empty())
+    inForce.SetNames(std::make_shared<const inpS_NamedTargets::Names>(document));
   inForce.BeginStep(0, false);
   takeOwner(document.GetModel().Position(), inForce);
   if (const KvoSimPosition assembly = document.GetModel().GetAssembly(); !assembly.IsNull())

@@ -148,11 +148,13 @@ bool mayMeet(const cow_List<RowFacts>& facts, const KvoSimPosition& record, cons
 
 struct inpS_InForce::Arrival {
   Arrival(const Source& source, int place)
-      : number(place), kind(*source.kind), targets(source.record, *source.kind),
-        record(source.record) {}
+      : number(place), kind(*source.kind),
+        isGivenElsewhere(kind.IsGivenElsewhere(source.record.DataRecord(), {})),
+        targets(source.record, *source.kind), record(source.record) {}
 
   int number;
   const inpS_ExcitationKind& kind;
+  bool isGivenElsewhere; // what its lines say is not what holds
   bool isOwn = false;
   inpS_ConditionTargets targets;
   KvoSimPosition record;
@@ -266,7 +268,7 @@ inpS_InForce::Region inpS_InForce::RegionOf(const inpS_ExcitationKind& kind, int
                                             inpS_ConditionTargets& targets) {
   const bool isNodes = kind.IsOfNodes();
   const bool hasTarget = kind.target >= 0 || kind.lineSurface >= 0;
-  if ((!hasTarget && !isNodes) || kind.key == Kind::Key::Words) return {0, nullptr};
+  if (!hasTarget && !isNodes) return {0, nullptr};
   if (target >= 0) return {target, nullptr};
   if (target == inpS_ConditionRow::kAll) {
     eds_MemberSet& every = isNodes ? m_everyNode : m_everyElement;
@@ -426,13 +428,13 @@ bool inpS_InForce::Hit(Arrival& arrival, Other& other, int node, const eds_Membe
   const bool isSame = other.source == arrival.number;
   if (AddsUp(arrival, other.source)) return false;
   if (isSame && twice == Twice::First) {
-    if (other.row == arrival.row ||
+    if (arrival.isGivenElsewhere || other.row == arrival.row ||
         arrival.values[static_cast<std::size_t>(other.row)] == arrival.what.value)
       return false;
     Take(arrival.number, arrival.row, both, node, set, false);
     const eds_MemberSet told = set ? *set : eds_MemberSet::Strided(node, 1);
     if (!arrival.isDuplicate)
-      m_duplicates.push_back({arrival.record, arrival.row, told});
+      m_duplicates.push_back({arrival.record, arrival.row, told, arrival.kind.IsOfNodes()});
     else
       m_duplicates.back().ordinals = m_duplicates.back().ordinals.Union(told);
     arrival.isDuplicate = true;

@@ -36,12 +36,21 @@ public:
     KvoSimPosition record;
     long long row;
     eds_MemberSet ordinals;
+    bool areNodes;
   };
   using Piece = inpS_RowTimeline::Piece;
 
   // `elements` and `nodes`: how many the flat mesh has.
   inpS_InForce(long long nodes, long long elements) : m_nodes(nodes), m_elements(elements) {}
 
+  // A kind of this model's own: it lives as long as what is in force.
+  const inpS_ExcitationKind& Own(inpS_ExcitationKind kind) {
+    return *m_kinds.emplace_back(std::make_shared<const inpS_ExcitationKind>(std::move(kind)));
+  }
+  const inpS_NamedTargets::Names* Names() const { return m_names.get(); }
+  void SetNames(std::shared_ptr<const inpS_NamedTargets::Names> names) {
+    m_names = std::move(names);
+  }
   void BeginStep(int number, bool isPerturbation);
   void TakeBack(const inpS_ExcitationKind& kind, long long variable);
   void Add(const KvoSimPosition& record, const inpS_ExcitationKind& kind, long long variable,
@@ -140,6 +149,8 @@ private:
   void Take(int source, long long row, uint64_t degrees, int node, const eds_MemberSet* set,
             bool isGap);
 
+  std::shared_ptr<const inpS_NamedTargets::Names> m_names; // that kinds look up
+  cow_List<std::shared_ptr<const inpS_ExcitationKind>> m_kinds;
   long long m_nodes, m_elements;
   int m_step = 0;
   bool m_isPerturbation = false;

@@ -29,8 +29,10 @@ const inpS_Form* inpS_InitialConditionVisitor::Choose(const inp_Keyword& keyword
                                                       const inp_Keyword* parent) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
   const inpS_Form* form = inpS_FormVisitor::Choose(keyword, parent);
-  if (!form && keyword.Kind() == inp_KwInitialConditions && !keyword.HasParameter("type"))
+  if (!form && keyword.Kind() == inp_KwInitialConditions && !keyword.HasParameter("type")) {
     TellRequired(keyword, "TYPE");
+    SetToldOfNone();
+  }
   if (!form) return form;
   if (form->kind == eds_FormKind::InitialRotatingVelocity && !keyword.HasParameter("definition") &&
       hasSecondLines(keyword.Data()))
@@ -110,6 +112,7 @@ void inpS_InitialConditionVisitor::CheckText(const inp_Keyword& keyword, const i
     return col < data.Cols(row) && data.HasValue(row, col) &&
            data.Type(row, col) == inp_FieldType::String;
   };
+  if (form.kind == eds_FormKind::InitialVolumeFraction) return CheckMaterials(keyword);
   const cow_String type = keyword.StringOf("type", "");
   if (form.kind == eds_FormKind::InitialOther)
     AddWarning(inp_Utils::MessageAtParameter(
@@ -117,11 +120,32 @@ void inpS_InitialConditionVisitor::CheckText(const inp_Keyword& keyword, const i
         "TYPE=" + type + " is none that is read here; its lines are kept as they stand."));
   if (form.kind == eds_FormKind::InitialBackStresses) return CheckBackStresses(keyword);
   const bool isOfRebars = form.kind == eds_FormKind::InitialSolution;
-  const bool isOfCracks = form.kind == eds_FormKind::InitialOther && type == "ENRICHMENT";
-  if (!isOfRebars && !isOfCracks) return;
+  const bool isOfElements =
+      form.kind == eds_FormKind::InitialOther && (type == "ENRICHMENT" || type == "ACTIVATION");
+  if (!isOfRebars && !isOfElements) return;
   // Behind the element or set of a rebar is its name, behind those of a crack the node's number.
   for (long long row = 0; row < data.Rows(); ++row)
-    if (isOfCracks || isWord(row, 0) || isWord(row, 1)) CheckTarget(keyword, row);
+    if (isOfElements || isWord(row, 0) || isWord(row, 1)) CheckTarget(keyword, row);
+}
+
+// A volume is filled with materials; an Eulerian section may give them names of its own.
+void inpS_InitialConditionVisitor::CheckMaterials(const inp_Keyword& keyword) {
+  constexpr int materialColumn = 1;
+  static const int field = eds_formField(eds_FormKind::EulerianMaterial, "name");
+  cow_List<cow_String> own;
+  for (const KvoSimPosition& filled :
+       Inventory().GetDocument().Context().GetRecords(eds_FormKind::EulerianMaterial))
+    own.push_back(inp_Utils::Fold(filled.DataRecord().ReturnString(field)));
+  const inp_DataArray& data = keyword.Data();
+  for (long long row = 0; row < data.Rows(); ++row) {
+    if (data.Cols(row) <= materialColumn || !data.HasValue(row, materialColumn)) continue;
+    const cow_String name = inp_Utils::Fold(data.AsStringVerbatim(row, materialColumn));
+    if (name == "VOID" || std::ranges::find(own, name) != own.end() ||
+        !Model().FollowStringKey(eds_Member::Materials, name).IsNull())
+      continue;
+    AddWarning(inp_Utils::MessageAtField(keyword, row, materialColumn,
+                                         "Material \"" + name + "\" has not been defined."));
+  }
 }
 
 // As many lines for each element or set as it has back stresses.

@@ -35,6 +35,7 @@ protected:
 private:
   cow_String FaultOfAxis(const KvoSimPosition& line) const;
   void CheckText(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckMaterials(const inp_Keyword& keyword);
   void CheckBackStresses(const inp_Keyword& keyword);
   void CheckTarget(const inp_Keyword& keyword, long long row);
   long long StateVariables();

@@ -13,6 +13,9 @@ constexpr unsigned Sheets = inp_ElemShell | inp_ElemMembrane | inp_ElemRigid;
 // Of what has faces with numbers; plane elements have their edges for them.
 constexpr unsigned Volumes = inp_ElemSolid | inp_ElemShell | inp_ElemCohesive | inp_ElemGasket |
                              inp_ElemAcoustic | inp_ElemFluid | inp_ElemElectromagnetic;
+constexpr unsigned Faced = Volumes | inp_ElemTruss;
+constexpr unsigned Plates = inp_ElemShell | inp_ElemMembrane;
+constexpr unsigned Axisymmetric = inp_ElemAxisymmetric;
 constexpr unsigned Bodies = Volumes | Sheets | Lines | inp_ElemInfinite;
 constexpr unsigned Masses = Bodies | inp_ElemMass;
 constexpr unsigned User = 1u << 31; // elements of users, which the table of types does not have
@@ -111,10 +114,42 @@ inpS_FoundLabel inpS_findLoadLabel(inp_KeywordEnm keyword, std::string_view labe
   return found;
 }
 
+// What an element must have for the loads of a keyword. Flows have velocities and temperatures, and
+// types with pore pressure a P behind the number of their nodes.
+std::string_view inpS_LoadLabel::LackOf(const inp_ElementInfo& type) const {
+  const bool isFlow = type.Is(inp_ElemFluid) && !type.Is(inp_ElemThermal);
+  const std::string_view suffix = type.name.substr(type.name.find_last_of("0123456789") + 1);
+  constexpr unsigned fields = inp_ElemDisplacement | inp_ElemThermal | inp_ElemAcoustic |
+                              inp_ElemElectromagnetic | inp_ElemFluid;
+  if ((type.flags & fields) == 0) return {}; // nobody knows what it has
+  switch (keyword) {
+  case inp_KwDload:
+  case inp_KwFoundation:
+    return type.Is(inp_ElemDisplacement) || isFlow ? "" : "displacements";
+  case inp_KwDflux:
+  case inp_KwFilm:
+  case inp_KwRadiate:
+    return type.Is(inp_ElemThermal) || isFlow ? "" : "temperatures";
+  case inp_KwDflow:
+  case inp_KwFlow:
+    return suffix.find('P') != suffix.npos ? "" : "pore pressure";
+  case inp_KwDecharge:
+  case inp_KwDecurrent:
+    return type.Is(inp_ElemElectromagnetic) ? "" : "electric potential";
+  case inp_KwImpedance:
+    return type.Is(inp_ElemAcoustic) ? "" : "acoustic pressure";
+  default:
+    return {};
+  }
+}
+
 bool inpS_LoadLabel::Takes(const inp_ElementInfo& type, int number) const {
   if (families == Any || (type.flags & allFamilies) == 0) return true;
-  if ((type.flags & families) == 0) return false;
+  if ((type.flags & families) == 0 || !LackOf(type).empty()) return false;
   if (part != inpS_LoadedPart::Face && part != inpS_LoadedPart::Edge) return true;
+  const bool hasEnds = type.Is(inp_ElemTruss) || type.Is(inp_ElemAcoustic);
+  if (part == inpS_LoadedPart::Face && type.dimension == 1 && hasEnds && !type.Is(inp_ElemInfinite))
+    return number == 1 || number == 2;
   const auto first = part == inpS_LoadedPart::Face ? eds_SurfaceFace::S1 : eds_SurfaceFace::E1;
   const int most = part == inpS_LoadedPart::Face ? 8 : 4;
   return number >= 1 && number <= most &&
@@ -129,6 +164,9 @@ cow_String inpS_familiesText(unsigned families) {
   static constexpr Family names[] = {{Masses, "all that has mass"},
                                      {Bodies, "all that has a body"},
                                      {Volumes, "solids, continuum shells"},
+                                     {Faced, "solids, continuum shells, links"},
+                                     {Plates, "shells, membranes"},
+                                     {Axisymmetric, "axisymmetric elements"},
                                      {Sheets, "shells, membranes, rigid faces"},
                                      {Lines, "beams, pipes, trusses"},
                                      {Flows, "fluids, solids"},
@@ -137,4 +175,26 @@ cow_String inpS_familiesText(unsigned families) {
                                      {Beam, "beams, pipes"}};
   const auto known = std::ranges::find(names, families, &Family::flags);
   return known == std::end(names) ? "surfaces" : cow_String(known->name);
+}
+
+cow_String inpS_faultOfLoad(const inpS_FoundLabel& found, const cow_String& label,
+                            const inp_ElementInfo& type) {
+  if (std::ranges::any_of(
+          found.rows, [&](const inpS_LoadLabel* row) { return row->Takes(type, found.number); }))
+    return {};
+  const inpS_LoadLabel& row = *found.rows.front();
+  const cow_String elements = "elements of type " + cow_String(type.name);
+  const std::string_view lack = row.LackOf(type);
+  const bool isOfFamily = (type.flags & row.families) != 0;
+  if (isOfFamily && !lack.empty())
+    return label + " makes no sense on " + elements + ": they have no " + cow_String(lack) + ".";
+  const bool isNumbered = row.part == inpS_LoadedPart::Face || row.part == inpS_LoadedPart::Edge;
+  if (isNumbered && isOfFamily)
+    return label + ": " + elements + " have no " +
+           (row.part == inpS_LoadedPart::Face ? "face " : "edge ") + std::to_string(found.number) +
+           ".";
+  cow_String families;
+  for (const inpS_LoadLabel* one : found.rows)
+    families += (families.empty() ? "" : "; ") + inpS_familiesText(one->families);
+  return label + " makes no sense on " + elements + ": it is for " + families + ".";
 }

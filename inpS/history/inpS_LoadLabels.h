@@ -31,6 +31,8 @@ struct inpS_LoadLabel {
 
   // Whether an element of the type can be loaded so; number: of the label, 0 for none.
   bool Takes(const inp_ElementInfo& type, int number) const;
+  // What the keyword's loads act on and the type does not have, as "temperatures"; empty: none.
+  std::string_view LackOf(const inp_ElementInfo& type) const;
 };
 
 INPS_EXPORT std::span<const inpS_LoadLabel> inpS_loadLabels();
@@ -41,7 +43,10 @@ struct inpS_FoundLabel {
   cow_List<const inpS_LoadLabel*> rows;
   int number = 0; // of its face or edge
 };
-inpS_FoundLabel inpS_findLoadLabel(inp_KeywordEnm keyword, std::string_view label);
+INPS_EXPORT inpS_FoundLabel inpS_findLoadLabel(inp_KeywordEnm keyword, std::string_view label);
+// Why elements of the type cannot be loaded so; empty: they can.
+cow_String inpS_faultOfLoad(const inpS_FoundLabel& found, const cow_String& label,
+                            const inp_ElementInfo& type);
 
 // "solids, shells": for people.
 INPS_EXPORT cow_String inpS_familiesText(unsigned families);

@@ -253,11 +253,12 @@ std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line)
   const auto valueAt = [&](int col) { return line.Has(col) ? line.Real(col) : inp_blankReal; };
   if (const inpS_LoadLabel::Value* missing = MissingOf(label, valueAt))
     return inpS_LineFault{-1, TextOf(label, *missing, line.Has(heightColumn))};
-  if (const Type type = TypeAgainst(label, line.slots[targetColumn]))
-    return inpS_LineFault{labelColumn, TextOf(label, *type), false, false};
-  if (auto doubt = doubtOfSurface()) return doubt;
   if (cow_String lack = LackOf(label, line); !lack.empty())
     return inpS_LineFault{-1, "The line gives no " + lack + ", which is 0.", false, false};
+  if (const Type type = TypeAgainst(label, line.slots[targetColumn]))
+    return inpS_LineFault{labelColumn, inpS_faultOfLoad(label.found, label.text, *type), false,
+                          false};
+  if (auto doubt = doubtOfSurface()) return doubt;
   if (const int surplus = SurplusOf(label, valueAt); surplus >= 0)
     return inpS_LineFault{surplus, textOfSurplus(label.text, label.most), false, false};
   return {};
@@ -282,19 +283,4 @@ cow_String inpS_LoadLines::TextOf(const Label& label, const inpS_LoadLabel::Valu
   if (missing.name == "height" && isHeightGiven) return label.text + ": its heights are the same.";
   return label.text + ": its " + spoken(missing.name) +
          (missing.components > 1 ? " is not given, or zero." : " is not given.");
-}
-
-cow_String inpS_LoadLines::TextOf(const Label& label, const inp_ElementInfo& type) const {
-  const inpS_LoadLabel& row = *label.found.rows.front();
-  const bool isOfFamily = (type.flags & row.families) != 0;
-  const bool isNumbered = row.part == inpS_LoadedPart::Face || row.part == inpS_LoadedPart::Edge;
-  const cow_String elements = "elements of type " + cow_String(type.name);
-  if (isNumbered && isOfFamily)
-    return label.text + ": " + elements + " have no " +
-           (row.part == inpS_LoadedPart::Face ? "face " : "edge ") +
-           std::to_string(label.found.number) + ".";
-  cow_String families;
-  for (const inpS_LoadLabel* one : label.found.rows)
-    families += (families.empty() ? "" : "; ") + inpS_familiesText(one->families);
-  return label.text + " makes no sense on " + elements + ": it is for " + families + ".";
 }

@@ -52,7 +52,6 @@ private:
   cow_String LackOf(const Label& label, const inpS_LineView& line) const;
   cow_String TextOf(const Label& label, const inpS_LoadLabel::Value& missing,
                     bool isHeightGiven) const;
-  cow_String TextOf(const Label& label, const inp_ElementInfo& type) const;
 
   const inp_Keyword& m_keyword;
   KvoSimPosition m_record;

@@ -1,5 +1,4 @@
 #include "inpS/history/inpS_LoadedElements.h"
-#include "database/KvoSimDataRecord.h"
 #include "inpS/sets/inpS_SetVisitor.h"
 #include "parser/inp_KeywordTable.h"
 #include <algorithm>
@@ -30,6 +29,11 @@ cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimPos
   const long long offset = isOfPart && !instance.IsNull()
                                ? instance.DataRecord().GetInt64(eds_Instance_FirstElement)
                                : 0;
+  return TypesOf(elements, offset);
+}
+
+cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimDataRecord& elements,
+                                                                 long long offset) {
   const KvoSimCSet stored = elements.GetSet(eds_ElementSet_Membership);
   cow_List<Type> types;
   if (stored.IsNull()) return types;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "database/KvoSimDataRecord.h"
 #include "inpS/sets/inpS_SurfaceElements.h"
 
 // The element types of the flat mesh, as loads of elements ask for them.
@@ -15,6 +16,8 @@ public:
   int TypeOf(long long element);
   // Of the members of the n-th set that a record names: each type once.
   cow_List<Type> TypesOf(const KvoSimPosition& record, std::size_t set);
+  // Of the members of an element set; offset: from its ordinals to those of the flat mesh.
+  cow_List<Type> TypesOf(const KvoSimDataRecord& elements, long long offset);
 
 private:
   const KvoObjMesh m_mesh;

@@ -109,8 +109,10 @@ void inpS_VerbatimVisitor::SettleSkeleton(const inp_KeywordList& keywords) {
     if (const KvoSimPosition* record = m_ledger.RecordOf(keyword))
       m_added.insert(record->Object().Packed());
     const bool isTaken = inpS_checkRestart(keyword, model, baseSteps > 0, *this);
-    if (!isTaken && inpS_subjectOf(keyword.Kind()) != inpS_Subject::Skeleton)
+    if (!isTaken && inpS_subjectOf(keyword.Kind()) != inpS_Subject::Skeleton) {
       m_ledger.LeaveOut(keyword);
+      inpS_takeOtherParameters(keyword); // they go with it
+    }
     if (inpS_subjectOf(keyword.Kind()) != inpS_Subject::Skeleton || keyword.IsInstanceCopy() ||
         keyword.Scope().kind == inp_Scope::Kind::Step)
       continue;

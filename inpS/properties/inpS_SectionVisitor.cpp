@@ -7,6 +7,7 @@
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/forms/inpS_LackOfLines.h"
+#include "inpS/history/inpS_FoundationCheck.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "inpS/keywords/inpS_KeywordReader.h"
 #include "inpS/properties/inpS_BulkShellSections.h"
@@ -317,8 +318,17 @@ bool inpS_SectionVisitor::MayLack(const inpS_Form& form, const eds_FormItem& ite
 }
 
 bool inpS_SectionVisitor::IsErrorToLack(inp_KeywordEnm kind) const {
-  return kind == inp_KwSolidSection || kind == inp_KwCohesiveSection ||
+  return kind == inp_KwSolidSection || kind == inp_KwCohesiveSection || kind == inp_KwFoundation ||
          kind == inp_KwPreTensionSection || kind == inp_KwNonStructuralMass;
+}
+
+cow_String inpS_SectionVisitor::FaultOfLine(const KvoSimPosition& line) {
+  if (!line.IsA(eds_FormKind::FoundationLine)) return {};
+  static const int field = eds_formField(eds_FormKind::FoundationLine, "label");
+  const cow_String label = line.DataRecord().ReturnString(field);
+  return inpS_isFoundationLabel(inp_Utils::Fold(label))
+             ? ""
+             : "\"" + label + "\" is no label of a foundation.";
 }
 
 void inpS_SectionVisitor::TellRequired(const inp_Keyword& keyword, const cow_String& parameter) {

@@ -36,6 +36,7 @@ protected:
   void TellRequired(const inp_Keyword& keyword, const cow_String& parameter) override;
   bool IsErrorToLack(inp_KeywordEnm kind) const override;
   cow_String ReasonOfNone(const inp_Keyword& keyword) const override;
+  cow_String FaultOfLine(const KvoSimPosition& line) override;
   bool MayLack(const inpS_Form& form, const eds_FormItem& item) const override;
   void Converted(const inp_Keyword& keyword, const inpS_Form& form,
                  const KvoSimPosition& record) override;

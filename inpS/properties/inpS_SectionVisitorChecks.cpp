@@ -1,6 +1,7 @@
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_LackOfLines.h"
+#include "inpS/history/inpS_FoundationCheck.h"
 #include "inpS/keywords/inpS_ParameterBinding.h"
 #include "inpS/properties/inpS_ConnectorTypes.h"
 #include "inpS/properties/inpS_SectionVisitor.h"
@@ -37,6 +38,8 @@ void inpS_SectionVisitor::Converted(const inp_Keyword& keyword, const inpS_Form&
                       keyword, "*" + keyword.Name() + " has no data lines: it gives no values."));
   if (keyword.HasParameter("elset") && !IsMeshLeftOut()) m_values.Check(keyword, form);
   if (form.info->record == K::SectionPly) CheckPlyNames(keyword);
+  if (isOneOf(form, K::Foundation) && !IsMeshLeftOut())
+    inpS_checkFoundations(keyword, *this, Inventory().GetDocument(), *this);
   CheckThickness(keyword, *form.info, MayLackLines(keyword, form));
   CheckProfile(keyword, form);
   CheckFamilies(keyword);

@@ -136,6 +136,7 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"Boundary.last", "6"},
     {"Boundary.magnitude", "0.5"},
     {"ConcentratedLoad.dof", "3"},
+    {"FoundationLine.label", "F1"},
     {"DistributedLoad.label", "P3"},
     {"DistributedLoad.ref_node", "1"},
     {"SurfaceLoad.ref_node", "1"},
