@@ -381,6 +381,8 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwTransportEquationSolver:
   case inp_KwTurbulenceEquationSolver:
     return CheckEquationSolver(keyword);
+  case inp_KwTurbulenceModel:
+    return CheckIsOfFlow(keyword);
   case inp_KwControls:
     return CheckControls(keyword, form);
   case inp_KwBulkViscosity:
@@ -405,6 +407,10 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
 void inpS_StepVisitor::OpenLoadCase(const inp_Keyword& keyword) {
   CloseLoadCase();
   m_loadCase = keyword;
+  if (m_open && m_open->procedure != inp_NullKeyword && !IsLinear() && !IsPerturbation())
+    Warning(keyword,
+            "*LOAD CASE is for linear perturbations, and this step is none; what stands in "
+            "it is of the load case all the same.");
   const inp_Item* name = keyword.Find("name");
   if (!name || name->AsString().empty())
     return Warning(keyword,
@@ -428,6 +434,14 @@ void inpS_StepVisitor::CloseLoadCase() {
 bool inpS_StepVisitor::IsPerturbation() const {
   return std::ranges::any_of(
       m_given, [](const cow_String& name) { return inpS_bareWord(name) == "PERTURBATION"; });
+}
+
+// About a base state.
+bool inpS_StepVisitor::IsLinear() const {
+  const auto kinds = inpS_FormTable::Instance().KindsOf(m_open->procedure);
+  const inpS_ProcedureKind* of = kinds.empty() ? nullptr : inpS_ProcedureKind::Of(kinds.front());
+  return of && (of->registration == inpS_ProcedureKind::Registration::Task ||
+                (m_open->procedure == inp_KwStatic && IsPerturbation()));
 }
 
 // What fluid dynamics says of heat is no procedure of its own.
@@ -502,11 +516,7 @@ void inpS_StepVisitor::CheckExtrapolation(const inp_Keyword& keyword) {
 void inpS_StepVisitor::CheckControls(const inp_Keyword& keyword, const inpS_Form& form) {
   if (!m_open) return;
   const bool isFluidStructure = form.kind == eds_FormKind::ControlsFluidStructure;
-  const auto kinds = inpS_FormTable::Instance().KindsOf(m_open->procedure);
-  const inpS_ProcedureKind* of = kinds.empty() ? nullptr : inpS_ProcedureKind::Of(kinds.front());
-  const bool isLinear = of && (of->registration == inpS_ProcedureKind::Registration::Task ||
-                               (m_open->procedure == inp_KwStatic && IsPerturbation()));
-  if (m_open->isExplicit || isLinear || isFluidStructure != m_open->isFluid)
+  if (m_open->isExplicit || IsLinear() || isFluidStructure != m_open->isFluid)
     TellIrrelevant(keyword);
   if (isFluidStructure) CheckFluidStructure(keyword);
 }

@@ -58,6 +58,7 @@ private:
   void OpenLoadCase(const inp_Keyword& keyword);
   void CloseLoadCase();
   bool IsPerturbation() const; // by what is left to it, too
+  bool IsLinear() const;       // of the open step
 
   // Values that no analysis can go by: inpS_StepVisitorValues.cpp.
   void CheckIncrements(const inp_Keyword& keyword, const KvoSimPosition& record);
@@ -82,6 +83,8 @@ private:
   // Of fluid dynamics.
   void CheckCfd(const inp_Keyword& keyword);
   void CheckEquationSolver(const inp_Keyword& keyword);
+  void CheckIsOfFlow(const inp_Keyword& keyword);
+  void CheckSolverLimits(const inp_Keyword& keyword);
   void CheckSmoother(const inp_Keyword& keyword, const cow_String& type);
 
   std::unordered_map<const inp_KeywordBody*, Facts> m_facts; // by *STEP

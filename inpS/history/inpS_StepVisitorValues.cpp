@@ -73,6 +73,15 @@ void inpS_StepVisitor::CheckTimes(const inp_Keyword& keyword, const inpS_Form& f
     AddError(inp_Utils::MessageAtParameter(
         keyword, "end",
         "END=SS ends the step by the fifth value of the first data line, which is not there."));
+  const auto lacks = [&](int field) {
+    const int col = columnOf(form, field);
+    return keyword.Data().Rows() == 0 || col >= keyword.Data().Cols(0) ||
+           !keyword.Data().HasValue(0, col);
+  };
+  if (keyword.Kind() == inp_KwFrequency && lacks(of->count) && lacks(of->maximum))
+    Warning(keyword, cow_String("*FREQUENCY tells neither how many modes nor up to which "
+                                "frequency; it") +
+                         kKept);
   if (keyword.Data().Rows() == 0) return;
   if (of->count >= 0 && !values.IsMemberNull(of->count) && values.GetInt64(of->count) < 0)
     AddWarning(
@@ -133,10 +142,18 @@ void inpS_StepVisitor::CheckIncrement(const inp_Keyword& keyword, const inpS_For
     tell(of.initial, "The initial increment ", " is smaller than the minimum one; it");
 }
 
-// These go with STABILIZE alone.
+// These go with STABILIZE alone, whose own value FACTOR replaces.
 void inpS_StepVisitor::CheckStabilization(const inp_Keyword& keyword, const inpS_Form& form) {
   const Procedure* of = Procedure::Of(form.kind);
-  if (!of || of->stabilize < 0 || keyword.HasParameter("stabilize")) return;
+  if (!of || of->stabilize < 0) return;
+  if (keyword.HasParameter("stabilize")) {
+    if (keyword.Find("stabilize")->IsNumber() && keyword.HasParameter("factor"))
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, "factor",
+          "STABILIZE gives a dissipated energy fraction and FACTOR a damping factor: the damping "
+          "factor holds; the fraction is kept as given."));
+    return;
+  }
   for (const char* one : {"allsdtol", "continue", "factor"})
     if (keyword.HasParameter(one))
       AddWarning(inp_Utils::MessageAtParameter(keyword, one,
