@@ -370,7 +370,7 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwStatic:
   case inp_KwDynamic:
   case inp_KwHeatTransfer:
-    return CheckProcedure(keyword, form);
+    return CheckProcedure(keyword, form, record);
   case inp_KwTimePoints:
     return inpS_TimePointsVisitor::CheckTimes(keyword, *this);
   case inp_KwCfd:
@@ -462,8 +462,12 @@ void inpS_StepVisitor::TellIrrelevant(const inp_Keyword& keyword) {
   Warning(keyword, "This keyword is not relevant for this step hence will be ignored.");
 }
 
-void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form) {
-  if (form.kind == eds_FormKind::StaticRiks) CheckMonitoring(keyword);
+void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form,
+                                      const KvoSimPosition& record) {
+  if (form.kind == eds_FormKind::StaticRiks) {
+    CheckMonitoring(keyword);
+    CheckWatchedSet(keyword, record);
+  }
   if (form.kind == eds_FormKind::StaticRiks || form.kind == eds_FormKind::DynamicImplicit)
     CheckExtrapolation(keyword);
   if (keyword.Kind() == inp_KwStatic && keyword.HasParameter("fullyplastic"))

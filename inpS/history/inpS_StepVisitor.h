@@ -49,7 +49,8 @@ private:
   void Judge(const inp_Keyword& procedure, Facts& facts);
   void Open(const inp_Keyword& keyword, const KvoSimPosition& record);
   void SetProcedure(const inp_Keyword& keyword, const KvoSimPosition& record);
-  void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form,
+                      const KvoSimPosition& record);
   void CheckMonitoring(const inp_Keyword& keyword);
   void CheckExtrapolation(const inp_Keyword& keyword);
   void CheckControls(const inp_Keyword& keyword, const inpS_Form& form);
@@ -68,6 +69,7 @@ private:
   void CheckIncrement(const inp_Keyword& keyword, const inpS_Form& form,
                       const KvoSimDataRecord& values);
   void CheckStabilization(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckWatchedSet(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckRanges(const inp_Keyword& keyword);
   void CheckModelChange(const inp_Keyword& keyword);
 

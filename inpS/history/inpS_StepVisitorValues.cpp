@@ -1,3 +1,4 @@
+#include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_ProcedureKind.h"
@@ -159,6 +160,20 @@ void inpS_StepVisitor::CheckStabilization(const inp_Keyword& keyword, const inpS
       AddWarning(inp_Utils::MessageAtParameter(keyword, one,
                                                inp_KeywordTable::BareWord(one) +
                                                    " means nothing without STABILIZE; it" + kKept));
+}
+
+// An arc-length step watches one node.
+void inpS_StepVisitor::CheckWatchedSet(const inp_Keyword& keyword, const KvoSimPosition& record) {
+  constexpr int nodeColumn = 5;
+  static const int field = eds_formField(eds_FormKind::StaticRiks, "node_nset");
+  const KvoSimPosition watched = record.DataRecord().GetReference(field);
+  if (watched.IsNull() || !watched.IsA(eds_RecordKind::NodeSet)) return;
+  const int64_t size = watched.GetCSet(eds_NodeSet_Membership).Size();
+  if (size != 1)
+    AddWarning(inp_Utils::MessageAtField(keyword, 0, nodeColumn,
+                                         "An arc-length step watches one node, and node set \"" +
+                                             keyword.Data().AsStringVerbatim(0, nodeColumn) +
+                                             "\" has " + std::to_string(size) + "; it" + kKept));
 }
 
 // A bias is of the points of a range: 1 spreads them evenly.
