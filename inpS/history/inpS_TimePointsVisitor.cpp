@@ -58,7 +58,7 @@ void inpS_TimePointsVisitor::CheckTimes(const inp_Keyword& keyword, inp_Visitor&
         inp_Utils::MessageInKeyword(keyword, "*TIME POINTS tells no times; it is kept as given."));
   for (long long row = 0; row < data.Rows(); ++row) {
     for (int col = 0, cols = data.Cols(row); col < cols; ++col) {
-      if (!generates && !data.HasValue(row, col) && hasValueBehind(data, row, col))
+      if (!generates && col > 0 && !data.HasValue(row, col) && hasValueBehind(data, row, col))
         return messages.AddWarning(inp_Utils::MessageAtRow(
             keyword, row, "A time is left out between others; the line is kept as given."));
       if (!data.HasValue(row, col) || !data.IsNumber(row, col)) continue;
