@@ -1,6 +1,7 @@
 #include "host/inps_HistoryList.h"
 
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "host/inps_NamedTable.h"
 #include "host/inps_TextTable.h"
 #include "host/inps_VisibleBuffer.h"
@@ -61,6 +62,21 @@ cow_String frequenciesOf(const KvoSimDataRecord& record) {
   return hasHigh ? low + " to " + number(record, eds_HistoryStep_HighestFrequency) : "from " + low;
 }
 
+// Of an arc it is a length, and no time.
+cow_String periodOf(const KvoSimDataRecord& record) {
+  if (!isGiven(record, eds_HistoryStep_Period)) return {};
+  const KvoSimPosition procedure = record.GetReference(eds_HistoryStep_Procedure);
+  if (procedure.IsNull() || !procedure.IsA(eds_FormKind::StaticRiks))
+    return number(record, eds_HistoryStep_Period);
+  if (record.GetDouble(eds_HistoryStep_Period) == 0) return "arc";
+  return "arc " + number(record, eds_HistoryStep_Period);
+}
+
+bool takesIncrements(const KvoSimDataRecord& record) {
+  const int kind = record.GetSymb(eds_HistoryStep_Incrementation);
+  return kind == kAutomatic || kind == kFixed;
+}
+
 cow_List<cow_String> optionsOf(const inpS_HistoryDescription& step,
                                const KvoSimDataRecord& record) {
   cow_List<cow_String> options;
@@ -96,7 +112,7 @@ Row rowOf(const inpS_HistoryDescription& step) {
           inps_oneLine(step.name),
           step.procedure.empty() ? "no procedure" : step.procedure,
           natureOf(step, record),
-          isGiven(record, eds_HistoryStep_Period) ? number(record, eds_HistoryStep_Period) : "",
+          periodOf(record),
           incrementsOf(record),
           joined(optionsOf(step, record))};
 }
@@ -146,9 +162,15 @@ inps_Json inps_jsonOfStep(const inpS_HistoryDescription& step) {
                          ? inps_Json(record.GetBool(eds_HistoryStep_Nonlinear))
                          : inps_Json(nullptr);
   one["nonlinearSinceBefore"] = step.isNonlinearSince;
-  one["perturbation"] = record.GetBool(eds_HistoryStep_Perturbation);
+  const cow_String nature = natureOf(step, record);
+  one["nature"] = nature;
+  one["perturbation"] = nature == "perturbation";
   one["period"] = real(eds_HistoryStep_Period);
-  one["increments"] = record.GetInt64(eds_HistoryStep_Increments);
+  one["begins"] = step.begins ? inps_Json(*step.begins) : inps_Json(nullptr);
+  one["ends"] = step.ends ? inps_Json(*step.ends) : inps_Json(nullptr);
+  one["increments"] = takesIncrements(record)
+                          ? inps_Json(record.GetInt64(eds_HistoryStep_Increments))
+                          : inps_Json(nullptr);
   one["incrementation"] = word(eds_HistoryStep_Incrementation, increments);
   one["initial"] = real(eds_HistoryStep_Initial);
   one["minimum"] = real(eds_HistoryStep_Minimum);

@@ -8,6 +8,7 @@
 #include "inpS/keywords/inpS_KeptParts.h"
 #include "parser/inp_Keyword.h"
 #include "parser/inp_Parser.h"
+#include "parser/inp_Utils.h"
 #include <algorithm>
 #include <optional>
 #include <unordered_map>
@@ -73,30 +74,36 @@ public:
   struct Holder {
     int64_t number;         // of the step
     KvoSimPosition history; // null: the step is kept as text
+    cow_String name = {};   // as it is spelt; names keep no case
   };
 
   // A step's name is that of its place in the map when all are in.
   void Take(cow_String name, Holder step) {
     constexpr int most = 50;
+    cow_String key = inp_Utils::Fold(name);
+    step.name = std::move(name);
     for (int times = 0; times < most; ++times) {
-      const auto [known, isNew] = m_holders.try_emplace(name, step);
+      const auto [known, isNew] = m_holders.try_emplace(key, step);
       if (isNew) return;
       std::swap(known->second, step);
-      name += "-Old";
+      step.name += "-Old";
+      key += "-OLD";
     }
-    m_beyond.emplace_back(name + "-" + std::to_string(step.number), step);
+    step.name += "-" + std::to_string(step.number);
+    m_beyond.push_back(std::move(step));
   }
   void Save() const {
-    for (const auto& [name, step] : m_holders) Save(name, step);
-    for (const auto& [name, step] : m_beyond) Save(name, step);
+    for (const auto& [key, step] : m_holders) Save(step);
+    for (const Holder& step : m_beyond) Save(step);
   }
 
 private:
-  static void Save(const cow_String& name, const Holder& step) {
-    if (!step.history.IsNull()) step.history.DataRecord().SetString(eds_HistoryStep_Name, name);
+  static void Save(const Holder& step) {
+    if (!step.history.IsNull())
+      step.history.DataRecord().SetString(eds_HistoryStep_Name, step.name);
   }
-  std::unordered_map<cow_String, Holder> m_holders;
-  cow_List<std::pair<cow_String, Holder>> m_beyond;
+  std::unordered_map<cow_String, Holder> m_holders; // by the folded name
+  cow_List<Holder> m_beyond;
 };
 
 // ---- the history

@@ -370,7 +370,7 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwStatic:
   case inp_KwDynamic:
   case inp_KwHeatTransfer:
-    return CheckProcedure(keyword, form);
+    return CheckProcedure(keyword, form, record);
   case inp_KwTimePoints:
     return inpS_TimePointsVisitor::CheckTimes(keyword, *this);
   case inp_KwCfd:
@@ -381,6 +381,8 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
   case inp_KwTransportEquationSolver:
   case inp_KwTurbulenceEquationSolver:
     return CheckEquationSolver(keyword);
+  case inp_KwTurbulenceModel:
+    return CheckIsOfFlow(keyword);
   case inp_KwControls:
     return CheckControls(keyword, form);
   case inp_KwBulkViscosity:
@@ -405,6 +407,10 @@ void inpS_StepVisitor::Converted(const inp_Keyword& keyword, const inpS_Form& fo
 void inpS_StepVisitor::OpenLoadCase(const inp_Keyword& keyword) {
   CloseLoadCase();
   m_loadCase = keyword;
+  if (m_open && m_open->procedure != inp_NullKeyword && !IsLinear() && !IsPerturbation())
+    Warning(keyword,
+            "*LOAD CASE is for linear perturbations, and this step is none; what stands in "
+            "it is of the load case all the same.");
   const inp_Item* name = keyword.Find("name");
   if (!name || name->AsString().empty())
     return Warning(keyword,
@@ -430,6 +436,14 @@ bool inpS_StepVisitor::IsPerturbation() const {
       m_given, [](const cow_String& name) { return inpS_bareWord(name) == "PERTURBATION"; });
 }
 
+// About a base state.
+bool inpS_StepVisitor::IsLinear() const {
+  const auto kinds = inpS_FormTable::Instance().KindsOf(m_open->procedure);
+  const inpS_ProcedureKind* of = kinds.empty() ? nullptr : inpS_ProcedureKind::Of(kinds.front());
+  return of && (of->registration == inpS_ProcedureKind::Registration::Task ||
+                (m_open->procedure == inp_KwStatic && IsPerturbation()));
+}
+
 // What fluid dynamics says of heat is no procedure of its own.
 void inpS_StepVisitor::SetProcedure(const inp_Keyword& keyword, const KvoSimPosition& record) {
   if (m_open && m_open->isFluid && keyword.Kind() == inp_KwHeatTransfer) return;
@@ -448,8 +462,12 @@ void inpS_StepVisitor::TellIrrelevant(const inp_Keyword& keyword) {
   Warning(keyword, "This keyword is not relevant for this step hence will be ignored.");
 }
 
-void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form) {
-  if (form.kind == eds_FormKind::StaticRiks) CheckMonitoring(keyword);
+void inpS_StepVisitor::CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form,
+                                      const KvoSimPosition& record) {
+  if (form.kind == eds_FormKind::StaticRiks) {
+    CheckMonitoring(keyword);
+    CheckWatchedSet(keyword, record);
+  }
   if (form.kind == eds_FormKind::StaticRiks || form.kind == eds_FormKind::DynamicImplicit)
     CheckExtrapolation(keyword);
   if (keyword.Kind() == inp_KwStatic && keyword.HasParameter("fullyplastic"))
@@ -502,11 +520,7 @@ void inpS_StepVisitor::CheckExtrapolation(const inp_Keyword& keyword) {
 void inpS_StepVisitor::CheckControls(const inp_Keyword& keyword, const inpS_Form& form) {
   if (!m_open) return;
   const bool isFluidStructure = form.kind == eds_FormKind::ControlsFluidStructure;
-  const auto kinds = inpS_FormTable::Instance().KindsOf(m_open->procedure);
-  const inpS_ProcedureKind* of = kinds.empty() ? nullptr : inpS_ProcedureKind::Of(kinds.front());
-  const bool isLinear = of && (of->registration == inpS_ProcedureKind::Registration::Task ||
-                               (m_open->procedure == inp_KwStatic && IsPerturbation()));
-  if (m_open->isExplicit || isLinear || isFluidStructure != m_open->isFluid)
+  if (m_open->isExplicit || IsLinear() || isFluidStructure != m_open->isFluid)
     TellIrrelevant(keyword);
   if (isFluidStructure) CheckFluidStructure(keyword);
 }

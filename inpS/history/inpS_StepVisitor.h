@@ -49,7 +49,8 @@ private:
   void Judge(const inp_Keyword& procedure, Facts& facts);
   void Open(const inp_Keyword& keyword, const KvoSimPosition& record);
   void SetProcedure(const inp_Keyword& keyword, const KvoSimPosition& record);
-  void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckProcedure(const inp_Keyword& keyword, const inpS_Form& form,
+                      const KvoSimPosition& record);
   void CheckMonitoring(const inp_Keyword& keyword);
   void CheckExtrapolation(const inp_Keyword& keyword);
   void CheckControls(const inp_Keyword& keyword, const inpS_Form& form);
@@ -58,6 +59,7 @@ private:
   void OpenLoadCase(const inp_Keyword& keyword);
   void CloseLoadCase();
   bool IsPerturbation() const; // by what is left to it, too
+  bool IsLinear() const;       // of the open step
 
   // Values that no analysis can go by: inpS_StepVisitorValues.cpp.
   void CheckIncrements(const inp_Keyword& keyword, const KvoSimPosition& record);
@@ -67,6 +69,7 @@ private:
   void CheckIncrement(const inp_Keyword& keyword, const inpS_Form& form,
                       const KvoSimDataRecord& values);
   void CheckStabilization(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckWatchedSet(const inp_Keyword& keyword, const KvoSimPosition& record);
   void CheckRanges(const inp_Keyword& keyword);
   void CheckModelChange(const inp_Keyword& keyword);
 
@@ -82,6 +85,8 @@ private:
   // Of fluid dynamics.
   void CheckCfd(const inp_Keyword& keyword);
   void CheckEquationSolver(const inp_Keyword& keyword);
+  void CheckIsOfFlow(const inp_Keyword& keyword);
+  void CheckSolverLimits(const inp_Keyword& keyword);
   void CheckSmoother(const inp_Keyword& keyword, const cow_String& type);
 
   std::unordered_map<const inp_KeywordBody*, Facts> m_facts; // by *STEP

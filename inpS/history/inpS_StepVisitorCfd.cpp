@@ -39,7 +39,30 @@ void inpS_StepVisitor::CheckCfd(const inp_Keyword& keyword) {
                                        "Maximum number of iterations must be a positive integer"));
 }
 
+void inpS_StepVisitor::CheckIsOfFlow(const inp_Keyword& keyword) {
+  if (m_open && m_open->procedure != inp_NullKeyword && !m_open->isFluid)
+    Warning(keyword, "*" + keyword.Name() + " means nothing without *CFD; it is kept as given.");
+}
+
+// Two whole numbers and a tolerance.
+void inpS_StepVisitor::CheckSolverLimits(const inp_Keyword& keyword) {
+  constexpr const char* faults[] = {"Maximum number of iterations must be a positive integer",
+                                    "Interval of convergence checks must be a positive integer",
+                                    "Convergence tolerance must be greater than zero"};
+  constexpr int tolerance = 2;
+  const inp_DataArray& data = keyword.Data();
+  if (data.Rows() == 0) return;
+  for (int col = 0; col < std::min(data.Cols(0), static_cast<int>(std::size(faults))); ++col) {
+    if (!data.HasValue(0, col)) continue;
+    const bool isSound = col == tolerance ? data.IsNumber(0, col) && data.AsDouble(0, col) > 0
+                                          : data.IsInteger(0, col) && data.AsInt64(0, col) > 0;
+    if (!isSound) AddError(inp_Utils::MessageAtField(keyword, 0, col, faults[col]));
+  }
+}
+
 void inpS_StepVisitor::CheckEquationSolver(const inp_Keyword& keyword) {
+  CheckIsOfFlow(keyword);
+  CheckSolverLimits(keyword);
   if (!keyword.HasParameter("type")) return;
   const cow_String type = inp_KeywordTable::BareWord(keyword.StringOf("type", ""));
   const bool isPressure = keyword.Kind() == inp_KwPressureEquationSolver;

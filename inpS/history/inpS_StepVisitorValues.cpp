@@ -1,3 +1,4 @@
+#include "database/KvoSimCSet.h"
 #include "database/KvoSimDataRecord.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/history/inpS_ProcedureKind.h"
@@ -73,6 +74,15 @@ void inpS_StepVisitor::CheckTimes(const inp_Keyword& keyword, const inpS_Form& f
     AddError(inp_Utils::MessageAtParameter(
         keyword, "end",
         "END=SS ends the step by the fifth value of the first data line, which is not there."));
+  const auto lacks = [&](int field) {
+    const int col = columnOf(form, field);
+    return keyword.Data().Rows() == 0 || col >= keyword.Data().Cols(0) ||
+           !keyword.Data().HasValue(0, col);
+  };
+  if (keyword.Kind() == inp_KwFrequency && lacks(of->count) && lacks(of->maximum))
+    Warning(keyword, cow_String("*FREQUENCY tells neither how many modes nor up to which "
+                                "frequency; it") +
+                         kKept);
   if (keyword.Data().Rows() == 0) return;
   if (of->count >= 0 && !values.IsMemberNull(of->count) && values.GetInt64(of->count) < 0)
     AddWarning(
@@ -133,15 +143,37 @@ void inpS_StepVisitor::CheckIncrement(const inp_Keyword& keyword, const inpS_For
     tell(of.initial, "The initial increment ", " is smaller than the minimum one; it");
 }
 
-// These go with STABILIZE alone.
+// These go with STABILIZE alone, whose own value FACTOR replaces.
 void inpS_StepVisitor::CheckStabilization(const inp_Keyword& keyword, const inpS_Form& form) {
   const Procedure* of = Procedure::Of(form.kind);
-  if (!of || of->stabilize < 0 || keyword.HasParameter("stabilize")) return;
+  if (!of || of->stabilize < 0) return;
+  if (keyword.HasParameter("stabilize")) {
+    if (keyword.Find("stabilize")->IsNumber() && keyword.HasParameter("factor"))
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, "factor",
+          "STABILIZE gives a dissipated energy fraction and FACTOR a damping factor: the damping "
+          "factor holds; the fraction is kept as given."));
+    return;
+  }
   for (const char* one : {"allsdtol", "continue", "factor"})
     if (keyword.HasParameter(one))
       AddWarning(inp_Utils::MessageAtParameter(keyword, one,
                                                inp_KeywordTable::BareWord(one) +
                                                    " means nothing without STABILIZE; it" + kKept));
+}
+
+// An arc-length step watches one node.
+void inpS_StepVisitor::CheckWatchedSet(const inp_Keyword& keyword, const KvoSimPosition& record) {
+  constexpr int nodeColumn = 5;
+  static const int field = eds_formField(eds_FormKind::StaticRiks, "node_nset");
+  const KvoSimPosition watched = record.DataRecord().GetReference(field);
+  if (watched.IsNull() || !watched.IsA(eds_RecordKind::NodeSet)) return;
+  const int64_t size = watched.GetCSet(eds_NodeSet_Membership).Size();
+  if (size != 1)
+    AddWarning(inp_Utils::MessageAtField(keyword, 0, nodeColumn,
+                                         "An arc-length step watches one node, and node set \"" +
+                                             keyword.Data().AsStringVerbatim(0, nodeColumn) +
+                                             "\" has " + std::to_string(size) + "; it" + kKept));
 }
 
 // A bias is of the points of a range: 1 spreads them evenly.

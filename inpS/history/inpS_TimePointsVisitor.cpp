@@ -12,6 +12,12 @@ bool isGenerated(const inp_Keyword& keyword) {
   return keyword.Kind() == inp_KwTimePoints && inpS_saysYes(keyword, "generate");
 }
 
+bool hasValueBehind(const inp_DataArray& data, long long row, int col) {
+  for (++col; col < data.Cols(row); ++col)
+    if (data.HasValue(row, col)) return true;
+  return false;
+}
+
 } // namespace
 
 // The amplitude is there, whoever's definition it has. What is told of it is text already, and what
@@ -52,6 +58,9 @@ void inpS_TimePointsVisitor::CheckTimes(const inp_Keyword& keyword, inp_Visitor&
         inp_Utils::MessageInKeyword(keyword, "*TIME POINTS tells no times; it is kept as given."));
   for (long long row = 0; row < data.Rows(); ++row) {
     for (int col = 0, cols = data.Cols(row); col < cols; ++col) {
+      if (!generates && col > 0 && !data.HasValue(row, col) && hasValueBehind(data, row, col))
+        return messages.AddWarning(inp_Utils::MessageAtRow(
+            keyword, row, "A time is left out between others; the line is kept as given."));
       if (!data.HasValue(row, col) || !data.IsNumber(row, col)) continue;
       if (generates && col >= generating)
         return messages.AddWarning(inp_Utils::MessageAtField(

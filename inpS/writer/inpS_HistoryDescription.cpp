@@ -2,6 +2,7 @@
 #include "base/utl_Stream.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/history/inpS_History.h"
 #include "inpS/writer/inpS_PropertyWords.h"
@@ -43,6 +44,22 @@ bool isGeneral(const KvoSimDataRecord& step) {
          step.GetSymb(eds_HistoryStep_Registration) != task;
 }
 
+// Time goes on by the steps of the model's sequence: not along an arc, and never back.
+void setTimes(Description& one, double& total) {
+  constexpr int sequence = 0;
+  const KvoSimDataRecord fields = one.record.DataRecord();
+  const KvoSimPosition procedure = fields.GetReference(eds_HistoryStep_Procedure);
+  const bool isGiven = !fields.IsMemberNull(eds_HistoryStep_Period);
+  const bool isOfSequence = fields.GetSymb(eds_HistoryStep_Registration) == sequence;
+  if (procedure.IsNull() || (!isGiven && !isOfSequence)) return;
+  const bool isArc = procedure.IsA(eds_FormKind::StaticRiks);
+  const double period = isGiven ? fields.GetDouble(eds_HistoryStep_Period) : 0.;
+  const double span = isArc || period < 0 ? 0. : period;
+  one.begins = isOfSequence ? total : 0.;
+  one.ends = *one.begins + span;
+  if (isOfSequence) total = *one.ends;
+}
+
 Description describe(const KvoSimPosition& record, const KvoSimPosition& step) {
   const KvoSimDataRecord fields = record.DataRecord();
   Description one{record,
@@ -70,10 +87,12 @@ cow_List<inpS_HistoryDescription> inpS_describeHistory(const KvoObjDocument& doc
   cow_List<Description> history;
   addTexts(texts, document.GetModel().Position(), history);
   bool isNonlinear = false;
+  double total = 0;
   for (const KvoSimPosition& record : document.Context().GetRecords(eds_RecordKind::HistoryStep)) {
     const KvoSimPosition step = record.DataRecord().GetReference(eds_HistoryStep_Step);
     history.push_back(describe(record, step));
     history.back().isNonlinearSince = isNonlinear;
+    setTimes(history.back(), total);
     const KvoSimDataRecord fields = record.DataRecord();
     if (isGeneral(fields) && !fields.IsMemberNull(eds_HistoryStep_Nonlinear))
       isNonlinear = fields.GetBool(eds_HistoryStep_Nonlinear);

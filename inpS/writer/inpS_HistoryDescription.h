@@ -3,6 +3,7 @@
 #include "database/KvoObjDocument.h"
 #include "database/KvoSimPosition.h"
 #include "inpS/inpS_Export.h"
+#include <optional>
 
 // A step of the history as a reader of decks knows it.
 struct inpS_HistoryDescription {
@@ -13,6 +14,8 @@ struct inpS_HistoryDescription {
   long long keywords = 0; // that it holds as records, its procedure among them
   // Large displacements are accounted for since a general step before, which said so last.
   bool isNonlinearSince = false;
+  // The total time that it takes, as v_task has it; null: it has no procedure, or no period.
+  std::optional<double> begins = {}, ends = {};
   bool IsText() const { return record.IsNull(); }
 };
 

@@ -60,12 +60,38 @@ TEST_F(History, IsWholeForPrograms) {
   EXPECT_EQ(steps[1]["eigenvalues"], 12);
   EXPECT_EQ(steps[1]["lowest"], nullptr);
   EXPECT_EQ(steps[1]["highest"], 1000.);
+  EXPECT_EQ(steps[1]["nature"], "perturbation");
+  EXPECT_EQ(steps[1]["increments"], nullptr);
+  EXPECT_EQ(steps[1]["begins"], nullptr);
+  EXPECT_EQ(steps[2]["nature"], "nonlinear (carried)");
+  EXPECT_EQ(steps[2]["begins"], 2.);
+  EXPECT_EQ(steps[2]["ends"], 3.);
   EXPECT_EQ(steps[2]["incrementation"], "fixed");
   EXPECT_EQ(steps[3]["procedure"], nullptr);
   EXPECT_EQ(steps[21]["number"], 22);
   EXPECT_EQ(steps[0]["options"], json({"stabilized 2e-04", "1 keyword"}));
   EXPECT_EQ(steps[1]["options"], json({"12 modes", "up to 1000"}));
   EXPECT_EQ(steps[3]["options"], json::array());
+}
+
+// A name given is that of a step without one, whatever its case; modes of a step that does not say
+// PERTURBATION are one; an arc takes no time.
+TEST_F(History, TellsNamesNatureAndTimeApart) {
+  ProgramRun({"convert",
+              Deck("n.inp", "*NODE\n1, 0.\n*STEP, NAME=Step-2\n*FREQUENCY\n3\n*END STEP\n"
+                            "*STEP\n*STATIC, RIKS\n0.1, 4.\n*END STEP\n"
+                            "*STEP, NAME=\"Step-2\"\n*STATIC\n*END STEP\n"),
+              "-o", File("n.sim"), "--quiet"});
+  const json steps = json::parse(ProgramRun({"info", File("n.sim"), "--json"}).out)["history"];
+  ASSERT_EQ(steps.size(), 3u);
+  EXPECT_EQ(steps[0]["name"], "STEP-2-Old-Old");
+  EXPECT_EQ(steps[1]["name"], "Step-2-Old");
+  EXPECT_EQ(steps[2]["name"], "Step-2");
+  EXPECT_EQ(steps[0]["perturbation"], true);
+  EXPECT_EQ(steps[1]["ends"], 0.);
+  EXPECT_EQ(steps[2]["ends"], 1.);
+  EXPECT_EQ(Line(ProgramRun({"info", File("n.sim")}).out, "2 "),
+            "2 Step-2-Old *STATIC, RIKS general arc 4 automatic 0.1, at most 100 -");
 }
 
 // One stands before all others, one between them.
