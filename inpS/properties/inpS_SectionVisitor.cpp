@@ -239,8 +239,9 @@ bool inpS_SectionVisitor::CheckLayup(const inp_Keyword& keyword) {
     const bool isText = Inventory().NamesFor(keyword, inp_KwMaterial, name);
     wip_Message message = inp_Utils::MessageAtField(
         keyword, row, col,
-        isText ? "*MATERIAL \"" + name + "\" is kept as text; so is this keyword, which refers to it."
-               : Names().TextOfMissing(referable, name) + " The keyword is kept as text.");
+        isText
+            ? "*MATERIAL \"" + name + "\" is kept as text; so is this keyword, which refers to it."
+            : Names().TextOfMissing(referable, name) + " The keyword is kept as text.");
     if (isText)
       AddWarning(std::move(message));
     else
