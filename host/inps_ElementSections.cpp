@@ -82,10 +82,23 @@ bool inps_needsSection(const cow_String& type) {
   return (info.flags & needs) != 0 || (info.Is(inp_ElemFluid) && info.dimension == 3);
 }
 
+namespace {
+
+// Whether it is more than a mesh: what is to be analysed, or has a section that could not be used.
+bool isForAnalysis(const eds_ModelReader& model) {
+  for (const Kind kind : {Kind::SectionAssignment, Kind::Material, Kind::HistoryStep})
+    if (model.RecordCount(kind) > 0) return true;
+  return std::ranges::any_of(model.RecordIDs(Kind::VerbatimKeyword), [&](int64_t id) {
+    return inps_textOf(model, eds_VerbatimKeyword_Keyword, id).ends_with(" SECTION");
+  });
+}
+
+} // namespace
+
 inps_ModelSummary::Counts inps_elementsWithoutSection(const KvoObjDocument& document) {
   inps_ModelSummary::Counts without;
   const eds_ModelReader model(document);
-  if (model.RecordCount(Kind::SectionAssignment) == 0) return without;
+  if (!isForAnalysis(model)) return without;
   int64_t elements = 0;
   for (const int64_t id : model.RecordIDs(Kind::ElementBlock))
     if (inps_intOf(model, eds_ElementBlock_FlatFirst, id) >= 0)

@@ -18,8 +18,8 @@ void inps_forAssignedElements(const KvoObjDocument& document,
 // elements, substructures), which may need none.
 bool inps_needsSection(const cow_String& type);
 
-// The elements without a section by type, in the order of the mesh; nothing where the model has no
-// sections at all.
+// The elements without a section by type, in the order of the mesh; nothing where the model is a
+// mesh alone, without sections, used or not, materials and steps.
 inps_ModelSummary::Counts inps_elementsWithoutSection(const KvoObjDocument& document);
 // "12 elements have no section (C3D8R 10, S4R 2)"; empty where none lacks one.
 cow_String inps_withoutSectionText(const inps_ModelSummary::Counts& without);

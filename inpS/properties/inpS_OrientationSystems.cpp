@@ -25,9 +25,10 @@ cow_String inpS_OrientationSystems::Locate(const Data& data, const Place& place,
              std::to_string(node.label) + " does not exist";
   if (!data.IsRectangular()) {
     // Nodes of the flat mesh stand where their instance has them.
-    if (!areNodes)
-      for (int n = 0; n < 2; ++n)
-        place.system.TransformPoint(points[n][0], points[n][1], points[n][2]);
+    for (int n = 0; n < 2; ++n) {
+      if (!areNodes) place.system.TransformPoint(points[n][0], points[n][1], points[n][2]);
+      if (place.turns) inpS_OrientationAxes::ZeroSmallerThanTolerance(points[n]);
+    }
     return {};
   }
   for (int n = 0; n < 2; ++n) {

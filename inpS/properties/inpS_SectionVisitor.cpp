@@ -202,7 +202,8 @@ const inpS_SectionData& inpS_SectionVisitor::DataOf(const KvoSimPosition& owner)
 bool inpS_SectionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
   namespace K = eds_FormKind;
   CheckStackDirection(keyword);
-  if (isOneOf(form, K::SolidSectionComposite)) return CheckSolid(keyword);
+  if (isOneOf(form, K::SolidSectionComposite) && !CheckSolid(keyword)) return false;
+  if (form.info->record == K::SectionPly) return CheckLayup(keyword);
   if (isOneOf(form, K::ShellGeneralSectionStiffness)) return CheckShellStiffness(keyword);
   if (isOneOf(form, K::PretensionSection, K::PretensionSectionElement))
     return CheckPretension(keyword, form);
@@ -221,6 +222,34 @@ bool inpS_SectionVisitor::CheckSolid(const inp_Keyword& keyword) {
       keyword, "material",
       "MATERIAL and COMPOSITE parameters are mutually exclusive. The keyword is kept as text."));
   return false;
+}
+
+// Decided here: half a stack would be another structure, so that a ply whose material is not there
+// keeps the whole layup as text, as it does a section of one layer.
+bool inpS_SectionVisitor::CheckLayup(const inp_Keyword& keyword) {
+  const cow_List<eds_FormItem>& items = eds_formOf(eds_FormKind::SectionPly)->lines.front();
+  const auto material = std::ranges::find(items, "material", &eds_FormItem::name);
+  const int col = static_cast<int>(material - items.begin());
+  const eds_Referable& referable = *material->alternatives.front().referable;
+  const inp_DataArray& data = keyword.Data();
+  bool isSound = true;
+  for (long long row = 0; row < data.Rows(); ++row) {
+    if (col >= data.Cols(row) || !data.HasValue(row, col)) continue; // told with the line
+    const cow_String name(data.FieldText(row, col));
+    if (!Names().Find(referable, name).set.IsNull()) continue;
+    const bool isText = Inventory().NamesFor(keyword, inp_KwMaterial, name);
+    wip_Message message = inp_Utils::MessageAtField(
+        keyword, row, col,
+        isText
+            ? "*MATERIAL \"" + name + "\" is kept as text; so is this keyword, which refers to it."
+            : Names().TextOfMissing(referable, name) + " The keyword is kept as text.");
+    if (isText)
+      AddWarning(std::move(message));
+    else
+      AddError(std::move(message));
+    isSound = false;
+  }
+  return isSound;
 }
 
 void inpS_SectionVisitor::CheckStackDirection(const inp_Keyword& keyword) {
@@ -263,13 +292,42 @@ void inpS_SectionVisitor::CheckThermalForces(const inp_Keyword& keyword, long lo
 
 bool inpS_SectionVisitor::CheckPretension(const inp_Keyword& keyword, const inpS_Form& form) {
   const bool hasElement = keyword.HasParameter("element");
-  if (hasElement != keyword.HasParameter("surface"))
-    return IsMeshLeftOut() || (IsThere(keyword, form, "node") && IsThere(keyword, form, "element"));
+  if (hasElement != keyword.HasParameter("surface")) {
+    if (IsMeshLeftOut()) return true;
+    if (!IsThere(keyword, form, "node") || !IsThere(keyword, form, "element")) return false;
+    CheckPretensionParts(keyword);
+    return true;
+  }
   Error(keyword, hasElement ? "A pre-tension section is one of an element or of a surface, not of "
                               "both. The keyword is kept as text."
                             : "A pre-tension section needs an element or a surface. The keyword is "
                               "kept as text.");
   return false;
+}
+
+// Decided here: sets of more, or of none, and a second one of the same are told; they stay as they
+// are.
+void inpS_SectionVisitor::CheckPretensionParts(const inp_Keyword& keyword) {
+  const auto check = [&](const char* parameter, eds_FormType type, Kind kind, int membership) {
+    const inp_Item* item = keyword.Find(parameter);
+    if (!item || Names().FindLabel(type, item->Verbatim()).isNumber) return;
+    const Found found = FindField(kind, item->Verbatim());
+    if (found.set.IsNull()) return;
+    const KvoSimCSet stored = found.set.DataRecord().GetSet(membership);
+    const long long size = stored.IsNull() ? 0 : stored.Set().Size();
+    if (size != 1)
+      AddWarning(inp_Utils::MessageAtParameter(
+          keyword, parameter,
+          cow_String("A pre-tension section has one ") + parameter + ", and the set \"" +
+              item->Verbatim() + "\" has " + std::to_string(size) + "; it is taken as it stands."));
+  };
+  check("node", eds_FormType::Node, Kind::Nodes, eds_NodeSet_Membership);
+  check("element", eds_FormType::Element, Kind::Elements, eds_ElementSet_Membership);
+  cow_String key = std::to_string(Holder().Object().Packed());
+  for (const char* parameter : {"node", "element", "surface"})
+    key += "," + inp_Utils::Fold(keyword.StringOf(parameter, ""));
+  if (!m_pretensions.insert(key).second)
+    Warning(keyword, "The same pre-tension section is given already; both stay.");
 }
 
 // What the bolt is cut at, and the node that pulls it: it is no such thing without one of them.

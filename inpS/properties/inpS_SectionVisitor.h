@@ -3,6 +3,7 @@
 #include "inpS/forms/inpS_FormVisitor.h"
 #include "inpS/properties/inpS_SectionValues.h"
 #include <optional>
+#include <set>
 
 // How many dimensions a profile has that a word names; 0: it is given in some other way.
 int inpS_dimensionsOfProfile(const cow_String& word);
@@ -52,9 +53,11 @@ private:
   cow_List<KvoSimPosition> SpecsOf(const inp_Keyword& keyword, bool* isEmpty = nullptr);
   const inpS_SectionData& DataOf(const KvoSimPosition& owner);
   bool CheckSolid(const inp_Keyword& keyword);
+  bool CheckLayup(const inp_Keyword& keyword);
   bool CheckShellStiffness(const inp_Keyword& keyword);
   void CheckThermalForces(const inp_Keyword& keyword, long long row);
   bool CheckPretension(const inp_Keyword& keyword, const inpS_Form& form);
+  void CheckPretensionParts(const inp_Keyword& keyword);
   bool IsThere(const inp_Keyword& keyword, const inpS_Form& form, const char* parameter);
   bool MayLackLines(const inp_Keyword& keyword, const inpS_Form& form) const;
   bool CheckFluid(const inp_Keyword& keyword);
@@ -80,4 +83,5 @@ private:
 
   std::optional<inpS_SectionData> m_data; // of the owner at hand
   inpS_SectionValues m_values;
+  std::set<cow_String> m_pretensions; // by whose they are and what they name
 };

@@ -157,8 +157,17 @@ TEST_F(Sections, CheckCountsElementsWithoutAny) {
       "*ELEMENT, TYPE=R3D4\n11, 1, 2, 3, 4\n*ELEMENT, TYPE=DCOUP3D\n12, 1\n"
       "*USER ELEMENT, TYPE=U1, NODES=2, COORDINATES=3\n1, 2\n*ELEMENT, TYPE=U1\n13, 1, 2\n"
       "*ELEMENT, TYPE=MASS\n14, 1\n15, 2\n*ELEMENT, TYPE=SPRINGA, ELSET=S\n16, 1, 2\n";
-  EXPECT_EQ(ProgramRun({"check", Deck("none.inp", deck), "--no-kept"}).out.find("no section"),
-            cow_String::npos); // a deck without any leaves them to others
+  // A mesh alone leaves them to others.
+  const cow_String mesh = "*NODE\n1, 0.\n2, 1.\n*ELEMENT, TYPE=T3D2\n1, 1, 2\n";
+  for (const auto& [more, isTold] :
+       std::initializer_list<std::pair<const char*, bool>>{{"", false},
+                                                           {"*MATERIAL, NAME=M\n", true},
+                                                           {"*STEP\n*STATIC\n*END STEP\n", true},
+                                                           {"*SOLID SECTION, ELSET=NO\n", true}}) {
+    const ProgramRun run({"check", Deck("none.inp", mesh + more), "--no-kept"});
+    EXPECT_EQ(run.out.find("; 1 element has no section (T3D2 1)") != cow_String::npos, isTold)
+        << more << run.out;
+  }
   const cow_String some =
       Deck("some.inp", deck + "*SPRING, ELSET=S\n\n1.\n"
                               "*SHELL SECTION, ELSET=A, MATERIAL=STEEL\n1., 5\n");
