@@ -98,6 +98,7 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"Boundary.first", "4"},
     {"FluidBoundary.type", ""},
     {"FluidBoundary.target", "TOP"},
+    {"Foundation.label", "F1"},
     {"InitialContact.nodes", "NODES-1"},
     {"ConcentratedFlux.user", ""},
     {"InitialStress.section_points", ""},
