@@ -41,7 +41,8 @@ MESH = """*NODE
 """
 # There are steps without a procedure, perturbation steps of any, motions of any base, and a restart's
 # base may have been given something twice.
-NO_MATTER = "procedure|is no linear perturbation|makes a base named|made from a deck with errors"
+NO_MATTER = ("procedure|is no linear perturbation|makes a base named|made from a deck with errors|"
+             "makes no sense on elements")
 
 
 def examples(page):

@@ -197,6 +197,7 @@ def entries_of(mesh, keyword, step):
         amplitudes = words.get("PRESSURE AMPLITUDE") or words.get("ACCELERATION AMPLITUDE"), None
     without_lines = keyword.name in OF_ONE and ("FILE" in words or "USER" in words)
     alone = not of or (without_lines and not keyword.lines)
+    no_values = {"USER", "FILE", "SUBMODEL", "FIXED"} & words.keys()  # the lines' are not what holds
     values = {}  # of the lines that hold
     for fields, place in [([], 0)] if alone else zip(keyword.lines, keyword.places):
         targets, degrees, value = read_line(mesh, keyword, fields)
@@ -213,7 +214,7 @@ def entries_of(mesh, keyword, step):
                     said[where] = [entry]
                 elif rule == "both":
                     said[where].append(entry)
-                elif values[where] != written:  # the first holds
+                elif values[where] != written and not no_values:  # the first holds
                     twice.add((place, target[1]))
                 values.setdefault(where, written)
     return said, twice
