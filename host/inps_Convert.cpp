@@ -82,9 +82,9 @@ KvoObjDocument makeModel(const Path& target, bool force, KvoSize size) {
                  : KvoObjDocument::Create(target, size);
 }
 
-// A model that could not be opened again is none: whoever made it so, it is told here and not
-// later.
-void finish(KvoObjDocument& document) {
+// A restart changes what others have made. A model that could not be opened again is none: it is
+// told here and not later.
+void checkRestarted(const KvoObjDocument& document) {
   try {
     eds_checkRecords(document);
   } catch (const eds_DamagedFileException& damage) {
@@ -92,6 +92,9 @@ void finish(KvoObjDocument& document) {
         cow_String("the conversion would end with a damaged model, which is not kept: ") +
         damage.what());
   }
+}
+
+void finish(KvoObjDocument& document) {
   const bcu_MarkScope mark("inps-", "finish");
   document.Finish();
 }
@@ -172,6 +175,7 @@ private:
       throw eds_DamagedFileException("\"" + m_base->Name() + "\" has no mesh from which to go on");
     inps_warnOfOutcome(document, *m_base, m_run);
     const bool clean = conversion.ConvertRestart(document);
+    checkRestarted(document);
     finish(document);
     std::error_code ignored;
     m_isBaseKept = (!clean || m_run.Reporter().Errors() > 0) &&
