@@ -36,7 +36,7 @@ public:
   KvoSimPosition Position() const; // the stored set
 
   const eds_MemberSet& Set() const&; // lives as long as this does
-  eds_MemberSet Set() const&&; // a copy, of one that does not last
+  eds_MemberSet Set() const&&;       // a copy, of one that does not last
   int64_t Size() const { return Set().Size(); }
   bool IsEmpty() const { return Size() == 0; }
   bool IsMember(int32_t member) const { return Set().IsMember(member); }

@@ -68,7 +68,7 @@ protected:
   KvoSimPosition Convert(const inp_Keyword& keyword, const KvoSimPosition& owner, eds_Member member,
                          const inp_Keyword* parent);
   void SetToldOfNone() { m_isToldOfNone = true; } // in Choose: why there is no form
-  bool IsNaming() const { return m_isNaming; } // of the two walks the first one
+  bool IsNaming() const { return m_isNaming; }    // of the two walks the first one
 
   // The record of the step that is open; null: none is, or it is kept as text.
   const KvoSimPosition& OpenStep() const { return m_step; }

@@ -20,12 +20,12 @@ public:
   static int FieldTypeNamed(std::string_view name); // -1: none
 
   int NumFieldTypes() const { return static_cast<int>(m_fieldTypes.size()); }
-  int FieldType(int column) const;               // its place in the list of the twelve
-  cow_String ColumnName(int column) const;       // "LENGTH"; "MODULUS1" where there are several
-  int FirstComponent(int column) const;          // among all components of a row
+  int FieldType(int column) const;         // its place in the list of the twelve
+  cow_String ColumnName(int column) const; // "LENGTH"; "MODULUS1" where there are several
+  int FirstComponent(int column) const;    // among all components of a row
   int FirstComponentOf(std::string_view fieldType) const; // of its first column; -1: there is none
-  int TotalNumComponents() const;                // of a row
-  cow_List<cow_String> GetAllComponents() const; // their names: "RATIO", "COORD3D1_2"
+  int TotalNumComponents() const;                         // of a row
+  cow_List<cow_String> GetAllComponents() const;          // their names: "RATIO", "COORD3D1_2"
 
 private:
   cow_List<int> m_fieldTypes;

@@ -32,10 +32,10 @@ struct inpS_ActingDescription {
   bool hasAmplitudeEnded = false; // it was that of an earlier step, over its step time
   cow_String filmAmplitude;       // of a film's coefficient
   bool hasFilmAmplitudeEnded = false;
-  cow_String base;                // that a base motion moves; empty: the primary one, or none
-  bool isAlongLocalAxes = false;  // its nodes are transformed
-  long long fromStep = 0;         // 0: before the first
-  const char* how = "given";      // "carried", "held"
+  cow_String base;               // that a base motion moves; empty: the primary one, or none
+  bool isAlongLocalAxes = false; // its nodes are transformed
+  long long fromStep = 0;        // 0: before the first
+  const char* how = "given";     // "carried", "held"
   cow_String loadCase;
   bool isImaginary = false;
 };

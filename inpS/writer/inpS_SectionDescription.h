@@ -16,10 +16,10 @@ struct inpS_SectionDescription {
     Nodal         // likewise, by node
   };
   KvoSimPosition section;
-  cow_String name;    // "Section-PANEL-SKIN"
-  cow_String variant; // "SHELL SECTION, COMPOSITE"
-  cow_String set;     // of an instance: "PANEL-1.SKIN"
-  cow_String material; // or gasket behaviour; a layup's: those of its plies, each once
+  cow_String name;        // "Section-PANEL-SKIN"
+  cow_String variant;     // "SHELL SECTION, COMPOSITE"
+  cow_String set;         // of an instance: "PANEL-1.SKIN"
+  cow_String material;    // or gasket behaviour; a layup's: those of its plies, each once
   cow_String orientation; // a connector's: of both its ends
   int plies = 0;          // as given, so half of them where the layup is symmetric
   long long elements = 0; // in the flat mesh: a part's count once for each instance
