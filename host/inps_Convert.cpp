@@ -161,9 +161,6 @@ private:
     } catch (const utl_FileException&) { // of the deck
       document.GiveUp();
       throw;
-    } catch (const eds_DamagedFileException&) { // of what was made of it
-      document.GiveUp();
-      throw;
     }
     Summarize(document);
     document.Close();

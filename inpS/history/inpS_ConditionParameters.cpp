@@ -13,9 +13,7 @@ namespace {
 // Of a parameter that the form knows; one that it does not is told by others, and kept.
 const inp_Item* given(const inp_Keyword& keyword, const inpS_Form& form,
                       const cow_String& parameter) {
-  const bool isChoice = std::ranges::find(form.selectors, parameter, &inpS_Form::Selector::key) !=
-                        form.selectors.end();
-  return form.Binds(parameter) || isChoice ? keyword.Find(parameter) : nullptr;
+  return form.Binds(parameter) || form.IsChosenBy(parameter) ? keyword.Find(parameter) : nullptr;
 }
 
 void tellBelow(const inp_Keyword& keyword, const inpS_Form& form, const char* parameter,
