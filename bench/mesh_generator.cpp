@@ -128,7 +128,7 @@ void writeBrick(DeckFile& deck, Label label, std::size_t side, std::size_t first
   deck.Text("\n");
 }
 
-void writeBricks(DeckFile& deck, std::size_t n, Labels kind) {
+void writeBricks(DeckFile& deck, std::size_t n, Labels kind, std::string_view type = "C3D8") {
   Random random;
   const std::size_t side = n + 1;
   const std::vector<Label> nodes = makeLabels(kind, side * side * side, random);
@@ -144,7 +144,7 @@ void writeBricks(DeckFile& deck, std::size_t n, Labels kind) {
         for (std::size_t place : {i, j, k}) deck.Text(", ").Real(grid.Coordinate(place));
         deck.Text("\n");
       }
-  deck.Text("*ELEMENT, TYPE=C3D8, ELSET=CUBE\n");
+  deck.Text("*ELEMENT, TYPE=").Text(type).Text(", ELSET=CUBE\n");
   next = 0;
   for (std::size_t k = 0; k < n; ++k)
     for (std::size_t j = 0; j < n; ++j)
@@ -463,7 +463,7 @@ void writeConditions(DeckFile& deck, std::size_t count, bool hasConditions) {
   constexpr std::uint32_t side = keywordCells + 1;
   constexpr std::uint32_t nodes = side * side * side;
   constexpr std::uint32_t bricks = keywordCells * keywordCells * keywordCells;
-  writeBricks(deck, keywordCells, Labels::Order);
+  writeBricks(deck, keywordCells, Labels::Order, "C3D8T"); // loaded by forces and by heat
   for (std::size_t surface = 1; surface <= surfaces; ++surface)
     deck.Text("*SURFACE, NAME=TOP-").Integer(surface).Text("\n").Integer(surface).Text(", S2\n");
   Random random;

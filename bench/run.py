@@ -84,6 +84,8 @@ class Bench:
         path = self.folder / "deck.inp"
         say("deck " + " ".join(map(str, words)))
         Run([self.generator, words[0], words[1], path, *words[2:]])
+        if " warning: " in Run([self.inps, "check", path]).output:  # to tell them takes time
+            raise Failed("a deck that is measured has warnings: " + " ".join(map(str, words)))
         return path
 
     def convert(self, deck, processors, sizes=None):

@@ -22,9 +22,27 @@ int restraintOf(std::string_view word) {
 
 } // namespace
 
-inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
-                                       const inpS_ExcitationKind& kind)
-    : m_record(record.DataRecord()), m_kind(kind), m_isNamed(kind.named != nullptr) {
+void inpS_ConditionRows::Piece::Clear() {
+  latest.fill({});
+  placeOf.clear();
+  known.clear();
+  values.clear();
+  for (cow_List<int>* column : {&targets, &looks, &first, &last, &label, &words}) column->clear();
+}
+
+void inpS_ConditionRows::Open(const KvoSimPosition& record, const inpS_ExcitationKind& kind) {
+  m_record = record.DataRecord();
+  m_kind = &kind;
+  m_isNamed = kind.named != nullptr;
+  m_count = m_next = m_loaded = 0;
+  m_own.Clear();
+  for (Ints* column : {&m_target, &m_first, &m_last, &m_label}) column->reset();
+  m_value.reset();
+  m_looks.clear();
+  m_lookOf.clear();
+  m_labels.clear();
+  m_firstWords.clear();
+  m_restraints.clear();
   if (kind.info->data != eds_FormData::Columns) {
     m_count = 1; // one that needs no rows
     if (kind.lineSurface >= 0)
@@ -32,10 +50,14 @@ inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
     return;
   }
   m_count = m_record.GetInt64(kind.info->rowsField);
-  if (m_count == 0 && kind.ActsWithoutRows(m_record)) {
+  if (m_count == 0 && kind.ActsWithoutRows(m_record))
     m_count = 1; // all of the model
-    return;
-  }
+  else
+    OpenColumns();
+}
+
+void inpS_ConditionRows::OpenColumns() {
+  const inpS_ExcitationKind& kind = *m_kind;
   const auto open = [&](Ints& ints, int column) {
     if (column < 0) return;
     const eds_FormItem& item = itemOf(kind, column);
@@ -65,8 +87,8 @@ inpS_ConditionRows::inpS_ConditionRows(const KvoSimPosition& record,
 }
 
 bool inpS_ConditionRows::HasOneValue(double& value) const {
-  if (m_kind.value < 0) return false;
-  const eds_FormItem& item = itemOf(m_kind, m_kind.value);
+  if (m_kind->value < 0) return false;
+  const eds_FormItem& item = itemOf(*m_kind, m_kind->value);
   const int field = item.alternatives.front().field;
   if (m_record.IsMemberNull(field)) return false;
   value = m_record.GetDouble(field);
@@ -74,8 +96,8 @@ bool inpS_ConditionRows::HasOneValue(double& value) const {
 }
 
 KvoSimPosition inpS_ConditionRows::Values() const {
-  return m_kind.value < 0 ? KvoSimPosition()
-                          : m_record.GetReference(itemOf(m_kind, m_kind.value).arrayField);
+  return m_kind->value < 0 ? KvoSimPosition()
+                           : m_record.GetReference(itemOf(*m_kind, m_kind->value).arrayField);
 }
 
 cow_String inpS_ConditionRows::Label(int place) const {
@@ -93,6 +115,18 @@ void inpS_ConditionRows::Load() {
   while (m_looks.size() < m_own.known.size()) LookOf(m_own.known[m_looks.size()]);
 }
 
+const inpS_ConditionRows::Piece* inpS_ConditionRows::Whole() {
+  if (PieceCount() > 1) return nullptr;
+  if (m_loaded < m_count) Load();
+  return &m_own;
+}
+
+// What is loaded serves once more where it is all.
+void inpS_ConditionRows::Rewind() {
+  if (PieceCount() > 1) m_loaded = 0;
+  m_next = 0;
+}
+
 std::size_t inpS_ConditionRows::PieceCount() const {
   const long long rows = utl_blockSize(kPiece);
   return static_cast<std::size_t>((m_count + rows - 1) / rows);
@@ -100,7 +134,7 @@ std::size_t inpS_ConditionRows::PieceCount() const {
 
 void inpS_ConditionRows::ReadLooks(std::size_t number, Piece& piece) {
   constexpr std::size_t mostKnown = 4096; // each costs whoever counts rows by look
-  if (piece.known.size() > mostKnown) piece = {};
+  if (piece.known.size() > mostKnown) piece.Clear();
   const long long begin = static_cast<long long>(number) * utl_blockSize(kPiece);
   ReadRows(begin, std::min(m_count, begin + utl_blockSize(kPiece)), piece);
 }
@@ -113,7 +147,7 @@ void inpS_ConditionRows::ReadRows(long long begin, long long end, Piece& piece) 
   };
   piece.firstRow = begin;
   read(m_target, m_isNamed ? piece.words : piece.targets);
-  if (m_kind.lineSurface >= 0) // each names its own
+  if (m_kind->lineSurface >= 0) // each names its own
     for (std::size_t n = 0; n < count; ++n)
       piece.targets[n] = static_cast<int>(-1 - begin - static_cast<long long>(n));
   read(m_first, piece.first);
@@ -122,7 +156,7 @@ void inpS_ConditionRows::ReadRows(long long begin, long long end, Piece& piece) 
   if (m_isNamed) {
     piece.targets.resize(count);
     for (std::size_t n = 0; n < count; ++n)
-      piece.targets[n] = m_kind.named->Of(piece.words[n], piece.label[n]).target;
+      piece.targets[n] = m_kind->named->Of(piece.words[n], piece.label[n]).target;
   }
   FindLooks(count, piece);
 }
@@ -185,7 +219,7 @@ int inpS_ConditionRows::LookOf(const Codes& codes) {
 inpS_ConditionRow inpS_ConditionRows::MakeLook(const Codes& codes) {
   inpS_ConditionRow row;
   if (codes.label < 0 && codes.label != inp_blankInt) row.label = -1 - codes.label;
-  if (m_isNamed && m_kind.named->Of(codes.target, codes.label).type != m_kind.namedType)
+  if (m_isNamed && m_kind->named->Of(codes.target, codes.label).type != m_kind->namedType)
     row.degrees = 0; // one of another type
   if (m_first) SetDegrees(row, codes);
   return row;
@@ -201,7 +235,7 @@ int inpS_ConditionRows::RestraintOf(int code) const {
 void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, const Codes& codes) const {
   row.degrees = 0;
   if (codes.first == inp_blankInt) {
-    row.degrees = m_kind.BlankDegree();
+    row.degrees = m_kind->BlankDegree();
     return;
   }
   if (codes.first >= 0) {

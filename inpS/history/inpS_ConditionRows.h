@@ -23,7 +23,12 @@ struct inpS_ConditionRow {
 // The rows of a record: one after the other, or by the piece on several threads at once.
 class inpS_ConditionRows {
 public:
-  inpS_ConditionRows(const KvoSimPosition& record, const inpS_ExcitationKind& kind);
+  inpS_ConditionRows() = default;
+  inpS_ConditionRows(const KvoSimPosition& record, const inpS_ExcitationKind& kind) {
+    Open(record, kind);
+  }
+  // Those of another record; who goes through many small ones needs no memory for each.
+  void Open(const KvoSimPosition& record, const inpS_ExcitationKind& kind);
 
   long long Count() const { return m_count; }
   bool Next(inpS_ConditionRow& row) {
@@ -59,8 +64,12 @@ public:
     std::array<Latest, 32> latest{};
     cow_Map<Codes, int> placeOf;
     cow_List<int> first, last, label, words;
+
+    void Clear(); // and keeps its memory
   };
   std::size_t PieceCount() const;
+  const Piece* Whole(); // all rows with their values; null: they are more than a piece
+  void Rewind();        // the first row comes next
   // All but the values, on any thread, each with a piece of its own.
   void ReadLooks(std::size_t number, Piece& piece);
   double ValueOf(long long row, const inpS_ConditionRow& look);
@@ -74,6 +83,7 @@ public:
   KvoSimPosition Values() const; // their array; null: it has none
 
 private:
+  void OpenColumns();
   void Load();
   void ReadRows(long long begin, long long end, Piece& piece);
   void FindLooks(std::size_t count, Piece& piece) const;
@@ -83,7 +93,7 @@ private:
   void SetDegrees(inpS_ConditionRow& row, const Codes& codes) const;
 
   KvoSimDataRecord m_record;
-  const inpS_ExcitationKind& m_kind;
+  const inpS_ExcitationKind* m_kind = nullptr;
   bool m_isNamed = false; // targets are words, and some rows those of another type
   long long m_count = 0;
   long long m_next = 0;

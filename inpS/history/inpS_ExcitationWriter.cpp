@@ -101,9 +101,10 @@ cow_List<inpS_ExcitationWriter::Part> inpS_ExcitationWriter::PartsOf(const inpS_
 
 void inpS_ExcitationWriter::WriteSource(std::size_t place) {
   const inpS_InForce::Source& source = m_inForce.Sources()[place];
+  m_rows.Open(source.record, *source.kind);
   Current current{place,
                   source,
-                  inpS_ConditionRows(source.record, *source.kind),
+                  m_rows,
                   inpS_ConditionTargets(source.record, *source.kind),
                   source.rows <= kFewRows,
                   0,

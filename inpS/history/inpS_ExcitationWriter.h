@@ -34,7 +34,7 @@ private:
   struct Current {
     std::size_t place;
     const inpS_InForce::Source& source;
-    inpS_ConditionRows rows;
+    inpS_ConditionRows& rows;
     inpS_ConditionTargets targets;
     bool isSmall;   // each row has a relay
     long long sets; // rows of sets so far
@@ -77,6 +77,7 @@ private:
 
   const KvoObjDocument& m_document;
   KvoSimPosition m_model;
+  inpS_ConditionRows m_rows; // of the current record
   inpS_InForce& m_inForce;
   inpS_InForce::Pieces m_pieces;
   long long m_number; // of the next excitation; others stand already

@@ -70,38 +70,45 @@ cow_List<RowFacts> factsOf(inpS_ConditionRows& rows) {
     inpS_ConditionRows::Piece piece;
     cow_List<RowFacts> facts;
   };
-  const std::size_t pieces = rows.PieceCount();
-  cow_List<Slot> slots(std::min(pieces, utl_slotCount()));
   cow_List<RowFacts> all;
-  const auto join = [&](const Slot& slot) {
-    for (std::size_t n = 0; n < slot.facts.size(); ++n) {
-      if (slot.facts[n].rows.count == 0) continue;
-      const auto look = static_cast<std::size_t>(rows.LookOf(slot.piece.known[n]));
+  const auto join = [&](const inpS_ConditionRows::Piece& piece, const cow_List<RowFacts>& facts) {
+    for (std::size_t n = 0; n < facts.size(); ++n) {
+      if (facts[n].rows.count == 0) continue;
+      const auto look = static_cast<std::size_t>(rows.LookOf(piece.known[n]));
       if (look < all.size()) {
-        all[look].Join(slot.facts[n]);
+        all[look].Join(facts[n]);
         continue;
       }
-      inpS_InForce::Source::Rows& first = all.emplace_back(slot.facts[n]).rows;
+      inpS_InForce::Source::Rows& first = all.emplace_back(facts[n]).rows;
       const int target = first.first.target;
       first.first = rows.Looks()[look];
       first.first.target = target;
       first.first.value = rows.ValueOf(first.firstRow, first.first);
     }
   };
-  utl_orderedBlocks(
-      pieces,
-      [&](std::size_t n, std::size_t slot) {
-        rows.ReadLooks(n, slots[slot].piece);
-        count(slots[slot].piece, slots[slot].facts);
-      },
-      [&](std::size_t, std::size_t slot) { join(slots[slot]); });
+  if (const inpS_ConditionRows::Piece* whole = rows.Whole()) {
+    cow_List<RowFacts> facts;
+    count(*whole, facts);
+    join(*whole, facts);
+  } else {
+    const std::size_t pieces = rows.PieceCount();
+    cow_List<Slot> slots(std::min(pieces, utl_slotCount()));
+    utl_orderedBlocks(
+        pieces,
+        [&](std::size_t n, std::size_t slot) {
+          rows.ReadLooks(n, slots[slot].piece);
+          count(slots[slot].piece, slots[slot].facts);
+        },
+        [&](std::size_t, std::size_t slot) { join(slots[slot].piece, slots[slot].facts); });
+  }
   for (RowFacts& fact : all)
     if (fact.rows.first.degrees == 0) fact = {}; // says nothing that can act
   return all;
 }
 
 // Whether rows of looks that share degrees are in ascending order of their targets all the same.
-bool areAscending(inpS_ConditionRows rows) {
+bool areAscending(inpS_ConditionRows& rows) {
+  rows.Rewind();
   std::array<int, 64> last;
   last.fill(-1);
   inpS_ConditionRow row;
@@ -114,7 +121,8 @@ bool areAscending(inpS_ConditionRows rows) {
   return true;
 }
 
-bool haveOneValue(inpS_ConditionRows rows) {
+bool haveOneValue(inpS_ConditionRows& rows) {
+  rows.Rewind();
   inpS_ConditionRow row;
   std::optional<double> value;
   while (rows.Next(row)) {
@@ -127,7 +135,7 @@ bool haveOneValue(inpS_ConditionRows rows) {
 
 // Whether the rows of one record can name a target and degree twice: with different values where
 // the first one holds, for what the later one says beside its value holds, too.
-bool mayMeet(const cow_List<RowFacts>& facts, const KvoSimPosition& record, const Kind& kind) {
+bool mayMeet(const cow_List<RowFacts>& facts, inpS_ConditionRows& given, const Kind& kind) {
   bool isUnique = true, share = false;
   cow_Map<int, uint64_t> degrees; // by label: rows of different ones do not meet
   long long rows = 0;
@@ -139,9 +147,9 @@ bool mayMeet(const cow_List<RowFacts>& facts, const KvoSimPosition& record, cons
     share |= (known & fact.rows.first.degrees) != 0;
     known |= fact.rows.first.degrees;
   }
-  const bool mayShare = share && (degrees.size() > 1 || !areAscending({record, kind}));
+  const bool mayShare = share && (degrees.size() > 1 || !areAscending(given));
   if (rows < 2 || (isUnique && !mayShare)) return false;
-  return kind.twice != Kind::Twice::First || !haveOneValue({record, kind});
+  return kind.twice != Kind::Twice::First || !haveOneValue(given);
 }
 
 } // namespace
@@ -205,7 +213,9 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
 
   Arrival arrival(m_sources.back(), number);
   arrival.isOwn = isOwn;
-  bool meets = Survey(arrival);
+  inpS_ConditionRows& rows = m_rows;
+  rows.Open(record, kind);
+  bool meets = Survey(arrival, rows);
   for (std::size_t n = 0; n < arrival.keys.size(); ++n) {
     if (arrival.keys[n].empty()) continue;
     Bucket& own = family.buckets[arrival.keys[n]];
@@ -226,7 +236,7 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
     if (meets && held) Index(*held, arrival.keys[n]);
   }
   if (!meets) return;
-  inpS_ConditionRows rows(record, kind);
+  rows.Rewind();
   for (; rows.Next(arrival.what); ++arrival.row) {
     arrival.values.push_back(arrival.what.value);
     arrival.isDuplicate = false;
@@ -243,8 +253,7 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
 }
 
 // Which labels there are, and whether rows of the record may meet one another.
-bool inpS_InForce::Survey(Arrival& arrival) {
-  inpS_ConditionRows rows(arrival.record, arrival.kind);
+bool inpS_InForce::Survey(Arrival& arrival, inpS_ConditionRows& rows) {
   Source& source = m_sources[static_cast<std::size_t>(arrival.number)];
   source.rows = rows.Count();
   const cow_String part = arrival.kind.PartOf(arrival.record.DataRecord());
@@ -261,7 +270,7 @@ bool inpS_InForce::Survey(Arrival& arrival) {
   }
   if (namesRegions) source.looks = {};
   arrival.buckets.resize(arrival.keys.size());
-  return arrival.kind.twice != Kind::Twice::Add && mayMeet(facts, arrival.record, arrival.kind);
+  return arrival.kind.twice != Kind::Twice::Add && mayMeet(facts, rows, arrival.kind);
 }
 
 inpS_InForce::Region inpS_InForce::RegionOf(const inpS_ExcitationKind& kind, int target,

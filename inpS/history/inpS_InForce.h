@@ -131,7 +131,7 @@ private:
   static long long KeyOf(const inpS_ExcitationKind& kind, long long variable) {
     return kind.number + (variable << 8);
   }
-  bool Survey(Arrival& arrival);
+  bool Survey(Arrival& arrival, inpS_ConditionRows& rows);
   void Index(Bucket& bucket, const cow_String& key);
   using Lost = std::unordered_map<int, uint64_t>; // degrees by node
   void Insert(Bucket& bucket, int source, long long row, const Region& region, uint64_t degrees,
@@ -151,6 +151,7 @@ private:
 
   std::shared_ptr<const inpS_NamedTargets::Names> m_names; // that kinds look up
   cow_List<std::shared_ptr<const inpS_ExcitationKind>> m_kinds;
+  inpS_ConditionRows m_rows; // of the source that comes
   long long m_nodes, m_elements;
   int m_step = 0;
   bool m_isPerturbation = false;
