@@ -137,6 +137,8 @@ eds_FormItem itemOf(std::string_view text) {
   }
   const std::size_t colon = text.find(':');
   item.name = text.substr(0, colon);
+  item.isLate = item.name.ends_with('+');
+  if (item.isLate) item.name.pop_back();
   const std::string_view types = colon == text.npos ? text : text.substr(colon + 1);
   for (const std::string_view type : piecesOf(types, '|'))
     item.alternatives.push_back(alternativeOf(type));
@@ -294,8 +296,9 @@ private:
   // The first type's field has the item's name, the others that of their type behind it.
   void AddItem(eds_FormItem& item) {
     for (eds_FormItem::Alternative& one : item.alternatives) {
+      one.isLate = one.isLate || item.isLate;
       const bool isFirst = &one == &item.alternatives.front();
-      if (isFirst || !one.isLate) AddValue(item, one);
+      if ((isFirst && !item.isLate) || !one.isLate) AddValue(item, one);
       if (!one.isLate) AddInstance(item, one);
     }
   }
@@ -304,7 +307,7 @@ private:
   void AddLate(eds_FormItem& item) {
     for (eds_FormItem::Alternative& one : item.alternatives) {
       if (!one.isLate) continue;
-      if (&one != &item.alternatives.front()) AddValue(item, one);
+      if (item.isLate || &one != &item.alternatives.front()) AddValue(item, one);
       AddInstance(item, one);
     }
   }

@@ -55,6 +55,7 @@ struct eds_FormItem {
   double unset = 0;                   // what a number reads as that was never set
   bool isParameter = true;
   bool isRequired = false;
+  bool isLate = false; // as of its types: all of its fields
   // Of a bulk column: short ones as bytes, others as an array; one that has the same value in all
   // rows has it in the field of its name.
   int fewField = -1;

@@ -18,26 +18,27 @@ cow_String faceOf(const inp_DataArray& data, long long line) {
 
 } // namespace
 
-// The line of a row; -1: the keyword's lines are not the record's rows, as after a restart.
-long long inpS_DuplicateReport::LineOf(const Given& given,
-                                       const inpS_DuplicateCondition& duplicate) {
-  const KvoSimDataRecord record = duplicate.record.DataRecord();
-  const eds_FormInfo* form = eds_formOf(duplicate.record.Object().RecordKind());
+// The lines of a record's rows; none: the keyword's lines are not its rows, as after a restart.
+cow_List<long long> inpS_DuplicateReport::LinesOf(const Given& given,
+                                                  const KvoSimPosition& record) {
+  const eds_FormInfo* form = eds_formOf(record.Object().RecordKind());
   const inp_DataArray& data = given.keyword->Data();
   auto refused = given.refused.begin();
-  long long rows = 0;
-  long long line = -1;
+  cow_List<long long> lines;
   for (long long n = 0; n < data.Rows(); ++n) {
     const bool isRefused = refused != given.refused.end() && *refused == n;
     if (isRefused) ++refused;
-    if (isRefused || inpS_KeywordReader::IsBlankRow(data, n)) continue;
-    if (rows++ == duplicate.row) line = n;
+    if (!isRefused && !inpS_KeywordReader::IsBlankRow(data, n)) lines.push_back(n);
   }
-  return form && rows == record.GetInt64(form->rowsField) ? line : -1;
+  const bool areRows =
+      form && static_cast<long long>(lines.size()) == record.DataRecord().GetInt64(form->rowsField);
+  return areRows ? lines : cow_List<long long>();
 }
 
 bool inpS_DuplicateReport::Report(const cow_List<inpS_DuplicateCondition>& duplicates) const {
   inp_Visitor messages;
+  KvoSimPosition record; // those of one stand together
+  cow_List<long long> lines;
   for (const inpS_DuplicateCondition& duplicate : duplicates) {
     const auto given = m_keywords.find(duplicate.record.Object().Packed());
     if (given == m_keywords.end()) continue;
@@ -45,7 +46,12 @@ bool inpS_DuplicateReport::Report(const cow_List<inpS_DuplicateCondition>& dupli
     cow_String labels;
     for (const int label : duplicate.labels)
       labels += (labels.empty() ? "" : ", ") + std::to_string(label);
-    const long long line = LineOf(given->second, duplicate);
+    if (!(record == duplicate.record)) {
+      record = duplicate.record;
+      lines = LinesOf(given->second, record);
+    }
+    const auto row = static_cast<std::size_t>(duplicate.row);
+    const long long line = row < lines.size() ? lines[row] : -1;
     const bool isOfFaces = duplicate.isOfElements;
     const cow_String face = isOfFaces && line >= 0 ? faceOf(keyword.Data(), line) : cow_String();
     const cow_String text = "Duplicate Boundary condition specified for " + face +

@@ -20,7 +20,7 @@ private:
     const inp_Keyword* keyword;
     cow_List<long long> refused;
   };
-  static long long LineOf(const Given& given, const inpS_DuplicateCondition& duplicate);
+  static cow_List<long long> LinesOf(const Given& given, const KvoSimPosition& record);
 
   std::unordered_map<unsigned long long, Given> m_keywords; // by record
 };

@@ -4,7 +4,6 @@
 #include <array>
 #include <bit>
 #include <optional>
-#include <tuple>
 #include <utility>
 
 namespace {
@@ -154,6 +153,25 @@ bool mayMeet(const cow_List<RowFacts>& facts, inpS_ConditionRows& given, const K
 
 } // namespace
 
+struct inpS_InForce::Met {
+  std::unordered_map<int, uint64_t> lost; // degrees by node, that have another value
+  // Entries of nodes, and degrees, that have the same.
+  std::unordered_map<int, cow_List<std::pair<int, uint64_t>>> again;
+  int largeAgain = -1; // the large set that is said over again as a whole
+  bool isAllLost = false;
+
+  void Clear() {
+    lost.clear();
+    again.clear();
+    largeAgain = -1;
+    isAllLost = false;
+  }
+  uint64_t LostOf(int node) const {
+    const auto found = lost.find(node);
+    return found == lost.end() ? 0 : found->second;
+  }
+};
+
 struct inpS_InForce::Arrival {
   Arrival(const Source& source, int place)
       : number(place), kind(*source.kind),
@@ -171,8 +189,7 @@ struct inpS_InForce::Arrival {
   cow_List<double> values; // of its rows so far
   long long row = 0;
   inpS_ConditionRow what;
-  bool isDuplicate = false; // the row has been told
-  Lost lost;                // of the row, to earlier ones of the record
+  Met met; // of the row, among earlier ones of the record
 };
 
 void inpS_InForce::BeginStep(int number, bool isPerturbation) {
@@ -239,14 +256,14 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
   rows.Rewind();
   for (; rows.Next(arrival.what); ++arrival.row) {
     arrival.values.push_back(arrival.what.value);
-    arrival.isDuplicate = false;
-    arrival.lost.clear();
+    arrival.met.Clear();
     if (arrival.what.degrees == 0) continue;
     const auto [own, held] = arrival.buckets[static_cast<std::size_t>(arrival.what.label + 1)];
     const Region region = RegionOf(kind, arrival.what.target, arrival.targets);
-    Meet(*own, arrival, region);
-    if (held) Meet(*held, arrival, region);
-    Insert(*own, number, arrival.row, region, arrival.what.degrees, arrival.lost);
+    Meet(*own, arrival, region, false);
+    if (held) Meet(*held, arrival, region, true);
+    Insert(*own, number, arrival.row, region, arrival.what.degrees, &arrival.met);
+    TellLost(arrival);
   }
   for (const auto& [own, held] : arrival.buckets)
     if (own) Settle(*own);
@@ -307,34 +324,48 @@ void inpS_InForce::Index(Bucket& bucket, const cow_String& key) {
       if (place >= isOfBucket.size()) isOfBucket.resize(place + 1);
       if (isOfBucket[place] == 0) isOfBucket[place] = part + rows.Label(row.label) == key ? 2 : 1;
       if (isOfBucket[place] == 2)
-        Insert(bucket, number, n, RegionOf(*source.kind, row.target, targets), row.degrees, {});
+        Insert(bucket, number, n, RegionOf(*source.kind, row.target, targets), row.degrees,
+               nullptr);
     }
   }
 }
 
 void inpS_InForce::Insert(Bucket& bucket, int source, long long row, const Region& region,
-                          uint64_t degrees, const Lost& lost) {
-  const auto enter = [&](int node) {
-    const auto gone = lost.find(node);
-    const uint64_t left = gone == lost.end() ? degrees : degrees & ~gone->second;
-    if (left == 0) return;
-    Bucket::Head& head = bucket.heads[node];
-    bucket.entries.push_back({source, head.entry, row, left});
-    head.entry = static_cast<int>(bucket.entries.size()) - 1;
-  };
-  if (!region.members) return enter(region.point);
+                          uint64_t degrees, const Met* met) {
+  const Entry entry{source, -1, -1, row, degrees};
+  if (!region.members) return Enter(bucket, entry, region.point, met);
   const long long size = region.members->Size();
-  if (size > kSmallSet || m_spread + size > kMostSpread) {
-    InsertLarge(bucket, {source, row, degrees, *region.members, {}}, lost);
-    return;
-  }
+  if (size > kSmallSet || m_spread + size > kMostSpread)
+    return InsertLarge(bucket, {source, row, degrees, *region.members, {}, {}}, met);
   m_spread += size;
-  for (long long n = 0; n < size; ++n) enter((*region.members)[n]);
+  for (long long n = 0; n < size; ++n) Enter(bucket, entry, (*region.members)[n], met);
 }
 
-void inpS_InForce::InsertLarge(Bucket& bucket, Large large, const Lost& lost) {
+void inpS_InForce::Enter(Bucket& bucket, Entry entry, int node, const Met* met) {
+  const auto put = [&](uint64_t degrees, int& chain) {
+    const int behind = std::exchange(chain, static_cast<int>(bucket.entries.size()));
+    bucket.entries.push_back({entry.source, behind, -1, entry.row, degrees});
+  };
+  uint64_t left = entry.degrees;
+  if (met) {
+    left &= ~met->LostOf(node);
+    if (const auto again = met->again.find(node); again != met->again.end())
+      for (const auto& [first, degrees] : again->second) {
+        int chain = bucket.entries[static_cast<std::size_t>(first)].again;
+        put(degrees, chain);
+        bucket.entries[static_cast<std::size_t>(first)].again = chain;
+        left &= ~degrees;
+      }
+  }
+  if (left != 0) put(left, bucket.heads[node].entry);
+}
+
+void inpS_InForce::InsertLarge(Bucket& bucket, Large large, const Met* met) {
+  if (met && met->largeAgain >= 0 && met->lost.empty())
+    return bucket.large[static_cast<std::size_t>(met->largeAgain)].again.push_back(large.row);
   cow_Map<uint64_t, cow_List<int32_t>> gone; // by degrees
-  for (const auto& [node, degrees] : lost) gone[degrees & large.degrees].push_back(node);
+  if (met)
+    for (const auto& [node, degrees] : met->lost) gone[degrees & large.degrees].push_back(node);
   const std::size_t place = bucket.large.size();
   bucket.large.push_back(std::move(large));
   for (auto& [degrees, nodes] : gone)
@@ -343,31 +374,55 @@ void inpS_InForce::InsertLarge(Bucket& bucket, Large large, const Lost& lost) {
 
 // ---- what comes meets what is there
 
-void inpS_InForce::Meet(Bucket& bucket, Arrival& arrival, const Region& region) {
+void inpS_InForce::Meet(Bucket& bucket, Arrival& arrival, const Region& region, bool isHeld) {
   if (!region.members) {
-    MeetPoint(bucket, arrival, region.point);
-    for (Large& large : bucket.large)
-      if ((large.degrees & arrival.what.degrees) != 0 && large.members.IsMember(region.point) &&
-          Hit(arrival, large, region.point, nullptr))
-        large.taken[large.degrees & arrival.what.degrees].push_back(region.point);
+    MeetPoint(bucket, arrival, region.point, isHeld);
+    for (Large& large : bucket.large) MeetLarge(arrival, large, region.point);
     return;
   }
   const eds_MemberSet& members = *region.members;
   if (members.Size() < static_cast<long long>(bucket.heads.size())) {
-    for (long long n = 0; n < members.Size(); ++n) MeetPoint(bucket, arrival, members[n]);
+    for (long long n = 0; n < members.Size(); ++n) MeetPoint(bucket, arrival, members[n], isHeld);
   } else {
     cow_List<int> met; // in order: what comes of it is the same on every machine
     for (const auto& [node, head] : bucket.heads)
       if (members.IsMember(node)) met.push_back(node);
     std::ranges::sort(met);
-    for (const int node : met) MeetPoint(bucket, arrival, node);
+    for (const int node : met) MeetPoint(bucket, arrival, node, isHeld);
   }
-  for (std::size_t n = 0, count = bucket.large.size(); n < count; ++n) {
-    const uint64_t degrees = bucket.large[n].degrees & arrival.what.degrees;
-    if (degrees == 0 || AddsUp(arrival, bucket.large[n].source)) continue;
-    const eds_MemberSet both = intersection(bucket.large[n].members, members);
-    if (!both.IsEmpty() && Hit(arrival, bucket.large[n], -1, &both))
-      TakeFrom(bucket, n, degrees, both);
+  for (std::size_t n = 0, count = bucket.large.size(); n < count; ++n)
+    MeetLarge(bucket, arrival, n, members);
+}
+
+void inpS_InForce::MeetLarge(Arrival& arrival, Large& large, int node) {
+  const uint64_t both = large.degrees & arrival.what.degrees;
+  if (both == 0 || AddsUp(arrival, large.source) || !large.members.IsMember(node)) return;
+  if (!IsOfFirst(arrival, large.source)) {
+    if (Hit(arrival, large, both, node, nullptr)) large.taken[both].push_back(node);
+  } else if (const uint64_t left = both & ~arrival.met.LostOf(node);
+             left != 0 && !SaysAgain(arrival, large.row)) {
+    Lose(arrival, left, node, nullptr);
+  }
+}
+
+void inpS_InForce::MeetLarge(Bucket& bucket, Arrival& arrival, std::size_t place,
+                             const eds_MemberSet& members) {
+  const Large& large = bucket.large[place];
+  const uint64_t degrees = large.degrees & arrival.what.degrees;
+  const bool isOfFirst = IsOfFirst(arrival, large.source);
+  if (degrees == 0 || AddsUp(arrival, large.source) || (isOfFirst && arrival.met.isAllLost)) return;
+  const eds_MemberSet both = intersection(large.members, members);
+  if (both.IsEmpty()) return;
+  if (!isOfFirst) {
+    if (Hit(arrival, large, degrees, -1, &both)) TakeFrom(bucket, place, degrees, both);
+    return;
+  }
+  const bool isWhole = both.Size() == members.Size() && degrees == arrival.what.degrees;
+  if (!SaysAgain(arrival, large.row)) {
+    Lose(arrival, degrees, -1, &both);
+    arrival.met.isAllLost |= isWhole;
+  } else if (isWhole && both.Size() == large.members.Size() && degrees == large.degrees) {
+    arrival.met.largeAgain = static_cast<int>(place);
   }
 }
 
@@ -377,7 +432,7 @@ void inpS_InForce::TakeFrom(Bucket& bucket, std::size_t large, uint64_t degrees,
   Large& from = bucket.large[large];
   const uint64_t others = from.degrees & ~degrees;
   from.members = inpS_without(from.members, gone);
-  if (others != 0) bucket.large.push_back({from.source, from.row, others, gone, {}});
+  if (others != 0) bucket.large.push_back({from.source, from.row, others, gone, from.again, {}});
 }
 
 // When all rows of a record have come.
@@ -388,15 +443,23 @@ void inpS_InForce::Settle(Bucket& bucket) {
   std::erase_if(bucket.large, [](const Large& large) { return large.members.IsEmpty(); });
 }
 
-void inpS_InForce::MeetPoint(Bucket& bucket, Arrival& arrival, int node) {
+// What is held by others takes no harm: to leave it out of the step once is enough.
+void inpS_InForce::MeetPoint(Bucket& bucket, Arrival& arrival, int node, bool isHeld) {
   const auto head = bucket.heads.find(node);
   if (head == bucket.heads.end()) return;
-  if (arrival.kind.twice == Kind::Twice::Add && !HasOld(bucket, head->second, arrival.what.degrees))
-    return;
+  const uint64_t degrees = arrival.what.degrees;
+  const bool isOnce = isHeld || arrival.kind.twice == Kind::Twice::Add;
+  if (isOnce && !HasOld(bucket, head->second, degrees)) return;
   int* link = &head->second.entry;
   while (*link >= 0) {
     Entry& entry = bucket.entries[static_cast<std::size_t>(*link)];
-    Hit(arrival, entry, node, nullptr);
+    const uint64_t both = entry.degrees & degrees & ~arrival.met.LostOf(node);
+    if (!IsOfFirst(arrival, entry.source))
+      Hit(bucket, arrival, entry, node);
+    else if (both != 0 && SaysAgain(arrival, entry.row))
+      arrival.met.again[node].push_back({*link, both});
+    else if (both != 0)
+      Lose(arrival, both, node, nullptr);
     if (entry.degrees == 0)
       *link = entry.next;
     else
@@ -426,34 +489,64 @@ bool inpS_InForce::AddsUp(const Arrival& arrival, int source) const {
          m_sources[static_cast<std::size_t>(source)].firstStep == m_step;
 }
 
-// True: the other one loses it for good.
-template <class Other>
-bool inpS_InForce::Hit(Arrival& arrival, Other& other, int node, const eds_MemberSet* set) {
-  using Twice = Kind::Twice;
-  const uint64_t both = other.degrees & arrival.what.degrees;
-  if (both == 0) return false;
-  const Source& source = m_sources[static_cast<std::size_t>(other.source)];
-  const Twice twice = arrival.kind.twice;
-  const bool isSame = other.source == arrival.number;
-  if (AddsUp(arrival, other.source)) return false;
-  if (isSame && twice == Twice::First) {
-    if (arrival.isGivenElsewhere || other.row == arrival.row ||
-        arrival.values[static_cast<std::size_t>(other.row)] == arrival.what.value)
-      return false;
-    Take(arrival.number, arrival.row, both, node, set, false);
-    const eds_MemberSet told = set ? *set : eds_MemberSet::Strided(node, 1);
-    if (!arrival.isDuplicate)
-      m_duplicates.push_back({arrival.record, arrival.row, told, arrival.kind.IsOfNodes()});
-    else
-      m_duplicates.back().ordinals = m_duplicates.back().ordinals.Union(told);
-    arrival.isDuplicate = true;
-    for (long long n = 0; n < told.Size(); ++n) arrival.lost[told[n]] |= both;
-    return false;
+// Rows of one record of which the first value holds.
+bool inpS_InForce::IsOfFirst(const Arrival& arrival, int source) {
+  return source == arrival.number && arrival.kind.twice == Kind::Twice::First;
+}
+
+bool inpS_InForce::SaysAgain(const Arrival& arrival, long long row) {
+  return arrival.isGivenElsewhere ||
+         arrival.values[static_cast<std::size_t>(row)] == arrival.what.value;
+}
+
+// The row that comes does not count there.
+void inpS_InForce::Lose(Arrival& arrival, uint64_t degrees, int node, const eds_MemberSet* set) {
+  cow_List<int32_t> lost;
+  const long long size = set ? set->Size() : 1;
+  for (long long n = 0; n < size; ++n) {
+    uint64_t& known = arrival.met.lost[set ? (*set)[n] : node];
+    if ((degrees & ~known) != 0 && set) lost.push_back((*set)[n]);
+    known |= degrees;
   }
+  if (set && lost.empty()) return;
+  const eds_MemberSet members = setOf(lost);
+  Take(arrival.number, arrival.row, degrees, node, set ? &members : nullptr, false);
+}
+
+void inpS_InForce::TellLost(const Arrival& arrival) {
+  if (arrival.met.lost.empty()) return;
+  cow_List<int32_t> told;
+  for (const auto& [node, degrees] : arrival.met.lost) told.push_back(node);
+  std::ranges::sort(told);
+  m_duplicates.push_back({arrival.record, arrival.row, setOf(told), arrival.kind.IsOfNodes()});
+}
+
+// True: the other one loses it for good.
+bool inpS_InForce::Hit(Bucket& bucket, const Arrival& arrival, Entry& other, int node) {
+  const uint64_t both = other.degrees & arrival.what.degrees;
+  const Source& source = m_sources[static_cast<std::size_t>(other.source)];
+  if (both == 0 || AddsUp(arrival, other.source)) return false;
   const bool isGap = arrival.isOwn && source.lastStep == kOpen;
-  Take(other.source, other.row, both, node, set, isGap);
-  if constexpr (std::is_same_v<Other, Entry>)
-    if (!isGap) other.degrees &= ~both;
+  const auto take = [&](Entry& entry) {
+    if ((entry.degrees & both) == 0) return;
+    Take(entry.source, entry.row, entry.degrees & both, node, nullptr, isGap);
+    if (!isGap) entry.degrees &= ~both;
+  };
+  take(other);
+  for (int again = other.again; again >= 0;) {
+    Entry& entry = bucket.entries[static_cast<std::size_t>(again)];
+    take(entry);
+    again = entry.next;
+  }
+  return !isGap;
+}
+
+bool inpS_InForce::Hit(const Arrival& arrival, const Large& other, uint64_t degrees, int node,
+                       const eds_MemberSet* set) {
+  const Source& source = m_sources[static_cast<std::size_t>(other.source)];
+  const bool isGap = arrival.isOwn && source.lastStep == kOpen;
+  Take(other.source, other.row, degrees, node, set, isGap);
+  for (const long long row : other.again) Take(other.source, row, degrees, node, set, isGap);
   return !isGap;
 }
 
@@ -462,66 +555,4 @@ void inpS_InForce::Take(int source, long long row, uint64_t degrees, int node,
   if (set) m_sets.push_back(*set);
   m_cuts.push_back({source, m_step, row, degrees, set ? -1 : node,
                     set ? static_cast<int>(m_sets.size()) - 1 : -1, isGap});
-}
-
-// ---- what is left of a row
-
-inpS_InForce::Pieces::Pieces(inpS_InForce& all) : m_all(all) {
-  std::ranges::stable_sort(
-      m_all.m_cuts, {}, [](const Cut& cut) { return std::tuple(cut.source, cut.row, cut.step); });
-}
-
-bool inpS_InForce::Pieces::AreWhole(std::size_t source) {
-  const cow_List<Cut>& cuts = m_all.m_cuts;
-  const auto sourceOf = [](const Cut& cut) { return static_cast<std::size_t>(cut.source); };
-  while (m_next < cuts.size() && sourceOf(cuts[m_next]) < source) ++m_next;
-  return (m_next == cuts.size() || sourceOf(cuts[m_next]) > source) &&
-         m_all.m_sources[source].gaps.empty();
-}
-
-const cow_List<inpS_InForce::Piece>* inpS_InForce::Pieces::Of(std::size_t source, long long row,
-                                                              const inpS_ConditionRow& what,
-                                                              inpS_ConditionTargets& targets) {
-  const cow_List<Cut>& cuts = m_all.m_cuts;
-  const auto isBefore = [&](const Cut& cut) {
-    return std::pair(static_cast<std::size_t>(cut.source), cut.row) < std::pair(source, row);
-  };
-  while (m_next < cuts.size() && isBefore(cuts[m_next])) ++m_next;
-  std::size_t end = m_next;
-  while (end < cuts.size() && static_cast<std::size_t>(cuts[end].source) == source &&
-         cuts[end].row == row)
-    ++end;
-  const Source& from = m_all.m_sources[source];
-  if (end == m_next && from.gaps.empty()) return nullptr;
-  Build(source, what, end, m_all.RegionOf(*from.kind, what.target, targets).members);
-  m_next = end;
-  return &m_timeline.Pieces();
-}
-
-// What each step takes, its members together where they lose the same degrees.
-void inpS_InForce::Pieces::Build(std::size_t place, const inpS_ConditionRow& what, std::size_t end,
-                                 const eds_MemberSet* region) {
-  const Source& source = m_all.m_sources[place];
-  const cow_List<Cut>& cuts = m_all.m_cuts;
-  long long losses = 0;
-  for (std::size_t n = m_next; n < end; ++n)
-    losses += n == m_next || cuts[n].step != cuts[n - 1].step;
-  m_timeline.Begin(source.firstStep, what.degrees, region, losses);
-  for (std::size_t n = m_next; n < end;) {
-    const int step = cuts[n].step;
-    const bool isGap = cuts[n].isGap;
-    cow_Map<uint64_t, cow_List<int32_t>> gone;
-    for (; n < end && cuts[n].step == step; ++n) {
-      cow_List<int32_t>& nodes = gone[cuts[n].degrees];
-      if (cuts[n].node >= 0) nodes.push_back(cuts[n].node);
-      if (cuts[n].set < 0) continue;
-      const cow_List<int32_t> members =
-          m_all.m_sets[static_cast<std::size_t>(cuts[n].set)].Members();
-      nodes.insert(nodes.end(), members.begin(), members.end());
-    }
-    inpS_RowTimeline::Losses losses;
-    for (auto& [degrees, nodes] : gone) losses.Add(degrees, std::move(nodes));
-    m_timeline.Lose(step, losses, isGap);
-  }
-  m_timeline.End(source.lastStep, source.gaps);
 }

@@ -95,9 +95,12 @@ private:
     int set;
     bool isGap; // of that step alone
   };
+  // What a row says of a node, and behind it what further rows of its record say over again: what
+  // takes from the first takes from them.
   struct Entry {
     int source;
     int next;
+    int again; // the latest of those; -1: none
     long long row;
     uint64_t degrees; // that are left
   };
@@ -106,6 +109,7 @@ private:
     long long row;
     uint64_t degrees;
     eds_MemberSet members;                      // that are left
+    cow_List<long long> again;                  // rows of the source that say the same
     cow_Map<uint64_t, cow_List<int32_t>> taken; // by the rows that come, by degrees
   };
   // The rows of one kind and label: which of them name a node.
@@ -133,19 +137,28 @@ private:
   }
   bool Survey(Arrival& arrival, inpS_ConditionRows& rows);
   void Index(Bucket& bucket, const cow_String& key);
-  using Lost = std::unordered_map<int, uint64_t>; // degrees by node
+  struct Met; // what a row finds that its record has said before
   void Insert(Bucket& bucket, int source, long long row, const Region& region, uint64_t degrees,
-              const Lost& lost);
-  void Meet(Bucket& bucket, Arrival& arrival, const Region& region);
-  void MeetPoint(Bucket& bucket, Arrival& arrival, int node);
+              const Met* met);
+  static void Enter(Bucket& bucket, Entry entry, int node, const Met* met);
+  static void InsertLarge(Bucket& bucket, Large large, const Met* met);
+  // isHeld: the bucket is of the base of a perturbation step.
+  void Meet(Bucket& bucket, Arrival& arrival, const Region& region, bool isHeld);
+  void MeetPoint(Bucket& bucket, Arrival& arrival, int node, bool isHeld);
+  void MeetLarge(Arrival& arrival, Large& large, int node);
+  void MeetLarge(Bucket& bucket, Arrival& arrival, std::size_t place, const eds_MemberSet& members);
   bool HasOld(const Bucket& bucket, Bucket::Head& head, uint64_t degrees) const;
   bool AddsUp(const Arrival& arrival, int source) const;
-  static void InsertLarge(Bucket& bucket, Large large, const Lost& lost);
+  static bool IsOfFirst(const Arrival& arrival, int source);
+  static bool SaysAgain(const Arrival& arrival, long long row);
+  void Lose(Arrival& arrival, uint64_t degrees, int node, const eds_MemberSet* set);
+  void TellLost(const Arrival& arrival);
   static void TakeFrom(Bucket& bucket, std::size_t large, uint64_t degrees,
                        const eds_MemberSet& gone);
   static void Settle(Bucket& bucket);
-  template <class Other>
-  bool Hit(Arrival& arrival, Other& other, int node, const eds_MemberSet* set);
+  bool Hit(Bucket& bucket, const Arrival& arrival, Entry& other, int node);
+  bool Hit(const Arrival& arrival, const Large& other, uint64_t degrees, int node,
+           const eds_MemberSet* set);
   void Take(int source, long long row, uint64_t degrees, int node, const eds_MemberSet* set,
             bool isGap);
 

@@ -73,6 +73,7 @@ constexpr Positive kPositive[] = {
     {inp_KwCoupledThermalElectrical, "deltmx"},
     {inp_KwSoils, "deltmx"},
     {inp_KwCoupledThermalElectrical, "mxdem"},
+    {inp_KwCoupledThermalElectrical, "cetol"},
     {inp_KwSoils, "utol"},
     {inp_KwSoils, "cetol"},
     {inp_KwVisco, "cetol"},

@@ -209,8 +209,11 @@ class Maker:
         none = "OP=NEW" in words and self.chance(0.4)
         count = self.random.randint(200, 350) if self.long and self.chance(0.5) else \
             self.random.randint(1, 4)
-        for _ in range(0 if none else count):
-            self.add(self.line(kind, words, manner))
+        lines = [self.line(kind, words, manner) for _ in range(0 if none else count)]
+        if self.chance(0.2):  # said over again, in any order
+            lines += self.random.choices(lines, k=len(lines)) if lines else []
+            self.random.shuffle(lines)
+        self.add(*lines)
 
     def fluid(self, words, value):
         if "PHYSICAL" in words:

@@ -97,6 +97,14 @@ def labels_many_times(folder, scale):
     write(folder, [BRICK, "*NSET, NSET=A, GENERATE, UNSORTED\n", "1, 999999999, 1\n" * scale])
 
 
+def contradictions(folder, scale):
+    """One node over and over, and many once more, each with another value than before."""
+    yes_and_no = "1, 1, 1, 0.\n1, 1, 1, 1.\n" * (scale // 4)
+    lists = [f"{node}, 2, 2, {value}.\n" for value in (0, 1) for node in range(1, scale // 4 + 1)]
+    nodes = f"*NODE\n1, 0.\n{scale}, 1.\n*NGEN\n1, {scale}\n"
+    write(folder, [nodes, "*BOUNDARY\n", yes_and_no, *lists])
+
+
 def labels_at_the_limits(folder, _):
     write(folder, [BRICK, "*NODE\n999999999, 1.\n0, 1.\n-1, 1.\n1000000000, 1.\n2147483647, 1.\n"
                    "2147483648, 1.\n9223372036854775807, 1.\n9223372036854775808, 1.\n"
@@ -283,6 +291,7 @@ CASES = [
     (amplitude, (1_000_000, 10_000_000, 100_000_000), None),
     (labels_by_generate, (1, 1, 1), "999999999"),
     (labels_many_times, (10, 10_000, 1_000_000), None),
+    (contradictions, (2_000, 200_000, 1_000_000), "Duplicate Boundary condition"),
     (labels_at_the_limits, (1, 1, 1), "999999999"),
     ("one_data_line", endless(BRICK + LABELS, "1, 2, 3, 4, "), LINE, "8388608"),
     ("one_line_alone", endless("", "1, 2, 3, 4, "), LINE, "8388608"),
