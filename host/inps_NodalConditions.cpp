@@ -76,6 +76,7 @@ bool inps_NodalConditions::Add(const Kind& kind, uint64_t degrees, const eds_Mem
     const int64_t number = component + kind.variable;
     cow_String name = row.array;
     if (!row.isVector && (number > 1 || kind.keyword == "FIELD")) name += std::to_string(number);
+    if (kind.place > 1) name += "_" + std::to_string(kind.place);
     Channel& channel = m_channels[name];
     channel.isVector = row.isVector;
     ForNodes(nodes, [&](int32_t node) {

@@ -16,6 +16,7 @@ public:
     std::string_view keyword;
     std::string_view type;
     int64_t variable = 1;
+    int64_t place = 1; // of several values of one temperature or field
   };
 
   inps_NodalConditions(const inps_FlatMesh& mesh, const KvoObjDocument& document)

@@ -30,16 +30,6 @@ bool hasFlag(const inpS_ExcitationKind& kind, const KvoSimPosition& record, std:
          record.DataRecord().GetBool(item->alternatives.front().field);
 }
 
-// Through the thickness, or at points of a section: gradients among them.
-bool hasMoreValues(const inpS_ExcitationKind& kind, const KvoSimDataRecord& record) {
-  if (kind.value < 0) return false;
-  const auto& items = kind.info->columnItems;
-  return std::any_of(items.begin() + kind.value + 1, items.end(), [&](const eds_FormItem& item) {
-    return !record.IsMemberNull(item.alternatives.front().field) ||
-           (item.arrayField >= 0 && !record.GetReference(item.arrayField).IsNull());
-  });
-}
-
 // P1 to P6 push against a face. P pushes a shell, a membrane or a line along its normal: against
 // its negative side.
 std::optional<eds_SurfaceFace> faceOf(std::string_view label) {
@@ -107,9 +97,6 @@ void inps_StepConditions::Read(const Acting& acting) {
     if (m_given.unknown.empty() && hasFlag(kind, acting.record, flag)) m_given.unknown = text;
   if (m_given.unknown.empty() && kind.file >= 0 && !record.GetString(kind.file).empty())
     m_given.unknown = ", FILE";
-  const bool isState = m_given.keyword == "TEMPERATURE" || m_given.keyword == "FIELD";
-  if (isState && m_given.unknown.empty() && hasMoreValues(kind, record))
-    ++m_leftOut["a value behind the first one of *" + m_given.keyword];
 }
 
 void inps_StepConditions::Add(const Acting& acting) {
@@ -138,8 +125,14 @@ bool inps_StepConditions::AddToNodes(const Acting& acting) {
       m_part->nodes.Hold(acting.degrees, nodes);
     return true;
   }
-  if (acting.restraint < 0)
+  if (acting.restraint < 0) {
+    inps_NodalConditions::Kind further = kind;
+    for (const double value : acting.more) {
+      ++further.place;
+      if (!std::isnan(value)) m_part->nodes.Add(further, acting.degrees, nodes, value);
+    }
     return m_part->nodes.Add(kind, acting.degrees, nodes, m_given.isZero ? 0.0 : acting.magnitude);
+  }
   m_part->nodes.Hold(acting.degrees, nodes);
   return true;
 }

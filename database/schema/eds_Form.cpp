@@ -126,6 +126,11 @@ eds_FormItem itemOf(std::string_view text) {
   eds_FormItem item;
   item.isRequired = text.ends_with('!');
   item.isOptional = text.ends_with('?');
+  if (const std::size_t star = text.find('*'); star != text.npos && star + 1 < text.size()) {
+    item.perLine = text.back() - '0';
+    utl_ASSERT(star + 2 == text.size() && item.perLine > 0 && item.perLine < 9);
+    text.remove_suffix(1);
+  }
   item.isRepeated = text.ends_with('*');
   if (item.isRequired || item.isOptional || item.isRepeated) text.remove_suffix(1);
   item.isParameter = !text.starts_with('.');

@@ -64,6 +64,7 @@ struct eds_FormItem {
   bool isOptional = false; // no place is kept for it at the end of a line
   bool isRepeated = false; // of a bulk column: so many values for each row
   int perRowField = -1;    // how many
+  int perLine = 0;         // of them on each line of the row; 0: eight fields to a line
 };
 
 // How often an owner may have one.
@@ -71,6 +72,7 @@ enum class eds_FormRepeat : uint8_t {
   Once,   // of this keyword, whatever its kind
   Beside, // of this kind, beside others of the keyword
   Many,
+  Past, // in files of earlier versions: no keyword becomes one any more
 };
 // What the data lines hold, behind lines of items.
 enum class eds_FormData : uint8_t {

@@ -85,6 +85,11 @@ constexpr inp_KeywordEnm formKeywords[] = {
 #define EDS_FORM(Form, Keyword, ...) inp_Kw##Keyword,
 #include "database/schema/forms.def"
 };
+constexpr bool isPast[] = {
+#define EDS_FORM(Form, Keyword, Selectors, Parameters, Data, Repeat)                               \
+  eds_FormRepeat::Repeat == eds_FormRepeat::Past,
+#include "database/schema/forms.def"
+};
 constexpr inp_KeywordEnm referableKeywords[] = {
 #define EDS_REFERABLE(Word, Keyword, ...) inp_Kw##Keyword,
 #include "database/schema/referables.def"
@@ -186,8 +191,9 @@ inpS_FormTable::inpS_FormTable() {
     const auto number = static_cast<std::size_t>(kind);
     if (number >= m_places.size()) m_places.resize(number + 1, -1);
     const inp_KeywordEnm keyword = formKeywords[place];
+    const bool isChosen = !isPast[place];
     m_places[number] = place++;
-    if (keyword == inp_NullKeyword) continue;
+    if (keyword == inp_NullKeyword || !isChosen) continue;
     const auto index = static_cast<std::size_t>(keyword);
     if (index >= m_byKeyword.size()) m_byKeyword.resize(index + 1);
     if (m_byKeyword[index].empty()) m_keywords.push_back(keyword);

@@ -4,6 +4,7 @@
 #include "inpS/history/inpS_InForce.h"
 #include "inpS/inpS_Export.h"
 #include <functional>
+#include <span>
 
 // What acts in one step, row by row of the given keywords: for who makes arrays of it.
 class INPS_EXPORT inpS_ActingConditions {
@@ -23,6 +24,9 @@ public:
     KvoSimPosition instance;      // by which the region is named; null: by none
     int target;                   // flat ordinal of the node or element; -1: the region
     const eds_MemberSet* members; // flat ordinals of the region; null: a surface, or one target
+    // Of temperatures and fields: the values behind the first one, as the sections have them
+    // (gradients, or at further points); no number where none is given.
+    std::span<const double> more;
   };
 
   // `step`: its number in the history.

@@ -101,6 +101,10 @@ void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_Form& 
     messages.AddWarning(inp_Utils::MessageAtParameter(
         keyword, "follower",
         "FOLLOWER=" + follower->Verbatim() + " is none of YES, NO. It is kept as given."));
+  if (keyword.Kind() == inp_KwInitialConditions) {
+    tellBelow(keyword, form, "step", "STEP", 0, messages);
+    tellBelow(keyword, form, "inc", "INC", 0, messages);
+  }
   tellBelow(keyword, form, "loadcase", "LOAD CASE", 1, messages);
   tellBelow(keyword, form, "cyclicmode", "CYCLIC MODE", 0, messages);
   const inp_Item* reference = given(keyword, form, "refnode");

@@ -163,11 +163,25 @@ bool inpS_ExcitationKind::IsGivenElsewhere(const KvoSimDataRecord& record,
   // A routine of the user gives it: unless the word is the name of a load case, or of a surface.
   const bool isLabel = form != eds_FormKind::SubstructureLoad &&
                        (key != Key::Words || label.find(' ') != std::string_view::npos);
-  if (isLabel && label.ends_with("NU")) return true;
+  if (isLabel && inpS_isOfRoutine(label)) return true;
   const bool isAboutDegrees = key == Key::Degrees || key == Key::Degree;
   for (const int flag : {user, submodel, fixed})
     if (flag >= 0 && record.GetBool(flag)) return true;
   return isAboutDegrees && file >= 0 && !record.GetString(file).empty();
+}
+
+bool inpS_isOfRoutine(std::string_view label) {
+  return label.ends_with("NU") && !label.ends_with("TURBNU");
+}
+
+// The number of a face may stand behind the NU, or before it.
+cow_String inpS_ExcitationKind::Prescribed(std::string_view label) const {
+  static const int flow = numberOf("FLUID BOUNDARY");
+  const std::string_view face = label.substr(label.find_last_not_of("0123456789") + 1);
+  std::string_view what = label.substr(0, label.size() - face.size());
+  if ((number == flow || form == eds_FormKind::Boundary) && inpS_isOfRoutine(what))
+    what.remove_suffix(2);
+  return cow_String(what) + cow_String(face);
 }
 
 inpS_ExcitationKind

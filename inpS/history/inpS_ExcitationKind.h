@@ -63,6 +63,8 @@ struct inpS_ExcitationKind {
   KvoSimPosition AmplitudeOf(const KvoSimDataRecord& record) const;
   // Values are those of a routine, or of another analysis, whatever the lines say.
   bool IsGivenElsewhere(const KvoSimDataRecord& record, std::string_view label) const;
+  // What rows of the label are about: of flows VELXNU prescribes what VELX does.
+  cow_String Prescribed(std::string_view label) const;
   // As of the rows that are about one type of targets.
   inpS_ExcitationKind OfType(inpS_NamedTargets::Type type,
                              std::shared_ptr<const inpS_NamedTargets> targets) const;
@@ -75,6 +77,10 @@ struct inpS_ExcitationKind {
   static const inpS_ExcitationKind* Of(eds_RecordKind form); // null: its rows are none
   static const cow_List<inpS_ExcitationKind>& All();
 };
+
+// Whether the label stands for values of a routine, as P1NU and VELXNU do, and not for the
+// turbulent viscosity.
+bool inpS_isOfRoutine(std::string_view label);
 
 // The degrees of freedom of a row as bits: 1 to 30, then what some restraints hold.
 namespace inpS_Degrees {

@@ -1,5 +1,6 @@
 #include "inpS/history/inpS_FluidLines.h"
 #include "database/schema/eds_FormKind.h"
+#include "inpS/history/inpS_ExcitationKind.h"
 #include "inpS/history/inpS_NamedTargets.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_BulkColumns.h"
@@ -92,7 +93,7 @@ std::optional<inpS_LineFault> inpS_FluidLines::FaultOf(const inpS_LineView& line
     return inpS_LineFault{labelColumn,
                           "\"" + label + "\" does not end in the number of a face, 1 to 6."};
   const bool isComplete =
-      !label.empty() && (!m_needsMagnitude || line.Has(magnitudeColumn) || label.ends_with("NU"));
+      !label.empty() && (!m_needsMagnitude || line.Has(magnitudeColumn) || inpS_isOfRoutine(label));
   if (m_isOfNodes && !isComplete) return inpS_LineFault{-1, "Incomplete data line"};
   if (!label.empty() && !isLabel(label, m_isOfFaces || m_isOfAny))
     return inpS_LineFault{labelColumn,

@@ -132,23 +132,44 @@ bool haveOneValue(inpS_ConditionRows& rows) {
   return true;
 }
 
+// Of a record's labels, by place + 1.
+struct LabelFacts {
+  cow_List<cow_String> keys;    // what each is about; empty: no row has it
+  cow_List<std::size_t> firsts; // the first one that is about the same
+  cow_List<char> areOfRoutine;
+  cow_Map<cow_String, std::size_t> known;
+
+  void Add(std::size_t place, const cow_String& key, bool isOfRoutine) {
+    keys[place] = key;
+    firsts[place] = known.try_emplace(key, place).first->second;
+    areOfRoutine[place] = isOfRoutine;
+  }
+  void Resize(std::size_t count) {
+    keys.resize(count);
+    firsts.resize(count);
+    areOfRoutine.resize(count);
+  }
+  bool HasRoutines() const { return std::ranges::find(areOfRoutine, 1) != areOfRoutine.end(); }
+};
+
 // Whether the rows of one record can name a target and degree twice: with different values where
 // the first one holds, for what the later one says beside its value holds, too.
-bool mayMeet(const cow_List<RowFacts>& facts, inpS_ConditionRows& given, const Kind& kind) {
+bool mayMeet(const cow_List<RowFacts>& facts, const LabelFacts& labels, inpS_ConditionRows& given,
+             const Kind& kind) {
   bool isUnique = true, share = false;
-  cow_Map<int, uint64_t> degrees; // by label: rows of different ones do not meet
+  cow_Map<std::size_t, uint64_t> degrees; // by what labels are about: others do not meet
   long long rows = 0;
   for (const RowFacts& fact : facts) {
     if (fact.rows.count == 0) continue;
     rows += fact.rows.count;
     isUnique &= fact.isAscending && !fact.namesRegions;
-    uint64_t& known = degrees[fact.rows.first.label];
+    uint64_t& known = degrees[labels.firsts[static_cast<std::size_t>(fact.rows.first.label + 1)]];
     share |= (known & fact.rows.first.degrees) != 0;
     known |= fact.rows.first.degrees;
   }
   const bool mayShare = share && (degrees.size() > 1 || !areAscending(given));
   if (rows < 2 || (isUnique && !mayShare)) return false;
-  return kind.twice != Kind::Twice::First || !haveOneValue(given);
+  return kind.twice != Kind::Twice::First || labels.HasRoutines() || !haveOneValue(given);
 }
 
 } // namespace
@@ -185,8 +206,8 @@ struct inpS_InForce::Arrival {
   inpS_ConditionTargets targets;
   KvoSimPosition record;
   cow_List<std::pair<Bucket*, Bucket*>> buckets; // its own and what holds before, by label + 1
-  cow_List<cow_String> keys;
-  cow_List<double> values; // of its rows so far
+  LabelFacts labels;
+  cow_List<std::pair<double, char>> values; // of its rows so far, and whether a routine's
   long long row = 0;
   inpS_ConditionRow what;
   Met met; // of the row, among earlier ones of the record
@@ -233,32 +254,37 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
   inpS_ConditionRows& rows = m_rows;
   rows.Open(record, kind);
   bool meets = Survey(arrival, rows);
-  for (std::size_t n = 0; n < arrival.keys.size(); ++n) {
-    if (arrival.keys[n].empty()) continue;
-    Bucket& own = family.buckets[arrival.keys[n]];
+  const cow_List<cow_String>& keys = arrival.labels.keys;
+  for (std::size_t n = 0; n < keys.size(); ++n) {
+    if (keys[n].empty()) continue;
+    Bucket& own = family.buckets[keys[n]];
     arrival.buckets[n].first = &own;
     meets = meets || (!own.IsEmpty() && (own.oldest < m_step || kind.twice != Kind::Twice::Add));
     if (base == m_families.end()) continue;
-    const auto held = base->second.buckets.find(arrival.keys[n]);
+    const auto held = base->second.buckets.find(keys[n]);
     if (held == base->second.buckets.end()) continue;
     arrival.buckets[n].second = &held->second;
     meets = true;
   }
-  for (std::size_t n = 0; n < arrival.keys.size(); ++n) {
+  for (std::size_t n = 0; n < keys.size(); ++n) {
     const auto [own, held] = arrival.buckets[n];
     if (!own) continue;
     own->oldest = std::min(own->oldest, m_step);
-    if (!meets) own->waiting.push_back(number);
-    if (meets) Index(*own, arrival.keys[n]);
-    if (meets && held) Index(*held, arrival.keys[n]);
+    const bool waits = !own->waiting.empty() && own->waiting.back() == number; // by another label
+    if (!meets && !waits) own->waiting.push_back(number);
+    if (meets) Index(*own, keys[n]);
+    if (meets && held) Index(*held, keys[n]);
   }
   if (!meets) return;
   rows.Rewind();
   for (; rows.Next(arrival.what); ++arrival.row) {
-    arrival.values.push_back(arrival.what.value);
+    const auto label = static_cast<std::size_t>(arrival.what.label + 1);
+    const bool isAny = label < keys.size(); // else it says nothing that can act
+    arrival.values.emplace_back(arrival.what.value,
+                                isAny ? arrival.labels.areOfRoutine[label] : char{0});
     arrival.met.Clear();
     if (arrival.what.degrees == 0) continue;
-    const auto [own, held] = arrival.buckets[static_cast<std::size_t>(arrival.what.label + 1)];
+    const auto [own, held] = arrival.buckets[label];
     const Region region = RegionOf(kind, arrival.what.target, arrival.targets);
     Meet(*own, arrival, region, false);
     if (held) Meet(*held, arrival, region, true);
@@ -282,12 +308,15 @@ bool inpS_InForce::Survey(Arrival& arrival, inpS_ConditionRows& rows) {
     namesRegions |= fact.namesRegions;
     const int label = fact.rows.first.label;
     const auto place = static_cast<std::size_t>(label + 1);
-    if (place >= arrival.keys.size()) arrival.keys.resize(place + 1);
-    if (arrival.keys[place].empty()) arrival.keys[place] = part + rows.Label(label);
+    if (place >= arrival.labels.keys.size()) arrival.labels.Resize(place + 1);
+    if (!arrival.labels.keys[place].empty()) continue;
+    const cow_String word = rows.Label(label);
+    arrival.labels.Add(place, part + arrival.kind.Prescribed(word), inpS_isOfRoutine(word));
   }
   if (namesRegions) source.looks = {};
-  arrival.buckets.resize(arrival.keys.size());
-  return arrival.kind.twice != Kind::Twice::Add && mayMeet(facts, rows, arrival.kind);
+  arrival.buckets.resize(arrival.labels.keys.size());
+  return arrival.kind.twice != Kind::Twice::Add &&
+         mayMeet(facts, arrival.labels, rows, arrival.kind);
 }
 
 inpS_InForce::Region inpS_InForce::RegionOf(const inpS_ExcitationKind& kind, int target,
@@ -322,7 +351,8 @@ void inpS_InForce::Index(Bucket& bucket, const cow_String& key) {
       if (row.degrees == 0) continue;
       const auto place = static_cast<std::size_t>(row.label + 1);
       if (place >= isOfBucket.size()) isOfBucket.resize(place + 1);
-      if (isOfBucket[place] == 0) isOfBucket[place] = part + rows.Label(row.label) == key ? 2 : 1;
+      if (isOfBucket[place] == 0)
+        isOfBucket[place] = part + source.kind->Prescribed(rows.Label(row.label)) == key ? 2 : 1;
       if (isOfBucket[place] == 2)
         Insert(bucket, number, n, RegionOf(*source.kind, row.target, targets), row.degrees,
                nullptr);
@@ -496,7 +526,7 @@ bool inpS_InForce::IsOfFirst(const Arrival& arrival, int source) {
 
 bool inpS_InForce::SaysAgain(const Arrival& arrival, long long row) {
   return arrival.isGivenElsewhere ||
-         arrival.values[static_cast<std::size_t>(row)] == arrival.what.value;
+         arrival.values[static_cast<std::size_t>(row)] == arrival.values.back();
 }
 
 // The row that comes does not count there.

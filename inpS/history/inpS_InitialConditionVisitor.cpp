@@ -21,6 +21,18 @@ bool hasSecondLines(const inp_DataArray& data) {
   return data.Rows() > 1 && data.Cols(0) <= mostOfFirst && data.Cols(1) >= points;
 }
 
+// A column of names that other keywords give.
+struct Named {
+  eds_RecordKind form;
+  eds_RecordKind definer;
+  const char* what;
+};
+constexpr Named named[] = {
+    {eds_FormKind::InitialVolumeFraction, eds_FormKind::EulerianMaterial, "Material"},
+    {eds_FormKind::InitialEnrichment, eds_FormKind::Enrichment, "Enrichment"},
+    {eds_FormKind::InitialActivation, eds_FormKind::ElementProgressiveActivation,
+     "Progressive activation"}};
+
 } // namespace
 
 // Decided here: what DEFINITION is the lines of a rotation tell where the keyword does not; one
@@ -37,9 +49,9 @@ const inpS_Form* inpS_InitialConditionVisitor::Choose(const inp_Keyword& keyword
   if (form->kind == eds_FormKind::InitialRotatingVelocity && !keyword.HasParameter("definition") &&
       hasSecondLines(keyword.Data()))
     return forms.Find(eds_FormKind::InitialRotationByPoints);
-  if (form->kind == eds_FormKind::InitialBackStresses)
+  if (form->kind == eds_FormKind::InitialBackStressRows)
     if (const inp_Item* number = keyword.Find("numberbackstresses");
-        number->IsInteger() && number->AsInt() <= 1)
+        number->IsInteger() && number->AsInt() == 1)
       return forms.Find(eds_FormKind::InitialHardening);
   return form;
 }
@@ -48,7 +60,33 @@ bool inpS_InitialConditionVisitor::MayConvert(const inp_Keyword& keyword, const 
   const bool isField =
       form.kind == eds_FormKind::InitialField || form.kind == eds_FormKind::InitialFieldAtPoints;
   inpS_checkConditionParameters(keyword, form, Names(), *this);
+  if (form.kind == eds_FormKind::InitialRotatingVelocity && keyword.HasParameter("definition"))
+    AddWarning(
+        inp_Utils::MessageAtParameter(keyword, "definition",
+                                      "DEFINITION=" + keyword.Find("definition")->Verbatim() +
+                                          " is none of COORDS, NODES. It is kept as given."));
+  if (form.info->data == eds_FormData::Columns && form.info->columnItems.back().perLine > 0 &&
+      !HasBackStresses(keyword))
+    return false;
   return !isField || inpS_hasVariable(keyword, *this);
+}
+
+// Without their number nobody knows which lines are an element's.
+bool inpS_InitialConditionVisitor::HasBackStresses(const inp_Keyword& keyword) {
+  const inp_Item* number = keyword.Find("numberbackstresses");
+  if (number->IsInteger() && number->AsInt() >= 1) return true;
+  AddError(
+      inp_Utils::MessageAtParameter(keyword, "numberbackstresses",
+                                    "NUMBER BACKSTRESSES=" + number->Verbatim() +
+                                        ": there is one at least. The keyword is kept as text."));
+  return false;
+}
+
+// Decided here: without the set that is not there the shape of all nodes counts, and stresses that
+// are out of balance go as they do where nothing is said of them.
+bool inpS_InitialConditionVisitor::MayLack(const inpS_Form& form, const eds_FormItem& item) const {
+  return item.name == "unbalanced_stress" ||
+         (form.kind == eds_FormKind::ImperfectionModes && item.name == "nset");
 }
 
 bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
@@ -65,13 +103,24 @@ bool inpS_InitialConditionVisitor::ReadColumns(const inp_Keyword& keyword, const
   }
   if (inpS_ValueLines::Has(keyword, form.kind)) {
     inpS_ValueLines lines(form.kind, Inventory().NumberSpatialDimensions());
+    std::optional<inpS_LoadedElements> elements;
+    if (form.kind == eds_FormKind::InitialEnrichment)
+      lines.SetElements(elements.emplace(Inventory().GetDocument()), record);
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
-  if (form.kind != eds_FormKind::InitialStateVariables)
+  const eds_FormItem& last = form.columnItems.back();
+  const bool isOfElements =
+      form.columnItems.front().alternatives.front().type == eds_FormType::Element;
+  if (!last.isRepeated || !isOfElements)
     return inpS_FormVisitor::ReadColumns(keyword, form, record);
   inpS_WrappedRows rows(keyword, form, record, Names(), *this);
   rows.SetErrorToRefuse(true);
-  rows.SetValuesPerRow(StateVariables());
+  if (last.perLine == 0) {
+    rows.SetValuesPerRow(StateVariables());
+    return rows.Read();
+  }
+  const inp_Item* number = keyword.Find("numberbackstresses");
+  rows.SetLinesPerRow(number->AsInt(), "NUMBER BACKSTRESSES=" + number->Verbatim());
   return rows.Read();
 }
 
@@ -105,77 +154,36 @@ cow_String inpS_InitialConditionVisitor::FaultOfLine(const KvoSimPosition& line)
   return Names().TextOfMissing(nset, inp_Utils::Fold(nodes));
 }
 
-// Of lines that are kept as they stand: their elements and sets must be there all the same.
-void inpS_InitialConditionVisitor::CheckText(const inp_Keyword& keyword, const inpS_Form& form) {
-  const inp_DataArray& data = keyword.Data();
-  const auto isWord = [&](long long row, int col) {
-    return col < data.Cols(row) && data.HasValue(row, col) &&
-           data.Type(row, col) == inp_FieldType::String;
+// A volume is filled with materials, to which an Eulerian section may give names of its own.
+void inpS_InitialConditionVisitor::CheckNames(const inp_Keyword& keyword,
+                                              const KvoSimPosition& record) {
+  const auto row = std::ranges::find(named, record.Object().RecordKind(), &Named::form);
+  if (row == std::end(named)) return;
+  cow_List<cow_String> known;
+  const int name = eds_formField(row->definer, "name");
+  for (const KvoSimPosition& one : Inventory().GetDocument().Context().GetRecords(row->definer))
+    known.push_back(inp_Utils::Fold(one.DataRecord().ReturnString(name)));
+  const bool isOfMaterials = row->form == eds_FormKind::InitialVolumeFraction;
+  if (isOfMaterials) known.emplace_back("VOID");
+  const auto isKnown = [&](const cow_String& word) {
+    return std::ranges::find(known, word) != known.end() ||
+           (isOfMaterials && !Model().FollowStringKey(eds_Member::Materials, word).IsNull());
   };
-  if (form.kind == eds_FormKind::InitialVolumeFraction) return CheckMaterials(keyword);
-  const cow_String type = keyword.StringOf("type", "");
-  if (form.kind == eds_FormKind::InitialOther)
-    AddWarning(inp_Utils::MessageAtParameter(
-        keyword, "type",
-        "TYPE=" + type + " is none that is read here; its lines are kept as they stand."));
-  if (form.kind == eds_FormKind::InitialBackStresses) return CheckBackStresses(keyword);
-  const bool isOfRebars = form.kind == eds_FormKind::InitialSolution;
-  const bool isOfElements =
-      form.kind == eds_FormKind::InitialOther && (type == "ENRICHMENT" || type == "ACTIVATION");
-  if (!isOfRebars && !isOfElements) return;
-  // Behind the element or set of a rebar is its name, behind those of a crack the node's number.
-  for (long long row = 0; row < data.Rows(); ++row)
-    if (isOfElements || isWord(row, 0) || isWord(row, 1)) CheckTarget(keyword, row);
-}
-
-// A volume is filled with materials; an Eulerian section may give them names of its own.
-void inpS_InitialConditionVisitor::CheckMaterials(const inp_Keyword& keyword) {
-  constexpr int materialColumn = 1;
-  static const int field = eds_formField(eds_FormKind::EulerianMaterial, "name");
-  cow_List<cow_String> own;
-  for (const KvoSimPosition& filled :
-       Inventory().GetDocument().Context().GetRecords(eds_FormKind::EulerianMaterial))
-    own.push_back(inp_Utils::Fold(filled.DataRecord().ReturnString(field)));
+  const auto& items = eds_formOf(row->form)->columnItems;
+  const auto item =
+      std::ranges::find_if(items, [](const eds_FormItem& one) { return one.wordsField >= 0; });
+  if (std::ranges::all_of(inpS_ColumnWords::Stored(record.DataRecord(), item->wordsField), isKnown))
+    return;
+  const int column = static_cast<int>(item - items.begin());
   const inp_DataArray& data = keyword.Data();
-  for (long long row = 0; row < data.Rows(); ++row) {
-    if (data.Cols(row) <= materialColumn || !data.HasValue(row, materialColumn)) continue;
-    const cow_String name = inp_Utils::Fold(data.AsStringVerbatim(row, materialColumn));
-    if (name == "VOID" || std::ranges::find(own, name) != own.end() ||
-        !Model().FollowStringKey(eds_Member::Materials, name).IsNull())
-      continue;
-    AddWarning(inp_Utils::MessageAtField(keyword, row, materialColumn,
-                                         "Material \"" + name + "\" has not been defined."));
+  for (long long line = 0; line < data.Rows(); ++line) {
+    if (data.Cols(line) <= column || !data.HasValue(line, column)) continue;
+    const cow_String word = inp_Utils::Fold(data.AsStringVerbatim(line, column));
+    if (isKnown(word)) continue;
+    known.push_back(word); // told once
+    AddWarning(inp_Utils::MessageAtField(
+        keyword, line, column, cow_String(row->what) + " \"" + word + "\" has not been defined."));
   }
-}
-
-// As many lines for each element or set as it has back stresses.
-void inpS_InitialConditionVisitor::CheckBackStresses(const inp_Keyword& keyword) {
-  const inp_DataArray& data = keyword.Data();
-  const inp_Item* item = keyword.Find("numberbackstresses");
-  const long long number = item && item->IsInteger() ? item->AsInt() : 0;
-  if (number < 1) return;
-  long long lines = 0;
-  for (long long row = 0; row < data.Rows(); ++row)
-    if (!inpS_KeywordReader::IsBlankRow(data, row) && lines++ % number == 0)
-      CheckTarget(keyword, row);
-  if (lines % number != 0)
-    AddWarning(inp_Utils::MessageAtRow(
-        keyword, data.Rows() - 1,
-        "NUMBER BACKSTRESSES=" + std::to_string(number) + " takes " + std::to_string(number) +
-            " lines for each element or set; the last one has " + std::to_string(lines % number) +
-            ". They are kept as they stand."));
-}
-
-void inpS_InitialConditionVisitor::CheckTarget(const inp_Keyword& keyword, long long row) {
-  const inp_DataArray& data = keyword.Data();
-  if (data.Cols(row) == 0 || !data.HasValue(row, 0)) return;
-  const cow_String name = data.AsStringVerbatim(row, 0);
-  const eds_Referable& elset = *std::ranges::find(eds_referables(), "elset", &eds_Referable::word);
-  const inpS_FormNames::Label label = Names().FindLabel(eds_FormType::Element, name);
-  if (label.isKnown || (!label.isNumber && !Names().Find(elset, name).set.IsNull())) return;
-  const cow_String fault = label.isNumber ? "Element " + name + " does not exist."
-                                          : Names().TextOfMissing(elset, inp_Utils::Fold(name));
-  AddError(inp_Utils::MessageAtField(keyword, row, 0, fault + " The line is kept as it stands."));
 }
 
 // As many as each material has that has some; 0: nobody knows, as materials differ, or elements of

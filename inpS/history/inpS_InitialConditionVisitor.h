@@ -21,6 +21,7 @@ protected:
   bool IsErrorToLack(inp_KeywordEnm) const override { return true; }
   const inpS_Form* Choose(const inp_Keyword& keyword, const inp_Keyword* parent) override;
   bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
+  bool MayLack(const inpS_Form& form, const eds_FormItem& item) const override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
   cow_String FaultOfLine(const KvoSimPosition& line) override;
@@ -28,16 +29,14 @@ protected:
                  const KvoSimPosition& record) override {
     if (m_places && keyword.Kind() == inp_KwBoundary)
       m_places->Add(record, keyword, std::exchange(m_refused, {}));
-    CheckText(keyword, form);
+    CheckNames(keyword, record);
     inpS_FormVisitor::Converted(keyword, form, record);
   }
 
 private:
   cow_String FaultOfAxis(const KvoSimPosition& line) const;
-  void CheckText(const inp_Keyword& keyword, const inpS_Form& form);
-  void CheckMaterials(const inp_Keyword& keyword);
-  void CheckBackStresses(const inp_Keyword& keyword);
-  void CheckTarget(const inp_Keyword& keyword, long long row);
+  bool HasBackStresses(const inp_Keyword& keyword);
+  void CheckNames(const inp_Keyword& keyword, const KvoSimPosition& record);
   long long StateVariables();
 
   inpS_DuplicateReport* m_places = nullptr;

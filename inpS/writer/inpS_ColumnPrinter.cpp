@@ -93,6 +93,7 @@ public:
     const KvoSimDataRecord record = position.DataRecord();
     const int field = item.alternatives.front().field;
     m_goesOn = item.isRepeated;
+    m_perLine = static_cast<std::size_t>(item.perLine);
     if (item.perRowField >= 0) m_perRow = record.GetInt(item.perRowField);
     if (m_perRow < 1) eds_tellDamaged(position, "a column has rows of no value");
     if (m_type == eds_FormType::Real) {
@@ -115,6 +116,7 @@ public:
   }
   std::size_t PerRow() const { return static_cast<std::size_t>(m_perRow); }
   bool GoesOn() const { return m_goesOn; }
+  std::size_t PerLine() const { return m_perLine; } // of values that go on; 0: eight fields
 
   struct Values {
     cow_List<int> ints;
@@ -162,6 +164,7 @@ private:
   eds_FormType m_type;
   int m_perRow = 1;
   bool m_goesOn = false; // over further lines
+  std::size_t m_perLine = 0;
   bool m_hasWords = false;
   cow_List<cow_String> m_words;
   std::size_t m_wordRoom = 0;
@@ -172,12 +175,19 @@ private:
 
 using Fields = cow_List<std::unique_ptr<Field>>;
 
-// The values of a repeated column go on over further lines; a row of any other is one line.
-char* printSeparator(char* out, std::size_t place, bool goesOn) {
+char* printSeparator(char* out, std::size_t place, bool isNewLine) {
   if (place == 0) return out;
   *out++ = ',';
-  *out++ = goesOn && place % kFieldsPerLine == 0 ? '\n' : ' ';
+  *out++ = isNewLine ? '\n' : ' ';
   return out;
+}
+
+// The values of a repeated column go on over further lines; a row of any other is one line.
+// place: of the field; value: of the column's, in the row.
+bool isNewLine(const Field& field, std::size_t place, std::size_t value) {
+  if (!field.GoesOn()) return false;
+  if (field.PerLine() == 0) return place % kFieldsPerLine == 0;
+  return value > 0 && value % field.PerLine() == 0;
 }
 
 // Up to the last field that is given; one that goes on over further lines is there whole, as all
@@ -192,9 +202,11 @@ char* printLine(char* out, const Fields& fields, const cow_List<Field::Values>& 
     const std::size_t perRow = fields[c]->PerRow();
     if (endsInTexts && c + 2 == fields.size() && count == fields.size() && values[c].IsBlank(n))
       continue;
-    for (std::size_t k = 0; k < perRow; ++k)
-      out = fields[c]->Print(printSeparator(out, place++, fields[c]->GoesOn()), values[c],
+    for (std::size_t k = 0; k < perRow; ++k, ++place)
+      out = fields[c]->Print(printSeparator(out, place, isNewLine(*fields[c], place, k)), values[c],
                              n * perRow + k);
+    // Lest the line of one that is not given be no line.
+    if (fields[c]->PerLine() == 1 && values[c].IsBlank(n * perRow + perRow - 1)) *out++ = ',';
   }
   *out++ = '\n';
   return out;
@@ -213,7 +225,7 @@ public:
     m_text.resize(4 + defaults.size() * (utl_doubleTextRoom + 2));
     char* out = m_text.data();
     for (std::size_t k = 0; k < defaults.size(); ++k)
-      out = utl_printDouble(printSeparator(out, k + 1, true), defaults[k]);
+      out = utl_printDouble(printSeparator(out, k + 1, (k + 1) % kFieldsPerLine == 0), defaults[k]);
     *out++ = '\n';
     m_text.resize(static_cast<std::size_t>(out - m_text.data()));
     m_row = record.GetInt64(form.defaultRowField);

@@ -186,6 +186,14 @@ def is_given_elsewhere(keyword, fields):
     return "USER" in keyword.parameters or label.endswith("NU")
 
 
+def meeting(where):
+    """What meets: of flows a routine, VELXNU, prescribes what VELX does."""
+    family_name, target, degree, part = where
+    if family_name == "FLUID BOUNDARY" and len(degree) > 1 and degree[1].endswith("NU"):
+        degree = degree[0], degree[1].removesuffix("NU")
+    return family_name, target, degree, part
+
+
 def entries_of(mesh, keyword, step):
     """What a keyword says, and where a condition is not what it said before: (line, label)."""
     words, said, twice = keyword.parameters, {}, set()
@@ -201,15 +209,15 @@ def entries_of(mesh, keyword, step):
     values = {}  # of the lines that hold
     for fields, place in [([], 0)] if alone else zip(keyword.lines, keyword.places):
         targets, degrees, value = read_line(mesh, keyword, fields)
-        written = value
+        written = value, fields and is_given_elsewhere(keyword, fields)
         if is_given_elsewhere(keyword, fields):
             value = None
         if keyword.name in MOTIONS:
             value = (manner, None if manner == "FIXED" else value)
         for target in targets:
             for degree in degrees:
-                where = (family(keyword), target, degree, part)
-                entry = Entry(where, value, amplitudes, step)
+                entry = Entry((family(keyword), target, degree, part), value, amplitudes, step)
+                where = meeting(entry.where)
                 if where not in said or rule == "later":
                     said[where] = [entry]
                 elif rule == "both":

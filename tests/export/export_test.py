@@ -498,7 +498,7 @@ class Exports(unittest.TestCase):
         deck = (nodes + "*AMPLITUDE, NAME=A\n0., 0., 1., 0.5\n"
                 "*STEP\n*STATIC\n*BOUNDARY\n1, 1, 1, 0.5\n2, 11, 11, 40.\n*BOUNDARY, FIXED\n3, 1\n"
                 "*BOUNDARY, AMPLITUDE=A\n4, 1, 1, 8.\n*BOUNDARY, USER\n6, 2\n"
-                "*TEMPERATURE\n1, 50., 60.\n*END STEP\n"
+                "*TEMPERATURE\n1, 50., 60.\n5, 10., , 30., 4., 5., 6., 7.\n8.5\n*FIELD, VARIABLE=2\n3, 1., 2.\n*END STEP\n"
                 "*STEP, PERTURBATION\n*STATIC\n*BOUNDARY\n1, 1, 1, 9.\n*END STEP\n"
                 "*STEP\n*STATIC\n*BOUNDARY, FIXED\n1, 1\n4, 1, 2\n*TEMPERATURE, FILE=older\n*END STEP\n"
                 "*STEP\n*STATIC\n*BOUNDARY, FIXED\n1, 1\n*END STEP\n"
@@ -507,7 +507,7 @@ class Exports(unittest.TestCase):
         kept = "what *BOUNDARY, FIXED keeps of steps in which it is not prescribed acts in step"
         none = None
         for step, along, temperatures, says in (
-                (1, (0.5, 0, 0, 8, 0, 0), (50, 40, none, none, none, none), ("a value behind the first one of *TEMPERATURE",)),
+                (1, (0.5, 0, 0, 8, 0, 0), (50, 40, none, none, 10, none), ()),
                 (3, (0.5, 0, 0, none, 0, 0), (none, 40, none, none, none, none), (kept, "*TEMPERATURE, FILE acts")),
                 (4, (0.5, 0, 0, none, 0, 0), (none, 40, none, none, none, none), (kept,))):
             data = self.export(deck, "--step", str(step), "--force").GetPointData()
@@ -516,6 +516,10 @@ class Exports(unittest.TestCase):
             self.assertEqual(tuple(number(v[0]) for v in vectors), along, step)
             self.assertTrue(math.isnan(vectors[5][1]), step)  # of a routine
             self.assertEqual(tuple(map(number, values(data, "Temperature"))), temperatures, step)
+            further = {name: tuple(map(number, values(data, name))) for name in names(data) if "_" in name}
+            self.assertEqual(further.get("Temperature_2"), (60, none, none, none, none, none) if step == 1 else None)
+            self.assertEqual(further.get("Temperature_8"), (none,) * 4 + (8.5, none) if step == 1 else None)
+            self.assertEqual(further.get("Field2_2"), (none, none, 2, none, none, none) if "Field2" in names(data) else None)
             self.assertEqual((kept in self.said), kept in says, step)
             for text in says:
                 self.assertIn(text, self.said)

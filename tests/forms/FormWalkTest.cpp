@@ -128,7 +128,16 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"InitialHardening.section_points", ""},
     {"InitialHardening.rebar", ""},
     {"InitialHardening.number_back_stresses", "1"},
-    {"InitialBackStresses.number_backstresses", "2"},
+    {"InitialBackStressRows.number_backstresses", "2"},
+    {"InitialBackStressRowsAtPoints.number_backstresses", "2"},
+    {"InitialBackStressRowsOfRebar.number_backstresses", "2"},
+    {"InitialDamage.section_points", ""},
+    {"InitialDamage.rebar", ""},
+    {"InitialActivation.value", "0.5"},
+    {"InitialPorosity.value", "0.5"},
+    {"InitialSaturation.value", "0.5"},
+    {"InitialVolumeFraction.value", "0.5"},
+    {"InitialEnrichment.node", "2"},
     {"Wave.type", "AIRY"},
     {"ConnectorSection.behavior", ""},
     {"BeamSectionTapered.section", "ARBITRARY"},
@@ -241,6 +250,7 @@ private:
                  : isTarget && !byName ? "1"
                  : isTarget            ? name
                                        : Value(item, {}, false, m_lost));
+        if (item.perLine > 0) line += "\n" + Value(item, {}, false, m_lost); // two lines
       }
       text += line + "\n";
     }
@@ -317,7 +327,9 @@ cow_List<const inpS_Form*> walkedForms() {
   cow_List<const inpS_Form*> forms;
   for (const eds_FormKeyword& row : eds_formKeywords()) {
     const inpS_Form* form = inpS_FormTable::Instance().Find(row.kind);
-    if (form->keyword != inp_NullKeyword && !inpS_isBehavior(form->keyword)) forms.push_back(form);
+    const bool isMade = form->info->repeat != eds_FormRepeat::Past;
+    if (form->keyword != inp_NullKeyword && isMade && !inpS_isBehavior(form->keyword))
+      forms.push_back(form);
   }
   return forms;
 }
@@ -441,6 +453,12 @@ TEST_F(FormWalk, WhatIsMissingIsTold) {
   for (const auto& [word, isTold] : told) EXPECT_TRUE(isTold) << "no form refers to " << word;
 }
 
+cow_String twoLines(const cow_String& value, int perLine) {
+  cow_String line = value;
+  for (int n = 1; n < perLine; ++n) line += ", " + value;
+  return line + ",\n" + line;
+}
+
 // More lines than a piece has: columns become arrays, whatever they began as.
 TEST_F(FormWalk, LinesBeyondAPiece) {
   constexpr int lines = 20000;
@@ -450,7 +468,8 @@ TEST_F(FormWalk, LinesBeyondAPiece) {
     cow_String shape; // what is read and printed alike is tried once
     for (const eds_FormItem& item : form->info->columnItems)
       for (const eds_FormItem::Alternative& one : item.alternatives)
-        shape += std::to_string(static_cast<int>(one.type)) + (item.isRequired ? "! " : " ");
+        shape += std::to_string(static_cast<int>(one.type) + 100 * item.perLine) +
+                 (item.isRequired ? "! " : " ");
     if (!shapes.insert(shape).second) continue;
     Given given = FormDeck(*form).Keyword(nullptr);
     given.text.resize(given.text.find('\n') + 1);
@@ -467,8 +486,9 @@ TEST_F(FormWalk, LinesBeyondAPiece) {
                                           : isTarget      ? cow_String("1")
                                           : one.referable ? targetOf(one.referable->word)
                                           : one.type == eds_FormType::Text ? cow_String("P1")
-                                          : isReal                         ? number + ".5"
-                                                   : std::to_string(line < 9000 ? 7 : 8));
+                                          : item.perLine > 0 ? twoLines(number + ".5", item.perLine)
+                                          : isReal           ? number + ".5"
+                                                             : std::to_string(line < 9000 ? 7 : 8));
       }
       given.text += text + "\n";
     }

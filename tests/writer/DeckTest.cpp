@@ -4,6 +4,9 @@
 #include "database/KvoObjElementSet.h"
 #include "database/KvoObjModel.h"
 #include "database/KvoObjNodeSet.h"
+#include "database/KvoSimDataRecord.h"
+#include "database/schema/eds_Form.h"
+#include "database/schema/eds_FormKind.h"
 #include "inpS/writer/inpS_SetNames.h"
 #include "inpS/writer/inpS_Sim2Inp.h"
 #include <gtest/gtest.h>
@@ -35,6 +38,29 @@ TEST(Writer, NamesSetsThatHaveNoName) {
   EXPECT_EQ(SetName(nameless), usual + "-1");
   const KvoSimPosition elements = add(KvoObjElementSet(document.Context(), ""), true);
   EXPECT_EQ(SetName(elements), "ELSET-" + std::to_string(elements.ID()));
+}
+
+// Lines that are columns by now were texts once; files that have them are written all the same.
+TEST(Writer, PrintsWhatEarlierVersionsHaveMade) {
+  const KvoObjDocument document = KvoObjDocument::InMemory();
+  const KvoSimPosition model = document.GetModel().Position();
+  const auto add = [&](eds_RecordKind kind, const cow_String& lines) {
+    const KvoSimPosition record = model.CreateDataRecord(kind);
+    model.Associate(eds_Member::InitialConditions, record);
+    record.DataRecord().SetString(eds_formField(kind, "lines"), lines);
+    return record.DataRecord();
+  };
+  add(eds_FormKind::InitialOther, "1, 1, CRACK, 0.5\n").SetString(0, "ENRICHMENT");
+  add(eds_FormKind::InitialSolution, "1, BARS, 0.5\n").SetBool(0, true);
+  add(eds_FormKind::InitialBackStresses, "1, 0.5\n").SetInt(0, 1);
+  cow_String deck;
+  std::ostringstream diagnostics;
+  utl_Stream out(&deck);
+  inpS_Sim2Inp(document, 0, true, "", nullptr, diagnostics).Print(out);
+  out.Flush();
+  EXPECT_EQ(deck, "*INITIAL CONDITIONS, TYPE=ENRICHMENT\n1, 1, CRACK, 0.5\n"
+                  "*INITIAL CONDITIONS, REBAR, TYPE=SOLUTION\n1, BARS, 0.5\n"
+                  "*INITIAL CONDITIONS, NUMBER BACKSTRESSES=1, TYPE=HARDENING\n1, 0.5\n");
 }
 
 // Whoever measures a host's memory or time by the marks relies on their names and their order.
