@@ -191,6 +191,12 @@ void readData(std::string_view text, eds_FormInfo& form) {
     } else if (piece.starts_with("*[")) {
       form.data = eds_FormData::Columns;
       form.columnItems = itemsOf(piece.substr(2, piece.size() - 3));
+    } else if (piece.starts_with('#')) {
+      const std::size_t open = piece.find('[');
+      form.data = eds_FormData::Columns;
+      form.isGrouped = true;
+      form.group = itemOf(cow_String(piece.substr(1, open - 1)) + ":int!");
+      form.columnItems = itemsOf(piece.substr(open + 1, piece.size() - open - 2));
     } else {
       readTable(piece, form);
     }
@@ -343,34 +349,37 @@ private:
 
   void AddColumns() {
     m_form.rowsField = static_cast<int>(AddField("rows", eds_FieldType::Int).number);
-    for (eds_FormItem& item : m_form.columnItems) {
-      eds_FormItem::Alternative& one = item.alternatives.front();
-      // Words and names are places in what the record lists of them.
-      const bool isReal = one.type == eds_FormType::Real;
-      one.field = static_cast<int>(
-          AddField(item.name, isReal ? eds_FieldType::Real : eds_FieldType::Int).number);
-      const Field few = AddField(item.name + "_few", eds_FieldType::Bytes);
-      item.fewField = static_cast<int>(few.number);
-      if (one.type != eds_FormType::Real) few.info.valueType = eds_ValueType::Int32;
-      item.arrayField = static_cast<int>(
-          AddField(item.name + "_array", eds_FieldType::Ref, eds_RecordKind::Array).number);
-      const auto isText = [](const eds_FormItem::Alternative& type) {
-        return type.type == eds_FormType::Text;
-      };
-      if (std::ranges::any_of(item.alternatives, isText))
-        item.wordsField =
-            static_cast<int>(AddField(item.name + "_words", eds_FieldType::Text).number);
-      if (item.isRepeated) {
-        const Field perRow = AddField(item.name + "_per_row", eds_FieldType::Int);
-        perRow.info.intDefault = 1;
-        item.perRowField = static_cast<int>(perRow.number);
-      }
-    }
+    if (m_form.isGrouped) AddColumn(m_form.group);
+    for (eds_FormItem& item : m_form.columnItems) AddColumn(item);
     if (!m_form.columnItems.front().isOptional) return;
     const Field row = AddField("default_row", eds_FieldType::Int);
     row.info.intDefault = -1;
     m_form.defaultRowField = static_cast<int>(row.number);
     m_form.defaultsField = static_cast<int>(AddField("defaults", eds_FieldType::Bytes).number);
+  }
+
+  void AddColumn(eds_FormItem& item) {
+    eds_FormItem::Alternative& one = item.alternatives.front();
+    // Words and names are places in what the record lists of them.
+    const bool isReal = one.type == eds_FormType::Real;
+    one.field = static_cast<int>(
+        AddField(item.name, isReal ? eds_FieldType::Real : eds_FieldType::Int).number);
+    const Field few = AddField(item.name + "_few", eds_FieldType::Bytes);
+    item.fewField = static_cast<int>(few.number);
+    if (one.type != eds_FormType::Real) few.info.valueType = eds_ValueType::Int32;
+    item.arrayField = static_cast<int>(
+        AddField(item.name + "_array", eds_FieldType::Ref, eds_RecordKind::Array).number);
+    const auto isText = [](const eds_FormItem::Alternative& type) {
+      return type.type == eds_FormType::Text;
+    };
+    if (std::ranges::any_of(item.alternatives, isText))
+      item.wordsField =
+          static_cast<int>(AddField(item.name + "_words", eds_FieldType::Text).number);
+    if (item.isRepeated) {
+      const Field perRow = AddField(item.name + "_per_row", eds_FieldType::Int);
+      perRow.info.intDefault = 1;
+      item.perRowField = static_cast<int>(perRow.number);
+    }
   }
 
   eds_FormInfo m_form;

@@ -101,6 +101,9 @@ struct eds_FormInfo {
   cow_List<eds_FormItem> columnItems;           // Columns
   int rowsField = -1;                           // likewise: how many rows there are
   eds_FormItem words;                           // Words
+  // Columns of rows that belong together, so many to a line: the number of each row's group.
+  bool isGrouped = false;
+  eds_FormItem group;
   // Columns whose target may be left out: the line without one, values for all others, and before
   // which row it stands.
   int defaultsField = -1;

@@ -243,6 +243,54 @@ private:
   long long m_row = -1;
 };
 
+// One group after the other: how many rows it has, and these, so many to a line.
+void printGroups(utl_Stream& out, const eds_FormInfo& form, const KvoSimPosition& record,
+                 Fields& fields, std::size_t room) {
+  constexpr std::size_t rowsPerLine = 4;
+  const long long rows = record.DataRecord().GetInt64(form.rowsField);
+  std::mutex guard;
+  const int field = form.group.alternatives.front().field;
+  const KvoSimDataRecord data = record.DataRecord();
+  inpS_StoredColumn<int> groups(data, form.group, rows, 1,
+                                data.IsMemberNull(field) ? 0 : data.GetInt(field), guard);
+  cow_List<long long> sizes;
+  cow_List<int> numbers;
+  int latest = -1;
+  for (long long first = 0; first < rows; first += kRowsPerPiece) {
+    numbers.resize(static_cast<std::size_t>(std::min(kRowsPerPiece, rows - first)));
+    groups.Read(first, numbers);
+    for (const int number : numbers) {
+      if (sizes.empty() || number != latest) sizes.push_back(0);
+      latest = number;
+      ++sizes.back();
+    }
+  }
+  cow_List<Field::Values> values(fields.size());
+  cow_List<char> text(room);
+  long long row = 0, loaded = 0, begin = 0;
+  for (const long long size : sizes) {
+    out << std::to_string(size) << '\n';
+    for (long long n = 0; n < size; ++n, ++row) {
+      if (row == loaded) {
+        begin = loaded;
+        loaded = std::min(rows, begin + kRowsPerPiece);
+        for (std::size_t c = 0; c < fields.size(); ++c)
+          fields[c]->Read(begin, static_cast<std::size_t>(loaded - begin), values[c]);
+      }
+      char* end = text.data();
+      for (std::size_t c = 0; c < fields.size(); ++c) {
+        if (c > 0) end = printSeparator(end, c, false);
+        end = fields[c]->Print(end, values[c], static_cast<std::size_t>(row - begin));
+      }
+      const bool isLast = n + 1 == size || (n + 1) % rowsPerLine == 0;
+      out << std::string_view(text.data(), static_cast<std::size_t>(end - text.data()))
+          << (n + 1 == size ? "\n"
+              : isLast      ? ",\n"
+                            : ", ");
+    }
+  }
+}
+
 } // namespace
 
 void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPosition& record,
@@ -255,6 +303,7 @@ void inpS_printColumns(utl_Stream& out, const eds_FormInfo& form, const KvoSimPo
     fields.push_back(std::make_unique<Field>(form, item, record, rows, labels, scope, guard));
     room += fields.back()->Room() + 2;
   }
+  if (form.isGrouped) return printGroups(out, form, record, fields, room);
   const bool endsInTexts = inpS_endsInTexts(form.columnItems);
   const DefaultLine others(form, record.DataRecord(), *fields.back());
   const long long perPiece = std::clamp(rows, 1LL, utl_blockSize(kRowsPerPiece));

@@ -95,6 +95,10 @@ const cow_Map<cow_String, cow_String> soundValues = {
     {"EnergyEquationSolver.type", "ILUGMRES"},
     {"TransportEquationSolver.type", "ILUGMRES"},
     {"TurbulenceEquationSolver.type", "ILUGMRES"},
+    {"KinematicConstraint.first", "2"},
+    {"KinematicConstraint.last", "3"},
+    {"DistributingConstraint.first", "2"},
+    {"DistributingConstraint.last", "3"},
     {"Boundary.first", "4"},
     {"FluidBoundary.type", ""},
     {"FluidBoundary.target", "TOP"},
@@ -252,7 +256,7 @@ private:
                                        : Value(item, {}, false, m_lost));
         if (item.perLine > 0) line += "\n" + Value(item, {}, false, m_lost); // two lines
       }
-      text += line + "\n";
+      text += (m_form.info->isGrouped ? "1\n" : "") + line + "\n";
     }
     return text;
   }
@@ -420,7 +424,8 @@ TEST_F(FormWalk, WhatIsMissingIsTold) {
   cow_Map<cow_String, bool> told;
   for (const eds_Referable& referable : eds_referables()) told[cow_String(referable.word)];
   const auto check = [&](const inpS_Form& form, const eds_FormItem& item) {
-    const bool isColumn = form.info->data == eds_FormData::Columns;
+    const auto isItem = [&](const eds_FormItem& column) { return &column == &item; };
+    const bool isColumn = std::ranges::any_of(form.info->columnItems, isItem);
     const eds_Referable* referable =
         (isColumn ? item.alternatives.back() : item.alternatives.front()).referable;
     if (!referable || (item.alternatives.size() > 1 && !isColumn)) return;
@@ -490,7 +495,7 @@ TEST_F(FormWalk, LinesBeyondAPiece) {
                                           : isReal           ? number + ".5"
                                                              : std::to_string(line < 9000 ? 7 : 8));
       }
-      given.text += text + "\n";
+      given.text += (form->info->isGrouped ? "1\n" : "") + text + "\n";
     }
     const cow_String deck = Deck("a.inp", model + parentOf(*form) + given.text + endOf(*form));
     ProgramRun({"convert", deck, "-o", File("a.sim"), "--force"});
