@@ -114,7 +114,7 @@ void inpS_WrappedRows::Stream(Pass pass) {
 
 void inpS_WrappedRows::Take(const Piece& piece) {
   m_targets.TranslateNames(piece, piece.columns.front().ints.first(piece.count));
-  if (m_hasWords) m_words.TranslateNames(piece, piece.columns[1].ints.first(piece.count));
+  if (m_hasWords) m_seen.TranslateNames(piece, piece.columns[1].ints.first(piece.count));
   auto odd = piece.odd.begin();
   Line line;
   std::ranges::fill(line.values, inp_blankReal);
@@ -167,7 +167,7 @@ inpS_WrappedRows::Line inpS_WrappedRows::ReadLine(long long row) {
   if (m_keyItem && has(1) && data.Type(row, 1) == inp_FieldType::Integer)
     line.key = data.AsInt(row, 1);
   else if (m_keyItem && has(1) && !data.IsNumber(row, 1))
-    line.key = m_hasWords ? m_words.Of(data.AsStringVerbatim(row, 1)) : inpS_noTarget;
+    line.key = m_hasWords ? m_seen.Of(data.AsStringVerbatim(row, 1)) : inpS_noTarget;
   for (int col = static_cast<int>(m_fields); col < data.Cols(row) && line.surplusAt < 0; ++col)
     if (has(col)) line.surplusAt = col;
   return line;
@@ -241,7 +241,7 @@ void inpS_WrappedRows::AddLine(const Line& line) {
 // The name of a rebar may be a number; the number of a point is a whole one.
 int inpS_WrappedRows::KeyOf(const Line& head) {
   const bool isNumber = m_keyItem && !inp_isBlankReal(head.values[0]);
-  if (isNumber && m_hasWords) return m_words.Of(m_keyword.Data().AsStringVerbatim(head.row, 1));
+  if (isNumber && m_hasWords) return m_seen.Of(m_keyword.Data().AsStringVerbatim(head.row, 1));
   return isNumber && head.key == inp_blankInt ? inpS_noTarget : head.key;
 }
 
@@ -286,10 +286,18 @@ void inpS_WrappedRows::StoreRow() {
                                      // whatever the pieces
   m_values.resize(m_width, inp_blankReal);
   m_rowTargets.push_back(m_head.target);
-  if (m_keyItem) m_rowKeys.push_back(m_key);
+  if (m_keyItem) m_rowKeys.push_back(StoredKey());
   for (std::size_t n = 0; n < m_values.size(); ++n)
     m_rowReals[std::min(n, m_singles)].push_back(m_values[n]);
   if (++m_rows <= fewRows) Flush();
+}
+
+int inpS_WrappedRows::StoredKey() {
+  if (!m_hasWords || m_key == inp_blankInt) return m_key;
+  const auto place = static_cast<std::size_t>(-1 - m_key);
+  if (place >= m_wordOf.size()) m_wordOf.resize(m_seen.All().size());
+  if (m_wordOf[place] == 0) m_wordOf[place] = m_words.Of(m_seen.All()[place]);
+  return m_wordOf[place];
 }
 
 void inpS_WrappedRows::Flush() {

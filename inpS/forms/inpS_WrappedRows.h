@@ -73,6 +73,7 @@ private:
   bool IsRefused() const;
   cow_String FaultOfKey() const;
   void StoreRow();
+  int StoredKey();
   void Flush();
   void TellRow();
   cow_String FaultOfTarget() const;
@@ -87,11 +88,13 @@ private:
   inpS_ColumnTargets m_targets;
   const eds_FormItem* m_keyItem; // null: values stand behind the target
   bool m_hasWords;               // the key is a text
-  inpS_ColumnWords m_words;
-  std::size_t m_keys;    // columns of it
-  std::size_t m_singles; // values with a column of their own
-  std::size_t m_perLine; // repeated ones; 0: up to the eighth field
-  std::size_t m_fields;  // of the longest line
+  inpS_ColumnWords m_seen;       // words, in whatever order
+  inpS_ColumnWords m_words;      // of the rows that are stored, in their order
+  cow_List<int> m_wordOf;        // by place among those seen; 0: not known yet
+  std::size_t m_keys;            // columns of it
+  std::size_t m_singles;         // values with a column of their own
+  std::size_t m_perLine;         // repeated ones; 0: up to the eighth field
+  std::size_t m_fields;          // of the longest line
   bool m_isErrorToRefuse = false;
   std::size_t m_perRow = 0;
   long long m_linesPerRow = 1; // of those that are counted

@@ -502,7 +502,7 @@ class Exports(unittest.TestCase):
                 "*STEP, PERTURBATION\n*STATIC\n*BOUNDARY\n1, 1, 1, 9.\n*END STEP\n"
                 "*STEP\n*STATIC\n*BOUNDARY, FIXED\n1, 1\n4, 1, 2\n*TEMPERATURE, FILE=older\n*END STEP\n"
                 "*STEP\n*STATIC\n*BOUNDARY, FIXED\n1, 1\n*END STEP\n"
-                "*STEP\n*STATIC\n*BOUNDARY, OP=NEW\n*LOAD CASE, NAME=ONE\n*CLOAD\n1, 1, 2.\n*END LOAD CASE\n"
+                "*STEP\n*STATIC\n*BOUNDARY, OP=NEW\n*FIELD, OP=NEW, VARIABLE=2\n*LOAD CASE, NAME=ONE\n*CLOAD\n1, 1, 2.\n*END LOAD CASE\n"
                 "*LOAD CASE\n*CLOAD\n1, 1, 3.\n*BOUNDARY\n5, 1\n*END LOAD CASE\n*END STEP\n")
         kept = "what *BOUNDARY, FIXED keeps of steps in which it is not prescribed acts in step"
         none = None
