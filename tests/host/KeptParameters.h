@@ -8,6 +8,8 @@
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_Parser.h"
 #include "tests/host/ProgramRun.h"
+#include <algorithm>
+#include <cstdlib>
 
 // Whether whatever parameter a keyword has is in the deck that is written.
 
