@@ -34,6 +34,22 @@ fs::path identityOf(const fs::path& path) {
   return error ? path : canonical;
 }
 
+// "part": what *PART opens and *END PART ends.
+cow_String scopeWord(inp_KeywordEnm keyword) {
+  cow_String word(inp_KeywordTable::Instance().Row(keyword)->name);
+  if (inp_ScopeTracker::IsCloser(keyword)) word.erase(0, word.find(' ') + 1);
+  for (char& c : word) c = static_cast<char>(c - 'A' + 'a');
+  return word;
+}
+
+// Of a scope that lacks its end; before: what cannot stand within it, or null at the deck's end.
+cow_String whereBefore(const inp_KeywordBody& opener, const inp_KeywordBody* before) {
+  if (!before) return "with the deck";
+  if (before->kind == opener.kind) return "where the next one begins";
+  const bool isEnd = inp_ScopeTracker::IsCloser(before->kind);
+  return "where *" + before->name + (isEnd ? " stands" : " begins");
+}
+
 bool isUtf16(const inp_DeckText& text) {
   const std::string_view begin(text.Begin(), std::min<std::size_t>(text.Size(), 2));
   return begin == "\xFF\xFE" || begin == "\xFE\xFF";
@@ -58,13 +74,13 @@ struct inp_Parser::Impl {
   long long moreWarnings = 0;
 
   inp_KeywordReader reader{syntaxErrors, warnings};
-  cow_List<wip_Message> scopeErrors{};
-  inp_ScopeTracker scopes{scopeErrors};
+  inp_ScopeTracker scopes{};
   inp_SuboptionChain chain{};
   inp_KeywordList keywords{};
 
   // The keyword whose data lines are being gathered, through all files.
   std::shared_ptr<inp_KeywordBody> open{};
+  bool isLeftOut = false; // it is in no list
   cow_List<inp_DataSegment> segments{};
 
   inp_ParametersSoFar parameters{};
@@ -88,9 +104,9 @@ struct inp_Parser::Impl {
   void KeepComments(const inp_DeckText& text, inp_KeywordBody& body) const;
   void Begin(const std::shared_ptr<inp_KeywordBody>& body);
   void End();
-  void LeaveOut(const inp_KeywordBody& body);
-  void EndOpenStep(const cow_String& where, cow_List<wip_Message>& told);
-  void TellScopeErrors();
+  void TellLeftOut(const inp_KeywordBody& body);
+  void TellNestedPart(const inp_KeywordBody& body);
+  void EndInPlace(const inp_ScopeTracker::Open& scope, const inp_KeywordBody* before);
   void LimitMessages();
   void TellMore();
   void ReportHeadless(const inp_DataSegment& segment);
@@ -145,9 +161,7 @@ inp_KeywordList inp_Parser::Parse(bool expectFile) {
   if (!root) return {};
   m_impl->ParseText(root);
   m_impl->End();
-  m_impl->EndOpenStep("with the deck", m_impl->warnings);
-  m_impl->scopes.Finish();
-  m_impl->TellScopeErrors();
+  while (const auto* scope = m_impl->scopes.Innermost()) m_impl->EndInPlace(*scope, nullptr);
   m_impl->TellMore();
   const bool nothingSaid = m_impl->fileErrors.empty() && m_impl->syntaxErrors.empty();
   if (m_impl->keywords.empty() && nothingSaid) {
@@ -310,27 +324,17 @@ void inp_Parser::Impl::ReportHeadless(const inp_DataSegment& segment) {
 }
 
 void inp_Parser::Impl::Begin(const std::shared_ptr<inp_KeywordBody>& body) {
-  // All that opens a scope stands outside of steps.
-  if (body->kind == inp_KwStep)
-    EndOpenStep("where the next one begins", warnings);
-  else if (inp_ScopeTracker::KindOpenedBy(body->kind) != inp_Scope::Kind::Model)
-    EndOpenStep("where *" + body->name + " begins", slips);
+  while (const auto* scope = scopes.MustEndBefore(body->kind)) EndInPlace(*scope, body.get());
   open = body;
   if (body->name.empty()) return; // reported; its data lines go with it
-  if (body->kind == inp_KwEndStep && !scopes.OpenStep()) return LeaveOut(*body);
+  if (inp_ScopeTracker::IsCloser(body->kind) && !scopes.IsOpenFor(body->kind))
+    return void(isLeftOut = true);
+  if (body->kind == inp_KwPart && scopes.Innermost()) TellNestedPart(*body);
   if (keepComments) KeepComments(*body->text, *body);
   const inp_ScopePtr scope = scopes.Enter(body);
-  TellScopeErrors();
   keywords.emplace_back(body, scope);
   if (attachSuboptions) chain.Attach(keywords.back());
   TakeDataFile(*body);
-}
-
-// What is missing of a file may be the very line that opens or closes a scope.
-void inp_Parser::Impl::TellScopeErrors() {
-  if (fileErrors.empty())
-    syntaxErrors.insert(syntaxErrors.end(), scopeErrors.begin(), scopeErrors.end());
-  scopeErrors.clear();
 }
 
 void inp_Parser::Impl::End() {
@@ -338,28 +342,54 @@ void inp_Parser::Impl::End() {
     const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(open->kind);
     const bool wholeLines = row && row->data == inp_DataKind::Verbatim;
     open->data = inp_DataArray(std::exchange(segments, {}), wholeLines);
+    if (std::exchange(isLeftOut, false)) TellLeftOut(*open);
   }
   open = nullptr;
 }
 
-// One *END STEP too many ends nothing. Of a file that could not be read it may end a step.
-void inp_Parser::Impl::LeaveOut(const inp_KeywordBody& body) {
+// One end too many ends nothing. Of a file that could not be read it may end a scope.
+void inp_Parser::Impl::TellLeftOut(const inp_KeywordBody& body) {
   if (!fileErrors.empty()) return;
-  wip_Message message("no step is open that *END STEP could end; it is left out");
+  wip_Message message("no " + scopeWord(body.kind) + " is open that *" + body.name +
+                      " could end; it is left out" +
+                      (body.data.Rows() > 0 ? ", and its data lines with it" : ""));
   message.keyword = body.name;
   message.place = body.text->PlaceOf(body.begin);
   slips.push_back(std::move(message));
 }
 
-// Decks may end within their last step, which then ends with them, and a step may be left open
-// where the next one begins. Where a file could not be read it may be the line that ends the step.
-void inp_Parser::Impl::EndOpenStep(const cow_String& where, cow_List<wip_Message>& told) {
-  const std::shared_ptr<inp_KeywordBody> step = scopes.OpenStep();
-  if (!step || !fileErrors.empty()) return;
-  told.push_back(inp_Utils::MessageInKeyword(inp_Keyword(step, {}),
-                                             "*END STEP is missing; the step ends " + where));
-  const inp_DeckTextPtr closer = inp_DeckText::Rewritten("*END STEP\n", step->text, step->line);
-  Begin(reader.Read(closer, closer->Begin(), step->line).body);
+void inp_Parser::Impl::TellNestedPart(const inp_KeywordBody& body) {
+  if (!fileErrors.empty()) return;
+  wip_Message message(
+      "a part cannot stand within the assembly; it is read as if it stood before it");
+  message.keyword = body.name;
+  message.place = body.text->PlaceOf(body.begin);
+  slips.push_back(std::move(message));
+}
+
+// Where *END PART is wanted the deck goes on as if it stood there. Decks may end within their last
+// step, which then ends with them, and a step may be left open where the next one begins; all else
+// is an error. Where a file could not be read it may be the line that ends the scope.
+void inp_Parser::Impl::EndInPlace(const inp_ScopeTracker::Open& scope,
+                                  const inp_KeywordBody* before) {
+  const auto opener = scope.opener;
+  const cow_String closer = cow_String(inp_KeywordTable::Instance().Row(scope.closer)->name);
+  if (fileErrors.empty()) {
+    const cow_String& name = scope.scope->name;
+    const bool isStep = opener->kind == inp_KwStep;
+    const bool isUsual = isStep && (!before || before->kind == inp_KwStep);
+    cow_String text = "*" + closer + " is missing";
+    if (!name.empty() && !isStep) text += " for \"" + inp_printable(name, 80) + '"';
+    text += "; the " + scopeWord(opener->kind) + " ends " + whereBefore(*opener, before);
+    wip_Message message = inp_Utils::MessageInKeyword(inp_Keyword(opener, {}), text);
+    if (before && !isUsual)
+      message.notes.push_back(
+          {"it must stand before this *" + before->name, before->text->PlaceOf(before->begin)});
+    (isUsual ? warnings : slips).push_back(std::move(message));
+  }
+  const inp_DeckTextPtr text =
+      inp_DeckText::Rewritten("*" + closer + "\n", opener->text, opener->line);
+  Begin(reader.Read(text, text->Begin(), opener->line).body);
   End();
 }
 

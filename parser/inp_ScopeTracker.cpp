@@ -9,15 +9,10 @@ namespace {
 
 using Kind = inp_Scope::Kind;
 
-bool isCloser(inp_KeywordEnm keyword) {
-  return keyword == inp_KwEndPart || keyword == inp_KwEndInstance || keyword == inp_KwEndAssembly ||
-         keyword == inp_KwEndStep;
-}
-
-// Only instances stand within another scope. Whether one may stand outside an assembly is for those
-// who convert it.
+// Only instances stand within another scope, and parts that are read as if they stood before it.
+// Whether an instance may stand outside an assembly is for those who convert it.
 bool mayHold(Kind outer, Kind inner) {
-  return outer == Kind::Assembly && inner == Kind::Instance;
+  return outer == Kind::Assembly && (inner == Kind::Instance || inner == Kind::Part);
 }
 
 cow_String valueOf(const inp_KeywordBody& keyword, std::string_view name) {
@@ -43,16 +38,31 @@ inp_Scope::Kind inp_ScopeTracker::KindOpenedBy(inp_KeywordEnm keyword) {
   }
 }
 
+bool inp_ScopeTracker::IsCloser(inp_KeywordEnm keyword) {
+  return keyword == inp_KwEndPart || keyword == inp_KwEndInstance || keyword == inp_KwEndAssembly ||
+         keyword == inp_KwEndStep;
+}
+
+bool inp_ScopeTracker::IsOpenFor(inp_KeywordEnm closer) const {
+  return std::ranges::find(m_open, closer, &Open::closer) != m_open.end();
+}
+
+const inp_ScopeTracker::Open* inp_ScopeTracker::MustEndBefore(inp_KeywordEnm keyword) const {
+  if (m_open.empty()) return nullptr;
+  const Open& last = m_open.back();
+  if (IsCloser(keyword)) return last.closer != keyword && IsOpenFor(keyword) ? &last : nullptr;
+  const Kind opened = KindOpenedBy(keyword);
+  return opened == Kind::Model || mayHold(last.scope->kind, opened) ? nullptr : &last;
+}
+
 inp_ScopePtr inp_ScopeTracker::Enter(const std::shared_ptr<inp_KeywordBody>& keyword) {
+  while (MustEndBefore(keyword->kind)) m_open.pop_back();
   const Kind opened = KindOpenedBy(keyword->kind);
-  if (opened == Kind::Model && !isCloser(keyword->kind)) return Current();
-  if (opened == Kind::Model) {
-    CloseScope(keyword);
-    return Current();
-  }
-  while (!m_open.empty() && !mayHold(m_open.back().scope->kind, opened)) ReportUnclosed(keyword);
-  inp_ScopePtr outer = Current();
-  OpenScope(keyword, opened);
+  // What opens and what closes a scope stand outside of it; a part's stand in none.
+  const bool isOfPart = opened == Kind::Part || keyword->kind == inp_KwEndPart;
+  if (IsCloser(keyword->kind) && IsOpenFor(keyword->kind)) m_open.pop_back();
+  inp_ScopePtr outer = isOfPart ? nullptr : Current();
+  if (opened != Kind::Model) OpenScope(keyword, opened);
   return outer;
 }
 
@@ -63,39 +73,4 @@ void inp_ScopeTracker::OpenScope(const std::shared_ptr<inp_KeywordBody>& keyword
   if (kind == Kind::Instance) scope->partName = valueOf(*keyword, "part");
   if (kind == Kind::Step) scope->ordinal = ++m_steps;
   m_open.push_back({keyword, inp_KeywordTable::Instance().CloserOf(keyword->kind), scope});
-}
-
-void inp_ScopeTracker::CloseScope(const std::shared_ptr<inp_KeywordBody>& keyword) {
-  const bool isOpen = std::any_of(m_open.begin(), m_open.end(),
-                                  [&](const Open& open) { return open.closer == keyword->kind; });
-  if (!isOpen) {
-    m_errors.push_back(inp_Utils::MessageInKeyword(
-        inp_Keyword(keyword, {}), "*" + keyword->name + " closes nothing that is open"));
-    return;
-  }
-  while (m_open.back().closer != keyword->kind) ReportUnclosed(keyword);
-  m_open.pop_back();
-}
-
-// Closes the innermost scope in the user's place.
-void inp_ScopeTracker::ReportUnclosed(const std::shared_ptr<inp_KeywordBody>& before) {
-  const Open open = std::move(m_open.back());
-  m_open.pop_back();
-  const inp_KeywordRow* closer = inp_KeywordTable::Instance().Row(open.closer);
-  cow_String text = "*" + cow_String(closer ? closer->name : "END") + " is missing";
-  if (!open.scope->name.empty()) text += " for \"" + inp_printable(open.scope->name, 80) + '"';
-  wip_Message message = inp_Utils::MessageInKeyword(inp_Keyword(open.opener, {}), text);
-  if (before)
-    message.notes.push_back(
-        {"it must stand before this *" + before->name, inp_Keyword(before, {}).Place()});
-  m_errors.push_back(std::move(message));
-}
-
-std::shared_ptr<inp_KeywordBody> inp_ScopeTracker::OpenStep() const {
-  const bool isOpen = !m_open.empty() && m_open.back().scope->kind == Kind::Step;
-  return isOpen ? m_open.back().opener : nullptr;
-}
-
-void inp_ScopeTracker::Finish() {
-  while (!m_open.empty()) ReportUnclosed(nullptr);
 }

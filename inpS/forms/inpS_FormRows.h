@@ -15,6 +15,7 @@ public:
   // Nothing when there are no rows.
   void Store(const KvoSimPosition& record);
   const inpS_KeywordDataTable& Table() const { return m_table; }
+  bool HasRows() const { return m_table.NumRows() > 0; } // until they are stored
 
 private:
   cow_List<inpS_TableColumns::Column> m_columns;

@@ -137,9 +137,10 @@ void inpS_Form::LeaveOddChoices(const inp_Keyword& deckKeyword, inp_Visitor& mes
 }
 
 // A choice of another form that is declined is said by this form.
-void inpS_Form::LeaveForeign(const inp_Keyword& deckKeyword) const {
+void inpS_Form::LeaveForeign(const inp_Keyword& deckKeyword, bool hasRows) const {
   for (const inp_Parameter& parameter : deckKeyword.Parameters()) {
     if (parameter.name == "input" || Binds(parameter.name) || IsChosenBy(parameter.name)) continue;
+    if (hasRows && parameter.name == "dependencies") continue;
     const bool isDeclined = inpS_flagValue(parameter.value) == std::optional(false) &&
                             inpS_FormTable::Instance().IsChoice(keyword, parameter.name);
     if (!isDeclined) parameter.referred = false;

@@ -47,8 +47,9 @@ struct inpS_Form {
   // neither yes nor no is told and left unread, to be kept.
   void LeaveOddChoices(const inp_Keyword& keyword, inp_Visitor& messages) const;
   // What no field holds and no choice asks for counts as unread, whoever has looked at it to tell
-  // of it: it is to be kept.
-  void LeaveForeign(const inp_Keyword& keyword) const;
+  // of it: it is to be kept. hasRows: the table has some, and says itself on how many field
+  // variables they depend.
+  void LeaveForeign(const inp_Keyword& keyword, bool hasRows) const;
   bool IsChosenBy(const cow_String& parameter) const; // a selector has it
   // How often a group of columns is repeated, from the keyword or from the record.
   static inpS_TableColumns::Count CountIn(const inp_Keyword& keyword);

@@ -202,11 +202,11 @@ KvoSimPosition inpS_FormVisitor::Convert(const inp_Keyword& keyword, const KvoSi
     NamesIn(owner).AssociateStringKey(named->member, keyword.StringOf("name", ""), record);
   ReadParameters(keyword, *form, record.DataRecord());
   bool whole = loss != Loss::Lines && ReadData(keyword, *form->info, record);
+  form->LeaveForeign(keyword, rows.HasRows());
   if (form->HasTable()) {
     whole = whole && rows.Table().Unread().empty();
     rows.Store(record);
   }
-  if (!form->HasTable()) form->LeaveForeign(keyword); // rows have parameters of their own
   inpS_tellOtherParameters(keyword, *this);
   const inpS_KeptPart beside{0, inpS_takeOtherParameters(keyword),
                              whole ? cow_String() : inpS_dataLines(keyword, *this)};

@@ -303,13 +303,16 @@ void inpS_AmplitudeVisitor::ReadSmoothing(const inp_Keyword& keyword, KvoSimData
   if (keyword.LeaveUnread("smooth")) AddError(std::move(message));
 }
 
-// Times that are given need no rule to make them.
+// Times that are given need no rule to make them. What is not in the record is kept beside it: to
+// tell of it is not to read it.
 void inpS_AmplitudeVisitor::CheckSpacing(const inp_Keyword& keyword) {
-  for (const char* parameter : {"fixedinterval", "begin"})
-    if (keyword.HasParameter(parameter))
-      AddWarning(inp_Utils::MessageAtParameter(
-          keyword, parameter,
-          "This goes with DEFINITION=EQUALLY SPACED only; it is without effect."));
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (parameter.name != "fixedinterval" && parameter.name != "begin") continue;
+    parameter.told = true;
+    AddWarning(inp_Utils::MessageAtParameter(
+        keyword, parameter.name,
+        "This goes with DEFINITION=EQUALLY SPACED only; it is without effect."));
+  }
 }
 
 double inpS_AmplitudeVisitor::ValueAt(const inp_Keyword& keyword, long long row, int col) {

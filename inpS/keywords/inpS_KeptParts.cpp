@@ -129,12 +129,17 @@ void inpS_dropRepeated(const inp_Keyword& keyword, std::string_view kept, inp_Vi
     parameter.referred = true;
     const cow_String all = cow_String(kept) + ',';
     if (all.find(asGiven(parameter) + ',') != cow_String::npos) continue;
-    messages.AddWarning(inp_Utils::MessageAtParameter(
-        keyword, parameter.name,
-        "Parameter \"" + parameter.name +
-            "\" is given again with another value; the first one is kept, this one is left out."));
-    messages.LeaveOut("parameter");
+    inpS_tellRepeated(keyword, parameter.name, messages);
   }
+}
+
+void inpS_tellRepeated(const inp_Keyword& keyword, const cow_String& parameter,
+                       inp_Visitor& messages) {
+  messages.AddWarning(inp_Utils::MessageAtParameter(
+      keyword, parameter,
+      "Parameter \"" + parameter +
+          "\" is given again with another value; the first one is kept, this one is left out."));
+  messages.LeaveOut("parameter");
 }
 
 cow_String inpS_dataLines(const inp_Keyword& keyword, inp_Visitor& messages) {

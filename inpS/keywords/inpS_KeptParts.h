@@ -51,6 +51,8 @@ bool inpS_holdsParameter(std::string_view kept, std::string_view name);
 // Where one keyword is written for several: of a parameter that is kept already the first value
 // stays; another one is told, and left out.
 void inpS_dropRepeated(const inp_Keyword& keyword, std::string_view kept, inp_Visitor& messages);
+void inpS_tellRepeated(const inp_Keyword& keyword, const cow_String& parameter,
+                       inp_Visitor& messages);
 
 // As they stand, but for control characters, which no deck that is written has.
 cow_String inpS_dataLines(const inp_Keyword& keyword, inp_Visitor& messages);

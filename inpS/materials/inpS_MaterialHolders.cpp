@@ -78,7 +78,7 @@ void inpS_MaterialVisitor::VisitGasketBehavior(const inp_Keyword& keyword) {
   Settle(keyword, opened);
 }
 
-// There is one set of constants; each parameter given again takes the place of the former.
+// There is one set of constants, written as one keyword: of each the first value holds.
 void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
   KvoSimTransaction transaction(m_document.ContextID());
   const KvoSimPosition model = m_document.GetModel().Position();
@@ -88,12 +88,21 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
     model.SetPosition(eds_Member::PhysicalConstants, constants);
   }
   m_ledger.Take(keyword, constants);
-  const auto bindings = inpS_bindParameters(keyword.Kind(), eds_FormKind::PhysicalConstants);
-  for (const inpS_ParameterBinding& binding : bindings)
-    if (keyword.HasParameter(binding.key) && !constants.DataRecord().IsMemberNull(binding.field))
-      AddWarning(inp_Utils::MessageAtParameter(
-          keyword, binding.key, binding.name + " is given again; the last one holds."));
-  inpS_readParameters(keyword, bindings, constants.DataRecord(), *this);
+  const int field = eds_formOf(eds_FormKind::PhysicalConstants)->othersField;
+  const cow_String former = constants.DataRecord().ReturnString(field);
+  inpS_ParameterBindings fresh;
+  for (const auto& binding : inpS_bindParameters(keyword.Kind(), eds_FormKind::PhysicalConstants)) {
+    const inp_Item* item = keyword.Find(binding.key);
+    if (!item) continue;
+    const KvoSimDataRecord record = constants.DataRecord();
+    if (inpS_holdsParameter(former, binding.name))
+      keyword.LeaveUnread(binding.key);
+    else if (record.IsMemberNull(binding.field))
+      fresh.push_back(binding);
+    else if (!item->IsNumber() || item->AsDouble() != record.GetDouble(binding.field))
+      inpS_tellRepeated(keyword, binding.key, *this);
+  }
+  inpS_readParameters(keyword, fresh, constants.DataRecord(), *this);
   if (const cow_String lines = inpS_takeUnusedLines(keyword, *this); !lines.empty()) {
     m_constantsLines += lines; // one keyword is written for all
     if (m_constantsPart.IsNull())
@@ -101,8 +110,6 @@ void inpS_MaterialVisitor::VisitPhysicalConstants(const inp_Keyword& keyword) {
     else
       m_constantsPart.DataRecord().SetString(eds_KeptPart_Lines, m_constantsLines);
   }
-  const int field = eds_formOf(eds_FormKind::PhysicalConstants)->othersField;
-  const cow_String former = constants.DataRecord().ReturnString(field);
   inpS_dropRepeated(keyword, former, *this);
   TellUnknown(keyword);
   if (const cow_String others = inpS_takeOtherParameters(keyword); !others.empty()) {

@@ -334,6 +334,7 @@ KvoSimPosition inpS_MaterialVisitor::Create(const inp_Keyword& keyword, const in
   m_ledger.Take(keyword, property);
   PlacePotential(potential, property);
   inpS_readParameters(keyword, behavior.parameters, property.DataRecord(), *this);
+  behavior.LeaveForeign(keyword, rows.HasRows());
   behavior.LeaveOddChoices(keyword, *this);
   if (behavior.info->textField >= 0 && keyword.Data().Rows() > 0)
     property.DataRecord().SetString(behavior.info->textField, inpS_dataLines(keyword, *this));

@@ -7,6 +7,7 @@
 #include "parser/inp_BulkDecode.h"
 #include "parser/inp_Utils.h"
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
@@ -29,6 +30,24 @@ cow_List<int> elementLabels(const inp_Keyword& keyword) {
 
 long long integerAt(const inp_DataArray& data, long long row, int col, long long absent) {
   return col < data.Cols(row) && data.IsInteger(row, col) ? data.AsInt64(row, col) : absent;
+}
+
+long long countAt(const inp_DataArray& data, long long row, int col) {
+  return std::max(1LL, integerAt(data, row, col, 1));
+}
+
+// Whether a line that generates elements has labels for all of them, and no more than anyone wants.
+bool isSensible(const inp_DataArray& data, long long row) {
+  long long made = 1;
+  long long span = 1;
+  for (const int col : {1, 4, 7}) {
+    const long long count = countAt(data, row, col);
+    const long long step = integerAt(data, row, col + 2, 1);
+    if (step > kMaxLabel || step < -kMaxLabel || count > inpS_mostGenerated / made) return false;
+    made *= count;
+    span += (count - 1) * std::abs(step);
+  }
+  return made <= span;
 }
 
 } // namespace
@@ -115,11 +134,11 @@ cow_List<int> inpS_ElementsAsText::GeneratedLabels(const inp_DataArray& data, lo
       m_elements.ConvertInstanceLabel(scope.elementOccurrence, label) >= 0)
     return labels;
   cow_List<long long> made{master};
+  if (!isSensible(data, row)) return {label};
   for (const int col : {1, 4, 7}) {
-    const long long count = std::max(1LL, integerAt(data, row, col, 1));
+    const long long count = countAt(data, row, col);
     const long long step = integerAt(data, row, col + 2, 1);
     const std::size_t before = made.size();
-    if (count > inpS_mostGenerated / static_cast<long long>(before)) break; // a slip of the pen
     for (long long n = 1; n < count; ++n)
       for (std::size_t i = 0; i < before; ++i) made.push_back(made[i] + n * step);
   }

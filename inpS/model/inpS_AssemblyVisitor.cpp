@@ -12,6 +12,15 @@
 
 namespace {
 
+// What is bare says nothing: it is left unread, to be kept.
+const inp_Item* findValue(const inp_Keyword& keyword, std::string_view name) {
+  const inp_Item* item = keyword.Find(name);
+  if (!item || !item->IsFlag()) return item;
+  for (const inp_Parameter& parameter : keyword.Parameters())
+    if (parameter.name == name) parameter.referred = false;
+  return nullptr;
+}
+
 constexpr double kCoincident = 1e-6; // the length below which two points are one
 
 bool isGiven(const inp_DataArray& data, long long row) {
@@ -34,7 +43,7 @@ void inpS_AssemblyVisitor::VisitAssembly(const inp_Keyword& keyword) {
     Error(keyword, "A model has one assembly; this second one is taken as part of the first.");
     return m_ledger.LeaveOut(keyword);
   }
-  const inp_Item* name = keyword.Find("name");
+  const inp_Item* name = findValue(keyword, "name");
   KvoSimTransaction transaction(document.ContextID());
   const KvoSimPosition assembly = model.CreateDataRecord(eds_RecordKind::Assembly);
   if (name && !name->AsString().empty())
@@ -88,8 +97,8 @@ bool inpS_AssemblyVisitor::Place(const inp_Keyword& keyword) {
     return false;
   }
   const inp_Item* partName = keyword.Find("part");
-  const inp_Item* library = keyword.Find("library");
-  const inp_Item* source = keyword.Find("instance");
+  const inp_Item* library = findValue(keyword, "library");
+  const inp_Item* source = findValue(keyword, "instance");
   KvoSimPosition part;
   if (partName) part = model.FollowStringKey(eds_Member::Parts, partName->AsString());
   if (!partName && !library) {

@@ -1,5 +1,6 @@
 #include "inpS/model/inpS_PlaceCheck.h"
 #include "parser/inp_KeywordTable.h"
+#include "parser/inp_ScopeTracker.h"
 #include "parser/inp_Utils.h"
 
 namespace {
@@ -54,8 +55,10 @@ cow_String whereItMay(const inp_KeywordRow& row) {
 bool inpS_PlaceCheck::Look(const inp_Keyword& keyword, bool isConverted) {
   const inp_KeywordRow* row = inp_KeywordTable::Instance().Row(keyword.Kind());
   if (!row || keyword.IsSuboption() || keyword.IsInstanceCopy()) return false;
-  // What opens and closes scopes is judged by the parser, which knows what is open.
-  if (row->role == inp_KeywordRole::Open || row->role == inp_KeywordRole::Close) return false;
+  // What opens and closes scopes is judged by the parser, which knows what is open. A load case is
+  // none of them.
+  const bool opensScope = inp_ScopeTracker::KindOpenedBy(keyword.Kind()) != inp_Scope::Kind::Model;
+  if (opensScope || inp_ScopeTracker::IsCloser(keyword.Kind())) return false;
   const inp_Scope::Kind scope = keyword.Scope().kind;
   if (mayStand(keyword.Kind(), scope)) return false;
   // A material stays open behind keywords of other subjects: what was converted had its owner.

@@ -10,7 +10,7 @@
 #include "inpS/forms/inpS_Blocks.h"
 #include "inpS/materials/inpS_Behaviors.h"
 #include "parser/inp_KeywordTable.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/host/KeptParameters.h"
 #include <cmath>
 #include <set>
 
@@ -175,7 +175,9 @@ const cow_Map<cow_String, cow_String> soundValues = {
 
 class FormDeck {
 public:
-  explicit FormDeck(const inpS_Form& form) : m_form(form) {}
+  // least: without the parameters that it may lack. copy: of those of one deck, whose names differ.
+  explicit FormDeck(const inpS_Form& form, bool least = false, int copy = 0)
+      : m_form(form), m_isLeast(least), m_copy(copy) {}
 
   // missing: the item of a reference that names nothing; null: all are there.
   Given Keyword(const eds_FormItem* missing) {
@@ -191,6 +193,7 @@ public:
       const auto sound = soundValues.find(Name(item));
       if (sound != soundValues.end() && sound->second.empty()) continue;
       if (item.name == "taper") continue; // where it says yes another row holds
+      if (m_isLeast && !item.isRequired && !IsCount(m_form.parameters[n].key)) continue;
       given.text += ", " + m_form.parameters[n].name;
       const cow_String value =
           Value(item, m_form.parameters[n].words, &item == missing, given.values);
@@ -214,6 +217,11 @@ public:
   }
 
 private:
+  bool IsCount(const cow_String& parameter) const {
+    const cow_List<cow_String> counts = m_form.columns.Parameters();
+    return std::ranges::find(counts, parameter) != counts.end();
+  }
+
   cow_String Line(const cow_List<eds_FormItem>& items, const eds_FormItem* missing,
                   cow_Map<int, cow_String>& values) {
     cow_String text;
@@ -291,7 +299,8 @@ private:
     default:
       break;
     }
-    if (words.empty() && one.words.empty()) return value = "W" + std::to_string(Number());
+    if (words.empty() && one.words.empty())
+      return value = "W" + std::to_string(Number()) + (m_copy ? "-" + std::to_string(m_copy) : "");
     return value = words.empty() ? one.words.back() : cow_String(words.back());
   }
 
@@ -299,6 +308,8 @@ private:
   int Number() { return m_number += ++m_step; }
 
   const inpS_Form& m_form;
+  const bool m_isLeast;
+  const int m_copy;
   // What a row is for depends on the elements of its set.
   const cow_Map<eds_RecordKind, cow_String> m_sets = {{eds_FormKind::TrussSection, "BARS"},
                                                       {eds_FormKind::SolidSectionPlane, "PLATES"}};
@@ -347,7 +358,7 @@ bool isOfSteps(const inpS_Form& form) {
 }
 
 // What must stand before a keyword that is another's sub-option, or of a step.
-cow_String parentOf(const inpS_Form& form) {
+cow_String parentOf(const inpS_Form& form, int copy = 0) {
   const inp_KeywordRow& row = *inp_KeywordTable::Instance().Row(form.keyword);
   if (isOfSteps(form))
     return row.role == inp_KeywordRole::Procedure ? "*STEP\n" : "*STEP\n*STATIC\n";
@@ -359,7 +370,7 @@ cow_String parentOf(const inpS_Form& form) {
       form.parent != inp_NullKeyword || known == row.parents.end() ? form.parent : *known;
   if (!forms.Knows(parent)) return {};
   const inpS_Form& above = *forms.Find(forms.KindsOf(parent).back());
-  return parentOf(above) + FormDeck(above).Keyword(nullptr).text;
+  return parentOf(above, copy) + FormDeck(above, false, copy).Keyword(nullptr).text;
 }
 
 // What closes what parentOf has opened.
@@ -416,6 +427,26 @@ TEST_F(FormWalk, EveryFormGoesBothWays) {
     EXPECT_NE(readFile(File("b.inp")).find(given.text.substr(0, given.text.find(','))),
               cow_String::npos)
         << "nobody prints " << Name(*form);
+  }
+}
+
+// Whatever parameter the vocabulary has for the keyword is in the deck that is written, and stays.
+TEST_F(FormWalk, EveryParameterComesBack) {
+  for (const inpS_Form* form : walkedForms()) {
+    const bool isAlone = form->info->repeat != eds_FormRepeat::Many && parentOf(*form).empty();
+    const cow_String least = FormDeck(*form, true).Keyword(nullptr).text;
+    const auto parameters = furtherParameters(form->keyword, least.substr(0, least.find('\n')));
+    cow_String deck = model;
+    for (std::size_t n = 0; n < parameters.size(); ++n) {
+      const int copy = static_cast<int>(n) + 1;
+      cow_String text = FormDeck(*form, true, copy).Keyword(nullptr).text;
+      text.insert(text.find('\n'), parameters[n].Text());
+      deck += parentOf(*form, copy) + text + endOf(*form);
+      if (!isAlone) continue;
+      expectKept(Deck("a.inp", deck), form->keyword, std::span(&parameters[n], 1), Name(*form));
+      deck = model;
+    }
+    if (!isAlone) expectKept(Deck("a.inp", deck), form->keyword, parameters, Name(*form));
   }
 }
 

@@ -99,7 +99,9 @@ TEST(FaceSearchTest, NothingGiven) {
 // collapse faces in every way, and one node has them all.
 TEST(FaceSearchTest, ByChance) {
   std::mt19937 random(7);
-  for (const auto& [nodes, count] : {std::pair{12, 40}, {60, 4000}, {2000, 8000}}) {
+  for (const auto& size : {std::pair{12, 40}, {60, 4000}, {2000, 8000}}) {
+    const int nodes = size.first;
+    const int count = size.second;
     std::vector<Elements> blocks = {
         {Kind::Hex8, {}}, {Kind::Tet4, {}}, {Kind::Wedge6, {}}, {Kind::Quad4, {}}};
     for (Elements& block : blocks) {

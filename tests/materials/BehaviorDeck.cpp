@@ -34,6 +34,14 @@ public:
     return std::move(m_case);
   }
 
+  BehaviorCase MakeLeast() {
+    m_case.behavior = &m_behavior;
+    m_case.name = "M" + std::to_string(++m_number);
+    AddParents(m_behavior);
+    m_case.keywords.push_back(KeywordText(m_behavior, m_form, nullptr));
+    return std::move(m_case);
+  }
+
 private:
   static const inp_KeywordRow& RowOf(inp_KeywordEnm keyword) {
     return *inp_KeywordTable::Instance().Row(keyword);
@@ -200,4 +208,8 @@ cow_List<BehaviorCase> behaviorCases(const inpS_Form& behavior, int& number) {
     }
   }
   return cases;
+}
+
+BehaviorCase leastCase(const inpS_Form& behavior, int& number) {
+  return Maker(behavior, {}, number).MakeLeast();
 }

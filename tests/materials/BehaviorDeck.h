@@ -23,3 +23,5 @@ struct BehaviorCase {
 
 // All cases of a row of the table; `number` makes their numbers and names differ from others'.
 cow_List<BehaviorCase> behaviorCases(const inpS_Form& behavior, int& number);
+// One without parameters, but for those that say how many values there are.
+BehaviorCase leastCase(const inpS_Form& behavior, int& number);

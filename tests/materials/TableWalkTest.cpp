@@ -7,7 +7,7 @@
 #include "database/KvoSrvFsmFTable.h"
 #include "database/eds_ModelReader.h"
 #include "parser/inp_KeywordTable.h"
-#include "tests/host/ProgramRun.h"
+#include "tests/host/KeptParameters.h"
 #include "tests/materials/BehaviorDeck.h"
 #include <set>
 
@@ -76,6 +76,25 @@ TEST_F(MaterialTable, EveryRowGoesBothWays) {
   run({"write", File("b.sim"), "-o", File("b.inp")});
   EXPECT_EQ(readFile(File("a.inp")), readFile(File("b.inp")));
   run({"diff", File("a.sim"), File("b.sim")});
+}
+
+// Whatever parameter the vocabulary has for the keyword is in the deck that is written, and stays.
+TEST_F(MaterialTable, EveryParameterComesBack) {
+  int number = 0;
+  for (const inpS_Form* behavior : inpS_behaviorForms()) {
+    const cow_String least = leastCase(*behavior, number).keywords.back();
+    const auto parameters = furtherParameters(behavior->keyword, least.substr(0, least.find('\n')));
+    cow_String deck;
+    for (const DeckParameter& parameter : parameters) {
+      BehaviorCase one = leastCase(*behavior, number);
+      cow_String& text = one.keywords.back();
+      text.insert(text.find('\n'), parameter.Text());
+      deck += (one.gasket ? "*GASKET BEHAVIOR, NAME=" : "*MATERIAL, NAME=") + one.name + "\n";
+      for (const cow_String& keyword : one.keywords) deck += keyword;
+    }
+    expectKept(Deck("a.inp", deck), behavior->keyword, parameters,
+               cow_String(eds_ModelReader::Info(behavior->kind)->name));
+  }
 }
 
 // A keyword without a form would be lost.

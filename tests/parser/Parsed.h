@@ -11,6 +11,7 @@ struct Parsed {
     keywords = parser.Parse(isFile);
     files = parser.FileErrors();
     errors = parser.SyntaxErrors();
+    errors.insert(errors.end(), parser.Slips().begin(), parser.Slips().end());
     warnings = parser.Warnings();
   }
 

@@ -43,17 +43,29 @@ TEST(Scope, ReportsWhatIsNotClosed) {
     const char* errors;
     const char* scopes;
   } cases[] = {
-      {"*Part, name=p\n*Node\n*Assembly\n*End Assembly", "1:1 *END PART is missing for \"P\"\n",
-       "M PP M M "},
-      {"*Part, name=p\n*Part, name=q\n*End Part", "1:1 *END PART is missing for \"P\"\n", "M M M "},
-      {"*Part, name=p\n*Node", "1:1 *END PART is missing for \"P\"\n", "M PP "},
-      {"*Node\n*End Part\n*Node", "2:1 *END PART closes nothing that is open\n", "M M M "},
+      {"*Part, name=p\n*Node\n*Assembly\n*End Assembly",
+       "1:1 *END PART is missing for \"P\"; the part ends where *ASSEMBLY begins\n", "M PP M M M "},
+      {"*Part, name=p\n*Part, name=q\n*End Part",
+       "1:1 *END PART is missing for \"P\"; the part ends where the next one begins\n", "M M M M "},
+      {"*Part, name=p\n*Node", "1:1 *END PART is missing for \"P\"; the part ends with the deck\n",
+       "M PP M "},
+      {"*Node\n*End Part\n1.\n*Node",
+       "2:1 no part is open that *END PART could end; it is left out, and its data lines with it\n",
+       "M M "},
       {"*Assembly\n*Instance, name=i\n*End Assembly\n*Step\n*End Step",
-       "2:1 *END INSTANCE is missing for \"I\"\n", "M A M M M "},
+       "2:1 *END INSTANCE is missing for \"I\"; the instance ends where *END ASSEMBLY stands\n",
+       "M A A M M M "},
       {"*Step\n*Static\n*Step\n*Static\n*End Step", "", "M S1 M M S2 M "}, // with the next
       {"*Step\n*Static", "", "M S1 M "},                                   // ends with the deck
       {"*Part, name=p\n*End Instance\n*Node\n*End Part",
-       "2:1 *END INSTANCE closes nothing that is open\n", "M PP PP M "},
+       "2:1 no instance is open that *END INSTANCE could end; it is left out\n", "M PP M "},
+      {"*Part, name=p\n*Step\n*Static\n*End Step\n*End Part",
+       "1:1 *END PART is missing for \"P\"; the part ends where *STEP begins\n"
+       "5:1 no part is open that *END PART could end; it is left out\n",
+       "M M M S1 M "},
+      {"*Assembly\n*Part, name=p\n*Node\n*End Part\n*Nset\n*End Assembly",
+       "2:1 a part cannot stand within the assembly; it is read as if it stood before it\n",
+       "M M PP M A M "},
   };
   for (const auto& [deck, errors, expected] : cases) {
     const Parsed parsed(deck);

@@ -84,6 +84,30 @@ TEST(Vocabulary, ParametersAreNormalisedAndUnique) {
   }
 }
 
+// Of two rows for one parameter of one keyword the words of one would be nobody's.
+TEST(Vocabulary, ValuesAreGivenOnce) {
+  const struct {
+    std::string_view parameter;
+    std::vector<inp_KeywordEnm> keywords;
+  } values[] = {
+#define INP_VALUES(Parameter, Words, ...) {Parameter, {__VA_ARGS__}},
+#include "parser/inp_values.def"
+  };
+  std::set<std::pair<inp_KeywordEnm, std::string_view>> given;
+  for (const auto& row : values)
+    for (const inp_KeywordEnm keyword : row.keywords) {
+      const inp_KeywordRow& of = *table().Row(keyword);
+      EXPECT_TRUE(given.emplace(keyword, row.parameter).second)
+          << "inp_values.def has " << row.parameter << " of *" << of.name << " twice";
+      EXPECT_TRUE(std::ranges::binary_search(of.parameters, row.parameter))
+          << "inp_values.def: *" << of.name << " has no parameter " << row.parameter;
+      std::set<std::string> words;
+      for (const std::string_view word : table().WordsOf(keyword, row.parameter))
+        EXPECT_TRUE(words.insert(inp_KeywordTable::BareWord(word)).second)
+            << "inp_values.def: " << row.parameter << " of *" << of.name << ": " << word;
+    }
+}
+
 // Only what stands in a step goes back with the steps; a sub-option goes back with a parent.
 TEST(Vocabulary, BlocksFollowLevels) {
   for (const inp_KeywordRow& row : table().Rows()) {

@@ -173,8 +173,8 @@ private:
     if (!set.unsorted || std::ranges::any_of(set.entries, named)) {
       for (cow_List<Meant>* list : {&meant, &found}) {
         std::ranges::sort(*list);
-        if (const auto same = std::ranges::unique(*list); set.unsorted || list == &meant)
-          list->erase(same.begin(), same.end());
+        if (set.unsorted || list == &meant)
+          list->erase(std::unique(list->begin(), list->end()), list->end());
       }
     }
     EXPECT_EQ(found, meant) << Scope().name << (nodes ? " nset " : " elset ") << name;
