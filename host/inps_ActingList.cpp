@@ -49,16 +49,31 @@ cow_String amplitudeText(const Acting& acting) {
   return text;
 }
 
+// Where it is no number of the deck: "fixed", "routine", "global step 2, increment 5",
+// "times 9.81".
+cow_String originText(const Acting& acting) {
+  cow_String text = acting.isFixed    ? "fixed"
+                    : acting.isByUser ? "routine"
+                                      : inps_oneLine(acting.property);
+  if (acting.isOfSubmodel) text = "global";
+  if (acting.globalStep) text += " step " + std::to_string(*acting.globalStep);
+  if (acting.globalIncrement) text += ", increment " + std::to_string(*acting.globalIncrement);
+  if (!acting.scale) return text;
+  return text + (text.empty() ? "times " : ", times ") + inps_plainNumber(*acting.scale);
+}
+
 inps_TextTable<kColumns>::Row rowOf(const Acting& acting) {
   cow_String components = acting.components;
   if (acting.isAlongLocalAxes) components += (components.empty() ? "" : ", ") + cow_String("local");
   const bool isOfRows = !acting.regionKind && !acting.target && !acting.members && !acting.isWhole;
-  cow_String magnitude = acting.magnitude ? inps_plainNumber(*acting.magnitude)
-                         : acting.restraint.empty() && isOfRows ? "by row"
-                                                                : "";
+  cow_String magnitude =
+      acting.magnitude ? inps_plainNumber(*acting.magnitude) : originText(acting);
+  if (magnitude.empty() && acting.restraint.empty() && isOfRows) magnitude = "by row";
   if (acting.isImaginary) magnitude += " imaginary";
+  cow_String region = regionText(acting);
+  if (!acting.base.empty() && !acting.isWhole) region += ", base " + acting.base;
   return {acting.keyword,
-          inps_oneLine(regionText(acting)),
+          inps_oneLine(region),
           inps_oneLine(fieldText(acting)),
           components,
           magnitude,
@@ -100,6 +115,9 @@ inps_Json jsonOf(const Acting& acting) {
   const auto text = [](const cow_String& value) {
     return value.empty() ? inps_Json(nullptr) : inps_Json(value);
   };
+  const auto number = [](const std::optional<long long>& value) {
+    return value ? inps_Json(*value) : inps_Json(nullptr);
+  };
   inps_Json one{{"keyword", acting.keyword}, {"excitation", acting.excitation}};
   one["region"] = acting.regionKind ? inps_Json(acting.region) : inps_Json(nullptr);
   one["regionKind"] = acting.regionKind ? inps_Json(acting.regionKind) : inps_Json(nullptr);
@@ -120,6 +138,15 @@ inps_Json jsonOf(const Acting& acting) {
   one["filmAmplitude"] = text(acting.filmAmplitude);
   one["filmAmplitudeEnded"] = acting.hasFilmAmplitudeEnded;
   one["base"] = text(acting.base);
+  one["fixed"] = acting.isFixed;
+  one["user"] = acting.isByUser;
+  one["submodel"] = inps_Json(nullptr);
+  if (acting.isOfSubmodel)
+    one["submodel"] = {{"step", number(acting.globalStep)},
+                       {"increment", number(acting.globalIncrement)},
+                       {"timeScale", acting.isTimeScaled}};
+  one["scale"] = acting.scale ? inps_Json(*acting.scale) : inps_Json(nullptr);
+  one["property"] = text(acting.property);
   one["localAxes"] = acting.isAlongLocalAxes;
   one["fromStep"] = acting.fromStep;
   one["how"] = acting.how;

@@ -9,7 +9,7 @@
 #include "host/inps_ReadFiles.h"
 #include "host/inps_Run.h"
 #include "host/inps_Session.h"
-#include "inpS/writer/inpS_ExcitationPrinter.h"
+#include "inpS/writer/inpS_OwnExcitations.h"
 #include "inpS/writer/inpS_Sim2Inp.h"
 #include <ostream>
 

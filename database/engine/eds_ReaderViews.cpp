@@ -91,7 +91,7 @@ cow_String totalAmplitudes(Kinds kinds) {
 // of a film runs. Each kind is joined by itself: its records are found by their numbers.
 struct Companions {
   cow_String joins;
-  cow_String base = "coalesce(NULL, NULL";
+  cow_String base = "coalesce(nullif(e.base, ''), NULL";
   cow_String film = "coalesce(NULL, NULL";
   cow_String goesOn = "EXISTS (SELECT 1 FROM total t WHERE 0";
 };
@@ -136,7 +136,11 @@ cow_String inForce(Kinds kinds) {
                     "given_kind",     "given",
                     "first_row",      "rows",
                     "members",        "base",
-                    "film_amplitude", "film_amplitude_ended"});
+                    "film_amplitude", "film_amplitude_ended",
+                    "user",           "submodel",
+                    "global_step",    "global_increment",
+                    "time_scale",     "scale",
+                    "property"});
   const Companions also = companions(kinds);
   const cow_String runs = "max(e.step, 1) = h.number OR " + also.goesOn;
   return "\nWITH total AS (" + totalAmplitudes(kinds) + ")" + R"(
@@ -156,7 +160,9 @@ SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS ke
   r.first_row, ifnull(r.rows, 1) AS rows, r.members,
   )" + also.base +
          " AS base,\n  iif(" + runs + ", " + also.film + ", NULL) AS film_amplitude,\n  iif(" +
-         runs + ", NULL, " + also.film + ") AS film_amplitude_ended" + R"(
+         runs + ", NULL, " + also.film + ") AS film_amplitude_ended" + R"(,
+  ifnull(e.user, 0) AS user, ifnull(e.submodel, 0) AS submodel, e.global_step, e.global_increment,
+  ifnull(e.time_scale, 0) AS time_scale, e.scale, e.property_name AS property
 FROM v_history_step h
   JOIN v_relay r ON r.first_step <= h.number AND h.number <= ifnull(r.last_step, h.number)
   JOIN v_excitation e ON e.id = r.excitation

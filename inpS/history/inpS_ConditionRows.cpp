@@ -189,13 +189,16 @@ void inpS_ConditionRows::FindLooks(std::size_t count, Piece& piece) const {
   }
 }
 
+double inpS_ConditionRows::GivenOr0(double value) const {
+  return inp_isBlankReal(value) && !m_kind->isValueOptional ? 0 : value;
+}
+
 // None given is 0, and so is that of a word which says all.
 void inpS_ConditionRows::ReadValues(Piece& piece) {
   piece.values.resize(piece.looks.size());
   if (!m_value) return;
   m_value->Read(piece.firstRow, piece.values);
-  for (double& value : piece.values)
-    if (inp_isBlankReal(value)) value = 0;
+  for (double& value : piece.values) value = GivenOr0(value);
   if (m_restraints.empty()) return;
   for (std::size_t n = 0; n < piece.values.size(); ++n)
     if (RestraintOf(piece.first[n]) >= 0) piece.values[n] = 0;
@@ -204,7 +207,7 @@ void inpS_ConditionRows::ReadValues(Piece& piece) {
 double inpS_ConditionRows::ValueOf(long long row, const inpS_ConditionRow& look) {
   double value = 0;
   if (m_value && look.restraint < 0) m_value->Read(row, {&value, 1});
-  return inp_isBlankReal(value) ? 0 : value;
+  return GivenOr0(value);
 }
 
 int inpS_ConditionRows::LookOf(const Codes& codes) {
@@ -235,7 +238,8 @@ int inpS_ConditionRows::RestraintOf(int code) const {
 void inpS_ConditionRows::SetDegrees(inpS_ConditionRow& row, const Codes& codes) const {
   row.degrees = 0;
   if (codes.first == inp_blankInt) {
-    row.degrees = m_kind->BlankDegree();
+    row.degrees = m_kind->BlankDegrees(m_record);
+    row.isOfAll = row.degrees != 0 && m_kind->form == eds_FormKind::Boundary;
     return;
   }
   if (codes.first >= 0) {

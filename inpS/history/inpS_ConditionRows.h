@@ -14,9 +14,10 @@ struct inpS_ConditionRow {
 
   int target = kAll; // an ordinal of the flat mesh; from -1 down a place among the record's targets
   uint64_t degrees = 1; // 0: the row says nothing that can act
+  bool isOfAll = false; // names none of its degrees: those that another analysis has
   int restraint = -1;   // of the vocabulary RestraintType; -1: none
   int label = -1;       // place of its label among the record's words; -1: none
-  double value = 0;     // none given is 0
+  double value = 0;     // none given is 0, or blank where it may be left out
   int look = 0; // rows of one look differ in target and value alone; from 0 in order of appearance
 };
 
@@ -89,6 +90,7 @@ private:
   void FindLooks(std::size_t count, Piece& piece) const;
   void ReadValues(Piece& piece);
   int RestraintOf(int code) const;
+  double GivenOr0(double value) const;
   inpS_ConditionRow MakeLook(const Codes& codes);
   void SetDegrees(inpS_ConditionRow& row, const Codes& codes) const;
 

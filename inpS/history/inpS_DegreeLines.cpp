@@ -75,7 +75,7 @@ inpS_LoadedElements::Type inpS_DegreeLines::NoConnector(int target) {
 bool inpS_DegreeLines::IsSound(const inp_ColumnPiece& piece, Words) {
   bool isSound = true;
   for (const int degree : piece.columns[degreeColumn].ints.first(piece.count))
-    isSound &= degree == inp_blankInt || (degree >= m_first && degree <= m_last);
+    isSound &= (degree == inp_blankInt && !m_isRange) || (degree >= m_first && degree <= m_last);
   if (m_isRange) {
     const auto first = piece.columns[degreeColumn].ints;
     const auto last = piece.columns[lastColumn].ints;
@@ -92,6 +92,8 @@ bool inpS_DegreeLines::IsSound(const inp_ColumnPiece& piece, Words) {
 
 std::optional<inpS_LineFault> inpS_DegreeLines::FaultOf(const inpS_LineView& line) {
   const int first = line.slots[degreeColumn];
+  if (m_isRange && first == inp_blankInt)
+    return inpS_LineFault{-1, "The line does not tell its component."};
   for (const int col : {degreeColumn, lastColumn}) {
     if (col == lastColumn && !m_isRange) continue;
     const int degree = line.slots[static_cast<std::size_t>(col)];

@@ -93,6 +93,13 @@ const cow_List<Kind>& inpS_ExcitationKind::All() {
       kind.loadCase = fieldOf(*kind.info, "load_case");
       kind.degree = fieldOf(*kind.info, "dof");
       kind.baseName = fieldOf(*kind.info, "base_name");
+      kind.scale = fieldOf(*kind.info, "scale");
+      kind.globalStep = kind.submodel < 0 ? -1 : fieldOf(*kind.info, "step");
+      kind.globalIncrement = kind.submodel < 0 ? -1 : fieldOf(*kind.info, "inc");
+      kind.timeScale = fieldOf(*kind.info, "time_scale");
+      kind.property = fieldOf(*kind.info, "property");
+      kind.isValueOptional =
+          form == eds_FormKind::Impedance || form == eds_FormKind::SurfaceImpedance;
       if (form == eds_FormKind::FluidBoundaryPhysical) {
         kind.lineSurface = eds_formField(eds_FormKind::FluidRegion, "surface");
         kind.lineInstance = eds_formField(eds_FormKind::FluidRegion, "surface_instance");
@@ -141,9 +148,12 @@ cow_String inpS_ExcitationKind::PartOf(const KvoSimDataRecord& record) const {
 }
 
 // Fluxes are of the temperature, the eleventh degree; currents and charges of the potential, the
-// ninth; flows of the pore pressure, the eighth.
-uint64_t inpS_ExcitationKind::BlankDegree() const {
+// ninth; flows of the pore pressure, the eighth. Decided here: of another analysis it is its
+// displacements and rotations, as at the edge of a submodel.
+uint64_t inpS_ExcitationKind::BlankDegrees(const KvoSimDataRecord& record) const {
   namespace Form = eds_FormKind;
+  if (form == Form::Boundary && (record.GetBool(submodel) || !record.GetString(file).empty()))
+    return inpS_Degrees::kTurned;
   if (form == Form::ConcentratedFlux) return inpS_Degrees::Bit(firstTemperature);
   if (form == Form::ConcentratedCharge || form == Form::ConcentratedCurrent)
     return inpS_Degrees::Bit(9);
@@ -242,6 +252,8 @@ cow_List<Group> Groups(uint64_t all, const inpS_ExcitationKind& kind, std::strin
                         kind.form == eds_FormKind::Motion;
   if (isMotion && type == "VELOCITY") base.back() = 'V';
   if (isMotion && type == "ACCELERATION") base.back() = 'A';
+  if (kind.form == eds_FormKind::BaseMotion && type == "VELOCITY") base += "_V";
+  if (kind.form == eds_FormKind::BaseMotion && type == "DISPLACEMENT") base += "_U";
   const bool isVector = kind.field == "U" || kind.field == "CF" || kind.field == "CU" ||
                         kind.field == "CCF" || kind.field == "BASE";
   const auto take = [&](uint64_t some, const cow_String& field, int firstDegree) {

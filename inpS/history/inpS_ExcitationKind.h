@@ -40,6 +40,11 @@ struct inpS_ExcitationKind {
   int loadCase = -1;
   int degree = -1; // as a parameter
   int baseName = -1;
+  int scale = -1;
+  int globalStep = -1; // of a submodel
+  int globalIncrement = -1;
+  int timeScale = -1;
+  int property = -1;     // that a parameter names
   int lineSurface = -1;  // rows are lines of their own: the surface of each,
   int lineInstance = -1; // and its instance
   // Of the bulk columns.
@@ -48,6 +53,7 @@ struct inpS_ExcitationKind {
   int last = -1;
   int label = -1;
   int value = -1;
+  bool isValueOptional = false; // none given is none, and not 0
   // Of a keyword that does not tell what it names: those of its rows that are about this type.
   std::shared_ptr<const inpS_NamedTargets> named;
   inpS_NamedTargets::Type namedType = inpS_NamedTargets::Type::Surface;
@@ -58,7 +64,7 @@ struct inpS_ExcitationKind {
   // motions of one base and degree from those of others.
   cow_String PartOf(const KvoSimDataRecord& record) const;
   // Of a line that gives none; 0: that line prescribes nothing.
-  uint64_t BlankDegree() const;
+  uint64_t BlankDegrees(const KvoSimDataRecord& record) const;
   // The one under which magnitudes run; null: none is given.
   KvoSimPosition AmplitudeOf(const KvoSimDataRecord& record) const;
   // Values are those of a routine, or of another analysis, whatever the lines say.

@@ -22,6 +22,20 @@ bool isTurned(const Kind& kind, uint64_t degrees) {
   return hasDegrees(kind) && kind.IsOfNodes() && (degrees & inpS_Degrees::kTurned) != 0;
 }
 
+// Of inertia relief: "C_1 C_ROT3", of no degree where it names none and means all.
+cow_String directionsOf(const Kind& kind, const KvoSimDataRecord& given) {
+  cow_String text;
+  for (const auto& line : kind.info->lines)
+    for (const eds_FormItem& item : line) {
+      const int field = item.alternatives.front().field;
+      const long long degree = given.IsMemberNull(field) ? 0 : given.GetInt64(field);
+      if (degree < 1 || degree > 6) continue; // is told
+      text += (text.empty() ? "C_" : " C_") + cow_String(degree > 3 ? "ROT" : "") +
+              std::to_string(degree > 3 ? degree - 3 : degree);
+    }
+  return text;
+}
+
 } // namespace
 
 inpS_ExcitationWriter::inpS_ExcitationWriter(const KvoObjDocument& document, inpS_InForce& inForce)
@@ -177,7 +191,7 @@ inpS_ExcitationWriter::Groups
 inpS_ExcitationWriter::MakeGroups(Current& current, const inpS_ConditionRow& row, int transform) {
   const Kind& kind = *current.source.kind;
   GroupKey key{0, row.degrees, row.restraint, row.label, transform};
-  if (!hasDegrees(kind) || row.restraint >= 0 || row.label >= 0)
+  if (!hasDegrees(kind) || row.restraint >= 0 || row.label >= 0 || row.isOfAll)
     return {GroupOf(current, key, FieldOf(current, row))};
   const KvoSimDataRecord record = current.source.record.DataRecord();
   const std::string_view type = kind.type < 0 ? std::string_view() : record.GetString(kind.type);
@@ -193,11 +207,16 @@ inpS_ExcitationWriter::MakeGroups(Current& current, const inpS_ConditionRow& row
 
 cow_String inpS_ExcitationWriter::FieldOf(const Current& current, const inpS_ConditionRow& row) {
   const Kind& kind = *current.source.kind;
-  if (row.restraint >= 0) return {};
+  if (row.restraint >= 0 || row.isOfAll) return {};
   cow_String field(kind.field);
   if (kind.form == eds_FormKind::MotionRotation &&
       current.source.record.DataRecord().GetString(kind.type) == "VELOCITY")
     field.front() = 'V';
+  for (const Kind::Amplitude& one : kind.amplitudes) // of a wave: what its amplitude is of
+    if (const std::size_t end = one.parameter.find(" AMPLITUDE");
+        end != one.parameter.npos && one.isOfMagnitude &&
+        !current.source.record.DataRecord().GetReference(one.field).IsNull())
+      return cow_String(one.parameter.substr(0, end));
   if (kind.key == Kind::Key::Variable)
     field += std::to_string(kind.VariableOf(current.source.record.DataRecord()));
   const bool isWord = field.empty() || kind.form == eds_FormKind::Boundary; // of a flow's velocity
@@ -221,10 +240,12 @@ inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, cow_String
       key.field > 0 ? inpS_Degrees::Components(key.degrees, key.field) : cow_String();
   const long long degree = kind.degree < 0 ? 0 : given.GetInt64(kind.degree);
   if (const uint64_t one = inpS_Degrees::Of(degree, degree); one != 0) { // a parameter tells it
-    const inpS_Degrees::Group group = inpS_Degrees::Groups(one, kind, {}).front();
+    const inpS_Degrees::Group group =
+        inpS_Degrees::Groups(one, kind, given.GetString(kind.type)).front();
     field = group.field;
     components = inpS_Degrees::Components(one, group.firstDegree);
   }
+  if (kind.form == eds_FormKind::InertiaRelief) components = directionsOf(kind, given);
   if (!field.empty()) record.SetString(eds_Excitation_Field, field);
   if (!components.empty()) record.SetString(eds_Excitation_Components, components);
   if (key.restraint >= 0) record.SetSymb(eds_Excitation_Restraint, key.restraint);
@@ -237,17 +258,37 @@ inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, cow_String
     record.SetReference(eds_Excitation_Amplitude, amplitude);
   double magnitude = 0;
   if (key.restraint < 0 && !kind.IsGivenElsewhere(given, current.rows.Label(key.label)) &&
-      current.rows.HasOneValue(magnitude))
+      current.rows.HasOneValue(magnitude) && !inp_isBlankReal(magnitude))
     record.SetDouble(eds_Excitation_Magnitude, magnitude);
   if (const KvoSimPosition values = current.rows.Values(); !values.IsNull())
     record.SetReference(eds_Excitation_Magnitudes, values);
   if (key.transform >= 0)
     record.SetReference(eds_Excitation_Transform,
                         m_transforms[static_cast<std::size_t>(key.transform)].record);
-  if (kind.imaginary >= 0 && given.GetBool(kind.imaginary))
-    record.SetBool(eds_Excitation_Imaginary, true);
-  if (kind.fixed >= 0 && given.GetBool(kind.fixed)) record.SetBool(eds_Excitation_Fixed, true);
+  TellOrigin(record, kind, given);
   return {&known->first, &group};
+}
+
+// What parameters say of the values, and whence they come where no line has them.
+void inpS_ExcitationWriter::TellOrigin(KvoSimDataRecord record, const Kind& kind,
+                                       const KvoSimDataRecord& given) {
+  const auto tellFlag = [&](int from, int to) {
+    if (from >= 0 && given.GetBool(from)) record.SetBool(to, true);
+  };
+  const auto has = [&](int field) { return field >= 0 && !given.IsMemberNull(field); };
+  tellFlag(kind.imaginary, eds_Excitation_Imaginary);
+  tellFlag(kind.fixed, eds_Excitation_Fixed);
+  tellFlag(kind.user, eds_Excitation_User);
+  if (has(kind.baseName)) record.SetString(eds_Excitation_Base, given.ReturnString(kind.baseName));
+  if (has(kind.scale)) record.SetDouble(eds_Excitation_Scale, given.GetDouble(kind.scale));
+  if (has(kind.property))
+    record.SetReference(eds_Excitation_Property, given.GetReference(kind.property));
+  if (kind.submodel < 0 || !given.GetBool(kind.submodel)) return;
+  record.SetBool(eds_Excitation_Submodel, true);
+  if (has(kind.globalStep)) record.SetInt(eds_Excitation_GlobalStep, given.GetInt(kind.globalStep));
+  if (has(kind.globalIncrement))
+    record.SetInt(eds_Excitation_GlobalIncrement, given.GetInt(kind.globalIncrement));
+  tellFlag(kind.timeScale, eds_Excitation_TimeScale);
 }
 
 void inpS_ExcitationWriter::WriteGroup(Current& current, long long n, const inpS_ConditionRow& row,
@@ -313,7 +354,7 @@ void inpS_ExcitationWriter::TellRow(KvoSimDataRecord relay, Current& current,
                                     const inpS_ConditionRow& row) {
   const Kind& kind = *current.source.kind;
   const KvoSimDataRecord given = current.source.record.DataRecord();
-  if (kind.value >= 0 && row.restraint < 0 &&
+  if (kind.value >= 0 && row.restraint < 0 && !inp_isBlankReal(row.value) &&
       !kind.IsGivenElsewhere(given, current.rows.Label(row.label)) &&
       given.GetInt64(kind.info->rowsField) > 0)
     relay.SetDouble(eds_Relay_Magnitude, row.value);

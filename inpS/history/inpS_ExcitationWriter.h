@@ -70,6 +70,8 @@ private:
   Groups MakeGroups(Current& current, const inpS_ConditionRow& row, int transform);
   std::pair<const GroupKey*, Group*> GroupOf(Current& current, const GroupKey& key,
                                              cow_String field);
+  static void TellOrigin(KvoSimDataRecord record, const inpS_ExcitationKind& kind,
+                         const KvoSimDataRecord& given);
   void EndRun(Current& current, Group& group);
   KvoSimDataRecord AddRelay(const Group& group, int firstStep, int lastStep, long long row);
   void TellRow(KvoSimDataRecord relay, Current& current, const inpS_ConditionRow& row);

@@ -2,6 +2,7 @@
 #include "database/KvoObjModel.h"
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_ColumnWords.h"
+#include "inpS/history/inpS_History.h"
 #include <algorithm>
 
 namespace {
@@ -72,20 +73,15 @@ void takeStep(const KvoSimDataRecord& history, inpS_InForce& inForce) {
   inForce.BeginStep(history.GetInt(eds_HistoryStep_Number), inpS_isPerturbation(history));
   const KvoSimPosition step = history.GetReference(eds_HistoryStep_Step);
   if (step.IsNull()) return;
-  const auto places = step.GetIntKeys(eds_Member::StepKeywords);
-  const auto records = step.FollowMap(eds_Member::StepKeywords);
-  cow_List<std::size_t> order(records.size());
-  for (std::size_t n = 0; n < order.size(); ++n) order[n] = n;
-  std::ranges::sort(order, {}, [&](std::size_t n) { return places[n]; });
   cow_List<Given> given;
   KvoSimPosition loadCase;
-  for (const std::size_t n : order) {
-    const eds_RecordKind form = records[n].Object().RecordKind();
+  for (const KvoSimPosition& record : inpS_keywordsInOrder(step)) {
+    const eds_RecordKind form = record.Object().RecordKind();
     // One of a substructure goes on to the next one, or to the end of the step.
     if (form == eds_FormKind::LoadCase || form == eds_FormKind::SubstructureLoadCase)
-      loadCase = records[n];
+      loadCase = record;
     if (form == eds_FormKind::EndLoadCase) loadCase = {};
-    if (const Kind* kind = Kind::Of(form)) given.push_back({records[n], kind, loadCase});
+    if (const Kind* kind = Kind::Of(form)) given.push_back({record, kind, loadCase});
   }
   take(given, inForce);
 }

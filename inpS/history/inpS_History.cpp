@@ -210,20 +210,14 @@ void Deriver::Read(const KvoSimPosition& step) {
 
 // The first one; what is said of the heat of a flow, wherever it stands, is none.
 KvoSimPosition Deriver::ProcedureOf(const KvoSimPosition& step) {
-  const auto places = step.GetIntKeys(eds_Member::StepKeywords);
-  const auto records = step.FollowMap(eds_Member::StepKeywords);
+  const cow_List<KvoSimPosition> records = inpS_keywordsInOrder(step);
   const bool isFluid = std::ranges::any_of(
       records, [](const KvoSimPosition& one) { return one.IsA(eds_FormKind::Cfd); });
-  KvoSimPosition first;
-  long long at = 0;
-  for (std::size_t n = 0; n < records.size(); ++n) {
-    if (!Procedure::Of(records[n].Object().RecordKind())) continue;
-    if (isFluid && records[n].IsA(eds_FormKind::HeatTransfer)) continue;
-    if (!first.IsNull() && places[n] >= at) continue;
-    first = records[n];
-    at = places[n];
-  }
-  return first;
+  const auto first = std::ranges::find_if(records, [&](const KvoSimPosition& one) {
+    return Procedure::Of(one.Object().RecordKind()) &&
+           !(isFluid && one.IsA(eds_FormKind::HeatTransfer));
+  });
+  return first == records.end() ? KvoSimPosition() : *first;
 }
 
 void Deriver::SetCommon(KvoSimDataRecord& to, const KvoSimPosition& procedure) const {
@@ -382,6 +376,17 @@ cow_String inpS_nameOfStepText(std::string_view text) {
   for (const inp_Keyword& keyword : parser.Parse(false))
     if (const inp_Item* name = keyword.Find("name")) return trimmed(name->AsString());
   return {};
+}
+
+cow_List<KvoSimPosition> inpS_keywordsInOrder(const KvoSimPosition& step) {
+  const auto places = step.GetIntKeys(eds_Member::StepKeywords);
+  const auto records = step.FollowMap(eds_Member::StepKeywords);
+  cow_List<std::size_t> order(records.size());
+  for (std::size_t n = 0; n < order.size(); ++n) order[n] = n;
+  std::ranges::stable_sort(order, {}, [&](std::size_t n) { return places[n]; });
+  cow_List<KvoSimPosition> inOrder;
+  for (const std::size_t n : order) inOrder.push_back(records[n]);
+  return inOrder;
 }
 
 void inpS_deriveHistory(const KvoObjDocument& document) {

@@ -19,5 +19,8 @@
 //   that name; beyond fifty the number says how often.
 void inpS_deriveHistory(const KvoObjDocument& document);
 
+// The keywords of a step as the deck has them, one behind the other.
+cow_List<KvoSimPosition> inpS_keywordsInOrder(const KvoSimPosition& step);
+
 // Of a step that is kept as text; empty: it has none.
 cow_String inpS_nameOfStepText(std::string_view text);

@@ -20,6 +20,11 @@ constexpr unsigned Bodies = Volumes | Sheets | Lines | inp_ElemInfinite;
 constexpr unsigned Masses = Bodies | inp_ElemMass;
 constexpr unsigned User = 1u << 31; // elements of users, which the table of types does not have
 constexpr unsigned Flows = inp_ElemFluid | inp_ElemSolid;
+// Further ones: pipes and elbows, which the table of types has among the beams, and limits.
+constexpr unsigned Pipe = 1u << 30;
+constexpr unsigned NotPlanar = 1u << 29;
+constexpr unsigned NotRadial = 1u << 28;
+constexpr unsigned limits = NotPlanar | NotRadial;
 
 // What tells a type's family; user elements have none of these, and take any load.
 constexpr unsigned allFamilies = Masses | inp_ElemConnector | inp_ElemSpring | inp_ElemContact |
@@ -114,6 +119,25 @@ inpS_FoundLabel inpS_findLoadLabel(inp_KeywordEnm keyword, std::string_view labe
   return found;
 }
 
+// A continuum shell has the faces of a solid, and neither sides nor edges.
+bool inpS_LoadLabel::IsOfFamily(const inp_ElementInfo& type) const {
+  unsigned own = type.flags;
+  const bool isPipe = type.name.starts_with("PIPE") || type.name.starts_with("ELBOW");
+  if (isPipe && type.Is(inp_ElemBeam)) own |= Pipe;
+  const bool hasFaces = part == inpS_LoadedPart::Face || part == inpS_LoadedPart::Body;
+  if (type.Is(inp_ElemShell) && type.dimension == 3 && !hasFaces) own &= ~Shell;
+  return (own & families) != 0;
+}
+
+// Those that are axisymmetric but for what they do have both directions of the cross-section.
+std::string_view inpS_LoadLabel::NoDirectionOf(const inp_ElementInfo& type) const {
+  const bool isRadial = type.Is(inp_ElemAxisymmetric) && type.name.find("AXA") == type.name.npos;
+  if ((families & NotRadial) != 0 && isRadial) return "they are axisymmetric";
+  if ((families & NotPlanar) != 0 && type.space == 2 && !type.Is(inp_ElemAxisymmetric))
+    return "they lie in the plane";
+  return {};
+}
+
 // What an element must have for the loads of a keyword. Flows have velocities and temperatures, and
 // types with pore pressure a P behind the number of their nodes.
 std::string_view inpS_LoadLabel::LackOf(const inp_ElementInfo& type) const {
@@ -145,7 +169,7 @@ std::string_view inpS_LoadLabel::LackOf(const inp_ElementInfo& type) const {
 
 bool inpS_LoadLabel::Takes(const inp_ElementInfo& type, int number) const {
   if (families == Any || (type.flags & allFamilies) == 0) return true;
-  if ((type.flags & families) == 0 || !LackOf(type).empty()) return false;
+  if (!IsOfFamily(type) || !LackOf(type).empty() || !NoDirectionOf(type).empty()) return false;
   if (part != inpS_LoadedPart::Face && part != inpS_LoadedPart::Edge) return true;
   const bool hasEnds = type.Is(inp_ElemTruss) || type.Is(inp_ElemAcoustic);
   if (part == inpS_LoadedPart::Face && type.dimension == 1 && hasEnds && !type.Is(inp_ElemInfinite))
@@ -165,16 +189,20 @@ cow_String inpS_familiesText(unsigned families) {
                                      {Bodies, "all that has a body"},
                                      {Volumes, "solids, continuum shells"},
                                      {Faced, "solids, continuum shells, links"},
-                                     {Plates, "shells, membranes"},
+                                     {Plates, "conventional shells, membranes"},
                                      {Axisymmetric, "axisymmetric elements"},
-                                     {Sheets, "shells, membranes, rigid faces"},
+                                     {Sheets, "conventional shells, membranes, rigid faces"},
                                      {Lines, "beams, pipes, trusses"},
                                      {Flows, "fluids, solids"},
                                      {User, "elements of users"},
-                                     {Shell, "shells"},
+                                     {Shell, "conventional shells"},
+                                     {Pipe, "pipes, elbows"},
                                      {Beam, "beams, pipes"}};
-  const auto known = std::ranges::find(names, families, &Family::flags);
-  return known == std::end(names) ? "surfaces" : cow_String(known->name);
+  const auto known = std::ranges::find(names, families & ~limits, &Family::flags);
+  if (known == std::end(names)) return "surfaces";
+  return cow_String(known->name) + ((families & NotPlanar) != 0   ? ", not in the plane"
+                                    : (families & NotRadial) != 0 ? ", not axisymmetric"
+                                                                  : "");
 }
 
 cow_String inpS_faultOfLoad(const inpS_FoundLabel& found, const cow_String& label,
@@ -185,9 +213,13 @@ cow_String inpS_faultOfLoad(const inpS_FoundLabel& found, const cow_String& labe
   const inpS_LoadLabel& row = *found.rows.front();
   const cow_String elements = "elements of type " + cow_String(type.name);
   const std::string_view lack = row.LackOf(type);
-  const bool isOfFamily = (type.flags & row.families) != 0;
+  const bool isOfFamily = row.IsOfFamily(type);
   if (isOfFamily && !lack.empty())
     return label + " makes no sense on " + elements + ": they have no " + cow_String(lack) + ".";
+  for (const inpS_LoadLabel* one : found.rows)
+    if (const std::string_view reason = one->NoDirectionOf(type);
+        one->IsOfFamily(type) && !reason.empty())
+      return label + " makes no sense on " + elements + ": " + cow_String(reason) + ".";
   const bool isNumbered = row.part == inpS_LoadedPart::Face || row.part == inpS_LoadedPart::Edge;
   if (isNumbered && isOfFamily)
     return label + ": " + elements + " have no " +

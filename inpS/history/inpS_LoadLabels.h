@@ -23,7 +23,7 @@ struct inpS_LoadLabel {
   std::string_view labels; // as the table has them
   std::string_view keywordName;
   inp_KeywordEnm keyword = inp_NullKeyword;
-  unsigned families = 0; // inp_ElementFlags; 0: any
+  unsigned families = 0; // inp_ElementFlags and further ones; 0: any
   inpS_LoadedPart part = inpS_LoadedPart::Body;
   std::string_view valuesText;
   std::string_view units;
@@ -31,8 +31,11 @@ struct inpS_LoadLabel {
 
   // Whether an element of the type can be loaded so; number: of the label, 0 for none.
   bool Takes(const inp_ElementInfo& type, int number) const;
+  bool IsOfFamily(const inp_ElementInfo& type) const;
   // What the keyword's loads act on and the type does not have, as "temperatures"; empty: none.
   std::string_view LackOf(const inp_ElementInfo& type) const;
+  // Why no element of the type has the label's direction; empty: they have.
+  std::string_view NoDirectionOf(const inp_ElementInfo& type) const;
 };
 
 INPS_EXPORT std::span<const inpS_LoadLabel> inpS_loadLabels();

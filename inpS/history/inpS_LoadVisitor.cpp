@@ -89,12 +89,11 @@ bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
     inpS_DegreeLines lines(keyword, form.kind);
     return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   }
+  bool isWhole = false;
   if (inpS_ValueLines::Has(keyword, form.kind)) {
     inpS_ValueLines lines(form.kind, Inventory().NumberSpatialDimensions());
-    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
-  }
-  bool isWhole = false;
-  if (inpS_hasLoadLabels(keyword.Kind())) {
+    isWhole = inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  } else if (inpS_hasLoadLabels(keyword.Kind())) {
     if (!m_elements) m_elements.emplace(Inventory().GetDocument());
     inpS_LoadLines lines(keyword, record, Inventory().NumberSpatialDimensions(), *m_elements);
     isWhole = inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();

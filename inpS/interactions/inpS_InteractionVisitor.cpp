@@ -1,6 +1,14 @@
 #include "inpS/interactions/inpS_InteractionVisitor.h"
 #include "inpS/forms/inpS_ColumnReader.h"
+#include "inpS/history/inpS_ConditionParameters.h"
+#include "inpS/history/inpS_ExcitationKind.h"
 #include "inpS/history/inpS_LoadLines.h"
+
+bool inpS_InteractionVisitor::MayConvert(const inp_Keyword& keyword, const inpS_Form& form) {
+  if (inpS_ExcitationKind::Of(form.kind))
+    inpS_checkConditionParameters(keyword, form, Names(), *this);
+  return true;
+}
 
 bool inpS_InteractionVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                           const KvoSimPosition& record) {

@@ -14,6 +14,7 @@ public:
 protected:
   // Conditions that the analysis would go without.
   bool IsErrorToLack(inp_KeywordEnm) const override { return true; }
+  bool MayConvert(const inp_Keyword& keyword, const inpS_Form& form) override;
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
 

@@ -6,103 +6,25 @@
 #include "database/eds_Array.h"
 #include "database/eds_DamagedModel.h"
 #include "database/schema/eds_FormKind.h"
-#include "database/schema/eds_Schema.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/history/inpS_GivenConditions.h"
-#include "inpS/history/inpS_LoadLabels.h"
+#include "inpS/history/inpS_History.h"
 #include "inpS/writer/inpS_AmplitudeSpan.h"
 #include "inpS/writer/inpS_ConditionLines.h"
 #include "inpS/writer/inpS_ExcitationDegrees.h"
+#include "inpS/writer/inpS_OwnExcitations.h"
 #include "inpS/writer/inpS_PrintPrimitives.h"
 #include "inpS/writer/inpS_SetNames.h"
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <sstream>
 
 namespace {
 
 using Kind = inpS_ExcitationKind;
-
-// Nodes, elements and surfaces of flows have forms of their own; labels of faces end in a number.
-eds_RecordKind fluidForm(const KvoSimDataRecord& excitation, const KvoSimPosition& relay) {
-  if (relay.IsNull()) return eds_FormKind::FluidBoundary;
-  const KvoSimDataRecord record = relay.DataRecord();
-  const KvoSimPosition region = record.GetReference(eds_Relay_Region);
-  if (region.IsA(eds_RecordKind::Surface)) return eds_FormKind::FluidBoundarySurface;
-  if (region.IsA(eds_RecordKind::NodeSet)) return eds_FormKind::FluidBoundaryNode;
-  if (region.IsA(eds_RecordKind::ElementSet)) return eds_FormKind::FluidBoundaryElement;
-  if (record.IsMemberNull(eds_Relay_Label) && record.IsMemberNull(eds_Relay_Members))
-    return eds_FormKind::FluidBoundary;
-  std::string_view label = excitation.GetString(eds_Excitation_Label);
-  if (label.ends_with("NU")) label.remove_suffix(2);
-  return !label.empty() && label.back() >= '0' && label.back() <= '9'
-             ? eds_FormKind::FluidBoundaryElement
-             : eds_FormKind::FluidBoundaryNode;
-}
-
-// Of an excitation that one of its relays, if there is any, tells the region of.
-const Kind* kindOf(const KvoSimDataRecord& excitation, const KvoSimPosition& relay) {
-  for (const Kind& kind : Kind::All()) {
-    if (kind.number != excitation.GetSymb(eds_Excitation_Kind)) continue;
-    if (kind.form == eds_FormKind::FluidBoundary) return Kind::Of(fluidForm(excitation, relay));
-    const bool isRotation = kind.form == eds_FormKind::Motion &&
-                            excitation.GetString(eds_Excitation_Field).ends_with("_R") &&
-                            excitation.GetString(eds_Excitation_Components).empty();
-    return isRotation ? Kind::Of(eds_FormKind::MotionRotation) : &kind;
-  }
-  return nullptr; // of a newer version
-}
-
-// A direction, an axis, heights or a coefficient: an excitation has no more than its magnitude.
-bool needsMore(const Kind& kind, std::string_view label) {
-  const auto isMore = [](std::string_view name) {
-    return name == "coefficient" || name == "emissivity";
-  };
-  if (std::ranges::any_of(kind.info->columnItems, isMore, &eds_FormItem::name)) return true;
-  const inp_KeywordEnm keyword = inpS_FormTable::Instance().Find(kind.form)->keyword;
-  const auto isRequired = [&](const inpS_LoadLabel::Value& value) {
-    return value.isRequired || isMore(value.name);
-  };
-  return !label.empty() &&
-         std::ranges::any_of(
-             inpS_findLoadLabel(keyword, label).rows, [&](const inpS_LoadLabel* row) {
-               return row->values.size() > 1 && std::ranges::any_of(row->values, isRequired);
-             });
-}
-
-// The degree of a motion of the base; 0: none, or several.
-int baseDegree(const Kind& kind, const KvoSimDataRecord& excitation) {
-  const uint64_t degrees = inpS_degreesOf(kind, excitation.ReturnString(eds_Excitation_Field),
-                                          excitation.ReturnString(eds_Excitation_Components));
-  return std::has_single_bit(degrees) && (degrees & inpS_Degrees::kTurned) != 0
-             ? std::countr_zero(degrees) + 1
-             : 0;
-}
-
-// Of most kinds no line acts on the whole model.
-bool lacksTarget(const Kind& kind, const KvoSimPosition& relay) {
-  if (relay.IsNull() || kind.key == Kind::Key::Words) return false;
-  const KvoSimDataRecord record = relay.DataRecord();
-  if (record.GetInt64(eds_Relay_Rows) > 1) return true; // they are those of a keyword
-  return kind.info->columnItems.front().isRequired && record.IsMemberNull(eds_Relay_Region) &&
-         record.IsMemberNull(eds_Relay_Label) && record.IsMemberNull(eds_Relay_Members);
-}
-
-// Of the keywords without lines two say something by being there.
-bool isPrinted(const Kind* kind, const KvoSimDataRecord& excitation, const KvoSimPosition& relay) {
-  if (!kind || kind->form == eds_FormKind::MotionRotation) return false; // about which axis?
-  if (kind->form == eds_FormKind::InertiaRelief) return true;
-  if (kind->form == eds_FormKind::BaseMotion) return baseDegree(*kind, excitation) > 0;
-  if (kind->info->data != eds_FormData::Columns ||
-      std::ranges::any_of(kind->info->parameters, &eds_FormItem::isRequired))
-    return false;
-  const std::string_view label = excitation.GetString(eds_Excitation_Label);
-  const bool lacksLabel = (kind->key == Kind::Key::Label || kind->key == Kind::Key::Words) &&
-                          kind->label >= 0 && label.empty();
-  return !lacksLabel && !lacksTarget(*kind, relay) && !needsMore(*kind, label);
-}
+namespace Own = inpS_OwnExcitations;
 
 cow_String numberText(double value) {
   if (!std::isfinite(value)) return {}; // no value
@@ -137,6 +59,78 @@ long long numberAtEnd(const cow_String& field) {
   long long number = 0;
   std::from_chars(field.data() + at, field.data() + field.size(), number);
   return number;
+}
+
+cow_String amplitudeParameter(const Kind& kind, const KvoSimDataRecord& excitation) {
+  const bool isAcceleration = excitation.GetString(eds_Excitation_Field) == "ACCELERATION";
+  const auto of = std::ranges::find_if(kind.amplitudes, [&](const Kind::Amplitude& one) {
+    return one.isOfMagnitude && isAcceleration == one.parameter.starts_with("ACCELERATION");
+  });
+  return of == kind.amplitudes.end() ? "AMPLITUDE" : cow_String(of->parameter);
+}
+
+// A factor may stand as its magnitude, too.
+void addBaseMotion(const Kind& kind, const KvoSimPosition& relay,
+                   const KvoSimDataRecord& excitation, inpS_ParameterTexts& texts) {
+  texts["DOF"] = std::to_string(Own::BaseDegree(kind, excitation));
+  const std::string_view field = excitation.GetString(eds_Excitation_Field);
+  if (field.starts_with("BASE_V")) texts["TYPE"] = "VELOCITY";
+  if (field.starts_with("BASE_U")) texts["TYPE"] = "DISPLACEMENT";
+  if (const auto magnitude = magnitudeOf(relay.DataRecord(), excitation))
+    texts["SCALE"] = numberText(*magnitude);
+}
+
+void addProperty(const KvoSimDataRecord& excitation, inpS_ParameterTexts& texts) {
+  if (const auto property = excitation.GetReference(eds_Excitation_Property); !property.IsNull())
+    texts["PROPERTY"] = inpS_quoted(property.Name());
+}
+
+// Whence its values come, and what goes with them.
+void addOrigin(const KvoSimDataRecord& excitation, inpS_ParameterTexts& texts) {
+  const auto addNumber = [&](int field, const char* parameter) {
+    if (!excitation.IsMemberNull(field))
+      texts[parameter] = std::to_string(excitation.GetInt64(field));
+  };
+  if (const cow_String base = excitation.ReturnString(eds_Excitation_Base); !base.empty())
+    texts["BASE NAME"] = inpS_quoted(base);
+  if (excitation.GetBool(eds_Excitation_User)) texts["USER"] = "";
+  if (!excitation.IsMemberNull(eds_Excitation_Scale))
+    texts["SCALE"] = numberText(excitation.GetDouble(eds_Excitation_Scale));
+  addProperty(excitation, texts);
+  if (!excitation.GetBool(eds_Excitation_Submodel)) return;
+  texts["SUBMODEL"] = "";
+  addNumber(eds_Excitation_GlobalStep, "STEP");
+  addNumber(eds_Excitation_GlobalIncrement, "INC");
+  if (excitation.GetBool(eds_Excitation_TimeScale)) texts["TIME SCALE"] = "";
+}
+
+// The directions in which it acts; none: all.
+cow_String reliefLine(const cow_String& components) {
+  cow_String line;
+  std::istringstream words(components);
+  for (cow_String word; words >> word;) {
+    const long long number = numberAtEnd(word);
+    if (number < 1 || number > 3) continue;
+    line += (line.empty() ? "" : ", ") +
+            std::to_string(word.starts_with("C_ROT") ? number + 3 : number);
+  }
+  return line.empty() ? line : line + "\n";
+}
+
+// Behind which keyword of the step it stands: the last one that takes back what is before it.
+KvoSimPosition reliefPlace(const KvoSimPosition& step, const KvoSimPosition& procedure) {
+  KvoSimPosition place = procedure;
+  bool isInLoadCase = false;
+  for (const KvoSimPosition& one : inpS_keywordsInOrder(step)) {
+    const eds_RecordKind form = one.Object().RecordKind();
+    if (form == eds_FormKind::LoadCase || form == eds_FormKind::SubstructureLoadCase)
+      isInLoadCase = true;
+    if (form == eds_FormKind::EndLoadCase) isInLoadCase = false;
+    if (form == eds_FormKind::InertiaRelief && !isInLoadCase &&
+        one.DataRecord().GetBool(Kind::Of(form)->remove))
+      place = one;
+  }
+  return place;
 }
 
 // In the flat mesh: those that are left of the region, else all of its set in the set's order.
@@ -184,8 +178,8 @@ inpS_ExcitationPrinter::inpS_ExcitationPrinter(const KvoObjDocument& document,
   for (const KvoSimPosition& relay : document.Context().GetRecords(eds_RecordKind::Relay)) {
     const auto of = alone.find(relay.DataRecord().GetReference(eds_Relay_Excitation).ID());
     if (of == alone.end()) continue;
-    const Kind* kind = kindOf(of->second.DataRecord(), relay);
-    if (isPrinted(kind, of->second.DataRecord(), relay))
+    const Kind* kind = Own::KindOf(of->second.DataRecord(), relay);
+    if (Own::IsPrinted(kind, of->second.DataRecord(), relay))
       m_conditions.push_back(Read(relay, of->second, *kind));
   }
   cow_Map<std::pair<int, long long>, std::size_t> families;
@@ -196,12 +190,17 @@ inpS_ExcitationPrinter::inpS_ExcitationPrinter(const KvoObjDocument& document,
     if (isNew) m_families.emplace_back();
     m_families[known->second].push_back(&condition);
   }
+  const bool hasRelief = std::ranges::any_of(m_families, [](const Some& family) {
+    return family.front()->kind->form == eds_FormKind::InertiaRelief;
+  });
   int previous = 0;
   for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::HistoryStep)) {
     const KvoSimDataRecord record = one.DataRecord();
+    const KvoSimPosition given = record.GetReference(eds_HistoryStep_Step);
+    const KvoSimPosition procedure = record.GetReference(eds_HistoryStep_Procedure);
     const Step step{record.GetInt(eds_HistoryStep_Number), inpS_isPerturbation(record), previous,
-                    record.GetReference(eds_HistoryStep_Procedure)};
-    m_steps[record.GetReference(eds_HistoryStep_Step).Object().Packed()] = step;
+                    procedure, hasRelief ? reliefPlace(given, procedure) : procedure};
+    m_steps[given.Object().Packed()] = step;
     if (!step.isPerturbation) previous = step.number;
   }
 }
@@ -230,6 +229,7 @@ inpS_ExcitationPrinter::Condition inpS_ExcitationPrinter::Read(const KvoSimPosit
       std::to_string(
           of.IsMemberNull(eds_Excitation_Restraint) ? -1 : of.GetSymb(eds_Excitation_Restraint)) +
       (of.GetBool(eds_Excitation_Imaginary) ? "i" : "r") + loadCaseText(of) + ' ' +
+      of.ReturnString(eds_Excitation_Base) + ' ' +
       objectText(record.GetReference(eds_Relay_Region)) + ' ' +
       objectText(record.GetReference(eds_Relay_Instance)) + ' ' +
       (record.IsMemberNull(eds_Relay_Label) ? "-"
@@ -240,11 +240,6 @@ inpS_ExcitationPrinter::Condition inpS_ExcitationPrinter::Read(const KvoSimPosit
   if (const auto magnitude = magnitudeOf(record, of))
     condition.self += ' ' + numberText(*magnitude);
   return condition;
-}
-
-KvoSimPosition inpS_ExcitationPrinter::PlaceIn(const KvoSimPosition& step) const {
-  const auto known = m_steps.find(step.Object().Packed());
-  return known == m_steps.end() ? KvoSimPosition() : known->second.procedure;
 }
 
 // ---- what changes from step to step
@@ -258,12 +253,13 @@ bool inpS_ExcitationPrinter::ActsIn(const Condition& condition, const Step& step
 
 inpS_ExcitationPrinter::Change inpS_ExcitationPrinter::ChangeOf(const Some& family,
                                                                 const Step& step) const {
-  const Step before{step.previous, false, 0, {}};
+  const Step before{step.previous, false, 0, {}, {}};
   Change change;
   for (const Condition* condition : family) {
     // Outside of steps there are boundary conditions alone: others of that time begin in a step.
     const bool mayBeThere = step.previous > 0 || condition->kind->form == eds_FormKind::Boundary;
-    const bool wasThere = mayBeThere && ActsIn(*condition, before);
+    const bool lasts = condition->kind->lasting != Kind::Lasting::OwnStep;
+    const bool wasThere = mayBeThere && lasts && ActsIn(*condition, before);
     const bool isThere = ActsIn(*condition, step);
     const bool isOfBase =
         step.isPerturbation && condition->kind->lasting != Kind::Lasting::Held; // loads of the base
@@ -316,10 +312,15 @@ void inpS_ExcitationPrinter::PrintBeforeSteps(utl_Stream& out) const {
 }
 
 void inpS_ExcitationPrinter::PrintStep(utl_Stream& out, const KvoSimPosition& step,
-                                       const inpS_DeckScope& scope) {
+                                       const KvoSimPosition& behind, const inpS_DeckScope& scope) {
   const auto known = m_steps.find(step.Object().Packed());
-  if (known == m_steps.end()) return;
-  for (const Some& family : m_families) PrintFamily(out, family, step, known->second, scope);
+  if (m_families.empty() || known == m_steps.end()) return;
+  const Step& at = known->second;
+  for (const Some& family : m_families) {
+    const bool isRelief = family.front()->kind->form == eds_FormKind::InertiaRelief;
+    if (behind == (isRelief ? at.reliefPlace : at.procedure))
+      PrintFamily(out, family, step, at, scope);
+  }
 }
 
 void inpS_ExcitationPrinter::PrintFamily(utl_Stream& out, const Some& family,
@@ -332,7 +333,7 @@ void inpS_ExcitationPrinter::PrintFamily(utl_Stream& out, const Some& family,
   const bool isNew = !change.ends.empty() && !isTakenBack;
   if (!isNew && !isTakenBack) return PrintSome(out, change.begins, at.number, false);
   bool hasPrinted = false;
-  if (isNew && kind.op >= 0)
+  if (isNew && (kind.op >= 0 || change.begins.empty()))
     hasPrinted = m_repeated.Print(out, kind, variable, at.number, at.isPerturbation, scope);
   Some all = change.stays;
   all.insert(all.end(), change.begins.begin(), change.begins.end());
@@ -341,6 +342,7 @@ void inpS_ExcitationPrinter::PrintFamily(utl_Stream& out, const Some& family,
   inpS_ParameterTexts texts{{"OP", "NEW"}};
   if (kind.op < 0) texts = {{"REMOVE", ""}};
   if (kind.variable >= 0) texts["VARIABLE"] = std::to_string(variable);
+  addProperty(change.ends.front()->excitation.DataRecord(), texts); // waves cannot do without
   inpS_printKeywordWith(out, *inpS_FormTable::Instance().Find(kind.form), {}, m_parts, texts);
 }
 
@@ -380,7 +382,7 @@ inpS_ParameterTexts inpS_ExcitationPrinter::ParametersOf(const Condition& condit
   const KvoSimPosition amplitude = record.GetReference(eds_Excitation_Amplitude);
   const bool isOfStep = condition.firstStep == step || (condition.firstStep < 1 && step <= 1);
   if (!amplitude.IsNull() && (isOfStep || inpS_isOverTotalTime(amplitude)))
-    texts["AMPLITUDE"] = inpS_quoted(amplitude.Name());
+    texts[amplitudeParameter(kind, record)] = inpS_quoted(amplitude.Name());
   const bool isConnector = kind.form == eds_FormKind::ConnectorMotion;
   if (isConnector || kind.form == eds_FormKind::Boundary || kind.form == eds_FormKind::Motion) {
     std::string_view field = record.GetString(eds_Excitation_Field);
@@ -389,19 +391,24 @@ inpS_ParameterTexts inpS_ExcitationPrinter::ParametersOf(const Condition& condit
     if (field.starts_with("A_")) texts["TYPE"] = "ACCELERATION";
   }
   if (kind.form == eds_FormKind::Motion) texts["TRANSLATION"] = "";
-  if (kind.form == eds_FormKind::BaseMotion)
-    texts["DOF"] = std::to_string(baseDegree(kind, record));
+  if (kind.form == eds_FormKind::BaseMotion) addBaseMotion(kind, condition.relay, record, texts);
   if (kind.loadCase >= 0 && !loadCaseText(record).empty())
     texts["LOAD CASE"] = loadCaseText(record);
   if (kind.variable >= 0) texts["VARIABLE"] = std::to_string(condition.variable);
   if (record.GetBool(eds_Excitation_Imaginary)) texts["IMAGINARY"] = "";
   if (record.GetBool(eds_Excitation_Fixed)) texts["FIXED"] = "";
+  addOrigin(record, texts);
   return texts;
 }
 
 cow_String inpS_ExcitationPrinter::LinesOf(const Condition& condition) const {
   const Kind& kind = *condition.kind;
-  if (kind.info->data != eds_FormData::Columns) return {};
+  if (kind.form == eds_FormKind::InertiaRelief)
+    return reliefLine(
+        componentsOf(condition.relay.DataRecord(), condition.excitation.DataRecord()));
+  if (kind.info->data != eds_FormData::Columns ||
+      Own::ActsWithoutLines(kind, condition.excitation.DataRecord(), condition.relay))
+    return {};
   const KvoSimDataRecord relay = condition.relay.DataRecord();
   const KvoSimDataRecord of = condition.excitation.DataRecord();
   cow_List<cow_String> fields(kind.info->columnItems.size());
@@ -416,8 +423,11 @@ cow_String inpS_ExcitationPrinter::LinesOf(const Condition& condition) const {
   }
   put(kind.label, label.empty() ? label : inpS_quoted(label));
   const auto magnitude = magnitudeOf(relay, of);
-  cow_List<double> values; // of each member
-  if (magnitude)
+  const bool isOfSubmodel = of.GetBool(eds_Excitation_Submodel); // which has the magnitudes
+  cow_List<double> values;                                       // of each member
+  if (isOfSubmodel)
+    put(kind.value, {});
+  else if (magnitude)
     put(kind.value, numberText(*magnitude));
   else if (const KvoSimPosition all = of.GetReference(eds_Excitation_Magnitudes); !all.IsNull())
     values = numbersOf(all);
@@ -427,8 +437,10 @@ cow_String inpS_ExcitationPrinter::LinesOf(const Condition& condition) const {
   if (isRestraint && componentsOf(relay, of).empty()) { // else some of its degrees are left
     degrees.emplace_back(inpS_restraintName(of.GetSymb(eds_Excitation_Restraint)), "");
   } else {
-    const uint64_t bits =
-        inpS_degreesOf(kind, of.ReturnString(eds_Excitation_Field), componentsOf(relay, of));
+    const cow_String field = of.ReturnString(eds_Excitation_Field);
+    const cow_String components = componentsOf(relay, of);
+    const bool isOfAll = isOfSubmodel && field.empty() && components.empty(); // that there are
+    const uint64_t bits = isOfAll ? 0 : inpS_degreesOf(kind, field, components);
     for (const auto& [first, last] : inpS_ConditionLines::Runs(bits))
       for (int one = first; one <= (kind.last < 0 ? last : first); ++one)
         degrees.emplace_back(std::to_string(one), std::to_string(last));
@@ -493,33 +505,5 @@ cow_List<cow_String> inpS_ExcitationPrinter::NamesOf(const KvoSimPosition& set,
   cow_List<cow_String> names;
   for (const KvoSimPosition& one : m_document.GetModel().Occurences())
     if (one.DataRecord().GetReference(eds_Instance_Part) == owner) names.push_back(scoped(one));
-  return names;
-}
-
-cow_List<cow_String> inpS_excitationsNotPrinted(const KvoObjDocument& document) {
-  cow_List<cow_String> names;
-  cow_Map<int64_t, cow_List<KvoSimPosition>> alone; // with their relays
-  for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::Excitation))
-    if (one.DataRecord().GetReference(eds_Excitation_Given).IsNull())
-      alone[one.ID()].push_back(one);
-  if (alone.empty()) return names;
-  for (const KvoSimPosition& relay : document.Context().GetRecords(eds_RecordKind::Relay))
-    if (const auto of = alone.find(relay.DataRecord().GetReference(eds_Relay_Excitation).ID());
-        of != alone.end())
-      of->second.push_back(relay);
-  for (auto& [id, relays] : alone) {
-    const KvoSimPosition one = relays.front();
-    const KvoSimDataRecord record = one.DataRecord();
-    if (relays.size() == 1) relays.emplace_back(); // one that acts nowhere
-    if (std::all_of(relays.begin() + 1, relays.end(), [&](const KvoSimPosition& relay) {
-          return isPrinted(kindOf(record, relay), record, relay);
-        }))
-      continue;
-    cow_String keyword;
-    for (const eds_SymbolInfo& symbol : eds_schemaSymbols(eds_Vocabulary::ExcitationKind))
-      if (symbol.number == record.GetSymb(eds_Excitation_Kind)) keyword = symbol.name;
-    names.push_back(record.ReturnString(eds_Excitation_Name) + " (" +
-                    (keyword.empty() ? "of a kind that is not known" : keyword) + ")");
-  }
   return names;
 }

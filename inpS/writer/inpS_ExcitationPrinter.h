@@ -21,10 +21,10 @@ public:
                          const inpS_KeptParts& parts);
 
   bool IsEmpty() const { return m_conditions.empty(); }
-  // Of a step, the record behind which its excitations stand; null: before its first one.
-  KvoSimPosition PlaceIn(const KvoSimPosition& step) const;
   void PrintBeforeSteps(utl_Stream& out) const;
-  void PrintStep(utl_Stream& out, const KvoSimPosition& step, const inpS_DeckScope& scope);
+  // Those that stand behind a keyword of the step; null: before its first one.
+  void PrintStep(utl_Stream& out, const KvoSimPosition& step, const KvoSimPosition& behind,
+                 const inpS_DeckScope& scope);
   void PrintLoadCase(utl_Stream& out, const KvoSimPosition& step,
                      const KvoSimPosition& loadCase) const;
 
@@ -32,8 +32,9 @@ private:
   struct Step {
     int number = 0; // 0: what is there before the first one
     bool isPerturbation = false;
-    int previous = 0; // the general step before it
-    KvoSimPosition procedure;
+    int previous = 0;         // the general step before it
+    KvoSimPosition procedure; // behind which all stand but inertia relief
+    KvoSimPosition reliefPlace;
   };
   struct Condition {
     KvoSimPosition excitation;
@@ -73,7 +74,3 @@ private:
   cow_Map<unsigned long long, Step> m_steps; // by the keyword's record
   inpS_RepeatedConditions m_repeated;
 };
-
-// Excitations without a keyword behind them that no data line can say, with their keywords:
-// "Excitation_3 (BASE MOTION)".
-INPS_EXPORT cow_List<cow_String> inpS_excitationsNotPrinted(const KvoObjDocument& document);

@@ -115,7 +115,27 @@ inpS_ActingDescription inpS_InForceDescription::Describe(const Relay& relay, lon
     told.loadCase = NameOf(loadCase).empty() ? "unnamed" : NameOf(loadCase);
   told.isAlongLocalAxes = !of.GetReference(eds_Excitation_Transform).IsNull();
   told.isImaginary = of.GetBool(eds_Excitation_Imaginary);
+  DescribeOrigin(of, told);
   return told;
+}
+
+void inpS_InForceDescription::DescribeOrigin(const KvoSimDataRecord& excitation,
+                                             inpS_ActingDescription& to) {
+  const auto number = [&](int field, std::optional<long long>& value) {
+    if (!excitation.IsMemberNull(field)) value = excitation.GetInt64(field);
+  };
+  if (const cow_String own = excitation.ReturnString(eds_Excitation_Base); !own.empty())
+    to.base = own;
+  to.isFixed = excitation.GetBool(eds_Excitation_Fixed);
+  to.isByUser = excitation.GetBool(eds_Excitation_User);
+  to.isOfSubmodel = excitation.GetBool(eds_Excitation_Submodel);
+  number(eds_Excitation_GlobalStep, to.globalStep);
+  number(eds_Excitation_GlobalIncrement, to.globalIncrement);
+  to.isTimeScaled = excitation.GetBool(eds_Excitation_TimeScale);
+  if (!excitation.IsMemberNull(eds_Excitation_Scale))
+    to.scale = excitation.GetDouble(eds_Excitation_Scale);
+  if (const auto one = excitation.GetReference(eds_Excitation_Property); !one.IsNull())
+    to.property = NameOf(one);
 }
 
 void inpS_InForceDescription::DescribeGiven(const KvoSimPosition& given, bool runs,

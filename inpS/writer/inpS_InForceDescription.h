@@ -32,7 +32,14 @@ struct inpS_ActingDescription {
   bool hasAmplitudeEnded = false; // it was that of an earlier step, over its step time
   cow_String filmAmplitude;       // of a film's coefficient
   bool hasFilmAmplitudeEnded = false;
-  cow_String base;               // that a base motion moves; empty: the primary one, or none
+  cow_String base;           // that a base motion moves; empty: the primary one, or none
+  bool isFixed = false;      // holds what the step before left
+  bool isByUser = false;     // a routine of the user has the values
+  bool isOfSubmodel = false; // a global analysis has them
+  std::optional<long long> globalStep, globalIncrement;
+  bool isTimeScaled = false;
+  std::optional<double> scale;   // of a motion of the base, and of what a global analysis has
+  cow_String property;           // of an impedance, or of an incident wave
   bool isAlongLocalAxes = false; // its nodes are transformed
   long long fromStep = 0;        // 0: before the first
   const char* how = "given";     // "carried", "held"
@@ -66,6 +73,7 @@ private:
   };
 
   inpS_ActingDescription Describe(const Relay& relay, long long number, bool isPerturbation);
+  void DescribeOrigin(const KvoSimDataRecord& excitation, inpS_ActingDescription& to);
   void DescribeGiven(const KvoSimPosition& given, bool runs, inpS_ActingDescription& to);
   void DescribeRegion(const KvoSimDataRecord& relay, const KvoSimDataRecord& excitation, int kind,
                       inpS_ActingDescription& to);

@@ -11,6 +11,7 @@
 #include "inpS/forms/inpS_FormPrinter.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
+#include "inpS/history/inpS_History.h"
 #include "inpS/writer/inpS_AmplitudePrinter.h"
 #include "inpS/writer/inpS_ColumnPrinter.h"
 #include "inpS/writer/inpS_ExcitationPrinter.h"
@@ -336,22 +337,15 @@ void Impl::PrintStep(const KvoSimPosition& step, const inpS_FormPrinting& printi
   stepMarks.BeginStep();
   inpS_printFormLines(*out, step, printing);
   printing.texts(step, step);
-  const KvoSimPosition place = excitations->PlaceIn(step);
-  if (place.IsNull()) excitations->PrintStep(*out, step, scope);
-  const auto places = step.GetIntKeys(eds_Member::StepKeywords);
-  const auto records = step.FollowMap(eds_Member::StepKeywords);
-  std::vector<std::size_t> order(places.size());
-  for (std::size_t n = 0; n < order.size(); ++n) order[n] = n;
-  std::ranges::stable_sort(order, {}, [&](std::size_t n) { return places[n]; });
-  for (const std::size_t n : order) {
-    const inpS_Form* form = inpS_FormTable::Instance().Find(records[n].Object().RecordKind());
+  excitations->PrintStep(*out, step, {}, scope);
+  for (const KvoSimPosition& record : inpS_keywordsInOrder(step)) {
+    const inpS_Form* form = inpS_FormTable::Instance().Find(record.Object().RecordKind());
     if (form) stepMarks.Enter(inp_KeywordTable::Instance().Row(form->keyword)->name);
-    inpS_printForm(*out, records[n], printing);
-    printing.texts(step, records[n]);
-    if (records[n] == place) excitations->PrintStep(*out, step, scope);
-    if (records[n].IsA(eds_FormKind::LoadCase) ||
-        records[n].IsA(eds_FormKind::SubstructureLoadCase))
-      excitations->PrintLoadCase(*out, step, records[n]);
+    inpS_printForm(*out, record, printing);
+    printing.texts(step, record);
+    excitations->PrintStep(*out, step, record, scope);
+    if (record.IsA(eds_FormKind::LoadCase) || record.IsA(eds_FormKind::SubstructureLoadCase))
+      excitations->PrintLoadCase(*out, step, record);
   }
   printing.texts(step, {});
   stepMarks.EndStep();

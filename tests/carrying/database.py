@@ -178,7 +178,7 @@ def degrees_of(row):
     if row["given_kind"] == "MotionRotation":
         return ["ROTATION"], MANNERS[field[0]]
     if keyword == "BASE MOTION":
-        degree = (1 if field == "BASE_D" else 4) - 1 + int(components[0][2:])
+        degree = (1 if field.endswith("_D") else 4) - 1 + int(components[0][2:])
         return [(degree, row["base"]) if row["base"] else degree], None
     if keyword == "FLUID BOUNDARY":
         return [tuple(filter(None, (kind_name(row).split()[-1], row["label"])))], None

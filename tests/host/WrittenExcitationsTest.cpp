@@ -104,9 +104,9 @@ protected:
             one["components"].is_null() ? "-" : one["components"].get<cow_String>());
         for (cow_String component; components >> component;) {
           cow_String text = one["keyword"].get<cow_String>() + " " + component;
-          for (const char* what :
-               {"region", "target", "members", "field", "load", "restraint", "magnitude"})
-            if (!one[what].is_null()) text += " " + one[what].dump();
+          for (const char* what : {"region", "target", "members", "field", "load", "restraint",
+                                   "magnitude", "base", "user", "submodel", "scale", "property"})
+            if (!one[what].is_null() && one[what] != false) text += " " + one[what].dump();
           acts.push_back(text);
         }
       }
@@ -261,8 +261,8 @@ TEST_F(WrittenExcitations, RegionsOfManyKinds) {
 
 // What keywords say beside their lines; what is left of a restraint.
 TEST_F(WrittenExcitations, ParametersOfManyKinds) {
-  KvoObjDocument model =
-      Open(DeckOf({"*ELEMENT, TYPE=CONN3D2, ELSET=LINK\n50, 1, 7\n*STEP\n*STATIC\n"}));
+  KvoObjDocument model = Open(DeckOf(
+      {"*ELEMENT, TYPE=CONN3D2, ELSET=LINK\n50, 1, 7\n*STEP\n*STATIC\n", "*STEP\n*STATIC\n"}));
   Add(model, {"FLUID BOUNDARY", "VELX", nullptr, 1, 0, "BASE", 0, 2., "VELX"});
   Add(model, {"FLUID BOUNDARY", "P", nullptr, 1, 0, "S", 0, 3., "P"});
   Add(model, {"FLUID BOUNDARY", "VELX2", nullptr, 1, 0, nullptr, 1, 3., "VELX2"});
@@ -280,7 +280,80 @@ TEST_F(WrittenExcitations, ParametersOfManyKinds) {
             "*FLUID BOUNDARY, TYPE=SURFACE\nS, P, 3.\n*FLUID BOUNDARY, TYPE=ELEMENT\n1, VELX2, 3.\n"
             "*CLOAD, LOAD CASE=2\nTOP, 1, 4.\n*MOTION, TRANSLATION, TYPE=VELOCITY\nTOP, 3, 3, 5.\n"
             "*CONNECTOR MOTION, TYPE=ACCELERATION\nLINK, 4, 6.\n*BOUNDARY\nBASE, 3, 3\nBASE, 5, 5\n"
-            "*BASE MOTION, AMPLITUDE=RAMP, DOF=5\n*END STEP\n");
+            "*BASE MOTION, AMPLITUDE=RAMP, DOF=5\n*END STEP\n*STEP\n*STATIC\n*END STEP\n");
+}
+
+// Routines, global analyses and properties have what no line says; conditions make the base that a
+// motion moves.
+TEST_F(WrittenExcitations, ValuesFromElsewhere) {
+  KvoObjDocument model =
+      Open(DeckOf({"*IMPEDANCE PROPERTY, NAME=LINING\n1e-9, 2e-9\n"
+                   "*INCIDENT WAVE PROPERTY, NAME=BLAST\n0., 0., 9.\n0., 0., 99.\n*STEP\n*STATIC\n",
+                   "*STEP\n*STATIC\n"}));
+  const auto add = [&](const Own& own) {
+    return Add(model, own).GetReference(eds_Relay_Excitation).DataRecord();
+  };
+  const auto property = [&](KvoSimDataRecord excitation, eds_RecordKind kind) {
+    excitation.SetReference(eds_Excitation_Property, model.Context().GetRecords(kind).front());
+  };
+  add({"BOUNDARY", "U_D", "C_1 C_2 C_3", 1, 0, nullptr, 1, 0.})
+      .SetString(eds_Excitation_Base, "Floor");
+  add({"BOUNDARY", "U_R", "C_1", 1, 0, "TOP"}).SetBool(eds_Excitation_User, true);
+  add({"TEMPERATURE", "NT", nullptr, 1, 0, nullptr}).SetBool(eds_Excitation_User, true);
+  KvoSimDataRecord one = add({"BOUNDARY", "U_D", "C_2", 1, 0, "TOP"});
+  one.SetBool(eds_Excitation_Submodel, true);
+  one.SetInt(eds_Excitation_GlobalStep, 3);
+  one.SetBool(eds_Excitation_TimeScale, true);
+  one.SetDouble(eds_Excitation_Scale, 2.5);
+  one = add({"DSLOAD", nullptr, nullptr, 1, 0, "S"});
+  one.SetBool(eds_Excitation_Submodel, true);
+  one.SetInt(eds_Excitation_GlobalStep, 1);
+  one.SetInt(eds_Excitation_GlobalIncrement, 7);
+  add({"FILM", "F1NU", nullptr, 1, 0, "SOLID", 0, {}, "F1NU"});
+  property(add({"SIMPEDANCE", nullptr, nullptr, 1, 0, "S"}), eds_FormKind::AdmittanceTable);
+  property(
+      add({"INCIDENT WAVE", "ACCELERATION", nullptr, 1, 1, "S", 0, 4., nullptr, nullptr, true}),
+      eds_FormKind::IncidentWaveProperty);
+  one = add({"BASE MOTION", "BASE_V_R", "C_2", 1, 1, nullptr, 0, {}, nullptr, nullptr, true});
+  one.SetString(eds_Excitation_Base, "Floor");
+  one.SetDouble(eds_Excitation_Scale, 9.5);
+  add({"BOUNDARY", nullptr, nullptr, 1, 0, nullptr, 2}).SetBool(eds_Excitation_Submodel, true);
+  Finish(model);
+  const auto before = Acting("a.sim");
+  const cow_String deck = Written();
+  EXPECT_EQ(deck.substr(deck.find("*STEP")),
+            "*STEP\n*STATIC\n*BOUNDARY, BASE NAME=\"Floor\"\n1, 1, 3, 0.\n*BOUNDARY, USER\n"
+            "TOP, 4, 4\n*BOUNDARY, SUBMODEL, STEP=3, SCALE=2.5, TIME SCALE\nTOP, 2, "
+            "2\n*BOUNDARY, SUBMODEL\n2\n"
+            "*TEMPERATURE, USER\n*DSLOAD, INC=7, STEP=1, SUBMODEL\nS\n*FILM\nSOLID, F1NU\n"
+            "*SIMPEDANCE, PROPERTY=LINING\nS\n"
+            "*INCIDENT WAVE, ACCELERATION AMPLITUDE=RAMP, PROPERTY=BLAST\nS, 4.\n"
+            "*BASE MOTION, AMPLITUDE=RAMP, DOF=5, SCALE=9.5, TYPE=VELOCITY, BASE NAME=\"Floor\"\n"
+            "*END STEP\n*STEP\n*STATIC\n*INCIDENT WAVE, PROPERTY=BLAST, OP=NEW\n*END STEP\n");
+  EXPECT_EQ(Acting("w.sim"), before);
+}
+
+// It takes back what stands before it, so what begins in its step stands behind it.
+TEST_F(WrittenExcitations, ReliefBehindItsRemoval) {
+  KvoObjDocument model =
+      Open(DeckOf({"*STEP\n*STATIC\n*INERTIA RELIEF\n2\n", "*STEP\n*STATIC\n", "*STEP\n*STATIC\n",
+                   "*STEP\n*STATIC\n*INERTIA RELIEF, REMOVE\n*DLOAD\nSOLID, P1, 1.\n",
+                   "*STEP\n*STATIC\n", "*STEP\n*STATIC\n"}));
+  Add(model, {"INERTIA RELIEF", nullptr, "C_3", 2, 2, nullptr});
+  Add(model, {"INERTIA RELIEF", nullptr, "C_1 C_ROT3", 4, 5, nullptr});
+  Finish(model);
+  EXPECT_EQ(Written(), "*STEP\n*STATIC\n*INERTIA RELIEF\n2\n*END STEP\n"
+                       "*STEP\n*STATIC\n*INERTIA RELIEF\n3\n*END STEP\n"
+                       "*STEP\n*STATIC\n*INERTIA RELIEF\n2\n*END STEP\n"
+                       "*STEP\n*STATIC\n*INERTIA RELIEF, REMOVE\n*INERTIA RELIEF\n1, 6\n"
+                       "*DLOAD\nSOLID, P1, 1.\n*END STEP\n"
+                       "*STEP\n*STATIC\n*END STEP\n"
+                       "*STEP\n*STATIC\n*INERTIA RELIEF, REMOVE\n*END STEP\n");
+  const auto acting = Acting("w.sim");
+  EXPECT_EQ(acting[3], (cow_List<cow_String>{"DLOAD - \"SOLID\" \"P1\" \"P1\" 1.0",
+                                             "INERTIA RELIEF C_1", "INERTIA RELIEF C_ROT3"}));
+  EXPECT_EQ(acting[4], acting[3]);
+  EXPECT_EQ(acting[5].size(), 1U);
 }
 
 TEST_F(WrittenExcitations, LoadCasesOfSubstructures) {
