@@ -119,7 +119,7 @@ Companions companions(Kinds kinds) {
 }
 
 // A perturbation step has conditions and fields of the state it starts from, but none of its loads.
-// Amplitudes of what stands before the steps run in the first one.
+// Amplitudes of what stands before the steps run in the first one that is general.
 cow_String inForce(Kinds kinds) {
   using Kind = eds_RecordKind;
   if (!has(kinds, {Kind::Excitation, Kind::Relay, Kind::HistoryStep}))
@@ -140,16 +140,22 @@ cow_String inForce(Kinds kinds) {
                     "user",           "submodel",
                     "global_step",    "global_increment",
                     "time_scale",     "scale",
-                    "property"});
+                    "property",       "cyclic_mode"});
   const Companions also = companions(kinds);
-  const cow_String runs = "max(e.step, 1) = h.number OR " + also.goesOn;
-  return "\nWITH total AS (" + totalAmplitudes(kinds) + ")" + R"(
+  const cow_String isOwn =
+      "(e.step = h.number OR (e.step < 1 AND h.number <= ifnull(first.number, h.number)))";
+  const cow_String runs = isOwn + " OR " + also.goesOn;
+  return "\nWITH total AS (" + totalAmplitudes(kinds) + ")" + R"(,
+  first AS (SELECT min(number) AS number FROM v_history_step
+    WHERE ifnull(perturbation, 0) = 0 AND ifnull(registration, '') <> 'REGISTERED_TASK')
 SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS keyword, e.field,
   ifnull(r.components, e.components) AS components, e.restraint, e.label,
   r.region_name AS region, r.instance_name AS instance, r.label AS target,
   ifnull(r.magnitude, e.magnitude) AS magnitude,
-  iif(max(e.step, 1) = h.number OR total.id IS NOT NULL, e.amplitude_name, NULL) AS amplitude,
-  iif(max(e.step, 1) = h.number OR total.id IS NOT NULL, NULL, e.amplitude_name) AS amplitude_ended,
+)" + "  iif(" +
+         isOwn + R"( OR total.id IS NOT NULL, e.amplitude_name, NULL) AS amplitude,
+  iif()" +
+         isOwn + R"( OR total.id IS NOT NULL, NULL, e.amplitude_name) AS amplitude_ended,
   e.step AS from_step,
   CASE WHEN e.step = h.number THEN 'given' WHEN h.perturbation = 1
     OR h.registration = 'REGISTERED_TASK' THEN 'held' ELSE 'carried' END
@@ -162,8 +168,9 @@ SELECT h.number AS step, h.name AS step_name, e.name AS excitation, e.kind AS ke
          " AS base,\n  iif(" + runs + ", " + also.film + ", NULL) AS film_amplitude,\n  iif(" +
          runs + ", NULL, " + also.film + ") AS film_amplitude_ended" + R"(,
   ifnull(e.user, 0) AS user, ifnull(e.submodel, 0) AS submodel, e.global_step, e.global_increment,
-  ifnull(e.time_scale, 0) AS time_scale, e.scale, e.property_name AS property
-FROM v_history_step h
+  ifnull(e.time_scale, 0) AS time_scale, e.scale, e.property_name AS property,
+  e.cyclic_mode
+FROM v_history_step h JOIN first
   JOIN v_relay r ON r.first_step <= h.number AND h.number <= ifnull(r.last_step, h.number)
   JOIN v_excitation e ON e.id = r.excitation
   LEFT JOIN total ON total.kind = e.amplitude_kind AND total.id = e.amplitude)" +

@@ -3,6 +3,7 @@
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/forms/inpS_FormValue.h"
 #include "inpS/forms/inpS_LackOfLines.h"
+#include "inpS/history/inpS_ExcitationKind.h"
 #include "inpS/keywords/inpS_Flag.h"
 #include "parser/inp_Utils.h"
 #include "parser/inp_Visitor.h"
@@ -61,6 +62,23 @@ void tellWithoutFile(const inp_Keyword& keyword, const inpS_Form& form, inp_Visi
         "The file's values end before they begin. It is kept as given."));
 }
 
+// How many field variables a routine gives at once.
+void tellNumber(const inp_Keyword& keyword, const inpS_Form& form, inp_Visitor& messages) {
+  const inp_Item* number = given(keyword, form, "number");
+  if (!number || !number->IsInteger()) return;
+  constexpr long long most = inpS_ExcitationKind::kMostVariables;
+  if (number->AsInt() < 1 || number->AsInt() > most)
+    messages.AddError(inp_Utils::MessageAtParameter(
+        keyword, "number",
+        "NUMBER=" + number->Verbatim() + " is none of 1 to " + std::to_string(most) +
+            ". It is kept as given, and the nearest of them counts."));
+  else if (number->AsInt() > 1 && !inpS_saysYes(keyword, "user"))
+    messages.AddWarning(inp_Utils::MessageAtParameter(
+        keyword, "number",
+        "NUMBER is about what a routine gives, and there is no USER. It is kept as given, and the "
+        "lines are about one variable."));
+}
+
 // Where neither a routine nor a file gives what lines would, and nothing is taken back.
 void tellWithoutLines(const inp_Keyword& keyword, const inpS_Form& form, inp_Visitor& messages) {
   const bool isOfLines =
@@ -101,6 +119,7 @@ void inpS_checkConditionParameters(const inp_Keyword& keyword, const inpS_Form& 
     messages.AddWarning(inp_Utils::MessageAtParameter(
         keyword, "follower",
         "FOLLOWER=" + follower->Verbatim() + " is none of YES, NO. It is kept as given."));
+  if (keyword.Kind() == inp_KwField) tellNumber(keyword, form, messages);
   if (keyword.Kind() == inp_KwInitialConditions) {
     tellBelow(keyword, form, "step", "STEP", 0, messages);
     tellBelow(keyword, form, "inc", "INC", 0, messages);

@@ -86,11 +86,13 @@ const cow_List<Kind>& inpS_ExcitationKind::All() {
       kind.fixed = fieldOf(*kind.info, "fixed");
       kind.type = fieldOf(*kind.info, "type");
       kind.variable = fieldOf(*kind.info, "variable");
+      kind.variables = kind.variable < 0 ? -1 : fieldOf(*kind.info, "number");
       kind.remove = fieldOf(*kind.info, "remove");
       kind.user = fieldOf(*kind.info, "user");
       kind.submodel = fieldOf(*kind.info, "submodel");
       kind.file = fieldOf(*kind.info, "file");
       kind.loadCase = fieldOf(*kind.info, "load_case");
+      kind.cyclicMode = fieldOf(*kind.info, "cyclic_mode");
       kind.degree = fieldOf(*kind.info, "dof");
       kind.baseName = fieldOf(*kind.info, "base_name");
       kind.scale = fieldOf(*kind.info, "scale");
@@ -129,10 +131,18 @@ long long inpS_ExcitationKind::VariableOf(const KvoSimDataRecord& record) const 
   return record.IsMemberNull(variable) ? 1 : record.GetInt64(variable);
 }
 
+// Decided here: NUMBER is about a routine alone, and about the variable named and those behind it.
+long long inpS_ExcitationKind::VariablesOf(const KvoSimDataRecord& record) const {
+  if (variables < 0 || record.IsMemberNull(variables) || !record.GetBool(user)) return 1;
+  return std::clamp<long long>(record.GetInt64(variables), 1, kMostVariables);
+}
+
 cow_String inpS_ExcitationKind::PartOf(const KvoSimDataRecord& record) const {
   cow_String part = imaginary >= 0 && record.GetBool(imaginary) ? "i" : "r";
   if (loadCase >= 0 && !record.IsMemberNull(loadCase))
     part += std::to_string(record.GetInt64(loadCase));
+  if (cyclicMode >= 0 && !record.IsMemberNull(cyclicMode))
+    part += "c" + std::to_string(record.GetInt64(cyclicMode));
   if (degree >= 0) part += "," + std::to_string(record.GetInt64(degree));
   if (degree >= 0 && baseName >= 0) part += "," + record.ReturnString(baseName);
   if (form == eds_FormKind::MotionRotation) part += "R"; // beside a translation

@@ -38,6 +38,9 @@ struct inpS_ExcitationKind {
   int submodel = -1;
   int file = -1;
   int loadCase = -1;
+  int cyclicMode = -1;
+  int variables = -1; // how many a routine gives
+  static constexpr long long kMostVariables = 1000;
   int degree = -1; // as a parameter
   int baseName = -1;
   int scale = -1;
@@ -59,7 +62,9 @@ struct inpS_ExcitationKind {
   inpS_NamedTargets::Type namedType = inpS_NamedTargets::Type::Surface;
 
   // The number of the field variable: each is a kind of its own. 0: the form has none.
-  long long VariableOf(const KvoSimDataRecord& record) const;
+  long long VariableOf(const KvoSimDataRecord& record) const; // the first one
+  // How many from that one on: a routine may give several at once.
+  long long VariablesOf(const KvoSimDataRecord& record) const;
   // What tells keywords of the kind apart that do not meet: the imaginary part from the real one,
   // motions of one base and degree from those of others.
   cow_String PartOf(const KvoSimDataRecord& record) const;

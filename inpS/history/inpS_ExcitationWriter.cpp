@@ -217,8 +217,7 @@ cow_String inpS_ExcitationWriter::FieldOf(const Current& current, const inpS_Con
         end != one.parameter.npos && one.isOfMagnitude &&
         !current.source.record.DataRecord().GetReference(one.field).IsNull())
       return cow_String(one.parameter.substr(0, end));
-  if (kind.key == Kind::Key::Variable)
-    field += std::to_string(kind.VariableOf(current.source.record.DataRecord()));
+  if (kind.key == Kind::Key::Variable) field += std::to_string(current.source.variable);
   const bool isWord = field.empty() || kind.form == eds_FormKind::Boundary; // of a flow's velocity
   return isWord && row.label >= 0 ? current.rows.Label(row.label) : field;
 }
@@ -254,6 +253,8 @@ inpS_ExcitationWriter::GroupOf(Current& current, const GroupKey& key, cow_String
   if (!source.loadCase.IsNull()) record.SetReference(eds_Excitation_LoadCase, source.loadCase);
   if (kind.loadCase >= 0 && !given.IsMemberNull(kind.loadCase))
     record.SetInt(eds_Excitation_LoadCaseNumber, given.GetInt(kind.loadCase));
+  if (kind.cyclicMode >= 0 && !given.IsMemberNull(kind.cyclicMode))
+    record.SetInt(eds_Excitation_CyclicMode, given.GetInt(kind.cyclicMode));
   if (const KvoSimPosition amplitude = kind.AmplitudeOf(given); !amplitude.IsNull())
     record.SetReference(eds_Excitation_Amplitude, amplitude);
   double magnitude = 0;

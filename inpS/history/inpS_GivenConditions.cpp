@@ -33,8 +33,11 @@ bool isRemovedLater(const cow_List<Given>& all, std::size_t n) {
 void add(const Given& given, inpS_InForce& inForce) {
   const KvoSimDataRecord record = given.record.DataRecord();
   const long long variable = given.kind->VariableOf(record);
-  if (given.kind->key != Kind::Key::Words)
-    return inForce.Add(given.record, *given.kind, variable, given.loadCase);
+  if (given.kind->key != Kind::Key::Words) {
+    for (long long n = 0; n < given.kind->VariablesOf(record); ++n)
+      inForce.Add(given.record, *given.kind, variable + n, given.loadCase);
+    return;
+  }
   const auto& items = given.kind->info->columnItems;
   const auto wordsOf = [&](int column) {
     return inpS_ColumnWords::Stored(record, items[static_cast<std::size_t>(column)].wordsField);
@@ -51,8 +54,10 @@ void take(const cow_List<Given>& all, inpS_InForce& inForce) {
   for (const Given& given : all) {
     const bool isNew =
         given.kind->op >= 0 && given.record.DataRecord().GetString(given.kind->op) == "NEW";
-    if ((isNew || isRemoved(given)) && given.loadCase.IsNull())
-      inForce.TakeBack(*given.kind, given.kind->VariableOf(given.record.DataRecord()));
+    if (!(isNew || isRemoved(given)) || !given.loadCase.IsNull()) continue;
+    const KvoSimDataRecord record = given.record.DataRecord();
+    for (long long n = 0; n < given.kind->VariablesOf(record); ++n)
+      inForce.TakeBack(*given.kind, given.kind->VariableOf(record) + n);
   }
   for (std::size_t n = 0; n < all.size(); ++n) {
     const Given& given = all[n];
@@ -110,9 +115,10 @@ inpS_InForce inpS_givenConditions(const KvoObjDocument& document) {
   if (!document.Context().GetRecords(eds_FormKind::FluidBoundary).empty())
     inForce.SetNames(std::make_shared<const inpS_NamedTargets::Names>(document));
   inForce.BeginStep(0, false);
-  takeOwner(document.GetModel().Position(), inForce);
+  // The assembly stands before what the model has, wherever that stood.
   if (const KvoSimPosition assembly = document.GetModel().GetAssembly(); !assembly.IsNull())
     takeOwner(assembly, inForce);
+  takeOwner(document.GetModel().Position(), inForce);
   for (const KvoSimPosition& step : document.Context().GetRecords(eds_RecordKind::HistoryStep))
     takeStep(step.DataRecord(), inForce);
   return inForce;

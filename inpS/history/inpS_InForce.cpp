@@ -239,7 +239,7 @@ void inpS_InForce::Add(const KvoSimPosition& record, const inpS_ExcitationKind& 
   const int number = static_cast<int>(m_sources.size());
   const bool isOwn =
       m_isPerturbation || kind.lasting == Kind::Lasting::OwnStep || !loadCase.IsNull();
-  m_sources.push_back({record, &kind, loadCase, m_step, isOwn ? m_step : kOpen});
+  m_sources.push_back({record, &kind, loadCase, variable, m_step, isOwn ? m_step : kOpen});
   const long long key = KeyOf(kind, variable);
   const unsigned long long place = loadCase.IsNull() ? 0 : loadCase.Object().Packed();
   Family& family = (isOwn ? m_own[place] : m_families)[key];

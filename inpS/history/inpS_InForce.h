@@ -19,6 +19,7 @@ public:
     KvoSimPosition record;
     const inpS_ExcitationKind* kind;
     KvoSimPosition loadCase;
+    long long variable; // of a field; else 0
     int firstStep;
     int lastStep = kOpen;
     long long rows = 0;

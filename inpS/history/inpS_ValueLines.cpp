@@ -29,7 +29,7 @@ constexpr Row table[] = {{Kind::TemperatureField, 1, "value"},
                          {Kind::FluidFlux, 1, "magnitude"},
                          {Kind::MotionRotation, 1, "magnitude"},
                          {Kind::SubstructureLoad, 2, "factor"},
-                         {Kind::NodeFilm, 3, "coefficient", true}, // or the name of its property
+                         {Kind::NodeFilm, 3, "coefficient", any}, // or the name of its property
                          {Kind::NodeRadiation, 3, "emissivity"},
                          {Kind::IncidentWave, 1, "magnitude"},
                          {Kind::InitialTemperature, 1, "value"},

@@ -47,11 +47,8 @@ cow_String componentsOf(const KvoSimDataRecord& relay, const KvoSimDataRecord& o
   return own.empty() ? of.ReturnString(eds_Excitation_Components) : own;
 }
 
-// "2" of LOAD CASE=2; empty: none is given.
-cow_String loadCaseText(const KvoSimDataRecord& excitation) {
-  return excitation.IsMemberNull(eds_Excitation_LoadCaseNumber)
-             ? cow_String()
-             : std::to_string(excitation.GetInt64(eds_Excitation_LoadCaseNumber));
+cow_String wholeText(const KvoSimDataRecord& excitation, int field) {
+  return excitation.IsMemberNull(field) ? cow_String() : std::to_string(excitation.GetInt64(field));
 }
 
 long long numberAtEnd(const cow_String& field) {
@@ -228,8 +225,9 @@ inpS_ExcitationPrinter::Condition inpS_ExcitationPrinter::Read(const KvoSimPosit
       '\n' +
       std::to_string(
           of.IsMemberNull(eds_Excitation_Restraint) ? -1 : of.GetSymb(eds_Excitation_Restraint)) +
-      (of.GetBool(eds_Excitation_Imaginary) ? "i" : "r") + loadCaseText(of) + ' ' +
-      of.ReturnString(eds_Excitation_Base) + ' ' +
+      (of.GetBool(eds_Excitation_Imaginary) ? "i" : "r") +
+      wholeText(of, eds_Excitation_LoadCaseNumber) + ' ' +
+      wholeText(of, eds_Excitation_CyclicMode) + ' ' + of.ReturnString(eds_Excitation_Base) + ' ' +
       objectText(record.GetReference(eds_Relay_Region)) + ' ' +
       objectText(record.GetReference(eds_Relay_Instance)) + ' ' +
       (record.IsMemberNull(eds_Relay_Label) ? "-"
@@ -392,8 +390,10 @@ inpS_ParameterTexts inpS_ExcitationPrinter::ParametersOf(const Condition& condit
   }
   if (kind.form == eds_FormKind::Motion) texts["TRANSLATION"] = "";
   if (kind.form == eds_FormKind::BaseMotion) addBaseMotion(kind, condition.relay, record, texts);
-  if (kind.loadCase >= 0 && !loadCaseText(record).empty())
-    texts["LOAD CASE"] = loadCaseText(record);
+  if (kind.loadCase >= 0 && !record.IsMemberNull(eds_Excitation_LoadCaseNumber))
+    texts["LOAD CASE"] = wholeText(record, eds_Excitation_LoadCaseNumber);
+  if (kind.cyclicMode >= 0 && !record.IsMemberNull(eds_Excitation_CyclicMode))
+    texts["CYCLIC MODE"] = wholeText(record, eds_Excitation_CyclicMode);
   if (kind.variable >= 0) texts["VARIABLE"] = std::to_string(condition.variable);
   if (record.GetBool(eds_Excitation_Imaginary)) texts["IMAGINARY"] = "";
   if (record.GetBool(eds_Excitation_Fixed)) texts["FIXED"] = "";

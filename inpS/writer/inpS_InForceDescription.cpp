@@ -6,11 +6,9 @@
 #include "inpS/history/inpS_GivenConditions.h"
 #include "inpS/writer/inpS_AmplitudeSpan.h"
 #include "inpS/writer/inpS_SetNames.h"
-#include <limits>
+#include <algorithm>
 
 namespace {
-
-constexpr long long kOpen = std::numeric_limits<long long>::max();
 
 const inpS_ExcitationKind* kindOf(int number) {
   for (const inpS_ExcitationKind& kind : inpS_ExcitationKind::All())
@@ -54,13 +52,17 @@ inpS_InForceDescription::inpS_InForceDescription(const KvoObjDocument& document)
     m_excitations.push_back({one, number, record.GetInt64(eds_Excitation_Step),
                              kind && kind->lasting == inpS_ExcitationKind::Lasting::Held});
   }
+  for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::HistoryStep))
+    if (!inpS_isPerturbation(one.DataRecord()))
+      m_firstGeneral =
+          std::min<long long>(m_firstGeneral, one.DataRecord().GetInt64(eds_HistoryStep_Number));
   for (const KvoSimPosition& one : document.Context().GetRecords(eds_RecordKind::Relay)) {
     const KvoSimDataRecord record = one.DataRecord();
     const auto of = places.find(record.GetReference(eds_Relay_Excitation).ID());
     if (of == places.end()) continue;
     m_relays.push_back(
         {one, of->second, record.GetInt64(eds_Relay_FirstStep),
-         record.IsMemberNull(eds_Relay_LastStep) ? kOpen : record.GetInt64(eds_Relay_LastStep)});
+         record.IsMemberNull(eds_Relay_LastStep) ? kNever : record.GetInt64(eds_Relay_LastStep)});
   }
 }
 
@@ -103,7 +105,7 @@ inpS_ActingDescription inpS_InForceDescription::Describe(const Relay& relay, lon
     told.magnitude = of.GetDouble(eds_Excitation_Magnitude);
   told.fromStep = excitation.step;
   const bool isOfStep = excitation.step == number;
-  const bool runs = isOfStep || (excitation.step < 1 && number == 1);
+  const bool runs = isOfStep || (excitation.step < 1 && number <= m_firstGeneral);
   told.how = isOfStep ? "given" : isPerturbation ? "held" : "carried";
   if (const auto amplitude = of.GetReference(eds_Excitation_Amplitude); !amplitude.IsNull()) {
     told.amplitude = NameOf(amplitude);

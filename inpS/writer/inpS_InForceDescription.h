@@ -4,6 +4,7 @@
 #include "database/KvoSimPosition.h"
 #include "inpS/inpS_Export.h"
 #include <functional>
+#include <limits>
 #include <optional>
 #include <unordered_map>
 
@@ -79,6 +80,8 @@ private:
                       inpS_ActingDescription& to);
   const cow_String& NameOf(const KvoSimPosition& object);
 
+  static constexpr long long kNever = std::numeric_limits<long long>::max();
+  long long m_firstGeneral = kNever; // step in which amplitudes run that stand before the steps
   cow_List<Excitation> m_excitations;
   cow_List<Relay> m_relays;
   std::unordered_map<unsigned long long, cow_String> m_names;

@@ -26,7 +26,7 @@ bool inpS_RepeatedConditions::IsMeant(const inpS_InForce::Source& source, const 
   if (source.kind->number != kind.number || !source.loadCase.IsNull()) return false;
   if (source.firstStep >= step || source.lastStep < step) return false;
   if (isPerturbation && kind.lasting != Kind::Lasting::Held) return false;
-  return kind.variable < 0 || source.kind->VariableOf(source.record.DataRecord()) == variable;
+  return kind.variable < 0 || source.variable == variable;
 }
 
 bool inpS_RepeatedConditions::Print(utl_Stream& out, const Kind& kind, long long variable, int step,

@@ -214,7 +214,7 @@ def facts(path):
         rest = (*((row[name] or row[f"{name}_ended"], bool(row[f"{name}_ended"]))
                   for name in ("amplitude", "film_amplitude")),
                 row["from_step"], row["how"], row["load_case"])
-        part = bool(row["imaginary"]), row["load_case_number"]
+        part = bool(row["imaginary"]), row["load_case_number"], row["cyclic_mode"]
         if keyword == "INERTIA RELIEF":
             degrees = [0]
 

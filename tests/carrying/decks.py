@@ -181,6 +181,8 @@ class Maker:
             words += self.random.choice(("", ", IMAGINARY"))
         elif kind in ("BOUNDARY", "CLOAD", "DLOAD") and self.chance(0.1):
             words += f", LOAD CASE={self.random.randint(1, 2)}"
+        elif kind == "CLOAD" and self.chance(0.1):
+            words += f", CYCLIC MODE={self.random.randint(0, 1)}"
         if kind in ("BASE MOTION", "INERTIA RELIEF"):
             return words
         words += self.random.choice(("", "", "", ", OP=MOD", ", OP=NEW"))

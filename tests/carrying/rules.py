@@ -50,7 +50,8 @@ PROCEDURES = {"STATIC": True, "DYNAMIC": True, "VISCO": True, "HEAT TRANSFER": T
 
 # An entry is what one thing says: where is (kind, target, degree or label, part), value the
 # magnitude (None: a routine or a file has it), of motions with their manner. A target is
-# (instance, label), or (None, surface), a part whether it is imaginary, and its load case's number;
+# (instance, label), or (None, surface), a part whether it is imaginary, and the numbers of its load
+# case and cyclic mode;
 # an amplitude is that and the one of a film's coefficient.
 Entry = collections.namedtuple("Entry", "where value amplitudes step")
 # What it comes to in a step. A target is None for the whole model, an amplitude (name, is over),
@@ -199,7 +200,8 @@ def entries_of(mesh, keyword, step):
     words, said, twice = keyword.parameters, {}, set()
     manner = "FIXED" if "FIXED" in words else words.get("TYPE", "DISPLACEMENT")
     of, rule, _ = KINDS[kind_name(keyword)]
-    part = "IMAGINARY" in words, int(words["LOAD CASE"]) if "LOAD CASE" in words else None
+    numbers = (int(words[name]) if name in words else None for name in ("LOAD CASE", "CYCLIC MODE"))
+    part = "IMAGINARY" in words, *numbers
     amplitudes = tuple(words.get(name) for name in ("AMPLITUDE", "FILM AMPLITUDE"))
     if keyword.name == "INCIDENT WAVE":
         amplitudes = words.get("PRESSURE AMPLITUDE") or words.get("ACCELERATION AMPLITUDE"), None
@@ -306,10 +308,11 @@ def facts(text):
                if word.name == "AMPLITUDE" and word.parameters.get("TIME") == "TOTAL TIME"}
     made = collections.Counter()
     steps, twice = in_force(text)
+    general = [n for n, (_, _, perturbs) in enumerate(steps_of(keywords)[1:], 1) if not perturbs]
     for step, acting in enumerate(steps, 1):
         for how, case, entry in acting:
             manner, value = entry.value if isinstance(entry.value, tuple) else (None, entry.value)
-            runs = [(name, bool(name) and name not in through and step > max(entry.step, 1))
+            runs = [(name, bool(name) and name not in through and step > (entry.step or min(general, default=step)))
                     for name in entry.amplitudes]
             made[Fact(step, *entry.where, manner, value, *runs, entry.step, how, case)] += 1
     return made, twice
