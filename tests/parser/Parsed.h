@@ -1,5 +1,6 @@
 #pragma once
 
+#include "parser/inp_Doubts.h"
 #include "parser/inp_Parser.h"
 
 // A deck given as text, and what the parser says of it.
@@ -12,6 +13,7 @@ struct Parsed {
     files = parser.FileErrors();
     errors = parser.SyntaxErrors();
     warnings = parser.Warnings();
+    for (const inp_Keyword& keyword : keywords) inp_takeDoubts(keyword, warnings);
   }
 
   inp_KeywordList keywords;
