@@ -49,23 +49,34 @@ cow_String amplitudeText(const Acting& acting) {
   return text;
 }
 
+// "HOT", "2"; "HOT, 2" of a keyword with LOAD CASE=2 within *LOAD CASE, NAME=HOT
+cow_String loadCaseText(const Acting& acting) {
+  const cow_String number =
+      acting.loadCaseNumber ? std::to_string(*acting.loadCaseNumber) : cow_String();
+  return acting.loadCase + (acting.loadCase.empty() || number.empty() ? "" : ", ") + number;
+}
+
+cow_String magnitudeText(const Acting& acting) {
+  const bool isOfRows = !acting.regionKind && !acting.target && !acting.members && !acting.isWhole;
+  cow_String text = acting.magnitude                       ? inps_plainNumber(*acting.magnitude)
+                    : acting.isFixed                       ? "fixed"
+                    : acting.restraint.empty() && isOfRows ? "by row"
+                                                           : "";
+  return acting.isImaginary ? text + " imaginary" : text;
+}
+
 inps_TextTable<kColumns>::Row rowOf(const Acting& acting) {
   cow_String components = acting.components;
   if (acting.isAlongLocalAxes) components += (components.empty() ? "" : ", ") + cow_String("local");
-  const bool isOfRows = !acting.regionKind && !acting.target && !acting.members && !acting.isWhole;
-  cow_String magnitude = acting.magnitude ? inps_plainNumber(*acting.magnitude)
-                         : acting.restraint.empty() && isOfRows ? "by row"
-                                                                : "";
-  if (acting.isImaginary) magnitude += " imaginary";
   return {acting.keyword,
           inps_oneLine(regionText(acting)),
           inps_oneLine(fieldText(acting)),
           components,
-          magnitude,
+          magnitudeText(acting),
           inps_oneLine(amplitudeText(acting)),
           std::to_string(acting.fromStep),
           acting.how,
-          inps_oneLine(acting.loadCase)};
+          inps_oneLine(loadCaseText(acting))};
 }
 
 void printStep(aio_ostream& out, inpS_InForceDescription& inForce, const KvoSimPosition& step) {
@@ -124,7 +135,10 @@ inps_Json jsonOf(const Acting& acting) {
   one["fromStep"] = acting.fromStep;
   one["how"] = acting.how;
   one["loadCase"] = text(acting.loadCase);
+  one["loadCaseNumber"] =
+      acting.loadCaseNumber ? inps_Json(*acting.loadCaseNumber) : inps_Json(nullptr);
   one["imaginary"] = acting.isImaginary;
+  one["fixed"] = acting.isFixed;
   return one;
 }
 

@@ -23,6 +23,7 @@ constexpr Row table[] = {{Kind::TemperatureField, 1, "value"},
                          {Kind::MotionRotation, 1, "magnitude"},
                          {Kind::SubstructureLoad, 2, "factor"},
                          {Kind::NodeRadiation, 3, "emissivity"},
+                         {Kind::NodeFilm, 3, "coefficient"},
                          {Kind::IncidentWave, 1, "magnitude"},
                          {Kind::InitialTemperature, 1, "value"},
                          {Kind::InitialField, 1, "value"},
@@ -71,6 +72,7 @@ inpS_ValueLines::inpS_ValueLines(eds_RecordKind form, int dimensions)
   m_column = row.column;
   m_what = row.what;
   m_isAny = row.isAny;
+  m_hasProperty = form == Kind::NodeFilm;
 }
 
 // Where the form has no such parameter, it gives nothing.
@@ -101,7 +103,8 @@ std::optional<inpS_LineFault> inpS_ValueLines::FaultOf(const inpS_LineView& line
     return inpS_LineFault{0, "Mode " + line.Text(0) + " is none: modes are numbered from 1 on."};
   if (m_hasAxis && isSamePoint([&](int col) { return line.Real(col); }))
     return inpS_LineFault{-1, "The two points of the axis are the same."};
-  if (line.Has(m_column)) return {};
+  const auto behind = static_cast<std::size_t>(m_column) + 1;
+  if (line.Has(m_column) || (m_hasProperty && line.slots[behind] != inp_blankInt)) return {};
   for (int col = m_column; m_isAny && col < line.data.Cols(line.row); ++col)
     if (line.Has(col)) return {};
   return inpS_LineFault{-1, "The line gives no " + m_what + ", which is 0.", false, false};

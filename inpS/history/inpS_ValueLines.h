@@ -22,4 +22,5 @@ private:
   int m_column;
   cow_String m_what;
   bool m_isAny;
+  bool m_hasProperty; // in the place of the value, or behind it
 };

@@ -113,6 +113,9 @@ inpS_ActingDescription inpS_InForceDescription::Describe(const Relay& relay, lon
     DescribeGiven(given, runs, told);
   if (const auto loadCase = of.GetReference(eds_Excitation_LoadCase); !loadCase.IsNull())
     told.loadCase = NameOf(loadCase).empty() ? "unnamed" : NameOf(loadCase);
+  if (!of.IsMemberNull(eds_Excitation_LoadCaseNumber))
+    told.loadCaseNumber = of.GetInt64(eds_Excitation_LoadCaseNumber);
+  told.isFixed = of.GetBool(eds_Excitation_Fixed);
   told.isAlongLocalAxes = !of.GetReference(eds_Excitation_Transform).IsNull();
   told.isImaginary = of.GetBool(eds_Excitation_Imaginary);
   return told;

@@ -37,7 +37,9 @@ struct inpS_ActingDescription {
   long long fromStep = 0;        // 0: before the first
   const char* how = "given";     // "carried", "held"
   cow_String loadCase;
+  std::optional<long long> loadCaseNumber; // that LOAD CASE= gives
   bool isImaginary = false;
+  bool isFixed = false; // what is there stays
 };
 
 // Reads the excitations and relays of a model once, then tells of any step.
