@@ -367,7 +367,7 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOfWords(const inp_Keyword& keyword,
   for (const cow_String& name : unknown)
     all = std::max(all, form ? LossOf(*form, name) : Loss::Keyword);
   for (const cow_String& name : unknown)
-    TellLost(keyword, name, "The value is none of its words.",
+    TellLost(keyword, name, "Its value is no word of the language.",
              form && all != Loss::Keyword ? LossOf(*form, name) : all, true);
   return all;
 }
