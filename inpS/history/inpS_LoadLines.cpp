@@ -161,7 +161,7 @@ inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
   }
   const auto [known, isNew] = label.sets.try_emplace(target, nullptr);
   if (!isNew) return known->second;
-  const cow_List<Type> types = m_elements.TypesOf(m_record, static_cast<std::size_t>(-1 - target));
+  const cow_List<Type>& types = m_elements.TypesOf(m_record, static_cast<std::size_t>(-1 - target));
   const auto takes = [&](Type type) { return Takes(label, type); };
   const bool isOfBody = label.found.rows.front()->part == inpS_LoadedPart::Body;
   if (isOfBody && std::ranges::any_of(types, takes)) return nullptr;

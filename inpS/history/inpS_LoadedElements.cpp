@@ -20,11 +20,19 @@ int inpS_LoadedElements::TypeOf(long long element) {
 }
 
 // A set of a part stands in an instance behind the elements of others.
-cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimPosition& record,
-                                                                 std::size_t set) {
+const cow_List<inpS_LoadedElements::Type>&
+inpS_LoadedElements::TypesOf(const KvoSimPosition& record, std::size_t set) {
   const KvoSimDataRecord target = record.GetVector(eds_Member::Targets)[set].DataRecord();
   const KvoSimPosition named = target.GetReference(eds_Target_Set);
   const KvoSimPosition instance = target.GetReference(eds_Target_Instance);
+  const auto [known, isNew] = m_ofTargets.try_emplace(
+      std::pair(named.Object().Packed(), instance.IsNull() ? 0 : instance.Object().Packed()));
+  if (isNew) known->second = TypesOf(named, instance);
+  return known->second;
+}
+
+cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimPosition& named,
+                                                                 const KvoSimPosition& instance) {
   if (named.IsA(eds_RecordKind::Surface)) return TypesOf(KvoObjSurface(named), instance);
   const KvoSimDataRecord elements = named.DataRecord();
   const bool isOfPart = elements.GetReference(eds_ElementSet_Owner).IsA(eds_RecordKind::Part);
