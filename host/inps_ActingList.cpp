@@ -62,25 +62,37 @@ cow_String originText(const Acting& acting) {
   return text + (text.empty() ? "times " : ", times ") + inps_plainNumber(*acting.scale);
 }
 
+// "HOT", "2", "cyclic mode 1"; "HOT, 2" of a keyword with LOAD CASE=2 within *LOAD CASE, NAME=HOT
+cow_String loadCaseText(const Acting& acting) {
+  const cow_String number =
+      acting.loadCaseNumber ? std::to_string(*acting.loadCaseNumber) : cow_String();
+  cow_String text =
+      acting.loadCase + (acting.loadCase.empty() || number.empty() ? "" : ", ") + number;
+  if (!acting.cyclicMode) return text;
+  return text + (text.empty() ? "" : ", ") + "cyclic mode " + std::to_string(*acting.cyclicMode);
+}
+
+cow_String magnitudeText(const Acting& acting) {
+  const bool isOfRows = !acting.regionKind && !acting.target && !acting.members && !acting.isWhole;
+  cow_String text = acting.magnitude ? inps_plainNumber(*acting.magnitude) : originText(acting);
+  if (text.empty() && acting.restraint.empty() && isOfRows) text = "by row";
+  return acting.isImaginary ? text + " imaginary" : text;
+}
+
 inps_TextTable<kColumns>::Row rowOf(const Acting& acting) {
   cow_String components = acting.components;
   if (acting.isAlongLocalAxes) components += (components.empty() ? "" : ", ") + cow_String("local");
-  const bool isOfRows = !acting.regionKind && !acting.target && !acting.members && !acting.isWhole;
-  cow_String magnitude =
-      acting.magnitude ? inps_plainNumber(*acting.magnitude) : originText(acting);
-  if (magnitude.empty() && acting.restraint.empty() && isOfRows) magnitude = "by row";
-  if (acting.isImaginary) magnitude += " imaginary";
   cow_String region = regionText(acting);
   if (!acting.base.empty() && !acting.isWhole) region += ", base " + acting.base;
   return {acting.keyword,
           inps_oneLine(region),
           inps_oneLine(fieldText(acting)),
           components,
-          magnitude,
+          magnitudeText(acting),
           inps_oneLine(amplitudeText(acting)),
           std::to_string(acting.fromStep),
           acting.how,
-          inps_oneLine(acting.loadCase)};
+          inps_oneLine(loadCaseText(acting))};
 }
 
 void printStep(aio_ostream& out, inpS_InForceDescription& inForce, const KvoSimPosition& step) {
@@ -151,7 +163,10 @@ inps_Json jsonOf(const Acting& acting) {
   one["fromStep"] = acting.fromStep;
   one["how"] = acting.how;
   one["loadCase"] = text(acting.loadCase);
+  one["loadCaseNumber"] =
+      acting.loadCaseNumber ? inps_Json(*acting.loadCaseNumber) : inps_Json(nullptr);
   one["imaginary"] = acting.isImaginary;
+  one["cyclicMode"] = acting.cyclicMode ? inps_Json(*acting.cyclicMode) : inps_Json(nullptr);
   return one;
 }
 

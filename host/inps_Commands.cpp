@@ -104,13 +104,16 @@ constexpr inps_Command commands[] = {
      "MESH beside it.\n"
      "With --step, nodes have what acts on them in that step: Force and Moment (the sum of "
      "loads),\n"
-     "FixedDofs (bit 0: degree of freedom 1), Displacement and Rotation (or Velocity, "
-     "Acceleration\n"
-     "and so on), as prescribed, Temperature; vectors are in global components, numbers none "
-     "where\n"
-     "nothing is prescribed. Faces with a pressure are blocks with an array Pressure. Magnitudes "
-     "are\n"
-     "those of the deck, before amplitudes. What has no array is told.\n"
+     "FixedDofs (bit 0: degree of freedom 1; VelocityDofs and AccelerationDofs: those of which "
+     "that\n"
+     "is prescribed), Displacement and Rotation (or Velocity, Acceleration and so on), as "
+     "prescribed,\n"
+     "Temperature. Vectors are in global components, and 0 where nothing is prescribed; arrays "
+     "of\n"
+     "numbers, such as Temperature, have none there (NaN). Faces with a pressure are blocks with "
+     "an\n"
+     "array Pressure. Magnitudes are those of the deck, before amplitudes. Load cases, by name or\n"
+     "number, have blocks of their own. What has no array is told.\n"
      "A deck is taken too. With - for MESH.vtu the mesh goes to standard output.",
      exportOptions, exportExamples, inps_export, 1},
     {"check", "DECK|MODEL.sim...", 1, anyNumber, "report every problem, make no file",

@@ -85,14 +85,21 @@ bool inps_NodalConditions::Add(const Kind& kind, uint64_t degrees, const eds_Mem
       there = row.isAdded ? there + value : value;
     });
   }
-  if (kind.keyword == "BOUNDARY") Hold(degrees, nodes);
+  if (kind.keyword == "BOUNDARY") Hold(degrees, nodes, kind.type);
   return true;
 }
 
-void inps_NodalConditions::Hold(uint64_t degrees, const eds_MemberSet& nodes) {
-  const auto bits = static_cast<int32_t>(degrees & 0x3fffffff); // of 1 to 30
-  m_fixed.resize(static_cast<std::size_t>(m_mesh.NodeCount()), 0);
-  ForNodes(nodes, [&](int32_t node) { m_fixed[static_cast<std::size_t>(node)] |= bits; });
+void inps_NodalConditions::Hold(uint64_t degrees, const eds_MemberSet& nodes,
+                                std::string_view type) {
+  const auto mark = [&](const char* name) {
+    const auto bits = static_cast<int32_t>(degrees & 0x3fffffff); // of 1 to 30
+    std::vector<int32_t>& mask = m_masks[name];
+    mask.resize(static_cast<std::size_t>(m_mesh.NodeCount()), 0);
+    ForNodes(nodes, [&](int32_t node) { mask[static_cast<std::size_t>(node)] |= bits; });
+  };
+  mark("FixedDofs");
+  if (type == "VELOCITY") mark("VelocityDofs");
+  if (type == "ACCELERATION") mark("AccelerationDofs");
 }
 
 void inps_NodalConditions::Finish() {
@@ -111,8 +118,9 @@ void inps_NodalConditions::MarkNodes(inps_NodeSelection& selection) const {
   for (const auto& [name, channel] : m_channels)
     for (std::size_t node = 0; node < channel.places.size(); ++node)
       if (channel.places[node] >= 0) selection.Add(static_cast<int32_t>(node));
-  for (std::size_t node = 0; node < m_fixed.size(); ++node)
-    if (m_fixed[node] != 0) selection.Add(static_cast<int32_t>(node));
+  for (const auto& [name, mask] : m_masks)
+    for (std::size_t node = 0; node < mask.size(); ++node)
+      if (mask[node] != 0) selection.Add(static_cast<int32_t>(node));
 }
 
 // A vector is zero where nothing acts; a number is none there.
@@ -138,10 +146,12 @@ void inps_NodalConditions::AddTo(inps_VtuGrid& grid, const inps_NodeSelection& n
         },
         static_cast<int>(width)));
   }
-  if (m_fixed.empty()) return;
-  grid.pointData.push_back(inps_vtuArray<int32_t>(
-      "FixedDofs", "Int32", nodes.Count(), [this, &nodes](int64_t first, std::span<int32_t> out) {
-        nodes.Copy(first, out);
-        for (int32_t& node : out) node = m_fixed[static_cast<std::size_t>(node)];
-      }));
+  for (const auto& [name, held] : m_masks) {
+    const std::vector<int32_t>* mask = &held;
+    grid.pointData.push_back(inps_vtuArray<int32_t>(
+        name, "Int32", nodes.Count(), [mask, &nodes](int64_t first, std::span<int32_t> out) {
+          nodes.Copy(first, out);
+          for (int32_t& node : out) node = (*mask)[static_cast<std::size_t>(node)];
+        }));
+  }
 }

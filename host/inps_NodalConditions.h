@@ -26,11 +26,11 @@ public:
   // value. Nodes that the mesh does not have are passed over. False: some degree has no array, and
   // nothing is added.
   bool Add(const Kind& kind, uint64_t degrees, const eds_MemberSet& nodes, double value);
-  // Degrees of freedom that are zero, or keep what they have.
-  void Hold(uint64_t degrees, const eds_MemberSet& nodes);
+  // Degrees of freedom that are zero, or keep what they have; type: of what is held.
+  void Hold(uint64_t degrees, const eds_MemberSet& nodes, std::string_view type = {});
   void Finish(); // after the last of them, before anything below
 
-  bool IsEmpty() const { return m_channels.empty() && m_fixed.empty(); }
+  bool IsEmpty() const { return m_channels.empty() && m_masks.empty(); }
   void MarkNodes(inps_NodeSelection& selection) const; // those on which anything acts
   // The grid refers to this and to the nodes.
   void AddTo(inps_VtuGrid& grid, const inps_NodeSelection& nodes) const;
@@ -48,5 +48,7 @@ private:
   const inps_FlatMesh& m_mesh;
   inps_NodeAxes m_axes;
   cow_Map<cow_String, Channel> m_channels; // by name
-  std::vector<int32_t> m_fixed;            // by node; empty: none is
+  // Degrees that are held or moved, by node: "FixedDofs" has all of them, "VelocityDofs" and
+  // "AccelerationDofs" those of which that is prescribed and not the displacement.
+  cow_Map<cow_String, std::vector<int32_t>> m_masks;
 };

@@ -43,7 +43,7 @@ std::optional<eds_SurfaceFace> faceOf(std::string_view label) {
 inps_StepConditions::inps_StepConditions(const inps_FlatMesh& mesh, const KvoObjDocument& document,
                                          int step)
     : m_mesh(mesh), m_document(document), m_keywords(keywordNames()), m_kept(document) {
-  PartOf({});
+  PartOf({}, {});
   inpS_ActingConditions(document, step).ForAll([this](const Acting& acting) {
     if (!(acting.record == m_given.record)) Read(acting);
     Add(acting);
@@ -69,13 +69,14 @@ bool inps_StepConditions::IsEmpty() const {
 }
 
 // In the order in which something is found in them.
-inps_StepConditions::Part* inps_StepConditions::PartOf(const KvoSimPosition& loadCase) {
-  const auto [known, isNew] =
-      m_ofLoadCases.try_emplace(loadCase.IsNull() ? 0 : loadCase.Object().Packed());
+inps_StepConditions::Part* inps_StepConditions::PartOf(const KvoSimPosition& loadCase,
+                                                       std::optional<int> number) {
+  const auto [known, isNew] = m_ofLoadCases.try_emplace(
+      std::pair(loadCase.IsNull() ? 0 : loadCase.Object().Packed(), number));
   if (!isNew) return known->second;
-  const cow_String given = loadCase.IsNull() ? cow_String() : loadCase.Name();
-  const cow_String name =
-      loadCase.IsNull() || !given.empty() ? given : std::to_string(m_parts.size());
+  cow_String name = loadCase.IsNull() ? cow_String() : loadCase.Name();
+  if (!loadCase.IsNull() && name.empty()) name = "unnamed " + std::to_string(m_parts.size());
+  if (number) name += (name.empty() ? "" : " ") + std::to_string(*number);
   m_parts.push_back(std::make_unique<Part>(Part{name, inps_NodalConditions(m_mesh, m_document)}));
   return known->second = m_parts.back().get();
 }
@@ -83,7 +84,9 @@ inps_StepConditions::Part* inps_StepConditions::PartOf(const KvoSimPosition& loa
 void inps_StepConditions::Read(const Acting& acting) {
   const inpS_ExcitationKind& kind = acting.kind;
   const KvoSimDataRecord record = acting.record.DataRecord();
-  m_part = PartOf(acting.loadCase);
+  const bool hasNumber = kind.loadCase >= 0 && !record.IsMemberNull(kind.loadCase);
+  m_part = PartOf(acting.loadCase,
+                  hasNumber ? std::optional(record.GetInt(kind.loadCase)) : std::nullopt);
   m_given = {
       acting.record, m_keywords.at(static_cast<std::size_t>(kind.number)), {}, 1, false, false, {}};
   if (kind.type >= 0) m_given.type = record.GetString(kind.type);
@@ -122,7 +125,7 @@ bool inps_StepConditions::AddToNodes(const Acting& acting) {
   }
   if (!m_given.unknown.empty()) { // which is told
     if (!m_part->nodes.Add(kind, acting.degrees, nodes, kNone))
-      m_part->nodes.Hold(acting.degrees, nodes);
+      m_part->nodes.Hold(acting.degrees, nodes, m_given.type);
     return true;
   }
   if (acting.restraint < 0) {

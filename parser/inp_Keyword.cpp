@@ -1,6 +1,7 @@
 #include "parser/inp_Keyword.h"
 #include "base/utl_Assert.h"
 #include "base/utl_Controls.h"
+#include "parser/inp_Doubts.h"
 #include "parser/inp_KeywordTable.h"
 #include "parser/inp_TextLines.h"
 #include <algorithm>
@@ -123,6 +124,17 @@ bool inp_Keyword::LeaveUnread(std::string_view name) const {
   if (!parameter) return false;
   parameter->referred = false;
   return !std::exchange(parameter->told, true);
+}
+
+bool inp_Keyword::IsDoubted(std::string_view name) const {
+  const inp_Parameter* parameter = findParameter(bodyOf(*this), name);
+  return parameter && parameter->doubted;
+}
+
+cow_String inp_Keyword::TakeDoubt(std::string_view name) const {
+  const inp_Parameter* parameter = findParameter(bodyOf(*this), name);
+  if (!parameter || !std::exchange(parameter->doubted, false)) return {};
+  return inp_doubtOf(bodyOf(*this), *parameter);
 }
 
 void inp_Keyword::ReferAll() const {

@@ -25,6 +25,9 @@ struct inp_Parameter {
   int width = 0;
   mutable bool referred = false; // some reader looked at it, and took it
   mutable bool told = false;     // what is wrong with it has been said
+  // Its value is empty, or none of its words, which nobody has said yet: that is for who knows what
+  // it costs. A message at the parameter begins with it.
+  mutable bool doubted = false;
 };
 
 class inp_Keyword;
@@ -64,6 +67,8 @@ public:
   const cow_List<inp_Parameter>& Parameters() const;
   // The parameter's value was not taken; false when what is wrong with it has been said before.
   bool LeaveUnread(std::string_view name) const;
+  bool IsDoubted(std::string_view name) const;
+  cow_String TakeDoubt(std::string_view name) const; // the text of it, once; empty: there is none
   void ReferAll() const; // the whole keyword has been dealt with (kept verbatim)
 
   const inp_DataArray& Data() const;

@@ -54,12 +54,6 @@ cow_String quoted(std::string_view name) {
   return '"' + inp_printable(name, shownName) + '"';
 }
 
-cow_String listed(std::span<const std::string_view> words) {
-  cow_String text;
-  for (const std::string_view word : words) text += (text.empty() ? "" : ", ") + cow_String(word);
-  return text;
-}
-
 } // namespace
 
 inp_KeywordReader::inp_KeywordReader(cow_List<wip_Message>& errors, cow_List<wip_Message>& warnings)
@@ -265,15 +259,12 @@ void inp_KeywordReader::ReadParameter(std::string_view token, const Line& line) 
     if (value.empty()) {
       const auto words = m_table.WordsOf(m_body->kind, parameter.name);
       parameter.told = parameter.told || !words.empty(); // as a word that is none of them
-      m_warnings.push_back(Message("parameter " + quoted(spelt) +
-                                       " has no value behind its equal sign" +
-                                       (words.empty() ? "" : "; it is one of " + listed(words)),
-                                   token, line));
+      parameter.doubted = true;
     }
     parameter.value = NamesFile(parameter.name)
                           ? inp_Item::FromText(inp_Utils::RemoveQuotes(value), value)
                           : inp_Item::FromText(inp_Utils::Fold(value), value);
-    if (!value.empty()) CompleteValue(parameter, line);
+    if (!value.empty()) CompleteValue(parameter);
   }
   Add(std::move(parameter), spelt, line);
 }
@@ -326,8 +317,8 @@ cow_String inp_KeywordReader::CanonicalName(std::string_view spelt, const Line& 
 }
 
 // A value may be shortened as names may, where the language has words for it. What is none of them
-// stays as it is: whoever reads the keyword says what becomes of it.
-void inp_KeywordReader::CompleteValue(inp_Parameter& parameter, const Line& line) {
+// stays as it is: whoever reads the keyword says so, and what becomes of it.
+void inp_KeywordReader::CompleteValue(inp_Parameter& parameter) {
   using Kind = inp_WordMatch::Kind;
   const inp_WordMatch match =
       m_table.ResolveWord(m_body->kind, parameter.name, parameter.value.AsString());
@@ -338,13 +329,7 @@ void inp_KeywordReader::CompleteValue(inp_Parameter& parameter, const Line& line
     parameter.value = inp_Item::FromText(inp_KeywordTable::BareWord(match.word), verbatim);
     return;
   }
-  const cow_String words = listed(match.candidates);
-  const std::string_view token(parameter.at, static_cast<std::size_t>(parameter.width));
-  parameter.told = true;
-  m_warnings.push_back(
-      Message(quoted(token) + " of *" + m_body->name +
-                  (match.kind == Kind::Ambiguous ? " may stand for " : " is none of ") + words,
-              token, line));
+  parameter.told = parameter.doubted = true;
 }
 
 // A keyword line that ends in a comma goes on with the next line that is no comment; where a

@@ -39,7 +39,7 @@ private:
   void ReadParameter(std::string_view token, const Line& line);
   void Add(inp_Parameter parameter, std::string_view spelt, const Line& line);
   cow_String CanonicalName(std::string_view spelt, const Line& line, bool& told);
-  void CompleteValue(inp_Parameter& parameter, const Line& line);
+  void CompleteValue(inp_Parameter& parameter);
   void CheckCharacters(const Line& line);
   std::string_view Spelt(std::string_view name) const;
   bool FindContinuation(Line& line);

@@ -90,6 +90,8 @@ wip_Message inp_Utils::MessageInKeyword(const inp_Keyword& keyword, cow_String t
 
 wip_Message inp_Utils::MessageAtParameter(const inp_Keyword& keyword, std::string_view parameter,
                                           cow_String text) {
+  if (const cow_String doubt = keyword.TakeDoubt(parameter); !doubt.empty())
+    text = doubt + (text.empty() ? "" : text.starts_with(' ') ? "." : ". ") + text;
   return located(keyword, std::move(text), keyword.PlaceOfParameter(parameter));
 }
 

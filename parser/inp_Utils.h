@@ -14,6 +14,7 @@ public:
                                       const cow_List<cow_String>& items);
   static wip_Message MessageInKeyword(const inp_Keyword& keyword, cow_String text,
                                       const cow_List<int>& items);
+  // Begins with what is wrong with the parameter's value, if nobody has said it yet.
   static wip_Message MessageAtParameter(const inp_Keyword& keyword, std::string_view parameter,
                                         cow_String text);
   static wip_Message MessageAtRow(const inp_Keyword& keyword, long long row, cow_String text);

@@ -8,12 +8,14 @@
 #include "inpS/driver/inpS_UnSupportedFeatureVisitor.h"
 #include "inpS/forms/inpS_FormTable.h"
 #include "inpS/framework/inpS_MemoryDoor.h"
+#include "inpS/keywords/inpS_ParameterBinding.h"
 #include "inpS/messages/inpS_MessageContainer.h"
 #include "inpS/sets/inpS_SurfaceVisitor.h"
 #include "parser/inp_KeywordExpansionVisitor.h"
 #include "parser/inp_OrganizerVisitor.h"
 #include "parser/inp_Parser.h"
 #include "parser/inp_Utf8ValidityVisitor.h"
+#include "parser/inp_Utils.h"
 #include <algorithm>
 
 inpS_Inp2Sim::inpS_Inp2Sim(const cow_String& deckPath, const cow_String& directory,
@@ -35,7 +37,10 @@ bool inpS_Inp2Sim::Parse() try {
   wip_WIPBase& host = wip_WIPBase::Instance();
   // All that the text tells is told in one run. Its faults leave keywords behind, so that a host
   // may look for what else there is; without one of its files a deck's model tells nothing.
-  if (!parser.FileErrors().empty()) m_keywords.clear();
+  if (!parser.FileErrors().empty()) {
+    TellDoubts();
+    m_keywords.clear();
+  }
   for (const auto* errors : {&parser.FileErrors(), &parser.SyntaxErrors(), &parser.Slips()})
     if (!errors->empty()) host.ErrorList(*errors, 1);
   if (!parser.Warnings().empty()) host.WarningList(parser.Warnings());
@@ -143,6 +148,7 @@ bool inpS_Inp2Sim::Derive() {
 }
 
 void inpS_Inp2Sim::End() {
+  TellDoubts();
   m_ledger.Close();
   ListUnreadParameters();
 }
@@ -178,6 +184,24 @@ bool inpS_Inp2Sim::Convert(const KvoObjDocument& document) try {
   return converted && kept && derived;
 } catch (...) {
   inpS_passOn();
+}
+
+// What the parser found wrong with values, and nobody has told with what it costs.
+void inpS_Inp2Sim::TellDoubts() {
+  inp_Visitor messages;
+  for (const inp_Keyword& keyword : m_keywords) {
+    if (keyword.IsInstanceCopy()) continue; // the same as its original
+    if (std::ranges::none_of(keyword.Parameters(), &inp_Parameter::doubted)) continue;
+    const auto unknown = inpS_unknownWords(keyword);
+    for (const inp_Parameter& parameter : keyword.Parameters()) {
+      if (!parameter.doubted) continue;
+      const bool isKept =
+          m_ledger.RecordOf(keyword) && std::ranges::find(unknown, parameter.name) != unknown.end();
+      messages.AddWarning(inp_Utils::MessageAtParameter(keyword, parameter.name,
+                                                        isKept ? "It is kept as it stands." : ""));
+    }
+  }
+  messages.Report();
 }
 
 // Every look-up marks its parameter; what no reader asked for is not in the model.
@@ -240,6 +264,7 @@ bool inpS_Inp2Sim::ConvertSubstructureRecovery(const KvoObjDocument& document,
       ofSteps.push_back(keyword);
   if (!ofSteps.empty()) KeepVerbatim(true, ofSteps);
   Derive();
+  TellDoubts();
   return true;
 } catch (...) {
   inpS_passOn();

@@ -91,6 +91,7 @@ private:
   bool ProcessModel();
   bool ProcessAssembly();
   void ListUnreadParameters();
+  void TellDoubts();
   // The keywords that nobody has taken.
   bool KeepVerbatim(bool restart, const inp_KeywordList& keywords);
   bool ReadNodeLabeler(Labelers& labelers);

@@ -54,6 +54,7 @@ inpS_ColumnReader::inpS_ColumnReader(const inp_Keyword& keyword, const eds_FormI
     if (item.wordsField >= 0) m_words[c].emplace();
     m_columns.emplace_back(record, item);
   }
+  if (m_endsInTexts && m_words.back()) m_words.back()->PassOverNumbers();
 }
 
 bool inpS_ColumnReader::Read() {
@@ -64,6 +65,7 @@ bool inpS_ColumnReader::Read() {
   for (std::size_t c = 0; c < m_words.size(); ++c)
     if (m_words[c]) m_words[c]->Store(m_record.DataRecord(), m_form.columnItems[c].wordsField);
   m_record.DataRecord().SetInt(m_form.rowsField, m_rows);
+  if (m_endsInTexts && m_words.back() && m_words.back()->HasPassedOver()) m_isWhole = false;
   if (!m_isWhole || m_hasFaults) TellFaults();
   return m_isWhole;
 }
@@ -312,7 +314,11 @@ cow_String inpS_ColumnReader::FaultOf(long long row, int& col) {
 // The first value of a line that has more than it can have; -1: it has not.
 int inpS_ColumnReader::SurplusOf(long long row) const {
   const inp_DataArray& data = m_keyword.Data();
-  for (int col = static_cast<int>(m_types.size()); col < data.Cols(row); ++col)
+  const int last = static_cast<int>(m_types.size()) - 1;
+  if (m_endsInTexts && last < data.Cols(row) && data.HasValue(row, last) &&
+      inpS_ColumnWords::IsNumber(data.AsStringVerbatim(row, last)))
+    return last; // and no text
+  for (int col = last + 1; col < data.Cols(row); ++col)
     if (data.HasValue(row, col)) return col;
   return -1;
 }

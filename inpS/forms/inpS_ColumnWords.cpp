@@ -1,5 +1,6 @@
 #include "inpS/forms/inpS_ColumnWords.h"
 #include "base/utl_Controls.h"
+#include "base/utl_Number.h"
 #include "inpS/forms/inpS_ColumnTargets.h"
 #include "parser/inp_Utils.h"
 
@@ -9,10 +10,19 @@ void inpS_ColumnWords::TranslateNames(const inp_ColumnPiece& piece, std::span<in
 
 int inpS_ColumnWords::Of(std::string_view word) {
   if (utl_findControl(word) != std::string_view::npos) return inpS_noTarget;
+  if (m_passesOver && IsNumber(word)) {
+    m_hasPassedOver = true;
+    return inp_blankInt;
+  }
   const auto [known, isNew] =
       m_places.try_emplace(inp_Utils::Fold(word), -1 - static_cast<int>(m_words.size()));
   if (isNew) m_words.push_back(known->first);
   return known->second;
+}
+
+bool inpS_ColumnWords::IsNumber(std::string_view word) {
+  const utl_FieldKind kind = utl_classifyField(word).kind;
+  return kind == utl_FieldKind::Integer || kind == utl_FieldKind::Double;
 }
 
 // Words with commas between; in quotes, and with its own ones doubled, what holds one or the other.

@@ -11,7 +11,13 @@ class inpS_ColumnWords {
 public:
   // The codes of a piece's names become those of words.
   void TranslateNames(const inp_ColumnPiece& piece, std::span<int> slots);
-  int Of(std::string_view word); // as written; inpS_noTarget: it holds what the store keeps none of
+  // As written. inpS_noTarget: it holds what the store keeps none of; blank: it is a number that is
+  // passed over.
+  int Of(std::string_view word);
+  // Where words may take the place of numbers, a number is no word.
+  void PassOverNumbers() { m_passesOver = true; }
+  bool HasPassedOver() const { return m_hasPassedOver; }
+  static bool IsNumber(std::string_view word);
   // Into the field of the record, with commas between.
   void Store(KvoSimDataRecord record, int field) const;
   const cow_List<cow_String>& All() const { return m_words; }
@@ -21,6 +27,8 @@ private:
   cow_List<cow_String> m_words;
   std::unordered_map<cow_String, int> m_places; // of words as they are kept
   inpS_NameCodes m_codes;
+  bool m_passesOver = false;
+  bool m_hasPassedOver = false;
 };
 
 // Whether the last column is of texts and the one before it of reals: a text may take the place of

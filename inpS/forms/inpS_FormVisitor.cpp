@@ -29,13 +29,6 @@ cow_String nameOf(inp_KeywordEnm keyword) {
   return "*" + cow_String(inp_KeywordTable::Instance().Row(keyword)->name);
 }
 
-// "OP=NWE"
-cow_String wordOf(const inp_Keyword& keyword, const cow_String& parameter) {
-  for (const inp_Parameter& one : keyword.Parameters())
-    if (one.name == parameter) return inpS_spelledName(one) + "=" + one.value.Verbatim();
-  return parameter;
-}
-
 // Whether some of the keywords is of the phase's blocks and has a name that others refer to.
 bool namesAny(inpS_Phase phase, inp_KeywordListRef keywords) {
   const inpS_FormTable& forms = inpS_FormTable::Instance();
@@ -300,9 +293,10 @@ void inpS_FormVisitor::TellRequired(const inp_Keyword& keyword, const cow_String
 // What it names may be a keyword that is kept as text itself: no error.
 void inpS_FormVisitor::TellMissing(const inp_Keyword& keyword, const cow_String& parameter,
                                    const eds_Referable& referable, const cow_String& name) {
-  Tell(keyword, inp_Utils::MessageAtParameter(keyword, parameter,
-                                              m_names.TextOfMissing(referable, name) +
-                                                  " The keyword is kept as text."));
+  const cow_String fault =
+      keyword.IsDoubted(parameter) ? cow_String() : m_names.TextOfMissing(referable, name);
+  Tell(keyword,
+       inp_Utils::MessageAtParameter(keyword, parameter, fault + " The keyword is kept as text."));
 }
 
 bool inpS_FormVisitor::IsErrorToLack(inp_KeywordEnm) const {
@@ -373,7 +367,7 @@ inpS_FormVisitor::Loss inpS_FormVisitor::LossOfWords(const inp_Keyword& keyword,
   for (const cow_String& name : unknown)
     all = std::max(all, form ? LossOf(*form, name) : Loss::Keyword);
   for (const cow_String& name : unknown)
-    TellLost(keyword, name, wordOf(keyword, name) + " says nothing.",
+    TellLost(keyword, name, "Its value is no word of the language.",
              form && all != Loss::Keyword ? LossOf(*form, name) : all, true);
   return all;
 }
@@ -386,8 +380,9 @@ void inpS_FormVisitor::TellLost(const inp_Keyword& keyword, const cow_String& pa
       " The parameter counts as not given, and is kept as it stands.",
       " The parameter and the lines are kept as they stand, and nothing is made of them.",
       " The keyword is kept as text."};
+  const cow_String own = keyword.IsDoubted(parameter) ? cow_String() : fault;
   wip_Message message =
-      inp_Utils::MessageAtParameter(keyword, parameter, fault + texts[static_cast<int>(loss)]);
+      inp_Utils::MessageAtParameter(keyword, parameter, own + texts[static_cast<int>(loss)]);
   if (isDoubt)
     AddWarning(std::move(message));
   else
@@ -473,9 +468,11 @@ void inpS_FormVisitor::ReadItem(const inp_Keyword& keyword, const inpS_Parameter
                                 const eds_FormItem& item, const inp_Item& value,
                                 KvoSimDataRecord record) {
   const cow_String fault = inpS_takeValue(item, inpS_FormValue::Of(value), m_names, record);
-  if (fault.empty() || !keyword.LeaveUnread(parameter.key)) return;
+  const bool isDoubted = keyword.IsDoubted(parameter.key);
+  if (fault.empty() || (!keyword.LeaveUnread(parameter.key) && !isDoubted)) return;
   wip_Message message = inp_Utils::MessageAtParameter(
-      keyword, parameter.key, parameter.name + ": " + fault + " It is kept as it stands.");
+      keyword, parameter.key,
+      (isDoubted ? "" : parameter.name + ": " + fault) + " It is kept as it stands.");
   const auto isText = [&](const eds_FormItem::Alternative& one) {
     const inp_KeywordEnm definer =
         one.referable ? inpS_FormTable::Instance().DefinerOf(*one.referable) : inp_NullKeyword;

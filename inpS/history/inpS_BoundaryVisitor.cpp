@@ -2,6 +2,7 @@
 #include "database/schema/eds_FormKind.h"
 #include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/history/inpS_ConditionParameters.h"
+#include "inpS/history/inpS_EmptyTargets.h"
 #include "inpS/history/inpS_ExcitationKind.h"
 #include "inpS/history/inpS_FluidLines.h"
 #include "inpS/history/inpS_NodalLines.h"
@@ -88,5 +89,6 @@ void inpS_BoundaryVisitor::Converted(const inp_Keyword& keyword, const inpS_Form
   const bool isTold = kind && (kind->twice == inpS_ExcitationKind::Twice::First ||
                                kind->key == inpS_ExcitationKind::Key::Words);
   if (m_places && isTold) m_places->Add(record, keyword, std::exchange(m_refused, {}));
+  inpS_tellEmptyTargets(keyword, *form.info, record, Names(), *this);
   inpS_FormVisitor::Converted(keyword, form, record);
 }

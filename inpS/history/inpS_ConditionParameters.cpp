@@ -21,10 +21,10 @@ void tellBelow(const inp_Keyword& keyword, const inpS_Form& form, const char* pa
                const char* name, long long least, inp_Visitor& messages) {
   const inp_Item* number = given(keyword, form, parameter);
   if (!number || !number->IsInteger() || number->AsInt() >= least) return;
-  messages.AddError(inp_Utils::MessageAtParameter(keyword, parameter,
-                                                  cow_String(name) + "=" + number->Verbatim() +
-                                                      " is below " + std::to_string(least) +
-                                                      ". It is kept as given."));
+  messages.AddError(inp_Utils::MessageAtParameter(
+      keyword, parameter,
+      cow_String(name) + "=" + number->Verbatim() + " is below " + std::to_string(least) +
+          ". It is kept as given, and the keyword acts all the same."));
 }
 
 // Of what values of a file are said: which of them, and how they come to this mesh.

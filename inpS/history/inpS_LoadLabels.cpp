@@ -148,17 +148,25 @@ std::string_view inpS_LoadLabel::LackOf(const inp_ElementInfo& type) const {
   if ((type.flags & fields) == 0) return {}; // nobody knows what it has
   switch (keyword) {
   case inp_KwDload:
+  case inp_KwDsload:
   case inp_KwFoundation:
     return type.Is(inp_ElemDisplacement) || isFlow ? "" : "displacements";
   case inp_KwDflux:
+  case inp_KwDsflux:
   case inp_KwFilm:
+  case inp_KwSfilm:
   case inp_KwRadiate:
+  case inp_KwSradiate:
     return type.Is(inp_ElemThermal) || isFlow ? "" : "temperatures";
   case inp_KwDflow:
+  case inp_KwDsflow:
   case inp_KwFlow:
+  case inp_KwSflow:
     return suffix.find('P') != suffix.npos ? "" : "pore pressure";
   case inp_KwDecharge:
+  case inp_KwDsecharge:
   case inp_KwDecurrent:
+  case inp_KwDsecurrent:
     return type.Is(inp_ElemElectromagnetic) ? "" : "electric potential";
   case inp_KwImpedance:
     return type.Is(inp_ElemAcoustic) ? "" : "acoustic pressure";
@@ -168,8 +176,10 @@ std::string_view inpS_LoadLabel::LackOf(const inp_ElementInfo& type) const {
 }
 
 bool inpS_LoadLabel::Takes(const inp_ElementInfo& type, int number) const {
-  if (families == Any || (type.flags & allFamilies) == 0) return true;
-  if (!IsOfFamily(type) || !LackOf(type).empty() || !NoDirectionOf(type).empty()) return false;
+  if ((type.flags & allFamilies) == 0) return true;
+  if (!LackOf(type).empty()) return false;
+  if (families == Any) return true;
+  if (!IsOfFamily(type) || !NoDirectionOf(type).empty()) return false;
   if (part != inpS_LoadedPart::Face && part != inpS_LoadedPart::Edge) return true;
   const bool hasEnds = type.Is(inp_ElemTruss) || type.Is(inp_ElemAcoustic);
   if (part == inpS_LoadedPart::Face && type.dimension == 1 && hasEnds && !type.Is(inp_ElemInfinite))
@@ -213,7 +223,7 @@ cow_String inpS_faultOfLoad(const inpS_FoundLabel& found, const cow_String& labe
   const inpS_LoadLabel& row = *found.rows.front();
   const cow_String elements = "elements of type " + cow_String(type.name);
   const std::string_view lack = row.LackOf(type);
-  const bool isOfFamily = row.IsOfFamily(type);
+  const bool isOfFamily = row.families == Any || row.IsOfFamily(type);
   if (isOfFamily && !lack.empty())
     return label + " makes no sense on " + elements + ": they have no " + cow_String(lack) + ".";
   for (const inpS_LoadLabel* one : found.rows)

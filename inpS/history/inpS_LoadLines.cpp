@@ -84,7 +84,6 @@ inpS_LoadLines::Label inpS_LoadLines::MakeLabel(const cow_String& text) const {
   label.needsValues = std::ranges::any_of(label.found.rows.front()->values,
                                           [](const auto& value) { return value.isRequired; });
   label.most = MostValues(label);
-  if (m_isOfSurfaces) return label;
   for (const Type type : m_elements.Types()) label.takes.push_back(Takes(label, type));
   label.needsTypes = std::ranges::find(label.takes, 0) != label.takes.end();
   return label;
@@ -162,7 +161,7 @@ inpS_LoadLines::Type inpS_LoadLines::TypeAgainst(Label& label, int target) {
   }
   const auto [known, isNew] = label.sets.try_emplace(target, nullptr);
   if (!isNew) return known->second;
-  const cow_List<Type> types = m_elements.TypesOf(m_record, static_cast<std::size_t>(-1 - target));
+  const cow_List<Type>& types = m_elements.TypesOf(m_record, static_cast<std::size_t>(-1 - target));
   const auto takes = [&](Type type) { return Takes(label, type); };
   const bool isOfBody = label.found.rows.front()->part == inpS_LoadedPart::Body;
   if (isOfBody && std::ranges::any_of(types, takes)) return nullptr;
@@ -250,7 +249,11 @@ std::optional<inpS_LineFault> inpS_LoadLines::FaultOf(const inpS_LineView& line)
   if (label.found.rows.empty())
     return inpS_LineFault{labelColumn,
                           inp_Utils::Format("Unsupported load type: %s", label.text.c_str())};
-  const auto valueAt = [&](int col) { return line.Has(col) ? line.Real(col) : inp_blankReal; };
+  // What stands behind the columns is told of any line.
+  const auto cols = static_cast<int>(line.slots.size());
+  const auto valueAt = [&](int col) {
+    return col < cols && line.Has(col) ? line.Real(col) : inp_blankReal;
+  };
   if (const inpS_LoadLabel::Value* missing = MissingOf(label, valueAt))
     return inpS_LineFault{-1, TextOf(label, *missing, line.Has(heightColumn))};
   if (cow_String lack = LackOf(label, line); !lack.empty())
@@ -272,7 +275,8 @@ cow_String inpS_LoadLines::LackOf(const Label& label, const inpS_LineView& line)
     return line.Has(firstValue) ? "" : "magnitude";
   const bool hasProperty =
       std::ranges::find(kindsWithProperty, m_keyword.Kind()) != std::end(kindsWithProperty);
-  if (line.Has(m_valueColumn) || (hasProperty && line.Has(m_valueColumn + 1))) return {};
+  const auto behind = static_cast<std::size_t>(m_valueColumn) + 1;
+  if (line.Has(m_valueColumn) || (hasProperty && line.slots[behind] != inp_blankInt)) return {};
   return spoken(values[static_cast<std::size_t>(m_valueColumn - firstValue)].name);
 }
 

@@ -2,6 +2,7 @@
 #include "inpS/forms/inpS_ColumnReader.h"
 #include "inpS/history/inpS_ConditionParameters.h"
 #include "inpS/history/inpS_DegreeLines.h"
+#include "inpS/history/inpS_EmptyTargets.h"
 #include "inpS/history/inpS_LoadLines.h"
 #include "inpS/history/inpS_NodalLines.h"
 #include "inpS/history/inpS_ValueLines.h"
@@ -81,16 +82,14 @@ bool inpS_LoadVisitor::IsErrorToLack(inp_KeywordEnm) const {
 
 bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                                    const KvoSimPosition& record) {
+  bool isWhole = false;
   if (keyword.Kind() == inp_KwCload) {
     inpS_ConcentratedLines lines(keyword, m_fluidSteps.Has(OpenStep()));
-    return lines.Read(form, record, Names(), *this);
-  }
-  if (inpS_DegreeLines::Has(form.kind)) {
+    isWhole = lines.Read(form, record, Names(), *this);
+  } else if (inpS_DegreeLines::Has(form.kind)) {
     inpS_DegreeLines lines(keyword, form.kind);
-    return inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
-  }
-  bool isWhole = false;
-  if (inpS_ValueLines::Has(keyword, form.kind)) {
+    isWhole = inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
+  } else if (inpS_ValueLines::Has(keyword, form.kind)) {
     inpS_ValueLines lines(form.kind, Inventory().NumberSpatialDimensions());
     isWhole = inpS_ColumnReader(keyword, form, record, Names(), *this, &lines).Read();
   } else if (inpS_hasLoadLabels(keyword.Kind())) {
@@ -100,6 +99,7 @@ bool inpS_LoadVisitor::ReadColumns(const inp_Keyword& keyword, const eds_FormInf
   } else {
     isWhole = inpS_FormVisitor::ReadColumns(keyword, form, record);
   }
+  inpS_tellEmptyTargets(keyword, form, record, Names(), *this);
   if (inpS_endsInTexts(form.columnItems)) CheckFilmProperties(keyword, form, record);
   return isWhole;
 }

@@ -20,11 +20,21 @@ int inpS_LoadedElements::TypeOf(long long element) {
 }
 
 // A set of a part stands in an instance behind the elements of others.
-cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimPosition& record,
-                                                                 std::size_t set) {
+const cow_List<inpS_LoadedElements::Type>&
+inpS_LoadedElements::TypesOf(const KvoSimPosition& record, std::size_t set) {
   const KvoSimDataRecord target = record.GetVector(eds_Member::Targets)[set].DataRecord();
-  const KvoSimDataRecord elements = target.GetReference(eds_Target_Set).DataRecord();
+  const KvoSimPosition named = target.GetReference(eds_Target_Set);
   const KvoSimPosition instance = target.GetReference(eds_Target_Instance);
+  const auto [known, isNew] = m_ofTargets.try_emplace(
+      std::pair(named.Object().Packed(), instance.IsNull() ? 0 : instance.Object().Packed()));
+  if (isNew) known->second = TypesOf(named, instance);
+  return known->second;
+}
+
+cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimPosition& named,
+                                                                 const KvoSimPosition& instance) {
+  if (named.IsA(eds_RecordKind::Surface)) return TypesOf(KvoObjSurface(named), instance);
+  const KvoSimDataRecord elements = named.DataRecord();
   const bool isOfPart = elements.GetReference(eds_ElementSet_Owner).IsA(eds_RecordKind::Part);
   const long long offset = isOfPart && !instance.IsNull()
                                ? instance.DataRecord().GetInt64(eds_Instance_FirstElement)
@@ -35,13 +45,30 @@ cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimPos
 cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoSimDataRecord& elements,
                                                                  long long offset) {
   const KvoSimCSet stored = elements.GetSet(eds_ElementSet_Membership);
-  cow_List<Type> types;
-  if (stored.IsNull()) return types;
-  const eds_MemberSet& members = stored.Set();
   cow_List<char> isIn(m_types.size(), 0);
+  if (!stored.IsNull()) Mark(stored.Set(), offset, isIn);
+  return Marked(isIn);
+}
+
+cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::TypesOf(const KvoObjSurface& surface,
+                                                                 const KvoSimPosition& instance) {
+  cow_List<char> isIn(m_types.size(), 0);
+  const bool isOfPart = !instance.IsNull() && surface.Owner().IsA(eds_RecordKind::Part);
+  const long long offset = isOfPart ? instance.DataRecord().GetInt64(eds_Instance_FirstElement) : 0;
+  if (surface.Type() == eds_SurfaceType::Element)
+    for (const KvoSurfaceFaces& faces : surface.Faces()) Mark(faces.elements, offset, isIn);
+  return Marked(isIn);
+}
+
+void inpS_LoadedElements::Mark(const eds_MemberSet& members, long long offset,
+                               cow_List<char>& isIn) {
   for (long long n = 0; n < members.Size(); ++n)
     if (const int type = TypeOf(members[n] + offset); type >= 0)
       isIn[static_cast<std::size_t>(type)] = 1;
+}
+
+cow_List<inpS_LoadedElements::Type> inpS_LoadedElements::Marked(const cow_List<char>& isIn) const {
+  cow_List<Type> types;
   for (std::size_t n = 0; n < m_types.size(); ++n)
     if (isIn[n]) types.push_back(m_types[n]);
   return types;

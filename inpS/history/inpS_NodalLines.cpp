@@ -29,10 +29,11 @@ bool isOneOf(const cow_String& word, const std::string_view (&words)[count]) {
   return std::ranges::find(words, word) != std::end(words);
 }
 
-cow_String listOfRestraints() {
-  cow_String list(restraints[0]);
-  for (const std::string_view word : std::span(restraints).subspan(1))
-    list += (word == std::end(restraints)[-1] ? " or " : ", ") + cow_String(word);
+// "VELX, VELY or VELZ"
+cow_String listOf(std::span<const std::string_view> words) {
+  cow_String list(words.front());
+  for (const std::string_view word : words.subspan(1))
+    list += (word == words.back() ? " or " : ", ") + cow_String(word);
   return list;
 }
 
@@ -43,6 +44,12 @@ cow_String textOfDegree(const cow_String& degree) {
 
 bool isWord(int slot) {
   return slot < 0 && slot != inp_blankInt;
+}
+
+// What TYPE prescribes in the place of displacements, for people; empty: nothing.
+cow_String rateOf(const inp_Keyword& keyword) {
+  const cow_String type = keyword.StringOf("type", "");
+  return type == "VELOCITY" ? "velocity" : type == "ACCELERATION" ? "acceleration" : "";
 }
 
 // words: of the column, in the order of their slots.
@@ -95,6 +102,7 @@ inpS_BoundaryLines::inpS_BoundaryLines(const inp_Keyword& keyword, bool isFluidS
     : inpS_NodalLines(keyword, "Boundary condition references undefined nodes: ",
                       "Boundary condition references undefined nodes from instance %s: "),
       m_isFluidStep(isFluidStep), m_isFixed(inpS_saysYes(keyword, "fixed")),
+      m_rate(rateOf(keyword)),
       m_needsDegree(!inpS_saysYes(keyword, "submodel") && !keyword.HasParameter("file")) {}
 
 cow_String inpS_BoundaryLines::TextOfMissing(const cow_String& name) const {
@@ -109,7 +117,7 @@ bool inpS_BoundaryLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   const cow_List<cow_String>& all = words[firstColumn]->All();
   for (; m_knownWords < all.size(); ++m_knownWords)
     m_areWordsKnown = m_areWordsKnown && IsWord(all[m_knownWords]);
-  const int most = m_isFixed ? mostFixed : mostDegree;
+  const int most = m_isFixed || !m_rate.empty() ? mostFixed : mostDegree;
   bool isSound =
       m_areWordsKnown &&
       !(m_isFixed && piece.given > valueColumn &&
@@ -125,8 +133,8 @@ bool inpS_BoundaryLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   }
   if (!all.empty())
     for (std::size_t n = 0; n < piece.count; ++n)
-      isSound &=
-          !isRestraint(first[n], all) || inp_isBlankReal(piece.columns[valueColumn].reals[n]);
+      isSound &= !isRestraint(first[n], all) ||
+                 (m_rate.empty() && inp_isBlankReal(piece.columns[valueColumn].reals[n]));
   return isSound;
 }
 
@@ -135,13 +143,18 @@ std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& l
   const int last = line.slots[lastColumn];
   if (isWord(first)) {
     const cow_String word = inp_Utils::Fold(line.Text(firstColumn));
+    if (isOneOf(word, restraints) && !m_rate.empty())
+      return inpS_LineFault{firstColumn, word + " restrains displacements and has no " + m_rate +
+                                             "; TYPE=DISPLACEMENT takes it."};
     if (isOneOf(word, restraints) && (line.Has(lastColumn) || line.Has(valueColumn)))
       return inpS_LineFault{line.Has(lastColumn) ? lastColumn : valueColumn,
                             word + " tells all; what follows is kept, and means nothing.", false,
                             false};
     if (IsWord(word)) return {};
-    return inpS_LineFault{firstColumn,
-                          "\"" + word + "\" is none of the restraints " + listOfRestraints() + "."};
+    return inpS_LineFault{
+        firstColumn,
+        "\"" + word + "\" is none of the restraints " + listOf(restraints) +
+            (m_isFluidStep ? ", nor of the velocities " + listOf(velocities) : cow_String()) + "."};
   }
   if (first == inp_blankInt) {
     if (!m_needsDegree) return {};
@@ -151,6 +164,9 @@ std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& l
     const int degree = line.slots[static_cast<std::size_t>(col)];
     if (degree == inp_blankInt) continue;
     if (degree < 1 || degree > mostDegree) return inpS_LineFault{col, textOfDegree(line.Text(col))};
+    if (!m_rate.empty() && degree > mostFixed)
+      return inpS_LineFault{col, "Degree of freedom " + std::to_string(degree) + " has no " +
+                                     m_rate + ": displacements and rotations, 1 to 6, have one."};
     if (m_isFixed && degree > mostFixed)
       return inpS_LineFault{col,
                             "Boundary condition with parameter fixed not supported for dof > 6"};
@@ -169,13 +185,14 @@ std::optional<inpS_LineFault> inpS_BoundaryLines::FaultOf(const inpS_LineView& l
 
 inpS_ConcentratedLines::inpS_ConcentratedLines(const inp_Keyword& keyword, bool isFluidStep)
     : inpS_NodalLines(keyword, "Cloadreferences undefined nodes: "), m_isFluidStep(isFluidStep),
-      m_isOfUser(inpS_saysYes(keyword, "user")) {}
+      m_isOfUser(inpS_saysYes(keyword, "user")),
+      m_isElsewhere(m_isOfUser || inpS_saysYes(keyword, "submodel")) {}
 
 bool inpS_ConcentratedLines::IsSound(const inp_ColumnPiece& piece, Words words) {
   if (m_isFluidStep || !words[firstColumn]->All().empty()) return false;
   if (!inp_areWithin(piece.columns[firstColumn].ints.first(piece.count), 1, mostLoaded))
     return false;
-  if (!m_isOfUser && inp_hasBlank(piece.columns[magnitudeColumn].reals.first(piece.count)))
+  if (!m_isElsewhere && inp_hasBlank(piece.columns[magnitudeColumn].reals.first(piece.count)))
     return false;
   constexpr int surplus = magnitudeColumn + 1;
   return piece.given <= surplus ||
@@ -202,7 +219,7 @@ std::optional<inpS_LineFault> inpS_ConcentratedLines::FaultOf(const inpS_LineVie
     return inpS_LineFault{magnitudeColumn + 1,
                           "A force has one magnitude; what follows is kept, and means nothing.",
                           false, false};
-  if (degree <= mostLoaded && (m_isOfUser || line.Has(magnitudeColumn))) return {};
+  if (degree <= mostLoaded && (m_isElsewhere || line.Has(magnitudeColumn))) return {};
   if (degree <= mostLoaded)
     return inpS_LineFault{-1, "The line gives no magnitude, which is 0.", false, false};
   const bool isHeat = degree > 10;

@@ -48,6 +48,7 @@ private:
 
   bool m_isFluidStep;
   bool m_isFixed;
+  cow_String m_rate;            // "velocity", "acceleration"; empty: displacements are prescribed
   bool m_needsDegree;           // what another analysis gives may tell its own
   std::size_t m_knownWords = 0; // of those seen, and whether all were of the list
   bool m_areWordsKnown = true;
@@ -70,4 +71,5 @@ public:
 private:
   bool m_isFluidStep;
   bool m_isOfUser;
+  bool m_isElsewhere; // a routine or another analysis has the magnitudes
 };

@@ -132,9 +132,12 @@ bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_Parame
     }
     good = false;
     const cow_String value = item->IsFlag() ? cow_String() : "=" + item->Verbatim();
-    if (!keyword.LeaveUnread(row.key)) continue;
+    const bool isDoubted = keyword.IsDoubted(row.key);
+    if (!keyword.LeaveUnread(row.key) && !isDoubted) continue;
     wip_Message message = inp_Utils::MessageAtParameter(
-        keyword, row.key, row.name + value + " " + fault + "; it is kept as it stands.");
+        keyword, row.key,
+        isDoubted ? "It is kept as it stands."
+                  : row.name + value + " " + fault + "; it is kept as it stands.");
     const bool isWord = row.codec == inpS_Codec::Word || row.codec == inpS_Codec::Choice;
     if ((isWord || saysYesOrNo(row)) && !item->IsFlag())
       messages.AddWarning(std::move(message));

@@ -39,7 +39,7 @@ using inpS_ParameterBindings = cow_List<inpS_ParameterBinding>;
 bool inpS_readParameters(const inp_Keyword& keyword, std::span<const inpS_ParameterBinding> rows,
                          KvoSimDataRecord record, inp_Visitor& messages);
 
-// Whether some value is none of the words that the language has for it; the parser has told that.
+// Whether some value is none of the words that the language has for it.
 bool inpS_hasUnknownWord(const inp_Keyword& keyword);
 // The parameters whose values are such.
 cow_List<cow_String> inpS_unknownWords(const inp_Keyword& keyword);

@@ -162,10 +162,11 @@ void inpS_MaterialVisitor::KeepAsText(const inp_Keyword& keyword, const KvoSimPo
 void inpS_MaterialVisitor::KeepUnconverted(const inp_Keyword& keyword,
                                            const KvoSimPosition& owner) {
   cow_String reason = UntoldReason(keyword);
-  // What was said then says nothing of the text.
-  const bool isUntold = inpS_hasUnknownWord(keyword) ||
-                        ((keyword.Kind() == inp_KwExpansion || keyword.Kind() == inp_KwElastic) &&
-                         !inpS_FormTable::Instance().Select(keyword));
+  // Of words that are none, and what was said then says nothing of the text.
+  const bool isElastic = keyword.Kind() == inp_KwElastic;
+  const bool isUntold =
+      keyword.Kind() != inp_KwExpansion &&
+      (inpS_hasUnknownWord(keyword) || (isElastic && !inpS_FormTable::Instance().Select(keyword)));
   const bool isTold = reason.empty() && !isUntold;
   KeepAsText(keyword, owner, isTold, std::move(reason));
 }
@@ -226,7 +227,7 @@ bool inpS_MaterialVisitor::MayConvert(const inp_Keyword& keyword, const KvoSimPo
     ReportChoice(keyword);
     return false;
   }
-  if (inpS_hasUnknownWord(keyword)) return false; // told
+  if (inpS_hasUnknownWord(keyword)) return false; // told with the text
   if (behavior->HasTable() && NamesDistribution(keyword) && !isOneWord(keyword)) return false;
   if (behavior->info->repeat == eds_FormRepeat::Many) return true;
   return !IsSecond(keyword, *behavior, owner);
@@ -273,12 +274,15 @@ bool inpS_MaterialVisitor::IsSecond(const inp_Keyword& keyword, const inpS_Form&
   return false;
 }
 
-// A value that is no word of the language has been told by the parser, and what *ELASTIC does not
-// know it leaves alone without a word of its own.
+// A value that is no word of the language is told with the text that is kept, and what *ELASTIC
+// does not know it leaves alone without a word of its own.
 void inpS_MaterialVisitor::ReportChoice(const inp_Keyword& keyword) {
   const cow_String parameter = inpS_FormTable::Instance().UnknownChoice(keyword);
-  if (keyword.Kind() == inp_KwExpansion && parameter == "TYPE")
-    return AddWarning(inp_Utils::MessageAtParameter(keyword, "type", "Unsupported type."));
+  if (keyword.Kind() == inp_KwExpansion && parameter == "TYPE") {
+    wip_Message message = inp_Utils::MessageAtParameter(keyword, "type", "Unsupported type.");
+    message.notes.push_back({"The keyword is kept as text.", {}});
+    return AddWarning(std::move(message));
+  }
   if (inpS_hasUnknownWord(keyword) || keyword.Kind() == inp_KwElastic) return;
   const bool says = std::ranges::any_of(inpS_behaviorForms(), [&](const inpS_Form* row) {
     return row->keyword == keyword.Kind() &&

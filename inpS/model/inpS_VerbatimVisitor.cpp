@@ -392,11 +392,25 @@ void inpS_VerbatimVisitor::Count(const inp_Keyword& keyword, bool isTold) {
   }
   ++m_kept[known->second].count;
   const inpS_TextPlace* place = m_ledger.TextOf(keyword);
+  const cow_String reason = place && !place->reason.empty()
+                                ? "*" + keyword.Name() + ' ' + place->reason + "; it is"
+                                : cow_String();
+  if (TellDoubts(keyword, reason.empty() ? "The keyword is" : reason)) return;
   if (isTold || (place && place->isTold)) return;
-  if (place && !place->reason.empty())
-    return TellKept(keyword, "*" + keyword.Name() + ' ' + place->reason + "; it is");
+  if (!reason.empty()) return TellKept(keyword, reason);
   Untold& untold = m_untold[known->second];
   if (untold.count++ == 0) untold.first = keyword;
+}
+
+// Of parameters of which no one has said yet what is wrong with them.
+bool inpS_VerbatimVisitor::TellDoubts(const inp_Keyword& keyword, const cow_String& text) {
+  bool hasSome = false;
+  for (const inp_Parameter& parameter : keyword.Parameters()) {
+    if (!parameter.doubted) continue;
+    AddWarning(inp_Utils::MessageAtParameter(keyword, parameter.name, text + " kept as text."));
+    hasSome = true;
+  }
+  return hasSome;
 }
 
 void inpS_VerbatimVisitor::TellKept(const inp_Keyword& keyword, const cow_String& text) {

@@ -55,6 +55,7 @@ private:
   int BlockOf(const inp_Keyword& keyword);
   bool IsWrittenHere(const inp_Keyword& keyword);
   void Count(const inp_Keyword& keyword, bool isTold);
+  bool TellDoubts(const inp_Keyword& keyword, const cow_String& text);
   void TellKept(const inp_Keyword& keyword, const cow_String& text);
 
   const inpS_Inventory& m_inventory;

@@ -38,7 +38,7 @@ bool isAnalytical(Type type) {
 
 // A cutting plane through nodes would have to follow them; it stays text.
 bool isModelled(const inp_Keyword& keyword) {
-  if (inpS_hasUnknownWord(keyword)) return false; // told by the parser
+  if (inpS_hasUnknownWord(keyword)) return false; // told with the text
   const int type = typeOf(keyword);
   if (type != static_cast<int>(Type::Cutting)) return type >= 0;
   const inp_Item* definition = keyword.Find("definition");

@@ -115,6 +115,10 @@ inpS_ActingDescription inpS_InForceDescription::Describe(const Relay& relay, lon
     DescribeGiven(given, runs, told);
   if (const auto loadCase = of.GetReference(eds_Excitation_LoadCase); !loadCase.IsNull())
     told.loadCase = NameOf(loadCase).empty() ? "unnamed" : NameOf(loadCase);
+  if (!of.IsMemberNull(eds_Excitation_LoadCaseNumber))
+    told.loadCaseNumber = of.GetInt64(eds_Excitation_LoadCaseNumber);
+  if (!of.IsMemberNull(eds_Excitation_CyclicMode))
+    told.cyclicMode = of.GetInt64(eds_Excitation_CyclicMode);
   told.isAlongLocalAxes = !of.GetReference(eds_Excitation_Transform).IsNull();
   told.isImaginary = of.GetBool(eds_Excitation_Imaginary);
   DescribeOrigin(of, told);

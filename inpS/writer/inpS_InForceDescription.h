@@ -45,6 +45,8 @@ struct inpS_ActingDescription {
   long long fromStep = 0;        // 0: before the first
   const char* how = "given";     // "carried", "held"
   cow_String loadCase;
+  std::optional<long long> loadCaseNumber; // that LOAD CASE= gives
+  std::optional<long long> cyclicMode;     // of a load on a sector
   bool isImaginary = false;
 };
 

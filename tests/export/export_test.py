@@ -477,6 +477,7 @@ class Exports(unittest.TestCase):
         grid = self.export(deck, "--step", "2", "--force")
         self.assertEqual(acting("Force"), {(1, 3): (0, 0, -2)})
         self.assertEqual(acting("Velocity"), {(-1, 2): (6, 0, 0)})
+        self.assertEqual(acting("VelocityDofs"), {(-1, 2): (1,)})  # the others are displacements
         later = fixed | {(-1, 2): (1,), (1, 5): (0b110000,), (-1, 3): (0b100011,)}
         self.assertEqual(acting("FixedDofs"), later)
         self.assertIn("*CLOAD, USER acts in step 2 and is not shown (1 time)", self.said)
@@ -503,7 +504,8 @@ class Exports(unittest.TestCase):
                 "*STEP\n*STATIC\n*BOUNDARY, FIXED\n1, 1\n4, 1, 2\n*TEMPERATURE, FILE=older\n*END STEP\n"
                 "*STEP\n*STATIC\n*BOUNDARY, FIXED\n1, 1\n*END STEP\n"
                 "*STEP\n*STATIC\n*BOUNDARY, OP=NEW\n*FIELD, OP=NEW, VARIABLE=2\n*LOAD CASE, NAME=ONE\n*CLOAD\n1, 1, 2.\n*END LOAD CASE\n"
-                "*LOAD CASE\n*CLOAD\n1, 1, 3.\n*BOUNDARY\n5, 1\n*END LOAD CASE\n*END STEP\n")
+                "*LOAD CASE\n*CLOAD\n1, 1, 3.\n*BOUNDARY\n5, 1\n*END LOAD CASE\n*END STEP\n"
+                "*STEP\n*BUCKLE\n5\n*CLOAD, LOAD CASE=1\n1, 1, 1.\n*CLOAD, LOAD CASE=2\n1, 1, 1.\n*END STEP\n")
         kept = "what *BOUNDARY, FIXED keeps of steps in which it is not prescribed acts in step"
         none = None
         for step, along, temperatures, says in (
@@ -527,10 +529,14 @@ class Exports(unittest.TestCase):
         # Each load case by itself.
         self.export(deck, "--step", "5", "--force")
         found = {name.removeprefix("Step 5 Step-5/"): block for name, block in self.blocks().items()}
-        self.assertEqual(sorted(found), ["Load case 2 Nodes", "Load case ONE Nodes", "Mesh"])
-        for name, force in (("ONE", [2, 0, 0]), ("2", [3, 0, 0, 0, 0, 0])):
+        self.assertEqual(sorted(found), ["Load case ONE Nodes", "Load case unnamed 2 Nodes", "Mesh"])
+        for name, force in (("ONE", [2, 0, 0]), ("unnamed 2", [3, 0, 0, 0, 0, 0])):
             self.assertEqual(values(found[f"Load case {name} Nodes"].GetPointData(), "Force"), force)
         self.assertNotIn("load case", self.said)
+        self.export(deck, "--step", "6", "--force")
+        numbered = [values(block.GetPointData(), "Force") for name, block in self.blocks().items()
+                    if "Load case" in name]
+        self.assertEqual(numbered, [[1, 0, 0], [1, 0, 0]])
 
     def test_more_sets_than_arrays(self):
         deck = "*NODE\n1, 0., 0.\n" + "".join(f"*NSET, NSET=N{i}\n1\n" for i in range(70))

@@ -183,14 +183,17 @@ TEST_F(ActingInSteps, AreATable) {
             inps_ExitUsage);
 }
 
-// What a keyword says beside an amplitude: the one of a film's coefficient, and which base moves.
+// What a keyword says beside an amplitude: the one of a film's coefficient, which base moves, which
+// load case it is of, and that what is there stays.
 TEST_F(ActingInSteps, HaveCompanions) {
   const cow_String deck =
       cow_String(oneBrick) +
       "*AMPLITUDE, NAME=RAMP\n0., 0., 1., 1.\n*AMPLITUDE, NAME=ALL-TIME, TIME=TOTAL TIME\n"
       "0., 0., 1., 1.\n*STEP\n*STATIC\n*FILM, AMPLITUDE=ALL-TIME, FILM AMPLITUDE=RAMP\n"
       "SOLID, F1, 20., 5.\n*BOUNDARY, BASE NAME=B2\n1, 3\n*END STEP\n*STEP\n*STATIC\n"
-      "*BASE MOTION, DOF=3, AMPLITUDE=RAMP, BASE NAME=B2\n*END STEP\n";
+      "*BASE MOTION, DOF=3, AMPLITUDE=RAMP, BASE NAME=B2\n*END STEP\n"
+      "*STEP\n*BUCKLE\n5\n*CLOAD, LOAD CASE=2\n8, 1, 1.\n*END STEP\n"
+      "*STEP\n*STATIC\n*BOUNDARY, FIXED\n5, 1\n*CLOAD, USER\n6, 1\n*END STEP\n";
   ProgramRun({"convert", Deck("c.inp", deck), "-o", File("c.sim"), "--quiet"});
   const auto of = [&](const char* step) {
     return ProgramRun({"info", File("c.sim"), "--history", step}).out;
@@ -198,6 +201,20 @@ TEST_F(ActingInSteps, HaveCompanions) {
   EXPECT_EQ(Line(of("1"), "FILM"), "FILM SOLID F1 - 20 ALL-TIME; film RAMP 1 given -");
   EXPECT_EQ(Line(of("2"), "FILM"), "FILM SOLID F1 - 20 ALL-TIME; ended film RAMP 1 carried -");
   EXPECT_EQ(Line(of("2"), "BASE MOTION"), "BASE MOTION base B2 BASE_D C_3 - RAMP 2 given -");
+  EXPECT_EQ(Line(of("3"), "CLOAD"), "CLOAD 8 CF_D C_1 1 - 3 given 2");
+  EXPECT_EQ(Line(of("4"), "BOUNDARY 5"), "BOUNDARY 5 U_D C_1 fixed - 4 given -");
+  EXPECT_EQ(Line(of("4"), "CLOAD"), "CLOAD 6 CF_D C_1 - - 4 given -");
+  const json steps =
+      json::parse(ProgramRun({"info", File("c.sim"), "--history", "--json"}).out)["history"];
+  const auto values = [&](std::size_t step, const char* keyword, const char* key) {
+    json all = json::array();
+    for (const json& one : steps[step]["acting"])
+      if (one["keyword"] == keyword) all.push_back(one[key]);
+    return all.dump();
+  };
+  EXPECT_EQ(values(2, "CLOAD", "loadCaseNumber"), "[2]");
+  EXPECT_EQ(values(3, "CLOAD", "loadCaseNumber"), "[null]");
+  EXPECT_EQ(values(3, "BOUNDARY", "fixed"), "[false,true]");
 }
 
 TEST_F(ActingInSteps, AreWholeForPrograms) {

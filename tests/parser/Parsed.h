@@ -1,5 +1,6 @@
 #pragma once
 
+#include "parser/inp_Doubts.h"
 #include "parser/inp_Parser.h"
 
 // A deck given as text, and what the parser says of it.
@@ -13,6 +14,7 @@ struct Parsed {
     errors = parser.SyntaxErrors();
     errors.insert(errors.end(), parser.Slips().begin(), parser.Slips().end());
     warnings = parser.Warnings();
+    for (const inp_Keyword& keyword : keywords) inp_takeDoubts(keyword, warnings);
   }
 
   inp_KeywordList keywords;

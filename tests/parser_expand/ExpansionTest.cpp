@@ -134,8 +134,9 @@ TEST(Expansion, ValuesMakeNoNewLinesOrNames) {
 TEST(Expansion, KeywordLinesReadAgainTellWhatIsNew) {
   const Expanded expanded("*Parameter\nk=''\n*NSET, NSET=A, WRONG=1, UNSORTED=<k>\n1\n");
   EXPECT_EQ(shown(expanded.parsed.warnings), "3:16 unknown parameter \"WRONG\" of *NSET\n");
-  EXPECT_EQ(shown(expanded.visitor.Warnings()),
-            "3:25 parameter \"UNSORTED\" has no value behind its equal sign\n");
+  cow_List<wip_Message> doubts;
+  for (const inp_Keyword& keyword : expanded.visitor.Keywords()) inp_takeDoubts(keyword, doubts);
+  EXPECT_EQ(shown(doubts), "3:25 parameter \"UNSORTED\" has no value behind its equal sign\n");
 }
 
 TEST(Expansion, WarnsOfASecondDefinition) {
