@@ -98,6 +98,8 @@ void inps_StepConditions::Read(const Acting& acting) {
       {"imaginary", ", IMAGINARY"}, {"user", ", USER"}, {"submodel", ", SUBMODEL"}};
   for (const auto& [flag, text] : flags)
     if (m_given.unknown.empty() && hasFlag(kind, acting.record, flag)) m_given.unknown = text;
+  if (m_given.unknown.empty() && kind.cyclicMode >= 0 && !record.IsMemberNull(kind.cyclicMode))
+    m_given.unknown = ", CYCLIC MODE"; // of another sector than this one, too
   if (m_given.unknown.empty() && kind.file >= 0 && !record.GetString(kind.file).empty())
     m_given.unknown = ", FILE";
 }

@@ -46,10 +46,15 @@ bool isWord(int slot) {
   return slot < 0 && slot != inp_blankInt;
 }
 
-// What TYPE prescribes in the place of displacements, for people; empty: nothing.
+// What TYPE prescribes in the place of displacements, for people; empty: nothing. To ask the keyword
+// for it would say that it has been read.
 cow_String rateOf(const inp_Keyword& keyword) {
-  const cow_String type = keyword.StringOf("type", "");
-  return type == "VELOCITY" ? "velocity" : type == "ACCELERATION" ? "acceleration" : "";
+  for (const inp_Parameter& one : keyword.Parameters()) {
+    if (one.name != "type") continue;
+    const cow_String type = one.value.AsString();
+    return type == "VELOCITY" ? "velocity" : type == "ACCELERATION" ? "acceleration" : "";
+  }
+  return {};
 }
 
 // words: of the column, in the order of their slots.

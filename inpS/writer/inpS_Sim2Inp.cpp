@@ -269,10 +269,11 @@ void Impl::PrintScope(const inpS_DeckScope& scope, int from, int to) {
   }
 }
 
-// What lies within the model: all but its heading and its steps.
+// What lies within the model: all but its heading and its steps, and what strayed in from there.
 void Impl::PrintWithin(const inpS_DeckScope& scope) {
   PrintKept(scope, inpS_block(1));
   PrintScope(scope, 2, kStepsBlock - 1);
+  PrintKept(scope, inpS_block(kStepsBlock));
 }
 
 inpS_FormPrinting Impl::Printing(const inpS_DeckScope& scope) {

@@ -6,11 +6,11 @@
 
 namespace {
 
-// What the lines of *EQUATION name, seen from where they stand.
+// What the lines of *MPC name, seen from where they stand.
 class Probe : public inpS_SetVisitor {
 public:
   using inpS_SetVisitor::inpS_SetVisitor;
-  void VisitEquation(const inp_Keyword& keyword) override {
+  void VisitMpc(const inp_Keyword& keyword) override {
     Seen seen;
     for (long long row = 0; row < keyword.Data().Rows(); ++row)
       ReadNodeData(keyword, row, 0, seen.ordinals, seen.unknown);
@@ -37,11 +37,11 @@ TEST(SetVisitor, ReadsLabelsAndSetsFromWhereItStands) {
   std::ofstream(path, std::ios::binary)
       << "*PART, NAME=P\n*NODE, NSET=S\n30, 0., 0., 0.\n10, 1., 0., 0.\n20, 2., 0., 0.\n"
          "*NSET, NSET=U, UNSORTED\n20, 30, 10\n*ELEMENT, TYPE=T3D2, ELSET=E\n7, 10, 20\n5, 20, 30\n"
-         "*EQUATION\nS, U, 20\nI.10, I.S, 4294967306, NOBODY, I.4294967306\n*END PART\n"
+         "*MPC\nS, U, 20\nI.10, I.S, 4294967306, NOBODY, I.4294967306\n*END PART\n"
          "*ASSEMBLY, NAME=A\n*INSTANCE, NAME=I, PART=P\n*END INSTANCE\n"
          "*INSTANCE, NAME=J, PART=P\n*END INSTANCE\n"
          "*NSET, NSET=S\nJ.S, I.S\n*ELSET, ELSET=E\nJ.E\n"
-         "*EQUATION\nS, J.U, J.10, J.4294967306, 10\n*END ASSEMBLY\n";
+         "*MPC\nS, J.U, J.10, J.4294967306, 10\n*END ASSEMBLY\n";
   inpS_Inp2Sim driver(path.string(), folder.Path().string());
   ASSERT_TRUE(driver.Parse() && driver.CheckUtf8Compliance() && driver.Expand() &&
               driver.Reorganize() && driver.BuildInventory());

@@ -203,7 +203,7 @@ TEST_F(ActingInSteps, HaveCompanions) {
   EXPECT_EQ(Line(of("2"), "BASE MOTION"), "BASE MOTION base B2 BASE_D C_3 - RAMP 2 given -");
   EXPECT_EQ(Line(of("3"), "CLOAD"), "CLOAD 8 CF_D C_1 1 - 3 given 2");
   EXPECT_EQ(Line(of("4"), "BOUNDARY 5"), "BOUNDARY 5 U_D C_1 fixed - 4 given -");
-  EXPECT_EQ(Line(of("4"), "CLOAD"), "CLOAD 6 CF_D C_1 - - 4 given -");
+  EXPECT_EQ(Line(of("4"), "CLOAD"), "CLOAD 6 CF_D C_1 routine - 4 given -");
   const json steps =
       json::parse(ProgramRun({"info", File("c.sim"), "--history", "--json"}).out)["history"];
   const auto values = [&](std::size_t step, const char* keyword, const char* key) {
