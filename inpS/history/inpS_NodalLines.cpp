@@ -46,8 +46,8 @@ bool isWord(int slot) {
   return slot < 0 && slot != inp_blankInt;
 }
 
-// What TYPE prescribes in the place of displacements, for people; empty: nothing. To ask the keyword
-// for it would say that it has been read.
+// What TYPE prescribes in the place of displacements, for people; empty: nothing. To ask the
+// keyword for it would say that it has been read.
 cow_String rateOf(const inp_Keyword& keyword) {
   for (const inp_Parameter& one : keyword.Parameters()) {
     if (one.name != "type") continue;

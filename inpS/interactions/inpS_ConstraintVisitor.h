@@ -13,8 +13,7 @@ protected:
   // What ties two surfaces ties them whatever its discretization, and what spreads a motion does so
   // whatever its weights.
   bool MayLack(const inpS_Form& form, const eds_FormItem& item) const override {
-    return (form.keyword == inp_KwTie && item.name == "type") ||
-           form.keyword == inp_KwDistributing;
+    return (form.keyword == inp_KwTie && item.name == "type") || form.keyword == inp_KwDistributing;
   }
   bool ReadColumns(const inp_Keyword& keyword, const eds_FormInfo& form,
                    const KvoSimPosition& record) override;
