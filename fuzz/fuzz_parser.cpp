@@ -4,6 +4,7 @@
 #include "base/utl_Assert.h"
 #include "base/utl_Threads.h"
 #include "parser/inp_Parser.h"
+#include "parser/inp_ScopeTracker.h"
 #include <cstddef>
 #include <cstdint>
 
@@ -47,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const cow_String text = keyword.Text();
     if (!parsed.clean) continue; // what could not be read need not read the same again
     const inp_KeywordList again = parse(text).keywords;
-    const bool endsNothing = keyword.Kind() == inp_KwEndStep; // alone: it is left out
+    const bool endsNothing = inp_ScopeTracker::IsCloser(keyword.Kind()); // alone: it is left out
     utl_ASSERT(again.empty() == endsNothing);
     if (!endsNothing) utl_ASSERT(again.front().Text() == text);
   }
